@@ -1,0 +1,12 @@
+# Everything comes from Debian's packages; scripts/packages.txt is the list that the scripts install.
+find_package(SQLite3 REQUIRED)
+find_package(fmt REQUIRED)
+find_package(CLI11 REQUIRED)
+find_package(PkgConfig REQUIRED)
+pkg_check_modules(utf8proc REQUIRED IMPORTED_TARGET libutf8proc)
+set(CURSES_NEED_WIDE TRUE)
+find_package(Curses REQUIRED)
+if(BUILD_TESTING OR NOT DEFINED BUILD_TESTING)
+    find_package(GTest REQUIRED)
+    include(GoogleTest)
+endif()

@@ -1,0 +1,35 @@
+# Compiler settings that every target of this project shares.
+add_library(quillon_options INTERFACE)
+target_include_directories(quillon_options INTERFACE ${PROJECT_SOURCE_DIR})
+target_compile_options(quillon_options INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast -Werror)
+if(QUILLON_SANITIZE)
+    target_compile_options(quillon_options INTERFACE
+        -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer -O1)
+    target_link_options(quillon_options INTERFACE -fsanitize=address,undefined)
+endif()
+if(QUILLON_LIBFUZZER)
+    target_compile_options(quillon_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()
+
+# quillon_library(NAME SOURCES ... [USES ...] [PRIVATELY_USES ...])
+# A static library; USES are targets whose headers its own headers include.
+function(quillon_library name)
+    cmake_parse_arguments(ARG "" "" "SOURCES;USES;PRIVATELY_USES" ${ARGN})
+    if(NOT ARG_SOURCES)
+        add_library(${name} INTERFACE)
+        target_link_libraries(${name} INTERFACE quillon_options ${ARG_USES})
+        return()
+    endif()
+    add_library(${name} STATIC ${ARG_SOURCES})
+    target_link_libraries(${name} PUBLIC quillon_options ${ARG_USES} PRIVATE ${ARG_PRIVATELY_USES})
+endfunction()
+
+# quillon_test(NAME SOURCES ... USES ...)
+# A GoogleTest program whose cases CTest runs one by one.
+function(quillon_test name)
+    cmake_parse_arguments(ARG "" "" "SOURCES;USES" ${ARGN})
+    add_executable(${name} ${ARG_SOURCES})
+    target_link_libraries(${name} PRIVATE quillon_options ${ARG_USES} GTest::gtest_main GTest::gmock)
+    gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
+endfunction()

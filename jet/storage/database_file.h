@@ -1,0 +1,59 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "jet/schema.h"
+#include "jet/storage/table.h"
+
+namespace jet::storage {
+
+enum class OpenMode {
+    ReadOnly,   ///< nothing is written, not even a lock file; a pending journal is applied in memory
+    ReadWrite,  ///< takes the database for this process: fails with Error(InUse) if another has it
+};
+
+/// An open Jet 4 `.mdb` file.
+///
+/// Changes reach the file in groups: Commit() writes every page changed since the last one to a
+/// journal file beside the database, flushes it, writes the pages into place and removes the
+/// journal. A crash at any instant therefore leaves, after the next Open, the state of some Commit.
+class DatabaseFile {
+  public:
+    /// Opens and checks header, catalog and locks. Errors: NotFound, NotADatabase, Encrypted,
+    /// Damaged, InUse, ReadOnly, Io, each naming the file.
+    static DatabaseFile Open(const std::filesystem::path& path, OpenMode mode);
+
+    /// Makes a new file with these tables, all empty. Fails if the path exists.
+    static void Create(const std::filesystem::path& path, std::span<const TableDefinition> tables);
+
+    DatabaseFile(DatabaseFile&&) noexcept;
+    DatabaseFile& operator=(DatabaseFile&&) noexcept;
+    /// Commits what is left (errors are lost here: call Commit() to see them) and gives up the lock.
+    ~DatabaseFile();
+
+    /// User tables (no system tables), by name without letter case.
+    std::vector<std::string> TableNames() const;
+
+    /// The table of this name, whatever its letter case; Error(NotFound) if there is none. The
+    /// reference stays valid as long as this object; asking again gives the same object.
+    Table& OpenTable(std::string_view name);
+
+    /// Makes the changes so far durable. A change made by a Table call is never split.
+    void Commit();
+
+    /// Commits when the oldest uncommitted change is more than a second old or many pages are
+    /// waiting. Cheap: callers call it after each change.
+    void CommitIfDue();
+
+  private:
+    class Implementation;
+    explicit DatabaseFile(std::unique_ptr<Implementation> implementation);
+    std::unique_ptr<Implementation> implementation_;
+};
+
+}  // namespace jet::storage

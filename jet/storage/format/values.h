@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "jet/schema.h"
+#include "jet/value.h"
+
+namespace jet::storage {
+
+/// UTF-16 of a UTF-8 text and back. Lone surrogates survive both ways (as three-byte sequences in
+/// the UTF-8); other malformed UTF-8 becomes U+FFFD.
+std::u16string ToUtf16(std::string_view utf8);
+std::string ToUtf8(std::u16string_view utf16);
+
+/// A Text or Memo value's bytes: plain UTF-16LE, or the compressed form where `mayCompress` (the
+/// column's flag) and the text allow it.
+Bytes EncodeText(std::u16string_view text, bool mayCompress, bool isMemo);
+/// Reads either form. Never fails: whatever the bytes are, they are some text.
+std::string DecodeText(std::span<const std::uint8_t> bytes);
+
+/// The bytes of a value of a fixed-size type or of Binary (everything but Boolean, Text, Memo and
+/// Ole). The value has the alternative that jet::Value documents for `type`, and is in range.
+Bytes EncodeScalar(const Value& value, ColumnType type, std::uint8_t decimalScale);
+/// The reverse; `bytes` has the type's full size.
+Value DecodeScalar(std::span<const std::uint8_t> bytes, ColumnType type, std::uint8_t decimalScale);
+
+/// Bytes that a fixed-size type takes in a row (0 for Boolean and for variable types).
+std::size_t FixedSize(ColumnType type);
+
+}  // namespace jet::storage

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <span>
+#include <string_view>
+
+#include "jet/schema.h"
+#include "jet/value.h"
+
+namespace jet::storage {
+
+/// Appends one column's part of an index key. Keys compare as unsigned byte strings in the order
+/// in which the database sorts the values.
+void AppendKey(Bytes& key, const Value& value, ColumnType type, std::uint8_t decimalScale,
+               bool ascending);
+
+/// The ascending key of a text without its leading marker byte, in the General Legacy order
+/// (language 1033, version 0): letter case and trailing blanks do not count, accents decide after
+/// the letters, apostrophe and hyphen last.
+void AppendTextKey(Bytes& key, std::u16string_view text);
+
+/// Compares two UTF-8 texts as the database orders them: negative, zero or positive. Zero means
+/// that their keys are equal.
+int CompareTexts(std::string_view left, std::string_view right);
+
+}  // namespace jet::storage

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// Texts, numbers and truth values by the rules of the classic Basic runtime. All texts are UTF-8.
+namespace quillon {
+
+/// Letters in lower case (the whole of Unicode, one character for one).
+std::string LowerCase(std::string_view text);
+std::string UpperCase(std::string_view text);
+
+/// Whether two texts are equal when letter case does not count.
+bool EqualIgnoringCase(std::string_view left, std::string_view right);
+
+/// Orders names as a Windows volume lists them: letter case does not count, then by code.
+bool WindowsNameLess(std::string_view left, std::string_view right);
+
+/// Without blanks (U+0020 only) at either end.
+std::string_view Trim(std::string_view text);
+
+/// The pieces between separators; a text without separator is one piece. An empty text is no piece
+/// at all, as with the runtime's Split.
+std::vector<std::string> Split(std::string_view text, std::string_view separator);
+
+/// Every occurrence replaced; comparison is exact. An empty `from` changes nothing.
+std::string Replace(std::string_view text, std::string_view from, std::string_view to);
+
+/// The last `count` characters (bytes of an ASCII ending; whole text when shorter).
+std::string_view Right(std::string_view text, std::size_t count);
+
+/// Whether the runtime can read the text as a number: blanks around it, a sign, digits with or
+/// without thousands separators, a decimal point, an exponent, a currency sign, &H and &O forms.
+bool IsNumeric(std::string_view text);
+
+/// The number a numeric text stands for; empty when it is not numeric.
+std::optional<double> ToNumber(std::string_view text);
+
+/// A 16-bit integer, halves rounded to the even neighbour. Failure: TypeMismatch for a text that
+/// is not numeric, Overflow outside -32768..32767.
+std::int16_t ToInteger(std::string_view text);
+std::int16_t ToInteger(double number);
+
+/// A 32-bit integer by the same rules.
+std::int32_t ToLong(std::string_view text);
+
+/// "True" or "False" in any letter case, or a number (0 is false). Failure: TypeMismatch.
+bool ToBoolean(std::string_view text);
+
+}  // namespace quillon

@@ -1,0 +1,83 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <variant>
+
+#include "platform/date_time.h"
+
+namespace quillon {
+
+/// The absence of a value. An empty text is not Null.
+struct Null {
+    auto operator<=>(const Null&) const = default;
+};
+
+/// One field's content, as far as the library tables need it.
+using Value = std::variant<Null, bool, std::int64_t, double, DateTime, std::string>;
+
+inline bool IsNull(const Value& value) { return std::holds_alternative<Null>(value); }
+
+/// Rows of a query or table. A fresh record set stands on its first row. All operations throw
+/// Failure with the database engine's description.
+class RecordSet {
+  public:
+    virtual ~RecordSet() = default;
+
+    virtual bool IsBof() const = 0;
+    virtual bool IsEof() const = 0;
+    /// The test that the tool uses everywhere: at the beginning and at the end at once.
+    bool IsEmpty() const { return IsBof() && IsEof(); }
+
+    virtual void MoveFirst() = 0;
+    virtual void MoveNext() = 0;
+
+    virtual std::size_t FieldCount() const = 0;
+    virtual Value Get(std::size_t field) const = 0;
+    virtual Value Get(std::string_view field) const = 0;
+    virtual void Set(std::string_view field, const Value& value) = 0;
+
+    /// A field as text ("" for Null) or as a whole number (0 for Null; Failure TypeMismatch for a
+    /// text that is no number).
+    std::string Text(std::string_view field) const;
+    std::int64_t Integer(std::string_view field) const;
+
+    virtual void AddNew() = 0;
+    virtual void Update() = 0;
+    virtual void CancelUpdate() = 0;
+    virtual void Delete() = 0;
+
+    /// Shows only rows that meet the criterion ("ID=5", "CDJID='x'") and moves to the first.
+    virtual void Filter(std::string_view criterion) = 0;
+    /// Orders the rows ("Artist", "Genre, Random") and moves to the first.
+    virtual void Sort(std::string_view order) = 0;
+};
+
+/// The open database.
+class Connection {
+  public:
+    virtual ~Connection() = default;
+
+    /// Runs a statement without a result (INSERT, UPDATE, DELETE); the number of rows it concerned.
+    virtual std::int64_t Execute(std::string_view sql) = 0;
+    /// Runs a SELECT; a read-only forward result.
+    virtual std::unique_ptr<RecordSet> Query(std::string_view sql) = 0;
+    /// Runs a SELECT whose rows may be changed in place.
+    virtual std::unique_ptr<RecordSet> OpenUpdatable(std::string_view sql) = 0;
+    /// A cursor over a whole table: filter, add, change, delete.
+    virtual std::unique_ptr<RecordSet> OpenTable(std::string_view table) = 0;
+    /// Makes all changes so far durable; the driver calls it at each phase's end.
+    virtual void Flush() = 0;
+};
+
+/// Opens databases.
+class DatabaseProvider {
+  public:
+    virtual ~DatabaseProvider() = default;
+    /// `connectionString` is the provider's text followed by the file's Windows path.
+    virtual std::unique_ptr<Connection> Open(std::string_view connectionString) = 0;
+};
+
+}  // namespace quillon

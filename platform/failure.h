@@ -1,0 +1,48 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace quillon {
+
+/// Numbers of the classic runtime's failures that this system can meet.
+enum class FailureNumber : int {
+    InvalidProcedureCall = 5,
+    Overflow = 6,
+    SubscriptOutOfRange = 9,
+    TypeMismatch = 13,
+    BadFileName = 52,
+    FileNotFound = 53,
+    FileAlreadyExists = 58,
+    DiskFull = 61,
+    InputPastEnd = 62,
+    PermissionDenied = 70,
+    PathFileAccess = 75,
+    PathNotFound = 76,
+    ObjectRequired = 424,
+    DuplicateKey = 457,
+    Database = 3001,  ///< whatever the database engine refused; the description says what
+};
+
+/// The one exception of the core and of every platform interface: a number and a description in
+/// the classic runtime's wording, followed by what it concerned ("Path not found: D:\Music").
+class Failure : public std::runtime_error {
+  public:
+    /// Description = the number's own wording + ": " + what it concerned.
+    Failure(FailureNumber number, const std::string& concerning);
+
+    /// For engines that word their own descriptions.
+    static Failure Described(FailureNumber number, const std::string& description);
+
+    FailureNumber Number() const noexcept { return number_; }
+
+  private:
+    struct Verbatim {};
+    Failure(Verbatim, FailureNumber number, const std::string& description);
+    FailureNumber number_;
+};
+
+/// The runtime's wording of a failure number, e.g. "Type mismatch".
+const char* FailureText(FailureNumber number);
+
+}  // namespace quillon

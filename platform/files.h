@@ -1,0 +1,91 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/date_time.h"
+
+namespace quillon {
+
+/// A file as a folder lists it. `path` is the Windows path, `name` its last component.
+struct FileEntry {
+    std::string path;
+    std::string name;
+    std::uint64_t size = 0;  ///< bytes
+    DateTime modified;       ///< local time, to the second
+};
+
+struct FolderEntry {
+    std::string path;
+    std::string name;
+};
+
+/// Lines of an ANSI text file. Lines may end in CR LF or LF; the last one may lack its end.
+class TextReader {
+  public:
+    virtual ~TextReader() = default;
+    virtual bool AtEndOfStream() const = 0;
+    /// The next line without its end, as UTF-8. Failure: InputPastEnd.
+    virtual std::string ReadLine() = 0;
+};
+
+/// A text file being written, in the ANSI code page with CR LF line ends. The file takes its name
+/// only in Close(), whole; a writer that is destroyed before leaves nothing behind.
+class TextWriter {
+  public:
+    virtual ~TextWriter() = default;
+    virtual void Write(std::string_view text) = 0;
+    virtual void WriteLine(std::string_view line) = 0;
+    virtual void Close() = 0;
+};
+
+/// Bytes of a file, read from any position.
+class BinaryReader {
+  public:
+    virtual ~BinaryReader() = default;
+    virtual std::uint64_t Size() const = 0;
+    virtual void SetPosition(std::uint64_t position) = 0;
+    /// Up to `count` bytes from the position on, which moves behind them; fewer only at the end.
+    virtual std::vector<std::uint8_t> Read(std::size_t count) = 0;
+};
+
+/// The file system in Windows terms: paths are `D:\Music\x.mp3` or `\\server\share\x.mp3`, names
+/// compare without letter case, listings come in name order. Every operation throws Failure in the
+/// runtime's wording with the path behind it. A path with a component that Windows cannot hold is
+/// refused (BadFileName) before anything is touched.
+class Files {
+  public:
+    virtual ~Files() = default;
+
+    virtual bool FolderExists(std::string_view path) = 0;
+    virtual bool FileExists(std::string_view path) = 0;
+
+    /// Folders and files directly inside a folder. Entries that Windows could not show are left out
+    /// (the adapter notes each once in the log). Failure: PathNotFound, PermissionDenied.
+    virtual std::vector<FolderEntry> SubFolders(std::string_view folder) = 0;
+    virtual std::vector<FileEntry> FilesIn(std::string_view folder) = 0;
+
+    /// Failure: FileNotFound.
+    virtual FileEntry GetFile(std::string_view path) = 0;
+
+    virtual void CreateFolder(std::string_view path) = 0;
+    /// Copies keep the modification time and appear whole or not at all.
+    virtual void CopyFile(std::string_view from, std::string_view to, bool overwrite) = 0;
+    /// Copies what is inside `from` into the existing folder `to`, sub-folders too.
+    virtual void CopyFolder(std::string_view from, std::string_view to, bool overwrite) = 0;
+    virtual void DeleteFile(std::string_view path) = 0;
+    /// Renames or moves a file. Failure: FileAlreadyExists when the target is another file.
+    virtual void MoveFile(std::string_view from, std::string_view to) = 0;
+
+    virtual std::unique_ptr<TextReader> OpenText(std::string_view path) = 0;
+    /// Replaces the file of that name, if there is one, when the writer is closed.
+    virtual std::unique_ptr<TextWriter> CreateText(std::string_view path) = 0;
+    virtual std::unique_ptr<BinaryReader> OpenBinary(std::string_view path) = 0;
+};
+
+}  // namespace quillon

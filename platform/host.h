@@ -1,0 +1,28 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quillon {
+
+/// The home-automation host that the tool runs beside: it keeps the settings and the log.
+class Host {
+  public:
+    virtual ~Host() = default;
+
+    /// The value's text, or `fallback` when the key (or section, or file) is absent.
+    virtual std::string GetINISetting(std::string_view section, std::string_view key,
+                                      std::string_view fallback, std::string_view file) = 0;
+
+    /// Appends a record to the host's log.
+    virtual void WriteLog(std::string_view source, std::string_view message) = 0;
+
+    /// Names of the plug-ins that the host has enabled.
+    virtual std::vector<std::string> GetPlugins() = 0;
+
+    /// The host's folder as a Windows path, without a trailing backslash.
+    virtual std::string GetAppPath() = 0;
+};
+
+}  // namespace quillon

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace quillon {
+
+/// One of the window's phase indicators.
+struct PhaseIndicator {
+    std::string_view caption;
+    bool visible = true;
+    bool selected = false;
+};
+
+constexpr std::size_t PhaseCount = 17;
+
+/// What the one window shows. The driver and the phases change it; a view draws it.
+struct FormState {
+    std::array<PhaseIndicator, PhaseCount> aPhase;
+    std::string aItem;   ///< the item being worked on
+    std::string aError;  ///< location text of the latest error
+    std::string lblver;  ///< "Version " + major.minor.revision
+    bool aLblReconcile = true;  ///< visible: "Reconcille Library vs Database"
+};
+
+constexpr std::string_view FormCaption = "Library Consistency Management";
+constexpr std::string_view ReconcileCaption = "Reconcille Library vs Database";
+
+/// A face of the run: a desktop window, a terminal screen or plain lines. Views may draw as seldom
+/// as they like; every call returns at once.
+class Window {
+  public:
+    virtual ~Window() = default;
+
+    virtual void Show(const FormState& state) = 0;
+
+    /// Lets pending events run: draws what changed since the last call and takes the person's input.
+    virtual void ProcessEvents(const FormState& state) = 0;
+
+    /// A record has been written to the host's log.
+    virtual void LogWritten(std::string_view source, std::string_view message) = 0;
+
+    /// Whether the person has pressed Abort. Stays true once it is.
+    virtual bool AbortPressed() const = 0;
+
+    /// The window closes; nothing is shown any more.
+    virtual void Unload() = 0;
+};
+
+}  // namespace quillon

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace quillon {
+
+class Run;
+
+/// Appends "\" unless the last character is one already (an empty path becomes "\").
+std::string AddBackslash(std::string_view path);
+
+/// A web path: every "\" becomes "/", with "/" at both ends; empty stays empty.
+std::string FixPath(std::string_view path);
+
+/// The drive part: `D:` of `D:\music`, `\\server\share` of a network path, "" where there is none.
+std::string GetDrive(std::string_view path);
+
+/// Every occurrence of the path's own drive part replaced by `newDrive`.
+std::string ChangeDrive(std::string_view newDrive, std::string_view path);
+
+}  // namespace quillon

@@ -1,0 +1,70 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "platform/clock.h"
+#include "platform/database.h"
+#include "platform/files.h"
+#include "platform/host.h"
+#include "platform/window.h"
+#include "run/settings.h"
+
+namespace quillon {
+
+/// What a run did, for its summary line and exit status.
+struct RunCounts {
+    std::size_t albumsAdded = 0, albumsChanged = 0, albumsRemoved = 0, albumsUnchanged = 0;
+    std::size_t tracksAdded = 0, tracksChanged = 0, tracksRemoved = 0, tracksUnchanged = 0;
+    std::size_t errors = 0;  ///< calls of LogError
+};
+
+/// The run-wide objects, made once and passed by reference to every phase. Phases read settings
+/// and these objects directly; they share nothing else but the database and the files.
+class Run {
+  public:
+    Run(Host& hostObject, Files& fileSystem, Clock& runClock, Window& runWindow);
+    Run(const Run&) = delete;
+    Run& operator=(const Run&) = delete;
+
+    Host& host;
+    Files& files;
+    Clock& clock;
+    Window& window;
+    FormState form;
+    Settings settings;
+
+    /// The library database; set by `main`.
+    std::unique_ptr<Connection> connection;
+
+    /// Genre names by ID3 genre number; "" where the database has none.
+    std::array<std::string, 256> GenreNames;
+
+    /// The roots that the folder phases walk.
+    std::vector<FolderEntry> LibraryFolders;
+
+    /// The exclude list's values as written, and whether there is no list.
+    std::vector<std::string> ExcludeList;
+    bool ExcludeEmpty = true;
+
+    /// Genre of each download-table song by artist, album and song joined with nothing between.
+    std::unordered_map<std::string, std::string> GenreDictionary;
+
+    /// Shows the current item and lets pending events run.
+    void ShowItem(std::string_view item);
+
+    /// Lets pending window events run; the Abort button is noticed here.
+    void ProcessEvents();
+
+    /// Set by the Abort button; only ever goes from false to true.
+    bool AbortRequested = false;
+
+    RunCounts counts;
+};
+
+}  // namespace quillon

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <exception>
+#include <string>
+#include <utility>
+
+namespace quillon {
+
+class Run;
+
+/// The one way in which failures are caught. A procedure makes one object with its location text
+/// and puts the work that may fail into calls of it; a failure is logged through LogError and goes
+/// no further. There is no other try/catch in the core.
+///
+/// Resume with the next statement: a procedure of several `Try` calls, one a step.
+/// Leave the procedure: one `Try` around the whole body.
+class Steps {
+  public:
+    /// `location` is the procedure's fixed text in the log.
+    Steps(Run& run, std::string location) : run_(run), location_(std::move(location)) {}
+
+    /// Runs one step. A failure in it is logged as location + " Line " + step + description.
+    /// Returns whether the step succeeded. Procedures that number no steps pass 0.
+    template <typename Work>
+    bool Try(int step, Work&& work) {
+        try {
+            std::forward<Work>(work)();
+            return true;
+        } catch (const std::exception& failure) {
+            Report(location_, step, failure);
+            return false;
+        }
+    }
+
+    /// The same with a location text of this step's own.
+    template <typename Work>
+    bool TryAs(const std::string& location, int step, Work&& work) {
+        try {
+            std::forward<Work>(work)();
+            return true;
+        } catch (const std::exception& failure) {
+            Report(location, step, failure);
+            return false;
+        }
+    }
+
+  private:
+    void Report(const std::string& location, int step, const std::exception& failure);
+
+    Run& run_;
+    std::string location_;
+};
+
+}  // namespace quillon
