@@ -1,6 +1,7 @@
 # Compiler settings that every target of this project shares.
 add_library(quillon_options INTERFACE)
-target_include_directories(quillon_options INTERFACE ${PROJECT_SOURCE_DIR})
+target_include_directories(quillon_options INTERFACE
+    ${PROJECT_SOURCE_DIR} ${PROJECT_BINARY_DIR}/generated)
 target_compile_options(quillon_options INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast -Werror)
 if(QUILLON_SANITIZE)
