@@ -5,8 +5,6 @@
 
 namespace quillon {
 
-class Run;
-
 /// Appends "\" unless the last character is one already (an empty path becomes "\").
 std::string AddBackslash(std::string_view path);
 

@@ -10,8 +10,8 @@ struct Settings {
     std::string FromFilesPath;
     std::string LibraryRoot;
     std::string ExcludeList;
-    std::string PlayListPath;      ///< ends in a backslash
-    std::string PlayListPath2;     ///< ends in a backslash
+    std::string PlayListPath;   ///< ends in a backslash
+    std::string PlayListPath2;  ///< ends in a backslash
     std::string Nirvis_CDJ_DB;
     std::string AlbumCoverFolder;  ///< ends in a backslash
     bool PickerFormatOption = false;

@@ -1,0 +1,33 @@
+#include "run/log.h"
+
+#include <exception>
+#include <string>
+
+#include "run/run.h"
+
+namespace quillon {
+
+void LogError(Run& run, std::string_view source, std::string_view location,
+              const PendingError* pending) {
+    std::string message(location);
+    if (pending != nullptr) {
+        message += " Line " + std::to_string(pending->step) + " ";
+        message += pending->description;
+    }
+    ++run.counts.errors;
+    WriteLog(run, source, message);
+    run.form.aError = location;
+    run.ProcessEvents();
+}
+
+void WriteLog(Run& run, std::string_view source, std::string_view message) {
+    try {
+        run.host.WriteLog(source, message);
+    } catch (const std::exception&) {
+        // The log is where failures are told; when it fails itself there is nowhere left to tell
+        // it, and the run must not end for it. The window below still shows the message.
+    }
+    run.window.LogWritten(source, message);
+}
+
+}  // namespace quillon

@@ -1,0 +1,41 @@
+#include "run/paths.h"
+
+#include <algorithm>
+
+#include "platform/basic_text.h"
+
+namespace quillon {
+
+std::string AddBackslash(std::string_view path) {
+    std::string result(path);
+    if (!result.ends_with('\\')) result += '\\';
+    return result;
+}
+
+std::string FixPath(std::string_view path) {
+    if (path.empty()) return "";
+    std::string result(path);
+    std::replace(result.begin(), result.end(), '\\', '/');
+    if (!result.starts_with('/')) result.insert(result.begin(), '/');
+    if (!result.ends_with('/')) result += '/';
+    return result;
+}
+
+std::string GetDrive(std::string_view path) {
+    const std::size_t network = path.find("\\\\");
+    if (network == std::string_view::npos) {
+        const std::size_t end = path.find('\\');
+        return std::string(path.substr(0, end == std::string_view::npos ? 0 : end));
+    }
+    const std::size_t serverEnd = path.find('\\', network + 2);
+    if (serverEnd == std::string_view::npos) return "";
+    const std::size_t shareEnd = path.find('\\', serverEnd + 1);
+    if (shareEnd == std::string_view::npos) return "";
+    return std::string(path.substr(0, shareEnd));
+}
+
+std::string ChangeDrive(std::string_view newDrive, std::string_view path) {
+    return Replace(path, GetDrive(path), newDrive);
+}
+
+}  // namespace quillon
