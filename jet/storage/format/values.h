@@ -22,10 +22,15 @@ Bytes EncodeText(std::u16string_view text, bool mayCompress, bool isMemo);
 std::string DecodeText(std::span<const std::uint8_t> bytes);
 
 /// The bytes of a value of a fixed-size type or of Binary (everything but Boolean, Text, Memo and
-/// Ole). The value has the alternative that jet::Value documents for `type`, and is in range.
+/// Ole). Error(TypeMismatch) unless the value has the alternative that jet::Value documents for
+/// `type`; Error(Overflow) if it is out of the type's range.
 Bytes EncodeScalar(const Value& value, ColumnType type, std::uint8_t decimalScale);
 /// The reverse; `bytes` has the type's full size.
 Value DecodeScalar(std::span<const std::uint8_t> bytes, ColumnType type, std::uint8_t decimalScale);
+
+/// The same number with another scale; digits that fall off round half away from zero.
+/// Error(Overflow) if the magnitude would exceed its 128 bits.
+Decimal Rescale(const Decimal& decimal, std::uint8_t scale);
 
 /// Bytes that a fixed-size type takes in a row (0 for Boolean and for variable types).
 std::size_t FixedSize(ColumnType type);

@@ -1,0 +1,97 @@
+#include <algorithm>
+
+#include "jet/storage/format/page.h"
+#include "jet/storage/format/utf16.h"
+#include "jet/storage/format/values.h"
+
+namespace jet::storage {
+
+namespace {
+
+constexpr char16_t ByteOrderMark = 0xFEFF;
+constexpr std::size_t ShortestCompressed = 3;
+constexpr std::size_t LongestCompressedMemo = 1024;
+
+/// A unit that one byte stands for in the compressed form.
+bool IsOneByte(char16_t unit) {
+    return unit >= 1 && unit <= 0xFF;
+}
+
+/// A unit that a compressed value can hold between two mode switches: its bytes look like none.
+bool IsTwoBytes(char16_t unit) {
+    return (unit & 0xFF) != 0 && unit > 0xFF;
+}
+
+void AppendPlain(Bytes& bytes, char16_t unit) {
+    bytes.push_back(static_cast<std::uint8_t>(unit & 0xFF));
+    bytes.push_back(static_cast<std::uint8_t>(unit >> 8));
+}
+
+Bytes EncodePlain(std::u16string_view text) {
+    Bytes bytes;
+    bytes.reserve(text.size() * 2);
+    for (const char16_t unit : text)
+        AppendPlain(bytes, unit);
+    return bytes;
+}
+
+Bytes EncodeCompressed(std::u16string_view text) {
+    Bytes bytes{0xFF, 0xFE};
+    bytes.reserve(text.size() + 2);
+    bool plain = false;
+    for (const char16_t unit : text) {
+        if (IsOneByte(unit) == plain) {
+            bytes.push_back(0);
+            plain = !plain;
+        }
+        if (plain) {
+            AppendPlain(bytes, unit);
+        } else {
+            bytes.push_back(static_cast<std::uint8_t>(unit));
+        }
+    }
+    return bytes;
+}
+
+}  // namespace
+
+Bytes EncodeText(std::u16string_view text, bool mayCompress, bool isMemo) {
+    if (mayCompress && text.size() >= ShortestCompressed &&
+        (!isMemo || text.size() <= LongestCompressedMemo) && std::ranges::all_of(text, IsOneByte))
+        return EncodeCompressed(text);
+    // A plain value that begins with the byte order mark would be read as a compressed one.
+    if (text.starts_with(ByteOrderMark)) {
+        const auto fits = [](char16_t unit) { return IsOneByte(unit) || IsTwoBytes(unit); };
+        if (std::ranges::all_of(text, fits)) return EncodeCompressed(text);
+        text.remove_prefix(std::min(text.find_first_not_of(ByteOrderMark), text.size()));
+    }
+    return EncodePlain(text);
+}
+
+std::string DecodeText(std::span<const std::uint8_t> bytes) {
+    Utf8Writer writer;
+    writer.Reserve(bytes.size());
+    bool plain = true;
+    std::size_t i = 0;
+    const bool compressed = bytes.size() >= 2 && bytes[0] == 0xFF && bytes[1] == 0xFE;
+    if (compressed) {
+        plain = false;
+        i = 2;
+    }
+    while (i < bytes.size()) {
+        if (compressed && bytes[i] == 0) {
+            plain = !plain;
+            ++i;
+        } else if (!plain) {
+            writer.Append(bytes[i++]);
+        } else if (bytes.size() - i >= 2) {
+            writer.Append(Load<char16_t>(bytes, i));
+            i += 2;
+        } else {
+            break;  // half a unit is no text
+        }
+    }
+    return writer.Take();
+}
+
+}  // namespace jet::storage
