@@ -1,0 +1,126 @@
+#include "driver/library_form.h"
+
+#include <algorithm>
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "driver/library_folders.h"
+#include "driver/phase_captions.h"
+#include "driver/settings_reader.h"
+#include "platform/basic_text.h"
+#include "platform/failure.h"
+#include "run/log.h"
+
+namespace quillon {
+namespace {
+
+constexpr std::string_view PluginName = "Quillon";
+constexpr std::string_view PluginMissing =
+    "Quillon must be enabled to perform management activities";
+constexpr std::string_view MarksGivenBack =
+    "An earlier run was interrupted; the track numbers it had set aside were given back";
+
+void RunIfThere(const Procedures::Work& work, Run& run) {
+    if (work) work(run);
+}
+
+}  // namespace
+
+LibraryForm::LibraryForm(Run& run, DatabaseProvider& databases, std::string_view version,
+                         Procedures procedures)
+    : run_(run),
+      databases_(databases),
+      version_(version),
+      procedures_(std::move(procedures)),
+      updateSteps_(run, "Update Database Error:") {
+    for (std::size_t i = 0; i < PhaseCount; ++i)
+        run_.form.aPhase[i].caption = PhaseCaptions[i];
+}
+
+RunOutcome LibraryForm::Form_Load() {
+    RunOutcome outcome = RunOutcome::NothingRan;
+    Steps steps(run_, "QuillonShelfkeeper Load");
+    steps.Try(0, [&] {
+        run_.form.lblver = "Version " + version_;
+        run_.settings = ReadSettings(run_.host);
+        run_.LibraryFolders = BuildLibraryFolders(run_.files, run_.settings);
+        if (!PluginIsEnabled()) {
+            WriteLog(run_, LogSource, PluginMissing);
+            return;
+        }
+        HideIndicators();
+        ReadExcludeList();
+        run_.window.Show(run_.form);
+        outcome = main();
+    });
+    Release();
+    return outcome;
+}
+
+RunOutcome LibraryForm::main() {
+    RunOutcome outcome = RunOutcome::NothingRan;
+    Steps steps(run_, "QuillonShelfkeeper Main");
+    steps.Try(0, [&] {
+        run_.connection =
+            databases_.Open(std::string(ConnectionPrefix) + run_.settings.Nirvis_CDJ_DB);
+        ReadGenreNames();
+        GiveBackForgottenMarks();
+        RunIfThere(procedures_.BuildORsRecordset, run_);
+        RunIfThere(procedures_.PopulateGenre, run_);
+        outcome = UpdateDatabase();
+    });
+    // Asked for here, because a connection that is let go has nobody to tell a failure to.
+    steps.Try(0, [&] {
+        if (run_.connection) run_.connection->Flush();
+    });
+    run_.connection.reset();
+    run_.GenreDictionary.clear();
+    return outcome;
+}
+
+bool LibraryForm::PluginIsEnabled() {
+    const std::vector<std::string> plugins = run_.host.GetPlugins();
+    return std::find(plugins.begin(), plugins.end(), PluginName) != plugins.end();
+}
+
+void LibraryForm::HideIndicators() {
+    run_.form.aLblReconcile = false;
+    for (PhaseIndicator& indicator : run_.form.aPhase)
+        indicator.visible = false;
+}
+
+void LibraryForm::ReadExcludeList() {
+    const std::string& list = run_.settings.ExcludeList;
+    run_.ExcludeEmpty = list.empty();
+    run_.ExcludeList = list.empty() ? std::vector<std::string>{""} : Split(list, ",");
+}
+
+void LibraryForm::ReadGenreNames() {
+    const std::unique_ptr<RecordSet> rows = run_.connection->OpenTable("SpinnerGenre");
+    run_.GenreNames.fill("");
+    for (; !rows->IsEof(); rows->MoveNext()) {
+        if (IsNull(rows->Get("GenreID"))) {
+            throw Failure(FailureNumber::TypeMismatch, "SpinnerGenre, GenreID is Null");
+        }
+        const std::int64_t id = rows->Integer("GenreID");
+        if (id < 0 || id >= static_cast<std::int64_t>(run_.GenreNames.size())) {
+            throw Failure(FailureNumber::SubscriptOutOfRange,
+                          "SpinnerGenre, GenreID " + std::to_string(id));
+        }
+        run_.GenreNames[static_cast<std::size_t>(id)] = rows->Text("Genre");
+    }
+}
+
+void LibraryForm::GiveBackForgottenMarks() {
+    if (!procedures_.MarkSnapshotExists || !procedures_.MarkSnapshotExists(run_)) return;
+    procedures_.RestoreMarks(run_);
+    WriteLog(run_, LogSource, MarksGivenBack);
+}
+
+void LibraryForm::Release() {
+    run_.LibraryFolders.clear();
+    run_.window.Unload();
+}
+
+}  // namespace quillon

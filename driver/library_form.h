@@ -1,0 +1,73 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "driver/modes.h"
+#include "driver/procedures.h"
+#include "driver/reconcile_phases.h"
+#include "platform/database.h"
+#include "run/run.h"
+#include "run/steps.h"
+
+namespace quillon {
+
+/// How a run ended. Errors that were logged on the way are counted in `Run::counts`.
+enum class RunOutcome {
+    Completed,   ///< the mode ran to its end
+    NothingRan,  ///< start-up failed, no mode was asked for, or this version does not have it
+    Aborted,     ///< the Abort button was pressed
+};
+
+/// The text before the database file's path in the connection string.
+constexpr std::string_view ConnectionPrefix = "Provider = Microsoft.Jet.OLEDB.4.0; Data Source=";
+
+/// The one window and the run behind it: start-up, choice of the mode, order of the phases.
+class LibraryForm {
+  public:
+    /// `run` and `databases` must outlive the form. `version` is major.minor.revision.
+    LibraryForm(Run& run, DatabaseProvider& databases, std::string_view version,
+                Procedures procedures = AvailableProcedures());
+
+    /// The whole run, from reading the settings to unloading the window. Called once.
+    RunOutcome Form_Load();
+
+    /// Asks the run to stop at its next test.
+    void aAbort_Click() noexcept { run_.AbortRequested = true; }
+
+  private:
+    RunOutcome main();
+    RunOutcome UpdateDatabase();
+
+    // Start-up.
+    bool PluginIsEnabled();
+    void HideIndicators();
+    void ReadExcludeList();
+    void ReadGenreNames();
+    void GiveBackForgottenMarks();
+    void Release();
+
+    // The modes.
+    RunOutcome RunMode(const Mode& mode);
+    RunOutcome RunReconcile(const Mode& mode);
+    ReconcileScope PrepareReconcile();
+    void RunPhases(const ReconcileScope& scope);
+    bool StartPhase(const ReconcilePhase& phase);
+    void RunPhase(const ReconcilePhase& phase);
+
+    // What both kinds of modes need.
+    bool StartIndicator(std::size_t index);
+    void MakeBackups(const BackupPlan& plan);
+    void Perform(const Procedures::Work& work);
+    bool GiveBackMarks();
+    void LogNotAvailable(std::string_view what);
+    RunOutcome Outcome() const;
+
+    Run& run_;
+    DatabaseProvider& databases_;
+    std::string version_;
+    Procedures procedures_;
+    Steps updateSteps_;  ///< of `UpdateDatabase` and what it is made of
+};
+
+}  // namespace quillon

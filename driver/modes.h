@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstddef>
+#include <span>
+#include <string_view>
+
+#include "driver/procedures.h"
+#include "run/settings.h"
+
+namespace quillon {
+
+/// The dated copies that a mode makes before it starts.
+struct BackupPlan {
+    bool database = false;       ///< the file `Nirvis_CDJ_DB`
+    bool playListPath = false;   ///< the folder `PlayListPath`
+    bool playListPath2 = false;  ///< the folder `PlayListPath2`
+};
+
+/// One of the things a run can be for.
+struct Mode {
+    std::string_view what;  ///< for messages, e.g. "Add files to library"
+    bool (*applies)(const Settings& settings);
+    std::size_t indicator;  ///< of `aPhase`; not used by the reconcile mode
+    BackupPlan backups;
+    ProcedureName work;  ///< null: the reconcile mode, which is made of phases
+};
+
+/// All modes, in the order in which they are considered.
+std::span<const Mode> Modes();
+
+/// The first mode that applies, or null when the settings ask for nothing.
+const Mode* SelectMode(const Settings& settings);
+
+}  // namespace quillon

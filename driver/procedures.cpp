@@ -1,0 +1,9 @@
+#include "driver/procedures.h"
+
+namespace quillon {
+
+Procedures AvailableProcedures() {
+    return {};
+}
+
+}  // namespace quillon

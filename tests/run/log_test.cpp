@@ -1,0 +1,81 @@
+#include "run/log.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "run/steps.h"
+#include "tests/support/fakes.h"
+
+namespace quillon {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+class Log : public ::testing::Test {
+  protected:
+    fakes::FakeWorld world;
+    quillon::Run& run = world.run;
+};
+
+TEST_F(Log, TellsLocationStepAndDescriptionOfAPendingError) {
+    const PendingError pending{0, "Object required"};
+    LogError(run, LogSource, "Update Database Error:", &pending);
+    EXPECT_THAT(world.host.log,
+                ElementsAre("Quillon: Update Database Error: Line 0 Object required"));
+}
+
+TEST_F(Log, TellsTheLocationAloneWithoutAPendingError) {
+    LogError(run, LogSource, "GetDrive");
+    EXPECT_THAT(world.host.log, ElementsAre("Quillon: GetDrive"));
+}
+
+TEST_F(Log, ShowsOnlyTheLocationInTheWindowAndLetsEventsRun) {
+    const PendingError pending{3, "Disk full"};
+    LogError(run, LogSource, "TimeStampBackup", &pending);
+    EXPECT_EQ(run.form.aError, "TimeStampBackup");
+    EXPECT_EQ(world.window.events, 1);
+    EXPECT_EQ(world.window.last.aError, "TimeStampBackup");
+}
+
+TEST_F(Log, NoticesTheAbortButtonDuringAnError) {
+    world.window.abortPressed = true;
+    LogError(run, LogSource, "anything");
+    EXPECT_TRUE(run.AbortRequested);
+}
+
+TEST_F(Log, CountsErrorsButNotOtherRecords) {
+    WriteLog(run, LogSource, "a remark");
+    LogError(run, LogSource, "an error");
+    EXPECT_EQ(run.counts.errors, 1U);
+}
+
+TEST_F(Log, DoesNotFailWhenTheHostRefusesTheRecord) {
+    world.calls.Refuse("WriteLog Quillon: lost", FailureNumber::DiskFull, "host.log");
+    LogError(run, LogSource, "lost");
+    EXPECT_EQ(run.form.aError, "lost");
+}
+
+TEST_F(Log, StepsGoOnBehindAFailureAndNameItsStep) {
+    Steps steps(run, "Some Procedure");
+    bool reached = false;
+    EXPECT_FALSE(steps.Try(4, [] { throw Failure(FailureNumber::DiskFull, R"(D:\a)"); }));
+    EXPECT_TRUE(steps.Try(5, [&] { reached = true; }));
+    EXPECT_TRUE(reached);
+    EXPECT_THAT(world.host.log, ElementsAre(R"(Quillon: Some Procedure Line 4 Disk full: D:\a)"));
+}
+
+TEST_F(Log, AStepMayHaveALocationOfItsOwn) {
+    Steps steps(run, "Some Procedure");
+    EXPECT_FALSE(steps.TryAs("Some Query:", 2, [] { throw std::runtime_error("no table"); }));
+    EXPECT_THAT(world.host.log, ElementsAre("Quillon: Some Query: Line 2 no table"));
+}
+
+TEST_F(Log, StepsThatSucceedLeaveNoRecord) {
+    Steps steps(run, "Some Procedure");
+    EXPECT_TRUE(steps.Try(1, [] {}));
+    EXPECT_THAT(world.host.log, IsEmpty());
+}
+
+}  // namespace
+}  // namespace quillon

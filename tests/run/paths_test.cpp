@@ -1,0 +1,63 @@
+#include "run/paths.h"
+
+#include <gtest/gtest.h>
+
+namespace quillon {
+namespace {
+
+TEST(AddBackslash, AppendsOneUnlessItIsThere) {
+    EXPECT_EQ(AddBackslash(R"(C:\Lists)"), R"(C:\Lists\)");
+    EXPECT_EQ(AddBackslash(R"(C:\Lists\)"), R"(C:\Lists\)");
+    EXPECT_EQ(AddBackslash(""), "\\");
+}
+
+TEST(FixPath, TurnsBackslashesAndAddsSlashesAtBothEnds) {
+    EXPECT_EQ(FixPath(R"(Quillon\albumcovers)"), "/Quillon/albumcovers/");
+}
+
+TEST(FixPath, AddsOnlyWhatIsMissing) {
+    EXPECT_EQ(FixPath("/covers"), "/covers/");
+    EXPECT_EQ(FixPath("covers/"), "/covers/");
+    EXPECT_EQ(FixPath("/covers/"), "/covers/");
+    EXPECT_EQ(FixPath("\\"), "/");
+}
+
+TEST(FixPath, LeavesAnEmptyPathEmpty) {
+    EXPECT_EQ(FixPath(""), "");
+}
+
+TEST(GetDrive, IsWhatStandsBeforeTheFirstBackslash) {
+    EXPECT_EQ(GetDrive(R"(D:\music\a.mp3)"), "D:");
+    EXPECT_EQ(GetDrive(R"(music\a.mp3)"), "music");
+}
+
+TEST(GetDrive, IsEmptyForAPathWithoutBackslash) {
+    EXPECT_EQ(GetDrive("a.mp3"), "");
+}
+
+TEST(GetDrive, IsServerAndShareOfANetworkPath) {
+    EXPECT_EQ(GetDrive(R"(\\server\share\music\a.mp3)"), R"(\\server\share)");
+}
+
+TEST(GetDrive, IsEmptyForAnUnfinishedNetworkPath) {
+    EXPECT_EQ(GetDrive(R"(\\server\share)"), "");
+    EXPECT_EQ(GetDrive(R"(\\server)"), "");
+    EXPECT_EQ(GetDrive(R"(\\)"), "");
+}
+
+TEST(GetDrive, LooksForTheNetworkMarkAnywhere) {
+    EXPECT_EQ(GetDrive(R"(x:\\server\share\a.mp3)"), R"(x:\\server\share)");
+}
+
+TEST(ChangeDrive, ReplacesTheDriveEverywhereInThePath) {
+    EXPECT_EQ(ChangeDrive("M:", R"(D:\music\a.mp3)"), R"(M:\music\a.mp3)");
+    EXPECT_EQ(ChangeDrive("M:", R"(\\nas\share\a.mp3)"), R"(M:\a.mp3)");
+    EXPECT_EQ(ChangeDrive("tunes", R"(music\music\a.mp3)"), R"(tunes\tunes\a.mp3)");
+}
+
+TEST(ChangeDrive, LeavesAPathWithoutDrive) {
+    EXPECT_EQ(ChangeDrive("M:", "a.mp3"), "a.mp3");
+}
+
+}  // namespace
+}  // namespace quillon

@@ -1,0 +1,227 @@
+#pragma once
+
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "platform/basic_text.h"
+#include "platform/files.h"
+#include "tests/support/fake_calls.h"
+
+namespace quillon::fakes {
+
+/// A file system in memory, with Windows paths and names that count without letter case. Listings
+/// come in name order. What changes or reads files is noted; look-ups and listings are only
+/// refused where a test says so.
+class FakeFiles : public Files {
+  public:
+    explicit FakeFiles(Calls& calls) : calls_(calls) {}
+
+    /// Makes a folder and those it lies in.
+    void AddFolder(const std::string& path) {
+        if (path.empty() || path.ends_with(':') || nodes_.contains(KeyOf(path))) return;
+        AddFolder(ParentOf(path));
+        nodes_[KeyOf(path)] = {path, true, "", {}};
+    }
+
+    /// Makes a file and the folders it lies in; a text file's lines end in CR LF.
+    void AddFile(const std::string& path, const std::string& content = "", DateTime modified = {}) {
+        AddFolder(ParentOf(path));
+        nodes_[KeyOf(path)] = {path, false, content, modified};
+    }
+
+    /// The bytes of a file. Failure: FileNotFound.
+    std::string Content(std::string_view path) const { return FileAt(path).content; }
+
+    /// The paths of all folders and files, folders with a trailing backslash, in name order.
+    std::vector<std::string> Everything() const {
+        std::vector<std::string> paths;
+        for (const auto& [key, node] : nodes_) {
+            paths.push_back(node.isFolder ? node.path + "\\" : node.path);
+        }
+        return paths;
+    }
+
+    bool FolderExists(std::string_view path) override {
+        const auto found = nodes_.find(KeyOf(path));
+        return found != nodes_.end() && found->second.isFolder;
+    }
+
+    bool FileExists(std::string_view path) override {
+        const auto found = nodes_.find(KeyOf(path));
+        return found != nodes_.end() && !found->second.isFolder;
+    }
+
+    std::vector<FolderEntry> SubFolders(std::string_view folder) override {
+        calls_.Note("SubFolders " + std::string(folder));
+        std::vector<FolderEntry> entries;
+        for (const Node& node : NodesIn(folder)) {
+            if (node.isFolder) entries.push_back({node.path, NameOf(node.path)});
+        }
+        return entries;
+    }
+
+    std::vector<FileEntry> FilesIn(std::string_view folder) override {
+        calls_.Note("FilesIn " + std::string(folder));
+        std::vector<FileEntry> entries;
+        for (const Node& node : NodesIn(folder)) {
+            if (!node.isFolder) entries.push_back(EntryOf(node));
+        }
+        return entries;
+    }
+
+    FileEntry GetFile(std::string_view path) override { return EntryOf(FileAt(path)); }
+
+    void CreateFolder(std::string_view path) override {
+        calls_.Note("CreateFolder " + std::string(path));
+        AddFolder(std::string(path));
+    }
+
+    void CopyFile(std::string_view from, std::string_view to, bool overwrite) override {
+        calls_.Note("CopyFile " + std::string(from) + " -> " + std::string(to));
+        Copy(from, to, overwrite);
+    }
+
+    void CopyFolder(std::string_view from, std::string_view to, bool overwrite) override {
+        calls_.Note("CopyFolder " + std::string(from) + " -> " + std::string(to));
+        for (const Node& node : NodesIn(from)) {
+            const std::string target = std::string(to) + "\\" + NameOf(node.path);
+            if (node.isFolder) {
+                AddFolder(target);
+                CopyFolder(node.path, target, overwrite);
+            } else {
+                Copy(node.path, target, overwrite);
+            }
+        }
+    }
+
+    void DeleteFile(std::string_view path) override {
+        calls_.Note("DeleteFile " + std::string(path));
+        FileAt(path);
+        nodes_.erase(KeyOf(path));
+    }
+
+    void MoveFile(std::string_view from, std::string_view to) override {
+        calls_.Note("MoveFile " + std::string(from) + " -> " + std::string(to));
+        Copy(from, to, EqualIgnoringCase(from, to));
+        if (!EqualIgnoringCase(from, to)) nodes_.erase(KeyOf(from));
+    }
+
+    std::unique_ptr<TextReader> OpenText(std::string_view path) override {
+        calls_.Note("OpenText " + std::string(path));
+        return std::make_unique<Reader>(FileAt(path).content);
+    }
+
+    std::unique_ptr<TextWriter> CreateText(std::string_view path) override {
+        calls_.Note("CreateText " + std::string(path));
+        return std::make_unique<Writer>(*this, std::string(path));
+    }
+
+    std::unique_ptr<BinaryReader> OpenBinary(std::string_view path) override {
+        calls_.Note("OpenBinary " + std::string(path));
+        return std::make_unique<Bytes>(FileAt(path).content);
+    }
+
+  private:
+    struct Node {
+        std::string path;
+        bool isFolder = false;
+        std::string content;
+        DateTime modified;
+    };
+
+    class Reader : public TextReader {
+      public:
+        explicit Reader(std::string text) : text_(std::move(text)) {}
+        bool AtEndOfStream() const override { return position_ >= text_.size(); }
+        std::string ReadLine() override {
+            if (AtEndOfStream()) throw Failure(FailureNumber::InputPastEnd, "fake text");
+            const std::size_t end = std::min(text_.find('\n', position_), text_.size());
+            std::string line = text_.substr(position_, end - position_);
+            if (line.ends_with('\r')) line.pop_back();
+            position_ = end + 1;
+            return line;
+        }
+
+      private:
+        std::string text_;
+        std::size_t position_ = 0;
+    };
+
+    class Writer : public TextWriter {
+      public:
+        Writer(FakeFiles& files, std::string path) : files_(files), path_(std::move(path)) {}
+        void Write(std::string_view text) override { text_ += text; }
+        void WriteLine(std::string_view line) override { text_ += std::string(line) + "\r\n"; }
+        void Close() override { files_.AddFile(path_, text_); }
+
+      private:
+        FakeFiles& files_;
+        std::string path_;
+        std::string text_;
+    };
+
+    class Bytes : public BinaryReader {
+      public:
+        explicit Bytes(std::string bytes) : bytes_(std::move(bytes)) {}
+        std::uint64_t Size() const override { return bytes_.size(); }
+        void SetPosition(std::uint64_t position) override { position_ = position; }
+        std::vector<std::uint8_t> Read(std::size_t count) override {
+            const std::size_t from = std::min<std::size_t>(position_, bytes_.size());
+            const std::string piece = bytes_.substr(from, count);
+            position_ = from + piece.size();
+            return {piece.begin(), piece.end()};
+        }
+
+      private:
+        std::string bytes_;
+        std::size_t position_ = 0;
+    };
+
+    static std::string KeyOf(std::string_view path) {
+        while (path.ends_with('\\'))
+            path.remove_suffix(1);
+        return LowerCase(path);
+    }
+    static std::string ParentOf(const std::string& path) {
+        const std::size_t slash = path.rfind('\\');
+        return slash == std::string::npos ? "" : path.substr(0, slash);
+    }
+    static std::string NameOf(const std::string& path) { return path.substr(path.rfind('\\') + 1); }
+    static FileEntry EntryOf(const Node& node) {
+        return {node.path, NameOf(node.path), node.content.size(), node.modified};
+    }
+
+    const Node& FileAt(std::string_view path) const {
+        const auto found = nodes_.find(KeyOf(path));
+        if (found == nodes_.end() || found->second.isFolder) {
+            throw Failure(FailureNumber::FileNotFound, std::string(path));
+        }
+        return found->second;
+    }
+
+    std::vector<Node> NodesIn(std::string_view folder) const {
+        const std::string parent = KeyOf(folder);
+        std::vector<Node> inside;
+        for (const auto& [key, node] : nodes_) {
+            if (ParentOf(key) == parent) inside.push_back(node);
+        }
+        return inside;
+    }
+
+    void Copy(std::string_view from, std::string_view to, bool overwrite) {
+        if (!overwrite && FileExists(to)) {
+            throw Failure(FailureNumber::FileAlreadyExists, std::string(to));
+        }
+        const Node source = FileAt(from);
+        AddFile(std::string(to), source.content, source.modified);
+    }
+
+    Calls& calls_;
+    std::map<std::string, Node> nodes_;  ///< by lower-cased path
+};
+
+}  // namespace quillon::fakes
