@@ -1,0 +1,1 @@
+: > disk/jukebox.ldb

@@ -1,0 +1,1 @@
+rm disk/jukebox.mdb

@@ -1,0 +1,1 @@
+printf "%08192d" 7 > disk/jukebox.mdb

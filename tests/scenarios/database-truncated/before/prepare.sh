@@ -1,0 +1,1 @@
+truncate -s 100000 disk/jukebox.mdb

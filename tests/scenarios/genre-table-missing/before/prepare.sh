@@ -1,0 +1,1 @@
+LC_ALL=C sed -i "s/SpinnerGenre/SpinnerGenrX/g" disk/jukebox.mdb

@@ -1,0 +1,183 @@
+#!/usr/bin/env python3
+"""interrupted.py PROGRAM abort|kill   stops reconcile runs at many moments.
+
+A settled library changes (files added, removed, renamed, moved); the run that should catch up is
+stopped at one moment after another, each time from the same start. Whatever the moment, nothing may
+be lost that an undisturbed run would not remove, the marked state may not survive, the file must be
+whole, and further runs must end where undisturbed ones end.
+"""
+
+import os
+import shutil
+import signal
+import sys
+import time
+
+from stage import SHARED, Failed, Stage, confirm_whole
+
+import sound_files
+
+ARTISTS, ALBUMS, TRACKS = 40, 3, 5
+MOMENTS = 36
+FIRST_DAY = 1500000000
+DAY = 86400
+
+
+def track_path(stage, artist, album, track):
+    folder = f"Music/Artist {artist:02}/Album {album}"
+    return str(stage.disk / folder / f"{track:02} - Song {artist}.{album}.{track}.mp3")
+
+
+def make_library(stage):
+    for artist in range(ARTISTS):
+        for album in range(ALBUMS):
+            for track in range(1, TRACKS + 1):
+                content = sound_files.silence(0.05) + sound_files.tag(track=TRACKS + 1 - track)
+                # Later tracks are older: numbering by time turns the order of the tags round.
+                sound_files.write(track_path(stage, artist, album, track), content,
+                                  FIRST_DAY - track * DAY)
+
+
+def change_library(stage):
+    for artist in range(0, ARTISTS, 4):
+        os.remove(track_path(stage, artist, 0, 2))
+        os.rename(track_path(stage, artist, 0, 3), track_path(stage, artist, 0, 3) + " new.mp3")
+        sound_files.write(track_path(stage, artist, 1, 9), sound_files.silence(0.05),
+                          FIRST_DAY + DAY)
+        shutil.rmtree(os.path.dirname(track_path(stage, artist, 2, 1)))
+        sound_files.write(track_path(stage, artist, 7, 1), sound_files.silence(0.05), FIRST_DAY)
+
+
+def tracks(stage):
+    return {row["SoundFile"]: row for row in stage.query(
+        "SELECT Tracks.ID, SoundFile, Track, Tracks.Title, Albums.Title AS Album,"
+        " Albums.Artist AS Artist, Albums.Tracks AS TrackCount"
+        " FROM Tracks INNER JOIN Albums ON Tracks.CDJID = Albums.CDJID")}
+
+
+def outcome(stage):
+    """What counts in the end, whatever keys new rows were given."""
+    return {file: {field: value for field, value in row.items() if field != "ID"}
+            for file, row in tracks(stage).items()}
+
+
+def run(stage):
+    status, output, errors = stage.reconcile()
+    if status != 0:
+        raise Failed(f"a run that nobody disturbs ends with {status}:\n{output}{errors}")
+
+
+def stop_at(stage, seconds, number):
+    """Starts a run and sends it a signal after that time; its exit status."""
+    process = stage.start("run", "--host", str(stage.host), "--view", "plain")
+    time.sleep(seconds)
+    process.send_signal(number)
+    output, errors = process.communicate()
+    return process.returncode, output.decode() + errors.decode()
+
+
+def remove_backups(stage):
+    for entry in stage.disk.iterdir():
+        if "_Copy Dated_" in entry.name:
+            shutil.rmtree(entry) if entry.is_dir() else entry.unlink()
+
+
+class Interrupted:
+    def __init__(self, stage):
+        self.stage = stage
+        self.start = stage.work / "start.mdb"
+        make_library(stage)
+        run(stage)
+        run(stage)
+        shutil.copy(stage.database, self.start)
+        self.before = tracks(stage)
+        change_library(stage)
+        began = time.monotonic()
+        run(stage)
+        self.duration = time.monotonic() - began
+        self.caught_up = tracks(stage)
+        run(stage)
+        self.settled = outcome(stage)
+        if self.settled == self.before or not self.settled:
+            raise Failed("the changed library left no trace")
+
+    def from_the_start(self, moment):
+        for leftover in self.stage.disk.glob("jukebox.*"):
+            leftover.unlink()
+        shutil.copy(self.start, self.stage.database)
+        remove_backups(self.stage)
+        # Some moments lie behind the usual end, as a disturbed run may take longer.
+        return self.duration * 1.1 * moment / MOMENTS
+
+    def nothing_lost(self):
+        """Rows that an undisturbed run keeps are there, and no mark is left in any."""
+        now = tracks(self.stage)
+        for file in self.before.keys() & self.caught_up.keys():
+            if file not in now:
+                raise Failed(f"the row of {file} is lost")
+            if now[file]["ID"] != self.before[file]["ID"]:
+                raise Failed(f"the row of {file} is another one")
+        for file, row in now.items():
+            if row["Track"] == 0 or row["TrackCount"] == 0:
+                raise Failed(f"still marked: {row}")
+
+    def ends_like_the_others(self):
+        run(self.stage)
+        run(self.stage)
+        if outcome(self.stage) != self.settled:
+            raise Failed("further runs end elsewhere than undisturbed ones")
+        self.stage.confirm_database()
+
+    def abort(self, moment):
+        status, told = stop_at(self.stage, self.from_the_start(moment), signal.SIGTERM)
+        # A signal before the program has come to handle signals ends it as usual.
+        if status not in (0, 3, -signal.SIGTERM):
+            raise Failed(f"an aborted run ends with {status}:\n{told}")
+        self.stage.confirm_database()
+        self.nothing_lost()
+        self.ends_like_the_others()
+        return status == 3
+
+    def kill(self, moment):
+        status, _ = stop_at(self.stage, self.from_the_start(moment), signal.SIGKILL)
+        self.stage.execute("DELETE * FROM SpinnerID3Differences")
+        self.stage.tool("db", "check", str(self.stage.database))
+        checker = SHARED / "mdb" / "mdbcheck"
+        if checker.exists():
+            confirm_whole(checker, self.stage.database)
+        if moment % 2 == 0:
+            self.library_away()
+        self.ends_like_the_others()
+        return status == -signal.SIGKILL
+
+    def library_away(self):
+        """The next run finds no library at all: it gives the numbers back and removes nothing."""
+        music, away = self.stage.disk / "Music", self.stage.disk / "Away"
+        music.rename(away)
+        self.stage.reconcile()
+        away.rename(music)
+        self.nothing_lost()
+
+
+def main():
+    way = sys.argv[2]
+    with Stage(sys.argv[1]) as stage:
+        try:
+            story = Interrupted(stage)
+        except Failed as failure:
+            print(f"before any interruption: {failure}")
+            return 1
+        stopped = 0
+        for moment in range(MOMENTS):
+            try:
+                stopped += getattr(story, way)(moment)
+            except Failed as failure:
+                print(f"{way} at moment {moment} of {MOMENTS}: {failure}")
+                return 1
+    print(f"{way}: {stopped} of {MOMENTS} runs were stopped before their end")
+    # Otherwise nothing was tested.
+    return 0 if stopped >= MOMENTS // 4 else 1
+
+
+if __name__ == "__main__":
+    sys.exit(main())

@@ -1,0 +1,1 @@
+sed -i 's/^Quillon=1$/Quillon=0/' host/host.ini

@@ -1,0 +1,194 @@
+#!/usr/bin/env python3
+"""run_scenario.py PROGRAM FOLDER   plays one scenario; README.md tells how a folder is read."""
+
+import difflib
+import os
+import re
+import subprocess
+import sys
+from datetime import datetime
+from pathlib import Path
+
+from stage import NOBODY, Failed, Stage
+
+import sound_files
+
+DEFAULT_TIME = datetime(2020, 1, 1).timestamp()
+
+
+def lines_of(file):
+    """Lines that say something; "#" in the first column begins a remark."""
+    if not file.exists():
+        return []
+    return [line for line in file.read_text("utf-8").splitlines()
+            if line.strip() and not line.startswith("#")]
+
+
+def local_path(stage, text):
+    """A path below the disk; \\xHH stands for one byte of a name."""
+    raw = re.sub(rb"\\x([0-9A-F]{2})", lambda match: bytes([int(match[1], 16)]),
+                 text.strip().encode("utf-8"))
+    return os.fsdecode(os.fsencode(stage.disk) + b"/" + raw)
+
+
+def make_file(stage, line):
+    """PATH | DATE | WHAT; "- PATH" removes; "PATH -> PATH" renames; "PATH/" is an empty folder."""
+    if line.startswith("- "):
+        os.remove(local_path(stage, line[2:]))
+        return
+    if " -> " in line:
+        old, new = (local_path(stage, part) for part in line.split(" -> "))
+        os.makedirs(os.path.dirname(new), exist_ok=True)
+        os.rename(old, new)
+        return
+    parts = [part.strip() for part in re.split(r" \|(?= |$)", line)] + ["", ""]
+    path, date, what = local_path(stage, parts[0]), parts[1], parts[2]
+    if path.endswith("/"):
+        os.makedirs(path, exist_ok=True)
+        return
+    modified = datetime.fromisoformat(date).timestamp() if date else DEFAULT_TIME
+    if what.startswith("lines: "):
+        content = what[7:].replace("; ", "\r\n").encode("cp1252")
+    elif what.startswith("bytes: "):
+        content = b"x" * int(what[7:])
+    else:
+        content = sound_files.silence(0.1)
+        if what:
+            fields = dict(field.strip().split("=", 1) for field in what.split(";"))
+            for number in ("track", "genre"):
+                if number in fields:
+                    fields[number] = int(fields[number])
+            content += sound_files.tag(**fields)
+    sound_files.write(path, content, modified)
+
+
+def set_the_scene(stage, before):
+    for line in lines_of(before / "settings.ini"):
+        key, value = line.split("=", 1)
+        stage.settings[key] = value
+    stage.write_settings()
+    for line in lines_of(before / "files.txt"):
+        make_file(stage, line)
+    for line in lines_of(before / "rows.sql"):
+        stage.execute(line)
+    if (before / "prepare.sh").exists():
+        subprocess.run(["bash", "-euo", "pipefail", before / "prepare.sh"], cwd=stage.work,
+                       check=True, env=dict(os.environ, QUILLON=str(stage.program)))
+
+
+def shown(value):
+    if value is None:
+        return "Null"
+    return '""' if value == "" else str(value)
+
+
+def table_rows(file):
+    """The first line names the fields, the others hold a row each, with " | " between values."""
+    header, *rows = [[cell.strip() for cell in line.split(" | ")] for line in lines_of(file)]
+    return header, rows
+
+
+def compare(what, expected, actual):
+    if expected != actual:
+        difference = difflib.unified_diff(expected, actual, "expected", "actual", lineterm="", n=9)
+        raise Failed(f"{what}:\n" + "\n".join(difference))
+
+
+def compare_table(stage, file):
+    fields, expected = table_rows(file)
+    select = ", ".join(f"[{field}]" for field in fields)
+    rows = stage.query(f"SELECT {select} FROM [{file.stem}]")
+    actual = [[shown(row[field]) for field in fields] for row in rows]
+    compare(f"rows of {file.stem}", sorted(" | ".join(row) for row in expected),
+            sorted(" | ".join(row) for row in actual))
+
+
+def compare_log(stage, file, already):
+    """Exact messages in order. Phases that this version lacks are left out, unless a scenario is
+    about them."""
+    expected = lines_of(file)
+    actual = stage.log_messages()[already:]
+    if not any("not available in this version" in line for line in expected):
+        actual = [line for line in actual if "not available in this version" not in line]
+    compare("log", expected, actual)
+
+
+def compare_tree(stage, file):
+    actual = []
+    for path in stage.disk.rglob("*"):
+        name = stage.neutral(os.fsencode(path.relative_to(stage.disk)).decode("utf-8", "replace"))
+        actual.append(name + "/" if path.is_dir() else name)
+    compare("files", sorted(lines_of(file)), sorted(actual))
+
+
+def compare_texts(what, file, actual):
+    """Each line must occur, in this order."""
+    rest = actual
+    for line in lines_of(file):
+        _, found, rest = rest.partition(line)
+        if not found:
+            raise Failed(f"{what} lacks \"{line}\" (or has it elsewhere):\n{actual}")
+
+
+def play(stage, before, after):
+    set_the_scene(stage, before)
+    already = len(stage.log_messages())
+    unprivileged = (before / "as-another-account").exists()
+    if unprivileged and os.geteuid() == 0:
+        for folder, folders, files in os.walk(stage.work):
+            for name in [".", *folders, *files]:
+                os.chown(os.path.join(folder, name), NOBODY, NOBODY, follow_symlinks=False)
+    for folder in lines_of(before / "unreadable.txt"):
+        os.chmod(local_path(stage, folder), 0)
+    file_before = stage.database.read_bytes() if stage.database.exists() else None
+    untouched = (after / "database-untouched").exists()
+    unchanged = (after / "rows-unchanged").exists()
+    rows_before = stage.all_rows() if unchanged else None
+
+    status, output, errors = stage.reconcile(unprivileged=unprivileged)
+
+    for folder in lines_of(before / "unreadable.txt"):
+        os.chmod(local_path(stage, folder), 0o755)
+    told = f"\nstandard output:\n{output}\nstandard error:\n{errors}"
+    try:
+        compare("exit status", lines_of(after / "exit.txt") or ["0"], [str(status)])
+        compare_log(stage, after / "log.txt", already)
+        compare_texts("standard output", after / "output.txt", output)
+        compare_texts("standard error", after / "errors.txt", errors)
+        if (after / "files.txt").exists():
+            compare_tree(stage, after / "files.txt")
+        if untouched:
+            content = stage.database.read_bytes() if stage.database.exists() else None
+            if content != file_before:
+                raise Failed("the database file is not as it was")
+            return
+        for file in sorted(after.glob("*.txt")):
+            if file.stem[0].isupper():
+                compare_table(stage, file)
+        if unchanged and stage.all_rows() != rows_before:
+            raise Failed("some rows are not as they were")
+        stage.confirm_database()
+    except Failed as failure:
+        raise Failed(f"{failure}{told}") from None
+
+
+def main():
+    program, folder = sys.argv[1], Path(sys.argv[2])
+    names = [""] + [f"-{number}" for number in range(2, 10)]
+    runs = [name for name in names if (folder / f"after{name}").is_dir()]
+    if not runs:
+        print(f"{folder} has no folder \"after\"")
+        return 1
+    with Stage(program) as stage:
+        for name in runs:
+            try:
+                play(stage, folder / f"before{name}", folder / f"after{name}")
+            except Failed as failure:
+                print(f"{folder.name}, after{name}: {failure}")
+                return 1
+    print(f"{folder.name}: as expected after {len(runs)} run(s)")
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
