@@ -1,0 +1,41 @@
+#include "bench/child_process.h"
+
+#include <chrono>
+#include <fcntl.h>
+#include <spawn.h>
+#include <stdexcept>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace quillon::bench {
+
+Usage RunProcess(const std::vector<std::string>& command) {
+    std::vector<std::string> words = command;
+    std::vector<char*> arguments;
+    for (std::string& word : words)
+        arguments.push_back(word.data());
+    arguments.push_back(nullptr);
+
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+    const auto start = std::chrono::steady_clock::now();
+    pid_t child = 0;
+    const int failure =
+        posix_spawn(&child, arguments[0], &actions, nullptr, arguments.data(), environ);
+    posix_spawn_file_actions_destroy(&actions);
+    if (failure != 0) throw std::runtime_error("cannot start " + command[0]);
+
+    int status = 0;
+    rusage used{};
+    if (wait4(child, &status, 0, &used) != child) throw std::runtime_error("lost a process");
+    const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
+    constexpr std::size_t Kilobyte = 1024;
+    return {.seconds = elapsed.count(),
+            .peakMemory = static_cast<std::size_t>(used.ru_maxrss) * Kilobyte,
+            .exitStatus = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status)};
+}
+
+}  // namespace quillon::bench

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace quillon::bench {
+
+/// What a finished process has used.
+struct Usage {
+    double seconds = 0;          ///< from its start to its end
+    std::size_t peakMemory = 0;  ///< bytes
+    int exitStatus = 0;          ///< 128 + signal number if it was ended by a signal
+};
+
+/// Runs a program to its end; what it prints is dropped. Throws when it cannot be started.
+Usage RunProcess(const std::vector<std::string>& command);
+
+}  // namespace quillon::bench

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+
+namespace quillon::bench {
+
+/// Makes a library of small MP3 files in the tree layout below `root`: the same files, names, tags
+/// and times for the same number of tracks, everywhere.
+void MakeLibrary(const std::filesystem::path& root, std::size_t tracks);
+
+/// What a walk has seen; the sum of bytes keeps the compiler from leaving the reading out.
+struct WalkResult {
+    std::size_t files = 0;
+    std::uint64_t byteSum = 0;
+};
+
+/// The yardstick: visits every folder below `root` and reads the last 128 bytes of each file.
+WalkResult BareWalk(const std::filesystem::path& root);
+
+}  // namespace quillon::bench

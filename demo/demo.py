@@ -1,0 +1,224 @@
+#!/usr/bin/env python3
+"""demo.py PROGRAM FOLDER   tells the story of a library and its database, and checks that it is
+true. Exit status 0 only if all that it says has happened."""
+
+import json
+import os
+import re
+import shutil
+import subprocess
+import sys
+import textwrap
+from pathlib import Path
+
+sys.dont_write_bytecode = True
+
+import rows_before
+import sample_library
+
+TABLES = ("Albums", "Tracks", "Playlists", "Spinner", "SpinnerArtist", "SpinnerGenre",
+          "SpinnerID3Differences")
+MADE_HERE = ".made-by-run-demo"
+WIDTH = 78
+
+
+class Untrue(Exception):
+    """The story does not hold."""
+
+
+def say(text=""):
+    print(textwrap.fill(" ".join(text.split()), WIDTH) if text else "", flush=True)
+
+
+def heading(text):
+    print(f"\n{text}\n{'-' * len(text)}", flush=True)
+
+
+def require(condition, text):
+    if not condition:
+        raise Untrue(text)
+
+
+def count(number, word):
+    return f"{number} {word}{'' if number == 1 else 's'}"
+
+
+class Demo:
+    def __init__(self, program, folder):
+        self.program = Path(program).resolve()
+        self.folder = Path(folder).resolve()
+        self.music = self.folder / "Music"
+        self.host = self.folder / "host"
+        self.database = self.host / "jukebox.mdb"
+
+    def shown(self, path):
+        """A path as a person would type it."""
+        relative = os.path.relpath(path)
+        return relative if len(relative) < len(str(path)) else str(path)
+
+    def quillon(self, *arguments):
+        result = subprocess.run([self.program, *arguments], stdout=subprocess.PIPE,
+                                stdin=subprocess.DEVNULL, check=False)
+        if result.returncode != 0:
+            sys.stdout.write(result.stdout.decode())
+            raise Untrue(f"quillon {' '.join(map(str, arguments))} ended with status "
+                         f"{result.returncode}")
+        return result.stdout.decode()
+
+    def rows(self, statement):
+        lines = self.quillon("db", "query", self.database, statement, "--json").splitlines()
+        return [json.loads(line) for line in lines]
+
+    def show(self, statement):
+        print(f"$ quillon db query {self.shown(self.database)} \\")
+        print(f"    \"{statement}\"")
+        print(self.quillon("db", "query", self.database, statement), end="", flush=True)
+
+    def all_rows(self):
+        return {table: self.rows(f"SELECT * FROM [{table}]") for table in TABLES}
+
+    def fresh_folder(self):
+        if self.folder.exists():
+            require((self.folder / MADE_HERE).exists() or not any(self.folder.iterdir()),
+                    f"{self.folder} exists and was not made by this demo; it is left alone.\n"
+                    "Please move it away first.")
+            shutil.rmtree(self.folder)
+        self.folder.mkdir(parents=True)
+        (self.folder / MADE_HERE).write_text("The demo may remove this folder and all in it.\n")
+
+    def run(self):
+        print(f"$ quillon run --host {self.shown(self.host)} --view plain")
+        print(self.quillon("run", "--host", self.host, "--view", "plain"), end="", flush=True)
+
+    def tell(self):
+        self.fresh_folder()
+        self.tell_of_files()
+        self.tell_of_rows()
+        before = self.all_rows()
+        heading("3. The first run")
+        self.run()
+        first = self.all_rows()
+        self.tell_what_changed(before, first)
+        self.tell_of_second_run(first)
+        self.tell_of_third_run()
+        self.tell_how_to_go_on()
+
+    def tell_of_files(self):
+        artists, albums, self.songs = sample_library.make(self.music)
+        self.albums = albums
+        heading("1. A music folder")
+        say(f"{count(artists, 'artist')}, {count(albums, 'album')}, {count(self.songs, 'song')}: "
+            f"MP3 files with ID3 tags in {self.shown(self.music)}, one folder an artist, one "
+            "folder an album in it.")
+        for artist, records in sample_library.COLLECTION.items():
+            print(textwrap.shorten(f"  {artist}: ".lstrip() + "; ".join(records), WIDTH,
+                                   placeholder=" ..."))
+
+    def tell_of_rows(self):
+        self.quillon("init", self.host, "--music", self.music)
+        settings = (self.host / "Quillon.ini").read_text("utf-8")
+        root = re.search(r"^LibraryRoot=(.*)$", settings, re.MULTILINE)[1].strip()
+        for statement in rows_before.statements(root):
+            self.quillon("db", "exec", self.database, statement)
+        heading("2. A jukebox database that knows a little of it")
+        say(f"quillon init made the host folder {self.shown(self.host)}: settings, drive table and "
+            "a new Access database. To give it a past, rows were put in: discs in the slots of "
+            "players 1 and 2, and albums of player 1001, which stands for the library. Of these, "
+            "one has a file with an old name, one holds a song that now lies elsewhere, one has "
+            "lost its folder, and two share an identifier.")
+        print()
+        self.show("SELECT CDJID, Player, Tracks, Artist, Title FROM Albums ORDER BY ID")
+
+    def tell_what_changed(self, before, after):
+        heading("4. The database after it")
+        self.show("SELECT Player, Tracks, Left(Artist, 28) AS Performer, Left(Title, 30) AS Album "
+                  "FROM Albums ORDER BY Artist, Title")
+        old = {row["ID"]: row for row in before["Tracks"]}
+        new = {row["ID"]: row for row in after["Tracks"]}
+        albums = {row["CDJID"]: row["Title"] for row in before["Albums"] + after["Albums"]}
+        old_albums = {row["ID"]: row for row in before["Albums"]}
+        new_albums = {row["ID"]: row for row in after["Albums"]}
+        removed = [old[key] for key in old.keys() - new.keys()]
+        moved = [new[key] for key in old.keys() & new.keys()
+                 if new[key]["CDJID"] != old[key]["CDJID"]]
+        removed_albums = [old_albums[key] for key in sorted(old_albums.keys() - new_albums.keys())]
+        players = [row for row in before["Albums"] if row["Player"] != rows_before.OWNED]
+
+        print()
+        say(f"Albums: {len(new_albums.keys() - old_albums.keys())} added, {len(removed_albums)} "
+            f"removed. Tracks: {len(new.keys() - old.keys())} added, {len(moved)} moved, "
+            f"{len(removed)} removed.")
+        for row in removed_albums:
+            again = any(other["Title"] == row["Title"] and other["Artist"] == row["Artist"]
+                        and other["Player"] == row["Player"] for other in after["Albums"])
+            print(f"  removed  {row['Artist']}: {row['Title']}"
+                  + (f" ({row['CDJID']} was there twice; made anew)" if again else ""))
+        for row in moved:
+            print(f"  moved    {row['Artist']}: {row['Title']}, now in \"{albums[row['CDJID']]}\","
+                  f" still played {row['TimesPlayed']} times")
+        for row in removed:
+            if row["Title"] == "Allso Left":
+                print(f"  renamed  {row['Artist']}: \"{row['Title']}\" went, \"Also Left\" came")
+        say(f"Untouched: {count(len(players), 'disc')} of the players, and every count of plays.")
+
+        require(len(after["Tracks"]) == self.songs + sum(row["Tracks"] for row in players),
+                "not every file has exactly one row")
+        require(len(after["Albums"]) == self.albums + len(players), "albums are missing")
+        require(all(row in after["Albums"] for row in players), "a player's disc was changed")
+        require([row["Title"] for row in moved] == ["Gibbous"], "the moved song was not found")
+        require(moved[0]["TimesPlayed"] == 31, "the moved song lost its count of plays")
+        require({row["Title"] for row in removed_albums}
+                == {"Lost at the Ferry", "Pull", "Pull (copy)"}, "other albums were removed")
+
+    def tell_of_second_run(self, before):
+        heading("5. The second run: numbers by file time")
+        say("A new file keeps the number of its tag. From its second run on the library numbers "
+            "an album by the times of its files, oldest first; two albums here were copied to "
+            "the disk in another order than that of their songs.")
+        self.quillon("run", "--host", self.host, "--view", "plain")
+        after = self.all_rows()
+        old = {row["ID"]: row for row in before["Tracks"]}
+        renumbered = [(old[row["ID"]], row) for row in after["Tracks"]
+                      if row["Track"] != old[row["ID"]]["Track"]]
+        print()
+        print(f"  {'artist':<26}{'song':<22}{'number':>8}{'-> now':>8}")
+        for was, now in sorted(renumbered, key=lambda pair: (pair[1]["CDJID"], pair[1]["Track"])):
+            print(f"  {now['Artist']:<26}{now['Title']:<22}{was['Track']:>8}{now['Track']:>8}")
+        require(len(renumbered) > 0, "the second run numbered nothing by file time")
+        require(all(was["Title"] == now["Title"] for was, now in renumbered), "titles changed")
+
+    def tell_of_third_run(self):
+        heading("6. The third run: nothing")
+        before = self.all_rows()
+        self.quillon("run", "--host", self.host, "--view", "plain")
+        after = self.all_rows()
+        for table in TABLES:
+            require(after[table] == before[table], f"the third run changed rows of {table}")
+        total = sum(len(rows) for rows in after.values())
+        say(f"All {total} rows of all {len(TABLES)} tables were compared before and after: not one "
+            "has changed.")
+        print(self.quillon("db", "check", self.database), end="")
+
+    def tell_how_to_go_on(self):
+        heading("Look further")
+        database, host = self.shown(self.database), self.shown(self.host)
+        say("Any Access reader opens the database; so does this program:")
+        print(f"  {self.shown(self.program)} db query {database} \\\n"
+              "      \"SELECT Track, Title, SoundFile FROM Tracks WHERE Artist='#9 Lantern'\"")
+        print(f"  {self.shown(self.program)} check --host {host}")
+        say(f"Log: {host}/host.log. Settings: {host}/Quillon.ini. Each run left dated backups "
+            f"beside {database}. Rename or delete files in {self.shown(self.music)}, then:")
+        print(f"  {self.shown(self.program)} run --host {host}")
+
+
+def main():
+    try:
+        Demo(sys.argv[1], sys.argv[2]).tell()
+    except Untrue as fault:
+        print(f"\nrun-demo: {fault}", file=sys.stderr)
+        return 1
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
