@@ -40,8 +40,8 @@ class IndexTree {
     bool ContainsKey(std::span<const std::uint8_t> key) const;
 
     /// All entries in order.
-    void ForEach(const std::function<void(std::span<const std::uint8_t> key, RowId row)>& visit)
-        const;
+    void ForEach(
+        const std::function<void(std::span<const std::uint8_t> key, RowId row)>& visit) const;
 
   private:
     PageStore& pages_;

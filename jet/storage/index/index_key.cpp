@@ -1,0 +1,143 @@
+#include "jet/storage/index/index_key.h"
+
+#include <algorithm>
+#include <bit>
+#include <concepts>
+#include <cstddef>
+
+#include "jet/error.h"
+#include "jet/storage/format/page.h"
+#include "jet/storage/format/values.h"
+
+namespace jet::storage {
+
+namespace {
+
+/// Marker bytes in front of each column's part.
+struct Markers {
+    std::uint8_t null, value;
+};
+constexpr Markers Ascending{0x00, 0x7F};
+constexpr Markers Descending{0xFF, 0x80};
+
+void Invert(std::span<std::uint8_t> bytes) {
+    for (std::uint8_t& byte : bytes)
+        byte = static_cast<std::uint8_t>(~byte);
+}
+
+void AppendReversed(Bytes& key, std::span<const std::uint8_t> bytes) {
+    key.insert(key.end(), bytes.rbegin(), bytes.rend());
+}
+
+/// Big-endian two's complement with the sign turned, so that negative numbers come first.
+void AppendSigned(Bytes& key, std::span<const std::uint8_t> stored) {
+    const std::size_t start = key.size();
+    AppendReversed(key, stored);
+    key[start] ^= 0x80;
+}
+
+void AppendFloating(Bytes& key, std::span<const std::uint8_t> stored) {
+    const std::size_t start = key.size();
+    AppendReversed(key, stored);
+    if ((key[start] & 0x80) != 0) {
+        Invert(std::span(key).subspan(start));
+    } else {
+        key[start] ^= 0x80;
+    }
+}
+
+/// In both directions the sign byte of a Decimal is FF or 00; which bytes are inverted differs.
+void AppendDecimal(Bytes& key, const Decimal& decimal, bool ascending) {
+    key.push_back(decimal.negative ? 0x00 : 0xFF);
+    const std::size_t start = key.size();
+    for (const std::uint32_t word : decimal.magnitude)
+        for (int shift = 24; shift >= 0; shift -= 8)
+            key.push_back(static_cast<std::uint8_t>(word >> shift));
+    if (decimal.negative == ascending) Invert(std::span(key).subspan(start));
+}
+
+/// Groups of eight bytes, each followed by 9 where another one comes, else by the number of its
+/// bytes that count.
+void AppendGroups(Bytes& key, std::span<const std::uint8_t> data, bool ascending) {
+    constexpr std::size_t GroupSize = 8;
+    constexpr std::uint8_t MoreFollows = 9;
+    while (true) {
+        const std::size_t size = std::min(GroupSize, data.size());
+        const std::size_t start = key.size();
+        key.insert(key.end(), data.begin(), data.begin() + static_cast<std::ptrdiff_t>(size));
+        key.resize(start + GroupSize);
+        const bool last = data.size() <= GroupSize;
+        if (last) key.push_back(static_cast<std::uint8_t>(size));
+        if (!ascending) Invert(std::span(key).subspan(start));
+        if (last) return;
+        key.push_back(MoreFollows);
+        data = data.subspan(GroupSize);
+    }
+}
+
+void AppendText(Bytes& key, const std::string& text, bool ascending) {
+    const std::size_t start = key.size();
+    AppendTextKey(key, ToUtf16(text));
+    if (ascending) return;
+    Invert(std::span(key).subspan(start));
+    key.push_back(0);
+}
+
+template <typename T>
+const T& As(const Value& value) {
+    const T* content = std::get_if<T>(&value);
+    if (content == nullptr)
+        throw Error(ErrorKind::TypeMismatch, "An indexed value is not of its field's type.");
+    return *content;
+}
+
+}  // namespace
+
+void AppendKey(Bytes& key, const Value& value, ColumnType type, std::uint8_t decimalScale,
+               bool ascending) {
+    const Markers& markers = ascending ? Ascending : Descending;
+    if (IsNull(value)) {
+        key.push_back(markers.null);
+        return;
+    }
+    key.push_back(markers.value);
+    const std::size_t start = key.size();
+    switch (type) {
+        case ColumnType::Boolean:
+            key.push_back(As<bool>(value) ? 0x00 : 0xFF);
+            break;
+        case ColumnType::Byte: {
+            const Bytes stored = EncodeScalar(value, type, 0);
+            key.push_back(stored[0]);
+            break;
+        }
+        case ColumnType::Integer:
+        case ColumnType::Long:
+        case ColumnType::Currency:
+            AppendSigned(key, EncodeScalar(value, type, 0));
+            break;
+        case ColumnType::Single:
+        case ColumnType::Double:
+        case ColumnType::Date:
+            AppendFloating(key, EncodeScalar(value, type, 0));
+            break;
+        case ColumnType::Decimal:
+            AppendDecimal(key, Rescale(As<Decimal>(value), decimalScale), ascending);
+            return;
+        case ColumnType::Guid:
+            AppendGroups(key, As<Guid>(value).bytes, ascending);
+            return;
+        case ColumnType::Binary:
+            AppendGroups(key, As<Bytes>(value), ascending);
+            return;
+        case ColumnType::Text:
+        case ColumnType::Memo:
+            AppendText(key, As<std::string>(value), ascending);
+            return;
+        case ColumnType::Ole:
+            throw Error(ErrorKind::NotSupported, "A field of this type cannot be indexed.");
+    }
+    if (!ascending) Invert(std::span(key).subspan(start));
+}
+
+}  // namespace jet::storage

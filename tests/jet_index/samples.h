@@ -1,0 +1,50 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "jet/schema.h"
+#include "jet/storage/format/page.h"
+#include "jet/value.h"
+
+namespace jet::test {
+
+/// The folder of facts and sample databases that lies beside the project; none on a machine that
+/// has only the project.
+std::optional<std::filesystem::path> SharedFolder();
+
+/// All sample databases in it; empty without that folder.
+std::vector<std::filesystem::path> SampleDatabases();
+
+struct SampleColumn {
+    ColumnType type = ColumnType::Text;
+    std::uint8_t scale = 0;
+    bool ascending = true;
+};
+
+struct SampleIndex {
+    std::string table, name;
+    storage::PageNumber definition = 0, root = 0;
+    std::vector<SampleColumn> columns;
+};
+
+/// An index entry as an independent reader found it in the file.
+struct SampleEntry {
+    std::string table, index;
+    Bytes key;
+    storage::RowId row;
+    std::vector<Value> values;
+};
+
+/// What is written down beside a sample database about its indexes.
+struct SampleIndexes {
+    std::vector<SampleIndex> indexes;
+    std::vector<SampleEntry> entries;
+
+    const SampleIndex& Find(const SampleEntry& entry) const;
+};
+SampleIndexes ReadSampleIndexes(const std::filesystem::path& database);
+
+}  // namespace jet::test
