@@ -1,0 +1,124 @@
+#include "jet/dialect/names.h"
+#include "jet/dialect/translator.h"
+
+namespace jet::dialect {
+
+namespace {
+
+using Kind = Expression::Kind;
+
+void SplitConjuncts(const Expression& condition, std::vector<const Expression*>& conjuncts) {
+    if (condition.kind == Kind::Operator && condition.name == "AND") {
+        for (const Expression& operand : condition.operands)
+            SplitConjuncts(operand, conjuncts);
+    } else {
+        conjuncts.push_back(&condition);
+    }
+}
+
+}  // namespace
+
+bool IsGrouped(const Select& select) {
+    if (!select.groupBy.empty() || select.having) return true;
+    for (const SelectItem& item : select.items)
+        if (HasAggregate(item.value)) return true;
+    return false;
+}
+
+bool Translator::SameExpression(const Expression& left, const Expression& right,
+                                const Scope& scope) const {
+    if (left.kind != right.kind || left.operands.size() != right.operands.size()) return false;
+    if (left.query || right.query || left.negated != right.negated) return false;
+    if (left.kind == Kind::Parameter) return left.literal == right.literal;
+    if (left.kind == Kind::Column) {
+        const Context context{&scope};
+        const Target a = Resolve(left, context), b = Resolve(right, context);
+        return a.instance == b.instance && a.column == b.column && a.output == b.output;
+    }
+    if (!SameName(left.name, right.name)) return false;
+    for (std::size_t i = 0; i < left.operands.size(); ++i)
+        if (!SameExpression(left.operands[i], right.operands[i], scope)) return false;
+    return true;
+}
+
+/// Whether an expression has one value for all rows of a group and of every group that differs from
+/// it in letter case only.
+bool Translator::DependsOnKeysOnly(const Expression& expression, const Select& select,
+                                   const Scope& scope) const {
+    for (const Expression& key : select.groupBy)
+        if (SameExpression(expression, key, scope)) return true;
+    if (expression.query) return false;
+    if (expression.kind == Kind::Column) {
+        const Target target = Resolve(expression, Context{&scope});
+        return !target.output && target.scope != &scope;
+    }
+    if (expression.kind == Kind::Function) {
+        bool own = HasAggregate(expression);
+        ForEachNode(expression, [&](const Expression& node) {
+            if (node.kind != Kind::Column) return;
+            const Target target = Resolve(node, Context{&scope});
+            own = own || target.output || target.scope == &scope;
+        });
+        return !own;
+    }
+    return std::all_of(
+        expression.operands.begin(), expression.operands.end(),
+        [&](const Expression& operand) { return DependsOnKeysOnly(operand, select, scope); });
+}
+
+/// Conditions of HAVING that hold or fail for whole groups can be asked of the single rows: before
+/// grouping, where an index finds the rows in question. Without this a correlated subquery would
+/// group its whole table for each row of the outer query.
+void Translator::SplitHaving(const Select& select, const Scope& scope,
+                             std::vector<const Expression*>& early,
+                             std::vector<const Expression*>& late) const {
+    if (!select.having) return;
+    std::vector<const Expression*> conjuncts;
+    SplitConjuncts(*select.having, conjuncts);
+    for (const Expression* conjunct : conjuncts) {
+        const bool condition = conjunct->kind == Kind::Operator || conjunct->kind == Kind::In ||
+                               conjunct->kind == Kind::Between || conjunct->kind == Kind::Like ||
+                               conjunct->kind == Kind::IsNull;
+        const bool movable =
+            !select.groupBy.empty() && condition && DependsOnKeysOnly(*conjunct, select, scope);
+        (movable ? early : late).push_back(conjunct);
+    }
+}
+
+bool Translator::Mentions(const Expression& expression, const Instance& instance,
+                          const Scope& scope) const {
+    bool found = false;
+    ForEachNode(expression, [&](const Expression& node) {
+        if (node.query) found = true;
+        if (node.kind != Kind::Column) return;
+        const Target target = Resolve(node, Context{&scope});
+        found = found || target.output || target.instance == &instance;
+    });
+    return found;
+}
+
+void Translator::NoteEquality(const Expression& column, const Expression& other,
+                              const Scope& scope) {
+    if (column.kind != Kind::Column) return;
+    const Target target = Resolve(column, Context{&scope});
+    if (target.scope != &scope || !target.instance || !target.instance->definition) return;
+    if (Mentions(other, *target.instance, scope)) return;
+    auto& columns = result_.tables[target.instance->use].equalColumns;
+    if (std::find(columns.begin(), columns.end(), target.column) == columns.end())
+        columns.push_back(target.column);
+}
+
+void Translator::NoteEqualities(const Expression& condition, const Scope& scope) {
+    std::vector<const Expression*> conjuncts;
+    SplitConjuncts(condition, conjuncts);
+    for (const Expression* conjunct : conjuncts) {
+        if (conjunct->kind == Kind::Operator && conjunct->name == "=") {
+            NoteEquality(conjunct->operands[0], conjunct->operands[1], scope);
+            NoteEquality(conjunct->operands[1], conjunct->operands[0], scope);
+        } else if (conjunct->kind == Kind::In && !conjunct->negated) {
+            NoteEquality(conjunct->operands[0], conjunct->operands[1], scope);
+        }
+    }
+}
+
+}  // namespace jet::dialect

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+#include "jet/value.h"
+
+namespace jet::dialect {
+
+/// A value written in a statement.
+using Literal = std::variant<std::int64_t, double, Date, std::string>;
+
+/// The smallest part of a statement.
+struct Token {
+    enum class Kind {
+        Word,  ///< a keyword or a bare name
+        Name,  ///< a name between brackets or back-quotes
+        Text,  ///< a text between single or double quotes
+        Number,
+        Date,    ///< between # signs
+        Symbol,  ///< an operator or punctuation, `<>` and the like as one
+        End,
+    };
+    Kind kind = Kind::End;
+    std::string_view text;    ///< as written, without brackets or quotes
+    std::size_t place = 0;    ///< column in the statement, from 0
+    std::size_t literal = 0;  ///< Text, Number and Date: position in TokenList::literals
+};
+
+/// A statement cut into tokens; the last one is Kind::End. The tokens refer to the statement's
+/// text, which must outlive them.
+struct TokenList {
+    std::vector<Token> tokens;
+    std::vector<Literal> literals;
+};
+
+/// Cuts a statement, criterion or sort order into tokens. Throws Error(Syntax) with the place of a
+/// text, name or date that has no end, or of a character that starts no token.
+TokenList Tokenize(std::string_view statement);
+
+/// Whether a number stands where its value may differ between two runs of the same compiled
+/// statement: behind a comparison, or in the list of values of an INSERT. Every text and date does.
+/// Other numbers (`Left(x, 4)`, `TOP 5`, `ORDER BY 2`) are part of the statement itself.
+bool IsParameter(const TokenList& list, std::size_t token);
+
+/// Two statements with the same signature differ in nothing but the values of their parameters, so
+/// that one compiled form serves both.
+std::string Signature(const TokenList& list);
+
+/// A `Like` pattern that means "ends with the rest of the pattern": it begins with a percent sign,
+/// goes on, and does not end with one. Percent signs after the first stand for themselves.
+bool IsSuffixPattern(std::string_view pattern);
+
+}  // namespace jet::dialect
