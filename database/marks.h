@@ -13,30 +13,38 @@ class Run;
 /// the database ("<database>.marks"), for as long as that state lasts, so that an abort, an
 /// unreadable folder, a missing root or a killed run costs nothing.
 
-/// A folder below which nothing could be visited, with the owned albums that it stands for.
+/// A folder (or a single file) whose content could not be visited, with the owned albums that it
+/// stands for.
 struct UnlistedFolder {
-    std::string path;    ///< Windows path, without a trailing backslash
+    std::string path;    ///< Windows path, with or without a trailing backslash
     std::string artist;  ///< artist folder's name; "" when the whole root could not be listed
     std::string album;   ///< album folder's name; "" when the whole artist could not be listed
 };
 
 /// Writes the snapshot of all owned albums and tracks, durably. Nothing may be marked when this
-/// fails (it throws).
+/// fails (it throws). A snapshot that an earlier run left is restored first: a snapshot of marks
+/// would be worth nothing.
 void TakeMarkSnapshot(Run& run);
 
 /// Whether a snapshot lies beside the database: this or an earlier run has marked and not swept.
 bool MarkSnapshotExists(Run& run);
 
-/// Gives every album and track of the snapshot its count and number back, makes that durable and
-/// removes the snapshot. Does nothing when there is none. Numbers of rows that are not in the
-/// snapshot yield where they would now be taken twice within an album.
+/// Gives every album and track of the snapshot its count, its number and its album back, makes that
+/// durable and removes the snapshot. Playlists name tracks by album and number, so both return even
+/// where a walk that was cut short had changed them. Rows that are not in the snapshot stay; their
+/// numbers yield where they would now be taken twice within an album. Rows that the snapshot does
+/// not fit, in a database that was replaced since, are left alone. A damaged snapshot is logged and
+/// removed. Does nothing when there is none.
 void RestoreMarks(Run& run);
 
-/// Gives back the counts and numbers of what lies below these folders, so that the sweeps leave it
-/// alone. The snapshot stays.
+/// Gives back the counts and numbers of what is still marked below these folders, so that the
+/// sweeps leave it alone; what was 0 before gets a free number. The snapshot stays.
 void RestoreMarksBelow(Run& run, const std::vector<UnlistedFolder>& folders);
 
 /// The marked state is over: makes the database durable, then removes the snapshot.
 void DiscardMarkSnapshot(Run& run);
+
+/// The snapshot's path for a database file: "<database>.marks".
+std::string MarkSnapshotPath(std::string_view database);
 
 }  // namespace quillon

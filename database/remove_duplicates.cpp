@@ -1,0 +1,74 @@
+#include "database/remove_duplicates.h"
+
+#include <memory>
+#include <string>
+
+#include "database/marks.h"
+#include "database/sql.h"
+#include "platform/database.h"
+#include "platform/failure.h"
+#include "run/run.h"
+#include "run/steps.h"
+
+namespace quillon {
+namespace {
+
+constexpr std::string_view MarkAlbums =
+    "UPDATE Albums SET Albums.Tracks = 0 WHERE (((Albums.Player)=1001))";
+
+constexpr std::string_view FindDuplicates =
+    "SELECT First(Albums.CDJID) AS [CDJID Field], Count(Albums.CDJID) AS NumberOfDups "
+    "FROM Albums GROUP BY Albums.CDJID HAVING (((Count(Albums.CDJID))>1))";
+
+constexpr std::string_view MarkTracks =
+    "UPDATE Albums INNER JOIN Tracks ON Albums.CDJID = Tracks.CDJID "
+    "SET Tracks.Track = 0 WHERE (((Albums.Player)=1001))";
+
+constexpr std::string_view DeleteTracksWithoutFile =
+    "DELETE Tracks.* FROM Tracks INNER JOIN Albums ON Tracks.CDJID = Albums.CDJID "
+    "WHERE (((Albums.Player)=1001) AND ((Tracks.SoundFile) Is Null)) "
+    "OR (((Albums.Player)=1001) AND ((Tracks.SoundFile)=\"\"))";
+
+/// One identifier a pass, all its rows and whatever their player: the folder walk makes fresh rows
+/// for the album folders that still exist.
+void DeleteDuplicates(Run& run) {
+    for (;;) {
+        const std::unique_ptr<RecordSet> duplicates = run.connection->Query(FindDuplicates);
+        if (duplicates->IsEmpty()) return;
+        duplicates->MoveFirst();
+        const std::string cdjid = duplicates->Text("CDJID Field");
+        const std::string ofThisAlbum = " WHERE CDJID=" + Quoted(cdjid);
+        const auto albums = run.connection->Execute("DELETE * FROM Albums" + ofThisAlbum);
+        const auto tracks = run.connection->Execute("DELETE * FROM Tracks" + ofThisAlbum);
+        run.counts.albumsRemoved += static_cast<std::size_t>(albums);
+        run.counts.tracksRemoved += static_cast<std::size_t>(tracks);
+        // The next pass would find the same identifier again, and so would every one after it.
+        if (albums == 0) {
+            throw Failure::Described(FailureNumber::Database,
+                                     "Duplicated identifier cannot be deleted: " + cdjid);
+        }
+    }
+}
+
+}  // namespace
+
+void RemoveDuplicates(Run& run) {
+    Steps steps(run, "Remove Duplicates Error:");
+    const bool mayMark = steps.Try(0, [&run] { TakeMarkSnapshot(run); });
+    if (mayMark) {
+        steps.TryAs("Remove Duplicates Error on Album Tracks=0 Query:", 1,
+                    [&run] { run.connection->Execute(MarkAlbums); });
+    }
+    steps.TryAs("Remove Duplicates Error on Delete Duplicate Query:", 2,
+                [&run] { DeleteDuplicates(run); });
+    if (mayMark) {
+        steps.TryAs("Remove Duplicates Error on Track=0 Query:", 3,
+                    [&run] { run.connection->Execute(MarkTracks); });
+    }
+    steps.TryAs("Remove Duplicates Error on SoundFile=Null Query:", 4, [&run] {
+        const auto tracks = run.connection->Execute(DeleteTracksWithoutFile);
+        run.counts.tracksRemoved += static_cast<std::size_t>(tracks);
+    });
+}
+
+}  // namespace quillon

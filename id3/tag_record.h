@@ -1,0 +1,32 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace quillon {
+
+/// Bytes of an ID3 version 1 tag, which ends the file.
+constexpr std::size_t TagSize = 128;
+
+/// Text of a run of tag bytes: zero bytes are dropped wherever they stand, every other byte is a
+/// character of the ANSI code page. Blanks stay.
+std::string ConvertTheBinary(std::span<const std::uint8_t> bytes);
+
+/// Hands out `count` bytes of the tag from `offset` on; throws when it cannot.
+using ReadTagBytes =
+    std::function<std::vector<std::uint8_t>(std::size_t offset, std::size_t count)>;
+
+/// Runs one numbered step and keeps its failure to itself; whether it succeeded.
+using TryTagStep = std::function<bool(int step, const std::function<void()>& work)>;
+
+/// The tag record of a tag's bytes: the nine fields Tag, Song, Artist, Album, Year, Comment, Ver,
+/// Track and Genre, each followed by "|"; "" when the bytes are no tag. A field whose step fails
+/// contributes nothing, not even its "|".
+std::string TagRecord(const ReadTagBytes& read, const TryTagStep& attempt,
+                      const std::array<std::string, 256>& genreNames);
+
+}  // namespace quillon

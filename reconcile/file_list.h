@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/date_time.h"
+#include "platform/files.h"
+
+namespace quillon {
+
+/// A sound file of the album in hand.
+struct ListedFile {
+    std::string Name;     ///< full path
+    DateTime FileDate;    ///< last modified
+    std::int64_t ID = 0;  ///< its row in `Tracks` while that waits for a number, else 0
+};
+
+/// The sound files of one album, oldest first; files of one age in the order of their folder.
+using FileList = std::vector<ListedFile>;
+
+/// Whether the name's last four characters are ".mp3" in any letter case.
+bool IsSoundFile(std::string_view name);
+
+/// A number of files as the tables hold it. Failure: Overflow above 32767.
+std::int16_t FileCount(std::size_t files);
+
+/// The sound files among those of an album folder.
+FileList ProcessAlbumTracks(std::span<const FileEntry> albumFolder);
+
+/// The files of one album of the flat layout.
+FileList ProcessFlatTracks(std::span<const FileEntry> files);
+
+}  // namespace quillon

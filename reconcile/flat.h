@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "platform/files.h"
+
+namespace quillon {
+
+/// The files of one album in the flat layout.
+class Flat {
+  public:
+    Flat() { Class_Initialize(); }
+
+    /// Makes the collection empty.
+    void Class_Initialize() { files_.clear(); }
+
+    void cdjid(std::string value) { cdjid_ = std::move(value); }
+    const std::string& cdjid() const { return cdjid_; }
+
+    void Add(FileEntry file) { files_.push_back(std::move(file)); }
+    const std::vector<FileEntry>& GetNames() const { return files_; }
+
+    /// Number of files. Failure: Overflow above 32767.
+    std::int16_t Size() const;
+
+    std::int16_t TrackNumber() const { return trackNumber_; }
+    /// Stores what the getter returns, not its argument: the number is 0 for good. Nothing relies
+    /// on another one, and other programs know the class to behave like this.
+    void TrackNumber(std::int16_t ignored);
+
+  private:
+    std::vector<FileEntry> files_;
+    std::string cdjid_;
+    std::int16_t trackNumber_ = 0;
+};
+
+}  // namespace quillon

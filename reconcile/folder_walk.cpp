@@ -1,0 +1,170 @@
+#include "reconcile/folder_walk.h"
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "database/schema.h"
+#include "id3/tag_reader.h"
+#include "platform/basic_text.h"
+#include "reconcile/album.h"
+#include "reconcile/file_list.h"
+#include "reconcile/flat.h"
+#include "reconcile/tracks.h"
+#include "reconcile/walk.h"
+#include "run/steps.h"
+
+namespace quillon {
+namespace {
+
+bool HoldsQuote(const ListedFile& file) {
+    return file.Name.find('"') != std::string::npos;
+}
+
+/// Brings one album into line.
+void ProcessAlbum(Walk& walk, Album album, FileList files) {
+    album.cdjid = ProcessOneAlbum(walk, album.artist, album.title, album.trackCount);
+    if (album.trackCount == 0) return;
+    // The album could not be matched, and it is logged why. Files whose own look-up would work keep
+    // their rows as they are; the others run into the same refusal, each with its log line.
+    if (album.cdjid == NoCdjid) {
+        for (const ListedFile& file : files) {
+            if (!HoldsQuote(file)) walk.unlisted.push_back({file.Name, album.artist, album.title});
+        }
+        if (std::none_of(files.begin(), files.end(), HoldsQuote)) return;
+    }
+    ProcessTracks(walk, album, files);
+}
+
+/// The tree layout: artist folders that hold album folders that hold files.
+class TreeWalk {
+  public:
+    explicit TreeWalk(Walk& walk) : walk_(walk), steps_(walk.run, "RefreshDatabaseFolder") {
+        for (const std::string& value : walk.run.ExcludeList)
+            excluded_.push_back(LowerCase(value));
+    }
+
+    void Refresh(const FolderEntry& topFolder) {
+        Run& run = walk_.run;
+        int counter = 0;
+        for (const FolderEntry& artist : SubFolders(topFolder, "", "")) {
+            ++counter;
+            run.ShowItem(std::to_string(counter) +
+                         ". Reconcile Folder Tracks with Database for Artist " + artist.name);
+            if (run.AbortRequested) return;
+            if (!IsExcluded(artist.name)) RefreshArtist(artist);
+        }
+    }
+
+  private:
+    void RefreshArtist(const FolderEntry& artist) {
+        for (const FolderEntry& album : SubFolders(artist, artist.name, ""))
+            RefreshAlbum(artist.name, album);
+    }
+
+    void RefreshAlbum(const std::string& artist, const FolderEntry& folder) {
+        Album album{.artist = artist, .title = folder.name, .trackCount = 0, .cdjid = {}};
+        FileList files;
+        const bool listed = steps_.Try(2, [&] {
+            files = ProcessAlbumTracks(walk_.run.files.FilesIn(folder.path));
+            album.trackCount = FileCount(files.size());
+        });
+        if (!listed) {
+            walk_.unlisted.push_back({folder.path, artist, folder.name});
+            return;
+        }
+        ProcessAlbum(walk_, std::move(album), std::move(files));
+    }
+
+    std::vector<FolderEntry> SubFolders(const FolderEntry& folder, const std::string& artist,
+                                        const std::string& album) {
+        std::vector<FolderEntry> folders;
+        if (!steps_.Try(2, [&] { folders = walk_.run.files.SubFolders(folder.path); }))
+            walk_.unlisted.push_back({folder.path, artist, album});
+        return folders;
+    }
+
+    bool IsExcluded(const std::string& artist) const {
+        if (walk_.run.ExcludeEmpty) return false;
+        return std::find(excluded_.begin(), excluded_.end(), LowerCase(artist)) != excluded_.end();
+    }
+
+    Walk& walk_;
+    Steps steps_;
+    std::vector<std::string> excluded_;  ///< in lower case
+};
+
+/// The flat layout: files of all artists side by side, their names beginning with the artist.
+class FlatWalk {
+  public:
+    explicit FlatWalk(Walk& walk) : walk_(walk), steps_(walk.run, "RefreshDatabaseFolder") {}
+
+    void Refresh(const FolderEntry& topFolder) {
+        const bool listed = steps_.Try(3, [&] {
+            for (FileEntry& file : walk_.run.files.FilesIn(topFolder.path))
+                Group(std::move(file));
+        });
+        if (!listed) {
+            walk_.unlisted.push_back({topFolder.path, "", ""});
+            return;
+        }
+        for (const auto& [key, flat] : albums_)
+            RefreshAlbum(key, flat);
+    }
+
+  private:
+    void Group(FileEntry file) {
+        const std::size_t separator = file.name.find('_');
+        if (separator == std::string::npos) return;
+        std::string key = file.name.substr(0, separator) + '_' + AlbumOf(file);
+        const auto [place, isNew] = places_.try_emplace(key, albums_.size());
+        if (isNew) albums_.emplace_back(std::move(key), Flat());
+        albums_[place->second].second.Add(std::move(file));
+    }
+
+    std::string AlbumOf(const FileEntry& file) {
+        constexpr std::size_t AlbumPiece = 3;
+        std::vector<std::string> pieces = Split(ReadID3(walk_.run, file.path), "|");
+        return pieces.size() > AlbumPiece ? std::move(pieces[AlbumPiece]) : "Unknown";
+    }
+
+    /// An album's title is cut at an "_" of its own; albums of existing databases are named so.
+    void RefreshAlbum(const std::string& key, const Flat& flat) {
+        const std::vector<std::string> parts = Split(key, "_");
+        Album album{.artist = parts[0], .title = parts[1], .trackCount = 0, .cdjid = {}};
+        FileList files = ProcessFlatTracks(flat.GetNames());
+        if (!steps_.Try(3, [&] { album.trackCount = flat.Size(); })) {
+            for (const ListedFile& file : files)
+                walk_.unlisted.push_back({file.Name, album.artist, album.title});
+            return;
+        }
+        ProcessAlbum(walk_, std::move(album), std::move(files));
+    }
+
+    Walk& walk_;
+    Steps steps_;
+    std::vector<std::pair<std::string, Flat>> albums_;     ///< by key, in the order of their files
+    std::unordered_map<std::string, std::size_t> places_;  ///< key to position in albums_
+};
+
+}  // namespace
+
+void RefreshDatabaseFolder(Walk& walk, const FolderEntry& topFolder) {
+    Steps steps(walk.run, "RefreshDatabaseFolder");
+    const bool opened = steps.Try(1, [&walk] {
+        walk.albums = walk.run.connection->OpenTable("Albums");
+        walk.tracks = walk.run.connection->OpenTable("Tracks");
+    });
+    if (!opened) {
+        walk.unlisted.push_back({topFolder.path, "", ""});
+    } else if (walk.run.settings.FlatStructure) {
+        FlatWalk(walk).Refresh(topFolder);
+    } else {
+        TreeWalk(walk).Refresh(topFolder);
+    }
+}
+
+}  // namespace quillon
