@@ -1,9 +1,18 @@
 #include "driver/procedures.h"
 
+#include "database/marks.h"
+#include "database/remove_duplicates.h"
+#include "reconcile/refresh_database.h"
+
 namespace quillon {
 
 Procedures AvailableProcedures() {
-    return {};
+    Procedures procedures;
+    procedures.MarkSnapshotExists = MarkSnapshotExists;
+    procedures.RestoreMarks = RestoreMarks;
+    procedures.RemoveDuplicates = RemoveDuplicates;
+    procedures.RefreshDatabase = RefreshDatabase;
+    return procedures;
 }
 
 }  // namespace quillon

@@ -13,9 +13,11 @@ using ::testing::IsEmpty;
 
 class Backups : public ::testing::Test {
   protected:
+    using Run = quillon::Run;  // not the one of ::testing::Test
+
     fakes::FakeWorld world;
     fakes::FakeFiles& files = world.files;
-    quillon::Run& run = world.run;
+    Run& run = world.run;
     const std::string copyOfDatabase = R"(D:\Data\cdj.mdb_Copy Dated_11152026_53855_AM_)";
     const std::string copyOfLists = R"(C:\Lists_Copy Dated_11152026_53855_AM_)";
 };

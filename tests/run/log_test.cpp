@@ -14,8 +14,10 @@ using ::testing::IsEmpty;
 
 class Log : public ::testing::Test {
   protected:
+    using Run = quillon::Run;  // not the one of ::testing::Test
+
     fakes::FakeWorld world;
-    quillon::Run& run = world.run;
+    Run& run = world.run;
 };
 
 TEST_F(Log, TellsLocationStepAndDescriptionOfAPendingError) {

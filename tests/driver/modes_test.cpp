@@ -1,0 +1,182 @@
+#include "driver/modes.h"
+
+#include <gmock/gmock.h>
+
+#include "tests/driver/form_fixture.h"
+
+namespace quillon {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::ElementsAreArray;
+using ::testing::IsEmpty;
+
+struct ModeCase {
+    std::string key;
+    std::size_t indicator;
+    bool needsLibrary;
+    std::vector<std::string> backups;
+    std::string work;
+};
+
+class ModesTest : public FormFixture {
+  protected:
+    static std::vector<ModeCase> Cases() {
+        return {
+            {"ID3Update", 14, true, DatabaseBackup(), "UpdateDatabaseFromID3"},
+            {"AddFiles", 16, true, {}, "AddFilesToLibrary"},
+            {"ID3Write", 13, true, {}, "WriteID3"},
+            {"AlbumPicker", 10, false, {}, "BuildAlbumPicker"},
+            {"PlaToM3u", 11, false, M3uBackup(), "ConvertPlaToM3u"},
+            {"MakeRemote", 15, false, All(), "MakeRemote"},
+            {"M3uToPla", 12, false, ListsBackup(), "ConvertM3uToPla"},
+        };
+    }
+
+    static std::vector<std::string> All() {
+        return {DatabaseBackup()[0], ListsBackup()[0], M3uBackup()[0]};
+    }
+
+    /// What a run of this mode does from its indicator on.
+    static std::vector<std::string> Expected(const ModeCase& mode) {
+        std::vector<std::string> calls = {"Phase " + std::to_string(mode.indicator)};
+        calls.insert(calls.end(), mode.backups.begin(), mode.backups.end());
+        calls.push_back("Run " + mode.work);
+        return calls;
+    }
+
+    /// Runs with these settings on, without the two steps of every start-up.
+    std::vector<std::string> CallsWith(const std::vector<std::string>& keys) {
+        for (const ModeCase& mode : Cases())
+            host.Set(mode.key, "0");
+        SwitchOn(keys);
+        procedures.BuildORsRecordset = nullptr;
+        procedures.PopulateGenre = nullptr;
+        world.calls.Forget();
+        run.form = {};
+        world.window.last = {};
+        outcome = Load();
+        return Calls({"Phase", "CopyFile", "CopyFolder", "Run"});
+    }
+
+    RunOutcome outcome = RunOutcome::NothingRan;
+};
+
+TEST_F(ModesTest, EachShowsItsIndicatorMakesItsBackupsAndDoesItsWork) {
+    for (const ModeCase& mode : Cases()) {
+        EXPECT_THAT(CallsWith({mode.key}), ElementsAreArray(Expected(mode))) << mode.key;
+        EXPECT_EQ(outcome, RunOutcome::Completed);
+    }
+}
+
+TEST_F(ModesTest, ShowsNoOtherIndicator) {
+    for (const ModeCase& mode : Cases()) {
+        CallsWith({mode.key});
+        for (std::size_t i = 0; i < PhaseCount; ++i) {
+            EXPECT_EQ(run.form.aPhase[i].visible, i == mode.indicator) << mode.key << " " << i;
+            EXPECT_EQ(run.form.aPhase[i].selected, i == mode.indicator) << mode.key << " " << i;
+        }
+        EXPECT_FALSE(run.form.aLblReconcile);
+    }
+}
+
+TEST_F(ModesTest, TheFirstThatAppliesRunsAlone) {
+    const std::vector<ModeCase> cases = Cases();
+    std::vector<std::string> keys = {"Reconcile"};
+    for (auto mode = cases.rbegin(); mode != cases.rend(); ++mode) {
+        keys.push_back(mode->key);
+        EXPECT_THAT(CallsWith(keys), ElementsAreArray(Expected(*mode))) << mode->key;
+    }
+}
+
+TEST_F(ModesTest, OnlyTheId3UpdateRunsOfThreeThatAreOn) {
+    EXPECT_THAT(CallsWith({"ID3Update", "AddFiles", "AlbumPicker"}),
+                ElementsAreArray(Expected(Cases()[0])));
+}
+
+TEST_F(ModesTest, FolderModesAreIgnoredWithoutALibraryRoot) {
+    host.Set("LibraryRoot", "");
+    EXPECT_THAT(CallsWith({"ID3Update", "AddFiles", "ID3Write", "PlaToM3u"}),
+                ElementsAreArray(Expected(Cases()[4])));
+    for (const ModeCase& mode : Cases()) {
+        if (mode.needsLibrary) {
+            EXPECT_THAT(CallsWith({mode.key}), IsEmpty()) << mode.key;
+            EXPECT_EQ(outcome, RunOutcome::NothingRan);
+        } else {
+            EXPECT_THAT(CallsWith({mode.key}), ElementsAreArray(Expected(mode))) << mode.key;
+        }
+    }
+}
+
+TEST_F(ModesTest, ThatThisVersionLacksAreLoggedWithoutBackups) {
+    const std::vector<std::string> names = {
+        "Update database from ID3", "Add files to library", "Write ID3",
+        "Build album picker",       "Pla to m3u playlists", "Update files for remote reference",
+        "M3u to pla playlists"};
+    procedures = {};
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        host.log.clear();
+        const ModeCase mode = Cases()[i];
+        EXPECT_THAT(CallsWith({mode.key}), ElementsAre("Phase " + std::to_string(mode.indicator)));
+        EXPECT_THAT(host.log,
+                    ElementsAre("Quillon: " + names[i] + " is not available in this version"));
+        EXPECT_EQ(outcome, RunOutcome::NothingRan);
+        EXPECT_EQ(run.counts.errors, 0U);
+    }
+}
+
+TEST_F(ModesTest, AFailureInTheWorkIsLoggedAndTheRunEnds) {
+    Note(&Procedures::MakeRemote, "MakeRemote",
+         [](Run&) { throw std::runtime_error("Object required"); });
+    CallsWith({"MakeRemote"});
+    EXPECT_EQ(outcome, RunOutcome::Completed);
+    EXPECT_THAT(host.log, ElementsAre("Quillon: Update Database Error: Line 0 Object required"));
+    EXPECT_EQ(run.form.aError, "Update Database Error:");
+    EXPECT_EQ(run.counts.errors, 1U);
+}
+
+TEST_F(ModesTest, AbortAtTheStartLeavesEverythingUntouched) {
+    world.window.PressAbortWhen(fakes::PhaseIsSelected(15));
+    EXPECT_THAT(CallsWith({"MakeRemote"}), ElementsAre("Phase 15"));
+    EXPECT_EQ(outcome, RunOutcome::Aborted);
+}
+
+TEST_F(ModesTest, AbortDuringTheBackupsKeepsTheWorkFromStarting) {
+    world.window.PressAbortWhen(
+        [](const FormState& state) { return state.aItem.starts_with("Making Backup"); });
+    EXPECT_THAT(Calls({"Run"}), IsEmpty());
+    const std::vector<std::string> calls = CallsWith({"MakeRemote"});
+    EXPECT_EQ(calls.back(), M3uBackup()[0]);
+    EXPECT_EQ(outcome, RunOutcome::Aborted);
+}
+
+TEST_F(ModesTest, AbortDuringTheWorkIsTheRunsOutcome) {
+    Note(&Procedures::MakeRemote, "MakeRemote", [this](Run& context) {
+        world.window.abortPressed = true;
+        context.ProcessEvents();
+    });
+    CallsWith({"MakeRemote"});
+    EXPECT_EQ(outcome, RunOutcome::Aborted);
+}
+
+TEST_F(ModesTest, WhatTheDatabaseHoldsIsInTheFileBeforeItIsCopied) {
+    CallsWith({"ID3Update"});
+    EXPECT_THAT(
+        Calls({"Flush", "CopyFile", "Run"}),
+        ElementsAre("Flush", DatabaseBackup()[0], "Run UpdateDatabaseFromID3", "Flush", "Flush"));
+}
+
+TEST_F(ModesTest, WouldBeThisOneForTheSettings) {
+    Settings settings;
+    EXPECT_EQ(SelectMode(settings), nullptr);
+    settings.Reconcile = true;
+    ASSERT_NE(SelectMode(settings), nullptr);
+    EXPECT_EQ(SelectMode(settings)->what, "Reconcile library and database");
+    settings.AddFiles = true;
+    EXPECT_EQ(SelectMode(settings)->what, "Reconcile library and database");
+    settings.LibraryRoot = R"(D:\Music)";
+    EXPECT_EQ(SelectMode(settings)->what, "Add files to library");
+}
+
+}  // namespace
+}  // namespace quillon

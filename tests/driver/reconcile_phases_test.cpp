@@ -1,0 +1,337 @@
+#include "driver/reconcile_phases.h"
+
+#include <gmock/gmock.h>
+
+#include "tests/driver/form_fixture.h"
+
+namespace quillon {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::ElementsAreArray;
+using ::testing::IsEmpty;
+
+const std::string EmptyDifferences = "Execute DELETE * FROM SpinnerID3Differences";
+
+class ReconcileMode : public FormFixture {
+  protected:
+    ReconcileMode() {
+        SwitchOn({"Reconcile"});
+        procedures.BuildORsRecordset = nullptr;
+        procedures.PopulateGenre = nullptr;
+    }
+
+    /// Indicators and procedures in the order in which they were started.
+    std::vector<std::string> Started() const { return Calls({"Phase", "Run"}); }
+
+    std::vector<std::size_t> Visible() const {
+        std::vector<std::size_t> visible;
+        for (std::size_t i = 0; i < PhaseCount; ++i) {
+            if (run.form.aPhase[i].visible) visible.push_back(i);
+        }
+        return visible;
+    }
+
+    /// A RemoveDuplicates that sets numbers aside and a RestoreMarks that gives them back.
+    void KeepMarks() {
+        Note(&Procedures::RemoveDuplicates, "RemoveDuplicates",
+             [this](Run&) { snapshotExists = true; });
+        Note(&Procedures::RestoreMarks, "RestoreMarks", [this](Run&) { snapshotExists = false; });
+    }
+};
+
+TEST_F(ReconcileMode, RunsItsPhasesInOrder) {
+    SwitchOn({"ReconcileOption"});
+    EXPECT_EQ(Load(), RunOutcome::Completed);
+    EXPECT_THAT(
+        Started(),
+        ElementsAre("Phase 0", "Run CapturePlaylists", "Phase 1", "Run RemoveDuplicates", "Phase 2",
+                    "Run VerifyID3Tags", "Phase 3", "Run RefreshDatabase", "Phase 4",
+                    "Run PopulateSpinnerTracks", "Phase 5", "Phase 6", "Run PopulateSpinnerArtist",
+                    "Phase 7", "Run RefreshPlaylist", "Phase 8", "Run CreateNewPlaylists",
+                    "Phase 9", "Run RefreshAlbumCovers", "Run OutputReconcileTable"));
+}
+
+TEST_F(ReconcileMode, MakesItsBackupsBeforeItTouchesAnything) {
+    Load();
+    EXPECT_THAT(Calls({"CopyFile", "CopyFolder", "Execute", "Phase 0"}),
+                ElementsAre(DatabaseBackup()[0], ListsBackup()[0], M3uBackup()[0], EmptyDifferences,
+                            "Phase 0"));
+}
+
+TEST_F(ReconcileMode, ShowsEveryIndicatorAndTheLabel) {
+    Load();
+    EXPECT_EQ(Visible().size(), PhaseCount);
+    EXPECT_TRUE(run.form.aLblReconcile);
+}
+
+TEST_F(ReconcileMode, HidesTheId3IndicatorAndSkipsThePhaseWithoutId3Reconcile) {
+    host.Set("ID3Reconcile", "0");
+    Load();
+    EXPECT_EQ(Visible().size(), PhaseCount - 1);
+    EXPECT_FALSE(run.form.aPhase[2].visible);
+    EXPECT_THAT(Calls({"Run VerifyID3Tags", "Phase 2"}), IsEmpty());
+}
+
+TEST_F(ReconcileMode, LightsOneIndicatorAtATime) {
+    int mostSelected = 0;
+    world.window.onEvents = [&](const FormState& state) {
+        int selected = 0;
+        for (const PhaseIndicator& indicator : state.aPhase)
+            selected += indicator.selected;
+        mostSelected = std::max(mostSelected, selected);
+    };
+    Load();
+    EXPECT_EQ(mostSelected, 1);
+    EXPECT_TRUE(run.form.aPhase[9].selected);
+}
+
+TEST_F(ReconcileMode, LightsTheCorrelationAndRunsNothing) {
+    Load();
+    const std::vector<std::string> calls = Calls({"Phase", "Run", "Execute", "Copy", "WriteLog"});
+    const auto at = std::find(calls.begin(), calls.end(), "Phase 5");
+    ASSERT_NE(at, calls.end());
+    EXPECT_EQ(*(at + 1), "Phase 6");
+}
+
+TEST_F(ReconcileMode, OutputsTheReconciliationFileOnlyWhenAskedTo) {
+    Load();
+    EXPECT_THAT(Calls({"Run OutputReconcileTable", "Item 1. Output"}), IsEmpty());
+    SwitchOn({"ReconcileOption"});
+    Load();
+    EXPECT_THAT(Calls({"Run OutputReconcileTable", "Item 1. Output"}),
+                ElementsAre("Item 1. Output Reconcilliation File", "Run OutputReconcileTable"));
+    EXPECT_EQ(run.form.aItem, "1. Output Reconcilliation File");
+}
+
+TEST_F(ReconcileMode, BuildsTheWorkingSetAnewBeforeNewPlaylists) {
+    Note(&Procedures::BuildORsRecordset, "BuildORsRecordset");
+    Load();
+    EXPECT_THAT(Calls({"Run BuildORs", "Phase 8", "Run CreateNew"}),
+                ElementsAre("Run BuildORsRecordset", "Phase 8", "Run BuildORsRecordset",
+                            "Run CreateNewPlaylists"));
+}
+
+// Playlists only.
+
+TEST_F(ReconcileMode, IsLimitedToThePlaylistPhases) {
+    SwitchOn({"PlaylistsOnly", "ReconcileOption", "ID3Reconcile"});
+    EXPECT_EQ(Load(), RunOutcome::Completed);
+    EXPECT_THAT(Started(), ElementsAre("Phase 0", "Run CapturePlaylists", "Phase 7",
+                                       "Run RefreshPlaylist", "Phase 8", "Run CreateNewPlaylists"));
+    EXPECT_THAT(Visible(), ElementsAre(0, 7, 8));
+    EXPECT_TRUE(run.form.aLblReconcile);
+    EXPECT_FALSE(run.settings.ID3Reconcile);
+    EXPECT_THAT(Calls({"Execute"}), IsEmpty());
+    EXPECT_EQ(Calls({"CopyFile", "CopyFolder"}).size(), 3U);
+}
+
+TEST_F(ReconcileMode, RunsForPlaylistsOnlyAlthoughReconcileIsOff) {
+    host.Set("Reconcile", "0");
+    SwitchOn({"PlaylistsOnly"});
+    EXPECT_EQ(Load(), RunOutcome::Completed);
+    EXPECT_THAT(Calls({"Run"}), ElementsAre("Run CapturePlaylists", "Run RefreshPlaylist",
+                                            "Run CreateNewPlaylists"));
+}
+
+TEST_F(ReconcileMode, RunsForPlaylistsOnlyWithoutALibraryRoot) {
+    host.Set("LibraryRoot", "");
+    SwitchOn({"PlaylistsOnly"});
+    Load();
+    EXPECT_THAT(Calls({"Phase"}), ElementsAre("Phase 0", "Phase 7", "Phase 8"));
+}
+
+// Without a library.
+
+TEST_F(ReconcileMode, OnlyWritesTheReconciliationFileWithoutALibraryRoot) {
+    host.Set("LibraryRoot", "");
+    SwitchOn({"ReconcileOption"});
+    EXPECT_EQ(Load(), RunOutcome::Completed);
+    EXPECT_THAT(Started(), ElementsAre("Run OutputReconcileTable"));
+    EXPECT_THAT(Calls({"Execute"}), ElementsAre(EmptyDifferences));
+    EXPECT_EQ(Calls({"CopyFile", "CopyFolder"}).size(), 3U);
+    EXPECT_EQ(Visible().size(), PhaseCount);
+    EXPECT_TRUE(run.form.aLblReconcile);
+}
+
+TEST_F(ReconcileMode, DoesNothingMoreWithoutALibraryRootAndReconcileOption) {
+    host.Set("LibraryRoot", "");
+    Load();
+    EXPECT_THAT(Started(), IsEmpty());
+    EXPECT_THAT(Calls({"Execute"}), ElementsAre(EmptyDifferences));
+}
+
+TEST_F(ReconcileMode, RunsItsPhasesAlthoughTheLibraryRootIsNotThere) {
+    host.Set("LibraryRoot", R"(X:\Gone)");
+    std::size_t folders = 1;
+    Note(&Procedures::RefreshDatabase, "RefreshDatabase",
+         [&](Run& context) { folders = context.LibraryFolders.size(); });
+    EXPECT_EQ(Load(), RunOutcome::Completed);
+    EXPECT_EQ(folders, 0U);
+    EXPECT_EQ(Calls({"Phase"}).size(), 10U);
+}
+
+// Failures.
+
+TEST_F(ReconcileMode, GoesOnBehindAPhaseThatFails) {
+    Note(&Procedures::RemoveDuplicates, "RemoveDuplicates",
+         [](Run&) { throw std::runtime_error("Object required"); });
+    EXPECT_EQ(Load(), RunOutcome::Completed);
+    EXPECT_THAT(host.log, ElementsAre("Quillon: Update Database Error: Line 0 Object required"));
+    EXPECT_THAT(Calls({"Run VerifyID3Tags", "Run RefreshAlbumCovers"}),
+                ElementsAre("Run VerifyID3Tags", "Run RefreshAlbumCovers"));
+    EXPECT_EQ(run.form.aError, "Update Database Error:");
+    EXPECT_EQ(run.counts.errors, 1U);
+}
+
+TEST_F(ReconcileMode, GoesOnWhenTheDifferencesCannotBeEmptied) {
+    world.calls.Refuse(EmptyDifferences, FailureNumber::Database, "no such table");
+    EXPECT_EQ(Load(), RunOutcome::Completed);
+    EXPECT_EQ(host.log.size(), 1U);
+    EXPECT_TRUE(host.log[0].starts_with("Quillon: Update Database Error: Line 0 ")) << host.log[0];
+    EXPECT_EQ(Calls({"Phase"}).size(), 10U);
+}
+
+TEST_F(ReconcileMode, GoesOnWithoutABackupThatFails) {
+    world.calls.Refuse(DatabaseBackup()[0], FailureNumber::DiskFull, "");
+    EXPECT_EQ(Load(), RunOutcome::Completed);
+    EXPECT_EQ(Calls({"Phase"}).size(), 10U);
+    EXPECT_EQ(run.counts.errors, 1U);
+}
+
+TEST_F(ReconcileMode, MakesTheDatabaseDurableBehindEveryPhase) {
+    Load();
+    EXPECT_THAT(Calls({"Run Re", "Flush"}),
+                ElementsAre("Flush", "Flush", "Run RemoveDuplicates", "Flush", "Flush",
+                            "Run RefreshDatabase", "Flush", "Flush", "Flush", "Run RefreshPlaylist",
+                            "Flush", "Flush", "Run RefreshAlbumCovers", "Flush", "Flush"));
+}
+
+TEST_F(ReconcileMode, LogsThePhasesThatThisVersionLacks) {
+    procedures = {};
+    SwitchOn({"ReconcileOption"});
+    EXPECT_EQ(Load(), RunOutcome::Completed);
+    std::vector<std::string> expected;
+    for (const char* what :
+         {"Capture playlists", "Remove duplicates", "Verify ID3", "Add folder tracks to library",
+          "Add library tracks to download table", "Add artist to download table",
+          "Update playlist references", "Create new playlists", "Verify album covers",
+          "Output reconciliation file"}) {
+        expected.push_back("Quillon: " + std::string(what) + " is not available in this version");
+    }
+    EXPECT_THAT(host.log, ElementsAreArray(expected));
+    EXPECT_EQ(run.counts.errors, 0U);
+    EXPECT_EQ(Calls({"Phase"}).size(), 10U);
+}
+
+// Abort.
+
+TEST_F(ReconcileMode, ReturnsBeforeThePhaseWhoseStartNoticesAbort) {
+    const std::vector<std::string> work = {"Run CapturePlaylists",      "Run RemoveDuplicates",
+                                           "Run VerifyID3Tags",         "Run RefreshDatabase",
+                                           "Run PopulateSpinnerTracks", "",
+                                           "Run PopulateSpinnerArtist", "Run RefreshPlaylist",
+                                           "Run CreateNewPlaylists",    "Run RefreshAlbumCovers"};
+    for (std::size_t phase = 0; phase < work.size(); ++phase) {
+        fakes::FakeWorld other;
+        world.calls.Forget();
+        world.window.abortPressed = false;
+        world.window.last = {};
+        run.AbortRequested = false;
+        run.form = {};
+        world.window.PressAbortWhen(fakes::PhaseIsSelected(phase));
+        EXPECT_EQ(Load(), RunOutcome::Aborted);
+        EXPECT_EQ(Calls({"Phase"}).back(), "Phase " + std::to_string(phase));
+        const std::vector<std::string> ran = Calls({"Run"});
+        const auto expected = std::count_if(work.begin(), work.begin() + static_cast<int>(phase),
+                                            [](const std::string& name) { return !name.empty(); });
+        EXPECT_EQ(static_cast<long>(ran.size()), expected) << phase;
+        EXPECT_EQ(world.calls.Made().back(), "Unload");
+    }
+}
+
+TEST_F(ReconcileMode, LetsThePhaseThatIsRunningEndBeforeItReturns) {
+    Note(&Procedures::RefreshDatabase, "RefreshDatabase", [this](Run& context) {
+        world.window.abortPressed = true;
+        context.ProcessEvents();
+        world.calls.Note("RefreshDatabase ends");
+    });
+    EXPECT_EQ(Load(), RunOutcome::Aborted);
+    EXPECT_THAT(Calls({"Run RefreshDatabase", "RefreshDatabase ends", "Run Populate", "Unload"}),
+                ElementsAre("Run RefreshDatabase", "RefreshDatabase ends", "Unload"));
+}
+
+TEST_F(ReconcileMode, DoesNotOutputTheReconciliationFileAfterAbort) {
+    SwitchOn({"ReconcileOption"});
+    world.window.PressAbortWhen(
+        [](const FormState& state) { return state.aItem.starts_with("1. Output"); });
+    EXPECT_EQ(Load(), RunOutcome::Aborted);
+    EXPECT_THAT(Calls({"Run OutputReconcileTable"}), IsEmpty());
+}
+
+// Numbers that are set aside between marking and sweeping.
+
+TEST_F(ReconcileMode, LeavesTheNumbersSetAsideUntilTheFolderWalk) {
+    KeepMarks();
+    Note(&Procedures::RefreshDatabase, "RefreshDatabase", [this](Run&) { snapshotExists = false; });
+    Load();
+    EXPECT_THAT(Calls({"Run RestoreMarks"}), IsEmpty());
+}
+
+TEST_F(ReconcileMode, GivesBackWhatTheFolderWalkLeftBeforeTheNextPhase) {
+    KeepMarks();
+    Load();
+    EXPECT_THAT(Calls({"Run Re", "Run Pop"}),
+                ElementsAre("Run RemoveDuplicates", "Run RefreshDatabase", "Run RestoreMarks",
+                            "Run PopulateSpinnerTracks", "Run PopulateSpinnerArtist",
+                            "Run RefreshPlaylist", "Run RefreshAlbumCovers"));
+    EXPECT_THAT(host.log, IsEmpty());
+}
+
+TEST_F(ReconcileMode, GivesBackWhenAbortComesBeforeTheFolderWalk) {
+    for (const std::size_t phase : {2U, 3U}) {
+        KeepMarks();
+        world.calls.Forget();
+        world.window.abortPressed = false;
+        world.window.last = {};
+        run.AbortRequested = false;
+        run.form = {};
+        world.window.PressAbortWhen(fakes::PhaseIsSelected(phase));
+        EXPECT_EQ(Load(), RunOutcome::Aborted);
+        EXPECT_THAT(Calls({"Run Re"}), ElementsAre("Run RemoveDuplicates", "Run RestoreMarks"));
+    }
+}
+
+TEST_F(ReconcileMode, GivesBackWhenAbortComesDuringTheFolderWalk) {
+    KeepMarks();
+    Note(&Procedures::RefreshDatabase, "RefreshDatabase", [this](Run& context) {
+        world.window.abortPressed = true;
+        context.ProcessEvents();
+    });
+    EXPECT_EQ(Load(), RunOutcome::Aborted);
+    EXPECT_EQ(Calls({"Run"}).back(), "Run RestoreMarks");
+    EXPECT_FALSE(snapshotExists);
+}
+
+TEST_F(ReconcileMode, GivesBackWhenTheFolderWalkFails) {
+    KeepMarks();
+    Note(&Procedures::RefreshDatabase, "RefreshDatabase",
+         [](Run&) { throw std::runtime_error("Object required"); });
+    EXPECT_EQ(Load(), RunOutcome::Completed);
+    EXPECT_THAT(Calls({"Run Refresh", "Run Restore"}),
+                ElementsAre("Run RefreshDatabase", "Run RestoreMarks", "Run RefreshPlaylist",
+                            "Run RefreshAlbumCovers"));
+}
+
+TEST_F(ReconcileMode, RepairsNoPlaylistWhileTheNumbersCannotBeGivenBack) {
+    KeepMarks();
+    world.calls.Refuse("Run RestoreMarks", FailureNumber::DiskFull, R"(D:\Data\cdj.mdb)");
+    EXPECT_EQ(Load(), RunOutcome::Completed);
+    EXPECT_EQ(Calls({"Run"}).back(), "Run RestoreMarks");
+    EXPECT_EQ(Calls({"Phase"}).back(), "Phase 3");
+    EXPECT_THAT(host.log, ElementsAre("Quillon: Update Database Error: Line 0 Disk full: "
+                                      R"(D:\Data\cdj.mdb)"));
+}
+
+}  // namespace
+}  // namespace quillon
