@@ -1,11 +1,11 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
-#include <vector>
 
 /// The one place where bytes of the ANSI code page, Windows-1252, become text and back. All 256
 /// bytes have a character (the five that the code page leaves open are U+0081, U+008D, U+008F,
@@ -24,6 +24,10 @@ std::optional<std::string> Utf8ToAnsiExactly(std::string_view text);
 
 /// Whether the bytes are well-formed UTF-8 (shortest forms, no surrogates).
 bool IsValidUtf8(std::string_view bytes);
+
+/// The text itself when it is well-formed UTF-8; else with every stray byte read as ANSI, so that
+/// whatever comes from outside can be shown and stored as text.
+std::string ToValidUtf8(std::string_view bytes);
 
 /// Length in UTF-16 units, the measure of Windows names and of database fields.
 std::size_t Utf16Length(std::string_view text);

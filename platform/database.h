@@ -18,7 +18,9 @@ struct Null {
 /// One field's content, as far as the library tables need it.
 using Value = std::variant<Null, bool, std::int64_t, double, DateTime, std::string>;
 
-inline bool IsNull(const Value& value) { return std::holds_alternative<Null>(value); }
+inline bool IsNull(const Value& value) {
+    return std::holds_alternative<Null>(value);
+}
 
 /// Rows of a query or table. A fresh record set stands on its first row. All operations throw
 /// Failure with the database engine's description.

@@ -19,9 +19,9 @@ constexpr std::size_t PhaseCount = 17;
 /// What the one window shows. The driver and the phases change it; a view draws it.
 struct FormState {
     std::array<PhaseIndicator, PhaseCount> aPhase;
-    std::string aItem;   ///< the item being worked on
-    std::string aError;  ///< location text of the latest error
-    std::string lblver;  ///< "Version " + major.minor.revision
+    std::string aItem;          ///< the item being worked on
+    std::string aError;         ///< location text of the latest error
+    std::string lblver;         ///< "Version " + major.minor.revision
     bool aLblReconcile = true;  ///< visible: "Reconcille Library vs Database"
 };
 
@@ -36,7 +36,8 @@ class Window {
 
     virtual void Show(const FormState& state) = 0;
 
-    /// Lets pending events run: draws what changed since the last call and takes the person's input.
+    /// Lets pending events run: draws what changed since the last call and takes the person's
+    /// input.
     virtual void ProcessEvents(const FormState& state) = 0;
 
     /// A record has been written to the host's log.

@@ -1,0 +1,148 @@
+#include "platform/basic_text.h"
+
+#include <algorithm>
+#include <utf8proc.h>
+
+#include "platform/utf8.h"
+
+namespace quillon {
+namespace {
+
+constexpr char32_t SharpS = 0xDF;
+constexpr char32_t CapitalSharpS = 0x1E9E;
+
+char32_t RawLower(char32_t code) {
+    return static_cast<char32_t>(utf8proc_tolower(static_cast<utf8proc_int32_t>(code)));
+}
+
+char32_t RawUpper(char32_t code) {
+    return static_cast<char32_t>(utf8proc_toupper(static_cast<utf8proc_int32_t>(code)));
+}
+
+char32_t Lower(char32_t code) {
+    if (code < 0x80) return code >= 'A' && code <= 'Z' ? code + ('a' - 'A') : code;
+    if (code == CapitalSharpS) return code;
+    const char32_t lower = RawLower(code);
+    return RawUpper(lower) == code ? lower : code;
+}
+
+char32_t Upper(char32_t code) {
+    if (code < 0x80) return code >= 'a' && code <= 'z' ? code - ('a' - 'A') : code;
+    if (code == SharpS) return code;
+    const char32_t upper = RawUpper(code);
+    return RawLower(upper) == code ? upper : code;
+}
+
+/// Every character replaced; bytes that are none stay.
+template <typename Change>
+std::string ChangeEach(std::string_view text, Change change) {
+    std::string result;
+    result.reserve(text.size());
+    for (std::size_t at = 0; at < text.size();) {
+        const Utf8Character character = DecodeUtf8(text, at);
+        if (character.wellFormed) {
+            AppendUtf8(result, change(character.code));
+        } else {
+            result += text.substr(at, character.length);
+        }
+        at += character.length;
+    }
+    return result;
+}
+
+/// The character at `position` in upper case, behind which the position moves.
+char32_t NextUpper(std::string_view text, std::size_t& position) {
+    const Utf8Character character = DecodeUtf8(text, position);
+    position += character.length;
+    return character.wellFormed ? Upper(character.code) : character.code;
+}
+
+/// Orders codes as their UTF-16 units: those in surrogate pairs come before U+E000 to U+FFFF.
+char32_t UnitOrder(char32_t code) {
+    constexpr char32_t FirstBehindSurrogates = 0xE000;
+    constexpr char32_t FirstPair = 0x10000;
+    constexpr char32_t BeyondAll = 0x110000;
+    return code >= FirstBehindSurrogates && code < FirstPair ? code + BeyondAll : code;
+}
+
+/// Below, at or above zero as left comes before, with or behind right, whatever their case.
+int CompareIgnoringCase(std::string_view left, std::string_view right) {
+    std::size_t l = 0;
+    std::size_t r = 0;
+    while (l < left.size() && r < right.size()) {
+        const char32_t leftCode = NextUpper(left, l);
+        const char32_t rightCode = NextUpper(right, r);
+        if (leftCode != rightCode) return UnitOrder(leftCode) < UnitOrder(rightCode) ? -1 : 1;
+    }
+    if (l == left.size() && r == right.size()) return 0;
+    return l == left.size() ? -1 : 1;
+}
+
+}  // namespace
+
+std::string LowerCase(std::string_view text) {
+    return ChangeEach(text, Lower);
+}
+
+std::string UpperCase(std::string_view text) {
+    return ChangeEach(text, Upper);
+}
+
+bool EqualIgnoringCase(std::string_view left, std::string_view right) {
+    return CompareIgnoringCase(left, right) == 0;
+}
+
+bool WindowsNameLess(std::string_view left, std::string_view right) {
+    const int order = CompareIgnoringCase(left, right);
+    return order != 0 ? order < 0 : left < right;
+}
+
+std::string_view Trim(std::string_view text) {
+    const std::size_t first = text.find_first_not_of(' ');
+    if (first == std::string_view::npos) return {};
+    return text.substr(first, text.find_last_not_of(' ') - first + 1);
+}
+
+std::vector<std::string> Split(std::string_view text, std::string_view separator) {
+    std::vector<std::string> pieces;
+    if (text.empty()) return pieces;
+    std::size_t from = 0;
+    while (!separator.empty()) {
+        const std::size_t found = text.find(separator, from);
+        if (found == std::string_view::npos) break;
+        pieces.emplace_back(text.substr(from, found - from));
+        from = found + separator.size();
+    }
+    pieces.emplace_back(text.substr(from));
+    return pieces;
+}
+
+std::string Replace(std::string_view text, std::string_view from, std::string_view to) {
+    if (from.empty()) return std::string(text);
+    std::string result;
+    result.reserve(text.size());
+    std::size_t copied = 0;
+    for (std::size_t found = text.find(from); found != std::string_view::npos;
+         found = text.find(from, copied)) {
+        result += text.substr(copied, found - copied);
+        result += to;
+        copied = found + from.size();
+    }
+    result += text.substr(copied);
+    return result;
+}
+
+std::string_view Right(std::string_view text, std::size_t count) {
+    std::size_t start = text.size();
+    for (; count > 0 && start > 0; --count) {
+        const auto isInside = [&](std::size_t at) {
+            return (static_cast<unsigned char>(text[at]) & 0xC0U) == 0x80;
+        };
+        --start;
+        while (start > 0 && isInside(start))
+            --start;
+    }
+    return text.substr(start);
+}
+
+}  // namespace quillon

@@ -1,0 +1,59 @@
+#include "platform/failure.h"
+
+namespace quillon {
+namespace {
+
+std::string Describe(FailureNumber number, const std::string& concerning) {
+    const std::string text = FailureText(number);
+    return concerning.empty() ? text : text + ": " + concerning;
+}
+
+}  // namespace
+
+Failure::Failure(FailureNumber number, const std::string& concerning)
+    : Failure(Verbatim{}, number, Describe(number, concerning)) {}
+
+Failure::Failure(Verbatim, FailureNumber number, const std::string& description)
+    : std::runtime_error(description), number_(number) {}
+
+Failure Failure::Described(FailureNumber number, const std::string& description) {
+    return {Verbatim{}, number, description};
+}
+
+const char* FailureText(FailureNumber number) {
+    switch (number) {
+        case FailureNumber::InvalidProcedureCall:
+            return "Invalid procedure call or argument";
+        case FailureNumber::Overflow:
+            return "Overflow";
+        case FailureNumber::SubscriptOutOfRange:
+            return "Subscript out of range";
+        case FailureNumber::TypeMismatch:
+            return "Type mismatch";
+        case FailureNumber::BadFileName:
+            return "Bad file name or number";
+        case FailureNumber::FileNotFound:
+            return "File not found";
+        case FailureNumber::FileAlreadyExists:
+            return "File already exists";
+        case FailureNumber::DiskFull:
+            return "Disk full";
+        case FailureNumber::InputPastEnd:
+            return "Input past end of file";
+        case FailureNumber::PermissionDenied:
+            return "Permission denied";
+        case FailureNumber::PathFileAccess:
+            return "Path/File access error";
+        case FailureNumber::PathNotFound:
+            return "Path not found";
+        case FailureNumber::ObjectRequired:
+            return "Object required";
+        case FailureNumber::DuplicateKey:
+            return "This key is already associated with an element of this collection";
+        case FailureNumber::Database:
+            return "Database error";
+    }
+    return "Application-defined or object-defined error";
+}
+
+}  // namespace quillon
