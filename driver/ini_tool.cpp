@@ -129,8 +129,12 @@ void IniTool::Save() const {
 
 void IniTool::DumpHashTable(TextWriter& out) const {
     out.Write("<PRE>");
-    for (const auto& [key, item] : entries_)
-        out.Write(key + " = " + item + "\r\n");
+    for (const auto& [key, item] : entries_) {
+        out.Write(key);
+        out.Write(" = ");
+        out.Write(item);
+        out.Write("\r\n");
+    }
     out.Write("</PRE>");
 }
 

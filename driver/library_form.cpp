@@ -18,8 +18,8 @@ namespace {
 constexpr std::string_view PluginName = "Quillon";
 constexpr std::string_view PluginMissing =
     "Quillon must be enabled to perform management activities";
-constexpr std::string_view MarksGivenBack =
-    "An earlier run was interrupted; the track numbers it had set aside were given back";
+constexpr std::string_view EarlierRunInterrupted =
+    "An earlier run was interrupted; giving back the track numbers that it had set aside";
 
 void RunIfThere(const Procedures::Work& work, Run& run) {
     if (work) work(run);
@@ -114,8 +114,8 @@ void LibraryForm::ReadGenreNames() {
 
 void LibraryForm::GiveBackForgottenMarks() {
     if (!procedures_.MarkSnapshotExists || !procedures_.MarkSnapshotExists(run_)) return;
+    WriteLog(run_, LogSource, EarlierRunInterrupted);
     procedures_.RestoreMarks(run_);
-    WriteLog(run_, LogSource, MarksGivenBack);
 }
 
 void LibraryForm::Release() {

@@ -98,8 +98,8 @@ Problem Convert(SettingKind kind, std::string_view text, bool& value) {
         return std::nullopt;
     }
     value = text == "1" || lower == "true";
-    if (isWord || text == "1" || text == "0") return std::nullopt;
-    return FailureNumber::TypeMismatch;
+    const bool isClear = isWord || text == "1" || text == "0";
+    return isClear ? Problem() : FailureNumber::TypeMismatch;
 }
 
 Problem Convert(const SettingDefinition& definition, std::string_view text, Settings& settings) {
