@@ -13,7 +13,7 @@ import signal
 import sys
 import time
 
-from stage import SHARED, Failed, Stage, confirm_whole
+from stage import CHECKER, Failed, Stage, confirm_whole
 
 import sound_files
 
@@ -142,9 +142,8 @@ class Interrupted:
         status, _ = stop_at(self.stage, self.from_the_start(moment), signal.SIGKILL)
         self.stage.execute("DELETE * FROM SpinnerID3Differences")
         self.stage.tool("db", "check", str(self.stage.database))
-        checker = SHARED / "mdb" / "mdbcheck"
-        if checker.exists():
-            confirm_whole(checker, self.stage.database)
+        if CHECKER.exists():
+            confirm_whole(self.stage.database)
         if moment % 2 == 0:
             self.library_away()
         self.ends_like_the_others()
