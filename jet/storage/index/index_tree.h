@@ -2,6 +2,8 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -10,6 +12,9 @@
 #include "jet/value.h"
 
 namespace jet::storage {
+
+class IndexPageView;
+struct IndexPageContent;
 
 /// Told about the pages that an index takes and gives back, so that its owner can keep the index's
 /// usage map.
@@ -20,7 +25,12 @@ class IndexPageListener {
     virtual void PageReleased(PageNumber page) = 0;
 };
 
+/// The most bytes a key may have: a page must hold two entries.
+constexpr std::size_t LongestKey = 1700;
+
 /// One index: a B+ tree of (key, row) entries whose root page never moves.
+///
+/// Every page is checked before it is used: a tree that contradicts itself gives Error(Damaged).
 class IndexTree {
   public:
     /// `definition` is the first page of the table's definition (stored in every index page).
@@ -31,6 +41,8 @@ class IndexTree {
     /// Makes `root` an empty index.
     static void MakeEmpty(Page& root, PageNumber definition);
 
+    /// Adds an entry. Error(TooLong) for a key of more than LongestKey bytes; Error(Damaged) if
+    /// the entry is there already.
     void Insert(std::span<const std::uint8_t> key, RowId row);
 
     /// Removes the entry; Error(Damaged) if it is not there.
@@ -39,11 +51,33 @@ class IndexTree {
     /// Whether any entry has exactly this key.
     bool ContainsKey(std::span<const std::uint8_t> key) const;
 
-    /// All entries in order.
+    /// All entries in order. The index must not be changed meanwhile.
     void ForEach(
         const std::function<void(std::span<const std::uint8_t> key, RowId row)>& visit) const;
 
   private:
+    struct Step;
+    using Path = std::vector<Step>;
+    struct NewChild;
+
+    std::shared_ptr<const Page> Read(PageNumber page) const;
+    Page& Modify(PageNumber page);
+    PageNumber Take();
+
+    Path Descend(std::span<const std::uint8_t> bytes) const;
+    Bytes GreatestBelow(PageNumber page) const;
+
+    void Rewrite(const Path& path, std::size_t level, IndexPageContent content,
+                 const std::optional<Bytes>& newGreatest, bool ascending);
+    void Split(const Path& path, std::size_t level, IndexPageContent content,
+               const std::vector<std::size_t>& cuts, const std::optional<Bytes>& newGreatest,
+               bool ascending);
+    void UpdateParent(const Path& path, std::size_t level, std::span<const NewChild> added,
+                      const std::optional<Bytes>& newGreatest, bool ascending);
+    void RemovePage(const Path& path, std::size_t level);
+    void Release(PageNumber page);
+    void SeparateChildren(PageNumber left, PageNumber right);
+
     PageStore& pages_;
     IndexPageListener& listener_;
     PageNumber root_;
