@@ -91,6 +91,9 @@ SortTable::SortTable() : units_(UnitCount) {
     fill(ModifierRuns, &SortUnit::modifier);
     fill(UnprintableRuns, &SortUnit::unprintable);
     fill(KanaRuns, &SortUnit::kana);
+    for (std::size_t unit = 0; unit < 0x80; ++unit)
+        if (units_[unit].letterSize == 1 && units_[unit].IsPlain())
+            simpleLetters_[unit] = static_cast<std::uint8_t>(units_[unit].letterBytes);
 }
 
 const SortTable& SortTable::Get() {

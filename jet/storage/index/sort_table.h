@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <vector>
 
@@ -32,10 +33,17 @@ class SortTable {
 
     const SortUnit& operator[](char16_t unit) const { return units_[unit]; }
 
+    /// The letter of a byte of UTF-8, for the ASCII characters that are a letter of one byte and
+    /// nothing else; 0 for all others.
+    std::uint8_t SimpleLetter(char byte) const {
+        return simpleLetters_[static_cast<unsigned char>(byte)];
+    }
+
   private:
     SortTable();
 
     std::vector<SortUnit> units_;
+    std::array<std::uint8_t, 256> simpleLetters_{};
 };
 
 }  // namespace jet::storage

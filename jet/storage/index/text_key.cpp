@@ -189,8 +189,16 @@ int CompareTexts(std::string_view left, std::string_view right) {
     if (!leftPart || !rightPart) return CompareKeys(left, right);
 
     const SortTable& table = SortTable::Get();
-    LetterReader leftLetters(*leftPart, table);
-    LetterReader rightLetters(*rightPart, table);
+    const std::size_t common = std::min(leftPart->size(), rightPart->size());
+    std::size_t same = 0;
+    for (; same < common; ++same) {
+        const std::uint8_t leftLetter = table.SimpleLetter((*leftPart)[same]);
+        const std::uint8_t rightLetter = table.SimpleLetter((*rightPart)[same]);
+        if (leftLetter == 0 || rightLetter == 0) break;
+        if (leftLetter != rightLetter) return leftLetter < rightLetter ? -1 : 1;
+    }
+    LetterReader leftLetters(leftPart->substr(same), table);
+    LetterReader rightLetters(rightPart->substr(same), table);
     while (true) {
         const std::uint8_t leftByte = leftLetters.Next();
         const std::uint8_t rightByte = rightLetters.Next();
