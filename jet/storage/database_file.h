@@ -12,8 +12,10 @@
 
 namespace jet::storage {
 
+class FileSystem;
+
 enum class OpenMode {
-    ReadOnly,   ///< nothing is written, not even a lock file; a pending journal is applied in memory
+    ReadOnly,  ///< nothing is written, not even a lock file; a pending journal is applied in memory
     ReadWrite,  ///< takes the database for this process: fails with Error(InUse) if another has it
 };
 
@@ -28,15 +30,21 @@ class DatabaseFile {
     /// Damaged, InUse, ReadOnly, Io, each naming the file.
     static DatabaseFile Open(const std::filesystem::path& path, OpenMode mode);
 
+    /// The same on other file operations than the system's own.
+    static DatabaseFile Open(const std::filesystem::path& path, OpenMode mode,
+                             const std::shared_ptr<FileSystem>& files);
+
     /// Makes a new file with these tables, all empty. Fails if the path exists.
     static void Create(const std::filesystem::path& path, std::span<const TableDefinition> tables);
 
     DatabaseFile(DatabaseFile&&) noexcept;
     DatabaseFile& operator=(DatabaseFile&&) noexcept;
-    /// Commits what is left (errors are lost here: call Commit() to see them) and gives up the lock.
+    /// Commits what is left (errors are lost here: call Commit() to see them) and gives up the
+    /// lock.
     ~DatabaseFile();
 
-    /// User tables (no system tables), by name without letter case.
+    /// User tables, ordered by name without letter case. Neither system tables nor tables that are
+    /// linked to another database.
     std::vector<std::string> TableNames() const;
 
     /// The table of this name, whatever its letter case; Error(NotFound) if there is none. The

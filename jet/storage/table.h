@@ -51,7 +51,8 @@ class Table {
     /// What Insert made.
     struct Inserted {
         RowId row;
-        std::optional<std::int32_t> autoNumber;  ///< the number handed out, if there is such a column
+        std::optional<std::int32_t>
+            autoNumber;  ///< the number handed out, if there is such a column
     };
     /// Adds a row. A Null in the auto-number column asks for the next number; another value there
     /// is taken as it is and raises the counter where needed.

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <string>
+#include <utility>
+
+#include "jet/error.h"
+#include "jet/storage/table_implementation.h"
+
+namespace jet::storage {
+
+/// A table whose rows are in another database: only its name is known here.
+class LinkedTable final : public TableImplementation {
+  public:
+    LinkedTable(std::string file, const std::string& name, std::string linkedTo)
+        : file_(std::move(file)), linkedTo_(std::move(linkedTo)) {
+        definition_.name = name;
+    }
+
+    const TableDefinition& Definition() const override { return definition_; }
+    std::optional<std::string> ReadOnlyReason() const override {
+        return "it is linked to another database" +
+               (linkedTo_.empty() ? std::string() : " (" + linkedTo_ + ")");
+    }
+    void Scan(const std::function<void(RowId, Row&&)>& /*visit*/) const override { Refuse(); }
+    Row Read(RowId /*row*/) const override { Refuse(); }
+    Table::Inserted Insert(std::span<const Value> /*values*/) override { Refuse(); }
+    void Update(RowId /*row*/, std::span<const FieldChange> /*changes*/) override { Refuse(); }
+    void Delete(RowId /*row*/) override { Refuse(); }
+    std::uint32_t RowCount() const override { Refuse(); }
+    std::string File() const override { return file_; }
+
+  private:
+    [[noreturn]] void Refuse() const {
+        throw Error(ErrorKind::NotSupported, "Table " + definition_.name + " of " + file_ +
+                                                 " cannot be used: " + *ReadOnlyReason() + ".");
+    }
+
+    std::string file_, linkedTo_;
+    TableDefinition definition_;
+};
+
+}  // namespace jet::storage

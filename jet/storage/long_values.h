@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+#include "jet/storage/row_pages.h"
+#include "jet/value.h"
+
+namespace jet::storage {
+
+/// What a Memo or OLE field of a row holds: the length, and the data itself or where it lies.
+constexpr std::size_t LongFieldHeader = 12;
+/// Longer data lies outside the row.
+constexpr std::size_t LongestInline = 64;
+
+/// The data that a long field stands for. `length` bytes at most; contradictions are Damaged.
+Bytes ReadLongValue(PageStore& pages, std::span<const std::uint8_t> field);
+
+/// The data's length without reading it.
+std::size_t LongValueLength(std::span<const std::uint8_t> field);
+
+/// The field for data kept in the row itself.
+Bytes InlineLongField(std::span<const std::uint8_t> data);
+
+/// Stores data outside the row and returns the field that names it.
+Bytes StoreLongValue(RowPages& pages, std::span<const std::uint8_t> data);
+
+/// Removes data that lies outside the row.
+void RemoveLongValue(RowPages& pages, std::span<const std::uint8_t> field);
+
+/// Whether the field names data outside the row.
+bool IsOutsideRow(std::span<const std::uint8_t> field);
+
+}  // namespace jet::storage

@@ -1,0 +1,177 @@
+#include "jet/storage/pager.h"
+
+#include <algorithm>
+#include <string>
+#include <utility>
+
+#include "jet/error.h"
+#include "jet/storage/damaged.h"
+
+namespace jet::storage {
+
+namespace {
+
+constexpr std::size_t CacheBytes = std::size_t{16} << 20;
+constexpr std::size_t MaxUnchanged = CacheBytes / PageSize;
+constexpr std::uint64_t MaxFileSize = std::uint64_t{2} << 30;
+
+}  // namespace
+
+Pager::Pager(std::shared_ptr<FileSystem> files, std::filesystem::path path, bool writable)
+    : files_(std::move(files)),
+      path_(std::move(path)),
+      writable_(writable),
+      file_(files_->Open(path_, writable ? FileAccess::ReadWrite : FileAccess::Read)),
+      globalMap_(*this, [this] { return Append(); }) {
+    Recover();
+    if (pageCount_ != 0) return;
+    const auto size = file_->Size();
+    if (size % PageSize != 0) {
+        throw Error(ErrorKind::Damaged,
+                    path_.string() + " is damaged: its size of " + std::to_string(size) +
+                        " bytes is not a whole number of pages; it seems cut off.");
+    }
+    if (size > MaxFileSize) {
+        throw Error(ErrorKind::Damaged,
+                    path_.string() + " is damaged: it is larger than a database can be.");
+    }
+    pageCount_ = static_cast<PageNumber>(size / PageSize);
+}
+
+std::shared_ptr<const Page> Pager::Read(PageNumber page) {
+    return Fetch(page).page;
+}
+
+Page& Pager::Modify(PageNumber page) {
+    RequireWritable();
+    Frame& frame = Fetch(page);
+    Save(frame);
+    MarkChanged(frame);
+    return *frame.page;
+}
+
+PageNumber Pager::Allocate() {
+    const PageNumber page = globalMap_.Take();
+    Modify(page).fill(0);
+    return page;
+}
+
+void Pager::Free(PageNumber page) {
+    globalMap_.Release(page);
+}
+
+void Pager::RequireWritable() const {
+    if (writable_) return;
+    throw Error(ErrorKind::ReadOnly, path_.string() + " is open for reading only.");
+}
+
+PageNumber Pager::Append() {
+    RequireWritable();
+    if ((std::uint64_t{pageCount_} + 1) * PageSize > MaxFileSize) {
+        throw Error(ErrorKind::Io, path_.string() + " has reached the largest size of a database.");
+    }
+    if (changed_.empty()) oldestChange_ = std::chrono::steady_clock::now();
+    const PageNumber page = pageCount_++;
+    Frame& frame = AddFrame(changed_, page, std::make_shared<Page>());
+    frame.page->fill(0);
+    frame.changed = true;
+    frame.savedFor = change_;  // undone by shortening the file
+    return page;
+}
+
+Pager::Frame& Pager::Fetch(PageNumber number) {
+    if (const auto found = frames_.find(number); found != frames_.end()) {
+        const auto frame = found->second;
+        Frames& list = frame->changed ? changed_ : unchanged_;
+        list.splice(list.begin(), list, frame);
+        return *frame;
+    }
+    if (number >= pageCount_) {
+        ThrowDamaged("it ends too early: page " + std::to_string(number) +
+                     " is in use, but there are " + std::to_string(pageCount_) + " pages");
+    }
+    auto page = std::make_shared<Page>();
+    if (file_->ReadAt(std::uint64_t{number} * PageSize, *page) != PageSize) {
+        throw Error(ErrorKind::Io, "Cannot read " + path_.string() + ": page " +
+                                       std::to_string(number) + " has vanished.");
+    }
+    ShrinkCache();
+    return AddFrame(unchanged_, number, std::move(page));
+}
+
+void Pager::ShrinkCache() {
+    while (unchanged_.size() >= MaxUnchanged)
+        DropFrame(unchanged_.back().number);
+}
+
+Pager::Frame& Pager::AddFrame(Frames& frames, PageNumber number, std::shared_ptr<Page> page) {
+    frames.push_front({number, std::move(page)});
+    frames_[number] = frames.begin();
+    return frames.front();
+}
+
+void Pager::DropFrame(PageNumber number) {
+    const auto found = frames_.find(number);
+    if (found == frames_.end()) return;
+    Frames& list = found->second->changed ? changed_ : unchanged_;
+    list.erase(found->second);
+    frames_.erase(found);
+}
+
+void Pager::MarkChanged(Frame& frame) {
+    if (frame.changed) return;
+    if (changed_.empty()) oldestChange_ = std::chrono::steady_clock::now();
+    frame.changed = true;
+    changed_.splice(changed_.begin(), unchanged_, frames_.at(frame.number));
+}
+
+void Pager::Save(Frame& frame) {
+    if (!inChange_ || frame.savedFor == change_) return;
+    auto content = std::unique_ptr<Page>();
+    if (spare_.empty()) {
+        content = std::make_unique<Page>();
+    } else {
+        content = std::move(spare_.back());
+        spare_.pop_back();
+    }
+    *content = *frame.page;
+    before_.push_back({frame.number, frame.changed, std::move(content)});
+    frame.savedFor = change_;
+}
+
+void Pager::Undo() {
+    for (auto& before : before_) {
+        Frame& frame = *frames_.at(before.number);
+        *frame.page = *before.content;
+        if (frame.changed && !before.changed) {
+            frame.changed = false;
+            unchanged_.splice(unchanged_.begin(), changed_, frames_.at(before.number));
+        }
+    }
+    for (PageNumber page = pageCountBefore_; page < pageCount_; ++page)
+        DropFrame(page);
+    pageCount_ = pageCountBefore_;
+    globalMap_.Forget();
+}
+
+Pager::Change::Change(Pager& pager) : pager_(pager) {
+    ++pager_.change_;
+    pager_.inChange_ = true;
+    pager_.pageCountBefore_ = pager_.pageCount_;
+}
+
+Pager::Change::~Change() {
+    if (!open_) return;
+    pager_.Undo();
+    Keep();
+}
+
+void Pager::Change::Keep() {
+    open_ = false;
+    pager_.inChange_ = false;
+    for (auto& before : pager_.before_)
+        pager_.spare_.push_back(std::move(before.content));
+    pager_.before_.clear();
+}
+
+}  // namespace jet::storage

@@ -1,0 +1,102 @@
+#pragma once
+
+#include <map>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "jet/storage/pager.h"
+#include "jet/storage/row_coding.h"
+#include "jet/storage/table_implementation.h"
+#include "jet/storage/table_index.h"
+#include "jet/storage/table_layout.h"
+#include "jet/storage/table_rows.h"
+
+namespace jet::storage {
+
+/// A table whose rows are in this file.
+class StoredTable final : public TableImplementation {
+  public:
+    /// Reads the definition that starts on page `definition`. `requiredColumns` names the columns
+    /// that refuse Null. `pages` must outlive this object.
+    StoredTable(Pager& pages, std::string name, PageNumber definition,
+                std::span<const std::string> requiredColumns);
+
+    const TableDefinition& Definition() const override { return definition_; }
+    std::optional<std::string> ReadOnlyReason() const override;
+    void Scan(const std::function<void(RowId, Row&&)>& visit) const override;
+    Row Read(RowId row) const override;
+    Table::Inserted Insert(std::span<const Value> values) override;
+    void Update(RowId row, std::span<const FieldChange> changes) override;
+    void Delete(RowId row) override;
+    std::uint32_t RowCount() const override;
+    std::string File() const override { return pages_.Path().string(); }
+
+    /// Scan for a few columns: the others stay Null in the rows and are not looked at.
+    void ScanColumns(std::span<const std::size_t> columns,
+                     const std::function<void(RowId, Row&&)>& visit) const;
+    /// One column of one row.
+    Value ReadColumn(RowId row, std::size_t column) const;
+
+    /// Error(Damaged) unless everything that the definition names lies inside the file.
+    void CheckExtent() const;
+
+  private:
+    /// What is made from the definition. Thrown away when a change was undone, as it may know of
+    /// things that do not exist any more.
+    struct Parts {
+        Parts(Pager& pages, PageNumber definition);
+
+        TableLayout layout;
+        TableRows rows;
+        TableCounters counters;
+        std::vector<std::unique_ptr<TableIndex>> indexes;
+        std::map<std::size_t, RowPages> longPages;  ///< by column, made on first use
+    };
+
+    /// A row under construction.
+    struct Draft {
+        explicit Draft(std::size_t columns) : fields(columns), bytes(columns) {}
+        std::vector<FieldBytes> fields;
+        std::vector<Bytes> bytes;  ///< holds what new `fields` point to
+    };
+
+    /// A row's keys in one index before and after a change.
+    struct KeyChange {
+        std::size_t index;
+        std::optional<IndexKey> before, after;
+    };
+
+    Parts& Current() const;
+    void RequireChangeable() const;
+    /// Runs a change as a whole: where it throws, every page is as it was.
+    template <typename Action>
+    void Undoably(Action action);
+
+    Value Decode(const RowReader& reader, std::size_t column) const;
+    Row DecodeRow(std::span<const std::uint8_t> bytes) const;
+    std::vector<std::optional<Value>> EffectiveChanges(const RowReader& old,
+                                                       std::span<const FieldChange> changes) const;
+    std::vector<KeyChange> KeyChanges(const RowReader& old,
+                                      const std::vector<std::optional<Value>>& changes) const;
+
+    void CheckKey(const TableIndex& index, std::size_t number, const IndexKey& key) const;
+    std::string IndexName(std::size_t realIndex) const;
+
+    std::optional<std::int32_t> HandOutNumber(Row& values) const;
+    void RaiseAutoNumber(std::size_t column, const Value& value);
+    void SetField(Draft& draft, std::size_t column, const Value& value);
+    void SetBytes(Draft& draft, std::size_t column, Bytes bytes);
+    Bytes Assemble(Draft& draft);
+    bool MoveLongestOut(Draft& draft);
+    RowPages& LongPages(std::size_t column);
+    void ChangeKey(const KeyChange& change, RowId row);
+
+    Pager& pages_;
+    PageNumber page_;
+    TableDefinition definition_;
+    mutable std::unique_ptr<Parts> parts_;
+};
+
+}  // namespace jet::storage

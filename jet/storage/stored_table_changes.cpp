@@ -1,0 +1,326 @@
+// How rows are added, changed and deleted.
+#include <algorithm>
+#include <limits>
+#include <utility>
+
+#include "jet/error.h"
+#include "jet/storage/damaged.h"
+#include "jet/storage/format/values.h"
+#include "jet/storage/long_values.h"
+#include "jet/storage/map_pages.h"
+#include "jet/storage/stored_table.h"
+#include "jet/storage/value_check.h"
+
+namespace jet::storage {
+
+namespace {
+
+/// Yes/No fields know no Null.
+Value Normalized(const Value& value, const ColumnDefinition& column) {
+    if (column.type == ColumnType::Boolean && IsNull(value)) return false;
+    return value;
+}
+
+}  // namespace
+
+void StoredTable::RequireChangeable() const {
+    if (const auto reason = ReadOnlyReason()) {
+        throw Error(ErrorKind::NotSupported,
+                    "Table " + definition_.name + " cannot be changed: " + *reason + ".");
+    }
+}
+
+template <typename Action>
+void StoredTable::Undoably(Action action) {
+    Pager::Change change(pages_);
+    try {
+        action();
+        change.Keep();
+    } catch (...) {
+        parts_.reset();
+        throw;
+    }
+}
+
+Table::Inserted StoredTable::Insert(std::span<const Value> given) {
+    RequireChangeable();
+    if (given.size() != definition_.columns.size()) {
+        throw Error(ErrorKind::TypeMismatch, "A row of table " + definition_.name + " has " +
+                                                 std::to_string(definition_.columns.size()) +
+                                                 " values, not " + std::to_string(given.size()) +
+                                                 ".");
+    }
+    Row values;
+    values.reserve(given.size());
+    for (std::size_t i = 0; i < given.size(); ++i) {
+        values.push_back(Normalized(given[i], definition_.columns[i]));
+        CheckValue(values.back(), definition_.columns[i], definition_.name);
+    }
+    Table::Inserted inserted;
+    inserted.autoNumber = HandOutNumber(values);
+    std::vector<IndexKey> keys;
+    for (std::size_t i = 0; i < Current().indexes.size(); ++i) {
+        keys.push_back(Current().indexes[i]->KeyOf(values));
+        CheckKey(*Current().indexes[i], i, keys.back());
+    }
+    Undoably([&] {
+        Parts& parts = Current();
+        for (std::size_t i = 0; i < values.size(); ++i)
+            RaiseAutoNumber(i, values[i]);
+        Draft draft(values.size());
+        for (std::size_t i = 0; i < values.size(); ++i)
+            SetField(draft, i, values[i]);
+        inserted.row = parts.rows.Add(Assemble(draft));
+        for (std::size_t i = 0; i < keys.size(); ++i) {
+            ChangeKey({i, std::nullopt, std::move(keys[i])}, inserted.row);
+        }
+        parts.counters.SetRows(parts.counters.Rows() + 1);
+    });
+    return inserted;
+}
+
+void StoredTable::Update(RowId row, std::span<const FieldChange> changes) {
+    RequireChangeable();
+    const auto stored = Current().rows.Read(row);
+    // A copy, as the page is about to change.
+    const Bytes old(stored.bytes.begin(), stored.bytes.end());
+    const RowReader reader(old, Current().layout);
+    const auto newValues = EffectiveChanges(reader, changes);
+    if (std::none_of(newValues.begin(), newValues.end(),
+                     [](const auto& v) { return v.has_value(); })) {
+        return;
+    }
+    const auto keyChanges = KeyChanges(reader, newValues);
+    for (const auto& change : keyChanges) {
+        if (change.after) CheckKey(*Current().indexes[change.index], change.index, *change.after);
+    }
+    Undoably([&] {
+        Parts& parts = Current();
+        Draft draft(newValues.size());
+        std::vector<std::pair<std::size_t, Bytes>> obsolete;
+        for (std::size_t i = 0; i < newValues.size(); ++i) {
+            const ColumnLayout& column = parts.layout.columns[i];
+            const auto field =
+                column.Type() == ColumnType::Boolean ? std::nullopt : reader.Field(column);
+            if (!newValues[i]) {
+                if (field) draft.fields[i] = {true, *field};
+                if (column.Type() == ColumnType::Boolean)
+                    draft.fields[i].present = reader.Bit(column);
+                continue;
+            }
+            if (field && column.IsLong() && IsOutsideRow(*field)) {
+                obsolete.emplace_back(i, Bytes(field->begin(), field->end()));
+            }
+            SetField(draft, i, *newValues[i]);
+            RaiseAutoNumber(i, *newValues[i]);
+        }
+        for (const auto& [column, field] : obsolete)
+            RemoveLongValue(LongPages(column), field);
+        parts.rows.Replace(row, Assemble(draft));
+        for (const auto& change : keyChanges)
+            ChangeKey(change, row);
+    });
+}
+
+void StoredTable::Delete(RowId row) {
+    RequireChangeable();
+    const auto stored = Current().rows.Read(row);
+    const Bytes old(stored.bytes.begin(), stored.bytes.end());
+    Undoably([&] {
+        Parts& parts = Current();
+        const RowReader reader(old, parts.layout);
+        Row values(definition_.columns.size());
+        for (const auto& index : parts.indexes) {
+            for (const std::size_t column : index->Columns()) {
+                values[column] = Decode(reader, column);
+            }
+        }
+        for (std::size_t i = 0; i < parts.indexes.size(); ++i) {
+            ChangeKey({i, parts.indexes[i]->KeyOf(values), std::nullopt}, row);
+        }
+        for (std::size_t i = 0; i < values.size(); ++i) {
+            if (!parts.layout.columns[i].IsLong()) continue;
+            const auto field = reader.Field(parts.layout.columns[i]);
+            if (field && IsOutsideRow(*field)) RemoveLongValue(LongPages(i), *field);
+        }
+        parts.rows.Remove(row);
+        const auto rows = parts.counters.Rows();
+        if (rows != 0) parts.counters.SetRows(rows - 1);
+    });
+}
+
+/// New values by column, for those columns whose value really becomes another.
+std::vector<std::optional<Value>> StoredTable::EffectiveChanges(
+    const RowReader& old, std::span<const FieldChange> changes) const {
+    std::vector<std::optional<Value>> newValues(definition_.columns.size());
+    for (const FieldChange& change : changes) {
+        const ColumnDefinition& column = definition_.columns.at(change.column);
+        Value value = Normalized(change.value, column);
+        CheckValue(value, column, definition_.name);
+        if (column.autoNumber && IsNull(value)) {
+            throw Error(ErrorKind::Required, "Field " + column.name + " of table " +
+                                                 definition_.name + " needs a value.");
+        }
+        newValues[change.column] = std::move(value);
+    }
+    for (std::size_t i = 0; i < newValues.size(); ++i) {
+        if (newValues[i] && Decode(old, i) == *newValues[i]) newValues[i].reset();
+    }
+    return newValues;
+}
+
+std::vector<StoredTable::KeyChange> StoredTable::KeyChanges(
+    const RowReader& old, const std::vector<std::optional<Value>>& changes) const {
+    const Parts& parts = Current();
+    std::vector<KeyChange> keyChanges;
+    Row before(changes.size()), after(changes.size());
+    for (std::size_t i = 0; i < parts.indexes.size(); ++i) {
+        const auto& columns = parts.indexes[i]->Columns();
+        if (std::none_of(columns.begin(), columns.end(),
+                         [&](std::size_t column) { return changes[column].has_value(); })) {
+            continue;
+        }
+        for (const std::size_t column : columns) {
+            before[column] = Decode(old, column);
+            after[column] = changes[column].value_or(before[column]);
+        }
+        IndexKey keyBefore = parts.indexes[i]->KeyOf(before);
+        IndexKey keyAfter = parts.indexes[i]->KeyOf(after);
+        if (keyBefore.bytes == keyAfter.bytes) continue;
+        keyChanges.push_back({i, std::move(keyBefore), std::move(keyAfter)});
+    }
+    return keyChanges;
+}
+
+void StoredTable::CheckKey(const TableIndex& index, std::size_t number, const IndexKey& key) const {
+    if (index.RefusesNulls() && key.anyNull) {
+        throw Error(ErrorKind::Required, "Index " + IndexName(number) + " of table " +
+                                             definition_.name + " needs a value in each field.");
+    }
+    if (index.IsTaken(key)) {
+        throw Error(ErrorKind::Duplicate, "Table " + definition_.name +
+                                              " already has a row with this value in index " +
+                                              IndexName(number) + ".");
+    }
+}
+
+void StoredTable::ChangeKey(const KeyChange& change, RowId row) {
+    Parts& parts = Current();
+    TableIndex& index = *parts.indexes[change.index];
+    if (change.before) index.Remove(*change.before, row);
+    if (change.after && index.Insert(*change.after, row)) parts.counters.CountNewKey(change.index);
+}
+
+/// Puts the next number into an auto-number column that got none.
+std::optional<std::int32_t> StoredTable::HandOutNumber(Row& values) const {
+    std::optional<std::int32_t> number;
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        if (!definition_.columns[i].autoNumber) continue;
+        if (IsNull(values[i])) {
+            const TableCounters& counters = Current().counters;
+            const std::int64_t next =
+                std::int64_t{counters.AutoNumber()} + counters.AutoNumberStep();
+            if (next > std::numeric_limits<std::int32_t>::max() ||
+                next < std::numeric_limits<std::int32_t>::min()) {
+                throw Error(ErrorKind::Overflow,
+                            "Table " + definition_.name + " has used up its auto-numbers.");
+            }
+            values[i] = next;
+        }
+        number = static_cast<std::int32_t>(std::get<std::int64_t>(values[i]));
+    }
+    return number;
+}
+
+void StoredTable::RaiseAutoNumber(std::size_t column, const Value& value) {
+    if (!definition_.columns[column].autoNumber) return;
+    const auto number = static_cast<std::int32_t>(std::get<std::int64_t>(value));
+    TableCounters& counters = Current().counters;
+    const bool upwards = counters.AutoNumberStep() > 0;
+    const auto last = counters.AutoNumber();
+    if (upwards ? number > last : number < last) counters.SetAutoNumber(number);
+}
+
+void StoredTable::SetBytes(Draft& draft, std::size_t column, Bytes bytes) {
+    draft.bytes[column] = std::move(bytes);
+    draft.fields[column] = {true, draft.bytes[column]};
+}
+
+void StoredTable::SetField(Draft& draft, std::size_t position, const Value& value) {
+    const ColumnLayout& column = Current().layout.columns[position];
+    if (IsNull(value)) return;
+    if (column.Type() == ColumnType::Boolean) {
+        draft.fields[position].present = std::get<bool>(value);
+        return;
+    }
+    if (!column.IsLong()) {
+        SetBytes(draft, position, EncodeField(column, value));
+        return;
+    }
+    const Bytes data =
+        column.Type() == ColumnType::Memo
+            ? EncodeText(ToUtf16(std::get<std::string>(value)), column.compressed, true)
+            : std::get<Bytes>(value);
+    SetBytes(draft, position,
+             data.size() <= LongestInline ? InlineLongField(data)
+                                          : StoreLongValue(LongPages(position), data));
+}
+
+Bytes StoredTable::Assemble(Draft& draft) {
+    const TableLayout& layout = Current().layout;
+    Bytes row = BuildRow(layout, draft.fields);
+    while (row.size() > LargestRow) {
+        if (!MoveLongestOut(draft)) {
+            throw Error(ErrorKind::TooLong, "The row is too long for table " + definition_.name +
+                                                ": its fields take " + std::to_string(row.size()) +
+                                                " bytes of at most " + std::to_string(LargestRow) +
+                                                ".");
+        }
+        row = BuildRow(layout, draft.fields);
+    }
+    return row;
+}
+
+/// Stores the largest long value that is in the row outside of it; false if there is none.
+bool StoredTable::MoveLongestOut(Draft& draft) {
+    const TableLayout& layout = Current().layout;
+    std::size_t longest = draft.fields.size(), size = LongFieldHeader;
+    for (std::size_t i = 0; i < draft.fields.size(); ++i) {
+        const FieldBytes& field = draft.fields[i];
+        if (!layout.columns[i].IsLong() || !field.present || field.bytes.size() <= size) continue;
+        if (IsOutsideRow(field.bytes)) continue;
+        longest = i;
+        size = field.bytes.size();
+    }
+    if (longest == draft.fields.size()) return false;
+    const Bytes data = ReadLongValue(pages_, draft.fields[longest].bytes);
+    SetBytes(draft, longest, StoreLongValue(LongPages(longest), data));
+    return true;
+}
+
+RowPages& StoredTable::LongPages(std::size_t column) {
+    Parts& parts = Current();
+    if (const auto found = parts.longPages.find(column); found != parts.longPages.end()) {
+        return found->second;
+    }
+    const auto number = parts.layout.columns[column].number;
+    auto& maps = parts.layout.longColumns;
+    const auto entry = std::find_if(maps.begin(), maps.end(),
+                                    [number](const auto& map) { return map.column == number; });
+    if (entry == maps.end()) {
+        throw Error(ErrorKind::NotSupported, "Field " + definition_.columns[column].name +
+                                                 " of table " + definition_.name +
+                                                 " has no place for long values.");
+    }
+    if (entry->owned.page == 0 || entry->free.page == 0) {
+        MapPages mapPages(pages_);
+        if (entry->owned.page == 0) entry->owned = mapPages.Add();
+        if (entry->free.page == 0) entry->free = mapPages.Add();
+        StoreLongColumnMaps(pages_, parts.layout, static_cast<std::size_t>(entry - maps.begin()));
+    }
+    const auto [pages, isNew] =
+        parts.longPages.try_emplace(column, pages_, LongValueOwner, entry->owned, entry->free);
+    return pages->second;
+}
+
+}  // namespace jet::storage

@@ -1,0 +1,48 @@
+#include "jet/storage/table.h"
+
+#include <utility>
+
+#include "jet/storage/named_errors.h"
+#include "jet/storage/table_implementation.h"
+
+namespace jet::storage {
+
+Table::Table(std::unique_ptr<TableImplementation> implementation)
+    : implementation_(std::move(implementation)) {}
+Table::Table(Table&&) noexcept = default;
+Table& Table::operator=(Table&&) noexcept = default;
+Table::~Table() = default;
+
+const TableDefinition& Table::Definition() const {
+    return implementation_->Definition();
+}
+
+std::optional<std::string> Table::ReadOnlyReason() const {
+    return implementation_->ReadOnlyReason();
+}
+
+void Table::Scan(const std::function<void(RowId, Row&&)>& visit) const {
+    NamingFile(implementation_->File(), [&] { implementation_->Scan(visit); });
+}
+
+Row Table::Read(RowId row) const {
+    return NamingFile(implementation_->File(), [&] { return implementation_->Read(row); });
+}
+
+Table::Inserted Table::Insert(std::span<const Value> values) {
+    return NamingFile(implementation_->File(), [&] { return implementation_->Insert(values); });
+}
+
+void Table::Update(RowId row, std::span<const FieldChange> changes) {
+    NamingFile(implementation_->File(), [&] { implementation_->Update(row, changes); });
+}
+
+void Table::Delete(RowId row) {
+    NamingFile(implementation_->File(), [&] { implementation_->Delete(row); });
+}
+
+std::uint32_t Table::RowCount() const {
+    return NamingFile(implementation_->File(), [&] { return implementation_->RowCount(); });
+}
+
+}  // namespace jet::storage

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <span>
+#include <string>
+
+#include "jet/storage/table.h"
+
+namespace jet::storage {
+
+/// What stands behind a Table; the members are those of Table, without the file's name in errors.
+class TableImplementation {
+  public:
+    virtual ~TableImplementation() = default;
+
+    virtual const TableDefinition& Definition() const = 0;
+    virtual std::optional<std::string> ReadOnlyReason() const = 0;
+    virtual void Scan(const std::function<void(RowId, Row&&)>& visit) const = 0;
+    virtual Row Read(RowId row) const = 0;
+    virtual Table::Inserted Insert(std::span<const Value> values) = 0;
+    virtual void Update(RowId row, std::span<const FieldChange> changes) = 0;
+    virtual void Delete(RowId row) = 0;
+    virtual std::uint32_t RowCount() const = 0;
+
+    /// The file that the table is in.
+    virtual std::string File() const = 0;
+};
+
+}  // namespace jet::storage

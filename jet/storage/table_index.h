@@ -1,0 +1,63 @@
+#pragma once
+
+#include <span>
+#include <string>
+#include <vector>
+
+#include "jet/storage/index/index_tree.h"
+#include "jet/storage/table_layout.h"
+#include "jet/storage/usage_map.h"
+#include "jet/value.h"
+
+namespace jet::storage {
+
+/// A row's key in one index.
+struct IndexKey {
+    Bytes bytes;
+    bool anyNull = false, allNull = true;
+};
+
+/// One index of a table: its tree, the map of its pages and the rules for its keys.
+class TableIndex final : private IndexPageListener {
+  public:
+    /// `pages` must outlive this object.
+    TableIndex(PageStore& pages, const TableLayout& layout, std::size_t realIndex);
+    TableIndex(const TableIndex&) = delete;
+    TableIndex& operator=(const TableIndex&) = delete;
+    ~TableIndex() override = default;
+
+    /// Positions of its columns in the table.
+    const std::vector<std::size_t>& Columns() const { return columns_; }
+    bool Uses(std::size_t column) const;
+
+    /// The key of a row, of which only the index's columns are looked at.
+    IndexKey KeyOf(std::span<const Value> row) const;
+    /// Whether a row with this key has an entry at all.
+    bool Lists(const IndexKey& key) const { return !(ignoresNulls_ && key.allNull); }
+    bool RefusesNulls() const { return refusesNulls_; }
+    /// Whether the key must not be there twice and already is there.
+    bool IsTaken(const IndexKey& key) const;
+
+    /// Adds an entry; a key that IsTaken() must not be given. Returns whether the index did not
+    /// have the key before.
+    bool Insert(const IndexKey& key, RowId row);
+    void Remove(const IndexKey& key, RowId row);
+
+  private:
+    struct Part {
+        ColumnType type;
+        std::uint8_t scale;
+        bool ascending;
+    };
+
+    void PageTaken(PageNumber page) override { map_.Add(page); }
+    void PageReleased(PageNumber page) override { map_.Remove(page); }
+
+    UsageMap map_;
+    IndexTree tree_;
+    std::vector<std::size_t> columns_;
+    std::vector<Part> parts_;
+    bool unique_, ignoresNulls_, refusesNulls_;
+};
+
+}  // namespace jet::storage
