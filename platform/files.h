@@ -57,11 +57,13 @@ class BinaryReader {
 /// The file system in Windows terms: paths are `D:\Music\x.mp3` or `\\server\share\x.mp3`, names
 /// compare without letter case, listings come in name order. Every operation throws Failure in the
 /// runtime's wording with the path behind it. A path with a component that Windows cannot hold is
-/// refused (BadFileName) before anything is touched.
+/// refused (BadFileName) before anything is touched; a drive or share that is not there, or a
+/// missing folder on the way, is PathNotFound; a missing file FileNotFound.
 class Files {
   public:
     virtual ~Files() = default;
 
+    /// These two never fail: what cannot be reached or cannot be a path does not exist.
     virtual bool FolderExists(std::string_view path) = 0;
     virtual bool FileExists(std::string_view path) = 0;
 
@@ -73,11 +75,14 @@ class Files {
     /// Failure: FileNotFound.
     virtual FileEntry GetFile(std::string_view path) = 0;
 
+    /// Failure: FileAlreadyExists.
     virtual void CreateFolder(std::string_view path) = 0;
-    /// Copies keep the modification time and appear whole or not at all.
+    /// Copies keep the modification time and appear whole or not at all. Failure:
+    /// FileAlreadyExists unless `overwrite`, PermissionDenied onto a folder or onto itself.
     virtual void CopyFile(std::string_view from, std::string_view to, bool overwrite) = 0;
     /// Copies what is inside `from` into the existing folder `to`, sub-folders too.
     virtual void CopyFolder(std::string_view from, std::string_view to, bool overwrite) = 0;
+    /// A write-protected file is not deleted (PermissionDenied).
     virtual void DeleteFile(std::string_view path) = 0;
     /// Renames or moves a file. Failure: FileAlreadyExists when the target is another file.
     virtual void MoveFile(std::string_view from, std::string_view to) = 0;

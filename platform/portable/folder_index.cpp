@@ -1,0 +1,99 @@
+#include "platform/portable/folder_index.h"
+
+#include <dirent.h>
+#include <memory>
+#include <sys/stat.h>
+#include <utility>
+
+#include "platform/basic_text.h"
+#include "platform/portable/windows_path.h"
+
+namespace quillon {
+namespace {
+
+// Enough for every folder that a phase works in at a time; more would only hold memory.
+constexpr std::size_t MostListings = 64;
+
+bool SameTime(const std::timespec& left, const std::timespec& right) {
+    return left.tv_sec == right.tv_sec && left.tv_nsec == right.tv_nsec;
+}
+
+std::pair<std::string, std::string> FolderAndName(const std::string& path) {
+    const std::size_t slash = path.rfind('/');
+    return {slash == 0 ? "/" : path.substr(0, slash), path.substr(slash + 1)};
+}
+
+}  // namespace
+
+bool FolderIndex::Stamp::operator==(const Stamp& other) const {
+    return device == other.device && inode == other.inode && SameTime(modified, other.modified) &&
+           SameTime(changed, other.changed);
+}
+
+void FolderIndex::Listing::Add(std::string name) {
+    Entry& entry = names[UpperCase(name)];
+    if (entry.name == name) return;
+    entry.hasTwin = !entry.name.empty();
+    if (entry.name.empty() || name < entry.name) entry.name = std::move(name);
+}
+
+bool FolderIndex::ReadStamp(const std::string& folder, Stamp& stamp) {
+    struct stat facts{};
+    if (stat(folder.c_str(), &facts) != 0) return false;
+    stamp = {facts.st_dev, facts.st_ino, facts.st_mtim, facts.st_ctim};
+    return true;
+}
+
+bool FolderIndex::ReadNames(const std::string& folder, Listing& listing) {
+    const auto close = [](DIR* stream) { closedir(stream); };
+    const std::unique_ptr<DIR, decltype(close)> stream(opendir(folder.c_str()), close);
+    if (!stream) return false;
+    listing.names.clear();
+    while (const dirent* const entry = readdir(stream.get())) {
+        if (IsWindowsName(entry->d_name)) listing.Add(entry->d_name);
+    }
+    return true;
+}
+
+std::string FolderIndex::Find(const std::string& folder, std::string_view name) {
+    // The stamp is taken before the names, so that a change meanwhile shows at the next look.
+    Stamp stamp;
+    if (!ReadStamp(folder, stamp)) return {};
+    auto found = listings_.find(folder);
+    if (found == listings_.end() || !(found->second.stamp == stamp)) {
+        if (found == listings_.end() && listings_.size() >= MostListings) listings_.clear();
+        Listing& listing = listings_[folder];
+        listing.stamp = stamp;
+        if (!ReadNames(folder, listing)) {
+            listings_.erase(folder);
+            return {};
+        }
+        found = listings_.find(folder);
+    }
+    const auto entry = found->second.names.find(UpperCase(name));
+    return entry == found->second.names.end() ? std::string() : entry->second.name;
+}
+
+void FolderIndex::Added(const std::string& path) {
+    const auto [folder, name] = FolderAndName(path);
+    const auto found = listings_.find(folder);
+    if (found == listings_.end()) return;
+    found->second.Add(name);
+    if (!ReadStamp(folder, found->second.stamp)) listings_.erase(found);
+}
+
+void FolderIndex::Removed(const std::string& path) {
+    const auto [folder, name] = FolderAndName(path);
+    const auto found = listings_.find(folder);
+    if (found == listings_.end()) return;
+    const auto entry = found->second.names.find(UpperCase(name));
+    const bool known = entry != found->second.names.end();
+    // Which names remain of twins, only the folder itself can tell.
+    if ((known && entry->second.hasTwin) || !ReadStamp(folder, found->second.stamp)) {
+        listings_.erase(found);
+    } else if (known) {
+        found->second.names.erase(entry);
+    }
+}
+
+}  // namespace quillon

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstdint>
+#include <ctime>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+namespace quillon {
+
+/// The names in local folders, found without regard to letter case. A folder is read once and again
+/// only after another program has changed it; what this process changes is noted instead.
+class FolderIndex {
+  public:
+    /// The name that an entry of the folder really has; of several that differ in letter case alone
+    /// the first by code. Empty when there is none or the folder cannot be read.
+    std::string Find(const std::string& folder, std::string_view name);
+
+    /// This process has just made or removed an entry, given by its full local path.
+    void Added(const std::string& path);
+    void Removed(const std::string& path);
+
+  private:
+    /// What changes when entries of a folder do.
+    struct Stamp {
+        std::uint64_t device = 0, inode = 0;
+        std::timespec modified{}, changed{};
+        bool operator==(const Stamp& other) const;
+    };
+    struct Entry {
+        std::string name;
+        bool hasTwin = false;  ///< another name differs in letter case alone
+    };
+    struct Listing {
+        Stamp stamp;
+        std::unordered_map<std::string, Entry> names;  ///< by upper case
+        void Add(std::string name);
+    };
+
+    static bool ReadStamp(const std::string& folder, Stamp& stamp);
+    static bool ReadNames(const std::string& folder, Listing& listing);
+
+    std::unordered_map<std::string, Listing> listings_;
+};
+
+}  // namespace quillon

@@ -1,0 +1,143 @@
+#include "platform/portable/host_folder.h"
+
+#include <array>
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <system_error>
+
+#include "platform/ansi.h"
+#include "platform/basic_text.h"
+#include "platform/failure.h"
+#include "platform/portable/file_handle.h"
+#include "platform/portable/system_failure.h"
+#include "platform/portable/windows_path.h"
+
+namespace quillon {
+namespace {
+
+constexpr const char* HostIni = "host.ini";
+constexpr const char* LogName = "host.log";
+
+std::filesystem::path CheckedFolder(const std::filesystem::path& folder) {
+    std::error_code ignored;
+    if (folder.empty() || !std::filesystem::is_directory(folder, ignored)) {
+        throw Failure(FailureNumber::PathNotFound, "host folder " + folder.string());
+    }
+    const std::filesystem::path normal = std::filesystem::absolute(folder).lexically_normal();
+    return normal.has_filename() ? normal : normal.parent_path();
+}
+
+std::string ReadAll(const FileHandle& file) {
+    std::string content;
+    std::array<std::uint8_t, 65536> buffer{};
+    while (const std::size_t length = file.ReadAt(content.size(), buffer))
+        content.append(buffer.begin(), buffer.begin() + static_cast<std::ptrdiff_t>(length));
+    return content;
+}
+
+bool IsSwitchedOn(std::string_view value) {
+    for (const std::string_view word : {"yes", "on", "true"}) {
+        if (EqualIgnoringCase(value, word)) return true;
+    }
+    return ToNumber(value).value_or(0) != 0;
+}
+
+/// A text that stays on its line of the log: every line end, and every control character but the
+/// tab, becomes a blank.
+std::string OnOneLine(std::string_view text) {
+    std::string line = Replace(ToValidUtf8(text), "\r\n", " ");
+    for (char& character : line) {
+        const auto code = static_cast<unsigned char>(character);
+        if ((code < 0x20 && character != '\t') || code == 0x7F) character = ' ';
+    }
+    return line;
+}
+
+}  // namespace
+
+HostFolder::HostFolder(const std::filesystem::path& folder, const Clock& clock)
+    : folder_(CheckedFolder(folder)), clock_(clock), drives_(folder_) {
+    MapDrives();
+}
+
+void HostFolder::MapDrives() {
+    for (const auto& [root, local] : Read(HostIni).Entries("Drives")) {
+        try {
+            drives_.Map(root, local);
+        } catch (const Failure& failure) {
+            throw Failure::Described(failure.Number(), std::string(failure.what()) + " in " +
+                                                           (folder_ / HostIni).string());
+        }
+    }
+    drives_.MakeReachable(folder_);
+}
+
+/// The file's content; that of an empty file when there is none of that name.
+const IniFile& HostFolder::Read(std::string_view file) {
+    if (!IsWindowsName(file)) throw Failure(FailureNumber::BadFileName, ToValidUtf8(file));
+    std::filesystem::path path = folder_ / file;
+    struct stat facts{};
+    if (stat(path.c_str(), &facts) != 0) {
+        const std::string real = index_.Find(folder_.string(), file);
+        if (!real.empty()) path = folder_ / real;
+    }
+    ReadFile& known = files_[path.string()];
+    const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (descriptor < 0) {
+        if (errno != ENOENT) throw SystemFailure(errno, path.string());
+        known = {};
+        return known.content;
+    }
+    const FileHandle handle(descriptor, path.string());
+    facts = handle.Facts();
+    if (!S_ISREG(facts.st_mode)) throw SystemFailure(EACCES, path.string());
+    const bool unchanged =
+        known.inode == facts.st_ino && known.size == static_cast<std::uint64_t>(facts.st_size) &&
+        known.seconds == facts.st_mtim.tv_sec && known.nanoseconds == facts.st_mtim.tv_nsec;
+    if (!unchanged) {
+        known = {facts.st_ino, static_cast<std::uint64_t>(facts.st_size), facts.st_mtim.tv_sec,
+                 facts.st_mtim.tv_nsec, IniFile::Parse(ReadAll(handle))};
+    }
+    return known.content;
+}
+
+std::string HostFolder::GetINISetting(std::string_view section, std::string_view key,
+                                      std::string_view fallback, std::string_view file) {
+    return Read(file).Find(section, key).value_or(std::string(fallback));
+}
+
+std::string HostFolder::HostSetting(std::string_view section, std::string_view key,
+                                    std::string_view fallback) {
+    return GetINISetting(section, key, fallback, HostIni);
+}
+
+void HostFolder::WriteLog(std::string_view source, std::string_view message) {
+    const std::string path = (folder_ / LogName).string();
+    const std::string record = SortableDateTimeText(clock_.Now()) + '\t' +
+                               Replace(OnOneLine(source), "\t", " ") + '\t' + OnOneLine(message) +
+                               '\n';
+    // Opened for each record, so that the log may be moved away or cut at any time.
+    const int descriptor =
+        open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0666);
+    if (descriptor < 0) throw SystemFailure(errno, path);
+    const FileHandle log(descriptor, path);
+    log.Write(record);
+}
+
+std::vector<std::string> HostFolder::GetPlugins() {
+    std::vector<std::string> names;
+    for (const auto& [name, value] : Read(HostIni).Entries("Plugins")) {
+        if (IsSwitchedOn(value)) names.push_back(name);
+    }
+    return names;
+}
+
+std::string HostFolder::GetAppPath() {
+    std::string path = drives_.WindowsPathOf(folder_).value();
+    // A drive's own folder is shown with a backslash, which an application path has not.
+    if (path.ends_with('\\')) path.pop_back();
+    return path;
+}
+
+}  // namespace quillon

@@ -1,0 +1,105 @@
+#include "platform/portable/ini_file.h"
+
+#include <algorithm>
+
+#include "platform/ansi.h"
+#include "platform/basic_text.h"
+#include "platform/utf8.h"
+
+namespace quillon {
+namespace {
+
+constexpr std::string_view Utf8Mark = "\xEF\xBB\xBF";
+constexpr std::string_view Utf16Mark = "\xFF\xFE";
+constexpr std::string_view LineEnds = "\r\n";
+
+char32_t UnitAt(std::string_view bytes, std::size_t position) {
+    const auto byte = [&](std::size_t at) { return static_cast<unsigned char>(bytes[at]); };
+    return static_cast<char32_t>(byte(position) | byte(position + 1) << 8U);
+}
+
+/// UTF-8 of little-endian UTF-16; half a surrogate pair becomes U+FFFD, half a unit is dropped.
+std::string FromUtf16(std::string_view bytes) {
+    std::string text;
+    for (std::size_t at = 0; at + 1 < bytes.size(); at += 2) {
+        char32_t code = UnitAt(bytes, at);
+        const bool first = code >= 0xD800 && code < 0xDC00;
+        const char32_t next = first && at + 3 < bytes.size() ? UnitAt(bytes, at + 2) : 0;
+        if (next >= 0xDC00 && next < 0xE000) {
+            code = 0x10000 + ((code - 0xD800) << 10U) + (next - 0xDC00);
+            at += 2;
+        }
+        AppendUtf8(text, code);
+    }
+    return text;
+}
+
+std::string Decode(std::string_view bytes) {
+    if (bytes.starts_with(Utf16Mark)) return FromUtf16(bytes.substr(Utf16Mark.size()));
+    if (bytes.starts_with(Utf8Mark)) return ToValidUtf8(bytes.substr(Utf8Mark.size()));
+    return IsValidUtf8(bytes) ? std::string(bytes) : AnsiToUtf8(bytes);
+}
+
+std::string_view WithoutBlanks(std::string_view text) {
+    constexpr std::string_view Blanks = " \t";
+    const std::size_t first = text.find_first_not_of(Blanks);
+    if (first == std::string_view::npos) return {};
+    return text.substr(first, text.find_last_not_of(Blanks) - first + 1);
+}
+
+std::string_view WithoutQuotes(std::string_view value) {
+    const bool quoted = value.size() >= 2 && value.front() == value.back() &&
+                        (value.front() == '"' || value.front() == '\'');
+    return quoted ? value.substr(1, value.size() - 2) : value;
+}
+
+}  // namespace
+
+IniFile IniFile::Parse(std::string_view bytes) {
+    IniFile file;
+    const std::string decoded = Decode(bytes);
+    std::string_view text = decoded;
+    while (!text.empty()) {
+        const std::size_t end = std::min(text.find_first_of(LineEnds), text.size());
+        file.AddLine(WithoutBlanks(text.substr(0, end)));
+        text.remove_prefix(std::min(end + 1, text.size()));
+    }
+    file.current_ = nullptr;
+    return file;
+}
+
+void IniFile::AddLine(std::string_view line) {
+    if (line.empty() || line.front() == ';') return;
+    if (line.front() != '[') {
+        AddEntry(line);
+        return;
+    }
+    const std::string_view name = WithoutBlanks(line.substr(1, line.find(']') - 1));
+    const auto [section, isFirst] = sections_.try_emplace(UpperCase(name));
+    current_ = isFirst ? &section->second : nullptr;
+}
+
+void IniFile::AddEntry(std::string_view line) {
+    const std::size_t equals = line.find('=');
+    if (current_ == nullptr || equals == std::string_view::npos) return;
+    const std::string_view key = WithoutBlanks(line.substr(0, equals));
+    const std::string_view value = WithoutQuotes(WithoutBlanks(line.substr(equals + 1)));
+    const bool isFirst =
+        current_->positions.try_emplace(UpperCase(key), current_->entries.size()).second;
+    if (isFirst) current_->entries.emplace_back(key, value);
+}
+
+std::optional<std::string> IniFile::Find(std::string_view section, std::string_view key) const {
+    const auto found = sections_.find(UpperCase(section));
+    if (found == sections_.end()) return std::nullopt;
+    const auto position = found->second.positions.find(UpperCase(key));
+    if (position == found->second.positions.end()) return std::nullopt;
+    return found->second.entries[position->second].second;
+}
+
+std::vector<IniFile::Entry> IniFile::Entries(std::string_view section) const {
+    const auto found = sections_.find(UpperCase(section));
+    return found == sections_.end() ? std::vector<Entry>{} : found->second.entries;
+}
+
+}  // namespace quillon

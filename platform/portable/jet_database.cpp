@@ -1,0 +1,178 @@
+#include "platform/portable/jet_database.h"
+
+#include <filesystem>
+#include <system_error>
+
+#include "jet/database.h"
+#include "platform/basic_text.h"
+#include "platform/failure.h"
+#include "platform/portable/jet_values.h"
+
+namespace quillon {
+namespace {
+
+FailureNumber NumberOf(jet::ErrorKind kind) {
+    switch (kind) {
+        case jet::ErrorKind::TypeMismatch:
+            return FailureNumber::TypeMismatch;
+        case jet::ErrorKind::Overflow:
+            return FailureNumber::Overflow;
+        default:
+            return FailureNumber::Database;
+    }
+}
+
+/// Does it, with the engine's errors as failures.
+template <typename Action>
+auto Translated(Action action) {
+    try {
+        return action();
+    } catch (const jet::Error& error) {
+        throw Failure::Described(NumberOf(error.Kind()), error.what());
+    }
+}
+
+using SharedDatabase = std::shared_ptr<jet::Database>;
+
+class JetRecordSet : public RecordSet {
+  public:
+    /// Holds the database open for as long as its rows are read.
+    JetRecordSet(SharedDatabase database, std::unique_ptr<jet::RecordSet> rows)
+        : database_(std::move(database)), rows_(std::move(rows)) {}
+
+    bool IsBof() const override { return rows_->IsBof(); }
+    bool IsEof() const override { return rows_->IsEof(); }
+    void MoveFirst() override {
+        Translated([&] { rows_->MoveFirst(); });
+    }
+    void MoveNext() override {
+        Translated([&] { rows_->MoveNext(); });
+    }
+    std::size_t FieldCount() const override { return rows_->FieldCount(); }
+    Value Get(std::size_t field) const override {
+        return Translated([&] { return FromJet(rows_->Get(field), rows_->FieldName(field)); });
+    }
+    Value Get(std::string_view field) const override {
+        return Translated([&] { return FromJet(rows_->Get(field), field); });
+    }
+    void Set(std::string_view field, const Value& value) override {
+        Translated([&] { rows_->Set(field, ToJet(value)); });
+    }
+    void AddNew() override {
+        Translated([&] { rows_->AddNew(); });
+    }
+    void Update() override {
+        Translated([&] { rows_->Update(); });
+    }
+    void CancelUpdate() override {
+        Translated([&] { rows_->CancelUpdate(); });
+    }
+    void Delete() override {
+        Translated([&] { rows_->Delete(); });
+    }
+    void Filter(std::string_view criterion) override {
+        Translated([&] { rows_->Filter(criterion); });
+    }
+    void Sort(std::string_view order) override {
+        Translated([&] { rows_->Sort(order); });
+    }
+
+  private:
+    SharedDatabase database_;
+    std::unique_ptr<jet::RecordSet> rows_;
+};
+
+class JetConnection : public Connection {
+  public:
+    explicit JetConnection(SharedDatabase database) : database_(std::move(database)) {}
+
+    std::int64_t Execute(std::string_view sql) override {
+        return Translated([&] { return database_->Execute(sql); });
+    }
+    std::unique_ptr<RecordSet> Query(std::string_view sql) override {
+        return Rows([&] { return database_->Query(sql); });
+    }
+    std::unique_ptr<RecordSet> OpenUpdatable(std::string_view sql) override {
+        return Rows([&] { return database_->OpenUpdatable(sql); });
+    }
+    std::unique_ptr<RecordSet> OpenTable(std::string_view table) override {
+        return Rows([&] { return database_->OpenTable(table); });
+    }
+    void Flush() override {
+        Translated([&] { database_->Flush(); });
+    }
+
+  private:
+    template <typename Opening>
+    std::unique_ptr<RecordSet> Rows(Opening opening) {
+        return std::make_unique<JetRecordSet>(database_, Translated(opening));
+    }
+
+    SharedDatabase database_;
+};
+
+/// Takes a value off the text, up to the semicolon that ends it; in quotes, which are doubled where
+/// they belong to the value, it may hold semicolons.
+std::string TakeValue(std::string_view& text) {
+    const std::size_t start = std::min(text.find_first_not_of(' '), text.size());
+    text.remove_prefix(start);
+    std::string value;
+    if (!text.empty() && (text.front() == '"' || text.front() == '\'')) {
+        const char quote = text.front();
+        text.remove_prefix(1);
+        while (!text.empty()) {
+            const bool isQuote = text.front() == quote;
+            if (isQuote && (text.size() < 2 || text[1] != quote)) break;
+            value += text.front();
+            text.remove_prefix(isQuote ? 2 : 1);
+        }
+        text.remove_prefix(std::min(text.find(';'), text.size()));
+        return value;
+    }
+    value = Trim(text.substr(0, text.find(';')));
+    text.remove_prefix(std::min(text.find(';'), text.size()));
+    return value;
+}
+
+}  // namespace
+
+ConnectionString ParseConnectionString(std::string_view text) {
+    ConnectionString parsed;
+    while (true) {
+        const std::size_t equals = text.find('=');
+        if (equals == std::string_view::npos) return parsed;
+        std::string_view name = text.substr(0, equals);
+        const std::size_t empties = name.rfind(';');
+        if (empties != std::string_view::npos) name.remove_prefix(empties + 1);
+        text.remove_prefix(equals + 1);
+        const std::string value = TakeValue(text);
+        if (EqualIgnoringCase(Trim(name), "Provider")) parsed.provider = value;
+        if (EqualIgnoringCase(Trim(name), "Data Source")) parsed.dataSource = value;
+    }
+}
+
+std::unique_ptr<Connection> JetDatabaseProvider::Open(std::string_view connectionString) {
+    const ConnectionString parsed = ParseConnectionString(connectionString);
+    if (!EqualIgnoringCase(parsed.provider, "Microsoft.Jet.OLEDB.4.0")) {
+        throw Failure::Described(FailureNumber::Database,
+                                 "Provider cannot be found: \"" + parsed.provider + '"');
+    }
+    if (parsed.dataSource.empty()) {
+        throw Failure::Described(FailureNumber::Database, "No database file is named");
+    }
+    const std::filesystem::path local = resolver_.Local(parsed.dataSource);
+    std::error_code missing;
+    const std::filesystem::path real = std::filesystem::canonical(local, missing);
+    std::weak_ptr<jet::Database>& known = open_[missing ? local : real];
+    SharedDatabase database = known.lock();
+    if (!database) {
+        database = Translated([&] {
+            return std::make_shared<jet::Database>(
+                jet::Database::Open(local, jet::OpenMode::ReadWrite));
+        });
+        known = database;
+    }
+    return std::make_unique<JetConnection>(std::move(database));
+}
+
+}  // namespace quillon

@@ -1,0 +1,70 @@
+#include "platform/portable/jet_values.h"
+
+#include <cmath>
+#include <cstdio>
+#include <string>
+
+#include "platform/failure.h"
+
+namespace quillon {
+namespace {
+
+double NumberOf(const jet::Decimal& decimal) {
+    constexpr double WordRange = 4294967296.0;
+    double number = 0;
+    for (const std::uint32_t word : decimal.magnitude)
+        number = number * WordRange + word;
+    number /= std::pow(10.0, decimal.scale);
+    return decimal.negative ? -number : number;
+}
+
+std::string TextOf(const jet::Guid& guid) {
+    std::string text = "{";
+    for (std::size_t i = 0; i < guid.bytes.size(); ++i) {
+        if (i == 4 || i == 6 || i == 8 || i == 10) text += '-';
+        char digits[3];
+        std::snprintf(digits, sizeof digits, "%02X", guid.bytes[i]);
+        text += digits;
+    }
+    return text + '}';
+}
+
+struct FromJetValue {
+    std::string_view field;
+
+    Value operator()(jet::Null) const { return Null{}; }
+    Value operator()(bool value) const { return value; }
+    Value operator()(std::int64_t value) const { return value; }
+    Value operator()(double value) const { return value; }
+    Value operator()(jet::Date value) const { return DateTime{value.days}; }
+    Value operator()(jet::Currency value) const {
+        return static_cast<double>(value.tenThousandths) / 10000;
+    }
+    Value operator()(const jet::Decimal& value) const { return NumberOf(value); }
+    Value operator()(const jet::Guid& value) const { return TextOf(value); }
+    Value operator()(const jet::Bytes&) const {
+        throw Failure(FailureNumber::TypeMismatch, std::string(field));
+    }
+    Value operator()(const std::string& value) const { return value; }
+};
+
+struct ToJetValue {
+    jet::Value operator()(Null) const { return jet::Null{}; }
+    jet::Value operator()(DateTime value) const { return jet::Date{value.days}; }
+    template <typename Same>
+    jet::Value operator()(const Same& value) const {
+        return value;
+    }
+};
+
+}  // namespace
+
+Value FromJet(const jet::Value& value, std::string_view field) {
+    return std::visit(FromJetValue{field}, value);
+}
+
+jet::Value ToJet(const Value& value) {
+    return std::visit(ToJetValue{}, value);
+}
+
+}  // namespace quillon

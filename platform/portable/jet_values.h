@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string_view>
+
+#include "jet/value.h"
+#include "platform/database.h"
+
+namespace quillon {
+
+/// The database engine's values as those of the platform interface: Currency and Decimal become
+/// double, a Guid becomes its text in braces. Failure: TypeMismatch for binary content, which the
+/// interface does not carry.
+Value FromJet(const jet::Value& value, std::string_view field);
+
+/// And back; nothing is lost.
+jet::Value ToJet(const Value& value);
+
+}  // namespace quillon

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include "platform/portable/drive_table.h"
+#include "platform/portable/folder_index.h"
+#include "platform/portable/windows_path.h"
+
+namespace quillon {
+
+/// Finds the local path that a Windows path means: through the drive table, then component by
+/// component, the exact name first, else one that differs in letter case alone. Symbolic links are
+/// followed wherever they lead; the text of a path leads nowhere outside its mapped folder.
+class PathResolver {
+  public:
+    explicit PathResolver(DriveTable drives) : drives_(std::move(drives)) {}
+
+    /// The local path with the names that exist as they are written on the disk, and from the first
+    /// one that does not exist on as they are given. Failure: those of ParseWindowsPath, and
+    /// PathNotFound for a root that is not mapped.
+    std::string Local(const WindowsPath& path);
+    std::string Local(std::string_view path) { return Local(ParseWindowsPath(path)); }
+
+    /// The local path as the text has it, without a look at the disk.
+    std::string Exact(const WindowsPath& path) const;
+
+    /// The local folder that the path's root stands for.
+    std::string LocalRoot(const WindowsPath& path) const;
+
+    const DriveTable& Drives() const { return drives_; }
+    FolderIndex& Index() { return index_; }
+
+  private:
+    bool Find(const std::string& root, std::string_view rest, std::string& local);
+
+    DriveTable drives_;
+    FolderIndex index_;
+};
+
+}  // namespace quillon

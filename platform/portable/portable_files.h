@@ -1,0 +1,43 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/files.h"
+#include "platform/portable/folder_lister.h"
+#include "platform/portable/path_resolver.h"
+
+namespace quillon {
+
+/// Files on a system with local paths, shown in Windows terms. Writers must not outlive it.
+class PortableFiles : public Files {
+  public:
+    /// `note` gets a line for each entry that listings leave out, once.
+    PortableFiles(PathResolver& resolver, NoteSink note)
+        : resolver_(resolver), lister_(std::move(note)) {}
+
+    bool FolderExists(std::string_view path) override;
+    bool FileExists(std::string_view path) override;
+    std::vector<FolderEntry> SubFolders(std::string_view folder) override;
+    std::vector<FileEntry> FilesIn(std::string_view folder) override;
+    FileEntry GetFile(std::string_view path) override;
+    void CreateFolder(std::string_view path) override;
+    void CopyFile(std::string_view from, std::string_view to, bool overwrite) override;
+    void CopyFolder(std::string_view from, std::string_view to, bool overwrite) override;
+    void DeleteFile(std::string_view path) override;
+    void MoveFile(std::string_view from, std::string_view to) override;
+    std::unique_ptr<TextReader> OpenText(std::string_view path) override;
+    std::unique_ptr<TextWriter> CreateText(std::string_view path) override;
+    std::unique_ptr<BinaryReader> OpenBinary(std::string_view path) override;
+
+    /// Removes the unfinished files that killed runs have left directly inside a folder; how many.
+    std::size_t RemoveLeftovers(std::string_view folder);
+
+  private:
+    PathResolver& resolver_;
+    FolderLister lister_;
+};
+
+}  // namespace quillon

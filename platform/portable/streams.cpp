@@ -1,0 +1,82 @@
+#include "platform/portable/streams.h"
+
+#include <algorithm>
+#include <array>
+
+#include "platform/ansi.h"
+#include "platform/failure.h"
+
+namespace quillon {
+namespace {
+
+constexpr std::size_t BufferSize = 65536;
+
+}  // namespace
+
+AnsiTextReader::AnsiTextReader(FileHandle file) : file_(std::move(file)) {
+    Fill();
+}
+
+void AnsiTextReader::Fill() {
+    std::array<std::uint8_t, BufferSize> bytes{};
+    const std::size_t length = file_.ReadAt(position_, bytes);
+    position_ += length;
+    buffer_.assign(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(length));
+    next_ = 0;
+}
+
+std::string AnsiTextReader::ReadLine() {
+    if (AtEndOfStream()) throw Failure(FailureNumber::InputPastEnd, file_.ShownPath());
+    std::string line;
+    bool ended = false;
+    while (!ended && !AtEndOfStream()) {
+        const std::size_t end = std::min(buffer_.find('\n', next_), buffer_.size());
+        line.append(buffer_, next_, end - next_);
+        ended = end < buffer_.size();
+        next_ = ended ? end + 1 : end;
+        if (AtEndOfStream()) Fill();
+    }
+    if (ended && line.ends_with('\r')) line.pop_back();
+    return AnsiToUtf8(line);
+}
+
+AnsiTextWriter::AnsiTextWriter(std::string target, std::string_view shownPath,
+                               std::function<void()> closed)
+    : shownPath_(shownPath),
+      file_(std::move(target), shownPath, SafeFile::Existing::Replace),
+      closed_(std::move(closed)) {}
+
+void AnsiTextWriter::Write(std::string_view text) {
+    if (!open_) throw Failure(FailureNumber::BadFileName, shownPath_);
+    buffer_ += Utf8ToAnsi(text);
+    if (buffer_.size() < BufferSize) return;
+    file_.Write(buffer_);
+    buffer_.clear();
+}
+
+void AnsiTextWriter::WriteLine(std::string_view line) {
+    Write(line);
+    Write("\r\n");
+}
+
+void AnsiTextWriter::Close() {
+    if (!open_) return;
+    open_ = false;
+    file_.Write(buffer_);
+    file_.Commit();
+    closed_();
+}
+
+PositionedReader::PositionedReader(FileHandle file)
+    : file_(std::move(file)), size_(static_cast<std::uint64_t>(file_.Facts().st_size)) {}
+
+std::vector<std::uint8_t> PositionedReader::Read(std::size_t count) {
+    if (position_ >= size_) return {};
+    std::vector<std::uint8_t> bytes(
+        static_cast<std::size_t>(std::min<std::uint64_t>(count, size_ - position_)));
+    bytes.resize(file_.ReadAt(position_, bytes));
+    position_ += bytes.size();
+    return bytes;
+}
+
+}  // namespace quillon

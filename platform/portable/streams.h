@@ -1,0 +1,65 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/files.h"
+#include "platform/portable/file_handle.h"
+#include "platform/portable/safe_file.h"
+
+namespace quillon {
+
+/// Reads ANSI lines; of the file only a little is in memory at a time.
+class AnsiTextReader : public TextReader {
+  public:
+    explicit AnsiTextReader(FileHandle file);
+
+    bool AtEndOfStream() const override { return next_ == buffer_.size(); }
+    std::string ReadLine() override;
+
+  private:
+    void Fill();
+
+    FileHandle file_;
+    std::uint64_t position_ = 0;
+    std::string buffer_;
+    std::size_t next_ = 0;  ///< never at the buffer's end before the file's
+};
+
+/// Writes ANSI text to a SafeFile.
+class AnsiTextWriter : public TextWriter {
+  public:
+    /// `closed` is called when the file has its name.
+    AnsiTextWriter(std::string target, std::string_view shownPath, std::function<void()> closed);
+
+    void Write(std::string_view text) override;
+    void WriteLine(std::string_view line) override;
+    void Close() override;
+
+  private:
+    std::string shownPath_;
+    SafeFile file_;
+    std::function<void()> closed_;
+    std::string buffer_;
+    bool open_ = true;
+};
+
+/// Reads bytes without a file position in the operating system.
+class PositionedReader : public BinaryReader {
+  public:
+    explicit PositionedReader(FileHandle file);
+
+    std::uint64_t Size() const override { return size_; }
+    void SetPosition(std::uint64_t position) override { position_ = position; }
+    std::vector<std::uint8_t> Read(std::size_t count) override;
+
+  private:
+    FileHandle file_;
+    std::uint64_t size_;
+    std::uint64_t position_ = 0;
+};
+
+}  // namespace quillon
