@@ -190,11 +190,7 @@ TEST_P(SampleKeys, AreMadeFromTheirValues) {
 
 GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(SampleKeys);
 INSTANTIATE_TEST_SUITE_P(AllSamples, SampleKeys, testing::ValuesIn(test::SampleDatabases()),
-                         [](const auto& sample) {
-                             std::string name = sample.param.stem().string();
-                             std::erase_if(name, [](char c) { return !std::isalnum(c); });
-                             return name;
-                         });
+                         [](const auto& sample) { return test::SampleName(sample.param); });
 
 }  // namespace
 }  // namespace jet::storage

@@ -173,6 +173,12 @@ std::vector<std::filesystem::path> SampleDatabases() {
     return databases;
 }
 
+std::string SampleName(const std::filesystem::path& database) {
+    std::string name = database.stem().string();
+    std::ranges::replace(name, '-', '_');
+    return name;
+}
+
 const SampleIndex& SampleIndexes::Find(const SampleEntry& entry) const {
     // Names that share their entries are listed as "[one, other]".
     const std::string_view listed = entry.index;

@@ -18,6 +18,9 @@ std::optional<std::filesystem::path> SharedFolder();
 /// All sample databases in it; empty without that folder.
 std::vector<std::filesystem::path> SampleDatabases();
 
+/// The file's name, fit for the name of a test.
+std::string SampleName(const std::filesystem::path& database);
+
 struct SampleColumn {
     ColumnType type = ColumnType::Text;
     std::uint8_t scale = 0;
