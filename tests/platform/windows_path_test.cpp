@@ -1,0 +1,108 @@
+#include "platform/portable/windows_path.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/platform/temporary_folder.h"
+
+namespace quillon {
+namespace {
+
+TEST(IsWindowsName, TakesWhatAWindowsFolderHolds) {
+    for (const char* const name :
+         {"a", "a.mp3", ".hidden", " blank first", "AC-DC", "Sigur Rós", "日本", "𝄞", "NUL",
+          "con.txt", "a;b,c=d", "100%", "it's", "$x", "~1", "...x", "{[()]}"})
+        EXPECT_TRUE(IsWindowsName(name)) << name;
+}
+
+TEST(IsWindowsName, RefusesWhatItDoesNot) {
+    for (const char* const name : {"",
+                                   ".",
+                                   "..",
+                                   "...",
+                                   "a.",
+                                   "a ",
+                                   " ",
+                                   "a/b",
+                                   "a\\b",
+                                   "a:b",
+                                   "a*",
+                                   "a?",
+                                   "a<",
+                                   "a>",
+                                   "a|",
+                                   "a\"b",
+                                   "a\nb",
+                                   "\x01",
+                                   "a\x1F",
+                                   "caf\xE9",
+                                   "\xED\xA0\x80",
+                                   "\xC0\xAE\xC0\xAE"})
+        EXPECT_FALSE(IsWindowsName(name)) << name;
+    EXPECT_FALSE(IsWindowsName(std::string_view("a\0b", 3)));
+}
+
+TEST(IsWindowsName, CountsUtf16Units) {
+    std::string name;
+    for (int i = 0; i < 255; ++i)
+        name += "日";
+    EXPECT_TRUE(IsWindowsName(name));
+    EXPECT_FALSE(IsWindowsName(name + "x"));
+    name.clear();
+    for (int i = 0; i < 128; ++i)
+        name += "𝄞";
+    EXPECT_FALSE(IsWindowsName(name));
+}
+
+TEST(ParseWindowsPath, TakesDriveAndShareApart) {
+    const WindowsPath file = ParseWindowsPath("D:\\Music\\a b\\x.mp3");
+    EXPECT_EQ(file.root, "D:");
+    EXPECT_EQ(file.rest, "Music/a b/x.mp3");
+    const WindowsPath share = ParseWindowsPath("\\\\nas\\music\\x.mp3");
+    EXPECT_EQ(share.root, "\\\\nas\\music");
+    EXPECT_EQ(share.rest, "x.mp3");
+    for (const char* const text : {"D:", "D:\\", "D:/", "D:\\\\"}) {
+        EXPECT_EQ(ParseWindowsPath(text).root, "D:") << text;
+        EXPECT_EQ(ParseWindowsPath(text).rest, "") << text;
+    }
+}
+
+TEST(ParseWindowsPath, SpellsAPathInOneWay) {
+    EXPECT_EQ(ParseWindowsPath("d:/Music//x\\").Text(), "d:\\Music\\x");
+    EXPECT_EQ(ParseWindowsPath("//nas//music//x").Text(), "\\\\nas\\music\\x");
+    EXPECT_EQ(ParseWindowsPath("D:").Text(), "D:\\");
+    EXPECT_EQ(ParseWindowsPath("\\\\nas\\music").Text(), "\\\\nas\\music\\");
+    EXPECT_EQ(ParseWindowsPath("D:\\").Child("x"), "D:\\x");
+    EXPECT_EQ(ParseWindowsPath("D:\\a\\").Child("x"), "D:\\a\\x");
+}
+
+TEST(ParseWindowsPath, NeedsARoot) {
+    for (const char* const text :
+         {"", "x.mp3", "Music\\x.mp3", "\\Music", "D", "D:x", "\\\\nas", "\\\\", "\\\\nas\\",
+          "1:\\x", "DD:\\x", "/srv/music", "\xC3\xA9:\\x"})
+        EXPECT_EQ(FailureOf([&] { ParseWindowsPath(text); }),
+                  "Path not found" + (*text == '\0' ? "" : std::string(": ") + text))
+            << text;
+}
+
+TEST(ParseWindowsPath, RefusesComponentsThatWindowsCannotHold) {
+    for (const char* const text :
+         {"D:\\..\\etc", "D:\\a\\..\\..\\b", "D:\\.\\x", "D:\\a.\\x", "D:\\a \\x", "D:\\x:stream",
+          "D:\\a*b", "\\\\?\\D:\\x", "\\\\.\\pipe\\x", "\\\\..\\x\\y", "\\\\nas\\..\\y", "D:/../x"})
+        EXPECT_EQ(FailureOf([&] { ParseWindowsPath(text); }),
+                  "Bad file name or number: " + std::string(text));
+    EXPECT_EQ(FailureOf([] { ParseWindowsPath("D:\\caf\xE9"); }),
+              "Bad file name or number: D:\\café");
+}
+
+TEST(ParseRoot, TakesDrivesAndSharesAlone) {
+    EXPECT_EQ(ParseRoot("D"), "D:");
+    EXPECT_EQ(ParseRoot("d:"), "d:");
+    EXPECT_EQ(ParseRoot("D:\\"), "D:");
+    EXPECT_EQ(ParseRoot("\\\\nas\\music"), "\\\\nas\\music");
+    EXPECT_EQ(ParseRoot("//nas/music/"), "\\\\nas\\music");
+    for (const char* const text : {"", "1", "DD", "D:\\x", "\\\\nas", "\\\\nas\\music\\x", "music"})
+        EXPECT_EQ(ParseRoot(text), std::nullopt) << text;
+}
+
+}  // namespace
+}  // namespace quillon
