@@ -1,0 +1,43 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace jet::storage::test {
+
+/// A folder that is removed with everything in it when the test ends.
+class TemporaryFolder {
+  public:
+    TemporaryFolder();
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+    ~TemporaryFolder();
+
+    const std::filesystem::path& Path() const { return path_; }
+    std::filesystem::path File(const std::string& name) const { return path_ / name; }
+    /// A writable copy of a file.
+    std::filesystem::path CopyOf(const std::filesystem::path& original) const;
+
+  private:
+    std::filesystem::path path_;
+};
+
+/// The folder of test databases and the checker, where it is at hand.
+std::filesystem::path SharedFolder();
+bool HasSharedFolder();
+
+/// All test databases with a description of their rows beside them.
+std::vector<std::filesystem::path> DescribedDatabases();
+
+/// What a shell command prints to its standard output.
+std::string OutputOf(const std::string& command);
+
+/// The independent checker's faults; empty when it finds none or is not at hand. Strict: things
+/// that the database's own engine leaves behind count as well.
+std::string FaultsOf(const std::filesystem::path& database, bool strict = false);
+
+std::string ReadFile(const std::filesystem::path& path);
+void WriteFile(const std::filesystem::path& path, const std::string& content);
+
+}  // namespace jet::storage::test
