@@ -146,7 +146,7 @@ Bytes IndexPageView::Entry(std::size_t i) const {
 
 Bytes IndexPageView::KeyAndRow(std::size_t i) const {
     Bytes entry = Entry(i);
-    entry.resize(entry.size() - SuffixSize());
+    entry.erase(entry.end() - static_cast<std::ptrdiff_t>(SuffixSize()), entry.end());
     return entry;
 }
 

@@ -51,7 +51,7 @@ PageNumber CutChild(Bytes& entry) {
     PageNumber child = 0;
     for (const std::uint8_t byte : std::span(entry).last(4))
         child = child << 8 | byte;
-    entry.resize(entry.size() - 4);
+    entry.erase(entry.end() - 4, entry.end());
     return child;
 }
 
