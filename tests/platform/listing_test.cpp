@@ -1,0 +1,175 @@
+#include <algorithm>
+#include <chrono>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "platform/basic_text.h"
+#include "platform/portable/local_time.h"
+#include "tests/platform/child_process.h"
+#include "tests/platform/files_fixture.h"
+
+namespace quillon {
+namespace {
+
+using ListingTest = FilesTest;
+
+TEST_F(ListingTest, IsInTheOrderOfAWindowsVolume) {
+    for (const char* const name : {"b.mp3", "A.mp3", "Ä.mp3", "_.mp3", "a2.mp3", "C.mp3", "1.mp3"})
+        folder_.MakeFile(std::string("M/") + name);
+    for (const char* const name : {"Zappa", "abba", "Éire", "ABC"})
+        folder_.MakeFolder(std::string("M/") + name);
+    EXPECT_EQ(FileNames("D:\\M"),
+              (Names{"1.mp3", "A.mp3", "a2.mp3", "b.mp3", "C.mp3", "_.mp3", "Ä.mp3"}));
+    EXPECT_EQ(FolderNames("D:\\M"), (Names{"abba", "ABC", "Zappa", "Éire"}));
+}
+
+TEST_F(ListingTest, TellsPathSizeAndTime) {
+    folder_.MakeFile("Music/x.mp3", "12345");
+    const timespec times[] = {{0, UTIME_OMIT}, {1763204335, 999'999'999}};
+    utimensat(AT_FDCWD, (folder_ / "Music/x.mp3").c_str(), times, 0);
+    const std::vector<FileEntry> entries = files_.FilesIn("d:/Music/");
+    ASSERT_EQ(entries.size(), 1U);
+    EXPECT_EQ(entries[0].path, "d:\\Music\\x.mp3");
+    EXPECT_EQ(entries[0].name, "x.mp3");
+    EXPECT_EQ(entries[0].size, 5U);
+    EXPECT_EQ(entries[0].modified, LocalTime().Of(1763204335));
+    EXPECT_EQ(files_.FilesIn("D:\\").size(), 0U);
+    EXPECT_EQ(files_.SubFolders("D:\\")[0].path, "D:\\Music");
+}
+
+TEST_F(ListingTest, ListsBothOfNamesThatDifferInCase) {
+    folder_.MakeFile("M/song.mp3", "1");
+    folder_.MakeFile("M/SONG.mp3", "22");
+    EXPECT_EQ(FileNames("D:\\M"), (Names{"SONG.mp3", "song.mp3"}));
+    EXPECT_EQ(files_.GetFile("D:\\M\\song.mp3").size, 1U);
+    EXPECT_EQ(files_.GetFile("D:\\M\\SONG.mp3").size, 2U);
+}
+
+TEST_F(ListingTest, LeavesOutWhatWindowsCannotShowAndSaysSoOnce) {
+    for (const char* const name : {"ok.mp3", "a:b.mp3", "caf\xE9.mp3", "dot.", "new\nline", "x?"})
+        folder_.MakeFile(std::string("M/") + name);
+    for (int round = 0; round < 3; ++round) {
+        EXPECT_EQ(FileNames("D:\\M"), Names{"ok.mp3"});
+        EXPECT_EQ(FolderNames("D:\\M"), Names{});
+    }
+    std::sort(notes_.begin(), notes_.end());
+    EXPECT_EQ(notes_, (Names{"Left out, a name that Windows cannot hold: D:\\M\\a:b.mp3",
+                             "Left out, a name that Windows cannot hold: D:\\M\\dot.",
+                             "Left out, a name that Windows cannot hold: D:\\M\\new\nline",
+                             "Left out, a name that Windows cannot hold: D:\\M\\x?",
+                             "Left out, a name that is not UTF-8: D:\\M\\caf\\xE9.mp3"}));
+}
+
+TEST_F(ListingTest, LongestNamesAreListed) {
+    const std::string longest(255, 'x');
+    folder_.MakeFile("M/" + longest);
+    EXPECT_EQ(FileNames("D:\\M"), Names{longest});
+    EXPECT_TRUE(files_.FileExists("D:\\M\\" + longest));
+    EXPECT_FALSE(files_.FileExists("D:\\M\\" + longest + "x"));
+}
+
+TEST_F(ListingTest, FollowsLinksAndNotesBrokenOnes) {
+    folder_.MakeFile("Else/x.mp3", "abc");
+    folder_.MakeFolder("M");
+    std::filesystem::create_symlink(folder_ / "Else/x.mp3", folder_ / "M/link.mp3");
+    std::filesystem::create_directory_symlink(folder_ / "Else", folder_ / "M/Folder");
+    std::filesystem::create_symlink("nowhere", folder_ / "M/broken.mp3");
+    std::filesystem::create_symlink("itself", folder_ / "M/itself");
+    EXPECT_EQ(FileNames("D:\\M"), Names{"link.mp3"});
+    EXPECT_EQ(files_.FilesIn("D:\\M")[0].size, 3U);
+    EXPECT_EQ(FolderNames("D:\\M"), Names{"Folder"});
+    EXPECT_EQ(FileNames("D:\\M\\Folder"), Names{"x.mp3"});
+    std::sort(notes_.begin(), notes_.end());
+    EXPECT_EQ(notes_, (Names{"Left out, a link that leads nowhere: D:\\M\\broken.mp3",
+                             "Left out, a link that leads nowhere: D:\\M\\itself"}));
+}
+
+TEST_F(ListingTest, DoesNotEnterAFolderInsideItself) {
+    folder_.MakeFolder("Music/Artist/Album");
+    std::filesystem::create_directory_symlink(folder_ / "Music", folder_ / "Music/Artist/Up");
+    std::filesystem::create_directory_symlink(".", folder_ / "Music/Here");
+    std::filesystem::create_directory_symlink(folder_ / "Music/Artist", folder_ / "Music/Same");
+    EXPECT_EQ(FolderNames("D:\\Music"), (Names{"Artist", "Same"}));
+    EXPECT_EQ(FolderNames("D:\\Music\\Artist"), Names{"Album"});
+    EXPECT_EQ(FolderNames("D:\\Music\\Same"), Names{"Album"});
+    EXPECT_EQ(notes_, (Names{"Left out, a folder inside itself: D:\\Music\\Here",
+                             "Left out, a folder inside itself: D:\\Music\\Artist\\Up",
+                             "Left out, a folder inside itself: D:\\Music\\Same\\Up"}));
+}
+
+TEST_F(ListingTest, ALinkAboveTheMappedFolderEndsAtTheMappedFolder) {
+    const TemporaryFolder above;
+    above.MakeFile("Music/Artist/x.mp3");
+    above.MakeFolder("Other");
+    std::filesystem::create_directory_symlink(above.Path(), above / "Music/Above");
+    DriveTable drives(above.Path());
+    drives.Map("M", above / "Music");
+    PathResolver resolver(drives);
+    PortableFiles files(resolver, nullptr);
+    EXPECT_EQ(files.SubFolders("M:\\").size(), 2U);
+    const std::vector<FolderEntry> entries = files.SubFolders("M:\\Above");
+    ASSERT_EQ(entries.size(), 1U);
+    EXPECT_EQ(entries[0].path, "M:\\Above\\Other");
+}
+
+TEST_F(ListingTest, LeavesOutPipesAndSockets) {
+    folder_.MakeFolder("M");
+    ASSERT_EQ(mkfifo((folder_ / "M/pipe.mp3").c_str(), 0600), 0);
+    EXPECT_EQ(FileNames("D:\\M"), Names{});
+    EXPECT_EQ(notes_, Names{"Left out, neither file nor folder: D:\\M\\pipe.mp3"});
+    EXPECT_EQ(FailureOf([&] { files_.OpenBinary("D:\\M\\pipe.mp3"); }),
+              "Permission denied: D:\\M\\pipe.mp3");
+    EXPECT_FALSE(files_.FileExists("D:\\M\\pipe.mp3"));
+}
+
+TEST_F(ListingTest, NeedsAFolder) {
+    folder_.MakeFile("file");
+    for (const char* const path : {"D:\\none", "D:\\none\\x", "D:\\file", "E:\\x"}) {
+        EXPECT_EQ(FailureOf([&] { files_.FilesIn(path); }), std::string("Path not found: ") + path);
+        EXPECT_EQ(FailureOf([&] { files_.SubFolders(path); }),
+                  std::string("Path not found: ") + path);
+    }
+    EXPECT_EQ(FailureOf([&] { files_.FilesIn("D:\\a*"); }), "Bad file name or number: D:\\a*");
+}
+
+TEST_F(ListingTest, SaysWhenAFolderMayNotBeRead) {
+    folder_.MakeFile("M/Closed/x.mp3");
+    chmod(folder_.Path().c_str(), 0755);
+    chmod((folder_ / "M/Closed").c_str(), 0);
+    EXPECT_EQ(AsOrdinaryUser([&] { return FailureOf([&] { files_.FilesIn("D:\\M\\Closed"); }); }),
+              "Permission denied: D:\\M\\Closed");
+    chmod((folder_ / "M/Closed").c_str(), 0744);
+    EXPECT_EQ(AsOrdinaryUser([&] { return FailureOf([&] { files_.FilesIn("D:\\M\\Closed"); }); }),
+              "Permission denied: D:\\M\\Closed\\x.mp3");
+    chmod((folder_ / "M/Closed").c_str(), 0755);
+}
+
+TEST_F(ListingTest, TenThousandFilesOfOneFolder) {
+    folder_.MakeFolder("Flat");
+    constexpr int Count = 10000;
+    for (int i = 0; i < Count; ++i)
+        folder_.MakeFile("Flat/" + std::to_string(i) + ".mp3");
+    const std::vector<FileEntry> entries = files_.FilesIn("D:\\Flat");
+    ASSERT_EQ(entries.size(), static_cast<std::size_t>(Count));
+    EXPECT_TRUE(std::is_sorted(entries.begin(), entries.end(),
+                               [](const FileEntry& left, const FileEntry& right) {
+                                   return WindowsNameLess(left.name, right.name);
+                               }));
+    for (const FileEntry& entry : entries)
+        ASSERT_EQ(files_.GetFile(entry.path).name, entry.name);
+}
+
+TEST_F(ListingTest, DoesNotShowUnfinishedFiles) {
+    folder_.MakeFolder("M");
+    const std::unique_ptr<TextWriter> writer = files_.CreateText("D:\\M\\list.m3u");
+    writer->WriteLine("x");
+    EXPECT_EQ(folder_.Count("M"), 1U);
+    EXPECT_EQ(FileNames("D:\\M"), Names{});
+    EXPECT_EQ(notes_, Names{});
+    writer->Close();
+    EXPECT_EQ(FileNames("D:\\M"), Names{"list.m3u"});
+}
+
+}  // namespace
+}  // namespace quillon

@@ -1,0 +1,258 @@
+#include "platform/portable/portable_files.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "tests/platform/child_process.h"
+#include "tests/platform/files_fixture.h"
+
+namespace quillon {
+namespace {
+
+using ExistsTest = FilesTest;
+using CopyTest = FilesTest;
+using MoveTest = FilesTest;
+using DeleteTest = FilesTest;
+using CreateFolderTest = FilesTest;
+
+timespec ModifiedOf(const std::filesystem::path& path) {
+    struct stat facts{};
+    EXPECT_EQ(stat(path.c_str(), &facts), 0);
+    return facts.st_mtim;
+}
+
+TEST_F(ExistsTest, TellsFilesFromFolders) {
+    folder_.MakeFile("Music/x.mp3");
+    EXPECT_TRUE(files_.FolderExists("D:\\MUSIC"));
+    EXPECT_TRUE(files_.FolderExists("D:\\"));
+    EXPECT_TRUE(files_.FolderExists("D:"));
+    EXPECT_TRUE(files_.FolderExists("Z:\\"));
+    EXPECT_FALSE(files_.FolderExists("D:\\music\\x.mp3"));
+    EXPECT_TRUE(files_.FileExists("D:\\music\\X.mp3"));
+    EXPECT_FALSE(files_.FileExists("D:\\music"));
+    EXPECT_FALSE(files_.FileExists("D:\\music\\y.mp3"));
+}
+
+TEST_F(ExistsTest, WhatCannotBeAPathDoesNotExist) {
+    for (const char* const path :
+         {"", "x", "E:\\", "D:\\a*b", "D:\\..\\x", "\\\\nas\\x", "D:\\a\n"}) {
+        EXPECT_FALSE(files_.FileExists(path)) << path;
+        EXPECT_FALSE(files_.FolderExists(path)) << path;
+    }
+}
+
+TEST_F(ExistsTest, GetFileNeedsAFile) {
+    folder_.MakeFile("Music/Song.mp3", "abc");
+    const FileEntry entry = files_.GetFile("D:\\MUSIC\\song.MP3");
+    EXPECT_EQ(entry.name, "Song.mp3");
+    EXPECT_EQ(entry.path, "D:\\MUSIC\\Song.mp3");
+    EXPECT_EQ(entry.size, 3U);
+    for (const char* const path : {"D:\\Music\\none", "D:\\Music", "D:\\none\\x"})
+        EXPECT_EQ(FailureOf([&] { files_.GetFile(path); }), std::string("File not found: ") + path);
+}
+
+TEST_F(CreateFolderTest, MakesOneFolder) {
+    files_.CreateFolder("D:\\New");
+    files_.CreateFolder("D:\\new\\Deep");
+    EXPECT_TRUE(folder_.Exists("New/Deep"));
+    EXPECT_EQ(FailureOf([&] { files_.CreateFolder("D:\\NEW"); }), "File already exists: D:\\NEW");
+    EXPECT_EQ(FailureOf([&] { files_.CreateFolder("D:\\a\\b"); }), "Path not found: D:\\a\\b");
+    EXPECT_EQ(FailureOf([&] { files_.CreateFolder("D:\\a?"); }), "Bad file name or number: D:\\a?");
+    EXPECT_EQ(folder_.Count(), 1U);
+}
+
+TEST_F(CreateFolderTest, RefusesANameTooLongForTheDisk) {
+    std::string name;
+    for (int i = 0; i < 200; ++i)
+        name += "日";
+    EXPECT_EQ(FailureOf([&] { files_.CreateFolder("D:\\" + name); }),
+              "Bad file name or number: D:\\" + name);
+}
+
+TEST_F(CopyTest, KeepsContentTimeAndMode) {
+    const std::string content(300'000, 'q');
+    folder_.MakeFile("a.mp3", content);
+    const timespec times[] = {{0, UTIME_OMIT}, {1500000000, 123456789}};
+    utimensat(AT_FDCWD, (folder_ / "a.mp3").c_str(), times, 0);
+    chmod((folder_ / "a.mp3").c_str(), 0600);
+    files_.CopyFile("D:\\A.mp3", "D:\\b.mp3", false);
+    EXPECT_EQ(folder_.Content("b.mp3"), content);
+    EXPECT_EQ(ModifiedOf(folder_ / "b.mp3").tv_sec, 1500000000);
+    EXPECT_EQ(ModifiedOf(folder_ / "b.mp3").tv_nsec, 123456789);
+    struct stat facts{};
+    stat((folder_ / "b.mp3").c_str(), &facts);
+    EXPECT_EQ(facts.st_mode & 0777U, 0600U);
+    EXPECT_EQ(folder_.Count(), 2U);
+}
+
+TEST_F(CopyTest, ReplacesOnlyWhenAllowed) {
+    folder_.MakeFile("a", "new");
+    folder_.MakeFile("B", "old");
+    EXPECT_EQ(FailureOf([&] { files_.CopyFile("D:\\a", "D:\\b", false); }),
+              "File already exists: D:\\b");
+    EXPECT_EQ(folder_.Content("B"), "old");
+    files_.CopyFile("D:\\a", "D:\\b", true);
+    EXPECT_EQ(folder_.Content("B"), "new");
+    EXPECT_EQ(folder_.Count(), 2U);
+}
+
+TEST_F(CopyTest, SaysWhatIsMissing) {
+    folder_.MakeFile("a");
+    folder_.MakeFolder("Folder");
+    EXPECT_EQ(FailureOf([&] { files_.CopyFile("D:\\x", "D:\\y", true); }), "File not found: D:\\x");
+    EXPECT_EQ(FailureOf([&] { files_.CopyFile("D:\\a", "D:\\no\\y", true); }),
+              "Path not found: D:\\no\\y");
+    EXPECT_EQ(FailureOf([&] { files_.CopyFile("D:\\a", "D:\\Folder", true); }),
+              "Permission denied: D:\\Folder");
+    EXPECT_EQ(FailureOf([&] { files_.CopyFile("D:\\Folder", "D:\\y", true); }),
+              "Permission denied: D:\\Folder");
+    EXPECT_EQ(FailureOf([&] { files_.CopyFile("D:\\a", "D:\\A", true); }),
+              "Permission denied: D:\\A");
+    EXPECT_EQ(folder_.Count(), 2U);
+}
+
+TEST_F(CopyTest, FullDiskLeavesNothingBehind) {
+    folder_.MakeFile("a", std::string(100'000, 'a'));
+    folder_.MakeFile("b", "old");
+    EXPECT_EQ(
+        WithFilesUpTo(50'000,
+                      [&] { return FailureOf([&] { files_.CopyFile("D:\\a", "D:\\b", true); }); }),
+        "Disk full: D:\\b");
+    EXPECT_EQ(folder_.Content("b"), "old");
+    EXPECT_EQ(folder_.Count(), 2U);
+}
+
+TEST_F(CopyTest, ThousandsOfNewFilesInOneFolder) {
+    folder_.MakeFile("a");
+    folder_.MakeFolder("Flat");
+    for (int i = 0; i < 500; ++i)
+        files_.CopyFile("D:\\a", "D:\\FLAT\\" + std::to_string(i) + ".mp3", false);
+    EXPECT_EQ(folder_.Count("Flat"), 500U);
+    EXPECT_TRUE(files_.FileExists("D:\\flat\\499.MP3"));
+}
+
+TEST_F(CopyTest, FolderContentsGoIntoAFolder) {
+    folder_.MakeFile("Lists/a.pla", "A");
+    folder_.MakeFile("Lists/Sub/b.pla", "B");
+    folder_.MakeFile("Copy/A.pla", "old");
+    files_.CopyFolder("D:\\lists", "D:\\copy", true);
+    EXPECT_EQ(folder_.Content("Copy/A.pla"), "A");
+    EXPECT_EQ(folder_.Content("Copy/Sub/b.pla"), "B");
+    EXPECT_EQ(folder_.Count("Copy"), 2U);
+    EXPECT_EQ(FailureOf([&] { files_.CopyFolder("D:\\lists", "D:\\copy", false); }),
+              "File already exists: D:\\copy\\a.pla");
+    EXPECT_EQ(FailureOf([&] { files_.CopyFolder("D:\\lists", "D:\\none", true); }),
+              "Path not found: D:\\none");
+    EXPECT_EQ(FailureOf([&] { files_.CopyFolder("D:\\none", "D:\\copy", true); }),
+              "Path not found: D:\\none");
+}
+
+TEST_F(CopyTest, FolderIsNotCopiedIntoItself) {
+    folder_.MakeFile("Lists/a.pla");
+    folder_.MakeFolder("Lists/Copy");
+    EXPECT_EQ(FailureOf([&] { files_.CopyFolder("D:\\Lists", "D:\\Lists\\Copy", true); }),
+              "Permission denied: D:\\Lists\\Copy");
+    EXPECT_EQ(folder_.Count("Lists/Copy"), 0U);
+}
+
+TEST_F(DeleteTest, RemovesAFile) {
+    folder_.MakeFile("Song.mp3");
+    folder_.MakeFolder("Folder");
+    files_.DeleteFile("D:\\song.mp3");
+    EXPECT_FALSE(folder_.Exists("Song.mp3"));
+    EXPECT_EQ(FailureOf([&] { files_.DeleteFile("D:\\song.mp3"); }),
+              "File not found: D:\\song.mp3");
+    EXPECT_EQ(FailureOf([&] { files_.DeleteFile("D:\\Folder"); }), "File not found: D:\\Folder");
+    EXPECT_TRUE(folder_.Exists("Folder"));
+}
+
+TEST_F(DeleteTest, KeepsWhatIsWriteProtected) {
+    folder_.MakeFile("M/keep.pla");
+    folder_.MakeFile("N/closed.pla");
+    chmod(folder_.Path().c_str(), 0755);
+    chmod((folder_ / "M").c_str(), 0777);
+    chmod((folder_ / "M/keep.pla").c_str(), 0444);
+    chmod((folder_ / "N").c_str(), 0555);
+    chmod((folder_ / "N/closed.pla").c_str(), 0666);
+    EXPECT_EQ(AsOrdinaryUser([&] {
+                  return FailureOf([&] { files_.DeleteFile("D:\\M\\keep.pla"); }) + '\n' +
+                         FailureOf([&] { files_.DeleteFile("D:\\N\\closed.pla"); }) + '\n' +
+                         FailureOf([&] { files_.CreateText("D:\\M\\keep.pla"); }) + '\n' +
+                         FailureOf([&] { files_.CreateText("D:\\N\\new.pla"); }) + '\n' +
+                         FailureOf([&] { files_.CreateFolder("D:\\N\\New"); });
+              }),
+              "Permission denied: D:\\M\\keep.pla\nPermission denied: D:\\N\\closed.pla\n"
+              "Permission denied: D:\\M\\keep.pla\nPermission denied: D:\\N\\new.pla\n"
+              "Permission denied: D:\\N\\New");
+    EXPECT_TRUE(folder_.Exists("M/keep.pla"));
+    EXPECT_TRUE(folder_.Exists("N/closed.pla"));
+    chmod((folder_ / "N").c_str(), 0755);
+}
+
+TEST_F(MoveTest, RenamesAndMoves) {
+    folder_.MakeFile("a/Song.mp3", "x");
+    folder_.MakeFolder("b");
+    files_.MoveFile("D:\\A\\song.mp3", "D:\\a\\Other.mp3");
+    EXPECT_TRUE(folder_.Exists("a/Other.mp3"));
+    files_.MoveFile("D:\\a\\Other.mp3", "D:\\B\\Third.mp3");
+    EXPECT_EQ(folder_.Content("b/Third.mp3"), "x");
+    EXPECT_EQ(folder_.Count("a"), 0U);
+    EXPECT_TRUE(files_.FileExists("D:\\b\\THIRD.mp3"));
+    EXPECT_FALSE(files_.FileExists("D:\\a\\other.mp3"));
+}
+
+TEST_F(MoveTest, ChangesLetterCaseAlone) {
+    folder_.MakeFile("a/song.mp3", "x");
+    files_.MoveFile("D:\\a\\song.mp3", "D:\\a\\Song.mp3");
+    EXPECT_EQ(FileNames("D:\\a"), Names{"Song.mp3"});
+    files_.MoveFile("D:\\A\\SONG.mp3", "D:\\a\\SONG.MP3");
+    EXPECT_EQ(FileNames("D:\\a"), Names{"SONG.MP3"});
+    files_.MoveFile("D:\\a\\SONG.MP3", "D:\\a\\SONG.MP3");
+    EXPECT_EQ(folder_.Content("a/SONG.MP3"), "x");
+    EXPECT_TRUE(files_.FileExists("D:\\a\\song.mp3"));
+}
+
+TEST_F(MoveTest, NeverReplacesAnotherFile) {
+    folder_.MakeFile("a.mp3", "a");
+    folder_.MakeFile("B.mp3", "b");
+    folder_.MakeFile("A.mp3", "capital");
+    std::filesystem::create_hard_link(folder_ / "a.mp3", folder_ / "linked.mp3");
+    std::filesystem::create_symlink("nowhere", folder_ / "broken.mp3");
+    for (const char* const name : {"D:\\b.mp3", "D:\\A.mp3", "D:\\linked.mp3", "D:\\broken.mp3"})
+        EXPECT_EQ(FailureOf([&] { files_.MoveFile("D:\\a.mp3", name); }),
+                  std::string("File already exists: ") + name);
+    EXPECT_EQ(folder_.Content("a.mp3"), "a");
+    EXPECT_EQ(folder_.Content("A.mp3"), "capital");
+    EXPECT_EQ(folder_.Content("B.mp3"), "b");
+}
+
+TEST_F(MoveTest, SaysWhatIsMissing) {
+    folder_.MakeFile("a");
+    folder_.MakeFolder("Folder");
+    EXPECT_EQ(FailureOf([&] { files_.MoveFile("D:\\x", "D:\\y"); }), "File not found: D:\\x");
+    EXPECT_EQ(FailureOf([&] { files_.MoveFile("D:\\Folder", "D:\\y"); }),
+              "File not found: D:\\Folder");
+    EXPECT_EQ(FailureOf([&] { files_.MoveFile("D:\\a", "D:\\no\\a"); }),
+              "Path not found: D:\\no\\a");
+    EXPECT_EQ(FailureOf([&] { files_.MoveFile("D:\\a", "D:\\..\\a"); }),
+              "Bad file name or number: D:\\..\\a");
+    EXPECT_TRUE(folder_.Exists("a"));
+}
+
+TEST_F(MoveTest, CrossesVolumes) {
+    const std::filesystem::path other = "/dev/shm";
+    struct stat here{};
+    struct stat there{};
+    stat(folder_.Path().c_str(), &here);
+    if (stat(other.c_str(), &there) != 0 || here.st_dev == there.st_dev) return;
+    const std::string target = "Z:\\dev\\shm\\quillon-test-" + std::to_string(getpid());
+    folder_.MakeFile("a", "content");
+    files_.MoveFile("D:\\a", target);
+    EXPECT_FALSE(folder_.Exists("a"));
+    EXPECT_EQ(files_.OpenText(target)->ReadLine(), "content");
+    files_.DeleteFile(target);
+}
+
+}  // namespace
+}  // namespace quillon
