@@ -68,6 +68,34 @@ constexpr auto Rules = std::to_array<FunctionRule>({
 
 }  // namespace
 
+ValueKind KindOf(ColumnType type) {
+    switch (type) {
+        case ColumnType::Boolean:
+            return ValueKind::Boolean;
+        case ColumnType::Byte:
+        case ColumnType::Integer:
+        case ColumnType::Long:
+        case ColumnType::Single:
+        case ColumnType::Double:
+            return ValueKind::Number;
+        case ColumnType::Currency:
+            return ValueKind::Currency;
+        case ColumnType::Date:
+            return ValueKind::Date;
+        case ColumnType::Binary:
+        case ColumnType::Ole:
+            return ValueKind::Binary;
+        case ColumnType::Text:
+        case ColumnType::Memo:
+            return ValueKind::Text;
+        case ColumnType::Guid:
+            return ValueKind::Guid;
+        case ColumnType::Decimal:
+            return ValueKind::Decimal;
+    }
+    return ValueKind::Any;
+}
+
 const FunctionRule* FindFunction(std::string_view name, std::size_t arguments) {
     const auto found = std::find_if(Rules.begin(), Rules.end(), [&](const FunctionRule& rule) {
         return rule.arguments == arguments && SameName(rule.name, name);

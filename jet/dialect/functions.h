@@ -3,6 +3,8 @@
 #include <cstddef>
 #include <string_view>
 
+#include "jet/schema.h"
+
 namespace jet::dialect {
 
 /// What kind of value an expression yields, as far as the statement tells.
@@ -17,6 +19,9 @@ enum class ValueKind {
     Binary,
     Text,
 };
+
+/// The kind of a column's values.
+ValueKind KindOf(ColumnType type);
 
 /// A function of Access SQL and what stands for it in the executed SQL.
 struct FunctionRule {

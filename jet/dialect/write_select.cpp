@@ -6,34 +6,6 @@ namespace jet::dialect {
 
 namespace {
 
-ValueKind KindOf(ColumnType type) {
-    switch (type) {
-        case ColumnType::Boolean:
-            return ValueKind::Boolean;
-        case ColumnType::Byte:
-        case ColumnType::Integer:
-        case ColumnType::Long:
-        case ColumnType::Single:
-        case ColumnType::Double:
-            return ValueKind::Number;
-        case ColumnType::Currency:
-            return ValueKind::Currency;
-        case ColumnType::Date:
-            return ValueKind::Date;
-        case ColumnType::Binary:
-        case ColumnType::Ole:
-            return ValueKind::Binary;
-        case ColumnType::Text:
-        case ColumnType::Memo:
-            return ValueKind::Text;
-        case ColumnType::Guid:
-            return ValueKind::Guid;
-        case ColumnType::Decimal:
-            return ValueKind::Decimal;
-    }
-    return ValueKind::Any;
-}
-
 std::string Joined(const std::vector<std::string>& parts, std::string_view separator) {
     std::string text;
     for (const std::string& part : parts) {

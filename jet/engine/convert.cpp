@@ -1,0 +1,191 @@
+#include "jet/engine/convert.h"
+
+#include <cmath>
+#include <limits>
+
+#include "jet/dialect/date_text.h"
+#include "jet/dialect/names.h"
+#include "jet/engine/decimal_text.h"
+#include "jet/engine/guid_text.h"
+#include "jet/engine/number_text.h"
+#include "jet/error.h"
+#include "jet/storage/format/values.h"
+
+namespace jet::engine {
+
+namespace {
+
+[[noreturn]] void FailType(const ColumnDefinition& column) {
+    throw Error(ErrorKind::TypeMismatch,
+                "Type mismatch: the value does not suit the field '" + column.name + "'");
+}
+
+[[noreturn]] void FailRange(const ColumnDefinition& column, const std::string& value) {
+    throw Error(ErrorKind::Overflow,
+                "Overflow: " + value + " does not fit into the field '" + column.name + "'");
+}
+
+[[noreturn]] void FailLength(const ColumnDefinition& column) {
+    throw Error(ErrorKind::TooLong, "The field '" + column.name +
+                                        "' is too small to accept the amount of data: it holds " +
+                                        std::to_string(column.size));
+}
+
+double ToReal(const ColumnDefinition& column, const Value& value) {
+    if (const auto* integer = std::get_if<std::int64_t>(&value))
+        return static_cast<double>(*integer);
+    if (const auto* real = std::get_if<double>(&value)) return *real;
+    if (const auto* truth = std::get_if<bool>(&value)) return *truth ? -1 : 0;
+    if (const auto* date = std::get_if<Date>(&value)) return date->days;
+    if (const auto* money = std::get_if<Currency>(&value))
+        return static_cast<double>(money->tenThousandths) / 10000;
+    if (const auto* decimal = std::get_if<Decimal>(&value)) return DecimalToReal(*decimal);
+    if (const auto* text = std::get_if<std::string>(&value))
+        if (const auto number = ParseNumber(*text)) return *number;
+    FailType(column);
+}
+
+Value ToWhole(const ColumnDefinition& column, const Value& value, std::int64_t least,
+              std::int64_t most) {
+    if (const auto* integer = std::get_if<std::int64_t>(&value)) {
+        if (*integer < least || *integer > most) FailRange(column, std::to_string(*integer));
+        return *integer;
+    }
+    const double number = RoundHalfEven(ToReal(column, value));
+    if (!(number >= static_cast<double>(least) && number <= static_cast<double>(most)))
+        FailRange(column, NumberText(number));
+    return static_cast<std::int64_t>(number);
+}
+
+Value ToBoolean(const ColumnDefinition& column, const Value& value) {
+    if (const auto* text = std::get_if<std::string>(&value)) {
+        if (dialect::SameName(*text, "true")) return true;
+        if (dialect::SameName(*text, "false")) return false;
+    }
+    return ToReal(column, value) != 0;
+}
+
+Value ToSingle(const ColumnDefinition& column, const Value& value) {
+    const double number = ToReal(column, value);
+    if (std::abs(number) > static_cast<double>(std::numeric_limits<float>::max()))
+        FailRange(column, NumberText(number));
+    return static_cast<double>(static_cast<float>(number));
+}
+
+Value ToCurrency(const ColumnDefinition& column, const Value& value) {
+    if (std::holds_alternative<Currency>(value)) return value;
+    const double scaled = RoundHalfEven(ToReal(column, value) * 10000);
+    if (!(std::abs(scaled) < 9.2e18)) FailRange(column, NumberText(scaled / 10000));
+    return Currency{static_cast<std::int64_t>(scaled)};
+}
+
+Value ToDate(const ColumnDefinition& column, const Value& value) {
+    static constexpr double First = -657434, End = 2958466;  // the years 100 to 9999
+    double days = 0;
+    if (const auto* text = std::get_if<std::string>(&value)) {
+        const auto parsed = dialect::ParseDate(*text);
+        days = parsed ? *parsed : ToReal(column, value);
+    } else {
+        days = ToReal(column, value);
+    }
+    if (!(days > First - 1 && days < End)) FailRange(column, NumberText(days));
+    return Date{days};
+}
+
+std::string TextOf(const ColumnDefinition& column, const Value& value) {
+    if (const auto* text = std::get_if<std::string>(&value)) return *text;
+    if (const auto* integer = std::get_if<std::int64_t>(&value)) return std::to_string(*integer);
+    if (const auto* truth = std::get_if<bool>(&value)) return *truth ? "True" : "False";
+    if (const auto* date = std::get_if<Date>(&value)) return dialect::DateText(date->days);
+    if (const auto* guid = std::get_if<Guid>(&value)) return GuidText(*guid);
+    if (const auto* decimal = std::get_if<Decimal>(&value)) return DecimalText(*decimal);
+    return NumberText(ToReal(column, value));
+}
+
+bool IsAscii(const std::string& text) {
+    for (const char c : text)
+        if (static_cast<unsigned char>(c) >= 0x80) return false;
+    return true;
+}
+
+Value ToText(const ColumnDefinition& column, const Value& value) {
+    std::string text = TextOf(column, value);
+    std::size_t units = text.size();
+    if (!IsAscii(text)) {
+        // The storage keeps UTF-16: what comes back later must be what is seen now.
+        const std::u16string wide = storage::ToUtf16(text);
+        units = wide.size();
+        text = storage::ToUtf8(wide);
+    }
+    if (column.type == ColumnType::Text && column.size > 0 && units > column.size)
+        FailLength(column);
+    return text;
+}
+
+Value ToBytes(const ColumnDefinition& column, const Value& value) {
+    const auto* bytes = std::get_if<Bytes>(&value);
+    if (!bytes) FailType(column);
+    const bool limited = column.type == ColumnType::Binary && column.size > 0;
+    if (limited && bytes->size() > column.size) FailLength(column);
+    return *bytes;
+}
+
+Value ToGuid(const ColumnDefinition& column, const Value& value) {
+    if (std::holds_alternative<Guid>(value)) return value;
+    if (const auto* text = std::get_if<std::string>(&value))
+        if (const auto guid = ParseGuid(*text)) return *guid;
+    FailType(column);
+}
+
+Value ToDecimal(const ColumnDefinition& column, const Value& value) {
+    const auto* decimal = std::get_if<Decimal>(&value);
+    if (!decimal) ToReal(column, value);  // refuses what is no number
+    const std::string text = decimal ? DecimalText(*decimal)
+                             : std::holds_alternative<std::string>(value)
+                                 ? std::get<std::string>(value)
+                                 : FixedText(ToReal(column, value));
+    const auto converted = ParseDecimal(text, column.precision, column.scale);
+    if (!converted) FailRange(column, text);
+    return *converted;
+}
+
+}  // namespace
+
+Value ConvertToField(const ColumnDefinition& column, const Value& value) {
+    if (IsNull(value)) {
+        if (column.type == ColumnType::Boolean) return false;
+        return value;
+    }
+    switch (column.type) {
+        case ColumnType::Boolean:
+            return ToBoolean(column, value);
+        case ColumnType::Byte:
+            return ToWhole(column, value, 0, 255);
+        case ColumnType::Integer:
+            return ToWhole(column, value, -32768, 32767);
+        case ColumnType::Long:
+            return ToWhole(column, value, std::numeric_limits<std::int32_t>::min(),
+                           std::numeric_limits<std::int32_t>::max());
+        case ColumnType::Currency:
+            return ToCurrency(column, value);
+        case ColumnType::Single:
+            return ToSingle(column, value);
+        case ColumnType::Double:
+            return ToReal(column, value);
+        case ColumnType::Date:
+            return ToDate(column, value);
+        case ColumnType::Binary:
+        case ColumnType::Ole:
+            return ToBytes(column, value);
+        case ColumnType::Text:
+        case ColumnType::Memo:
+            return ToText(column, value);
+        case ColumnType::Guid:
+            return ToGuid(column, value);
+        case ColumnType::Decimal:
+            return ToDecimal(column, value);
+    }
+    FailType(column);
+}
+
+}  // namespace jet::engine

@@ -1,0 +1,72 @@
+#include "jet/database.h"
+
+#include "jet/engine/cursor.h"
+#include "jet/engine/execute.h"
+#include "jet/engine/query_result.h"
+#include "jet/engine/session.h"
+
+namespace jet {
+
+/// Record sets hold the session too, so that none outlives what it reads from.
+class Database::Implementation {
+  public:
+    Implementation(const std::filesystem::path& path, OpenMode mode)
+        : session(std::make_shared<engine::Session>(path, mode)) {}
+    Implementation(const Implementation&) = delete;
+    Implementation& operator=(const Implementation&) = delete;
+    ~Implementation() {
+        try {
+            session->Flush();
+        } catch (const std::exception&) {
+            // A destructor cannot report; callers who want to know call Flush() themselves.
+            return;
+        }
+    }
+
+    std::shared_ptr<engine::Session> session;
+};
+
+Database::Database(std::unique_ptr<Implementation> implementation)
+    : implementation_(std::move(implementation)) {}
+Database::Database(Database&&) noexcept = default;
+Database& Database::operator=(Database&&) noexcept = default;
+Database::~Database() = default;
+
+Database Database::Open(const std::filesystem::path& path, OpenMode mode) {
+    return Database(std::make_unique<Implementation>(path, mode));
+}
+
+void Database::Create(const std::filesystem::path& path, std::span<const TableDefinition> tables) {
+    storage::DatabaseFile::Create(path, tables);
+}
+
+std::int64_t Database::Execute(std::string_view sql) {
+    return engine::Execute(*implementation_->session, sql);
+}
+
+std::unique_ptr<RecordSet> Database::Query(std::string_view sql) {
+    return std::make_unique<engine::QueryResult>(implementation_->session, std::string(sql));
+}
+
+std::unique_ptr<RecordSet> Database::OpenUpdatable(std::string_view sql) {
+    return std::make_unique<engine::Cursor>(implementation_->session, std::string(sql));
+}
+
+std::unique_ptr<RecordSet> Database::OpenTable(std::string_view table) {
+    engine::MirrorTable& opened = implementation_->session->Table(table);
+    return std::make_unique<engine::Cursor>(implementation_->session,
+                                            "SELECT * FROM [" + opened.Definition().name + "]");
+}
+
+std::vector<TableDefinition> Database::Tables() const {
+    std::vector<TableDefinition> definitions;
+    for (const auto& table : implementation_->session->Tables())
+        definitions.push_back(table->Definition());
+    return definitions;
+}
+
+void Database::Flush() {
+    implementation_->session->Flush();
+}
+
+}  // namespace jet

@@ -1,0 +1,130 @@
+#include "jet/engine/execute.h"
+
+#include "jet/dialect/names.h"
+#include "jet/dialect/parser.h"
+#include "jet/engine/change_group.h"
+#include "jet/engine/convert.h"
+#include "jet/engine/transfer.h"
+
+namespace jet::engine {
+
+namespace {
+
+using dialect::Translation;
+
+Translation Translate(const dialect::TokenList& tokens, const dialect::Catalog& catalog) {
+    const dialect::Statement statement = dialect::ParseStatement(tokens);
+    if (const auto* update = std::get_if<dialect::Update>(&statement))
+        return TranslateUpdate(*update, catalog);
+    if (const auto* deletion = std::get_if<dialect::Delete>(&statement))
+        return TranslateDelete(*deletion, catalog);
+    if (const auto* insert = std::get_if<dialect::Insert>(&statement))
+        return TranslateInsert(*insert, catalog);
+    throw Error(ErrorKind::Syntax, "A SELECT changes nothing: it is a query");
+}
+
+Value ReadColumn(const Statement& statement, const Translation& translation, std::size_t column) {
+    return ReadValue(statement, static_cast<int>(column), translation.columns[column].kind);
+}
+
+std::int64_t RunInsert(Session& session, Plan& plan, StatementLease statement) {
+    const dialect::UpdateTarget& target = plan.translation.targets.front();
+    MirrorTable& table = *plan.tables[target.table];
+    std::vector<storage::Row> rows;
+    while (statement->Step()) {
+        storage::Row row(table.Definition().columns.size());
+        for (const auto& assignment : target.assignments)
+            row[assignment.column] = ReadColumn(*statement, plan.translation, assignment.value);
+        rows.push_back(std::move(row));
+    }
+    statement->Reset();
+    session.BeforeChange(table);
+    ChangeGroup group;
+    for (storage::Row& row : rows)
+        group.Insert(table, std::move(row));
+    group.Keep();
+    return static_cast<std::int64_t>(rows.size());
+}
+
+std::int64_t RunDelete(Session& session, Plan& plan, StatementLease statement) {
+    MirrorTable& table = *plan.tables[plan.translation.keyTables.front()];
+    std::vector<RowKey> keys;
+    while (statement->Step())
+        keys.push_back(statement->Integer(0));
+    // Keys of an outer join's missing rows are Null.
+    std::erase(keys, RowKey{0});
+    statement->Reset();
+    session.BeforeChange(table);
+    ChangeGroup group;
+    for (const RowKey key : keys)
+        group.Delete(table, key);
+    group.Keep();
+    return static_cast<std::int64_t>(keys.size());
+}
+
+/// What an UPDATE does to one row.
+struct RowUpdate {
+    MirrorTable* table = nullptr;
+    RowKey key = 0;
+    std::vector<storage::FieldChange> changes, old;
+};
+
+RowUpdate ReadUpdate(const Plan& plan, const dialect::UpdateTarget& target,
+                     const Statement& statement) {
+    RowUpdate update;
+    update.table = plan.tables[target.table];
+    update.key = statement.Integer(static_cast<int>(target.key));
+    for (const auto& assignment : target.assignments) {
+        const ColumnDefinition& column = update.table->Definition().columns[assignment.column];
+        Value value =
+            ConvertToField(column, ReadColumn(statement, plan.translation, assignment.value));
+        Value old = ReadColumn(statement, plan.translation, assignment.value + 1);
+        if (value == old) continue;
+        if (column.autoNumber) {
+            throw Error(ErrorKind::NotSupported, "The field '" + column.name +
+                                                     "' is numbered by the database and cannot "
+                                                     "be changed");
+        }
+        update.changes.push_back({assignment.column, std::move(value)});
+        update.old.push_back({assignment.column, std::move(old)});
+    }
+    return update;
+}
+
+std::int64_t RunUpdate(Session& session, Plan& plan, StatementLease statement) {
+    std::vector<RowUpdate> updates;
+    std::int64_t count = 0;
+    while (statement->Step()) {
+        ++count;
+        for (const dialect::UpdateTarget& target : plan.translation.targets) {
+            RowUpdate update = ReadUpdate(plan, target, *statement);
+            if (update.key != 0 && !update.changes.empty()) updates.push_back(std::move(update));
+        }
+    }
+    statement->Reset();
+    for (const dialect::UpdateTarget& target : plan.translation.targets)
+        session.BeforeChange(*plan.tables[target.table]);
+    ChangeGroup group;
+    for (RowUpdate& update : updates)
+        group.Update(*update.table, update.key, update.changes, std::move(update.old));
+    group.Keep();
+    return count;
+}
+
+}  // namespace
+
+std::int64_t Execute(Session& session, std::string_view sql) {
+    const dialect::TokenList tokens = dialect::Tokenize(sql);
+    const std::string_view verb = tokens.tokens.front().text;
+    const std::shared_ptr<Plan> plan = session.FindPlan(
+        "execute " + Signature(tokens), [&] { return Translate(tokens, session.Catalog()); });
+    StatementLease statement = session.Start(*plan, tokens.literals);
+    const auto run = dialect::SameName(verb, "insert")   ? RunInsert
+                     : dialect::SameName(verb, "delete") ? RunDelete
+                                                         : RunUpdate;
+    const std::int64_t count = run(session, *plan, std::move(statement));
+    session.AfterChange();
+    return count;
+}
+
+}  // namespace jet::engine

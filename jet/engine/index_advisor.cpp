@@ -1,0 +1,119 @@
+#include "jet/engine/index_advisor.h"
+
+#include <algorithm>
+
+#include "jet/engine/text_order.h"
+
+namespace jet::engine {
+
+namespace {
+
+using dialect::QuotedName;
+using dialect::TableName;
+
+constexpr std::int64_t SmallTable = 32;
+constexpr std::int64_t SampleSize = 256;
+/// An index that leaves more rows than this share to look at is not worth its memory.
+constexpr double WorstShare = 0.3;
+/// An existing index serves as long as the best one would not be better by this factor.
+constexpr double GoodEnough = 4;
+
+bool Contains(const std::vector<std::size_t>& columns, std::size_t column) {
+    return std::find(columns.begin(), columns.end(), column) != columns.end();
+}
+
+bool IsUniqueAlone(const TableDefinition& definition, std::size_t column) {
+    return std::any_of(definition.indexes.begin(), definition.indexes.end(),
+                       [column](const IndexDefinition& index) {
+                           return (index.unique || index.primary) && index.columns.size() == 1 &&
+                                  index.columns.front().column == column;
+                       });
+}
+
+}  // namespace
+
+void IndexAdvisor::Prepare(const dialect::TableUse& use, const MirrorTable& table) {
+    if (table.RowCount() < SmallTable) return;
+    Known& known = known_[&table];
+    if (known.generation != table.Generation()) {
+        known.generation = table.Generation();
+        known.share.clear();
+        if (!known.equal.empty() || !known.suffix.empty())
+            sqlite_.Execute("ANALYZE " + TableName(table.Definition().name));
+    }
+    for (const std::size_t column : use.suffixColumns) {
+        if (Contains(known.suffix, column)) continue;
+        Create(table, column, true);
+        known.suffix.push_back(column);
+    }
+    PrepareEqual(use, table, known);
+}
+
+void IndexAdvisor::PrepareEqual(const dialect::TableUse& use, const MirrorTable& table,
+                                Known& known) {
+    const auto worse = [&](std::size_t a, std::size_t b) {
+        return ShareOfMatches(table, a, known) < ShareOfMatches(table, b, known);
+    };
+    const auto& columns = use.equalColumns;
+    const auto best = std::min_element(columns.begin(), columns.end(), worse);
+    if (best == columns.end() || Contains(known.equal, *best)) return;
+    const double bestShare = ShareOfMatches(table, *best, known);
+    if (bestShare > WorstShare) return;
+    const bool served = std::any_of(columns.begin(), columns.end(), [&](std::size_t column) {
+        return Contains(known.equal, column) &&
+               ShareOfMatches(table, column, known) <= GoodEnough * bestShare;
+    });
+    if (served) return;
+    Create(table, *best, false);
+    known.equal.push_back(*best);
+}
+
+/// Which share of the table has the value of a row picked at random: what is left to look at after
+/// a look-up in an index on this column. Values that many rows have weigh accordingly.
+double IndexAdvisor::ShareOfMatches(const MirrorTable& table, std::size_t column, Known& known) {
+    if (const auto found = known.share.find(column); found != known.share.end())
+        return found->second;
+    const double share = IsUniqueAlone(table.Definition(), column) ? 0 : Sample(table, column);
+    known.share.emplace(column, share);
+    return share;
+}
+
+double IndexAdvisor::Sample(const MirrorTable& table, std::size_t column) {
+    const TableDefinition& definition = table.Definition();
+    const std::string name = TableName(definition.name);
+    const std::string key = QuotedName(dialect::KeyColumn);
+    StatementLease range =
+        statements_.Take("SELECT min(" + key + "),max(" + key + ") FROM " + name);
+    range->Step();
+    const RowKey first = range->Integer(0), last = range->Integer(1);
+    StatementLease row =
+        statements_.Take("SELECT " + key + "," + QuotedName(definition.columns[column].name) +
+                         " FROM " + name + " WHERE " + key + ">=?1 LIMIT 1");
+    std::unordered_map<std::string, int> counts;
+    double taken = 0;
+    RowKey next = first;
+    for (std::int64_t i = 0; i < SampleSize; ++i) {
+        next = std::max(next, first + (last - first) / SampleSize * i);
+        row->Reset();
+        row->Bind(1, next);
+        if (!row->Step()) break;
+        next = row->Integer(0) + 1;
+        ++counts[FoldCase(row->Text(1))];
+        ++taken;
+    }
+    double squares = 0;
+    for (const auto& [value, count] : counts)
+        squares += static_cast<double>(count) * count;
+    return taken == 0 ? 1 : squares / (taken * taken);
+}
+
+void IndexAdvisor::Create(const MirrorTable& table, std::size_t column, bool suffix) {
+    const TableDefinition& definition = table.Definition();
+    const std::string name = TableName(definition.name);
+    const std::string field = QuotedName(definition.columns[column].name);
+    sqlite_.Execute("CREATE INDEX \"[index " + std::to_string(created_++) + "]\" ON " + name + "(" +
+                    (suffix ? "jet_suffix(" + field + ")" : field) + ")");
+    sqlite_.Execute("ANALYZE " + name);
+}
+
+}  // namespace jet::engine

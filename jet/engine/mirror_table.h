@@ -1,0 +1,66 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "jet/dialect/functions.h"
+#include "jet/engine/statement_cache.h"
+#include "jet/storage/table.h"
+
+namespace jet::engine {
+
+/// A row's name in both worlds: RowId::AsInteger() of the stored row, [row] of the mirrored one.
+using RowKey = std::int64_t;
+
+/// A stored table together with its copy in the in-memory database. All changes to rows go through
+/// here: first into the storage, which may refuse, then into the copy.
+class MirrorTable {
+  public:
+    /// Makes the copy's table, empty; nothing is owned.
+    MirrorTable(Sqlite& sqlite, StatementCache& statements, storage::Table& stored);
+
+    const TableDefinition& Definition() const { return stored_.Definition(); }
+    const std::vector<dialect::ValueKind>& Kinds() const { return kinds_; }
+
+    /// Fills the copy on the first call.
+    void Load();
+
+    std::int64_t RowCount() const { return rows_; }
+    /// Differs whenever a row may have changed.
+    std::uint64_t Changes() const { return changes_; }
+    std::uint64_t Deletions() const { return deletions_; }
+    /// Grows each time the table has become so large that its indexes should be thought over.
+    std::uint64_t Generation() const { return generation_; }
+
+    /// The row as stored.
+    storage::Row Read(RowKey key) const;
+
+    /// Values are converted to the fields' types, with the errors of ConvertToField.
+    RowKey Insert(storage::Row values);
+    /// Writes the changes, whose values are converted already.
+    void Update(RowKey key, std::span<const storage::FieldChange> changes);
+    void Delete(RowKey key);
+
+    /// Error(ReadOnly) if rows of this table must not be changed.
+    void RequireWritable() const;
+
+  private:
+    void InsertCopy(Statement& insert, RowKey key, std::span<const Value> values);
+    void CountRow();
+
+    Sqlite& sqlite_;
+    StatementCache& statements_;
+    storage::Table& stored_;
+    std::vector<dialect::ValueKind> kinds_;
+    std::string insertSql_, deleteSql_, updateStart_;
+    std::optional<std::size_t> autoNumber_;
+    bool loaded_ = false;
+    std::int64_t rows_ = 0;
+    std::int64_t nextGenerationAt_ = 0;
+    std::uint64_t changes_ = 0, deletions_ = 0, generation_ = 0;
+};
+
+}  // namespace jet::engine

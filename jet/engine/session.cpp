@@ -1,0 +1,121 @@
+#include "jet/engine/session.h"
+
+#include "jet/dialect/names.h"
+#include "jet/engine/functions.h"
+#include "jet/engine/text_order.h"
+#include "jet/engine/transfer.h"
+
+namespace jet::engine {
+
+namespace {
+
+constexpr std::size_t MostPlans = 1000;
+
+storage::OpenMode StorageMode(OpenMode mode) {
+    return mode == OpenMode::ReadOnly ? storage::OpenMode::ReadOnly : storage::OpenMode::ReadWrite;
+}
+
+struct LiteralBinder {
+    Statement& statement;
+    int parameter;
+    void operator()(std::int64_t value) const { statement.Bind(parameter, value); }
+    void operator()(double value) const { statement.Bind(parameter, value); }
+    void operator()(Date value) const { statement.Bind(parameter, value.days); }
+    void operator()(const std::string& value) const { statement.BindText(parameter, value); }
+};
+
+void BindParameter(Statement& statement, int number, const dialect::Parameter& parameter,
+                   const dialect::Literal& literal) {
+    using Form = dialect::Parameter::Form;
+    if (parameter.form == Form::Value) {
+        std::visit(LiteralBinder{statement, number}, literal);
+        return;
+    }
+    std::string key = SuffixKey(std::string_view(std::get<std::string>(literal)).substr(1));
+    // No UTF-8 has this byte: it ends the range of keys that begin like this one.
+    if (parameter.form == Form::SuffixTo) key.push_back('\xFF');
+    statement.BindBytes(number, key);
+}
+
+}  // namespace
+
+Session::Session(const std::filesystem::path& path, OpenMode mode)
+    : mode_(mode),
+      file_(storage::DatabaseFile::Open(path, StorageMode(mode))),
+      statements_(sqlite_),
+      advisor_(sqlite_, statements_) {
+    RegisterFunctions(sqlite_);
+    for (const std::string& name : file_.TableNames())
+        tables_.push_back(
+            std::make_unique<MirrorTable>(sqlite_, statements_, file_.OpenTable(name)));
+    catalog_ = [this](std::string_view name) -> const TableDefinition* {
+        for (const auto& table : tables_)
+            if (dialect::SameName(table->Definition().name, name)) return &table->Definition();
+        return nullptr;
+    };
+}
+
+MirrorTable& Session::Table(std::string_view name) {
+    for (const auto& table : tables_) {
+        if (!dialect::SameName(table->Definition().name, name)) continue;
+        table->Load();
+        return *table;
+    }
+    throw Error(ErrorKind::NotFound, "Cannot find the table '" + std::string(name) + "'");
+}
+
+std::shared_ptr<Plan> Session::FindPlan(const std::string& signature,
+                                        const std::function<dialect::Translation()>& translate) {
+    if (const auto found = plans_.find(signature); found != plans_.end()) return found->second;
+    auto plan = std::make_shared<Plan>();
+    plan->translation = translate();
+    for (const dialect::TableUse& use : plan->translation.tables)
+        plan->tables.push_back(&Table(use.definition->name));
+    if (plans_.size() >= MostPlans) plans_.clear();
+    plans_.emplace(signature, plan);
+    return plan;
+}
+
+void Session::LookAfterIndexes(Plan& plan) {
+    std::uint64_t generation = 1;
+    for (const MirrorTable* table : plan.tables)
+        generation += table->Generation();
+    if (plan.generation == generation) return;
+    plan.generation = generation;
+    DrainAll();
+    for (std::size_t i = 0; i < plan.tables.size(); ++i)
+        advisor_.Prepare(plan.translation.tables[i], *plan.tables[i]);
+}
+
+StatementLease Session::Start(Plan& plan, const std::vector<dialect::Literal>& literals) {
+    LookAfterIndexes(plan);
+    StatementLease statement = statements_.Take(plan.translation.sql);
+    const auto& parameters = plan.translation.parameters;
+    for (std::size_t i = 0; i < parameters.size(); ++i) {
+        BindParameter(*statement, static_cast<int>(i + 1), parameters[i],
+                      literals[parameters[i].literal]);
+    }
+    return statement;
+}
+
+void Session::BeforeChange(const MirrorTable& table) {
+    if (mode_ == OpenMode::ReadOnly)
+        throw Error(ErrorKind::ReadOnly, "The database was opened for reading only");
+    table.RequireWritable();
+    // Draining takes a stream off the list.
+    const std::vector<RowStream*> streams = streams_;
+    for (RowStream* stream : streams)
+        if (stream->Reads(table)) stream->Drain();
+}
+
+void Session::DrainAll() {
+    const std::vector<RowStream*> streams = streams_;
+    for (RowStream* stream : streams)
+        stream->Drain();
+}
+
+void Session::Flush() {
+    if (mode_ == OpenMode::ReadWrite) file_.Commit();
+}
+
+}  // namespace jet::engine

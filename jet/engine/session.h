@@ -1,0 +1,81 @@
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "jet/database.h"
+#include "jet/dialect/token.h"
+#include "jet/dialect/translate.h"
+#include "jet/engine/index_advisor.h"
+#include "jet/engine/mirror_table.h"
+#include "jet/engine/statement_cache.h"
+#include "jet/storage/database_file.h"
+
+namespace jet::engine {
+
+/// A statement ready to be run any number of times.
+struct Plan {
+    dialect::Translation translation;
+    std::vector<MirrorTable*> tables;  ///< as in translation.tables
+    std::uint64_t generation = 0;      ///< of its tables when their indexes were last looked at
+};
+
+/// Rows still to be fetched from a running statement. A change to one of its tables could disturb
+/// it, so it is asked to fetch them first.
+class RowStream {
+  public:
+    virtual ~RowStream() = default;
+    virtual bool Reads(const MirrorTable& table) const = 0;
+    virtual void Drain() = 0;
+};
+
+/// An open database: the file, its copy in memory, and everything prepared so far.
+class Session {
+  public:
+    Session(const std::filesystem::path& path, OpenMode mode);
+
+    const std::vector<std::unique_ptr<MirrorTable>>& Tables() const { return tables_; }
+    /// Error(NotFound) if there is no such table; its rows are loaded.
+    MirrorTable& Table(std::string_view name);
+    const dialect::Catalog& Catalog() const { return catalog_; }
+
+    /// The plan for this signature; `translate` is called when there is none yet.
+    std::shared_ptr<Plan> FindPlan(const std::string& signature,
+                                   const std::function<dialect::Translation()>& translate);
+
+    /// The plan's statement with its parameters bound, before its first step.
+    StatementLease Start(Plan& plan, const std::vector<dialect::Literal>& literals);
+
+    StatementCache& Statements() { return statements_; }
+
+    void Register(RowStream& stream) { streams_.push_back(&stream); }
+    void Unregister(RowStream& stream) noexcept { std::erase(streams_, &stream); }
+
+    /// To be called before rows of the table are changed. Error(ReadOnly) if they must not be.
+    void BeforeChange(const MirrorTable& table);
+    /// To be called after each statement or record-set change.
+    void AfterChange() { file_.CommitIfDue(); }
+    void Flush();
+
+  private:
+    void DrainAll();
+    void LookAfterIndexes(Plan& plan);
+
+    OpenMode mode_;
+    storage::DatabaseFile file_;
+    Sqlite sqlite_;
+    StatementCache statements_;
+    std::vector<std::unique_ptr<MirrorTable>> tables_;
+    dialect::Catalog catalog_;
+    IndexAdvisor advisor_;
+    std::unordered_map<std::string, std::shared_ptr<Plan>> plans_;
+    std::vector<RowStream*> streams_;
+};
+
+}  // namespace jet::engine

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "jet/value.h"
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+namespace jet::engine {
+
+/// A prepared statement. Positions of parameters count from 1, those of columns from 0, as in
+/// SQLite. Texts and bytes are copied on binding; views of columns are valid until the next step.
+class Statement {
+  public:
+    Statement(sqlite3* database, const std::string& sql);
+
+    void BindNull(int parameter);
+    void Bind(int parameter, std::int64_t value);
+    void Bind(int parameter, double value);
+    void BindText(int parameter, std::string_view text);
+    void BindBytes(int parameter, std::string_view bytes);
+
+    /// Goes to the next row; false at the end.
+    bool Step();
+    /// Runs a statement that yields no rows, and makes it ready for the next run.
+    void Run();
+    void Reset() noexcept;
+
+    bool IsNull(int column) const;
+    bool IsInteger(int column) const;
+    bool IsText(int column) const;
+    bool IsBytes(int column) const;
+    std::int64_t Integer(int column) const;
+    double Real(int column) const;
+    std::string_view Text(int column) const;
+    std::span<const std::uint8_t> Bytes(int column) const;
+
+  private:
+    struct Finalize {
+        void operator()(sqlite3_stmt* statement) const noexcept;
+    };
+    void Check(int code) const;
+    std::unique_ptr<sqlite3_stmt, Finalize> statement_;
+};
+
+/// A private in-memory database.
+class Sqlite {
+  public:
+    Sqlite();
+    void Execute(const std::string& sql);
+    sqlite3* Handle() const { return handle_.get(); }
+
+  private:
+    struct Close {
+        void operator()(sqlite3* database) const noexcept;
+    };
+    std::unique_ptr<sqlite3, Close> handle_;
+};
+
+}  // namespace jet::engine
