@@ -1,3 +1,5 @@
-int main() {
-    return 0;
+#include "app/program.h"
+
+int main(int argumentCount, char** arguments) {
+    return quillon::RunProgram(argumentCount, arguments);
 }

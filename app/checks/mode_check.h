@@ -1,0 +1,13 @@
+#pragma once
+
+#include <iosfwd>
+
+#include "app/checks/findings.h"
+#include "run/settings.h"
+
+namespace quillon {
+
+/// Tells which mode would run, its phases and the backups it would make first.
+void CheckMode(const Settings& settings, std::ostream& out, Findings& findings);
+
+}  // namespace quillon

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <iosfwd>
+
+#include "app/checks/findings.h"
+#include "platform/host.h"
+#include "run/settings.h"
+
+namespace quillon {
+
+/// Tells every setting with its value, where that comes from and what is odd about it; the settings
+/// as a run would read them.
+Settings CheckSettings(Host& host, std::ostream& out, Findings& findings);
+
+/// Tells whether the host has the plug-in enabled.
+void CheckPlugin(Host& host, std::ostream& out, Findings& findings);
+
+}  // namespace quillon

@@ -1,0 +1,104 @@
+#include "app/commands/db_command.h"
+
+#include <fmt/format.h>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "app/display_text.h"
+#include "app/jukebox_database.h"
+#include "app/table_printer.h"
+#include "app/value_text.h"
+#include "jet/check.h"
+#include "jet/database.h"
+
+namespace quillon {
+namespace {
+
+std::vector<std::string> FieldNames(const jet::RecordSet& rows) {
+    std::vector<std::string> names;
+    for (std::size_t i = 0; i < rows.FieldCount(); ++i)
+        names.push_back(rows.FieldName(i));
+    return names;
+}
+
+bool IsNumber(const jet::Value& value) {
+    return std::holds_alternative<std::int64_t>(value) || std::holds_alternative<double>(value) ||
+           std::holds_alternative<jet::Currency>(value) ||
+           std::holds_alternative<jet::Decimal>(value);
+}
+
+void PrintTable(jet::RecordSet& rows, std::ostream& out) {
+    const std::vector<std::string> names = FieldNames(rows);
+    TablePrinter table(out, names);
+    for (; !rows.IsEof(); rows.MoveNext()) {
+        std::vector<TableCell> cells;
+        cells.reserve(names.size());
+        for (std::size_t i = 0; i < names.size(); ++i) {
+            const jet::Value value = rows.Get(i);
+            cells.push_back({ValueText(value), IsNumber(value), jet::IsNull(value)});
+        }
+        table.AddRow(std::move(cells));
+    }
+    table.Finish();
+}
+
+void PrintJson(jet::RecordSet& rows, std::ostream& out) {
+    std::vector<std::string> keys;
+    for (const std::string& name : FieldNames(rows))
+        keys.push_back(JsonString(name) + ':');
+    std::string line;
+    for (; !rows.IsEof(); rows.MoveNext()) {
+        line = "{";
+        for (std::size_t i = 0; i < keys.size(); ++i) {
+            if (i > 0) line += ',';
+            line += keys[i];
+            line += JsonValue(rows.Get(i));
+        }
+        line += "}\n";
+        out << line;
+    }
+}
+
+}  // namespace
+
+int DbCreate(const DbCreateRequest& request, Console console) {
+    CreateJukeboxDatabase(request.file);
+    console.out << fmt::format("{}: a new jukebox database with {} tables\n", request.file.string(),
+                               JukeboxTables().size());
+    return DoneStatus;
+}
+
+int DbQuery(const DbQueryRequest& request, Console console) {
+    jet::Database database = jet::Database::Open(request.file, jet::OpenMode::ReadOnly);
+    const auto rows = database.Query(request.sql);
+    if (request.json) {
+        PrintJson(*rows, console.out);
+    } else {
+        PrintTable(*rows, console.out);
+    }
+    return DoneStatus;
+}
+
+int DbExec(const DbExecRequest& request, Console console) {
+    jet::Database database = jet::Database::Open(request.file, jet::OpenMode::ReadWrite);
+    const std::int64_t rows = database.Execute(request.sql);
+    database.Flush();
+    console.out << fmt::format("{} row{}\n", rows, rows == 1 ? "" : "s");
+    return DoneStatus;
+}
+
+int DbCheck(const DbCheckRequest& request, Console console) {
+    const jet::CheckReport report = jet::CheckFile(request.file);
+    for (const std::string& fault : report.faults)
+        console.out << OneLine(fault) << '\n';
+    console.out << fmt::format(
+        "{}: {}; {} tables, {} rows, {} indexes, {} entries, {} pages\n", request.file.string(),
+        report.faults.empty()
+            ? "OK"
+            : fmt::format("{} fault{}", report.faults.size(), report.faults.size() == 1 ? "" : "s"),
+        report.tables, report.rows, report.indexes, report.entries, report.pages);
+    return report.faults.empty() ? DoneStatus : FaultsFoundStatus;
+}
+
+}  // namespace quillon

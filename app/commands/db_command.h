@@ -1,0 +1,15 @@
+#pragma once
+
+#include "app/console.h"
+#include "app/requests.h"
+
+namespace quillon {
+
+/// `quillon db ...`: the embedded database from the shell. All throw jet::Error; the result is the
+/// exit status.
+int DbCreate(const DbCreateRequest& request, Console console);
+int DbQuery(const DbQueryRequest& request, Console console);
+int DbExec(const DbExecRequest& request, Console console);
+int DbCheck(const DbCheckRequest& request, Console console);
+
+}  // namespace quillon

@@ -1,0 +1,38 @@
+#include "app/commands/run_command.h"
+
+#include <chrono>
+#include <memory>
+#include <string>
+
+#include "app/local_host.h"
+#include "app/signals.h"
+#include "app/version.h"
+#include "app/views/make_view.h"
+#include "driver/library_form.h"
+#include "run/log.h"
+#include "run/run.h"
+
+namespace quillon {
+
+int RunLibrary(const RunRequest& request) {
+    const auto start = std::chrono::steady_clock::now();
+    Run* current = nullptr;
+    LocalHost local(request.host, [&current](const std::string& message) {
+        if (current != nullptr) WriteLog(*current, LogSource, message);
+    });
+    // Before the view, which would otherwise leave signals to the terminal library.
+    const AbortSignals signals;
+    const std::unique_ptr<View> view = MakeView(request.view);
+    Run run(local.host, local.files, local.clock, *view);
+    current = &run;
+
+    LibraryForm form(run, local.databases, ProgramVersion);
+    const RunOutcome outcome = form.Form_Load();
+    const RunSummary summary{
+        outcome, run.counts,
+        std::chrono::duration_cast<std::chrono::seconds>(std::chrono::steady_clock::now() - start)};
+    view->Summarize(summary);
+    return ExitStatus(summary);
+}
+
+}  // namespace quillon

@@ -1,0 +1,88 @@
+#include "app/display_text.h"
+
+#include <fmt/format.h>
+#include <optional>
+#include <utf8proc.h>
+
+namespace quillon {
+namespace {
+
+constexpr std::string_view ReplacementCharacter = "\xEF\xBF\xBD";
+constexpr std::string_view Ellipsis = "\xE2\x80\xA6";
+
+/// One step through a text: the bytes of the character in front, and the character where the bytes
+/// are one.
+struct Character {
+    std::string_view bytes;
+    std::optional<utf8proc_int32_t> code;
+};
+
+Character FirstCharacter(std::string_view text) {
+    utf8proc_int32_t code = 0;
+    const auto* bytes = reinterpret_cast<const utf8proc_uint8_t*>(text.data());
+    const utf8proc_ssize_t length =
+        utf8proc_iterate(bytes, static_cast<utf8proc_ssize_t>(text.size()), &code);
+    if (length <= 0) return {text.substr(0, 1), std::nullopt};
+    return {text.substr(0, static_cast<std::size_t>(length)), code};
+}
+
+std::size_t Columns(const Character& character) {
+    if (!character.code) return 1;
+    return static_cast<std::size_t>(utf8proc_charwidth(*character.code));
+}
+
+bool IsControl(utf8proc_int32_t code) {
+    const bool separatesLines = code == 0x2028 || code == 0x2029;
+    return code < 0x20 || (code >= 0x7F && code < 0xA0) || separatesLines;
+}
+
+}  // namespace
+
+std::size_t DisplayColumns(std::string_view text) {
+    std::size_t columns = 0;
+    while (!text.empty()) {
+        const Character character = FirstCharacter(text);
+        columns += Columns(character);
+        text.remove_prefix(character.bytes.size());
+    }
+    return columns;
+}
+
+std::string FitColumns(std::string_view text, std::size_t columns) {
+    if (columns == 0) return "";
+    std::size_t taken = 0;
+    std::size_t bytes = 0;      // what is shown when the whole text fits
+    std::size_t bytesKept = 0;  // what leaves a column for the ellipsis
+    while (bytes < text.size()) {
+        const Character character = FirstCharacter(text.substr(bytes));
+        taken += Columns(character);
+        if (taken > columns) return std::string(text.substr(0, bytesKept)).append(Ellipsis);
+        bytes += character.bytes.size();
+        if (taken < columns) bytesKept = bytes;
+    }
+    return std::string(text);
+}
+
+std::string OneLine(std::string_view text) {
+    std::string line;
+    line.reserve(text.size());
+    while (!text.empty()) {
+        const Character character = FirstCharacter(text);
+        if (!character.code) {
+            line += ReplacementCharacter;
+        } else if (IsControl(*character.code)) {
+            line += ' ';
+        } else {
+            line += character.bytes;
+        }
+        text.remove_prefix(character.bytes.size());
+    }
+    return line;
+}
+
+std::string ElapsedText(std::chrono::seconds elapsed) {
+    const auto seconds = elapsed.count();
+    return fmt::format("{}:{:02}:{:02}", seconds / 3600, seconds / 60 % 60, seconds % 60);
+}
+
+}  // namespace quillon

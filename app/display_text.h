@@ -1,0 +1,25 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+/// Texts for people's eyes: terminal columns instead of bytes, and nothing in them that a terminal
+/// could take for a command.
+namespace quillon {
+
+/// Columns that a UTF-8 text takes on a terminal. Bytes that are no UTF-8 count one each.
+std::size_t DisplayColumns(std::string_view text);
+
+/// The text in at most `columns` columns; one that is cut ends in "…".
+std::string FitColumns(std::string_view text, std::size_t columns);
+
+/// The text with every control character replaced by a blank, so that names and values from
+/// outside cannot move the cursor or end a line. Bytes that are no UTF-8 become U+FFFD.
+std::string OneLine(std::string_view text);
+
+/// Hours, minutes and seconds: "0:00:12".
+std::string ElapsedText(std::chrono::seconds elapsed);
+
+}  // namespace quillon

@@ -1,0 +1,52 @@
+#include "app/local_host.h"
+
+#include <array>
+#include <fmt/format.h>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+#include "app/console.h"
+#include "platform/basic_text.h"
+
+namespace quillon {
+namespace {
+
+constexpr std::array<std::string_view, 2> NeededFiles{"Quillon.ini", "host.ini"};
+
+bool HasFile(const std::filesystem::path& folder, std::string_view name) {
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+        if (EqualIgnoringCase(entry.path().filename().string(), name)) return true;
+    }
+    return false;
+}
+
+/// The folder itself, once it has been found to hold what a host folder holds.
+const std::filesystem::path& CheckedFolder(const std::filesystem::path& folder) {
+    const std::string hint = "; 'quillon init' makes a host folder, --host names one";
+    std::error_code ignored;
+    if (!std::filesystem::is_directory(folder, ignored))
+        throw CommandError(fmt::format("{} is no folder{}", folder.string(), hint));
+    std::string missing;
+    for (const std::string_view name : NeededFiles) {
+        if (!HasFile(folder, name))
+            missing += (missing.empty() ? "" : " and no ") + std::string(name);
+    }
+    if (!missing.empty()) {
+        throw CommandError(fmt::format(
+            "{} has no {}{}", std::filesystem::absolute(folder).lexically_normal().string(),
+            missing, hint));
+    }
+    return folder;
+}
+
+}  // namespace
+
+LocalHost::LocalHost(const std::filesystem::path& folder, NoteSink note)
+    : host(CheckedFolder(folder), clock),
+      resolver(host.Drives()),
+      files(resolver, std::move(note)),
+      databases(resolver) {}
+
+}  // namespace quillon

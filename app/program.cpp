@@ -1,0 +1,53 @@
+#include "app/program.h"
+
+#include <exception>
+#include <iostream>
+
+#include "app/command_line.h"
+#include "app/commands/check_command.h"
+#include "app/commands/db_command.h"
+#include "app/commands/init_command.h"
+#include "app/commands/run_command.h"
+#include "app/display_text.h"
+
+namespace quillon {
+namespace {
+
+/// Does one request; there is one operator for each kind.
+struct Dispatcher {
+    Console console;
+
+    int operator()(const TextAnswer& answer) const {
+        (answer.usageError ? console.err : console.out) << answer.text;
+        return answer.usageError ? RefusedStatus : DoneStatus;
+    }
+    int operator()(const RunRequest& request) const { return RunLibrary(request); }
+    int operator()(const InitRequest& request) const { return Init(request, console); }
+    int operator()(const CheckRequest& request) const { return Check(request, console); }
+    int operator()(const DbCreateRequest& request) const { return DbCreate(request, console); }
+    int operator()(const DbQueryRequest& request) const { return DbQuery(request, console); }
+    int operator()(const DbExecRequest& request) const { return DbExec(request, console); }
+    int operator()(const DbCheckRequest& request) const { return DbCheck(request, console); }
+};
+
+}  // namespace
+
+int RunProgram(std::span<const char* const> arguments, Console console) {
+    try {
+        const int status = std::visit(Dispatcher{console}, ParseCommandLine(arguments));
+        console.out.flush();
+        if (!console.out) throw CommandError("the output cannot be written");
+        return status;
+    } catch (const std::exception& error) {
+        console.out.flush();
+        console.err << "quillon: " << OneLine(error.what()) << '\n';
+        return RefusedStatus;
+    }
+}
+
+int RunProgram(int argumentCount, const char* const* arguments) {
+    return RunProgram({arguments, static_cast<std::size_t>(argumentCount)},
+                      Console{std::cout, std::cerr});
+}
+
+}  // namespace quillon

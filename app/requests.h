@@ -1,0 +1,68 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <variant>
+
+namespace quillon {
+
+/// Which face a run shows.
+enum class ViewKind { Auto, Window, Terminal, Plain };
+
+/// How albums lie in the music folder: folders of folders, or files side by side.
+enum class LibraryLayout { Tree, Flat };
+
+/// `quillon run`
+struct RunRequest {
+    std::filesystem::path host;
+    ViewKind view = ViewKind::Auto;
+};
+
+/// `quillon init`
+struct InitRequest {
+    std::filesystem::path host;
+    std::filesystem::path music;
+    std::optional<std::filesystem::path> database;  ///< an existing one; none: a new one is made
+    LibraryLayout layout = LibraryLayout::Tree;
+};
+
+/// `quillon check`
+struct CheckRequest {
+    std::filesystem::path host;
+};
+
+/// `quillon db create`
+struct DbCreateRequest {
+    std::filesystem::path file;
+};
+
+/// `quillon db query`
+struct DbQueryRequest {
+    std::filesystem::path file;
+    std::string sql;
+    bool json = false;  ///< one object a line instead of a table
+};
+
+/// `quillon db exec`
+struct DbExecRequest {
+    std::filesystem::path file;
+    std::string sql;
+};
+
+/// `quillon db check`
+struct DbCheckRequest {
+    std::filesystem::path file;
+};
+
+/// A command line that is answered by text alone: help, version or a usage error.
+struct TextAnswer {
+    std::string text;
+    bool usageError = false;  ///< belongs on the error stream, exit status 2
+};
+
+/// Everything that a command line can ask for.
+using Request = std::variant<TextAnswer, RunRequest, InitRequest, CheckRequest, DbCreateRequest,
+                             DbQueryRequest, DbExecRequest, DbCheckRequest>;
+
+}  // namespace quillon

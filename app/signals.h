@@ -1,0 +1,23 @@
+#pragma once
+
+namespace quillon {
+
+/// While an object lives, SIGINT and SIGTERM press the Abort button instead of ending the process,
+/// and a broken pipe is an error of the write. A second signal ends the process at once with exit
+/// status 3; the database's journal keeps the file whole. One object at a time.
+class AbortSignals {
+  public:
+    AbortSignals();
+    ~AbortSignals();
+    AbortSignals(const AbortSignals&) = delete;
+    AbortSignals& operator=(const AbortSignals&) = delete;
+
+    /// Whether a signal has asked for the abort.
+    static bool AbortRequested() noexcept;
+
+    /// What the second signal does before it ends the process, such as giving the terminal back;
+    /// nullptr for nothing. It runs inside the signal handler and may do only what a handler may.
+    static void SetLastAct(void (*act)() noexcept) noexcept;
+};
+
+}  // namespace quillon

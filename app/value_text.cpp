@@ -1,0 +1,161 @@
+#include "app/value_text.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <cstdint>
+#include <fmt/format.h>
+
+namespace quillon {
+namespace {
+
+std::string DateText(jet::Date date) {
+    constexpr double MillisecondsPerDay = 86'400'000;
+    // The dates that a database can hold: years 100 to 9999.
+    constexpr double FirstDay = -657'434, LastDay = 2'958'466;
+    if (!(date.days >= FirstDay && date.days < LastDay)) return fmt::format("{}", date.days);
+
+    namespace chrono = std::chrono;
+    const double wholeDays = std::trunc(date.days);
+    const chrono::milliseconds inDay(
+        std::llround(std::abs(date.days - wholeDays) * MillisecondsPerDay));
+    const chrono::sys_days zero = chrono::year(1899) / chrono::December / 30;
+    const auto moment = zero + chrono::days(static_cast<int>(wholeDays)) + inDay;
+    const auto midnight = chrono::floor<chrono::days>(moment);
+    const chrono::year_month_day day(midnight);
+    const chrono::hh_mm_ss<chrono::milliseconds> time(moment - midnight);
+    std::string text =
+        fmt::format("{:04}-{:02}-{:02}T{:02}:{:02}:{:02}", static_cast<int>(day.year()),
+                    static_cast<unsigned>(day.month()), static_cast<unsigned>(day.day()),
+                    time.hours().count(), time.minutes().count(), time.seconds().count());
+    if (time.subseconds().count() != 0) text += fmt::format(".{:03}", time.subseconds().count());
+    return text;
+}
+
+/// Digits with a decimal point before the last `scale` of them.
+std::string WithPoint(std::string digits, std::size_t scale, bool negative) {
+    if (digits.size() <= scale) digits.insert(0, scale + 1 - digits.size(), '0');
+    if (scale > 0) digits.insert(digits.size() - scale, 1, '.');
+    return negative ? '-' + digits : digits;
+}
+
+std::string CurrencyText(jet::Currency currency) {
+    const bool negative = currency.tenThousandths < 0;
+    auto magnitude = static_cast<std::uint64_t>(currency.tenThousandths);
+    if (negative) magnitude = 0 - magnitude;
+    return WithPoint(std::to_string(magnitude), 4, negative);
+}
+
+std::string DecimalText(const jet::Decimal& decimal) {
+    auto words = decimal.magnitude;
+    std::string digits;
+    while (std::ranges::any_of(words, [](std::uint32_t word) { return word != 0; })) {
+        std::uint64_t remainder = 0;
+        for (std::uint32_t& word : words) {
+            const std::uint64_t part = (remainder << 32) | word;
+            word = static_cast<std::uint32_t>(part / 10);
+            remainder = part % 10;
+        }
+        digits += static_cast<char>('0' + remainder);
+    }
+    std::ranges::reverse(digits);
+    if (digits.empty()) digits = "0";
+    return WithPoint(digits, decimal.scale, decimal.negative);
+}
+
+std::string GuidText(const jet::Guid& guid) {
+    std::string text = "{";
+    for (std::size_t i = 0; i < guid.bytes.size(); ++i) {
+        if (i == 4 || i == 6 || i == 8 || i == 10) text += '-';
+        text += fmt::format("{:02X}", guid.bytes.at(i));
+    }
+    return text + '}';
+}
+
+std::string Base64(const jet::Bytes& bytes) {
+    constexpr std::string_view Digits =
+        "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    std::string text;
+    for (std::size_t i = 0; i < bytes.size(); i += 3) {
+        const std::size_t count = std::min<std::size_t>(3, bytes.size() - i);
+        std::uint32_t group = 0;
+        for (std::size_t k = 0; k < 3; ++k)
+            group = (group << 8) | (k < count ? bytes[i + k] : std::uint32_t{0});
+        for (std::size_t k = 0; k < 4; ++k)
+            text += k <= count ? Digits[(group >> (18 - 6 * k)) & 0x3F] : '=';
+    }
+    return text;
+}
+
+struct TextOf {
+    std::string operator()(jet::Null) const { return "<null>"; }
+    std::string operator()(bool value) const { return value ? "true" : "false"; }
+    std::string operator()(std::int64_t value) const { return std::to_string(value); }
+    std::string operator()(double value) const { return fmt::format("{}", value); }
+    std::string operator()(jet::Date value) const { return DateText(value); }
+    std::string operator()(jet::Currency value) const { return CurrencyText(value); }
+    std::string operator()(const jet::Decimal& value) const { return DecimalText(value); }
+    std::string operator()(const jet::Guid& value) const { return GuidText(value); }
+    std::string operator()(const jet::Bytes& value) const { return Base64(value); }
+    std::string operator()(const std::string& value) const { return value; }
+};
+
+struct JsonOf {
+    std::string operator()(jet::Null) const { return "null"; }
+    std::string operator()(bool value) const { return value ? "true" : "false"; }
+    std::string operator()(std::int64_t value) const { return std::to_string(value); }
+    std::string operator()(double value) const {
+        return std::isfinite(value) ? fmt::format("{}", value) : "null";
+    }
+    template <typename Other>
+    std::string operator()(const Other& value) const {
+        return JsonString(TextOf{}(value));
+    }
+};
+
+/// Whether the text begins with the three bytes of a code point from U+D800 to U+DFFF, which are no
+/// UTF-8 but how the database keeps a lone UTF-16 surrogate.
+bool BeginsWithSurrogate(std::string_view text) {
+    const auto byte = [&text](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+    return text.size() >= 3 && byte(0) == 0xED && byte(1) >= 0xA0 && byte(1) <= 0xBF &&
+           byte(2) >= 0x80 && byte(2) <= 0xBF;
+}
+
+}  // namespace
+
+std::string ValueText(const jet::Value& value) {
+    return std::visit(TextOf{}, value);
+}
+
+std::string JsonValue(const jet::Value& value) {
+    return std::visit(JsonOf{}, value);
+}
+
+std::string JsonString(std::string_view text) {
+    std::string json = "\"";
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(text[i]);
+        if (byte == '"' || byte == '\\') {
+            json += '\\';
+            json += text[i];
+        } else if (byte == '\n') {
+            json += "\\n";
+        } else if (byte == '\t') {
+            json += "\\t";
+        } else if (byte == '\r') {
+            json += "\\r";
+        } else if (byte < 0x20 || byte == 0x7F) {
+            json += fmt::format("\\u{:04x}", byte);
+        } else if (BeginsWithSurrogate(text.substr(i))) {
+            const unsigned second = static_cast<unsigned char>(text[i + 1]) & 0x3FU;
+            const unsigned third = static_cast<unsigned char>(text[i + 2]) & 0x3FU;
+            json += fmt::format("\\u{:04x}", 0xD000U | (second << 6) | third);
+            i += 2;
+        } else {
+            json += text[i];
+        }
+    }
+    return json += '"';
+}
+
+}  // namespace quillon

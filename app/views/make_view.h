@@ -1,0 +1,14 @@
+#pragma once
+
+#include <memory>
+
+#include "app/requests.h"
+#include "app/views/view.h"
+
+namespace quillon {
+
+/// The face that was asked for; auto takes the terminal screen where there is a terminal, else
+/// plain lines. CommandError for one that cannot be shown.
+std::unique_ptr<View> MakeView(ViewKind kind);
+
+}  // namespace quillon

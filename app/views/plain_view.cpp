@@ -1,0 +1,37 @@
+#include "app/views/plain_view.h"
+
+#include <string>
+
+#include "app/display_text.h"
+#include "app/signals.h"
+
+namespace quillon {
+
+void PlainView::Show(const FormState& state) {
+    output_.WriteLine(std::string(FormCaption).append(", ").append(state.lblver));
+    ProcessEvents(state);
+}
+
+void PlainView::ProcessEvents(const FormState& state) {
+    for (std::size_t i = 0; i < PhaseCount; ++i) {
+        const PhaseIndicator& phase = state.aPhase[i];
+        if (phase.selected == selected_[i]) continue;
+        selected_[i] = phase.selected;
+        if (phase.selected) output_.WriteLine(phase.caption);
+    }
+}
+
+void PlainView::LogWritten(std::string_view source, std::string_view message) {
+    output_.WriteLine("   " + OneLine(source) + ": " + OneLine(message));
+}
+
+bool PlainView::AbortPressed() const {
+    return AbortSignals::AbortRequested();
+}
+
+void PlainView::Summarize(const RunSummary& summary) {
+    output_.WriteLine(SummaryText(summary));
+    output_.Finish();
+}
+
+}  // namespace quillon

@@ -1,0 +1,60 @@
+#include "app/display_text.h"
+
+#include <gtest/gtest.h>
+
+namespace quillon {
+namespace {
+
+TEST(DisplayColumns, CountsCharactersAsATerminalShowsThem) {
+    EXPECT_EQ(DisplayColumns(""), 0U);
+    EXPECT_EQ(DisplayColumns("abc"), 3U);
+    EXPECT_EQ(DisplayColumns("Sängerin"), 8U);
+    EXPECT_EQ(DisplayColumns("音楽"), 4U) << "wide characters take two columns";
+    EXPECT_EQ(DisplayColumns("e\xCC\x81"), 1U) << "a combining accent takes none";
+    EXPECT_EQ(DisplayColumns("\xFF\xFE"), 2U) << "bytes that are no UTF-8 take one each";
+}
+
+TEST(FitColumns, LeavesATextThatFits) {
+    EXPECT_EQ(FitColumns("abc", 3), "abc");
+    EXPECT_EQ(FitColumns("", 3), "");
+    EXPECT_EQ(FitColumns("音楽", 4), "音楽");
+}
+
+TEST(FitColumns, EndsACutTextInAnEllipsis) {
+    EXPECT_EQ(FitColumns("abcd", 3), "ab…");
+    EXPECT_EQ(FitColumns("abcd", 1), "…");
+    EXPECT_EQ(FitColumns("abcd", 0), "");
+}
+
+TEST(FitColumns, NeverCutsAWideCharacterInHalf) {
+    EXPECT_EQ(FitColumns("音楽館", 4), "音…");
+    EXPECT_EQ(FitColumns("音楽館", 5), "音楽…");
+}
+
+TEST(FitColumns, IsNeverWiderThanAsked) {
+    const std::string text = "a音é楽e\xCC\x81 b館cd";
+    for (std::size_t columns = 0; columns < 16; ++columns)
+        EXPECT_LE(DisplayColumns(FitColumns(text, columns)), columns);
+}
+
+TEST(OneLine, TakesControlCharactersOut) {
+    EXPECT_EQ(OneLine("a\r\nb\tc"), "a  b c");
+    EXPECT_EQ(OneLine("\x1B[2J"), " [2J") << "no escape sequence reaches the terminal";
+    EXPECT_EQ(OneLine("\xC2\x9B"), " ") << "nor one of the eight-bit kind";
+    EXPECT_EQ(OneLine("a\xE2\x80\xA8z"), "a z") << "nor a line separator";
+    EXPECT_EQ(OneLine("Fröhlich – 音楽"), "Fröhlich – 音楽");
+}
+
+TEST(OneLine, MarksBytesThatAreNoUtf8) {
+    EXPECT_EQ(OneLine("a\xFFz"), "a\xEF\xBF\xBDz");
+}
+
+TEST(ElapsedText, ShowsHoursMinutesAndSeconds) {
+    EXPECT_EQ(ElapsedText(std::chrono::seconds(0)), "0:00:00");
+    EXPECT_EQ(ElapsedText(std::chrono::seconds(12)), "0:00:12");
+    EXPECT_EQ(ElapsedText(std::chrono::seconds(3 * 3600 + 25 * 60 + 45)), "3:25:45");
+    EXPECT_EQ(ElapsedText(std::chrono::hours(100)), "100:00:00");
+}
+
+}  // namespace
+}  // namespace quillon

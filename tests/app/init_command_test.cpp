@@ -1,0 +1,168 @@
+#include <algorithm>
+#include <filesystem>
+#include <gtest/gtest.h>
+
+#include "app/jukebox_database.h"
+#include "jet/database.h"
+#include "tests/app/temporary_folder.h"
+
+namespace quillon {
+namespace {
+
+namespace fs = std::filesystem;
+
+class InitCommand : public TemporaryFolder {
+  protected:
+    ProgramResult Init(const std::vector<std::string>& more) const {
+        std::vector<std::string> words{"init", Path("shelf").string()};
+        words.insert(words.end(), more.begin(), more.end());
+        return CallProgram(words);
+    }
+    bool HasEntry(const std::string& file, const std::string& entry) const {
+        return ("\n" + Read(file)).find("\n" + entry + "\n") != std::string::npos;
+    }
+};
+
+TEST_F(InitCommand, MakesAWholeHostFolder) {
+    const fs::path music = MakeFolder("Some Music");
+    const ProgramResult result = Init({"--music", music.string()});
+    ASSERT_EQ(result.status, 0) << result.err;
+    for (const char* const folder : {"Playlists", "M3u", "Covers", "Data", "HTML"})
+        EXPECT_TRUE(fs::is_directory(Path("shelf") / folder)) << folder;
+
+    EXPECT_TRUE(HasEntry("shelf/host.ini", "Quillon=1"));
+    EXPECT_TRUE(HasEntry("shelf/host.ini", "H=."));
+    EXPECT_TRUE(HasEntry("shelf/host.ini", "D=" + Folder().string()));
+    EXPECT_TRUE(HasEntry("shelf/Quillon.ini", "Reconcile=1"));
+    EXPECT_TRUE(HasEntry("shelf/Quillon.ini", "LibraryRoot=D:\\Some Music"));
+    EXPECT_TRUE(HasEntry("shelf/Quillon.ini", "Nirvis_CDJ_DB=H:\\jukebox.mdb"));
+    EXPECT_TRUE(HasEntry("shelf/Quillon.ini", "PlayListPath=H:\\Playlists\\"));
+    EXPECT_TRUE(HasEntry("shelf/Quillon.ini", "PlayListPath2=H:\\M3u\\"));
+    EXPECT_TRUE(HasEntry("shelf/Quillon.ini", "AlbumCoverFolder=H:\\Covers\\"));
+    EXPECT_TRUE(HasEntry("shelf/Quillon.ini", "FlatStructure=0"));
+
+    const auto database = jet::Database::Open(Path("shelf/jukebox.mdb"), jet::OpenMode::ReadOnly);
+    EXPECT_EQ(database.Tables().size(), JukeboxTables().size());
+}
+
+TEST_F(InitCommand, TellsTheNextTwoCommands) {
+    MakeFolder("Music");
+    const std::string out = Init({"--music", Path("Music").string()}).out;
+    EXPECT_NE(out.find("\n  quillon check --host " + Path("shelf").string() + "\n"),
+              std::string::npos);
+    EXPECT_NE(out.find("\n  quillon run --host " + Path("shelf").string() + "\n"),
+              std::string::npos);
+}
+
+TEST_F(InitCommand, QuotesAFolderThatAShellWouldTakeApart) {
+    MakeFolder("Music");
+    const auto result =
+        CallProgram({"init", Path("my 'new' shelf"), "--music", Path("Music").string()});
+    EXPECT_NE(
+        result.out.find("quillon run --host '" + Folder().string() + "/my '\\''new'\\'' shelf'\n"),
+        std::string::npos)
+        << result.out;
+}
+
+TEST_F(InitCommand, TakesAFlatLayout) {
+    MakeFolder("Music");
+    ASSERT_EQ(Init({"--music", Path("Music").string(), "--layout", "flat"}).status, 0);
+    EXPECT_TRUE(HasEntry("shelf/Quillon.ini", "FlatStructure=1"));
+}
+
+TEST_F(InitCommand, TakesPathsRelativeToTheCurrentFolder) {
+    MakeFolder("Music");
+    MakeFolder("elsewhere");
+    const fs::path before = fs::current_path();
+    fs::current_path(Path("elsewhere"));
+    const ProgramResult result = CallProgram({"init", "../shelf/", "--music", "../Music/."});
+    fs::current_path(before);
+    ASSERT_EQ(result.status, 0) << result.err;
+    EXPECT_TRUE(HasEntry("shelf/host.ini", "D=" + Folder().string()));
+    EXPECT_TRUE(HasEntry("shelf/Quillon.ini", "LibraryRoot=D:\\Music"));
+}
+
+TEST_F(InitCommand, RefersToAnExistingDatabaseWhereItIs) {
+    MakeFolder("Music");
+    MakeFolder("data/jukebox");
+    CreateJukeboxDatabase(Path("data/jukebox/cdj.mdb"));
+    const std::string before = Read("data/jukebox/cdj.mdb");
+    MakeFolder("elsewhere/Music");
+    const ProgramResult result = Init({"--music", Path("elsewhere/Music").string(), "--database",
+                                       Path("data/jukebox/cdj.mdb").string()});
+    ASSERT_EQ(result.status, 0) << result.err;
+    EXPECT_TRUE(HasEntry("shelf/host.ini", "J=" + Path("data/jukebox").string()));
+    EXPECT_TRUE(HasEntry("shelf/Quillon.ini", "Nirvis_CDJ_DB=J:\\cdj.mdb"));
+    EXPECT_FALSE(fs::exists(Path("shelf/jukebox.mdb")));
+    EXPECT_EQ(Read("data/jukebox/cdj.mdb"), before);
+}
+
+TEST_F(InitCommand, OverwritesNothingAndSaysWhatIsThere) {
+    MakeFolder("Music");
+    MakeFolder("shelf");
+    Write("shelf/host.ini", "mine");
+    Write("shelf/jukebox.mdb", "mine too");
+    Write("shelf/Covers", "a file where a folder belongs");
+    const ProgramResult result = Init({"--music", Path("Music").string()});
+    EXPECT_EQ(result.status, 2);
+    for (const char* const name : {"shelf/host.ini", "shelf/jukebox.mdb", "shelf/Covers"})
+        EXPECT_NE(result.err.find(Path(name).string()), std::string::npos) << result.err;
+    EXPECT_EQ(Read("shelf/host.ini"), "mine");
+    EXPECT_EQ(Read("shelf/jukebox.mdb"), "mine too");
+    EXPECT_EQ(std::distance(fs::directory_iterator(Path("shelf")), {}), 3);
+}
+
+TEST_F(InitCommand, CalledTwiceItRefusesAndLeavesTheFirst) {
+    MakeFolder("Music");
+    ASSERT_EQ(Init({"--music", Path("Music").string()}).status, 0);
+    const std::string settings = Read("shelf/Quillon.ini"), host = Read("shelf/host.ini"),
+                      database = Read("shelf/jukebox.mdb");
+    EXPECT_EQ(Init({"--music", Path("Music").string(), "--layout", "flat"}).status, 2);
+    EXPECT_EQ(Read("shelf/Quillon.ini"), settings);
+    EXPECT_EQ(Read("shelf/host.ini"), host);
+    EXPECT_EQ(Read("shelf/jukebox.mdb"), database);
+}
+
+TEST_F(InitCommand, UsesFoldersThatAreThereAlready) {
+    MakeFolder("Music");
+    MakeFolder("shelf/Playlists");
+    Write("shelf/Playlists/old.pla", "kept");
+    Write("shelf/unrelated.txt", "kept");
+    EXPECT_EQ(Init({"--music", Path("Music").string()}).status, 0);
+    EXPECT_EQ(Read("shelf/Playlists/old.pla"), "kept");
+    EXPECT_EQ(Read("shelf/unrelated.txt"), "kept");
+}
+
+TEST_F(InitCommand, NeedsTheMusicFolderAndTheDatabaseToExist) {
+    const ProgramResult noMusic = Init({"--music", Path("nowhere").string()});
+    EXPECT_EQ(noMusic.status, 2);
+    EXPECT_NE(noMusic.err.find(Path("nowhere").string()), std::string::npos);
+
+    MakeFolder("Music");
+    const ProgramResult noDatabase =
+        Init({"--music", Path("Music").string(), "--database", Path("none.mdb").string()});
+    EXPECT_EQ(noDatabase.status, 2);
+    EXPECT_NE(noDatabase.err.find(Path("none.mdb").string()), std::string::npos);
+
+    EXPECT_EQ(Init({"--music", "/"}).status, 2);
+    EXPECT_FALSE(fs::exists(Path("shelf"))) << "nothing is made";
+}
+
+TEST_F(InitCommand, LeavesNothingBehindWhenItFailsHalfWay) {
+    MakeFolder("Music");
+    MakeFolder("shelf");
+    fs::create_symlink(Path("no such folder") / "x", Path("shelf/M3u"));
+    EXPECT_EQ(Init({"--music", Path("Music").string()}).status, 2);
+    EXPECT_EQ(std::distance(fs::directory_iterator(Path("shelf")), {}), 1) << "the link alone";
+}
+
+TEST_F(InitCommand, RefusesAMusicFolderThatWindowsCouldNotName) {
+    MakeFolder("Mu|sic");
+    const ProgramResult result = Init({"--music", Path("Mu|sic").string()});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_NE(result.err.find("Mu|sic"), std::string::npos);
+    EXPECT_FALSE(fs::exists(Path("shelf")));
+}
+
+}  // namespace
+}  // namespace quillon
