@@ -156,7 +156,11 @@ class AlbumTracks {
         tracks_.Set("NeverPlay", false);
         tracks_.Update();
         ++run_.counts.tracksAdded;
-        return Row{.id = tracks_.Integer("ID"), .number = number, .isNew = true};
+        Row row;
+        row.id = tracks_.Integer("ID");
+        row.number = number;
+        row.isNew = true;
+        return row;
     }
 
     void ChangeRow(const Row& row, const std::string& path) {

@@ -1,0 +1,203 @@
+#include "database/remove_duplicates.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "database/marks.h"
+#include "database/missing_tracks.h"
+#include "tests/support/test_library.h"
+
+namespace quillon {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::StartsWith;
+
+constexpr const char* AllAlbums = "SELECT CDJID, Player, Tracks FROM Albums ORDER BY ID";
+constexpr const char* AllTracks = "SELECT CDJID, Track FROM Tracks ORDER BY ID";
+
+class RemoveDuplicatesTest : public ::testing::Test {
+  protected:
+    support::TestLibrary library;
+};
+
+TEST_F(RemoveDuplicatesTest, MarksOwnedAlbumsAndTheirTracksAlone) {
+    library.AddAlbumRow("252E671073EC0001", "A", "One", 2);
+    library.AddTrackRow("252E671073EC0001", 1, R"(D:\1.mp3)");
+    library.AddTrackRow("252E671073EC0001", 2, R"(D:\2.mp3)");
+    library.AddAlbumRow("C70A5B0F", "B", "Two", 7, 1);
+    library.AddTrackRow("C70A5B0F", 7, "");
+    library.AddTrackRow("unknown", 3, R"(D:\3.mp3)");
+
+    RemoveDuplicates(library.run);
+
+    EXPECT_THAT(library.Rows(AllAlbums), ElementsAre("252E671073EC0001|1001|0", "C70A5B0F|1|7"));
+    EXPECT_THAT(library.Rows(AllTracks),
+                ElementsAre("252E671073EC0001|0", "252E671073EC0001|0", "C70A5B0F|7", "unknown|3"));
+    EXPECT_THAT(library.host.log, IsEmpty());
+    EXPECT_EQ(library.Faults(), "");
+}
+
+TEST_F(RemoveDuplicatesTest, DeletesAllRowsOfADuplicatedIdentifierWhateverTheirPlayer) {
+    library.AddAlbumRow("DUPLICATE0001", "A", "One", 1);
+    library.AddAlbumRow("DUPLICATE0001", "B", "Two", 1, 2);
+    library.AddAlbumRow("C70A5B0F", "C", "Three", 1, 1);
+    library.AddTrackRow("DUPLICATE0001", 1, R"(D:\1.mp3)");
+    library.AddTrackRow("DUPLICATE0001", 1, R"(D:\2.mp3)");
+    library.AddTrackRow("C70A5B0F", 1, R"(D:\3.mp3)");
+
+    RemoveDuplicates(library.run);
+
+    EXPECT_THAT(library.Rows(AllAlbums), ElementsAre("C70A5B0F|1|1"));
+    EXPECT_THAT(library.Rows(AllTracks), ElementsAre("C70A5B0F|1"));
+    EXPECT_EQ(library.run.counts.albumsRemoved, 2U);
+    EXPECT_EQ(library.run.counts.tracksRemoved, 2U);
+}
+
+TEST_F(RemoveDuplicatesTest, TakesOnePassForEachDuplicatedIdentifierAndAnEmptyOne) {
+    for (const char* cdjid : {"DUPLICATE1", "DUPLICATE2", "DUPLICATE3"}) {
+        library.AddAlbumRow(cdjid, "A", "One", 1);
+        library.AddAlbumRow(cdjid, "A", "Two", 1);
+    }
+    RemoveDuplicates(library.run);
+    EXPECT_THAT(library.Rows(AllAlbums), IsEmpty());
+    EXPECT_EQ(library.Database().Count("SELECT First(Albums.CDJID)"), 4U);
+}
+
+TEST_F(RemoveDuplicatesTest, DeletesOwnedTracksWithoutASoundFile) {
+    library.AddAlbumRow("252E671073EC0001", "A", "One", 3);
+    library.AddAlbumRow("C70A5B0F", "B", "Two", 1, 1);
+    library.AddTrackRow("252E671073EC0001", 1, "");
+    library.Execute("INSERT INTO Tracks (CDJID, Track) VALUES ('252E671073EC0001', 2)");
+    library.AddTrackRow("252E671073EC0001", 3, R"(D:\3.mp3)");
+    library.AddTrackRow("C70A5B0F", 1, "");
+
+    RemoveDuplicates(library.run);
+
+    EXPECT_THAT(library.Rows("SELECT CDJID, SoundFile FROM Tracks ORDER BY ID"),
+                ElementsAre(R"(252E671073EC0001|D:\3.mp3)", "C70A5B0F|"));
+    EXPECT_EQ(library.run.counts.tracksRemoved, 2U);
+}
+
+TEST_F(RemoveDuplicatesTest, LogsEachFailingStatementAndRunsTheOthers) {
+    library.AddAlbumRow("252E671073EC0001", "A", "One", 1);
+    library.AddTrackRow("252E671073EC0001", 1, R"(D:\1.mp3)");
+    library.Database().Refuse("UPDATE Albums SET");
+    library.Database().Refuse("SELECT First");
+    library.Database().Refuse("UPDATE Albums INNER JOIN");
+    library.Database().Refuse("Is Null");
+
+    RemoveDuplicates(library.run);
+
+    EXPECT_THAT(
+        library.host.log,
+        ElementsAre("Quillon: Remove Duplicates Error on Album Tracks=0 Query: Line 1 refused",
+                    "Quillon: Remove Duplicates Error on Delete Duplicate Query: Line 2 refused",
+                    "Quillon: Remove Duplicates Error on Track=0 Query: Line 3 refused",
+                    "Quillon: Remove Duplicates Error on SoundFile=Null Query: Line 4 refused"));
+}
+
+TEST_F(RemoveDuplicatesTest, MarksTracksEvenWhereAlbumsCouldNotBeMarked) {
+    library.AddAlbumRow("252E671073EC0001", "A", "One", 1);
+    library.AddTrackRow("252E671073EC0001", 1, R"(D:\1.mp3)");
+    library.Database().Refuse("UPDATE Albums SET");
+    RemoveDuplicates(library.run);
+    EXPECT_THAT(library.Rows(AllTracks), ElementsAre("252E671073EC0001|0"));
+}
+
+TEST_F(RemoveDuplicatesTest, EndsWhenADuplicatedIdentifierCannotBeDeleted) {
+    library.AddAlbumRow("a\"b", "A", "One", 1);
+    library.AddAlbumRow("a\"b", "A", "Two", 1);
+    RemoveDuplicates(library.run);
+    EXPECT_THAT(library.host.log,
+                ElementsAre(StartsWith(
+                    "Quillon: Remove Duplicates Error on Delete Duplicate Query: Line 2 ")));
+    EXPECT_THAT(library.Rows(AllAlbums), ElementsAre("a\"b|1001|0", "a\"b|1001|0"));
+}
+
+/// A database that says yes to deleting an album and keeps it.
+class StubbornConnection : public support::FaultyConnection {
+  public:
+    using FaultyConnection::FaultyConnection;
+    std::int64_t Execute(std::string_view sql) override {
+        return sql.starts_with("DELETE * FROM Albums WHERE CDJID") ? 0
+                                                                   : FaultyConnection::Execute(sql);
+    }
+};
+
+TEST_F(RemoveDuplicatesTest, EndsWhenDeletingADuplicatedIdentifierDeletesNothing) {
+    library.AddAlbumRow("DUPLICATE1", "A", "One", 1);
+    library.AddAlbumRow("DUPLICATE1", "A", "Two", 1);
+    library.run.connection =
+        std::make_unique<StubbornConnection>(std::move(library.run.connection));
+    RemoveDuplicates(library.run);
+    EXPECT_THAT(library.host.log,
+                ElementsAre("Quillon: Remove Duplicates Error on Delete Duplicate Query: Line 2 "
+                            "Duplicated identifier cannot be deleted: DUPLICATE1"));
+}
+
+TEST_F(RemoveDuplicatesTest, MarksNothingWithoutASnapshotAndRemovesDuplicatesNevertheless) {
+    library.AddAlbumRow("252E671073EC0001", "A", "One", 1);
+    library.AddTrackRow("252E671073EC0001", 1, R"(D:\1.mp3)");
+    library.AddAlbumRow("DUPLICATE1", "A", "Two", 1);
+    library.AddAlbumRow("DUPLICATE1", "A", "Three", 1);
+    const std::string snapshot = MarkSnapshotPath(library.run.settings.Nirvis_CDJ_DB);
+    library.calls.Refuse("CreateText " + snapshot, FailureNumber::DiskFull, snapshot);
+
+    RemoveDuplicates(library.run);
+
+    EXPECT_THAT(library.host.log,
+                ElementsAre("Quillon: Remove Duplicates Error: Line 0 Disk full: " + snapshot));
+    EXPECT_THAT(library.Rows(AllAlbums), ElementsAre("252E671073EC0001|1001|1"));
+    EXPECT_THAT(library.Rows(AllTracks), ElementsAre("252E671073EC0001|1"));
+    EXPECT_FALSE(MarkSnapshotExists(library.run));
+}
+
+TEST_F(RemoveDuplicatesTest, TakesTheSnapshotBeforeTheFirstMark) {
+    library.AddAlbumRow("252E671073EC0001", "A", "One", 1);
+    library.AddTrackRow("252E671073EC0001", 1, R"(D:\1.mp3)");
+    RemoveDuplicates(library.run);
+    ASSERT_TRUE(MarkSnapshotExists(library.run));
+    RestoreMarks(library.run);
+    EXPECT_THAT(library.Rows(AllAlbums), ElementsAre("252E671073EC0001|1001|1"));
+    EXPECT_THAT(library.Rows(AllTracks), ElementsAre("252E671073EC0001|1"));
+}
+
+class DeleteMissingTest : public RemoveDuplicatesTest {
+  protected:
+    DeleteMissingTest() {
+        library.AddAlbumRow("252E671073EC0001", "A", "Vanished", 0);
+        library.AddTrackRow("252E671073EC0001", 0, R"(D:\1.mp3)");
+        library.AddAlbumRow("252E671073EC0002", "A", "Found", 1);
+        library.AddTrackRow("252E671073EC0002", 1, R"(D:\2.mp3)");
+        library.AddTrackRow("252E671073EC0002", 0, R"(D:\3.mp3)");
+        library.AddTrackRow("252E671073EC0002", -1, R"(D:\4.mp3)");
+        library.AddAlbumRow("C70A5B0F", "B", "Jukebox", 0, 1);
+        library.AddTrackRow("C70A5B0F", 0, R"(D:\5.mp3)");
+    }
+};
+
+TEST_F(DeleteMissingTest, DeletesOwnedTracksThatAreStillMarked) {
+    DeleteMissingTracks(library.run);
+    EXPECT_THAT(library.Rows(AllTracks),
+                ElementsAre("252E671073EC0002|1", "252E671073EC0002|-1", "C70A5B0F|0"));
+    EXPECT_EQ(library.run.counts.tracksRemoved, 2U);
+    EXPECT_EQ(library.Faults(), "");
+}
+
+TEST_F(DeleteMissingTest, DeletesOwnedAlbumsThatAreStillMarked) {
+    DeleteMissingAlbums(library.run);
+    EXPECT_THAT(library.Rows(AllAlbums), ElementsAre("252E671073EC0002|1001|1", "C70A5B0F|1|0"));
+    EXPECT_EQ(library.run.counts.albumsRemoved, 1U);
+}
+
+TEST_F(DeleteMissingTest, LogsAFailure) {
+    library.Database().Refuse("DELETE Tracks.*");
+    DeleteMissingTracks(library.run);
+    EXPECT_THAT(library.host.log,
+                ElementsAre("Quillon: Delete Missing Tracks Error: Line 0 refused"));
+}
+
+}  // namespace
+}  // namespace quillon

@@ -1,0 +1,141 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/support/test_library.h"
+
+namespace quillon {
+namespace {
+
+using support::Tag;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::StartsWith;
+
+Tag OfAlbum(const std::string& album) {
+    Tag tag;
+    tag.album = album;
+    return tag;
+}
+
+class FlatLayoutTest : public ::testing::Test {
+  protected:
+    FlatLayoutTest() { library.run.settings.FlatStructure = true; }
+
+    support::TestLibrary library;
+};
+
+TEST_F(FlatLayoutTest, GroupsFilesByArtistAndTagsAlbum) {
+    library.AddFile("Red_a.mp3", OfAlbum("One"));
+    library.AddFile("Red_b.mp3", OfAlbum("One"));
+    library.AddFile("Red_c.mp3", OfAlbum("Two"));
+    library.AddFile("Blue_d.mp3", OfAlbum("One"));
+    library.Reconcile();
+    EXPECT_THAT(library.Albums(), ElementsAre("Blue|One|1", "Red|One|2", "Red|Two|1"));
+    EXPECT_THAT(library.Tracks(),
+                ElementsAre("Blue_d.mp3|d|1", "Red_a.mp3|a|1", "Red_b.mp3|b|2", "Red_c.mp3|c|1"));
+    EXPECT_EQ(library.Faults(), "");
+}
+
+TEST_F(FlatLayoutTest, PutsAFileWithoutATagIntoTheAlbumUnknown) {
+    library.AddFile("Artist_Song.mp3");
+    library.Reconcile();
+    EXPECT_THAT(library.Albums(), ElementsAre("Artist|Unknown|1"));
+    EXPECT_THAT(library.Tracks(), ElementsAre("Artist_Song.mp3|Song|1"));
+}
+
+TEST_F(FlatLayoutTest, TakesAnEmptyAlbumOfATagAsItIs) {
+    library.AddFile("Artist_Song.mp3", OfAlbum(""));
+    library.Reconcile();
+    EXPECT_THAT(library.Albums(), ElementsAre("Artist||1"));
+}
+
+TEST_F(FlatLayoutTest, CutsAnAlbumAtAnUnderscoreOfItsOwn) {
+    library.AddFile("A_B_C.mp3", OfAlbum("X_Y"));
+    library.Reconcile();
+    EXPECT_THAT(library.Albums(), ElementsAre("A|X|1"));
+    EXPECT_THAT(library.Tracks(), ElementsAre("A_B_C.mp3|C|1"));
+}
+
+TEST_F(FlatLayoutTest, SkipsFilesWithoutAnUnderscoreAndAllFolders) {
+    library.AddFile("Song.mp3");
+    library.AddFile(R"(Artist\Album_1\a_b.mp3)");
+    library.Reconcile();
+    EXPECT_THAT(library.Albums(), IsEmpty());
+}
+
+TEST_F(FlatLayoutTest, KeepsAnEndingInCapitalsInTheTitle) {
+    library.AddFile("Artist_Title.MP3");
+    library.Reconcile();
+    EXPECT_THAT(library.Tracks(), ElementsAre("Artist_Title.MP3|Title.MP3|1"));
+}
+
+TEST_F(FlatLayoutTest, MovesATrackWhoseTagNamesAnotherAlbumNow) {
+    library.AddFile("Red_a.mp3", OfAlbum("One"));
+    library.Reconcile();
+    library.Execute("UPDATE Tracks SET Rating1=5");
+    library.AddFile("Red_a.mp3", OfAlbum("Two"));
+    library.Reconcile();
+    EXPECT_THAT(library.Albums(), ElementsAre("Red|Two|1"));
+    EXPECT_THAT(library.Rows("SELECT CDJID, Rating1 FROM Tracks"),
+                ElementsAre("252E671073EC0002|5"));
+}
+
+TEST_F(FlatLayoutTest, ShowsNoProgressAndUsesNoExcludeValuesAndDoesNotTestAbort) {
+    library.AddFile("Red_a.mp3");
+    library.AddFile("Blue_a.mp3");
+    library.run.ExcludeEmpty = false;
+    library.run.ExcludeList = {"Blue"};
+    library.run.AbortRequested = true;
+    library.Reconcile();
+    EXPECT_THAT(library.calls.Of({"Item"}), IsEmpty());
+    EXPECT_THAT(library.Albums(), ElementsAre("Blue|Unknown|1", "Red|Unknown|1"));
+}
+
+TEST_F(FlatLayoutTest, KeepsTheRowsOfFilesWhoseTagsAlbumHoldsADoubleQuote) {
+    library.AddFile("Red_a.mp3", OfAlbum("One"));
+    library.Reconcile();
+    library.AddFile("Red_a.mp3", OfAlbum("12\" One"));
+    library.Reconcile();
+    EXPECT_THAT(library.host.log, ElementsAre(StartsWith("Quillon: ProcessOneAlbum Line 2 ")));
+    EXPECT_THAT(library.Albums(), ElementsAre("Red|One|1"));
+    EXPECT_THAT(library.Tracks(), ElementsAre("Red_a.mp3|a|1"));
+}
+
+TEST_F(FlatLayoutTest, LogsAFileNameWithADoubleQuote) {
+    library.AddFile("Red_12\".mp3");
+    library.AddFile("Red_a.mp3");
+    library.Reconcile();
+    EXPECT_THAT(library.host.log,
+                ElementsAre(StartsWith("Quillon: ProcessTracks Line 1 "),
+                            R"(Quillon: Reconcile Track Number 2 Missing from Red\Unknown)"));
+    EXPECT_THAT(library.Tracks(), ElementsAre("Red_a.mp3|a|1"));
+}
+
+TEST_F(FlatLayoutTest, KeepsAllRowsOfAFolderThatCannotBeListed) {
+    library.AddFile("Red_a.mp3", OfAlbum("One"));
+    library.AddFile("Red_b.mp3", OfAlbum("One"));
+    library.Reconcile();
+    const auto albums = library.Albums(), tracks = library.Tracks();
+    library.files.unlistable = {R"(D:\Music)"};
+    library.Reconcile();
+    EXPECT_THAT(library.host.log, ElementsAre("Quillon: RefreshDatabaseFolder Line 3 "
+                                              R"(Permission denied: D:\Music)"));
+    EXPECT_EQ(library.Albums(), albums);
+    EXPECT_EQ(library.Tracks(), tracks);
+}
+
+TEST_F(FlatLayoutTest, TheThirdRunChangesNothing) {
+    for (int i = 0; i < 9; ++i) {
+        Tag tag = OfAlbum(i % 2 == 0 ? "Even" : "Odd");
+        tag.track = static_cast<std::uint8_t>(9 - i);
+        library.AddFile("Artist_" + std::to_string(i) + ".mp3", tag, i);
+    }
+    library.Reconcile();
+    library.Reconcile();
+    const auto second = library.Rows("SELECT * FROM Tracks ORDER BY ID");
+    library.Reconcile();
+    EXPECT_EQ(library.Rows("SELECT * FROM Tracks ORDER BY ID"), second);
+}
+
+}  // namespace
+}  // namespace quillon

@@ -1,0 +1,337 @@
+#include "reconcile/tracks.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/support/test_library.h"
+
+namespace quillon {
+namespace {
+
+using support::Tag;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::StartsWith;
+
+Tag TrackTag(std::uint8_t track, const std::string& comment = "") {
+    Tag tag;
+    tag.track = track;
+    tag.comment = comment;
+    return tag;
+}
+
+class ProcessTracksTest : public ::testing::Test {
+  protected:
+    std::vector<std::string> Log() const { return library.host.log; }
+
+    support::TestLibrary library;
+};
+
+TEST_F(ProcessTracksTest, MakesRowsWithAllTheValuesOfANewTrack) {
+    library.AddFile(R"(A\B\01 - Song.mp3)", TrackTag(1, "Length='245'"));
+    library.Reconcile();
+    EXPECT_THAT(
+        library.Rows("SELECT CDJID, Track, Title, Artist, Minutes, Seconds, SoundFile, Notes, "
+                     "DateAdded, DateReleased, DateLastPlayed, Frames, Rating1, Rating2, Rating3, "
+                     "Rating4, TimesPlayed, TimePlayed, [Group], NeverPlay FROM Tracks"),
+        ElementsAre(R"(252E671073EC0001|1|Song|A|4|5|D:\Music\A\B\01 - Song.mp3|Album: B|)"
+                    "11/15/2026 5:38:55 AM|0|0|0|0|0|0|0|0|0|0|False"));
+    EXPECT_THAT(Log(), IsEmpty());
+    EXPECT_EQ(library.run.counts.tracksAdded, 1U);
+    EXPECT_EQ(library.Faults(), "");
+}
+
+TEST_F(ProcessTracksTest, KeepsTheTagsNumbersAndTitlesOfANewAlbum) {
+    library.AddFile(R"(A\B\01 - A.mp3)", TrackTag(2), 0);
+    library.AddFile(R"(A\B\02 - B.mp3)", TrackTag(1), 1);
+    library.Reconcile();
+    EXPECT_THAT(library.Tracks(), ElementsAre(R"(A\B\01 - A.mp3|A|2)", R"(A\B\02 - B.mp3|B|1)"));
+}
+
+TEST_F(ProcessTracksTest, RenumbersByFileTimeOnTheNextRun) {
+    library.AddFile(R"(A\B\01 - A.mp3)", TrackTag(2), 0);
+    library.AddFile(R"(A\B\02 - B.mp3)", TrackTag(1), 1);
+    library.Reconcile();
+    library.Reconcile();
+    EXPECT_THAT(library.Tracks(), ElementsAre(R"(A\B\01 - A.mp3|A|1)", R"(A\B\02 - B.mp3|B|2)"));
+}
+
+TEST_F(ProcessTracksTest, GivesATakenNumberToTheOlderFile) {
+    library.AddFile(R"(A\B\newer.mp3)", TrackTag(1), 9);
+    library.AddFile(R"(A\B\older.mp3)", TrackTag(1), 3);
+    library.Reconcile();
+    EXPECT_THAT(library.Tracks(),
+                ElementsAre(R"(A\B\newer.mp3|newer|2)", R"(A\B\older.mp3|older|1)"));
+}
+
+TEST_F(ProcessTracksTest, GivesTheLowestFreeNumberToATagNumberAboveTheCount) {
+    library.AddFile(R"(A\B\a.mp3)", TrackTag(9), 0);
+    library.AddFile(R"(A\B\b.mp3)", TrackTag(1), 1);
+    library.AddFile(R"(A\B\c.mp3)", TrackTag(3), 2);
+    library.Reconcile();
+    EXPECT_THAT(library.Tracks(),
+                ElementsAre(R"(A\B\a.mp3|a|2)", R"(A\B\b.mp3|b|1)", R"(A\B\c.mp3|c|3)"));
+}
+
+TEST_F(ProcessTracksTest, NumbersUntaggedFilesByTheirAge) {
+    library.AddFile(R"(A\B\a.mp3)", 2);
+    library.AddFile(R"(A\B\b.mp3)", 0);
+    library.AddFile(R"(A\B\c.mp3)", 1);
+    library.Reconcile();
+    EXPECT_THAT(library.Tracks(),
+                ElementsAre(R"(A\B\a.mp3|a|3)", R"(A\B\b.mp3|b|1)", R"(A\B\c.mp3|c|2)"));
+}
+
+TEST_F(ProcessTracksTest, NumbersFilesOfOneAgeInFolderOrder) {
+    for (const char* name : {"c", "a", "b"})
+        library.AddFile(std::string(R"(A\B\)") + name + ".mp3", 5);
+    library.Reconcile();
+    EXPECT_THAT(library.Tracks(),
+                ElementsAre(R"(A\B\a.mp3|a|1)", R"(A\B\b.mp3|b|2)", R"(A\B\c.mp3|c|3)"));
+}
+
+TEST_F(ProcessTracksTest, PutsNewFilesIntoTheGapsBehindKnownOnes) {
+    library.AddFile(R"(A\B\a.mp3)", 0);
+    library.AddFile(R"(A\B\b.mp3)", 2);
+    library.Reconcile();
+    library.AddFile(R"(A\B\c.mp3)", TrackTag(1), 9);
+    library.Reconcile();
+    // Known rows begin again at 0 and wait; the new row's tag takes its number first.
+    EXPECT_THAT(library.Tracks(),
+                ElementsAre(R"(A\B\a.mp3|a|2)", R"(A\B\b.mp3|b|3)", R"(A\B\c.mp3|c|1)"));
+}
+
+TEST_F(ProcessTracksTest, MovesATrackFromAnotherOwnedAlbum) {
+    library.AddAlbumRow("252E671073EC0001", "Z", "Other", 1);
+    library.AddTrackRow("252E671073EC0001", 1, R"(D:\Music\A\B\a.mp3)");
+    library.Execute("UPDATE Tracks SET Rating1 = 4");
+    library.AddFile(R"(A\B\a.mp3)");
+    library.Reconcile();
+    EXPECT_THAT(library.Albums(), ElementsAre("A|B|1"));
+    EXPECT_THAT(library.Rows("SELECT CDJID, Artist, Title, Track, Rating1 FROM Tracks"),
+                ElementsAre("252E671073EC0002|A|a|1|4"));
+    EXPECT_EQ(library.run.counts.tracksChanged, 1U);
+}
+
+TEST_F(ProcessTracksTest, FindsARowWhoseStoredPathOnlyEndsWithTheFilesPath) {
+    library.AddAlbumRow("252E671073EC0001", "A", "B", 1);
+    library.AddTrackRow("252E671073EC0001", 1, R"(FILE:d:\music\a\b\SONG.MP3)");
+    library.AddFile(R"(A\B\song.mp3)");
+    library.Reconcile();
+    EXPECT_THAT(library.Rows("SELECT SoundFile, Title FROM Tracks"),
+                ElementsAre(R"(FILE:d:\music\a\b\SONG.MP3|song)"));
+}
+
+TEST_F(ProcessTracksTest, LeavesTracksOfOtherPlayersAlone) {
+    library.AddAlbumRow("C70A5B0F", "A", "B", 1, 1);
+    library.AddTrackRow("C70A5B0F", 1, R"(D:\Music\A\B\a.mp3)", "theirs");
+    library.AddFile(R"(A\B\a.mp3)");
+    library.Reconcile();
+    EXPECT_THAT(library.Rows("SELECT CDJID, Title, Track FROM Tracks ORDER BY ID"),
+                ElementsAre("C70A5B0F|theirs|1", "252E671073EC0001|a|1"));
+}
+
+TEST_F(ProcessTracksTest, TakesPathsWithWildcardCharactersLiterally) {
+    for (const char* name : {"100%", "a_b", "a[b]", "#1", "a-b", "a!b", "a'b", "a`b", "a^b", "axb"})
+        library.AddFile(std::string(R"(A\B\)") + name + ".mp3");
+    library.Reconcile();
+    EXPECT_EQ(library.Tracks().size(), 10U);
+    const auto first = library.Tracks();
+    library.Reconcile();
+    EXPECT_EQ(library.Tracks(), first);
+    EXPECT_EQ(library.run.counts.tracksAdded, 10U);
+    EXPECT_THAT(Log(), IsEmpty());
+}
+
+TEST_F(ProcessTracksTest, AddsATrackAnewWhoseRowHadNoSoundFile) {
+    library.AddAlbumRow("252E671073EC0001", "A", "B", 1);
+    library.AddTrackRow("252E671073EC0001", 1, "");
+    library.AddFile(R"(A\B\a.mp3)");
+    library.Reconcile();
+    EXPECT_THAT(library.Tracks(), ElementsAre(R"(A\B\a.mp3|a|1)"));
+}
+
+TEST_F(ProcessTracksTest, CompletesNoRowForALengthBeyond16Bits) {
+    library.AddFile(R"(A\B\a.mp3)", TrackTag(1, "Length='40000'"), 0);
+    library.AddFile(R"(A\B\b.mp3)", TrackTag(2), 1);
+    library.Reconcile();
+    EXPECT_THAT(library.Tracks(), ElementsAre(R"(A\B\b.mp3|b|2)"));
+    EXPECT_THAT(Log(), ElementsAre(StartsWith("Quillon: ProcessTracks Line 2 Overflow"),
+                                   R"(Quillon: Reconcile Track Number 1 Missing from A\B)"));
+    EXPECT_EQ(library.Faults(), "");
+}
+
+TEST_F(ProcessTracksTest, LeavesLengthUnknownWhenItIsNoNumber) {
+    library.AddFile(R"(A\B\a.mp3)", TrackTag(1, "Length='long'"));
+    library.Reconcile();
+    EXPECT_THAT(library.Rows("SELECT Minutes, Seconds FROM Tracks"), ElementsAre("-1|-1"));
+    EXPECT_THAT(Log(), IsEmpty());
+}
+
+TEST_F(ProcessTracksTest, LogsAPathWithADoubleQuoteAndGoesOn) {
+    library.AddFile("A\\B\\12\" mix.mp3");
+    library.AddFile(R"(A\B\a.mp3)");
+    library.Reconcile();
+    EXPECT_THAT(library.Tracks(), ElementsAre(R"(A\B\a.mp3|a|1)"));
+    EXPECT_THAT(Log(), ElementsAre(StartsWith("Quillon: ProcessTracks Line 1 "),
+                                   R"(Quillon: Reconcile Track Number 2 Missing from A\B)"));
+}
+
+TEST_F(ProcessTracksTest, MakesNoRowsForAnAlbumFolderWithADoubleQuote) {
+    library.AddFile("A\\12\" Mixes\\a.mp3");
+    library.AddFile("A\\12\" Mixes\\b.mp3");
+    library.AddFile(R"(A\B\a.mp3)");
+    library.Reconcile();
+    EXPECT_THAT(library.Albums(), ElementsAre("A|B|1"));
+    EXPECT_THAT(library.Tracks(), ElementsAre(R"(A\B\a.mp3|a|1)"));
+    EXPECT_THAT(Log(), ElementsAre(StartsWith("Quillon: ProcessOneAlbum Line 2 "),
+                                   StartsWith("Quillon: ProcessTracks Line 1 "),
+                                   StartsWith("Quillon: ProcessTracks Line 1 "),
+                                   "Quillon: Reconcile Track Number 1 Missing from A\\12\" Mixes",
+                                   "Quillon: Reconcile Track Number 2 Missing from A\\12\" Mixes"));
+}
+
+TEST_F(ProcessTracksTest, SweepsTheRowsOfAnAlbumFolderWithADoubleQuote) {
+    library.AddAlbumRow("252E671073EC0001", "A", "12\" Mixes", 1);
+    library.AddTrackRow("252E671073EC0001", 1, "D:\\Music\\A\\12\" Mixes\\a.mp3");
+    library.AddFile("A\\12\" Mixes\\a.mp3");
+    library.Reconcile();
+    EXPECT_THAT(library.Albums(), IsEmpty());
+    EXPECT_THAT(library.Tracks(), IsEmpty());
+}
+
+TEST_F(ProcessTracksTest, KeepsAKnownRowWhoseNewTitleDoesNotFit) {
+    library.AddAlbumRow("252E671073EC0001", "A", "B", 1);
+    library.AddTrackRow("252E671073EC0001", 1, R"(D:\Music\A\B\a.mp3)", "old title");
+    library.AddFile(R"(A\B\a.mp3)");
+    library.Database().RefuseValue("Title", "a");
+    library.Reconcile();
+    EXPECT_THAT(library.Tracks(), ElementsAre(R"(A\B\a.mp3|old title|1)"));
+    EXPECT_THAT(Log(), ElementsAre("Quillon: ProcessTracks Line 3 refused"));
+}
+
+TEST_F(ProcessTracksTest, LogsARowThatCannotBeMadeAndGoesOn) {
+    library.AddFile(R"(A\B\)" + std::string(250, 'x') + ".mp3", 0);
+    library.AddFile(R"(A\B\a.mp3)", 1);
+    library.Reconcile();
+    EXPECT_THAT(library.Tracks(), ElementsAre(R"(A\B\a.mp3|a|1)"));
+    EXPECT_THAT(Log(), ElementsAre(StartsWith("Quillon: ProcessTracks Line 2 "),
+                                   R"(Quillon: Reconcile Track Number 2 Missing from A\B)"));
+    EXPECT_EQ(library.Faults(), "");
+}
+
+TEST_F(ProcessTracksTest, AddsAFileWhoseTagCannotBeRead) {
+    library.AddFile(R"(A\B\a.mp3)", TrackTag(1));
+    library.calls.Refuse(R"(OpenBinary D:\Music\A\B\a.mp3)", FailureNumber::PermissionDenied,
+                         R"(D:\Music\A\B\a.mp3)");
+    library.Reconcile();
+    EXPECT_THAT(library.Tracks(), ElementsAre(R"(A\B\a.mp3|a|1)"));
+    EXPECT_THAT(Log(), ElementsAre(StartsWith("Quillon: Read ID3 File Error: Line 3 ")));
+}
+
+TEST_F(ProcessTracksTest, DoesNotReadTagsOfKnownFiles) {
+    library.AddFile(R"(A\B\a.mp3)", TrackTag(1));
+    library.Reconcile();
+    library.calls.Forget();
+    library.Reconcile();
+    EXPECT_THAT(library.calls.Of({"OpenBinary"}), IsEmpty());
+}
+
+TEST_F(ProcessTracksTest, TakesWhatABarInATagHasShifted) {
+    Tag tag = TrackTag(2);
+    tag.song = "so|ng";
+    tag.comment = "7";
+    library.AddFile(R"(A\B\a.mp3)", tag, 0);
+    library.AddFile(R"(A\B\b.mp3)", 1);
+    library.Reconcile();
+    // The number's place holds the empty Ver, so the file waits like one without a number.
+    EXPECT_THAT(library.Tracks(), ElementsAre(R"(A\B\a.mp3|a|1)", R"(A\B\b.mp3|b|2)"));
+}
+
+class ProcessTracksAloneTest : public ProcessTracksTest {
+  protected:
+    ProcessTracksAloneTest() {
+        library.AddAlbumRow("252E671073EC0001", "A", "B", 2);
+        walk.albums = library.run.connection->OpenTable("Albums");
+        walk.tracks = library.run.connection->OpenTable("Tracks");
+    }
+
+    FileList List(const std::vector<std::string>& names) {
+        FileList files;
+        for (const std::string& name : names) {
+            library.AddFile(name);
+            files.push_back({.Name = library.Root + name, .FileDate = {}});
+        }
+        return files;
+    }
+
+    Walk walk{library.run};
+    Album album{.artist = "A", .title = "B", .trackCount = 0, .cdjid = "252E671073EC0001"};
+};
+
+TEST_F(ProcessTracksAloneTest, TellsOfFilesForWhichThereIsNoNumber) {
+    FileList files = List({R"(A\B\a.mp3)", R"(A\B\b.mp3)"});
+    album.trackCount = 1;
+    ProcessTracks(walk, album, files);
+    // It names the row that was worked on last.
+    EXPECT_THAT(Log(),
+                ElementsAre(R"(Quillon: Unable to find a track number for D:\Music\A\B\a.mp3)"));
+    EXPECT_THAT(library.Tracks(), ElementsAre(R"(A\B\a.mp3|a|1)", R"(A\B\b.mp3|b|-1)"));
+}
+
+TEST_F(ProcessTracksAloneTest, TellsOfNumbersThatNoFileTook) {
+    FileList files = List({R"(A\B\a.mp3)"});
+    album.trackCount = 3;
+    ProcessTracks(walk, album, files);
+    EXPECT_THAT(Log(), ElementsAre(R"(Quillon: Reconcile Track Number 2 Missing from A\B)",
+                                   R"(Quillon: Reconcile Track Number 3 Missing from A\B)"));
+}
+
+TEST_F(ProcessTracksAloneTest, KeepsAKnownNumberInRange) {
+    library.AddTrackRow("252E671073EC0001", 2, R"(D:\Music\A\B\a.mp3)");
+    FileList files = List({R"(A\B\a.mp3)", R"(A\B\b.mp3)"});
+    album.trackCount = 2;
+    ProcessTracks(walk, album, files);
+    EXPECT_THAT(library.Tracks(), ElementsAre(R"(A\B\a.mp3|a|2)", R"(A\B\b.mp3|b|1)"));
+    EXPECT_THAT(Log(), IsEmpty());
+}
+
+TEST_F(ProcessTracksAloneTest, RenumbersAKnownNumberAboveTheCount) {
+    library.AddTrackRow("252E671073EC0001", 7, R"(D:\Music\A\B\a.mp3)");
+    FileList files = List({R"(A\B\a.mp3)"});
+    album.trackCount = 1;
+    ProcessTracks(walk, album, files);
+    EXPECT_THAT(library.Tracks(), ElementsAre(R"(A\B\a.mp3|a|1)"));
+}
+
+/// Lets a row vanish between the passes: a look-up of the second file deletes the first one's row.
+TEST_F(ProcessTracksAloneTest, TellsOfARowThatVanishedBeforeItsNumber) {
+    library.AddTrackRow("252E671073EC0001", 0, R"(D:\Music\A\B\a.mp3)");
+    library.AddTrackRow("252E671073EC0001", 0, R"(D:\Music\A\B\b.mp3)");
+    FileList files = List({R"(A\B\a.mp3)", R"(A\B\b.mp3)"});
+    album.trackCount = 2;
+    library.Database().BeforeStatement(R"(\b.mp3)", [this] {
+        library.Execute(R"(DELETE * FROM Tracks WHERE SoundFile='D:\Music\A\B\a.mp3')");
+    });
+    ProcessTracks(walk, album, files);
+    ASSERT_EQ(Log().size(), 1U);
+    EXPECT_THAT(Log()[0],
+                StartsWith("Quillon: Database record missing during track number update for ID "));
+    EXPECT_THAT(library.Tracks(), ElementsAre(R"(A\B\b.mp3|b|2)"));
+}
+
+TEST_F(ProcessTracksAloneTest, MakesOneLookUpAndOnePositioningForAnUnchangedFile) {
+    FileList files = List({R"(A\B\a.mp3)", R"(A\B\b.mp3)"});
+    album.trackCount = 2;
+    ProcessTracks(walk, album, files);
+    library.Execute("UPDATE Tracks SET Track = 0");
+    library.Database().ForgetStatements();
+
+    FileList again = List({R"(A\B\a.mp3)", R"(A\B\b.mp3)"});
+    ProcessTracks(walk, album, again);
+    EXPECT_EQ(library.Database().Count(""), 2U);
+    EXPECT_EQ(library.Database().Count("Like"), 2U);
+}
+
+}  // namespace
+}  // namespace quillon

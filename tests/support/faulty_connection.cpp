@@ -1,0 +1,90 @@
+#include "tests/support/faulty_connection.h"
+
+#include "platform/failure.h"
+
+namespace quillon::support {
+namespace {
+
+[[noreturn]] void ThrowRefused() {
+    throw Failure::Described(FailureNumber::Database, "refused");
+}
+
+}  // namespace
+
+/// A table cursor that refuses the value its connection was told of.
+class FaultyCursor : public RecordSet {
+  public:
+    FaultyCursor(FaultyConnection& connection, std::unique_ptr<RecordSet> real)
+        : connection_(connection), real_(std::move(real)) {}
+
+    bool IsBof() const override { return real_->IsBof(); }
+    bool IsEof() const override { return real_->IsEof(); }
+    void MoveFirst() override { real_->MoveFirst(); }
+    void MoveNext() override { real_->MoveNext(); }
+    std::size_t FieldCount() const override { return real_->FieldCount(); }
+    Value Get(std::size_t field) const override { return real_->Get(field); }
+    Value Get(std::string_view field) const override { return real_->Get(field); }
+    void Set(std::string_view field, const Value& value) override {
+        const auto& refused = connection_.refusedValue_;
+        if (refused && refused->first == field && value == Value(refused->second)) ThrowRefused();
+        real_->Set(field, value);
+    }
+    void AddNew() override { real_->AddNew(); }
+    void Update() override { real_->Update(); }
+    void CancelUpdate() override { real_->CancelUpdate(); }
+    void Delete() override { real_->Delete(); }
+    void Filter(std::string_view criterion) override { real_->Filter(criterion); }
+    void Sort(std::string_view order) override { real_->Sort(order); }
+
+  private:
+    FaultyConnection& connection_;
+    std::unique_ptr<RecordSet> real_;
+};
+
+std::size_t FaultyConnection::Count(std::string_view text) const {
+    std::size_t count = 0;
+    for (const std::string& statement : statements_)
+        count += statement.find(text) != std::string::npos ? 1U : 0U;
+    return count;
+}
+
+std::int64_t FaultyConnection::Execute(std::string_view sql) {
+    Note(sql);
+    return real_->Execute(sql);
+}
+
+std::unique_ptr<RecordSet> FaultyConnection::Query(std::string_view sql) {
+    Note(sql);
+    return real_->Query(sql);
+}
+
+std::unique_ptr<RecordSet> FaultyConnection::OpenUpdatable(std::string_view sql) {
+    Note(sql);
+    return real_->OpenUpdatable(sql);
+}
+
+std::unique_ptr<RecordSet> FaultyConnection::OpenTable(std::string_view table) {
+    Note("OpenTable " + std::string(table));
+    return std::make_unique<FaultyCursor>(*this, real_->OpenTable(table));
+}
+
+void FaultyConnection::Flush() {
+    Note("Flush");
+    real_->Flush();
+}
+
+void FaultyConnection::Note(std::string_view statement) {
+    if (trigger_ && statement.find(trigger_->first) != std::string_view::npos) {
+        const auto work = std::move(trigger_->second);
+        trigger_.reset();
+        work();
+    }
+    if (numberedTrigger_.first > 0 && --numberedTrigger_.first == 0)
+        numberedTrigger_.second(*real_);
+    statements_.emplace_back(statement);
+    for (const std::string& text : refused_) {
+        if (statement.find(text) != std::string_view::npos) ThrowRefused();
+    }
+}
+
+}  // namespace quillon::support

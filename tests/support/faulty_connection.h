@@ -1,0 +1,59 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "platform/database.h"
+
+namespace quillon::support {
+
+/// A database that notes its statements and refuses those that a test names.
+class FaultyConnection : public Connection {
+  public:
+    explicit FaultyConnection(std::unique_ptr<Connection> real) : real_(std::move(real)) {}
+
+    /// Every further statement that contains the text fails with the description "refused".
+    void Refuse(std::string text) { refused_.push_back(std::move(text)); }
+
+    /// Every further assignment of this text to this field of a table cursor fails alike.
+    void RefuseValue(std::string field, std::string text) {
+        refusedValue_ = {std::move(field), std::move(text)};
+    }
+
+    /// Runs something once, before the next statement that contains the text.
+    void BeforeStatement(std::string text, std::function<void()> work) {
+        trigger_ = {std::move(text), std::move(work)};
+    }
+
+    /// Runs something before the nth statement from now on, with the connection behind this one.
+    void BeforeStatementNumber(std::size_t n, std::function<void(Connection&)> work) {
+        numberedTrigger_ = {n, std::move(work)};
+    }
+
+    /// How often a statement containing the text was run.
+    std::size_t Count(std::string_view text) const;
+    void ForgetStatements() { statements_.clear(); }
+
+    std::int64_t Execute(std::string_view sql) override;
+    std::unique_ptr<RecordSet> Query(std::string_view sql) override;
+    std::unique_ptr<RecordSet> OpenUpdatable(std::string_view sql) override;
+    std::unique_ptr<RecordSet> OpenTable(std::string_view table) override;
+    void Flush() override;
+
+  private:
+    friend class FaultyCursor;
+    void Note(std::string_view statement);
+
+    std::unique_ptr<Connection> real_;
+    std::vector<std::string> refused_, statements_;
+    std::optional<std::pair<std::string, std::string>> refusedValue_;
+    std::optional<std::pair<std::string, std::function<void()>>> trigger_;
+    std::pair<std::size_t, std::function<void(Connection&)>> numberedTrigger_;
+};
+
+}  // namespace quillon::support

@@ -1,0 +1,136 @@
+#include "tests/support/real_library.h"
+
+#include <algorithm>
+#include <csignal>
+#include <exception>
+#include <fcntl.h>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <iostream>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "app/jukebox_database.h"
+#include "database/marks.h"
+#include "database/remove_duplicates.h"
+#include "reconcile/refresh_database.h"
+#include "tests/support/database_rows.h"
+#include "tests/support/open_database.h"
+#include "tests/support/sound_file.h"
+
+namespace quillon::support {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr ::uid_t Nobody = 65534;
+
+DriveTable Drives(const fs::path& folder) {
+    DriveTable drives(folder);
+    drives.Map("D", folder);
+    return drives;
+}
+
+/// Runs work in a forked process; the status it ended with.
+int StatusOf(const std::function<void()>& work) {
+    const ::pid_t child = ::fork();
+    if (child == 0) {
+        try {
+            work();
+        } catch (const std::exception& failure) {
+            std::cerr << "in the child process: " << failure.what() << std::endl;
+            ::_exit(2);
+        }
+        ::_exit(::testing::Test::HasFailure() ? 1 : 0);
+    }
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    return status;
+}
+
+}  // namespace
+
+RealLibrary::RealLibrary()
+    : resolver_(Drives(folder_.Path())),
+      files_(resolver_, [this](const std::string& message) { host.WriteLog("Quillon", message); }),
+      run(host, files_, clock, window) {
+    fs::create_directory(Music());
+    fs::create_directory(DatabaseFile().parent_path());
+    CreateJukeboxDatabase(DatabaseFile());
+    run.settings.Nirvis_CDJ_DB = R"(D:\data\jukebox.mdb)";
+    run.settings.LibraryRoot = R"(D:\Music)";
+    run.LibraryFolders.push_back({run.settings.LibraryRoot, "Music"});
+    OpenDatabase();
+}
+
+fs::path RealLibrary::Music(const std::string& path) const {
+    std::string local = path;
+    std::replace(local.begin(), local.end(), '\\', '/');
+    return path.empty() ? folder_.Path() / "Music" : folder_.Path() / "Music" / local;
+}
+
+void RealLibrary::AddFile(const std::string& path, const std::string& bytes, int minutes) {
+    const fs::path file = Music(path);
+    fs::create_directories(file.parent_path());
+    std::ofstream(file, std::ios::binary) << bytes;
+    constexpr ::time_t FixedTime = 1'600'000'000;
+    const struct ::timespec time{FixedTime + ::time_t{60} * minutes, 0};
+    const struct ::timespec times[2]{time, time};
+    ::utimensat(AT_FDCWD, file.c_str(), times, 0);
+}
+
+void RealLibrary::AddFile(const std::string& path, int minutes) {
+    AddFile(path, UntaggedSoundFile(), minutes);
+}
+
+void RealLibrary::OpenDatabase() {
+    auto connection = std::make_unique<FaultyConnection>(support::OpenDatabase(DatabaseFile()));
+    database_ = connection.get();
+    run.connection = std::move(connection);
+}
+
+void RealLibrary::Reconcile() {
+    RestoreMarks(run);
+    RemoveDuplicates(run);
+    RefreshDatabase(run);
+}
+
+std::vector<std::string> RealLibrary::Rows(std::string_view sql) {
+    return support::Rows(*run.connection, sql);
+}
+
+std::vector<std::string> RealLibrary::State() {
+    std::vector<std::string> state =
+        Rows("SELECT Artist, Title, Tracks FROM Albums ORDER BY Artist, Title, ID");
+    for (std::string& row :
+         Rows("SELECT SoundFile, Title, Track FROM Tracks ORDER BY SoundFile, ID"))
+        state.push_back(std::move(row));
+    return state;
+}
+
+std::string RealLibrary::Faults() {
+    CloseDatabase();
+    return StructuralFaults(DatabaseFile());
+}
+
+bool RunsWellUnprivileged(const fs::path& folder, const std::function<void()>& work) {
+    const int status = StatusOf([&] {
+        if (::geteuid() == 0) {
+            EXPECT_EQ(::chown(folder.c_str(), Nobody, Nobody), 0);
+            for (const auto& entry : fs::recursive_directory_iterator(folder))
+                EXPECT_EQ(::lchown(entry.path().c_str(), Nobody, Nobody), 0);
+            EXPECT_EQ(::setegid(Nobody), 0);
+            EXPECT_EQ(::seteuid(Nobody), 0);
+        }
+        work();
+    });
+    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+bool IsKilled(const std::function<void()>& work) {
+    const int status = StatusOf(work);
+    return WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL;
+}
+
+}  // namespace quillon::support

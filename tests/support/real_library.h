@@ -1,0 +1,70 @@
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/portable/path_resolver.h"
+#include "platform/portable/portable_files.h"
+#include "run/run.h"
+#include "tests/support/fakes.h"
+#include "tests/support/faulty_connection.h"
+#include "tests/support/temporary_folder.h"
+
+namespace quillon::support {
+
+/// A run over real files: the library root D:\Music is a folder, the database lies in another, all
+/// of them in one temporary folder.
+class RealLibrary {
+  public:
+    RealLibrary();
+
+    /// The local path of something below the root.
+    std::filesystem::path Music(const std::string& path = "") const;
+    std::filesystem::path DatabaseFile() const { return folder_.Path() / "data" / "jukebox.mdb"; }
+    const std::filesystem::path& Folder() const { return folder_.Path(); }
+
+    /// Makes a file below the root, `minutes` younger than a fixed time, and the folders above it.
+    void AddFile(const std::string& path, const std::string& bytes, int minutes = 0);
+    void AddFile(const std::string& path, int minutes = 0);
+
+    void OpenDatabase();
+    void CloseDatabase() { run.connection.reset(); }
+    FaultyConnection& Database() { return *database_; }
+
+    /// Gives back what a killed run has marked, as the driver does; then marks, walks and sweeps.
+    void Reconcile();
+
+    std::vector<std::string> Rows(std::string_view sql);
+    /// All albums as "Artist|Title|Tracks" and tracks as "SoundFile|Title|Track".
+    std::vector<std::string> State();
+
+    /// Closes the database and lets the independent structural check look at it.
+    std::string Faults();
+
+    fakes::Calls calls;
+    fakes::FakeHost host{calls};
+    fakes::FakeClock clock;
+    fakes::FakeWindow window{calls};
+
+  private:
+    TemporaryFolder folder_;
+    PathResolver resolver_;
+    PortableFiles files_;
+    FaultyConnection* database_ = nullptr;  ///< owned by the run
+
+  public:
+    quillon::Run run;
+};
+
+/// Runs something in a process of its own that may not do what root may: everything below the
+/// folder belongs to it. Whether it ended well (no failed expectation, no exception).
+bool RunsWellUnprivileged(const std::filesystem::path& folder, const std::function<void()>& work);
+
+/// Runs something in a process of its own that is expected to be killed. Whether it was.
+bool IsKilled(const std::function<void()>& work);
+
+}  // namespace quillon::support
