@@ -173,7 +173,7 @@ def play(stage, before, after):
 
 
 def main():
-    program, folder = sys.argv[1], Path(sys.argv[2])
+    program, folder = sys.argv[1], Path(sys.argv[2]).resolve()
     names = [""] + [f"-{number}" for number in range(2, 10)]
     runs = [name for name in names if (folder / f"after{name}").is_dir()]
     if not runs:

@@ -1,0 +1,1 @@
+truncate -s $((20 * 4096)) disk/jukebox.mdb
