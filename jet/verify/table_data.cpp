@@ -1,0 +1,148 @@
+#include "jet/verify/table_data.h"
+
+#include <algorithm>
+
+namespace jet::verify {
+
+using storage::PageNumber;
+using storage::RowId;
+
+TableData::TableData(const Shape& shape, Pages& pages, UsageMaps& maps, Findings& findings)
+    : shape_(shape), pages_(pages), maps_(maps), findings_(findings) {}
+
+void TableData::Check(bool countIsExact) {
+    ClaimPages();
+    ClaimLongPages();
+    for (const PageNumber page : owned_)
+        CheckPage(page);
+    CheckMovedRows();
+    collecting_ = true;
+    for (const RowId row : rows_)
+        CheckRow(row, Find(row).bytes);
+    collecting_ = false;
+    findings_.Counts().rows += rows_.size();
+
+    if (countIsExact && rows_.size() != shape_.rows)
+        findings_.Fault(Where(), "the definition counts " + std::to_string(shape_.rows) +
+                                     " rows, there are " + std::to_string(rows_.size()));
+    if (greatestAutoNumber_ > shape_.lastAutoNumber)
+        findings_.Fault(Where(), "the last auto-number is " +
+                                     std::to_string(shape_.lastAutoNumber) + ", but a row has " +
+                                     std::to_string(greatestAutoNumber_));
+}
+
+void TableData::ClaimPages() {
+    for (const PageNumber page : maps_.Read(shape_.owned, Where() + " map of pages"))
+        if (pages_.Claim(page, PageUse::Rows, Where())) owned_.push_back(page);
+    for (const PageNumber page : maps_.Read(shape_.free, Where() + " map of pages with room"))
+        if (!std::ranges::binary_search(owned_, page))
+            findings_.Fault(Where(), "page " + std::to_string(page) +
+                                         " is listed as having room, but is not of the table");
+}
+
+void TableData::ClaimLongPages() {
+    constexpr std::uint32_t LongOwner = 0x4C41564C;  // "LVAL"
+    for (const LongColumnMaps& maps : shape_.longMaps) {
+        const std::string where = Where() + " long column " + std::to_string(maps.column);
+        std::vector<PageNumber> owned;
+        if (maps.owned) owned = maps_.Read(*maps.owned, where);
+        for (const PageNumber page : owned) {
+            if (!pages_.Claim(page, PageUse::LongValues, where)) continue;
+            const Slots slots(pages_.Read(page));
+            if (!slots.IsSound() || slots.Owner() != LongOwner)
+                findings_.Fault(where, "page " + std::to_string(page) + " has no long values");
+            else if (slots.FreeBytes() != slots.RoomLeft())
+                findings_.Fault(where,
+                                "page " + std::to_string(page) + " has a wrong free-space word");
+        }
+        if (!maps.free) continue;
+        for (const PageNumber page : maps_.Read(*maps.free, where))
+            if (!std::ranges::binary_search(owned, page))
+                findings_.Fault(where, "page " + std::to_string(page) +
+                                           " is listed as having room, but is not of the column");
+    }
+}
+
+void TableData::CheckPage(PageNumber page) {
+    const std::string where = Where() + " page " + std::to_string(page);
+    const Slots slots(pages_.Read(page));
+    if (!slots.IsSound()) {
+        findings_.Fault(where, "this is no sound data page");
+        return;
+    }
+    if (slots.Owner() != shape_.page) findings_.Fault(where, "the page names another owner");
+    if (slots.FreeBytes() != slots.RoomLeft())
+        findings_.Fault(where, "the free-space word is " + std::to_string(slots.FreeBytes()) +
+                                   ", there are " + std::to_string(slots.RoomLeft()) + " bytes");
+    for (std::size_t slot = 0; slot < slots.Count(); ++slot) {
+        const RowId id{page, static_cast<std::uint8_t>(slot)};
+        switch (slots.State(slot)) {
+            case SlotState::Row:
+                rows_.push_back(id);
+                break;
+            case SlotState::Moved:
+                if (slots.Bytes(slot).size() < 4) {
+                    findings_.Fault(where, "row " + Place(id) + " has no room for its pointer");
+                } else {
+                    const RowId content = RowPointer(slots.Bytes(slot), 0);
+                    if (!homes_.emplace(content, id).second)
+                        findings_.Fault(where, "two rows have their content at " + Place(content));
+                    rows_.push_back(id);
+                }
+                break;
+            case SlotState::MovedRow:
+                movedContents_.insert(id);
+                break;
+            case SlotState::Deleted:
+                break;
+        }
+    }
+}
+
+void TableData::CheckMovedRows() {
+    for (const auto& [content, home] : homes_) {
+        if (movedContents_.contains(content)) continue;
+        findings_.Fault(Where(), "row " + Place(home) + " has its content at " + Place(content) +
+                                     ", where none is");
+        std::erase(rows_, home);
+    }
+    for (const RowId content : movedContents_)
+        if (!homes_.contains(content))
+            findings_.Fault(Where(), "content at " + Place(content) + " belongs to no row");
+}
+
+RowBytes TableData::Find(RowId row) {
+    auto page = pages_.Read(row.page);
+    const Slots slots(page);
+    if (slots.State(row.slot) != SlotState::Moved) return {page, slots.Bytes(row.slot)};
+    const RowId content = RowPointer(slots.Bytes(row.slot), 0);
+    page = pages_.Read(content.page);
+    return {page, Slots(page).Bytes(content.slot)};
+}
+
+void TableData::CheckRow(RowId id, std::span<const std::uint8_t> bytes) {
+    const RowView row(bytes, shape_);
+    if (!row.Fault().empty()) {
+        findings_.Fault(Where() + " row " + Place(id), row.Fault());
+        return;
+    }
+    for (const Column& column : shape_.columns) {
+        if (column.type == ColumnType::Boolean) continue;
+        const auto field = row.Field(column);
+        if (field) {
+            CheckField(id, column, *field);
+            if (column.autoNumber) CheckAutoNumber(row, column);
+        } else if (row.IsSet(column)) {
+            findings_.Fault(Where() + " row " + Place(id),
+                            "column " + column.name + " has no room for its value");
+        }
+    }
+}
+
+void TableData::CheckAutoNumber(const RowView& row, const Column& column) {
+    const auto value = ReadValue(row, column);
+    if (value && !IsNull(*value))
+        greatestAutoNumber_ = std::max(greatestAutoNumber_, std::get<std::int64_t>(*value));
+}
+
+}  // namespace jet::verify

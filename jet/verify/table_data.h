@@ -1,0 +1,74 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "jet/value.h"
+#include "jet/verify/pages.h"
+#include "jet/verify/row_view.h"
+#include "jet/verify/shape.h"
+#include "jet/verify/slots.h"
+#include "jet/verify/usage_map.h"
+
+namespace jet::verify {
+
+/// A row's bytes with the page that holds them.
+struct RowBytes {
+    std::shared_ptr<const storage::Page> holder;
+    std::span<const std::uint8_t> bytes;
+};
+
+/// Checks the data pages of one table, its rows and its long values, and reads rows for whoever
+/// checks the indexes.
+class TableData {
+  public:
+    TableData(const Shape& shape, Pages& pages, UsageMaps& maps, Findings& findings);
+
+    /// Everything but the indexes. `countIsExact`: the definition's number of rows must be right
+    /// (in system tables Access lets it drift).
+    void Check(bool countIsExact);
+
+    /// The rows found by Check, in the file's order.
+    const std::vector<storage::RowId>& Rows() const { return rows_; }
+
+    /// The bytes of one of Rows(), which may lie elsewhere.
+    RowBytes Find(storage::RowId row);
+
+    /// A column's value; none where its bytes make no sense.
+    std::optional<Value> ReadValue(const RowView& row, const Column& column);
+
+    std::string Where() const { return "table " + shape_.name; }
+
+  private:
+    void ClaimPages();
+    void ClaimLongPages();
+    void CheckPage(storage::PageNumber page);
+    void CheckMovedRows();
+    void CheckRow(storage::RowId id, std::span<const std::uint8_t> bytes);
+    void CheckAutoNumber(const RowView& row, const Column& column);
+    void CheckField(storage::RowId id, const Column& column, std::span<const std::uint8_t> bytes);
+    std::optional<Bytes> ReadLongValue(const Column& column, std::span<const std::uint8_t> field,
+                                       std::string& fault);
+    std::optional<RowBytes> LongRow(storage::RowId id, std::string& fault);
+
+    const Shape& shape_;
+    Pages& pages_;
+    UsageMaps& maps_;
+    Findings& findings_;
+    std::vector<storage::PageNumber> owned_;
+    std::vector<storage::RowId> rows_;
+    std::map<storage::RowId, storage::RowId> homes_;  ///< of moved content: the place that names it
+    std::set<storage::RowId> movedContents_;
+    std::set<storage::RowId> longRows_;  ///< pieces of long values met so far
+    bool collecting_ = false;            ///< note the pieces of long values that are read
+    std::int64_t greatestAutoNumber_ = 0;
+};
+
+}  // namespace jet::verify
