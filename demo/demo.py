@@ -26,8 +26,8 @@ class Untrue(Exception):
     """The story does not hold."""
 
 
-def say(text=""):
-    print(textwrap.fill(" ".join(text.split()), WIDTH) if text else "", flush=True)
+def say(text):
+    print(textwrap.fill(text, WIDTH, break_on_hyphens=False, break_long_words=False), flush=True)
 
 
 def heading(text):
@@ -71,7 +71,8 @@ class Demo:
 
     def show(self, statement):
         print(f"$ quillon db query {self.shown(self.database)} \\")
-        print(f"    \"{statement}\"")
+        print(textwrap.fill(f'"{statement}"', WIDTH, initial_indent="    ",
+                            subsequent_indent="    ", break_on_hyphens=False))
         print(self.quillon("db", "query", self.database, statement), end="", flush=True)
 
     def all_rows(self):
@@ -96,6 +97,8 @@ class Demo:
         self.tell_of_rows()
         before = self.all_rows()
         heading("3. The first run")
+        say("A line for each phase; the indented ones are the records of the log.")
+        print()
         self.run()
         first = self.all_rows()
         self.tell_what_changed(before, first)
@@ -159,14 +162,16 @@ class Demo:
         for row in removed:
             if row["Title"] == "Allso Left":
                 print(f"  renamed  {row['Artist']}: \"{row['Title']}\" went, \"Also Left\" came")
-        say(f"Untouched: {count(len(players), 'disc')} of the players, and every count of plays.")
+        say(f"Untouched: {count(len(players), 'disc')} of the players. What stayed has kept its "
+            "count of plays.")
 
         require(len(after["Tracks"]) == self.songs + sum(row["Tracks"] for row in players),
                 "not every file has exactly one row")
         require(len(after["Albums"]) == self.albums + len(players), "albums are missing")
         require(all(row in after["Albums"] for row in players), "a player's disc was changed")
         require([row["Title"] for row in moved] == ["Gibbous"], "the moved song was not found")
-        require(moved[0]["TimesPlayed"] == 31, "the moved song lost its count of plays")
+        require(all(new[key]["TimesPlayed"] == old[key]["TimesPlayed"]
+                    for key in old.keys() & new.keys()), "a song lost its count of plays")
         require({row["Title"] for row in removed_albums}
                 == {"Lost at the Ferry", "Pull", "Pull (copy)"}, "other albums were removed")
 
