@@ -16,6 +16,7 @@ class FormLoad : public FormFixture {};
 TEST_F(FormLoad, GivesTheSeventeenIndicatorsTheirCaptions) {
     Load();
     std::vector<std::string> captions;
+    captions.reserve(PhaseCount);
     for (const PhaseIndicator& indicator : run.form.aPhase)
         captions.emplace_back(indicator.caption);
     EXPECT_THAT(

@@ -233,7 +233,6 @@ TEST_F(ReconcileMode, ReturnsBeforeThePhaseWhoseStartNoticesAbort) {
                                            "Run PopulateSpinnerArtist", "Run RefreshPlaylist",
                                            "Run CreateNewPlaylists",    "Run RefreshAlbumCovers"};
     for (std::size_t phase = 0; phase < work.size(); ++phase) {
-        fakes::FakeWorld other;
         world.calls.Forget();
         world.window.abortPressed = false;
         world.window.last = {};

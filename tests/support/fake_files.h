@@ -39,6 +39,7 @@ class FakeFiles : public Files {
     /// The paths of all folders and files, folders with a trailing backslash, in name order.
     std::vector<std::string> Everything() const {
         std::vector<std::string> paths;
+        paths.reserve(nodes_.size());
         for (const auto& [key, node] : nodes_) {
             paths.push_back(node.isFolder ? node.path + "\\" : node.path);
         }
