@@ -85,6 +85,70 @@ void Translator::SplitHaving(const Select& select, const Scope& scope,
     }
 }
 
+/// Whether a condition says that a group key equals something that does not depend on the rows.
+bool Translator::IsPinned(const Expression& key, const Select& select, const Scope& scope,
+                          const std::vector<const Expression*>& conditions) const {
+    const auto constant = [&](const Expression& expression) {
+        bool own = expression.query != nullptr;
+        ForEachNode(expression, [&](const Expression& node) {
+            if (node.kind != Kind::Column) return;
+            const Target target = Resolve(node, Context{&scope});
+            own = own || target.output || target.scope == &scope;
+        });
+        return !own && DependsOnKeysOnly(expression, select, scope);
+    };
+    return std::any_of(conditions.begin(), conditions.end(), [&](const Expression* condition) {
+        if (condition->kind != Kind::Operator || condition->name != "=") return false;
+        const Expression &left = condition->operands[0], &right = condition->operands[1];
+        return (SameExpression(left, key, scope) && constant(right)) ||
+               (SameExpression(right, key, scope) && constant(left));
+    });
+}
+
+/// `SELECT Max(x), ... GROUP BY key HAVING key = 'a'` asks for one row of one table: the one with
+/// the largest x among those with this key, which an index over key and x finds at once. The x, or
+/// null where the query is of another kind.
+const Expression* Translator::FindLargest(const Select& select, const Scope& scope,
+                                          const std::vector<const Expression*>& early,
+                                          const std::vector<const Expression*>& late) const {
+    if (scope.instances.size() != 1 || !scope.instances.front().definition) return nullptr;
+    if (select.groupBy.empty() || !late.empty() || !select.orderBy.empty() || select.where ||
+        select.filter || select.top)
+        return nullptr;
+    for (const Expression& key : select.groupBy)
+        if (!IsPinned(key, select, scope, early)) return nullptr;
+    const Expression* largest = nullptr;
+    bool other = false;
+    for (const Output& output : scope.outputs) {
+        ForEachNode(output.value, [&](const Expression& node) {
+            const FunctionRule* rule = node.kind == Kind::Function
+                                           ? FindFunction(node.name, node.operands.size())
+                                           : nullptr;
+            if (!rule || !rule->aggregate) return;
+            const Expression& value = node.operands.front();
+            const bool same = !largest || SameExpression(*largest, value, scope);
+            if (!SameName(rule->name, "Max") || value.kind != Kind::Column || !same) other = true;
+            largest = &value;
+        });
+    }
+    return other ? nullptr : largest;
+}
+
+void Translator::NoteLargest(const Select& select, const Expression& value, const Scope& scope) {
+    // In an index the columns stand alone, without the table's alias.
+    Scope bare = scope;
+    bare.instances.front().alias.clear();
+    Context context{&bare};
+    context.groupKey = true;
+    std::string index;
+    for (const Expression& key : select.groupBy) {
+        const Written written = Write(key, context);
+        index += written.sql + (written.column ? "," : " COLLATE jet,");
+    }
+    index += Write(value, context).sql;
+    result_.tables[scope.instances.front().use].indexes.push_back(index);
+}
+
 bool Translator::Mentions(const Expression& expression, const Instance& instance,
                           const Scope& scope) const {
     bool found = false;

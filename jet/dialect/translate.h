@@ -22,6 +22,7 @@ struct TableUse {
     const TableDefinition* definition = nullptr;
     std::vector<std::size_t> equalColumns;   ///< compared for equality with something else
     std::vector<std::size_t> suffixColumns;  ///< looked up by the end of their text
+    std::vector<std::string> indexes;        ///< lists of SQL expressions that want an index
 };
 
 /// A column of a table of the statement.

@@ -38,6 +38,7 @@ struct Scope {
     std::vector<Instance> instances;
     std::vector<Output> outputs;
     bool grouped = false;
+    bool largestOnly = false;  ///< the row with the largest value stands for the only group
 };
 
 /// Where a column's name leads: to a column of an instance or to one of the query's own outputs.
@@ -95,6 +96,12 @@ class Translator {
     void SplitHaving(const Select& select, const Scope& scope,
                      std::vector<const Expression*>& early,
                      std::vector<const Expression*>& late) const;
+    const Expression* FindLargest(const Select& select, const Scope& scope,
+                                  const std::vector<const Expression*>& early,
+                                  const std::vector<const Expression*>& late) const;
+    bool IsPinned(const Expression& key, const Select& select, const Scope& scope,
+                  const std::vector<const Expression*>& conditions) const;
+    void NoteLargest(const Select& select, const Expression& value, const Scope& scope);
     bool DependsOnKeysOnly(const Expression& expression, const Select& select,
                            const Scope& scope) const;
     bool SameExpression(const Expression& left, const Expression& right, const Scope& scope) const;

@@ -143,7 +143,8 @@ Written Translator::WriteColumn(const Expression& expression, const Context& con
     const ResultColumn& column = instance.columns[target.column];
     const std::string name =
         instance.definition ? column.name : "c" + std::to_string(target.column);
-    const std::string sql = instance.alias + "." + QuotedName(name);
+    const std::string sql =
+        instance.alias.empty() ? QuotedName(name) : instance.alias + "." + QuotedName(name);
     const bool standsForGroup = target.scope == context.scope && context.scope->grouped &&
                                 !context.insideAggregate && !context.groupKey;
     if (!standsForGroup) return {sql, column.kind, instance.definition != nullptr, false};
@@ -247,6 +248,7 @@ Written Translator::WriteFunction(const Expression& expression, const Context& c
             throw SyntaxError(expression.place, expression.name,
                               "an aggregate function cannot stand here");
         inner.insideAggregate = true;
+        if (context.scope->largestOnly) return Write(expression.operands.front(), inner);
     }
     const bool needsRow = SameName(rule->name, "First") || SameName(rule->name, "Last");
     std::vector<std::string> arguments;

@@ -46,7 +46,7 @@ std::string Translator::WriteStoredTable(const Source& source, Scope& scope) {
         instance.columns.push_back(
             {column.name, KindOf(column.type), FieldSource{instance.use, i}});
     }
-    result_.tables.push_back({definition, {}, {}});
+    result_.tables.push_back({definition, {}, {}, {}});
     const std::string sql = TableName(definition->name) + " AS " + instance.alias;
     scope.instances.push_back(std::move(instance));
     return sql;
@@ -119,6 +119,15 @@ Translator::Parts Translator::WriteParts(const Select& select, Scope& scope, boo
             (parts.where.empty() ? " WHERE (" : " AND (") + Condition(*condition, rows) + ")";
     }
     rows.outputsFirst = false;
+
+    if (const Expression* largest = FindLargest(select, scope, early, late)) {
+        NoteLargest(select, *largest, scope);
+        scope.grouped = false;
+        scope.largestOnly = true;
+        parts.orderBy = " ORDER BY " + Value(*largest, rows) + " DESC";
+        parts.limit = " LIMIT 1";
+        return parts;
+    }
 
     std::vector<std::string> keys;
     for (const Expression& key : select.groupBy) {

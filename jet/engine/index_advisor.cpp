@@ -22,6 +22,10 @@ bool Contains(const std::vector<std::size_t>& columns, std::size_t column) {
     return std::find(columns.begin(), columns.end(), column) != columns.end();
 }
 
+std::string ColumnName(const MirrorTable& table, std::size_t column) {
+    return QuotedName(table.Definition().columns[column].name);
+}
+
 bool IsUniqueAlone(const TableDefinition& definition, std::size_t column) {
     return std::any_of(definition.indexes.begin(), definition.indexes.end(),
                        [column](const IndexDefinition& index) {
@@ -38,13 +42,18 @@ void IndexAdvisor::Prepare(const dialect::TableUse& use, const MirrorTable& tabl
     if (known.generation != table.Generation()) {
         known.generation = table.Generation();
         known.share.clear();
-        if (!known.equal.empty() || !known.suffix.empty())
+        if (!known.equal.empty() || !known.suffix.empty() || !known.lists.empty())
             sqlite_.Execute("ANALYZE " + TableName(table.Definition().name));
     }
     for (const std::size_t column : use.suffixColumns) {
         if (Contains(known.suffix, column)) continue;
-        Create(table, column, true);
+        Create(table, "jet_suffix(" + ColumnName(table, column) + ")");
         known.suffix.push_back(column);
+    }
+    for (const std::string& list : use.indexes) {
+        if (std::find(known.lists.begin(), known.lists.end(), list) != known.lists.end()) continue;
+        Create(table, list);
+        known.lists.push_back(list);
     }
     PrepareEqual(use, table, known);
 }
@@ -64,7 +73,7 @@ void IndexAdvisor::PrepareEqual(const dialect::TableUse& use, const MirrorTable&
                ShareOfMatches(table, column, known) <= GoodEnough * bestShare;
     });
     if (served) return;
-    Create(table, *best, false);
+    Create(table, ColumnName(table, *best));
     known.equal.push_back(*best);
 }
 
@@ -107,12 +116,10 @@ double IndexAdvisor::Sample(const MirrorTable& table, std::size_t column) {
     return taken == 0 ? 1 : squares / (taken * taken);
 }
 
-void IndexAdvisor::Create(const MirrorTable& table, std::size_t column, bool suffix) {
-    const TableDefinition& definition = table.Definition();
-    const std::string name = TableName(definition.name);
-    const std::string field = QuotedName(definition.columns[column].name);
+void IndexAdvisor::Create(const MirrorTable& table, const std::string& columns) {
+    const std::string name = TableName(table.Definition().name);
     sqlite_.Execute("CREATE INDEX \"[index " + std::to_string(created_++) + "]\" ON " + name + "(" +
-                    (suffix ? "jet_suffix(" + field + ")" : field) + ")");
+                    columns + ")");
     sqlite_.Execute("ANALYZE " + name);
 }
 

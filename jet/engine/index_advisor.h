@@ -24,11 +24,12 @@ class IndexAdvisor {
         std::uint64_t generation = 0;
         std::unordered_map<std::size_t, double> share;  ///< see ShareOfMatches
         std::vector<std::size_t> equal, suffix;         ///< columns with an index
+        std::vector<std::string> lists;                 ///< indexes by their SQL
     };
     double ShareOfMatches(const MirrorTable& table, std::size_t column, Known& known);
     double Sample(const MirrorTable& table, std::size_t column);
     void PrepareEqual(const dialect::TableUse& use, const MirrorTable& table, Known& known);
-    void Create(const MirrorTable& table, std::size_t column, bool suffix);
+    void Create(const MirrorTable& table, const std::string& columns);
 
     Sqlite& sqlite_;
     StatementCache& statements_;
