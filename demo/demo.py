@@ -157,7 +157,7 @@ class Demo:
             print(f"  removed  {row['Artist']}: {row['Title']}"
                   + (f" ({row['CDJID']} was there twice; made anew)" if again else ""))
         for row in moved:
-            print(f"  moved    {row['Artist']}: {row['Title']}, now in \"{albums[row['CDJID']]}\","
+            print(f"  moved    {row['Title']}, now in \"{albums[row['CDJID']]}\","
                   f" still played {row['TimesPlayed']} times")
         for row in removed:
             if row["Title"] == "Allso Left":
