@@ -103,6 +103,7 @@ TEST_F(ProcessOneAlbumTest, MakesNoRowWithoutAnIdentifier) {
 TEST_F(ProcessOneAlbumTest, DoesNotWriteACountThatIsStored) {
     library.AddAlbumRow("252E671073EC0007", "Artist", "Title", 3);
     EXPECT_EQ(Process("Artist", "Title", 3), "252E671073EC0007");
+    EXPECT_EQ(library.Database().Count("Update Albums"), 0U);
     EXPECT_EQ(library.run.counts.albumsUnchanged, 1U);
     EXPECT_EQ(library.run.counts.albumsChanged, 0U);
 }

@@ -329,8 +329,10 @@ TEST_F(ProcessTracksAloneTest, MakesOneLookUpAndOnePositioningForAnUnchangedFile
 
     FileList again = List({R"(A\B\a.mp3)", R"(A\B\b.mp3)"});
     ProcessTracks(walk, album, again);
-    EXPECT_EQ(library.Database().Count(""), 2U);
     EXPECT_EQ(library.Database().Count("Like"), 2U);
+    EXPECT_EQ(library.Database().Count("Filter Tracks"), 2U);
+    EXPECT_EQ(library.Database().Count("Update Tracks"), 2U);
+    EXPECT_EQ(library.Database().Count(""), 6U);
 }
 
 }  // namespace

@@ -14,8 +14,9 @@ namespace {
 /// A table cursor that refuses the value its connection was told of.
 class FaultyCursor : public RecordSet {
   public:
-    FaultyCursor(FaultyConnection& connection, std::unique_ptr<RecordSet> real)
-        : connection_(connection), real_(std::move(real)) {}
+    FaultyCursor(FaultyConnection& connection, std::string_view table,
+                 std::unique_ptr<RecordSet> real)
+        : connection_(connection), table_(table), real_(std::move(real)) {}
 
     bool IsBof() const override { return real_->IsBof(); }
     bool IsEof() const override { return real_->IsEof(); }
@@ -29,15 +30,25 @@ class FaultyCursor : public RecordSet {
         if (refused && refused->first == field && value == Value(refused->second)) ThrowRefused();
         real_->Set(field, value);
     }
-    void AddNew() override { real_->AddNew(); }
-    void Update() override { real_->Update(); }
+    void AddNew() override {
+        connection_.Note("AddNew " + table_);
+        real_->AddNew();
+    }
+    void Update() override {
+        connection_.Note("Update " + table_);
+        real_->Update();
+    }
     void CancelUpdate() override { real_->CancelUpdate(); }
     void Delete() override { real_->Delete(); }
-    void Filter(std::string_view criterion) override { real_->Filter(criterion); }
+    void Filter(std::string_view criterion) override {
+        connection_.Note("Filter " + table_ + " " + std::string(criterion));
+        real_->Filter(criterion);
+    }
     void Sort(std::string_view order) override { real_->Sort(order); }
 
   private:
     FaultyConnection& connection_;
+    std::string table_;
     std::unique_ptr<RecordSet> real_;
 };
 
@@ -65,7 +76,7 @@ std::unique_ptr<RecordSet> FaultyConnection::OpenUpdatable(std::string_view sql)
 
 std::unique_ptr<RecordSet> FaultyConnection::OpenTable(std::string_view table) {
     Note("OpenTable " + std::string(table));
-    return std::make_unique<FaultyCursor>(*this, real_->OpenTable(table));
+    return std::make_unique<FaultyCursor>(*this, table, real_->OpenTable(table));
 }
 
 void FaultyConnection::Flush() {

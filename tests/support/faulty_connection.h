@@ -12,7 +12,8 @@
 
 namespace quillon::support {
 
-/// A database that notes its statements and refuses those that a test names.
+/// A database that notes its statements and refuses those that a test names. What a table cursor
+/// does counts as a statement, too: "Filter Tracks ID=5", "AddNew Tracks", "Update Tracks".
 class FaultyConnection : public Connection {
   public:
     explicit FaultyConnection(std::unique_ptr<Connection> real) : real_(std::move(real)) {}
