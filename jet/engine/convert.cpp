@@ -72,11 +72,25 @@ Value ToSingle(const ColumnDefinition& column, const Value& value) {
     return static_cast<double>(static_cast<float>(number));
 }
 
+/// Digit by digit, so that halves are told exactly.
+Decimal ToDecimal(const ColumnDefinition& column, const Value& value, std::uint8_t precision,
+                  std::uint8_t scale) {
+    const double real = ToReal(column, value);  // refuses what is no number
+    const auto* decimal = std::get_if<Decimal>(&value);
+    const std::string text = decimal ? DecimalText(*decimal) : FixedText(real);
+    const auto converted = ParseDecimal(text, precision, scale);
+    if (!converted) FailRange(column, NumberText(real));
+    return *converted;
+}
+
 Value ToCurrency(const ColumnDefinition& column, const Value& value) {
     if (std::holds_alternative<Currency>(value)) return value;
-    const double scaled = RoundHalfEven(ToReal(column, value) * 10000);
-    if (!(std::abs(scaled) < 9.2e18)) FailRange(column, NumberText(scaled / 10000));
-    return Currency{static_cast<std::int64_t>(scaled)};
+    const Decimal decimal = ToDecimal(column, value, 0, 4);
+    const auto& words = decimal.magnitude;
+    if (words[0] != 0 || words[1] != 0 || words[2] > 0x7FFFFFFF)
+        FailRange(column, DecimalText(decimal));
+    const auto magnitude = static_cast<std::int64_t>(std::uint64_t{words[2]} << 32 | words[3]);
+    return Currency{decimal.negative ? -magnitude : magnitude};
 }
 
 Value ToDate(const ColumnDefinition& column, const Value& value) {
@@ -137,18 +151,6 @@ Value ToGuid(const ColumnDefinition& column, const Value& value) {
     FailType(column);
 }
 
-Value ToDecimal(const ColumnDefinition& column, const Value& value) {
-    const auto* decimal = std::get_if<Decimal>(&value);
-    if (!decimal) ToReal(column, value);  // refuses what is no number
-    const std::string text = decimal ? DecimalText(*decimal)
-                             : std::holds_alternative<std::string>(value)
-                                 ? std::get<std::string>(value)
-                                 : FixedText(ToReal(column, value));
-    const auto converted = ParseDecimal(text, column.precision, column.scale);
-    if (!converted) FailRange(column, text);
-    return *converted;
-}
-
 }  // namespace
 
 Value ConvertToField(const ColumnDefinition& column, const Value& value) {
@@ -183,7 +185,7 @@ Value ConvertToField(const ColumnDefinition& column, const Value& value) {
         case ColumnType::Guid:
             return ToGuid(column, value);
         case ColumnType::Decimal:
-            return ToDecimal(column, value);
+            return ToDecimal(column, value, column.precision, column.scale);
     }
     FailType(column);
 }

@@ -7,21 +7,14 @@
 
 namespace jet {
 
-/// Record sets hold the session too, so that none outlives what it reads from.
+/// Record sets hold the session too: they can be read, and let go, after the file is closed.
 class Database::Implementation {
   public:
     Implementation(const std::filesystem::path& path, OpenMode mode)
         : session(std::make_shared<engine::Session>(path, mode)) {}
     Implementation(const Implementation&) = delete;
     Implementation& operator=(const Implementation&) = delete;
-    ~Implementation() {
-        try {
-            session->Flush();
-        } catch (const std::exception&) {
-            // A destructor cannot report; callers who want to know call Flush() themselves.
-            return;
-        }
-    }
+    ~Implementation() { session->Close(); }
 
     std::shared_ptr<engine::Session> session;
 };

@@ -47,8 +47,8 @@ constexpr std::int64_t SmallTable = 32;
 }  // namespace
 
 MirrorTable::MirrorTable(Sqlite& sqlite, StatementCache& statements, storage::Table& stored)
-    : sqlite_(sqlite), statements_(statements), stored_(stored) {
-    const TableDefinition& definition = stored_.Definition();
+    : sqlite_(sqlite), statements_(statements), stored_(&stored), definition_(stored.Definition()) {
+    const TableDefinition& definition = definition_;
     const std::string name = dialect::TableName(definition.name);
     const std::string key = QuotedName(KeyColumn);
     std::string create = "CREATE TABLE " + name + "(" + key + " INTEGER PRIMARY KEY";
@@ -70,10 +70,11 @@ MirrorTable::MirrorTable(Sqlite& sqlite, StatementCache& statements, storage::Ta
 
 void MirrorTable::Load() {
     if (loaded_) return;
+    RequireAttached();
     sqlite_.Execute("BEGIN");
     try {
         StatementLease insert = statements_.Take(insertSql_);
-        stored_.Scan([&](RowId row, storage::Row&& values) {
+        stored_->Scan([&](RowId row, storage::Row&& values) {
             InsertCopy(*insert, row.AsInteger(), values);
             ++rows_;
         });
@@ -103,11 +104,16 @@ void MirrorTable::InsertCopy(Statement& insert, RowKey key, std::span<const Valu
 }
 
 storage::Row MirrorTable::Read(RowKey key) const {
-    return stored_.Read(RowId::FromInteger(key));
+    return stored_->Read(RowId::FromInteger(key));
+}
+
+void MirrorTable::RequireAttached() const {
+    if (!stored_) throw Error(ErrorKind::Io, "The database has been closed");
 }
 
 void MirrorTable::RequireWritable() const {
-    if (const auto reason = stored_.ReadOnlyReason()) {
+    RequireAttached();
+    if (const auto reason = stored_->ReadOnlyReason()) {
         throw Error(ErrorKind::ReadOnly,
                     "Rows of '" + Definition().name + "' cannot be changed: " + *reason);
     }
@@ -116,7 +122,7 @@ void MirrorTable::RequireWritable() const {
 RowKey MirrorTable::Insert(storage::Row values) {
     for (std::size_t i = 0; i < values.size(); ++i)
         values[i] = ConvertToField(Definition().columns[i], values[i]);
-    const storage::Table::Inserted inserted = stored_.Insert(values);
+    const storage::Table::Inserted inserted = stored_->Insert(values);
     if (autoNumber_ && inserted.autoNumber)
         values[*autoNumber_] = std::int64_t{*inserted.autoNumber};
     const RowKey key = inserted.row.AsInteger();
@@ -130,7 +136,7 @@ RowKey MirrorTable::Insert(storage::Row values) {
 
 void MirrorTable::Update(RowKey key, std::span<const storage::FieldChange> changes) {
     if (changes.empty()) return;
-    stored_.Update(RowId::FromInteger(key), changes);
+    stored_->Update(RowId::FromInteger(key), changes);
     std::string sql = updateStart_;
     for (std::size_t i = 0; i < changes.size(); ++i) {
         if (i > 0) sql += ',';
@@ -147,7 +153,7 @@ void MirrorTable::Update(RowKey key, std::span<const storage::FieldChange> chang
 }
 
 void MirrorTable::Delete(RowKey key) {
-    stored_.Delete(RowId::FromInteger(key));
+    stored_->Delete(RowId::FromInteger(key));
     StatementLease remove = statements_.Take(deleteSql_);
     remove->Bind(1, key);
     remove->Run();

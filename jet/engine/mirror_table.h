@@ -22,11 +22,14 @@ class MirrorTable {
     /// Makes the copy's table, empty; nothing is owned.
     MirrorTable(Sqlite& sqlite, StatementCache& statements, storage::Table& stored);
 
-    const TableDefinition& Definition() const { return stored_.Definition(); }
+    const TableDefinition& Definition() const { return definition_; }
     const std::vector<dialect::ValueKind>& Kinds() const { return kinds_; }
 
     /// Fills the copy on the first call.
     void Load();
+
+    /// The file is being closed: the copy can still be read, nothing can be changed.
+    void Detach() noexcept { stored_ = nullptr; }
 
     std::int64_t RowCount() const { return rows_; }
     /// Differs whenever a row may have changed.
@@ -50,10 +53,12 @@ class MirrorTable {
   private:
     void InsertCopy(Statement& insert, RowKey key, std::span<const Value> values);
     void CountRow();
+    void RequireAttached() const;
 
     Sqlite& sqlite_;
     StatementCache& statements_;
-    storage::Table& stored_;
+    storage::Table* stored_;  ///< null after Detach()
+    TableDefinition definition_;
     std::vector<dialect::ValueKind> kinds_;
     std::string insertSql_, deleteSql_, updateStart_;
     std::optional<std::size_t> autoNumber_;

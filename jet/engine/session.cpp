@@ -45,9 +45,9 @@ Session::Session(const std::filesystem::path& path, OpenMode mode)
       statements_(sqlite_),
       advisor_(sqlite_, statements_) {
     RegisterFunctions(sqlite_);
-    for (const std::string& name : file_.TableNames())
+    for (const std::string& name : file_->TableNames())
         tables_.push_back(
-            std::make_unique<MirrorTable>(sqlite_, statements_, file_.OpenTable(name)));
+            std::make_unique<MirrorTable>(sqlite_, statements_, file_->OpenTable(name)));
     catalog_ = [this](std::string_view name) -> const TableDefinition* {
         for (const auto& table : tables_)
             if (dialect::SameName(table->Definition().name, name)) return &table->Definition();
@@ -115,7 +115,14 @@ void Session::DrainAll() {
 }
 
 void Session::Flush() {
-    if (mode_ == OpenMode::ReadWrite) file_.Commit();
+    if (mode_ == OpenMode::ReadWrite) file_->Commit();
+}
+
+void Session::Close() {
+    for (const auto& table : tables_)
+        table->Detach();
+    // The file's own end commits once more and gives up the lock, whatever happens here.
+    const std::optional<storage::DatabaseFile> closing = std::exchange(file_, std::nullopt);
 }
 
 }  // namespace jet::engine

@@ -4,6 +4,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -60,15 +61,18 @@ class Session {
     /// To be called before rows of the table are changed. Error(ReadOnly) if they must not be.
     void BeforeChange(const MirrorTable& table);
     /// To be called after each statement or record-set change.
-    void AfterChange() { file_.CommitIfDue(); }
+    void AfterChange() { file_->CommitIfDue(); }
     void Flush();
+
+    /// Commits and gives the file up. Record sets can still read what is in memory.
+    void Close();
 
   private:
     void DrainAll();
     void LookAfterIndexes(Plan& plan);
 
     OpenMode mode_;
-    storage::DatabaseFile file_;
+    std::optional<storage::DatabaseFile> file_;  ///< empty once closed
     Sqlite sqlite_;
     StatementCache statements_;
     std::vector<std::unique_ptr<MirrorTable>> tables_;
