@@ -18,6 +18,21 @@ class InitCommand : public TemporaryFolder {
         words.insert(words.end(), more.begin(), more.end());
         return CallProgram(words);
     }
+    /// "cdj.mdb" with one owned track of this file.
+    void CreateDatabaseWithTrack(const std::string& soundFile) const {
+        CreateJukeboxDatabase(Path("cdj.mdb"));
+        auto database = jet::Database::Open(Path("cdj.mdb"), jet::OpenMode::ReadWrite);
+        database.Execute(
+            "INSERT INTO Albums (CDJID, Title, Artist, Player) "
+            "VALUES ('1', 'Dawn', 'Alder', 1001)");
+        database.Execute("INSERT INTO Tracks (CDJID, Track, SoundFile) VALUES ('1', 1, '" +
+                         soundFile + "')");
+        // Of another player: its paths mean nothing here.
+        database.Execute("INSERT INTO Albums (CDJID, Player) VALUES ('2', 1)");
+        database.Execute(
+            "INSERT INTO Tracks (CDJID, Track, SoundFile) "
+            "VALUES ('2', 1, 'Q:\\Else\\01.mp3')");
+    }
     bool HasEntry(const std::string& file, const std::string& entry) const {
         return ("\n" + Read(file)).find("\n" + entry + "\n") != std::string::npos;
     }
@@ -95,6 +110,49 @@ TEST_F(InitCommand, RefersToAnExistingDatabaseWhereItIs) {
     EXPECT_TRUE(HasEntry("shelf/Quillon.ini", "Nirvis_CDJ_DB=J:\\cdj.mdb"));
     EXPECT_FALSE(fs::exists(Path("shelf/jukebox.mdb")));
     EXPECT_EQ(Read("data/jukebox/cdj.mdb"), before);
+}
+
+TEST_F(InitCommand, GivesTheMusicThePathsThatAnExistingDatabaseHas) {
+    MakeFolder("srv/jukebox/music/Alder/Dawn");
+    Write("srv/jukebox/music/Alder/Dawn/01.mp3", "x");
+    CreateDatabaseWithTrack("E:\\Jukebox\\Music\\Alder\\Dawn\\01.mp3");
+    const ProgramResult result =
+        Init({"--music", Path("srv/jukebox/music"), "--database", Path("cdj.mdb")});
+    ASSERT_EQ(result.status, 0) << result.err;
+    EXPECT_TRUE(HasEntry("shelf/Quillon.ini", "LibraryRoot=E:\\Jukebox\\Music"));
+    EXPECT_TRUE(HasEntry("shelf/host.ini", "E=" + Path("srv").string()));
+    EXPECT_EQ(result.out.find("Caution"), std::string::npos);
+    EXPECT_EQ(CallProgram({"check", "--host", Path("shelf")}).out.find("would remove"),
+              std::string::npos);
+}
+
+TEST_F(InitCommand, KeepsNetworkPathsOfAnExistingDatabase) {
+    MakeFolder("music/Alder");
+    Write("music/Alder_Dawn.mp3", "x");
+    CreateDatabaseWithTrack("\\\\nas\\music\\Alder_Dawn.mp3");
+    ASSERT_EQ(Init({"--music", Path("music"), "--database", Path("cdj.mdb")}).status, 0);
+    EXPECT_TRUE(HasEntry("shelf/Quillon.ini", "LibraryRoot=\\\\nas\\music"));
+    EXPECT_TRUE(HasEntry("shelf/host.ini", "\\\\NAS\\MUSIC=" + Path("music").string()))
+        << Read("shelf/host.ini");
+}
+
+TEST_F(InitCommand, WarnsWhenTheDatabasesPathsCannotBeKept) {
+    MakeFolder("songs/Alder");
+    Write("songs/Alder/01.mp3", "x");
+    CreateDatabaseWithTrack("E:\\Music\\Alder\\01.mp3");
+    const ProgramResult result = Init({"--music", Path("songs"), "--database", Path("cdj.mdb")});
+    ASSERT_EQ(result.status, 0) << result.err;
+    EXPECT_NE(result.out.find("Caution: the database has its tracks in E:\\Music."),
+              std::string::npos)
+        << result.out;
+    EXPECT_TRUE(HasEntry("shelf/Quillon.ini", "LibraryRoot=D:\\songs"));
+}
+
+TEST_F(InitCommand, RefusesAFileThatIsNoDatabase) {
+    MakeFolder("Music");
+    Write("cdj.mdb", "no database");
+    EXPECT_EQ(Init({"--music", Path("Music"), "--database", Path("cdj.mdb")}).status, 2);
+    EXPECT_FALSE(fs::exists(Path("shelf")));
 }
 
 TEST_F(InitCommand, OverwritesNothingAndSaysWhatIsThere) {
