@@ -41,6 +41,7 @@ void IndexCheck::Run() {
         return;  // which entries are missing cannot be said
     }
     CheckLinks(leaves_);
+    if (!last_.leaf) CheckLinks({last_});  // the root, which came last
     CheckMissing();
     std::ranges::sort(reached_);
     if (reached_ != owned)
@@ -61,6 +62,8 @@ Bytes IndexCheck::Walk(PageNumber page, std::size_t depth) {
     const auto freeBytes = storage::Load<std::uint16_t>(*content, 2);
     if (freeBytes != storage::EntryRoom - view.UsedBytes())
         findings_.Fault(where_, "page " + std::to_string(page) + " has a wrong free-space word");
+    if (view.Count() == 0 && view.PrefixLength() != 0)
+        findings_.Fault(where_, "page " + std::to_string(page) + " is empty and has a prefix");
     const Neighbours self{page, view.Previous(), view.Next(), view.IsLeaf()};
 
     Bytes greatest;

@@ -46,6 +46,8 @@ class DefinitionReader {
         return storage::ToUtf8(name);
     }
 
+    std::size_t Left() const { return bytes_.size() - position_; }
+
     void SkipTo(std::size_t position) {
         if (position > bytes_.size()) storage::ThrowDamaged("the definition is too short");
         position_ = position;
@@ -59,6 +61,7 @@ class DefinitionReader {
 /// The definition without the headers of its further pages.
 Bytes Collect(Pages& pages, PageNumber first, const std::string& where) {
     Bytes bytes;
+    if (first == 0) storage::ThrowDamaged("the catalog names no definition");
     for (PageNumber page = first; page != 0;) {
         if (!pages.Claim(page, PageUse::Definition, where))
             storage::ThrowDamaged("the definition is not whole");
@@ -96,9 +99,34 @@ Column ReadColumn(DefinitionReader& reader) {
     return column;
 }
 
-void CheckColumns(const Shape& shape) {
+/// Whether a column's values can have the length that its definition gives them.
+bool HasPossibleLength(const Column& column) {
+    constexpr std::uint16_t Longest = 510;
+    switch (column.type) {
+        case ColumnType::Text:
+            return column.length != 0 && column.length <= Longest && column.length % 2 == 0;
+        case ColumnType::Binary:
+            return column.length <= Longest;
+        case ColumnType::Boolean:
+            return column.length == 1;
+        case ColumnType::Decimal:  // Access itself has written 10 there
+            return true;
+        default: {
+            const std::size_t size = storage::FixedSize(column.type);
+            return size == 0 || size == column.length;
+        }
+    }
+}
+
+void CheckColumns(const Shape& shape, Findings& findings) {
+    if (shape.columns.size() > shape.columnsEver || shape.variableEver > shape.columnsEver)
+        storage::ThrowDamaged("the definition has impossible counts");
     std::set<std::uint16_t> numbers, slots;
     for (const Column& column : shape.columns) {
+        if (!HasPossibleLength(column))
+            findings.Fault("table " + shape.name, "column " + column.name +
+                                                      " has the impossible length " +
+                                                      std::to_string(column.length));
         if (column.number >= shape.columnsEver || !numbers.insert(column.number).second)
             storage::ThrowDamaged("column " + column.name + " has an impossible number");
         if (!column.fixed && column.type != ColumnType::Boolean &&
@@ -182,11 +210,13 @@ void ReadParts(std::span<const std::uint8_t> bytes, Shape& shape, Findings& find
         shape.columns.push_back(ReadColumn(reader));
     for (Column& column : shape.columns)
         column.name = reader.NextName();
-    CheckColumns(shape);
+    CheckColumns(shape, findings);
     for (std::size_t i = 0; i < indexes; ++i)
         ReadRealIndex(reader, shape);
     ReadIndexNames(reader, shape, logical, findings);
     ReadLongMaps(reader, shape);
+    if (reader.Left() != 0)
+        findings.Fault("table " + shape.name, "the definition is longer than what it defines");
 }
 
 }  // namespace

@@ -25,6 +25,9 @@ void TableData::CheckField(RowId id, const Column& column, std::span<const std::
     } else if (column.type == ColumnType::Text) {
         const std::size_t size = 2 * storage::ToUtf16(storage::DecodeText(bytes)).size();
         if (size > column.length) findings_.Fault(where, "the text is longer than it may be");
+        const bool compressed = bytes.size() >= 2 && bytes[0] == 0xFF && bytes[1] == 0xFE;
+        if (!compressed && bytes.size() % 2 != 0)
+            findings_.Fault(where, "the text ends in the middle of a character");
     } else if (column.type == ColumnType::Binary) {
         if (bytes.size() > column.length)
             findings_.Fault(where, "the value is longer than it may be");

@@ -43,6 +43,9 @@ std::vector<PageNumber> UsageMaps::Read(storage::RowId map, const std::string& w
         findings_.Fault(where, "there is no map at " + Place(map));
         return found;
     }
+    // Pages of map rows belong to no table; the page of the global map names itself.
+    if (slots.Owner() != (map.page == 1 ? 1U : 0U))
+        findings_.Fault(where, "page " + std::to_string(map.page) + " has maps and an owner");
     const auto row = slots.Bytes(map.slot);
     if (row[0] == Inline) {
         AddBits(row.subspan(InlineHeader), storage::Load<PageNumber>(row, 1), mayReachOut, where,
