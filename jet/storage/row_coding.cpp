@@ -39,7 +39,8 @@ std::size_t RowReader::Offset(std::size_t slot) const {
 
 bool RowReader::Bit(const ColumnLayout& column) const {
     if (column.number >= columns_) return false;
-    return (row_[mask_ + column.number / 8U] >> column.number % 8U & 1U) != 0;
+    const unsigned byte = row_[mask_ + column.number / 8U], bit = column.number % 8U;
+    return (byte >> bit & 1U) != 0;
 }
 
 std::optional<std::span<const std::uint8_t>> RowReader::Field(const ColumnLayout& column) const {
