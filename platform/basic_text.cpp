@@ -70,6 +70,12 @@ int CompareIgnoringCase(std::string_view left, std::string_view right) {
     std::size_t l = 0;
     std::size_t r = 0;
     while (l < left.size() && r < right.size()) {
+        // Most characters of most names are the same; only characters below 0x80 are one byte.
+        if (left[l] == right[r] && static_cast<unsigned char>(left[l]) < 0x80) {
+            ++l;
+            ++r;
+            continue;
+        }
         const char32_t leftCode = NextUpper(left, l);
         const char32_t rightCode = NextUpper(right, r);
         if (leftCode != rightCode) return UnitOrder(leftCode) < UnitOrder(rightCode) ? -1 : 1;

@@ -138,18 +138,18 @@ std::vector<FolderEntry> FolderLister::SubFolders(const WindowsPath& shown,
 
 std::vector<FileEntry> FolderLister::FilesIn(const WindowsPath& shown, const std::string& local) {
     std::vector<FileEntry> files;
+    const std::string beginning = shown.Child("");
     ForEach(shown, local, Wanted::Files, [&](std::string_view name, const struct stat& facts) {
         if (S_ISREG(facts.st_mode)) {
-            files.push_back(MakeFileEntry(shown, std::string(name), facts));
+            files.push_back(MakeFileEntry(beginning + std::string(name), std::string(name), facts));
         }
     });
     SortByName(files);
     return files;
 }
 
-FileEntry FolderLister::MakeFileEntry(const WindowsPath& folder, std::string name,
+FileEntry FolderLister::MakeFileEntry(std::string path, std::string name,
                                       const struct stat& facts) {
-    std::string path = folder.Child(name);
     return {std::move(path), std::move(name), static_cast<std::uint64_t>(facts.st_size),
             localTime_.Of(facts.st_mtim.tv_sec)};
 }

@@ -31,8 +31,8 @@ class FolderLister {
                                         const std::string& localRoot);
     std::vector<FileEntry> FilesIn(const WindowsPath& shown, const std::string& local);
 
-    /// A file's entry from what the operating system tells about it.
-    FileEntry MakeFileEntry(const WindowsPath& folder, std::string name, const struct stat& facts);
+    /// A file's entry from its Windows path and what the operating system tells about it.
+    FileEntry MakeFileEntry(std::string path, std::string name, const struct stat& facts);
 
   private:
     /// Which entries the operating system's own kind rules out without a further look.

@@ -117,7 +117,8 @@ FileEntry PortableFiles::GetFile(std::string_view path) {
     const std::optional<struct stat> facts = FactsOf(local);
     if (!facts) throw SystemFailure(errno, parsed.Text(), FailureNumber::FileNotFound);
     if (!S_ISREG(facts->st_mode)) throw Failure(FailureNumber::FileNotFound, parsed.Text());
-    return lister_.MakeFileEntry(FolderAndName(parsed).first, std::string(NameIn(local)), *facts);
+    const std::string name(NameIn(local));
+    return lister_.MakeFileEntry(FolderAndName(parsed).first.Child(name), name, *facts);
 }
 
 void PortableFiles::CreateFolder(std::string_view path) {

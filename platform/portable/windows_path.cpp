@@ -15,6 +15,24 @@ bool IsSeparator(char character) {
     return Separators.find(character) != std::string_view::npos;
 }
 
+/// Whether a character can be in no name at all.
+bool IsRefused(char character) {
+    switch (character) {
+        case '<':
+        case '>':
+        case ':':
+        case '"':
+        case '/':
+        case '\\':
+        case '|':
+        case '?':
+        case '*':
+            return true;
+        default:
+            return static_cast<unsigned char>(character) < 0x20;
+    }
+}
+
 bool IsLetter(char character) {
     return (character >= 'A' && character <= 'Z') || (character >= 'a' && character <= 'z');
 }
@@ -69,14 +87,14 @@ std::string TakeRoot(std::string_view& text, std::string_view path) {
 }  // namespace
 
 bool IsWindowsName(std::string_view name) {
-    constexpr std::string_view Refused = "<>:\"/\\|?*";
     if (name.empty() || name.back() == '.' || name.back() == ' ') return false;
-    const auto isRefused = [&](char character) {
-        return static_cast<unsigned char>(character) < 0x20 ||
-               Refused.find(character) != std::string_view::npos;
-    };
-    return std::none_of(name.begin(), name.end(), isRefused) && IsValidUtf8(name) &&
-           Utf16Length(name) <= LongestName;
+    bool isAscii = true;
+    for (const char character : name) {
+        if (IsRefused(character)) return false;
+        isAscii = isAscii && static_cast<unsigned char>(character) < 0x80;
+    }
+    if (isAscii) return name.size() <= LongestName;
+    return IsValidUtf8(name) && Utf16Length(name) <= LongestName;
 }
 
 std::string WindowsPath::Text() const {
