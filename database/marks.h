@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -38,8 +39,9 @@ bool MarkSnapshotExists(Run& run);
 void RestoreMarks(Run& run);
 
 /// Gives back the counts and numbers of what is still marked below these folders, so that the
-/// sweeps leave it alone; what was 0 before gets a free number. The snapshot stays.
-void RestoreMarksBelow(Run& run, const std::vector<UnlistedFolder>& folders);
+/// sweeps leave it alone; what was 0 before gets a free number. The snapshot stays. Returns how
+/// many tracks that concerned.
+std::size_t RestoreMarksBelow(Run& run, const std::vector<UnlistedFolder>& folders);
 
 /// The marked state is over: makes the database durable, then removes the snapshot.
 void DiscardMarkSnapshot(Run& run);

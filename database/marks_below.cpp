@@ -66,7 +66,8 @@ class PartialRestoration {
                        const UnlistedRows& unlisted)
         : connection_(connection), snapshot_(snapshot), unlisted_(unlisted) {}
 
-    void RestoreTracks() {
+    /// Returns how many there are.
+    std::size_t RestoreTracks() {
         struct Change {
             std::int64_t id;
             MarkedValue number;
@@ -94,8 +95,12 @@ class PartialRestoration {
         const auto cursor = connection_.OpenTable("Tracks");
         for (const Change& change : changes)
             Write(*cursor, change.id, "Track", change.number);
-        for (const auto& [cdjid, ids] : unnumbered)
+        std::size_t count = changes.size();
+        for (const auto& [cdjid, ids] : unnumbered) {
             NumberApart(connection_, *cursor, cdjid, ids);
+            count += ids.size();
+        }
+        return count;
     }
 
     void RestoreAlbums() {
@@ -149,8 +154,8 @@ class PartialRestoration {
 
 }  // namespace
 
-void RestoreMarksBelow(Run& run, const std::vector<UnlistedFolder>& folders) {
-    if (folders.empty()) return;
+std::size_t RestoreMarksBelow(Run& run, const std::vector<UnlistedFolder>& folders) {
+    if (folders.empty()) return 0;
     std::optional<MarkSnapshot> snapshot;
     if (MarkSnapshotExists(run)) {
         snapshot = ReadMarkSnapshot(run.files, MarkSnapshotPath(run.settings.Nirvis_CDJ_DB));
@@ -159,8 +164,9 @@ void RestoreMarksBelow(Run& run, const std::vector<UnlistedFolder>& folders) {
     const MarkSnapshot before = snapshot ? std::move(*snapshot) : MarkSnapshot();
     const UnlistedRows unlisted(folders);
     PartialRestoration restoration(*run.connection, before, unlisted);
-    restoration.RestoreTracks();
+    const std::size_t tracks = restoration.RestoreTracks();
     restoration.RestoreAlbums();
+    return tracks;
 }
 
 }  // namespace quillon

@@ -7,6 +7,7 @@
 #include "database/marks.h"
 #include "database/missing_tracks.h"
 #include "platform/files.h"
+#include "reconcile/absent_folders.h"
 #include "reconcile/folder_walk.h"
 #include "reconcile/walk.h"
 #include "run/log.h"
@@ -43,7 +44,11 @@ void RefreshDatabase(Run& run) {
         RefreshDatabaseFolder(walk, folder);
     if (run.AbortRequested) return;
 
-    if (!steps.Try(3, [&] { RestoreMarksBelow(run, walk.unlisted); })) return;
+    const bool othersKept = steps.Try(3, [&] {
+        RestoreMarksBelow(run, walk.unlisted);
+        KeepRowsOfAbsentFolders(run);
+    });
+    if (!othersKept) return;
     DeleteMissingTracks(run);
     steps.TryAs("Refresh Database Track=0 Query", 3, [&run] { DeleteMissingAlbums(run); });
     steps.Try(3, [&run] { DiscardMarkSnapshot(run); });

@@ -195,7 +195,7 @@ TEST_F(MarksTest, AreOverWhenTheSnapshotIsDiscarded) {
 
 TEST_F(MarksTest, ComeBackBelowAnArtistFolder) {
     RemoveDuplicates(library.run);
-    RestoreMarksBelow(library.run, {{R"(D:\Music\A)", "A", ""}});
+    EXPECT_EQ(RestoreMarksBelow(library.run, {{R"(D:\Music\A)", "A", ""}}), 3U);
     EXPECT_EQ(State(), before);
     EXPECT_TRUE(MarkSnapshotExists(library.run));
 }

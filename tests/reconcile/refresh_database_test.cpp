@@ -213,6 +213,53 @@ TEST_F(RefreshDatabaseTest, ChangesNothingWhenItWasNotMarked) {
     EXPECT_EQ(library.run.counts.tracksUnchanged, tracks.size());
 }
 
+/// The library's folders are those that a text file in the root names.
+class ListedFoldersTest : public RefreshDatabaseTest {
+  protected:
+    ListedFoldersTest() {
+        library.run.settings.LibraryDepthOption = true;
+        library.run.settings.LibraryRoot = R"(D:\Lists)";
+        library.files.AddFile(R"(D:\Lists\folders.TXT)",
+                              "D:\\Music\r\n\r\nE:\\More\r\nE:\\More\r\nsome remark\r\n"
+                              "\\\\nas\\share\\none\r\n");
+        library.AddAlbumRow("252E671073EC0900", "Violet", "One", 5);
+        library.AddTrackRow("252E671073EC0900", 4, R"(E:\More\Violet\One\a.mp3)");
+        library.AddTrackRow("252E671073EC0900", 2, R"(E:\More\Violet\One\b.mp3)");
+        albums = library.Albums();
+        tracks = library.Tracks();
+    }
+};
+
+TEST_F(ListedFoldersTest, KeepTheirRowsWhileTheyAreNotThere) {
+    library.Reconcile();
+    EXPECT_TRUE(NothingIsLost());
+    EXPECT_THAT(library.host.log,
+                ElementsAre(R"(Quillon: RefreshDatabase, No folder at library folder E:\More, )"
+                            "2 tracks below it are kept"));
+}
+
+TEST_F(ListedFoldersTest, LoseTheirRowsWhenTheyAreNotListedAnyMore) {
+    library.files.AddFile(R"(D:\Lists\folders.TXT)", "D:\\Music\r\n");
+    library.Reconcile();
+    EXPECT_THAT(library.Albums(), SizeIs(albums.size() - 1));
+    EXPECT_THAT(library.Tracks(), SizeIs(tracks.size() - 2));
+    EXPECT_THAT(library.host.log, IsEmpty());
+}
+
+TEST_F(ListedFoldersTest, AreNotAskedForWithoutTheDepthOption) {
+    library.run.settings.LibraryDepthOption = false;
+    library.Reconcile();
+    EXPECT_THAT(library.Albums(), SizeIs(albums.size() - 1));
+}
+
+TEST_F(ListedFoldersTest, SweepNothingWhenTheirListCannotBeRead) {
+    library.calls.Refuse(R"(OpenText D:\Lists\folders.TXT)", FailureNumber::PermissionDenied, "x");
+    library.Reconcile();
+    EXPECT_THAT(library.host.log, ElementsAre(StartsWith("Quillon: RefreshDatabase Line 3 ")));
+    RestoreMarks(library.run);
+    EXPECT_TRUE(NothingIsLost());
+}
+
 TEST_F(RefreshDatabaseTest, CountsWhatItDid) {
     library.RemoveFile(R"(Red\One\a.mp3)");
     library.RemoveFile(R"(Blue\Two\a.mp3)");

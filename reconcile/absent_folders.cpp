@@ -1,0 +1,44 @@
+#include "reconcile/absent_folders.h"
+
+#include <algorithm>
+#include <memory>
+
+#include "database/marks.h"
+#include "platform/basic_text.h"
+#include "platform/files.h"
+#include "run/log.h"
+#include "run/paths.h"
+#include "run/run.h"
+
+namespace quillon {
+
+std::vector<std::string> AbsentLibraryFolders(Run& run) {
+    std::vector<std::string> absent;
+    if (!run.settings.LibraryDepthOption) return absent;
+    for (const FileEntry& file : run.files.FilesIn(run.settings.LibraryRoot)) {
+        if (LowerCase(file.name).find(".txt") == std::string::npos) continue;
+        const std::unique_ptr<TextReader> lines = run.files.OpenText(file.path);
+        while (!lines->AtEndOfStream()) {
+            std::string line = lines->ReadLine();
+            const std::string drive = GetDrive(AddBackslash(line));
+            const bool isPath = drive.ends_with(':') || drive.starts_with("\\\\");
+            if (isPath && !run.files.FolderExists(line) &&
+                std::find(absent.begin(), absent.end(), line) == absent.end()) {
+                absent.push_back(std::move(line));
+            }
+        }
+    }
+    return absent;
+}
+
+void KeepRowsOfAbsentFolders(Run& run) {
+    for (const std::string& folder : AbsentLibraryFolders(run)) {
+        const std::size_t kept = RestoreMarksBelow(run, {{folder, "", ""}});
+        if (kept == 0) continue;
+        LogError(run, LogSource,
+                 "RefreshDatabase, No folder at library folder " + folder + ", " +
+                     std::to_string(kept) + " tracks below it are kept");
+    }
+}
+
+}  // namespace quillon
