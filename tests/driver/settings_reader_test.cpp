@@ -26,7 +26,7 @@ class SettingsReader : public ::testing::Test {
     }
 
     SettingReading Reading(std::string_view key) {
-        for (SettingReading& reading : InspectSettings(world.host).readings) {
+        for (const SettingReading& reading : InspectSettings(world.host).readings) {
             if (reading.key == key) return reading;
         }
         ADD_FAILURE() << "no reading of " << key;
@@ -49,6 +49,7 @@ TEST_F(SettingsReader, AsksTheHostForThirtyThreeKeysInTheirOrder) {
         "PlaToM3u",           "M3uToPla",         "MakeRemote",       "PlaylistByAlbumOption",
         "RandomizePlaylist"};
     std::vector<std::string> expected;
+    expected.reserve(keys.size());
     for (const std::string& key : keys) {
         expected.push_back("GetINISetting NPFrame " + key + " Quillon.ini");
     }
