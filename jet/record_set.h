@@ -12,6 +12,10 @@ namespace jet {
 /// Rows to walk over and, where the kind allows it, to change. A fresh record set stands on its
 /// first row. All kinds throw jet::Error.
 ///
+/// Without ORDER BY or Sort rows come in the order in which they are stored. Moving, Filter and
+/// Sort forget an edit that Update() has not stored. Rows deleted meanwhile are passed over; rows
+/// added meanwhile appear after the next MoveFirst(), Filter() or Sort().
+///
 /// Kinds: results of Database::Query (forward, read-only), of Database::OpenUpdatable (rows of a
 /// query that may be changed in place) and of Database::OpenTable (a table cursor with everything).
 class RecordSet {
@@ -27,7 +31,9 @@ class RecordSet {
 
     virtual std::size_t FieldCount() const = 0;
     virtual const std::string& FieldName(std::size_t field) const = 0;
-    /// Error(NotFound) names a field that does not exist; letter case does not count.
+    /// Error(NotFound) names a field that does not exist; letter case does not count. Where two
+    /// tables of a query have a field of the same name, the fields are called "Tracks.Title" and
+    /// "Albums.Title", and "Title" finds the first of them.
     virtual std::size_t FieldIndex(std::string_view name) const = 0;
 
     /// The current row's (or the row being added's) value.

@@ -1,10 +1,8 @@
 #include "jet/dialect/date_text.h"
 
-#include <charconv>
 #include <chrono>
 #include <cmath>
 #include <cstdint>
-#include <vector>
 
 #include "jet/dialect/names.h"
 
@@ -28,11 +26,10 @@ void SkipBlanks(std::string_view& text) {
 /// A number of at most four digits; `digits` tells how many there were.
 std::optional<int> TakeNumber(std::string_view& text, std::size_t* digits = nullptr) {
     std::size_t length = 0;
-    while (length < text.size() && IsDigit(text[length]))
-        ++length;
-    if (length == 0 || length > 4) return std::nullopt;
     int number = 0;
-    std::from_chars(text.data(), text.data() + length, number);
+    while (length < text.size() && length < 5 && IsDigit(text[length]))
+        number = number * 10 + (text[length++] - '0');
+    if (length == 0 || length > 4) return std::nullopt;
     text.remove_prefix(length);
     if (digits) *digits = length;
     return number;

@@ -82,7 +82,6 @@ void Session::LookAfterIndexes(Plan& plan) {
         generation += table->Generation();
     if (plan.generation == generation) return;
     plan.generation = generation;
-    DrainAll();
     for (std::size_t i = 0; i < plan.tables.size(); ++i)
         advisor_.Prepare(plan.translation.tables[i], *plan.tables[i]);
 }
@@ -106,12 +105,6 @@ void Session::BeforeChange(const MirrorTable& table) {
     const std::vector<RowStream*> streams = streams_;
     for (RowStream* stream : streams)
         if (stream->Reads(table)) stream->Drain();
-}
-
-void Session::DrainAll() {
-    const std::vector<RowStream*> streams = streams_;
-    for (RowStream* stream : streams)
-        stream->Drain();
 }
 
 void Session::Flush() {

@@ -68,7 +68,6 @@ class Session {
     void Close();
 
   private:
-    void DrainAll();
     void LookAfterIndexes(Plan& plan);
 
     OpenMode mode_;
