@@ -9,6 +9,7 @@
 #include "app/commands/init_command.h"
 #include "app/commands/run_command.h"
 #include "app/display_text.h"
+#include "app/standard_descriptors.h"
 
 namespace quillon {
 namespace {
@@ -46,6 +47,7 @@ int RunProgram(std::span<const char* const> arguments, Console console) {
 }
 
 int RunProgram(int argumentCount, const char* const* arguments) {
+    FillStandardDescriptors();
     return RunProgram({arguments, static_cast<std::size_t>(argumentCount)},
                       Console{std::cout, std::cerr});
 }

@@ -1,8 +1,11 @@
 #include "app/checks/database_check.h"
 
+#include <array>
 #include <fmt/format.h>
+#include <fstream>
 #include <ostream>
 #include <string>
+#include <string_view>
 
 #include "app/database_needs.h"
 #include "app/display_text.h"
@@ -59,10 +62,33 @@ void TellContents(jet::Database& database, const Settings& settings, std::ostrea
             "them all and add what it finds as new");
 }
 
+/// The lock file that says who has the database open, and what that means for a run.
+void CheckLock(const std::filesystem::path& database, Findings& findings) {
+    constexpr std::size_t NameSize = 32;
+    const std::filesystem::path path = std::filesystem::path(database).replace_extension(".ldb");
+    std::ifstream file(path, std::ios::binary);
+    bool isOthers = false;
+    bool hasEntry = false;
+    std::array<char, 2 * NameSize> entry{};
+    while (file.read(entry.data(), entry.size())) {
+        hasEntry = true;
+        const std::string_view user(entry.data() + NameSize, NameSize);
+        isOthers = isOthers || !user.starts_with("Quillon");
+    }
+    if (isOthers)
+        findings.Problem(fmt::format(
+            "Another program has the database open, or was cut off while it had: {} is there",
+            path.string()));
+    else if (hasEntry)
+        findings.Caution(
+            fmt::format("A run is under way, or was cut off: {} is there", path.string()));
+}
+
 }  // namespace
 
 void CheckDatabase(const std::filesystem::path& path, const Settings& settings, std::ostream& out,
                    Findings& findings) try {
+    CheckLock(path, findings);
     jet::Database database = jet::Database::Open(path, jet::OpenMode::ReadOnly);
     const auto tables = database.Tables();
     out << fmt::format("  opens; {} tables\n", tables.size());

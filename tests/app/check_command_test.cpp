@@ -158,6 +158,23 @@ TEST_F(CheckCommand, WarnsWhenTheDatabaseKnowsTheMusicByOtherPaths) {
     EXPECT_EQ(Section(Check().out, "Worth a look"), "");
 }
 
+TEST_F(CheckCommand, SeesThatTheDatabaseIsOpenElsewhere) {
+    const auto entry = [](std::string machine, std::string user) {
+        machine.resize(32, ' ');
+        user.resize(32, ' ');
+        return machine + user;
+    };
+    Write("shelf/jukebox.ldb", entry("JUKEBOX-PC", "Admin"));
+    EXPECT_EQ(Check().status, 2);
+    EXPECT_TRUE(Has(Section(Check().out, "Problems"), "jukebox.ldb is there"));
+
+    Write("shelf/jukebox.ldb", entry("HERE", "Quillon"));
+    EXPECT_EQ(Check().status, 0) << "a run takes over what a killed run has left";
+    EXPECT_TRUE(Has(Section(Check().out, "Worth a look"), "jukebox.ldb is there"));
+    Write("shelf/jukebox.ldb", "");
+    EXPECT_EQ(Section(Check().out, "Worth a look"), "");
+}
+
 TEST_F(CheckCommand, ChangesNothing) {
     const auto state = [this] {
         std::string text;

@@ -1,0 +1,140 @@
+#!/usr/bin/env python3
+"""process_test.py PROGRAM   what only a process of its own can show: streams that are closed or break,
+signals, exit statuses."""
+
+import os
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+from pathlib import Path
+
+PROGRAM = sys.argv[1]
+TIME_LIMIT = 120
+
+
+class Failed(Exception):
+    """What was expected did not come true; the text says what."""
+
+
+def call(*arguments, **options):
+    return subprocess.run([PROGRAM, *arguments], capture_output=True, text=True, check=False,
+                          timeout=TIME_LIMIT, **options)
+
+
+def shell(command, **variables):
+    """Runs a shell command in which "$Q" is the program."""
+    return subprocess.run(["sh", "-c", command], capture_output=True, text=True, check=False,
+                          timeout=TIME_LIMIT, env=dict(os.environ, Q=PROGRAM, **variables))
+
+
+def expect(what, expected, actual):
+    if expected != actual:
+        raise Failed(f"{what}: expected {expected!r}, got {actual!r}")
+
+
+def host_folder(work, albums=1):
+    for number in range(albums):
+        folder = work / "Music" / f"Artist {number}" / "Album"
+        folder.mkdir(parents=True)
+        for track in range(5):
+            (folder / f"{track} - Song.mp3").write_bytes(bytes(300))
+    expect("init", 0, call("init", str(work / "shelf"), "--music", str(work / "Music")).returncode)
+    return str(work / "shelf")
+
+
+def is_whole(host):
+    checked = call("db", "check", f"{host}/jukebox.mdb")
+    expect("db check: " + checked.stdout + checked.stderr, 0, checked.returncode)
+
+
+def streams_are_kept_apart(work):
+    done = call("--version")
+    expect("version on standard output", True, done.stdout.startswith("quillon "))
+    done = call("init", str(work / "x"))
+    expect("status of a usage error", 2, done.returncode)
+    expect("output of a usage error", "", done.stdout)
+    expect("hint of a usage error", True, "Try 'quillon init --help'." in done.stderr)
+
+
+def closed_streams_never_reach_the_database(work):
+    host = host_folder(work)
+    for closed in (">&-", "<&- >&-", "<&- >&- 2>&-", "2>&- >&-"):
+        done = shell(f'"$Q" run --host "$HOST" --view plain {closed}', HOST=host)
+        expect(f"status with {closed}", 0, done.returncode)
+        is_whole(host)
+
+
+def a_reader_that_goes_away_does_not_end_a_run(work):
+    host = host_folder(work)
+    done = shell('{ "$Q" run --host "$HOST" --view plain; echo $? >&2; } | head -n 1', HOST=host)
+    expect("what the reader saw", True, done.stdout.startswith("Library Consistency Management"))
+    expect("status of the run", "0\n", done.stderr)
+    is_whole(host)
+
+
+def the_host_folder_is_found(work):
+    host = host_folder(work)
+    expect("by variable", 0, shell('QUILLON_HOST="$HOST" "$Q" run --view plain', HOST=host).returncode)
+    expect("as current folder", 0, shell('cd "$HOST" && "$Q" --view plain', HOST=host).returncode)
+    done = shell('cd "$WORK" && QUILLON_HOST= "$Q"', WORK=str(work))
+    expect("nowhere", 2, done.returncode)
+    expect("nowhere, in words", True, "has no Quillon.ini and no host.ini" in done.stderr)
+
+
+def auto_writes_plain_lines_into_a_pipe(work):
+    host = host_folder(work)
+    done = call("run", "--host", host, stdin=subprocess.DEVNULL)
+    expect("phases", True, "\n4. Add Folder Tracks to Library\n" in done.stdout)
+    expect("no escape sequences", False, "\x1b" in done.stdout)
+    summary = done.stdout.splitlines()[-1]
+    expect("summary", True, "Albums: 1 added" in summary and "Tracks: 5 added" in summary)
+    done = call("run", "--host", host, "--view", "terminal", stdin=subprocess.DEVNULL)
+    expect("status without a terminal", 2, done.returncode)
+
+
+def signalled(host, signals):
+    """A run that gets these signals as soon as its first line is there; its exit status."""
+    run = subprocess.Popen([PROGRAM, "run", "--host", host, "--view", "plain"],
+                           stdin=subprocess.DEVNULL, stdout=subprocess.PIPE)
+    run.stdout.readline()
+    for number in signals:
+        run.send_signal(number)
+        time.sleep(0.002)
+    run.communicate(timeout=TIME_LIMIT)
+    return run.returncode
+
+
+def signals_abort_and_a_second_one_ends_at_once(work):
+    host = host_folder(work, albums=400)
+    for signals in ([signal.SIGTERM], [signal.SIGINT], [signal.SIGTERM, signal.SIGINT]):
+        expect(f"status after {signals}", 3, signalled(host, signals))
+        # Opening for writing lets the journal of an unfinished change have its effect.
+        expect("next opening", 0,
+               call("db", "exec", f"{host}/jukebox.mdb", "DELETE * FROM Spinner").returncode)
+        is_whole(host)
+    expect("the run after them", 0, call("run", "--host", host, "--view", "plain").returncode)
+    counted = call("db", "query", "--json", f"{host}/jukebox.mdb", "SELECT Count(*) AS N FROM Tracks")
+    expect("tracks in the end", '{"N":2000}\n', counted.stdout)
+
+
+def main():
+    failures = 0
+    for story in (streams_are_kept_apart, closed_streams_never_reach_the_database,
+                  a_reader_that_goes_away_does_not_end_a_run, the_host_folder_is_found,
+                  auto_writes_plain_lines_into_a_pipe,
+                  signals_abort_and_a_second_one_ends_at_once):
+        name = story.__name__.replace("_", " ")
+        with tempfile.TemporaryDirectory(prefix="quillon-process-") as folder:
+            try:
+                story(Path(folder))
+                print(f"{name}: yes")
+            except Failed as failure:
+                failures += 1
+                print(f"{name}: NO: {failure}")
+    return 1 if failures else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
