@@ -1,0 +1,2 @@
+mv disk/Elsewhere away
+rm -r disk/Music/Jazz/Birch
