@@ -28,7 +28,7 @@ std::size_t ColumnOf(const StoredTable& objects, std::string_view name, ColumnTy
 }
 
 template <typename T>
-T As(const Value& value, T ifNull) {
+T As(const Value& value, const T& ifNull) {
     const T* held = std::get_if<T>(&value);
     return held == nullptr ? ifNull : *held;
 }

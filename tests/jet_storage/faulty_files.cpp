@@ -125,6 +125,11 @@ void FaultyFileSystem::Rename(const std::filesystem::path& from, const std::file
     NoteName(from);
     NoteName(to);
     real_->Rename(from, to);
+    unflushed_.erase(to);
+    if (auto writes = unflushed_.extract(from)) {
+        writes.key() = to;
+        unflushed_.insert(std::move(writes));
+    }
 }
 
 void FaultyFileSystem::Remove(const std::filesystem::path& path) {
