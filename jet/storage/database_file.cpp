@@ -146,6 +146,7 @@ void DatabaseFile::Create(const std::filesystem::path& path,
     } catch (const Error&) {
         std::error_code ignored;
         std::filesystem::remove(unfinished, ignored);
+        std::filesystem::remove(unfinished += ".journal", ignored);
         throw;
     }
 }

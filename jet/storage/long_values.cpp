@@ -50,6 +50,10 @@ Bytes MakeField(std::size_t length, Kind kind, std::uint32_t pointer) {
 void ForEachPiece(PageStore& pages, const LongField& field,
                   const std::function<void(RowId, std::span<const std::uint8_t>)>& visit) {
     std::size_t left = field.length;
+    // Without this, a chain that runs in a circle could fill the memory.
+    if (left > std::size_t{pages.PageCount()} * PageSize) {
+        ThrowDamaged("a long value is longer than the file");
+    }
     for (std::uint32_t pointer = field.pointer; pointer != 0 && left != 0;) {
         const RowId row = RowIdOf(pointer);
         const auto page = pages.Read(row.page);
