@@ -69,15 +69,14 @@ class Restoration {
         for (; !rows->IsEof(); rows->MoveNext()) {
             const std::int64_t id = rows->Integer("ID");
             const std::string cdjid = rows->Text("CDJID");
-            const MarkedTrack* const before = snapshot_.FindTrack(id);
-            const bool known =
-                before != nullptr && before->soundFile == Fingerprint(rows->Text("SoundFile"));
-            const auto home = known ? cdjids_.find(before->album) : cdjids_.end();
-            if (home == cdjids_.end()) {
+            const MarkedTrack* const before = Before(id, rows->Text("SoundFile"));
+            if (before == nullptr) {
                 newcomers[cdjid].insert(id);
-            } else if (rows->Get("Track") != FieldValue(before->number) || home->second != cdjid) {
-                changes.push_back({id, before->number, &home->second});
+                continue;
             }
+            const std::string& home = cdjids_.at(before->album);
+            if (rows->Get("Track") != FieldValue(before->number) || home != cdjid)
+                changes.push_back({id, before->number, &home});
         }
         const auto cursor = connection_.OpenTable("Tracks");
         for (const Change& change : changes) {
@@ -91,6 +90,14 @@ class Restoration {
     }
 
   private:
+    /// What the snapshot says of a track; null when it is not in there or its album is gone.
+    const MarkedTrack* Before(std::int64_t id, std::string_view soundFile) const {
+        const MarkedTrack* const track = snapshot_.FindTrack(id);
+        const bool fits = track != nullptr && track->soundFile == Fingerprint(soundFile) &&
+                          cdjids_.contains(track->album);
+        return fits ? track : nullptr;
+    }
+
     Connection& connection_;
     const MarkSnapshot& snapshot_;
     std::unordered_map<std::int64_t, std::string> cdjids_;  ///< by ID of an album still there
