@@ -13,7 +13,7 @@ namespace {
 using std::chrono::sys_days;
 using std::chrono::year_month_day;
 
-constexpr std::int64_t SecondsADay = 24 * 60 * 60;
+constexpr std::int64_t SecondsADay = std::int64_t{24} * 60 * 60;
 constexpr sys_days ZeroDate{
     year_month_day{std::chrono::year{1899}, std::chrono::month{12}, std::chrono::day{30}}};
 // Midnight of 1 January 100 and of 1 January 10000: what the runtime's dates span.

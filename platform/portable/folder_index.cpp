@@ -1,11 +1,10 @@
 #include "platform/portable/folder_index.h"
 
-#include <dirent.h>
-#include <memory>
 #include <sys/stat.h>
 #include <utility>
 
 #include "platform/basic_text.h"
+#include "platform/portable/folder_stream.h"
 #include "platform/portable/windows_path.h"
 
 namespace quillon {
@@ -45,8 +44,7 @@ bool FolderIndex::ReadStamp(const std::string& folder, Stamp& stamp) {
 }
 
 bool FolderIndex::ReadNames(const std::string& folder, Listing& listing) {
-    const auto close = [](DIR* stream) { closedir(stream); };
-    const std::unique_ptr<DIR, decltype(close)> stream(opendir(folder.c_str()), close);
+    const FolderStream stream = OpenFolder(folder);
     if (!stream) return false;
     listing.names.clear();
     while (const dirent* const entry = readdir(stream.get())) {

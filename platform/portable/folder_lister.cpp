@@ -4,14 +4,13 @@
 #include <array>
 #include <cerrno>
 #include <cstdio>
-#include <dirent.h>
 #include <fcntl.h>
-#include <memory>
 #include <system_error>
 #include <utility>
 
 #include "platform/ansi.h"
 #include "platform/basic_text.h"
+#include "platform/portable/folder_stream.h"
 #include "platform/portable/safe_file.h"
 #include "platform/portable/system_failure.h"
 
@@ -67,8 +66,7 @@ void SortByName(std::vector<Entry>& entries) {
 template <typename Visit>
 void FolderLister::ForEach(const WindowsPath& shown, const std::string& local, Wanted wanted,
                            Visit visit) {
-    const auto close = [](DIR* stream) { closedir(stream); };
-    const std::unique_ptr<DIR, decltype(close)> stream(opendir(local.c_str()), close);
+    const FolderStream stream = OpenFolder(local);
     if (!stream) throw SystemFailure(errno, shown.Text());
     const unsigned char unwanted = wanted == Wanted::Folders ? DT_REG : DT_DIR;
     while (true) {

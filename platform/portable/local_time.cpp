@@ -3,8 +3,8 @@
 namespace quillon {
 namespace {
 
-constexpr std::int64_t QuarterHour = 15 * 60;
-constexpr std::int64_t SecondsADay = 24 * 60 * 60;
+constexpr std::int64_t QuarterHour = std::int64_t{15} * 60;
+constexpr std::int64_t SecondsADay = std::int64_t{24} * 60 * 60;
 constexpr std::int64_t UnixEpochDay = 25569;  // 1 January 1970
 
 std::int64_t FloorDivide(std::int64_t value, std::int64_t by) {

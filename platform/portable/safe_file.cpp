@@ -1,17 +1,16 @@
 #include "platform/portable/safe_file.h"
 
-#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
-#include <dirent.h>
 #include <fcntl.h>
-#include <memory>
+#include <filesystem>
 #include <optional>
 #include <sys/file.h>
+#include <system_error>
 #include <unistd.h>
 
+#include "platform/portable/folder_stream.h"
 #include "platform/portable/system_failure.h"
 
 namespace quillon {
@@ -32,11 +31,10 @@ std::optional<struct stat> FactsOf(const std::string& path) {
 
 /// The file that a path leads to through symbolic links; a link that leads nowhere is replaced.
 std::string BehindLinks(const std::string& path) {
-    struct stat facts{};
-    if (lstat(path.c_str(), &facts) != 0 || !S_ISLNK(facts.st_mode)) return path;
-    const auto release = [](char* text) { std::free(text); };  // NOLINT: realpath's own memory
-    const std::unique_ptr<char, decltype(release)> real(realpath(path.c_str(), nullptr), release);
-    return real ? std::string(real.get()) : path;
+    std::error_code nowhere;
+    if (!std::filesystem::is_symlink(path, nowhere)) return path;
+    const std::filesystem::path real = std::filesystem::canonical(path, nowhere);
+    return nowhere ? path : real.string();
 }
 
 /// Makes a rename outlast a power cut. Some file systems cannot do that for a folder; the rename
@@ -50,7 +48,8 @@ void SyncFolder(const std::string& folder) {
 
 }  // namespace
 
-SafeFile::SafeFile(std::string target, std::string_view shownPath, Existing existing, mode_t mode)
+SafeFile::SafeFile(const std::string& target, std::string_view shownPath, Existing existing,
+                   mode_t mode)
     : target_(BehindLinks(target)),
       shownPath_(shownPath),
       existing_(existing),
@@ -129,8 +128,7 @@ bool SafeFile::IsTemporaryName(std::string_view name) {
 }
 
 std::size_t SafeFile::RemoveAbandoned(const std::string& folder) {
-    const auto close = [](DIR* stream) { closedir(stream); };
-    const std::unique_ptr<DIR, decltype(close)> stream(opendir(folder.c_str()), close);
+    const FolderStream stream = OpenFolder(folder);
     std::size_t removed = 0;
     while (const dirent* const entry = stream ? readdir(stream.get()) : nullptr) {
         if (!IsTemporaryName(entry->d_name)) continue;

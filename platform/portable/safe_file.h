@@ -22,7 +22,8 @@ class SafeFile {
     /// and the file it leads to is replaced; a replaced file's owner and mode stay. `mode` is that
     /// of a new file, before the process's mask. Failure: PathNotFound without the folder,
     /// PermissionDenied for a folder or a write-protected file of that name, FileAlreadyExists.
-    SafeFile(std::string target, std::string_view shownPath, Existing existing, mode_t mode = 0666);
+    SafeFile(const std::string& target, std::string_view shownPath, Existing existing,
+             mode_t mode = 0666);
     SafeFile(const SafeFile&) = delete;
     SafeFile& operator=(const SafeFile&) = delete;
     ~SafeFile();

@@ -40,10 +40,10 @@ std::string AnsiTextReader::ReadLine() {
     return AnsiToUtf8(line);
 }
 
-AnsiTextWriter::AnsiTextWriter(std::string target, std::string_view shownPath,
+AnsiTextWriter::AnsiTextWriter(const std::string& target, std::string_view shownPath,
                                std::function<void()> closed)
     : shownPath_(shownPath),
-      file_(std::move(target), shownPath, SafeFile::Existing::Replace),
+      file_(target, shownPath, SafeFile::Existing::Replace),
       closed_(std::move(closed)) {}
 
 void AnsiTextWriter::Write(std::string_view text) {

@@ -33,7 +33,8 @@ class AnsiTextReader : public TextReader {
 class AnsiTextWriter : public TextWriter {
   public:
     /// `closed` is called when the file has its name.
-    AnsiTextWriter(std::string target, std::string_view shownPath, std::function<void()> closed);
+    AnsiTextWriter(const std::string& target, std::string_view shownPath,
+                   std::function<void()> closed);
 
     void Write(std::string_view text) override;
     void WriteLine(std::string_view line) override;
