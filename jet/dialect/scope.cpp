@@ -70,14 +70,14 @@ Target Translator::Resolve(const Expression& column, const Context& context) con
         if (const Output* output = FindOutput(scope, column, false))
             return {&scope, nullptr, 0, output};
     }
-    for (const Scope* candidate = &scope; candidate; candidate = candidate->outer) {
-        if (const Target found = FindColumn(*candidate, column); found.instance) return found;
-        // An alias is a name of last resort, in the query itself only.
-        if (candidate == &scope && context.outputsAllowed) {
-            if (const Output* output = FindOutput(scope, column, true))
-                return {&scope, nullptr, 0, output};
-        }
+    if (const Target found = FindColumn(scope, column); found.instance) return found;
+    // An alias is a name of last resort, in the query itself only.
+    if (context.outputsAllowed) {
+        if (const Output* output = FindOutput(scope, column, true))
+            return {&scope, nullptr, 0, output};
     }
+    for (const Scope* outer = scope.outer; outer; outer = outer->outer)
+        if (const Target found = FindColumn(*outer, column); found.instance) return found;
     FailUnknown(column, scope);
 }
 
