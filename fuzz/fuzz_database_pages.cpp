@@ -74,8 +74,8 @@ std::vector<std::uint8_t> MakeDatabase() {
 }
 
 std::vector<std::uint8_t> Changed(std::span<const std::uint8_t> input) {
-    static const std::vector<std::uint8_t> Database = MakeDatabase();
-    std::vector<std::uint8_t> content = Database;
+    static const std::vector<std::uint8_t> database = MakeDatabase();
+    std::vector<std::uint8_t> content = database;
     const std::size_t pages = content.size() / storage::PageSize;
     for (; input.size() >= ChangeSize; input = input.subspan(ChangeSize)) {
         const std::size_t page = storage::Load<std::uint16_t>(input, 0) % pages;

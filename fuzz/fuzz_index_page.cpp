@@ -93,8 +93,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         Attempt([&] { tree.Insert(key, {.page = 300, .slot = 1}); });
     }
     constexpr std::size_t MostRemoved = 300;
-    entries.resize(std::min(entries.size(), MostRemoved));
-    for (const auto& [key, row] : entries) {
+    const auto removed = std::span(entries).first(std::min(entries.size(), MostRemoved));
+    for (const auto& [key, row] : removed) {
         Attempt([&] { tree.ContainsKey(key); });
         Attempt([&] { tree.Insert(key, {.page = row.page ^ 1U, .slot = row.slot}); });
         Attempt([&] { tree.Remove(key, row); });

@@ -143,7 +143,7 @@ TEST(IndexTree, LeavesOutACommonBeginningWhereThatSavesASplit) {
     model.Insert(TextKey(u"1"), Row(5000));
     model.Insert(TextKey(u"zzz"), Row(5001));
     model.Check("foreign keys");
-    std::vector<Model::Entry> all(model.Entries().begin(), model.Entries().end());
+    const std::vector<Model::Entry> all(model.Entries().begin(), model.Entries().end());
     for (const auto& [key, row] : all)
         model.Remove(key, row);
     EXPECT_EQ(model.Check("all removed").levels, 1U);

@@ -18,7 +18,7 @@ namespace jet::test {
 namespace {
 
 std::string ReadFile(const std::filesystem::path& path) {
-    std::ifstream stream(path, std::ios::binary);
+    const std::ifstream stream(path, std::ios::binary);
     std::ostringstream content;
     content << stream.rdbuf();
     return std::move(content).str();

@@ -77,7 +77,7 @@ std::vector<std::pair<PageNumber, std::size_t>> LongHeaders(SampleBytes& file, s
 }
 
 const std::vector<Damage>& Damages() {
-    static const std::vector<Damage> All{
+    static const std::vector<Damage> all{
         {"RowCount", [](SampleBytes& f) { ++f.At(f.Definition(), 0x10); }, "the definition counts"},
         {"AutoNumber", [](SampleBytes& f) { f.Set<std::int32_t>(f.Definition(), 0x14, 5); },
          "the last auto-number is 5, but a row has"},
@@ -229,7 +229,7 @@ const std::vector<Damage>& Damages() {
              f.At(definition, 0) = 1;
          },
          "is no page of a definition"}};
-    return All;
+    return all;
 }
 
 class DamagedFile : public testing::TestWithParam<Damage> {};

@@ -43,7 +43,7 @@ template <typename Set>
 void ForEachUnit(std::span<const SortRun> runs, Set set) {
     for (const SortRun& run : runs)
         for (int i = 0; i < run.count; ++i)
-            set(static_cast<std::size_t>(run.first + i), run, i);
+            set(std::size_t{run.first} + static_cast<std::size_t>(i), run, i);
 }
 
 /// Letters have one byte or two; which it is can be told from the first byte.
@@ -97,8 +97,8 @@ SortTable::SortTable() : units_(UnitCount) {
 }
 
 const SortTable& SortTable::Get() {
-    static const SortTable Table;
-    return Table;
+    static const SortTable table;
+    return table;
 }
 
 }  // namespace jet::storage
