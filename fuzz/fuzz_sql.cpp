@@ -14,7 +14,7 @@ using namespace jet;           // NOLINT(google-build-using-namespace)
 using namespace jet::dialect;  // NOLINT(google-build-using-namespace)
 
 const TableDefinition* FindTable(std::string_view name) {
-    static const std::vector<TableDefinition> Tables = {
+    static const std::vector<TableDefinition> tables = {
         {"Albums",
          {{"ID", ColumnType::Long},
           {"CDJID", ColumnType::Text, 50},
@@ -40,7 +40,7 @@ const TableDefinition* FindTable(std::string_view name) {
           {"Genre", ColumnType::Text}},
          {}},
     };
-    for (const TableDefinition& table : Tables)
+    for (const TableDefinition& table : tables)
         if (SameName(table.name, name)) return &table;
     return nullptr;
 }

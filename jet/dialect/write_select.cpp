@@ -79,6 +79,7 @@ std::string Translator::WriteSource(const Source& source, Scope& scope) {
 
 std::string Translator::WriteFrom(const std::vector<Source>& sources, Scope& scope) {
     std::vector<std::string> parts;
+    parts.reserve(sources.size());
     for (const Source& source : sources)
         parts.push_back(WriteSource(source, scope));
     for (std::size_t i = 0; i < scope.instances.size(); ++i) {

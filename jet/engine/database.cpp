@@ -46,7 +46,7 @@ std::unique_ptr<RecordSet> Database::OpenUpdatable(std::string_view sql) {
 }
 
 std::unique_ptr<RecordSet> Database::OpenTable(std::string_view table) {
-    engine::MirrorTable& opened = implementation_->session->Table(table);
+    const engine::MirrorTable& opened = implementation_->session->Table(table);
     return std::make_unique<engine::Cursor>(implementation_->session,
                                             "SELECT * FROM [" + opened.Definition().name + "]");
 }

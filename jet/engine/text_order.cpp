@@ -129,7 +129,7 @@ std::string ToUpper(std::string_view text) {
 }
 
 int CompareIgnoringCase(std::string_view left, std::string_view right) {
-    static const Ranks OrderOfAscii = MakeRanks();
+    static const Ranks orderOfAscii = MakeRanks();
     const std::size_t common = std::min(left.size(), right.size());
     std::size_t at = 0;
     while (at < common &&
@@ -139,8 +139,8 @@ int CompareIgnoringCase(std::string_view left, std::string_view right) {
     // lies in the keys' first part. A text that ends there comes first.
     if (at == common) return Sign(left.size(), right.size());
     if (at < KeyLength && IsAscii(left[at]) && IsAscii(right[at])) {
-        const std::uint16_t a = OrderOfAscii[Byte(Lower(left[at]))];
-        const std::uint16_t b = OrderOfAscii[Byte(Lower(right[at]))];
+        const std::uint16_t a = orderOfAscii[Byte(Lower(left[at]))];
+        const std::uint16_t b = orderOfAscii[Byte(Lower(right[at]))];
         if (a != 0 && b != 0 && a != b) return a < b ? -1 : 1;
     }
     return CompareFolded(FoldCase(left), FoldCase(right));

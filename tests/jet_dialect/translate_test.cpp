@@ -16,7 +16,7 @@ using ::testing::HasSubstr;
 using ::testing::Not;
 
 const TableDefinition* FindTable(std::string_view name) {
-    static const std::vector<TableDefinition> Tables = {
+    static const std::vector<TableDefinition> tables = {
         {"Albums",
          {{"ID", ColumnType::Long},
           {"Title", ColumnType::Text},
@@ -32,7 +32,7 @@ const TableDefinition* FindTable(std::string_view name) {
           {"Never", ColumnType::Boolean}},
          {}},
     };
-    for (const TableDefinition& table : Tables)
+    for (const TableDefinition& table : tables)
         if (SameName(table.name, name)) return &table;
     return nullptr;
 }

@@ -24,7 +24,7 @@ int PlainOrder(const std::string& left, const std::string& right) {
 }
 
 std::vector<std::string> RandomTexts() {
-    static const std::string Pieces[] = {"a",        "B",        "b",        "Z",    "1",
+    static const std::string pieces[] = {"a",        "B",        "b",        "Z",    "1",
                                          " ",        "-",        "'",        "_",    "[",
                                          ".",        "\\",       "(",        "\x01", "~",
                                          "\xC3\x84", "\xC3\xA4", "\xC3\x9F", "ss",   "\xE6\x97\xA5",
@@ -34,7 +34,7 @@ std::vector<std::string> RandomTexts() {
     for (int i = 0; i < 400; ++i) {
         std::string text;
         for (auto length = random() % 5; length > 0; --length)
-            text += Pieces[random() % std::size(Pieces)];
+            text += pieces[random() % std::size(pieces)];
         texts.push_back(text);
     }
     texts.push_back(std::string(254, 'x') + "ab");
