@@ -33,8 +33,8 @@ struct ColumnDefinition {
     /// Text: the most characters (UTF-16 units) allowed, 1 to 255. Binary: the most bytes allowed.
     /// Unused by all other types.
     std::uint16_t size = 0;
-    bool autoNumber = false;  ///< Long only: the engine hands out the value
-    bool required = false;    ///< Null is refused
+    bool autoNumber = false;                ///< Long only: the engine hands out the value
+    bool required = false;                  ///< Null is refused
     std::uint8_t precision = 0, scale = 0;  ///< Decimal only
 };
 
@@ -46,7 +46,7 @@ struct IndexColumn {
 struct IndexDefinition {
     std::string name;
     std::vector<IndexColumn> columns;
-    bool primary = false;      ///< implies unique and required
+    bool primary = false;  ///< implies unique and required
     bool unique = false;
     bool required = false;     ///< Null in any column is refused
     bool ignoreNulls = false;  ///< rows with Null in every column have no entry

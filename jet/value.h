@@ -51,6 +51,8 @@ using Bytes = std::vector<std::uint8_t>;
 using Value = std::variant<Null, bool, std::int64_t, double, Date, Currency, Decimal, Guid, Bytes,
                            std::string>;
 
-inline bool IsNull(const Value& value) { return std::holds_alternative<Null>(value); }
+inline bool IsNull(const Value& value) {
+    return std::holds_alternative<Null>(value);
+}
 
 }  // namespace jet
