@@ -9,7 +9,7 @@ target_compile_options(quillon_options INTERFACE
     $<$<AND:$<CXX_COMPILER_ID:GNU>,$<VERSION_LESS:$<CXX_COMPILER_VERSION>,13>,$<CONFIG:Release>>:-Wno-restrict>)
 if(QUILLON_SANITIZE)
     target_compile_options(quillon_options INTERFACE
-        -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer -O1)
+        -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(quillon_options INTERFACE -fsanitize=address,undefined)
 endif()
 if(QUILLON_LIBFUZZER)
@@ -35,5 +35,7 @@ function(quillon_test name)
     cmake_parse_arguments(ARG "" "" "SOURCES;USES" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})
     target_link_libraries(${name} PRIVATE quillon_options ${ARG_USES} GTest::gtest_main GTest::gmock)
+    # What is tested is optimised in the release build; the tests themselves only need to compile fast.
+    target_compile_options(${name} PRIVATE -O0)
     gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
 endfunction()
