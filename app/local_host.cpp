@@ -23,7 +23,7 @@ bool HasFile(const std::filesystem::path& folder, std::string_view name) {
 }
 
 /// The folder itself, once it has been found to hold what a host folder holds.
-const std::filesystem::path& CheckedFolder(const std::filesystem::path& folder) {
+std::filesystem::path CheckedFolder(const std::filesystem::path& folder) {
     const std::string hint = "; 'quillon init' makes a host folder, --host names one";
     std::error_code ignored;
     if (!std::filesystem::is_directory(folder, ignored))

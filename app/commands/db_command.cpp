@@ -17,6 +17,7 @@ namespace {
 
 std::vector<std::string> FieldNames(const jet::RecordSet& rows) {
     std::vector<std::string> names;
+    names.reserve(rows.FieldCount());
     for (std::size_t i = 0; i < rows.FieldCount(); ++i)
         names.push_back(rows.FieldName(i));
     return names;

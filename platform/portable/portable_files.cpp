@@ -41,8 +41,13 @@ std::pair<WindowsPath, std::string> FolderAndName(const WindowsPath& path) {
     return {{path.root, path.rest.substr(0, slash)}, path.rest.substr(slash + 1)};
 }
 
+/// With the slash at its end.
+std::string FolderOf(const std::string& localPath) {
+    return localPath.substr(0, localPath.rfind('/') + 1);
+}
+
 std::string Sibling(const std::string& localPath, std::string_view name) {
-    return localPath.substr(0, localPath.rfind('/') + 1) + std::string(name);
+    return FolderOf(localPath) + std::string(name);
 }
 
 int OpenForReading(const std::string& local) {
@@ -136,6 +141,7 @@ void PortableFiles::CopyFile(std::string_view from, std::string_view to, bool ov
     const std::optional<struct stat> old = FactsOf(local);
     const bool itself = old && old->st_dev == facts.st_dev && old->st_ino == facts.st_ino;
     if (itself && overwrite) throw SystemFailure(EACCES, target.Text());
+    RemoveLeftoversOnce(FolderOf(local));
     SafeFile copy(local, target.Text(),
                   overwrite ? SafeFile::Existing::Replace : SafeFile::Existing::Refuse,
                   facts.st_mode & 0777U);
@@ -212,6 +218,7 @@ std::unique_ptr<TextReader> PortableFiles::OpenText(std::string_view path) {
 std::unique_ptr<TextWriter> PortableFiles::CreateText(std::string_view path) {
     const WindowsPath parsed = ParseWindowsPath(path);
     const std::string local = resolver_.Local(parsed);
+    RemoveLeftoversOnce(FolderOf(local));
     return std::make_unique<AnsiTextWriter>(local, parsed.Text(),
                                             [this, local] { resolver_.Index().Added(local); });
 }
@@ -220,8 +227,8 @@ std::unique_ptr<BinaryReader> PortableFiles::OpenBinary(std::string_view path) {
     return std::make_unique<PositionedReader>(OpenFile(resolver_, ParseWindowsPath(path)));
 }
 
-std::size_t PortableFiles::RemoveLeftovers(std::string_view folder) {
-    return SafeFile::RemoveAbandoned(resolver_.Local(folder));
+void PortableFiles::RemoveLeftoversOnce(const std::string& folder) {
+    if (withoutLeftovers_.insert(folder).second) SafeFile::RemoveAbandoned(folder);
 }
 
 }  // namespace quillon

@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 #include "platform/files.h"
@@ -32,12 +33,14 @@ class PortableFiles : public Files {
     std::unique_ptr<TextWriter> CreateText(std::string_view path) override;
     std::unique_ptr<BinaryReader> OpenBinary(std::string_view path) override;
 
-    /// Removes the unfinished files that killed runs have left directly inside a folder; how many.
-    std::size_t RemoveLeftovers(std::string_view folder);
-
   private:
+    /// Removes, before the first file is written into a folder (local path), the unfinished files
+    /// that killed runs have left there.
+    void RemoveLeftoversOnce(const std::string& folder);
+
     PathResolver& resolver_;
     FolderLister lister_;
+    std::unordered_set<std::string> withoutLeftovers_;  ///< local paths of folders
 };
 
 }  // namespace quillon

@@ -189,7 +189,8 @@ TEST(AbortSignals, LeaveASignalThatIsIgnored) {
 }
 
 TEST(RunSummary, GivesTheExitStatus) {
-    RunCounts clean, failed;
+    const RunCounts clean;
+    RunCounts failed;
     failed.errors = 1;
     EXPECT_EQ(ExitStatus({RunOutcome::Completed, clean, {}}), 0);
     EXPECT_EQ(ExitStatus({RunOutcome::Completed, failed, {}}), 1);

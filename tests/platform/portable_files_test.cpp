@@ -34,6 +34,14 @@ TEST_F(ExistsTest, TellsFilesFromFolders) {
     EXPECT_FALSE(files_.FileExists("D:\\music\\y.mp3"));
 }
 
+TEST_F(CopyTest, ClearsAwayWhatAKilledCopyLeftInTheFolder) {
+    folder_.MakeFile("Music/x.mp3");
+    folder_.MakeFile("Backup/.quillon-1-0.tmp");
+    files_.CopyFile("D:\\Music\\x.mp3", "D:\\Backup\\x.mp3", false);
+    EXPECT_TRUE(folder_.Exists("Backup/x.mp3"));
+    EXPECT_FALSE(folder_.Exists("Backup/.quillon-1-0.tmp"));
+}
+
 TEST_F(ExistsTest, WhatCannotBeAPathDoesNotExist) {
     for (const char* const path :
          {"", "x", "E:\\", "D:\\a*b", "D:\\..\\x", "\\\\nas\\x", "D:\\a\n"}) {
