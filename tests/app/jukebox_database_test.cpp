@@ -1,6 +1,5 @@
 #include "app/jukebox_database.h"
 
-#include <cstdlib>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <map>
@@ -11,6 +10,7 @@
 #include "jet/check.h"
 #include "jet/database.h"
 #include "tests/app/temporary_folder.h"
+#include "tests/outside/shared_folder.h"
 
 namespace quillon {
 namespace {
@@ -116,11 +116,8 @@ TEST_F(JukeboxDatabase, RefusesAPathThatExists) {
 
 /// Databases of the jukebox software's own kind, where there are any at hand.
 std::vector<fs::path> LibraryFixtures() {
-    const char* const shared = std::getenv("QUILLON_SHARED");
-    const fs::path folder =
-        fs::path(shared != nullptr ? shared : QUILLON_SHARED_DEFAULT) / "fixtures" / "library";
-    std::vector<fs::path> files;
-    if (fs::exists(folder / "empty.mdb")) files.push_back(folder / "empty.mdb");
+    std::vector<fs::path> files = outside::SampleDatabases();
+    std::erase_if(files, [](const fs::path& file) { return file.filename() != "empty.mdb"; });
     return files;
 }
 

@@ -1,26 +1,15 @@
 #include <cmath>
-#include <cstdlib>
 #include <filesystem>
 #include <gtest/gtest.h>
 
 #include "jet/engine/decimal_text.h"
 #include "jet/storage/database_file.h"
 #include "tests/jet_engine/sample_database.h"
+#include "tests/outside/shared_folder.h"
 
 namespace jet::testing {
 
 namespace {
-
-std::vector<std::filesystem::path> Fixtures() {
-    const char* const set = std::getenv("QUILLON_SHARED");
-    const std::filesystem::path folder =
-        std::filesystem::path(set ? set : QUILLON_SHARED_DEFAULT) / "fixtures";
-    std::vector<std::filesystem::path> files;
-    if (!std::filesystem::exists(folder)) return files;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder))
-        if (entry.path().extension() == ".mdb") files.push_back(entry.path());
-    return files;
-}
 
 /// Numbers of more than 15 digits lose the rest in memory; everything else is exact.
 bool SameValue(const Value& seen, const Value& stored) {
@@ -65,7 +54,7 @@ TEST_P(ForeignDatabase, ShowsWhatIsStored) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Fixtures, ForeignDatabase, ::testing::ValuesIn(Fixtures()),
+INSTANTIATE_TEST_SUITE_P(Fixtures, ForeignDatabase, ::testing::ValuesIn(outside::SampleDatabases()),
                          [](const auto& tested) {
                              std::string name = tested.param.stem().string();
                              for (char& letter : name)

@@ -1,11 +1,12 @@
 #include "tests/jet_engine/sample_database.h"
 
 #include <array>
-#include <cstdio>
 #include <cstdlib>
 #include <unistd.h>
 
 #include "jet/dialect/date_text.h"
+#include "tests/outside/command.h"
+#include "tests/outside/structural_check.h"
 
 namespace jet::testing {
 
@@ -34,21 +35,6 @@ struct ShowValue {
     }
     std::string operator()(const std::string& value) const { return value; }
 };
-
-std::string OutputOf(const std::string& command) {
-    std::string output;
-    FILE* const pipe = popen(command.c_str(), "r");
-    if (!pipe) return "cannot run: " + command;
-    std::array<char, 4096> buffer{};
-    while (const std::size_t count = std::fread(buffer.data(), 1, buffer.size(), pipe))
-        output.append(buffer.data(), count);
-    pclose(pipe);
-    return output;
-}
-
-std::string Quoted(const std::filesystem::path& path) {
-    return "'" + path.string() + "'";
-}
 
 }  // namespace
 
@@ -186,17 +172,13 @@ void SampleDatabase::Reopen(OpenMode mode) {
 }
 
 std::string StructuralFaults(const std::filesystem::path& database) {
-    const char* const set = std::getenv("QUILLON_SHARED");
-    const std::filesystem::path checker =
-        std::filesystem::path(set ? set : QUILLON_SHARED_DEFAULT) / "mdb" / "mdbcheck";
-    if (!std::filesystem::exists(checker)) return "";
-    const std::string output =
-        OutputOf(Quoted(checker) + " " + Quoted(database) + " 2>&1 && echo whole");
-    return output.ends_with("whole\n") ? "" : output;
+    return outside::StructuralFaults(database);
 }
 
 std::string Exported(const std::filesystem::path& database, const std::string& table) {
-    return OutputOf("mdb-export -H " + Quoted(database) + " '" + table + "' 2>&1");
+    return outside::RunCommand("mdb-export -H " + outside::ShellQuoted(database.string()) + " " +
+                               outside::ShellQuoted(table) + " 2>&1")
+        .output;
 }
 
 }  // namespace jet::testing

@@ -9,6 +9,7 @@
 #include "jet/error.h"
 #include "jet/storage/format/values.h"
 #include "tests/jet_index/samples.h"
+#include "tests/outside/shared_folder.h"
 
 namespace jet::storage {
 namespace {
@@ -189,7 +190,7 @@ TEST_P(SampleKeys, AreMadeFromTheirValues) {
 }
 
 GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(SampleKeys);
-INSTANTIATE_TEST_SUITE_P(AllSamples, SampleKeys, testing::ValuesIn(test::SampleDatabases()),
+INSTANTIATE_TEST_SUITE_P(AllSamples, SampleKeys, testing::ValuesIn(outside::SampleDatabases()),
                          [](const auto& sample) { return test::SampleName(sample.param); });
 
 }  // namespace

@@ -11,6 +11,7 @@
 #include "tests/jet_index/memory_pages.h"
 #include "tests/jet_index/samples.h"
 #include "tests/jet_index/tree_faults.h"
+#include "tests/outside/shared_folder.h"
 
 namespace jet::storage {
 namespace {
@@ -89,11 +90,11 @@ TEST_P(SampleTrees, CanBeChangedAndEmptied) {
 }
 
 GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(SampleTrees);
-INSTANTIATE_TEST_SUITE_P(AllSamples, SampleTrees, testing::ValuesIn(test::SampleDatabases()),
+INSTANTIATE_TEST_SUITE_P(AllSamples, SampleTrees, testing::ValuesIn(outside::SampleDatabases()),
                          [](const auto& sample) { return test::SampleName(sample.param); });
 
 TEST(DeepSample, HasTreesOfThreeLevels) {
-    for (const auto& path : test::SampleDatabases()) {
+    for (const auto& path : outside::SampleDatabases()) {
         if (path.stem() != "deep-index") continue;
         const test::SampleIndexes samples = test::ReadSampleIndexes(path);
         FilePages pages(path);

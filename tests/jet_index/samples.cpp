@@ -1,17 +1,15 @@
 #include "tests/jet_index/samples.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
-#include <cstdio>
 #include <cstdlib>
 #include <fstream>
-#include <memory>
 #include <sstream>
 #include <stdexcept>
 #include <string_view>
 
 #include "tests/jet_index/json.h"
+#include "tests/outside/command.h"
 
 namespace jet::test {
 
@@ -25,15 +23,7 @@ std::string ReadFile(const std::filesystem::path& path) {
 }
 
 std::string ReadCompressed(const std::filesystem::path& path) {
-    const std::string command = "gzip -dc '" + path.string() + "'";
-    // NOLINTNEXTLINE(cert-env33-c): the path comes from the test's own folder
-    const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), &pclose);
-    if (!pipe) throw std::runtime_error("cannot run gzip");
-    std::string content;
-    std::array<char, 65536> buffer{};
-    while (const std::size_t got = std::fread(buffer.data(), 1, buffer.size(), pipe.get()))
-        content.append(buffer.data(), got);
-    return content;
+    return outside::RunCommand("gzip -dc " + outside::ShellQuoted(path.string())).output;
 }
 
 unsigned HexDigit(char digit) {
@@ -154,24 +144,6 @@ std::vector<SampleIndex> ReadIndexes(const std::filesystem::path& schema) {
 }
 
 }  // namespace
-
-std::optional<std::filesystem::path> SharedFolder() {
-    const char* set = std::getenv("QUILLON_SHARED");
-    std::filesystem::path folder = set != nullptr ? set : QUILLON_SHARED_DEFAULT;
-    if (!std::filesystem::is_directory(folder / "fixtures")) return std::nullopt;
-    return folder;
-}
-
-std::vector<std::filesystem::path> SampleDatabases() {
-    std::vector<std::filesystem::path> databases;
-    if (const auto shared = SharedFolder()) {
-        for (const auto& entry :
-             std::filesystem::recursive_directory_iterator(*shared / "fixtures"))
-            if (entry.path().extension() == ".mdb") databases.push_back(entry.path());
-    }
-    std::ranges::sort(databases);
-    return databases;
-}
 
 std::string SampleName(const std::filesystem::path& database) {
     std::string name = database.stem().string();

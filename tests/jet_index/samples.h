@@ -11,13 +11,6 @@
 
 namespace jet::test {
 
-/// The folder of facts and sample databases that lies beside the project; none on a machine that
-/// has only the project.
-std::optional<std::filesystem::path> SharedFolder();
-
-/// All sample databases in it; empty without that folder.
-std::vector<std::filesystem::path> SampleDatabases();
-
 /// The file's name, fit for the name of a test.
 std::string SampleName(const std::filesystem::path& database);
 

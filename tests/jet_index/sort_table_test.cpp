@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "tests/jet_index/samples.h"
+#include "tests/outside/shared_folder.h"
 
 namespace jet::storage {
 namespace {
@@ -41,7 +42,7 @@ ByteList ParseBytes(const std::string& digits) {
 }
 
 TEST(SortTable, AgreesWithTheListOfAllUnits) {
-    const auto shared = test::SharedFolder();
+    const auto shared = outside::SharedFolder();
     std::ifstream list(shared ? *shared / "mdb" / "sort-keys.tsv" : std::filesystem::path());
     const SortTable& table = SortTable::Get();
     std::size_t units = 0;

@@ -1,14 +1,15 @@
 #include "tests/jet_storage/test_files.h"
 
 #include <algorithm>
-#include <array>
-#include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
-#include <memory>
 #include <stdexcept>
 #include <system_error>
+
+#include "tests/outside/command.h"
+#include "tests/outside/shared_folder.h"
+#include "tests/outside/structural_check.h"
 
 namespace jet::storage::test {
 
@@ -31,48 +32,21 @@ std::filesystem::path TemporaryFolder::CopyOf(const std::filesystem::path& origi
     return copy;
 }
 
-std::filesystem::path SharedFolder() {
-    const char* given = std::getenv("QUILLON_SHARED");
-    return given != nullptr ? given : QUILLON_SHARED_DEFAULT;
-}
-
-bool HasSharedFolder() {
-    return std::filesystem::exists(SharedFolder() / "fixtures");
-}
-
 std::vector<std::filesystem::path> DescribedDatabases() {
-    std::vector<std::filesystem::path> databases;
-    if (!HasSharedFolder()) return databases;
-    for (const auto& entry :
-         std::filesystem::recursive_directory_iterator(SharedFolder() / "fixtures")) {
-        auto rows = entry.path();
-        rows.replace_extension(".jsonl.gz");
-        if (entry.path().extension() == ".mdb" && std::filesystem::exists(rows)) {
-            databases.push_back(entry.path());
-        }
-    }
-    std::sort(databases.begin(), databases.end());
+    std::vector<std::filesystem::path> databases = outside::SampleDatabases();
+    std::erase_if(databases, [](std::filesystem::path rows) {
+        return !std::filesystem::exists(rows.replace_extension(".jsonl.gz"));
+    });
     return databases;
 }
 
 std::string OutputOf(const std::string& command) {
-    const auto close = [](std::FILE* pipe) { pclose(pipe); };
-    const std::unique_ptr<std::FILE, decltype(close)> pipe(popen(command.c_str(), "r"), close);
-    if (!pipe) throw std::runtime_error("cannot run " + command);
-    std::string output;
-    std::array<char, 65536> buffer{};
-    while (const std::size_t count = std::fread(buffer.data(), 1, buffer.size(), pipe.get())) {
-        output.append(buffer.data(), count);
-    }
-    return output;
+    return outside::RunCommand(command).output;
 }
 
 std::string FaultsOf(const std::filesystem::path& database, bool strict) {
-    const auto checker = SharedFolder() / "mdb" / "mdbcheck";
-    if (!std::filesystem::exists(checker)) return {};
-    const std::string output =
-        OutputOf(checker.string() + (strict ? " --strict " : " ") + database.string() + " 2>&1");
-    return output.starts_with("OK ") ? std::string() : output;
+    return outside::StructuralFaults(
+        database, strict ? outside::Strictness::Strict : outside::Strictness::Lenient);
 }
 
 std::string ReadFile(const std::filesystem::path& path) {

@@ -23,10 +23,6 @@ class TemporaryFolder {
     std::filesystem::path path_;
 };
 
-/// The folder of test databases and the checker, where it is at hand.
-std::filesystem::path SharedFolder();
-bool HasSharedFolder();
-
 /// All test databases with a description of their rows beside them.
 std::vector<std::filesystem::path> DescribedDatabases();
 

@@ -1,17 +1,17 @@
 #include "jet/check.h"
 
 #include <array>
-#include <cstdio>
 #include <cstdlib>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <memory>
 #include <random>
-#include <sys/wait.h>
 
 #include "jet/error.h"
 #include "tests/jet_index/samples.h"
 #include "tests/jet_verify/sample_file.h"
+#include "tests/outside/shared_folder.h"
+#include "tests/outside/structural_check.h"
 
 namespace jet {
 namespace {
@@ -19,27 +19,6 @@ namespace {
 using storage::PageNumber;
 using storage::PageType;
 using test::SampleBytes;
-
-/// What another checker says, where it is at hand.
-struct OtherVerdict {
-    bool faults = false;
-    std::string text;
-};
-
-std::optional<OtherVerdict> AskOtherChecker(const std::filesystem::path& file) {
-    const auto shared = test::SharedFolder();
-    if (!shared || !std::filesystem::exists(*shared / "mdb" / "mdbcheck")) return std::nullopt;
-    const std::string command =
-        "'" + (*shared / "mdb" / "mdbcheck").string() + "' '" + file.string() + "'";
-    FILE* pipe = popen(command.c_str(), "r");
-    if (pipe == nullptr) return std::nullopt;
-    OtherVerdict verdict;
-    std::array<char, 4096> buffer{};
-    while (const std::size_t got = std::fread(buffer.data(), 1, buffer.size(), pipe))
-        verdict.text.append(buffer.data(), got);
-    verdict.faults = WEXITSTATUS(pclose(pipe)) != 0;
-    return verdict;
-}
 
 struct Damage {
     const char* name;
@@ -251,8 +230,8 @@ TEST_P(DamagedFile, IsRecognised) {
     EXPECT_TRUE(all.find(told.substr(0, bar)) != std::string::npos ||
                 (bar != std::string::npos && all.find(told.substr(bar + 1)) != std::string::npos))
         << all;
-    if (const auto other = AskOtherChecker(path)) {
-        EXPECT_TRUE(other->faults) << other->text;
+    if (const auto other = outside::AskStructuralChecker(path)) {
+        EXPECT_NE(other->status, 0) << other->output;
     }
 }
 
@@ -269,8 +248,8 @@ TEST(CheckFile, FindsNothingInAWholeFile) {
     EXPECT_EQ(report.indexes, 10U);
     EXPECT_GT(report.rows, 390U);
     EXPECT_EQ(report.pages, std::filesystem::file_size(path) / storage::PageSize);
-    if (const auto other = AskOtherChecker(path)) {
-        EXPECT_FALSE(other->faults) << other->text;
+    if (const auto other = outside::AskStructuralChecker(path)) {
+        EXPECT_EQ(other->status, 0) << other->output;
     }
 }
 
@@ -338,14 +317,14 @@ class SampleFiles : public testing::TestWithParam<std::filesystem::path> {};
 
 TEST_P(SampleFiles, GetTheVerdictOfTheOtherChecker) {
     const CheckReport report = CheckFile(GetParam());
-    const auto other = AskOtherChecker(GetParam());
+    const auto other = outside::AskStructuralChecker(GetParam());
     ASSERT_TRUE(other);
-    EXPECT_EQ(report.faults.empty(), !other->faults) << other->text;
+    EXPECT_EQ(report.faults.empty(), other->status == 0) << other->output;
     std::array<std::size_t, 8> counts{};
-    const std::size_t line = other->text.find(" pages, ");
+    const std::size_t line = other->output.find(" pages, ");
     ASSERT_NE(line, std::string::npos);
-    const std::size_t start = other->text.find_last_not_of("0123456789", line - 1) + 1;
-    const std::string summary = other->text.substr(start);
+    const std::size_t start = other->output.find_last_not_of("0123456789", line - 1) + 1;
+    const std::string summary = other->output.substr(start);
     // NOLINTNEXTLINE(cert-err34-c): numbers that are missing stay 0 and fail below
     (void)std::sscanf(summary.c_str(),
                       "%zu pages, %zu tables, %zu rows on %zu data pages, %zu overflow rows, "
@@ -360,7 +339,7 @@ TEST_P(SampleFiles, GetTheVerdictOfTheOtherChecker) {
 }
 
 GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(SampleFiles);
-INSTANTIATE_TEST_SUITE_P(AllSamples, SampleFiles, testing::ValuesIn(test::SampleDatabases()),
+INSTANTIATE_TEST_SUITE_P(AllSamples, SampleFiles, testing::ValuesIn(outside::SampleDatabases()),
                          [](const auto& sample) { return test::SampleName(sample.param); });
 
 }  // namespace
