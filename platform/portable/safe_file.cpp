@@ -86,10 +86,9 @@ SafeFile::~SafeFile() {
 void SafeFile::WriteFrom(const FileHandle& source) {
     constexpr std::size_t AtATime = std::size_t{1} << 30U;
     off_t position = 0;
-    ssize_t count = 0;
     // The kernel copies, where it can for these two files, without a way through this process.
-    while ((count = copy_file_range(source.Descriptor(), &position, file_.Descriptor(), nullptr,
-                                    AtATime, 0)) > 0) {
+    while (copy_file_range(source.Descriptor(), &position, file_.Descriptor(), nullptr, AtATime,
+                           0) > 0) {
     }
     std::array<std::uint8_t, 65536> buffer{};
     while (const std::size_t length = source.ReadAt(static_cast<std::uint64_t>(position), buffer)) {

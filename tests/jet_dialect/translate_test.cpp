@@ -119,6 +119,7 @@ TEST(Translate, NotesWhichColumnsAreLookedUp) {
     EXPECT_THAT(query.tables[0].equalColumns, ElementsAre(0, 2));
     EXPECT_THAT(query.tables[1].equalColumns, ElementsAre(1));
     EXPECT_THAT(query.tables[1].suffixColumns, ElementsAre(3));
+    EXPECT_THAT(query.sql, ::testing::HasSubstr("likelihood(jet_suffix("));
 }
 
 TEST(Translate, AsksSingleRowsWhatHoldsForWholeGroups) {

@@ -140,7 +140,7 @@ TEST(ANewFile, IsReadAlikeByAnotherProgram) {
     DatabaseFile::Create(path, std::vector<TableDefinition>{table});
     auto file = DatabaseFile::Open(path, OpenMode::ReadWrite);
     std::string expected = "ID,Name,Notes,Valid\n";
-    RandomRows random(2);
+    const RandomRows random(2);
     std::vector<RowId> ids;
     for (int i = 1; i <= 300; ++i) {
         ids.push_back(file.OpenTable("Plain").Insert(Row{Null{}, Null{}, Null{}, false}).row);
