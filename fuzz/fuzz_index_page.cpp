@@ -94,9 +94,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     constexpr std::size_t MostRemoved = 300;
     const auto removed = std::span(entries).first(std::min(entries.size(), MostRemoved));
-    for (const auto& [key, row] : removed) {
+    for (const auto& entry : removed) {
+        const jet::Bytes& key = entry.first;
+        const storage::RowId row = entry.second;
+        const storage::RowId other{.page = row.page ^ 1U, .slot = row.slot};
         Attempt([&] { tree.ContainsKey(key); });
-        Attempt([&] { tree.Insert(key, {.page = row.page ^ 1U, .slot = row.slot}); });
+        Attempt([&] { tree.Insert(key, other); });
         Attempt([&] { tree.Remove(key, row); });
     }
     return 0;

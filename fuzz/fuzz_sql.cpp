@@ -1,6 +1,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "jet/dialect/names.h"
@@ -59,25 +60,31 @@ void Translate(const Statement& statement) {
     }
 }
 
+/// Refusal is an answer like any other.
+template <typename Work>
+void Attempt(Work&& work) {
+    try {
+        std::forward<Work>(work)();
+    } catch (const Error&) {
+        return;
+    }
+}
+
 }  // namespace
 
 /// Any text as a statement, and as the criterion of a record set: understood or refused, no more.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string_view text(reinterpret_cast<const char*>(data), size);
-    try {
+    Attempt([text] {
         const TokenList tokens = Tokenize(text);
         Signature(tokens);
         Translate(ParseStatement(tokens));
-    } catch (const Error&) {
-        // Refused: the usual case.
-    }
-    try {
+    });
+    Attempt([text] {
         const TokenList tokens = Tokenize(text);
         const TokenList base = Tokenize("SELECT * FROM Tracks");
         Select select = std::get<Select>(ParseStatement(base));
         TranslateKeys(Compose(std::move(select), ParseCriterion(tokens, 0), {}), FindTable);
-    } catch (const Error&) {
-        return 0;
-    }
+    });
     return 0;
 }
