@@ -23,9 +23,10 @@ void LogError(Run& run, std::string_view source, std::string_view location,
 void WriteLog(Run& run, std::string_view source, std::string_view message) {
     try {
         run.host.WriteLog(source, message);
-    } catch (const std::exception&) {
-        // The log is where failures are told; when it fails itself there is nowhere left to tell
-        // it, and the run must not end for it. The window below still shows the message.
+    } catch (const std::exception& failure) {
+        // The log is where failures are told; when it fails itself, only the window is left to
+        // tell it, and the run must not end for it.
+        run.window.LogWritten(source, failure.what());
     }
     run.window.LogWritten(source, message);
 }
