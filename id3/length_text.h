@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace quillon {
+
+/// A tag's comment that carries the track's length has the form "Length='184'" (whole seconds).
+/// Text between "Length='" and the next "'" (or the end); none when the comment holds no such
+/// text.
+std::optional<std::string> LengthInComment(std::string_view comment);
+
+/// The comment text for a length: "Length='" + seconds + "'".
+std::string LengthComment(std::string_view seconds);
+
+/// A length in a difference row has the form "Length=184". Its number of seconds; a value that is
+/// the bare number serves as well. None when what is left is not numeric or no whole number of
+/// seconds that a 16-bit integer holds.
+std::optional<std::int16_t> LengthInDifference(std::string_view value);
+
+/// The difference row's text for a length: "Length=" + seconds.
+std::string LengthDifference(std::string_view seconds);
+
+}  // namespace quillon
