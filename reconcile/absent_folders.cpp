@@ -37,7 +37,8 @@ void KeepRowsOfAbsentFolders(Run& run) {
         if (kept == 0) continue;
         LogError(run, LogSource,
                  "RefreshDatabase, No folder at library folder " + folder + ", " +
-                     std::to_string(kept) + " tracks below it are kept");
+                     std::to_string(kept) +
+                     (kept == 1 ? " track below it is kept" : " tracks below it are kept"));
     }
 }
 

@@ -1,5 +1,6 @@
 #include "jet/dialect/expression_parser.h"
 
+#include <algorithm>
 #include <array>
 
 namespace jet::dialect {
@@ -60,6 +61,20 @@ Expression ExpressionParser::Binary(std::string name, std::size_t place, Express
     return node;
 }
 
+Expression ExpressionParser::ParseChain(std::initializer_list<std::string_view> operators,
+                                        Expression (ExpressionParser::*parseOperand)()) {
+    const auto comesNext = [this](std::string_view name) {
+        return reader_.IsSymbol(name) || reader_.IsWord(name);
+    };
+    Expression left = (this->*parseOperand)();
+    for (;;) {
+        const auto* const name = std::find_if(operators.begin(), operators.end(), comesNext);
+        if (name == operators.end()) return left;
+        const std::size_t place = reader_.Take().place;
+        left = Binary(std::string(*name), place, std::move(left), (this->*parseOperand)());
+    }
+}
+
 std::string ExpressionParser::ParseName(const char* what) {
     const Token& token = reader_.Peek();
     const bool bare = token.kind == Token::Kind::Word && !IsKeyword(token.text);
@@ -92,22 +107,11 @@ Expression ExpressionParser::ParseColumn(bool mayBeStar) {
 
 Expression ExpressionParser::ParseOr() {
     const Nesting nesting(depth_, reader_);
-    Expression left = ParseAnd();
-    while (reader_.IsWord("or") || reader_.IsWord("xor")) {
-        const Token& token = reader_.Take();
-        const bool isOr = token.text.size() == 2;
-        left = Binary(isOr ? "OR" : "XOR", token.place, std::move(left), ParseAnd());
-    }
-    return left;
+    return ParseChain({"OR", "XOR"}, &ExpressionParser::ParseAnd);
 }
 
 Expression ExpressionParser::ParseAnd() {
-    Expression left = ParseNot();
-    while (reader_.IsWord("and")) {
-        const std::size_t place = reader_.Take().place;
-        left = Binary("AND", place, std::move(left), ParseNot());
-    }
-    return left;
+    return ParseChain({"AND"}, &ExpressionParser::ParseNot);
 }
 
 Expression ExpressionParser::ParseNot() {
@@ -197,48 +201,23 @@ Expression ExpressionParser::ParseLike(Expression value, bool negated) {
 }
 
 Expression ExpressionParser::ParseConcatenation() {
-    Expression left = ParseSum();
-    while (reader_.IsSymbol("&")) {
-        const std::size_t place = reader_.Take().place;
-        left = Binary("&", place, std::move(left), ParseSum());
-    }
-    return left;
+    return ParseChain({"&"}, &ExpressionParser::ParseSum);
 }
 
 Expression ExpressionParser::ParseSum() {
-    Expression left = ParseModulo();
-    while (reader_.IsSymbol("+") || reader_.IsSymbol("-")) {
-        const Token& sign = reader_.Take();
-        left = Binary(std::string(sign.text), sign.place, std::move(left), ParseModulo());
-    }
-    return left;
+    return ParseChain({"+", "-"}, &ExpressionParser::ParseModulo);
 }
 
 Expression ExpressionParser::ParseModulo() {
-    Expression left = ParseWholeDivision();
-    while (reader_.IsWord("mod")) {
-        const std::size_t place = reader_.Take().place;
-        left = Binary("MOD", place, std::move(left), ParseWholeDivision());
-    }
-    return left;
+    return ParseChain({"MOD"}, &ExpressionParser::ParseWholeDivision);
 }
 
 Expression ExpressionParser::ParseWholeDivision() {
-    Expression left = ParseProduct();
-    while (reader_.IsSymbol("\\")) {
-        const std::size_t place = reader_.Take().place;
-        left = Binary("\\", place, std::move(left), ParseProduct());
-    }
-    return left;
+    return ParseChain({"\\"}, &ExpressionParser::ParseProduct);
 }
 
 Expression ExpressionParser::ParseProduct() {
-    Expression left = ParseSign();
-    while (reader_.IsSymbol("*") || reader_.IsSymbol("/")) {
-        const Token& sign = reader_.Take();
-        left = Binary(std::string(sign.text), sign.place, std::move(left), ParseSign());
-    }
-    return left;
+    return ParseChain({"*", "/"}, &ExpressionParser::ParseSign);
 }
 
 Expression ExpressionParser::ParseSign() {
@@ -251,12 +230,7 @@ Expression ExpressionParser::ParseSign() {
 }
 
 Expression ExpressionParser::ParsePower() {
-    Expression left = ParseOperand();
-    while (reader_.IsSymbol("^")) {
-        const std::size_t place = reader_.Take().place;
-        left = Binary("^", place, std::move(left), ParseOperand());
-    }
-    return left;
+    return ParseChain({"^"}, &ExpressionParser::ParseOperand);
 }
 
 Expression ExpressionParser::ParseOperand() {

@@ -1,7 +1,10 @@
 #pragma once
 
 #include <functional>
+#include <initializer_list>
 #include <memory>
+#include <string>
+#include <string_view>
 
 #include "jet/dialect/syntax.h"
 #include "jet/dialect/token_reader.h"
@@ -27,6 +30,10 @@ class ExpressionParser {
     std::string ParseName(const char* what);
 
   private:
+    /// Operands with any of these operators between them, the left ones bound first. Operators are
+    /// symbols or upper-case words.
+    Expression ParseChain(std::initializer_list<std::string_view> operators,
+                          Expression (ExpressionParser::*parseOperand)());
     Expression ParseOr();
     Expression ParseAnd();
     Expression ParseNot();
