@@ -6,6 +6,9 @@
 
 namespace quillon {
 
+/// The settings file of the host itself, beside that of the tool.
+constexpr std::string_view HostSettingsFile = "host.ini";
+
 /// The home-automation host that the tool runs beside: it keeps the settings and the log.
 class Host {
   public:

@@ -22,7 +22,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::string_view SettingsName = "Quillon.ini", HostName = "host.ini",
+constexpr std::string_view SettingsName = "Quillon.ini", HostName = HostSettingsFile,
                            LogName = "host.log", DatabaseName = "jukebox.mdb";
 constexpr std::array<std::string_view, 5> FolderNames{"Playlists", "M3u", "Covers", "Data", "HTML"};
 constexpr char HostDrive = 'H', MusicDrive = 'D', DatabaseDrive = 'J';
