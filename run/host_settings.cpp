@@ -1,7 +1,5 @@
 #include "run/host_settings.h"
 
-#include "platform/basic_text.h"
-
 namespace quillon {
 
 std::string DownloadHost(Host& host) {
@@ -18,7 +16,7 @@ std::string StreamLink(std::string_view downloadHost, std::string_view middle) {
 
 CoverTreeScan ReadCoverTreeScan(Host& host) {
     const std::string scan = host.GetINISetting("Covers", "ScanLibrary", "0", HostSettingsFile);
-    return {scan == "1" || EqualIgnoringCase(scan, "true"),
+    return {IsSwitchedOn(scan),
             host.GetINISetting("Covers", "ReservedFolder", "", HostSettingsFile)};
 }
 

@@ -35,13 +35,6 @@ std::string ReadAll(const FileHandle& file) {
     return content;
 }
 
-bool IsSwitchedOn(std::string_view value) {
-    for (const std::string_view word : {"yes", "on", "true"}) {
-        if (EqualIgnoringCase(value, word)) return true;
-    }
-    return ToNumber(value).value_or(0) != 0;
-}
-
 /// A text that stays on its line of the log: every line end, and every control character but the
 /// tab, becomes a blank.
 std::string OnOneLine(std::string_view text) {
