@@ -9,6 +9,7 @@
 #include "platform/basic_text.h"
 #include "platform/clock.h"
 #include "platform/database.h"
+#include "platform/failure.h"
 #include "run/host_settings.h"
 #include "run/run.h"
 #include "run/steps.h"
@@ -20,19 +21,27 @@ constexpr std::string_view LibrarySongs =
     "SELECT Albums.Artist, Albums.Title as Album, Tracks.Title as Song, Tracks.Minutes, "
     "Tracks.Seconds FROM Albums INNER JOIN Tracks ON Albums.CDJID = Tracks.CDJID";
 
-/// A field's text between quotes; nothing for Null. A comparison with nothing is no statement, so a
-/// song that lacks a name fails in the look-up and is logged: added without one, it would never be
-/// found again and be added anew in each run.
-std::string QuotedField(const RecordSet& song, std::string_view field) {
-    return IsNull(song.Get(field)) ? "" : Quoted(song.Text(field));
+/// How a song is told from others. A name that is missing leaves a comparison with nothing, which
+/// is no statement; that is told here, where the song can be named. Such a song must not be added:
+/// it would never be found again and come anew in each run.
+std::string SongCriterion(const RecordSet& song) {
+    std::string criterion;
+    bool complete = true;
+    for (const char* field : {"Artist", "Album", "Song"}) {
+        criterion.append(criterion.empty() ? "" : " AND ").append(field).append("=");
+        if (IsNull(song.Get(field))) {
+            complete = false;
+        } else {
+            criterion += Quoted(song.Text(field));
+        }
+    }
+    if (complete) return criterion;
+    throw Failure::Described(FailureNumber::Database,
+                             "Syntax error (missing operator) in query expression: " + criterion);
 }
 
 bool IsInDownloadTable(Connection& connection, const RecordSet& song) {
-    return !connection
-                .Query("SELECT * FROM Spinner WHERE Artist=" + QuotedField(song, "Artist") +
-                       " AND Album=" + QuotedField(song, "Album") +
-                       " AND Song=" + QuotedField(song, "Song"))
-                ->IsEmpty();
+    return !connection.Query("SELECT * FROM Spinner WHERE " + SongCriterion(song))->IsEmpty();
 }
 
 /// Seconds; 0 while the length is not known.
@@ -48,7 +57,7 @@ std::int64_t LengthOf(const RecordSet& song) {
 /// by what stands there.
 std::string GenreOf(Connection& connection, const RecordSet& song) {
     const std::unique_ptr<RecordSet> known = connection.Query(
-        "SELECT FileName FROM  Spinner  WHERE Artist=" + QuotedField(song, "Artist"));
+        "SELECT FileName FROM  Spinner  WHERE Artist=" + Quoted(song.Text("Artist")));
     if (known->IsEmpty()) return "other";
     const std::vector<std::string> pieces = Split(known->Text("FileName"), "-");
     return pieces.size() >= 3 ? pieces[1] : "other";

@@ -203,11 +203,13 @@ TEST_F(PopulateSpinnerTracksTest, LogsASongThatLacksANameOnceAndAddsTheOthers) {
     AddTrack("A3", "Three");
     Populate();
     EXPECT_THAT(Songs(), ElementsAre("Ann|First|One"));
-    EXPECT_THAT(
-        library.host.log,
-        ElementsAre(StartsWith("Quillon: Populate Spininer Tracks Error: Line 2 Syntax error"),
-                    StartsWith("Quillon: Populate Spininer Tracks Error: Line 2 Syntax error"),
-                    StartsWith("Quillon: Populate Spininer Tracks Error: Line 2 Syntax error")));
+    const std::string location =
+        "Quillon: Populate Spininer Tracks Error: Line 2 Syntax error (missing operator) in query "
+        "expression: ";
+    EXPECT_THAT(library.host.log,
+                ElementsAre(location + "Artist=\"Ann\" AND Album=\"First\" AND Song=",
+                            location + "Artist= AND Album=\"Nameless\" AND Song=\"Two\"",
+                            location + "Artist=\"Untitled\" AND Album= AND Song=\"Three\""));
 }
 
 TEST_F(PopulateSpinnerTracksTest, LogsANameWithADoubleQuoteAndAddsTheOthers) {
