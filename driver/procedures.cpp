@@ -1,8 +1,12 @@
 #include "driver/procedures.h"
 
+#include "covers/refresh_album_covers.h"
 #include "database/marks.h"
 #include "database/remove_duplicates.h"
+#include "download/populate_spinner_artist.h"
+#include "download/populate_spinner_tracks.h"
 #include "reconcile/refresh_database.h"
+#include "remote/make_remote.h"
 
 namespace quillon {
 
@@ -12,6 +16,10 @@ Procedures AvailableProcedures() {
     procedures.RestoreMarks = RestoreMarks;
     procedures.RemoveDuplicates = RemoveDuplicates;
     procedures.RefreshDatabase = RefreshDatabase;
+    procedures.PopulateSpinnerTracks = PopulateSpinnerTracks;
+    procedures.PopulateSpinnerArtist = PopulateSpinnerArtist;
+    procedures.RefreshAlbumCovers = RefreshAlbumCovers;
+    procedures.MakeRemote = MakeRemote;
     return procedures;
 }
 
