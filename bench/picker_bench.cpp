@@ -99,39 +99,42 @@ class Stage {
 
 struct Figures {
     std::size_t albums = 0;
-    double none = 0, first = 0, again = 0;  ///< seconds
-    std::size_t peakMemory = 0;
+    Usage none, first, again;
     std::uintmax_t pageBytes = 0;
 };
 
 Figures Measure(const std::string& program, std::size_t albums) {
     const Stage stage(albums);
-    Figures figures{.albums = albums};
-    figures.none = stage.Build(program, static_cast<int>(TracksAnAlbum) + 1).seconds;
-    const Usage first = stage.Build(program, 1);
-    figures.first = first.seconds;
-    figures.peakMemory = first.peakMemory;
-    figures.again = stage.Build(program, 1).seconds;
+    Figures figures{.albums = albums, .none = {}, .first = {}, .again = {}, .pageBytes = 0};
+    figures.none = stage.Build(program, static_cast<int>(TracksAnAlbum) + 1);
+    figures.first = stage.Build(program, 1);
+    figures.again = stage.Build(program, 1);
     figures.pageBytes = stage.PageBytes();
     return figures;
 }
 
+std::string Times(const Usage& usage) {
+    return fmt::format("{:>8.3f} s {:>7.3f} s", usage.seconds, usage.processor);
+}
+
 void Print(const Figures& figures) {
     constexpr double Megabyte = 1024.0 * 1024.0;
-    std::cout << fmt::format("{:>8} {:>10.3f} s {:>10.3f} s {:>10.3f} s {:>8.1f} MB {:>8.1f} MB",
-                             figures.albums, figures.none, figures.first, figures.again,
+    std::cout << fmt::format("{:>8} {} {} {} {:>7.1f} MB {:>7.1f} MB", figures.albums,
+                             Times(figures.none), Times(figures.first), Times(figures.again),
                              static_cast<double>(figures.pageBytes) / Megabyte,
-                             static_cast<double>(figures.peakMemory) / Megabyte)
+                             static_cast<double>(figures.first.peakMemory) / Megabyte)
               << std::endl;
 }
 
-/// e where time grows as the number of albums to the power of e.
-bool JudgeGrowth(const Figures& small, const Figures& large) {
+/// e where time grows as the number of albums to the power of e. Processor time is judged: every
+/// page and cover is flushed to the disk by itself, and how long that takes is the disk's affair.
+bool JudgeGrowth(const char* what, const Figures& small, const Figures& large,
+                 Usage Figures::* run) {
     const double growth =
-        std::log(large.again / small.again) /
+        std::log((large.*run).processor / (small.*run).processor) /
         std::log(static_cast<double>(large.albums) / static_cast<double>(small.albums));
     const bool met = growth <= SteepestGrowth;
-    std::cout << fmt::format("growth exponent, {} to {} albums: {:.2f}, aim {:.2f}, {}\n",
+    std::cout << fmt::format("growth exponent, {}, {} to {} albums: {:.2f}, aim {:.2f}, {}\n", what,
                              small.albums, large.albums, growth, SteepestGrowth,
                              met ? "met" : "MISSED");
     return met;
@@ -151,16 +154,19 @@ int Main(std::span<char*> arguments) {
         }
     }
     if (sizes.empty()) sizes = {1'000, 10'000};
-    std::cout << fmt::format("{:>8} {:>12} {:>12} {:>12} {:>11} {:>11}\n", "albums", "no album",
-                             "first", "again", "pages", "peak");
+    std::cout << fmt::format("{:>8} {:>20} {:>20} {:>20} {:>10} {:>10}\n", "albums",
+                             "no album, processor", "first, processor", "again, processor", "pages",
+                             "peak");
     std::vector<Figures> all;
     for (const std::size_t size : sizes) {
         all.push_back(Measure(program, size));
         Print(all.back());
     }
     bool met = true;
-    for (std::size_t i = 1; i < all.size(); ++i)
-        met &= JudgeGrowth(all[i - 1], all[i]);
+    for (std::size_t i = 1; i < all.size(); ++i) {
+        met &= JudgeGrowth("first", all[i - 1], all[i], &Figures::first);
+        met &= JudgeGrowth("again", all[i - 1], all[i], &Figures::again);
+    }
     return met ? 0 : 1;
 }
 
