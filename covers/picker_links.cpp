@@ -38,7 +38,8 @@ std::string PickerLinks::SavePlaylist() const {
            "<input type='text' name='filename' value = '' size='30'></label> "
            "<input type='hidden' name='ClientAction' value = 'save'>"
            "<input type='hidden' name='Frame' value='picker'>"
-           R"html(<a href="javascript:document.savePlaylist.submit()">Save Playlist | </a></form>)html";
+           R"html(<a href="javascript:document.savePlaylist.submit()">)html"
+           "Save Playlist | </a></form>";
 }
 
 std::string PickerLinks::Navigation(std::size_t page, std::size_t pageCount) const {

@@ -75,7 +75,7 @@ std::string PickerPages::AlbumCell(std::size_t number) const {
     const PickerAlbum& album = albums_.albums[number];
     std::string cell(RowBreak(number % layout_.PerPage()));
     cell += Line("<td valign='top' id='" + AlbumPlace(number) +
-                 "'><table role='presentation'><tr><td>");
+                 "'><table role='presentation' class='picker-album'><tr><td>");
     cell += Line("<img src=" + CoverUrl(album) + " alt='Cover of " + HtmlText(album.title) +
                  "' width=200 height=200></td><td>");
     cell += Line("<ul>");

@@ -20,8 +20,7 @@ constexpr const char* Rules = R"css(.picker {
 .picker img { display: block; max-width: 100%; object-fit: contain; }
 .picker h1 { margin: 0; font-size: 1.4rem; }
 .picker a, .picker input { touch-action: manipulation; }
-.picker input[type=submit] { min-height: 2.2rem; padding: .2rem .7rem; font: inherit; }
-.picker input[type=text] { max-width: 100%; min-height: 2.2rem; padding: .2rem .4rem; font: inherit; }
+.picker input { max-width: 100%; min-height: 2.2rem; padding: .2rem .7rem; font: inherit; }
 
 .picker-bar { margin-bottom: 1rem; padding-bottom: .75rem; border-bottom: 1px solid; }
 .picker-bar table { width: 100%; }
@@ -35,7 +34,8 @@ constexpr const char* Rules = R"css(.picker {
     --column: calc((100% - (var(--wide) - 1) * var(--gap)) / var(--wide));
     display: grid;
     gap: var(--gap);
-    grid-template-columns: repeat(auto-fill, minmax(max(min(var(--least), 100%), var(--column)), 1fr));
+    --narrowest: max(min(var(--least), 100%), var(--column));
+    grid-template-columns: repeat(auto-fill, minmax(var(--narrowest), 1fr));
 }
 .picker-albums > tbody > tr, .picker-index > tbody > tr { display: contents; }
 .picker-albums > tbody > tr > td, .picker-index > tbody > tr > td { display: block; min-width: 0; }
@@ -47,17 +47,14 @@ constexpr const char* Rules = R"css(.picker {
 .picker-index a + br { display: none; }
 .picker-index bdi:last-child { font-weight: bold; }
 
-.picker-albums > tbody { --least: 17rem; }
+.picker-albums > tbody { --least: 16rem; }
 .picker-albums > tbody > tr > td { padding: .75rem; border: 1px solid; border-radius: .4rem; }
 .picker-albums td > form > input { margin-right: .3rem; }
 .picker-albums input[name=ClientAction] { text-transform: capitalize; }
 .picker-albums td:target { outline: 3px solid; }
-.picker-albums td > table[role=presentation], .picker-albums td > table[role=presentation] > tbody {
-    display: block;
-}
-.picker-albums td > table[role=presentation] > tbody > tr { display: flex; flex-wrap: wrap; gap: .75rem; }
-.picker-albums td > table[role=presentation] > tbody > tr > td { display: block; }
-.picker-albums td > table[role=presentation] > tbody > tr > td:last-child { flex: 1 1 9rem; }
+.picker-album, .picker-album > tbody, .picker-album > tbody > tr > td { display: block; }
+.picker-album > tbody > tr { display: flex; flex-wrap: wrap; gap: .75rem; }
+.picker-album > tbody > tr > td:last-child { flex: 1 1 9rem; }
 .picker ul { margin: 0 0 .5rem; padding: 0; list-style: none; }
 .picker li > h2 { display: inline; margin: 0; font-size: 1.1rem; }
 .picker li > h2, .picker li > bdi { margin-left: .3em; }
@@ -78,7 +75,10 @@ constexpr const char* Rules = R"css(.picker {
 .picker a[aria-current] { font-weight: bold; text-decoration: none; }
 
 @media (max-width: 45rem) {
-    .picker-bar table, .picker-bar tbody, .picker-bar tr, .picker-bar td { display: block; width: auto; }
+    .picker-bar table, .picker-bar tbody, .picker-bar tr, .picker-bar td {
+        display: block;
+        width: auto;
+    }
     .picker-bar center { margin-top: .5rem; text-align: start; }
 }
 )css";
