@@ -16,6 +16,7 @@ sys.dont_write_bytecode = True
 import cover_story
 import download_story
 import remote_story
+import picker_story
 import rows_before
 import sample_library
 
@@ -116,6 +117,7 @@ class Demo:
         self.tell_of_third_run()
         for story in (download_story, cover_story, remote_story):
             story.tell(self, say, heading, require)
+        picker_story.tell(self, heading, say, require)
         self.tell_how_to_go_on()
 
     def tell_of_files(self):

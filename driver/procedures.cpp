@@ -1,5 +1,6 @@
 #include "driver/procedures.h"
 
+#include "covers/album_picker.h"
 #include "covers/refresh_album_covers.h"
 #include "database/marks.h"
 #include "database/remove_duplicates.h"
@@ -20,6 +21,7 @@ Procedures AvailableProcedures() {
     procedures.PopulateSpinnerArtist = PopulateSpinnerArtist;
     procedures.RefreshAlbumCovers = RefreshAlbumCovers;
     procedures.MakeRemote = MakeRemote;
+    procedures.BuildAlbumPicker = BuildAlbumPicker;
     return procedures;
 }
 
