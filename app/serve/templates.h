@@ -1,0 +1,21 @@
+#pragma once
+
+#include <initializer_list>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace quillon {
+
+/// The text of a template file ("player.html"), as it is. std::out_of_range for one that there is
+/// not.
+std::string_view TemplateText(std::string_view name);
+
+/// Values for the places of a template, by name.
+using TemplateValues = std::initializer_list<std::pair<std::string_view, std::string_view>>;
+
+/// A template with its places filled: `{{name}}` takes the value as text, `{{{name}}}` as markup.
+/// std::out_of_range for a place without a value.
+std::string FillTemplate(std::string_view name, TemplateValues values = {});
+
+}  // namespace quillon
