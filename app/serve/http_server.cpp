@@ -28,6 +28,17 @@ WebRequest ToRequest(const httplib::Request& request) {
     return converted;
 }
 
+bool IsReading(const httplib::Request& request) {
+    return request.method == "GET" || request.method == "HEAD";
+}
+
+/// The library sends what does not fit its headers when a part behind a file's end is asked for. A
+/// server may always send the whole. The object behind the reference is the library's own and not
+/// constant.
+void IgnoreRanges(const httplib::Request& request) {
+    const_cast<httplib::Request&>(request).ranges.clear();
+}
+
 void SendFile(const SiteFile& file, const std::string& type, httplib::Response& response) {
     const auto provide = [file](std::size_t offset, std::size_t length, httplib::DataSink& sink) {
         std::array<std::uint8_t, 65536> buffer{};
@@ -75,15 +86,20 @@ class HttpServer::Implementation {
         server_.set_default_headers({headers.begin(), headers.end()});
         // Before the library's own routes, which are patterns and slow with long paths.
         server_.set_pre_routing_handler([this](const auto& request, auto& response) {
-            if (request.method != "GET" && request.method != "HEAD") return Outcome::Unhandled;
+            if (!IsReading(request)) return Outcome::Unhandled;
+            IgnoreRanges(request);
             Fill(response, handler_(ToRequest(request)));
             return Outcome::Handled;
         });
-        // What is left are other methods, once their content has been read.
-        server_.set_error_handler(
-            [this](const httplib::Request& request, httplib::Response& response) {
-                if (response.body.empty()) Fill(response, handler_(ToRequest(request)));
-            });
+        server_.set_error_handler([this](const auto& request, auto& response) {
+            if (!response.body.empty()) return;
+            // Other methods end here once their content has been read, the rest is no HTTP.
+            if (response.status == 404 || response.status == 413) {
+                Fill(response, handler_(ToRequest(request)));
+            } else {
+                response.set_content("The request cannot be understood.", "text/plain");
+            }
+        });
         server_.set_exception_handler([](const auto&, auto& response, const auto&) {
             response.status = 500;
             response.set_content("The page cannot be shown.", "text/plain");
