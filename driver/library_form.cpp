@@ -34,6 +34,7 @@ LibraryForm::LibraryForm(Run& run, DatabaseProvider& databases, std::string_view
       version_(version),
       procedures_(std::move(procedures)),
       updateSteps_(run, "Update Database Error:") {
+    run_.databases = &databases_;
     for (std::size_t i = 0; i < PhaseCount; ++i)
         run_.form.aPhase[i].caption = PhaseCaptions[i];
 }

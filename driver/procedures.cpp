@@ -1,5 +1,6 @@
 #include "driver/procedures.h"
 
+#include "covers/album_picker.h"
 #include "database/marks.h"
 #include "database/remove_duplicates.h"
 #include "reconcile/refresh_database.h"
@@ -12,6 +13,7 @@ Procedures AvailableProcedures() {
     procedures.RestoreMarks = RestoreMarks;
     procedures.RemoveDuplicates = RemoveDuplicates;
     procedures.RefreshDatabase = RefreshDatabase;
+    procedures.BuildAlbumPicker = BuildAlbumPicker;
     return procedures;
 }
 

@@ -84,8 +84,14 @@ class Files {
     virtual void CopyFolder(std::string_view from, std::string_view to, bool overwrite) = 0;
     /// A write-protected file is not deleted (PermissionDenied).
     virtual void DeleteFile(std::string_view path) = 0;
+    /// Deletes a folder with all that is in it; of a symbolic link only the link. A write-protected
+    /// file in it is not deleted, and then nothing is (PermissionDenied). Failure: PathNotFound.
+    virtual void DeleteFolder(std::string_view path) = 0;
     /// Renames or moves a file. Failure: FileAlreadyExists when the target is another file.
     virtual void MoveFile(std::string_view from, std::string_view to) = 0;
+    /// Renames a folder, at once and whole. Failure: PathNotFound, FileAlreadyExists when the
+    /// target is there, PermissionDenied.
+    virtual void MoveFolder(std::string_view from, std::string_view to) = 0;
 
     virtual std::unique_ptr<TextReader> OpenText(std::string_view path) = 0;
     /// Replaces the file of that name, if there is one, when the writer is closed.

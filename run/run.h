@@ -39,6 +39,9 @@ class Run {
     FormState form;
     Settings settings;
 
+    /// Opens further connections; set by the driver at the start.
+    DatabaseProvider* databases = nullptr;
+
     /// The library database; set by `main`.
     std::unique_ptr<Connection> connection;
 

@@ -81,6 +81,9 @@ void FolderIndex::Added(const std::string& path) {
 }
 
 void FolderIndex::Removed(const std::string& path) {
+    std::erase_if(listings_, [below = path + '/', &path](const auto& listing) {
+        return listing.first == path || listing.first.starts_with(below);
+    });
     const auto [folder, name] = FolderAndName(path);
     const auto found = listings_.find(folder);
     if (found == listings_.end()) return;

@@ -16,7 +16,8 @@ class FolderIndex {
     /// the first by code. Empty when there is none or the folder cannot be read.
     std::string Find(const std::string& folder, std::string_view name);
 
-    /// This process has just made or removed an entry, given by its full local path.
+    /// This process has just made or removed an entry, given by its full local path. A removed
+    /// folder may stand for everything that was below it.
     void Added(const std::string& path);
     void Removed(const std::string& path);
 

@@ -87,6 +87,22 @@ int RenameToFreeName(const std::string& from, const std::string& to) {
     return errno;
 }
 
+/// Whether a file somewhere below the folder is write-protected, or a folder cannot be emptied.
+/// Symbolic links are not followed.
+bool HoldsProtectedFile(const std::string& folder) {
+    if (std::filesystem::is_symlink(folder)) return false;
+    std::error_code error;
+    const auto mayWrite = [](const std::filesystem::path& path) {
+        return access(path.c_str(), W_OK) == 0;
+    };
+    if (!mayWrite(folder)) return true;
+    for (std::filesystem::recursive_directory_iterator entry(folder, error), end;
+         !error && entry != end; entry.increment(error)) {
+        if (!entry->is_symlink(error) && !error && !mayWrite(entry->path())) return true;
+    }
+    return static_cast<bool>(error);
+}
+
 bool IsInside(const std::string& inner, const std::string& outer) {
     std::error_code ignored;
     const std::string real = std::filesystem::canonical(inner, ignored).string() + '/';
@@ -183,6 +199,19 @@ void PortableFiles::DeleteFile(std::string_view path) {
     resolver_.Index().Removed(local);
 }
 
+void PortableFiles::DeleteFolder(std::string_view path) {
+    const WindowsPath parsed = ParseWindowsPath(path);
+    const std::string local = resolver_.Local(parsed);
+    if (!FolderExists(parsed.Text())) throw Failure(FailureNumber::PathNotFound, parsed.Text());
+    if (parsed.rest.empty() || HoldsProtectedFile(local)) {
+        throw Failure(FailureNumber::PermissionDenied, parsed.Text());
+    }
+    std::error_code error;
+    std::filesystem::remove_all(local, error);
+    if (error) throw SystemFailure(error.value(), parsed.Text());
+    resolver_.Index().Removed(local);
+}
+
 void PortableFiles::MoveFile(std::string_view from, std::string_view to) {
     const WindowsPath source = ParseWindowsPath(from);
     const WindowsPath target = ParseWindowsPath(to);
@@ -207,6 +236,19 @@ void PortableFiles::MoveFile(std::string_view from, std::string_view to) {
             throw SystemFailure(error, target.Text());
         }
     }
+    resolver_.Index().Removed(oldPath);
+    resolver_.Index().Added(newPath);
+}
+
+void PortableFiles::MoveFolder(std::string_view from, std::string_view to) {
+    const WindowsPath source = ParseWindowsPath(from);
+    const WindowsPath target = ParseWindowsPath(to);
+    const std::string oldPath = resolver_.Local(source);
+    const std::string newPath = resolver_.Local(target);
+    if (!FolderExists(source.Text())) throw Failure(FailureNumber::PathNotFound, source.Text());
+    if (FactsOf(newPath)) throw Failure(FailureNumber::FileAlreadyExists, target.Text());
+    const int error = RenameToFreeName(oldPath, newPath);
+    if (error != 0) throw SystemFailure(error, target.Text());
     resolver_.Index().Removed(oldPath);
     resolver_.Index().Added(newPath);
 }

@@ -28,7 +28,9 @@ class PortableFiles : public Files {
     void CopyFile(std::string_view from, std::string_view to, bool overwrite) override;
     void CopyFolder(std::string_view from, std::string_view to, bool overwrite) override;
     void DeleteFile(std::string_view path) override;
+    void DeleteFolder(std::string_view path) override;
     void MoveFile(std::string_view from, std::string_view to) override;
+    void MoveFolder(std::string_view from, std::string_view to) override;
     std::unique_ptr<TextReader> OpenText(std::string_view path) override;
     std::unique_ptr<TextWriter> CreateText(std::string_view path) override;
     std::unique_ptr<BinaryReader> OpenBinary(std::string_view path) override;

@@ -105,6 +105,28 @@ class FakeFiles : public Files {
         nodes_.erase(KeyOf(path));
     }
 
+    void DeleteFolder(std::string_view path) override {
+        calls_.Note("DeleteFolder " + std::string(path));
+        RequireFolder(path);
+        std::erase_if(nodes_, [&](const auto& node) { return IsWithin(node.first, KeyOf(path)); });
+    }
+
+    void MoveFolder(std::string_view from, std::string_view to) override {
+        calls_.Note("MoveFolder " + std::string(from) + " -> " + std::string(to));
+        RequireFolder(from);
+        if (nodes_.contains(KeyOf(to))) {
+            throw Failure(FailureNumber::FileAlreadyExists, std::string(to));
+        }
+        std::map<std::string, Node> moved;
+        for (const auto& [key, node] : nodes_) {
+            if (!IsWithin(key, KeyOf(from))) continue;
+            const std::string path = std::string(to) + node.path.substr(from.size());
+            moved[KeyOf(path)] = {path, node.isFolder, node.content, node.modified};
+        }
+        std::erase_if(nodes_, [&](const auto& node) { return IsWithin(node.first, KeyOf(from)); });
+        nodes_.merge(moved);
+    }
+
     void MoveFile(std::string_view from, std::string_view to) override {
         calls_.Note("MoveFile " + std::string(from) + " -> " + std::string(to));
         Copy(from, to, EqualIgnoringCase(from, to));
@@ -194,6 +216,17 @@ class FakeFiles : public Files {
     static std::string NameOf(const std::string& path) { return path.substr(path.rfind('\\') + 1); }
     static FileEntry EntryOf(const Node& node) {
         return {node.path, NameOf(node.path), node.content.size(), node.modified};
+    }
+
+    static bool IsWithin(std::string_view key, const std::string& folderKey) {
+        return key == folderKey || key.starts_with(folderKey + "\\");
+    }
+
+    void RequireFolder(std::string_view path) const {
+        const auto found = nodes_.find(KeyOf(path));
+        if (found == nodes_.end() || !found->second.isFolder) {
+            throw Failure(FailureNumber::PathNotFound, std::string(path));
+        }
     }
 
     const Node& FileAt(std::string_view path) const {

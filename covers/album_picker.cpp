@@ -1,0 +1,29 @@
+#include "covers/album_picker.h"
+
+#include "covers/picker_folders.h"
+#include "covers/picker_locations.h"
+#include "run/run.h"
+#include "run/steps.h"
+
+namespace quillon {
+
+void BuildAlbumPicker(Run& run) {
+    Steps steps(run, "BuildAlbumPicker - Album Picker File may be open");
+    PickerLocations locations;
+    steps.Try(1, [&] {
+        locations = LocatePicker(run.host.GetAppPath(), run.settings.coverPath);
+        run.ShowItem("1. Generating Album Picker Files\"");
+    });
+    if (run.AbortRequested || locations.pageFolder.empty()) return;
+
+    PageFolder pages(run.files, locations.pageFolder);
+    if (!steps.Try(2, [&] { pages.Start(); })) return;
+    if (BuildcdjPages(run, locations, pages.Draft())) {
+        // A page that the web server holds open keeps its folder from being renamed.
+        const bool published = steps.Try(2, [&] { pages.Publish(); });
+        if (!published) steps.Try(2, [&] { pages.PutBack(); });
+    }
+    steps.Try(2, [&] { pages.Clear(); });
+}
+
+}  // namespace quillon

@@ -1,0 +1,74 @@
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "covers/album_picker.h"
+#include "covers/picker_albums.h"
+#include "covers/picker_controls.h"
+#include "covers/picker_covers.h"
+#include "covers/picker_layout.h"
+#include "covers/picker_locations.h"
+#include "covers/picker_pages.h"
+#include "covers/picker_stylesheet.h"
+#include "platform/database.h"
+#include "platform/failure.h"
+#include "platform/files.h"
+#include "run/run.h"
+#include "run/steps.h"
+
+namespace quillon {
+namespace {
+
+void WriteText(Run& run, std::string_view folder, std::string_view name, std::string_view text) {
+    const std::unique_ptr<TextWriter> file =
+        run.files.CreateText(std::string(folder) + '\\' + std::string(name));
+    file->Write(text);
+    file->Close();
+}
+
+std::unique_ptr<Connection> OpenOwnConnection(Run& run) {
+    if (run.databases == nullptr) throw Failure(FailureNumber::ObjectRequired, "databases");
+    return run.databases->Open(PickerConnectionString(run.settings.Nirvis_CDJ_DB));
+}
+
+/// Writes the album pages one after the other, as long as nobody stops it.
+void WriteAlbumPages(Run& run, const PickerPages& pages, std::string_view folder) {
+    std::size_t number = 0;
+    for (std::size_t page = 1; page <= pages.PageCount(); ++page) {
+        std::string text = pages.BeginPage(page);
+        for (const PickerAlbum& album : pages.AlbumsOn(page)) {
+            run.ShowItem("3. On Page " + std::to_string(page) + ", Artist " + album.artist);
+            if (run.AbortRequested) return;
+            text += pages.AlbumCell(number++);
+        }
+        WriteText(run, folder, PageFileName(page), text + pages.EndPage(page));
+    }
+}
+
+}  // namespace
+
+bool BuildcdjPages(Run& run, const PickerLocations& locations, std::string_view folder) {
+    Steps steps(run, "BuildcdjPages ");
+    std::optional<PickerLayout> layout;
+    PickerAlbums albums;
+    const auto goesOn = [&](int step, auto&& work) {
+        return !run.AbortRequested && steps.Try(step, work) && !run.AbortRequested;
+    };
+    return goesOn(4, [&] { layout.emplace(run.settings); }) &&
+           goesOn(2, [&] { albums = ReadPickerAlbums(run, *OpenOwnConnection(run)); }) &&
+           goesOn(3,
+                  [&] {
+                      run.ShowItem("2. Copying Covers from Library to Web Server area");
+                      if (run.AbortRequested) return;
+                      CopyCovers(run, steps, locations.webCoverFolder, albums.albums);
+                  }) &&
+           goesOn(5, [&] {
+               const auto controls = MakePickerControls(run.settings.PickerFormatOption);
+               const PickerPages pages(*layout, *controls, albums, run.settings.coverPath);
+               WriteText(run, folder, StylesheetName, PickerStylesheet());
+               WriteText(run, folder, PageFileName(0), pages.Index(run.settings.PickerMinimum));
+               WriteAlbumPages(run, pages, folder);
+           });
+}
+
+}  // namespace quillon
