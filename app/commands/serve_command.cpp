@@ -8,18 +8,28 @@
 #include "app/serve/http_server.h"
 #include "app/serve/preview.h"
 #include "app/serve/stop_signals.h"
+#include "covers/picker_locations.h"
 #include "driver/settings_reader.h"
+#include "platform/basic_text.h"
 #include "platform/failure.h"
 
 namespace quillon {
 namespace {
 
+constexpr std::string_view SiteName = "\\HTML";
+
+/// Where below the site's folder a run makes the picker's pages.
+std::vector<std::string> PickerFolder(const std::string& appPath, const std::string& coverPath) {
+    const std::string pages = LocatePicker(appPath, coverPath).pageFolder;
+    return Split(std::string_view(pages).substr(appPath.size() + SiteName.size() + 1), "\\");
+}
+
 /// The site of a host folder. Settings that a run would stumble over do not matter here.
 Preview::Site FindSite(LocalHost& local) {
     const Settings settings = InspectSettings(local.host).settings;
     Preview::Site site{
-        .folder = local.resolver.Local(local.host.GetAppPath() + "\\HTML"),
-        .coverPath = settings.coverPath,
+        .folder = local.resolver.Local(local.host.GetAppPath() + std::string(SiteName)),
+        .pickerFolder = PickerFolder(local.host.GetAppPath(), settings.coverPath),
         .howToBuild = fmt::format("quillon run --host {}", local.host.Folder().string()),
         .database = {},
         .databaseProblem = {}};

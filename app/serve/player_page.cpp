@@ -98,8 +98,8 @@ std::string RequestSentence(const PlayerRequest& request, const NameTable& names
     return fmt::format("Not understood: {}", request.action);
 }
 
-std::string PlayerPage(const std::vector<PlayerRequest>& requests,
-                       const LibraryNames::Answer& library, const std::string& indexPage) {
+std::string RequestsPage(const std::vector<PlayerRequest>& requests,
+                         const LibraryNames::Answer& library, const std::string& indexPage) {
     const std::string list =
         requests.empty()
             ? FillTemplate("player_empty.html")

@@ -44,7 +44,7 @@ class RequestLog {
 std::string RequestSentence(const PlayerRequest& request, const NameTable& names);
 
 /// The page that stands in for the player's: the requests with their identifiers and names.
-std::string PlayerPage(const std::vector<PlayerRequest>& requests,
-                       const LibraryNames::Answer& library, const std::string& indexPage);
+std::string RequestsPage(const std::vector<PlayerRequest>& requests,
+                         const LibraryNames::Answer& library, const std::string& indexPage);
 
 }  // namespace quillon

@@ -5,19 +5,25 @@
 
 #include "app/serve/content_type.h"
 #include "app/serve/templates.h"
-#include "platform/ansi.h"
+#include "covers/picker_locations.h"
 #include "platform/basic_text.h"
 #include "platform/date_time.h"
 
 namespace quillon {
 namespace {
 
-constexpr std::string_view PlayerUrl = "/Quillon/Quillon.asp";
-constexpr std::string_view IndexUrl = "/Quillon/AlbumPicker/AlbumPicker0.asp";
 constexpr std::string_view HtmlType = "text/html; charset=utf-8";
 
-/// Where the pages link to one another.
-constexpr std::array<std::string_view, 2> PickerUrlNames{"Quillon", "AlbumPicker"};
+/// The address of the page folder without the slash at its end.
+constexpr std::string_view PickerFolderUrl = PageUrlBase.substr(0, PageUrlBase.size() - 1);
+
+std::string IndexUrl() {
+    return std::string(PageUrlBase) + PageFileName(0);
+}
+
+std::vector<std::string> NamesOf(std::string_view url) {
+    return ParseWebAddress(url)->names;
+}
 
 /// Whether a path is this one, whatever the letter case.
 bool IsPath(std::span<const std::string> names, std::string_view url) {
@@ -45,14 +51,6 @@ WebResponse Redirect(int status, std::string_view url) {
 
 WebResponse NotFound() {
     return Message(404, "Not found", "There is no such page or file.");
-}
-
-/// The page folder lies beside the folder of the covers.
-std::vector<std::string> PickerFolder(std::string_view coverPath) {
-    std::vector<std::string> names = Split(coverPath, "/");
-    std::erase(names, "");
-    if (!names.empty()) names.back() = "AlbumPicker";
-    return names;
 }
 
 /// What belongs to the server itself, whatever the site's folder holds.
@@ -97,7 +95,7 @@ const std::vector<std::pair<std::string, std::string>>& CommonHeaders() {
 
 Preview::Preview(const Site& site, const Clock& clock)
     : folder_(site.folder),
-      pickerFolder_(PickerFolder(site.coverPath)),
+      pickerFolder_(site.pickerFolder),
       howToBuild_(site.howToBuild),
       names_(site.database, site.databaseProblem),
       clock_(clock),
@@ -116,40 +114,40 @@ WebResponse Preview::Answer(const WebRequest& request) {
     const auto address = ParseWebAddress(request.target);
     if (!address) return NotFound();
     // A look without taking the content must leave no trace.
-    if (request.method == "HEAD" && IsPath(address->names, PlayerUrl)) return Html("");
+    if (request.method == "HEAD" && IsPath(address->names, PlayerPage)) return Html("");
     return AnswerAddress(*address);
 }
 
 WebResponse Preview::AnswerAddress(const WebAddress& address) {
     if (address.names.empty()) return Home();
-    if (IsPath(address.names, PlayerUrl)) return Player(address.query);
+    if (IsPath(address.names, PlayerPage)) return Player(address.query);
     if (auto own = OwnFile(address.names)) return *std::move(own);
     const auto file = Find(address.names);
     return file ? Show(*file) : NotFound();
 }
 
 WebResponse Preview::Home() const {
-    const auto index = ParseWebAddress(IndexUrl);
-    if (Find(index->names)) return Redirect(302, IndexUrl);
+    if (Find(NamesOf(IndexUrl()))) return Redirect(302, IndexUrl());
     return Html(FillTemplate("no_picker.html", {{"command", howToBuild_}}));
 }
 
 WebResponse Preview::Player(const QueryValues& query) {
     const std::string now = SortableDateTimeText(clock_.Now());
     // On to the page without a request, so that looking at it again repeats nothing.
-    if (log_.Add(query, now.substr(now.find(' ') + 1))) return Redirect(303, PlayerUrl);
-    return Html(PlayerPage(log_.Requests(), names_.Get(), std::string(IndexUrl)));
+    if (log_.Add(query, now.substr(now.find(' ') + 1))) return Redirect(303, PlayerPage);
+    return Html(RequestsPage(log_.Requests(), names_.Get(), IndexUrl()));
 }
 
 std::optional<SiteFile> Preview::Find(const std::vector<std::string>& names) const {
     if (auto file = folder_.Open(names)) return file;
-    // The pages go by one address wherever the setting for the covers has had them made.
-    const std::size_t count = PickerUrlNames.size();
-    if (pickerFolder_.empty() || names.size() <= count ||
-        !std::ranges::equal(std::span(names).first(count), PickerUrlNames, EqualIgnoringCase))
+    // The pages go by one address, wherever the setting for the covers has had them made.
+    const std::vector<std::string> base = NamesOf(PickerFolderUrl);
+    if (names.size() <= base.size() ||
+        !std::ranges::equal(std::span(names).first(base.size()), base, EqualIgnoringCase))
         return std::nullopt;
     std::vector<std::string> moved = pickerFolder_;
-    moved.insert(moved.end(), names.begin() + static_cast<std::ptrdiff_t>(count), names.end());
+    moved.insert(moved.end(), names.begin() + static_cast<std::ptrdiff_t>(base.size()),
+                 names.end());
     return folder_.Open(moved);
 }
 

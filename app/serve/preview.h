@@ -40,7 +40,7 @@ class Preview {
   public:
     struct Site {
         std::filesystem::path folder;                   ///< holds what is shown
-        std::string coverPath;                          ///< the setting: beside it are the pages
+        std::vector<std::string> pickerFolder;          ///< the pages' place in it, name by name
         std::string howToBuild;                         ///< the command that makes the pages
         std::optional<std::filesystem::path> database;  ///< has the names
         std::string databaseProblem;                    ///< why there is none
@@ -60,7 +60,7 @@ class Preview {
     std::optional<std::string> Include(std::string_view path) const;
 
     SiteFolder folder_;
-    std::vector<std::string> pickerFolder_;  ///< where the pages are, from the site's folder on
+    std::vector<std::string> pickerFolder_;
     std::string howToBuild_;
     LibraryNames names_;
     const Clock& clock_;

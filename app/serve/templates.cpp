@@ -4,7 +4,8 @@
 #include <array>
 #include <stdexcept>
 
-#include "app/serve/html.h"
+#include "covers/picker_html.h"
+#include "platform/ansi.h"
 
 namespace quillon {
 namespace {
@@ -39,7 +40,7 @@ std::string FillTemplate(std::string_view name, TemplateValues values) {
         const std::size_t end = rest.find(close, nameStart);
         if (end == std::string_view::npos) throw std::out_of_range(std::string(name));
         const std::string_view value = Find(values, rest.substr(nameStart, end - nameStart));
-        filled += isMarkup ? std::string(value) : EscapeHtml(value);
+        filled += isMarkup ? std::string(value) : HtmlText(ToValidUtf8(value));
         rest.remove_prefix(end + close.size());
     }
     return filled.append(rest);

@@ -15,7 +15,8 @@ std::string_view TemplateText(std::string_view name);
 using TemplateValues = std::initializer_list<std::pair<std::string_view, std::string_view>>;
 
 /// A template with its places filled: `{{name}}` takes the value as text, `{{{name}}}` as markup.
-/// std::out_of_range for a place without a value.
+/// Text is shown as it is, whatever stands in it, in a page of any encoding; bytes that are no
+/// UTF-8 are read as ANSI. std::out_of_range for a place without a value.
 std::string FillTemplate(std::string_view name, TemplateValues values = {});
 
 }  // namespace quillon

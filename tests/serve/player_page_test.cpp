@@ -19,7 +19,8 @@ std::string Sentence(const std::string& query) {
 }
 
 std::string Page(const RequestLog& log, const std::string& problem = "") {
-    return PlayerPage(log.Requests(), {std::make_shared<const NameTable>(Names()), problem}, "/i");
+    return RequestsPage(log.Requests(), {std::make_shared<const NameTable>(Names()), problem},
+                        "/i");
 }
 
 bool Has(const std::string& text, const std::string& part) {
