@@ -108,8 +108,9 @@ std::string RequestsPage(const std::vector<PlayerRequest>& requests,
         library.problem.empty()
             ? ""
             : FillTemplate("player_problem.html", {{"problem", library.problem}});
-    return FillTemplate("player.html",
-                        {{"list", list}, {"problem", problem}, {"index", indexPage}});
+    return PageText(
+        "Player requests",
+        FillTemplate("player.html", {{"list", list}, {"problem", problem}, {"index", indexPage}}));
 }
 
 }  // namespace quillon

@@ -38,7 +38,7 @@ WebResponse Html(std::string text) {
 }
 
 WebResponse Message(int status, std::string_view title, std::string_view text) {
-    WebResponse response = Html(FillTemplate("message.html", {{"title", title}, {"text", text}}));
+    WebResponse response = Html(PageText(title, FillTemplate("message.html", {{"text", text}})));
     response.status = status;
     return response;
 }
@@ -128,7 +128,8 @@ WebResponse Preview::AnswerAddress(const WebAddress& address) {
 
 WebResponse Preview::Home() const {
     if (Find(NamesOf(IndexUrl()))) return Redirect(302, IndexUrl());
-    return Html(FillTemplate("no_picker.html", {{"command", howToBuild_}}));
+    return Html(PageText("No album picker yet",
+                         FillTemplate("no_picker.html", {{"command", howToBuild_}})));
 }
 
 WebResponse Preview::Player(const QueryValues& query) {

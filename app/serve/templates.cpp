@@ -46,4 +46,8 @@ std::string FillTemplate(std::string_view name, TemplateValues values) {
     return filled.append(rest);
 }
 
+std::string PageText(std::string_view title, std::string_view content) {
+    return FillTemplate("page.html", {{"title", title}, {"content", content}});
+}
+
 }  // namespace quillon

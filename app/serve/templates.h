@@ -19,4 +19,7 @@ using TemplateValues = std::initializer_list<std::pair<std::string_view, std::st
 /// UTF-8 are read as ANSI. std::out_of_range for a place without a value.
 std::string FillTemplate(std::string_view name, TemplateValues values = {});
 
+/// A whole page of the server's own: the title, and content that is markup.
+std::string PageText(std::string_view title, std::string_view content);
+
 }  // namespace quillon

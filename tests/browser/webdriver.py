@@ -138,15 +138,18 @@ class Browser:
         """Messages of the browser's console since the last look."""
         return self.call("POST", "/se/log", {"type": "browser"})
 
+    def developer(self, command, **parameters):
+        """A command of the browser's developer tools."""
+        return self.call("POST", "/goog/cdp/execute", {"cmd": command, "params": parameters})
+
     def resize(self, width, height):
-        """The page's size as a phone's, which windows cannot be made to have."""
-        self.call("POST", "/goog/cdp/execute",
-                  {"cmd": "Emulation.setDeviceMetricsOverride",
-                   "params": {"width": width, "height": height, "deviceScaleFactor": 1,
-                              "mobile": width < 600}})
+        """The page's size as that of a screen; a narrow one is a phone's."""
+        self.developer("Emulation.setDeviceMetricsOverride", width=width, height=height,
+                       deviceScaleFactor=1, mobile=width < 600)
 
     def screenshot(self, file):
-        """The whole page, also below the window's edge."""
-        shot = self.call("POST", "/goog/cdp/execute",
-                         {"cmd": "Page.captureScreenshot", "params": {"captureBeyondViewport": True}})
+        """The whole page, also what is below the window's edge."""
+        size = self.developer("Page.getLayoutMetrics")["cssContentSize"]
+        clip = {"x": 0, "y": 0, "width": size["width"], "height": size["height"], "scale": 1}
+        shot = self.developer("Page.captureScreenshot", clip=clip, captureBeyondViewport=True)
         file.write_bytes(base64.b64decode(shot["data"]))
