@@ -127,13 +127,6 @@ class Browser:
             time.sleep(0.02)
         raise BrowserError(f"waited in vain for {what} at {self.address()}")
 
-    def dialog(self):
-        """The text of an open message box, or None."""
-        try:
-            return self.call("GET", "/alert/text")
-        except BrowserError:
-            return None
-
     def console(self):
         """Messages of the browser's console since the last look."""
         return self.call("POST", "/se/log", {"type": "browser"})
