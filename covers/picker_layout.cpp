@@ -22,7 +22,7 @@ std::size_t Size(const char* key, std::int16_t size) {
 PickerLayout::PickerLayout(const Settings& settings)
     : wide_(Size("ImagesWide", settings.ImagesWide)), perPage_(0) {
     const std::size_t high = Size("ImagesHigh", settings.ImagesHigh);
-    perPage_ = static_cast<std::size_t>(ToInteger(static_cast<double>(high * wide_)));
+    perPage_ = static_cast<std::size_t>(ToInteger(std::to_string(high * wide_)));
 }
 
 }  // namespace quillon

@@ -18,13 +18,14 @@ constexpr const char* Rules = R"css(.picker {
 .picker *, .picker *::before { box-sizing: inherit; }
 .picker td { padding: 0; }
 .picker img { display: block; max-width: 100%; object-fit: contain; }
-.picker h1 { margin: 0; font-size: 1.5rem; }
+.picker h1 { margin: 0; font-size: 1.4rem; }
 .picker a, .picker input { touch-action: manipulation; }
 .picker input[type=submit] { min-height: 2.2rem; padding: .2rem .7rem; font: inherit; }
 .picker input[type=text] { max-width: 100%; min-height: 2.2rem; padding: .2rem .4rem; font: inherit; }
 
 .picker-bar { margin-bottom: 1rem; padding-bottom: .75rem; border-bottom: 1px solid; }
 .picker-bar table { width: 100%; }
+.picker-bar td:first-child { white-space: nowrap; }
 .picker-bar form { display: inline; }
 .picker-bar a { display: inline-block; padding: .4rem 0; }
 
@@ -42,11 +43,14 @@ constexpr const char* Rules = R"css(.picker {
 .picker-index > tbody { --least: 6.5rem; max-width: calc(var(--wide) * 11rem); margin: 0 auto; }
 .picker-index td { font-size: .85rem; text-align: center; }
 .picker-index img { margin: 0 auto; }
-.picker-index a { display: block; }
+.picker-index a { display: block; margin-bottom: .3rem; }
+.picker-index a + br { display: none; }
 .picker-index bdi:last-child { font-weight: bold; }
 
 .picker-albums > tbody { --least: 17rem; }
 .picker-albums > tbody > tr > td { padding: .75rem; border: 1px solid; border-radius: .4rem; }
+.picker-albums td > form > input { margin-right: .3rem; }
+.picker-albums input[name=ClientAction] { text-transform: capitalize; }
 .picker-albums td:target { outline: 3px solid; }
 .picker-albums td > table[role=presentation], .picker-albums td > table[role=presentation] > tbody {
     display: block;
@@ -56,7 +60,7 @@ constexpr const char* Rules = R"css(.picker {
 .picker-albums td > table[role=presentation] > tbody > tr > td:last-child { flex: 1 1 9rem; }
 .picker ul { margin: 0 0 .5rem; padding: 0; list-style: none; }
 .picker li > h2 { display: inline; margin: 0; font-size: 1.1rem; }
-.picker li > h2, .picker li > bdi { margin-inline-start: .3em; }
+.picker li > h2, .picker li > bdi { margin-left: .3em; }
 
 .picker-tracks { width: 100%; margin-top: .75rem; border-collapse: collapse; }
 .picker-tracks tr + tr > td { border-top: 1px solid rgb(128 128 128 / .4); }

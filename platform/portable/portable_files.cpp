@@ -87,18 +87,19 @@ int RenameToFreeName(const std::string& from, const std::string& to) {
     return errno;
 }
 
+bool MayWrite(const std::string& local) {
+    return faccessat(AT_FDCWD, local.c_str(), W_OK, AT_EACCESS) == 0;
+}
+
 /// Whether a file somewhere below the folder is write-protected, or a folder cannot be emptied.
 /// Symbolic links are not followed.
 bool HoldsProtectedFile(const std::string& folder) {
     if (std::filesystem::is_symlink(folder)) return false;
     std::error_code error;
-    const auto mayWrite = [](const std::filesystem::path& path) {
-        return access(path.c_str(), W_OK) == 0;
-    };
-    if (!mayWrite(folder)) return true;
+    if (!MayWrite(folder)) return true;
     for (std::filesystem::recursive_directory_iterator entry(folder, error), end;
          !error && entry != end; entry.increment(error)) {
-        if (!entry->is_symlink(error) && !error && !mayWrite(entry->path())) return true;
+        if (!entry->is_symlink(error) && !error && !MayWrite(entry->path().string())) return true;
     }
     return static_cast<bool>(error);
 }
@@ -203,7 +204,7 @@ void PortableFiles::DeleteFolder(std::string_view path) {
     const WindowsPath parsed = ParseWindowsPath(path);
     const std::string local = resolver_.Local(parsed);
     if (!FolderExists(parsed.Text())) throw Failure(FailureNumber::PathNotFound, parsed.Text());
-    if (parsed.rest.empty() || HoldsProtectedFile(local)) {
+    if (parsed.rest.empty() || !MayWrite(FolderOf(local)) || HoldsProtectedFile(local)) {
         throw Failure(FailureNumber::PermissionDenied, parsed.Text());
     }
     std::error_code error;
