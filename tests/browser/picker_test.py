@@ -181,7 +181,7 @@ class Visit:
                                      ("next", f"Play {name} next"), ("play", f"Play {name} now")):
                 self.ask(self.control(self.place(position), action), sentence,
                          f"ClientAction={action}", f"CDJID={album.cdjid}", "ref=0")
-            track = 1 + position % len(album.tracks)
+            track = 1 + position // 3 % len(album.tracks)
             row = f"{self.place(position)}//table[@class='picker-tracks']//tr[{track + 1}]"
             control = f"{row}//input[@type='submit']" if self.forms else f"{row}//a"
             self.ask(control, f"Add track {track}, {album.tracks[track - 1]}, of {name} to the playlist",
