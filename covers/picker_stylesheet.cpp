@@ -49,7 +49,7 @@ constexpr const char* Rules = R"css(.picker {
 
 .picker-albums > tbody { --least: 17rem; }
 .picker-albums > tbody > tr > td { padding: .75rem; border: 1px solid; border-radius: .4rem; }
-.picker-albums td > form > input[type=submit] { margin: 0 .25rem .25rem 0; padding: .2rem .4rem; }
+.picker-albums [role=presentation] form > input[type=submit] { margin: 0 .25rem .25rem 0; padding: .2rem .4rem; }
 .picker-albums input[name=ClientAction] { text-transform: capitalize; }
 .picker-albums td:target { outline: 3px solid; }
 .picker-albums td > table[role=presentation], .picker-albums td > table[role=presentation] > tbody {

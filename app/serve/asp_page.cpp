@@ -36,8 +36,7 @@ std::optional<std::string> LiteralText(std::string_view literal) {
     if (!inner) return std::nullopt;
     std::string text;
     for (std::size_t i = 0; i < inner->size(); ++i) {
-        const bool isQuote = (*inner)[i] == '"';
-        if (isQuote && (i + 1 == inner->size() || (*inner)[++i] != '"')) return std::nullopt;
+        if ((*inner)[i] == '"' && inner->substr(++i, 1) != "\"") return std::nullopt;
         text += (*inner)[i];
     }
     return text;

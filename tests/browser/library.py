@@ -24,7 +24,7 @@ def plain_albums():
               "Semi;colon=x - Nine.png", "Same [1].png", "Same 1.png", "東京 - Twelve.png", ""]
     artists = ["Alder", "Birch & Sons", "Cedar", "Döblin", "Elm", "Fir", "Gorse", "Hazel", "Ivy",
                "Juniper", "Kauri", "Larch", "Maple"]
-    return [Album(artist, f"Light {number}", [f"Song {track} of {artist}" for track in range(1, 6)],
+    return [Album(artist, f"Light {number}", [f"Song {track}" for track in range(1, 6)],
                   cover)
             for number, (artist, cover) in enumerate(zip(artists, covers), 1)]
 
@@ -95,9 +95,13 @@ class Library:
             self._execute(f"UPDATE Albums SET Artist={quoted(album.artist)}, "
                           f"Title={quoted(album.title)}, ImageFile={quoted(image)} "
                           f"WHERE CDJID={quoted(album.cdjid)}")
+        places = {}
+        for album in self.albums:
             for track, title in enumerate(album.tracks, 1):
-                self._execute(f"UPDATE Tracks SET Title={quoted(title)} "
-                              f"WHERE CDJID={quoted(album.cdjid)} AND Track={track}")
+                place = f"CDJID={quoted(album.cdjid)} AND Track={track}"
+                places.setdefault(title, []).append(place)
+        for title, conditions in places.items():
+            self._execute(f"UPDATE Tracks SET Title={quoted(title)} WHERE {' OR '.join(conditions)}")
 
     def _draw_covers(self):
         for number, album in enumerate(self.albums):

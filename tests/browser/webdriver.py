@@ -119,7 +119,7 @@ class Browser:
 
     def wait(self, what, condition):
         """Waits until the condition gives something true, and gives it back."""
-        end = time.monotonic() + 10
+        end = time.monotonic() + 30
         while time.monotonic() < end:
             value = condition()
             if value:
