@@ -22,8 +22,8 @@ std::string PageLink(std::size_t page) {
 }  // namespace
 
 std::string PickerLinks::Album(const PickerAlbum& album) const {
-    return Request("add", album, 0) + ">Add</a> | " + Request("next", album, 0) + ">Next</a> | " +
-           Request("play", album, 0) + ">Play</a>";
+    return Request("add", album, 0) + ">Add</a> | " + Request("next", album, 0) +
+           ">Play Next</a> | " + Request("play", album, 0) + ">Play</a>";
 }
 
 std::string PickerLinks::Track(const PickerAlbum& album, const PickerTrack& track) const {

@@ -13,6 +13,7 @@ from pathlib import Path
 
 sys.dont_write_bytecode = True
 
+import picker_story
 import rows_before
 import sample_library
 
@@ -104,6 +105,7 @@ class Demo:
         self.tell_what_changed(before, first)
         self.tell_of_second_run(first)
         self.tell_of_third_run()
+        picker_story.tell(self, heading, say, require)
         self.tell_how_to_go_on()
 
     def tell_of_files(self):

@@ -30,7 +30,7 @@ TEST_F(LinksTest, AddQueueAndPlayAnAlbum) {
     const std::string request = "<A HREF=/Quillon/Quillon.asp?Frame=Picker&ClientAction=";
     EXPECT_EQ(controls->Album(Album("252E671073EC0001")),
               request + "add&CDJID=252E671073EC0001&ref=0>Add</a> | " + request +
-                  "next&CDJID=252E671073EC0001&ref=0>Next</a> | " + request +
+                  "next&CDJID=252E671073EC0001&ref=0>Play Next</a> | " + request +
                   "play&CDJID=252E671073EC0001&ref=0>Play</a>");
 }
 

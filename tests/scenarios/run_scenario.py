@@ -113,12 +113,16 @@ def compare_log(stage, file, already):
     compare("log", expected, actual)
 
 
-def compare_tree(stage, file):
+def compare_tree(stage, folder, file):
     actual = []
-    for path in stage.disk.rglob("*"):
-        name = stage.neutral(os.fsencode(path.relative_to(stage.disk)).decode("utf-8", "replace"))
+    for path in folder.rglob("*"):
+        name = stage.neutral(os.fsencode(path.relative_to(folder)).decode("utf-8", "replace"))
         actual.append(name + "/" if path.is_dir() else name)
-    compare("files", sorted(lines_of(file)), sorted(actual))
+    compare(file.stem, sorted(lines_of(file)), sorted(actual))
+
+
+def contents_of(folder):
+    return {path: path.read_bytes() for path in folder.rglob("*") if path.is_file()}
 
 
 def compare_texts(what, file, actual):
@@ -144,6 +148,7 @@ def play(stage, before, after):
     untouched = (after / "database-untouched").exists()
     unchanged = (after / "rows-unchanged").exists()
     rows_before = stage.all_rows() if unchanged else None
+    web_before = contents_of(stage.web)
 
     status, output, errors = stage.reconcile(unprivileged=unprivileged)
 
@@ -156,7 +161,11 @@ def play(stage, before, after):
         compare_texts("standard output", after / "output.txt", output)
         compare_texts("standard error", after / "errors.txt", errors)
         if (after / "files.txt").exists():
-            compare_tree(stage, after / "files.txt")
+            compare_tree(stage, stage.disk, after / "files.txt")
+        if (after / "web.txt").exists():
+            compare_tree(stage, stage.web, after / "web.txt")
+        if (after / "web-unchanged").exists() and contents_of(stage.web) != web_before:
+            raise Failed("some file of the web server is not as it was")
         if untouched:
             content = stage.database.read_bytes() if stage.database.exists() else None
             if content != file_before:

@@ -46,6 +46,7 @@ class Stage:
         self.disk = self.work / "disk"
         self.database = self.disk / "jukebox.mdb"
         self.log = self.host / "host.log"
+        self.web = self.host / "HTML"
         self.settings = dict(BASE_SETTINGS)
         for folder in ("host/Data", "host/HTML", "disk/Music", "disk/Lists", "disk/M3u"):
             (self.work / folder).mkdir(parents=True)

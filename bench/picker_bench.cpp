@@ -1,0 +1,176 @@
+// Measures how long the album picker mode takes and how that grows with the library.
+
+#include <charconv>
+#include <chrono>
+#include <cmath>
+#include <cstddef>
+#include <filesystem>
+#include <fmt/format.h>
+#include <fstream>
+#include <iostream>
+#include <random>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "app/jukebox_database.h"
+#include "bench/child_process.h"
+#include "jet/database.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using quillon::bench::RunProcess;
+using quillon::bench::Usage;
+
+constexpr std::size_t TracksAnAlbum = 12;
+constexpr std::size_t CoverSize = 20'000;
+constexpr double SteepestGrowth = 1.1;
+
+/// A host folder with a library of so many albums, there for the time of its scope.
+class Stage {
+  public:
+    explicit Stage(std::size_t albums)
+        : folder_(fs::temp_directory_path() /
+                  fmt::format("quillon-bench-{}", std::random_device{}())) {
+        fs::create_directories(folder_ / "disk" / "Covers");
+        quillon::CreateJukeboxDatabase(Database());
+        std::ofstream(folder_ / "host.ini") << "[Plugins]\nQuillon=1\n[Drives]\nD=disk\n";
+        Fill(albums);
+    }
+    Stage(const Stage&) = delete;
+    Stage& operator=(const Stage&) = delete;
+    ~Stage() {
+        std::error_code ignored;
+        fs::remove_all(folder_, ignored);
+    }
+
+    /// Runs the picker with those albums that have so many tracks.
+    Usage Build(const std::string& program, int leastTracks) const {
+        std::ofstream(folder_ / "Quillon.ini")
+            << "[NPFrame]\nNirvis_CDJ_DB=D:\\jukebox.mdb\nAlbumPicker=1\n"
+               "AlbumCoverFolder=D:\\Covers\\\nPickerMinimum="
+            << leastTracks << '\n';
+        const Usage used =
+            RunProcess({program, "run", "--host", folder_.string(), "--view", "plain"});
+        if (used.exitStatus != 0) {
+            throw std::runtime_error(fmt::format("the run ends with {}", used.exitStatus));
+        }
+        return used;
+    }
+
+    /// Bytes of all pages.
+    std::uintmax_t PageBytes() const {
+        std::uintmax_t bytes = 0;
+        for (const fs::directory_entry& entry :
+             fs::directory_iterator(folder_ / "HTML" / "Quillon" / "AlbumPicker"))
+            bytes += entry.file_size();
+        return bytes;
+    }
+
+  private:
+    fs::path Database() const { return folder_ / "disk" / "jukebox.mdb"; }
+
+    void Fill(std::size_t albums) const {
+        jet::Database database = jet::Database::Open(Database(), jet::OpenMode::ReadWrite);
+        const std::string cover(CoverSize, 'x');
+        for (std::size_t album = 1; album <= albums; ++album) {
+            const std::string id = fmt::format("252E6710{:08}", album);
+            const std::string name = fmt::format("Artist {} - Album {}.jpg", album % 997, album);
+            std::ofstream(folder_ / "disk" / "Covers" / name, std::ios::binary) << cover;
+            database.Execute(fmt::format(
+                "INSERT INTO Albums (CDJID, Artist, Title, Tracks, Minutes, Seconds, ImageFile) "
+                "VALUES ('{}', 'Artist {}', 'Album {}', {}, -1, -1, 'D:\\Covers\\{}')",
+                id, album % 997, album, TracksAnAlbum, name));
+            for (std::size_t track = 1; track <= TracksAnAlbum; ++track) {
+                database.Execute(
+                    fmt::format("INSERT INTO Tracks (CDJID, Track, Title, Minutes, Seconds) "
+                                "VALUES ('{}', {}, 'A song of album {}', 3, {})",
+                                id, track, album, track));
+            }
+        }
+        database.Flush();
+    }
+
+    fs::path folder_;
+};
+
+struct Figures {
+    std::size_t albums = 0;
+    double none = 0, first = 0, again = 0;  ///< seconds
+    std::size_t peakMemory = 0;
+    std::uintmax_t pageBytes = 0;
+};
+
+Figures Measure(const std::string& program, std::size_t albums) {
+    const Stage stage(albums);
+    Figures figures{.albums = albums};
+    figures.none = stage.Build(program, static_cast<int>(TracksAnAlbum) + 1).seconds;
+    const Usage first = stage.Build(program, 1);
+    figures.first = first.seconds;
+    figures.peakMemory = first.peakMemory;
+    figures.again = stage.Build(program, 1).seconds;
+    figures.pageBytes = stage.PageBytes();
+    return figures;
+}
+
+void Print(const Figures& figures) {
+    constexpr double Megabyte = 1024.0 * 1024.0;
+    std::cout << fmt::format("{:>8} {:>10.3f} s {:>10.3f} s {:>10.3f} s {:>8.1f} MB {:>8.1f} MB",
+                             figures.albums, figures.none, figures.first, figures.again,
+                             static_cast<double>(figures.pageBytes) / Megabyte,
+                             static_cast<double>(figures.peakMemory) / Megabyte)
+              << std::endl;
+}
+
+/// e where time grows as the number of albums to the power of e.
+bool JudgeGrowth(const Figures& small, const Figures& large) {
+    const double growth =
+        std::log(large.again / small.again) /
+        std::log(static_cast<double>(large.albums) / static_cast<double>(small.albums));
+    const bool met = growth <= SteepestGrowth;
+    std::cout << fmt::format("growth exponent, {} to {} albums: {:.2f}, aim {:.2f}, {}\n",
+                             small.albums, large.albums, growth, SteepestGrowth,
+                             met ? "met" : "MISSED");
+    return met;
+}
+
+int Main(std::span<char*> arguments) {
+    std::string program = QUILLON_PROGRAM;
+    std::vector<std::size_t> sizes;
+    for (const std::string_view argument : arguments.subspan(1)) {
+        std::size_t size = 0;
+        const auto parsed =
+            std::from_chars(argument.data(), argument.data() + argument.size(), size);
+        if (parsed.ec != std::errc() || size == 0) {
+            program = argument;
+        } else {
+            sizes.push_back(size);
+        }
+    }
+    if (sizes.empty()) sizes = {1'000, 10'000};
+    std::cout << fmt::format("{:>8} {:>12} {:>12} {:>12} {:>11} {:>11}\n", "albums", "no album",
+                             "first", "again", "pages", "peak");
+    std::vector<Figures> all;
+    for (const std::size_t size : sizes) {
+        all.push_back(Measure(program, size));
+        Print(all.back());
+    }
+    bool met = true;
+    for (std::size_t i = 1; i < all.size(); ++i)
+        met &= JudgeGrowth(all[i - 1], all[i]);
+    return met ? 0 : 1;
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+    try {
+        return Main(std::span(arguments, static_cast<std::size_t>(count)));
+    } catch (const std::exception& error) {
+        std::cerr << "picker_bench: " << error.what() << '\n';
+        return 2;
+    }
+}
