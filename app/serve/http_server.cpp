@@ -82,8 +82,10 @@ class HttpServer::Implementation {
         server_.set_read_timeout(TransferLimit);
         server_.set_write_timeout(TransferLimit);
         server_.set_payload_max_length(MostContent);
-        const auto& headers = CommonHeaders();
-        server_.set_default_headers({headers.begin(), headers.end()});
+        httplib::Headers headers;
+        for (const auto& [name, value] : CommonHeaders())
+            headers.emplace(name, value);
+        server_.set_default_headers(std::move(headers));
         // Before the library's own routes, which are patterns and slow with long paths.
         server_.set_pre_routing_handler([this](const auto& request, auto& response) {
             if (!IsReading(request)) return Outcome::Unhandled;

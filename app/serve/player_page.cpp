@@ -22,8 +22,9 @@ constexpr std::array<AlbumAction, 3> AlbumActions{
 
 std::optional<std::int64_t> Number(std::string_view text) {
     std::int64_t number = 0;
-    const char* const end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, number);
+    const char* const start = text.data();
+    const char* const end = start + text.size();
+    const auto [stop, error] = std::from_chars(start, end, number);
     if (error != std::errc() || stop != end) return std::nullopt;
     return number;
 }
@@ -37,9 +38,8 @@ const std::string* TrackTitle(const AlbumNames& album, std::string_view ref) {
 /// The music that an album's identifier and a track's number stand for.
 std::string MusicText(const PlayerRequest& request, const NameTable& names) {
     const AlbumNames* const album = names.Find(request.cdjid);
-    const std::string albumText = album == nullptr
-                                      ? fmt::format("album {}", request.cdjid)
-                                      : fmt::format("{} by {}", album->title, album->artist);
+    std::string albumText = album == nullptr ? fmt::format("album {}", request.cdjid)
+                                             : fmt::format("{} by {}", album->title, album->artist);
     if (request.ref.empty() || Number(request.ref) == 0) return albumText;
     const std::string* const title = album == nullptr ? nullptr : TrackTitle(*album, request.ref);
     return title == nullptr ? fmt::format("track {} of {}", request.ref, albumText)

@@ -76,20 +76,20 @@ AspServices PickerServices() {
 
 }  // namespace
 
-const std::vector<std::pair<std::string, std::string>>& CommonHeaders() {
+std::span<const HeaderLine> CommonHeaders() {
     // The one script that picker pages hold is the link that submits the form of their playlist's
     // name. The hash is that of its address; any other script, such as one in a title that got
     // into a page as markup, does not run.
-    static const std::vector<std::pair<std::string, std::string>> Headers{
-        {"Content-Security-Policy",
-         "default-src 'none'; img-src 'self'; media-src 'self'; style-src 'self' 'unsafe-inline'; "
-         "script-src 'unsafe-hashes' 'sha256-Dp2gG0wJPLW51mrIz2ezTI0/lG1eGTJxHVUvWKnyguM='; "
-         "form-action 'self'; frame-src 'self'; frame-ancestors 'self'; base-uri 'none'"},
-        {"X-Content-Type-Options", "nosniff"},
-        {"X-Frame-Options", "SAMEORIGIN"},
-        {"Referrer-Policy", "no-referrer"},
-        {"Cross-Origin-Resource-Policy", "same-origin"},
-        {"Cache-Control", "no-store"}};
+    static constexpr auto Headers = std::to_array<HeaderLine>(
+        {{"Content-Security-Policy",
+          "default-src 'none'; img-src 'self'; media-src 'self'; style-src 'self' 'unsafe-inline'; "
+          "script-src 'unsafe-hashes' 'sha256-Dp2gG0wJPLW51mrIz2ezTI0/lG1eGTJxHVUvWKnyguM='; "
+          "form-action 'self'; frame-src 'self'; frame-ancestors 'self'; base-uri 'none'"},
+         {"X-Content-Type-Options", "nosniff"},
+         {"X-Frame-Options", "SAMEORIGIN"},
+         {"Referrer-Policy", "no-referrer"},
+         {"Cross-Origin-Resource-Policy", "same-origin"},
+         {"Cache-Control", "no-store"}});
     return Headers;
 }
 

@@ -2,7 +2,9 @@
 
 #include <filesystem>
 #include <optional>
+#include <span>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -30,8 +32,11 @@ struct WebResponse {
     std::vector<std::pair<std::string, std::string>> headers;
 };
 
+/// A header's name and value.
+using HeaderLine = std::pair<std::string_view, std::string_view>;
+
 /// Headers that every answer carries: what a page may load and run, and that nothing is kept.
-const std::vector<std::pair<std::string, std::string>>& CommonHeaders();
+std::span<const HeaderLine> CommonHeaders();
 
 /// The site that stands in for the one of the home-automation host, without a network: its files,
 /// its server pages as far as the tool writes them, and a player that only tells what it was asked

@@ -159,11 +159,13 @@ class Visit:
     def control(self, place, action):
         if self.forms:
             return f"{place}//input[@type='submit'][@value='{action}']"
-        return f"{place}//a[.='{action.capitalize()}']"
+        return f"{place}//a[contains(@href, 'ClientAction={action}&')]"
 
     def ask(self, control, sentence, *sent):
         """Clicks, and looks at what the player was asked for."""
-        self.browser.all(control, "xpath")[0].click()
+        found = self.browser.all(control, "xpath")
+        expect(f"there is {control}", True, len(found) > 0)
+        found[0].click()
         self.browser.wait("the player", lambda: self.browser.title() == "Player requests")
         self.requests += 1
         shown = self.browser.run(
