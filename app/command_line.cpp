@@ -51,6 +51,15 @@ run could start, else 2.
 Example:
   quillon check --host ~/shelf)";
 
+constexpr const char* ServeFooter =
+    R"(Shows what a run with AlbumPicker=1 has made below HTML in the host folder, in a browser on this
+computer; no other computer can connect. The player's page only lists what it was asked for. Changes
+nothing. Ctrl-C or SIGTERM ends it.
+
+Examples:
+  quillon serve --host ~/shelf
+  quillon serve --host ~/shelf --port 0    any port that is free)";
+
 constexpr const char* CreateFooter = R"(Example:
   quillon db create ~/shelf/jukebox.mdb)";
 
@@ -84,6 +93,7 @@ class Grammar {
         DefineInit();
         check_->footer(CheckFooter);
         AddHostOption(*check_);
+        DefineServe();
         DefineDb();
     }
 
@@ -154,6 +164,17 @@ class Grammar {
                   "How albums lie there: tree or flat (default: tree)");
     }
 
+    void DefineServe() {
+        serve_->footer(ServeFooter);
+        AddHostOption(*serve_);
+        serve_
+            ->add_option(
+                "--port", serveRequest_.port,
+                fmt::format("Port to listen on, 0 for any (default: {})", serveRequest_.port))
+            ->check(CLI::Range(0, 65535))
+            ->type_name("N");
+    }
+
     void DefineDb() {
         db_->require_subcommand(1);
         create_->footer(CreateFooter);
@@ -203,6 +224,7 @@ class Grammar {
     Request Chosen() const {
         if (init_->parsed()) return initRequest_;
         if (check_->parsed()) return CheckRequest{HostFolder()};
+        if (serve_->parsed()) return ServeRequest{HostFolder(), serveRequest_.port};
         if (create_->parsed()) return createRequest_;
         if (query_->parsed()) return queryRequest_;
         if (exec_->parsed()) return execRequest_;
@@ -215,6 +237,7 @@ class Grammar {
     CLI::App* run_ = app_.add_subcommand("run", "The run; also what happens without a command");
     CLI::App* init_ = app_.add_subcommand("init", "Make a host folder");
     CLI::App* check_ = app_.add_subcommand("check", "Tell what a run would do; change nothing");
+    CLI::App* serve_ = app_.add_subcommand("serve", "Show the album picker in a browser");
     CLI::App* db_ = app_.add_subcommand("db", "Work on a database file from the shell");
     CLI::App* create_ = db_->add_subcommand("create", "Make a new jukebox database");
     CLI::App* query_ = db_->add_subcommand("query", "Show the rows of a SELECT");
@@ -224,6 +247,7 @@ class Grammar {
     std::filesystem::path host_;
     ViewKind view_ = ViewKind::Auto;
     InitRequest initRequest_;
+    ServeRequest serveRequest_;
     DbCreateRequest createRequest_;
     DbQueryRequest queryRequest_;
     DbExecRequest execRequest_;

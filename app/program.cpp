@@ -8,6 +8,7 @@
 #include "app/commands/db_command.h"
 #include "app/commands/init_command.h"
 #include "app/commands/run_command.h"
+#include "app/commands/serve_command.h"
 #include "app/display_text.h"
 #include "app/standard_descriptors.h"
 
@@ -25,6 +26,7 @@ struct Dispatcher {
     int operator()(const RunRequest& request) const { return RunLibrary(request); }
     int operator()(const InitRequest& request) const { return Init(request, console); }
     int operator()(const CheckRequest& request) const { return Check(request, console); }
+    int operator()(const ServeRequest& request) const { return Serve(request, console); }
     int operator()(const DbCreateRequest& request) const { return DbCreate(request, console); }
     int operator()(const DbQueryRequest& request) const { return DbQuery(request, console); }
     int operator()(const DbExecRequest& request) const { return DbExec(request, console); }

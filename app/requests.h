@@ -32,6 +32,12 @@ struct CheckRequest {
     std::filesystem::path host;
 };
 
+/// `quillon serve`
+struct ServeRequest {
+    std::filesystem::path host;
+    int port = 8777;  ///< 0: any that is free
+};
+
 /// `quillon db create`
 struct DbCreateRequest {
     std::filesystem::path file;
@@ -62,7 +68,7 @@ struct TextAnswer {
 };
 
 /// Everything that a command line can ask for.
-using Request = std::variant<TextAnswer, RunRequest, InitRequest, CheckRequest, DbCreateRequest,
-                             DbQueryRequest, DbExecRequest, DbCheckRequest>;
+using Request = std::variant<TextAnswer, RunRequest, InitRequest, CheckRequest, ServeRequest,
+                             DbCreateRequest, DbQueryRequest, DbExecRequest, DbCheckRequest>;
 
 }  // namespace quillon

@@ -49,7 +49,7 @@ constexpr const char* Rules = R"css(.picker {
 
 .picker-albums > tbody { --least: 16rem; }
 .picker-albums > tbody > tr > td { padding: .75rem; border: 1px solid; border-radius: .4rem; }
-.picker-albums td > form > input { margin-right: .3rem; }
+.picker-albums [role=presentation] form > input[type=submit] { margin: 0 .25rem .25rem 0; padding: .2rem .4rem; }
 .picker-albums input[name=ClientAction] { text-transform: capitalize; }
 .picker-albums td:target { outline: 3px solid; }
 .picker-album, .picker-album > tbody, .picker-album > tbody > tr > td { display: block; }
@@ -80,6 +80,10 @@ constexpr const char* Rules = R"css(.picker {
         width: auto;
     }
     .picker-bar center { margin-top: .5rem; text-align: start; }
+}
+/* On a phone held upright the cover leaves room for what is said beside it. */
+@media (max-width: 30rem) {
+    .picker-albums img { width: 8.5rem; height: 8.5rem; }
 }
 )css";
 

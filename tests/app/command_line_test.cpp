@@ -97,6 +97,16 @@ TEST(CommandLine, InitTakesAFolderAndTheMusic) {
     EXPECT_EQ(full.layout, LibraryLayout::Flat);
 }
 
+TEST(CommandLine, ServeTakesAPort) {
+    const auto usual = std::get<ServeRequest>(Parse({"serve", "--host", "/a"}));
+    EXPECT_EQ(usual.host, "/a");
+    EXPECT_EQ(usual.port, 8777);
+    EXPECT_EQ(std::get<ServeRequest>(Parse({"serve", "--port", "0"})).port, 0);
+    EXPECT_EQ(std::get<ServeRequest>(Parse({"serve", "--port", "65535"})).port, 65535);
+    for (const char* const port : {"65536", "-1", "x", "80x", ""})
+        EXPECT_NE(UsageError({"serve", "--port", port}).find("--port"), std::string::npos) << port;
+}
+
 TEST(CommandLine, DbKnowsFourActions) {
     EXPECT_EQ(std::get<DbCreateRequest>(Parse({"db", "create", "a.mdb"})).file, "a.mdb");
     const auto query = std::get<DbQueryRequest>(Parse({"db", "query", "a.mdb", "SELECT 1"}));
@@ -139,6 +149,7 @@ TEST(CommandLine, EveryCommandHasHelpWithAnExample) {
                                                          {"run"},
                                                          {"init"},
                                                          {"check"},
+                                                         {"serve"},
                                                          {"db", "create"},
                                                          {"db", "query"},
                                                          {"db", "exec"},

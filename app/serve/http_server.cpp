@@ -1,0 +1,159 @@
+#include "app/serve/http_server.h"
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <httplib.h>
+#include <stdexcept>
+#include <string>
+#include <sys/socket.h>
+#include <thread>
+
+namespace quillon {
+namespace {
+
+constexpr const char* LoopbackAddress = "127.0.0.1";
+// Clients that say nothing for so long are let go; until then each of them takes a thread.
+constexpr std::chrono::seconds IdleLimit{2}, TransferLimit{5};
+constexpr std::size_t Threads = 64;
+// Content of requests is of no use here; a little is read so that the refusal can be read too.
+constexpr std::size_t MostContent = 65536;
+
+WebRequest ToRequest(const httplib::Request& request) {
+    WebRequest converted{request.method, request.target, {}};
+    const auto [begin, end] = request.headers.equal_range("Host");
+    std::for_each(begin, end,
+                  [&](const auto& header) { converted.hosts.push_back(header.second); });
+    return converted;
+}
+
+bool IsReading(const httplib::Request& request) {
+    return request.method == "GET" || request.method == "HEAD";
+}
+
+/// The library sends what does not fit its headers when a part behind a file's end is asked for. A
+/// server may always send the whole. The object behind the reference is the library's own and not
+/// constant.
+void IgnoreRanges(const httplib::Request& request) {
+    const_cast<httplib::Request&>(request).ranges.clear();
+}
+
+void SendFile(const SiteFile& file, const std::string& type, httplib::Response& response) {
+    const auto provide = [file](std::size_t offset, std::size_t length, httplib::DataSink& sink) {
+        std::array<std::uint8_t, 65536> buffer{};
+        const auto part = std::span(buffer).first(std::min(length, buffer.size()));
+        const std::size_t count = file.handle->ReadAt(offset, part);
+        // Less than was announced: the file has been cut short, and so is the answer.
+        return count > 0 && sink.write(reinterpret_cast<const char*>(buffer.data()), count);
+    };
+    response.set_content_provider(file.size, type, provide);
+}
+
+void Fill(httplib::Response& response, const WebResponse& answer) {
+    response.status = answer.status;
+    for (const auto& [name, value] : answer.headers)
+        response.set_header(name, value);
+    if (answer.file && answer.file->size > 0) {
+        SendFile(*answer.file, answer.type, response);
+    } else {
+        response.set_content(answer.text, answer.type);
+    }
+}
+
+/// A port that somebody listens on already is an error; the library's own options would share it.
+void SetSocketOptions(socket_t socket) {
+    const int yes = 1;
+    setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+}
+
+}  // namespace
+
+class HttpServer::Implementation {
+  public:
+    Implementation(Handler handler, int port) : handler_(std::move(handler)) {
+        using Outcome = httplib::Server::HandlerResponse;
+        server_.new_task_queue = [] {
+            return std::make_unique<httplib::ThreadPool>(Threads).release();
+        };
+        server_.set_socket_options(SetSocketOptions);
+        server_.set_keep_alive_max_count(1);
+        server_.set_keep_alive_timeout(IdleLimit.count());
+        server_.set_read_timeout(TransferLimit);
+        server_.set_write_timeout(TransferLimit);
+        server_.set_payload_max_length(MostContent);
+        httplib::Headers headers;
+        for (const auto& [name, value] : CommonHeaders())
+            headers.emplace(name, value);
+        server_.set_default_headers(std::move(headers));
+        // Before the library's own routes, which are patterns and slow with long paths.
+        server_.set_pre_routing_handler([this](const auto& request, auto& response) {
+            if (!IsReading(request)) return Outcome::Unhandled;
+            IgnoreRanges(request);
+            Fill(response, handler_(ToRequest(request)));
+            return Outcome::Handled;
+        });
+        server_.set_error_handler([this](const auto& request, auto& response) {
+            if (!response.body.empty()) return;
+            // Other methods end here once their content has been read, the rest is no HTTP.
+            if (response.status == 404 || response.status == 413) {
+                Fill(response, handler_(ToRequest(request)));
+            } else {
+                response.set_content("The request cannot be understood.", "text/plain");
+            }
+        });
+        server_.set_exception_handler([](const auto&, auto& response, const auto&) {
+            response.status = 500;
+            response.set_content("The page cannot be shown.", "text/plain");
+        });
+        Start(port);
+    }
+
+    ~Implementation() {
+        server_.stop();
+        thread_.join();
+    }
+    Implementation(const Implementation&) = delete;
+    Implementation& operator=(const Implementation&) = delete;
+
+    int Port() const { return port_; }
+    bool IsRunning() const { return !hasEnded_; }
+
+  private:
+    void Start(int port) {
+        port_ = port == 0 ? server_.bind_to_any_port(LoopbackAddress)
+                          : (server_.bind_to_port(LoopbackAddress, port) ? port : -1);
+        if (port_ <= 0)
+            throw std::runtime_error(
+                "port " + std::to_string(port) +
+                " cannot be used; --port chooses another one, 0 any that is free");
+        thread_ = std::thread([this] {
+            server_.listen_after_bind();
+            hasEnded_ = true;
+        });
+        // A stop before this point would be lost.
+        while (!server_.is_running() && !hasEnded_)
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+
+    Handler handler_;
+    httplib::Server server_;
+    int port_ = 0;
+    std::atomic<bool> hasEnded_{false};
+    std::thread thread_;
+};
+
+HttpServer::HttpServer(Handler handler, int port)
+    : implementation_(std::make_unique<Implementation>(std::move(handler), port)) {}
+
+HttpServer::~HttpServer() = default;
+
+int HttpServer::Port() const {
+    return implementation_->Port();
+}
+
+bool HttpServer::IsRunning() const {
+    return implementation_->IsRunning();
+}
+
+}  // namespace quillon

@@ -1,0 +1,1 @@
+<link rel="icon" href="/quillon-preview/icon.svg" type="image/svg+xml">
