@@ -2,6 +2,7 @@
 
 #include "database/marks.h"
 #include "database/remove_duplicates.h"
+#include "reconcile/add_files_to_library.h"
 #include "reconcile/refresh_database.h"
 
 namespace quillon {
@@ -12,6 +13,7 @@ Procedures AvailableProcedures() {
     procedures.RestoreMarks = RestoreMarks;
     procedures.RemoveDuplicates = RemoveDuplicates;
     procedures.RefreshDatabase = RefreshDatabase;
+    procedures.AddFilesToLibrary = AddFilesToLibrary;
     return procedures;
 }
 

@@ -67,6 +67,10 @@ class Files {
     virtual bool FolderExists(std::string_view path) = 0;
     virtual bool FileExists(std::string_view path) = 0;
 
+    /// Whether the first folder is the second or lies in it, by whatever drive, share or link they
+    /// are named; false when either does not exist. Never fails.
+    virtual bool IsWithin(std::string_view folder, std::string_view outer) = 0;
+
     /// Folders and files directly inside a folder. Entries that Windows could not show are left out
     /// (the adapter notes each once in the log). Failure: PathNotFound, PermissionDenied.
     virtual std::vector<FolderEntry> SubFolders(std::string_view folder) = 0;
@@ -84,6 +88,9 @@ class Files {
     virtual void CopyFolder(std::string_view from, std::string_view to, bool overwrite) = 0;
     /// A write-protected file is not deleted (PermissionDenied).
     virtual void DeleteFile(std::string_view path) = 0;
+    /// Takes back what this run has just made: a file, write-protected or not, or a folder, which
+    /// must be empty. Failure: FileNotFound, PathFileAccess for a folder that holds something.
+    virtual void Discard(std::string_view path) = 0;
     /// Renames or moves a file. Failure: FileAlreadyExists when the target is another file.
     virtual void MoveFile(std::string_view from, std::string_view to) = 0;
 
