@@ -13,7 +13,7 @@
 namespace quillon {
 namespace {
 
-constexpr std::array<std::string_view, 2> NeededFiles{"Quillon.ini", "host.ini"};
+constexpr std::array<std::string_view, 2> NeededFiles{"Quillon.ini", HostSettingsFile};
 
 bool HasFile(const std::filesystem::path& folder, std::string_view name) {
     for (const auto& entry : std::filesystem::directory_iterator(folder)) {

@@ -1,9 +1,13 @@
 #include "driver/procedures.h"
 
+#include "covers/refresh_album_covers.h"
 #include "database/marks.h"
 #include "database/remove_duplicates.h"
 #include "reconcile/add_files_to_library.h"
+#include "download/populate_spinner_artist.h"
+#include "download/populate_spinner_tracks.h"
 #include "reconcile/refresh_database.h"
+#include "remote/make_remote.h"
 
 namespace quillon {
 
@@ -14,6 +18,10 @@ Procedures AvailableProcedures() {
     procedures.RemoveDuplicates = RemoveDuplicates;
     procedures.RefreshDatabase = RefreshDatabase;
     procedures.AddFilesToLibrary = AddFilesToLibrary;
+    procedures.PopulateSpinnerTracks = PopulateSpinnerTracks;
+    procedures.PopulateSpinnerArtist = PopulateSpinnerArtist;
+    procedures.RefreshAlbumCovers = RefreshAlbumCovers;
+    procedures.MakeRemote = MakeRemote;
     return procedures;
 }
 

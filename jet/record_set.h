@@ -45,7 +45,8 @@ class RecordSet {
     virtual void Set(std::size_t field, const Value& value) = 0;
     void Set(std::string_view name, const Value& value) { Set(FieldIndex(name), value); }
 
-    /// Starts a new row; it becomes the current one when Update() stores it.
+    /// Starts a new row; it becomes the current one when Update() stores it. An auto-number field
+    /// shows the number that the row will get if no other row of the table is stored before it.
     virtual void AddNew() = 0;
     virtual void Update() = 0;
     /// Forgets AddNew() and assignments since the last Update().

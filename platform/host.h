@@ -6,6 +6,12 @@
 
 namespace quillon {
 
+/// The settings file of the host itself, beside that of the tool.
+constexpr std::string_view HostSettingsFile = "host.ini";
+
+/// Whether a value in that file says yes: "yes", "on", "true" or a number other than 0.
+bool IsSwitchedOn(std::string_view value);
+
 /// The home-automation host that the tool runs beside: it keeps the settings and the log.
 class Host {
   public:

@@ -6,6 +6,7 @@
 
 #include "app/display_text.h"
 #include "driver/settings_reader.h"
+#include "run/host_settings.h"
 
 namespace quillon {
 namespace {
@@ -46,6 +47,25 @@ Settings CheckSettings(Host& host, std::ostream& out, Findings& findings) {
         }
     }
     return report.settings;
+}
+
+void CheckHostSettings(Host& host, std::ostream& out, Findings& findings) {
+    const std::string downloadHost = DownloadHost(host);
+    const CoverTreeScan covers = ReadCoverTreeScan(host);
+    const auto line = [&out](std::string_view key, const std::string& value) {
+        out << "  " << Padded(std::string(key), KeyColumns) << ' '
+            << (value.empty() ? "(empty)" : OneLine(value)) << '\n';
+    };
+    out << fmt::format("\nHost settings ({})\n", HostSettingsFile);
+    line("Download Host", downloadHost);
+    line("Covers ScanLibrary", covers.ScanLibrary ? "True" : "False");
+    line("Covers ReservedFolder", covers.ReservedFolder);
+    if (downloadHost.find('-') != std::string::npos) {
+        findings.Caution(fmt::format(
+            "Host {} of [Download] has a hyphen: a piece of it becomes the genre of songs whose "
+            "artist is in the download table",
+            downloadHost));
+    }
 }
 
 void CheckPlugin(Host& host, std::ostream& out, Findings& findings) {

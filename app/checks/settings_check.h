@@ -12,6 +12,9 @@ namespace quillon {
 /// as a run would read them.
 Settings CheckSettings(Host& host, std::ostream& out, Findings& findings);
 
+/// Tells what the host's own settings say about links and covers.
+void CheckHostSettings(Host& host, std::ostream& out, Findings& findings);
+
 /// Tells whether the host has the plug-in enabled.
 void CheckPlugin(Host& host, std::ostream& out, Findings& findings);
 

@@ -54,6 +54,7 @@ int Check(const CheckRequest& request, Console console) {
     CheckPlugin(local.host, out, findings);
     TellDrives(local.host.Drives(), out);
     const Settings settings = CheckSettings(local.host, out, findings);
+    CheckHostSettings(local.host, out, findings);
     CheckFolders(local.files, settings, local.host.GetAppPath(), out, findings);
     TellDatabase(local, settings, out, findings);
     CheckMode(settings, out, findings);

@@ -16,13 +16,14 @@
 #include "app/settings_file.h"
 #include "app/stored_music.h"
 #include "jet/database.h"
+#include "platform/host.h"
 
 namespace quillon {
 namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::string_view SettingsName = "Quillon.ini", HostName = "host.ini",
+constexpr std::string_view SettingsName = "Quillon.ini", HostName = HostSettingsFile,
                            LogName = "host.log", DatabaseName = "jukebox.mdb";
 constexpr std::array<std::string_view, 5> FolderNames{"Playlists", "M3u", "Covers", "Data", "HTML"};
 constexpr char HostDrive = 'H', MusicDrive = 'D', DatabaseDrive = 'J';
@@ -157,9 +158,17 @@ std::string HostText(const Plan& plan) {
     }
     text +=
         "\n"
-        "; The machine that the stream links of the download table name.\n"
+        "; The machine that the stream links of the download table name. Genres are read off such\n"
+        "; links between hyphens, so the name should have none.\n"
         "[Download]\n"
-        "Host=localhost\n";
+        "Host=localhost\n"
+        "\n"
+        "; ScanLibrary=1: cover images may lie in the album folders, too; those in folders named "
+        "as\n"
+        "; ReservedFolder says are left out.\n"
+        "[Covers]\n"
+        "ScanLibrary=0\n"
+        "ReservedFolder=\n";
     return text;
 }
 

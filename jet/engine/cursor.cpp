@@ -117,9 +117,16 @@ Value Cursor::ReadStored(std::size_t field) const {
     return place_->readers[source.slot].Read(source.column);
 }
 
+/// What the row being added has in a field that nothing was assigned to.
+Value Cursor::ValueOfNewRow(std::size_t field) const {
+    const ColumnDefinition& column = Definition(field);
+    if (column.autoNumber) return place_->readers.front().Table().NextAutoNumber();
+    return ConvertToField(column, Null{});
+}
+
 Value Cursor::Get(std::size_t field) const {
     if (const Value* value = FindPending(field)) return *value;
-    if (adding_) return ConvertToField(Definition(field), Null{});
+    if (adding_) return ValueOfNewRow(field);
     RequireRow();
     return ReadStored(field);
 }

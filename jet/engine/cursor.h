@@ -68,6 +68,7 @@ class Cursor final : public RecordSet {
     bool IsWhole() const;
     void RequireRow() const;
     Value ReadStored(std::size_t field) const;
+    Value ValueOfNewRow(std::size_t field) const;
     const ColumnDefinition& Definition(std::size_t field) const;
     const Value* FindPending(std::size_t field) const;
     void InsertRow();

@@ -107,6 +107,11 @@ storage::Row MirrorTable::Read(RowKey key) const {
     return stored_->Read(RowId::FromInteger(key));
 }
 
+std::int64_t MirrorTable::NextAutoNumber() const {
+    RequireAttached();
+    return stored_->NextAutoNumber();
+}
+
 void MirrorTable::RequireAttached() const {
     if (!stored_) throw Error(ErrorKind::Io, "The database has been closed");
 }

@@ -41,6 +41,9 @@ class MirrorTable {
     /// The row as stored.
     storage::Row Read(RowKey key) const;
 
+    /// The number that the next row gets in the auto-number column.
+    std::int64_t NextAutoNumber() const;
+
     /// Values are converted to the fields' types, with the errors of ConvertToField.
     RowKey Insert(storage::Row values);
     /// Writes the changes, whose values are converted already.

@@ -27,6 +27,7 @@ class LinkedTable final : public TableImplementation {
     void Update(RowId /*row*/, std::span<const FieldChange> /*changes*/) override { Refuse(); }
     void Delete(RowId /*row*/) override { Refuse(); }
     std::uint32_t RowCount() const override { Refuse(); }
+    std::int32_t NextAutoNumber() const override { Refuse(); }
     std::string File() const override { return file_; }
 
   private:

@@ -31,6 +31,7 @@ class StoredTable final : public TableImplementation {
     void Update(RowId row, std::span<const FieldChange> changes) override;
     void Delete(RowId row) override;
     std::uint32_t RowCount() const override;
+    std::int32_t NextAutoNumber() const override;
     std::string File() const override { return pages_.Path().string(); }
 
     /// Scan for a few columns: the others stay Null in the rows and are not looked at.

@@ -211,22 +211,23 @@ void StoredTable::ChangeKey(const KeyChange& change, RowId row) {
     if (change.after && index.Insert(*change.after, row)) parts.counters.CountNewKey(change.index);
 }
 
+std::int32_t StoredTable::NextAutoNumber() const {
+    const TableCounters& counters = Current().counters;
+    const std::int64_t next = std::int64_t{counters.AutoNumber()} + counters.AutoNumberStep();
+    if (next > std::numeric_limits<std::int32_t>::max() ||
+        next < std::numeric_limits<std::int32_t>::min()) {
+        throw Error(ErrorKind::Overflow,
+                    "Table " + definition_.name + " has used up its auto-numbers.");
+    }
+    return static_cast<std::int32_t>(next);
+}
+
 /// Puts the next number into an auto-number column that got none.
 std::optional<std::int32_t> StoredTable::HandOutNumber(Row& values) const {
     std::optional<std::int32_t> number;
     for (std::size_t i = 0; i < values.size(); ++i) {
         if (!definition_.columns[i].autoNumber) continue;
-        if (IsNull(values[i])) {
-            const TableCounters& counters = Current().counters;
-            const std::int64_t next =
-                std::int64_t{counters.AutoNumber()} + counters.AutoNumberStep();
-            if (next > std::numeric_limits<std::int32_t>::max() ||
-                next < std::numeric_limits<std::int32_t>::min()) {
-                throw Error(ErrorKind::Overflow,
-                            "Table " + definition_.name + " has used up its auto-numbers.");
-            }
-            values[i] = next;
-        }
+        if (IsNull(values[i])) values[i] = std::int64_t{NextAutoNumber()};
         number = static_cast<std::int32_t>(std::get<std::int64_t>(values[i]));
     }
     return number;

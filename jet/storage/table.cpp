@@ -45,4 +45,8 @@ std::uint32_t Table::RowCount() const {
     return NamingFile(implementation_->File(), [&] { return implementation_->RowCount(); });
 }
 
+std::int32_t Table::NextAutoNumber() const {
+    return NamingFile(implementation_->File(), [&] { return implementation_->NextAutoNumber(); });
+}
+
 }  // namespace jet::storage

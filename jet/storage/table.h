@@ -65,6 +65,10 @@ class Table {
 
     std::uint32_t RowCount() const;
 
+    /// The number that the next row gets in the auto-number column. Error(Overflow) when all are
+    /// used up.
+    std::int32_t NextAutoNumber() const;
+
   private:
     std::unique_ptr<TableImplementation> implementation_;
 };

@@ -22,6 +22,7 @@ class TableImplementation {
     virtual void Update(RowId row, std::span<const FieldChange> changes) = 0;
     virtual void Delete(RowId row) = 0;
     virtual std::uint32_t RowCount() const = 0;
+    virtual std::int32_t NextAutoNumber() const = 0;
 
     /// The file that the table is in.
     virtual std::string File() const = 0;

@@ -16,7 +16,6 @@
 namespace quillon {
 namespace {
 
-constexpr const char* HostIni = "host.ini";
 constexpr const char* LogName = "host.log";
 
 std::filesystem::path CheckedFolder(const std::filesystem::path& folder) {
@@ -34,13 +33,6 @@ std::string ReadAll(const FileHandle& file) {
     while (const std::size_t length = file.ReadAt(content.size(), buffer))
         content.append(buffer.begin(), buffer.begin() + static_cast<std::ptrdiff_t>(length));
     return content;
-}
-
-bool IsSwitchedOn(std::string_view value) {
-    for (const std::string_view word : {"yes", "on", "true"}) {
-        if (EqualIgnoringCase(value, word)) return true;
-    }
-    return ToNumber(value).value_or(0) != 0;
 }
 
 /// A text that stays on its line of the log: every line end, and every control character but the
@@ -62,12 +54,12 @@ HostFolder::HostFolder(const std::filesystem::path& folder, const Clock& clock)
 }
 
 void HostFolder::MapDrives() {
-    for (const auto& [root, local] : Read(HostIni).Entries("Drives")) {
+    for (const auto& [root, local] : Read(HostSettingsFile).Entries("Drives")) {
         try {
             drives_.Map(root, local);
         } catch (const Failure& failure) {
             throw Failure::Described(failure.Number(), std::string(failure.what()) + " in " +
-                                                           (folder_ / HostIni).string());
+                                                           (folder_ / HostSettingsFile).string());
         }
     }
     drives_.MakeReachable(folder_);
@@ -107,11 +99,6 @@ std::string HostFolder::GetINISetting(std::string_view section, std::string_view
     return Read(file).Find(section, key).value_or(std::string(fallback));
 }
 
-std::string HostFolder::HostSetting(std::string_view section, std::string_view key,
-                                    std::string_view fallback) {
-    return GetINISetting(section, key, fallback, HostIni);
-}
-
 void HostFolder::WriteLog(std::string_view source, std::string_view message) {
     const std::string path = (folder_ / LogName).string();
     const std::string record = SortableDateTimeText(clock_.Now()) + '\t' +
@@ -127,7 +114,7 @@ void HostFolder::WriteLog(std::string_view source, std::string_view message) {
 
 std::vector<std::string> HostFolder::GetPlugins() {
     std::vector<std::string> names;
-    for (const auto& [name, value] : Read(HostIni).Entries("Plugins")) {
+    for (const auto& [name, value] : Read(HostSettingsFile).Entries("Plugins")) {
         if (IsSwitchedOn(value)) names.push_back(name);
     }
     return names;

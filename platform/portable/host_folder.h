@@ -29,10 +29,6 @@ class HostFolder : public Host {
     std::vector<std::string> GetPlugins() override;
     std::string GetAppPath() override;
 
-    /// A setting of `host.ini` itself, as [Download] Host.
-    std::string HostSetting(std::string_view section, std::string_view key,
-                            std::string_view fallback);
-
     /// The roots of [Drives] with their local folders; the host folder itself can be reached.
     const DriveTable& Drives() const { return drives_; }
 

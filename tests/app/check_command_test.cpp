@@ -63,6 +63,26 @@ TEST_F(CheckCommand, TellsEverySettingAndWhereItsValueComesFrom) {
     EXPECT_TRUE(Has(settings, "  LibraryRoot            D:\\Music                       file\n"));
 }
 
+TEST_F(CheckCommand, TellsTheHostsOwnSettings) {
+    EXPECT_EQ(Section(Check().out, "Host settings (host.ini)"),
+              "  Download Host          localhost\n"
+              "  Covers ScanLibrary     False\n"
+              "  Covers ReservedFolder  (empty)");
+}
+
+TEST_F(CheckCommand, CautionsAgainstADownloadHostWithAHyphen) {
+    Write("shelf/host.ini", "[Plugins]\nQuillon=1\n[Drives]\nD=" + Folder().string() +
+                                "\nH=.\n[Download]\nHost=my-radio\n"
+                                "[Covers]\nScanLibrary=yes\nReservedFolder=Scans\n");
+    const ProgramResult result = Check();
+    EXPECT_EQ(Section(result.out, "Host settings (host.ini)"),
+              "  Download Host          my-radio\n"
+              "  Covers ScanLibrary     True\n"
+              "  Covers ReservedFolder  Scans");
+    EXPECT_TRUE(Has(Section(result.out, "Worth a look"), "Host my-radio of [Download]"));
+    EXPECT_EQ(result.status, 0);
+}
+
 TEST_F(CheckCommand, TellsTheModeItsBackupsAndItsPhases) {
     const std::string plan = Section(Check().out, "A run would do");
     EXPECT_TRUE(plan.starts_with("  Reconcile library and database\n")) << plan;

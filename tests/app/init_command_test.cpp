@@ -47,6 +47,9 @@ TEST_F(InitCommand, MakesAWholeHostFolder) {
 
     EXPECT_TRUE(HasEntry("shelf/host.ini", "Quillon=1"));
     EXPECT_TRUE(HasEntry("shelf/host.ini", "H=."));
+    EXPECT_TRUE(HasEntry("shelf/host.ini", "Host=localhost"));
+    EXPECT_TRUE(HasEntry("shelf/host.ini", "ScanLibrary=0"));
+    EXPECT_TRUE(HasEntry("shelf/host.ini", "ReservedFolder="));
     EXPECT_TRUE(HasEntry("shelf/host.ini", "D=" + Folder().string()));
     EXPECT_TRUE(HasEntry("shelf/Quillon.ini", "Reconcile=1"));
     EXPECT_TRUE(HasEntry("shelf/Quillon.ini", "LibraryRoot=D:\\Some Music"));

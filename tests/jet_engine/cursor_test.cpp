@@ -157,6 +157,30 @@ TEST(Cursor, AddNewMakesARowThatBecomesTheCurrentOneWithItsNumber) {
     EXPECT_TRUE(tracks->IsEof());
 }
 
+TEST(Cursor, NewRowShowsItsNumberBeforeItIsStored) {
+    SampleDatabase database;
+    const auto tracks = database->OpenTable("Tracks");
+    tracks->AddNew();
+    EXPECT_EQ(Text(*tracks, "ID"), "6");
+    tracks->Set("Title", "Number " + Text(*tracks, "ID"));
+    tracks->Update();
+    EXPECT_EQ(database.Rows("SELECT ID, Title FROM Tracks WHERE ID=6"), "6|Number 6");
+}
+
+TEST(Cursor, NumberShownGoesToTheRowThatIsStoredFirst) {
+    SampleDatabase database;
+    const auto tracks = database->OpenTable("Tracks");
+    tracks->AddNew();
+    EXPECT_EQ(Text(*tracks, "ID"), "6");
+    tracks->CancelUpdate();
+    tracks->AddNew();
+    EXPECT_EQ(Text(*tracks, "ID"), "6");
+    database.Execute("INSERT INTO Tracks (Title) VALUES ('Quicker')");
+    tracks->Update();
+    EXPECT_EQ(Text(*tracks, "ID"), "7");
+    EXPECT_EQ(database.Rows("SELECT Title FROM Tracks WHERE ID=6"), "Quicker");
+}
+
 TEST(Cursor, AddNewDuringAWalkPutsTheRowAtTheEnd) {
     SampleDatabase database;
     const auto genres = database->OpenTable("SpinnerGenre");

@@ -147,8 +147,8 @@ TEST_F(HostFolderTest, SaysWhenTheLogCannotBeWritten) {
 TEST_F(HostFolderTest, HasSettingsOfItsOwn) {
     folder_.MakeFile("host.ini", "[Download]\nHost = music.example \n");
     HostFolder host = Host();
-    EXPECT_EQ(host.HostSetting("Download", "Host", ""), "music.example");
-    EXPECT_EQ(host.HostSetting("Download", "Port", "80"), "80");
+    EXPECT_EQ(host.GetINISetting("Download", "Host", "", HostSettingsFile), "music.example");
+    EXPECT_EQ(host.GetINISetting("Download", "Port", "80", HostSettingsFile), "80");
 }
 
 }  // namespace

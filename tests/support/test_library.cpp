@@ -1,5 +1,7 @@
 #include "tests/support/test_library.h"
 
+#include <fstream>
+#include <iterator>
 #include <utility>
 
 #include "app/jukebox_database.h"
@@ -77,6 +79,14 @@ std::vector<std::string> TestLibrary::Tracks() {
         if (row.starts_with(Root)) row.erase(0, std::string_view(Root).size());
     }
     return rows;
+}
+
+std::string TestLibrary::DatabaseBytes() {
+    run.connection.reset();
+    std::ifstream file(DatabaseFile(), std::ios::binary);
+    std::string bytes{std::istreambuf_iterator<char>(file), {}};
+    ReopenDatabase();
+    return bytes;
 }
 
 std::string TestLibrary::Faults() {

@@ -48,6 +48,9 @@ class TestLibrary {
     /// Closes the database and opens it again from its file, as a next run would find it.
     void ReopenDatabase();
 
+    /// The database file's content, for which it is closed and opened again.
+    std::string DatabaseBytes();
+
     /// What the independent structural check finds in the database file, which it closes; "" when
     /// it is whole.
     std::string Faults();

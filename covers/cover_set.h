@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace quillon {
+
+class Run;
+
+/// A cover image that was found on disk.
+struct Cover {
+    std::string name;        ///< file name with its extension
+    std::string path;        ///< full path
+    bool processed = false;  ///< an album that already points at it has been met
+};
+
+/// The covers of one verification in the order in which they were found, and their names. Of
+/// several covers of one name the first is found.
+class CoverSet {
+  public:
+    void Add(std::string name, std::string path);
+
+    bool IsEmpty() const { return covers_.empty(); }
+    const std::vector<Cover>& InOrder() const { return covers_; }
+
+    /// The cover of this name, whatever its letter case; null when there is none.
+    Cover* FindName(std::string_view name);
+    /// The same with apostrophes left out on both sides.
+    Cover* FindWithoutApostrophes(std::string_view name);
+
+  private:
+    using Index = std::unordered_map<std::string, std::size_t>;
+    Cover* Find(const Index& index, const std::string& key);
+
+    std::vector<Cover> covers_;
+    Index byName_, byNameWithoutApostrophes_;  ///< positions of the first of each name
+};
+
+/// The cover that an album or another image of this name belongs to, null when there is none: by
+/// its exact name, else with apostrophes left out. A name with an apostrophe is only ever looked
+/// for in the second way. Failures are logged.
+Cover* findExactRecord(Run& run, CoverSet& covers, std::string_view name);
+
+}  // namespace quillon

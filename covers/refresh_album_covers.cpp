@@ -1,0 +1,125 @@
+#include "covers/refresh_album_covers.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "covers/scan_covers.h"
+#include "database/sql.h"
+#include "database/track_numbers.h"
+#include "platform/basic_text.h"
+#include "platform/database.h"
+#include "run/log.h"
+#include "run/run.h"
+#include "run/steps.h"
+
+namespace quillon {
+namespace {
+
+constexpr std::string_view Placeholder = "notfnd.jpg";
+
+std::string_view FileName(std::string_view path) {
+    const std::size_t backslash = path.rfind('\\');
+    return backslash == std::string_view::npos ? path : path.substr(backslash + 1);
+}
+
+void SetImageFile(RecordSet& album, const std::string& path) {
+    album.Set("ImageFile", path);
+    album.Update();
+}
+
+void CompareAlbums(Run& run, RecordSet& albums, CoverSet& covers) {
+    for (; !albums.IsEof(); albums.MoveNext()) {
+        run.ProcessEvents();
+        const std::string imageFile = albums.Text("ImageFile");
+        if (imageFile.empty()) continue;
+        Cover* const cover = findExactRecord(run, covers, FileName(imageFile));
+        if (cover != nullptr) cover->processed = true;
+        SetImageFile(albums, cover != nullptr ? cover->path : "");
+    }
+}
+
+/// What a cover's file name says.
+struct CoverTitle {
+    std::string artist, album;
+};
+
+/// Of several separators the first one counts: more titles than artists have one in their name.
+std::optional<CoverTitle> ReadCoverTitle(std::string_view name) {
+    constexpr std::string_view Separator = " - ";
+    constexpr std::size_t ExtensionLength = 4;
+    const std::size_t position = name.find(Separator);
+    if (position == std::string_view::npos) return std::nullopt;
+    std::string_view album = name.substr(position + Separator.size());
+    album.remove_suffix(ExtensionLength);
+    return CoverTitle{std::string(Trim(name.substr(0, position))), std::string(Trim(album))};
+}
+
+void LogCover(Run& run, const Cover& cover, std::string_view statement) {
+    WriteLog(run, LogSource, "Album Cover " + cover.name + " " + std::string(statement));
+}
+
+void AddCover(Run& run, RecordSet& albums, const Cover& cover) {
+    const std::optional<CoverTitle> title = ReadCoverTitle(cover.name);
+    if (!title) {
+        if (!EqualIgnoringCase(cover.name, Placeholder))
+            LogCover(run, cover, "filename is not of correct Artist - Album format");
+        return;
+    }
+    const std::unique_ptr<RecordSet> found = run.connection->Query(
+        "SELECT ID, ImageFile FROM Albums WHERE Artist =" + Quoted(title->artist) +
+        " AND Title =" + Quoted(title->album));
+    if (found->IsEmpty()) {
+        LogCover(run, cover,
+                 "is in directory but does not have this artist/album in Albums database");
+        return;
+    }
+    const std::string present = found->Text("ImageFile");
+    if (!present.empty()) {
+        if (!EqualIgnoringCase(present, cover.path))
+            LogCover(run, cover,
+                     "is in directory but does not match " + present + " in Albums database");
+        return;
+    }
+    const std::int64_t id = found->Integer("ID");
+    if (!MoveToId(albums, id)) {
+        WriteLog(
+            run, LogSource,
+            "Album cover record ID " + std::to_string(id) + " could not be found on second read");
+        return;
+    }
+    SetImageFile(albums, cover.path);
+    LogCover(run, cover, "added to Albums database");
+}
+
+void AddNewCovers(Run& run, RecordSet& albums, const CoverSet& covers) {
+    for (const Cover& cover : covers.InOrder()) {
+        run.ProcessEvents();
+        if (!cover.processed) AddCover(run, albums, cover);
+    }
+}
+
+}  // namespace
+
+void RefreshAlbumCovers(Run& run) {
+    Steps steps(run, "Refresh Album Covers Error:");
+    std::unique_ptr<RecordSet> albums;
+    std::optional<CoverSet> covers;
+    run.ShowItem("1. Scan Albums from Folder");
+    const bool scanned = steps.Try(1, [&] {
+        albums = run.connection->OpenTable("Albums");
+        if (!albums->IsEmpty()) covers = ScanCovers(run);
+    });
+    if (!scanned || !covers) return;
+
+    run.ShowItem("2. Compare Albums with Database");
+    if (run.AbortRequested) return;
+    if (!steps.Try(2, [&] { CompareAlbums(run, *albums, *covers); })) return;
+
+    run.ShowItem("3. Add New Covers to Database");
+    if (run.AbortRequested) return;
+    steps.Try(3, [&] { AddNewCovers(run, *albums, *covers); });
+}
+
+}  // namespace quillon

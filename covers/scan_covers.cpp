@@ -1,0 +1,81 @@
+#include "covers/scan_covers.h"
+
+#include <string>
+#include <vector>
+
+#include "platform/basic_text.h"
+#include "platform/failure.h"
+#include "platform/files.h"
+#include "run/host_settings.h"
+#include "run/run.h"
+
+namespace quillon {
+namespace {
+
+constexpr std::size_t ExtensionLength = 4;
+
+/// The last four characters alone: ".jpeg" is no extension of a cover.
+bool HasExtension(std::string_view name, std::string_view extension) {
+    return LowerCase(Right(name, ExtensionLength)) == extension;
+}
+
+std::string_view WithoutExtension(std::string_view name) {
+    return name.substr(0, name.size() - ExtensionLength);
+}
+
+void RequireFolder(Run& run, const std::string& folder) {
+    if (!run.files.FolderExists(folder)) throw Failure(FailureNumber::PathNotFound, folder);
+}
+
+/// All JPEG images come first: so a GIF image of the same name is told to be superfluous, wherever
+/// the folder's order has it.
+void AddCoverFolder(Run& run, const std::string& folder, CoverSet& covers) {
+    RequireFolder(run, folder);
+    const std::vector<FileEntry> files = run.files.FilesIn(folder);
+    for (const FileEntry& file : files) {
+        if (HasExtension(file.name, ".jpg")) covers.Add(file.name, file.path);
+    }
+    for (const FileEntry& file : files) {
+        if (!HasExtension(file.name, ".gif")) continue;
+        const std::string twin = std::string(WithoutExtension(file.name)) + ".jpg";
+        if (findExactRecord(run, covers, twin) == nullptr) covers.Add(file.name, file.path);
+    }
+}
+
+/// Here a GIF image stands beside a JPEG image of its name: whoever keeps covers with the albums
+/// has both pointed at in the database.
+void AddLibraryTree(Run& run, const std::string& reservedFolder, CoverSet& covers) {
+    RequireFolder(run, run.settings.LibraryRoot);
+    for (const FolderEntry& artist : run.files.SubFolders(run.settings.LibraryRoot)) {
+        run.ProcessEvents();
+        for (const FolderEntry& album : run.files.SubFolders(artist.path)) {
+            if (EqualIgnoringCase(album.name, reservedFolder)) continue;
+            for (const FileEntry& file : run.files.FilesIn(album.path)) {
+                if (HasExtension(file.name, ".jpg") || HasExtension(file.name, ".gif"))
+                    covers.Add(file.name, file.path);
+            }
+        }
+    }
+}
+
+}  // namespace
+
+std::optional<CoverSet> ScanCovers(Run& run) {
+    const std::string& coverFolder = run.settings.AlbumCoverFolder;
+    const CoverTreeScan tree = ReadCoverTreeScan(run.host);
+    // A folder setting that was left empty has become a lone backslash.
+    const bool usesFolder = !coverFolder.empty() && coverFolder != "\\";
+    const bool usesTree = tree.ScanLibrary && !run.settings.LibraryRoot.empty();
+
+    CoverSet covers;
+    run.ProcessEvents();
+    if (run.AbortRequested) return std::nullopt;
+    if (usesFolder) AddCoverFolder(run, coverFolder, covers);
+    run.ProcessEvents();
+    if (run.AbortRequested) return std::nullopt;
+    if (usesTree) AddLibraryTree(run, tree.ReservedFolder, covers);
+    if (!usesFolder && !usesTree) return std::nullopt;
+    return covers;
+}
+
+}  // namespace quillon

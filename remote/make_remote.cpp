@@ -1,0 +1,65 @@
+#include "remote/make_remote.h"
+
+#include <array>
+#include <memory>
+#include <string>
+
+#include "platform/database.h"
+#include "run/paths.h"
+#include "run/run.h"
+#include "run/steps.h"
+
+namespace quillon {
+namespace {
+
+struct PathStep {
+    std::string_view item;
+    std::string Settings::* folder;
+    std::string_view rows;
+    std::string_view field;
+};
+
+constexpr std::array PathSteps{
+    PathStep{"1. Album Covers", &Settings::AlbumCoverFolder,
+             "SELECT ImageFile FROM Albums WHERE Albums.ImageFile is Not Null and "
+             "Albums.ImageFile<>\"\"",
+             "ImageFile"},
+    PathStep{"2. MP3 Tracks", &Settings::LibraryRoot,
+             "SELECT SoundFile FROM Tracks WHERE Tracks.SoundFile is Not Null and "
+             "Tracks.SoundFile<>\"\"",
+             "SoundFile"},
+    PathStep{"3. Pla Playlists", &Settings::PlayListPath,
+             "SELECT FilePath FROM Playlists WHERE Playlists.Type =\"pla\" AND "
+             "Playlists.FilePath is Not Null and Playlists.FilePath<>\"\"",
+             "FilePath"},
+    PathStep{"4. M3u Playlists", &Settings::PlayListPath2,
+             "SELECT FilePath FROM Playlists WHERE Playlists.Type =\"m3u\" AND "
+             "Playlists.FilePath is Not Null and Playlists.FilePath<>\"\"",
+             "FilePath"},
+};
+
+void ChangeDrives(Run& run, const PathStep& step, const std::string& drive) {
+    const std::unique_ptr<RecordSet> rows = run.connection->OpenUpdatable(step.rows);
+    for (; !rows->IsEof(); rows->MoveNext()) {
+        run.ProcessEvents();
+        rows->Set(step.field, ChangeDrive(drive, rows->Text(step.field)));
+        rows->Update();
+    }
+}
+
+}  // namespace
+
+void MakeRemote(Run& run) {
+    Steps steps(run, "MakeRemote");
+    int number = 0;
+    for (const PathStep& step : PathSteps) {
+        run.ShowItem(step.item);
+        if (run.AbortRequested) return;
+        const std::string drive = GetDrive(run.settings.*step.folder);
+        ++number;
+        if (drive.empty()) continue;
+        if (!steps.Try(number, [&] { ChangeDrives(run, step, drive); })) return;
+    }
+}
+
+}  // namespace quillon

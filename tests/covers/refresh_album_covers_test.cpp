@@ -1,0 +1,442 @@
+#include "covers/refresh_album_covers.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "database/sql.h"
+#include "tests/support/test_library.h"
+
+namespace quillon {
+namespace {
+
+using ::testing::Contains;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::Not;
+using ::testing::StartsWith;
+
+class RefreshAlbumCoversTest : public ::testing::Test {
+  protected:
+    RefreshAlbumCoversTest() {
+        library.run.settings.AlbumCoverFolder = Folder;
+        library.files.AddFolder(R"(D:\Covers)");
+    }
+
+    void AddImage(const std::string& name) { library.files.AddFile(Folder + name); }
+    void AddAlbum(const std::string& artist, const std::string& title,
+                  const std::string& imageFile = "Null") {
+        library.Execute("INSERT INTO Albums (Artist, Title, ImageFile) VALUES (" +
+                        FilterQuoted(artist) + ", " + FilterQuoted(title) + ", " +
+                        (imageFile == "Null" ? imageFile : FilterQuoted(imageFile)) + ")");
+    }
+    void Refresh() { RefreshAlbumCovers(library.run); }
+
+    /// The image files of all albums, by ID.
+    std::vector<std::string> Images() {
+        return library.Rows("SELECT ImageFile FROM Albums ORDER BY ID");
+    }
+    const std::vector<std::string>& Log() { return library.host.log; }
+
+    void ScanLibraryTree(const std::string& reserved = "") {
+        library.host.Set("ScanLibrary", "1");
+        library.host.Set("ReservedFolder", reserved);
+    }
+
+    static constexpr const char* Folder = R"(D:\Covers\)";
+    support::TestLibrary library;
+};
+
+TEST_F(RefreshAlbumCoversTest, TiesANewCoverToItsAlbum) {
+    AddAlbum("Ann", "First");
+    AddAlbum("Bob", "Second", "");
+    AddImage("Ann - First.jpg");
+    AddImage("bob - SECOND.GIF");
+    Refresh();
+    EXPECT_THAT(Images(),
+                ElementsAre(R"(D:\Covers\Ann - First.jpg)", R"(D:\Covers\bob - SECOND.GIF)"));
+    EXPECT_THAT(Log(),
+                ElementsAre("Quillon: Album Cover Ann - First.jpg added to Albums database",
+                            "Quillon: Album Cover bob - SECOND.GIF added to Albums database"));
+    EXPECT_EQ(library.run.counts.errors, 0U);
+    EXPECT_EQ(library.Faults(), "");
+}
+
+TEST_F(RefreshAlbumCoversTest, ShowsItsThreePhases) {
+    AddAlbum("Ann", "First");
+    Refresh();
+    EXPECT_THAT(library.calls.Of({"Item"}), ElementsAre("Item 1. Scan Albums from Folder",
+                                                        "Item 2. Compare Albums with Database",
+                                                        "Item 3. Add New Covers to Database"));
+}
+
+TEST_F(RefreshAlbumCoversTest, LooksAtNoFolderWhenThereAreNoAlbums) {
+    AddImage("Ann - First.jpg");
+    Refresh();
+    EXPECT_THAT(library.calls.Of({"FilesIn"}), IsEmpty());
+    EXPECT_THAT(Log(), IsEmpty());
+}
+
+TEST_F(RefreshAlbumCoversTest, PrefersAJpegToAGifOfTheSameName) {
+    AddAlbum("Ann", "First");
+    AddImage("Ann - First.gif");
+    AddImage("ann - first.JPG");
+    Refresh();
+    EXPECT_THAT(Images(), ElementsAre(R"(D:\Covers\ann - first.JPG)"));
+    EXPECT_EQ(Log().size(), 1U);
+}
+
+TEST_F(RefreshAlbumCoversTest, PrefersAJpegWhoseNameDiffersInApostrophesAlone) {
+    AddAlbum("Ann", "Don't");
+    AddAlbum("Ann", "Dont");
+    AddImage("Ann - Dont.gif");
+    AddImage("Ann - Don't.jpg");
+    Refresh();
+    EXPECT_THAT(Images(), ElementsAre(R"(D:\Covers\Ann - Don't.jpg)", "Null"));
+}
+
+TEST_F(RefreshAlbumCoversTest, LooksAtTheLastFourCharactersOfANameAlone) {
+    AddAlbum("Ann", "First");
+    for (const char* name :
+         {"Ann - First.jpeg", "Ann - First.png", "Ann - First.jpg.txt", "jpg", "Ann - First_jpg"})
+        AddImage(name);
+    Refresh();
+    EXPECT_THAT(Images(), ElementsAre("Null"));
+    EXPECT_THAT(Log(), IsEmpty());
+}
+
+TEST_F(RefreshAlbumCoversTest, EmptiesTheImageFileOfADeletedImageWithoutAMessage) {
+    AddAlbum("Ann", "First", R"(D:\Covers\Ann - First.jpg)");
+    AddAlbum("Bob", "Second", R"(D:\Covers\)");
+    AddAlbum("Cay", "Third", "D:/Covers/Cay - Third.jpg");
+    Refresh();
+    EXPECT_THAT(Images(), ElementsAre("", "", ""));
+    EXPECT_THAT(library.Rows("SELECT Count(*) FROM Albums WHERE ImageFile=''"), ElementsAre("3"));
+    EXPECT_THAT(Log(), IsEmpty());
+}
+
+TEST_F(RefreshAlbumCoversTest, GivesAnAlbumWhoseImageIsGoneTheOneOfItsName) {
+    AddAlbum("Ann", "First", R"(D:\Covers\old name.jpg)");
+    AddImage("Ann - First.jpg");
+    Refresh();
+    EXPECT_THAT(Images(), ElementsAre(R"(D:\Covers\Ann - First.jpg)"));
+    EXPECT_THAT(Log(),
+                ElementsAre("Quillon: Album Cover Ann - First.jpg added to Albums database"));
+}
+
+TEST_F(RefreshAlbumCoversTest, FollowsAnImageThatHasMoved) {
+    AddAlbum("Ann", "First", R"(E:\Old\whatever.JPG)");
+    AddAlbum("Bob", "Second", "whatever.jpg");
+    AddImage("Whatever.jpg");
+    Refresh();
+    EXPECT_THAT(Images(), ElementsAre(R"(D:\Covers\Whatever.jpg)", R"(D:\Covers\Whatever.jpg)"));
+    EXPECT_THAT(Log(), IsEmpty());
+}
+
+TEST_F(RefreshAlbumCoversTest, FindsAnImageWhoseNameDiffersInApostrophesAlone) {
+    AddAlbum("Ann", "Don't", R"(D:\Covers\Ann - Don't.jpg)");
+    AddImage("Ann - Dont.jpg");
+    Refresh();
+    EXPECT_THAT(Images(), ElementsAre(R"(D:\Covers\Ann - Dont.jpg)"));
+    EXPECT_THAT(Log(), IsEmpty());
+}
+
+TEST_F(RefreshAlbumCoversTest, TakesQuotesInAStoredPathAsTheyAre) {
+    AddAlbum("Ann", "First", R"(D:\Covers\12" 'mix'.jpg)");
+    Refresh();
+    EXPECT_THAT(Images(), ElementsAre(""));
+    EXPECT_THAT(Log(), IsEmpty());
+}
+
+TEST_F(RefreshAlbumCoversTest, TiesCoversWithAwkwardNames) {
+    const std::vector<std::string> names{"Rock 'n' Roll", "100%", "a_b",
+                                         "[live]",        "#1",   "Ångström"};
+    for (const std::string& name : names) {
+        AddAlbum(name, "Don't " + name);
+        AddImage(name + " - Don't " + name + ".jpg");
+    }
+    Refresh();
+    EXPECT_THAT(Images(), Not(Contains("Null")));
+    EXPECT_EQ(Log().size(), names.size());
+    const std::vector<std::string> images = Images();
+    Refresh();
+    EXPECT_EQ(Images(), images);
+    EXPECT_EQ(Log().size(), names.size());
+}
+
+TEST_F(RefreshAlbumCoversTest, ReportsANameWithoutBlanksAroundItsHyphen) {
+    AddAlbum("Ann", "First");
+    AddImage("Ann-First.jpg");
+    AddImage("Ann -First.jpg");
+    AddImage("Ann.jpg");
+    Refresh();
+    EXPECT_THAT(
+        Log(),
+        ElementsAre(
+            "Quillon: Album Cover Ann -First.jpg filename is not of correct Artist - Album format",
+            "Quillon: Album Cover Ann-First.jpg filename is not of correct Artist - Album format",
+            "Quillon: Album Cover Ann.jpg filename is not of correct Artist - Album format"));
+}
+
+TEST_F(RefreshAlbumCoversTest, NeverReportsThePlaceholder) {
+    AddAlbum("Ann", "First");
+    for (const char* name : {"notfnd.jpg", "NotFnd.JPG"}) {
+        AddImage(name);
+        Refresh();
+        EXPECT_THAT(Log(), IsEmpty()) << name;
+        library.files.DeleteFile(Folder + std::string(name));
+    }
+    AddImage("notfnd.gif");
+    Refresh();
+    EXPECT_EQ(Log().size(), 1U);
+}
+
+TEST_F(RefreshAlbumCoversTest, SplitsANameAtItsFirstSeparatorAndTrimsBothParts) {
+    AddAlbum("Ann", "First - Live - 2");
+    AddAlbum("Bob", "Second");
+    AddImage("Ann - First - Live - 2.jpg");
+    AddImage(" Bob  -   Second .jpg");
+    Refresh();
+    EXPECT_THAT(Images(), ElementsAre(R"(D:\Covers\Ann - First - Live - 2.jpg)",
+                                      R"(D:\Covers\ Bob  -   Second .jpg)"));
+}
+
+TEST_F(RefreshAlbumCoversTest, ReadsANameThatNamesNoAlbum) {
+    AddAlbum("Ann", "");
+    AddImage("Ann - .jpg");
+    AddImage("Bob - .jpg");
+    Refresh();
+    EXPECT_THAT(Images(), ElementsAre(R"(D:\Covers\Ann - .jpg)"));
+    EXPECT_THAT(Log(), Contains("Quillon: Album Cover Bob - .jpg is in directory but does not have "
+                                "this artist/album in Albums database"));
+}
+
+TEST_F(RefreshAlbumCoversTest, ReportsACoverWithoutAnAlbum) {
+    AddAlbum("Ann", "First");
+    AddImage("Ann - Second.jpg");
+    Refresh();
+    EXPECT_THAT(Log(), ElementsAre("Quillon: Album Cover Ann - Second.jpg is in directory but does "
+                                   "not have this artist/album in Albums database"));
+    EXPECT_THAT(Images(), ElementsAre("Null"));
+}
+
+TEST_F(RefreshAlbumCoversTest, ReportsACoverWhoseAlbumHasAnother) {
+    AddAlbum("Ann", "First", R"(D:\Covers\own.jpg)");
+    AddImage("own.jpg");
+    AddImage("Ann - First.gif");
+    Refresh();
+    EXPECT_THAT(Log(),
+                ElementsAre(R"(Quillon: Album Cover Ann - First.gif is in directory but does )"
+                            R"(not match D:\Covers\own.jpg in Albums database)"));
+    EXPECT_THAT(Images(), ElementsAre(R"(D:\Covers\own.jpg)"));
+}
+
+TEST_F(RefreshAlbumCoversTest, GivesACoverToTheFirstOfSeveralAlbumsOfOneName) {
+    AddAlbum("Ann", "First");
+    AddAlbum("Ann", "First");
+    AddImage("Ann - First.jpg");
+    Refresh();
+    Refresh();
+    EXPECT_THAT(Images(), ElementsAre(R"(D:\Covers\Ann - First.jpg)", "Null"));
+    EXPECT_EQ(Log().size(), 1U);
+}
+
+TEST_F(RefreshAlbumCoversTest, ReportsAnAlbumThatVanishesBetweenTwoReadings) {
+    AddAlbum("Ann", "First");
+    AddAlbum("Bob", "Second");
+    AddImage("Ann - First.jpg");
+    AddImage("Bob - Second.jpg");
+    library.Database().BeforeStatement(
+        "Filter Albums ID=1", [this] { library.Execute("DELETE * FROM Albums WHERE ID=1"); });
+    Refresh();
+    EXPECT_THAT(Log(),
+                ElementsAre("Quillon: Album cover record ID 1 could not be found on second read",
+                            "Quillon: Album Cover Bob - Second.jpg added to Albums database"));
+}
+
+TEST_F(RefreshAlbumCoversTest, ChangesNothingTheSecondTimeAndLeavesTheFileAsItIs) {
+    for (int i = 0; i < 100; ++i) {
+        const std::string title = "No. " + std::to_string(i);
+        AddAlbum("Ann", title);
+        AddImage("Ann - " + title + ".jpg");
+    }
+    Refresh();
+    EXPECT_EQ(Log().size(), 100U);
+    const std::string before = library.DatabaseBytes();
+    Refresh();
+    EXPECT_TRUE(library.DatabaseBytes() == before);
+    EXPECT_EQ(Log().size(), 100U);
+}
+
+TEST_F(RefreshAlbumCoversTest, AddsCoversOfAlbumFoldersOnlyWhereTheHostAsksForIt) {
+    AddAlbum("Ann", "First");
+    library.files.AddFile(R"(D:\Music\Ann\First\Ann - First.jpg)");
+    Refresh();
+    EXPECT_THAT(library.calls.Made(), Contains("GetINISetting Covers ScanLibrary host.ini"));
+    EXPECT_THAT(Images(), ElementsAre("Null"));
+    ScanLibraryTree();
+    Refresh();
+    EXPECT_THAT(Images(), ElementsAre(R"(D:\Music\Ann\First\Ann - First.jpg)"));
+}
+
+TEST_F(RefreshAlbumCoversTest, LooksTwoLevelsBelowTheLibraryRoot) {
+    ScanLibraryTree();
+    AddAlbum("Ann", "First");
+    library.files.AddFile(R"(D:\Music\Ann - First.jpg)");
+    library.files.AddFile(R"(D:\Music\Ann\Ann - First.jpg)");
+    library.files.AddFile(R"(D:\Music\Ann\First\Scans\Ann - First.jpg)");
+    Refresh();
+    EXPECT_THAT(Images(), ElementsAre("Null"));
+}
+
+TEST_F(RefreshAlbumCoversTest, KeepsJpegAndGifOfAlbumFoldersBoth) {
+    ScanLibraryTree();
+    AddAlbum("Ann", "First", "front.gif");
+    AddAlbum("Ann", "Second", "front.jpg");
+    library.files.AddFile(R"(D:\Music\Ann\First\front.gif)");
+    library.files.AddFile(R"(D:\Music\Ann\First\front.jpg)");
+    Refresh();
+    EXPECT_THAT(Images(),
+                ElementsAre(R"(D:\Music\Ann\First\front.gif)", R"(D:\Music\Ann\First\front.jpg)"));
+}
+
+TEST_F(RefreshAlbumCoversTest, LeavesOutAlbumFoldersOfTheReservedName) {
+    ScanLibraryTree("spare");
+    AddAlbum("Ann", "First");
+    library.files.AddFile(R"(D:\Music\Ann\Spare\Ann - First.jpg)");
+    Refresh();
+    EXPECT_THAT(Images(), ElementsAre("Null"));
+    library.files.AddFile(R"(D:\Music\Ann\Sparely\Ann - First.jpg)");
+    Refresh();
+    EXPECT_THAT(Images(), ElementsAre(R"(D:\Music\Ann\Sparely\Ann - First.jpg)"));
+}
+
+TEST_F(RefreshAlbumCoversTest, PrefersTheCoverFolderToAnAlbumFolder) {
+    ScanLibraryTree();
+    AddAlbum("Ann", "First", R"(D:\Music\Ann\First\Ann - First.jpg)");
+    library.files.AddFile(R"(D:\Music\Ann\First\Ann - First.jpg)");
+    AddImage("Ann - First.jpg");
+    Refresh();
+    EXPECT_THAT(Images(), ElementsAre(R"(D:\Covers\Ann - First.jpg)"));
+    EXPECT_THAT(Log(),
+                ElementsAre(R"(Quillon: Album Cover Ann - First.jpg is in directory but does )"
+                            R"(not match D:\Covers\Ann - First.jpg in Albums database)"));
+}
+
+TEST_F(RefreshAlbumCoversTest, ChangesNoAlbumWhereNoImagesAreLookedFor) {
+    AddAlbum("Ann", "First", R"(D:\Covers\Ann - First.jpg)");
+    for (const char* folder : {"", "\\"}) {
+        library.run.settings.AlbumCoverFolder = folder;
+        Refresh();
+        EXPECT_THAT(Images(), ElementsAre(R"(D:\Covers\Ann - First.jpg)"));
+    }
+    EXPECT_THAT(Log(), IsEmpty());
+}
+
+TEST_F(RefreshAlbumCoversTest, ChangesNoAlbumWhileTheCoverFolderIsNotThere) {
+    library.run.settings.AlbumCoverFolder = R"(E:\Covers\)";
+    AddAlbum("Ann", "First", R"(E:\Covers\Ann - First.jpg)");
+    Refresh();
+    EXPECT_THAT(Images(), ElementsAre(R"(E:\Covers\Ann - First.jpg)"));
+    EXPECT_THAT(Log(), ElementsAre(R"(Quillon: Refresh Album Covers Error: Line 1 Path not found: )"
+                                   R"(E:\Covers\)"));
+}
+
+TEST_F(RefreshAlbumCoversTest, ChangesNoAlbumWhenTheCoverFolderCannotBeListed) {
+    library.files.unlistable.insert(Folder);
+    AddAlbum("Ann", "First", R"(D:\Covers\Ann - First.jpg)");
+    Refresh();
+    EXPECT_THAT(Images(), ElementsAre(R"(D:\Covers\Ann - First.jpg)"));
+    EXPECT_THAT(Log(),
+                ElementsAre(R"(Quillon: Refresh Album Covers Error: Line 1 Permission denied: )"
+                            R"(D:\Covers\)"));
+    EXPECT_EQ(library.window.last.aError, "Refresh Album Covers Error:");
+}
+
+TEST_F(RefreshAlbumCoversTest, ChangesNoAlbumWhenAnAlbumFolderCannotBeListed) {
+    ScanLibraryTree();
+    library.files.AddFolder(R"(D:\Music\Ann\First)");
+    library.files.unlistable.insert(R"(D:\Music\Ann\First)");
+    AddAlbum("Ann", "First", R"(D:\Music\Ann\First\front.jpg)");
+    Refresh();
+    EXPECT_THAT(Images(), ElementsAre(R"(D:\Music\Ann\First\front.jpg)"));
+    EXPECT_EQ(Log().size(), 1U);
+}
+
+TEST_F(RefreshAlbumCoversTest, ChangesNoAlbumWhenTheLibraryToBeScannedIsNotThere) {
+    ScanLibraryTree();
+    library.run.settings.LibraryRoot = R"(E:\Music)";
+    AddAlbum("Ann", "First", R"(E:\Music\Ann\First\front.jpg)");
+    Refresh();
+    EXPECT_THAT(Images(), ElementsAre(R"(E:\Music\Ann\First\front.jpg)"));
+    EXPECT_THAT(Log(), ElementsAre(R"(Quillon: Refresh Album Covers Error: Line 1 Path not found: )"
+                                   R"(E:\Music)"));
+}
+
+TEST_F(RefreshAlbumCoversTest, StopsBeforeThePhaseThatAbortIsPressedIn) {
+    AddAlbum("Ann", "First", R"(D:\Covers\gone.jpg)");
+    AddAlbum("Bob", "Second");
+    AddImage("Bob - Second.jpg");
+    const auto pressIn = [this](const std::string& item) {
+        library.window.abortPressed = library.run.AbortRequested = false;
+        library.window.PressAbortWhen(
+            [item](const FormState& state) { return state.aItem == item; });
+        Refresh();
+    };
+    pressIn("1. Scan Albums from Folder");
+    EXPECT_THAT(library.calls.Of({"FilesIn"}), IsEmpty());
+    pressIn("2. Compare Albums with Database");
+    EXPECT_THAT(Images(), ElementsAre(R"(D:\Covers\gone.jpg)", "Null"));
+    pressIn("3. Add New Covers to Database");
+    EXPECT_THAT(Images(), ElementsAre("", "Null"));
+}
+
+TEST_F(RefreshAlbumCoversTest, StopsBetweenCoverFolderAndLibrary) {
+    ScanLibraryTree();
+    AddAlbum("Ann", "First", R"(D:\Covers\gone.jpg)");
+    library.files.AddFile(R"(D:\Music\Ann\First\front.jpg)");
+    int calls = 0;
+    library.window.PressAbortWhen([&calls](const FormState&) { return ++calls == 3; });
+    Refresh();
+    EXPECT_THAT(library.calls.Of({"FilesIn", "SubFolders"}), ElementsAre(R"(FilesIn D:\Covers\)"));
+    EXPECT_THAT(Images(), ElementsAre(R"(D:\Covers\gone.jpg)"));
+}
+
+TEST_F(RefreshAlbumCoversTest, EndsAtAFailureAndKeepsWhatIsSaved) {
+    for (const char* artist : {"Ann", "Bob", "Cay"}) {
+        AddAlbum(artist, "First");
+        AddImage(std::string(artist) + " - First.jpg");
+    }
+    library.Database().RefuseValue("ImageFile", R"(D:\Covers\Bob - First.jpg)");
+    Refresh();
+    EXPECT_THAT(Images(), ElementsAre(R"(D:\Covers\Ann - First.jpg)", "Null", "Null"));
+    EXPECT_THAT(Log(), ElementsAre("Quillon: Album Cover Ann - First.jpg added to Albums database",
+                                   "Quillon: Refresh Album Covers Error: Line 3 refused"));
+}
+
+TEST_F(RefreshAlbumCoversTest, LeavesNewCoversAloneAfterAFailureAmongTheAlbums) {
+    AddAlbum("Ann", "First", R"(D:\Covers\gone.jpg)");
+    AddAlbum("Bob", "First");
+    AddImage("Bob - First.jpg");
+    library.Database().RefuseValue("ImageFile", "");
+    Refresh();
+    EXPECT_THAT(Images(), ElementsAre(R"(D:\Covers\gone.jpg)", "Null"));
+    EXPECT_THAT(Log(), ElementsAre("Quillon: Refresh Album Covers Error: Line 2 refused"));
+}
+
+TEST_F(RefreshAlbumCoversTest, LogsATableThatCannotBeOpened) {
+    library.Database().Refuse("OpenTable Albums");
+    Refresh();
+    EXPECT_THAT(Log(), ElementsAre("Quillon: Refresh Album Covers Error: Line 1 refused"));
+}
+
+TEST_F(RefreshAlbumCoversTest, RunsTheStatementAsOtherProgramsKnowIt) {
+    AddAlbum("Ann", "First");
+    AddImage("Ann - First.jpg");
+    Refresh();
+    EXPECT_EQ(library.Database().Count("SELECT ID, ImageFile FROM Albums WHERE Artist =\"Ann\" AND "
+                                       "Title =\"First\""),
+              1U);
+}
+
+}  // namespace
+}  // namespace quillon
