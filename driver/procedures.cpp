@@ -3,9 +3,9 @@
 #include "covers/refresh_album_covers.h"
 #include "database/marks.h"
 #include "database/remove_duplicates.h"
-#include "reconcile/add_files_to_library.h"
 #include "download/populate_spinner_artist.h"
 #include "download/populate_spinner_tracks.h"
+#include "reconcile/add_files_to_library.h"
 #include "reconcile/refresh_database.h"
 #include "remote/make_remote.h"
 
