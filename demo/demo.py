@@ -13,6 +13,9 @@ from pathlib import Path
 
 sys.dont_write_bytecode = True
 
+import cover_story
+import download_story
+import remote_story
 import rows_before
 import sample_library
 
@@ -55,6 +58,13 @@ class Demo:
         """A path as a person would type it."""
         relative = os.path.relpath(path)
         return relative if len(relative) < len(str(path)) else str(path)
+
+    def elsewhere(self, name):
+        """The same demo with another host folder."""
+        other = Demo(self.program, self.folder)
+        other.host = self.folder / name
+        other.database = other.host / self.database.name
+        return other
 
     def quillon(self, *arguments):
         result = subprocess.run([self.program, *arguments], stdout=subprocess.PIPE,
@@ -104,6 +114,8 @@ class Demo:
         self.tell_what_changed(before, first)
         self.tell_of_second_run(first)
         self.tell_of_third_run()
+        for story in (download_story, cover_story, remote_story):
+            story.tell(self, say, heading, require)
         self.tell_how_to_go_on()
 
     def tell_of_files(self):

@@ -139,7 +139,32 @@ def check_result(root, made, before, database):
     for table in ("Playlists", "SpinnerGenre"):
         if database.rows(table) != before[table]:
             fail(f"{table} changed")
-    return albums, tracks
+    return albums, tracks, *check_downloads(albums, tracks, before, database)
+
+
+def check_downloads(albums, tracks, before, database):
+    """Every song that can be told from others is in the download table, what was there stays."""
+    spinner, artists = database.rows("Spinner"), database.rows("SpinnerArtist")
+    for table, rows in (("Spinner", spinner), ("SpinnerArtist", artists)):
+        for number, row in before[table].items():
+            if rows.get(number) != row:
+                fail(f"a row of {table} changed: {row} -> {rows.get(number)}")
+    named = collections.defaultdict(list)
+    for row in albums.values():
+        named[row["CDJID"]].append(row)
+    songs = {(album["Artist"], album["Title"], row["Title"])
+             for row in tracks.values() for album in named[row["CDJID"]]}
+    songs = {song for song in songs if all(name is not None and '"' not in name for name in song)}
+    there = {tuple((row[field] or "").lower() for field in ("Artist", "Album", "Song"))
+             for row in spinner.values()}
+    missing = {song for song in songs if tuple(name.lower() for name in song) not in there}
+    if missing:
+        fail(f"{len(missing)} of {len(songs)} songs are not in the download table: "
+             + str(sorted(missing)[:5]))
+    for number, row in spinner.items():
+        if number not in before["Spinner"] and f"/spinlinks/000-{number}-000.rm" not in row["FileName"]:
+            fail(f"a download without its link: {row}")
+    return spinner, artists
 
 
 def run(quillon, host, expected):
@@ -160,7 +185,8 @@ def main():
         os.chmod(path, 0o644)
         database = Database(os.path.join(shared, "mdb", "mdbcheck"), path)
         before = {table: database.rows(table)
-                  for table in ("Albums", "Tracks", "Playlists", "SpinnerGenre")}
+                  for table in ("Albums", "Tracks", "Playlists", "SpinnerGenre", "Spinner",
+                                "SpinnerArtist")}
         made = make_tree(music, before["Albums"], before["Tracks"])
         host = os.path.join(work, "host")
         write_host(host, music, path)
@@ -177,7 +203,8 @@ def main():
                      if entry != "cdj.mdb" and "_Copy Dated_" not in entry]
         if left_over:
             fail(f"left beside the database: {left_over}")
-    print(f"{name}: {len(made)} files, {len(results[2][0])} albums, {len(results[2][1])} tracks")
+    print(f"{name}: {len(made)} files, {len(results[2][0])} albums, {len(results[2][1])} tracks, "
+          f"{len(results[2][2])} downloads")
 
 
 main()

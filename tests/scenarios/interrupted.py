@@ -128,11 +128,24 @@ class Interrupted:
             if row["Track"] == 0 or row["TrackCount"] == 0:
                 raise Failed(f"still marked: {row}")
 
+    def downloads_whole(self):
+        """Each row of the download table has the link of its own number, each song one row."""
+        songs = set()
+        for row in self.stage.query("SELECT ID, Artist, Album, Song, FileName FROM Spinner"):
+            if row["FileName"] != f"rtsp://localhost/spinlinks/000-{row['ID']}-000.rm":
+                raise Failed(f"a download without its link: {row}")
+            song = (row["Artist"], row["Album"], row["Song"])
+            if song in songs:
+                raise Failed(f"in the download table twice: {song}")
+            songs.add(song)
+
     def ends_like_the_others(self):
+        self.downloads_whole()
         run(self.stage)
         run(self.stage)
         if outcome(self.stage) != self.settled:
             raise Failed("further runs end elsewhere than undisturbed ones")
+        self.downloads_whole()
         self.stage.confirm_database()
 
     def abort(self, moment):
