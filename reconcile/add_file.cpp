@@ -40,6 +40,21 @@ std::string GenreOfNumber(Connection& connection, std::string_view number) {
     return found->IsEmpty() ? "" : found->Text("Genre");
 }
 
+/// The identifier of the album, "" when there is none. A disc of another player will do; where the
+/// library has an album of that name, too, that one is meant.
+std::string FindAlbum(Connection& connection, const std::string& artist, const std::string& title) {
+    const std::string statement =
+        "SELECT CDJID, Tracks FROM Albums WHERE Artist=" + Quoted(artist) +
+        " AND Title=" + Quoted(title);
+    const std::unique_ptr<RecordSet> albums = connection.Query(statement);
+    if (albums->IsEmpty()) return "";
+    std::string first = albums->Text("CDJID");
+    albums->MoveNext();
+    if (albums->IsEof()) return first;
+    const std::unique_ptr<RecordSet> owned = connection.Query(statement + " AND Player=1001");
+    return owned->IsEmpty() ? first : owned->Text("CDJID");
+}
+
 /// One file on its way into the library.
 ///
 /// The copy comes before the rows, and of the rows the artist's before the album's: a run that is
@@ -114,12 +129,7 @@ void Addition::Describe(std::string_view artist, std::string_view album) {
 
 void Addition::LookUp() {
     if (file_.artist == adding_.artist && file_.album == adding_.album) cdjid_ = adding_.cdjid;
-    if (cdjid_.empty()) {
-        const std::unique_ptr<RecordSet> album = run_.connection->Query(
-            "SELECT CDJID, Tracks FROM Albums WHERE Artist=" + Quoted(file_.artist) +
-            " AND Title=" + Quoted(file_.album));
-        if (!album->IsEmpty()) cdjid_ = album->Text("CDJID");
-    }
+    if (cdjid_.empty()) cdjid_ = FindAlbum(*run_.connection, file_.artist, file_.album);
     isKnown_ = !run_.connection->Query("SELECT ID FROM Tracks WHERE SoundFile =" + Quoted(target_))
                     ->IsEmpty();
 }

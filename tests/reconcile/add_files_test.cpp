@@ -179,6 +179,25 @@ TEST_F(AddingTest, JoinsAnAlbumThatExistsWhateverItsPlayer) {
     EXPECT_EQ(library.run.counts.albumsAdded, 0U);
 }
 
+TEST_F(AddingTest, PrefersTheLibrarysAlbumToADiscOfThatName) {
+    library.AddAlbumRow("C70A5B0F", "Artist", "Album", 5, 1);
+    library.AddAlbumRow("252E671073EC0004", "Artist", "Album", 2);
+    library.AddAlbumRow("C70A5B10", "Artist", "Album", 5, 2);
+    AddNew("x.mp3", TagOf("Song", "Artist", "Album", 6));
+    Add();
+    EXPECT_THAT(library.Rows("SELECT CDJID, Tracks FROM Albums ORDER BY ID"),
+                ElementsAre("C70A5B0F|5", "252E671073EC0004|3", "C70A5B10|5"));
+    EXPECT_THAT(library.Rows("SELECT CDJID FROM Tracks"), ElementsAre("252E671073EC0004"));
+}
+
+TEST_F(AddingTest, TakesTheFirstOfSeveralDiscs) {
+    library.AddAlbumRow("C70A5B0F", "Artist", "Album", 5, 1);
+    library.AddAlbumRow("C70A5B10", "Artist", "Album", 5, 2);
+    AddNew("x.mp3", TagOf("Song", "Artist", "Album", 6));
+    Add();
+    EXPECT_THAT(library.Rows("SELECT CDJID FROM Tracks"), ElementsAre("C70A5B0F"));
+}
+
 TEST_F(AddingTest, KnowsAnArtistOfTheDownloadTable) {
     library.Execute("INSERT INTO SpinnerArtist (Artist, ArtistID) VALUES ('ARTIST', 5)");
     AddNew("x.mp3", TagOf("Song", "Artist", "Album"));

@@ -197,6 +197,23 @@ TEST(AddRealFiles, KeepTheirRowsInAReconciliation) {
     EXPECT_EQ(shelf.Faults(), "");
 }
 
+/// It looks at the library's own albums alone, so it gives the files an album and rows there.
+TEST(AddRealFiles, OfADiscGetRowsOfTheirOwnInAReconciliation) {
+    Shelf shelf;
+    shelf.Database().Execute(
+        "INSERT INTO Albums (CDJID, Artist, Title, Tracks, Player) VALUES ('C7', 'Artist', "
+        "'Album', "
+        "9, 1)");
+    shelf.AddSong("1.mp3", "One", "Artist", "Album", 1);
+    shelf.Add();
+    EXPECT_THAT(shelf.Rows("SELECT CDJID, Title FROM Tracks"), ElementsAre("C7|One"));
+    shelf.Reconcile();
+    EXPECT_THAT(shelf.Rows("SELECT CDJID, Title FROM Tracks ORDER BY ID"),
+                ElementsAre("C7|One", "252E671073EC0001|One"));
+    shelf.Reconcile();
+    EXPECT_THAT(shelf.Rows("SELECT CDJID FROM Tracks"), SizeIs(2));
+}
+
 /// A reconciliation reads titles from paths, from the first " - " on.
 TEST(AddRealFiles, OfAFolderWithADashGetAnotherTitleInAReconciliation) {
     Shelf shelf;
