@@ -2,9 +2,8 @@
 
 namespace quillon {
 
-void AddSpinnerRow(RecordSet& spinner, DateTime now, const DownloadSong& song) {
+void FillSpinnerRow(RecordSet& spinner, DateTime now, const DownloadSong& song) {
     constexpr std::int64_t Zero = 0;
-    spinner.AddNew();
     spinner.Set("DownLoadTime", now);
     spinner.Set("FileName", song.link);
     spinner.Set("Artist", song.artist);
@@ -16,7 +15,6 @@ void AddSpinnerRow(RecordSet& spinner, DateTime now, const DownloadSong& song) {
     spinner.Set("Genre", song.genre);
     spinner.Set("Exclude", Zero);
     spinner.Set("Include", Zero);
-    spinner.Update();
 }
 
 void AddSpinnerArtistRow(RecordSet& spinnerArtist, std::string_view artist) {

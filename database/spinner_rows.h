@@ -19,9 +19,11 @@ struct DownloadSong {
     std::string genre;
 };
 
-/// Add a row to `Spinner` or `SpinnerArtist` through a table cursor, which then stands on it.
-/// Failure: what the database refuses; the cursor then still holds the refused values.
-void AddSpinnerRow(RecordSet& spinner, DateTime now, const DownloadSong& song);
+/// Sets all fields of a row of `Spinner` that a table cursor has begun.
+void FillSpinnerRow(RecordSet& spinner, DateTime now, const DownloadSong& song);
+
+/// Adds a row to `SpinnerArtist` through a table cursor, which then stands on it. Failure: what the
+/// database refuses; the cursor then still holds the refused values.
 void AddSpinnerArtistRow(RecordSet& spinnerArtist, std::string_view artist);
 
 }  // namespace quillon

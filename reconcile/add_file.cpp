@@ -224,13 +224,16 @@ void Addition::AddRows() {
                  .soundFile = target_,
                  .album = file_.album});
     UndoRow(*adding_.tracks);
-    AddSpinnerRow(*adding_.spinner, run_.clock.Now(),
-                  {.link = StreamLink(adding_.downloadHost, file_.genre),
-                   .artist = file_.artist,
-                   .album = file_.album,
-                   .song = file_.title,
-                   .length = 0,
-                   .genre = file_.genre});
+    RecordSet& spinner = *adding_.spinner;
+    spinner.AddNew();
+    FillSpinnerRow(spinner, run_.clock.Now(),
+                   {.link = StreamLink(adding_.downloadHost, file_.genre),
+                    .artist = file_.artist,
+                    .album = file_.album,
+                    .song = file_.title,
+                    .length = 0,
+                    .genre = file_.genre});
+    spinner.Update();
 }
 
 /// Notes how to undo the row that was just added.
