@@ -9,6 +9,14 @@
 #include <unistd.h>
 
 namespace quillon::bench {
+namespace {
+
+double Seconds(const timeval& time) {
+    constexpr double Microsecond = 1e-6;
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) * Microsecond;
+}
+
+}  // namespace
 
 Usage RunProcess(const std::vector<std::string>& command) {
     std::vector<std::string> words = command;
@@ -35,6 +43,7 @@ Usage RunProcess(const std::vector<std::string>& command) {
     const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
     constexpr std::size_t Kilobyte = 1024;
     return {.seconds = elapsed.count(),
+            .processor = Seconds(used.ru_utime) + Seconds(used.ru_stime),
             .peakMemory = static_cast<std::size_t>(used.ru_maxrss) * Kilobyte,
             .exitStatus = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status)};
 }

@@ -9,6 +9,7 @@ namespace quillon::bench {
 /// What a finished process has used.
 struct Usage {
     double seconds = 0;          ///< from its start to its end
+    double processor = 0;        ///< seconds of processor time, the system's included
     std::size_t peakMemory = 0;  ///< bytes
     int exitStatus = 0;          ///< 128 + signal number if it was ended by a signal
 };
