@@ -1,6 +1,5 @@
 // Measures how long adding files to a library takes beside bare copies of the same files.
 
-#include <charconv>
 #include <chrono>
 #include <cmath>
 #include <cstddef>
@@ -17,6 +16,7 @@
 #include <vector>
 
 #include "bench/child_process.h"
+#include "bench/sizes.h"
 #include "bench/temporary_folder.h"
 
 namespace quillon::bench {
@@ -173,15 +173,8 @@ double Growth(double small, double large, const Figures& first, const Figures& l
 }
 
 int Main(std::span<char*> arguments) {
-    std::vector<std::size_t> sizes;
-    for (const std::string_view argument : arguments.subspan(1)) {
-        std::size_t size = 0;
-        const char* const end = argument.data() + argument.size();
-        if (std::from_chars(argument.data(), end, size).ptr != end || size == 0)
-            throw std::invalid_argument("usage: quillon_adding_bench [FILES...]");
-        sizes.push_back(size);
-    }
-    if (sizes.empty()) sizes = {1'000, 10'000};
+    const std::vector<std::size_t> sizes =
+        SizesFrom(arguments, "quillon_adding_bench [FILES...]", {1'000, 10'000});
     std::cout << fmt::format("{:>8} {:>10} {:>10} {:>10} {:>7} {:>10} {:>10} {:>10} {:>8}\n",
                              "files", "copy", "safe copy", "added", "", "processor", "again",
                              "processor", "peak MB");

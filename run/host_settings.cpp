@@ -5,7 +5,8 @@ namespace quillon {
 std::string DownloadHost(Host& host) {
     constexpr std::string_view ThisMachine = "localhost";
     std::string name = host.GetINISetting("Download", "Host", ThisMachine, HostSettingsFile);
-    return name.empty() ? std::string(ThisMachine) : name;
+    if (name.empty()) name = ThisMachine;
+    return name;
 }
 
 std::string StreamLink(std::string_view downloadHost, std::string_view middle) {
