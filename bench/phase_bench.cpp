@@ -2,7 +2,6 @@
 // and once with nothing left to do, and how the time grows with the size.
 
 #include <array>
-#include <charconv>
 #include <cmath>
 #include <cstddef>
 #include <ctime>
@@ -20,6 +19,7 @@
 
 #include "app/jukebox_database.h"
 #include "app/local_host.h"
+#include "bench/sizes.h"
 #include "bench/temporary_folder.h"
 #include "covers/refresh_album_covers.h"
 #include "download/populate_spinner_artist.h"
@@ -151,24 +151,11 @@ Seconds Measure(std::size_t tracks) {
     return seconds;
 }
 
-std::vector<std::size_t> SizesFrom(std::span<char*> arguments) {
-    std::vector<std::size_t> sizes;
-    for (const std::string_view argument : arguments.subspan(1)) {
-        std::size_t size = 0;
-        const auto [end, error] =
-            std::from_chars(argument.data(), argument.data() + argument.size(), size);
-        if (error != std::errc() || end != argument.data() + argument.size() || size == 0)
-            throw std::invalid_argument("usage: quillon_phase_bench [TRACKS...]");
-        sizes.push_back(size);
-    }
-    if (sizes.empty()) sizes = {10'000, 100'000};
-    return sizes;
-}
-
 }  // namespace
 
 int Main(std::span<char*> arguments) {
-    const std::vector<std::size_t> sizes = SizesFrom(arguments);
+    const std::vector<std::size_t> sizes =
+        SizesFrom(arguments, "quillon_phase_bench [TRACKS...]", {10'000, 100'000});
     std::vector<Seconds> all;
     all.reserve(sizes.size());
     for (const std::size_t size : sizes)

@@ -13,6 +13,7 @@ from pathlib import Path
 
 sys.dont_write_bytecode = True
 
+import adding_story
 import cover_story
 import download_story
 import remote_story
@@ -115,7 +116,7 @@ class Demo:
         self.tell_what_changed(before, first)
         self.tell_of_second_run(first)
         self.tell_of_third_run()
-        for story in (download_story, cover_story, remote_story):
+        for story in (download_story, cover_story, adding_story, remote_story):
             story.tell(self, say, heading, require)
         picker_story.tell(self, heading, say, require)
         self.tell_how_to_go_on()

@@ -1,9 +1,9 @@
 #include "download/populate_spinner_artist.h"
 
-#include <cstdint>
 #include <memory>
 #include <string>
 
+#include "database/spinner_rows.h"
 #include "database/sql.h"
 #include "platform/database.h"
 #include "run/run.h"
@@ -15,15 +15,6 @@ namespace {
 bool IsDownloadArtist(Connection& connection, const std::string& artist) {
     return !connection.Query("SELECT Artist FROM SpinnerArtist WHERE Artist =" + Quoted(artist))
                 ->IsEmpty();
-}
-
-void AddArtist(RecordSet& spinnerArtist, const std::string& artist) {
-    spinnerArtist.AddNew();
-    spinnerArtist.Set("Artist", artist);
-    spinnerArtist.Set("ArtistID", std::int64_t{0});
-    spinnerArtist.Set("ShortBio", std::string());
-    spinnerArtist.Set("LongBio", std::string());
-    spinnerArtist.Update();
 }
 
 }  // namespace
@@ -41,7 +32,8 @@ void PopulateSpinnerArtist(Run& run) {
             if (IsNull(artists->Get("Artist"))) continue;
             const bool done = steps.Try(2, [&] {
                 const std::string artist = artists->Text("Artist");
-                if (!IsDownloadArtist(*run.connection, artist)) AddArtist(*spinnerArtist, artist);
+                if (!IsDownloadArtist(*run.connection, artist))
+                    AddSpinnerArtistRow(*spinnerArtist, artist);
             });
             if (!done) spinnerArtist->CancelUpdate();
         }

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "database/spinner_rows.h"
 #include "database/sql.h"
 #include "platform/basic_text.h"
 #include "platform/clock.h"
@@ -80,24 +81,18 @@ class DownloadTable {
 };
 
 void DownloadTable::Add(const RecordSet& song) {
-    constexpr std::int64_t Zero = 0;
-    const std::int64_t length = LengthOf(song);
-    const std::string genre = GenreOf(*run_.connection, song);
+    DownloadSong row{.link = "",
+                     .artist = song.Text("Artist"),
+                     .album = song.Text("Album"),
+                     .song = song.Text("Song"),
+                     .length = LengthOf(song),
+                     .genre = GenreOf(*run_.connection, song)};
     spinner_->AddNew();
     // The number is there before the row is: so no run that is killed leaves a row without its
     // link.
     const std::string expected = spinner_->Text("ID");
-    spinner_->Set("DownLoadTime", run_.clock.Now());
-    spinner_->Set("FileName", StreamLink(downloadHost_, expected));
-    spinner_->Set("Artist", song.Get("Artist"));
-    spinner_->Set("Album", song.Get("Album"));
-    spinner_->Set("Song", song.Get("Song"));
-    spinner_->Set("Length", length);
-    spinner_->Set("Playcount", Zero);
-    spinner_->Set("Playlist", std::string());
-    spinner_->Set("Genre", genre);
-    spinner_->Set("Exclude", Zero);
-    spinner_->Set("Include", Zero);
+    row.link = StreamLink(downloadHost_, expected);
+    FillSpinnerRow(*spinner_, run_.clock.Now(), row);
     spinner_->Update();
     // A database may number its rows only when they are stored.
     if (const std::string number = spinner_->Text("ID"); number != expected) {

@@ -5,16 +5,13 @@
 #include <string_view>
 
 #include "platform/basic_text.h"
+#include "run/paths.h"
 
 namespace quillon {
 namespace {
 
-/// A folder as a listing would give it, so that the paths made below it look the same whichever
-/// way the folder was written.
 FolderEntry FolderAt(std::string_view written) {
-    std::string path = Replace(written, "/", "\\");
-    while (path.ends_with('\\') && !path.ends_with(":\\"))
-        path.pop_back();
+    std::string path = FolderPath(written);
     std::string name = path.substr(path.rfind('\\') + 1);
     return {std::move(path), std::move(name)};
 }

@@ -6,6 +6,7 @@
 #include "database/remove_duplicates.h"
 #include "download/populate_spinner_artist.h"
 #include "download/populate_spinner_tracks.h"
+#include "reconcile/add_files_to_library.h"
 #include "reconcile/refresh_database.h"
 #include "remote/make_remote.h"
 
@@ -17,6 +18,7 @@ Procedures AvailableProcedures() {
     procedures.RestoreMarks = RestoreMarks;
     procedures.RemoveDuplicates = RemoveDuplicates;
     procedures.RefreshDatabase = RefreshDatabase;
+    procedures.AddFilesToLibrary = AddFilesToLibrary;
     procedures.PopulateSpinnerTracks = PopulateSpinnerTracks;
     procedures.PopulateSpinnerArtist = PopulateSpinnerArtist;
     procedures.RefreshAlbumCovers = RefreshAlbumCovers;

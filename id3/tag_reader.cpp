@@ -5,7 +5,6 @@
 #include <memory>
 #include <vector>
 
-#include "id3/tag_record.h"
 #include "platform/failure.h"
 #include "platform/files.h"
 #include "run/run.h"
@@ -39,6 +38,10 @@ class TagBytes {
 }  // namespace
 
 std::string ReadID3(Run& run, std::string_view path) {
+    return ReadID3(run, path, [&run](std::uint8_t number) { return run.GenreNames[number]; });
+}
+
+std::string ReadID3(Run& run, std::string_view path, const GenreName& genreName) {
     Steps steps(run, "Read ID3 File Error:");
     FileEntry file;
     if (!steps.Try(2, [&] { file = run.files.GetFile(path); })) return "";
@@ -48,7 +51,7 @@ std::string ReadID3(Run& run, std::string_view path) {
     return TagRecord(
         [&tag](std::size_t offset, std::size_t count) { return tag->Read(offset, count); },
         [&steps](int step, const std::function<void()>& work) { return steps.Try(step, work); },
-        run.GenreNames);
+        genreName);
 }
 
 }  // namespace quillon

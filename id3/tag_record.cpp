@@ -36,7 +36,7 @@ std::string ConvertTheBinary(std::span<const std::uint8_t> bytes) {
 }
 
 std::string TagRecord(const ReadTagBytes& read, const TryTagStep& attempt,
-                      const std::array<std::string, 256>& genreNames) {
+                      const GenreName& genreName) {
     const auto text = [&read](Field field) {
         return ConvertTheBinary(read(field.offset, field.length));
     };
@@ -49,7 +49,7 @@ std::string TagRecord(const ReadTagBytes& read, const TryTagStep& attempt,
     for (const Field field : {Song, Artist, Album, Year})
         attempt(6, [&] { record += text(field) + "|"; });
     attempt(9, [&] { record += CommentAndTrack(read(Comment.offset, Comment.length)); });
-    attempt(10, [&] { record += genreNames[read(Genre.offset, Genre.length).front()] + "|"; });
+    attempt(10, [&] { record += genreName(read(Genre.offset, Genre.length).front()) + "|"; });
     return record;
 }
 

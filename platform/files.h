@@ -67,6 +67,10 @@ class Files {
     virtual bool FolderExists(std::string_view path) = 0;
     virtual bool FileExists(std::string_view path) = 0;
 
+    /// Whether the first folder is the second or lies in it, by whatever drive, share or link they
+    /// are named; false when either does not exist. Never fails.
+    virtual bool IsWithin(std::string_view folder, std::string_view outer) = 0;
+
     /// Folders and files directly inside a folder. Entries that Windows could not show are left out
     /// (the adapter notes each once in the log). Failure: PathNotFound, PermissionDenied.
     virtual std::vector<FolderEntry> SubFolders(std::string_view folder) = 0;
@@ -87,6 +91,9 @@ class Files {
     /// Deletes a folder with all that is in it; of a symbolic link only the link. A write-protected
     /// file in it is not deleted, and then nothing is (PermissionDenied). Failure: PathNotFound.
     virtual void DeleteFolder(std::string_view path) = 0;
+    /// Takes back what this run has just made: a file, write-protected or not, or a folder, which
+    /// must be empty. Failure: FileNotFound, PathFileAccess for a folder that holds something.
+    virtual void Discard(std::string_view path) = 0;
     /// Renames or moves a file. Failure: FileAlreadyExists when the target is another file.
     virtual void MoveFile(std::string_view from, std::string_view to) = 0;
     /// Renames a folder, at once and whole. Failure: PathNotFound, FileAlreadyExists when the

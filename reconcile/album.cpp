@@ -1,6 +1,5 @@
 #include "reconcile/album.h"
 
-#include <initializer_list>
 #include <memory>
 #include <optional>
 
@@ -9,6 +8,7 @@
 #include "database/track_numbers.h"
 #include "platform/clock.h"
 #include "platform/failure.h"
+#include "reconcile/new_rows.h"
 #include "reconcile/walk.h"
 #include "run/steps.h"
 
@@ -45,30 +45,11 @@ std::string UpdateAlbum(Walk& walk, std::int64_t id, std::int16_t trackCount) {
 
 void AddAlbum(Walk& walk, std::string_view artist, std::string_view title, std::int16_t trackCount,
               const std::string& cdjid) {
-    constexpr std::int64_t Unknown = -1, Zero = 0;
-    RecordSet& albums = *walk.albums;
-    albums.AddNew();
-    albums.Set("CDJID", cdjid);
-    albums.Set("Title", std::string(title));
-    albums.Set("Artist", std::string(artist));
-    albums.Set("Player", OwnedPlayer);
-    albums.Set("LocationValid", true);
-    albums.Set("Position", Zero);
-    albums.Set("FrameOffset", Unknown);
-    albums.Set("Frames", Zero);
-    albums.Set("Group", Unknown);
-    albums.Set("DateAdded", walk.run.clock.Now());
-    albums.Set("DateReleased", DateTime{});
-    albums.Set("DateLastPlayed", DateTime{});
-    albums.Set("Tracks", std::int64_t{trackCount});
-    albums.Set("Minutes", Unknown);
-    albums.Set("Seconds", Unknown);
-    for (const char* field :
-         {"Rating1", "Rating2", "Rating3", "Rating4", "TimesPlayed", "TimePlayed", "Position"}) {
-        albums.Set(field, Zero);
-    }
-    albums.Set("NeverPlay", false);
-    albums.Update();
+    AddAlbumRow(*walk.albums, walk.run.clock.Now(),
+                {.cdjid = cdjid,
+                 .artist = std::string(artist),
+                 .title = std::string(title),
+                 .trackCount = trackCount});
     walk.sequence.Taken(cdjid);
     ++walk.run.counts.albumsAdded;
 }

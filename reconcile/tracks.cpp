@@ -12,6 +12,7 @@
 #include "database/track_numbers.h"
 #include "id3/tag_reader.h"
 #include "platform/clock.h"
+#include "reconcile/new_rows.h"
 #include "reconcile/track_name.h"
 #include "reconcile/track_tag.h"
 #include "run/log.h"
@@ -134,27 +135,18 @@ class AlbumTracks {
     }
 
     Row AddRow(const std::string& path) {
-        constexpr std::int64_t Unknown = -1, Zero = 0;
+        constexpr std::int64_t Unknown = -1;
         const TrackTag tag = ReadTrackTag(ReadID3(run_, path));
         const std::int64_t number = tag.track.value_or(NoNumber);
-        tracks_.AddNew();
-        tracks_.Set("CDJID", album_.cdjid);
-        tracks_.Set("Minutes", tag.length ? *tag.length / 60 : Unknown);
-        tracks_.Set("Seconds", tag.length ? *tag.length % 60 : Unknown);
-        tracks_.Set("Track", number);
-        tracks_.Set("Title", GetTrackName(path, run_.settings.FlatStructure));
-        tracks_.Set("Artist", album_.artist);
-        tracks_.Set("SoundFile", path);
-        tracks_.Set("Notes", "Album: " + album_.title);
-        tracks_.Set("DateAdded", run_.clock.Now());
-        tracks_.Set("DateReleased", DateTime{});
-        tracks_.Set("DateLastPlayed", DateTime{});
-        for (const char* field : {"Frames", "Rating1", "Rating2", "Rating3", "Rating4",
-                                  "TimesPlayed", "TimePlayed", "Group"}) {
-            tracks_.Set(field, Zero);
-        }
-        tracks_.Set("NeverPlay", false);
-        tracks_.Update();
+        AddTrackRow(tracks_, run_.clock.Now(),
+                    {.cdjid = album_.cdjid,
+                     .minutes = tag.length ? *tag.length / 60 : Unknown,
+                     .seconds = tag.length ? *tag.length % 60 : Unknown,
+                     .number = number,
+                     .title = GetTrackName(path, run_.settings.FlatStructure),
+                     .artist = album_.artist,
+                     .soundFile = path,
+                     .album = album_.title});
         ++run_.counts.tracksAdded;
         Row row;
         row.id = tracks_.Integer("ID");

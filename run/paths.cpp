@@ -12,6 +12,13 @@ std::string AddBackslash(std::string_view path) {
     return result;
 }
 
+std::string FolderPath(std::string_view written) {
+    std::string path = Replace(written, "/", "\\");
+    while (path.ends_with('\\') && !path.ends_with(":\\"))
+        path.pop_back();
+    return path;
+}
+
 std::string FixPath(std::string_view path) {
     if (path.empty()) return "";
     std::string result(path);

@@ -8,6 +8,10 @@ namespace quillon {
 /// Appends "\" unless the last character is one already (an empty path becomes "\").
 std::string AddBackslash(std::string_view path);
 
+/// A folder as a listing would give it, so that the paths made below it look the same whichever way
+/// it was written: "\\" for "/", and none at its end but that of a drive's root.
+std::string FolderPath(std::string_view written);
+
 /// A web path: every "\" becomes "/", with "/" at both ends; empty stays empty.
 std::string FixPath(std::string_view path);
 

@@ -104,23 +104,42 @@ bool HoldsProtectedFile(const std::string& folder) {
     return static_cast<bool>(error);
 }
 
+bool IsFolder(const std::string& local) {
+    const std::optional<struct stat> facts = FactsOf(local);
+    return facts && S_ISDIR(facts->st_mode);
+}
+
+/// Whether a folder is another one or lies in it. Folders are told apart by what they are: one that
+/// is mounted at a second place has two paths.
 bool IsInside(const std::string& inner, const std::string& outer) {
-    std::error_code ignored;
-    const std::string real = std::filesystem::canonical(inner, ignored).string() + '/';
-    return real.starts_with(std::filesystem::canonical(outer, ignored).string() + '/');
+    const std::optional<struct stat> wanted = FactsOf(outer);
+    std::error_code missing;
+    std::filesystem::path folder = std::filesystem::canonical(inner, missing);
+    if (missing || !wanted) return false;
+    while (true) {
+        const std::optional<struct stat> facts = FactsOf(folder.string());
+        if (facts && facts->st_dev == wanted->st_dev && facts->st_ino == wanted->st_ino)
+            return true;
+        if (folder == folder.root_path()) return false;
+        folder = folder.parent_path();
+    }
 }
 
 }  // namespace
 
 bool PortableFiles::FolderExists(std::string_view path) {
-    return Holds([&] {
-        const std::optional<struct stat> facts = FactsOf(resolver_.Local(path));
-        return facts && S_ISDIR(facts->st_mode);
-    });
+    return Holds([&] { return IsFolder(resolver_.Local(path)); });
 }
 
 bool PortableFiles::FileExists(std::string_view path) {
     return Holds([&] { return IsFile(resolver_.Local(path)); });
+}
+
+bool PortableFiles::IsWithin(std::string_view folder, std::string_view outer) {
+    return Holds([&] {
+        const std::string inner = resolver_.Local(folder);
+        return IsFolder(inner) && IsInside(inner, resolver_.Local(outer));
+    });
 }
 
 std::vector<FolderEntry> PortableFiles::SubFolders(std::string_view folder) {
@@ -210,6 +229,15 @@ void PortableFiles::DeleteFolder(std::string_view path) {
     std::error_code error;
     std::filesystem::remove_all(local, error);
     if (error) throw SystemFailure(error.value(), parsed.Text());
+    resolver_.Index().Removed(local);
+}
+
+void PortableFiles::Discard(std::string_view path) {
+    const WindowsPath parsed = ParseWindowsPath(path);
+    const std::string local = resolver_.Local(parsed);
+    if (std::remove(local.c_str()) != 0) {
+        throw SystemFailure(errno, parsed.Text(), FailureNumber::FileNotFound);
+    }
     resolver_.Index().Removed(local);
 }
 

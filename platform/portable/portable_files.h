@@ -21,6 +21,7 @@ class PortableFiles : public Files {
 
     bool FolderExists(std::string_view path) override;
     bool FileExists(std::string_view path) override;
+    bool IsWithin(std::string_view folder, std::string_view outer) override;
     std::vector<FolderEntry> SubFolders(std::string_view folder) override;
     std::vector<FileEntry> FilesIn(std::string_view folder) override;
     FileEntry GetFile(std::string_view path) override;
@@ -29,6 +30,7 @@ class PortableFiles : public Files {
     void CopyFolder(std::string_view from, std::string_view to, bool overwrite) override;
     void DeleteFile(std::string_view path) override;
     void DeleteFolder(std::string_view path) override;
+    void Discard(std::string_view path) override;
     void MoveFile(std::string_view from, std::string_view to) override;
     void MoveFolder(std::string_view from, std::string_view to) override;
     std::unique_ptr<TextReader> OpenText(std::string_view path) override;

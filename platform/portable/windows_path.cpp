@@ -8,29 +8,10 @@
 namespace quillon {
 namespace {
 
-constexpr std::size_t LongestName = 255;  // UTF-16 units
 constexpr std::string_view Separators = "\\/";
 
 bool IsSeparator(char character) {
     return Separators.find(character) != std::string_view::npos;
-}
-
-/// Whether a character can be in no name at all.
-bool IsRefused(char character) {
-    switch (character) {
-        case '<':
-        case '>':
-        case ':':
-        case '"':
-        case '/':
-        case '\\':
-        case '|':
-        case '?':
-        case '*':
-            return true;
-        default:
-            return static_cast<unsigned char>(character) < 0x20;
-    }
 }
 
 bool IsLetter(char character) {
@@ -85,17 +66,6 @@ std::string TakeRoot(std::string_view& text, std::string_view path) {
 }
 
 }  // namespace
-
-bool IsWindowsName(std::string_view name) {
-    if (name.empty() || name.back() == '.' || name.back() == ' ') return false;
-    bool isAscii = true;
-    for (const char character : name) {
-        if (IsRefused(character)) return false;
-        isAscii = isAscii && static_cast<unsigned char>(character) < 0x80;
-    }
-    if (isAscii) return name.size() <= LongestName;
-    return IsValidUtf8(name) && Utf16Length(name) <= LongestName;
-}
 
 std::string WindowsPath::Text() const {
     std::string text = root + '\\' + rest;

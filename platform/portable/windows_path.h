@@ -4,13 +4,9 @@
 #include <string>
 #include <string_view>
 
-namespace quillon {
+#include "platform/windows_name.h"
 
-/// Whether a Windows folder can hold an entry of this name: valid UTF-8, at most 255 UTF-16 units,
-/// no control characters, none of < > : " / \ | ? *, no dot or blank at its end (which refuses "."
-/// and ".." as well). Names of devices such as NUL are ordinary names here: files called so exist
-/// on other systems, and no device answers to them.
-bool IsWindowsName(std::string_view name);
+namespace quillon {
 
 /// A full Windows path, taken apart and found to be one that Windows can hold.
 struct WindowsPath {

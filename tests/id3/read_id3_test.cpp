@@ -159,6 +159,21 @@ TEST_F(ReadID3Test, KeepsControlBytesOfATag) {
     EXPECT_EQ(Split(RecordOf(SoundFile(tag)), "|")[1], "a\x01\r\nb");
 }
 
+TEST_F(ReadID3Test, PutsWhatItIsToldForTheGenresNumber) {
+    world.files.AddFile(Path, SoundFile(FullTag()));
+    EXPECT_EQ(ReadID3(world.run, Path, [](std::uint8_t number) { return std::to_string(number); }),
+              "TAG|title|artist|album|1999|the comment|||17|");
+}
+
+TEST_F(ReadID3Test, LeavesOutAGenreThatCannotBeFound) {
+    world.files.AddFile(Path, SoundFile(FullTag()));
+    const GenreName failing = [](std::uint8_t) -> std::string {
+        throw Failure::Described(FailureNumber::Database, "no such table");
+    };
+    EXPECT_EQ(ReadID3(world.run, Path, failing), "TAG|title|artist|album|1999|the comment|||");
+    EXPECT_THAT(world.host.log, ElementsAre("Quillon: Read ID3 File Error: Line 10 no such table"));
+}
+
 TEST_F(ReadID3Test, LogsAMissingFileOnce) {
     EXPECT_EQ(ReadID3(world.run, Path), "");
     EXPECT_THAT(world.host.log,

@@ -164,6 +164,73 @@ TEST_F(CopyTest, FolderIsNotCopiedIntoItself) {
     EXPECT_EQ(folder_.Count("Lists/Copy"), 0U);
 }
 
+class WithinTest : public FilesTest {
+  protected:
+    WithinTest() {
+        folder_.MakeFolder("Music/Artist/Album");
+        folder_.MakeFolder("Music to come");
+        folder_.MakeFile("Music/a.mp3");
+    }
+};
+
+TEST_F(WithinTest, IsAFolderAndAllThatItHolds) {
+    EXPECT_TRUE(files_.IsWithin("D:\\Music", "D:\\Music"));
+    EXPECT_TRUE(files_.IsWithin("d:/MUSIC/", "D:\\Music"));
+    EXPECT_TRUE(files_.IsWithin("D:\\music\\artist\\album", "D:\\Music\\"));
+    EXPECT_TRUE(files_.IsWithin("D:\\Music", "D:\\"));
+    EXPECT_FALSE(files_.IsWithin("D:\\Music", "D:\\Music\\Artist"));
+    EXPECT_FALSE(files_.IsWithin("D:\\Music to come", "D:\\Music"));
+}
+
+TEST_F(WithinTest, IsNothingThatDoesNotExist) {
+    EXPECT_FALSE(files_.IsWithin("D:\\None", "D:\\"));
+    EXPECT_FALSE(files_.IsWithin("D:\\Music", "D:\\None"));
+    EXPECT_FALSE(files_.IsWithin("Q:\\Music", "D:\\"));
+    EXPECT_FALSE(files_.IsWithin("D:\\a?b", "D:\\"));
+    EXPECT_FALSE(files_.IsWithin("D:\\Music\\a.mp3", "D:\\Music"));
+}
+
+TEST_F(WithinTest, SeesThroughDrivesAndLinks) {
+    DriveTable drives = Drives(folder_);
+    drives.Map("M", folder_ / "Music");
+    drives.Map("\\\\nas\\music", folder_ / "Music");
+    PathResolver resolver(drives);
+    PortableFiles files(resolver, [](const std::string&) {});
+    EXPECT_TRUE(files.IsWithin("M:\\", "D:\\Music"));
+    EXPECT_TRUE(files.IsWithin("M:\\Artist", "\\\\nas\\music"));
+    EXPECT_TRUE(files.IsWithin("\\\\nas\\music\\Artist", "D:\\"));
+    EXPECT_FALSE(files.IsWithin("D:\\", "M:\\"));
+    std::filesystem::create_directory_symlink(folder_ / "Music/Artist", folder_ / "Link");
+    EXPECT_TRUE(files.IsWithin("D:\\Link\\Album", "M:\\"));
+    EXPECT_TRUE(files.IsWithin("D:\\Music\\Artist\\Album", "D:\\Link"));
+}
+
+using DiscardTest = FilesTest;
+
+TEST_F(DiscardTest, RemovesFilesAndEmptyFolders) {
+    folder_.MakeFile("Music/Artist/Song.mp3");
+    EXPECT_EQ(FailureOf([&] { files_.Discard("D:\\Music\\Artist"); }).substr(0, 22),
+              "Path/File access error");
+    files_.Discard("D:\\music\\artist\\SONG.mp3");
+    files_.Discard("D:\\Music\\Artist");
+    EXPECT_FALSE(folder_.Exists("Music/Artist"));
+    EXPECT_FALSE(files_.FolderExists("D:\\Music\\Artist"));
+    EXPECT_EQ(FailureOf([&] { files_.Discard("D:\\Music\\Artist"); }),
+              "File not found: D:\\Music\\Artist");
+    files_.CreateFolder("D:\\Music\\Artist");
+    EXPECT_TRUE(folder_.Exists("Music/Artist"));
+}
+
+TEST_F(DiscardTest, RemovesWriteProtectedFiles) {
+    folder_.MakeFile("M/new.mp3");
+    chmod(folder_.Path().c_str(), 0755);
+    chmod((folder_ / "M").c_str(), 0777);
+    chmod((folder_ / "M/new.mp3").c_str(), 0444);
+    EXPECT_EQ(AsOrdinaryUser([&] { return FailureOf([&] { files_.Discard("D:\\M\\new.mp3"); }); }),
+              "");
+    EXPECT_FALSE(folder_.Exists("M/new.mp3"));
+}
+
 TEST_F(DeleteTest, RemovesAFile) {
     folder_.MakeFile("Song.mp3");
     folder_.MakeFolder("Folder");

@@ -11,6 +11,14 @@ TEST(AddBackslash, AppendsOneUnlessItIsThere) {
     EXPECT_EQ(AddBackslash(""), "\\");
 }
 
+TEST(FolderPath, IsWhatAListingWouldGive) {
+    EXPECT_EQ(FolderPath(R"(D:\Music)"), R"(D:\Music)");
+    EXPECT_EQ(FolderPath("D:/Music//"), R"(D:\Music)");
+    EXPECT_EQ(FolderPath(R"(\\nas\music\)"), R"(\\nas\music)");
+    EXPECT_EQ(FolderPath("D:/"), "D:\\");
+    EXPECT_EQ(FolderPath(""), "");
+}
+
 TEST(FixPath, TurnsBackslashesAndAddsSlashesAtBothEnds) {
     EXPECT_EQ(FixPath(R"(Quillon\albumcovers)"), "/Quillon/albumcovers/");
 }

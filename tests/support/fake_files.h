@@ -56,6 +56,12 @@ class FakeFiles : public Files {
         return found != nodes_.end() && !found->second.isFolder;
     }
 
+    bool IsWithin(std::string_view folder, std::string_view outer) override {
+        const std::string inner = KeyOf(folder) + '\\';
+        return FolderExists(folder) && FolderExists(outer) &&
+               inner.starts_with(KeyOf(outer) + '\\');
+    }
+
     std::vector<FolderEntry> SubFolders(std::string_view folder) override {
         calls_.Note("SubFolders " + std::string(folder));
         std::vector<FolderEntry> entries;
@@ -125,6 +131,16 @@ class FakeFiles : public Files {
         }
         std::erase_if(nodes_, [&](const auto& node) { return IsWithin(node.first, KeyOf(from)); });
         nodes_.merge(moved);
+    }
+
+    void Discard(std::string_view path) override {
+        calls_.Note("Discard " + std::string(path));
+        if (!NodesIn(path).empty()) {
+            throw Failure(FailureNumber::PathFileAccess, std::string(path));
+        }
+        if (nodes_.erase(KeyOf(path)) == 0) {
+            throw Failure(FailureNumber::FileNotFound, std::string(path));
+        }
     }
 
     void MoveFile(std::string_view from, std::string_view to) override {

@@ -1,0 +1,284 @@
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "database/spinner_rows.h"
+#include "database/sql.h"
+#include "database/track_numbers.h"
+#include "id3/tag_reader.h"
+#include "platform/basic_text.h"
+#include "platform/clock.h"
+#include "platform/failure.h"
+#include "reconcile/added_file.h"
+#include "reconcile/adding.h"
+#include "reconcile/new_rows.h"
+#include "reconcile/take_back.h"
+#include "run/host_settings.h"
+#include "run/paths.h"
+#include "run/run.h"
+#include "run/steps.h"
+
+namespace quillon {
+namespace {
+
+/// The folder setting's value when nothing was set: it gets its backslash all the same.
+constexpr std::string_view NoFolder = "\\";
+
+std::string GenreOfNumber(Connection& connection, std::string_view number) {
+    // The number stands bare in the statement: a text (of a tag with a "|" in its title) would be
+    // read as SQL.
+    if (!IsNumeric(number)) {
+        throw Failure::Described(
+            FailureNumber::Database,
+            "Syntax error (missing operator) in query expression: GenreID=" + std::string(number));
+    }
+    const std::unique_ptr<RecordSet> found = connection.Query(
+        "SELECT Genre FROM SpinnerGenre WHERE GenreID=" + std::to_string(ToLong(number)));
+    return found->IsEmpty() ? "" : found->Text("Genre");
+}
+
+/// The identifier of the album, "" when there is none. A disc of another player will do; where the
+/// library has an album of that name, too, that one is meant.
+std::string FindAlbum(Connection& connection, const std::string& artist, const std::string& title) {
+    const std::string statement =
+        "SELECT CDJID, Tracks FROM Albums WHERE Artist=" + Quoted(artist) +
+        " AND Title=" + Quoted(title);
+    const std::unique_ptr<RecordSet> albums = connection.Query(statement);
+    if (albums->IsEmpty()) return "";
+    std::string first = albums->Text("CDJID");
+    albums->MoveNext();
+    if (albums->IsEof()) return first;
+    const std::unique_ptr<RecordSet> owned = connection.Query(statement + " AND Player=1001");
+    return owned->IsEmpty() ? first : owned->Text("CDJID");
+}
+
+/// One file on its way into the library.
+///
+/// The copy comes before the rows, and of the rows the artist's before the album's: a run that is
+/// killed in between leaves what the next one completes. A row first would make that one believe
+/// that the file is there, for good.
+class Addition {
+  public:
+    Addition(Adding& adding, std::string_view path, std::string_view cover)
+        : adding_(adding),
+          run_(adding.run),
+          albums_(*adding.albums),
+          steps_(adding.run, "AddFile"),
+          path_(path),
+          cover_(cover) {}
+
+    void Add(std::string_view artist, std::string_view album) {
+        const bool done = steps_.Try(1, [&] { Describe(artist, album); }) &&
+                          steps_.Try(2, [&] { LookUp(); }) && steps_.Try(3, [&] { Copy(); }) &&
+                          steps_.Try(4, [&] { FindOrAddAlbum(); }) &&
+                          steps_.Try(5, [&] { GiveCover(); }) && steps_.Try(6, [&] { AddRows(); });
+        if (done) {
+            Settle();
+        } else {
+            Undo();
+        }
+    }
+
+  private:
+    void Describe(std::string_view artist, std::string_view album);
+    void LookUp();
+    void Copy();
+    void FindOrAddAlbum();
+    void GiveCover();
+    void AddRows();
+    void Settle();
+    void Undo();
+
+    void MakeFolder(const std::string& folder);
+    void AddArtist();
+    void StandOnAlbum();
+    std::string CoverTarget() const;
+    void UndoRow(RecordSet& table);
+
+    Adding& adding_;
+    Run& run_;
+    RecordSet& albums_;
+    Steps steps_;
+    TakeBack takeBack_;
+    std::string path_, cover_;
+    AddedFile file_;
+    std::string artistFolder_, albumFolder_, target_;
+    std::string cdjid_;  ///< "" while there is no album
+    bool isNewAlbum_ = false;
+    bool isKnown_ = false;  ///< a track has the target already
+};
+
+/// Nothing has been written when this fails.
+void Addition::Describe(std::string_view artist, std::string_view album) {
+    file_.artist = artist;
+    file_.album = album;
+    file_.title = TitleInPath(path_);
+    const std::string record =
+        ReadID3(run_, path_, [](std::uint8_t number) { return std::to_string(number); });
+    ReadTagInto(file_, record, [this](std::string_view number) {
+        return GenreOfNumber(*run_.connection, number);
+    });
+    RequireFileNames(file_, path_);
+    artistFolder_ = adding_.root + file_.artist;
+    albumFolder_ = artistFolder_ + '\\' + file_.album;
+    target_ = albumFolder_ + '\\' + file_.title + ".mp3";
+}
+
+void Addition::LookUp() {
+    if (file_.artist == adding_.artist && file_.album == adding_.album) cdjid_ = adding_.cdjid;
+    if (cdjid_.empty()) cdjid_ = FindAlbum(*run_.connection, file_.artist, file_.album);
+    isKnown_ = !run_.connection->Query("SELECT ID FROM Tracks WHERE SoundFile =" + Quoted(target_))
+                    ->IsEmpty();
+}
+
+void Addition::Copy() {
+    if (isKnown_) return;
+    MakeFolder(artistFolder_);
+    MakeFolder(albumFolder_);
+    if (run_.files.FileExists(target_)) return;
+    run_.files.CopyFile(path_, target_, false);
+    takeBack_.Add([this] { run_.files.Discard(target_); });
+}
+
+void Addition::MakeFolder(const std::string& folder) {
+    if (run_.files.FolderExists(folder)) return;
+    run_.files.CreateFolder(folder);
+    takeBack_.Add([this, folder] { run_.files.Discard(folder); });
+}
+
+void Addition::FindOrAddAlbum() {
+    if (!cdjid_.empty()) return;
+    AddArtist();
+    const std::string next = adding_.sequence.GetNextCDJID();
+    if (next.empty()) {
+        throw Failure::Described(FailureNumber::Database, "No identifier for album " + file_.album);
+    }
+    AddAlbumRow(albums_, run_.clock.Now(),
+                {.cdjid = next, .artist = file_.artist, .title = file_.album, .trackCount = 0});
+    UndoRow(albums_);
+    cdjid_ = next;
+    isNewAlbum_ = true;
+}
+
+void Addition::AddArtist() {
+    const bool known =
+        !run_.connection->Query("SELECT ID FROM SpinnerArtist WHERE Artist=" + Quoted(file_.artist))
+             ->IsEmpty();
+    if (known) return;
+    AddSpinnerArtistRow(*adding_.spinnerArtist, file_.artist);
+    UndoRow(*adding_.spinnerArtist);
+}
+
+/// An image that has the cover's name already was put there for this very album: it is taken as it
+/// is, and never overwritten.
+void Addition::GiveCover() {
+    if (cover_.empty() || run_.settings.AlbumCoverFolder == NoFolder) return;
+    StandOnAlbum();
+    if (!IsNull(albums_.Get("ImageFile"))) return;
+    const std::string image = CoverTarget();
+    if (!run_.files.FileExists(image)) {
+        run_.files.CopyFile(cover_, image, false);
+        takeBack_.Add([this, image] { run_.files.Discard(image); });
+    }
+    StandOnAlbum();
+    albums_.Set("ImageFile", image);
+    albums_.Update();
+    takeBack_.Add([this] {
+        StandOnAlbum();
+        albums_.Set("ImageFile", Null{});
+        albums_.Update();
+    });
+}
+
+std::string Addition::CoverTarget() const {
+    return run_.settings.AlbumCoverFolder + file_.artist + " - " + file_.album +
+           cover_.substr(cover_.rfind('.'));
+}
+
+void Addition::StandOnAlbum() {
+    albums_.Filter("CDJID=" + FilterQuoted(cdjid_));
+    if (!albums_.IsEmpty()) return;
+    throw Failure::Described(FailureNumber::Database, "Album record missing for CDJID " + cdjid_);
+}
+
+void Addition::AddRows() {
+    if (isKnown_) return;
+    StandOnAlbum();
+    const Value count = albums_.Get("Tracks");
+    albums_.Set("Tracks", albums_.Integer("Tracks") + 1);
+    albums_.Update();
+    takeBack_.Add([this, count] {
+        StandOnAlbum();
+        albums_.Set("Tracks", count);
+        albums_.Update();
+    });
+    // A reconciliation puts the artist's folder into the track's artist.
+    AddTrackRow(*adding_.tracks, run_.clock.Now(),
+                {.cdjid = cdjid_,
+                 .number = file_.track,
+                 .title = file_.title,
+                 .artist = std::nullopt,
+                 .soundFile = target_,
+                 .album = file_.album});
+    UndoRow(*adding_.tracks);
+    RecordSet& spinner = *adding_.spinner;
+    spinner.AddNew();
+    FillSpinnerRow(spinner, run_.clock.Now(),
+                   {.link = StreamLink(adding_.downloadHost, file_.genre),
+                    .artist = file_.artist,
+                    .album = file_.album,
+                    .song = file_.title,
+                    .length = 0,
+                    .genre = file_.genre});
+    spinner.Update();
+}
+
+/// Notes how to undo the row that was just added.
+void Addition::UndoRow(RecordSet& table) {
+    takeBack_.Add([&table, id = table.Integer("ID")] {
+        if (MoveToId(table, id)) table.Delete();
+    });
+}
+
+void Addition::Settle() {
+    adding_.artist = file_.artist;
+    adding_.album = file_.album;
+    adding_.cdjid = cdjid_;
+    if (isNewAlbum_) {
+        adding_.sequence.Taken(cdjid_);
+        ++run_.counts.albumsAdded;
+    }
+    if (!isKnown_) ++run_.counts.tracksAdded;
+}
+
+void Addition::Undo() {
+    // Else the next row's values would join what is left of this one's.
+    for (RecordSet* const table : {adding_.spinnerArtist.get(), adding_.spinner.get(),
+                                   adding_.albums.get(), adding_.tracks.get()}) {
+        steps_.Try(7, [table] { table->CancelUpdate(); });
+    }
+    takeBack_.Run(steps_, 7);
+    adding_.cdjid.clear();
+}
+
+}  // namespace
+
+Adding::Adding(Run& theRun)
+    : run(theRun),
+      spinnerArtist(theRun.connection->OpenTable("SpinnerArtist")),
+      spinner(theRun.connection->OpenTable("Spinner")),
+      albums(theRun.connection->OpenTable("Albums")),
+      tracks(theRun.connection->OpenTable("Tracks")),
+      sequence(theRun),
+      root(AddBackslash(FolderPath(theRun.settings.LibraryRoot))),
+      downloadHost(DownloadHost(theRun.host)) {}
+
+void AddFile(Adding& adding, std::string_view artist, std::string_view album, std::string_view path,
+             std::string_view cover) {
+    Addition(adding, path, cover).Add(artist, album);
+}
+
+}  // namespace quillon

@@ -1,0 +1,73 @@
+#include "reconcile/added_file.h"
+
+#include <algorithm>
+#include <cctype>
+#include <vector>
+
+#include "id3/difference_fields.h"
+#include "platform/basic_text.h"
+#include "platform/failure.h"
+#include "platform/windows_name.h"
+
+namespace quillon {
+namespace {
+
+std::string WithoutEnding(std::string_view text) {
+    constexpr std::string_view Ending = ".mp3";
+    const auto same = [](char left, char right) {
+        return std::tolower(static_cast<unsigned char>(left)) == right;
+    };
+    std::string rest;
+    while (true) {
+        const auto found =
+            std::search(text.begin(), text.end(), Ending.begin(), Ending.end(), same);
+        rest.append(text.begin(), found);
+        if (found == text.end()) return rest;
+        text.remove_prefix(static_cast<std::size_t>(found - text.begin()) + Ending.size());
+    }
+}
+
+void ReplaceByPiece(std::string& text, std::string_view piece) {
+    if (const std::string_view known = Trim(piece); !known.empty()) text = known;
+}
+
+/// Dots and blanks alone would make a file that is hard to see and a row without a name.
+bool CanBeTitle(std::string_view title) {
+    return title.find_first_not_of(". ") != std::string_view::npos &&
+           IsWindowsName(std::string(title) + ".mp3");
+}
+
+[[noreturn]] void Refuse(std::string_view what, std::string_view name, std::string_view path) {
+    throw Failure(FailureNumber::BadFileName,
+                  std::string(what) + " \"" + std::string(name) + "\" of " + std::string(path));
+}
+
+}  // namespace
+
+std::string TitleInPath(std::string_view path) {
+    const std::size_t dash = path.rfind('-');
+    if (dash == std::string_view::npos) return WithoutEnding(path);
+    return WithoutEnding(Trim(path.substr(dash + 1)));
+}
+
+void ReadTagInto(AddedFile& file, std::string_view record, const FindGenre& findGenre) {
+    const std::vector<std::string> pieces = Split(record, "|");
+    if (pieces.size() > TagAlbum) {
+        ReplaceByPiece(file.artist, pieces[TagArtist]);
+        ReplaceByPiece(file.album, pieces[TagAlbum]);
+        ReplaceByPiece(file.title, pieces[TagSong]);
+    }
+    if (pieces.size() > TagGenre) {
+        if (IsNumeric(pieces[TagTrack])) file.track = ToInteger(pieces[TagTrack]);
+        if (std::string genre = findGenre(pieces[TagGenre]); !genre.empty())
+            file.genre = std::move(genre);
+    }
+}
+
+void RequireFileNames(const AddedFile& file, std::string_view path) {
+    if (!IsWindowsName(file.artist)) Refuse("artist", file.artist, path);
+    if (!IsWindowsName(file.album)) Refuse("album", file.album, path);
+    if (!CanBeTitle(file.title)) Refuse("title", file.title, path);
+}
+
+}  // namespace quillon

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+
+namespace quillon {
+
+/// What a file that comes into the library is taken for.
+struct AddedFile {
+    std::string artist;
+    std::string album;
+    std::string title;
+    std::int16_t track = 1;
+    std::string genre = "other";
+};
+
+/// A title by a file's path: what follows the last "-" of the whole path, without blanks at its
+/// ends, or the whole path; every ".mp3" in it is taken out, whatever its letter case.
+///
+/// The search goes over the folders' names, too, so that a file that has no "-" in its own name
+/// gets a title that no file can have, unless its tag has one.
+std::string TitleInPath(std::string_view path);
+
+/// The name that SpinnerGenre has for a genre's number, given as the tag record holds it; "" when
+/// it has no row. Failure for a text that is no number.
+using FindGenre = std::function<std::string(std::string_view number)>;
+
+/// Replaces what the tag knows better. Blanks around a text are padding and do not count; a text of
+/// nothing else is none. Failure: a track number beyond 16 bits, and what `findGenre` throws.
+void ReadTagInto(AddedFile& file, std::string_view record, const FindGenre& findGenre);
+
+/// Failure (BadFileName, naming what is wrong) when the artist or the album cannot be a folder's
+/// name or the title cannot be a file's.
+void RequireFileNames(const AddedFile& file, std::string_view path);
+
+}  // namespace quillon

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "database/cdjid.h"
+#include "platform/database.h"
+#include "run/run.h"
+
+namespace quillon {
+
+/// What adding files carries from file to file.
+struct Adding {
+    /// Opens the tables. Throws Failure.
+    explicit Adding(Run& theRun);
+
+    Run& run;
+    std::unique_ptr<RecordSet> spinnerArtist, spinner, albums, tracks;  ///< table cursors
+    CdjidSequence sequence;
+    std::string root;          ///< the library root, with a backslash at its end
+    std::string downloadHost;  ///< of the links in the download table
+
+    /// The file handled last, so that the next one of its album needs no look-up; no identifier
+    /// before the first.
+    std::string artist, album, cdjid;
+};
+
+/// Copies one sound file into the library and makes its rows: whole or not at all. `artist` and
+/// `album` are taken where the file's tag has none; `cover` is the path of the image that becomes
+/// the cover of an album without one, "" when there is none. A file that the library has already
+/// is passed over. Failures are logged.
+void AddFile(Adding& adding, std::string_view artist, std::string_view album, std::string_view path,
+             std::string_view cover);
+
+}  // namespace quillon

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <functional>
+#include <utility>
+#include <vector>
+
+#include "run/steps.h"
+
+namespace quillon {
+
+/// How to undo what has been done for something that turns out not to be possible as a whole.
+class TakeBack {
+  public:
+    /// Notes how to undo what was done just now.
+    void Add(std::function<void()> work) { works_.push_back(std::move(work)); }
+
+    /// Undoes everything, what was done last first; a failure is logged and the rest goes on.
+    void Run(Steps& steps, int step) {
+        for (; !works_.empty(); works_.pop_back())
+            steps.Try(step, works_.back());
+    }
+
+  private:
+    std::vector<std::function<void()>> works_;
+};
+
+}  // namespace quillon

@@ -1,0 +1,1 @@
+echo 'M=../disk/Music' >> host/host.ini
