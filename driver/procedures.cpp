@@ -2,6 +2,9 @@
 
 #include "database/marks.h"
 #include "database/remove_duplicates.h"
+#include "id3/populate_genre.h"
+#include "id3/reconcile_table.h"
+#include "id3/verify_tags.h"
 #include "reconcile/refresh_database.h"
 
 namespace quillon {
@@ -10,8 +13,11 @@ Procedures AvailableProcedures() {
     Procedures procedures;
     procedures.MarkSnapshotExists = MarkSnapshotExists;
     procedures.RestoreMarks = RestoreMarks;
+    procedures.PopulateGenre = PopulateGenre;
     procedures.RemoveDuplicates = RemoveDuplicates;
+    procedures.VerifyID3Tags = VerifyID3Tags;
     procedures.RefreshDatabase = RefreshDatabase;
+    procedures.OutputReconcileTable = OutputReconcileTable;
     return procedures;
 }
 
