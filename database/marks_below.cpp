@@ -77,7 +77,7 @@ class PartialRestoration {
         const auto rows = connection_.Query(
             "SELECT Tracks.ID, Tracks.CDJID, Tracks.Track, Tracks.SoundFile, Tracks.DateAdded "
             "FROM Albums INNER JOIN Tracks ON Albums.CDJID = Tracks.CDJID "
-            "WHERE Albums.Player=1001");
+            "WHERE Albums.Player=1001 AND (Tracks.Track=0 OR Albums.Tracks=0)");
         for (; !rows->IsEof(); rows->MoveNext()) {
             const std::string soundFile = rows->Text("SoundFile");
             if (!unlisted_.HoldTrack(soundFile)) continue;
@@ -87,8 +87,8 @@ class PartialRestoration {
             const MarkedTrack* const before = snapshot_.FindTrack(id);
             const bool known = before != nullptr && before->number != 0 &&
                                before->IsRow(soundFile, rows->Get("DateAdded"));
-            // A number that is no mark can be one of the tag, which the comparison of tags gave it
-            // before the folder came out of reach.
+            // The comparison of tags may have given it another number before the folder came out of
+            // reach. Where the walk has been, the album has its count again.
             if (known && before->number != present) changes.push_back({id, before->number});
             if (!known && present <= 0) unnumbered[cdjid].insert(id);
         }

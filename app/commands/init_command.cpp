@@ -130,6 +130,8 @@ std::string SettingsText(const Plan& plan) {
                              {"LibraryRoot", IniValue(plan.libraryRoot)},
                              {"FlatStructure", plan.layout == LibraryLayout::Flat ? "1" : "0"},
                              {"Nirvis_CDJ_DB", IniValue(plan.databasePath)},
+                             // It renames and removes files, which nobody should meet unasked.
+                             {"ID3Reconcile", "0"},
                              {"PlayListPath", inHost("Playlists")},
                              {"PlayListPath2", inHost("M3u")},
                              {"AlbumCoverFolder", inHost("Covers")}});
@@ -159,7 +161,13 @@ std::string HostText(const Plan& plan) {
         "\n"
         "; The machine that the stream links of the download table name.\n"
         "[Download]\n"
-        "Host=localhost\n";
+        "Host=localhost\n"
+        "\n"
+        "; 1: music files that a run removes from the library as duplicates are moved to the "
+        "folder\n"
+        "; Removed beside this file. 0: they are deleted.\n"
+        "[Removed]\n"
+        "Keep=1\n";
     return text;
 }
 
