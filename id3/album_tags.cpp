@@ -1,5 +1,6 @@
 #include "id3/album_tags.h"
 
+#include <algorithm>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -21,10 +22,17 @@ namespace {
 
 constexpr int ListStep = 3, BracketStep = 4, CompareStep = 5, RowStep = 6, TitleStep = 7;
 
-/// A tag's title as part of a file's name. Failure: BadFileName when nothing is left of it.
+/// Whether no name can hold the character, although clean names may.
+bool IsRefused(char character) {
+    return character == '"' || (character >= 0 && character < ' ');
+}
+
+/// A tag's title as part of a file's name. Failure: BadFileName when no name can hold it or nothing
+/// is left of it.
 std::string FileTitle(const std::string& tagTitle) {
     std::string title = NoNasties(tagTitle);
-    if (Trim(title).empty()) throw Failure(FailureNumber::BadFileName, "title " + tagTitle);
+    if (Trim(title).empty() || std::any_of(title.begin(), title.end(), IsRefused))
+        throw Failure(FailureNumber::BadFileName, "title " + tagTitle);
     return title;
 }
 

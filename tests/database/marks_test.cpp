@@ -288,9 +288,8 @@ TEST_F(MarksTest, TakeARenamedFileOfAnotherDateOfAdditionForAnotherRow) {
 
 TEST_F(MarksTest, ComeBackBelowAFolderForARenamedFile) {
     RemoveDuplicates(library.run);
-    library.Execute(
-        R"(UPDATE Tracks SET SoundFile='D:\Music\A\One\x (live).mp3' )"
-        R"(WHERE SoundFile='D:\Music\A\One\1.mp3')");
+    library.Execute(R"(UPDATE Tracks SET SoundFile='D:\Music\A\One\x (live).mp3' )"
+                    R"(WHERE SoundFile='D:\Music\A\One\1.mp3')");
     RestoreMarksBelow(library.run, {{R"(D:\Music\A)", "A", ""}});
     EXPECT_EQ(State(), before);
 }
