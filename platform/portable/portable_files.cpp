@@ -172,7 +172,8 @@ void PortableFiles::DeleteFile(std::string_view path) {
     const std::optional<struct stat> facts = FactsOf(local);
     if (facts && !S_ISREG(facts->st_mode)) throw Failure(FailureNumber::FileNotFound, shown);
     // A write-protected file is one that its owner wants to keep, as on Windows.
-    if (facts && access(local.c_str(), W_OK) != 0) throw SystemFailure(errno, shown);
+    if (facts && faccessat(AT_FDCWD, local.c_str(), W_OK, AT_EACCESS) != 0)
+        throw SystemFailure(errno, shown);
     if (!facts || !takeOver_ || !takeOver_(local, AsItIs(parsed, local))) Unlink(local, shown);
     resolver_.Index().Removed(local);
 }
