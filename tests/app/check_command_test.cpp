@@ -76,7 +76,7 @@ TEST_F(CheckCommand, TellsTheModeItsBackupsAndItsPhases) {
 }
 
 TEST_F(CheckCommand, TellsWhetherRemovedMusicIsKept) {
-    const std::string kept = "Removed music    kept in " + Path("shelf/Removed") + "\n";
+    const std::string kept = "Removed music    kept in " + Path("shelf/Removed").string() + "\n";
     EXPECT_TRUE(Has(Check().out, kept)) << Check().out;
     const std::string host = Read("shelf/host.ini");
     const auto setKeep = [&](const std::string& value) {
