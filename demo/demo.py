@@ -15,6 +15,7 @@ sys.dont_write_bytecode = True
 
 import rows_before
 import sample_library
+import verification_story
 
 TABLES = ("Albums", "Tracks", "Playlists", "Spinner", "SpinnerArtist", "SpinnerGenre",
           "SpinnerID3Differences")
@@ -104,6 +105,7 @@ class Demo:
         self.tell_what_changed(before, first)
         self.tell_of_second_run(first)
         self.tell_of_third_run()
+        verification_story.tell(self, say, heading, require)
         self.tell_how_to_go_on()
 
     def tell_of_files(self):
