@@ -44,7 +44,10 @@ constexpr std::array Library{
 };
 
 constexpr std::array Tags{
-    SettingExplanation{"ID3Reconcile", "Compare the tags with the database in a reconciliation."},
+    SettingExplanation{"ID3Reconcile",
+                       "Compare the tags with names and database in a reconciliation. Files whose "
+                       "tag has another title are renamed to Artist - Title.mp3, or removed where "
+                       "such a file exists."},
     SettingExplanation{"ReconcileOption",
                        "Write the differences into a file at the end of a reconciliation."},
     SettingExplanation{"ID3ActionOption",

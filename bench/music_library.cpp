@@ -55,8 +55,19 @@ std::string RandomName(std::mt19937& random, std::size_t words) {
     return name;
 }
 
-void PutField(std::string& tag, std::size_t offset, std::size_t size, std::string_view text) {
-    tag.replace(offset, std::min(size, text.size()), text.substr(0, size));
+/// The text in the code page of tags; the names here have no letters beyond U+00FF.
+std::string TagText(std::string_view text) {
+    std::string bytes;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const bool isPair = text[i] == '\xC3';
+        bytes += isPair ? static_cast<char>(text[++i] + 0x40) : text[i];
+    }
+    return bytes;
+}
+
+void PutField(std::string& tag, std::size_t offset, std::size_t size, std::string_view utf8) {
+    const std::string text = TagText(utf8);
+    tag.replace(offset, std::min(size, text.size()), text, 0, size);
 }
 
 std::string SoundFile(std::string_view artist, std::string_view album, std::string_view title,
@@ -117,7 +128,7 @@ void WalkFolder(int parent, const char* name, WalkResult& result) {
 
 }  // namespace
 
-void MakeLibrary(const fs::path& root, std::size_t tracks) {
+void MakeLibrary(const fs::path& root, std::size_t tracks, FileNames names) {
     std::mt19937 random(static_cast<std::mt19937::result_type>(tracks));
     std::size_t made = 0;
     for (std::size_t artist = 1; made < tracks; ++artist) {
@@ -128,8 +139,11 @@ void MakeLibrary(const fs::path& root, std::size_t tracks) {
             fs::create_directories(folder);
             const std::size_t wanted = 6 + random() % 13;
             for (unsigned track = 1; track <= wanted && made < tracks; ++track, ++made) {
-                const std::string title = RandomName(random, 1 + random() % 4);
-                WriteFile(folder / fmt::format("{:02} - {}.mp3", track, title),
+                std::string title = RandomName(random, 1 + random() % 4);
+                const bool byArtist = names == FileNames::ByArtist;
+                if (byArtist) title = fmt::format("{:02} {}", track, title);
+                WriteFile(folder / (byArtist ? fmt::format("{} - {}.mp3", artistName, title)
+                                             : fmt::format("{:02} - {}.mp3", track, title)),
                           SoundFile(artistName, albumName, title, track),
                           FirstTime + static_cast<std::time_t>(random() % TimeSpan));
             }

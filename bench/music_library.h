@@ -6,9 +6,13 @@
 
 namespace quillon::bench {
 
+/// How the files are named: "01 - Title.mp3", or "Artist - Title.mp3" with titles that are unique
+/// in their album, which the comparison of tags leaves as they are.
+enum class FileNames { ByNumber, ByArtist };
+
 /// Makes a library of small MP3 files in the tree layout below `root`: the same files, names, tags
 /// and times for the same number of tracks, everywhere.
-void MakeLibrary(const std::filesystem::path& root, std::size_t tracks);
+void MakeLibrary(const std::filesystem::path& root, std::size_t tracks, FileNames names);
 
 /// What a walk has seen; the sum of bytes keeps the compiler from leaving the reading out.
 struct WalkResult {

@@ -5,11 +5,12 @@
 #include <charconv>
 #include <memory>
 #include <utility>
+#include <variant>
 
 namespace quillon {
 namespace {
 
-constexpr std::string_view FirstLine = "Quillon mark snapshot 1";
+constexpr std::string_view FirstLine = "Quillon mark snapshot 2";
 constexpr std::string_view AlbumWord = "Album", TrackWord = "Track", EndWord = "End";
 constexpr std::string_view NullWord = "Null";
 
@@ -94,6 +95,18 @@ std::uint32_t Fingerprint(std::string_view text) {
     return value;
 }
 
+std::uint32_t OriginFingerprint(std::string_view soundFile, const Value& dateAdded) {
+    std::string origin(soundFile.substr(0, soundFile.rfind('\\') + 1));
+    if (const auto* const date = std::get_if<DateTime>(&dateAdded))
+        origin += std::to_string(date->days);
+    return Fingerprint(origin);
+}
+
+bool MarkedTrack::IsRow(std::string_view rowSoundFile, const Value& dateAdded) const {
+    return soundFile == Fingerprint(rowSoundFile) ||
+           origin == OriginFingerprint(rowSoundFile, dateAdded);
+}
+
 MarkSnapshot::MarkSnapshot(std::vector<MarkedAlbum> albums, std::vector<MarkedTrack> tracks)
     : albums_(std::move(albums)), tracks_(std::move(tracks)) {
     SortById(albums_);
@@ -119,14 +132,17 @@ MarkSnapshot CaptureMarks(Connection& connection) {
     }
     std::vector<MarkedTrack> tracks;
     const auto trackRows = connection.Query(
-        "SELECT Tracks.ID AS TrackID, Tracks.Track, Tracks.SoundFile, Albums.ID AS AlbumID "
+        "SELECT Tracks.ID AS TrackID, Tracks.Track, Tracks.SoundFile, Tracks.DateAdded, "
+        "Albums.ID AS AlbumID "
         "FROM Albums INNER JOIN Tracks ON Albums.CDJID = Tracks.CDJID "
         "WHERE Albums.Player=1001");
     for (; !trackRows->IsEof(); trackRows->MoveNext()) {
+        const std::string soundFile = trackRows->Text("SoundFile");
         tracks.push_back({.id = static_cast<std::int32_t>(trackRows->Integer("TrackID")),
                           .number = MarkedField(*trackRows, "Track"),
                           .album = static_cast<std::int32_t>(trackRows->Integer("AlbumID")),
-                          .soundFile = Fingerprint(trackRows->Text("SoundFile"))});
+                          .soundFile = Fingerprint(soundFile),
+                          .origin = OriginFingerprint(soundFile, trackRows->Get("DateAdded"))});
     }
     return {std::move(albums), std::move(tracks)};
 }
@@ -144,7 +160,8 @@ void WriteMarkSnapshot(Files& files, std::string_view path, const MarkSnapshot& 
     for (const MarkedTrack& track : snapshot.Tracks()) {
         line = TrackWord;
         line += ' ' + std::to_string(track.id) + ' ' + ValueText(track.number) + ' ' +
-                std::to_string(track.album) + ' ' + std::to_string(track.soundFile);
+                std::to_string(track.album) + ' ' + std::to_string(track.soundFile) + ' ' +
+                std::to_string(track.origin);
         file->WriteLine(line);
     }
     file->WriteLine(EndLine(snapshot.Albums().size(), snapshot.Tracks().size()));
@@ -172,7 +189,8 @@ std::optional<MarkSnapshot> ReadMarkSnapshot(Files& files, std::string_view path
             tracks.push_back({.id = line.Whole<std::int32_t>(),
                               .number = line.Marked(),
                               .album = line.Whole<std::int32_t>(),
-                              .soundFile = line.Whole<std::uint32_t>()});
+                              .soundFile = line.Whole<std::uint32_t>(),
+                              .origin = line.Whole<std::uint32_t>()});
         } else {
             break;
         }

@@ -17,6 +17,9 @@ using MarkedValue = std::optional<std::int32_t>;
 /// A number that a text is recognised by.
 std::uint32_t Fingerprint(std::string_view text);
 
+/// The fingerprint of a sound file's folder and its row's date of addition.
+std::uint32_t OriginFingerprint(std::string_view soundFile, const Value& dateAdded);
+
 struct MarkedAlbum {
     std::int32_t id = 0;
     MarkedValue count;
@@ -30,6 +33,11 @@ struct MarkedTrack {
     MarkedValue number;
     std::int32_t album = 0;       ///< the album row's ID
     std::uint32_t soundFile = 0;  ///< fingerprint
+    std::uint32_t origin = 0;     ///< fingerprint of what stays when the file is renamed
+
+    /// Whether a row with this ID, file and date of addition is the track: the file is the same, or
+    /// it was renamed in its folder since.
+    bool IsRow(std::string_view rowSoundFile, const Value& dateAdded) const;
 
     bool operator==(const MarkedTrack&) const = default;
 };

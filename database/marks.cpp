@@ -63,13 +63,13 @@ class Restoration {
         std::vector<Change> changes;
         std::map<std::string, std::unordered_set<std::int64_t>> newcomers;
         const auto rows = connection_.Query(
-            "SELECT Tracks.ID, Tracks.CDJID, Tracks.Track, Tracks.SoundFile "
+            "SELECT Tracks.ID, Tracks.CDJID, Tracks.Track, Tracks.SoundFile, Tracks.DateAdded "
             "FROM Albums INNER JOIN Tracks ON Albums.CDJID = Tracks.CDJID "
             "WHERE Albums.Player=1001");
         for (; !rows->IsEof(); rows->MoveNext()) {
             const std::int64_t id = rows->Integer("ID");
             const std::string cdjid = rows->Text("CDJID");
-            const MarkedTrack* const before = Before(id, rows->Text("SoundFile"));
+            const MarkedTrack* const before = Before(id, *rows);
             if (before == nullptr) {
                 newcomers[cdjid].insert(id);
                 continue;
@@ -91,9 +91,10 @@ class Restoration {
 
   private:
     /// What the snapshot says of a track; null when it is not in there or its album is gone.
-    const MarkedTrack* Before(std::int64_t id, std::string_view soundFile) const {
+    const MarkedTrack* Before(std::int64_t id, const RecordSet& row) const {
         const MarkedTrack* const track = snapshot_.FindTrack(id);
-        const bool fits = track != nullptr && track->soundFile == Fingerprint(soundFile) &&
+        const bool fits = track != nullptr &&
+                          track->IsRow(row.Text("SoundFile"), row.Get("DateAdded")) &&
                           cdjids_.contains(track->album);
         return fits ? track : nullptr;
     }

@@ -75,22 +75,22 @@ class PartialRestoration {
         std::vector<Change> changes;
         std::map<std::string, std::unordered_set<std::int64_t>> unnumbered;
         const auto rows = connection_.Query(
-            "SELECT Tracks.ID, Tracks.CDJID, Tracks.SoundFile "
+            "SELECT Tracks.ID, Tracks.CDJID, Tracks.Track, Tracks.SoundFile, Tracks.DateAdded "
             "FROM Albums INNER JOIN Tracks ON Albums.CDJID = Tracks.CDJID "
-            "WHERE Albums.Player=1001 AND Tracks.Track=0");
+            "WHERE Albums.Player=1001 AND (Tracks.Track=0 OR Albums.Tracks=0)");
         for (; !rows->IsEof(); rows->MoveNext()) {
             const std::string soundFile = rows->Text("SoundFile");
             if (!unlisted_.HoldTrack(soundFile)) continue;
-            const std::int64_t id = rows->Integer("ID");
+            const std::int64_t id = rows->Integer("ID"), present = rows->Integer("Track");
             const std::string cdjid = rows->Text("CDJID");
             ++keptTracks_[LowerCase(cdjid)];
             const MarkedTrack* const before = snapshot_.FindTrack(id);
-            if (before != nullptr && before->number != 0 &&
-                before->soundFile == Fingerprint(soundFile)) {
-                changes.push_back({id, before->number});
-            } else {
-                unnumbered[cdjid].insert(id);
-            }
+            const bool known = before != nullptr && before->number != 0 &&
+                               before->IsRow(soundFile, rows->Get("DateAdded"));
+            // The comparison of tags may have given it another number before the folder came out of
+            // reach. Where the walk has been, the album has its count again.
+            if (known && before->number != present) changes.push_back({id, before->number});
+            if (!known && present <= 0) unnumbered[cdjid].insert(id);
         }
         const auto cursor = connection_.OpenTable("Tracks");
         for (const Change& change : changes)

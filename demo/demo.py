@@ -20,6 +20,7 @@ import remote_story
 import picker_story
 import rows_before
 import sample_library
+import verification_story
 
 TABLES = ("Albums", "Tracks", "Playlists", "Spinner", "SpinnerArtist", "SpinnerGenre",
           "SpinnerID3Differences")
@@ -119,6 +120,7 @@ class Demo:
         for story in (download_story, cover_story, adding_story, remote_story):
             story.tell(self, say, heading, require)
         picker_story.tell(self, heading, say, require)
+        verification_story.tell(self, say, heading, require)
         self.tell_how_to_go_on()
 
     def tell_of_files(self):

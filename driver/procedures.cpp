@@ -6,6 +6,9 @@
 #include "database/remove_duplicates.h"
 #include "download/populate_spinner_artist.h"
 #include "download/populate_spinner_tracks.h"
+#include "id3/populate_genre.h"
+#include "id3/reconcile_table.h"
+#include "id3/verify_tags.h"
 #include "reconcile/add_files_to_library.h"
 #include "reconcile/refresh_database.h"
 #include "remote/make_remote.h"
@@ -16,7 +19,9 @@ Procedures AvailableProcedures() {
     Procedures procedures;
     procedures.MarkSnapshotExists = MarkSnapshotExists;
     procedures.RestoreMarks = RestoreMarks;
+    procedures.PopulateGenre = PopulateGenre;
     procedures.RemoveDuplicates = RemoveDuplicates;
+    procedures.VerifyID3Tags = VerifyID3Tags;
     procedures.RefreshDatabase = RefreshDatabase;
     procedures.AddFilesToLibrary = AddFilesToLibrary;
     procedures.PopulateSpinnerTracks = PopulateSpinnerTracks;
@@ -24,6 +29,7 @@ Procedures AvailableProcedures() {
     procedures.RefreshAlbumCovers = RefreshAlbumCovers;
     procedures.MakeRemote = MakeRemote;
     procedures.BuildAlbumPicker = BuildAlbumPicker;
+    procedures.OutputReconcileTable = OutputReconcileTable;
     return procedures;
 }
 

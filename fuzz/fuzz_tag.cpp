@@ -1,5 +1,6 @@
 // The tag parser over arbitrary bytes: whatever a file ends with, a record comes out, and a whole
-// tag gives nine closed fields at least.
+// tag gives nine closed fields at least. The comparison then takes every such record, against the
+// names that its own neighbours make.
 
 #include <algorithm>
 #include <array>
@@ -12,8 +13,36 @@
 #include <string>
 #include <vector>
 
+#include "id3/difference_fields.h"
+#include "id3/tag_comparison.h"
 #include "id3/tag_record.h"
 #include "platform/ansi.h"
+#include "platform/basic_text.h"
+#include "platform/failure.h"
+
+namespace {
+
+/// What is noted for a field must be a label, a value that differs, and no more than one row each.
+void Compare(const std::vector<std::string>& pieces) {
+    quillon::ExpectedTag expected;
+    for (std::size_t i = 0; i < expected.size(); ++i)
+        expected.at(i) = pieces.at((i + 1) % pieces.size());
+    const std::string seconds = pieces.at(quillon::TagTrack);
+    try {
+        const quillon::TagComparison result = quillon::CompareTag(pieces, expected, seconds);
+        if (pieces.size() > quillon::RecordPieces) std::abort();
+        if (result.differences.size() > quillon::RecordPieces + 2) std::abort();
+        for (const quillon::TagDifference& difference : result.differences) {
+            if (!quillon::IsValidUtf8(difference.tagValue)) std::abort();
+            if (!difference.tagValue.empty() && difference.tagValue == difference.expected)
+                std::abort();
+        }
+    } catch (const quillon::Failure&) {
+        if (pieces.size() <= quillon::RecordPieces) std::abort();
+    }
+}
+
+}  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::span<const std::uint8_t> tag(data, size);
@@ -44,5 +73,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (!record.empty() && record.back() != '|') std::abort();
     if (!record.empty() && !failed && std::count(record.begin(), record.end(), '|') < 9)
         std::abort();
+    const std::vector<std::string> pieces = quillon::Split(record, "|");
+    if (pieces.size() >= quillon::RecordPieces) Compare(pieces);
     return 0;
 }

@@ -44,6 +44,7 @@ class RecordSet {
     /// A field as text ("" for Null) or as a whole number (0 for Null; Failure TypeMismatch for a
     /// text that is no number).
     std::string Text(std::string_view field) const;
+    std::string Text(std::size_t field) const;
     std::int64_t Integer(std::string_view field) const;
 
     virtual void AddNew() = 0;

@@ -55,6 +55,10 @@ std::string RecordSet::Text(std::string_view field) const {
     return std::visit(TextOf{}, Get(field));
 }
 
+std::string RecordSet::Text(std::size_t field) const {
+    return std::visit(TextOf{}, Get(field));
+}
+
 std::int64_t RecordSet::Integer(std::string_view field) const {
     return std::visit(IntegerOf{field}, Get(field));
 }

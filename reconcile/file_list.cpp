@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <limits>
 
-#include "platform/basic_text.h"
 #include "platform/failure.h"
+#include "run/sound_files.h"
 
 namespace quillon {
 namespace {
@@ -16,10 +16,6 @@ void SortByDate(FileList& files) {
 }
 
 }  // namespace
-
-bool IsSoundFile(std::string_view name) {
-    return EqualIgnoringCase(Right(name, 4), ".mp3");
-}
 
 std::int16_t FileCount(std::size_t files) {
     if (files > std::numeric_limits<std::int16_t>::max())

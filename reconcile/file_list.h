@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <span>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "platform/date_time.h"
@@ -21,9 +20,6 @@ struct ListedFile {
 
 /// The sound files of one album, oldest first; files of one age in the order of their folder.
 using FileList = std::vector<ListedFile>;
-
-/// Whether the name's last four characters are ".mp3" in any letter case.
-bool IsSoundFile(std::string_view name);
 
 /// A number of files as the tables hold it. Failure: Overflow above 32767.
 std::int16_t FileCount(std::size_t files);

@@ -15,6 +15,7 @@
 #include "reconcile/flat.h"
 #include "reconcile/tracks.h"
 #include "reconcile/walk.h"
+#include "run/excluded_artists.h"
 #include "run/steps.h"
 
 namespace quillon {
@@ -42,10 +43,8 @@ void ProcessAlbum(Walk& walk, Album album, FileList files) {
 /// The tree layout: artist folders that hold album folders that hold files.
 class TreeWalk {
   public:
-    explicit TreeWalk(Walk& walk) : walk_(walk), steps_(walk.run, "RefreshDatabaseFolder") {
-        for (const std::string& value : walk.run.ExcludeList)
-            excluded_.push_back(LowerCase(value));
-    }
+    explicit TreeWalk(Walk& walk)
+        : walk_(walk), steps_(walk.run, "RefreshDatabaseFolder"), excluded_(walk.run) {}
 
     void Refresh(const FolderEntry& topFolder) {
         Run& run = walk_.run;
@@ -55,7 +54,7 @@ class TreeWalk {
             run.ShowItem(std::to_string(counter) +
                          ". Reconcile Folder Tracks with Database for Artist " + artist.name);
             if (run.AbortRequested) return;
-            if (!IsExcluded(artist.name)) RefreshArtist(artist);
+            if (!excluded_.Contains(artist.name)) RefreshArtist(artist);
         }
     }
 
@@ -87,14 +86,9 @@ class TreeWalk {
         return folders;
     }
 
-    bool IsExcluded(const std::string& artist) const {
-        if (walk_.run.ExcludeEmpty) return false;
-        return std::find(excluded_.begin(), excluded_.end(), LowerCase(artist)) != excluded_.end();
-    }
-
     Walk& walk_;
     Steps steps_;
-    std::vector<std::string> excluded_;  ///< in lower case
+    ExcludedArtists excluded_;
 };
 
 /// The flat layout: files of all artists side by side, their names beginning with the artist.

@@ -45,4 +45,11 @@ std::string ChangeDrive(std::string_view newDrive, std::string_view path) {
     return Replace(path, GetDrive(path), newDrive);
 }
 
+std::string GetBaseName(std::string_view path) {
+    constexpr std::string_view Slashes = "\\/";
+    path = path.substr(0, path.find_last_not_of(Slashes) + 1);
+    path.remove_prefix(path.find_last_of(Slashes) + 1);
+    return std::string(path.substr(0, path.rfind('.')));
+}
+
 }  // namespace quillon

@@ -6,7 +6,10 @@
 namespace quillon {
 
 void Steps::Report(const std::string& location, int step, const std::exception& failure) {
-    const PendingError pending{step, failure.what()};
+    std::string description = failure.what();
+    if (!subject_.empty() && description.find(subject_) == std::string::npos)
+        description += " (" + subject_ + ')';
+    const PendingError pending{step, description};
     LogError(run_, LogSource, location, &pending);
 }
 

@@ -44,11 +44,15 @@ class Steps {
         }
     }
 
+    /// Names what the following steps work on: descriptions that do not name it get it behind them.
+    void Concerning(std::string subject) { subject_ = std::move(subject); }
+
   private:
     void Report(const std::string& location, int step, const std::exception& failure);
 
     Run& run_;
     std::string location_;
+    std::string subject_;
 };
 
 }  // namespace quillon

@@ -11,6 +11,7 @@
 #include "app/checks/settings_check.h"
 #include "app/display_text.h"
 #include "app/local_host.h"
+#include "app/removed_music.h"
 #include "platform/failure.h"
 
 namespace quillon {
@@ -21,6 +22,20 @@ void TellDrives(const DriveTable& drives, std::ostream& out) {
         const std::filesystem::path local = folder.empty() ? "/" : folder;
         out << fmt::format("Drive {:<10} {}{}\n", OneLine(root), OneLine(local.string()),
                            std::filesystem::is_directory(local) ? "" : "   is not there");
+    }
+}
+
+void TellRemovedMusic(HostFolder& host, std::ostream& out, Findings& findings) {
+    const RemovedMusicSetting setting = ReadRemovedMusicSetting(host);
+    const std::string what =
+        setting.keep ? "kept in " + OneLine(RemovedMusicFolder(host).string()) : "deleted for good";
+    out << fmt::format("Removed music    {}\n", what);
+    if (!setting.understood) {
+        findings.Caution(
+            fmt::format("Keep in [Removed] of host.ini is \"{}\", which is neither yes nor no; "
+                        "removed music is "
+                        "kept",
+                        setting.text));
     }
 }
 
@@ -53,6 +68,7 @@ int Check(const CheckRequest& request, Console console) {
     out << fmt::format("Host folder      {}\n", OneLine(local.host.Folder().string()));
     CheckPlugin(local.host, out, findings);
     TellDrives(local.host.Drives(), out);
+    TellRemovedMusic(local.host, out, findings);
     const Settings settings = CheckSettings(local.host, out, findings);
     CheckHostSettings(local.host, out, findings);
     CheckFolders(local.files, settings, local.host.GetAppPath(), out, findings);

@@ -131,6 +131,8 @@ std::string SettingsText(const Plan& plan) {
                              {"LibraryRoot", IniValue(plan.libraryRoot)},
                              {"FlatStructure", plan.layout == LibraryLayout::Flat ? "1" : "0"},
                              {"Nirvis_CDJ_DB", IniValue(plan.databasePath)},
+                             // It renames and removes files, which nobody should meet unasked.
+                             {"ID3Reconcile", "0"},
                              {"PlayListPath", inHost("Playlists")},
                              {"PlayListPath2", inHost("M3u")},
                              {"AlbumCoverFolder", inHost("Covers")}});
@@ -168,7 +170,13 @@ std::string HostText(const Plan& plan) {
         "; ReservedFolder says are left out.\n"
         "[Covers]\n"
         "ScanLibrary=0\n"
-        "ReservedFolder=\n";
+        "ReservedFolder=\n"
+        "\n"
+        "; 1: music files that a run removes from the library as duplicates are moved to the "
+        "folder\n"
+        "; Removed beside this file. 0: they are deleted.\n"
+        "[Removed]\n"
+        "Keep=1\n";
     return text;
 }
 

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "app/local_host.h"
+#include "app/removed_music.h"
 #include "app/signals.h"
 #include "app/version.h"
 #include "app/views/make_view.h"
@@ -25,6 +26,8 @@ int RunLibrary(const RunRequest& request) {
     const std::unique_ptr<View> view = MakeView(request.view);
     Run run(local.host, local.files, local.clock, *view);
     current = &run;
+    RemovedFiles removed(RemovedMusicFolder(local.host), local.clock);
+    local.files.OnDelete(KeepRemovedMusic(run, local.host, removed));
 
     LibraryForm form(run, local.databases, ProgramVersion);
     const RunOutcome outcome = form.Form_Load();

@@ -167,9 +167,16 @@ void Translator::NoteEquality(const Expression& column, const Expression& other,
     const Target target = Resolve(column, Context{&scope});
     if (target.scope != &scope || !target.instance || !target.instance->definition) return;
     if (Mentions(other, *target.instance, scope)) return;
-    auto& columns = result_.tables[target.instance->use].equalColumns;
-    if (std::find(columns.begin(), columns.end(), target.column) == columns.end())
-        columns.push_back(target.column);
+    const auto note = [&target](std::vector<std::size_t>& columns) {
+        if (std::find(columns.begin(), columns.end(), target.column) == columns.end())
+            columns.push_back(target.column);
+    };
+    TableUse& use = result_.tables[target.instance->use];
+    note(use.equalColumns);
+    const bool joined =
+        std::any_of(scope.instances.begin(), scope.instances.end(),
+                    [&](const Instance& instance) { return Mentions(other, instance, scope); });
+    if (!joined) note(use.valueColumns);
 }
 
 void Translator::NoteEqualities(const Expression& condition, const Scope& scope) {

@@ -21,6 +21,7 @@ using Catalog = std::function<const TableDefinition*(std::string_view)>;
 struct TableUse {
     const TableDefinition* definition = nullptr;
     std::vector<std::size_t> equalColumns;   ///< compared for equality with something else
+    std::vector<std::size_t> valueColumns;   ///< those of them that need no other table's rows
     std::vector<std::size_t> suffixColumns;  ///< looked up by the end of their text
     std::vector<std::string> indexes;        ///< lists of SQL expressions that want an index
 };

@@ -1,6 +1,7 @@
 #include "jet/engine/index_advisor.h"
 
 #include <algorithm>
+#include <optional>
 
 #include "jet/engine/text_order.h"
 
@@ -75,6 +76,33 @@ void IndexAdvisor::PrepareEqual(const dialect::TableUse& use, const MirrorTable&
     if (served) return;
     Create(table, ColumnName(table, *best));
     known.equal.push_back(*best);
+}
+
+void IndexAdvisor::PrepareEntry(const std::vector<dialect::TableUse>& uses,
+                                const std::vector<MirrorTable*>& tables) {
+    std::optional<std::size_t> entry;
+    std::size_t entryColumn = 0;
+    double fewest = 0;
+    for (std::size_t i = 0; i < tables.size(); ++i) {
+        const MirrorTable& table = *tables[i];
+        if (!uses[i].suffixColumns.empty()) return;
+        if (uses[i].valueColumns.empty()) continue;
+        if (table.RowCount() < SmallTable) return;
+        Known& known = known_[&table];
+        for (const std::size_t column : uses[i].valueColumns) {
+            const double share = ShareOfMatches(table, column, known);
+            if (share > WorstShare) continue;
+            if (Contains(known.equal, column)) return;
+            const double matches = share * static_cast<double>(table.RowCount());
+            if (entry && matches >= fewest) continue;
+            entry = i;
+            entryColumn = column;
+            fewest = matches;
+        }
+    }
+    if (!entry) return;
+    Create(*tables[*entry], ColumnName(*tables[*entry], entryColumn));
+    known_[tables[*entry]].equal.push_back(entryColumn);
 }
 
 /// Which share of the table has the value of a row picked at random: what is left to look at after

@@ -2,6 +2,7 @@
 
 #include <map>
 #include <unordered_map>
+#include <vector>
 
 #include "jet/dialect/translate.h"
 #include "jet/engine/mirror_table.h"
@@ -18,6 +19,12 @@ class IndexAdvisor {
 
     /// Makes what a statement's use of the table wants and lacks.
     void Prepare(const dialect::TableUse& use, const MirrorTable& table);
+
+    /// Makes sure that a join can begin without a scan: in one of its tables at least, the one
+    /// whose values tell rows apart best, an index finds rows by the values that the statement
+    /// names.
+    void PrepareEntry(const std::vector<dialect::TableUse>& uses,
+                      const std::vector<MirrorTable*>& tables);
 
   private:
     struct Known {

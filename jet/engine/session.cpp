@@ -84,6 +84,7 @@ void Session::LookAfterIndexes(Plan& plan) {
     plan.generation = generation;
     for (std::size_t i = 0; i < plan.tables.size(); ++i)
         advisor_.Prepare(plan.translation.tables[i], *plan.tables[i]);
+    advisor_.PrepareEntry(plan.translation.tables, plan.tables);
 }
 
 StatementLease Session::Start(Plan& plan, const std::vector<dialect::Literal>& literals) {

@@ -12,6 +12,7 @@
 
 #include "platform/failure.h"
 #include "platform/portable/file_handle.h"
+#include "platform/portable/rename_file.h"
 #include "platform/portable/safe_file.h"
 #include "platform/portable/streams.h"
 #include "platform/portable/system_failure.h"
@@ -78,13 +79,8 @@ bool Holds(Test test) {
     }
 }
 
-/// Renames, but never onto something else; the system's error number, 0 when it is done.
-int RenameToFreeName(const std::string& from, const std::string& to) {
-    if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) return 0;
-    // Not every file system knows that operation.
-    const bool unknown = errno == EINVAL || errno == ENOSYS;
-    if (unknown && rename(from.c_str(), to.c_str()) == 0) return 0;
-    return errno;
+void Unlink(const std::string& local, const std::string& shown) {
+    if (unlink(local.c_str()) != 0) throw SystemFailure(errno, shown, FailureNumber::FileNotFound);
 }
 
 bool MayWrite(const std::string& local) {
@@ -212,10 +208,9 @@ void PortableFiles::DeleteFile(std::string_view path) {
     const std::optional<struct stat> facts = FactsOf(local);
     if (facts && !S_ISREG(facts->st_mode)) throw Failure(FailureNumber::FileNotFound, shown);
     // A write-protected file is one that its owner wants to keep, as on Windows.
-    const bool isProtected = facts && access(local.c_str(), W_OK) != 0;
-    if (isProtected || unlink(local.c_str()) != 0) {
-        throw SystemFailure(errno, shown, FailureNumber::FileNotFound);
-    }
+    if (facts && faccessat(AT_FDCWD, local.c_str(), W_OK, AT_EACCESS) != 0)
+        throw SystemFailure(errno, shown);
+    if (!facts || !takeOver_ || !takeOver_(local, AsItIs(parsed, local))) Unlink(local, shown);
     resolver_.Index().Removed(local);
 }
 
@@ -241,6 +236,11 @@ void PortableFiles::Discard(std::string_view path) {
     resolver_.Index().Removed(local);
 }
 
+/// The path in the spelling that the disk has.
+WindowsPath PortableFiles::AsItIs(const WindowsPath& path, const std::string& local) const {
+    return {path.root, local.substr(resolver_.LocalRoot(path).size() + 1)};
+}
+
 void PortableFiles::MoveFile(std::string_view from, std::string_view to) {
     const WindowsPath source = ParseWindowsPath(from);
     const WindowsPath target = ParseWindowsPath(to);
@@ -260,7 +260,7 @@ void PortableFiles::MoveFile(std::string_view from, std::string_view to) {
         if (error == EXDEV) {
             // Between two volumes a file is moved by way of a copy.
             CopyFile(from, to, false);
-            DeleteFile(from);
+            Unlink(oldPath, source.Text());
         } else if (error != 0) {
             throw SystemFailure(error, target.Text());
         }

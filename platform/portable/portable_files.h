@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -15,9 +16,16 @@ namespace quillon {
 /// Files on a system with local paths, shown in Windows terms. Writers must not outlive it.
 class PortableFiles : public Files {
   public:
+    /// Takes a file that is to be deleted (its local path, and its Windows path in the spelling of
+    /// the disk) to another place; false when the file may be deleted for good.
+    using TakeOver = std::function<bool(const std::string& local, const WindowsPath& shown)>;
+
     /// `note` gets a line for each entry that listings leave out, once.
     PortableFiles(PathResolver& resolver, NoteSink note)
         : resolver_(resolver), lister_(std::move(note)) {}
+
+    /// From now on files to be deleted are offered to this first.
+    void OnDelete(TakeOver takeOver) { takeOver_ = std::move(takeOver); }
 
     bool FolderExists(std::string_view path) override;
     bool FileExists(std::string_view path) override;
@@ -41,9 +49,11 @@ class PortableFiles : public Files {
     /// Removes, before the first file is written into a folder (local path), the unfinished files
     /// that killed runs have left there.
     void RemoveLeftoversOnce(const std::string& folder);
+    WindowsPath AsItIs(const WindowsPath& path, const std::string& local) const;
 
     PathResolver& resolver_;
     FolderLister lister_;
+    TakeOver takeOver_;
     std::unordered_set<std::string> withoutLeftovers_;  ///< local paths of folders
 };
 

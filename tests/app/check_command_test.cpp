@@ -88,10 +88,32 @@ TEST_F(CheckCommand, TellsTheModeItsBackupsAndItsPhases) {
     EXPECT_TRUE(plan.starts_with("  Reconcile library and database\n")) << plan;
     EXPECT_TRUE(Has(plan, "Backups first: H:\\jukebox.mdb, H:\\Playlists\\, H:\\M3u\\\n")) << plan;
     EXPECT_TRUE(Has(plan, "\n    Add folder tracks to library\n")) << plan;
-    EXPECT_TRUE(Has(plan, "\n    Verify ID3")) << plan;
+    // It renames files, so a new host folder has it switched off.
+    EXPECT_FALSE(Has(plan, "Verify ID3")) << plan;
 
-    Set("ID3Reconcile", "0");
-    EXPECT_FALSE(Has(Section(Check().out, "A run would do"), "Verify ID3"));
+    Set("ID3Reconcile", "1");
+    EXPECT_TRUE(Has(Section(Check().out, "A run would do"), "\n    Verify ID3\n"));
+}
+
+TEST_F(CheckCommand, TellsWhetherRemovedMusicIsKept) {
+    const std::string kept = "Removed music    kept in " + Path("shelf/Removed").string() + "\n";
+    EXPECT_TRUE(Has(Check().out, kept)) << Check().out;
+    const std::string host = Read("shelf/host.ini");
+    const auto setKeep = [&](const std::string& value) {
+        std::string changed = host;
+        changed.replace(changed.find("Keep=1"), 6, "Keep=" + value);
+        Write("shelf/host.ini", changed);
+    };
+    for (const char* const no : {"0", "no", "OFF", "False"}) {
+        setKeep(no);
+        EXPECT_TRUE(Has(Check().out, "Removed music    deleted for good\n")) << no;
+    }
+    setKeep("perhaps");
+    const ProgramResult result = Check();
+    EXPECT_EQ(result.status, 0);
+    EXPECT_TRUE(Has(result.out, kept));
+    EXPECT_TRUE(Has(Section(result.out, "Worth a look"),
+                    "Keep in [Removed] of host.ini is \"perhaps\", which is neither yes nor no"));
 }
 
 TEST_F(CheckCommand, TellsAllProblemsAtOnce) {

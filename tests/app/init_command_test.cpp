@@ -58,6 +58,8 @@ TEST_F(InitCommand, MakesAWholeHostFolder) {
     EXPECT_TRUE(HasEntry("shelf/Quillon.ini", "PlayListPath2=H:\\M3u\\"));
     EXPECT_TRUE(HasEntry("shelf/Quillon.ini", "AlbumCoverFolder=H:\\Covers\\"));
     EXPECT_TRUE(HasEntry("shelf/Quillon.ini", "FlatStructure=0"));
+    EXPECT_TRUE(HasEntry("shelf/Quillon.ini", "ID3Reconcile=0"));
+    EXPECT_TRUE(HasEntry("shelf/host.ini", "Keep=1"));
 
     const auto database = jet::Database::Open(Path("shelf/jukebox.mdb"), jet::OpenMode::ReadOnly);
     EXPECT_EQ(database.Tables().size(), JukeboxTables().size());

@@ -255,6 +255,45 @@ TEST_F(MarksTest, DoNotOverwriteWhatTheWalkFound) {
                 ElementsAre("252E671073EC0001|9", "252E671073EC0001|2", "252E671073EC0002|1"));
 }
 
+// The comparison of tags numbers rows before the walk comes to their folders.
+TEST_F(MarksTest, ReplaceNumbersThatTheTagsGaveBelowAFolderThatTheWalkDidNotReach) {
+    RemoveDuplicates(library.run);
+    library.Execute(R"(UPDATE Tracks SET Track = -1 WHERE SoundFile='D:\Music\A\One\1.mp3')");
+    library.Execute(R"(UPDATE Tracks SET Track = 9 WHERE SoundFile='D:\Music\A\One\2.mp3')");
+    EXPECT_EQ(RestoreMarksBelow(library.run, {{R"(D:\Music\A)", "A", ""}}), 3U);
+    EXPECT_EQ(State(), before);
+}
+
+TEST_F(MarksTest, AreGivenBackToATrackWhoseFileWasRenamedInItsFolder) {
+    RemoveDuplicates(library.run);
+    library.Execute(
+        R"(UPDATE Tracks SET SoundFile='D:\Music\A\One\A - Tag.mp3', Title='Tag', Track=3 )"
+        R"(WHERE SoundFile='D:\Music\A\One\1.mp3')");
+    RestoreMarks(library.run);
+    EXPECT_EQ(State(), before);
+    EXPECT_THAT(library.Rows("SELECT SoundFile FROM Tracks WHERE Title='Tag'"),
+                ElementsAre(R"(D:\Music\A\One\A - Tag.mp3)"));
+}
+
+TEST_F(MarksTest, TakeARenamedFileOfAnotherDateOfAdditionForAnotherRow) {
+    library.Execute("UPDATE Tracks SET DateAdded=#2020-01-01#");
+    RemoveDuplicates(library.run);
+    library.Execute(
+        R"(UPDATE Tracks SET SoundFile='D:\Music\A\One\other.mp3', DateAdded=#2021-01-01#, Track=3 )"
+        R"(WHERE SoundFile='D:\Music\A\One\1.mp3')");
+    RestoreMarks(library.run);
+    EXPECT_THAT(library.Rows(AllTracks),
+                ElementsAre("252E671073EC0001|3", "252E671073EC0001|2", "252E671073EC0002|1"));
+}
+
+TEST_F(MarksTest, ComeBackBelowAFolderForARenamedFile) {
+    RemoveDuplicates(library.run);
+    library.Execute(R"(UPDATE Tracks SET SoundFile='D:\Music\A\One\x (live).mp3' )"
+                    R"(WHERE SoundFile='D:\Music\A\One\1.mp3')");
+    RestoreMarksBelow(library.run, {{R"(D:\Music\A)", "A", ""}});
+    EXPECT_EQ(State(), before);
+}
+
 // Otherwise the sweep would take rows for missing that another program left without a number.
 TEST_F(MarksTest, BecomeFreeNumbersBelowAFolderWhereTheyWereZeroBefore) {
     library.Execute("UPDATE Albums SET Tracks = 0");

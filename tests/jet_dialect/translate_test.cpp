@@ -119,6 +119,8 @@ TEST(Translate, NotesWhichColumnsAreLookedUp) {
     EXPECT_THAT(query.tables[0].equalColumns, ElementsAre(0, 2));
     EXPECT_THAT(query.tables[1].equalColumns, ElementsAre(1));
     EXPECT_THAT(query.tables[1].suffixColumns, ElementsAre(3));
+    EXPECT_THAT(query.tables[0].valueColumns, ElementsAre(2));
+    EXPECT_THAT(query.tables[1].valueColumns, ElementsAre());
     EXPECT_THAT(query.sql, ::testing::HasSubstr("likelihood(jet_suffix("));
 }
 

@@ -21,16 +21,6 @@ std::vector<std::string> Names(const FileList& files) {
     return names;
 }
 
-TEST(IsSoundFile, LooksAtTheLastFourCharactersInAnyLetterCase) {
-    EXPECT_TRUE(IsSoundFile("a.mp3"));
-    EXPECT_TRUE(IsSoundFile("A.MP3"));
-    EXPECT_TRUE(IsSoundFile(".mp3"));
-    EXPECT_FALSE(IsSoundFile("a.mp3.txt"));
-    EXPECT_FALSE(IsSoundFile("mp3"));
-    EXPECT_FALSE(IsSoundFile(""));
-    EXPECT_FALSE(IsSoundFile("a.mp4"));
-}
-
 TEST(ProcessAlbumTracks, ListsSoundFilesOldestFirst) {
     const std::vector<FileEntry> folder{File("a.mp3", 3), File("b.MP3", 1), File("c.jpg", 0),
                                         File("d.mp3", 2)};

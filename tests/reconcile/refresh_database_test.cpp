@@ -156,7 +156,7 @@ TEST_F(RefreshDatabaseTest, KeepsRowsEvenIfTheyWereMarkedBeforeTheSnapshot) {
 
 TEST_F(RefreshDatabaseTest, SweepsNothingWhenRowsCannotBeKept) {
     library.files.unlistable = {R"(D:\Music\Green)"};
-    library.Database().Refuse("AND Tracks.Track=0");
+    library.Database().Refuse("Tracks.Track=0 OR Albums.Tracks=0");
     library.Reconcile();
     EXPECT_THAT(library.host.log, ElementsAre(StartsWith("Quillon: RefreshDatabaseFolder Line 2 "),
                                               "Quillon: RefreshDatabase Line 3 refused"));

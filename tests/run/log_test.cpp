@@ -73,6 +73,19 @@ TEST_F(Log, AStepMayHaveALocationOfItsOwn) {
     EXPECT_THAT(world.host.log, ElementsAre("Quillon: Some Query: Line 2 no table"));
 }
 
+TEST_F(Log, StepsNameWhatTheyConcernUnlessTheDescriptionDoes) {
+    Steps steps(run, "Some Procedure");
+    steps.Concerning(R"(D:\a)");
+    steps.Try(1, [] { throw Failure(FailureNumber::DiskFull, R"(D:\a)"); });
+    steps.Try(2, [] { throw Failure(FailureNumber::Overflow, "Minutes"); });
+    steps.Concerning("");
+    steps.Try(3, [] { throw Failure(FailureNumber::Overflow, "Minutes"); });
+    EXPECT_THAT(world.host.log,
+                ElementsAre(R"(Quillon: Some Procedure Line 1 Disk full: D:\a)",
+                            R"(Quillon: Some Procedure Line 2 Overflow: Minutes (D:\a))",
+                            "Quillon: Some Procedure Line 3 Overflow: Minutes"));
+}
+
 TEST_F(Log, StepsThatSucceedLeaveNoRecord) {
     Steps steps(run, "Some Procedure");
     EXPECT_TRUE(steps.Try(1, [] {}));

@@ -67,5 +67,15 @@ TEST(ChangeDrive, LeavesAPathWithoutDrive) {
     EXPECT_EQ(ChangeDrive("M:", "a.mp3"), "a.mp3");
 }
 
+TEST(GetBaseName, IsTheNameWithoutFoldersAndTheLastExtension) {
+    EXPECT_EQ(GetBaseName(R"(D:\Music\a.b.mp3)"), "a.b");
+    EXPECT_EQ(GetBaseName("rtsp://host/spinlinks/000-Rock-000.rm"), "000-Rock-000");
+    EXPECT_EQ(GetBaseName("name"), "name");
+    EXPECT_EQ(GetBaseName(".mp3"), "");
+    EXPECT_EQ(GetBaseName(R"(D:\folder.d\name\)"), "name");
+    EXPECT_EQ(GetBaseName(R"(\/)"), "");
+    EXPECT_EQ(GetBaseName(""), "");
+}
+
 }  // namespace
 }  // namespace quillon

@@ -125,6 +125,21 @@ def contents_of(folder):
     return {path: path.read_bytes() for path in folder.rglob("*") if path.is_file()}
 
 
+def compare_csv(stage, file):
+    """The reconciliation file, byte for byte but for the time that begins each line."""
+    written = (stage.host / "Data" / "Quillon" / "QuillonReconcile.csv").read_bytes()
+    lines = [re.sub(r"^[0-9/]+( [0-9:]+ [AP]M)?,", "TIME,", line)
+             for line in written.decode("cp1252").split("\r\n")]
+    compare("reconciliation file", lines_of(file) + [""], lines)
+
+
+def compare_removed(stage, file):
+    """The files that were moved to HOST/Removed instead of being deleted."""
+    actual = [stage.neutral(path.relative_to(stage.host).as_posix())
+              for path in (stage.host / "Removed").rglob("*") if not path.is_dir()]
+    compare("removed files", sorted(lines_of(file)), sorted(actual))
+
+
 def compare_texts(what, file, actual):
     """Each line must occur, in this order."""
     rest = actual
@@ -166,6 +181,12 @@ def play(stage, before, after):
             compare_tree(stage, stage.web, after / "web.txt")
         if (after / "web-unchanged").exists() and contents_of(stage.web) != web_before:
             raise Failed("some file of the web server is not as it was")
+        if (after / "csv.txt").exists():
+            compare_csv(stage, after / "csv.txt")
+        if (after / "removed.txt").exists():
+            compare_removed(stage, after / "removed.txt")
+        elif (stage.host / "Removed").exists():
+            raise Failed("music was removed")
         if untouched:
             content = stage.database.read_bytes() if stage.database.exists() else None
             if content != file_before:

@@ -24,6 +24,7 @@ BASE_SETTINGS = {
     "PlayListPath": "D:\\Lists\\",
     "PlayListPath2": "D:\\M3u\\",
     "Reconcile": "1",
+    "ID3Reconcile": "0",
 }
 NOBODY = 65534
 TIME_LIMIT = 240
@@ -119,6 +120,7 @@ class Stage:
         text = text.replace(str(self.work), "WORK").replace(str(self.work).replace("/", "\\"),
                                                            "WORK")
         text = re.sub(r"\bLine \d+ ", "Line N ", text)
+        text = re.sub(r"\bRemoved/[-_\d]{19}/", "Removed/STAMP/", text)
         return re.sub(r"_Copy Dated_\w+?_[AP]M_", "_Copy Dated_STAMP_", text)
 
     def confirm_database(self):

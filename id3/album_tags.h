@@ -1,0 +1,25 @@
+#pragma once
+
+#include <string>
+
+#include "id3/difference_rows.h"
+#include "platform/database.h"
+#include "platform/files.h"
+#include "run/run.h"
+#include "run/steps.h"
+
+namespace quillon {
+
+/// What the comparison carries from album to album.
+struct TagWalk {
+    Run& run;
+    Steps& steps;
+    DifferenceRows& differences;
+    RecordSet& tracks;  ///< a cursor over the table
+};
+
+/// Compares the tags of one album folder's sound files, in name order; renames the files and brings
+/// their rows along. A file's failure is logged with its path, and the next file is looked at.
+void VerifyAlbumTags(TagWalk& walk, const std::string& artist, const FolderEntry& folder);
+
+}  // namespace quillon

@@ -1,0 +1,97 @@
+#include "platform/portable/removed_files.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <string_view>
+#include <system_error>
+#include <unistd.h>
+
+#include "platform/basic_text.h"
+#include "platform/date_time.h"
+#include "platform/portable/file_handle.h"
+#include "platform/portable/rename_file.h"
+#include "platform/portable/safe_file.h"
+#include "platform/portable/system_failure.h"
+
+namespace quillon {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// The root as folder names: "D" of "D:", "nas/music" of "\\nas\music".
+std::string FolderNameOf(std::string root) {
+    std::erase(root, ':');
+    std::replace(root.begin(), root.end(), '\\', '/');
+    return root.substr(std::min(root.find_first_not_of('/'), root.size()));
+}
+
+/// The path as it is, then with " (2)", " (3)" and so on behind the name.
+fs::path Numbered(const fs::path& path, int number) {
+    if (number == 1) return path;
+    const std::string name = path.stem().string() + " (" + std::to_string(number) + ')';
+    return path.parent_path() / (name + path.extension().string());
+}
+
+/// Copies a file and removes it then; the system's error number, EEXIST for a name that is taken.
+void MoveByCopy(const std::string& from, const std::string& to, const std::string& shown) {
+    {
+        const int descriptor = open(from.c_str(), O_RDONLY | O_CLOEXEC);
+        if (descriptor < 0) throw SystemFailure(errno, shown, FailureNumber::FileNotFound);
+        const FileHandle source(descriptor, shown);
+        const struct stat facts = source.Facts();
+        SafeFile copy(to, shown, SafeFile::Existing::Refuse, facts.st_mode & 0777U);
+        copy.WriteFrom(source);
+        copy.SetModified(facts.st_mtim);
+        copy.Commit();
+    }
+    if (unlink(from.c_str()) == 0) return;
+    const int error = errno;
+    unlink(to.c_str());
+    throw SystemFailure(error, shown);
+}
+
+/// A link that is moved must lead where it led before.
+int MoveLink(const std::string& from, const std::string& to) {
+    std::error_code error;
+    const fs::path target = fs::canonical(from, error);
+    if (!error) fs::create_symlink(target, to, error);
+    if (error) return error.value();
+    return unlink(from.c_str()) == 0 ? 0 : errno;
+}
+
+}  // namespace
+
+fs::path RemovedFiles::Take(const std::string& local, const WindowsPath& shown) {
+    const std::string concerning = shown.Text() + " (to be kept in " + folder_.string() + ')';
+    const fs::path wanted = FolderOfRun() / FolderNameOf(shown.root) / shown.rest;
+    std::error_code failed;
+    fs::create_directories(wanted.parent_path(), failed);
+    if (failed) throw SystemFailure(failed.value(), concerning);
+    const bool isLink = fs::is_symlink(local, failed);
+    for (int number = 1;; ++number) {
+        fs::path target = Numbered(wanted, number);
+        if (fs::symlink_status(target, failed).type() != fs::file_type::not_found) continue;
+        const int error =
+            isLink ? MoveLink(local, target.string()) : RenameToFreeName(local, target.string());
+        if (error == EEXIST) continue;
+        if (error == EXDEV) {
+            MoveByCopy(local, target.string(), concerning);
+        } else if (error != 0) {
+            throw SystemFailure(error, concerning, FailureNumber::FileNotFound);
+        }
+        return target;
+    }
+}
+
+const fs::path& RemovedFiles::FolderOfRun() {
+    if (ofRun_.empty()) {
+        std::string stamp = SortableDateTimeText(clock_.Now());
+        std::replace(stamp.begin(), stamp.end(), ' ', '_');
+        std::replace(stamp.begin(), stamp.end(), ':', '-');
+        ofRun_ = folder_ / stamp;
+    }
+    return ofRun_;
+}
+
+}  // namespace quillon

@@ -1,0 +1,18 @@
+#include "run/excluded_artists.h"
+
+#include "platform/basic_text.h"
+#include "run/run.h"
+
+namespace quillon {
+
+ExcludedArtists::ExcludedArtists(const Run& run) {
+    if (run.ExcludeEmpty) return;
+    for (const std::string& name : run.ExcludeList)
+        names_.insert(LowerCase(name));
+}
+
+bool ExcludedArtists::Contains(std::string_view artist) const {
+    return !names_.empty() && names_.contains(LowerCase(artist));
+}
+
+}  // namespace quillon

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <unordered_set>
+
+namespace quillon {
+
+class Run;
+
+/// The artist folders that the exclude list leaves out of every walk over the library.
+class ExcludedArtists {
+  public:
+    explicit ExcludedArtists(const Run& run);
+
+    /// Whole names, letter case does not count. Blanks do: those of the list are part of its names.
+    bool Contains(std::string_view artist) const;
+
+  private:
+    std::unordered_set<std::string> names_;  ///< in lower case
+};
+
+}  // namespace quillon

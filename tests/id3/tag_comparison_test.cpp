@@ -1,0 +1,213 @@
+#include "id3/tag_comparison.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "id3/difference_fields.h"
+#include "platform/basic_text.h"
+#include "platform/failure.h"
+
+namespace quillon {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+/// The comparison of a whole tag with what its file should hold; single values are changed by the
+/// tests.
+class CompareTagTest : public ::testing::Test {
+  protected:
+    CompareTagTest() {
+        expected[TagMarker] = "TAG";
+        expected[TagSong] = "Dawn";
+        expected[TagArtist] = "Alder";
+        expected[TagAlbum] = "First Light";
+        expected[TagTrack] = "7";
+        expected[TagGenre] = "Folk";
+    }
+
+    TagComparison Compare() { return CompareTag(pieces, expected, seconds); }
+
+    std::vector<TagDifference> With(TagPiece piece, const std::string& value) {
+        pieces[piece] = value;
+        return Compare().differences;
+    }
+
+    std::vector<std::string> pieces{"TAG", "Dawn", "Alder", "First Light", "1999",
+                                    "",    "",     "7",     "Folk",        ""};
+    ExpectedTag expected;
+    std::string seconds;
+};
+
+TEST_F(CompareTagTest, FindsNothingWhereAllAgrees) {
+    const TagComparison comparison = Compare();
+    EXPECT_THAT(comparison.differences, IsEmpty());
+    EXPECT_FALSE(comparison.titleDiffers);
+    EXPECT_EQ(comparison.track, "7");
+}
+
+TEST_F(CompareTagTest, TakesATitleThatTheTagCutsShortForTheSame) {
+    expected[TagSong] = "A title that is longer than thirty characters";
+    EXPECT_THAT(With(TagSong, "A title that is longer than th"), IsEmpty());
+}
+
+TEST_F(CompareTagTest, TakesATagThatGoesOnBehindTheExpectedTextForTheSame) {
+    EXPECT_THAT(With(TagSong, "Dawn (live)"), IsEmpty());
+}
+
+TEST_F(CompareTagTest, IgnoresLetterCase) {
+    EXPECT_THAT(With(TagArtist, "ALDER"), IsEmpty());
+    expected[TagArtist] = "\xC3\x96lvindr";
+    EXPECT_THAT(With(TagArtist, "\xC3\xB6LVINDR"), IsEmpty());
+    EXPECT_THAT(With(TagMarker, "tag"), IsEmpty());
+}
+
+TEST_F(CompareTagTest, NotesAnArtistThatDiffersInALetter) {
+    EXPECT_THAT(With(TagArtist, "Aldes"), ElementsAre(TagDifference{"Artist", "Aldes", "Alder"}));
+}
+
+TEST_F(CompareTagTest, NotesEachFieldUnderItsLabelInTheOrderOfTheTag) {
+    pieces = {"TAG", "a", "b", "c", "1", "", "", "7", "e", ""};
+    EXPECT_THAT(Compare().differences, ElementsAre(TagDifference{"Song", "a", "Dawn"},
+                                                   TagDifference{"Artist", "b", "Alder"},
+                                                   TagDifference{"Album", "c", "First Light"},
+                                                   TagDifference{"Genre", "e", "Folk"}));
+}
+
+TEST_F(CompareTagTest, TrimsTheTagsValueAndNotesItSo) {
+    EXPECT_THAT(With(TagSong, "  Dawn  "), IsEmpty());
+    EXPECT_THAT(With(TagSong, "  Dusk  "), ElementsAre(TagDifference{"Song", "Dusk", "Dawn"}));
+}
+
+TEST_F(CompareTagTest, DoesNotCompareAnEmptyValue) {
+    EXPECT_THAT(With(TagSong, ""), IsEmpty());
+    EXPECT_THAT(With(TagArtist, "   "), IsEmpty());
+}
+
+TEST_F(CompareTagTest, DoesNotCompareWhereNothingIsExpected) {
+    expected[TagGenre] = "";
+    EXPECT_THAT(With(TagGenre, "Rock"), IsEmpty());
+    EXPECT_THAT(With(TagYear, "1066"), IsEmpty());
+    EXPECT_THAT(With(TagVer, "x"), IsEmpty());
+}
+
+TEST_F(CompareTagTest, SaysWhenTheTitleDiffers) {
+    EXPECT_FALSE(Compare().titleDiffers);
+    pieces[TagArtist] = "x";
+    EXPECT_FALSE(Compare().titleDiffers);
+    pieces[TagSong] = "Dusk";
+    EXPECT_TRUE(Compare().titleDiffers);
+}
+
+TEST_F(CompareTagTest, NeverNotesATrackNumberThatDisagrees) {
+    pieces[TagTrack] = "3";
+    const TagComparison comparison = Compare();
+    EXPECT_THAT(comparison.differences, IsEmpty());
+    EXPECT_EQ(comparison.track, "3");
+}
+
+TEST_F(CompareTagTest, NotesAMissingTrackNumberOfATagThatDiffersOnly) {
+    pieces[TagTrack] = "";
+    EXPECT_THAT(Compare().differences, IsEmpty());
+    EXPECT_EQ(Compare().track, "");
+    EXPECT_THAT(With(TagArtist, "x"), ElementsAre(TagDifference{"Artist", "x", "Alder"},
+                                                  TagDifference{"Track Number Missing", "", ""}));
+    EXPECT_EQ(Compare().track, "-1");
+}
+
+// What the code page of tags lacks is "?" in each of them; a file must not lose its name to that.
+TEST_F(CompareTagTest, TakesCharactersThatNoTagCanHoldForQuestionMarks) {
+    expected[TagSong] = "P\xC5\x99\x65h\xC3\xA1\xC5\x88ka";
+    EXPECT_THAT(With(TagSong, "P?eh\xC3\xA1?ka"), IsEmpty());
+    EXPECT_FALSE(Compare().titleDiffers);
+    EXPECT_EQ(With(TagSong, "Prehanka").size(), 1U);
+}
+
+TEST_F(CompareTagTest, FailsForARecordOfMoreThanTenPieces) {
+    pieces.emplace_back("");
+    try {
+        Compare();
+        FAIL() << "no failure";
+    } catch (const Failure& failure) {
+        EXPECT_EQ(failure.Number(), FailureNumber::SubscriptOutOfRange);
+    }
+}
+
+class LengthTest : public CompareTagTest {
+  protected:
+    std::vector<std::string> Lengths(const std::string& comment, const std::string& database) {
+        pieces[TagComment] = comment;
+        seconds = database;
+        const TagComparison comparison = Compare();
+        used = comparison.seconds;
+        std::vector<std::string> texts;
+        for (const TagDifference& difference : comparison.differences)
+            texts.push_back(difference.field + ": " + difference.tagValue + " " +
+                            difference.expected);
+        return texts;
+    }
+
+    std::string used;
+};
+
+TEST_F(LengthTest, MayBeTwoSecondsOff) {
+    EXPECT_THAT(Lengths("Length='180'", "180"), IsEmpty());
+    EXPECT_THAT(Lengths("Length='181'", "180"), IsEmpty());
+    EXPECT_THAT(Lengths("Length='178'", "180"), IsEmpty());
+}
+
+TEST_F(LengthTest, DisagreesFromThreeSecondsOn) {
+    EXPECT_THAT(Lengths("Length='183'", "180"), ElementsAre("Comment: Length=183 Length=180"));
+    EXPECT_THAT(Lengths("Length='177'", "180"), ElementsAre("Comment: Length=177 Length=180"));
+    EXPECT_THAT(Lengths("Length='184'", "180"), ElementsAre("Comment: Length=184 Length=180"));
+}
+
+TEST_F(LengthTest, IsFoundAnywhereInTheComment) {
+    EXPECT_THAT(Lengths("nice; Length='184' it is", "180"),
+                ElementsAre("Comment: Length=184 Length=180"));
+}
+
+TEST_F(LengthTest, DisagreesWhenOneSideAloneKnowsIt) {
+    EXPECT_THAT(Lengths("Length='184'", ""), ElementsAre("Comment: Length=184 Length="));
+    EXPECT_THAT(Lengths("just a comment", "180"), ElementsAre("Comment: Length= Length=180"));
+    EXPECT_THAT(Lengths("", ""), IsEmpty());
+}
+
+TEST_F(LengthTest, ThatIsBrokenIsComparedAsText) {
+    EXPECT_THAT(Lengths("Length='3 min'", "180"), ElementsAre("Comment: Length=3 min Length=180"));
+    EXPECT_THAT(Lengths("Length=''", ""), IsEmpty());
+    EXPECT_THAT(Lengths("length='9'", ""), IsEmpty());
+    EXPECT_THAT(Lengths("Length='184", "180"), ElementsAre("Comment: Length=184 Length=180"));
+    EXPECT_THAT(Lengths("Length='", ""), IsEmpty());
+}
+
+TEST_F(LengthTest, IsReadAsAWholeNumber) {
+    EXPECT_THAT(Lengths("Length='184.5'", "180"), ElementsAre("Comment: Length=184 Length=180"));
+    EXPECT_THAT(Lengths("Length=' 184 '", "180"), ElementsAre("Comment: Length=184 Length=180"));
+    EXPECT_THAT(Lengths("Length='182.4'", "180"), IsEmpty());
+}
+
+TEST_F(LengthTest, BeyondSixteenBitsIsComparedLikeAnyOther) {
+    EXPECT_THAT(Lengths("Length='36000'", "36002"), IsEmpty());
+    EXPECT_THAT(Lengths("Length='36000'", "180"), ElementsAre("Comment: Length=36000 Length=180"));
+    EXPECT_THAT(Lengths("Length='1e300'", "180"), ElementsAre("Comment: Length=1e300 Length=180"));
+    EXPECT_THAT(Lengths("Length='-5'", "180"), ElementsAre("Comment: Length=-5 Length=180"));
+}
+
+TEST_F(LengthTest, OfTheDatabaseCountsForTheRowAndElseTheTags) {
+    Lengths("Length='184'", "180");
+    EXPECT_EQ(used, "180");
+    Lengths("Length='184'", "");
+    EXPECT_EQ(used, "184");
+    Lengths("", "");
+    EXPECT_EQ(used, "");
+}
+
+TEST_F(LengthTest, ThatDisagreesMakesTheTagDiffer) {
+    pieces[TagTrack] = "";
+    EXPECT_THAT(Lengths("Length='184'", "180"),
+                ElementsAre("Comment: Length=184 Length=180", "Track Number Missing:  "));
+}
+
+}  // namespace
+}  // namespace quillon

@@ -1,0 +1,1 @@
+printf '\n[Removed]\nKeep=no\n' >> host/host.ini
