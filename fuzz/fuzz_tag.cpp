@@ -36,7 +36,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             return false;
         }
     };
-    const std::string record = quillon::TagRecord(read, attempt, genres);
+    const std::string record = quillon::TagRecord(
+        read, attempt, [&genres](std::uint8_t number) { return genres[number]; });
 
     if (!quillon::IsValidUtf8(record)) std::abort();
     if (record.find('\0') != std::string::npos) std::abort();

@@ -48,7 +48,7 @@ std::string ReadID3(Run& run, std::string_view path) {
     return TagRecord(
         [&tag](std::size_t offset, std::size_t count) { return tag->Read(offset, count); },
         [&steps](int step, const std::function<void()>& work) { return steps.Try(step, work); },
-        run.GenreNames);
+        [&run](std::uint8_t number) { return run.GenreNames[number]; });
 }
 
 }  // namespace quillon

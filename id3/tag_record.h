@@ -23,10 +23,18 @@ using ReadTagBytes =
 /// Runs one numbered step and keeps its failure to itself; whether it succeeded.
 using TryTagStep = std::function<bool(int step, const std::function<void()>& work)>;
 
+/// Name of the genre with this number; "" where there is none.
+using GenreName = std::function<std::string(std::uint8_t number)>;
+
 /// The tag record of a tag's bytes: the nine fields Tag, Song, Artist, Album, Year, Comment, Ver,
 /// Track and Genre, each followed by "|"; "" when the bytes are no tag. A field whose step fails
 /// contributes nothing, not even its "|".
 std::string TagRecord(const ReadTagBytes& read, const TryTagStep& attempt,
-                      const std::array<std::string, 256>& genreNames);
+                      const GenreName& genreName);
+
+/// The texts of a tag's 128 bytes by their pieces (id3/difference_fields.h), each as the record
+/// holds it, wherever a "|" may stand in one of them. Ver is empty, and so is Genre, which needs a
+/// name. All are empty when the bytes are no tag.
+std::array<std::string, 9> TagTexts(std::span<const std::uint8_t> tag);
 
 }  // namespace quillon
