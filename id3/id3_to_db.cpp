@@ -1,12 +1,14 @@
 #include "id3/id3_to_db.h"
 
-#include <cmath>
+#include <algorithm>
 #include <cstdint>
+#include <initializer_list>
 #include <limits>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "database/sql.h"
 #include "id3/difference_fields.h"
@@ -56,6 +58,18 @@ Failure Unusable(const Difference& difference, bool isNumber) {
             difference.value + " (" + difference.Name() + ")"};
 }
 
+/// Changes the current row, unless it says the same already.
+void Store(Run& run, RecordSet& row, std::initializer_list<std::pair<const char*, Value>> fields) {
+    const bool same = std::all_of(fields.begin(), fields.end(), [&row](const auto& field) {
+        return row.Get(field.first) == field.second;
+    });
+    if (same) return;
+    for (const auto& [field, value] : fields)
+        row.Set(field, value);
+    row.Update();
+    ++run.counts.tagValuesStored;
+}
+
 void UpdateLength(Run& run, const Difference& difference) {
     constexpr std::int64_t SecondsAMinute = 60;
     const std::optional<std::int16_t> seconds = LengthInDifference(difference.value);
@@ -65,9 +79,8 @@ void UpdateLength(Run& run, const Difference& difference) {
     }
     const auto track = FindTrack(run, difference, "Tracks.Minutes, Tracks.Seconds");
     if (track == nullptr) return;
-    track->Set("Minutes", *seconds / SecondsAMinute);
-    track->Set("Seconds", *seconds % SecondsAMinute);
-    track->Update();
+    Store(run, *track,
+          {{"Minutes", *seconds / SecondsAMinute}, {"Seconds", *seconds % SecondsAMinute}});
 }
 
 void UpdateGenre(Run& run, const Difference& difference) {
@@ -80,8 +93,7 @@ void UpdateGenre(Run& run, const Difference& difference) {
                  "Unable to Find record " + difference.Name() + " in Spinner Table");
         return;
     }
-    row->Set("Genre", difference.value);
-    row->Update();
+    Store(run, *row, {{"Genre", difference.value}});
 }
 
 void UpdateTrackNumber(Run& run, const Difference& difference) {
@@ -91,8 +103,7 @@ void UpdateTrackNumber(Run& run, const Difference& difference) {
         throw Unusable(difference, number.has_value());
     const auto track = FindTrack(run, difference, "Tracks.Track");
     if (track == nullptr) return;
-    track->Set("Track", std::int64_t{ToInteger(*number)});
-    track->Update();
+    Store(run, *track, {{"Track", std::int64_t{ToInteger(*number)}}});
 }
 
 /// Song, Artist and Album are names, and nothing else is known.

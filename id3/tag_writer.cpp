@@ -114,6 +114,7 @@ class TagWriter {
         // A file that says so already need not wear out the disk.
         if (hasTag_ && tag_ == end_.bytes) return;
         run_.files.WriteEnd(path_, end_, hasTag_ ? end_.size - TagSize : end_.size, tag_);
+        ++run_.counts.tagsWritten;
     }
 
     Failure Refusal(const std::string& what, const std::string& value) const {

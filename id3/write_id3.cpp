@@ -53,7 +53,7 @@ Differences ReadDifferences(Run& run, const SongNames& names) {
 }
 
 void Note(Run& run, const std::string& what, const std::string& path) {
-    WriteLog(run, LogSource, "No " + what + " in the database for " + path);
+    WriteLog(run, LogSource, "No usable " + what + " in the database for " + path);
 }
 
 void WriteFile(Run& run, const std::string& path, const SongNames& names,

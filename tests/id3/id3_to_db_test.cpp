@@ -190,9 +190,11 @@ TEST_F(ID3ToDBTest, ASecondRunChangesNothing) {
     AddDifference("Genre", "Jazz");
     AddDifference("Track", "7");
     Update();
+    EXPECT_EQ(library.run.counts.tagValuesStored, 3U);
     const auto tracks = library.Rows("SELECT * FROM Tracks");
     const auto downloads = library.Rows("SELECT * FROM Spinner");
     Update();
+    EXPECT_EQ(library.run.counts.tagValuesStored, 3U);
     EXPECT_EQ(library.Rows("SELECT * FROM Tracks"), tracks);
     EXPECT_EQ(library.Rows("SELECT * FROM Spinner"), downloads);
     EXPECT_EQ(library.Faults(), "");

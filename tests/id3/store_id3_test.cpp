@@ -132,6 +132,16 @@ TEST_F(StoreID3Test, ASecondRunWritesNothing) {
     EXPECT_THAT(Log(), IsEmpty());
 }
 
+TEST_F(StoreID3Test, CountsTagsThatHaveBecomeOthers) {
+    AddFile(File);
+    AddDifference("Album");
+    AddDifference("Album", "", "Gone");
+    Write();
+    EXPECT_EQ(library.run.counts.tagsWritten, 1U);
+    Write();
+    EXPECT_EQ(library.run.counts.tagsWritten, 1U);
+}
+
 TEST_F(StoreID3Test, DoesNotChangeTheDatabase) {
     AddFile(File);
     AddDifference("Album");
@@ -378,8 +388,8 @@ TEST_F(StoreID3Test, SaysWhichDifferencesTheDatabaseHasNothingFor) {
     AddDifference("Track Number Missing", "", "Eve");
     Write();
     const std::string path = R"(D:\Music\Alder\First Light\Alder - Eve.mp3)";
-    EXPECT_THAT(Log(), ElementsAre("Quillon: No length in the database for " + path,
-                                   "Quillon: No track number in the database for " + path));
+    EXPECT_THAT(Log(), ElementsAre("Quillon: No usable length in the database for " + path,
+                                   "Quillon: No usable track number in the database for " + path));
     EXPECT_EQ(Record(R"(Alder\First Light\Alder - Eve.mp3)"),
               "TAG|Eve|Alder|First Light|1999|Length='99'|||AlternRock|");
     EXPECT_EQ(library.run.counts.errors, 0U);
