@@ -117,7 +117,7 @@ void WalkFolder(int parent, const char* name, WalkResult& result) {
 
 }  // namespace
 
-void MakeLibrary(const fs::path& root, std::size_t tracks) {
+void MakeLibrary(const fs::path& root, std::size_t tracks, Naming naming) {
     std::mt19937 random(static_cast<std::mt19937::result_type>(tracks));
     std::size_t made = 0;
     for (std::size_t artist = 1; made < tracks; ++artist) {
@@ -129,8 +129,11 @@ void MakeLibrary(const fs::path& root, std::size_t tracks) {
             const std::size_t wanted = 6 + random() % 13;
             for (unsigned track = 1; track <= wanted && made < tracks; ++track, ++made) {
                 const std::string title = RandomName(random, 1 + random() % 4);
-                WriteFile(folder / fmt::format("{:02} - {}.mp3", track, title),
-                          SoundFile(artistName, albumName, title, track),
+                const std::string name =
+                    naming == Naming::ByNumber
+                        ? fmt::format("{:02} - {}.mp3", track, title)
+                        : fmt::format("{} - {} {}.mp3", artistName, title, track);
+                WriteFile(folder / name, SoundFile(artistName, albumName, title, track),
                           FirstTime + static_cast<std::time_t>(random() % TimeSpan));
             }
         }

@@ -6,9 +6,15 @@
 
 namespace quillon::bench {
 
+enum class Naming {
+    ByNumber,  ///< "01 - Title.mp3"
+    ByArtist,  ///< "Artist - Title 1.mp3", as a verification of tags expects it
+};
+
 /// Makes a library of small MP3 files in the tree layout below `root`: the same files, names, tags
 /// and times for the same number of tracks, everywhere.
-void MakeLibrary(const std::filesystem::path& root, std::size_t tracks);
+void MakeLibrary(const std::filesystem::path& root, std::size_t tracks,
+                 Naming naming = Naming::ByNumber);
 
 /// What a walk has seen; the sum of bytes keeps the compiler from leaving the reading out.
 struct WalkResult {

@@ -79,7 +79,10 @@ void WriteFileEnd(const FileHandle& file, const FileEnd& seen, std::uint64_t pos
     }
     int error = WriteAt(descriptor, position, bytes);
     if (error == 0) error = SetModified(descriptor, facts);
-    if (error == 0 && fsync(descriptor) != 0) error = errno;
+    // Bytes over others need no room, so the system may write them when it likes: until then a power
+    // cut leaves the old ones. Whether there is room for a longer file is certain only afterwards.
+    const bool grows = position + bytes.size() > seen.size;
+    if (error == 0 && grows && fsync(descriptor) != 0) error = errno;
     if (error == 0) return;
     PutBack(descriptor, seen, position, old, facts);
     throw SystemFailure(error, path);

@@ -8,8 +8,7 @@
 
 namespace quillon {
 
-/// Files::WriteEnd on a file that is open for reading and writing. The bytes are on the disk when
-/// it returns.
+/// Files::WriteEnd on a file that is open for reading and writing.
 void WriteFileEnd(const FileHandle& file, const FileEnd& seen, std::uint64_t position,
                   std::span<const std::uint8_t> bytes);
 
