@@ -15,6 +15,7 @@ sys.dont_write_bytecode = True
 
 import rows_before
 import sample_library
+from tag_story import TagStory
 
 TABLES = ("Albums", "Tracks", "Playlists", "Spinner", "SpinnerArtist", "SpinnerGenre",
           "SpinnerID3Differences")
@@ -65,15 +66,17 @@ class Demo:
                          f"{result.returncode}")
         return result.stdout.decode()
 
-    def rows(self, statement):
-        lines = self.quillon("db", "query", self.database, statement, "--json").splitlines()
+    def rows(self, statement, database=None):
+        database = database or self.database
+        lines = self.quillon("db", "query", database, statement, "--json").splitlines()
         return [json.loads(line) for line in lines]
 
-    def show(self, statement):
-        print(f"$ quillon db query {self.shown(self.database)} \\")
+    def show(self, statement, database=None):
+        database = database or self.database
+        print(f"$ quillon db query {self.shown(database)} \\")
         print(textwrap.fill(f'"{statement}"', WIDTH, initial_indent="    ",
                             subsequent_indent="    ", break_on_hyphens=False))
-        print(self.quillon("db", "query", self.database, statement), end="", flush=True)
+        print(self.quillon("db", "query", database, statement), end="", flush=True)
 
     def all_rows(self):
         return {table: self.rows(f"SELECT * FROM [{table}]") for table in TABLES}
@@ -104,6 +107,7 @@ class Demo:
         self.tell_what_changed(before, first)
         self.tell_of_second_run(first)
         self.tell_of_third_run()
+        TagStory(self, say, heading, require).tell()
         self.tell_how_to_go_on()
 
     def tell_of_files(self):
