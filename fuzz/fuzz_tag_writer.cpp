@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -18,9 +19,8 @@
 #include "platform/basic_text.h"
 #include "tests/support/fakes.h"
 
+namespace quillon {
 namespace {
-
-using namespace quillon;
 
 constexpr const char* Path = R"(D:\Music\A\B\x.mp3)";
 constexpr std::uint8_t Rock = 17;
@@ -51,12 +51,9 @@ void RequireReadBack(fakes::FakeWorld& world, const std::string& record, bool ha
     if (pieces[TagGenre].empty() && !hadTag) Require(end.back() == 255);
 }
 
-}  // namespace
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    if (size == 0) return 0;
-    const std::span<const std::uint8_t> input(data, size);
-    const std::size_t fileSize = std::min<std::size_t>(input[0] * std::size_t{2}, size - 1);
+void TryInput(std::span<const std::uint8_t> input) {
+    if (input.empty()) return;
+    const std::size_t fileSize = std::min<std::size_t>(input[0] * std::size_t{2}, input.size() - 1);
     const auto file = input.subspan(1, fileSize);
     const auto rest = input.subspan(1 + fileSize);
     const std::string before(file.begin(), file.end());
@@ -73,12 +70,19 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string after = world.files.Content(Path);
     if (!written) {
         Require(after == before);
-        return 0;
+        return;
     }
     const std::size_t kept = before.size() - (hadTag ? TagSize : 0);
     Require(after.size() == kept + TagSize);
     Require(after.compare(0, kept, before, 0, kept) == 0);
     RequireReadBack(world, record, hadTag);
     Require(WriteTag(world.run, Path, record));
+}
+
+}  // namespace
+}  // namespace quillon
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    quillon::TryInput({data, size});
     return 0;
 }

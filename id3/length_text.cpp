@@ -33,7 +33,7 @@ std::string LengthComment(std::string_view seconds) {
 }
 
 std::string CommentWithLength(std::string_view comment, std::string_view seconds) {
-    const std::string length = LengthComment(seconds);
+    std::string length = LengthComment(seconds);
     // In the code page every character is one byte, as it is in the tag.
     const std::string ansi = Utf8ToAnsi(comment);
     const std::string_view old = WithoutPadding(ansi);
