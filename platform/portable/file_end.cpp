@@ -79,8 +79,9 @@ void WriteFileEnd(const FileHandle& file, const FileEnd& seen, std::uint64_t pos
     }
     int error = WriteAt(descriptor, position, bytes);
     if (error == 0) error = SetModified(descriptor, facts);
-    // Bytes over others need no room, so the system may write them when it likes: until then a power
-    // cut leaves the old ones. Whether there is room for a longer file is certain only afterwards.
+    // Bytes over others need no room, so the system may write them when it likes: until then a
+    // power cut leaves the old ones. Whether there is room for a longer file is certain only
+    // afterwards.
     const bool grows = position + bytes.size() > seen.size;
     if (error == 0 && grows && fsync(descriptor) != 0) error = errno;
     if (error == 0) return;
