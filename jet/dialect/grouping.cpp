@@ -167,11 +167,7 @@ void Translator::NoteEquality(const Expression& column, const Expression& other,
     const Target target = Resolve(column, Context{&scope});
     if (target.scope != &scope || !target.instance || !target.instance->definition) return;
     if (Mentions(other, *target.instance, scope)) return;
-    const bool joins =
-        std::any_of(scope.instances.begin(), scope.instances.end(),
-                    [&](const Instance& instance) { return Mentions(other, instance, scope); });
-    TableUse& use = result_.tables[target.instance->use];
-    auto& columns = joins ? use.joinColumns : use.equalColumns;
+    auto& columns = result_.tables[target.instance->use].equalColumns;
     if (std::find(columns.begin(), columns.end(), target.column) == columns.end())
         columns.push_back(target.column);
 }

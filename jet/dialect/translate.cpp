@@ -127,7 +127,7 @@ Translation TranslateInsert(const Insert& insert, const Catalog& catalog) {
         throw Error(ErrorKind::NotFound, "Cannot find the output table '" + insert.table + "'");
     Translation result = TranslateQuery(*insert.query, catalog);
     result.keyTables.push_back(result.tables.size());
-    result.tables.push_back({definition, {}, {}, {}, {}});
+    result.tables.push_back({definition, {}, {}, {}});
     UpdateTarget target;
     target.table = result.keyTables.front();
     const std::size_t count =

@@ -20,8 +20,7 @@ using Catalog = std::function<const TableDefinition*(std::string_view)>;
 /// A table of the statement, subqueries included, and what would speed up finding its rows.
 struct TableUse {
     const TableDefinition* definition = nullptr;
-    std::vector<std::size_t> equalColumns;   ///< compared for equality with a value that is known
-    std::vector<std::size_t> joinColumns;    ///< the same, with a value of the other tables
+    std::vector<std::size_t> equalColumns;   ///< compared for equality with something else
     std::vector<std::size_t> suffixColumns;  ///< looked up by the end of their text
     std::vector<std::string> indexes;        ///< lists of SQL expressions that want an index
 };

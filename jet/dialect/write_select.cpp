@@ -46,7 +46,7 @@ std::string Translator::WriteStoredTable(const Source& source, Scope& scope) {
         instance.columns.push_back(
             {column.name, KindOf(column.type), FieldSource{instance.use, i}});
     }
-    result_.tables.push_back({definition, {}, {}, {}, {}});
+    result_.tables.push_back({definition, {}, {}, {}});
     const std::string sql = TableName(definition->name) + " AS " + instance.alias;
     scope.instances.push_back(std::move(instance));
     return sql;

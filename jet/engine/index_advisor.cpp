@@ -55,17 +55,15 @@ void IndexAdvisor::Prepare(const dialect::TableUse& use, const MirrorTable& tabl
         Create(table, list);
         known.lists.push_back(list);
     }
-    // A join starts with the rows of one table that have the values asked for and goes on to those
-    // of the others; an index for the second step does not serve the first.
-    PrepareEqual(use.equalColumns, table, known);
-    PrepareEqual(use.joinColumns, table, known);
+    PrepareEqual(use, table, known);
 }
 
-void IndexAdvisor::PrepareEqual(const std::vector<std::size_t>& columns, const MirrorTable& table,
+void IndexAdvisor::PrepareEqual(const dialect::TableUse& use, const MirrorTable& table,
                                 Known& known) {
     const auto worse = [&](std::size_t a, std::size_t b) {
         return ShareOfMatches(table, a, known) < ShareOfMatches(table, b, known);
     };
+    const auto& columns = use.equalColumns;
     const auto best = std::min_element(columns.begin(), columns.end(), worse);
     if (best == columns.end() || Contains(known.equal, *best)) return;
     const double bestShare = ShareOfMatches(table, *best, known);

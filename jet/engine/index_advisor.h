@@ -10,7 +10,7 @@ namespace jet::engine {
 
 /// Makes indexes in the in-memory database where statements look rows up, so that none scans a
 /// table for each row of another. A look-up by several fields gets one index, on the field whose
-/// values tell rows apart best, and a join one more for its rows in the other tables.
+/// values tell rows apart best.
 class IndexAdvisor {
   public:
     IndexAdvisor(Sqlite& sqlite, StatementCache& statements)
@@ -28,8 +28,7 @@ class IndexAdvisor {
     };
     double ShareOfMatches(const MirrorTable& table, std::size_t column, Known& known);
     double Sample(const MirrorTable& table, std::size_t column);
-    void PrepareEqual(const std::vector<std::size_t>& columns, const MirrorTable& table,
-                      Known& known);
+    void PrepareEqual(const dialect::TableUse& use, const MirrorTable& table, Known& known);
     void Create(const MirrorTable& table, const std::string& columns);
 
     Sqlite& sqlite_;
