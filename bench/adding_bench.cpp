@@ -174,7 +174,7 @@ double Growth(double small, double large, const Figures& first, const Figures& l
 
 int Main(std::span<char*> arguments) {
     const std::vector<std::size_t> sizes =
-        SizesFrom(arguments, "quillon_adding_bench [FILES...]", {1'000, 10'000});
+        SizesFrom(arguments, "adding_bench [FILES...]", {1'000, 10'000});
     std::cout << fmt::format("{:>8} {:>10} {:>10} {:>10} {:>7} {:>10} {:>10} {:>10} {:>8}\n",
                              "files", "copy", "safe copy", "added", "", "processor", "again",
                              "processor", "peak MB");
@@ -199,7 +199,7 @@ int main(int count, char** arguments) {
     try {
         return quillon::bench::Main(std::span(arguments, static_cast<std::size_t>(count)));
     } catch (const std::exception& error) {
-        std::cerr << "quillon_adding_bench: " << error.what() << '\n';
+        std::cerr << "adding_bench: " << error.what() << '\n';
         return 2;
     }
 }

@@ -155,7 +155,7 @@ Seconds Measure(std::size_t tracks) {
 
 int Main(std::span<char*> arguments) {
     const std::vector<std::size_t> sizes =
-        SizesFrom(arguments, "quillon_phase_bench [TRACKS...]", {10'000, 100'000});
+        SizesFrom(arguments, "phase_bench [TRACKS...]", {10'000, 100'000});
     std::vector<Seconds> all;
     all.reserve(sizes.size());
     for (const std::size_t size : sizes)
@@ -184,7 +184,7 @@ int main(int count, char** arguments) {
     try {
         return quillon::bench::Main(std::span(arguments, static_cast<std::size_t>(count)));
     } catch (const std::exception& error) {
-        std::cerr << "quillon_phase_bench: " << error.what() << '\n';
+        std::cerr << "phase_bench: " << error.what() << '\n';
         return 2;
     }
 }

@@ -21,6 +21,7 @@ import picker_story
 import rows_before
 import sample_library
 import verification_story
+from tag_story import TagStory
 
 TABLES = ("Albums", "Tracks", "Playlists", "Spinner", "SpinnerArtist", "SpinnerGenre",
           "SpinnerID3Differences")
@@ -78,15 +79,17 @@ class Demo:
                          f"{result.returncode}")
         return result.stdout.decode()
 
-    def rows(self, statement):
-        lines = self.quillon("db", "query", self.database, statement, "--json").splitlines()
+    def rows(self, statement, database=None):
+        database = database or self.database
+        lines = self.quillon("db", "query", database, statement, "--json").splitlines()
         return [json.loads(line) for line in lines]
 
-    def show(self, statement):
-        print(f"$ quillon db query {self.shown(self.database)} \\")
+    def show(self, statement, database=None):
+        database = database or self.database
+        print(f"$ quillon db query {self.shown(database)} \\")
         print(textwrap.fill(f'"{statement}"', WIDTH, initial_indent="    ",
                             subsequent_indent="    ", break_on_hyphens=False))
-        print(self.quillon("db", "query", self.database, statement), end="", flush=True)
+        print(self.quillon("db", "query", database, statement), end="", flush=True)
 
     def all_rows(self):
         return {table: self.rows(f"SELECT * FROM [{table}]") for table in TABLES}
@@ -121,6 +124,7 @@ class Demo:
             story.tell(self, say, heading, require)
         picker_story.tell(self, heading, say, require)
         verification_story.tell(self, say, heading, require)
+        TagStory(self, say, heading, require).tell()
         self.tell_how_to_go_on()
 
     def tell_of_files(self):

@@ -6,9 +6,11 @@
 #include "database/remove_duplicates.h"
 #include "download/populate_spinner_artist.h"
 #include "download/populate_spinner_tracks.h"
+#include "id3/id3_to_db.h"
 #include "id3/populate_genre.h"
 #include "id3/reconcile_table.h"
 #include "id3/verify_tags.h"
+#include "id3/write_id3.h"
 #include "reconcile/add_files_to_library.h"
 #include "reconcile/refresh_database.h"
 #include "remote/make_remote.h"
@@ -30,6 +32,8 @@ Procedures AvailableProcedures() {
     procedures.MakeRemote = MakeRemote;
     procedures.BuildAlbumPicker = BuildAlbumPicker;
     procedures.OutputReconcileTable = OutputReconcileTable;
+    procedures.UpdateDatabaseFromID3 = UpdateDatabaseFromID3;
+    procedures.WriteID3 = WriteID3;
     return procedures;
 }
 

@@ -1,8 +1,10 @@
 #include "id3/length_text.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
+#include "platform/ansi.h"
 #include "platform/basic_text.h"
 
 namespace quillon {
@@ -10,6 +12,12 @@ namespace {
 
 constexpr std::string_view CommentOpening = "Length='";
 constexpr std::string_view DifferenceOpening = "Length=";
+constexpr std::size_t CommentRoom = 28;
+
+/// Without the blanks at its end, with which older tags fill their fields.
+std::string_view WithoutPadding(std::string_view text) {
+    return text.substr(0, text.find_last_not_of(' ') + 1);
+}
 
 }  // namespace
 
@@ -22,6 +30,25 @@ std::optional<std::string> LengthInComment(std::string_view comment) {
 
 std::string LengthComment(std::string_view seconds) {
     return std::string(CommentOpening).append(seconds).append("'");
+}
+
+std::string CommentWithLength(std::string_view comment, std::string_view seconds) {
+    std::string length = LengthComment(seconds);
+    // In the code page every character is one byte, as it is in the tag.
+    const std::string ansi = Utf8ToAnsi(comment);
+    const std::string_view old = WithoutPadding(ansi);
+    const std::size_t opening = old.find(CommentOpening);
+    if (opening == std::string_view::npos) {
+        if (old.empty()) return length;
+        const bool fits = old.size() + 1 + length.size() <= CommentRoom;
+        return AnsiToUtf8(fits ? std::string(old) + ' ' + length : std::string(old));
+    }
+    const std::size_t closing = old.find('\'', opening + CommentOpening.size());
+    const std::string_view before = old.substr(0, std::min(opening, CommentRoom - length.size()));
+    const std::string_view behind =
+        closing == std::string_view::npos ? std::string_view() : old.substr(closing + 1);
+    const std::size_t room = CommentRoom - before.size() - length.size();
+    return AnsiToUtf8(std::string(before) + length + std::string(behind.substr(0, room)));
 }
 
 std::optional<std::int16_t> LengthInDifference(std::string_view value) {

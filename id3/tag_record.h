@@ -31,4 +31,9 @@ using GenreName = std::function<std::string(std::uint8_t number)>;
 std::string TagRecord(const ReadTagBytes& read, const TryTagStep& attempt,
                       const GenreName& genreName);
 
+/// The texts of a tag's 128 bytes by their pieces (id3/difference_fields.h), each as the record
+/// holds it, wherever a "|" may stand in one of them. Ver is empty, and so is Genre, which needs a
+/// name. All are empty when the bytes are no tag.
+std::array<std::string, 9> TagTexts(std::span<const std::uint8_t> tag);
+
 }  // namespace quillon

@@ -25,6 +25,12 @@ struct FolderEntry {
     std::string name;
 };
 
+/// What was seen of a file's end.
+struct FileEnd {
+    std::uint64_t size = 0;           ///< of the whole file, in bytes
+    std::vector<std::uint8_t> bytes;  ///< the last ones of it
+};
+
 /// Lines of an ANSI text file. Lines may end in CR LF or LF; the last one may lack its end.
 class TextReader {
   public:
@@ -104,6 +110,16 @@ class Files {
     /// Replaces the file of that name, if there is one, when the writer is closed.
     virtual std::unique_ptr<TextWriter> CreateText(std::string_view path) = 0;
     virtual std::unique_ptr<BinaryReader> OpenBinary(std::string_view path) = 0;
+
+    /// Writes bytes at a position so near to the end that they reach it or go beyond: a file never
+    /// gets shorter. In place, so links to it stay; all that lies before the position and the
+    /// modification time stay as they are. When a write fails, what it has changed is put back.
+    /// Failure, with nothing written: FileNotFound; PermissionDenied when the file is
+    /// write-protected or its times could not be kept; PathFileAccess when it no longer has the
+    /// size and the bytes that were `seen`; DiskFull; InvalidProcedureCall for a position that
+    /// would leave a gap or cut the file.
+    virtual void WriteEnd(std::string_view path, const FileEnd& seen, std::uint64_t position,
+                          std::span<const std::uint8_t> bytes) = 0;
 };
 
 }  // namespace quillon

@@ -21,7 +21,9 @@ namespace quillon {
 struct RunCounts {
     std::size_t albumsAdded = 0, albumsChanged = 0, albumsRemoved = 0, albumsUnchanged = 0;
     std::size_t tracksAdded = 0, tracksChanged = 0, tracksRemoved = 0, tracksUnchanged = 0;
-    std::size_t errors = 0;  ///< calls of LogError
+    std::size_t tagsWritten = 0;      ///< files whose tag has become another one
+    std::size_t tagValuesStored = 0;  ///< values of tags that have changed a row
+    std::size_t errors = 0;           ///< calls of LogError
 };
 
 /// The run-wide objects, made once and passed by reference to every phase. Phases read settings

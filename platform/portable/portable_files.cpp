@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "platform/failure.h"
+#include "platform/portable/file_end.h"
 #include "platform/portable/file_handle.h"
 #include "platform/portable/rename_file.h"
 #include "platform/portable/safe_file.h"
@@ -51,16 +52,16 @@ std::string Sibling(const std::string& localPath, std::string_view name) {
     return FolderOf(localPath) + std::string(name);
 }
 
-int OpenForReading(const std::string& local) {
+int Open(const std::string& local, int access) {
     // A pipe must not hold up the run; on a file the flag means nothing.
-    return open(local.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    return open(local.c_str(), access | O_CLOEXEC | O_NONBLOCK);
 }
 
 /// Opens a file as it is written where it exists so, which is the rule, with no other call.
-FileHandle OpenFile(PathResolver& resolver, const WindowsPath& path) {
-    int descriptor = OpenForReading(resolver.Exact(path));
+FileHandle OpenFile(PathResolver& resolver, const WindowsPath& path, int access = O_RDONLY) {
+    int descriptor = Open(resolver.Exact(path), access);
     if (descriptor < 0 && (errno == ENOENT || errno == ENOTDIR)) {
-        descriptor = OpenForReading(resolver.Local(path));
+        descriptor = Open(resolver.Local(path), access);
     }
     const std::string shown = path.Text();
     if (descriptor < 0) throw SystemFailure(errno, shown, FailureNumber::FileNotFound);
@@ -296,6 +297,11 @@ std::unique_ptr<TextWriter> PortableFiles::CreateText(std::string_view path) {
 
 std::unique_ptr<BinaryReader> PortableFiles::OpenBinary(std::string_view path) {
     return std::make_unique<PositionedReader>(OpenFile(resolver_, ParseWindowsPath(path)));
+}
+
+void PortableFiles::WriteEnd(std::string_view path, const FileEnd& seen, std::uint64_t position,
+                             std::span<const std::uint8_t> bytes) {
+    WriteFileEnd(OpenFile(resolver_, ParseWindowsPath(path), O_RDWR), seen, position, bytes);
 }
 
 void PortableFiles::RemoveLeftoversOnce(const std::string& folder) {

@@ -44,6 +44,8 @@ class PortableFiles : public Files {
     std::unique_ptr<TextReader> OpenText(std::string_view path) override;
     std::unique_ptr<TextWriter> CreateText(std::string_view path) override;
     std::unique_ptr<BinaryReader> OpenBinary(std::string_view path) override;
+    void WriteEnd(std::string_view path, const FileEnd& seen, std::uint64_t position,
+                  std::span<const std::uint8_t> bytes) override;
 
   private:
     /// Removes, before the first file is written into a folder (local path), the unfinished files

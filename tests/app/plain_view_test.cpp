@@ -206,5 +206,18 @@ TEST(RunSummary, SaysHowARunEnded) {
     EXPECT_EQ(SummaryText({RunOutcome::NothingRan, {}, {}}), "Nothing ran; 0 errors.");
 }
 
+TEST(SummaryText, TellsOfTagsOnlyWhereSomethingWasDoneWithThem) {
+    RunSummary summary;
+    summary.outcome = RunOutcome::Completed;
+    EXPECT_EQ(SummaryText(summary).find("Tags"), std::string::npos);
+    summary.counts.tagsWritten = 3;
+    EXPECT_NE(SummaryText(summary).find("unchanged. Tags: 3 written. 0 errors."),
+              std::string::npos);
+    summary.counts = {};
+    summary.counts.tagValuesStored = 1;
+    EXPECT_NE(SummaryText(summary).find("Tags: 1 value taken into the database."),
+              std::string::npos);
+}
+
 }  // namespace
 }  // namespace quillon

@@ -26,6 +26,52 @@ TEST(LengthComment, IsReadBackAsWritten) {
     EXPECT_EQ(LengthInComment(LengthComment("184")), "184");
 }
 
+TEST(CommentWithLength, IsTheLengthAloneWhereThereWasNoComment) {
+    EXPECT_EQ(CommentWithLength("", "184"), "Length='184'");
+    EXPECT_EQ(CommentWithLength(std::string(28, ' '), "184"), "Length='184'");
+}
+
+TEST(CommentWithLength, ReplacesTheOldLengthWhereItStands) {
+    EXPECT_EQ(CommentWithLength("Length='99'", "184"), "Length='184'");
+    EXPECT_EQ(CommentWithLength("a Length='1840' b", "184"), "a Length='184' b");
+    EXPECT_EQ(CommentWithLength("Length='broken", "184"), "Length='184'");
+    EXPECT_EQ(CommentWithLength("Length='' rest", "184"), "Length='184' rest");
+    EXPECT_EQ(CommentWithLength("Length='1' Length='2'", "184"), "Length='184' Length='2'");
+}
+
+TEST(CommentWithLength, IsTheSameWhenDoneTwice) {
+    for (const char* comment : {"", "live", "a Length='1840' b", "1234567890 Length='1' 901234",
+                                "1234567890123456 Length='1'", "Length='broken"}) {
+        const std::string once = CommentWithLength(comment, "184");
+        EXPECT_EQ(CommentWithLength(once, "184"), once);
+    }
+}
+
+TEST(CommentWithLength, PutsTheLengthBehindATextIfBothFit) {
+    EXPECT_EQ(CommentWithLength("live", "184"), "live Length='184'");
+    EXPECT_EQ(CommentWithLength("live  ", "184"), "live Length='184'");
+    EXPECT_EQ(CommentWithLength("123456789012345", "184"), "123456789012345 Length='184'");
+}
+
+TEST(CommentWithLength, KeepsTheTextAloneIfBothDoNotFit) {
+    EXPECT_EQ(CommentWithLength("1234567890123456", "184"), "1234567890123456");
+    EXPECT_EQ(CommentWithLength("123456789012345", "1840"), "123456789012345");
+    EXPECT_EQ(CommentWithLength("123456789012345678901234567890", "1"),
+              "123456789012345678901234567890");
+}
+
+TEST(CommentWithLength, CutsTheTextAroundALengthThatHasGrown) {
+    EXPECT_EQ(CommentWithLength("12345678 Length='1' 12345678", "184"),
+              "12345678 Length='184' 123456");
+    EXPECT_EQ(CommentWithLength("12345678901234567 Length='1'", "184"),
+              "1234567890123456Length='184'");
+}
+
+TEST(CommentWithLength, CountsCharactersAndNotTheirUtf8Bytes) {
+    EXPECT_EQ(CommentWithLength("\u00E923456789012345", "184"),
+              "\u00E923456789012345 Length='184'");
+}
+
 TEST(LengthInDifference, IsTheNumberBehindTheWord) {
     EXPECT_EQ(LengthInDifference("Length=184"), 184);
     EXPECT_EQ(LengthInDifference(LengthDifference("185")), 185);

@@ -46,20 +46,30 @@ def make_file(stage, line):
     if path.endswith("/"):
         os.makedirs(path, exist_ok=True)
         return
-    modified = datetime.fromisoformat(date).timestamp() if date else DEFAULT_TIME
+    modified = time_of(date)
     if what.startswith("lines: "):
         content = what[7:].replace("; ", "\r\n").encode("cp1252")
     elif what.startswith("bytes: "):
         content = b"x" * int(what[7:])
     else:
-        content = sound_files.silence(0.1)
-        if what:
-            fields = dict(field.strip().split("=", 1) for field in what.split(";"))
-            for number in ("track", "genre"):
-                if number in fields:
-                    fields[number] = int(fields[number])
-            content += sound_files.tag(**fields)
+        content = tagged_sound(what)
     sound_files.write(path, content, modified)
+
+
+def time_of(date):
+    return datetime.fromisoformat(date).timestamp() if date else DEFAULT_TIME
+
+
+def tagged_sound(what):
+    """A short MP3 file; with tag fields ("song=a; track=2") it ends in that tag."""
+    content = sound_files.silence(0.1)
+    if what:
+        fields = dict(field.strip().split("=", 1) for field in what.split(";"))
+        for number in ("track", "genre"):
+            if number in fields:
+                fields[number] = int(fields[number])
+        content += sound_files.tag(**fields)
+    return content
 
 
 def set_the_scene(stage, before):
@@ -140,6 +150,26 @@ def compare_removed(stage, file):
     compare("removed files", sorted(lines_of(file)), sorted(actual))
 
 
+def compare_tags(stage, file):
+    """Lines as in the files.txt of before: each file's bytes are those, and so is its time."""
+    for line in lines_of(file):
+        parts = [part.strip() for part in re.split(r" \|(?= |$)", line)] + ["", ""]
+        path = local_path(stage, parts[0])
+        with open(path, "rb") as stream:
+            content = stream.read()
+        expected = tagged_sound(parts[2])
+        compare(f"last 128 bytes of {parts[0]}", [repr(expected[-128:])], [repr(content[-128:])])
+        if content != expected:
+            raise Failed(f"{parts[0]} has changed before its tag")
+        compare(f"time of {parts[0]}", [str(time_of(parts[1]))], [str(os.stat(path).st_mtime)])
+
+
+def all_music(stage):
+    """Content and time of every file."""
+    return {path: (path.read_bytes(), path.stat().st_mtime_ns)
+            for path in (stage.disk / "Music").rglob("*") if path.is_file()}
+
+
 def compare_texts(what, file, actual):
     """Each line must occur, in this order."""
     rest = actual
@@ -164,6 +194,7 @@ def play(stage, before, after):
     unchanged = (after / "rows-unchanged").exists()
     rows_before = stage.all_rows() if unchanged else None
     web_before = contents_of(stage.web)
+    music_before = all_music(stage) if (after / "music-untouched").exists() else None
 
     status, output, errors = stage.reconcile(unprivileged=unprivileged)
 
@@ -187,6 +218,9 @@ def play(stage, before, after):
             compare_removed(stage, after / "removed.txt")
         elif (stage.host / "Removed").exists():
             raise Failed("music was removed")
+        compare_tags(stage, after / "tags.txt")
+        if music_before is not None and all_music(stage) != music_before:
+            raise Failed("some file of the library is not as it was")
         if untouched:
             content = stage.database.read_bytes() if stage.database.exists() else None
             if content != file_before:

@@ -164,6 +164,21 @@ class FakeFiles : public Files {
         return std::make_unique<Bytes>(FileAt(path).content);
     }
 
+    void WriteEnd(std::string_view path, const FileEnd& seen, std::uint64_t position,
+                  std::span<const std::uint8_t> bytes) override {
+        calls_.Note("WriteEnd " + std::string(path));
+        std::string content = FileAt(path).content;
+        const std::string last(seen.bytes.begin(), seen.bytes.end());
+        if (content.size() != seen.size || !content.ends_with(last)) {
+            throw Failure(FailureNumber::PathFileAccess, std::string(path));
+        }
+        if (position > content.size() || position + bytes.size() < content.size()) {
+            throw Failure(FailureNumber::InvalidProcedureCall, std::string(path));
+        }
+        content.replace(position, std::string::npos, std::string(bytes.begin(), bytes.end()));
+        nodes_[KeyOf(path)].content = content;
+    }
+
   private:
     struct Node {
         std::string path;

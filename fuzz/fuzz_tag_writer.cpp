@@ -1,0 +1,88 @@
+// The tag writer over arbitrary files and records: whatever it is given, no byte before the tag
+// changes, a refused record changes nothing, and a written one is read back field by field. The
+// first byte of an input is the number of pairs of bytes that are the file; the rest is the record.
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "id3/difference_fields.h"
+#include "id3/tag_reader.h"
+#include "id3/tag_record.h"
+#include "id3/tag_writer.h"
+#include "platform/ansi.h"
+#include "platform/basic_text.h"
+#include "tests/support/fakes.h"
+
+namespace quillon {
+namespace {
+
+constexpr const char* Path = R"(D:\Music\A\B\x.mp3)";
+constexpr std::uint8_t Rock = 17;
+
+void Require(bool holds) {
+    if (!holds) std::abort();
+}
+
+std::string Expected(const std::vector<std::string>& pieces, std::size_t piece) {
+    return ConvertTheBinary(ByteField(pieces[piece], TagFieldLengths[piece]));
+}
+
+void RequireReadBack(fakes::FakeWorld& world, const std::string& record, bool hadTag) {
+    const std::vector<std::string> pieces = Split(record, "|");
+    // Another marker makes no tag, and a byte before the track number makes it a comment's.
+    if (UpperCase(Expected(pieces, TagMarker)) != "TAG") return;
+    if (!Expected(pieces, TagVer).empty()) return;
+    const std::string content = world.files.Content(Path);
+    if (content.size() <= TagSize) return;
+    const std::vector<std::uint8_t> end(content.end() - TagSize, content.end());
+    const auto read = TagTexts(end);
+    for (const std::size_t piece : {TagSong, TagArtist, TagAlbum, TagYear, TagComment})
+        Require(read[piece] == Expected(pieces, piece));
+    const std::optional<double> track = ToNumber(pieces[TagTrack]);
+    const int number = track ? ToInteger(*track) : 0;
+    Require(read[TagTrack] == (number == 0 ? "" : std::to_string(number)));
+    if (pieces[TagGenre] == "Rock") Require(end.back() == Rock);
+    if (pieces[TagGenre].empty() && !hadTag) Require(end.back() == 255);
+}
+
+void TryInput(std::span<const std::uint8_t> input) {
+    if (input.empty()) return;
+    const std::size_t fileSize = std::min<std::size_t>(input[0] * std::size_t{2}, input.size() - 1);
+    const auto file = input.subspan(1, fileSize);
+    const auto rest = input.subspan(1 + fileSize);
+    const std::string before(file.begin(), file.end());
+    const std::string record = ToValidUtf8(std::string(rest.begin(), rest.end()));
+
+    fakes::FakeWorld world;
+    world.run.connection = world.database.Open("");
+    world.database.answers[R"(SELECT GenreId FROM SpinnerGenre WHERE Genre ="Rock")"] = {
+        {"GenreId"}, {{std::int64_t{Rock}}}};
+    world.files.AddFile(Path, before);
+    const bool hadTag = !ReadID3(world.run, Path).empty();
+
+    const bool written = WriteTag(world.run, Path, record);
+    const std::string after = world.files.Content(Path);
+    if (!written) {
+        Require(after == before);
+        return;
+    }
+    const std::size_t kept = before.size() - (hadTag ? TagSize : 0);
+    Require(after.size() == kept + TagSize);
+    Require(after.compare(0, kept, before, 0, kept) == 0);
+    RequireReadBack(world, record, hadTag);
+    Require(WriteTag(world.run, Path, record));
+}
+
+}  // namespace
+}  // namespace quillon
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    quillon::TryInput({data, size});
+    return 0;
+}

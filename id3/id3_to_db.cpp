@@ -1,0 +1,139 @@
+#include "id3/id3_to_db.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <initializer_list>
+#include <limits>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "database/sql.h"
+#include "id3/difference_fields.h"
+#include "id3/length_text.h"
+#include "platform/basic_text.h"
+#include "platform/database.h"
+#include "platform/failure.h"
+#include "run/log.h"
+#include "run/run.h"
+#include "run/steps.h"
+
+namespace quillon {
+namespace {
+
+struct Difference {
+    std::string field, value, artist, album, song;
+
+    std::string Name() const { return artist + "/" + album + "/" + song; }
+};
+
+Difference ReadDifference(const RecordSet& row) {
+    return {.field = row.Text("Field"),
+            .value = row.Text("ID3Value"),
+            .artist = row.Text("Artist"),
+            .album = row.Text("Album"),
+            .song = row.Text("Track")};
+}
+
+/// The row of Tracks that a difference is about, for changing some fields of it; null, with a line
+/// in the log, when there is none.
+std::unique_ptr<RecordSet> FindTrack(Run& run, const Difference& difference,
+                                     std::string_view fields) {
+    std::unique_ptr<RecordSet> track = run.connection->OpenUpdatable(
+        "SELECT " + std::string(fields) +
+        " FROM Albums INNER JOIN Tracks ON Albums.CDJID = Tracks.CDJID WHERE (((Albums.Artist)=" +
+        Quoted(difference.artist) + ") AND ((Albums.Title)=" + Quoted(difference.album) +
+        ") AND ((Tracks.Title)=" + Quoted(difference.song) + "))");
+    if (!track->IsEmpty()) return track;
+    LogError(run, LogSource,
+             "Unable to Find " + difference.artist + "/" + difference.song + " in Tracks Table");
+    return nullptr;
+}
+
+/// A value that cannot be taken; the failure names the song, for its row holds no path.
+Failure Unusable(const Difference& difference, bool isNumber) {
+    return {isNumber ? FailureNumber::Overflow : FailureNumber::TypeMismatch,
+            difference.value + " (" + difference.Name() + ")"};
+}
+
+/// Changes the current row, unless it says the same already.
+void Store(Run& run, RecordSet& row, std::initializer_list<std::pair<const char*, Value>> fields) {
+    const bool same = std::all_of(fields.begin(), fields.end(), [&row](const auto& field) {
+        return row.Get(field.first) == field.second;
+    });
+    if (same) return;
+    for (const auto& [field, value] : fields)
+        row.Set(field, value);
+    row.Update();
+    ++run.counts.tagValuesStored;
+}
+
+void UpdateLength(Run& run, const Difference& difference) {
+    constexpr std::int64_t SecondsAMinute = 60;
+    const std::optional<std::int16_t> seconds = LengthInDifference(difference.value);
+    if (!seconds) {
+        const std::string number = Replace(difference.value, LengthDifference(""), "");
+        throw Unusable(difference, IsNumeric(number));
+    }
+    const auto track = FindTrack(run, difference, "Tracks.Minutes, Tracks.Seconds");
+    if (track == nullptr) return;
+    Store(run, *track,
+          {{"Minutes", *seconds / SecondsAMinute}, {"Seconds", *seconds % SecondsAMinute}});
+}
+
+void UpdateGenre(Run& run, const Difference& difference) {
+    const std::unique_ptr<RecordSet> row = run.connection->OpenUpdatable(
+        "SELECT Genre FROM Spinner WHERE (((Artist)=" + Quoted(difference.artist) +
+        ") AND ((Album)=" + Quoted(difference.album) + ") AND ((Song)=" + Quoted(difference.song) +
+        "))");
+    if (row->IsEmpty()) {
+        LogError(run, LogSource,
+                 "Unable to Find record " + difference.Name() + " in Spinner Table");
+        return;
+    }
+    Store(run, *row, {{"Genre", difference.value}});
+}
+
+void UpdateTrackNumber(Run& run, const Difference& difference) {
+    using Limits = std::numeric_limits<std::int16_t>;
+    const std::optional<double> number = ToNumber(difference.value);
+    if (!number || *number < Limits::min() || *number > Limits::max())
+        throw Unusable(difference, number.has_value());
+    const auto track = FindTrack(run, difference, "Tracks.Track");
+    if (track == nullptr) return;
+    Store(run, *track, {{"Track", std::int64_t{ToInteger(*number)}}});
+}
+
+/// Song, Artist and Album are names, and nothing else is known.
+void Apply(Run& run, const Difference& difference) {
+    if (difference.field == TagLabels[TagComment]) {
+        UpdateLength(run, difference);
+    } else if (difference.field == TagLabels[TagGenre]) {
+        UpdateGenre(run, difference);
+    } else if (difference.field == TagLabels[TagTrack]) {
+        UpdateTrackNumber(run, difference);
+    }
+}
+
+}  // namespace
+
+void UpdateDatabaseFromID3(Run& run) {
+    Steps steps(run, "UpdateDBfromID3");
+    std::unique_ptr<RecordSet> rows;
+    const bool opened = steps.Try(1, [&] {
+        rows = run.connection->Query("SELECT * FROM SpinnerID3Differences ORDER BY Artist");
+    });
+    if (!opened) return;
+    steps.Try(2, [&] {
+        for (; !rows->IsEof(); rows->MoveNext()) {
+            const Difference difference = ReadDifference(*rows);
+            run.ShowItem("1. Update Database with ID3 for Artist" + difference.artist);
+            if (run.AbortRequested) return;
+            steps.Try(3, [&] { Apply(run, difference); });
+        }
+    });
+}
+
+}  // namespace quillon

@@ -1,0 +1,15 @@
+#pragma once
+
+namespace quillon {
+
+class Run;
+
+/// The mode: takes what the tags say into the database, for the differences that a verification has
+/// left: a length (field Comment) into the track's minutes and seconds, a genre into the download
+/// table, a track number (field Track) into the track. Names are never changed from tags. A length
+/// that is no number of seconds up to 32767 and a number that is none are logged and passed over.
+/// Other failures are logged with "UpdateDBfromID3"; the next row's turn comes. Stops between rows
+/// when Abort is requested.
+void UpdateDatabaseFromID3(Run& run);
+
+}  // namespace quillon

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <array>
+#include <string>
+#include <string_view>
+
+namespace quillon {
+
+class Run;
+
+/// A song as the library's folders and the database name it.
+struct SongNames {
+    std::string artist;
+    std::string album;
+    std::string song;
+};
+
+/// A record for the tag writer, and what the database could not say for it.
+struct BuiltRecord {
+    std::string record;
+    bool lengthKnown = false;
+    bool trackKnown = false;
+};
+
+/// Builds the record that a song's tag should be: nine pieces with "|" between them.
+///
+/// Title, artist and album are the names given, by which the song's rows are found. The track
+/// number is that of its row in Tracks, if a tag can hold it (1 to 255). The length is that of the
+/// same row, else that of the download table; the comment says it as CommentWithLength does. The
+/// genre is that of the download table. Of the present tag (`present`, its texts by piece; empty
+/// ones for a file without a tag) stay the year, the rest of the comment, and the number and length
+/// that the database does not know; an empty genre leaves the tag's own to the writer.
+///
+/// Failures are logged with "GetID3Info Management", and what they concern counts as not known.
+BuiltRecord GetID3Info(Run& run, const SongNames& names, const std::array<std::string, 9>& present);
+
+/// The genre in the base name of a download link (".../000-Rock-000.rm"): the text between the
+/// first "-" and the next one, "" when there are no two.
+std::string GenreInFileName(std::string_view fileName);
+
+}  // namespace quillon

@@ -1,0 +1,74 @@
+#include "id3/song_files.h"
+
+#include "platform/basic_text.h"
+#include "run/run.h"
+#include "run/steps.h"
+
+namespace quillon {
+namespace {
+
+constexpr std::string_view Ending = ".mp3", Dash = " - ";
+
+template <typename Map>
+auto Found(const Map& map, const std::string& key) {
+    const auto found = map.find(key);
+    return found == map.end() ? typename Map::mapped_type() : found->second;
+}
+
+}  // namespace
+
+std::string SongTitle(std::string_view fileName, std::string_view artist) {
+    return Replace(Replace(fileName, Ending, ""), std::string(artist).append(Dash), "");
+}
+
+SongFiles::SongFiles(Run& run, Steps& steps) : run_(run), steps_(steps) {
+    for (const FolderEntry& root : run.LibraryFolders) {
+        steps.Try(2, [&] {
+            for (FolderEntry& artist : run.files.SubFolders(root.path))
+                artists_[LowerCase(artist.name)].push_back(std::move(artist.path));
+        });
+    }
+}
+
+void SongFiles::GoTo(std::string_view artist, std::string_view album) {
+    std::string lowerArtist = LowerCase(artist), lowerAlbum = LowerCase(album);
+    const bool sameArtist = lowerArtist == artist_;
+    if (sameArtist && lowerAlbum == album_) return;
+    artist_ = std::move(lowerArtist);
+    album_ = std::move(lowerAlbum);
+    if (!sameArtist) ListAlbums();
+    ListFiles();
+}
+
+void SongFiles::ListAlbums() {
+    albums_.clear();
+    for (const std::string& folder : Found(artists_, artist_)) {
+        steps_.Try(2, [&] {
+            for (FolderEntry& album : run_.files.SubFolders(folder))
+                albums_[LowerCase(album.name)].push_back(std::move(album.path));
+        });
+    }
+}
+
+void SongFiles::ListFiles() {
+    files_.clear();
+    for (const std::string& folder : Found(albums_, album_)) {
+        steps_.Try(2, [&] {
+            for (FileEntry& file : run_.files.FilesIn(folder)) {
+                if (LowerCase(file.name).ends_with(Ending))
+                    files_[KeyOf(file.name)].push_back(std::move(file));
+            }
+        });
+    }
+}
+
+std::vector<FileEntry> SongFiles::WithTitle(std::string_view title) const {
+    return Found(files_, KeyOf(title));
+}
+
+/// Names and titles alike are taken apart in lower case, so that both give the same key.
+std::string SongFiles::KeyOf(std::string_view fileName) const {
+    return std::string(Trim(SongTitle(LowerCase(fileName), artist_)));
+}
+
+}  // namespace quillon

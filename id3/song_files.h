@@ -1,0 +1,51 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "platform/files.h"
+
+namespace quillon {
+
+class Run;
+class Steps;
+
+/// The title that a sound file's name gives its song: the name without every ".mp3" and then
+/// without every occurrence of the artist and " - ".
+std::string SongTitle(std::string_view fileName, std::string_view artist);
+
+/// Finds the sound files of songs in the library folders, whichever of them they are in. Folders
+/// and files are only ever taken from listings, so no name in the database leads out of the
+/// library.
+class SongFiles {
+  public:
+    /// Lists the library folders; `steps` logs those that cannot be listed, here and later.
+    SongFiles(Run& run, Steps& steps);
+
+    /// Goes to an album; folders are listed again only when artist or album is another one.
+    void GoTo(std::string_view artist, std::string_view album);
+
+    /// Files of the album whose title is this one, whatever the letter case, with the artist before
+    /// it ("Artist - Title.mp3") or without, in the order of their names.
+    std::vector<FileEntry> WithTitle(std::string_view title) const;
+
+  private:
+    /// Paths of folders or files by their names in lower case.
+    template <typename Entry>
+    using ByName = std::unordered_map<std::string, std::vector<Entry>>;
+
+    std::string KeyOf(std::string_view fileName) const;
+    void ListAlbums();
+    void ListFiles();
+
+    Run& run_;
+    Steps& steps_;
+    ByName<std::string> artists_;  ///< in all library folders
+    std::string artist_, album_;   ///< where we are, in lower case
+    ByName<std::string> albums_;   ///< of the artist
+    ByName<FileEntry> files_;      ///< of the album, by their titles
+};
+
+}  // namespace quillon

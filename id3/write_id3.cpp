@@ -1,0 +1,131 @@
+#include "id3/write_id3.h"
+
+#include <algorithm>
+#include <array>
+#include <memory>
+
+#include "database/sql.h"
+#include "id3/difference_fields.h"
+#include "id3/record_builder.h"
+#include "id3/tag_record.h"
+#include "id3/tag_writer.h"
+#include "platform/database.h"
+#include "platform/failure.h"
+#include "run/log.h"
+#include "run/name_cleaning.h"
+#include "run/run.h"
+#include "run/steps.h"
+
+namespace quillon {
+namespace {
+
+/// Users know this text by these very letters, the "&" and what follows it included.
+constexpr std::string_view Progress = "1. Writing ID3 for Artist: & artist.name";
+
+/// The labels of Year and Ver are missing: the database has nothing for them.
+constexpr std::array WritableFields{
+    TagLabels[TagMarker],  TagLabels[TagSong],  TagLabels[TagArtist], TagLabels[TagAlbum],
+    TagLabels[TagComment], TagLabels[TagTrack], TagLabels[TagGenre],  TrackNumberMissing};
+
+/// What the rows of one song ask for.
+struct Differences {
+    bool any = false;
+    bool length = false;
+    bool missingTrack = false;
+    std::string tagTitle;  ///< the title in the tag, where that differs
+};
+
+Differences ReadDifferences(Run& run, const SongNames& names) {
+    const std::unique_ptr<RecordSet> rows = run.connection->Query(
+        "SELECT * FROM SpinnerID3Differences WHERE Artist =" + Quoted(names.artist) +
+        " AND Album = " + Quoted(names.album) + " AND Track =" + Quoted(names.song));
+    Differences differences;
+    for (; !rows->IsEof(); rows->MoveNext()) {
+        const std::string field = rows->Text("Field");
+        if (std::find(WritableFields.begin(), WritableFields.end(), field) == WritableFields.end())
+            continue;
+        differences.any = true;
+        differences.length |= field == TagLabels[TagComment];
+        differences.missingTrack |= field == TrackNumberMissing;
+        if (field == TagLabels[TagSong]) differences.tagTitle = rows->Text("ID3Value");
+    }
+    return differences;
+}
+
+void Note(Run& run, const std::string& what, const std::string& path) {
+    WriteLog(run, LogSource, "No usable " + what + " in the database for " + path);
+}
+
+void WriteFile(Run& run, const std::string& path, const SongNames& names,
+               const Differences& differences) {
+    const FileEnd end = ReadTagEnd(run.files, path);
+    std::array<std::string, 9> present;
+    if (end.size > TagSize) present = TagTexts(end.bytes);
+    const BuiltRecord built = GetID3Info(run, names, present);
+    if (differences.length && !built.lengthKnown) Note(run, "length", path);
+    const bool noTrack = !built.trackKnown && present[TagTrack].empty();
+    if (differences.missingTrack && noTrack) Note(run, "track number", path);
+    WriteTag(run, path, end, built.record);
+}
+
+/// One song's files, whatever has become of their names.
+void WriteSong(Run& run, Steps& steps, SongFiles& files, const SongNames& names) {
+    Differences differences;
+    if (!steps.Try(3, [&] { differences = ReadDifferences(run, names); })) return;
+    if (!differences.any) return;
+    files.GoTo(names.artist, names.album);
+    std::vector<FileEntry> found = files.WithTitle(names.song);
+    const bool renamed = found.empty() && !differences.tagTitle.empty();
+    if (renamed) found = files.WithTitle(NoNasties(differences.tagTitle));
+    steps.Try(4, [&] {
+        if (!found.empty()) return;
+        throw Failure(FailureNumber::FileNotFound, names.artist + "\\" + names.album + "\\" +
+                                                       names.artist + " - " + names.song + ".mp3");
+    });
+    for (const FileEntry& file : found) {
+        SongNames own = names;
+        if (renamed) own.song = SongTitle(file.name, names.artist);
+        steps.Try(5, [&] { WriteFile(run, file.path, own, differences); });
+    }
+}
+
+std::vector<ArtistSongs> ReadArtists(Run& run) {
+    std::vector<ArtistSongs> artists;
+    const std::unique_ptr<RecordSet> rows = run.connection->Query(
+        "SELECT DISTINCT Artist, Album, Track FROM SpinnerID3Differences "
+        "ORDER BY Artist, Album, Track");
+    for (; !rows->IsEof(); rows->MoveNext()) {
+        std::string artist = rows->Text("Artist");
+        if (artists.empty() || artists.back().artist != artist)
+            artists.push_back({.artist = std::move(artist), .songs = {}});
+        artists.back().songs.push_back(
+            {.album = rows->Text("Album"), .title = rows->Text("Track")});
+    }
+    return artists;
+}
+
+}  // namespace
+
+void StoreID3(Run& run, SongFiles& files, const ArtistSongs& artist) {
+    Steps steps(run, "StoreID3");
+    run.ShowItem(Progress);
+    for (const ArtistSongs::Song& song : artist.songs) {
+        run.ProcessEvents();
+        if (run.AbortRequested) return;
+        WriteSong(run, steps, files,
+                  {.artist = artist.artist, .album = song.album, .song = song.title});
+    }
+}
+
+void WriteID3(Run& run) {
+    Steps steps(run, "StoreID3");
+    std::vector<ArtistSongs> artists;
+    if (!steps.Try(1, [&] { artists = ReadArtists(run); })) return;
+    SongFiles files(run, steps);
+    for (const ArtistSongs& artist : artists) {
+        StoreID3(run, files, artist);
+        if (run.AbortRequested) return;
+    }
+}
+
+}  // namespace quillon

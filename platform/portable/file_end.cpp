@@ -1,0 +1,92 @@
+#include "platform/portable/file_end.h"
+
+#include <array>
+#include <cerrno>
+#include <ctime>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "platform/failure.h"
+#include "platform/portable/system_failure.h"
+
+namespace quillon {
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+
+/// The last `count` bytes of a file of this size.
+Bytes LastBytes(const FileHandle& file, std::uint64_t size, std::uint64_t count) {
+    Bytes bytes(static_cast<std::size_t>(count));
+    bytes.resize(file.ReadAt(size - count, bytes));
+    return bytes;
+}
+
+bool IsAsSeen(const FileHandle& file, const struct stat& facts, const FileEnd& seen) {
+    return static_cast<std::uint64_t>(facts.st_size) == seen.size &&
+           seen.bytes.size() <= seen.size &&
+           LastBytes(file, seen.size, seen.bytes.size()) == seen.bytes;
+}
+
+/// Writes all bytes with as few calls as the system takes them in: one, unless it fails midway. The
+/// system's error number, 0 when they are written.
+int WriteAt(int descriptor, std::uint64_t position, std::span<const std::uint8_t> bytes) {
+    while (!bytes.empty()) {
+        const ssize_t count =
+            pwrite(descriptor, bytes.data(), bytes.size(), static_cast<off_t>(position));
+        if (count < 0 && errno != EINTR) return errno;
+        if (count == 0) return EIO;
+        if (count < 0) continue;
+        position += static_cast<std::uint64_t>(count);
+        bytes = bytes.subspan(static_cast<std::size_t>(count));
+    }
+    return 0;
+}
+
+int SetModified(int descriptor, const struct stat& facts) {
+    const std::array<std::timespec, 2> times{std::timespec{0, UTIME_OMIT}, facts.st_mtim};
+    return futimens(descriptor, times.data()) == 0 ? 0 : errno;
+}
+
+/// Gives the file back the end and the size that it had. That takes no room on the disk.
+void PutBack(int descriptor, const FileEnd& seen, std::uint64_t position, const Bytes& old,
+             const struct stat& facts) {
+    WriteAt(descriptor, position, old);
+    struct stat now{};
+    const bool hasGrown =
+        fstat(descriptor, &now) == 0 && static_cast<std::uint64_t>(now.st_size) > seen.size;
+    if (hasGrown && ftruncate(descriptor, static_cast<off_t>(seen.size)) != 0) return;
+    SetModified(descriptor, facts);
+}
+
+}  // namespace
+
+void WriteFileEnd(const FileHandle& file, const FileEnd& seen, std::uint64_t position,
+                  std::span<const std::uint8_t> bytes) {
+    const struct stat facts = file.Facts();
+    const std::string& path = file.ShownPath();
+    if (!IsAsSeen(file, facts, seen)) {
+        throw Failure(FailureNumber::PathFileAccess, path + " (it has changed meanwhile)");
+    }
+    if (position > seen.size || position + bytes.size() < seen.size) {
+        throw Failure(FailureNumber::InvalidProcedureCall, path);
+    }
+    const Bytes old = LastBytes(file, seen.size, seen.size - position);
+    const int descriptor = file.Descriptor();
+    // Only the file's owner may set its times. Whoever may not is told so before a byte is written:
+    // a file that seems new would change its place in the album.
+    if (const int error = SetModified(descriptor, facts); error != 0) {
+        throw SystemFailure(error, path);
+    }
+    int error = WriteAt(descriptor, position, bytes);
+    if (error == 0) error = SetModified(descriptor, facts);
+    // Bytes over others need no room, so the system may write them when it likes: until then a
+    // power cut leaves the old ones. Whether there is room for a longer file is certain only
+    // afterwards.
+    const bool grows = position + bytes.size() > seen.size;
+    if (error == 0 && grows && fsync(descriptor) != 0) error = errno;
+    if (error == 0) return;
+    PutBack(descriptor, seen, position, old, facts);
+    throw SystemFailure(error, path);
+}
+
+}  // namespace quillon

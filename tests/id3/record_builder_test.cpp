@@ -1,0 +1,147 @@
+#include "id3/record_builder.h"
+
+#include <array>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <string>
+
+#include "id3/difference_fields.h"
+#include "tests/support/test_library.h"
+
+namespace quillon {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+class GetID3InfoTest : public ::testing::Test {
+  protected:
+    GetID3InfoTest() { library.AddAlbumRow("252E671073EC0001", "Alder", "First Light", 1); }
+
+    void AddTrack(int number, int minutes, int seconds) {
+        library.Execute(
+            "INSERT INTO Tracks (CDJID, Track, Title, Minutes, Seconds) VALUES "
+            "(\"252E671073EC0001\", " +
+            std::to_string(number) + ", \"Dawn\", " + std::to_string(minutes) + ", " +
+            std::to_string(seconds) + ")");
+    }
+    void AddDownload(const std::string& genre, int length, const std::string& link = "") {
+        library.Execute(
+            "INSERT INTO Spinner (Artist, Album, Song, Genre, Length, FileName) VALUES "
+            "(\"Alder\", \"First Light\", \"Dawn\", " +
+            genre + ", " + std::to_string(length) + ", \"" + link + "\")");
+    }
+
+    BuiltRecord Build() {
+        return GetID3Info(library.run, {.artist = "Alder", .album = "First Light", .song = "Dawn"},
+                          present);
+    }
+
+    support::TestLibrary library;
+    std::array<std::string, 9> present;
+};
+
+TEST_F(GetID3InfoTest, MakesNinePiecesWithoutABarAtTheEnd) {
+    AddTrack(4, 3, 5);
+    AddDownload("\"Rock\"", 0);
+    EXPECT_EQ(Build().record, "TAG|Dawn|Alder|First Light||Length='185'||4|Rock");
+}
+
+TEST_F(GetID3InfoTest, KeepsWhatOnlyTheTagKnows) {
+    present[TagYear] = "1999";
+    present[TagComment] = "a comment";
+    present[TagTrack] = "9";
+    EXPECT_EQ(Build().record, "TAG|Dawn|Alder|First Light|1999|a comment||9|");
+    EXPECT_FALSE(Build().lengthKnown);
+    EXPECT_FALSE(Build().trackKnown);
+}
+
+TEST_F(GetID3InfoTest, KeepsALengthThatTheDatabaseDoesNotKnow) {
+    AddTrack(4, -1, -1);
+    present[TagComment] = "Length='99'";
+    EXPECT_EQ(Build().record, "TAG|Dawn|Alder|First Light||Length='99'||4|");
+}
+
+TEST_F(GetID3InfoTest, PrefersTheLengthOfTheTrackToThatOfTheDownload) {
+    AddDownload("\"Rock\"", 200);
+    EXPECT_EQ(Build().record, "TAG|Dawn|Alder|First Light||Length='200'|||Rock");
+    AddTrack(4, 3, 5);
+    EXPECT_EQ(Build().record, "TAG|Dawn|Alder|First Light||Length='185'||4|Rock");
+    EXPECT_EQ(library.Database().Count("SELECT Length"), 1U);
+}
+
+TEST_F(GetID3InfoTest, TakesLengthsAbove32767Seconds) {
+    AddTrack(4, 600, 7);
+    EXPECT_EQ(Build().record, "TAG|Dawn|Alder|First Light||Length='36007'||4|");
+}
+
+TEST_F(GetID3InfoTest, TakesNoLengthThatIsNone) {
+    AddDownload("\"Rock\"", -5);
+    AddTrack(4, 0, 0);
+    EXPECT_FALSE(Build().lengthKnown);
+    library.Execute("UPDATE Tracks SET Minutes = 1, Seconds = -100");
+    EXPECT_FALSE(Build().lengthKnown);
+    library.Execute("UPDATE Tracks SET Minutes = Null, Seconds = Null");
+    EXPECT_FALSE(Build().lengthKnown);
+}
+
+TEST_F(GetID3InfoTest, TakesNoNumberThatATagCannotHold) {
+    AddTrack(0, 3, 5);
+    present[TagTrack] = "9";
+    for (const char* number : {"0", "-1", "256", "Null"}) {
+        library.Execute("UPDATE Tracks SET Track = " + std::string(number));
+        EXPECT_EQ(Build().record, "TAG|Dawn|Alder|First Light||Length='185'||9|") << number;
+    }
+    library.Execute("UPDATE Tracks SET Track = 255");
+    EXPECT_EQ(Build().record, "TAG|Dawn|Alder|First Light||Length='185'||255|");
+}
+
+TEST_F(GetID3InfoTest, TakesTheGenreOfTheRowBeforeThatOfItsLink) {
+    AddDownload("\"Rock\"", 0, "rtsp://host/spinlinks/000-Jazz-000.rm");
+    EXPECT_EQ(Build().record, "TAG|Dawn|Alder|First Light|||||Rock");
+}
+
+TEST_F(GetID3InfoTest, TakesTheGenreOfTheLinkWhereTheRowHasNone) {
+    AddDownload("Null", 0, "rtsp://host/spinlinks/000-Jazz-000.rm");
+    EXPECT_EQ(Build().record, "TAG|Dawn|Alder|First Light|||||Jazz");
+}
+
+TEST_F(GetID3InfoTest, TakesNoGenreWhereTheRowsIsAnEmptyText) {
+    AddDownload("\"\"", 0, "rtsp://host/spinlinks/000-Jazz-000.rm");
+    EXPECT_EQ(Build().record, "TAG|Dawn|Alder|First Light|||||");
+}
+
+TEST_F(GetID3InfoTest, TakesOnlyRowsOfTheSameAlbum) {
+    library.AddAlbumRow("252E671073EC0002", "Alder", "Second Light", 1);
+    library.Execute(
+        "INSERT INTO Tracks (CDJID, Track, Title, Minutes, Seconds) VALUES "
+        "(\"252E671073EC0002\", 7, \"Dawn\", 1, 1)");
+    library.Execute(
+        "INSERT INTO Spinner (Artist, Album, Song, Genre, Length) VALUES (\"Alder\", "
+        "\"Second Light\", \"Dawn\", \"Jazz\", 5)");
+    EXPECT_EQ(Build().record, "TAG|Dawn|Alder|First Light|||||");
+}
+
+TEST_F(GetID3InfoTest, LogsEachLookUpThatFailsAndGoesOn) {
+    present[TagYear] = "1999";
+    library.Database().Refuse("FROM Albums INNER JOIN Tracks");
+    library.Database().Refuse("FROM Spinner");
+    EXPECT_EQ(Build().record, "TAG|Dawn|Alder|First Light|1999||||");
+    EXPECT_THAT(library.host.log, ElementsAre("Quillon: GetID3Info Management Line 1 refused",
+                                              "Quillon: GetID3Info Management Line 2 refused",
+                                              "Quillon: GetID3Info Management Line 3 refused"));
+}
+
+TEST(GenreInFileName, IsWhatStandsBetweenTheFirstTwoDashesOfTheBaseName) {
+    EXPECT_EQ(GenreInFileName("rtsp://a-b-c/spinlinks/000-Rock-000.rm"), "Rock");
+    EXPECT_EQ(GenreInFileName("000-Hip-Hop-000.rm"), "Hip");
+    EXPECT_EQ(GenreInFileName("C:\\x-y-z\\000-Rock-.rm"), "Rock");
+    EXPECT_EQ(GenreInFileName("000--000.rm"), "");
+    EXPECT_EQ(GenreInFileName("000-Rock.a-b"), "");
+    EXPECT_EQ(GenreInFileName("Rock.rm"), "");
+    EXPECT_EQ(GenreInFileName("000-Rock.rm"), "");
+    EXPECT_EQ(GenreInFileName(""), "");
+}
+
+}  // namespace
+}  // namespace quillon

@@ -1,0 +1,159 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <string>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "platform/failure.h"
+#include "tests/platform/child_process.h"
+#include "tests/platform/files_fixture.h"
+
+namespace quillon {
+namespace {
+
+constexpr const char* Path = R"(D:\x.mp3)";
+
+class WriteEndTest : public FilesTest {
+  protected:
+    WriteEndTest() { folder_.MakeFile("x.mp3", "audio and end"); }
+
+    static std::vector<std::uint8_t> Bytes(std::string_view text) {
+        return {text.begin(), text.end()};
+    }
+
+    /// Overwrites the last three bytes ("end") or, at position 13, appends.
+    void Write(std::string_view bytes, std::uint64_t position = 10) {
+        files_.WriteEnd(Path, {.size = 13, .bytes = Bytes("end")}, position, Bytes(bytes));
+    }
+
+    std::string WhatFails(std::string_view bytes, std::uint64_t position = 10) {
+        return FailureOf([&] { Write(bytes, position); });
+    }
+
+    std::string Content() { return folder_.Content("x.mp3"); }
+    struct stat Facts() {
+        struct stat facts{};
+        EXPECT_EQ(stat((folder_ / "x.mp3").c_str(), &facts), 0);
+        return facts;
+    }
+    void SetModified(std::int64_t seconds, long nanoseconds) {
+        const timespec times[2]{{seconds, 0}, {seconds, nanoseconds}};
+        ASSERT_EQ(utimensat(AT_FDCWD, (folder_ / "x.mp3").c_str(), times, 0), 0);
+    }
+};
+
+TEST_F(WriteEndTest, OverwritesTheLastBytesInPlace) {
+    Write("END");
+    EXPECT_EQ(Content(), "audio and END");
+}
+
+TEST_F(WriteEndTest, Appends) {
+    Write(" more", 13);
+    EXPECT_EQ(Content(), "audio and end more");
+}
+
+TEST_F(WriteEndTest, MayReachBeyondTheOldEnd) {
+    Write("END and more");
+    EXPECT_EQ(Content(), "audio and END and more");
+}
+
+TEST_F(WriteEndTest, KeepsTheModificationTimeToTheNanosecond) {
+    SetModified(1'234'567'890, 123'456'789);
+    Write("END");
+    EXPECT_EQ(Facts().st_mtim.tv_sec, 1'234'567'890);
+    EXPECT_EQ(Facts().st_mtim.tv_nsec, 123'456'789);
+    files_.WriteEnd(Path, {.size = 13, .bytes = {}}, 13, Bytes("more"));
+    EXPECT_EQ(Facts().st_mtim.tv_sec, 1'234'567'890);
+    EXPECT_EQ(Facts().st_mtim.tv_nsec, 123'456'789);
+}
+
+TEST_F(WriteEndTest, KeepsHardAndSymbolicLinks) {
+    std::filesystem::create_hard_link(folder_ / "x.mp3", folder_ / "hard");
+    std::filesystem::create_symlink("x.mp3", folder_ / "soft.mp3");
+    const ino_t inode = Facts().st_ino;
+    files_.WriteEnd(R"(D:\soft.mp3)", {.size = 13, .bytes = Bytes("end")}, 10, Bytes("END"));
+    EXPECT_EQ(folder_.Content("hard"), "audio and END");
+    EXPECT_TRUE(std::filesystem::is_symlink(folder_ / "soft.mp3"));
+    EXPECT_EQ(Facts().st_ino, inode);
+    EXPECT_EQ(Facts().st_nlink, 2U);
+}
+
+TEST_F(WriteEndTest, FindsTheFileWhateverTheLetterCase) {
+    files_.WriteEnd(R"(D:\X.MP3)", {.size = 13, .bytes = Bytes("end")}, 10, Bytes("END"));
+    EXPECT_EQ(Content(), "audio and END");
+    EXPECT_EQ(folder_.Count(), 1U);
+}
+
+TEST_F(WriteEndTest, NeverCutsAFileOrLeavesAGap) {
+    const std::string refused = "Invalid procedure call or argument: D:\\x.mp3";
+    EXPECT_EQ(WhatFails("EN"), refused);
+    EXPECT_EQ(WhatFails("", 0), refused);
+    EXPECT_EQ(WhatFails("more", 14), refused);
+    EXPECT_EQ(Content(), "audio and end");
+}
+
+TEST_F(WriteEndTest, RefusesAFileThatIsNotAsItWasSeen) {
+    const std::string changed = "Path/File access error: D:\\x.mp3 (it has changed meanwhile)";
+    for (const char* content : {"audio", "", "audio and END", "audio and the end", "end"}) {
+        folder_.MakeFile("x.mp3", content);
+        EXPECT_EQ(WhatFails("END"), changed);
+        EXPECT_EQ(Content(), content);
+    }
+    folder_.MakeFile("x.mp3", "nd");
+    EXPECT_EQ(FailureOf([&] {
+                  files_.WriteEnd(Path, {.size = 2, .bytes = Bytes("end")}, 2, Bytes("more"));
+              }),
+              changed);
+}
+
+TEST_F(WriteEndTest, SaysWhenThereIsNoFile) {
+    std::filesystem::remove(folder_ / "x.mp3");
+    EXPECT_EQ(WhatFails("END"), "File not found: D:\\x.mp3");
+    folder_.MakeFolder("x.mp3");
+    EXPECT_EQ(WhatFails("END"), "Permission denied: D:\\x.mp3");
+}
+
+TEST_F(WriteEndTest, RefusesAPathThatWindowsCannotHold) {
+    EXPECT_EQ(FailureOf([&] {
+                  files_.WriteEnd(R"(D:\..\x.mp3)", {.size = 13, .bytes = {}}, 13, Bytes("more"));
+              }).substr(0, 13),
+              "Bad file name");
+}
+
+TEST_F(WriteEndTest, LeavesAWriteProtectedFileAlone) {
+    chmod((folder_ / "x.mp3").c_str(), 0444);
+    EXPECT_EQ(AsOrdinaryUser([&] { return WhatFails("END"); }), "Permission denied: D:\\x.mp3");
+    EXPECT_EQ(Content(), "audio and end");
+}
+
+TEST_F(WriteEndTest, LeavesAFileAloneWhoseTimeItCouldNotKeep) {
+    // Anyone may write it, but its times belong to its owner, who is another account where the
+    // super-user runs this.
+    chmod((folder_ / "x.mp3").c_str(), 0666);
+    const bool isAnothers = geteuid() == 0;
+    EXPECT_EQ(AsOrdinaryUser([&] { return WhatFails("END"); }),
+              isAnothers ? "Permission denied: D:\\x.mp3" : "");
+    EXPECT_EQ(Content(), isAnothers ? "audio and end" : "audio and END");
+}
+
+TEST_F(WriteEndTest, TakesBackWhatItAppendedToAFullDisk) {
+    SetModified(1'234'567'890, 5);
+    for (const rlim_t room : {13U, 14U, 17U}) {
+        EXPECT_EQ(WithFilesUpTo(room, [&] { return WhatFails(" more", 13); }),
+                  "Disk full: D:\\x.mp3");
+        EXPECT_EQ(Content(), "audio and end");
+        EXPECT_EQ(Facts().st_mtim.tv_sec, 1'234'567'890);
+        EXPECT_EQ(Facts().st_mtim.tv_nsec, 5);
+    }
+}
+
+TEST_F(WriteEndTest, GivesTheOldBytesBackWhenTheDiskFillsMidway) {
+    for (const rlim_t room : {10U, 11U, 13U, 15U}) {
+        EXPECT_EQ(WithFilesUpTo(room, [&] { return WhatFails("NEW END"); }),
+                  "Disk full: D:\\x.mp3");
+        EXPECT_EQ(Content(), "audio and end");
+    }
+}
+
+}  // namespace
+}  // namespace quillon

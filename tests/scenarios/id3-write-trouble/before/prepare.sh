@@ -1,0 +1,1 @@
+chmod 444 "disk/Music/Alder/First Light/Alder - Dusk.mp3"
