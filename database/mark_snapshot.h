@@ -14,9 +14,6 @@ namespace quillon {
 /// What a marked field held; nothing stands for Null.
 using MarkedValue = std::optional<std::int32_t>;
 
-/// A number that a text is recognised by.
-std::uint32_t Fingerprint(std::string_view text);
-
 struct MarkedAlbum {
     std::int32_t id = 0;
     MarkedValue count;

@@ -11,6 +11,14 @@ std::string Counted(std::size_t count, const char* word) {
     return fmt::format("{} {}{}", count, word, count == 1 ? "" : "s");
 }
 
+/// Only where the run had to do with playlists.
+std::string PlaylistsText(const RunCounts& counts) {
+    if (counts.playlistsWritten + counts.playlistsRepaired + counts.playlistsRemoved == 0)
+        return "";
+    return fmt::format("Playlists: {} written, {} repaired, {} removed. ", counts.playlistsWritten,
+                       counts.playlistsRepaired, counts.playlistsRemoved);
+}
+
 }  // namespace
 
 std::string SummaryText(const RunSummary& summary) {
@@ -19,11 +27,11 @@ std::string SummaryText(const RunSummary& summary) {
     if (summary.outcome == RunOutcome::NothingRan) return fmt::format("Nothing ran; {}.", errors);
     return fmt::format(
         "{} {}. Albums: {} added, {} changed, {} removed, {} unchanged. "
-        "Tracks: {} added, {} changed, {} removed, {} unchanged. {}.",
+        "Tracks: {} added, {} changed, {} removed, {} unchanged. {}{}.",
         summary.outcome == RunOutcome::Aborted ? "Aborted after" : "Done in",
         ElapsedText(summary.elapsed), counts.albumsAdded, counts.albumsChanged,
         counts.albumsRemoved, counts.albumsUnchanged, counts.tracksAdded, counts.tracksChanged,
-        counts.tracksRemoved, counts.tracksUnchanged, errors);
+        counts.tracksRemoved, counts.tracksUnchanged, PlaylistsText(counts), errors);
 }
 
 int ExitStatus(const RunSummary& summary) {
