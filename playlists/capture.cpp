@@ -58,7 +58,7 @@ class Capture {
         const CapturedPlaylist* const known =
             interrupted_ ? interrupted_->Find(file.name, content) : nullptr;
         const bool isKnown = known != nullptr && Fits(*known);
-        if (isKnown) ++fromSnapshot_;
+        if (isKnown && known->entries != entries) ++fromSnapshot_;
 
         const auto begin = static_cast<PlaylistEntries::Position>(run_.playlistEntries.Count());
         for (const CapturedEntry& entry : isKnown ? known->entries : entries)
@@ -69,7 +69,8 @@ class Capture {
 
     const std::vector<PlaylistRange>& Playlists() const { return playlists_; }
 
-    /// How many playlists were taken as an interrupted run had captured them.
+    /// How many playlists mean something else than their lines say at present, because an
+    /// interrupted run had captured them before the library changed.
     std::size_t FromSnapshot() const { return fromSnapshot_; }
 
   private:

@@ -36,6 +36,8 @@ struct CapturedEntry {
     std::int32_t index = 0;       ///< position in the file, counted from 0
     std::int32_t id = 0;          ///< `Tracks.ID`
     std::uint32_t soundFile = 0;  ///< fingerprint; tells a row from one in a replaced database
+
+    bool operator==(const CapturedEntry&) const = default;
 };
 
 /// A playlist that was captured, as an earlier run left it in its snapshot.

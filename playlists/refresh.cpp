@@ -74,7 +74,7 @@ class Refreshing {
         const std::string_view trimmed = Trim(line);
         if (trimmed.empty()) return std::nullopt;
         const std::optional<PlaFields> fields = FirstTwoFields(trimmed);
-        if (!fields) return Dropped(line, "incorrect syntax");
+        if (!fields) return Dropped(line, "of incorrect syntax");
         if (!tracks_.HasAlbum(fields->cdjid)) return Dropped(line, "CDJID no longer exists");
         if (fields->index == WholeAlbumIndex) return line;
 
