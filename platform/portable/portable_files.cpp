@@ -176,7 +176,7 @@ void PortableFiles::DeleteFile(std::string_view path) {
     const std::optional<struct stat> facts = FactsOf(local);
     if (facts && !S_ISREG(facts->st_mode)) throw Failure(FailureNumber::FileNotFound, shown);
     // A write-protected file is one that its owner wants to keep, as on Windows.
-    const bool isProtected = facts && access(local.c_str(), W_OK) != 0;
+    const bool isProtected = facts && faccessat(AT_FDCWD, local.c_str(), W_OK, AT_EACCESS) != 0;
     if (isProtected || unlink(local.c_str()) != 0) {
         throw SystemFailure(errno, shown, FailureNumber::FileNotFound);
     }

@@ -86,7 +86,9 @@ TEST_F(SnapshotFileTest, DoesNotCountWhereAnythingIsWrong) {
 }
 
 TEST(Fingerprint, TellsTextsApartAndTakesThemInPieces) {
-    EXPECT_NE(Fingerprint("ab"), Fingerprint("ba"));
+    EXPECT_EQ(Fingerprint(R"(D:\a.mp3)"), Fingerprint(R"(D:\a.mp3)"));
+    EXPECT_NE(Fingerprint(R"(D:\a.mp3)"), Fingerprint(R"(D:\b.mp3)"));
+    EXPECT_NE(Fingerprint(""), Fingerprint("a"));
     EXPECT_EQ(Fingerprint("b", Fingerprint("a")), Fingerprint("ab"));
 }
 
