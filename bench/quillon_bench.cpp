@@ -11,7 +11,6 @@
 #include <fmt/format.h>
 #include <fstream>
 #include <iostream>
-#include <random>
 #include <span>
 #include <stdexcept>
 #include <string>
@@ -20,11 +19,13 @@
 
 #include "bench/child_process.h"
 #include "bench/music_library.h"
+#include "bench/temporary_folder.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 using quillon::bench::RunProcess;
+using quillon::bench::TemporaryFolder;
 using quillon::bench::Usage;
 
 // The aims that the figures are held against.
@@ -50,26 +51,6 @@ struct Figures {
     std::size_t unchangedMemory = 0;
 
     double MemoryBound() const { return BaseMemory + MemoryPerTrack * static_cast<double>(tracks); }
-};
-
-/// A folder that is there for the time of its scope.
-class TemporaryFolder {
-  public:
-    TemporaryFolder()
-        : path_(fs::temp_directory_path() /
-                fmt::format("quillon-bench-{}", std::random_device{}())) {
-        fs::create_directories(path_);
-    }
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-    ~TemporaryFolder() {
-        std::error_code ignored;
-        fs::remove_all(path_, ignored);
-    }
-    const fs::path& Path() const { return path_; }
-
-  private:
-    fs::path path_;
 };
 
 /// The program beside a library of its own.

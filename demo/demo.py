@@ -13,34 +13,14 @@ from pathlib import Path
 
 sys.dont_write_bytecode = True
 
+import playlist_story
 import rows_before
 import sample_library
+from telling import WIDTH, Untrue, count, heading, require, say
 
 TABLES = ("Albums", "Tracks", "Playlists", "Spinner", "SpinnerArtist", "SpinnerGenre",
           "SpinnerID3Differences")
 MADE_HERE = ".made-by-run-demo"
-WIDTH = 78
-
-
-class Untrue(Exception):
-    """The story does not hold."""
-
-
-def say(text):
-    print(textwrap.fill(text, WIDTH, break_on_hyphens=False, break_long_words=False), flush=True)
-
-
-def heading(text):
-    print(f"\n{text}\n{'-' * len(text)}", flush=True)
-
-
-def require(condition, text):
-    if not condition:
-        raise Untrue(text)
-
-
-def count(number, word):
-    return f"{number} {word}{'' if number == 1 else 's'}"
 
 
 class Demo:
@@ -104,6 +84,7 @@ class Demo:
         self.tell_what_changed(before, first)
         self.tell_of_second_run(first)
         self.tell_of_third_run()
+        playlist_story.tell(self)
         self.tell_how_to_go_on()
 
     def tell_of_files(self):
