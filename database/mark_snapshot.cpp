@@ -2,17 +2,18 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <memory>
 #include <utility>
 #include <variant>
 
+#include "database/snapshot_file.h"
+
 namespace quillon {
 namespace {
 
-constexpr std::string_view FirstLine = "Quillon mark snapshot 2";
-constexpr std::string_view AlbumWord = "Album", TrackWord = "Track", EndWord = "End";
-constexpr std::string_view NullWord = "Null";
+constexpr std::string_view AlbumKind = "Album", TrackKind = "Track";
+constexpr std::array Kinds{AlbumKind, TrackKind};
+constexpr SnapshotFormat Format{.title = "Quillon mark snapshot 2", .kinds = Kinds};
 
 template <typename Row>
 void SortById(std::vector<Row>& rows) {
@@ -37,63 +38,7 @@ MarkedValue MarkedField(const RecordSet& rows, std::string_view field) {
     return static_cast<std::int32_t>(rows.Integer(field));
 }
 
-std::string ValueText(MarkedValue value) {
-    return value ? std::to_string(*value) : std::string(NullWord);
-}
-
-/// Reads the blank-separated words of one line. Anything unexpected makes it false for good.
-class LineReader {
-  public:
-    explicit LineReader(std::string_view line) : rest_(line) {}
-
-    std::string_view Word() {
-        const std::size_t end = std::min(rest_.find(' '), rest_.size());
-        const std::string_view word = rest_.substr(0, end);
-        rest_.remove_prefix(std::min(end + 1, rest_.size()));
-        return word;
-    }
-
-    template <typename Number>
-    Number Whole() {
-        return Parse<Number>(Word());
-    }
-
-    MarkedValue Marked() {
-        const std::string_view word = Word();
-        if (word == NullWord) return std::nullopt;
-        return Parse<std::int32_t>(word);
-    }
-
-    bool ReadWell() const { return well_ && rest_.empty(); }
-
-  private:
-    template <typename Number>
-    Number Parse(std::string_view word) {
-        Number number = 0;
-        const char* const begin = word.data();
-        const char* const end = begin + word.size();
-        const auto [stop, error] = std::from_chars(begin, end, number);
-        if (word.empty() || error != std::errc() || stop != end) well_ = false;
-        return number;
-    }
-
-    std::string_view rest_;
-    bool well_ = true;
-};
-
-std::string EndLine(std::size_t albums, std::size_t tracks) {
-    return std::string(EndWord) + ' ' + std::to_string(albums) + ' ' + std::to_string(tracks);
-}
-
 }  // namespace
-
-std::uint32_t Fingerprint(std::string_view text) {
-    constexpr std::uint32_t Start = 2166136261U, Prime = 16777619U;  // FNV-1a
-    std::uint32_t value = Start;
-    for (const char letter : text)
-        value = (value ^ static_cast<std::uint8_t>(letter)) * Prime;
-    return value;
-}
 
 std::uint32_t OriginFingerprint(std::string_view soundFile, const Value& dateAdded) {
     std::string origin(soundFile.substr(0, soundFile.rfind('\\') + 1));
@@ -148,55 +93,38 @@ MarkSnapshot CaptureMarks(Connection& connection) {
 }
 
 void WriteMarkSnapshot(Files& files, std::string_view path, const MarkSnapshot& snapshot) {
-    const std::unique_ptr<TextWriter> file = files.CreateText(path);
-    file->WriteLine(FirstLine);
-    std::string line;
-    for (const MarkedAlbum& album : snapshot.Albums()) {
-        line = AlbumWord;
-        line += ' ' + std::to_string(album.id) + ' ' + ValueText(album.count) + ' ' +
-                std::to_string(album.cdjid);
-        file->WriteLine(line);
-    }
+    SnapshotWriter file(files, path, Format);
+    for (const MarkedAlbum& album : snapshot.Albums())
+        file.Line(AlbumKind).Whole(album.id).Whole(album.count).Whole(album.cdjid);
     for (const MarkedTrack& track : snapshot.Tracks()) {
-        line = TrackWord;
-        line += ' ' + std::to_string(track.id) + ' ' + ValueText(track.number) + ' ' +
-                std::to_string(track.album) + ' ' + std::to_string(track.soundFile) + ' ' +
-                std::to_string(track.origin);
-        file->WriteLine(line);
+        file.Line(TrackKind)
+            .Whole(track.id)
+            .Whole(track.number)
+            .Whole(track.album)
+            .Whole(track.soundFile)
+            .Whole(track.origin);
     }
-    file->WriteLine(EndLine(snapshot.Albums().size(), snapshot.Tracks().size()));
-    file->Close();
+    file.Close();
 }
 
 std::optional<MarkSnapshot> ReadMarkSnapshot(Files& files, std::string_view path) {
-    const std::unique_ptr<TextReader> file = files.OpenText(path);
-    if (file->AtEndOfStream() || file->ReadLine() != FirstLine) return std::nullopt;
     std::vector<MarkedAlbum> albums;
     std::vector<MarkedTrack> tracks;
-    while (!file->AtEndOfStream()) {
-        const std::string text = file->ReadLine();
-        LineReader line(text);
-        const std::string_view word = line.Word();
-        if (word == EndWord) {
-            if (text != EndLine(albums.size(), tracks.size()) || !file->AtEndOfStream()) break;
-            return MarkSnapshot(std::move(albums), std::move(tracks));
-        }
-        if (word == AlbumWord) {
+    const auto visit = [&](std::string_view kind, SnapshotLine& line) {
+        if (kind == AlbumKind) {
             albums.push_back({.id = line.Whole<std::int32_t>(),
-                              .count = line.Marked(),
+                              .count = line.WholeOrNull<std::int32_t>(),
                               .cdjid = line.Whole<std::uint32_t>()});
-        } else if (word == TrackWord) {
+        } else {
             tracks.push_back({.id = line.Whole<std::int32_t>(),
-                              .number = line.Marked(),
+                              .number = line.WholeOrNull<std::int32_t>(),
                               .album = line.Whole<std::int32_t>(),
                               .soundFile = line.Whole<std::uint32_t>(),
                               .origin = line.Whole<std::uint32_t>()});
-        } else {
-            break;
         }
-        if (!line.ReadWell()) break;
-    }
-    return std::nullopt;
+    };
+    if (!ReadSnapshot(files, path, Format, visit)) return std::nullopt;
+    return MarkSnapshot(std::move(albums), std::move(tracks));
 }
 
 }  // namespace quillon

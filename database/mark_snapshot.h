@@ -14,9 +14,6 @@ namespace quillon {
 /// What a marked field held; nothing stands for Null.
 using MarkedValue = std::optional<std::int32_t>;
 
-/// A number that a text is recognised by.
-std::uint32_t Fingerprint(std::string_view text);
-
 /// The fingerprint of a sound file's folder and its row's date of addition.
 std::uint32_t OriginFingerprint(std::string_view soundFile, const Value& dateAdded);
 

@@ -8,6 +8,7 @@
 #include <unordered_set>
 
 #include "database/mark_snapshot.h"
+#include "database/snapshot_file.h"
 #include "database/track_numbers.h"
 #include "platform/database.h"
 #include "platform/files.h"

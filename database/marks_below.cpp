@@ -7,6 +7,7 @@
 
 #include "database/mark_snapshot.h"
 #include "database/marks.h"
+#include "database/snapshot_file.h"
 #include "database/track_numbers.h"
 #include "platform/basic_text.h"
 #include "platform/database.h"

@@ -13,41 +13,14 @@ from pathlib import Path
 
 sys.dont_write_bytecode = True
 
-import adding_story
-import cover_story
-import download_story
-import remote_story
-import picker_story
+import playlist_story
 import rows_before
 import sample_library
-import verification_story
-from tag_story import TagStory
+from telling import WIDTH, Untrue, count, heading, require, say
 
 TABLES = ("Albums", "Tracks", "Playlists", "Spinner", "SpinnerArtist", "SpinnerGenre",
           "SpinnerID3Differences")
 MADE_HERE = ".made-by-run-demo"
-WIDTH = 78
-
-
-class Untrue(Exception):
-    """The story does not hold."""
-
-
-def say(text):
-    print(textwrap.fill(text, WIDTH, break_on_hyphens=False, break_long_words=False), flush=True)
-
-
-def heading(text):
-    print(f"\n{text}\n{'-' * len(text)}", flush=True)
-
-
-def require(condition, text):
-    if not condition:
-        raise Untrue(text)
-
-
-def count(number, word):
-    return f"{number} {word}{'' if number == 1 else 's'}"
 
 
 class Demo:
@@ -120,11 +93,7 @@ class Demo:
         self.tell_what_changed(before, first)
         self.tell_of_second_run(first)
         self.tell_of_third_run()
-        for story in (download_story, cover_story, adding_story, remote_story):
-            story.tell(self, say, heading, require)
-        picker_story.tell(self, heading, say, require)
-        verification_story.tell(self, say, heading, require)
-        TagStory(self, say, heading, require).tell()
+        playlist_story.tell(self)
         self.tell_how_to_go_on()
 
     def tell_of_files(self):

@@ -11,6 +11,11 @@
 #include "id3/reconcile_table.h"
 #include "id3/verify_tags.h"
 #include "id3/write_id3.h"
+#include "playlists/capture.h"
+#include "playlists/convert.h"
+#include "playlists/create.h"
+#include "playlists/refresh.h"
+#include "playlists/working_set.h"
 #include "reconcile/add_files_to_library.h"
 #include "reconcile/refresh_database.h"
 #include "remote/make_remote.h"
@@ -22,6 +27,8 @@ Procedures AvailableProcedures() {
     procedures.MarkSnapshotExists = MarkSnapshotExists;
     procedures.RestoreMarks = RestoreMarks;
     procedures.PopulateGenre = PopulateGenre;
+    procedures.BuildORsRecordset = BuildORsRecordset;
+    procedures.CapturePlaylists = CapturePlaylists;
     procedures.RemoveDuplicates = RemoveDuplicates;
     procedures.VerifyID3Tags = VerifyID3Tags;
     procedures.RefreshDatabase = RefreshDatabase;
@@ -34,6 +41,10 @@ Procedures AvailableProcedures() {
     procedures.OutputReconcileTable = OutputReconcileTable;
     procedures.UpdateDatabaseFromID3 = UpdateDatabaseFromID3;
     procedures.WriteID3 = WriteID3;
+    procedures.RefreshPlaylist = RefreshPlaylist;
+    procedures.CreateNewPlaylists = CreateNewPlaylists;
+    procedures.ConvertPlaToM3u = aPlaToM3u_Click;
+    procedures.ConvertM3uToPla = M3uToPla;
     return procedures;
 }
 

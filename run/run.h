@@ -13,6 +13,8 @@
 #include "platform/files.h"
 #include "platform/host.h"
 #include "platform/window.h"
+#include "run/playlist_entries.h"
+#include "run/random_numbers.h"
 #include "run/settings.h"
 
 namespace quillon {
@@ -23,7 +25,10 @@ struct RunCounts {
     std::size_t tracksAdded = 0, tracksChanged = 0, tracksRemoved = 0, tracksUnchanged = 0;
     std::size_t tagsWritten = 0;      ///< files whose tag has become another one
     std::size_t tagValuesStored = 0;  ///< values of tags that have changed a row
-    std::size_t errors = 0;           ///< calls of LogError
+    /// Playlist files made or converted, rewritten because entries had changed, and deleted because
+    /// none was left.
+    std::size_t playlistsWritten = 0, playlistsRepaired = 0, playlistsRemoved = 0;
+    std::size_t errors = 0;  ///< calls of LogError
 };
 
 /// The run-wide objects, made once and passed by reference to every phase. Phases read settings
@@ -59,6 +64,12 @@ class Run {
 
     /// Genre of each download-table song by artist, album and song joined with nothing between.
     std::unordered_map<std::string, std::string> GenreDictionary;
+
+    /// The playlist working set, made anew where a phase starts with an empty one.
+    PlaylistEntries playlistEntries;
+
+    /// Seeded once, when the run starts.
+    RandomNumbers random;
 
     /// Shows the current item and lets pending events run.
     void ShowItem(std::string_view item);

@@ -19,6 +19,14 @@ std::string TagsText(const RunCounts& counts) {
                        Counted(counts.tagValuesStored, "value"));
 }
 
+/// Only where the run had to do with playlists.
+std::string PlaylistsText(const RunCounts& counts) {
+    if (counts.playlistsWritten + counts.playlistsRepaired + counts.playlistsRemoved == 0)
+        return "";
+    return fmt::format(" Playlists: {} written, {} repaired, {} removed.", counts.playlistsWritten,
+                       counts.playlistsRepaired, counts.playlistsRemoved);
+}
+
 }  // namespace
 
 std::string SummaryText(const RunSummary& summary) {
@@ -27,11 +35,12 @@ std::string SummaryText(const RunSummary& summary) {
     if (summary.outcome == RunOutcome::NothingRan) return fmt::format("Nothing ran; {}.", errors);
     return fmt::format(
         "{} {}. Albums: {} added, {} changed, {} removed, {} unchanged. "
-        "Tracks: {} added, {} changed, {} removed, {} unchanged.{} {}.",
+        "Tracks: {} added, {} changed, {} removed, {} unchanged.{}{} {}.",
         summary.outcome == RunOutcome::Aborted ? "Aborted after" : "Done in",
         ElapsedText(summary.elapsed), counts.albumsAdded, counts.albumsChanged,
         counts.albumsRemoved, counts.albumsUnchanged, counts.tracksAdded, counts.tracksChanged,
-        counts.tracksRemoved, counts.tracksUnchanged, TagsText(counts), errors);
+        counts.tracksRemoved, counts.tracksUnchanged, TagsText(counts), PlaylistsText(counts),
+        errors);
 }
 
 int ExitStatus(const RunSummary& summary) {

@@ -59,7 +59,8 @@ FileHandle SafeFile::Create(mode_t mode) {
     const std::optional<struct stat> old = FactsOf(target_);
     if (old && existing_ == Existing::Refuse) throw SystemFailure(EEXIST, shownPath_);
     if (old && !S_ISREG(old->st_mode)) throw SystemFailure(EACCES, shownPath_);
-    if (old && access(target_.c_str(), W_OK) != 0) throw SystemFailure(errno, shownPath_);
+    if (old && faccessat(AT_FDCWD, target_.c_str(), W_OK, AT_EACCESS) != 0)
+        throw SystemFailure(errno, shownPath_);
     const std::string beginning =
         FolderOf(target_) + std::string(TemporaryBeginning) + std::to_string(getpid()) + '-';
     int descriptor = -1;

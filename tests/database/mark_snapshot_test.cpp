@@ -93,11 +93,5 @@ TEST_F(MarkSnapshotTest, FailsWhenItsFileCannotBeRead) {
     EXPECT_THROW(ReadMarkSnapshot(files, Path), Failure);
 }
 
-TEST(Fingerprint, TellsTextsApart) {
-    EXPECT_EQ(Fingerprint(R"(D:\a.mp3)"), Fingerprint(R"(D:\a.mp3)"));
-    EXPECT_NE(Fingerprint(R"(D:\a.mp3)"), Fingerprint(R"(D:\b.mp3)"));
-    EXPECT_NE(Fingerprint(""), Fingerprint("a"));
-}
-
 }  // namespace
 }  // namespace quillon

@@ -4,7 +4,7 @@
 A settled library changes (files added, removed, renamed, moved); the run that should catch up is
 stopped at one moment after another, each time from the same start. Whatever the moment, nothing may
 be lost that an undisturbed run would not remove, the marked state may not survive, the file must be
-whole, and further runs must end where undisturbed ones end.
+whole, and further runs must end where undisturbed ones end, with playlists of the same songs.
 """
 
 import os
@@ -16,6 +16,7 @@ from pathlib import Path
 
 from stage import CHECKER, Failed, Stage, confirm_whole
 
+import song_lists
 import sound_files
 
 ARTISTS, ALBUMS, TRACKS = 40, 3, 5
@@ -99,16 +100,29 @@ class Interrupted:
         run(stage)
         shutil.copy(stage.database, self.start)
         self.before = tracks(stage)
+        self.make_playlists()
         change_library(stage)
         catching_up = timed_run(stage)
         self.caught_up = tracks(stage)
         # The machine may be busy with other things during one of them.
         self.duration = min(catching_up, timed_run(stage))
         self.settled = outcome(stage)
+        self.songs = song_lists.songs(stage)
+        if not any(self.songs.values()) or song_lists.contents(stage) == self.playlists:
+            raise Failed("the playlists were not repaired")
         if self.settled == self.before or not self.settled:
             raise Failed("the changed library left no trace")
 
+    def make_playlists(self):
+        """A list for each artist, of its songs from the last to the first."""
+        for artist in range(ARTISTS):
+            files = sorted(file for file, row in self.before.items()
+                           if row["Artist"] == f"Artist {artist:02}")
+            song_lists.write(self.stage, f"Songs of {artist:02}.pla", reversed(files))
+        self.playlists = song_lists.contents(self.stage)
+
     def from_the_start(self, moment):
+        song_lists.put_back(self.stage, self.playlists)
         for leftover in self.stage.disk.glob("jukebox.*"):
             leftover.unlink()
         shutil.copy(self.start, self.stage.database)
@@ -146,6 +160,8 @@ class Interrupted:
         if outcome(self.stage) != self.settled:
             raise Failed("further runs end elsewhere than undisturbed ones")
         self.downloads_whole()
+        if song_lists.songs(self.stage) != self.songs:
+            raise Failed("the playlists name other songs than after undisturbed runs")
         self.stage.confirm_database()
 
     def abort(self, moment):
@@ -153,7 +169,7 @@ class Interrupted:
         # A signal before the program has come to handle signals ends it as usual.
         if status not in (0, 3, -signal.SIGTERM):
             raise Failed(f"an aborted run ends with {status}:\n{told}")
-        self.stage.confirm_database()
+        self.stage.confirm_database(interrupted=True)
         self.nothing_lost()
         self.ends_like_the_others()
         return status == 3
@@ -195,9 +211,11 @@ def main():
             except Failed as failure:
                 print(f"{way} at moment {moment} of {MOMENTS}: {failure}")
                 return 1
+        recoveries = sum("playlists taken as" in line for line in stage.log_messages())
     print(f"{way}: {stopped} of {MOMENTS} runs were stopped before their end")
     if way == "kill":
         print(f"of which {story.marked} in the marked state, {story.half_written} with a journal")
+    print(f"{recoveries} runs took playlists as an interrupted one had captured them")
     # Otherwise nothing was tested.
     return 0 if stopped >= MOMENTS // 4 and (way == "abort" or story.marked > 0) else 1
 

@@ -31,6 +31,11 @@ def local_path(stage, text):
     return os.fsdecode(os.fsencode(stage.disk) + b"/" + raw)
 
 
+def text_of(lines):
+    """Lines with "; " between them; a ";" at the end stands for the last line end."""
+    return lines.replace("; ", "\r\n").removesuffix(";") + ("\r\n" if lines.endswith(";") else "")
+
+
 def make_file(stage, line):
     """PATH | DATE | WHAT; "- PATH" removes; "PATH -> PATH" renames; "PATH/" is an empty folder."""
     if line.startswith("- "):
@@ -48,7 +53,7 @@ def make_file(stage, line):
         return
     modified = time_of(date)
     if what.startswith("lines: "):
-        content = what[7:].replace("; ", "\r\n").encode("cp1252")
+        content = text_of(what[7:]).encode("cp1252")
     elif what.startswith("bytes: "):
         content = b"x" * int(what[7:])
     else:
@@ -170,6 +175,14 @@ def all_music(stage):
             for path in (stage.disk / "Music").rglob("*") if path.is_file()}
 
 
+def compare_contents(stage, file):
+    """PATH | LINES, as in files.txt."""
+    for line in lines_of(file):
+        path, text = line.split(" | ", 1)
+        content = Path(local_path(stage, path)).read_bytes().decode("cp1252")
+        compare(path, text_of(text).splitlines(True), content.splitlines(True))
+
+
 def compare_texts(what, file, actual):
     """Each line must occur, in this order."""
     rest = actual
@@ -221,6 +234,7 @@ def play(stage, before, after):
         compare_tags(stage, after / "tags.txt")
         if music_before is not None and all_music(stage) != music_before:
             raise Failed("some file of the library is not as it was")
+        compare_contents(stage, after / "contents.txt")
         if untouched:
             content = stage.database.read_bytes() if stage.database.exists() else None
             if content != file_before:

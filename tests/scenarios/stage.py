@@ -123,8 +123,9 @@ class Stage:
         text = re.sub(r"\bRemoved/[-_\d]{19}/", "Removed/STAMP/", text)
         return re.sub(r"_Copy Dated_\w+?_[AP]M_", "_Copy Dated_STAMP_", text)
 
-    def confirm_database(self):
-        """Asks every other reader at hand whether the file is whole and says the same."""
+    def confirm_database(self, interrupted=False):
+        """Asks every other reader at hand whether the file is whole and says the same. A run that
+        was interrupted may leave what it had captured of the playlists."""
         rows = self.all_rows()
         for table in TABLES:
             confirm_same_rows(table, rows[table], self.exported(table), "mdb-export")
@@ -134,8 +135,9 @@ class Stage:
             for table in TABLES:
                 confirm_same_rows(table, rows[table], dumped(self.database, table), "mdbcheck",
                                   null="(Null)")
+        leftovers = {".journal", ".marks", ".ldb"} | (set() if interrupted else {".playlists"})
         for leftover in self.disk.iterdir():
-            if leftover.suffix in (".journal", ".marks", ".ldb"):
+            if leftover.suffix in leftovers:
                 raise Failed(f"{leftover.name} was left behind")
 
     def exported(self, table):

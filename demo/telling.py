@@ -1,0 +1,26 @@
+"""How a story is told on a terminal, and how it is checked while it is told."""
+
+import textwrap
+
+WIDTH = 78
+
+
+class Untrue(Exception):
+    """The story does not hold."""
+
+
+def say(text):
+    print(textwrap.fill(text, WIDTH, break_on_hyphens=False, break_long_words=False), flush=True)
+
+
+def heading(text):
+    print(f"\n{text}\n{'-' * len(text)}", flush=True)
+
+
+def require(condition, text):
+    if not condition:
+        raise Untrue(text)
+
+
+def count(number, word):
+    return f"{number} {word}{'' if number == 1 else 's'}"

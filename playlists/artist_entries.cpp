@@ -1,0 +1,116 @@
+#include "playlists/artist_entries.h"
+
+#include <cmath>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "database/sql.h"
+#include "platform/basic_text.h"
+#include "platform/database.h"
+#include "run/log.h"
+#include "run/run.h"
+
+namespace quillon {
+namespace {
+
+constexpr std::int32_t WholeAlbum = -1;
+
+/// An artist of the download table, with the first genre met for it.
+struct GenreArtist {
+    std::string artist, genre;
+};
+
+bool IsVarious(std::string_view artist) {
+    constexpr std::string_view Various = "Various";
+    return EqualIgnoringCase(artist.substr(0, Various.size()), Various);
+}
+
+class EntryReader {
+  public:
+    EntryReader(Run& run, ArtistEntries kind) : run_(run), kind_(kind) {}
+
+    void Read(const GenreArtist& artist) {
+        if (kind_ == ArtistEntries::Tracks || IsVarious(artist.artist)) {
+            ReadTracks(artist);
+        } else {
+            ReadAlbums(artist);
+        }
+    }
+
+    std::size_t Unnumbered() const { return unnumbered_; }
+
+  private:
+    void ReadTracks(const GenreArtist& artist) {
+        const std::unique_ptr<RecordSet> tracks = run_.connection->Query(
+            "SELECT CDJID, Artist, Track, Title FROM Tracks WHERE Artist=" + Quoted(artist.artist));
+        // The first track's answer counts for all: an artist is wanted or not, and people who mark
+        // some songs of one rely on that.
+        if (tracks->IsEof() || IsExcluded(tracks->Text("Title"), artist.artist)) return;
+        for (; !tracks->IsEof(); tracks->MoveNext()) {
+            const auto number = static_cast<std::int32_t>(tracks->Integer("Track"));
+            if (number < 1) {
+                ++unnumbered_;
+            } else {
+                Add(*tracks, artist, number);
+            }
+        }
+    }
+
+    void ReadAlbums(const GenreArtist& artist) {
+        const std::unique_ptr<RecordSet> albums = run_.connection->Query(
+            "SELECT CDJID, Artist FROM Albums WHERE Artist=" + Quoted(artist.artist));
+        for (; !albums->IsEof(); albums->MoveNext())
+            Add(*albums, artist, WholeAlbum);
+    }
+
+    bool IsExcluded(const std::string& title, const std::string& artist) {
+        const std::unique_ptr<RecordSet> rows = run_.connection->Query(
+            "SELECT Spinner.Exclude FROM Tracks "
+            " INNER JOIN Spinner ON (Tracks.Title = Spinner.Song) AND "
+            "(Tracks.Artist = Spinner.Artist)"
+            " WHERE (((Tracks.Title)=" +
+            Quoted(title) + ") AND ((Tracks.Artist)=" + Quoted(artist) + "))");
+        return !rows->IsEof() && rows->Integer("Exclude") != 0;
+    }
+
+    void Add(const RecordSet& row, const GenreArtist& artist, std::int32_t track) {
+        const std::string cdjid = row.Text("CDJID"), rowArtist = row.Text("Artist");
+        run_.playlistEntries.Add({.Track = track,
+                                  .Artist = rowArtist,
+                                  .CDJID = cdjid,
+                                  .Genre = artist.genre,
+                                  .Random = SortKey()});
+    }
+
+    std::int32_t SortKey() {
+        constexpr double Keys = 100000;
+        if (!run_.settings.RandomizePlaylist) return 0;
+        return static_cast<std::int32_t>(std::nearbyint(run_.random.Next() * Keys));
+    }
+
+    Run& run_;
+    ArtistEntries kind_;
+    std::size_t unnumbered_ = 0;
+};
+
+}  // namespace
+
+void ReadArtistEntries(Run& run, ArtistEntries kind) {
+    EntryReader reader(run, kind);
+    const std::unique_ptr<RecordSet> artists = run.connection->Query(
+        "SELECT Spinner.Artist, First(Spinner.Genre)AS FirstGenre FROM Spinner "
+        "GROUP BY Spinner.Artist HAVING (((First(Spinner.Genre)) Is Not Null))");
+    for (; !artists->IsEof(); artists->MoveNext()) {
+        const GenreArtist artist{artists->Text("Artist"), artists->Text("FirstGenre")};
+        run.ShowItem("1. Read Playlist Track / Album Info - " + artist.artist);
+        reader.Read(artist);
+    }
+    if (reader.Unnumbered() > 0) {
+        WriteLog(run, LogSource,
+                 "Tracks without a number, left out of the new playlists: " +
+                     std::to_string(reader.Unnumbered()));
+    }
+}
+
+}  // namespace quillon

@@ -1,0 +1,20 @@
+#pragma once
+
+namespace quillon {
+
+class Run;
+struct FileEntry;
+
+/// Converts every playlist in the folder `PlayListPath` into one for ordinary media players in the
+/// folder `PlayListPath2`. Abort stops before the next file. Failures are logged.
+void aPlaToM3u_Click(Run& run);
+
+/// Converts one playlist. One without entries makes no file; another file of the name is replaced.
+/// A failure is logged and costs the entry it is about, or the file that cannot be read or written.
+void PlaToM3u(Run& run, const FileEntry& file);
+
+/// The opposite direction is a mode without work, on purpose: playlists for other players are made
+/// from the jukebox's and never read back.
+void M3uToPla(Run& run);
+
+}  // namespace quillon

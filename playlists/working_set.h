@@ -1,0 +1,16 @@
+#pragma once
+
+#include <string_view>
+
+namespace quillon {
+
+class Run;
+
+/// Makes the run's playlist working set anew, empty.
+void BuildORsRecordset(Run& run);
+
+/// Writes every entry of the working set into the host's log: "ORs ", then the caption and the
+/// fields in their order, with commas between. For diagnosis; no phase calls it.
+void showORs(Run& run, std::string_view caption);
+
+}  // namespace quillon

@@ -1,0 +1,80 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+#include <unordered_set>
+#include <vector>
+
+#include "run/hash_index.h"
+#include "run/text_pool.h"
+
+namespace quillon {
+
+/// One row of the playlist working set. What a phase has no use for stays 0 or empty.
+struct PlaylistEntry {
+    std::int32_t ID = 0;           ///< `Tracks.ID` of the song
+    std::int32_t Track = 0;        ///< its position; the phases say whether counted from 0 or 1
+    std::string_view Artist = {};  ///< up to 255 characters, as the next two
+    std::string_view CDJID = {};   ///< up to 20 characters
+    std::string_view Genre = {};
+    std::string_view Playlist = {};  ///< the file's name, with extension and without folder
+    std::int32_t Processed = 0;      ///< 1 once the entry has been met again
+    std::int32_t Random = 0;         ///< sort key
+};
+
+/// The playlist working set of a run: what stands in the playlists, tied to the songs' rows before
+/// the library changes. It lives in memory only, holds a million entries in some 60 MB and answers
+/// its look-ups by index. Names compare without letter case, as they do in record-set filters.
+class PlaylistEntries {
+  public:
+    using Position = std::uint32_t;
+
+    void Add(const PlaylistEntry& entry);
+    std::size_t Count() const { return rows_.size(); }
+
+    /// The entry's texts are valid until the set is cleared.
+    PlaylistEntry At(Position position) const;
+
+    /// The first entry of this song (`ID`) in a playlist.
+    std::optional<Position> FindSong(std::int32_t id, std::string_view playlist) const;
+    /// The first entry of this album (`CDJID`) and position (`Track`) in a playlist.
+    std::optional<Position> FindPlace(std::string_view cdjid, std::int32_t track,
+                                      std::string_view playlist) const;
+
+    void SetProcessed(Position position) { rows_[position].processed = 1; }
+
+    /// The entries that have a genre (an artist), ordered by it and then by `Random`; those equal
+    /// in both come in the order in which they were added.
+    std::vector<Position> ByGenre() const { return Sorted(genres_, &Row::genre); }
+    std::vector<Position> ByArtist() const { return Sorted(artists_, &Row::artist); }
+
+    /// The set does not know what this playlist held, so nothing may be concluded from finding no
+    /// entry of it.
+    void NoteUnread(std::string_view playlist);
+    /// The same for all playlists.
+    void NoteNothingRead() { nothingRead_ = true; }
+    bool IsUnread(std::string_view playlist) const;
+
+  private:
+    using Text = TextPool::Number;
+
+    struct Row {
+        std::int32_t id, track, processed, random;
+        Text artist, cdjid, genre, playlist;
+    };
+
+    std::optional<Position> SongRow(std::int32_t id, Text playlist) const;
+    std::optional<Position> PlaceRow(Text cdjid, std::int32_t track, Text playlist) const;
+    std::vector<Position> Sorted(const TextPool& texts, Text Row::* text) const;
+
+    /// One a field, so that none takes its spelling from another.
+    TextPool artists_, cdjids_, genres_, playlists_;
+    std::vector<Row> rows_;
+    HashIndex bySong_, byPlace_;
+    std::unordered_set<Text> unread_;
+    bool nothingRead_ = false;
+};
+
+}  // namespace quillon

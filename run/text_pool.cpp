@@ -1,0 +1,20 @@
+#include "run/text_pool.h"
+
+#include "platform/basic_text.h"
+
+namespace quillon {
+
+TextPool::Number TextPool::Add(std::string_view text) {
+    const auto [entry, isNew] =
+        numbers_.try_emplace(LowerCase(text), static_cast<Number>(texts_.size()));
+    if (isNew) texts_.emplace_back(text);
+    return entry->second;
+}
+
+std::optional<TextPool::Number> TextPool::Find(std::string_view text) const {
+    const auto found = numbers_.find(LowerCase(text));
+    if (found == numbers_.end()) return std::nullopt;
+    return found->second;
+}
+
+}  // namespace quillon
