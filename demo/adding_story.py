@@ -1,9 +1,7 @@
 """New files come into the library: copies, rows and covers."""
 
-import re
-
 import sound_files
-from remote_story import change_setting
+from telling import chapter, require, say
 
 PICTURE = bytes([0xFF, 0xD8, 0xFF, 0xD9])
 # File below the source folder -> song, artist, album, number, genre of its tag; nothing: no tag.
@@ -45,8 +43,8 @@ def make_new_files(folder):
     sound_files.write(folder / COVER, PICTURE)
 
 
-def tell(demo, say, heading, require):
-    heading("New files")
+def tell(demo):
+    chapter("New files")
     source = demo.folder / "New"
     make_new_files(source)
     say(f"In {demo.shown(source)} lie files to be added: some with tags, two without, a picture "
@@ -54,11 +52,9 @@ def tell(demo, say, heading, require):
     for name in below(source):
         print(f"  {name}")
 
-    ini = demo.host / "Quillon.ini"
-    settings = ini.read_text("utf-8")
-    drive = re.search(r"^LibraryRoot=(\w:)", settings, re.MULTILINE)[1]
-    ini.write_text(change_setting(change_setting(settings, "AddFiles", "1"), "FromFilesPath",
-                                  drive + "\\New"), "utf-8")
+    drive = demo.setting("LibraryRoot")[:2]
+    demo.choose("FromFilesPath", drive + "\\New")
+    demo.choose("AddFiles", 1)
     music, given = below(demo.music), below(source)
     before = demo.all_rows()
     last = max(row["ID"] for row in before["Tracks"])
@@ -83,10 +79,10 @@ def tell(demo, say, heading, require):
     require(all(row["ImageFile"].endswith(" - Tick.jpg") for row in covers), "a cover is missing")
 
     after = demo.all_rows()
-    demo.quillon("run", "--host", demo.host, "--view", "plain")
+    demo.reconcile()
     require(demo.all_rows() == after, "a second run changed rows")
-    ini.write_text(settings, "utf-8")
-    demo.quillon("run", "--host", demo.host, "--view", "plain")
+    demo.choose("AddFiles", 0)
+    demo.reconcile()
     keys = [(row["ID"], row["SoundFile"]) for row in after["Tracks"]]
     require([(row["ID"], row["SoundFile"]) for row in demo.all_rows()["Tracks"]] == keys,
             "a reconciliation changed which tracks there are")

@@ -2,6 +2,8 @@
 
 import base64
 
+from telling import chapter, require, say
+
 # One grey dot each.
 GIF = base64.b64decode("R0lGODdhAQABAIAAAH9/fwAAACwAAAAAAQABAAACAkQBADs=")
 JPEG = bytes([0xFF, 0xD8, 0xFF, 0xD9])
@@ -22,8 +24,8 @@ COVERS = "SELECT Left(Artist, 22) AS Performer, Left(Title, 25) AS Album, ImageF
          " WHERE ImageFile <> '' ORDER BY Artist, Title"
 
 
-def tell(demo, say, heading, require):
-    heading("Covers")
+def tell(demo):
+    chapter("Covers")
     folder = demo.host / "Covers"
     for name, content in IMAGES.items():
         (folder / name).write_bytes(content)
@@ -52,7 +54,7 @@ def tell(demo, say, heading, require):
     after = demo.all_rows()
     now = {row["ImageFile"].rsplit("\\", 1)[1] for row in demo.rows(COVERS)}
     require(now == found - {GONE} | {"#9 Lantern - Wick #2.jpg"}, "the covers are others")
-    demo.quillon("run", "--host", demo.host, "--view", "plain")
+    demo.reconcile()
     again = demo.all_rows()
     require(again["Albums"] == after["Albums"], "a further run changed albums")
     print()

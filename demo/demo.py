@@ -13,10 +13,20 @@ from pathlib import Path
 
 sys.dont_write_bytecode = True
 
+import adding_story
+import cover_story
+import download_story
+import picker_story
 import playlist_story
+import remote_story
 import rows_before
 import sample_library
-from telling import WIDTH, Untrue, count, heading, require, say
+import tag_story
+import verification_story
+from telling import WIDTH, Untrue, chapter, count, heading, require, say
+
+STORIES = (playlist_story, download_story, cover_story, adding_story, remote_story, picker_story,
+           verification_story, tag_story)
 
 TABLES = ("Albums", "Tracks", "Playlists", "Spinner", "SpinnerArtist", "SpinnerGenre",
           "SpinnerID3Differences")
@@ -52,17 +62,15 @@ class Demo:
                          f"{result.returncode}")
         return result.stdout.decode()
 
-    def rows(self, statement, database=None):
-        database = database or self.database
-        lines = self.quillon("db", "query", database, statement, "--json").splitlines()
+    def rows(self, statement):
+        lines = self.quillon("db", "query", self.database, statement, "--json").splitlines()
         return [json.loads(line) for line in lines]
 
-    def show(self, statement, database=None):
-        database = database or self.database
-        print(f"$ quillon db query {self.shown(database)} \\")
+    def show(self, statement):
+        print(f"$ quillon db query {self.shown(self.database)} \\")
         print(textwrap.fill(f'"{statement}"', WIDTH, initial_indent="    ",
                             subsequent_indent="    ", break_on_hyphens=False))
-        print(self.quillon("db", "query", database, statement), end="", flush=True)
+        print(self.quillon("db", "query", self.database, statement), end="", flush=True)
 
     def all_rows(self):
         return {table: self.rows(f"SELECT * FROM [{table}]") for table in TABLES}
@@ -76,16 +84,32 @@ class Demo:
         self.folder.mkdir(parents=True)
         (self.folder / MADE_HERE).write_text("The demo may remove this folder and all in it.\n")
 
+    def setting(self, key):
+        text = (self.host / "Quillon.ini").read_text("utf-8")
+        return re.search(rf"^{key}=(.*)$", text, re.MULTILINE)[1].strip()
+
+    def choose(self, key, value):
+        """Gives a setting another value."""
+        file = self.host / "Quillon.ini"
+        text, found = re.subn(rf"^{key}=.*$", lambda _: f"{key}={value}",
+                              file.read_text("utf-8"), flags=re.MULTILINE)
+        require(found == 1, f"the settings have no {key}")
+        file.write_text(text, "utf-8")
+
+    def reconcile(self):
+        """A run of which nothing is shown; what it printed."""
+        return self.quillon("run", "--host", self.host, "--view", "plain")
+
     def run(self):
         print(f"$ quillon run --host {self.shown(self.host)} --view plain")
-        print(self.quillon("run", "--host", self.host, "--view", "plain"), end="", flush=True)
+        print(self.reconcile(), end="", flush=True)
 
     def tell(self):
         self.fresh_folder()
         self.tell_of_files()
         self.tell_of_rows()
         before = self.all_rows()
-        heading("3. The first run")
+        chapter("The first run")
         say("A line for each phase; the indented ones are the records of the log.")
         print()
         self.run()
@@ -93,13 +117,14 @@ class Demo:
         self.tell_what_changed(before, first)
         self.tell_of_second_run(first)
         self.tell_of_third_run()
-        playlist_story.tell(self)
+        for story in STORIES:
+            story.tell(self)
         self.tell_how_to_go_on()
 
     def tell_of_files(self):
         artists, albums, self.songs = sample_library.make(self.music)
         self.albums = albums
-        heading("1. A music folder")
+        chapter("A music folder")
         say(f"{count(artists, 'artist')}, {count(albums, 'album')}, {count(self.songs, 'song')}: "
             f"MP3 files with ID3 tags in {self.shown(self.music)}, one folder an artist, one "
             "folder an album in it.")
@@ -109,11 +134,9 @@ class Demo:
 
     def tell_of_rows(self):
         self.quillon("init", self.host, "--music", self.music)
-        settings = (self.host / "Quillon.ini").read_text("utf-8")
-        root = re.search(r"^LibraryRoot=(.*)$", settings, re.MULTILINE)[1].strip()
-        for statement in rows_before.statements(root):
+        for statement in rows_before.statements(self.setting("LibraryRoot")):
             self.quillon("db", "exec", self.database, statement)
-        heading("2. A jukebox database that knows a little of it")
+        chapter("A jukebox database that knows a little of it")
         say(f"quillon init made the host folder {self.shown(self.host)}: settings, drive table and "
             "a new Access database. To give it a past, rows were put in: discs in the slots of "
             "players 1 and 2, and albums of player 1001, which stands for the library. Of these, "
@@ -123,7 +146,7 @@ class Demo:
         self.show("SELECT CDJID, Player, Tracks, Artist, Title FROM Albums ORDER BY ID")
 
     def tell_what_changed(self, before, after):
-        heading("4. The database after it")
+        chapter("The database after it")
         self.show("SELECT Player, Tracks, Left(Artist, 28) AS Performer, Left(Title, 30) AS Album "
                   "FROM Albums ORDER BY Artist, Title")
         old = {row["ID"]: row for row in before["Tracks"]}
@@ -166,11 +189,11 @@ class Demo:
                 == {"Lost at the Ferry", "Pull", "Pull (copy)"}, "other albums were removed")
 
     def tell_of_second_run(self, before):
-        heading("5. The second run: numbers by file time")
+        chapter("The second run: numbers by file time")
         say("A new file keeps the number of its tag. From its second run on the library numbers "
             "an album by the times of its files, oldest first; two albums here were copied to "
             "the disk in another order than that of their songs.")
-        self.quillon("run", "--host", self.host, "--view", "plain")
+        self.reconcile()
         after = self.all_rows()
         old = {row["ID"]: row for row in before["Tracks"]}
         renumbered = [(old[row["ID"]], row) for row in after["Tracks"]
@@ -183,9 +206,9 @@ class Demo:
         require(all(was["Title"] == now["Title"] for was, now in renumbered), "titles changed")
 
     def tell_of_third_run(self):
-        heading("6. The third run: nothing")
+        chapter("The third run: nothing")
         before = self.all_rows()
-        self.quillon("run", "--host", self.host, "--view", "plain")
+        self.reconcile()
         after = self.all_rows()
         for table in TABLES:
             require(after[table] == before[table], f"the third run changed rows of {table}")

@@ -1,8 +1,10 @@
 """The download table after the first runs."""
 
+from telling import chapter, require, say
 
-def tell(demo, say, heading, require):
-    heading("The download table")
+
+def tell(demo):
+    chapter("The download table")
     say("Streaming programs find the library's songs in tables of their own. Each song got a link of "
         "its row's number; the genre is what stands in the middle of a link of its artist.")
     print()

@@ -5,20 +5,11 @@ from urllib.parse import unquote
 
 import covers
 import sample_library
+from telling import chapter, require, say
 
 # This one stays without a cover, to show what the pages do then.
 WITHOUT_COVER = "Ballast"
 FEWEST_TRACKS = 3
-
-
-def set_in(host, **settings):
-    """Changes settings of a host folder."""
-    file = host / "Quillon.ini"
-    text = file.read_bytes().decode("utf-8")
-    for key, value in settings.items():
-        text, changes = re.subn(rf"(?m)^{key}=[^\r\n]*", f"{key}={value}", text)
-        assert changes == 1, key
-    file.write_bytes(text.encode("utf-8"))
 
 
 def draw_covers(demo):
@@ -40,16 +31,17 @@ def draw_covers(demo):
     return folder, drawn
 
 
-def tell(demo, heading, say, require):
-    heading("7. Web pages to pick albums from")
+def tell(demo):
+    chapter("Web pages to pick albums from")
     folder, drawn = draw_covers(demo)
-    set_in(demo.host, AlbumPicker="1", PickerMinimum=str(FEWEST_TRACKS))
+    demo.choose("AlbumPicker", 1)
+    demo.choose("PickerMinimum", FEWEST_TRACKS)
     say(f"{drawn} covers were drawn into {demo.shown(folder)} and tied to their albums. With "
         f"AlbumPicker=1 and PickerMinimum={FEWEST_TRACKS} a run makes an index and pages of the "
         "albums that have at least so many tracks.")
     print()
     demo.run()
-    set_in(demo.host, AlbumPicker="0")
+    demo.choose("AlbumPicker", 0)
 
     pages = demo.host / "HTML" / "Quillon" / "AlbumPicker"
     index = (pages / "AlbumPicker0.asp").read_text("ascii")

@@ -5,7 +5,7 @@ import os
 
 import sample_library
 import sound_files
-from telling import count, heading, require, say
+from telling import chapter, count, require, say
 
 HEADER = "CDJ Playlist V1.1"
 RADIO, DIAL = "Grandmother's Radio", "Dial"
@@ -73,7 +73,7 @@ def show(lists, name):
 
 
 def tell_of_lists_made_by_hand(demo, lists):
-    heading("7. Playlists made by hand")
+    chapter("Playlists made by hand")
     say("The jukebox's lists name songs by album and position, counted from 0; -1 is the whole "
         "album. Two of these three also name songs of an album that has lost its folder.")
     print()
@@ -112,12 +112,12 @@ def tell_of_repairs(demo, lists):
     before = {name: lists.lines(name) for name in (ROAD, OLD, FERRY)}
     add_an_old_song(demo)
     give_artists_a_genre(demo)
-    heading("8. The album gets a song in front")
+    chapter("The album gets a song in front")
     say(f"\"{NEW_SONG}\" was put into \"{DIAL}\". Its file is older than the others, so all their "
         "numbers move. What the log says of playlists:")
     print()
-    output = demo.quillon("run", "--host", demo.host, "--view", "plain")
-    output += demo.quillon("run", "--host", demo.host, "--view", "plain")
+    output = demo.reconcile()
+    output += demo.reconcile()
     for line in output.splitlines():
         if line.startswith("   Quillon: Playlist "):
             print("  " + line.strip().removeprefix("Quillon: "))
@@ -141,7 +141,7 @@ def tell_of_repairs(demo, lists):
 
 
 def tell_of_generated_lists(demo, lists):
-    heading("9. Playlists made by the program")
+    chapter("Playlists made by the program")
     say("For each genre of the download table and for each of its artists the same runs have made "
         "a list, and recorded it in the table Playlists.")
     print()
@@ -154,21 +154,19 @@ def tell_of_generated_lists(demo, lists):
     show(lists, name)
     require(lists.songs(name)[0] and None not in lists.songs(name), "an entry names nothing")
     before = lists.all_bytes()
-    demo.quillon("run", "--host", demo.host, "--view", "plain")
+    demo.reconcile()
     require(lists.all_bytes() == before, "a further run has changed a list")
     print()
     say(f"A further run was made: not a byte of the {count(len(before), 'list')} is another.")
 
 
 def tell_of_other_players(demo, lists):
-    heading("10. The same lists for other players")
+    chapter("The same lists for other players")
     say("With PlaToM3u=1 a run converts them; the database stays as it is.")
     print()
-    settings = demo.host / "Quillon.ini"
-    usual = settings.read_text("utf-8")
-    settings.write_text(usual.replace("PlaToM3u=0", "PlaToM3u=1"), "utf-8")
+    demo.choose("PlaToM3u", 1)
     demo.run()
-    settings.write_text(usual, "utf-8")
+    demo.choose("PlaToM3u", 0)
     converted = lists.converted / ROAD.replace(".pla", ".m3u")
     content = converted.read_bytes().decode("cp1252")
     print(f"\n$ cat {demo.shown(converted)}")

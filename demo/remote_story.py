@@ -1,7 +1,8 @@
 """The library moves: stored paths are made to fit another machine."""
 
-import re
 import shutil
+
+from telling import chapter, require, say
 
 SHARE, COVERS = r"\\attic\music", r"\\attic\covers"
 PATHS = "SELECT Tracks.ID, Albums.ID AS Album, ImageFile, SoundFile FROM Albums INNER JOIN Tracks" \
@@ -10,25 +11,14 @@ SHOWN = "SELECT Track, SoundFile FROM Albums INNER JOIN Tracks ON Albums.CDJID =
         " WHERE Albums.Title='Wick #2' ORDER BY Track"
 
 
-def change_setting(settings, key, value):
-    """Puts a value in the place of the one that is there."""
-    changed, count = re.subn(rf"^{key}=.*?$", lambda _: f"{key}={value}", settings,
-                             flags=re.MULTILINE)
-    assert count == 1, key
-    return changed
-
-
-def tell(demo, say, heading, require):
-    heading("The library from another machine")
+def tell(demo):
+    chapter("The library from another machine")
     machine = demo.elsewhere("attic")
     shutil.copytree(demo.host, machine.host)
-    ini, host_ini = machine.host / "Quillon.ini", machine.host / "host.ini"
-    settings = ini.read_text("utf-8")
-    root = re.search(r"^LibraryRoot=\w:(.*?)$", settings, re.MULTILINE)[1].strip()
-    for key, value in {"LibraryRoot": SHARE + root, "AlbumCoverFolder": COVERS + "\\Covers\\",
-                       "MakeRemote": "1"}.items():
-        settings = change_setting(settings, key, value)
-    ini.write_text(settings, "utf-8")
+    host_ini = machine.host / "host.ini"
+    machine.choose("LibraryRoot", SHARE + machine.setting("LibraryRoot")[2:])
+    machine.choose("AlbumCoverFolder", COVERS + "\\Covers\\")
+    machine.choose("MakeRemote", 1)
     host_ini.write_text(host_ini.read_text("utf-8").replace(
         "[Drives]\n", f"[Drives]\n{SHARE}={demo.folder}\n{COVERS}=.\n"), "utf-8")
     say(f"A copy of the host folder, {demo.shown(machine.host)}, stands for another machine. It "
@@ -49,10 +39,10 @@ def tell(demo, say, heading, require):
             require(row["ImageFile"] == COVERS + old["ImageFile"][2:], f"{row['ImageFile']} is wrong")
     require(len(after) == len(before) > 0, "tracks are missing")
 
-    machine.quillon("run", "--host", machine.host, "--view", "plain")
+    machine.reconcile()
     require(machine.rows(PATHS) == after, "the second remote run changed paths")
-    ini.write_text(change_setting(settings, "MakeRemote", "0"), "utf-8")
-    machine.quillon("run", "--host", machine.host, "--view", "plain")
+    machine.choose("MakeRemote", 0)
+    machine.reconcile()
     require(machine.rows(PATHS) == after, "a reconciliation over there changed paths")
     print()
     say(f"All {len(after)} tracks are re-pointed. A second such run changes nothing, and a "

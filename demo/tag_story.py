@@ -3,6 +3,7 @@
 import re
 
 import sound_files
+from telling import chapter, require, say
 
 ARTIST, ALBUM = "Fennel Road", "Slow Ferry"
 DIFFERENCES = (
@@ -29,24 +30,22 @@ def tag_of(path):
 
 
 class TagStory:
-    """`demo` gives the program, a folder and ways to talk."""
+    """Another library with a host folder of its own."""
 
-    def __init__(self, demo, say, heading, require):
-        self.demo, self.say, self.heading, self.require = demo, say, heading, require
+    def __init__(self, demo):
+        self.place = demo.elsewhere("tag-host")
         self.music = demo.folder / "Tagged Music"
-        self.host = demo.folder / "tag-host"
-        self.database = self.host / "jukebox.mdb"
         self.files = {title: self.music / ARTIST / ALBUM / f"{ARTIST} - {title}.mp3"
                       for title in ("Harbour Light", "Second Landing")}
 
     def tell(self):
         self.make()
-        self.heading("Tags and database: two ways to agree")
-        self.say("Two songs whose tags say other things than their folders and the database. The "
+        chapter("Tags and database: two ways to agree")
+        say("Two songs whose tags say other things than their folders and the database. The "
                  "differences are rows of a table, as a comparison of tags leaves them; they may "
                  "be worked off in either direction.")
         print()
-        self.show("SELECT Field, ID3Value, DBValue, Track FROM SpinnerID3Differences")
+        self.place.show("SELECT Field, ID3Value, DBValue, Track FROM SpinnerID3Differences")
         self.write_tags()
         self.update_database()
 
@@ -59,9 +58,9 @@ class TagStory:
                     song="Second Landing", artist=ARTIST, album="Slow Fairy", genre=80)}
         for title, path in self.files.items():
             sound_files.write(path, sound_files.silence(0.5) + tags[title], times[title])
-        self.demo.quillon("init", self.host, "--music", self.music)
-        self.choose("Reconcile", "ID3Reconcile=0")
-        self.demo.quillon("run", "--host", self.host, "--view", "plain")
+        self.place.quillon("init", self.place.host, "--music", self.music)
+        self.place.choose("ID3Reconcile", 0)
+        self.place.reconcile()
         self.execute("UPDATE Tracks SET Minutes = 3, Seconds = 5 WHERE Title = 'Harbour Light'")
         for title in self.files:
             self.execute("DELETE * FROM Spinner WHERE Song = '" + title + "'")
@@ -74,7 +73,7 @@ class TagStory:
                          f"'{ALBUM}', '{title}')")
 
     def write_tags(self):
-        self.heading("ID3Write=1: the tags follow the database")
+        chapter("ID3Write=1: the tags follow the database")
         before = {title: (tag_of(path), path.stat()) for title, path in self.files.items()}
         self.run("ID3Write")
         for title, path in self.files.items():
@@ -84,55 +83,46 @@ class TagStory:
             for name, value in old.items():
                 mark = " " if value == new[name] else "*"
                 print(f"  {mark} {name:<8} {value:<32} {new[name]}".rstrip())
-            self.require(sound == sound_now, f"the sound of {title} has changed")
-            self.require(path.stat().st_mtime_ns == facts.st_mtime_ns
+            require(sound == sound_now, f"the sound of {title} has changed")
+            require(path.stat().st_mtime_ns == facts.st_mtime_ns
                          and path.stat().st_size == facts.st_size,
                          f"size or time of {title} has changed")
         light, landing = (tag_of(path)[0] for path in self.files.values())
-        self.require((light["Artist"], light["Genre"], light["Comment"], light["Year"])
+        require((light["Artist"], light["Genre"], light["Comment"], light["Year"])
                      == (ARTIST, "Folk", "live Length='185'", "1998"), "the tag was not written")
-        self.require((landing["Album"], landing["Track"]) == (ALBUM, "2"),
+        require((landing["Album"], landing["Track"]) == (ALBUM, "2"),
                      "the tag was not written")
         print()
-        self.say("Year and remark stayed, and so did every byte before the tags, the sizes and "
+        say("Year and remark stayed, and so did every byte before the tags, the sizes and "
                  "the times of the files, by which albums are numbered.")
 
     def update_database(self):
-        self.heading("ID3Update=1: the database follows the tags")
-        self.say("The same rows in the other direction: length and genre are taken from them, "
+        chapter("ID3Update=1: the database follows the tags")
+        say("The same rows in the other direction: length and genre are taken from them, "
                  "names never.")
         print()
         query = ("SELECT Tracks.Title, Minutes, Seconds, Genre FROM Tracks INNER JOIN Spinner ON "
                  "Tracks.Title = Spinner.Song ORDER BY Track")
-        self.show(query)
+        self.place.show(query)
         self.run("ID3Update")
         print()
-        self.show(query)
-        row = self.rows(query)[0]
-        self.require((row["Minutes"], row["Seconds"], row["Genre"]) == (3, 34, "Pop"),
+        self.place.show(query)
+        row = self.place.rows(query)[0]
+        require((row["Minutes"], row["Seconds"], row["Genre"]) == (3, 34, "Pop"),
                      "length and genre were not taken")
 
-    def choose(self, mode, *others):
+    def choose(self, mode):
         """Switches one mode on and all others off."""
-        settings = self.host / "Quillon.ini"
-        text = settings.read_bytes().decode("cp1252")
         for name in ("Reconcile", "ID3Write", "ID3Update"):
-            text = re.sub(rf"(?m)^{name}=\d", f"{name}={int(name == mode)}", text)
-        for other in others:
-            name = other.split("=")[0]
-            text = re.sub(rf"(?m)^{name}=\d", other, text)
-        settings.write_bytes(text.encode("cp1252"))
+            self.place.choose(name, int(name == mode))
 
     def run(self, mode):
         self.choose(mode)
-        print(f"$ quillon run --host {self.demo.shown(self.host)} --view plain")
-        print(self.demo.quillon("run", "--host", self.host, "--view", "plain"), end="", flush=True)
+        self.place.run()
 
     def execute(self, statement):
-        self.demo.quillon("db", "exec", self.database, statement)
+        self.place.quillon("db", "exec", self.place.database, statement)
 
-    def rows(self, statement):
-        return self.demo.rows(statement, self.database)
 
-    def show(self, statement):
-        self.demo.show(statement, self.database)
+def tell(demo):
+    TagStory(demo).tell()

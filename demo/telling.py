@@ -1,8 +1,10 @@
 """How a story is told on a terminal, and how it is checked while it is told."""
 
+import itertools
 import textwrap
 
 WIDTH = 78
+CHAPTERS = itertools.count(1)
 
 
 class Untrue(Exception):
@@ -15,6 +17,10 @@ def say(text):
 
 def heading(text):
     print(f"\n{text}\n{'-' * len(text)}", flush=True)
+
+
+def chapter(title):
+    heading(f"{next(CHAPTERS)}. {title}")
 
 
 def require(condition, text):

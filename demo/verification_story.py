@@ -1,10 +1,9 @@
 """The story of tags that disagree: a small library of its own, compared, put right and told of."""
 
-import json
 import os
-import re
 
 import sound_files
+from telling import chapter, require, say
 
 ARTIST, ALBUM = "Cedar Post", "Rain Diary"
 
@@ -25,22 +24,13 @@ PLAYS = "SELECT Title, Track, TimesPlayed AS Plays FROM Tracks ORDER BY Track"
 FIRST_TIME = 1577836800
 
 
-class Story:
-    def __init__(self, demo, say, heading, require):
-        self.demo, self.say, self.heading, self.require = demo, say, heading, require
-        self.folder = demo.folder / "tags"
-        self.host = self.folder / "host"
-        self.database = self.host / "jukebox.mdb"
-        self.album = self.folder / "Music" / ARTIST / ALBUM
+class VerificationStory:
+    """Another library with a host folder of its own."""
 
-    def quillon(self, *arguments):
-        return self.demo.quillon(*arguments)
-
-    def run(self):
-        return self.quillon("run", "--host", self.host, "--view", "plain")
-
-    def show(self, statement):
-        print(self.quillon("db", "query", self.database, statement), end="", flush=True)
+    def __init__(self, demo):
+        self.place = demo.elsewhere("verification-host")
+        self.music = demo.folder / "Disagreeing Music"
+        self.album = self.music / ARTIST / ALBUM
 
     def names(self):
         return sorted(os.listdir(self.album))
@@ -50,22 +40,15 @@ class Story:
             fields = {"artist": ARTIST, "album": ALBUM} | tag
             sound_files.write(self.album / name, sound_files.silence(1) + sound_files.tag(**fields),
                               FIRST_TIME + number * 60)
-        self.quillon("init", self.host, "--music", self.folder / "Music")
-        self.run()
+        self.place.quillon("init", self.place.host, "--music", self.music)
+        self.place.reconcile()
         for change in ("TimesPlayed = Track * 7", "Minutes = 3, Seconds = 0 WHERE Title = 'Thaw'",
                        "Minutes = 3, Seconds = 0 WHERE Title = 'Drizzle'"):
-            self.quillon("db", "exec", self.database, f"UPDATE Tracks SET {change}")
-
-    def switch_on(self):
-        settings = self.host / "Quillon.ini"
-        text = settings.read_text("utf-8")
-        for key in ("ID3Reconcile", "ReconcileOption"):
-            text = re.sub(rf"^{key}=.*$", f"{key}=1", text, flags=re.MULTILINE)
-        settings.write_text(text, "utf-8")
+            self.place.quillon("db", "exec", self.place.database, f"UPDATE Tracks SET {change}")
 
     def tell(self):
-        self.heading("Tags and names")
-        self.say("Another library, of one album. Its database knows all six files and how often "
+        chapter("Tags and names")
+        say("Another library, of one album. Its database knows all six files and how often "
                  "they were played. The tags tell it differently in places.")
         self.prepare()
         print()
@@ -73,25 +56,26 @@ class Story:
             print(f"  {name:<34}tag: {tag['song']}, {tag.get('artist', ARTIST)}, "
                   f"{tag['comment']}")
         print()
-        self.show(PLAYS)
+        self.place.show(PLAYS)
         print()
-        self.say("A run with ID3Reconcile=1 and ReconcileOption=1 compares them. Files take the "
+        say("A run with ID3Reconcile=1 and ReconcileOption=1 compares them. Files take the "
                  "titles of their tags for names, and round brackets for square ones.")
-        self.switch_on()
+        for key in ("ID3Reconcile", "ReconcileOption"):
+            self.place.choose(key, 1)
         print()
-        output = self.run()
+        output = self.place.reconcile()
         print("".join(line + "\n" for line in output.splitlines() if "is kept as" in line), end="")
         for name in self.names():
             print(f"  {name}")
         print()
-        self.say("Their rows have come along with all plays; the copy was moved out of the library, "
+        say("Their rows have come along with all plays; the copy was moved out of the library, "
                  "and its row has gone.")
         print()
-        self.show(PLAYS)
+        self.place.show(PLAYS)
         print()
-        csv = self.host / "Data" / "Quillon" / "QuillonReconcile.csv"
-        self.say(f"What disagreed is in the table SpinnerID3Differences and in "
-                 f"{self.demo.shown(csv)} (time, field, tag, expected, artist, album, song). One "
+        csv = self.place.host / "Data" / "Quillon" / "QuillonReconcile.csv"
+        say(f"What disagreed is in the table SpinnerID3Differences and in "
+                 f"{self.place.shown(csv)} (time, field, tag, expected, artist, album, song). One "
                  "second more or less in a length is no difference.")
         print()
         lines = csv.read_bytes().decode("cp1252").splitlines()
@@ -99,21 +83,17 @@ class Story:
         self.check(lines)
 
     def check(self, lines):
-        self.require(self.names() == AFTERWARDS, f"the files are {self.names()}")
-        rows = {row["Title"]: row for row in self.demo_rows(PLAYS)}
-        self.require({title: row["Plays"] for title, row in rows.items()}
+        require(self.names() == AFTERWARDS, f"the files are {self.names()}")
+        rows = {row["Title"]: row for row in self.place.rows(PLAYS)}
+        require({title: row["Plays"] for title, row in rows.items()}
                      == {"Drizzle": 7, "Cloudburst": 14, "Puddle (demo)": 21, "Gutter": 28,
                          "Thaw": 35}, "a song has lost its plays")
-        kept = [path.name for path in (self.host / "Removed").rglob("*.mp3")]
-        self.require(kept == ["07 Drizzle.mp3"], "the copy was not kept")
+        kept = [path.name for path in (self.place.host / "Removed").rglob("*.mp3")]
+        require(kept == ["07 Drizzle.mp3"], "the copy was not kept")
         told = sorted(line.split(",")[1] for line in lines)
-        self.require(told == ["Artist", "Comment", "Song", "Song"], f"the differences are {told}")
-        self.quillon("db", "check", self.database)
-
-    def demo_rows(self, statement):
-        lines = self.quillon("db", "query", self.database, statement, "--json").splitlines()
-        return [json.loads(line) for line in lines]
+        require(told == ["Artist", "Comment", "Song", "Song"], f"the differences are {told}")
+        self.place.quillon("db", "check", self.place.database)
 
 
-def tell(demo, say, heading, require):
-    Story(demo, say, heading, require).tell()
+def tell(demo):
+    VerificationStory(demo).tell()
