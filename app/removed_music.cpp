@@ -38,7 +38,7 @@ bool IsMusic(const Run& run, std::string_view path) {
 }  // namespace
 
 RemovedMusicSetting ReadRemovedMusicSetting(HostFolder& host) {
-    std::string text = host.HostSetting("Removed", "Keep", "1");
+    std::string text = host.GetINISetting("Removed", "Keep", "1", HostSettingsFile);
     const bool no = IsOneOf(text, NoWords);
     const bool understood = no || IsOneOf(text, YesWords);
     return {.text = std::move(text), .keep = !no, .understood = understood};

@@ -12,6 +12,7 @@
 #include "reconcile/file_list.h"
 #include "run/log.h"
 #include "run/run.h"
+#include "run/sound_files.h"
 #include "run/steps.h"
 
 namespace quillon {
