@@ -23,7 +23,7 @@ constexpr std::array WhatToRun{
     SettingExplanation{"AlbumPicker", "Make the album picker's web pages."},
     SettingExplanation{"PlaToM3u", "Convert the .pla playlists to .m3u."},
     SettingExplanation{"MakeRemote", "Rewrite stored paths for use from another machine."},
-    SettingExplanation{"M3uToPla", "Convert the .m3u playlists to .pla."},
+    SettingExplanation{"M3uToPla", "Reserved; copies the playlist folder and converts nothing."},
 };
 
 constexpr std::array Library{

@@ -11,7 +11,6 @@
 #include <fstream>
 #include <functional>
 #include <iostream>
-#include <random>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -28,12 +27,13 @@
 #include "playlists/create.h"
 #include "playlists/refresh.h"
 #include "playlists/working_set.h"
+#include "run/random_numbers.h"
 #include "run/run.h"
 
+namespace quillon::bench {
 namespace {
 
 namespace fs = std::filesystem;
-using namespace quillon;
 
 constexpr std::int64_t Artists = 2'000, AlbumsAnArtist = 5, TracksAnAlbum = 10, Genres = 20;
 constexpr std::int64_t Tracks = Artists * AlbumsAnArtist * TracksAnAlbum;
@@ -95,12 +95,12 @@ class Stage {
     void MakeLists(std::size_t count) const {
         fs::remove_all(Lists());
         fs::create_directory(Lists());
-        std::mt19937 random(1);
+        RandomNumbers random;
         for (std::size_t list = 0; list < count; ++list) {
             std::ofstream file(Lists() / fmt::format("List {}.pla", list), std::ios::binary);
             file << "CDJ Playlist V1.1\r\n";
             for (std::size_t entry = 0; entry < EntriesAList; ++entry) {
-                const std::int64_t track = random() % Tracks;
+                const auto track = static_cast<std::int64_t>(random.Next() * Tracks);
                 file << Cdjid(track / TracksAnAlbum) << ' ' << track % TracksAnAlbum << "\r\n";
             }
         }
@@ -136,7 +136,7 @@ class Stage {
         }
     }
 
-    quillon::bench::TemporaryFolder folder_;
+    TemporaryFolder folder_;
     PathResolver resolver_{Drives(folder_.Path())};
     PortableFiles files_{resolver_, [](const std::string&) {}};
     SystemClock clock_;
@@ -212,10 +212,11 @@ void Main() {
 }
 
 }  // namespace
+}  // namespace quillon::bench
 
 int main() {
     try {
-        Main();
+        quillon::bench::Main();
     } catch (const std::exception& error) {
         std::cerr << "playlist_bench: " << error.what() << '\n';
         return 2;

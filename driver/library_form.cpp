@@ -78,6 +78,7 @@ RunOutcome LibraryForm::main() {
     });
     run_.connection.reset();
     run_.GenreDictionary.clear();
+    run_.playlistEntries = {};
     return outcome;
 }
 

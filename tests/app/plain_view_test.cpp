@@ -97,6 +97,20 @@ TEST(PlainView, SumsUpAtTheEnd) {
               "Tracks: 31 added, 0 changed, 0 removed, 4 unchanged. 1 error.\n");
 }
 
+TEST(PlainView, CountsPlaylistsWhereARunHadToDoWithThem) {
+    const Pipe pipe;
+    PlainView view(pipe.Writer());
+    RunCounts counts;
+    counts.playlistsWritten = 3;
+    counts.playlistsRepaired = 2;
+    counts.playlistsRemoved = 1;
+    view.Summarize({RunOutcome::Completed, counts, std::chrono::seconds(62)});
+    EXPECT_EQ(pipe.Waiting(),
+              "Done in 0:01:02. Albums: 0 added, 0 changed, 0 removed, 0 unchanged. "
+              "Tracks: 0 added, 0 changed, 0 removed, 0 unchanged. "
+              "Playlists: 3 written, 2 repaired, 1 removed. 0 errors.\n");
+}
+
 TEST(PlainView, OutlivesAReaderThatGoesAway) {
     Pipe pipe;
     const AbortSignals signals;

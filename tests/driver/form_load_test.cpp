@@ -214,12 +214,25 @@ TEST_F(FormLoad, StartsWithoutAWordWhereWorkingSetAndGenreDictionaryAreNotThere)
     EXPECT_THAT(host.log, IsEmpty());
 }
 
-TEST_F(FormLoad, ReleasesConnectionAndDictionary) {
+TEST_F(FormLoad, SeedsTheRandomNumbersFromTheClockOnce) {
+    RandomNumbers expected;
+    expected.Seed(world.clock.now);
+    std::vector<double> drawn;
+    const auto draw = [&drawn](Run& context) { drawn.push_back(context.random.Next()); };
+    procedures.BuildORsRecordset = procedures.PopulateGenre = draw;
+    Load();
+    EXPECT_EQ(drawn, (std::vector{expected.Next(), expected.Next()}));
+}
+
+TEST_F(FormLoad, ReleasesConnectionDictionaryAndWorkingSet) {
     Note(&Procedures::PopulateGenre, "PopulateGenre",
          [](Run& context) { context.GenreDictionary["ABS"] = "Rock"; });
+    Note(&Procedures::BuildORsRecordset, "BuildORsRecordset",
+         [](Run& context) { context.playlistEntries.Add({.ID = 1}); });
     Load();
     EXPECT_EQ(run.connection, nullptr);
     EXPECT_TRUE(run.GenreDictionary.empty());
+    EXPECT_EQ(run.playlistEntries.Count(), 0U);
 }
 
 TEST_F(FormLoad, MakesTheDatabaseDurableBeforeItIsLetGo) {
