@@ -8,6 +8,7 @@
 
 #include "id3/difference_fields.h"
 #include "id3/renames.h"
+#include "id3/song_title.h"
 #include "id3/tag_comparison.h"
 #include "id3/tag_reader.h"
 #include "id3/track_info.h"
@@ -75,10 +76,6 @@ class AlbumTags {
     std::string NameOf(std::string_view title) const {
         return std::string(artist_).append(" - ").append(title).append(".mp3");
     }
-    std::string SongOf(std::string_view name) const {
-        return Replace(Replace(name, ".mp3", ""), artist_ + " - ", "");
-    }
-
     std::vector<std::string> SoundFiles() {
         std::vector<std::string> names;
         walk_.steps.Concerning(folder_.path);
@@ -137,7 +134,7 @@ class AlbumTags {
         if (pieces.size() < RecordPieces) return std::nullopt;
 
         Found file;
-        const std::string song = SongOf(name);
+        const std::string song = SongTitle(name, artist_);
         const std::string info = GetID3TrackInfo(walk_.run, artist_, folder_.name, song);
         const std::size_t bar = info.find('|');
         TagComparison tag =

@@ -4,22 +4,15 @@
 #include <string>
 #include <string_view>
 
+#include "id3/genre_in_file_name.h"
 #include "platform/database.h"
-#include "run/paths.h"
 #include "run/run.h"
 #include "run/steps.h"
 
 namespace quillon {
 namespace {
 
-/// The text between the first two dashes of a stream file's name: "Rock" of ".../000-Rock-000.rm".
-std::string GenreInFileName(std::string_view fileName) {
-    const std::string name = GetBaseName(fileName);
-    const std::size_t first = name.find('-');
-    const std::size_t second = first == std::string::npos ? first : name.find('-', first + 1);
-    if (second == std::string::npos || second == first + 1) return "other";
-    return name.substr(first + 1, second - first - 1);
-}
+constexpr std::string_view UnknownGenre = "other";
 
 }  // namespace
 
@@ -32,6 +25,7 @@ void PopulateGenre(Run& run) {
             std::string genre;
             if (IsNull(rows->Get("Genre"))) {
                 genre = GenreInFileName(rows->Text("FileName"));
+                if (genre.empty()) genre = UnknownGenre;
                 steps.Concerning(song);
                 const bool stored = steps.Try(2, [&] {
                     rows->Set("Genre", genre);

@@ -6,6 +6,7 @@
 
 #include "database/sql.h"
 #include "id3/difference_fields.h"
+#include "id3/genre_in_file_name.h"
 #include "id3/length_text.h"
 #include "platform/database.h"
 #include "run/fast_string.h"
@@ -73,16 +74,6 @@ void ReadGenre(Run& run, const SongNames& names, SongFacts& facts) {
 }
 
 }  // namespace
-
-std::string GenreInFileName(std::string_view fileName) {
-    std::string_view base = fileName.substr(fileName.find_last_of("/\\") + 1);
-    base = base.substr(0, base.rfind('.'));
-    const std::size_t first = base.find('-');
-    if (first == std::string_view::npos) return "";
-    const std::size_t second = base.find('-', first + 1);
-    if (second == std::string_view::npos) return "";
-    return std::string(base.substr(first + 1, second - first - 1));
-}
 
 BuiltRecord GetID3Info(Run& run, const SongNames& names,
                        const std::array<std::string, 9>& present) {

@@ -34,8 +34,4 @@ struct BuiltRecord {
 /// Failures are logged with "GetID3Info Management", and what they concern counts as not known.
 BuiltRecord GetID3Info(Run& run, const SongNames& names, const std::array<std::string, 9>& present);
 
-/// The genre in the base name of a download link (".../000-Rock-000.rm"): the text between the
-/// first "-" and the next one, "" when there are no two.
-std::string GenreInFileName(std::string_view fileName);
-
 }  // namespace quillon

@@ -1,13 +1,13 @@
 #include "id3/song_files.h"
 
+#include "id3/song_title.h"
 #include "platform/basic_text.h"
 #include "run/run.h"
+#include "run/sound_files.h"
 #include "run/steps.h"
 
 namespace quillon {
 namespace {
-
-constexpr std::string_view Ending = ".mp3", Dash = " - ";
 
 template <typename Map>
 auto Found(const Map& map, const std::string& key) {
@@ -16,10 +16,6 @@ auto Found(const Map& map, const std::string& key) {
 }
 
 }  // namespace
-
-std::string SongTitle(std::string_view fileName, std::string_view artist) {
-    return Replace(Replace(fileName, Ending, ""), std::string(artist).append(Dash), "");
-}
 
 SongFiles::SongFiles(Run& run, Steps& steps) : run_(run), steps_(steps) {
     for (const FolderEntry& root : run.LibraryFolders) {
@@ -55,8 +51,7 @@ void SongFiles::ListFiles() {
     for (const std::string& folder : Found(albums_, album_)) {
         steps_.Try(2, [&] {
             for (FileEntry& file : run_.files.FilesIn(folder)) {
-                if (LowerCase(file.name).ends_with(Ending))
-                    files_[KeyOf(file.name)].push_back(std::move(file));
+                if (IsSoundFile(file.name)) files_[KeyOf(file.name)].push_back(std::move(file));
             }
         });
     }

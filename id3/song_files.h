@@ -12,10 +12,6 @@ namespace quillon {
 class Run;
 class Steps;
 
-/// The title that a sound file's name gives its song: the name without every ".mp3" and then
-/// without every occurrence of the artist and " - ".
-std::string SongTitle(std::string_view fileName, std::string_view artist);
-
 /// Finds the sound files of songs in the library folders, whichever of them they are in. Folders
 /// and files are only ever taken from listings, so no name in the database leads out of the
 /// library.

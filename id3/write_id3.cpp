@@ -7,6 +7,7 @@
 #include "database/sql.h"
 #include "id3/difference_fields.h"
 #include "id3/record_builder.h"
+#include "id3/song_title.h"
 #include "id3/tag_record.h"
 #include "id3/tag_writer.h"
 #include "platform/database.h"

@@ -1,0 +1,20 @@
+#include "id3/genre_in_file_name.h"
+
+#include <gtest/gtest.h>
+
+namespace quillon {
+namespace {
+
+TEST(GenreInFileName, IsWhatStandsBetweenTheFirstTwoDashesOfTheBaseName) {
+    EXPECT_EQ(GenreInFileName("rtsp://a-b-c/spinlinks/000-Rock-000.rm"), "Rock");
+    EXPECT_EQ(GenreInFileName("000-Hip-Hop-000.rm"), "Hip");
+    EXPECT_EQ(GenreInFileName("C:\\x-y-z\\000-Rock-.rm"), "Rock");
+    EXPECT_EQ(GenreInFileName("000--000.rm"), "");
+    EXPECT_EQ(GenreInFileName("000-Rock.a-b"), "");
+    EXPECT_EQ(GenreInFileName("Rock.rm"), "");
+    EXPECT_EQ(GenreInFileName("000-Rock.rm"), "");
+    EXPECT_EQ(GenreInFileName(""), "");
+}
+
+}  // namespace
+}  // namespace quillon
