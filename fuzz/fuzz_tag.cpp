@@ -27,7 +27,7 @@ void Compare(const std::vector<std::string>& pieces) {
     quillon::ExpectedTag expected;
     for (std::size_t i = 0; i < expected.size(); ++i)
         expected.at(i) = pieces.at((i + 1) % pieces.size());
-    const std::string seconds = pieces.at(quillon::TagTrack);
+    const std::string& seconds = pieces.at(quillon::TagTrack);
     try {
         const quillon::TagComparison result = quillon::CompareTag(pieces, expected, seconds);
         if (pieces.size() > quillon::RecordPieces) std::abort();
