@@ -101,8 +101,9 @@ std::string SnapshotLine::Text() {
         }
         const std::string_view digits = word.substr(at + 1, 2);
         std::uint8_t byte = 0;
-        const char* const end = digits.data() + digits.size();
-        const auto [stop, error] = std::from_chars(digits.data(), end, byte, 16);
+        const char* const begin = digits.data();
+        const char* const end = begin + digits.size();
+        const auto [stop, error] = std::from_chars(begin, end, byte, 16);
         if (digits.size() != 2 || error != std::errc() || stop != end) {
             well_ = false;
             break;

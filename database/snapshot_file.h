@@ -83,8 +83,9 @@ class SnapshotLine {
     template <typename Number>
     Number Parse(std::string_view word) {
         Number number = 0;
-        const char* const end = word.data() + word.size();
-        const auto [stop, error] = std::from_chars(word.data(), end, number);
+        const char* const begin = word.data();
+        const char* const end = begin + word.size();
+        const auto [stop, error] = std::from_chars(begin, end, number);
         if (word.empty() || error != std::errc() || stop != end) well_ = false;
         return number;
     }

@@ -1,5 +1,5 @@
-// Playlist lines of any bytes: what is taken for an entry is part of its line, and an entry that the
-// tool writes is read back as it was.
+// Playlist lines of any bytes: what is taken for an entry is part of its line, and an entry that
+// the tool writes is read back as it was.
 
 #include <cstddef>
 #include <cstdint>

@@ -22,7 +22,7 @@ std::vector<FileEntry> PlaylistFiles(Run& run) {
     std::vector<FileEntry> files = run.files.FilesIn(FolderPath(run));
     const std::string database = LowerCase(run.settings.Nirvis_CDJ_DB);
     std::erase_if(files, [&database](const FileEntry& file) {
-        return LowerCase(file.path).starts_with(database);
+        return !database.empty() && LowerCase(file.path).starts_with(database);
     });
     return files;
 }

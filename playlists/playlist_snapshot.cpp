@@ -71,10 +71,10 @@ std::optional<PlaylistSnapshot> ReadPlaylistSnapshot(Run& run) {
     std::vector<std::pair<std::string, CapturedPlaylist>> playlists;
     const auto visit = [&playlists](std::string_view kind, SnapshotLine& line) {
         if (kind == ListKind) {
-            std::string name = line.Text();
+            const std::string name = line.Text();
             const PlaylistContent content{.size = line.Whole<std::uint64_t>(),
                                           .fingerprint = line.Whole<std::uint32_t>()};
-            playlists.push_back({std::move(name), {.content = content, .entries = {}}});
+            playlists.emplace_back(name, CapturedPlaylist{.content = content, .entries = {}});
         } else if (playlists.empty()) {
             line.Damaged();
         } else {

@@ -112,9 +112,11 @@ TEST_F(AwkwardFiles, OfUtf16OrJunkHaveNoEntries) {
 }
 
 TEST_F(AwkwardFiles, MayHaveLinesOfTenMegabytes) {
-    const std::string blanks(10'000'000, ' ');
-    Write("Mine.pla", "header\nA0 0" + blanks + "\n" + blanks + "\n" +
-                          std::string(10'000'000, 'x') + "\nA0 1\n");
+    constexpr std::size_t TenMegabytes = 10'000'000;
+    std::string blanks, letters;
+    blanks.resize(TenMegabytes, ' ');
+    letters.resize(TenMegabytes, 'x');
+    Write("Mine.pla", "header\nA0 0" + blanks + "\n" + blanks + "\n" + letters + "\nA0 1\n");
     Repair();
     EXPECT_EQ(Bytes("Mine.pla"), "header\r\nA0 0\r\nA0 1\r\n");
     EXPECT_THAT(library.host.log, SizeIs(1));
