@@ -25,6 +25,8 @@ BASE_SETTINGS = {
     "PlayListPath2": "D:\\M3u\\",
     "Reconcile": "1",
     "ID3Reconcile": "0",
+    "ArtistPlaylist": "0",
+    "GenrePlaylist": "0",
 }
 NOBODY = 65534
 TIME_LIMIT = 240
