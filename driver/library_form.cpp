@@ -21,10 +21,6 @@ constexpr std::string_view PluginMissing =
 constexpr std::string_view EarlierRunInterrupted =
     "An earlier run was interrupted; giving back the track numbers that it had set aside";
 
-void RunIfThere(const Procedures::Work& work, Run& run) {
-    if (work) work(run);
-}
-
 }  // namespace
 
 LibraryForm::LibraryForm(Run& run, DatabaseProvider& databases, std::string_view version,
@@ -68,8 +64,8 @@ RunOutcome LibraryForm::main() {
         run_.random.Seed(run_.clock.Now());
         ReadGenreNames();
         GiveBackForgottenMarks();
-        RunIfThere(procedures_.BuildORsRecordset, run_);
-        RunIfThere(procedures_.PopulateGenre, run_);
+        procedures_.BuildORsRecordset(run_);
+        procedures_.PopulateGenre(run_);
         outcome = UpdateDatabase();
     });
     // Asked for here, because a connection that is let go has nobody to tell a failure to.
@@ -116,7 +112,7 @@ void LibraryForm::ReadGenreNames() {
 }
 
 void LibraryForm::GiveBackForgottenMarks() {
-    if (!procedures_.MarkSnapshotExists || !procedures_.MarkSnapshotExists(run_)) return;
+    if (!procedures_.MarkSnapshotExists(run_)) return;
     WriteLog(run_, LogSource, EarlierRunInterrupted);
     procedures_.RestoreMarks(run_);
 }

@@ -15,7 +15,7 @@ namespace quillon {
 /// How a run ended. Errors that were logged on the way are counted in `Run::counts`.
 enum class RunOutcome {
     Completed,   ///< the mode ran to its end
-    NothingRan,  ///< start-up failed, no mode was asked for, or this version does not have it
+    NothingRan,  ///< start-up failed, or no mode was asked for
     Aborted,     ///< the Abort button was pressed
 };
 
@@ -60,7 +60,6 @@ class LibraryForm {
     void MakeBackups(const BackupPlan& plan);
     void Perform(const Procedures::Work& work);
     bool GiveBackMarks();
-    void LogNotAvailable(std::string_view what);
     RunOutcome Outcome() const;
 
     Run& run_;

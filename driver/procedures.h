@@ -6,8 +6,8 @@ namespace quillon {
 
 class Run;
 
-/// The work that the driver starts, by name. This is the one place where the driver meets the
-/// modes and phases; an empty entry is work that this version does not have.
+/// The work that the driver starts, by name; none is empty. This is the one place where the driver
+/// meets the modes and phases.
 struct Procedures {
     using Work = std::function<void(Run&)>;
 
@@ -42,7 +42,7 @@ struct Procedures {
 /// A piece of work named by its place in the table, as the mode and phase tables refer to it.
 using ProcedureName = Procedures::Work Procedures::*;
 
-/// What this version has.
+/// The program's own.
 Procedures AvailableProcedures();
 
 }  // namespace quillon

@@ -28,7 +28,7 @@ struct ReconcilePhase {
     std::optional<std::size_t> indicator;
     std::string_view item = {};
 
-    /// Run before the work, without a word when this version does not have it.
+    /// Run before the work; may be null.
     ProcedureName preparation = nullptr;
     /// Null: the phase has no work at all, by design.
     ProcedureName work = nullptr;

@@ -15,13 +15,8 @@ RunOutcome LibraryForm::UpdateDatabase() {
 
 RunOutcome LibraryForm::RunMode(const Mode& mode) {
     if (!StartIndicator(mode.indicator)) return Outcome();
-    const Procedures::Work& work = procedures_.*mode.work;
-    if (!work) {
-        LogNotAvailable(mode.what);
-        return RunOutcome::NothingRan;
-    }
     MakeBackups(mode.backups);
-    if (!run_.AbortRequested) Perform(work);
+    if (!run_.AbortRequested) Perform(procedures_.*mode.work);
     return Outcome();
 }
 
@@ -74,15 +69,8 @@ bool LibraryForm::StartPhase(const ReconcilePhase& phase) {
 
 void LibraryForm::RunPhase(const ReconcilePhase& phase) {
     if (phase.work == nullptr) return;
-    if (phase.preparation != nullptr && procedures_.*phase.preparation) {
-        Perform(procedures_.*phase.preparation);
-    }
-    const Procedures::Work& work = procedures_.*phase.work;
-    if (work) {
-        Perform(work);
-    } else {
-        LogNotAvailable(phase.what);
-    }
+    if (phase.preparation != nullptr) Perform(procedures_.*phase.preparation);
+    Perform(procedures_.*phase.work);
 }
 
 /// Lights one indicator of the group; false when the run is to stop.
@@ -113,14 +101,8 @@ void LibraryForm::Perform(const Procedures::Work& work) {
 /// Gives back what is still set aside; false when that failed.
 bool LibraryForm::GiveBackMarks() {
     return updateSteps_.Try(0, [&] {
-        if (procedures_.MarkSnapshotExists && procedures_.MarkSnapshotExists(run_)) {
-            procedures_.RestoreMarks(run_);
-        }
+        if (procedures_.MarkSnapshotExists(run_)) procedures_.RestoreMarks(run_);
     });
-}
-
-void LibraryForm::LogNotAvailable(std::string_view what) {
-    WriteLog(run_, LogSource, std::string(what) + " is not available in this version");
 }
 
 RunOutcome LibraryForm::Outcome() const {

@@ -6,7 +6,6 @@
 
 #include "app/display_text.h"
 #include "driver/modes.h"
-#include "driver/procedures.h"
 #include "driver/reconcile_phases.h"
 
 namespace quillon {
@@ -24,7 +23,7 @@ std::string BackupsText(const BackupPlan& plan, const Settings& settings) {
     return text.empty() ? "none" : text;
 }
 
-void TellPhases(const Settings& settings, const Procedures& procedures, std::ostream& out) {
+void TellPhases(const Settings& settings, std::ostream& out) {
     const ReconcileScope scope{
         .libraryPresent = !settings.LibraryRoot.empty() && !settings.PlaylistsOnly,
         .playlistsOnly = settings.PlaylistsOnly,
@@ -32,9 +31,8 @@ void TellPhases(const Settings& settings, const Procedures& procedures, std::ost
         .reconcileOption = settings.ReconcileOption};
     out << "  Phases\n";
     for (const ReconcilePhase& phase : ReconcilePhases()) {
-        if (!phase.applies(scope) || phase.work == nullptr) continue;
-        out << fmt::format("    {}{}\n", phase.what,
-                           procedures.*phase.work ? "" : " (not available in this version)");
+        if (phase.applies(scope) && phase.work != nullptr)
+            out << fmt::format("    {}\n", phase.what);
     }
 }
 
@@ -48,15 +46,9 @@ void CheckMode(const Settings& settings, std::ostream& out, Findings& findings) 
         findings.Problem("No mode is chosen: set Reconcile=1, for instance");
         return;
     }
-    const Procedures procedures = AvailableProcedures();
-    const bool available = mode->work == nullptr || procedures.*mode->work;
     out << fmt::format("  {}{}\n", mode->what, settings.PlaylistsOnly ? ", playlists only" : "");
-    if (!available) {
-        findings.Problem(fmt::format("{} is not available in this version", mode->what));
-        return;
-    }
     out << fmt::format("  Backups first: {}\n", BackupsText(mode->backups, settings));
-    if (mode->work == nullptr) TellPhases(settings, procedures, out);
+    if (mode->work == nullptr) TellPhases(settings, out);
 }
 
 }  // namespace quillon

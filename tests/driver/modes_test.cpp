@@ -108,21 +108,11 @@ TEST_F(ModesTest, FolderModesAreIgnoredWithoutALibraryRoot) {
     }
 }
 
-TEST_F(ModesTest, ThatThisVersionLacksAreLoggedWithoutBackups) {
-    const std::vector<std::string> names = {
-        "Update database from ID3", "Add files to library", "Write ID3",
-        "Build album picker",       "Pla to m3u playlists", "Update files for remote reference",
-        "M3u to pla playlists"};
-    procedures = {};
-    for (std::size_t i = 0; i < names.size(); ++i) {
-        host.log.clear();
-        const ModeCase mode = Cases()[i];
-        EXPECT_THAT(CallsWith({mode.key}), ElementsAre("Phase " + std::to_string(mode.indicator)));
-        EXPECT_THAT(host.log,
-                    ElementsAre("Quillon: " + names[i] + " is not available in this version"));
-        EXPECT_EQ(outcome, RunOutcome::NothingRan);
-        EXPECT_EQ(run.counts.errors, 0U);
-    }
+TEST_F(ModesTest, AndPhasesAllHaveTheirWork) {
+    const Procedures available = AvailableProcedures();
+    EXPECT_TRUE(available.MarkSnapshotExists);
+    for (const auto& [member, name] : ProcedureNames())
+        EXPECT_TRUE(available.*member) << name;
 }
 
 TEST_F(ModesTest, AFailureInTheWorkIsLoggedAndTheRunEnds) {

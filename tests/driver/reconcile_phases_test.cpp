@@ -207,23 +207,6 @@ TEST_F(ReconcileMode, MakesTheDatabaseDurableBehindEveryPhase) {
                             "Flush", "Flush", "Run RefreshAlbumCovers", "Flush", "Flush"));
 }
 
-TEST_F(ReconcileMode, LogsThePhasesThatThisVersionLacks) {
-    procedures = {};
-    SwitchOn({"ReconcileOption"});
-    EXPECT_EQ(Load(), RunOutcome::Completed);
-    std::vector<std::string> expected;
-    for (const char* what :
-         {"Capture playlists", "Remove duplicates", "Verify ID3", "Add folder tracks to library",
-          "Add library tracks to download table", "Add artist to download table",
-          "Update playlist references", "Create new playlists", "Verify album covers",
-          "Output reconciliation file"}) {
-        expected.push_back("Quillon: " + std::string(what) + " is not available in this version");
-    }
-    EXPECT_THAT(host.log, ElementsAreArray(expected));
-    EXPECT_EQ(run.counts.errors, 0U);
-    EXPECT_EQ(Calls({"Phase"}).size(), 10U);
-}
-
 // Abort.
 
 TEST_F(ReconcileMode, ReturnsBeforeThePhaseWhoseStartNoticesAbort) {
