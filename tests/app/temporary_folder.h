@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
@@ -10,21 +9,13 @@
 #include <vector>
 
 #include "app/program.h"
+#include "tests/outside/temporary_folder.h"
 
 namespace quillon {
 
 /// A folder of its own for each test, removed at its end.
 class TemporaryFolder : public testing::Test {
   protected:
-    TemporaryFolder() {
-        std::string name = std::filesystem::temp_directory_path() / "quillon-app-XXXXXX";
-        folder_ = std::filesystem::canonical(mkdtemp(name.data()));
-    }
-    ~TemporaryFolder() override {
-        std::error_code ignored;
-        std::filesystem::remove_all(folder_, ignored);
-    }
-
     std::filesystem::path Path(const std::string& name) const { return folder_ / name; }
 
     std::filesystem::path MakeFolder(const std::string& name) const {
@@ -44,7 +35,8 @@ class TemporaryFolder : public testing::Test {
     const std::filesystem::path& Folder() const { return folder_; }
 
   private:
-    std::filesystem::path folder_;
+    outside::TemporaryFolder made_;
+    std::filesystem::path folder_ = std::filesystem::canonical(made_.Path());
 };
 
 /// What a call of the program gave back.

@@ -11,9 +11,9 @@
 #include "covers/album_picker.h"
 #include "covers/picker_locations.h"
 #include "platform/portable/jet_database.h"
+#include "tests/outside/temporary_folder.h"
 #include "tests/support/fakes.h"
 #include "tests/support/faulty_connection.h"
-#include "tests/support/temporary_folder.h"
 
 namespace quillon {
 
@@ -77,7 +77,7 @@ class PickerFixture : public ::testing::Test {
     Run& run = world.run;
 
   private:
-    support::TemporaryFolder folder_;
+    outside::TemporaryFolder folder_;
 
   protected:
     NotingProvider databases;

@@ -9,9 +9,9 @@
 #include "platform/portable/jet_database.h"
 #include "platform/portable/path_resolver.h"
 #include "platform/portable/portable_files.h"
+#include "tests/outside/temporary_folder.h"
 #include "tests/support/fakes.h"
 #include "tests/support/real_library.h"
-#include "tests/support/temporary_folder.h"
 
 namespace quillon {
 namespace {
@@ -81,7 +81,7 @@ class RealPickerTest : public ::testing::Test {
     fakes::FakeHost host{calls_};
 
   private:
-    support::TemporaryFolder folder_;
+    outside::TemporaryFolder folder_;
     fakes::FakeClock clock_;
     fakes::FakeWindow window_{calls_};
     PathResolver resolver_;

@@ -14,11 +14,11 @@
 #include "platform/portable/jet_database.h"
 #include "platform/portable/path_resolver.h"
 #include "platform/portable/portable_files.h"
+#include "tests/outside/temporary_folder.h"
 #include "tests/support/database_rows.h"
 #include "tests/support/fakes.h"
 #include "tests/support/open_database.h"
 #include "tests/support/sound_file.h"
-#include "tests/support/temporary_folder.h"
 
 namespace quillon {
 namespace {
@@ -131,7 +131,7 @@ class WholeRun : public ::testing::Test {
         RemoveDuplicates(program.run);
     }
 
-    support::TemporaryFolder folder;
+    outside::TemporaryFolder folder;
     std::size_t errors = 0;
     const std::string copyOfDatabase = "cdj.mdb_Copy Dated_11152026_53855_AM_";
 };

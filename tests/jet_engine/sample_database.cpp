@@ -38,16 +38,6 @@ struct ShowValue {
 
 }  // namespace
 
-TemporaryFolder::TemporaryFolder() {
-    std::string name = (std::filesystem::temp_directory_path() / "quillon-jet-XXXXXX").string();
-    path_ = mkdtemp(name.data());
-}
-
-TemporaryFolder::~TemporaryFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-}
-
 ColumnDefinition Text(const std::string& name, std::uint16_t size) {
     ColumnDefinition column;
     column.name = name;

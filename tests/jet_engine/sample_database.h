@@ -6,21 +6,9 @@
 #include <vector>
 
 #include "jet/database.h"
+#include "tests/outside/temporary_folder.h"
 
 namespace jet::testing {
-
-/// A folder that is removed at the end of the test.
-class TemporaryFolder {
-  public:
-    TemporaryFolder();
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-    ~TemporaryFolder();
-    const std::filesystem::path& Path() const { return path_; }
-
-  private:
-    std::filesystem::path path_;
-};
 
 ColumnDefinition Text(const std::string& name, std::uint16_t size = 255);
 ColumnDefinition Integer(const std::string& name);
@@ -49,7 +37,7 @@ class SampleDatabase {
     void Reopen(OpenMode mode = OpenMode::ReadWrite);
 
   private:
-    TemporaryFolder folder_;
+    outside::TemporaryFolder folder_;
     std::filesystem::path path_ = folder_.Path() / "library.mdb";
     std::unique_ptr<Database> database_;
 };

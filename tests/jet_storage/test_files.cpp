@@ -13,19 +13,8 @@
 
 namespace jet::storage::test {
 
-TemporaryFolder::TemporaryFolder() {
-    std::string name = (std::filesystem::temp_directory_path() / "storage-XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary folder");
-    path_ = name;
-}
-
-TemporaryFolder::~TemporaryFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-}
-
 std::filesystem::path TemporaryFolder::CopyOf(const std::filesystem::path& original) const {
-    const auto copy = path_ / original.filename();
+    const auto copy = Path() / original.filename();
     std::filesystem::copy_file(original, copy, std::filesystem::copy_options::overwrite_existing);
     std::filesystem::permissions(copy, std::filesystem::perms::owner_write,
                                  std::filesystem::perm_options::add);

@@ -4,23 +4,16 @@
 #include <string>
 #include <vector>
 
+#include "tests/outside/temporary_folder.h"
+
 namespace jet::storage::test {
 
 /// A folder that is removed with everything in it when the test ends.
-class TemporaryFolder {
+class TemporaryFolder : public outside::TemporaryFolder {
   public:
-    TemporaryFolder();
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-    ~TemporaryFolder();
-
-    const std::filesystem::path& Path() const { return path_; }
-    std::filesystem::path File(const std::string& name) const { return path_ / name; }
+    std::filesystem::path File(const std::string& name) const { return Path() / name; }
     /// A writable copy of a file.
     std::filesystem::path CopyOf(const std::filesystem::path& original) const;
-
-  private:
-    std::filesystem::path path_;
 };
 
 /// All test databases with a description of their rows beside them.

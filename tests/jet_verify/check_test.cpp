@@ -12,6 +12,7 @@
 #include "tests/jet_verify/sample_file.h"
 #include "tests/outside/shared_folder.h"
 #include "tests/outside/structural_check.h"
+#include "tests/outside/temporary_folder.h"
 
 namespace jet {
 namespace {
@@ -214,7 +215,7 @@ const std::vector<Damage>& Damages() {
 class DamagedFile : public testing::TestWithParam<Damage> {};
 
 TEST_P(DamagedFile, IsRecognised) {
-    const test::TemporaryFolder folder;
+    const outside::TemporaryFolder folder;
     const auto path = folder.Path() / "sample.mdb";
     test::MakeSample(path);
     SampleBytes bytes(path);
@@ -239,7 +240,7 @@ INSTANTIATE_TEST_SUITE_P(InEachPart, DamagedFile, testing::ValuesIn(Damages()),
                          [](const auto& damage) { return std::string(damage.param.name); });
 
 TEST(CheckFile, FindsNothingInAWholeFile) {
-    const test::TemporaryFolder folder;
+    const outside::TemporaryFolder folder;
     const auto path = folder.Path() / "sample.mdb";
     test::MakeSample(path);
     const CheckReport report = CheckFile(path);
@@ -254,7 +255,7 @@ TEST(CheckFile, FindsNothingInAWholeFile) {
 }
 
 TEST(CheckFile, ChangesNothing) {
-    const test::TemporaryFolder folder;
+    const outside::TemporaryFolder folder;
     const auto path = folder.Path() / "sample.mdb";
     test::MakeSample(path);
     SampleBytes before(path);
@@ -274,7 +275,7 @@ ErrorKind KindOfFailure(const std::filesystem::path& path) {
 }
 
 TEST(CheckFile, RefusesWhatIsNoReadableDatabase) {
-    const test::TemporaryFolder folder;
+    const outside::TemporaryFolder folder;
     const auto path = folder.Path() / "sample.mdb";
     EXPECT_EQ(KindOfFailure(path), ErrorKind::NotFound);
     test::MakeSample(path);
@@ -288,7 +289,7 @@ TEST(CheckFile, RefusesWhatIsNoReadableDatabase) {
 }
 
 TEST(CheckFile, SurvivesAnyDamage) {
-    const test::TemporaryFolder folder;
+    const outside::TemporaryFolder folder;
     const auto path = folder.Path() / "sample.mdb";
     test::MakeSample(path);
     const SampleBytes whole(path);

@@ -12,17 +12,6 @@ namespace jet::test {
 using storage::PageNumber;
 using storage::PageType;
 
-TemporaryFolder::TemporaryFolder() {
-    std::string name = (std::filesystem::temp_directory_path() / "jet_verify_XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("cannot make a folder");
-    path_ = name;
-}
-
-TemporaryFolder::~TemporaryFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-}
-
 void MakeSample(const std::filesystem::path& path) {
     const ColumnDefinition id{.name = "ID", .type = ColumnType::Long, .autoNumber = true};
     const ColumnDefinition title{.name = "Title", .type = ColumnType::Text, .size = 200};

@@ -10,20 +10,6 @@
 
 namespace jet::test {
 
-/// A folder that goes away with the object.
-class TemporaryFolder {
-  public:
-    TemporaryFolder();
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-    ~TemporaryFolder();
-
-    const std::filesystem::path& Path() const { return path_; }
-
-  private:
-    std::filesystem::path path_;
-};
-
 /// Makes a database with one table that has a bit of everything: indexes of two levels, moved rows,
 /// long values of all kinds, Nulls, deleted rows.
 void MakeSample(const std::filesystem::path& path);

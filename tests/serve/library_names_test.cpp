@@ -5,7 +5,7 @@
 
 #include "app/jukebox_database.h"
 #include "jet/database.h"
-#include "tests/support/temporary_folder.h"
+#include "tests/outside/temporary_folder.h"
 
 namespace quillon {
 namespace {
@@ -35,7 +35,7 @@ class LibraryNamesTest : public testing::Test {
     }
 
   private:
-    support::TemporaryFolder folder_;
+    outside::TemporaryFolder folder_;
 };
 
 TEST_F(LibraryNamesTest, ComeFromTheDatabase) {

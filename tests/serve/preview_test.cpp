@@ -5,8 +5,8 @@
 
 #include "app/jukebox_database.h"
 #include "jet/database.h"
+#include "tests/outside/temporary_folder.h"
 #include "tests/support/fakes.h"
-#include "tests/support/temporary_folder.h"
 
 namespace quillon {
 namespace {
@@ -62,7 +62,7 @@ class PreviewTest : public testing::Test {
     }
 
   private:
-    support::TemporaryFolder folder_;
+    outside::TemporaryFolder folder_;
     fakes::FakeClock clock_;
     std::unique_ptr<Preview> preview_;
 };

@@ -5,7 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "tests/support/temporary_folder.h"
+#include "tests/outside/temporary_folder.h"
 
 namespace quillon {
 namespace {
@@ -37,7 +37,7 @@ class SiteFolderTest : public testing::Test {
     }
 
   private:
-    support::TemporaryFolder folder_;
+    outside::TemporaryFolder folder_;
     SiteFolder site_{folder_.Path() / "HTML"};
 };
 

@@ -10,9 +10,9 @@
 #include "platform/portable/path_resolver.h"
 #include "platform/portable/portable_files.h"
 #include "run/run.h"
+#include "tests/outside/temporary_folder.h"
 #include "tests/support/fakes.h"
 #include "tests/support/faulty_connection.h"
-#include "tests/support/temporary_folder.h"
 
 namespace quillon::support {
 
@@ -51,7 +51,7 @@ class RealLibrary {
     fakes::FakeWindow window{calls};
 
   private:
-    TemporaryFolder folder_;
+    outside::TemporaryFolder folder_;
     PathResolver resolver_;
     PortableFiles files_;
     FaultyConnection* database_ = nullptr;  ///< owned by the run

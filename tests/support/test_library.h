@@ -8,10 +8,10 @@
 #include <vector>
 
 #include "run/run.h"
+#include "tests/outside/temporary_folder.h"
 #include "tests/support/fakes.h"
 #include "tests/support/faulty_connection.h"
 #include "tests/support/sound_file.h"
-#include "tests/support/temporary_folder.h"
 
 namespace quillon::support {
 
@@ -78,7 +78,7 @@ class TestLibrary {
     quillon::Run run{host, files, clock, window};
 
   private:
-    TemporaryFolder folder_;
+    outside::TemporaryFolder folder_;
     FaultyConnection* database_ = nullptr;  ///< owned by the run
 };
 

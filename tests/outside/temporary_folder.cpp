@@ -1,11 +1,11 @@
-#include "tests/support/temporary_folder.h"
+#include "tests/outside/temporary_folder.h"
 
 #include <cerrno>
 #include <stdlib.h>  // mkdtemp is POSIX, not in <cstdlib>
 #include <string>
 #include <system_error>
 
-namespace quillon::support {
+namespace outside {
 
 namespace fs = std::filesystem;
 
@@ -26,4 +26,4 @@ TemporaryFolder::~TemporaryFolder() {
     fs::remove_all(path_, ignored);
 }
 
-}  // namespace quillon::support
+}  // namespace outside

@@ -2,7 +2,7 @@
 
 #include <filesystem>
 
-namespace quillon::support {
+namespace outside {
 
 /// An empty folder of a test's own; removed with all it holds, even where a test has taken away
 /// permissions.
@@ -19,4 +19,4 @@ class TemporaryFolder {
     std::filesystem::path path_;
 };
 
-}  // namespace quillon::support
+}  // namespace outside
