@@ -38,7 +38,7 @@ std::vector<int> Blocks(const Bytes& scan, std::size_t count) {
     std::vector<bool> bits;
     for (std::size_t i = 0; i + 2 < scan.size(); ++i) {
         for (unsigned bit = 8; bit-- > 0;)
-            bits.push_back((scan[i] >> bit & 1U) != 0);
+            bits.push_back((unsigned{scan[i]} >> bit & 1U) != 0);
         if (scan[i] == 0xFF) ++i;
     }
     std::size_t at = 0;
