@@ -194,7 +194,7 @@ TEST_F(VerifyTagsTest, LogsARowThatCannotBeStoredWithItsFileAndGoesOn) {
 
 // A bar shifts all that is behind it; a title or a number from the wrong place would do harm.
 TEST_F(VerifyTagsTest, DoesNotCompareARecordWithABarInAField) {
-    Tag tag = TagOf("Other|wise");
+    const Tag tag = TagOf("Other|wise");
     AddTrack("Alder - Dawn.mp3", "Dawn", tag);
     AddFile("Alder - Noon.mp3", TagOf("Moon"));
     Verify();

@@ -299,7 +299,7 @@ TEST_F(AddingFailsTest, WhenALookUpIsRefusedAndNothingIsWritten) {
     for (const char* const statement :
          {"SELECT CDJID, Tracks FROM Albums", "SELECT ID FROM Tracks WHERE SoundFile",
           "SELECT Genre FROM SpinnerGenre"}) {
-        support::TestLibrary::Files& files = library.files;
+        const support::TestLibrary::Files& files = library.files;
         AddNew("1.mp3", TagOf("One", "Artist", "Album"));
         library.ReopenDatabase();
         library.Database().Refuse(statement);
