@@ -6,6 +6,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace quillon::bench {
@@ -23,7 +24,7 @@ inline std::vector<std::size_t> SizesFrom(std::span<char*> arguments, const std:
             throw std::invalid_argument("usage: " + usage);
         sizes.push_back(size);
     }
-    return sizes.empty() ? usual : sizes;
+    return sizes.empty() ? std::move(usual) : sizes;
 }
 
 }  // namespace quillon::bench
