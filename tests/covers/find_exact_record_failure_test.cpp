@@ -26,6 +26,10 @@ void* operator new(std::size_t size) {
     return memory;
 }
 
+void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
+    return std::malloc(size > 0 ? size : 1);
+}
+
 void operator delete(void* memory) noexcept {
     std::free(memory);
 }

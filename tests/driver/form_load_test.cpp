@@ -207,13 +207,6 @@ TEST_F(FormLoad, RunsNoPhaseWhenTheDatabaseCannotBeOpened) {
     EXPECT_THAT(Calls({"Run", "Copy", "CloseDatabase", "Unload"}), ElementsAre("Unload"));
 }
 
-TEST_F(FormLoad, StartsWithoutAWordWhereWorkingSetAndGenreDictionaryAreNotThere) {
-    procedures.BuildORsRecordset = nullptr;
-    procedures.PopulateGenre = nullptr;
-    EXPECT_EQ(Load(), RunOutcome::NothingRan);
-    EXPECT_THAT(host.log, IsEmpty());
-}
-
 TEST_F(FormLoad, SeedsTheRandomNumbersFromTheClockOnce) {
     RandomNumbers expected;
     expected.Seed(world.clock.now);

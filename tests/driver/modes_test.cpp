@@ -50,8 +50,8 @@ class ModesTest : public FormFixture {
         for (const ModeCase& mode : Cases())
             host.Set(mode.key, "0");
         SwitchOn(keys);
-        procedures.BuildORsRecordset = nullptr;
-        procedures.PopulateGenre = nullptr;
+        procedures.BuildORsRecordset = [](Run&) {};
+        procedures.PopulateGenre = [](Run&) {};
         world.calls.Forget();
         run.form = {};
         world.window.last = {};

@@ -17,8 +17,8 @@ class ReconcileMode : public FormFixture {
   protected:
     ReconcileMode() {
         SwitchOn({"Reconcile"});
-        procedures.BuildORsRecordset = nullptr;
-        procedures.PopulateGenre = nullptr;
+        procedures.BuildORsRecordset = [](Run&) {};
+        procedures.PopulateGenre = [](Run&) {};
     }
 
     /// Indicators and procedures in the order in which they were started.
