@@ -204,7 +204,7 @@ TEST_F(ReconcileMode, MakesTheDatabaseDurableBehindEveryPhase) {
     EXPECT_THAT(Calls({"Run Re", "Flush"}),
                 ElementsAre("Flush", "Flush", "Run RemoveDuplicates", "Flush", "Flush",
                             "Run RefreshDatabase", "Flush", "Flush", "Flush", "Run RefreshPlaylist",
-                            "Flush", "Flush", "Run RefreshAlbumCovers", "Flush", "Flush"));
+                            "Flush", "Flush", "Flush", "Run RefreshAlbumCovers", "Flush", "Flush"));
 }
 
 // Abort.
