@@ -6,14 +6,19 @@ target_compile_options(quillon_options INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast -Werror)
 # g++ 12 sees overlapping copies where an optimised build joins a literal and a text; there are none.
 target_compile_options(quillon_options INTERFACE
-    $<$<AND:$<CXX_COMPILER_ID:GNU>,$<VERSION_LESS:$<CXX_COMPILER_VERSION>,13>,$<CONFIG:Release>>:-Wno-restrict>)
+    $<$<AND:$<CXX_COMPILER_ID:GNU>,$<VERSION_LESS:$<CXX_COMPILER_VERSION>,13>>:-Wno-restrict>)
+
+# Settings of what is under test: the libraries, and programs made of them. Tests go without, so that
+# their objects are the same in every build and a compiler cache has them for the second.
+add_library(quillon_build_kind INTERFACE)
+target_compile_options(quillon_build_kind INTERFACE $<$<CONFIG:Release>:-O2>)
 if(QUILLON_SANITIZE)
-    target_compile_options(quillon_options INTERFACE
+    target_compile_options(quillon_build_kind INTERFACE -g1
         -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(quillon_options INTERFACE -fsanitize=address,undefined)
 endif()
 if(QUILLON_LIBFUZZER)
-    target_compile_options(quillon_options INTERFACE -fsanitize=fuzzer-no-link)
+    target_compile_options(quillon_build_kind INTERFACE -fsanitize=fuzzer-no-link)
 endif()
 
 # quillon_library(NAME SOURCES ... [USES ...] [PRIVATELY_USES ...])
@@ -26,7 +31,8 @@ function(quillon_library name)
         return()
     endif()
     add_library(${name} STATIC ${ARG_SOURCES})
-    target_link_libraries(${name} PUBLIC quillon_options ${ARG_USES} PRIVATE ${ARG_PRIVATELY_USES})
+    target_link_libraries(${name} PUBLIC quillon_options ${ARG_USES}
+        PRIVATE quillon_build_kind ${ARG_PRIVATELY_USES})
 endfunction()
 
 # quillon_test(NAME SOURCES ... USES ...)
@@ -35,7 +41,7 @@ function(quillon_test name)
     cmake_parse_arguments(ARG "" "" "SOURCES;USES" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})
     target_link_libraries(${name} PRIVATE quillon_options ${ARG_USES} GTest::gtest_main GTest::gmock)
-    # What is tested is optimised in the release build; the tests themselves only need to compile fast.
+    # What is tested is optimised in the release build; tests only need to compile fast.
     target_compile_options(${name} PRIVATE -O0)
     gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
 endfunction()
