@@ -62,7 +62,7 @@ class NoWindow : public Window {
   public:
     void Show(const FormState&) override {}
     void ProcessEvents(const FormState&) override {}
-    void LogWritten(std::string_view, std::string_view) override {}
+    void LogWritten(LogKind, std::string_view, std::string_view) override {}
     bool AbortPressed() const override { return false; }
     void Unload() override {}
 };

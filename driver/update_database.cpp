@@ -63,6 +63,7 @@ void LibraryForm::RunPhases(const ReconcileScope& scope) {
 
 bool LibraryForm::StartPhase(const ReconcilePhase& phase) {
     if (phase.indicator) return StartIndicator(*phase.indicator);
+    run_.StartCounting(0);
     run_.ShowItem(phase.item);
     return !run_.AbortRequested;
 }
@@ -77,6 +78,7 @@ void LibraryForm::RunPhase(const ReconcilePhase& phase) {
 bool LibraryForm::StartIndicator(std::size_t index) {
     for (PhaseIndicator& indicator : run_.form.aPhase)
         indicator.selected = false;
+    run_.StartCounting(0);
     run_.form.aPhase.at(index).visible = true;
     run_.form.aPhase.at(index).selected = true;
     run_.ProcessEvents();

@@ -16,6 +16,15 @@ struct PhaseIndicator {
 
 constexpr std::size_t PhaseCount = 17;
 
+/// How far the running phase has come. Only a total that is known is told.
+struct PhaseProgress {
+    std::size_t done = 0;
+    std::size_t total = 0;  ///< 0: not known
+};
+
+/// What a record of the log tells.
+enum class LogKind { Information, Error };
+
 /// What the one window shows. The driver and the phases change it; a view draws it.
 struct FormState {
     std::array<PhaseIndicator, PhaseCount> aPhase;
@@ -23,6 +32,8 @@ struct FormState {
     std::string aError;         ///< location text of the latest error
     std::string lblver;         ///< "Version " + major.minor.revision
     bool aLblReconcile = true;  ///< visible: "Reconcille Library vs Database"
+    PhaseProgress progress;
+    bool aborting = false;  ///< the run knows that Abort was pressed and stops at its next test
 };
 
 constexpr std::string_view FormCaption = "Library Consistency Management";
@@ -41,7 +52,7 @@ class Window {
     virtual void ProcessEvents(const FormState& state) = 0;
 
     /// A record has been written to the host's log.
-    virtual void LogWritten(std::string_view source, std::string_view message) = 0;
+    virtual void LogWritten(LogKind kind, std::string_view source, std::string_view message) = 0;
 
     /// Whether the person has pressed Abort. Stays true once it is.
     virtual bool AbortPressed() const = 0;

@@ -6,6 +6,20 @@
 #include "run/run.h"
 
 namespace quillon {
+namespace {
+
+void Write(Run& run, LogKind kind, std::string_view source, std::string_view message) {
+    try {
+        run.host.WriteLog(source, message);
+    } catch (const std::exception& failure) {
+        // The log is where failures are told; when it fails itself, only the window is left to
+        // tell it, and the run must not end for it.
+        run.window.LogWritten(LogKind::Error, source, failure.what());
+    }
+    run.window.LogWritten(kind, source, message);
+}
+
+}  // namespace
 
 void LogError(Run& run, std::string_view source, std::string_view location,
               const PendingError* pending) {
@@ -15,20 +29,13 @@ void LogError(Run& run, std::string_view source, std::string_view location,
         message += pending->description;
     }
     ++run.counts.errors;
-    WriteLog(run, source, message);
+    Write(run, LogKind::Error, source, message);
     run.form.aError = location;
     run.ProcessEvents();
 }
 
 void WriteLog(Run& run, std::string_view source, std::string_view message) {
-    try {
-        run.host.WriteLog(source, message);
-    } catch (const std::exception& failure) {
-        // The log is where failures are told; when it fails itself, only the window is left to
-        // tell it, and the run must not end for it.
-        run.window.LogWritten(source, failure.what());
-    }
-    run.window.LogWritten(source, message);
+    Write(run, LogKind::Information, source, message);
 }
 
 }  // namespace quillon

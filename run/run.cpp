@@ -13,6 +13,16 @@ void Run::ShowItem(std::string_view item) {
 void Run::ProcessEvents() {
     window.ProcessEvents(form);
     if (window.AbortPressed()) AbortRequested = true;
+    form.aborting = AbortRequested;
+}
+
+void Run::StartCounting(std::size_t total) {
+    form.progress = {.done = 0, .total = total};
+}
+
+void Run::CountDone() {
+    // What grew while it was worked on must not look like more than all of it.
+    if (form.progress.done < form.progress.total) ++form.progress.done;
 }
 
 }  // namespace quillon

@@ -77,6 +77,12 @@ class Run {
     /// Lets pending window events run; the Abort button is noticed here.
     void ProcessEvents();
 
+    /// What the phase does next consists of this many steps; 0 where that is not known.
+    void StartCounting(std::size_t total);
+
+    /// One of the steps announced to `StartCounting` is done.
+    void CountDone();
+
     /// Set by the Abort button; only ever goes from false to true.
     bool AbortRequested = false;
 

@@ -21,7 +21,7 @@ void PlainView::ProcessEvents(const FormState& state) {
     }
 }
 
-void PlainView::LogWritten(std::string_view source, std::string_view message) {
+void PlainView::LogWritten(LogKind /*kind*/, std::string_view source, std::string_view message) {
     output_.WriteLine("   " + OneLine(source) + ": " + OneLine(message));
 }
 

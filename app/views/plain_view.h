@@ -16,7 +16,7 @@ class PlainView : public View {
 
     void Show(const FormState& state) override;
     void ProcessEvents(const FormState& state) override;
-    void LogWritten(std::string_view source, std::string_view message) override;
+    void LogWritten(LogKind kind, std::string_view source, std::string_view message) override;
     bool AbortPressed() const override;
     void Unload() override {}
     void Summarize(const RunSummary& summary) override;

@@ -49,7 +49,7 @@ void TerminalView::Draw(const FormState& state, Clock::time_point now) {
     nextDraw_ = Clock::now() + DrawInterval;
 }
 
-void TerminalView::LogWritten(std::string_view source, std::string_view message) {
+void TerminalView::LogWritten(LogKind /*kind*/, std::string_view source, std::string_view message) {
     latestRecords_.push_back(OneLine(source) + ": " + OneLine(message));
     if (latestRecords_.size() > MostRecordsTold) latestRecords_.pop_front();
 }

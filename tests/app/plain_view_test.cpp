@@ -79,7 +79,8 @@ TEST(PlainView, WritesEachPhaseOnceWhenItStarts) {
 TEST(PlainView, WritesEachLogRecordAtOnceAndOnOneLine) {
     const Pipe pipe;
     PlainView view(pipe.Writer());
-    view.LogWritten("Quillon", "ProcessTracks Line 0 Path not found: D:\\a\nb");
+    view.LogWritten(LogKind::Information, "Quillon",
+                    "ProcessTracks Line 0 Path not found: D:\\a\nb");
     EXPECT_EQ(pipe.Waiting(), "   Quillon: ProcessTracks Line 0 Path not found: D:\\a b\n");
 }
 
@@ -117,7 +118,7 @@ TEST(PlainView, OutlivesAReaderThatGoesAway) {
     PlainView view(pipe.Writer());
     pipe.CloseReader();
     for (int i = 0; i < 1000; ++i)
-        view.LogWritten("Quillon", "nobody reads this");
+        view.LogWritten(LogKind::Information, "Quillon", "nobody reads this");
     view.Summarize({});
     EXPECT_FALSE(view.AbortPressed());
 }
@@ -128,7 +129,7 @@ TEST(PlainView, NeverWaitsForAReaderThatDoesNotKeepUp) {
     PlainView view(pipe.Writer());
     const std::string message(200, 'x');
     for (int i = 0; i < 20'000; ++i)
-        view.LogWritten("Quillon", message);
+        view.LogWritten(LogKind::Information, "Quillon", message);
     const std::string line = "   Quillon: " + message + "\n";
     const std::string first = pipe.Waiting();
     EXPECT_GE(first.size(), std::size_t{4096});
@@ -137,7 +138,7 @@ TEST(PlainView, NeverWaitsForAReaderThatDoesNotKeepUp) {
     // What waited goes out with the next line, in whole lines and in order.
     std::string all = first;
     for (int i = 0; i < 100; ++i) {
-        view.LogWritten("Quillon", "later");
+        view.LogWritten(LogKind::Information, "Quillon", "later");
         all += pipe.Waiting();
     }
     EXPECT_TRUE(all.ends_with("   Quillon: later\n"));

@@ -31,7 +31,7 @@ void Play(std::string_view end) {
     if (view == nullptr) throw std::runtime_error("no screen here");
     quillon::FormState state = SelectedPhase();
     view->Show(state);
-    view->LogWritten("Quillon", "ProcessTracks Line 0 Path not found");
+    view->LogWritten(quillon::LogKind::Error, "Quillon", "ProcessTracks Line 0 Path not found");
     for (int i = 0; !view->AbortPressed() || end == "stuck"; ++i) {
         state.aItem = std::to_string(i) + ". Sängerin 音楽";
         view->ProcessEvents(state);

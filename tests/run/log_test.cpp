@@ -52,6 +52,23 @@ TEST_F(Log, CountsErrorsButNotOtherRecords) {
     EXPECT_EQ(run.counts.errors, 1U);
 }
 
+TEST_F(Log, TellsTheWindowWhichRecordsAreErrors) {
+    WriteLog(run, LogSource, "a remark");
+    LogError(run, LogSource, "an error");
+    EXPECT_THAT(world.window.logged,
+                ElementsAre(std::pair(LogKind::Information, "Quillon: a remark"),
+                            std::pair(LogKind::Error, "Quillon: an error")));
+}
+
+TEST_F(Log, TellsTheWindowWhatTheHostDidNotTake) {
+    world.calls.Refuse("WriteLog Quillon: lost", FailureNumber::DiskFull, "host.log");
+    WriteLog(run, LogSource, "lost");
+    ASSERT_EQ(world.window.logged.size(), 2U);
+    EXPECT_EQ(world.window.logged[0].first, LogKind::Error);
+    EXPECT_EQ(world.window.logged[1],
+              std::pair(LogKind::Information, std::string("Quillon: lost")));
+}
+
 TEST_F(Log, DoesNotFailWhenTheHostRefusesTheRecord) {
     world.calls.Refuse("WriteLog Quillon: lost", FailureNumber::DiskFull, "host.log");
     LogError(run, LogSource, "lost");

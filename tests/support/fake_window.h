@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "platform/window.h"
 #include "tests/support/fake_calls.h"
@@ -28,7 +29,9 @@ class FakeWindow : public Window {
         if (onEvents) onEvents(state);
     }
 
-    void LogWritten(std::string_view, std::string_view) override {}
+    void LogWritten(LogKind kind, std::string_view source, std::string_view message) override {
+        logged.emplace_back(kind, std::string(source).append(": ").append(message));
+    }
     bool AbortPressed() const override { return abortPressed; }
 
     void Unload() override { calls_.Note("Unload"); }
@@ -45,6 +48,7 @@ class FakeWindow : public Window {
     int events = 0;                  ///< calls of ProcessEvents
     std::optional<FormState> shown;  ///< what Show was given
     FormState last;                  ///< what was to be seen last
+    std::vector<std::pair<LogKind, std::string>> logged;
 
   private:
     void Look(const FormState& state) {
