@@ -14,8 +14,8 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::StartsWith;
 
-constexpr const char* AllAlbums = "SELECT CDJID, Player, Tracks FROM Albums ORDER BY ID";
-constexpr const char* AllTracks = "SELECT CDJID, Track FROM Tracks ORDER BY ID";
+constexpr const char* AlbumRows = "SELECT CDJID, Player, Tracks FROM Albums ORDER BY ID";
+constexpr const char* TrackRows = "SELECT CDJID, Track FROM Tracks ORDER BY ID";
 
 class RemoveDuplicatesTest : public ::testing::Test {
   protected:
@@ -32,8 +32,8 @@ TEST_F(RemoveDuplicatesTest, MarksOwnedAlbumsAndTheirTracksAlone) {
 
     RemoveDuplicates(library.run);
 
-    EXPECT_THAT(library.Rows(AllAlbums), ElementsAre("252E671073EC0001|1001|0", "C70A5B0F|1|7"));
-    EXPECT_THAT(library.Rows(AllTracks),
+    EXPECT_THAT(library.Rows(AlbumRows), ElementsAre("252E671073EC0001|1001|0", "C70A5B0F|1|7"));
+    EXPECT_THAT(library.Rows(TrackRows),
                 ElementsAre("252E671073EC0001|0", "252E671073EC0001|0", "C70A5B0F|7", "unknown|3"));
     EXPECT_THAT(library.host.log, IsEmpty());
     EXPECT_EQ(library.Faults(), "");
@@ -49,8 +49,8 @@ TEST_F(RemoveDuplicatesTest, DeletesAllRowsOfADuplicatedIdentifierWhateverTheirP
 
     RemoveDuplicates(library.run);
 
-    EXPECT_THAT(library.Rows(AllAlbums), ElementsAre("C70A5B0F|1|1"));
-    EXPECT_THAT(library.Rows(AllTracks), ElementsAre("C70A5B0F|1"));
+    EXPECT_THAT(library.Rows(AlbumRows), ElementsAre("C70A5B0F|1|1"));
+    EXPECT_THAT(library.Rows(TrackRows), ElementsAre("C70A5B0F|1"));
     EXPECT_EQ(library.run.counts.albumsRemoved, 2U);
     EXPECT_EQ(library.run.counts.tracksRemoved, 2U);
 }
@@ -61,7 +61,7 @@ TEST_F(RemoveDuplicatesTest, TakesOnePassForEachDuplicatedIdentifierAndAnEmptyOn
         library.AddAlbumRow(cdjid, "A", "Two", 1);
     }
     RemoveDuplicates(library.run);
-    EXPECT_THAT(library.Rows(AllAlbums), IsEmpty());
+    EXPECT_THAT(library.Rows(AlbumRows), IsEmpty());
     EXPECT_EQ(library.Database().Count("SELECT First(Albums.CDJID)"), 4U);
 }
 
@@ -103,7 +103,7 @@ TEST_F(RemoveDuplicatesTest, MarksTracksEvenWhereAlbumsCouldNotBeMarked) {
     library.AddTrackRow("252E671073EC0001", 1, R"(D:\1.mp3)");
     library.Database().Refuse("UPDATE Albums SET");
     RemoveDuplicates(library.run);
-    EXPECT_THAT(library.Rows(AllTracks), ElementsAre("252E671073EC0001|0"));
+    EXPECT_THAT(library.Rows(TrackRows), ElementsAre("252E671073EC0001|0"));
 }
 
 TEST_F(RemoveDuplicatesTest, EndsWhenADuplicatedIdentifierCannotBeDeleted) {
@@ -113,7 +113,7 @@ TEST_F(RemoveDuplicatesTest, EndsWhenADuplicatedIdentifierCannotBeDeleted) {
     EXPECT_THAT(library.host.log,
                 ElementsAre(StartsWith(
                     "Quillon: Remove Duplicates Error on Delete Duplicate Query: Line 2 ")));
-    EXPECT_THAT(library.Rows(AllAlbums), ElementsAre("a\"b|1001|0", "a\"b|1001|0"));
+    EXPECT_THAT(library.Rows(AlbumRows), ElementsAre("a\"b|1001|0", "a\"b|1001|0"));
 }
 
 /// A database that says yes to deleting an album and keeps it.
@@ -149,8 +149,8 @@ TEST_F(RemoveDuplicatesTest, MarksNothingWithoutASnapshotAndRemovesDuplicatesNev
 
     EXPECT_THAT(library.host.log,
                 ElementsAre("Quillon: Remove Duplicates Error: Line 0 Disk full: " + snapshot));
-    EXPECT_THAT(library.Rows(AllAlbums), ElementsAre("252E671073EC0001|1001|1"));
-    EXPECT_THAT(library.Rows(AllTracks), ElementsAre("252E671073EC0001|1"));
+    EXPECT_THAT(library.Rows(AlbumRows), ElementsAre("252E671073EC0001|1001|1"));
+    EXPECT_THAT(library.Rows(TrackRows), ElementsAre("252E671073EC0001|1"));
     EXPECT_FALSE(MarkSnapshotExists(library.run));
 }
 
@@ -160,8 +160,8 @@ TEST_F(RemoveDuplicatesTest, TakesTheSnapshotBeforeTheFirstMark) {
     RemoveDuplicates(library.run);
     ASSERT_TRUE(MarkSnapshotExists(library.run));
     RestoreMarks(library.run);
-    EXPECT_THAT(library.Rows(AllAlbums), ElementsAre("252E671073EC0001|1001|1"));
-    EXPECT_THAT(library.Rows(AllTracks), ElementsAre("252E671073EC0001|1"));
+    EXPECT_THAT(library.Rows(AlbumRows), ElementsAre("252E671073EC0001|1001|1"));
+    EXPECT_THAT(library.Rows(TrackRows), ElementsAre("252E671073EC0001|1"));
 }
 
 class DeleteMissingTest : public RemoveDuplicatesTest {
@@ -180,7 +180,7 @@ class DeleteMissingTest : public RemoveDuplicatesTest {
 
 TEST_F(DeleteMissingTest, DeletesOwnedTracksThatAreStillMarked) {
     DeleteMissingTracks(library.run);
-    EXPECT_THAT(library.Rows(AllTracks),
+    EXPECT_THAT(library.Rows(TrackRows),
                 ElementsAre("252E671073EC0002|1", "252E671073EC0002|-1", "C70A5B0F|0"));
     EXPECT_EQ(library.run.counts.tracksRemoved, 2U);
     EXPECT_EQ(library.Faults(), "");
@@ -188,7 +188,7 @@ TEST_F(DeleteMissingTest, DeletesOwnedTracksThatAreStillMarked) {
 
 TEST_F(DeleteMissingTest, DeletesOwnedAlbumsThatAreStillMarked) {
     DeleteMissingAlbums(library.run);
-    EXPECT_THAT(library.Rows(AllAlbums), ElementsAre("252E671073EC0002|1001|1", "C70A5B0F|1|0"));
+    EXPECT_THAT(library.Rows(AlbumRows), ElementsAre("252E671073EC0002|1001|1", "C70A5B0F|1|0"));
     EXPECT_EQ(library.run.counts.albumsRemoved, 1U);
 }
 

@@ -13,23 +13,24 @@ namespace {
 
 constexpr std::array<std::string_view, 2> Kinds{"Name", "Number"};
 constexpr SnapshotFormat Format{.title = "Sample 1", .kinds = Kinds};
-constexpr const char* Path = R"(D:\sample)";
+constexpr const char* SnapshotPath = R"(D:\sample)";
 
 class SnapshotFileTest : public ::testing::Test {
   protected:
     /// What a file of this content says; "not whole" if it does not count.
     std::string Read(const std::string& content) {
-        files.AddFile(Path, content);
+        files.AddFile(SnapshotPath, content);
         std::string told;
-        const bool whole = ReadSnapshot(files, Path, Format, [&](auto kind, SnapshotLine& line) {
-            told += std::string(kind) + ":";
-            if (kind == "Name") {
-                told += line.Text() + ";";
-            } else {
-                const auto number = line.WholeOrNull<std::int64_t>();
-                told += (number ? std::to_string(*number) : "none") + ";";
-            }
-        });
+        const bool whole =
+            ReadSnapshot(files, SnapshotPath, Format, [&](auto kind, SnapshotLine& line) {
+                told += std::string(kind) + ":";
+                if (kind == "Name") {
+                    told += line.Text() + ";";
+                } else {
+                    const auto number = line.WholeOrNull<std::int64_t>();
+                    told += (number ? std::to_string(*number) : "none") + ";";
+                }
+            });
         return whole ? told : "not whole";
     }
 
@@ -38,13 +39,13 @@ class SnapshotFileTest : public ::testing::Test {
 };
 
 TEST_F(SnapshotFileTest, IsReadAsItWasWritten) {
-    SnapshotWriter writer(files, Path, Format);
+    SnapshotWriter writer(files, SnapshotPath, Format);
     writer.Line("Name").Text("A b%c\r\nÖ\x7F");
     writer.Line("Name").Text("");
     writer.Line("Number").Whole(std::numeric_limits<std::int64_t>::min());
     writer.Line("Number").Whole(std::nullopt);
     writer.Close();
-    const std::string content = files.Content(Path);
+    const std::string content = files.Content(SnapshotPath);
     EXPECT_EQ(content,
               "Sample 1\r\nName A%20b%25c%0D%0A%C3%96%7F\r\nName \r\n"
               "Number -9223372036854775808\r\nNumber Null\r\nEnd 2 2\r\n");
@@ -52,14 +53,14 @@ TEST_F(SnapshotFileTest, IsReadAsItWasWritten) {
 }
 
 TEST_F(SnapshotFileTest, MayHoldNoLines) {
-    SnapshotWriter(files, Path, Format).Close();
-    EXPECT_EQ(Read(files.Content(Path)), "");
+    SnapshotWriter(files, SnapshotPath, Format).Close();
+    EXPECT_EQ(Read(files.Content(SnapshotPath)), "");
 }
 
 TEST_F(SnapshotFileTest, IsNotThereBeforeItIsWhole) {
-    SnapshotWriter writer(files, Path, Format);
+    SnapshotWriter writer(files, SnapshotPath, Format);
     writer.Line("Name").Text("x");
-    EXPECT_FALSE(files.FileExists(Path));
+    EXPECT_FALSE(files.FileExists(SnapshotPath));
 }
 
 TEST_F(SnapshotFileTest, DoesNotCountWhereAnythingIsWrong) {

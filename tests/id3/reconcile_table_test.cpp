@@ -11,7 +11,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-constexpr const char* File = R"(C:\HomeSeer\data\Quillon\QuillonReconcile.csv)";
+constexpr const char* TableFile = R"(C:\HomeSeer\data\Quillon\QuillonReconcile.csv)";
 
 class OutputReconcileTableTest : public ::testing::Test {
   protected:
@@ -25,7 +25,7 @@ class OutputReconcileTableTest : public ::testing::Test {
     }
     std::string Written() {
         OutputReconcileTable(library.run);
-        return library.files.Content(File);
+        return library.files.Content(TableFile);
     }
 
     support::TestLibrary library;
@@ -50,7 +50,7 @@ TEST_F(OutputReconcileTableTest, WritesAnEmptyFileWithoutDifferences) {
 }
 
 TEST_F(OutputReconcileTableTest, ReplacesTheFileOfAnEarlierRun) {
-    library.files.AddFile(File, "old");
+    library.files.AddFile(TableFile, "old");
     EXPECT_EQ(Written(), "");
 }
 
@@ -65,7 +65,7 @@ TEST_F(OutputReconcileTableTest, MakesTheFoldersThatAreMissingAlone) {
 }
 
 TEST_F(OutputReconcileTableTest, LogsAFailureAndLeavesTheOldFile) {
-    library.files.AddFile(File, "old");
+    library.files.AddFile(TableFile, "old");
     AddRow("Null, 'Song', 'a', 'b', 'c', 'd', 'e'");
     library.Database().Refuse("SELECT * FROM SpinnerID3Differences");
     EXPECT_EQ(Written(), "old");

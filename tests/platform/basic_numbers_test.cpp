@@ -9,7 +9,7 @@ namespace quillon {
 namespace {
 
 template <typename Action>
-FailureNumber FailureOf(Action action) {
+FailureNumber NumberOfFailure(Action action) {
     try {
         action();
     } catch (const Failure& failure) {
@@ -86,8 +86,8 @@ TEST(ToInteger, HoldsSixteenBits) {
     EXPECT_EQ(ToInteger("32767.4"), 32767);
     EXPECT_EQ(ToInteger("-32768.5"), -32768);
     for (const char* const text : {"32768", "32767.5", "-32769", "70000", "1e400", "&H10000"})
-        EXPECT_EQ(FailureOf([&] { ToInteger(text); }), FailureNumber::Overflow) << text;
-    EXPECT_EQ(FailureOf([] { ToInteger(std::numeric_limits<double>::quiet_NaN()); }),
+        EXPECT_EQ(NumberOfFailure([&] { ToInteger(text); }), FailureNumber::Overflow) << text;
+    EXPECT_EQ(NumberOfFailure([] { ToInteger(std::numeric_limits<double>::quiet_NaN()); }),
               FailureNumber::Overflow);
 }
 
@@ -101,14 +101,14 @@ TEST(ToInteger, ReadsTheTopBitOfBitFormsAsTheSign) {
 
 TEST(ToInteger, RefusesWhatIsNoNumber) {
     for (const char* const text : {"", "abc", "True", "1 2"})
-        EXPECT_EQ(FailureOf([&] { ToInteger(text); }), FailureNumber::TypeMismatch) << text;
+        EXPECT_EQ(NumberOfFailure([&] { ToInteger(text); }), FailureNumber::TypeMismatch) << text;
 }
 
 TEST(ToLong, HoldsThirtyTwoBits) {
     EXPECT_EQ(ToLong("2147483647"), 2147483647);
     EXPECT_EQ(ToLong("-2147483648"), std::numeric_limits<std::int32_t>::min());
-    EXPECT_EQ(FailureOf([] { ToLong("2147483648"); }), FailureNumber::Overflow);
-    EXPECT_EQ(FailureOf([] { ToLong("x"); }), FailureNumber::TypeMismatch);
+    EXPECT_EQ(NumberOfFailure([] { ToLong("2147483648"); }), FailureNumber::Overflow);
+    EXPECT_EQ(NumberOfFailure([] { ToLong("x"); }), FailureNumber::TypeMismatch);
 }
 
 TEST(ToBoolean, ReadsWordsAndNumbers) {
@@ -120,7 +120,7 @@ TEST(ToBoolean, ReadsWordsAndNumbers) {
 
 TEST(ToBoolean, RefusesOtherTexts) {
     for (const char* const text : {"", "yes", "no", " True", "Wahr", "on"})
-        EXPECT_EQ(FailureOf([&] { ToBoolean(text); }), FailureNumber::TypeMismatch) << text;
+        EXPECT_EQ(NumberOfFailure([&] { ToBoolean(text); }), FailureNumber::TypeMismatch) << text;
 }
 
 }  // namespace

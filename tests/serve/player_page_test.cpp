@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/serve/has.h"
+
 namespace quillon {
 namespace {
 
@@ -21,10 +23,6 @@ std::string Sentence(const std::string& query) {
 std::string Page(const RequestLog& log, const std::string& problem = "") {
     return RequestsPage(log.Requests(), {std::make_shared<const NameTable>(Names()), problem},
                         "/i");
-}
-
-bool Has(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
 }
 
 TEST(RequestSentence, NamesAlbumAndTrack) {

@@ -6,6 +6,7 @@
 #include "app/jukebox_database.h"
 #include "jet/database.h"
 #include "tests/outside/temporary_folder.h"
+#include "tests/serve/has.h"
 #include "tests/support/fakes.h"
 
 namespace quillon {
@@ -15,10 +16,6 @@ namespace fs = std::filesystem;
 
 const std::string Index = "/Quillon/AlbumPicker/AlbumPicker0.asp";
 const std::string Player = "/Quillon/Quillon.asp";
-
-bool Has(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
-}
 
 std::string Header(const WebResponse& response, const std::string& name) {
     for (const auto& [key, value] : response.headers) {

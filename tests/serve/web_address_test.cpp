@@ -5,31 +5,31 @@
 namespace quillon {
 namespace {
 
-using Names = std::vector<std::string>;
+using PathNames = std::vector<std::string>;
 
-std::optional<Names> PathOf(std::string_view target) {
+std::optional<PathNames> PathOf(std::string_view target) {
     const auto address = ParseWebAddress(target);
     return address ? std::optional(address->names) : std::nullopt;
 }
 
 TEST(WebAddress, TakesAPathApart) {
-    EXPECT_EQ(PathOf("/"), Names{});
-    EXPECT_EQ(PathOf("/a.asp"), Names{"a.asp"});
+    EXPECT_EQ(PathOf("/"), PathNames{});
+    EXPECT_EQ(PathOf("/a.asp"), PathNames{"a.asp"});
     EXPECT_EQ(PathOf("/Quillon/AlbumPicker/AlbumPicker0.asp?x=/../"),
-              (Names{"Quillon", "AlbumPicker", "AlbumPicker0.asp"}));
+              (PathNames{"Quillon", "AlbumPicker", "AlbumPicker0.asp"}));
 }
 
 TEST(WebAddress, DecodesEscapesOnce) {
-    EXPECT_EQ(PathOf("/a%20b/%63.jpg"), (Names{"a b", "c.jpg"}));
-    EXPECT_EQ(PathOf("/100%25.jpg"), Names{"100%.jpg"});
-    EXPECT_EQ(PathOf("/%252e%252e"), Names{"%2e%2e"});
-    EXPECT_EQ(PathOf("/a+b"), Names{"a+b"}) << "a blank in queries alone";
+    EXPECT_EQ(PathOf("/a%20b/%63.jpg"), (PathNames{"a b", "c.jpg"}));
+    EXPECT_EQ(PathOf("/100%25.jpg"), PathNames{"100%.jpg"});
+    EXPECT_EQ(PathOf("/%252e%252e"), PathNames{"%2e%2e"});
+    EXPECT_EQ(PathOf("/a+b"), PathNames{"a+b"}) << "a blank in queries alone";
 }
 
 TEST(WebAddress, ReadsNamesInUtf8OrAnsi) {
-    EXPECT_EQ(PathOf("/%C3%A9.jpg"), Names{"é.jpg"});
-    EXPECT_EQ(PathOf("/%E9.jpg"), Names{"é.jpg"});
-    EXPECT_EQ(PathOf("/\xC3\xA9.jpg"), Names{"é.jpg"});
+    EXPECT_EQ(PathOf("/%C3%A9.jpg"), PathNames{"é.jpg"});
+    EXPECT_EQ(PathOf("/%E9.jpg"), PathNames{"é.jpg"});
+    EXPECT_EQ(PathOf("/\xC3\xA9.jpg"), PathNames{"é.jpg"});
 }
 
 TEST(WebAddress, RefusesWhatCouldLeadOutOfAFolder) {
