@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstdio>
+#include <memory>
+#include <string>
+
+namespace quillon {
+
+/// A stream for a library that writes to a file descriptor, which keeps in memory what was written.
+class CapturedOutput {
+  public:
+    /// Failing to make one leaves Stream() empty.
+    CapturedOutput();
+
+    std::FILE* Stream() const { return stream_.get(); }
+
+    /// What was written since the last call.
+    std::string Take();
+
+  private:
+    struct Closing {
+        void operator()(std::FILE* stream) const { std::fclose(stream); }
+    };
+    std::unique_ptr<std::FILE, Closing> stream_;
+};
+
+}  // namespace quillon
