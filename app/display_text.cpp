@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 #include <optional>
+#include <ranges>
 #include <utf8proc.h>
 #include <vector>
 
@@ -38,7 +39,7 @@ struct Cluster {
     std::size_t columns = 0;
 };
 
-std::vector<Cluster> Clusters(std::string_view text) {
+std::vector<Cluster> ClustersOf(std::string_view text) {
     std::vector<Cluster> clusters;
     std::optional<utf8proc_int32_t> before;
     utf8proc_int32_t state = 0;
@@ -59,13 +60,14 @@ std::vector<Cluster> Clusters(std::string_view text) {
     return clusters;
 }
 
-/// How many bytes of this sequence of clusters fit into so many columns; takes those columns away.
-template <typename Iterator>
-std::size_t BytesThatFit(Iterator first, Iterator last, std::size_t& columns) {
+/// How many bytes of these clusters fit into so many columns; takes those columns away.
+template <typename Clusters>
+std::size_t BytesThatFit(const Clusters& clusters, std::size_t& columns) {
     std::size_t bytes = 0;
-    for (; first != last && first->columns <= columns; ++first) {
-        columns -= first->columns;
-        bytes += first->bytes.size();
+    for (const Cluster& cluster : clusters) {
+        if (cluster.columns > columns) break;
+        columns -= cluster.columns;
+        bytes += cluster.bytes.size();
     }
     return bytes;
 }
@@ -105,13 +107,13 @@ std::string FitColumns(std::string_view text, std::size_t columns) {
 std::string ShortenMiddle(std::string_view text, std::size_t columns) {
     if (columns == 0) return "";
     if (DisplayColumns(text) <= columns) return std::string(text);
-    const std::vector<Cluster> clusters = Clusters(text);
+    const std::vector<Cluster> clusters = ClustersOf(text);
     std::size_t tailColumns = (columns - 1) / 2;
     std::size_t headColumns = columns - 1 - tailColumns;
-    const std::size_t tail = BytesThatFit(clusters.rbegin(), clusters.rend(), tailColumns);
+    const std::size_t tail = BytesThatFit(std::views::reverse(clusters), tailColumns);
     // A wide character that found no room at the end may leave a column to the beginning.
     headColumns += tailColumns;
-    const std::size_t head = BytesThatFit(clusters.begin(), clusters.end(), headColumns);
+    const std::size_t head = BytesThatFit(clusters, headColumns);
     return std::string(text.substr(0, head))
         .append(Ellipsis)
         .append(text.substr(text.size() - tail));

@@ -18,10 +18,7 @@ class CapturedOutput {
     std::string Take();
 
   private:
-    struct Closing {
-        void operator()(std::FILE* stream) const { std::fclose(stream); }
-    };
-    std::unique_ptr<std::FILE, Closing> stream_;
+    std::unique_ptr<std::FILE, int (*)(std::FILE*)> stream_{nullptr, std::fclose};
 };
 
 }  // namespace quillon

@@ -86,19 +86,23 @@ std::string ShortOutcome(const RunSummary& summary) {
     return fmt::format("{}; {}", word, Errors(summary));
 }
 
-std::string OutcomeWithRecord(const RunSummary& summary, std::string_view record,
-                              std::size_t columns) {
-    const std::string outcome = Outcome(summary);
-    const std::string introduced = outcome + ", last: ";
-    const std::size_t taken = DisplayColumns(introduced);
-    if (record.empty() || taken + LeastRecordColumns > columns) {
-        const bool fits = outcome.size() < columns || summary.outcome == RunOutcome::NothingRan;
-        return FitColumns((fits ? outcome : ShortOutcome(summary)) + '.', columns);
-    }
-    return introduced + ShortenMiddle(OneLine(record), columns - taken);
+/// What a record at the end of the first line is introduced by; empty where none belongs there.
+std::string Introduction(const RunSummary& summary) {
+    if (summary.counts.errors > 0) return Outcome(summary) + ", last: ";
+    return summary.outcome == RunOutcome::NothingRan ? "Nothing ran: " : "";
 }
 
-std::string OrElse(std::string text, const char* other) {
+std::string FirstLine(const RunSummary& summary, std::string_view record, std::size_t columns) {
+    const std::string introduction = Introduction(summary);
+    const std::size_t taken = introduction.size();
+    if (taken > 0 && !record.empty() && taken + LeastRecordColumns <= columns)
+        return introduction + ShortenMiddle(OneLine(record), columns - taken);
+    const std::string outcome = Outcome(summary) + '.';
+    const bool fits = outcome.size() <= columns || summary.outcome == RunOutcome::NothingRan;
+    return FitColumns(fits ? outcome : ShortOutcome(summary) + '.', columns);
+}
+
+std::string OrElse(const std::string& text, const char* other) {
     return text.empty() ? other : text;
 }
 
@@ -121,7 +125,7 @@ std::array<std::string, 3> SummaryLines(const RunSummary& summary, std::string_v
         lines[1] = OrElse(AlbumsAndTracks(summary.counts, false), "No album or track was changed.");
     for (std::string& line : lines)
         line = FitColumns(line, columns);
-    lines[0] = OutcomeWithRecord(summary, record, columns);
+    lines[0] = FirstLine(summary, record, columns);
     return lines;
 }
 

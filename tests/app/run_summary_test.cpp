@@ -111,7 +111,10 @@ TEST(SummaryLinesOfAWidth, TellTheLatestRecordAsFarAsThereIsRoom) {
 
 TEST(SummaryLinesOfAWidth, SayWhyNothingRan) {
     EXPECT_EQ(SummaryLines({RunOutcome::NothingRan, {}, {}}, "Quillon must be enabled", 80)[0],
-              "Nothing ran; no errors, last: Quillon must be enabled");
+              "Nothing ran: Quillon must be enabled");
+    EXPECT_EQ(SummaryLines({RunOutcome::Completed, {}, {}}, "Playlist repaired", 80)[0],
+              "Done in 0:00:00; no errors.")
+        << "a run that did its work has no need of its last message";
 }
 
 TEST(SummaryLinesOfAWidth, LeaveOutWhatIsUnchangedFirst) {

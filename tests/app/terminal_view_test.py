@@ -1,13 +1,17 @@
 #!/usr/bin/env python3
 """terminal_view_test.py PLAYER   looks at the terminal view on a real terminal (tmux)."""
 
+import fcntl
 import os
+import pty
 import re
 import signal
 import subprocess
 import sys
+import termios
 
-from terminal import Failed, Terminal, columns_of
+sys.dont_write_bytecode = True
+from terminal import PATIENCE, Failed, Terminal, columns_of  # noqa: E402
 
 RUNNING = r"\(\*\) 4\. Add Folder Tracks to Lib"
 SGR_COLOUR = re.compile(r"\x1b\[[\d;]*\b(3[0-7]|38)[\d;]*m")
@@ -189,6 +193,29 @@ def is_not_stopped_by_ctrl_s(player):
         terminal.confirm_given_back("status 0")
 
 
+def goes_on_while_its_terminal_takes_nothing(player):
+    person, program = pty.openpty()
+    fcntl.ioctl(program, termios.TIOCSWINSZ, b"\x18\x00\x50\x00\x00\x00\x00\x00")
+    process = subprocess.Popen([player, "summary"], stdin=program, stdout=program,
+                               env=dict(os.environ, TERM="xterm"), start_new_session=True,
+                               preexec_fn=lambda: fcntl.ioctl(0, termios.TIOCSCTTY, 0))
+    seen = b""
+    while b"Current" not in seen:
+        seen += os.read(person, 4096)
+    termios.tcflow(program, termios.TCOOFF)
+    process.send_signal(signal.SIGTERM)
+    try:
+        status = process.wait(timeout=PATIENCE)
+    except subprocess.TimeoutExpired:
+        process.kill()
+        raise Failed("the run waits for its terminal") from None
+    finally:
+        os.close(person)
+        os.close(program)
+    if status != 0:
+        raise Failed(f"exit status {status}")
+
+
 def comes_back_after_being_suspended(player):
     # A shell of its own does job control; the outer one only tells the status.
     pause = "stty -a | grep icanon; echo stopped; read line; fg"
@@ -235,6 +262,7 @@ STORIES = (shows_the_whole_form, leaves_three_lines, is_usable_on_40_columns,
            has_no_screen_on_a_terminal_that_has_none, ends_by_ctrl_c, ends_by_a_signal,
            says_at_once_that_it_was_heard, gives_the_screen_back_on_an_exception,
            gives_the_screen_back_when_it_crashes, is_not_stopped_by_ctrl_s,
+           goes_on_while_its_terminal_takes_nothing,
            comes_back_after_being_suspended, goes_on_in_the_background_without_its_screen,
            outlives_its_terminal)
 

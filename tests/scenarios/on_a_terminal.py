@@ -149,6 +149,29 @@ def complete(stage, songs):
         raise Failed("the playlists name other songs")
 
 
+def falls_back_where_there_is_no_screen(stage):
+    """A terminal that cannot position the cursor gets plain lines, or words where a screen was asked
+    for."""
+    command = f"{shlex.quote(str(stage.program))} run --host {shlex.quote(str(stage.host))}"
+    with terminals.Terminal(command, kind="dumb", columns=120, rows=40) as terminal:
+        terminal.confirm_given_back("status 0", r"Library Consistency Management, Version",
+                                    r"\n4\. Add Folder Tracks to Library\n", r"Done in \d:")
+    with terminals.Terminal(command + " --view terminal", kind="dumb", columns=120) as terminal:
+        terminal.confirm_given_back("status 2", "no terminal that can show a screen; use plain")
+
+
+def says_why_nothing_ran(stage):
+    host_settings = stage.host / "host.ini"
+    content = host_settings.read_text()
+    host_settings.write_text(content.replace("Quillon=1", "Quillon=0"))
+    with on_terminal(stage) as terminal:
+        lines = terminal.lines_left(terminal.confirm_given_back("status 2"))
+    host_settings.write_text(content)
+    expected = "Nothing ran: Quillon must be enabled to perform management activities"
+    if len(lines) != 3 or lines[0] != expected:
+        raise Failed(f"a run that does not begin leaves these lines: {lines}")
+
+
 def aborted_among_new_files(stage, number, abort):
     """Aborts a run that brings new files; the files that were known before. On a busy machine a run
     may come to its end first: then there are other new files for another one."""
@@ -175,6 +198,8 @@ def story(stage):
         print(f"aborted {name}: {len(known_files(stage)) - len(known)} of"
               f" {len(files(stage)) - len(known)} new files are known")
     complete(stage, songs)
+    falls_back_where_there_is_no_screen(stage)
+    says_why_nothing_ran(stage)
 
 
 def main():
