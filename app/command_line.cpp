@@ -27,11 +27,13 @@ Exit status: 0 done, 1 done but errors were logged, 2 nothing ran, 3 aborted.)";
 
 constexpr const char* RunFooter =
     R"(What a run does is chosen by the settings in Quillon.ini alone. Ctrl-C, SIGTERM and, on the
-terminal screen, the key a abort it; a second signal ends it at once.
+terminal screen, the key a abort it, and so does a terminal that closes, unless nohup started the
+run. A second signal ends it at once.
 
 Examples:
   quillon run --host ~/shelf
-  quillon run --host /srv/shelf --view plain >> /var/log/shelf.log)";
+  quillon run --host /srv/shelf --view plain >> /var/log/shelf.log
+  quillon run --host /srv/shelf --quiet    in a crontab: a mail with errors and a summary)";
 
 constexpr const char* InitFooter =
     R"(DIR gets Quillon.ini (every setting, explained), host.ini (the drive table), folders for playlists,
@@ -100,7 +102,8 @@ class Grammar {
     Request Parse(std::span<const char* const> arguments) {
         try {
             app_.parse(static_cast<int>(arguments.size()), arguments.data());
-            RefuseViewOfOtherCommands();
+            RefuseRunOptionsOfOtherCommands();
+            RefuseQuietScreens();
         } catch (const CLI::CallForVersion& version) {
             return TextAnswer{fmt::format("{}\n", version.what())};
         } catch (const CLI::Success&) {
@@ -124,6 +127,8 @@ class Grammar {
         AddHostOption(command);
         AddChoice(command, "--view", view_, ViewNames,
                   "What the run shows: auto, window, terminal or plain (default: auto)");
+        command.add_flag("--quiet", quiet_,
+                         "Tells errors and a summary alone, in plain lines; for cron");
     }
 
     /// An option whose values are words.
@@ -198,10 +203,17 @@ class Grammar {
         command.add_option("FILE", file, description)->required()->type_name("");
     }
 
-    void RefuseViewOfOtherCommands() const {
+    void RefuseRunOptionsOfOtherCommands() const {
         const auto chosen = app_.get_subcommands();
-        if (chosen.empty() || chosen.front() == run_ || app_.count("--view") == 0) return;
-        throw CLI::ExtrasError({"--view"});
+        if (chosen.empty() || chosen.front() == run_) return;
+        for (const char* const option : {"--view", "--quiet"}) {
+            if (app_.count(option) > 0) throw CLI::ExtrasError({option});
+        }
+    }
+
+    void RefuseQuietScreens() const {
+        if (!quiet_ || view_ == ViewKind::Auto || view_ == ViewKind::Plain) return;
+        throw CLI::ValidationError("--quiet", "goes with plain lines only; leave --view out");
     }
 
     /// The command as it is called: "quillon db query".
@@ -229,7 +241,7 @@ class Grammar {
         if (query_->parsed()) return queryRequest_;
         if (exec_->parsed()) return execRequest_;
         if (dbCheck_->parsed()) return dbCheckRequest_;
-        return RunRequest{HostFolder(), view_};
+        return RunRequest{HostFolder(), quiet_ ? ViewKind::Plain : view_, quiet_};
     }
 
     CLI::App app_{"Keeps MP3 folders, a jukebox database, tags and playlists consistent.",
@@ -246,6 +258,7 @@ class Grammar {
 
     std::filesystem::path host_;
     ViewKind view_ = ViewKind::Auto;
+    bool quiet_ = false;
     InitRequest initRequest_;
     ServeRequest serveRequest_;
     DbCreateRequest createRequest_;

@@ -2,7 +2,9 @@
 
 #include <fmt/format.h>
 #include <optional>
+#include <ranges>
 #include <utf8proc.h>
+#include <vector>
 
 namespace quillon {
 namespace {
@@ -29,6 +31,45 @@ Character FirstCharacter(std::string_view text) {
 std::size_t Columns(const Character& character) {
     if (!character.code) return 1;
     return static_cast<std::size_t>(utf8proc_charwidth(*character.code));
+}
+
+/// What a person sees as one character: a letter with its accents, an emoji of several parts.
+struct Cluster {
+    std::string_view bytes;
+    std::size_t columns = 0;
+};
+
+std::vector<Cluster> ClustersOf(std::string_view text) {
+    std::vector<Cluster> clusters;
+    std::optional<utf8proc_int32_t> before;
+    utf8proc_int32_t state = 0;
+    while (!text.empty()) {
+        const Character character = FirstCharacter(text);
+        const bool joins = before && character.code &&
+                           utf8proc_grapheme_break_stateful(*before, *character.code, &state) == 0;
+        if (!joins) {
+            clusters.push_back({text.substr(0, 0), 0});
+            state = 0;
+        }
+        Cluster& cluster = clusters.back();
+        cluster.bytes = {cluster.bytes.data(), cluster.bytes.size() + character.bytes.size()};
+        cluster.columns += Columns(character);
+        before = character.code;
+        text.remove_prefix(character.bytes.size());
+    }
+    return clusters;
+}
+
+/// How many bytes of these clusters fit into so many columns; takes those columns away.
+template <typename Clusters>
+std::size_t BytesThatFit(const Clusters& clusters, std::size_t& columns) {
+    std::size_t bytes = 0;
+    for (const Cluster& cluster : clusters) {
+        if (cluster.columns > columns) break;
+        columns -= cluster.columns;
+        bytes += cluster.bytes.size();
+    }
+    return bytes;
 }
 
 bool IsControl(utf8proc_int32_t code) {
@@ -61,6 +102,21 @@ std::string FitColumns(std::string_view text, std::size_t columns) {
         if (taken < columns) bytesKept = bytes;
     }
     return std::string(text);
+}
+
+std::string ShortenMiddle(std::string_view text, std::size_t columns) {
+    if (columns == 0) return "";
+    if (DisplayColumns(text) <= columns) return std::string(text);
+    const std::vector<Cluster> clusters = ClustersOf(text);
+    std::size_t tailColumns = (columns - 1) / 2;
+    std::size_t headColumns = columns - 1 - tailColumns;
+    const std::size_t tail = BytesThatFit(std::views::reverse(clusters), tailColumns);
+    // A wide character that found no room at the end may leave a column to the beginning.
+    headColumns += tailColumns;
+    const std::size_t head = BytesThatFit(clusters, headColumns);
+    return std::string(text.substr(0, head))
+        .append(Ellipsis)
+        .append(text.substr(text.size() - tail));
 }
 
 std::string OneLine(std::string_view text) {

@@ -15,6 +15,11 @@ std::size_t DisplayColumns(std::string_view text);
 /// The text in at most `columns` columns; one that is cut ends in "…".
 std::string FitColumns(std::string_view text, std::size_t columns);
 
+/// The text in at most `columns` columns; one that is cut has "…" in its middle, since the end of a
+/// path or of a message about a file tells as much as its beginning. What a person sees as one
+/// character is never divided.
+std::string ShortenMiddle(std::string_view text, std::size_t columns);
+
 /// The text with every control character replaced by a blank, so that names and values from
 /// outside cannot move the cursor or end a line. Bytes that are no UTF-8 become U+FFFD.
 std::string OneLine(std::string_view text);

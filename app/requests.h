@@ -17,6 +17,7 @@ enum class LibraryLayout { Tree, Flat };
 struct RunRequest {
     std::filesystem::path host;
     ViewKind view = ViewKind::Auto;
+    bool quiet = false;  ///< plain lines that tell errors and the summary alone
 };
 
 /// `quillon init`

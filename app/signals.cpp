@@ -9,10 +9,11 @@ namespace quillon {
 namespace {
 
 constexpr int AbortedStatus = 3;
-constexpr std::array AbortingSignals{SIGINT, SIGTERM};
+constexpr std::array AbortingSignals{SIGINT, SIGTERM, SIGHUP};
 
 // A signal handler receives no context, so what it shares with the program lives here.
 std::atomic<bool> abortRequested{false};
+std::atomic<bool> askedByPerson{false};
 std::atomic<void (*)() noexcept> lastAct{nullptr};
 static_assert(std::atomic<bool>::is_always_lock_free);
 static_assert(std::atomic<void (*)() noexcept>::is_always_lock_free);
@@ -20,8 +21,11 @@ static_assert(std::atomic<void (*)() noexcept>::is_always_lock_free);
 std::array<struct sigaction, AbortingSignals.size()> previousActions{};
 struct sigaction previousPipeAction{};
 
-extern "C" void OnAbortSignal(int /*signal*/) {
-    if (!abortRequested.exchange(true)) return;
+extern "C" void OnAbortSignal(int signal) {
+    abortRequested = true;
+    // A terminal that closes says so more than once, through its shell as well, and the end of a
+    // login sends SIGTERM with it. Neither is a person who has lost patience.
+    if (signal == SIGHUP || !askedByPerson.exchange(true)) return;
     if (auto* const act = lastAct.load(); act != nullptr) act();
     _exit(AbortedStatus);
 }
@@ -30,6 +34,7 @@ extern "C" void OnAbortSignal(int /*signal*/) {
 
 AbortSignals::AbortSignals() {
     abortRequested = false;
+    askedByPerson = false;
     for (std::size_t i = 0; i < AbortingSignals.size(); ++i) {
         sigaction(AbortingSignals.at(i), nullptr, &previousActions.at(i));
         // Who starts a job in the background may have had it ignore the keyboard; that stays so.

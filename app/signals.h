@@ -2,9 +2,10 @@
 
 namespace quillon {
 
-/// While an object lives, SIGINT and SIGTERM press the Abort button instead of ending the process,
-/// and a broken pipe is an error of the write. A second signal ends the process at once with exit
-/// status 3; the database's journal keeps the file whole. One object at a time.
+/// While an object lives, SIGINT, SIGTERM and SIGHUP press the Abort button instead of ending the
+/// process, and a broken pipe is an error of the write. A second SIGINT or SIGTERM ends the process
+/// at once with exit status 3; the database's journal keeps the file whole. A signal that was
+/// ignored stays so. One object at a time.
 class AbortSignals {
   public:
     AbortSignals();

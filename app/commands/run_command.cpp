@@ -23,7 +23,7 @@ int RunLibrary(const RunRequest& request) {
     });
     // Before the view, which would otherwise leave signals to the terminal library.
     const AbortSignals signals;
-    const std::unique_ptr<View> view = MakeView(request.view);
+    const std::unique_ptr<View> view = MakeView(request.view, request.quiet);
     Run run(local.host, local.files, local.clock, *view);
     current = &run;
     RemovedFiles removed(RemovedMusicFolder(local.host), local.clock);

@@ -1,52 +1,49 @@
 #include "app/views/line_output.h"
 
-#include <cerrno>
-#include <poll.h>
-#include <unistd.h>
+#include <chrono>
+#include <fmt/format.h>
+#include <iterator>
 
 namespace quillon {
 namespace {
 
 constexpr std::size_t MostPending = std::size_t{1} << 20;
-constexpr int FinishMilliseconds = 1000;
-
-bool MayBeTriedAgain(int error) {
-    return error == EAGAIN || error == EWOULDBLOCK;
-}
+// A reader that takes a line now and then should get more than remarks on what is missing.
+constexpr std::size_t EnoughRoom = MostPending / 2;
+constexpr std::chrono::milliseconds Patience{1000};
 
 }  // namespace
 
 void LineOutput::WriteLine(std::string_view line) {
-    if (broken_ || pending_.size() + line.size() >= MostPending) return;
-    pending_ += line;
-    pending_ += '\n';
+    WritePending();
+    const std::size_t most = missing_ > 0 ? EnoughRoom : MostPending;
+    if (pending_.size() + line.size() >= most) {
+        ++missing_;
+        return;
+    }
+    TellWhatIsMissing();
+    pending_.append(line) += '\n';
     WritePending();
 }
 
 void LineOutput::Finish() {
+    TellWhatIsMissing();
     WritePending();
-    while (!pending_.empty()) {
-        pollfd writable{.fd = descriptor_, .events = POLLOUT, .revents = 0};
-        if (poll(&writable, 1, FinishMilliseconds) <= 0) return;
+    while (!pending_.empty() && channel_.WaitForRoom(Patience))
         WritePending();
-    }
+}
+
+void LineOutput::TellWhatIsMissing() {
+    if (missing_ == 0) return;
+    fmt::format_to(std::back_inserter(pending_),
+                   "({} {} not read in time and left out here; host.log has every record)\n",
+                   missing_, missing_ == 1 ? "line was" : "lines were");
+    missing_ = 0;
 }
 
 void LineOutput::WritePending() {
-    std::size_t written = 0;
-    while (written < pending_.size()) {
-        const ssize_t count =
-            write(descriptor_, pending_.data() + written, pending_.size() - written);
-        if (count >= 0) {
-            written += static_cast<std::size_t>(count);
-        } else if (MayBeTriedAgain(errno)) {
-            break;
-        } else if (errno != EINTR) {
-            broken_ = true;
-            written = pending_.size();
-        }
-    }
-    pending_.erase(0, written);
+    pending_.erase(0, channel_.Write(pending_));
+    if (channel_.Broken()) pending_.clear();
 }
 
 }  // namespace quillon

@@ -4,26 +4,30 @@
 #include <string>
 #include <string_view>
 
+#include "app/views/output_channel.h"
+
 namespace quillon {
 
 /// Lines on a file descriptor, each written at once. A reader that goes away or that does not keep
-/// up never ends a run or holds it back: what cannot be written now waits in a bounded buffer, what
-/// does not fit there is dropped.
+/// up never ends a run or holds it back: what cannot be written now waits in a bounded buffer.
+/// What does not fit there is left out, and a line says so as soon as there is room again.
 class LineOutput {
   public:
-    explicit LineOutput(int descriptor) : descriptor_(descriptor) {}
+    /// The descriptor stays the caller's.
+    explicit LineOutput(int descriptor) : channel_(descriptor) {}
 
     void WriteLine(std::string_view line);
 
-    /// Gives a slow reader up to a second for what still waits.
+    /// Gives a slow reader up to a second for each piece of what still waits.
     void Finish();
 
   private:
+    void TellWhatIsMissing();
     void WritePending();
 
-    int descriptor_;
+    OutputChannel channel_;
     std::string pending_;
-    bool broken_ = false;
+    std::size_t missing_ = 0;  ///< lines left out since the last one that was not
 };
 
 }  // namespace quillon

@@ -16,7 +16,7 @@ std::unique_ptr<View> MakeTerminalView() {
 
 }  // namespace
 
-std::unique_ptr<View> MakeView(ViewKind kind) {
+std::unique_ptr<View> MakeView(ViewKind kind, bool quiet) {
     switch (kind) {
         case ViewKind::Window:
             throw CommandError(
@@ -32,7 +32,8 @@ std::unique_ptr<View> MakeView(ViewKind kind) {
         case ViewKind::Plain:
             break;
     }
-    return std::make_unique<PlainView>(STDOUT_FILENO);
+    return std::make_unique<PlainView>(
+        STDOUT_FILENO, quiet ? PlainDetail::ErrorsAndSummary : PlainDetail::Everything);
 }
 
 }  // namespace quillon

@@ -8,7 +8,7 @@
 namespace quillon {
 
 /// The face that was asked for; auto takes the terminal screen where there is a terminal, else
-/// plain lines. CommandError for one that cannot be shown.
-std::unique_ptr<View> MakeView(ViewKind kind);
+/// plain lines, quiet ones if so wished. CommandError for one that cannot be shown.
+std::unique_ptr<View> MakeView(ViewKind kind, bool quiet);
 
 }  // namespace quillon

@@ -8,11 +8,13 @@
 namespace quillon {
 
 void PlainView::Show(const FormState& state) {
+    if (!TellsEverything()) return;
     output_.WriteLine(std::string(FormCaption).append(", ").append(state.lblver));
     ProcessEvents(state);
 }
 
 void PlainView::ProcessEvents(const FormState& state) {
+    if (!TellsEverything()) return;
     for (std::size_t i = 0; i < PhaseCount; ++i) {
         const PhaseIndicator& phase = state.aPhase[i];
         if (phase.selected == selected_[i]) continue;
@@ -21,7 +23,8 @@ void PlainView::ProcessEvents(const FormState& state) {
     }
 }
 
-void PlainView::LogWritten(LogKind /*kind*/, std::string_view source, std::string_view message) {
+void PlainView::LogWritten(LogKind kind, std::string_view source, std::string_view message) {
+    if (!TellsEverything() && kind != LogKind::Error) return;
     output_.WriteLine("   " + OneLine(source) + ": " + OneLine(message));
 }
 

@@ -7,12 +7,16 @@
 
 namespace quillon {
 
+/// How much plain lines tell: all that happens, or what a person has to know of.
+enum class PlainDetail { Everything, ErrorsAndSummary };
+
 /// The face for cron and logs: a line for each phase that starts and for each log record, and one
 /// that sums up.
 class PlainView : public View {
   public:
     /// Writes to this file descriptor, which stays the caller's.
-    explicit PlainView(int descriptor) : output_(descriptor) {}
+    explicit PlainView(int descriptor, PlainDetail detail = PlainDetail::Everything)
+        : output_(descriptor), detail_(detail) {}
 
     void Show(const FormState& state) override;
     void ProcessEvents(const FormState& state) override;
@@ -22,7 +26,10 @@ class PlainView : public View {
     void Summarize(const RunSummary& summary) override;
 
   private:
+    bool TellsEverything() const { return detail_ == PlainDetail::Everything; }
+
     LineOutput output_;
+    PlainDetail detail_;
     std::bitset<PhaseCount> selected_;
 };
 

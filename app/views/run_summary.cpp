@@ -1,46 +1,141 @@
 #include "app/views/run_summary.h"
 
 #include <fmt/format.h>
+#include <vector>
 
 #include "app/display_text.h"
 
 namespace quillon {
 namespace {
 
+/// A record that is cut to less says nothing.
+constexpr std::size_t LeastRecordColumns = 12;
+
+constexpr const char* NothingWasChanged = "No album, track, playlist or tag was changed.";
+
+/// A number of things that something happened to, with the words around it.
+struct Happening {
+    std::size_t count = 0;
+    std::string words;
+};
+
 std::string Counted(std::size_t count, const char* word) {
     return fmt::format("{} {}{}", count, word, count == 1 ? "" : "s");
 }
 
-/// What was done with tags, where anything was.
-std::string TagsText(const RunCounts& counts) {
-    if (counts.tagsWritten > 0) return fmt::format(" Tags: {} written.", counts.tagsWritten);
-    if (counts.tagValuesStored == 0) return "";
-    return fmt::format(" Tags: {} taken into the database.",
-                       Counted(counts.tagValuesStored, "value"));
+/// "Albums: 2 added, 398 unchanged."; nothing where nothing happened.
+std::string Told(const char* what, const std::vector<Happening>& happenings) {
+    std::string text;
+    for (const Happening& one : happenings) {
+        if (one.count > 0)
+            text += fmt::format("{}{} {}", text.empty() ? "" : ", ", one.count, one.words);
+    }
+    return text.empty() ? "" : fmt::format("{}: {}.", what, text);
 }
 
-/// Only where the run had to do with playlists.
-std::string PlaylistsText(const RunCounts& counts) {
-    if (counts.playlistsWritten + counts.playlistsRepaired + counts.playlistsRemoved == 0)
-        return "";
-    return fmt::format(" Playlists: {} written, {} repaired, {} removed.", counts.playlistsWritten,
-                       counts.playlistsRepaired, counts.playlistsRemoved);
+std::string Joined(const std::string& first, const std::string& second) {
+    return first + (first.empty() || second.empty() ? "" : " ") + second;
+}
+
+std::string AlbumsAndTracks(const RunCounts& counts, bool withUnchanged) {
+    const std::size_t albums = withUnchanged ? counts.albumsUnchanged : 0;
+    const std::size_t tracks = withUnchanged ? counts.tracksUnchanged : 0;
+    return Joined(Told("Albums", {{counts.albumsAdded, "added"},
+                                  {counts.albumsChanged, "changed"},
+                                  {counts.albumsRemoved, "removed"},
+                                  {albums, "unchanged"}}),
+                  Told("Tracks", {{counts.tracksAdded, "added"},
+                                  {counts.tracksChanged, "changed"},
+                                  {counts.tracksRemoved, "removed"},
+                                  {tracks, "unchanged"}}));
+}
+
+std::string PlaylistsAndTags(const RunCounts& counts) {
+    const char* const values = counts.tagValuesStored == 1 ? "value" : "values";
+    return Joined(Told("Playlists", {{counts.playlistsWritten, "written"},
+                                     {counts.playlistsRepaired, "repaired"},
+                                     {counts.playlistsRemoved, "removed"}}),
+                  Told("Tags", {{counts.tagsWritten, "written"},
+                                {counts.tagValuesStored,
+                                 fmt::format("{} taken into the database", values)}}));
+}
+
+std::string Errors(const RunSummary& summary) {
+    const std::size_t count = summary.counts.errors;
+    return count == 0 ? "no errors" : Counted(count, "error") + " in host.log";
+}
+
+/// "Done in 0:01:02; 2 errors in host.log", without the full stop.
+std::string Outcome(const RunSummary& summary) {
+    const std::string errors = Errors(summary);
+    const std::string elapsed = ElapsedText(summary.elapsed);
+    switch (summary.outcome) {
+        case RunOutcome::NothingRan:
+            return "Nothing ran; " + errors;
+        case RunOutcome::Aborted:
+            return fmt::format("Aborted after {}; {}", elapsed, errors);
+        case RunOutcome::Completed:
+            break;
+    }
+    return fmt::format("Done in {}; {}", elapsed, errors);
+}
+
+/// The same for a narrow place: where the errors are told is worth more than the duration.
+std::string ShortOutcome(const RunSummary& summary) {
+    const char* const word = summary.outcome == RunOutcome::Aborted ? "Aborted" : "Done";
+    return fmt::format("{}; {}", word, Errors(summary));
+}
+
+/// What a record at the end of the first line is introduced by; empty where none belongs there.
+std::string Introduction(const RunSummary& summary) {
+    if (summary.counts.errors > 0) return Outcome(summary) + ", last: ";
+    return summary.outcome == RunOutcome::NothingRan ? "Nothing ran: " : "";
+}
+
+std::string FirstLine(const RunSummary& summary, std::string_view record, std::size_t columns) {
+    const std::string introduction = Introduction(summary);
+    const std::size_t taken = introduction.size();
+    if (taken > 0 && !record.empty() && taken + LeastRecordColumns <= columns)
+        return introduction + ShortenMiddle(OneLine(record), columns - taken);
+    const std::string outcome = Outcome(summary) + '.';
+    const bool fits = outcome.size() <= columns || summary.outcome == RunOutcome::NothingRan;
+    return FitColumns(fits ? outcome : ShortOutcome(summary) + '.', columns);
+}
+
+std::string OrElse(const std::string& text, const char* other) {
+    return text.empty() ? other : text;
 }
 
 }  // namespace
 
+std::array<std::string, 3> SummaryLines(const RunSummary& summary) {
+    if (summary.outcome == RunOutcome::NothingRan) {
+        return {Outcome(summary) + '.', NothingWasChanged,
+                "'quillon check' tells what stands in the way."};
+    }
+    return {Outcome(summary) + '.',
+            OrElse(AlbumsAndTracks(summary.counts, true), "No album or track was changed."),
+            OrElse(PlaylistsAndTags(summary.counts), "No playlist or tag was changed.")};
+}
+
+std::array<std::string, 3> SummaryLines(const RunSummary& summary, std::string_view record,
+                                        std::size_t columns) {
+    std::array<std::string, 3> lines = SummaryLines(summary);
+    if (DisplayColumns(lines[1]) > columns && summary.outcome != RunOutcome::NothingRan)
+        lines[1] = OrElse(AlbumsAndTracks(summary.counts, false), "No album or track was changed.");
+    for (std::string& line : lines)
+        line = FitColumns(line, columns);
+    lines[0] = FirstLine(summary, record, columns);
+    return lines;
+}
+
 std::string SummaryText(const RunSummary& summary) {
-    const RunCounts& counts = summary.counts;
-    const std::string errors = Counted(counts.errors, "error");
-    if (summary.outcome == RunOutcome::NothingRan) return fmt::format("Nothing ran; {}.", errors);
-    return fmt::format(
-        "{} {}. Albums: {} added, {} changed, {} removed, {} unchanged. "
-        "Tracks: {} added, {} changed, {} removed, {} unchanged.{}{} {}.",
-        summary.outcome == RunOutcome::Aborted ? "Aborted after" : "Done in",
-        ElapsedText(summary.elapsed), counts.albumsAdded, counts.albumsChanged,
-        counts.albumsRemoved, counts.albumsUnchanged, counts.tracksAdded, counts.tracksChanged,
-        counts.tracksRemoved, counts.tracksUnchanged, TagsText(counts), PlaylistsText(counts),
-        errors);
+    const std::string outcome = Outcome(summary) + '.';
+    if (summary.outcome == RunOutcome::NothingRan)
+        return outcome + " 'quillon check' tells what stands in the way.";
+    return outcome + ' ' +
+           OrElse(Joined(AlbumsAndTracks(summary.counts, true), PlaylistsAndTags(summary.counts)),
+                  NothingWasChanged);
 }
 
 int ExitStatus(const RunSummary& summary) {

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <array>
 #include <chrono>
+#include <cstddef>
 #include <string>
+#include <string_view>
 
 #include "driver/library_form.h"
 #include "run/run.h"
@@ -15,8 +18,17 @@ struct RunSummary {
     std::chrono::seconds elapsed{};
 };
 
-/// The line that ends every run: outcome, duration, what was added, changed, removed and left
-/// alone, errors.
+/// What ends every run, in three lines: outcome, duration and errors; albums and tracks; playlists
+/// and tags. Of what was counted only what occurred is told.
+std::array<std::string, 3> SummaryLines(const RunSummary& summary);
+
+/// The same for a place of so many columns: each line fits, and the first one tells `record`, the
+/// message of the log that says most about the end, as far as there is room. Where not all fits,
+/// what was left unchanged is left out first.
+std::array<std::string, 3> SummaryLines(const RunSummary& summary, std::string_view record,
+                                        std::size_t columns);
+
+/// The three as one line.
 std::string SummaryText(const RunSummary& summary);
 
 /// 0 the mode ran and logged no error, 1 it logged errors, 2 nothing ran, 3 aborted.

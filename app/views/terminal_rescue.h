@@ -1,19 +1,37 @@
 #pragma once
 
+#include <string_view>
+
 namespace quillon {
 
-/// Remembers how the terminal of this process is set and what brings it back from a screen, and has
-/// a signal that ends the process at once do so. To be made before the screen is opened, armed when
-/// it is open, and destroyed when it is closed. One object at a time.
+/// The modes of the terminal on the standard input, and what brings it back from a screen. While
+/// the terminal is taken it is given back, from inside a signal handler if need be, by whatever
+/// suspends or ends the process: Ctrl-Z, a crash, a second abort signal. One object at a time.
 class TerminalRescue {
   public:
+    /// Remembers the modes. To be made before anything else changes them or handles SIGTSTP.
     TerminalRescue();
+    /// Gives the modes and the signals back.
     ~TerminalRescue();
     TerminalRescue(const TerminalRescue&) = delete;
     TerminalRescue& operator=(const TerminalRescue&) = delete;
 
-    /// The terminal's kind is known from here on.
-    void Arm();
+    /// What is written to the descriptor, after the screen's last output, to leave the screen. At
+    /// most 256 bytes of it are kept.
+    void LeaveScreenWith(int descriptor, std::string_view sequence);
+
+    /// Keys arrive one by one and are not shown, Ctrl-S does not stop the output, and what is
+    /// written reaches the terminal as it is.
+    void Take();
+
+    /// False before Take() and again after the process was suspended.
+    bool Taken() const;
+
+    /// Whether the terminal is this process's to use: a job in the background leaves it alone.
+    bool InForeground() const;
+
+    /// The modes as they were; the screen has been left by other means.
+    void GiveModesBack();
 };
 
 }  // namespace quillon

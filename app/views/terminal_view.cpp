@@ -1,21 +1,26 @@
 #include "app/views/terminal_view.h"
 
-#include <string>
+#include <sys/ioctl.h>
 #include <unistd.h>
 #include <utility>
-#include <vector>
 
 #include "app/display_text.h"
 #include "app/signals.h"
 #include "app/views/curses_screen.h"
 #include "app/views/line_output.h"
-#include "app/views/screen_layout.h"
 
 namespace quillon {
 namespace {
 
 constexpr std::chrono::milliseconds DrawInterval{34};
-constexpr std::size_t MostRecordsTold = 10;
+constexpr std::size_t MostRecords = 200;
+constexpr std::size_t UsualColumns = 80;
+
+std::size_t ColumnsOfOutput() {
+    winsize size{};
+    const bool known = ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+    return known ? size.ws_col : UsualColumns;
+}
 
 }  // namespace
 
@@ -30,28 +35,31 @@ TerminalView::TerminalView(std::unique_ptr<CursesScreen> screen) : screen_(std::
 TerminalView::~TerminalView() = default;
 
 void TerminalView::Show(const FormState& state) {
-    Draw(state, Clock::now());
+    if (screen_ != nullptr) Draw(state, Clock::now());
 }
 
 void TerminalView::ProcessEvents(const FormState& state) {
     const Clock::time_point now = Clock::now();
     if (now < nextDraw_ || screen_ == nullptr) return;
-    while (const std::optional<char> key = screen_->ReadKey())
-        abortKeyPressed_ = abortKeyPressed_ || *key == 'a' || *key == 'A';
+    if (keys_.Typed(screen_->ReadInput()).find_first_of("aA") != std::string::npos)
+        abortKeyPressed_ = true;
     Draw(state, now);
 }
 
 void TerminalView::Draw(const FormState& state, Clock::time_point now) {
-    if (screen_ == nullptr) return;
-    const auto elapsed = std::chrono::duration_cast<std::chrono::seconds>(now - start_);
-    screen_->Draw(LayOutScreen(state, elapsed, AbortPressed(), screen_->Size()));
+    remarks_.elapsed = std::chrono::duration_cast<std::chrono::seconds>(now - start_);
+    remarks_.aborting = AbortPressed();
+    screen_->Draw(LayOutScreen(state, remarks_, screen_->Size()));
     // Counted from the end of drawing: a slow line gets no more than its share of the time.
     nextDraw_ = Clock::now() + DrawInterval;
 }
 
-void TerminalView::LogWritten(LogKind /*kind*/, std::string_view source, std::string_view message) {
-    latestRecords_.push_back(OneLine(source) + ": " + OneLine(message));
-    if (latestRecords_.size() > MostRecordsTold) latestRecords_.pop_front();
+void TerminalView::LogWritten(LogKind kind, std::string_view /*source*/, std::string_view message) {
+    remarks_.records.push_back({kind, OneLine(message)});
+    if (remarks_.records.size() > MostRecords) remarks_.records.pop_front();
+    if (kind != LogKind::Error) return;
+    ++remarks_.errors;
+    latestError_ = remarks_.records.back().text;
 }
 
 bool TerminalView::AbortPressed() const {
@@ -64,10 +72,13 @@ void TerminalView::Unload() {
 
 void TerminalView::Summarize(const RunSummary& summary) {
     Unload();
+    std::string record = latestError_;
+    // A run that did not begin says why in a record that need not be an error.
+    if (record.empty() && summary.outcome == RunOutcome::NothingRan && !remarks_.records.empty())
+        record = remarks_.records.back().text;
     LineOutput output(STDOUT_FILENO);
-    for (const std::string& record : latestRecords_)
-        output.WriteLine(record);
-    output.WriteLine(SummaryText(summary));
+    for (const std::string& line : SummaryLines(summary, record, ColumnsOfOutput()))
+        output.WriteLine(line);
     output.Finish();
 }
 

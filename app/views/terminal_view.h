@@ -1,22 +1,24 @@
 #pragma once
 
 #include <chrono>
-#include <deque>
 #include <memory>
 #include <string>
 
+#include "app/views/key_presses.h"
+#include "app/views/screen_layout.h"
 #include "app/views/view.h"
 
 namespace quillon {
 
 class CursesScreen;
 
-/// The face on a terminal: the phases with the running one marked, the current item, the latest
-/// error, the elapsed time. Key `a` is the Abort button. The screen is given back when the window
-/// closes, whatever ends it.
+/// The face on a terminal: the phases with the running one marked and how far it has come, the
+/// current item, the latest error, the elapsed time, the latest records of the log. Key `a` is the
+/// Abort button. The screen is given back when the window closes, whatever ends it; then three
+/// lines sum up.
 class TerminalView : public View {
   public:
-    /// nullptr where the terminal cannot show a screen.
+    /// nullptr where the terminal cannot show a screen. It is taken when the window is shown.
     static std::unique_ptr<TerminalView> Make();
     ~TerminalView() override;
 
@@ -36,8 +38,10 @@ class TerminalView : public View {
     std::unique_ptr<CursesScreen> screen_;
     Clock::time_point start_ = Clock::now();
     Clock::time_point nextDraw_ = start_;
+    KeyPresses keys_;
     bool abortKeyPressed_ = false;
-    std::deque<std::string> latestRecords_;  ///< of the log, to be told when the screen is gone
+    ScreenRemarks remarks_;
+    std::string latestError_;
 };
 
 }  // namespace quillon

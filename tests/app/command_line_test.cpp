@@ -84,6 +84,27 @@ TEST(CommandLine, KnowsFourViews) {
               "Try 'quillon run --help'.\n");
 }
 
+TEST(CommandLine, QuietMeansPlainLines) {
+    EXPECT_FALSE(std::get<RunRequest>(Parse({"run"})).quiet);
+    for (const std::vector<const char*>& arguments :
+         std::vector<std::vector<const char*>>{{"--quiet"},
+                                               {"run", "--quiet"},
+                                               {"run", "--quiet", "--view", "plain"},
+                                               {"run", "--view", "auto", "--quiet"}}) {
+        const auto request = std::get<RunRequest>(Parse(arguments));
+        EXPECT_TRUE(request.quiet);
+        EXPECT_EQ(request.view, ViewKind::Plain);
+    }
+}
+
+TEST(CommandLine, QuietGoesWithNoScreen) {
+    for (const char* const view : {"window", "terminal"}) {
+        EXPECT_EQ(UsageError({"run", "--quiet", "--view", view}),
+                  "quillon: --quiet: goes with plain lines only; leave --view out\n"
+                  "Try 'quillon run --help'.\n");
+    }
+}
+
 TEST(CommandLine, InitTakesAFolderAndTheMusic) {
     const auto request = std::get<InitRequest>(Parse({"init", "shelf", "--music", "/m"}));
     EXPECT_EQ(request.host, "shelf");
@@ -139,7 +160,9 @@ TEST(CommandLine, AUsageErrorNamesWhatIsWrongAndHowToLearnMore) {
     EXPECT_NE(UsageError({"run", "--host"}).find("--host"), std::string::npos);
 }
 
-TEST(CommandLine, AViewBelongsToRunsAlone) {
+TEST(CommandLine, ViewsAndQuietnessBelongToRunsAlone) {
+    EXPECT_NE(UsageError({"--quiet", "check"}).find("--quiet"), std::string::npos);
+    EXPECT_NE(UsageError({"check", "--quiet"}).find("--quiet"), std::string::npos);
     EXPECT_NE(UsageError({"--view", "plain", "check"}).find("--view"), std::string::npos);
     EXPECT_NE(UsageError({"check", "--view", "plain"}).find("--view"), std::string::npos);
 }

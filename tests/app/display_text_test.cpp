@@ -37,6 +37,49 @@ TEST(FitColumns, IsNeverWiderThanAsked) {
         EXPECT_LE(DisplayColumns(FitColumns(text, columns)), columns);
 }
 
+TEST(ShortenMiddle, LeavesATextThatFits) {
+    EXPECT_EQ(ShortenMiddle("", 0), "");
+    EXPECT_EQ(ShortenMiddle("abc", 3), "abc");
+    EXPECT_EQ(ShortenMiddle("音楽", 4), "音楽");
+}
+
+TEST(ShortenMiddle, KeepsBothEnds) {
+    EXPECT_EQ(ShortenMiddle("abcdefgh", 7), "abc…fgh");
+    EXPECT_EQ(ShortenMiddle("abcdefgh", 6), "abc…gh");
+    EXPECT_EQ(ShortenMiddle("abcdefgh", 2), "a…");
+    EXPECT_EQ(ShortenMiddle("abcdefgh", 1), "…");
+    EXPECT_EQ(ShortenMiddle("abcdefgh", 0), "");
+}
+
+TEST(ShortenMiddle, NeverDividesAWideCharacter) {
+    EXPECT_EQ(ShortenMiddle("音楽館音楽館", 9), "音楽…楽館");
+    EXPECT_EQ(ShortenMiddle("音楽館音楽館", 7), "音楽…館");
+    EXPECT_EQ(ShortenMiddle("音楽館音楽館", 6), "音…館");
+    EXPECT_EQ(ShortenMiddle("abcdef音", 4), "abc…") << "what the end cannot use the beginning gets";
+}
+
+TEST(ShortenMiddle, NeverTakesAnAccentFromItsLetter) {
+    const std::string accented = "e\xCC\x81";
+    EXPECT_EQ(ShortenMiddle("ab" + accented + "cdefg" + accented + "hi", 7),
+              "ab" + accented + "…" + accented + "hi");
+    EXPECT_EQ(ShortenMiddle("abcdefg" + accented, 3), "a…" + accented);
+}
+
+TEST(ShortenMiddle, NeverTakesAnEmojiApart) {
+    const std::string family = "\U0001F468\u200D\U0001F469\u200D\U0001F467";
+    const std::string shortened = ShortenMiddle("abcdefgh" + family, 8);
+    EXPECT_EQ(shortened.find(family) == std::string::npos,
+              shortened.find("\U0001F467") == std::string::npos);
+}
+
+TEST(ShortenMiddle, IsNeverWiderThanAsked) {
+    const std::string text =
+        "a音é楽e\xCC\x81 b館c\xFF"
+        "d音";
+    for (std::size_t columns = 0; columns < 20; ++columns)
+        EXPECT_LE(DisplayColumns(ShortenMiddle(text, columns)), columns);
+}
+
 TEST(OneLine, TakesControlCharactersOut) {
     EXPECT_EQ(OneLine("a\r\nb\tc"), "a  b c");
     EXPECT_EQ(OneLine("\x1B[2J"), " [2J") << "no escape sequence reaches the terminal";

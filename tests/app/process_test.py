@@ -3,6 +3,7 @@
 signals, exit statuses."""
 
 import os
+import re
 import signal
 import subprocess
 import sys
@@ -74,6 +75,52 @@ def a_reader_that_goes_away_does_not_end_a_run(work):
     is_whole(host)
 
 
+def a_reader_that_does_not_read_holds_no_run_back(work):
+    host = host_folder(work, albums=20)
+    reader, writer = os.pipe()
+    os.set_blocking(writer, False)
+    try:
+        while os.write(writer, bytes(4096)):
+            pass
+    except BlockingIOError:
+        pass
+    os.set_blocking(writer, True)
+    done = subprocess.run([PROGRAM, "run", "--host", host, "--view", "plain"], check=False,
+                          stdin=subprocess.DEVNULL, stdout=writer, timeout=TIME_LIMIT)
+    expect("status of the run", 0, done.returncode)
+    expect("the pipe of others still waits for its reader", True, os.get_blocking(writer))
+    os.close(writer)
+    os.close(reader)
+    is_whole(host)
+
+
+def quiet_runs_tell_errors_and_a_summary(work):
+    host = host_folder(work)
+    done = call("run", "--host", host, "--quiet")
+    expect("status", 0, done.returncode)
+    expect("one line", 1, len(done.stdout.splitlines()))
+    expect("the summary", True, re.fullmatch(
+        r"Done in \d:\d\d:\d\d; no errors\. Albums: 1 added\. Tracks: 5 added\. Playlists: \d written\.\n",
+        done.stdout) is not None)
+    settings = Path(host) / "Quillon.ini"
+    lines = settings.read_text("utf-8").splitlines()
+    lines = ["PlayListPath=Q:\\Nowhere\\" if line.startswith("PlayListPath=") else line
+             for line in lines]
+    settings.write_text("\r\n".join(lines) + "\r\n", "utf-8", newline="")
+    done = call("--quiet", "--host", host)
+    told = done.stdout.splitlines()
+    expect("status with errors", 1, done.returncode)
+    expect("a line for each error and one more", True,
+           len(told) > 1 and re.search(rf"; {len(told) - 1} errors? in host\.log\.", told[-1])
+           is not None)
+    for view in ("window", "terminal"):
+        done = call("run", "--host", host, "--view", view, "--quiet")
+        expect(f"status of a quiet {view}", 2, done.returncode)
+        expect(f"output of a quiet {view}", "", done.stdout)
+        expect(f"words for a quiet {view}", True,
+               "--quiet: goes with plain lines only" in done.stderr)
+
+
 def the_host_folder_is_found(work):
     host = host_folder(work)
     expect("by variable", 0, shell('QUILLON_HOST="$HOST" "$Q" run --view plain', HOST=host).returncode)
@@ -94,9 +141,9 @@ def auto_writes_plain_lines_into_a_pipe(work):
     expect("status without a terminal", 2, done.returncode)
 
 
-def signalled(host, signals):
+def signalled(host, signals, before=()):
     """A run that gets these signals as soon as its first line is there; its exit status."""
-    run = subprocess.Popen([PROGRAM, "run", "--host", host, "--view", "plain"],
+    run = subprocess.Popen([*before, PROGRAM, "run", "--host", host, "--view", "plain"],
                            stdin=subprocess.DEVNULL, stdout=subprocess.PIPE)
     run.stdout.readline()
     for number in signals:
@@ -108,12 +155,15 @@ def signalled(host, signals):
 
 def signals_abort_and_a_second_one_ends_at_once(work):
     host = host_folder(work, albums=400)
-    for signals in ([signal.SIGTERM], [signal.SIGINT], [signal.SIGTERM, signal.SIGINT]):
+    for signals in ([signal.SIGTERM], [signal.SIGINT], [signal.SIGHUP],
+                    [signal.SIGHUP, signal.SIGHUP, signal.SIGTERM],
+                    [signal.SIGTERM, signal.SIGINT]):
         expect(f"status after {signals}", 3, signalled(host, signals))
         # Opening for writing lets the journal of an unfinished change have its effect.
         expect("next opening", 0,
                call("db", "exec", f"{host}/jukebox.mdb", "DELETE * FROM Spinner").returncode)
         is_whole(host)
+    expect("nohup", 0, signalled(host, [signal.SIGHUP], before=["nohup"]))
     expect("the run after them", 0, call("run", "--host", host, "--view", "plain").returncode)
     counted = call("db", "query", "--json", f"{host}/jukebox.mdb", "SELECT Count(*) AS N FROM Tracks")
     expect("tracks in the end", '{"N":2000}\n', counted.stdout)
@@ -122,7 +172,9 @@ def signals_abort_and_a_second_one_ends_at_once(work):
 def main():
     failures = 0
     for story in (streams_are_kept_apart, closed_streams_never_reach_the_database,
-                  a_reader_that_goes_away_does_not_end_a_run, the_host_folder_is_found,
+                  a_reader_that_goes_away_does_not_end_a_run,
+                  a_reader_that_does_not_read_holds_no_run_back,
+                  quiet_runs_tell_errors_and_a_summary, the_host_folder_is_found,
                   auto_writes_plain_lines_into_a_pipe,
                   signals_abort_and_a_second_one_ends_at_once):
         name = story.__name__.replace("_", " ")

@@ -23,7 +23,18 @@ quillon::FormState SelectedPhase() {
     state.aPhase[3].selected = true;
     state.lblver = "Version 1.2.3";
     state.aError = "ProcessTracks";
+    state.progress = {.done = 37, .total = 100};
     return state;
+}
+
+void WriteLog(quillon::TerminalView& view) {
+    using enum quillon::LogKind;
+    view.LogWritten(Information, "Quillon",
+                    "252E671073EC0008 3 Playlist 音楽.pla, Track # updated");
+    view.LogWritten(Information, "Quillon", "Cover without an album: D:\\Covers\\Alder - Dusk.jpg");
+    view.LogWritten(Error, "Quillon",
+                    "ProcessTracks Line 0 Path not found: D:\\Music\\Sängerin\\First Light\\01 - "
+                    "Dawn.mp3");
 }
 
 void Play(std::string_view end) {
@@ -31,15 +42,23 @@ void Play(std::string_view end) {
     if (view == nullptr) throw std::runtime_error("no screen here");
     quillon::FormState state = SelectedPhase();
     view->Show(state);
-    view->LogWritten(quillon::LogKind::Error, "Quillon", "ProcessTracks Line 0 Path not found");
+    WriteLog(*view);
     for (int i = 0; !view->AbortPressed() || end == "stuck"; ++i) {
-        state.aItem = std::to_string(i) + ". Sängerin 音楽";
+        state.aItem = std::to_string(i) +
+                      ". Reconcile Folder Tracks with Database for Artist Sängerin 音楽 und das "
+                      "Orchester der kleinen Bühne am Hafen, Live";
         view->ProcessEvents(state);
         std::this_thread::sleep_for(1ms);
     }
     if (end == "throw") throw std::runtime_error("thrown while the screen was up");
     view->Unload();
-    view->Summarize({quillon::RunOutcome::Aborted, {}, 7s});
+    quillon::RunCounts counts;
+    counts.albumsAdded = 2;
+    counts.albumsUnchanged = 398;
+    counts.tracksAdded = 12;
+    counts.tracksUnchanged = 4310;
+    counts.errors = 1;
+    view->Summarize({quillon::RunOutcome::Aborted, counts, 7s});
 }
 
 }  // namespace
