@@ -21,8 +21,6 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-/// A display on the other end of a slow line needs seconds.
-constexpr std::chrono::seconds Patience{10};
 constexpr std::size_t LongestReason = 120;
 
 std::string_view Variable(const char* name) {
@@ -70,8 +68,8 @@ class Descriptor {
 }
 
 /// Waits until the other end of a pipe is closed; false when patience ends first.
-bool IsClosedSoon(int pipeEnd) {
-    const Clock::time_point deadline = Clock::now() + Patience;
+bool IsClosedWithin(std::chrono::milliseconds patience, int pipeEnd) {
+    const Clock::time_point deadline = Clock::now() + patience;
     for (;;) {
         const auto left =
             std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now()).count();
@@ -103,7 +101,7 @@ std::string FirstReason(std::string_view messages) {
 
 }  // namespace
 
-std::string WhyNoDisplay(const std::function<void()>& open) {
+std::string WhyNoDisplay(const std::function<void()>& open, std::chrono::milliseconds patience) {
     if (DisplayName().empty())
         return "there is no display (neither DISPLAY nor WAYLAND_DISPLAY is set)";
     // The pipe ends with the trial, whatever programs that has started: these do not inherit it.
@@ -116,7 +114,7 @@ std::string WhyNoDisplay(const std::function<void()>& open) {
     if (trial < 0) return "the display cannot be tried out";
     if (trial == 0) Try(open, messages);
     writer.Close();
-    const bool ended = IsClosedSoon(reader.Number());
+    const bool ended = IsClosedWithin(patience, reader.Number());
     if (!ended) kill(trial, SIGKILL);
     int status = 0;
     while (waitpid(trial, &status, 0) < 0 && errno == EINTR) {

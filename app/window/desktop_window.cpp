@@ -46,7 +46,6 @@ void DesktopWindow::Draw(const FormState& state, Clock::time_point now) {
     }
     window_->Update(state, std::chrono::duration_cast<std::chrono::seconds>(now - start_));
     QApplication::processEvents();
-    abortPressed_ = abortPressed_ || window_->AbortPressed();
     const Clock::time_point end = Clock::now();
     nextDraw_ = end + std::clamp<Clock::duration>((end - now) * (RunsShare - 1), ShortestInterval,
                                                   LongestInterval);
@@ -65,11 +64,12 @@ void DesktopWindow::LogWritten(LogKind kind, std::string_view source, std::strin
 }
 
 bool DesktopWindow::AbortPressed() const {
-    return abortPressed_;
+    return abortPressed_ || (window_ != nullptr && window_->AbortPressed());
 }
 
 void DesktopWindow::Unload() {
     if (window_ == nullptr) return;
+    abortPressed_ = AbortPressed();
     if (DisplayIsLost()) {
         abortPressed_ = true;
         // To be told so by the display would end the process; there is nothing left to tidy up.

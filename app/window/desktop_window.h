@@ -37,7 +37,7 @@ class DesktopWindow : public Window {
     std::unique_ptr<LibraryWindow> window_;
     Clock::time_point start_ = Clock::now();
     Clock::time_point nextDraw_ = start_;
-    bool abortPressed_ = false;
+    bool abortPressed_ = false;  ///< kept when the window, which knows it, is gone
 };
 
 }  // namespace quillon

@@ -1,5 +1,6 @@
 #include "app/window/phase_board.h"
 
+#include <QButtonGroup>
 #include <QGridLayout>
 
 #include "app/window/phase_lamp.h"
@@ -17,8 +18,12 @@ PhaseBoard::PhaseBoard(QWidget* parent) : QWidget(parent), grid_(new QGridLayout
     grid_->setContentsMargins(0, 0, 0, 0);
     grid_->setVerticalSpacing(grid_->verticalSpacing() / 2);
     grid_->setHorizontalSpacing(3 * fontMetrics().averageCharWidth());
+    // The run says which are selected; they do not switch each other off.
+    auto* const group = new QButtonGroup(this);
+    group->setExclusive(false);
     for (std::size_t i = 0; i < PhaseCount; ++i) {
         lamps_.at(i) = new PhaseLamp(this);
+        group->addButton(lamps_.at(i));
         lamps_.at(i)->setObjectName("aPhase" + QString::number(i));
         lamps_.at(i)->hide();
     }

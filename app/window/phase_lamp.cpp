@@ -3,8 +3,6 @@
 namespace quillon {
 
 PhaseLamp::PhaseLamp(QWidget* parent) : QRadioButton(parent) {
-    // The run says which are selected; the buttons do not switch each other off.
-    setAutoExclusive(false);
     setFocusPolicy(Qt::NoFocus);
     setAttribute(Qt::WA_TransparentForMouseEvents);
 }
