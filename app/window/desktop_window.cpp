@@ -8,8 +8,9 @@ namespace {
 
 using std::chrono::milliseconds;
 
-/// Drawing takes at most one part in so many of the run's time ...
+/// Drawing takes at most one part in so many of the run's time, beside what it may always take ...
 constexpr int RunsShare = 50;
+constexpr milliseconds AlwaysAllowed{100};
 /// ... and happens no more often than a person can see, but often enough for a click to be heard at
 /// once.
 constexpr milliseconds ShortestInterval{34}, LongestInterval{250};
@@ -47,8 +48,9 @@ void DesktopWindow::Draw(const FormState& state, Clock::time_point now) {
     window_->Update(state, std::chrono::duration_cast<std::chrono::seconds>(now - start_));
     QApplication::processEvents();
     const Clock::time_point end = Clock::now();
-    nextDraw_ = end + std::clamp<Clock::duration>((end - now) * (RunsShare - 1), ShortestInterval,
-                                                  LongestInterval);
+    spent_ += end - now;
+    nextDraw_ = std::clamp(start_ + (spent_ - AlwaysAllowed) * RunsShare, end + ShortestInterval,
+                           end + LongestInterval);
 }
 
 /// Whether the X server has gone. Qt would end the process then, in the middle of the run and

@@ -37,6 +37,7 @@ class DesktopWindow : public Window {
     std::unique_ptr<LibraryWindow> window_;
     Clock::time_point start_ = Clock::now();
     Clock::time_point nextDraw_ = start_;
+    Clock::duration spent_{};  ///< on drawing, so far
     bool abortPressed_ = false;  ///< kept when the window, which knows it, is gone
 };
 

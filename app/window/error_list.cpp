@@ -10,11 +10,19 @@
 namespace quillon {
 namespace {
 
+constexpr int LeastLines = 3, UsualLines = 7;
+
 /// Text that can be selected, but not dragged away: a drag would hold the run for as long as it
 /// lasts.
-class UndraggableText : public QPlainTextEdit {
+class Records : public QPlainTextEdit {
   public:
-    using QPlainTextEdit::QPlainTextEdit;
+    explicit Records(QWidget* parent) : QPlainTextEdit(parent) {
+        setMinimumHeight(LeastLines * fontMetrics().lineSpacing());
+    }
+
+    QSize sizeHint() const override {
+        return {QPlainTextEdit::sizeHint().width(), UsualLines * fontMetrics().lineSpacing()};
+    }
 
   protected:
     void mousePressEvent(QMouseEvent* event) override {
@@ -24,12 +32,10 @@ class UndraggableText : public QPlainTextEdit {
     }
 };
 
-constexpr int LeastLines = 3, UsualLines = 9;
-
 }  // namespace
 
 ErrorList::ErrorList(QWidget* parent)
-    : QWidget(parent), olderOnes_(new QLabel(this)), text_(new UndraggableText(this)) {
+    : QWidget(parent), olderOnes_(new QLabel(this)), text_(new Records(this)) {
     olderOnes_->setTextFormat(Qt::PlainText);
     olderOnes_->setText("Older errors are in the log.");
     olderOnes_->hide();
@@ -40,13 +46,10 @@ ErrorList::ErrorList(QWidget* parent)
     text_->setLineWrapMode(QPlainTextEdit::NoWrap);
     text_->setTabChangesFocus(true);
     text_->setMaximumBlockCount(static_cast<int>(MostKept));
-    const int line = text_->fontMetrics().lineSpacing();
-    text_->setMinimumHeight(LeastLines * line);
     auto* const rows = new QVBoxLayout(this);
     rows->setContentsMargins(0, 0, 0, 0);
     rows->addWidget(olderOnes_);
     rows->addWidget(text_);
-    setMinimumHeight(UsualLines * line);
 }
 
 void ErrorList::Add(std::string_view source, std::string_view message) {

@@ -23,7 +23,7 @@ namespace quillon {
 namespace {
 
 /// How wide the window opens, in average characters.
-constexpr int UsualWidth = 76;
+constexpr int UsualWidth = 100;
 
 constexpr const char* AbortCaption = "&Abort";
 constexpr const char* AbortingCaption = "Aborting";
@@ -77,6 +77,7 @@ LibraryWindow::LibraryWindow()
     auto* const rows = new QVBoxLayout(this);
     rows->addWidget(aLblReconcile_);
     rows->addWidget(board_);
+    rows->addSpacing(rows->spacing());
     rows->addStretch();
     rows->addLayout(MakeFields());
     rows->addWidget(progress_);
@@ -150,7 +151,7 @@ void LibraryWindow::Update(const FormState& state, std::chrono::seconds elapsed)
     ShowErrorCount();
     errors_->Refresh();
     if (state.aborting) ShowAborting();
-    if (otherHeading || otherIndicators) Grow();
+    if (otherHeading || otherIndicators || !testAttribute(Qt::WA_Resized)) Grow();
 }
 
 void LibraryWindow::ShowProgress(const PhaseProgress& progress) {
@@ -189,7 +190,8 @@ void LibraryWindow::OpenErrors(bool open) {
 /// Makes room for what has become visible, as far as the screen has any.
 void LibraryWindow::Grow() {
     layout()->activate();
-    resize(size().expandedTo(sizeHint()).boundedTo(screen()->availableSize()));
+    const QSize before = testAttribute(Qt::WA_Resized) ? size() : QSize();
+    resize(before.expandedTo(sizeHint()).boundedTo(screen()->availableSize()));
 }
 
 void LibraryWindow::PressAbort() {
@@ -201,6 +203,8 @@ void LibraryWindow::ShowAborting() {
     if (showsAborting_) return;
     showsAborting_ = true;
     aAbort_->setText(AbortingCaption);
+    // Otherwise it would pass the focus on to the next control.
+    if (aAbort_->hasFocus()) setFocus();
     aAbort_->setEnabled(false);
     remark_->setText(AbortingRemark);
     QAccessibleEvent heard(remark_, QAccessible::Alert);

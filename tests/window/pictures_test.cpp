@@ -9,10 +9,10 @@ namespace quillon {
 namespace {
 
 QPalette DarkPalette() {
-    QPalette dark(QColor(45, 45, 48), QColor(32, 32, 34));
+    QPalette dark(QColor(53, 53, 53), QColor(53, 53, 53));
     for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
         dark.setColor(role, QColor(235, 235, 235));
-    dark.setColor(QPalette::Base, QColor(24, 24, 26));
+    dark.setColor(QPalette::Base, QColor(35, 35, 35));
     for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
         dark.setColor(QPalette::Disabled, role, QColor(130, 130, 130));
     return dark;

@@ -75,6 +75,7 @@ TEST_F(Texts, AShortenedPathIsToldWholeByItsToolTip) {
     DrawItem(LongPath + " <b>&amp;");
     EXPECT_EQ(ToolTipOf(Item()).toStdString(), "<qt>" + LongPath + " &lt;b&gt;&amp;amp;</qt>");
     DrawItem("short <b>");
+    ToolTipOf(Item());
     EXPECT_EQ(Item().toolTip(), "") << "as long as all of it can be seen, there is none";
     QToolTip::hideText();
 }

@@ -5,6 +5,8 @@
 #include <QLabel>
 #include <chrono>
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <stdexcept>
 #include <thread>
 
@@ -13,13 +15,28 @@
 
 namespace quillon {
 
+namespace {
+
+/// A platform without a screen that pretends to have one of 800x600, in the units of the scale. It
+/// reads that from a file.
+std::string SmallScreen(const std::filesystem::path& file) {
+    const char* const scale = std::getenv("QT_SCALE_FACTOR");
+    const int factor = scale == nullptr ? 1 : std::stoi(scale);
+    std::ofstream(file) << R"({"screens": [{"name": "small", "x": 0, "y": 0, "logicalDpi": 96, )"
+                        << R"("logicalBaseDpi": 96, "dpr": 1, "width": )" << 800 * factor
+                        << R"(, "height": )" << 600 * factor << "}]}";
+    return "offscreen:configfile=" + file.string();
+}
+
+}  // namespace
+
 WindowFixture::WindowFixture() {
     Reopen();
 }
 
 void WindowFixture::Reopen() {
     window.reset();
-    setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    setenv("QT_QPA_PLATFORM", SmallScreen(folder_.Path() / "screen.json").c_str(), 1);
     // Other settings of the person at this desktop are no part of what is tested.
     for (const char* const name : {"QT_STYLE_OVERRIDE", "QT_QPA_PLATFORMTHEME"})
         unsetenv(name);

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "platform/window.h"
+#include "tests/outside/temporary_folder.h"
 
 namespace quillon {
 
@@ -52,10 +53,12 @@ class WindowFixture : public ::testing::Test {
     /// Keeps a picture of the window for people to look at; its pixels.
     static QImage Picture(const std::string& name);
 
-    std::unique_ptr<Window> window;
-
   private:
+    outside::TemporaryFolder folder_;
     int draws_ = 0;
+
+  protected:
+    std::unique_ptr<Window> window;
 };
 
 }  // namespace quillon
