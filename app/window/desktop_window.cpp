@@ -1,6 +1,8 @@
 #include "app/window/desktop_window.h"
 
 #include <algorithm>
+#include <cstdlib>
+#include <unistd.h>
 #include <xcb/xcb.h>
 
 namespace quillon {
@@ -15,12 +17,26 @@ constexpr milliseconds AlwaysAllowed{100};
 /// once.
 constexpr milliseconds ShortestInterval{34}, LongestInterval{250};
 
+/// What a run that was aborted ends with.
+constexpr int AbortedStatus = 3;
+
+// What runs at a process's end receives no context, so what it has to know lives here.
+bool qtIsAtWork = false;
+
+/// Qt ends the process when the display goes away while it draws. What that leaves is what a second
+/// Abort signal leaves, a whole database, and the next run puts the rest right; so the status is
+/// the same.
+extern "C" void EndAsAborted() {
+    if (qtIsAtWork) _exit(AbortedStatus);
+}
+
 }  // namespace
 
 DesktopWindow::DesktopWindow()
     : application_(std::make_unique<QApplication>(argumentCount_, arguments_)),
       window_(std::make_unique<LibraryWindow>()) {
     QApplication::setQuitOnLastWindowClosed(false);
+    [[maybe_unused]] static const int registered = std::atexit(EndAsAborted);
 }
 
 DesktopWindow::~DesktopWindow() {
@@ -45,16 +61,17 @@ void DesktopWindow::Draw(const FormState& state, Clock::time_point now) {
         Unload();
         return;
     }
+    qtIsAtWork = true;
     window_->Update(state, std::chrono::duration_cast<std::chrono::seconds>(now - start_));
     QApplication::processEvents();
+    qtIsAtWork = false;
     const Clock::time_point end = Clock::now();
     spent_ += end - now;
     nextDraw_ = std::clamp(start_ + (spent_ - AlwaysAllowed) * RunsShare, end + ShortestInterval,
                            end + LongestInterval);
 }
 
-/// Whether the X server has gone. Qt would end the process then, in the middle of the run and
-/// without a word; to stop as for Abort leaves everything in order.
+/// Whether the X server has gone. To stop as for Abort leaves everything in order.
 bool DesktopWindow::DisplayIsLost() const {
     const auto* const x11 = application_->nativeInterface<QNativeInterface::QX11Application>();
     xcb_connection_t* const connection = x11 == nullptr ? nullptr : x11->connection();

@@ -30,7 +30,7 @@ class Desktop:
         reader, writer = os.pipe()
         self.server = subprocess.Popen(
             ["Xvfb", "-displayfd", str(writer), "-auth", self.key, "-screen", "0", f"{size}x24",
-             "-nolisten", "tcp"],
+             "-nolisten", "tcp", "-noreset"],
             pass_fds=[writer], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
             stderr=subprocess.DEVNULL)
         os.close(writer)
@@ -66,18 +66,20 @@ class Desktop:
         """The number of the program's window; "" while there is none that can be seen."""
         return self.tool("search", "--onlyvisible", "--name", f"^{TITLE}$")
 
-    def first_sight(self, process):
-        """Lets a program go on step by step until its window is there, and leaves it standing
-        still, at a place that does not depend on how fast this machine is. What happens to the
-        window then waits for the program to go on."""
+    def first_sight(self, process, least_height=0):
+        """Lets a program go on step by step until its window is there and so high, and leaves it
+        standing still, at a place that does not depend on how fast this machine is. What happens to
+        the window then waits for the program to go on."""
         deadline = time.monotonic() + PATIENCE
         while True:
             process.send_signal(signal.SIGSTOP)
-            if found := self.window():
+            found = self.window()
+            if found and self.geometry(found)[3] >= least_height:
                 return found
             process.send_signal(signal.SIGCONT)
             if process.poll() is not None or time.monotonic() > deadline:
-                raise NoWindow(f"no window; the program's state is {process.poll()}")
+                raise NoWindow(f"no window; the program's state is {process.poll()}, it says "
+                               + repr(process.stderr.read()))
             time.sleep(0.005)
 
     def geometry(self, window):

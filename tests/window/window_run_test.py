@@ -19,6 +19,8 @@ PROGRAM, MODULE = sys.argv[1], sys.argv[2]
 ALBUMS, TRACKS = 150, 10
 TIME_LIMIT = 240
 LIST = "Old.pla"
+# As high as the window is at least when the phases have begun.
+ALL_INDICATORS = 300
 # From the window's lower right corner to the middle of its Abort button.
 ABORT_FROM_CORNER = (45, 20)
 
@@ -122,14 +124,14 @@ def a_run_shows_its_window_and_closes_it_at_its_end():
 
 
 def abort_by(stop, library, desktop):
+    """Stops a run in this way; its output."""
     process = library.start_run(desktop.environment())
-    window = desktop.first_sight(process)
+    window = desktop.first_sight(process, ALL_INDICATORS)
     stop(desktop, window, process)
     process.send_signal(signal.SIGCONT)
     status, output, errors = library.finish(process)
     expect(f"status after {stop.__name__}: " + output + errors, 3, status)
-    expect_in("summary", "Aborted after", output.splitlines()[-1])
-    library.confirm_stopped_in_order()
+    return output
 
 
 def click(desktop, window, _process):
@@ -149,8 +151,13 @@ def lose_the_desktop(desktop, _window, _process):
 def a_click_a_signal_and_the_end_of_the_desktop_stop_a_run_in_order():
     with Desktop() as desktop, Library(ALBUMS) as library:
         library.settle()
-        for stop in (click, terminate, lose_the_desktop):
-            abort_by(stop, library, desktop)
+        for stop in (click, terminate):
+            output = abort_by(stop, library, desktop)
+            expect_in("summary", "Aborted after", output.splitlines()[-1])
+            library.confirm_stopped_in_order()
+        # The desktop may go in the very moment in which the window is drawn. Then the run ends like
+        # one that is killed, and the next one puts right what it leaves.
+        abort_by(lose_the_desktop, library, desktop)
         library.confirm_completed()
 
 
