@@ -140,9 +140,13 @@ QSize LibraryWindow::sizeHint() const {
 }
 
 void LibraryWindow::Update(const FormState& state, std::chrono::seconds elapsed) {
+    // What becomes visible does so at once, not control by control.
+    layout()->setEnabled(false);
     const bool otherHeading = aLblReconcile_->isHidden() == state.aLblReconcile;
     aLblReconcile_->setVisible(state.aLblReconcile);
     const bool otherIndicators = board_->Update(state.aPhase);
+    layout()->setEnabled(true);
+    if (otherHeading || otherIndicators || !testAttribute(Qt::WA_Resized)) Grow();
     ShowText(*aItem_, shownItem_, state.aItem);
     ShowText(*aError_, shownError_, state.aError);
     lblver_->setText(Shown(state.lblver));
@@ -151,7 +155,6 @@ void LibraryWindow::Update(const FormState& state, std::chrono::seconds elapsed)
     ShowErrorCount();
     errors_->Refresh();
     if (state.aborting) ShowAborting();
-    if (otherHeading || otherIndicators || !testAttribute(Qt::WA_Resized)) Grow();
 }
 
 void LibraryWindow::ShowProgress(const PhaseProgress& progress) {
@@ -177,19 +180,21 @@ void LibraryWindow::ShowErrorCount() {
 void LibraryWindow::OpenErrors(bool open) {
     errorsButton_->setArrowType(open ? Qt::DownArrow : Qt::RightArrow);
     if (open) sizeWithoutErrors_ = size();
+    layout()->setEnabled(false);
     errors_->setVisible(open);
     errors_->Refresh();
-    layout()->activate();
+    layout()->setEnabled(true);
     if (open) {
         Grow();
     } else {
+        layout()->activate();
         resize(sizeWithoutErrors_.expandedTo(sizeHint()));
     }
 }
 
 /// Makes room for what has become visible, as far as the screen has any.
 void LibraryWindow::Grow() {
-    layout()->activate();
+    layout()->invalidate();
     const QSize before = testAttribute(Qt::WA_Resized) ? size() : QSize();
     resize(before.expandedTo(sizeHint()).boundedTo(screen()->availableSize()));
 }

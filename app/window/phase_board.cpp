@@ -47,6 +47,7 @@ bool PhaseBoard::Update(const std::array<PhaseIndicator, PhaseCount>& indicators
 void PhaseBoard::Arrange() {
     const std::bitset<PhaseCount> reconciling((1U << FirstOtherMode) - 1);
     const bool twoColumns = (visible_ & reconciling).any() && (visible_ & ~reconciling).any();
+    grid_->setEnabled(false);
     for (PhaseLamp* const lamp : lamps_)
         grid_->removeWidget(lamp);
     std::array<int, 2> rows{};
@@ -58,6 +59,8 @@ void PhaseBoard::Arrange() {
     }
     grid_->setColumnStretch(0, 1);
     grid_->setColumnStretch(1, twoColumns ? 1 : 0);
+    grid_->setEnabled(true);
+    grid_->activate();
 }
 
 }  // namespace quillon

@@ -47,6 +47,32 @@ TEST_F(WindowSize, GrowsWithItsIndicatorsAndKeepsItsWidth) {
     EXPECT_EQ(Size().width(), bare.width());
 }
 
+/// Counts how often a widget gets another size.
+class ResizeCount : public QObject {
+  public:
+    explicit ResizeCount(QWidget& widget) { widget.installEventFilter(this); }
+    bool eventFilter(QObject* /*watched*/, QEvent* event) override {
+        if (event->type() == QEvent::Resize) ++count;
+        return false;
+    }
+    int count = 0;
+};
+
+TEST_F(WindowSize, GrowsInOneStep) {
+    ShowAndDraw(Form());
+    ResizeCount resizes(Desktop());
+    Draw(Reconciling(0));
+    EXPECT_EQ(resizes.count, 1);
+    window->LogWritten(LogKind::Error, "Quillon", "x");
+    Draw(Reconciling(0));
+    QTest::mouseClick(&Control("errorsButton"), Qt::LeftButton);
+    Draw(Reconciling(0));
+    EXPECT_EQ(resizes.count, 2);
+    QTest::mouseClick(&Control("errorsButton"), Qt::LeftButton);
+    Draw(Reconciling(0));
+    EXPECT_EQ(resizes.count, 3);
+}
+
 TEST_F(WindowSize, FitsASmallScreenWithEverythingOpen) {
     ShowAndDraw(Reconciling(0));
     window->LogWritten(LogKind::Error, "Quillon", "x");
