@@ -26,8 +26,8 @@ constexpr const char* ProgramFooter = R"(A first library:
 Exit status: 0 done, 1 done but errors were logged, 2 nothing ran, 3 aborted.)";
 
 constexpr const char* RunFooter =
-    R"(What a run does is chosen by the settings in Quillon.ini alone. Ctrl-C, SIGTERM and, on the
-terminal screen, the key a abort it; a second signal ends it at once.
+    R"(What a run does is chosen by the settings in Quillon.ini alone. Ctrl-C, SIGTERM, Abort in the window
+and, on the terminal screen, the key a abort it; a second signal ends it at once.
 
 Examples:
   quillon run --host ~/shelf

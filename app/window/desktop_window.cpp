@@ -1,6 +1,7 @@
 #include "app/window/desktop_window.h"
 
 #include <algorithm>
+#include <clocale>
 #include <cstdlib>
 #include <unistd.h>
 #include <xcb/xcb.h>
@@ -32,11 +33,19 @@ extern "C" void EndAsAborted() {
 
 }  // namespace
 
-DesktopWindow::DesktopWindow()
-    : application_(std::make_unique<QApplication>(argumentCount_, arguments_)),
-      window_(std::make_unique<LibraryWindow>()) {
-    QApplication::setQuitOnLastWindowClosed(false);
+DesktopWindow::DesktopWindow() {
+    OpenDisplay();
+    window_ = std::make_unique<LibraryWindow>();
     [[maybe_unused]] static const int registered = std::atexit(EndAsAborted);
+}
+
+void DesktopWindow::OpenDisplay() {
+    // Qt takes over the person's locale for the whole process. The run reads and writes numbers for
+    // files, which must look the same whatever the face.
+    const std::string locale = std::setlocale(LC_ALL, nullptr);
+    application_ = std::make_unique<QApplication>(argumentCount_, arguments_);
+    std::setlocale(LC_ALL, locale.c_str());
+    QApplication::setQuitOnLastWindowClosed(false);
 }
 
 DesktopWindow::~DesktopWindow() {

@@ -26,6 +26,7 @@ class DesktopWindow : public Window {
   private:
     using Clock = std::chrono::steady_clock;
 
+    void OpenDisplay();
     void Draw(const FormState& state, Clock::time_point now);
     bool DisplayIsLost() const;
 
@@ -37,7 +38,7 @@ class DesktopWindow : public Window {
     std::unique_ptr<LibraryWindow> window_;
     Clock::time_point start_ = Clock::now();
     Clock::time_point nextDraw_ = start_;
-    Clock::duration spent_{};  ///< on drawing, so far
+    Clock::duration spent_{};    ///< on drawing, so far
     bool abortPressed_ = false;  ///< kept when the window, which knows it, is gone
 };
 

@@ -2,7 +2,12 @@
 #include <QApplication>
 #include <QLabel>
 #include <QLineEdit>
+#include <clocale>
+#include <cstdlib>
+#include <dlfcn.h>
 
+#include "app/version.h"
+#include "app/window/window_maker.h"
 #include "driver/library_form.h"
 #include "driver/phase_captions.h"
 #include "tests/driver/form_fixture.h"
@@ -128,6 +133,24 @@ TEST_F(FormWindow, MayBeUnloadedWithoutEverBeingShown) {
     window->LogWritten(LogKind::Information, "Quillon", "Quillon must be enabled");
     window->Unload();
     EXPECT_EQ(qApp, nullptr);
+}
+
+TEST_F(FormWindow, LeavesTheRunsLocaleAlone) {
+    window.reset();
+    setenv("LC_ALL", "C.UTF-8", 1);
+    Reopen();
+    EXPECT_STREQ(std::setlocale(LC_ALL, nullptr), "C");
+}
+
+TEST_F(FormWindow, IsMadeForTheProgramOfItsOwnBuildAlone) {
+    window.reset();
+    void* const module = dlopen(QUILLON_WINDOW_FILE, RTLD_NOW);
+    ASSERT_NE(module, nullptr);
+    const auto maker = reinterpret_cast<WindowMaker>(dlsym(module, WindowMakerName));
+    ASSERT_NE(maker, nullptr);
+    EXPECT_EQ(maker("0.9.0", sizeof(FormState)), nullptr);
+    EXPECT_EQ(maker(ProgramVersion.data(), sizeof(FormState) + 8), nullptr);
+    EXPECT_NE(std::unique_ptr<Window>(maker(ProgramVersion.data(), sizeof(FormState))), nullptr);
 }
 
 /// Passes everything on to the real window, and notes each phase that it has drawn.
