@@ -26,9 +26,9 @@ constexpr const char* ProgramFooter = R"(A first library:
 Exit status: 0 done, 1 done but errors were logged, 2 nothing ran, 3 aborted.)";
 
 constexpr const char* RunFooter =
-    R"(What a run does is chosen by the settings in Quillon.ini alone. Ctrl-C, SIGTERM and, on the
-terminal screen, the key a abort it, and so does a terminal that closes, unless nohup started the
-run. A second signal ends it at once.
+    R"(What a run does is chosen by the settings in Quillon.ini alone. Ctrl-C, SIGTERM, Abort in the window
+and, on the terminal screen, the key a abort it, and so does a terminal that closes, unless nohup
+started the run. A second signal ends it at once.
 
 Examples:
   quillon run --host ~/shelf

@@ -1,39 +1,60 @@
 #include "app/views/make_view.h"
 
+#include <fmt/format.h>
+#include <string>
 #include <unistd.h>
 
 #include "app/console.h"
 #include "app/views/plain_view.h"
 #include "app/views/terminal_view.h"
+#include "app/views/view_choice.h"
+#include "app/views/window_module.h"
+#include "app/views/window_view.h"
 
 namespace quillon {
 namespace {
 
-std::unique_ptr<View> MakeTerminalView() {
-    if (isatty(STDIN_FILENO) == 0 || isatty(STDOUT_FILENO) == 0) return nullptr;
-    return TerminalView::Make();
+/// A view, or why there is none.
+struct Offer {
+    std::unique_ptr<View> view;
+    std::string whyNot;
+};
+
+Offer MakeTerminalView(const Surroundings& surroundings) {
+    Offer offer{nullptr,
+                "--view terminal: input and output are no terminal that can show a screen; use "
+                "plain"};
+    if (surroundings.inputIsTerminal && surroundings.outputIsTerminal)
+        offer.view = TerminalView::Make();
+    return offer;
+}
+
+Offer MakeWindowView() {
+    WindowOffer offer = OpenWindow();
+    if (offer.window == nullptr)
+        return {nullptr,
+                fmt::format("--view window: {}; or use --view terminal or plain", offer.whyNot)};
+    return {std::make_unique<WindowView>(std::move(offer.window), STDOUT_FILENO), ""};
+}
+
+Offer TryView(ViewKind kind, const Surroundings& surroundings, bool quiet) {
+    if (kind == ViewKind::Window) return MakeWindowView();
+    if (kind == ViewKind::Terminal) return MakeTerminalView(surroundings);
+    return {std::make_unique<PlainView>(
+                STDOUT_FILENO, quiet ? PlainDetail::ErrorsAndSummary : PlainDetail::Everything),
+            ""};
 }
 
 }  // namespace
 
 std::unique_ptr<View> MakeView(ViewKind kind, bool quiet) {
-    switch (kind) {
-        case ViewKind::Window:
-            throw CommandError(
-                "--view window: this build has no desktop window; use terminal or plain");
-        case ViewKind::Terminal:
-            if (auto view = MakeTerminalView()) return view;
-            throw CommandError(
-                "--view terminal: input and output are no terminal that can show a screen; use "
-                "plain");
-        case ViewKind::Auto:
-            if (auto view = MakeTerminalView()) return view;
-            break;
-        case ViewKind::Plain:
-            break;
+    const Surroundings surroundings = LookAround();
+    Offer offer;
+    for (const ViewKind candidate : ViewsToTry(kind, surroundings)) {
+        offer = TryView(candidate, surroundings, quiet);
+        if (offer.view != nullptr) return std::move(offer.view);
     }
-    return std::make_unique<PlainView>(
-        STDOUT_FILENO, quiet ? PlainDetail::ErrorsAndSummary : PlainDetail::Everything);
+    throw CommandError(offer.whyNot);
 }
 
 }  // namespace quillon

@@ -1,0 +1,4 @@
+/// A library that is no window's module.
+extern "C" int QuillonMakesNothing() {
+    return 0;
+}
