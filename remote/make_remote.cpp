@@ -38,11 +38,14 @@ constexpr std::array PathSteps{
              "FilePath"},
 };
 
-void ChangeDrives(Run& run, const PathStep& step, const std::string& drive) {
+void ChangeDrives(Run& run, Steps& steps, const PathStep& step, const std::string& drive) {
+    steps.Concerning({});
     const std::unique_ptr<RecordSet> rows = run.connection->OpenUpdatable(step.rows);
     for (; !rows->IsEof(); rows->MoveNext()) {
         run.ProcessEvents();
-        rows->Set(step.field, ChangeDrive(drive, rows->Text(step.field)));
+        const std::string path = rows->Text(step.field);
+        steps.Concerning(path);
+        rows->Set(step.field, ChangeDrive(drive, path));
         rows->Update();
     }
 }
@@ -58,7 +61,7 @@ void MakeRemote(Run& run) {
         const std::string drive = GetDrive(run.settings.*step.folder);
         ++number;
         if (drive.empty()) continue;
-        if (!steps.Try(number, [&] { ChangeDrives(run, step, drive); })) return;
+        if (!steps.Try(number, [&] { ChangeDrives(run, steps, step, drive); })) return;
     }
 }
 
