@@ -17,7 +17,7 @@
 
 #include "bench/child_process.h"
 #include "bench/sizes.h"
-#include "bench/temporary_folder.h"
+#include "tests/outside/temporary_folder.h"
 
 namespace quillon::bench {
 namespace {
@@ -126,7 +126,7 @@ class Stage {
         throw std::runtime_error(fmt::format("{} ends with {}", command[1], used.exitStatus));
     }
 
-    TemporaryFolder folder_;
+    outside::TemporaryFolder folder_;
 };
 
 struct Figures {

@@ -20,7 +20,6 @@
 #include "app/jukebox_database.h"
 #include "app/local_host.h"
 #include "bench/sizes.h"
-#include "bench/temporary_folder.h"
 #include "covers/refresh_album_covers.h"
 #include "download/populate_spinner_artist.h"
 #include "download/populate_spinner_tracks.h"
@@ -29,6 +28,7 @@
 #include "platform/window.h"
 #include "remote/make_remote.h"
 #include "run/run.h"
+#include "tests/outside/temporary_folder.h"
 
 namespace quillon::bench {
 namespace {
@@ -71,7 +71,7 @@ class Stage {
     static void Drop(const std::string&) {}
     void Fill(std::size_t tracks);
 
-    TemporaryFolder folder_;
+    outside::TemporaryFolder folder_;
     LocalHost local_;
     NoWindow window_;
 

@@ -18,7 +18,6 @@
 #include <vector>
 
 #include "app/jukebox_database.h"
-#include "bench/temporary_folder.h"
 #include "platform/portable/jet_database.h"
 #include "platform/portable/path_resolver.h"
 #include "platform/portable/portable_files.h"
@@ -29,6 +28,7 @@
 #include "playlists/working_set.h"
 #include "run/random_numbers.h"
 #include "run/run.h"
+#include "tests/outside/temporary_folder.h"
 
 namespace quillon::bench {
 namespace {
@@ -136,7 +136,7 @@ class Stage {
         }
     }
 
-    TemporaryFolder folder_;
+    outside::TemporaryFolder folder_;
     PathResolver resolver_{Drives(folder_.Path())};
     PortableFiles files_{resolver_, [](const std::string&) {}};
     SystemClock clock_;

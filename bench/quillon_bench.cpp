@@ -19,13 +19,13 @@
 
 #include "bench/child_process.h"
 #include "bench/music_library.h"
-#include "bench/temporary_folder.h"
+#include "tests/outside/temporary_folder.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 using quillon::bench::RunProcess;
-using quillon::bench::TemporaryFolder;
+using outside::TemporaryFolder;
 using quillon::bench::Usage;
 
 // The aims that the figures are held against.

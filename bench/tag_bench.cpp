@@ -8,7 +8,6 @@
 #include <fmt/format.h>
 #include <fstream>
 #include <iostream>
-#include <random>
 #include <span>
 #include <stdexcept>
 #include <string>
@@ -16,6 +15,7 @@
 
 #include "bench/child_process.h"
 #include "bench/music_library.h"
+#include "tests/outside/temporary_folder.h"
 
 namespace {
 
@@ -26,20 +26,12 @@ using quillon::bench::Usage;
 /// A host folder with a library that the database knows, in a folder of its own.
 class Stage {
   public:
-    explicit Stage(std::size_t tracks)
-        : folder_(fs::temp_directory_path() /
-                  fmt::format("quillon-bench-{}", std::random_device{}())) {
+    explicit Stage(std::size_t tracks) {
         fs::create_directories(Data());
         quillon::bench::MakeLibrary(Music(), tracks, quillon::bench::FileNames::ByArtist);
         std::ofstream(folder_ / "host.ini") << "[Plugins]\nQuillon=1\n[Drives]\nD=disk\n";
         Run({QUILLON_PROGRAM, "db", "create", Database()});
         RunMode("Reconcile=1\nID3Reconcile=0\n");
-    }
-    Stage(const Stage&) = delete;
-    Stage& operator=(const Stage&) = delete;
-    ~Stage() {
-        std::error_code ignored;
-        fs::remove_all(folder_, ignored);
     }
 
     fs::path Music() const { return folder_ / "disk" / "Music"; }
@@ -68,7 +60,8 @@ class Stage {
         return used;
     }
 
-    fs::path folder_;
+    outside::TemporaryFolder made_;
+    fs::path folder_ = made_.Path();
 };
 
 double SecondsOfWalk(const Stage& stage) {
