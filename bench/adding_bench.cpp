@@ -110,22 +110,17 @@ class Stage {
         std::ofstream(folder_.Path() / "Quillon.ini")
             << "[NPFrame]\nLibraryRoot=D:\\Music\nNirvis_CDJ_DB=D:\\Data\\jukebox.mdb\n"
                "AddFiles=1\nFromFilesPath=D:\\New\nAlbumCoverFolder=D:\\Covers\n";
-        Run({QUILLON_PROGRAM, "db", "create", (Disk() / "Data" / "jukebox.mdb").string()});
+        RunToSuccess({QUILLON_PROGRAM, "db", "create", (Disk() / "Data" / "jukebox.mdb").string()});
     }
 
     fs::path Disk() const { return folder_.Path() / "disk"; }
 
     Usage Add() const {
-        return Run({QUILLON_PROGRAM, "run", "--host", folder_.Path().string(), "--view", "plain"});
+        return RunToSuccess(
+            {QUILLON_PROGRAM, "run", "--host", folder_.Path().string(), "--view", "plain"});
     }
 
   private:
-    static Usage Run(const std::vector<std::string>& command) {
-        const Usage used = RunProcess(command);
-        if (used.exitStatus == 0) return used;
-        throw std::runtime_error(fmt::format("{} ends with {}", command[1], used.exitStatus));
-    }
-
     outside::TemporaryFolder folder_;
 };
 

@@ -19,13 +19,13 @@
 
 #include "app/jukebox_database.h"
 #include "app/local_host.h"
+#include "bench/no_window.h"
 #include "bench/sizes.h"
 #include "covers/refresh_album_covers.h"
 #include "download/populate_spinner_artist.h"
 #include "download/populate_spinner_tracks.h"
 #include "download/refresh_spinner.h"
 #include "platform/database.h"
-#include "platform/window.h"
 #include "remote/make_remote.h"
 #include "run/run.h"
 #include "tests/outside/temporary_folder.h"
@@ -36,16 +36,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::size_t TracksPerAlbum = 10, AlbumsPerArtist = 4;
-
-/// Nobody watches.
-class NoWindow : public Window {
-  public:
-    void Show(const FormState&) override {}
-    void ProcessEvents(const FormState&) override {}
-    void LogWritten(LogKind, std::string_view, std::string_view) override {}
-    bool AbortPressed() const override { return false; }
-    void Unload() override {}
-};
 
 fs::path MakeHostFolder(const fs::path& folder) {
     fs::create_directories(folder / "disk" / "Covers");

@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "app/jukebox_database.h"
+#include "bench/no_window.h"
 #include "platform/portable/jet_database.h"
 #include "platform/portable/path_resolver.h"
 #include "platform/portable/portable_files.h"
@@ -56,15 +57,6 @@ class CountingHost : public Host {
     std::string GetAppPath() override { return "H:"; }
 
     std::size_t records = 0;
-};
-
-class NoWindow : public Window {
-  public:
-    void Show(const FormState&) override {}
-    void ProcessEvents(const FormState&) override {}
-    void LogWritten(LogKind, std::string_view, std::string_view) override {}
-    bool AbortPressed() const override { return false; }
-    void Unload() override {}
 };
 
 DriveTable Drives(const fs::path& folder) {

@@ -9,7 +9,6 @@
 #include <fstream>
 #include <iostream>
 #include <span>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -20,7 +19,7 @@
 namespace {
 
 namespace fs = std::filesystem;
-using quillon::bench::RunProcess;
+using quillon::bench::RunToSuccess;
 using quillon::bench::Usage;
 
 /// A host folder with a library that the database knows, in a folder of its own.
@@ -30,35 +29,27 @@ class Stage {
         fs::create_directories(Data());
         quillon::bench::MakeLibrary(Music(), tracks, quillon::bench::FileNames::ByArtist);
         std::ofstream(folder_ / "host.ini") << "[Plugins]\nQuillon=1\n[Drives]\nD=disk\n";
-        Run({QUILLON_PROGRAM, "db", "create", Database()});
+        RunToSuccess({QUILLON_PROGRAM, "db", "create", Database()});
         RunMode("Reconcile=1\nID3Reconcile=0\n");
     }
 
     fs::path Music() const { return folder_ / "disk" / "Music"; }
 
     void Execute(const std::string& sql) const {
-        Run({QUILLON_PROGRAM, "db", "exec", Database(), sql});
+        RunToSuccess({QUILLON_PROGRAM, "db", "exec", Database(), sql});
     }
 
     Usage RunMode(const std::string& settings) const {
         std::ofstream(folder_ / "Quillon.ini")
             << "[NPFrame]\nLibraryRoot=D:\\Music\nNirvis_CDJ_DB=D:\\Data\\jukebox.mdb\n"
             << settings;
-        return Run({QUILLON_PROGRAM, "run", "--host", folder_.string(), "--view", "plain"});
+        return RunToSuccess(
+            {QUILLON_PROGRAM, "run", "--host", folder_.string(), "--view", "plain"});
     }
 
   private:
     fs::path Data() const { return folder_ / "disk" / "Data"; }
     std::string Database() const { return (Data() / "jukebox.mdb").string(); }
-
-    static Usage Run(const std::vector<std::string>& command) {
-        const Usage used = RunProcess(command);
-        if (used.exitStatus != 0) {
-            throw std::runtime_error(
-                fmt::format("{} {} ends with {}", command[0], command[1], used.exitStatus));
-        }
-        return used;
-    }
 
     outside::TemporaryFolder made_;
     fs::path folder_ = made_.Path();
