@@ -47,8 +47,9 @@ Examples:
 
 constexpr const char* CheckFooter =
     R"(Changes nothing. Tells every setting with the value a run would use, the folders, the database with
-its tables and fields, the mode that would run and the backups it would make. Exit status 0 when a
-run could start, else 2.
+its tables and fields, the mode that would run with its phases and backups, and then what stands in
+the way (Problems) or looks odd (Worth a look), with what to do about each. The last line is the
+verdict. Exit status 0 when a run could start and do what it is for, else 2.
 
 Example:
   quillon check --host ~/shelf)";

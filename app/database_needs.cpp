@@ -48,31 +48,57 @@ bool IsForOthersOnly(std::string_view table, std::string_view field) {
     return table == "Playlists" && field == "ID";
 }
 
+std::vector<UnfitField> UnfitFields(const jet::TableDefinition& needed,
+                                    const jet::TableDefinition& actual) {
+    std::vector<UnfitField> unfit;
+    for (const jet::ColumnDefinition& column : needed.columns) {
+        const auto position = actual.FindColumn(column.name);
+        const std::string_view wanted = Family(column.type);
+        if (!position) {
+            if (!IsForOthersOnly(needed.name, column.name))
+                unfit.push_back({column.name, wanted, std::nullopt});
+            continue;
+        }
+        const std::string_view family = Family(actual.columns[*position].type);
+        if (family != wanted) unfit.push_back({column.name, wanted, family});
+    }
+    return unfit;
+}
+
 }  // namespace
+
+std::string UnfitField::Text() const {
+    if (!actual) return fmt::format("no field {}", name);
+    return fmt::format("field {} holds {} instead of {}", name, *actual, wanted);
+}
+
+std::vector<TableFit> FitOfTables(std::span<const jet::TableDefinition> tables) {
+    std::vector<TableFit> fits;
+    for (const jet::TableDefinition& needed : JukeboxTables()) {
+        const auto table = std::ranges::find_if(
+            tables, [&needed](const auto& one) { return SameName(one.name, needed.name); });
+        const bool isThere = table != tables.end();
+        fits.push_back({needed.name, isThere,
+                        isThere ? UnfitFields(needed, *table) : std::vector<UnfitField>{}});
+    }
+    return fits;
+}
+
+bool IsNeededTable(std::string_view name) {
+    return std::ranges::any_of(JukeboxTables(),
+                               [name](const auto& needed) { return SameName(needed.name, name); });
+}
 
 std::vector<std::string> MissingForTheTool(std::span<const jet::TableDefinition> tables) {
     std::vector<std::string> missing;
-    for (const jet::TableDefinition& needed : JukeboxTables()) {
-        const auto table = std::ranges::find_if(tables, [&needed](const auto& candidate) {
-            return SameName(candidate.name, needed.name);
-        });
-        if (table == tables.end()) {
-            missing.push_back(fmt::format("The database has no table {}", needed.name));
-            continue;
-        }
-        for (const jet::ColumnDefinition& column : needed.columns) {
-            const auto position = table->FindColumn(column.name);
-            if (!position) {
-                if (!IsForOthersOnly(needed.name, column.name))
-                    missing.push_back(
-                        fmt::format("Table {} has no field {}", needed.name, column.name));
-                continue;
-            }
-            const std::string_view wanted = Family(column.type);
-            const std::string_view actual = Family(table->columns[*position].type);
-            if (actual != wanted)
-                missing.push_back(fmt::format("Field {} of table {} holds {} instead of {}",
-                                              column.name, needed.name, actual, wanted));
+    for (const TableFit& table : FitOfTables(tables)) {
+        if (!table.isThere)
+            missing.push_back(fmt::format("The database has no table {}", table.name));
+        for (const UnfitField& field : table.unfit) {
+            missing.push_back(
+                field.actual ? fmt::format("Field {} of table {} holds {} instead of {}",
+                                           field.name, table.name, *field.actual, field.wanted)
+                             : fmt::format("Table {} has no field {}", table.name, field.name));
         }
     }
     return missing;

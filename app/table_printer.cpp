@@ -10,13 +10,12 @@ namespace quillon {
 namespace {
 
 constexpr std::size_t RowsMeasured = 500;
-// A column of long texts should not push all others off the screen.
-constexpr std::size_t WidestColumn = 60;
 
 }  // namespace
 
-TablePrinter::TablePrinter(std::ostream& out, const std::vector<std::string>& columnNames)
-    : out_(out) {
+TablePrinter::TablePrinter(std::ostream& out, const std::vector<std::string>& columnNames,
+                           const TableStyle& style)
+    : out_(out), style_(style) {
     for (const std::string& name : columnNames)
         columns_.push_back({OneLine(name), DisplayColumns(name)});
 }
@@ -29,7 +28,8 @@ void TablePrinter::AddRow(std::vector<TableCell> row) {
     for (std::size_t i = 0; i < columns_.size(); ++i) {
         Column& column = columns_[i];
         const TableCell& cell = row[i];
-        column.width = std::max(column.width, std::min(DisplayColumns(cell.text), WidestColumn));
+        column.width =
+            std::max(column.width, std::min(DisplayColumns(cell.text), style_.widestColumn));
         column.hasNumbers |= cell.isNumber;
         column.hasTexts |= !cell.isNumber && !cell.isNull;
     }
@@ -39,7 +39,7 @@ void TablePrinter::AddRow(std::vector<TableCell> row) {
 
 void TablePrinter::Finish() {
     if (!widthsFixed_) PrintWaitingRows();
-    out_ << '(' << rows_ << (rows_ == 1 ? " row)\n" : " rows)\n");
+    if (style_.countsRows) out_ << '(' << rows_ << (rows_ == 1 ? " row)\n" : " rows)\n");
 }
 
 void TablePrinter::PrintWaitingRows() {
@@ -56,20 +56,30 @@ void TablePrinter::PrintWaitingRows() {
 }
 
 void TablePrinter::PrintLine(const std::vector<TableCell>& row) {
-    std::string line;
+    std::string line(style_.indent, ' ');
+    std::size_t start = style_.indent;  // of the column
+    const auto print = [this](std::string& text) {
+        // Padding behind the last text only makes lines wrap.
+        text.erase(text.find_last_not_of(' ') + 1);
+        out_ << text << '\n';
+    };
     for (std::size_t i = 0; i < columns_.size(); ++i) {
         const Column& column = columns_[i];
         const std::string& text = row[i].text;
         const std::size_t taken = DisplayColumns(text);
         const std::size_t padding = column.width > taken ? column.width - taken : 0;
-        if (i > 0) line += "  ";
         if (column.AtRight()) line.append(padding, ' ');
         line += text;
         if (!column.AtRight()) line.append(padding, ' ');
+        start += column.width + 2;
+        line += "  ";
+        const bool isMore = std::any_of(row.begin() + static_cast<std::ptrdiff_t>(i) + 1, row.end(),
+                                        [](const TableCell& cell) { return !cell.text.empty(); });
+        if (!style_.breaksLines || taken <= column.width || !isMore) continue;
+        print(line);
+        line.assign(start, ' ');
     }
-    // Padding behind the last text only makes lines wrap.
-    line.erase(line.find_last_not_of(' ') + 1);
-    out_ << line << '\n';
+    print(line);
 }
 
 }  // namespace quillon

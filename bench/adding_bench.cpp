@@ -17,7 +17,7 @@
 
 #include "bench/child_process.h"
 #include "bench/sizes.h"
-#include "bench/temporary_folder.h"
+#include "tests/outside/temporary_folder.h"
 
 namespace quillon::bench {
 namespace {
@@ -110,23 +110,18 @@ class Stage {
         std::ofstream(folder_.Path() / "Quillon.ini")
             << "[NPFrame]\nLibraryRoot=D:\\Music\nNirvis_CDJ_DB=D:\\Data\\jukebox.mdb\n"
                "AddFiles=1\nFromFilesPath=D:\\New\nAlbumCoverFolder=D:\\Covers\n";
-        Run({QUILLON_PROGRAM, "db", "create", (Disk() / "Data" / "jukebox.mdb").string()});
+        RunToSuccess({QUILLON_PROGRAM, "db", "create", (Disk() / "Data" / "jukebox.mdb").string()});
     }
 
     fs::path Disk() const { return folder_.Path() / "disk"; }
 
     Usage Add() const {
-        return Run({QUILLON_PROGRAM, "run", "--host", folder_.Path().string(), "--view", "plain"});
+        return RunToSuccess(
+            {QUILLON_PROGRAM, "run", "--host", folder_.Path().string(), "--view", "plain"});
     }
 
   private:
-    static Usage Run(const std::vector<std::string>& command) {
-        const Usage used = RunProcess(command);
-        if (used.exitStatus == 0) return used;
-        throw std::runtime_error(fmt::format("{} ends with {}", command[1], used.exitStatus));
-    }
-
-    TemporaryFolder folder_;
+    outside::TemporaryFolder folder_;
 };
 
 struct Figures {

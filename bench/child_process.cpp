@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <spawn.h>
 #include <stdexcept>
+#include <string>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -46,6 +47,13 @@ Usage RunProcess(const std::vector<std::string>& command) {
             .processor = Seconds(used.ru_utime) + Seconds(used.ru_stime),
             .peakMemory = static_cast<std::size_t>(used.ru_maxrss) * Kilobyte,
             .exitStatus = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status)};
+}
+
+Usage RunToSuccess(const std::vector<std::string>& command) {
+    const Usage used = RunProcess(command);
+    if (used.exitStatus == 0) return used;
+    throw std::runtime_error(command.at(0) + ' ' + command.at(1) + " ends with " +
+                             std::to_string(used.exitStatus));
 }
 
 }  // namespace quillon::bench

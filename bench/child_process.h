@@ -17,4 +17,7 @@ struct Usage {
 /// Runs a program to its end; what it prints is dropped. Throws when it cannot be started.
 Usage RunProcess(const std::vector<std::string>& command);
 
+/// The same for a program that is to succeed; throws when it ends with another status than 0.
+Usage RunToSuccess(const std::vector<std::string>& command);
+
 }  // namespace quillon::bench

@@ -19,16 +19,16 @@
 
 #include "app/jukebox_database.h"
 #include "app/local_host.h"
+#include "bench/no_window.h"
 #include "bench/sizes.h"
-#include "bench/temporary_folder.h"
 #include "covers/refresh_album_covers.h"
 #include "download/populate_spinner_artist.h"
 #include "download/populate_spinner_tracks.h"
 #include "download/refresh_spinner.h"
 #include "platform/database.h"
-#include "platform/window.h"
 #include "remote/make_remote.h"
 #include "run/run.h"
+#include "tests/outside/temporary_folder.h"
 
 namespace quillon::bench {
 namespace {
@@ -36,16 +36,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::size_t TracksPerAlbum = 10, AlbumsPerArtist = 4;
-
-/// Nobody watches.
-class NoWindow : public Window {
-  public:
-    void Show(const FormState&) override {}
-    void ProcessEvents(const FormState&) override {}
-    void LogWritten(LogKind, std::string_view, std::string_view) override {}
-    bool AbortPressed() const override { return false; }
-    void Unload() override {}
-};
 
 fs::path MakeHostFolder(const fs::path& folder) {
     fs::create_directories(folder / "disk" / "Covers");
@@ -71,7 +61,7 @@ class Stage {
     static void Drop(const std::string&) {}
     void Fill(std::size_t tracks);
 
-    TemporaryFolder folder_;
+    outside::TemporaryFolder folder_;
     LocalHost local_;
     NoWindow window_;
 

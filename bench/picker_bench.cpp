@@ -8,7 +8,6 @@
 #include <fmt/format.h>
 #include <fstream>
 #include <iostream>
-#include <random>
 #include <span>
 #include <stdexcept>
 #include <string>
@@ -18,6 +17,7 @@
 #include "app/jukebox_database.h"
 #include "bench/child_process.h"
 #include "jet/database.h"
+#include "tests/outside/temporary_folder.h"
 
 namespace {
 
@@ -32,19 +32,11 @@ constexpr double SteepestGrowth = 1.1;
 /// A host folder with a library of so many albums, there for the time of its scope.
 class Stage {
   public:
-    explicit Stage(std::size_t albums)
-        : folder_(fs::temp_directory_path() /
-                  fmt::format("quillon-bench-{}", std::random_device{}())) {
+    explicit Stage(std::size_t albums) {
         fs::create_directories(folder_ / "disk" / "Covers");
         quillon::CreateJukeboxDatabase(Database());
         std::ofstream(folder_ / "host.ini") << "[Plugins]\nQuillon=1\n[Drives]\nD=disk\n";
         Fill(albums);
-    }
-    Stage(const Stage&) = delete;
-    Stage& operator=(const Stage&) = delete;
-    ~Stage() {
-        std::error_code ignored;
-        fs::remove_all(folder_, ignored);
     }
 
     /// Runs the picker with those albums that have so many tracks.
@@ -94,7 +86,8 @@ class Stage {
         database.Flush();
     }
 
-    fs::path folder_;
+    outside::TemporaryFolder made_;
+    fs::path folder_ = made_.Path();
 };
 
 struct Figures {

@@ -18,7 +18,7 @@
 #include <vector>
 
 #include "app/jukebox_database.h"
-#include "bench/temporary_folder.h"
+#include "bench/no_window.h"
 #include "platform/portable/jet_database.h"
 #include "platform/portable/path_resolver.h"
 #include "platform/portable/portable_files.h"
@@ -29,6 +29,7 @@
 #include "playlists/working_set.h"
 #include "run/random_numbers.h"
 #include "run/run.h"
+#include "tests/outside/temporary_folder.h"
 
 namespace quillon::bench {
 namespace {
@@ -56,15 +57,6 @@ class CountingHost : public Host {
     std::string GetAppPath() override { return "H:"; }
 
     std::size_t records = 0;
-};
-
-class NoWindow : public Window {
-  public:
-    void Show(const FormState&) override {}
-    void ProcessEvents(const FormState&) override {}
-    void LogWritten(LogKind, std::string_view, std::string_view) override {}
-    bool AbortPressed() const override { return false; }
-    void Unload() override {}
 };
 
 DriveTable Drives(const fs::path& folder) {
@@ -136,7 +128,7 @@ class Stage {
         }
     }
 
-    TemporaryFolder folder_;
+    outside::TemporaryFolder folder_;
     PathResolver resolver_{Drives(folder_.Path())};
     PortableFiles files_{resolver_, [](const std::string&) {}};
     SystemClock clock_;

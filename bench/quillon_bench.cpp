@@ -19,13 +19,13 @@
 
 #include "bench/child_process.h"
 #include "bench/music_library.h"
-#include "bench/temporary_folder.h"
+#include "tests/outside/temporary_folder.h"
 
 namespace {
 
 namespace fs = std::filesystem;
-using quillon::bench::RunProcess;
-using quillon::bench::TemporaryFolder;
+using outside::TemporaryFolder;
+using quillon::bench::RunToSuccess;
 using quillon::bench::Usage;
 
 // The aims that the figures are held against.
@@ -67,14 +67,14 @@ class Stage {
             << "[NPFrame]\nLibraryRoot=D:\\Music\nNirvis_CDJ_DB=D:\\Data\\jukebox.mdb\n"
                "Reconcile=1\nID3Reconcile="
             << (options.verify ? "1\n" : "0\n");
-        Run({program_, "db", "create", (Data() / "jukebox.mdb").string()});
+        RunToSuccess({program_, "db", "create", (Data() / "jukebox.mdb").string()});
     }
 
     fs::path Music() const { return folder_.Path() / "disk" / "Music"; }
 
     Usage Reconcile() const {
         const Usage used =
-            Run({program_, "run", "--host", folder_.Path().string(), "--view", "plain"});
+            RunToSuccess({program_, "run", "--host", folder_.Path().string(), "--view", "plain"});
         // Backups of earlier runs would fill the disk.
         std::vector<fs::path> backups;
         for (const fs::directory_entry& entry : fs::directory_iterator(Data())) {
@@ -87,15 +87,6 @@ class Stage {
 
   private:
     fs::path Data() const { return folder_.Path() / "disk" / "Data"; }
-
-    static Usage Run(const std::vector<std::string>& command) {
-        const Usage used = RunProcess(command);
-        if (used.exitStatus != 0) {
-            throw std::runtime_error(
-                fmt::format("{} {} ends with {}", command[0], command[1], used.exitStatus));
-        }
-        return used;
-    }
 
     std::string program_;
     TemporaryFolder folder_;

@@ -8,67 +8,51 @@
 #include <fmt/format.h>
 #include <fstream>
 #include <iostream>
-#include <random>
 #include <span>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "bench/child_process.h"
 #include "bench/music_library.h"
+#include "tests/outside/temporary_folder.h"
 
 namespace {
 
 namespace fs = std::filesystem;
-using quillon::bench::RunProcess;
+using quillon::bench::RunToSuccess;
 using quillon::bench::Usage;
 
 /// A host folder with a library that the database knows, in a folder of its own.
 class Stage {
   public:
-    explicit Stage(std::size_t tracks)
-        : folder_(fs::temp_directory_path() /
-                  fmt::format("quillon-bench-{}", std::random_device{}())) {
+    explicit Stage(std::size_t tracks) {
         fs::create_directories(Data());
         quillon::bench::MakeLibrary(Music(), tracks, quillon::bench::FileNames::ByArtist);
         std::ofstream(folder_ / "host.ini") << "[Plugins]\nQuillon=1\n[Drives]\nD=disk\n";
-        Run({QUILLON_PROGRAM, "db", "create", Database()});
+        RunToSuccess({QUILLON_PROGRAM, "db", "create", Database()});
         RunMode("Reconcile=1\nID3Reconcile=0\n");
-    }
-    Stage(const Stage&) = delete;
-    Stage& operator=(const Stage&) = delete;
-    ~Stage() {
-        std::error_code ignored;
-        fs::remove_all(folder_, ignored);
     }
 
     fs::path Music() const { return folder_ / "disk" / "Music"; }
 
     void Execute(const std::string& sql) const {
-        Run({QUILLON_PROGRAM, "db", "exec", Database(), sql});
+        RunToSuccess({QUILLON_PROGRAM, "db", "exec", Database(), sql});
     }
 
     Usage RunMode(const std::string& settings) const {
         std::ofstream(folder_ / "Quillon.ini")
             << "[NPFrame]\nLibraryRoot=D:\\Music\nNirvis_CDJ_DB=D:\\Data\\jukebox.mdb\n"
             << settings;
-        return Run({QUILLON_PROGRAM, "run", "--host", folder_.string(), "--view", "plain"});
+        return RunToSuccess(
+            {QUILLON_PROGRAM, "run", "--host", folder_.string(), "--view", "plain"});
     }
 
   private:
     fs::path Data() const { return folder_ / "disk" / "Data"; }
     std::string Database() const { return (Data() / "jukebox.mdb").string(); }
 
-    static Usage Run(const std::vector<std::string>& command) {
-        const Usage used = RunProcess(command);
-        if (used.exitStatus != 0) {
-            throw std::runtime_error(
-                fmt::format("{} {} ends with {}", command[0], command[1], used.exitStatus));
-        }
-        return used;
-    }
-
-    fs::path folder_;
+    outside::TemporaryFolder made_;
+    fs::path folder_ = made_.Path();
 };
 
 double SecondsOfWalk(const Stage& stage) {

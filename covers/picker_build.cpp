@@ -40,6 +40,7 @@ void WriteAlbumPages(Run& run, const PickerPages& pages, std::string_view folder
             run.ShowItem("3. On Page " + std::to_string(page) + ", Artist " + album.artist);
             if (run.AbortRequested) return;
             text += pages.AlbumCell(number++);
+            run.CountDone();
         }
         WriteText(run, folder, PageFileName(page), text + pages.EndPage(page));
     }
@@ -67,6 +68,7 @@ bool BuildcdjPages(Run& run, const PickerLocations& locations, std::string_view 
                const PickerPages pages(*layout, *controls, albums, run.settings.coverPath);
                WriteText(run, folder, StylesheetName, PickerStylesheet());
                WriteText(run, folder, PageFileName(0), pages.Index(run.settings.PickerMinimum));
+               run.StartCounting(albums.albums.size());
                WriteAlbumPages(run, pages, folder);
            });
 }

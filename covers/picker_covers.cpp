@@ -14,6 +14,7 @@
 #include "platform/ansi.h"
 #include "platform/basic_text.h"
 #include "platform/files.h"
+#include "run/counted.h"
 #include "run/run.h"
 #include "run/steps.h"
 
@@ -65,7 +66,7 @@ class CoverCopier {
     }
 
     void CopyAll(const CoverNames& names) {
-        for (const CoverCopy& copy : names.Copies()) {
+        for (const CoverCopy& copy : Counted(run_, names.Copies())) {
             run_.ProcessEvents();
             if (run_.AbortRequested) return;
             const bool done =

@@ -10,6 +10,7 @@
 #include "database/track_numbers.h"
 #include "platform/basic_text.h"
 #include "platform/database.h"
+#include "run/counted.h"
 #include "run/log.h"
 #include "run/run.h"
 #include "run/steps.h"
@@ -30,7 +31,8 @@ void SetImageFile(RecordSet& album, const std::string& path) {
 }
 
 void CompareAlbums(Run& run, RecordSet& albums, CoverSet& covers) {
-    for (; !albums.IsEof(); albums.MoveNext()) {
+    run.StartCountingRows("Albums");
+    for (; !albums.IsEof(); albums.MoveNext(), run.CountDone()) {
         run.ProcessEvents();
         const std::string imageFile = albums.Text("ImageFile");
         if (imageFile.empty()) continue;
@@ -94,7 +96,7 @@ void AddCover(Run& run, RecordSet& albums, const Cover& cover) {
 }
 
 void AddNewCovers(Run& run, RecordSet& albums, const CoverSet& covers) {
-    for (const Cover& cover : covers.InOrder()) {
+    for (const Cover& cover : Counted(run, covers.InOrder())) {
         run.ProcessEvents();
         if (!cover.processed) AddCover(run, albums, cover);
     }

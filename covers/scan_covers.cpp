@@ -6,6 +6,7 @@
 #include "platform/basic_text.h"
 #include "platform/failure.h"
 #include "platform/files.h"
+#include "run/counted.h"
 #include "run/host_settings.h"
 #include "run/run.h"
 
@@ -46,7 +47,7 @@ void AddCoverFolder(Run& run, const std::string& folder, CoverSet& covers) {
 /// has both pointed at in the database.
 void AddLibraryTree(Run& run, const std::string& reservedFolder, CoverSet& covers) {
     RequireFolder(run, run.settings.LibraryRoot);
-    for (const FolderEntry& artist : run.files.SubFolders(run.settings.LibraryRoot)) {
+    for (const FolderEntry& artist : Counted(run, run.files.SubFolders(run.settings.LibraryRoot))) {
         run.ProcessEvents();
         for (const FolderEntry& album : run.files.SubFolders(artist.path)) {
             if (EqualIgnoringCase(album.name, reservedFolder)) continue;

@@ -2,10 +2,12 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "database/spinner_rows.h"
 #include "database/sql.h"
 #include "platform/database.h"
+#include "run/counted.h"
 #include "run/run.h"
 #include "run/steps.h"
 
@@ -17,6 +19,17 @@ bool IsDownloadArtist(Connection& connection, const std::string& artist) {
                 ->IsEmpty();
 }
 
+std::vector<std::string> AlbumArtists(Connection& connection) {
+    std::vector<std::string> artists;
+    const std::unique_ptr<RecordSet> rows =
+        connection.Query("SELECT Albums.Artist FROM Albums GROUP BY Albums.Artist");
+    for (; !rows->IsEof(); rows->MoveNext()) {
+        // No look-up finds a Null again, so each run would add one more.
+        if (!IsNull(rows->Get("Artist"))) artists.push_back(rows->Text("Artist"));
+    }
+    return artists;
+}
+
 }  // namespace
 
 void PopulateSpinnerArtist(Run& run) {
@@ -24,14 +37,9 @@ void PopulateSpinnerArtist(Run& run) {
     Steps steps(run, "Populate Spinner Artist Error:");
     steps.Try(1, [&] {
         const std::unique_ptr<RecordSet> spinnerArtist = run.connection->OpenTable("SpinnerArtist");
-        const std::unique_ptr<RecordSet> artists =
-            run.connection->Query("SELECT Albums.Artist FROM Albums GROUP BY Albums.Artist");
-        for (; !artists->IsEof(); artists->MoveNext()) {
+        for (const std::string& artist : Counted(run, AlbumArtists(*run.connection))) {
             run.ProcessEvents();
-            // No look-up finds a Null again, so each run would add one more.
-            if (IsNull(artists->Get("Artist"))) continue;
             const bool done = steps.Try(2, [&] {
-                const std::string artist = artists->Text("Artist");
                 if (!IsDownloadArtist(*run.connection, artist))
                     AddSpinnerArtistRow(*spinnerArtist, artist);
             });

@@ -18,9 +18,9 @@
 namespace quillon {
 namespace {
 
-constexpr std::string_view LibrarySongs =
-    "SELECT Albums.Artist, Albums.Title as Album, Tracks.Title as Song, Tracks.Minutes, "
-    "Tracks.Seconds FROM Albums INNER JOIN Tracks ON Albums.CDJID = Tracks.CDJID";
+constexpr std::string_view SongFields =
+    "Albums.Artist, Albums.Title as Album, Tracks.Title as Song, Tracks.Minutes, Tracks.Seconds";
+constexpr std::string_view SongRows = "Albums INNER JOIN Tracks ON Albums.CDJID = Tracks.CDJID";
 
 /// How a song is told from others. A name that is missing leaves a comparison with nothing, which
 /// is no statement; that is told here, where the song can be named. Such a song must not be added:
@@ -109,8 +109,10 @@ void PopulateSpinnerTracks(Run& run) {
     Steps steps(run, "Populate Spininer Tracks Error:");
     steps.Try(1, [&] {
         DownloadTable table(run);
-        const std::unique_ptr<RecordSet> songs = run.connection->Query(LibrarySongs);
-        for (; !songs->IsEof(); songs->MoveNext()) {
+        const std::unique_ptr<RecordSet> songs = run.connection->Query(
+            "SELECT " + std::string(SongFields) + " FROM " + std::string(SongRows));
+        run.StartCountingRows(SongRows);
+        for (; !songs->IsEof(); songs->MoveNext(), run.CountDone()) {
             run.ProcessEvents();
             bool known = false;
             if (!steps.Try(2, [&] { known = IsInDownloadTable(*run.connection, *songs); }) || known)

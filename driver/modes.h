@@ -18,11 +18,17 @@ struct BackupPlan {
 
 /// One of the things a run can be for.
 struct Mode {
-    std::string_view what;  ///< for messages, e.g. "Add files to library"
-    bool (*applies)(const Settings& settings);
-    std::size_t indicator;  ///< of `aPhase`; not used by the reconcile mode
-    BackupPlan backups;
-    ProcedureName work;  ///< null: the reconcile mode, which is made of phases
+    std::string_view what;      ///< for messages, e.g. "Add files to library"
+    bool Settings::* setting;   ///< what switches it on
+    bool needsLibrary = false;  ///< without `LibraryRoot` it is passed over
+    std::size_t indicator = 0;  ///< of `aPhase`; not used by the reconcile mode
+    BackupPlan backups = {};
+    ProcedureName work = nullptr;  ///< null: the reconcile mode, which is made of phases
+
+    bool IsOn(const Settings& settings) const { return settings.*setting; }
+    bool Applies(const Settings& settings) const {
+        return IsOn(settings) && !(needsLibrary && settings.LibraryRoot.empty());
+    }
 };
 
 /// All modes, in the order in which they are considered.

@@ -124,6 +124,7 @@ void UpdateDatabaseFromID3(Run& run) {
     std::unique_ptr<RecordSet> rows;
     const bool opened = steps.Try(1, [&] {
         rows = run.connection->Query("SELECT * FROM SpinnerID3Differences ORDER BY Artist");
+        run.StartCountingRows("SpinnerID3Differences");
     });
     if (!opened) return;
     steps.Try(2, [&] {
@@ -132,6 +133,7 @@ void UpdateDatabaseFromID3(Run& run) {
             run.ShowItem("1. Update Database with ID3 for Artist" + difference.artist);
             if (run.AbortRequested) return;
             steps.Try(3, [&] { Apply(run, difference); });
+            run.CountDone();
         }
     });
 }

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "id3/album_tags.h"
+#include "run/counted.h"
 #include "run/excluded_artists.h"
 #include "run/log.h"
 #include "run/run.h"
@@ -26,7 +27,7 @@ std::vector<FolderEntry> SubFolders(TagWalk& walk, const FolderEntry& folder) {
 void VerifyArtists(TagWalk& walk, const FolderEntry& root) {
     const ExcludedArtists excluded(walk.run);
     int counter = 0;
-    for (const FolderEntry& artist : SubFolders(walk, root)) {
+    for (const FolderEntry& artist : Counted(walk.run, SubFolders(walk, root))) {
         walk.run.ShowItem(std::to_string(++counter) + ". Verify ID3 for Artist " + artist.name);
         if (walk.run.AbortRequested) return;
         if (excluded.Contains(artist.name)) continue;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <memory>
+#include <numeric>
 
 #include "database/sql.h"
 #include "id3/difference_fields.h"
@@ -105,6 +106,12 @@ std::vector<ArtistSongs> ReadArtists(Run& run) {
     return artists;
 }
 
+std::size_t SongCount(const std::vector<ArtistSongs>& artists) {
+    return std::accumulate(
+        artists.begin(), artists.end(), std::size_t{0},
+        [](std::size_t sum, const ArtistSongs& artist) { return sum + artist.songs.size(); });
+}
+
 }  // namespace
 
 void StoreID3(Run& run, SongFiles& files, const ArtistSongs& artist) {
@@ -115,6 +122,7 @@ void StoreID3(Run& run, SongFiles& files, const ArtistSongs& artist) {
         if (run.AbortRequested) return;
         WriteSong(run, steps, files,
                   {.artist = artist.artist, .album = song.album, .song = song.title});
+        run.CountDone();
     }
 }
 
@@ -123,6 +131,7 @@ void WriteID3(Run& run) {
     std::vector<ArtistSongs> artists;
     if (!steps.Try(1, [&] { artists = ReadArtists(run); })) return;
     SongFiles files(run, steps);
+    run.StartCounting(SongCount(artists));
     for (const ArtistSongs& artist : artists) {
         StoreID3(run, files, artist);
         if (run.AbortRequested) return;

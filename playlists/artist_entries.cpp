@@ -4,10 +4,12 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "database/sql.h"
 #include "platform/basic_text.h"
 #include "platform/database.h"
+#include "run/counted.h"
 #include "run/log.h"
 #include "run/run.h"
 
@@ -24,6 +26,16 @@ struct GenreArtist {
 bool IsVarious(std::string_view artist) {
     constexpr std::string_view Various = "Various";
     return EqualIgnoringCase(artist.substr(0, Various.size()), Various);
+}
+
+std::vector<GenreArtist> DownloadArtists(Connection& connection) {
+    std::vector<GenreArtist> artists;
+    const std::unique_ptr<RecordSet> rows = connection.Query(
+        "SELECT Spinner.Artist, First(Spinner.Genre)AS FirstGenre FROM Spinner "
+        "GROUP BY Spinner.Artist HAVING (((First(Spinner.Genre)) Is Not Null))");
+    for (; !rows->IsEof(); rows->MoveNext())
+        artists.push_back({rows->Text("Artist"), rows->Text("FirstGenre")});
+    return artists;
 }
 
 class EntryReader {
@@ -98,11 +110,7 @@ class EntryReader {
 
 void ReadArtistEntries(Run& run, ArtistEntries kind) {
     EntryReader reader(run, kind);
-    const std::unique_ptr<RecordSet> artists = run.connection->Query(
-        "SELECT Spinner.Artist, First(Spinner.Genre)AS FirstGenre FROM Spinner "
-        "GROUP BY Spinner.Artist HAVING (((First(Spinner.Genre)) Is Not Null))");
-    for (; !artists->IsEof(); artists->MoveNext()) {
-        const GenreArtist artist{artists->Text("Artist"), artists->Text("FirstGenre")};
+    for (const GenreArtist& artist : Counted(run, DownloadArtists(*run.connection))) {
         run.ShowItem("1. Read Playlist Track / Album Info - " + artist.artist);
         reader.Read(artist);
     }

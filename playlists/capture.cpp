@@ -16,6 +16,7 @@
 #include "playlists/playlist_folder.h"
 #include "playlists/playlist_snapshot.h"
 #include "playlists/track_index.h"
+#include "run/counted.h"
 #include "run/log.h"
 #include "run/run.h"
 #include "run/steps.h"
@@ -130,7 +131,7 @@ void CaptureExisting(Run& run, Steps& steps) {
     std::optional<PlaylistSnapshot> interrupted;
     steps.Try(4, [&] { interrupted = ReadPlaylistSnapshot(run); });
     Capture capture(run, tracks, std::move(interrupted));
-    for (const FileEntry& file : PlaylistFiles(run)) {
+    for (const FileEntry& file : Counted(run, PlaylistFiles(run))) {
         // One that cannot be read must not cost the others their songs.
         if (!steps.Try(5, [&] { capture.Read(file); })) run.playlistEntries.NoteUnread(file.name);
     }

@@ -13,6 +13,7 @@
 #include "playlists/m3u.h"
 #include "playlists/pla_line.h"
 #include "playlists/playlist_folder.h"
+#include "run/counted.h"
 #include "run/log.h"
 #include "run/run.h"
 #include "run/steps.h"
@@ -47,7 +48,7 @@ void aPlaToM3u_Click(Run& run) {
     Steps steps(run, "aPlaToM3u_Click");
     std::vector<FileEntry> files;
     steps.Try(1, [&] { files = PlaylistFiles(run); });
-    for (const FileEntry& file : files) {
+    for (const FileEntry& file : Counted(run, files)) {
         run.ProcessEvents();
         if (run.AbortRequested) return;
         PlaToM3u(run, file);

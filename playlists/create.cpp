@@ -11,6 +11,7 @@
 #include "platform/database.h"
 #include "playlists/artist_entries.h"
 #include "playlists/playlist_writer.h"
+#include "run/counted.h"
 #include "run/playlist_entries.h"
 #include "run/run.h"
 #include "run/steps.h"
@@ -44,7 +45,7 @@ class Threshold {
 void CreateGenrePlaylists(Run& run) {
     PlaylistWriter writer(run, GeneratedBy::Genre);
     std::string_view genre;
-    for (const PlaylistEntries::Position at : run.playlistEntries.ByGenre()) {
+    for (const PlaylistEntries::Position at : Counted(run, run.playlistEntries.ByGenre())) {
         const PlaylistEntry entry = run.playlistEntries.At(at);
         if (entry.Genre != genre) {
             genre = entry.Genre;
@@ -60,7 +61,7 @@ void CreateArtistPlaylistsByTrack(Run& run) {
     PlaylistWriter writer(run, GeneratedBy::Artist);
     std::string_view artist;
     bool isWanted = false;
-    for (const PlaylistEntries::Position at : run.playlistEntries.ByArtist()) {
+    for (const PlaylistEntries::Position at : Counted(run, run.playlistEntries.ByArtist())) {
         const PlaylistEntry entry = run.playlistEntries.At(at);
         if (entry.Artist != artist) {
             artist = entry.Artist;
@@ -78,6 +79,7 @@ void CreateArtistPlaylistsByAlbum(Run& run) {
     PlaylistWriter writer(run, GeneratedBy::Artist);
     const std::unique_ptr<RecordSet> albums = run.connection->OpenTable("Albums");
     albums->Filter("Artist <> '' AND CDJID <> ''");
+    run.StartCountingRows("Albums WHERE Artist <> '' AND CDJID <> ''");
     albums->Sort("Artist");
     std::string artist;
     bool isWanted = false;
@@ -90,6 +92,7 @@ void CreateArtistPlaylistsByAlbum(Run& run) {
             if (isWanted) writer.Begin(artist);
         }
         if (isWanted) writer.WriteAlbum(albums->Text("CDJID"));
+        run.CountDone();
     }
     writer.End();
 }

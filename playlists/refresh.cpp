@@ -13,6 +13,7 @@
 #include "playlists/playlist_folder.h"
 #include "playlists/playlist_snapshot.h"
 #include "playlists/track_index.h"
+#include "run/counted.h"
 #include "run/log.h"
 #include "run/run.h"
 #include "run/steps.h"
@@ -153,7 +154,7 @@ void RefreshPlaylist(Run& run) {
         run.ShowItem("1. Update Existing Playlists");
         const TrackIndex tracks(*run.connection);
         if (tracks.IsEmpty() || !PlaylistFolderExists(run)) return;
-        for (const FileEntry& file : PlaylistFiles(run))
+        for (const FileEntry& file : Counted(run, PlaylistFiles(run)))
             Refresh(run, tracks, file);
         DiscardPlaylistSnapshot(run);
     });

@@ -10,6 +10,7 @@
 #include "platform/files.h"
 #include "reconcile/adding.h"
 #include "reconcile/file_list.h"
+#include "run/counted.h"
 #include "run/log.h"
 #include "run/run.h"
 #include "run/sound_files.h"
@@ -33,8 +34,9 @@ std::string FindCover(const std::vector<FileEntry>& files) {
     return found == files.end() ? "" : found->path;
 }
 
+/// Adds what is below a folder. How far it has come shows in the outermost one alone.
 void AddFolder(Adding& adding, std::string_view artist, std::string_view album,
-               const std::string& folder) {
+               const std::string& folder, bool isOutermost = false) {
     Run& run = adding.run;
     Steps steps(run, "AddFolder");
     steps.Try(1, [&] {
@@ -45,15 +47,21 @@ void AddFolder(Adding& adding, std::string_view artist, std::string_view album,
         }
         const std::vector<FileEntry> files = run.files.FilesIn(folder);
         const std::string cover = FindCover(files);
+        if (isOutermost) run.StartCounting(files.size());
         for (const FileEntry& file : files) {
-            if (!IsSoundFile(file.name)) continue;
-            run.ShowItem("1. Add File " + file.path);
-            if (run.AbortRequested) return;
-            AddFile(adding, artist, album, file.path, cover);
+            if (IsSoundFile(file.name)) {
+                run.ShowItem("1. Add File " + file.path);
+                if (run.AbortRequested) return;
+                AddFile(adding, artist, album, file.path, cover);
+            }
+            if (isOutermost) run.CountDone();
         }
-        for (const FolderEntry& subfolder : run.files.SubFolders(folder)) {
+        const std::vector<FolderEntry> subfolders = run.files.SubFolders(folder);
+        if (isOutermost) run.StartCounting(subfolders.size());
+        for (const FolderEntry& subfolder : subfolders) {
             if (run.AbortRequested) return;
             AddFolder(adding, artist, subfolder.name, subfolder.path);
+            if (isOutermost) run.CountDone();
         }
     });
 }
@@ -90,8 +98,8 @@ void AddFilesToLibrary(Run& run) {
         Adding adding(run);
         // Every sub-folder is visited twice, first with no artist and then as an artist of its own:
         // untagged files are found under both, as in libraries that were filled so far.
-        AddFolder(adding, Unknown, Unknown, source);
-        for (const FolderEntry& subfolder : run.files.SubFolders(source)) {
+        AddFolder(adding, Unknown, Unknown, source, true);
+        for (const FolderEntry& subfolder : Counted(run, run.files.SubFolders(source))) {
             if (run.AbortRequested) return;
             AddFolder(adding, subfolder.name, Unknown, subfolder.path);
         }

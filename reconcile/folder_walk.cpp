@@ -15,6 +15,7 @@
 #include "reconcile/flat.h"
 #include "reconcile/tracks.h"
 #include "reconcile/walk.h"
+#include "run/counted.h"
 #include "run/excluded_artists.h"
 #include "run/steps.h"
 
@@ -49,7 +50,7 @@ class TreeWalk {
     void Refresh(const FolderEntry& topFolder) {
         Run& run = walk_.run;
         int counter = 0;
-        for (const FolderEntry& artist : SubFolders(topFolder, "", "")) {
+        for (const FolderEntry& artist : Counted(run, SubFolders(topFolder, "", ""))) {
             ++counter;
             run.ShowItem(std::to_string(counter) +
                          ". Reconcile Folder Tracks with Database for Artist " + artist.name);
@@ -98,14 +99,14 @@ class FlatWalk {
 
     void Refresh(const FolderEntry& topFolder) {
         const bool listed = steps_.Try(3, [&] {
-            for (FileEntry& file : walk_.run.files.FilesIn(topFolder.path))
+            for (FileEntry& file : Counted(walk_.run, walk_.run.files.FilesIn(topFolder.path)))
                 Group(std::move(file));
         });
         if (!listed) {
             walk_.unlisted.push_back({topFolder.path, "", ""});
             return;
         }
-        for (const auto& [key, flat] : albums_)
+        for (const auto& [key, flat] : Counted(walk_.run, albums_))
             RefreshAlbum(key, flat);
     }
 

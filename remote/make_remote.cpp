@@ -15,35 +15,41 @@ namespace {
 struct PathStep {
     std::string_view item;
     std::string Settings::* folder;
-    std::string_view rows;
+    std::string_view rows;  ///< behind FROM
     std::string_view field;
 };
 
 constexpr std::array PathSteps{
     PathStep{"1. Album Covers", &Settings::AlbumCoverFolder,
-             "SELECT ImageFile FROM Albums WHERE Albums.ImageFile is Not Null and "
+             "Albums WHERE Albums.ImageFile is Not Null and "
              "Albums.ImageFile<>\"\"",
              "ImageFile"},
     PathStep{"2. MP3 Tracks", &Settings::LibraryRoot,
-             "SELECT SoundFile FROM Tracks WHERE Tracks.SoundFile is Not Null and "
+             "Tracks WHERE Tracks.SoundFile is Not Null and "
              "Tracks.SoundFile<>\"\"",
              "SoundFile"},
     PathStep{"3. Pla Playlists", &Settings::PlayListPath,
-             "SELECT FilePath FROM Playlists WHERE Playlists.Type =\"pla\" AND "
+             "Playlists WHERE Playlists.Type =\"pla\" AND "
              "Playlists.FilePath is Not Null and Playlists.FilePath<>\"\"",
              "FilePath"},
     PathStep{"4. M3u Playlists", &Settings::PlayListPath2,
-             "SELECT FilePath FROM Playlists WHERE Playlists.Type =\"m3u\" AND "
+             "Playlists WHERE Playlists.Type =\"m3u\" AND "
              "Playlists.FilePath is Not Null and Playlists.FilePath<>\"\"",
              "FilePath"},
 };
 
-void ChangeDrives(Run& run, const PathStep& step, const std::string& drive) {
-    const std::unique_ptr<RecordSet> rows = run.connection->OpenUpdatable(step.rows);
+void ChangeDrives(Run& run, Steps& steps, const PathStep& step, const std::string& drive) {
+    steps.Concerning({});
+    const std::unique_ptr<RecordSet> rows = run.connection->OpenUpdatable(
+        "SELECT " + std::string(step.field) + " FROM " + std::string(step.rows));
+    run.StartCountingRows(step.rows);
     for (; !rows->IsEof(); rows->MoveNext()) {
         run.ProcessEvents();
-        rows->Set(step.field, ChangeDrive(drive, rows->Text(step.field)));
+        const std::string path = rows->Text(step.field);
+        steps.Concerning(path);
+        rows->Set(step.field, ChangeDrive(drive, path));
         rows->Update();
+        run.CountDone();
     }
 }
 
@@ -58,7 +64,7 @@ void MakeRemote(Run& run) {
         const std::string drive = GetDrive(run.settings.*step.folder);
         ++number;
         if (drive.empty()) continue;
-        if (!steps.Try(number, [&] { ChangeDrives(run, step, drive); })) return;
+        if (!steps.Try(number, [&] { ChangeDrives(run, steps, step, drive); })) return;
     }
 }
 

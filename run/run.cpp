@@ -20,6 +20,12 @@ void Run::StartCounting(std::size_t total) {
     form.progress = {.done = 0, .total = total};
 }
 
+void Run::StartCountingRows(std::string_view from) {
+    const std::unique_ptr<RecordSet> rows =
+        connection->Query("SELECT Count(*) AS Total FROM " + std::string(from));
+    StartCounting(static_cast<std::size_t>(rows->Integer("Total")));
+}
+
 void Run::CountDone() {
     // What grew while it was worked on must not look like more than all of it.
     if (form.progress.done < form.progress.total) ++form.progress.done;

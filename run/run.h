@@ -80,7 +80,10 @@ class Run {
     /// What the phase does next consists of this many steps; 0 where that is not known.
     void StartCounting(std::size_t total);
 
-    /// One of the steps announced to `StartCounting` is done.
+    /// The same with as many steps as a statement behind "SELECT ... FROM" has rows.
+    void StartCountingRows(std::string_view from);
+
+    /// One of these steps is done.
     void CountDone();
 
     /// Set by the Abort button; only ever goes from false to true.

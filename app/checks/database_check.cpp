@@ -1,20 +1,28 @@
 #include "app/checks/database_check.h"
 
-#include <array>
+#include <cstdint>
 #include <fmt/format.h>
-#include <fstream>
 #include <ostream>
 #include <string>
 #include <string_view>
+#include <system_error>
+#include <vector>
 
+#include "app/checks/leftovers_check.h"
+#include "app/checks/writable.h"
 #include "app/database_needs.h"
 #include "app/display_text.h"
+#include "app/table_printer.h"
 #include "database/schema.h"
 #include "jet/database.h"
+#include "jet/lock.h"
 #include "platform/basic_text.h"
+#include "platform/failure.h"
 
 namespace quillon {
 namespace {
+
+namespace fs = std::filesystem;
 
 std::int64_t Count(jet::Database& database, const std::string& from) {
     const auto rows = database.Query("SELECT Count(*) AS Rows FROM " + from);
@@ -40,68 +48,159 @@ std::int64_t TracksBelow(jet::Database& database, std::string_view libraryRoot) 
     return count;
 }
 
-void CheckGenres(jet::Database& database, Findings& findings) {
-    const std::int64_t bad =
-        Count(database, "SpinnerGenre WHERE GenreID Is Null OR GenreID < 0 OR GenreID > 255");
-    if (bad > 0)
-        findings.Problem(fmt::format(
-            "Table SpinnerGenre has {} row(s) with a GenreID that is not 0 to 255", bad));
+std::string FieldsText(const TableFit& table) {
+    if (!table.isThere) return "the table is missing";
+    std::string text;
+    for (const UnfitField& field : table.unfit)
+        text += (text.empty() ? "" : ", ") + field.Text();
+    return text.empty() ? "all there" : text;
 }
 
-void TellContents(jet::Database& database, const Settings& settings, std::ostream& out,
-                  Findings& findings) {
+void TellTables(jet::Database& database, const std::vector<jet::TableDefinition>& tables,
+                std::ostream& out) {
+    TablePrinter needed(out, {"Table", "Rows", "Fields"}, {.indent = 2, .countsRows = false});
+    for (const TableFit& table : FitOfTables(tables)) {
+        const std::string name(table.name);
+        const TableCell rows =
+            table.isThere ? TableCell{.text = std::to_string(Count(database, "[" + name + "]")),
+                                      .isNumber = true}
+                          : TableCell{.text = "-", .isNull = true};
+        needed.AddRow({{name}, rows, {FieldsText(table)}});
+    }
+    needed.Finish();
+    std::string others;
+    for (const jet::TableDefinition& table : tables) {
+        if (!IsNeededTable(table.name))
+            others += (others.empty() ? "" : ", ") + OneLine(table.name);
+    }
+    if (!others.empty()) out << fmt::format("  Other tables: {}\n", others);
+}
+
+void FindMissing(const std::vector<jet::TableDefinition>& tables, Findings& findings) {
+    std::string text;
+    for (const std::string& sentence : MissingForTheTool(tables))
+        text += (text.empty() ? "" : "; ") + sentence;
+    if (!text.empty()) {
+        findings.Problem(text +
+                         ". Name the jukebox's own database in Nirvis_CDJ_DB, or complete "
+                         "this one; 'quillon db create FILE' shows what a whole one has");
+    }
+}
+
+void CheckGenres(jet::Database& database, Findings& findings) {
+    const std::string bad = "SpinnerGenre WHERE GenreID Is Null OR GenreID < 0 OR GenreID > 255";
+    const std::int64_t count = Count(database, bad);
+    if (count == 0) return;
+    findings.Problem(fmt::format(
+        "Table SpinnerGenre has {} with a GenreID that is not 0 to 255, and no run starts with "
+        "{}. Correct or delete {}: DELETE * FROM {}",
+        count == 1 ? "a row" : fmt::format("{} rows", count), count == 1 ? "it" : "them",
+        count == 1 ? "it" : "them", bad));
+}
+
+void CheckPaths(jet::Database& database, const Settings& settings, std::ostream& out,
+                Findings& findings) {
     const std::int64_t owned = Count(database, OwnedTracks());
-    out << fmt::format("  {} albums, {} tracks; {} tracks are the tool's own\n",
-                       Count(database, "Albums"), Count(database, "Tracks"), owned);
-    if (settings.LibraryRoot.empty() || owned == 0) return;
+    out << fmt::format("  {} of the tracks are the library's own", owned);
+    if (settings.LibraryRoot.empty() || owned == 0) {
+        out << '\n';
+        return;
+    }
     const std::int64_t below = TracksBelow(database, settings.LibraryRoot);
-    out << fmt::format("  {} of those name a file below LibraryRoot\n", below);
+    out << fmt::format(", {} of them name a file below LibraryRoot\n", below);
     if (below == 0)
         findings.Caution(
-            "None of the tool's own tracks lies below LibraryRoot: a reconciliation would remove "
-            "them all and add what it finds as new");
+            "None of the library's own tracks lies below LibraryRoot: a reconciliation would "
+            "remove them all and add what it finds as new. Look at the paths in the table Tracks "
+            "and at [Drives] in host.ini");
 }
 
-/// The lock file that says who has the database open, and what that means for a run.
-void CheckLock(const std::filesystem::path& database, Findings& findings) {
-    constexpr std::size_t NameSize = 32;
-    const std::filesystem::path path = std::filesystem::path(database).replace_extension(".ldb");
-    std::ifstream file(path, std::ios::binary);
-    bool isOthers = false;
-    bool hasEntry = false;
-    std::array<char, 2 * NameSize> entry{};
-    while (file.read(entry.data(), entry.size())) {
-        hasEntry = true;
-        const std::string_view user(entry.data() + NameSize, NameSize);
-        isOthers = isOthers || !user.starts_with("Quillon");
-    }
-    if (isOthers)
-        findings.Problem(fmt::format(
-            "Another program has the database open, or was cut off while it had: {} is there",
-            path.string()));
-    else if (hasEntry)
+void CheckLock(const fs::path& path, Findings& findings) {
+    const jet::LockState lock = jet::LookAtLock(path);
+    if (lock.kind == jet::LockState::Kind::InUse) {
+        findings.Problem("A run would not open the database: " + lock.objection);
+    } else if (lock.kind == jet::LockState::Kind::LeftBehind) {
         findings.Caution(
-            fmt::format("A run is under way, or was cut off: {} is there", path.string()));
+            "A run was cut off while it had the database open. The next one takes "
+            "over the lock file it has left, " +
+            fs::path(path).replace_extension(".ldb").string());
+    }
+}
+
+void CheckWritable(const fs::path& path, Findings& findings) {
+    if (!IsWritable(path)) {
+        findings.Problem(
+            fmt::format("The database {} is read-only for this account, and no run "
+                        "opens it so. Give it the right to write",
+                        path.string()));
+    }
+    const fs::path folder = path.parent_path();
+    if (!IsWritable(folder)) {
+        findings.Problem(
+            fmt::format("The database's folder {} is read-only for this account, and "
+                        "a run has to make files beside the database. Give it the "
+                        "right to write",
+                        folder.string()));
+    }
+}
+
+std::string_view Advice(jet::ErrorKind kind) {
+    switch (kind) {
+        case jet::ErrorKind::Damaged:
+            return " Put a backup in its place; 'quillon db check' tells more";
+        case jet::ErrorKind::NotADatabase:
+            return " Name the jukebox's database in Nirvis_CDJ_DB";
+        case jet::ErrorKind::Encrypted:
+            return " Remove the password or encryption with the program that set it";
+        default:
+            return "";
+    }
+}
+
+void LookInto(const fs::path& path, const Settings& settings, std::ostream& out,
+              Findings& findings) try {
+    CheckLock(path, findings);
+    jet::Database database = jet::Database::Open(path, jet::OpenMode::ReadOnly);
+    const auto tables = database.Tables();
+    TellTables(database, tables, out);
+    FindMissing(tables, findings);
+    if (!MissingForTheTool(tables).empty()) return;
+    CheckGenres(database, findings);
+    CheckPaths(database, settings, out, findings);
+} catch (const jet::Error& error) {
+    out << "  cannot be used\n";
+    findings.Problem(error.what() + std::string(Advice(error.Kind())));
 }
 
 }  // namespace
 
-void CheckDatabase(const std::filesystem::path& path, const Settings& settings, std::ostream& out,
+void CheckDatabase(PathResolver& resolver, const Settings& settings, std::ostream& out,
                    Findings& findings) try {
-    CheckLock(path, findings);
-    jet::Database database = jet::Database::Open(path, jet::OpenMode::ReadOnly);
-    const auto tables = database.Tables();
-    out << fmt::format("  opens; {} tables\n", tables.size());
-    const std::vector<std::string> missing = MissingForTheTool(tables);
-    for (const std::string& sentence : missing)
-        findings.Problem(sentence);
-    if (!missing.empty()) return;
-    out << "  has every table and field that is needed\n";
-    CheckGenres(database, findings);
-    TellContents(database, settings, out, findings);
-} catch (const jet::Error& error) {
-    out << "  cannot be used: " << OneLine(error.what()) << '\n';
-    findings.Problem(error.what());
+    out << "\nDatabase\n";
+    const std::string& shown = settings.Nirvis_CDJ_DB;
+    if (shown.empty()) {
+        out << "  none\n";
+        return findings.Problem(
+            "Setting Nirvis_CDJ_DB is empty. Write the database's path, D:\\jukebox.mdb for "
+            "instance");
+    }
+    const fs::path path = resolver.Local(shown);
+    out << fmt::format("  {}\n  {}\n", OneLine(shown), OneLine(path.string()));
+    std::error_code ignored;
+    if (!fs::is_regular_file(path, ignored)) {
+        out << "  is not there\n";
+        return findings.Problem(fmt::format(
+            "The database {} is not there. Correct Nirvis_CDJ_DB, or [Drives] in host.ini",
+            path.string()));
+    }
+    CheckLeftovers(path, findings);
+    CheckWritable(path, findings);
+    LookInto(path, settings, out, findings);
+} catch (const Failure& failure) {
+    out << "  is not there\n";
+    findings.Problem(fmt::format(
+        "The database cannot be found: {}. Correct Nirvis_CDJ_DB, or [Drives] in host.ini",
+        failure.what()));
 }
 
 }  // namespace quillon

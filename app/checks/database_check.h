@@ -1,16 +1,16 @@
 #pragma once
 
-#include <filesystem>
 #include <iosfwd>
 
 #include "app/checks/findings.h"
+#include "platform/portable/path_resolver.h"
 #include "run/settings.h"
 
 namespace quillon {
 
-/// Tells whether the database at this local path opens, has every table and field that the tool
-/// needs, and knows the music where the settings have it. Opened for reading alone.
-void CheckDatabase(const std::filesystem::path& path, const Settings& settings, std::ostream& out,
+/// Tells whether the database opens, has every table and field that the tool needs, and knows the
+/// music where the settings have it; whether a run may write it. Opened for reading alone.
+void CheckDatabase(PathResolver& resolver, const Settings& settings, std::ostream& out,
                    Findings& findings);
 
 }  // namespace quillon

@@ -3,68 +3,217 @@
 #include <fmt/format.h>
 #include <ostream>
 #include <string>
+#include <string_view>
+#include <system_error>
+#include <utility>
 #include <vector>
 
-#include "app/display_text.h"
+#include "app/checks/writable.h"
+#include "app/table_printer.h"
 #include "driver/modes.h"
+#include "platform/basic_text.h"
 #include "platform/failure.h"
 #include "run/paths.h"
 
 namespace quillon {
 namespace {
 
+/// What the chosen mode does with a folder.
+struct FolderUse {
+    bool isRead = false;
+    bool isWritten = false;
+    bool isEssential = false;  ///< the mode can do nothing without it
+    bool isMade = false;       ///< when it is not there
+
+    bool IsAny() const { return isRead || isWritten; }
+};
+
 struct NamedFolder {
     std::string_view name;
     std::string path;
-    bool indispensable = false;  ///< for the mode that would run
+    FolderUse use;
 };
 
-std::vector<NamedFolder> FoldersOf(const Settings& settings, std::string_view appPath) {
+enum class Standing { NotSet, NoPath, Missing, NoFolder, Unreadable, WriteProtected, There };
+
+bool IsMode(const Settings& settings, bool Settings::* setting) {
     const Mode* const mode = SelectMode(settings);
-    const bool runs = mode != nullptr;
+    return mode != nullptr && mode->setting == setting;
+}
+
+std::vector<NamedFolder> FoldersOf(const Settings& settings, const std::string& appPath) {
+    const bool reconciles = IsMode(settings, &Settings::Reconcile);
+    const bool walks = reconciles && !settings.PlaylistsOnly;
+    const bool adds = IsMode(settings, &Settings::AddFiles);
+    const bool writesTags = IsMode(settings, &Settings::ID3Write);
+    const bool converts = IsMode(settings, &Settings::PlaToM3u);
+    const bool picks = IsMode(settings, &Settings::AlbumPicker);
     const std::string app = AddBackslash(appPath);
     return {
-        {"LibraryRoot", settings.LibraryRoot, runs && !settings.PlaylistsOnly},
-        {"FromFilesPath", settings.FromFilesPath, runs && settings.AddFiles},
-        {"PlayListPath", settings.PlayListPath},
-        {"PlayListPath2", settings.PlayListPath2},
-        {"AlbumCoverFolder", settings.AlbumCoverFolder},
-        {"Data", app + "Data"},
-        {"HTML", app + "HTML"},
+        {"LibraryRoot",
+         settings.LibraryRoot,
+         {.isRead = walks,
+          .isWritten = adds || writesTags || (walks && settings.ID3Reconcile),
+          .isEssential = walks || adds || writesTags}},
+        {"FromFilesPath", settings.FromFilesPath, {.isRead = adds, .isEssential = adds}},
+        {"PlayListPath",
+         settings.PlayListPath,
+         {.isRead = converts,
+          .isWritten = reconciles,
+          .isEssential = converts || (reconciles && settings.PlaylistsOnly)}},
+        {"PlayListPath2", settings.PlayListPath2, {.isWritten = converts, .isEssential = converts}},
+        {"AlbumCoverFolder",
+         settings.AlbumCoverFolder,
+         {.isRead = walks || picks, .isWritten = adds}},
+        {"Data", app + "Data", {.isWritten = walks && settings.ReconcileOption, .isMade = true}},
+        {"HTML", app + "HTML", {.isWritten = picks, .isEssential = picks, .isMade = true}},
     };
 }
 
-/// How a path stands; empty when it is a folder.
-std::string Trouble(Files& files, const std::string& path) try {
-    return files.FolderExists(path) ? "" : "is not there";
-} catch (const Failure& failure) {
-    return failure.what();
+Standing StandingOf(PathResolver& resolver, const NamedFolder& folder) try {
+    // An empty folder setting has become a lone backslash.
+    if (folder.path.empty() || folder.path == "\\") return Standing::NotSet;
+    const std::filesystem::path local = resolver.Local(folder.path);
+    std::error_code error;
+    const std::filesystem::file_status status = std::filesystem::status(local, error);
+    if (!std::filesystem::exists(status)) return Standing::Missing;
+    if (!std::filesystem::is_directory(status)) return Standing::NoFolder;
+    const std::filesystem::directory_iterator entries(local, error);
+    if (error) return Standing::Unreadable;
+    return IsWritable(local) ? Standing::There : Standing::WriteProtected;
+} catch (const Failure&) {
+    return Standing::NoPath;
+}
+
+std::string_view StandingText(Standing standing, bool isMade) {
+    switch (standing) {
+        case Standing::NotSet:
+            return "not set";
+        case Standing::NoPath:
+            return "no drive";
+        case Standing::Missing:
+            return isMade ? "made when needed" : "not there";
+        case Standing::NoFolder:
+            return "no folder";
+        case Standing::Unreadable:
+            return "unreadable";
+        case Standing::WriteProtected:
+            return "read-only";
+        case Standing::There:
+            break;
+    }
+    return "there";
+}
+
+/// What is wrong with a folder that the mode uses, and what to do; "" when nothing is.
+std::string Objection(const NamedFolder& folder, Standing standing) {
+    const std::string name = fmt::format("Folder {} ({})", folder.name, folder.path);
+    switch (standing) {
+        case Standing::NotSet:
+            if (folder.use.isEssential)
+                return fmt::format("Folder {} is not set, and the run needs it", folder.name);
+            if (folder.name == "PlayListPath")
+                return "Folder PlayListPath is not set: no playlist can be kept or made";
+            return "";
+        case Standing::NoPath:
+            return name +
+                   " is no path below a drive that [Drives] in host.ini maps. Correct one of "
+                   "the two";
+        case Standing::Missing:
+            if (folder.use.isMade) return "";
+            return name + " is not there. Make it, mount it or correct the path";
+        case Standing::NoFolder:
+            return name + " is not there: what has this name is no folder";
+        case Standing::Unreadable:
+            return name + " cannot be read by this account. Give it the right to";
+        case Standing::WriteProtected:
+            if (!folder.use.isWritten) return "";
+            return name +
+                   " cannot be written by this account, and the run writes there. Give it "
+                   "the right to";
+        case Standing::There:
+            break;
+    }
+    return "";
+}
+
+bool IsSet(std::string_view path) {
+    return !path.empty() && path != "\\";
+}
+
+void CheckSource(Files& files, const Settings& settings, Findings& findings) {
+    const std::string& source = settings.FromFilesPath;
+    const std::string& root = settings.LibraryRoot;
+    const bool isInside = files.IsWithin(source, root);
+    const bool isAround = files.IsWithin(root, source);
+    if (!isInside && !isAround) return;
+    const std::string_view how = isInside && isAround ? "is the library itself"
+                                 : isInside           ? "lies in the library"
+                                                      : "holds the library";
+    findings.Add(IsMode(settings, &Settings::AddFiles),
+                 fmt::format("FromFilesPath ({}) {} ({}): AddFiles would copy the library into "
+                             "itself, and so does nothing. Name another folder",
+                             source, how, root));
+}
+
+/// Whatever lies in the playlist folder is read, repaired and perhaps deleted as a playlist.
+void CheckPlaylistFiles(Files& files, const Settings& settings, Findings& findings) try {
+    if (!IsMode(settings, &Settings::Reconcile)) return;
+    std::size_t count = 0;
+    std::string first;
+    for (const FileEntry& file : files.FilesIn(settings.PlayListPath)) {
+        const std::string name = LowerCase(file.name);
+        if (name.ends_with(".pla")) continue;
+        if (LowerCase(file.path).starts_with(LowerCase(settings.Nirvis_CDJ_DB))) continue;
+        if (count++ == 0) first = file.name;
+    }
+    if (count == 0) return;
+    findings.Caution(fmt::format(
+        "PlayListPath ({}) holds {} that {} no .pla playlist, {}: each file there is taken for a "
+        "playlist, and without valid entries it is deleted. Move such files elsewhere",
+        settings.PlayListPath, count == 1 ? "a file" : fmt::format("{} files", count),
+        count == 1 ? "is" : "are", count == 1 ? first : first + " for one"));
+} catch (const Failure&) {
+    // A folder that cannot be listed is told of as such.
 }
 
 }  // namespace
 
-void CheckFolders(Files& files, const Settings& settings, std::string_view appPath,
-                  std::ostream& out, Findings& findings) {
+void CheckFolders(LocalHost& local, const Settings& settings, std::ostream& out,
+                  Findings& findings) {
     out << "\nFolders\n";
-    for (const NamedFolder& folder : FoldersOf(settings, appPath)) {
-        // An empty folder setting has become a lone backslash.
-        const bool isSet = !folder.path.empty() && folder.path != "\\";
-        const std::string trouble = isSet ? Trouble(files, folder.path) : "";
-        out << fmt::format("  {:<22} {}   {}\n", folder.name,
-                           isSet ? OneLine(folder.path) : "(empty)",
-                           !isSet            ? ""
-                           : trouble.empty() ? "there"
-                                             : trouble);
-        if (isSet && trouble.empty()) continue;
-        const std::string finding =
-            isSet ? fmt::format("Folder {} ({}): {}", folder.name, folder.path, trouble)
-                  : fmt::format("Folder {} is not set", folder.name);
-        if (folder.indispensable) {
-            findings.Problem(finding);
-        } else if (isSet) {
-            findings.Caution(finding);
-        }
+    TablePrinter table(out, {"Folder", "State", "Path"}, {.indent = 2, .countsRows = false});
+    for (const NamedFolder& folder : FoldersOf(settings, local.host.GetAppPath())) {
+        const Standing standing = StandingOf(local.resolver, folder);
+        table.AddRow({{std::string(folder.name)},
+                      {std::string(StandingText(standing, folder.use.isMade))},
+                      {IsSet(folder.path) ? folder.path : "(empty)"}});
+        if (!folder.use.IsAny()) continue;
+        std::string objection = Objection(folder, standing);
+        if (!objection.empty()) findings.Add(folder.use.isEssential, std::move(objection));
     }
+    table.Finish();
+}
+
+void CheckOverlaps(Files& files, const Settings& settings, Findings& findings) {
+    CheckSource(files, settings, findings);
+    const bool sameFolder = files.IsWithin(settings.PlayListPath, settings.PlayListPath2) &&
+                            files.IsWithin(settings.PlayListPath2, settings.PlayListPath);
+    if (sameFolder) {
+        findings.Caution(fmt::format(
+            "PlayListPath and PlayListPath2 are the same folder ({}): a reconciliation takes .m3u "
+            "files there for playlists of its own and deletes them. Name two folders",
+            settings.PlayListPath));
+    }
+    for (const auto& [name, path] : {std::pair("PlayListPath", settings.PlayListPath),
+                                     std::pair("PlayListPath2", settings.PlayListPath2)}) {
+        if (!files.IsWithin(path, settings.LibraryRoot)) continue;
+        findings.Caution(
+            fmt::format("{} ({}) lies in the library ({}), where its backups would "
+                        "look like artists. Name a folder outside of it",
+                        name, path, settings.LibraryRoot));
+    }
+    CheckPlaylistFiles(files, settings, findings);
 }
 
 }  // namespace quillon

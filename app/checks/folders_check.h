@@ -1,17 +1,19 @@
 #pragma once
 
 #include <iosfwd>
-#include <string_view>
 
 #include "app/checks/findings.h"
-#include "platform/files.h"
+#include "app/local_host.h"
 #include "run/settings.h"
 
 namespace quillon {
 
-/// Tells of every folder that the settings name, and of those below the host's own folder
-/// `appPath`, whether it is there. What the chosen mode cannot do without is a problem.
-void CheckFolders(Files& files, const Settings& settings, std::string_view appPath,
-                  std::ostream& out, Findings& findings);
+/// Tells of every folder that the settings name, and of those below the host's own folder, whether
+/// it is there. What the chosen mode cannot do without is a problem.
+void CheckFolders(LocalHost& local, const Settings& settings, std::ostream& out,
+                  Findings& findings);
+
+/// Finds folders that should not lie in one another, and files that would be taken for playlists.
+void CheckOverlaps(Files& files, const Settings& settings, Findings& findings);
 
 }  // namespace quillon

@@ -5,29 +5,54 @@
 #include <ostream>
 
 #include "app/display_text.h"
+#include "app/table_printer.h"
 #include "driver/settings_reader.h"
+#include "platform/basic_text.h"
 #include "run/host_settings.h"
 
 namespace quillon {
 namespace {
 
-constexpr std::size_t KeyColumns = 22, ValueColumns = 30;
+constexpr std::size_t WidestValue = 26;
 
-/// At least this wide; a longer text is not cut, since it is what the check is about.
-std::string Padded(std::string text, std::size_t columns) {
-    const std::size_t taken = DisplayColumns(text);
-    if (taken < columns) text.append(columns - taken, ' ');
-    return text;
+const SettingDefinition& DefinitionOf(const SettingReading& reading) {
+    return *std::ranges::find(SettingDefinitions(), reading.key, &SettingDefinition::key);
 }
 
-std::string Line(const SettingReading& reading) {
-    const std::string value = reading.readable ? reading.value : "?";
-    std::string line = "  " + Padded(std::string(reading.key), KeyColumns) + ' ' +
-                       Padded(value.empty() ? "(empty)" : OneLine(value), ValueColumns) + ' ' +
-                       (reading.fromFile ? "file" : "default");
-    if (!reading.remark.empty())
-        line += fmt::format("   \"{}\": {}", OneLine(reading.text), reading.remark);
-    return line;
+bool IsNumber(SettingKind kind) {
+    return kind == SettingKind::Integer || kind == SettingKind::StrictInteger;
+}
+
+/// What is wrong with the text, in few words.
+std::string Oddity(const SettingReading& reading) {
+    if (reading.remark.empty()) return "";
+    if (!IsNumber(DefinitionOf(reading).kind)) return "not 0 or 1";
+    return IsNumeric(reading.text) ? "out of range" : "no number";
+}
+
+/// The same for the table, with the text where the value is another one.
+std::string Remark(const SettingReading& reading, const Settings& settings) {
+    constexpr std::size_t Widest = 18;
+    const bool isReconcile = DefinitionOf(reading).member ==
+                             SettingDefinition::Member(&Settings::Reconcile);
+    if (isReconcile && settings.PlaylistsOnly) return "on: PlaylistsOnly";
+    const std::string oddity = Oddity(reading);
+    if (oddity.empty() || !reading.readable) return oddity;
+    return FitColumns(oddity + ": " + OneLine(reading.text), Widest);
+}
+
+void FindOddity(const SettingReading& reading, Findings& findings) {
+    const std::string oddity = Oddity(reading);
+    if (oddity.empty()) return;
+    const SettingDefinition& definition = DefinitionOf(reading);
+    const std::string advice =
+        fmt::format("Write {}, or delete the line for the default {}",
+                    IsNumber(definition.kind) ? "a whole number from -32768 to 32767" : "0 or 1",
+                    definition.fallback);
+    const std::string effect =
+        reading.readable ? "counts as " + reading.value : "no run starts with it";
+    findings.Add(!reading.readable, fmt::format("Setting {}={} is {} and {}. {}", reading.key,
+                                                reading.text, oddity, effect, advice));
 }
 
 }  // namespace
@@ -35,17 +60,18 @@ std::string Line(const SettingReading& reading) {
 Settings CheckSettings(Host& host, std::ostream& out, Findings& findings) {
     const SettingsReport report = InspectSettings(host);
     out << fmt::format("\nSettings ({}, section {})\n", SettingsFile, SettingsSection);
+    TablePrinter table(
+        out, {"Setting", "Value", "Source", "Remark"},
+        {.indent = 2, .widestColumn = WidestValue, .countsRows = false, .breaksLines = true});
     for (const SettingReading& reading : report.readings) {
-        out << Line(reading) << '\n';
-        if (reading.remark.empty()) continue;
-        const std::string finding =
-            fmt::format("Setting {} is \"{}\": {}", reading.key, reading.text, reading.remark);
-        if (reading.readable) {
-            findings.Caution(finding);
-        } else {
-            findings.Problem(finding);
-        }
+        const std::string value = reading.readable ? reading.value : reading.text;
+        table.AddRow({{std::string(reading.key)},
+                      {value.empty() ? "(empty)" : value},
+                      {reading.fromFile ? "file" : "default"},
+                      {Remark(reading, report.settings)}});
+        FindOddity(reading, findings);
     }
+    table.Finish();
     return report.settings;
 }
 
@@ -53,8 +79,7 @@ void CheckHostSettings(Host& host, std::ostream& out, Findings& findings) {
     const std::string downloadHost = DownloadHost(host);
     const CoverTreeScan covers = ReadCoverTreeScan(host);
     const auto line = [&out](std::string_view key, const std::string& value) {
-        out << "  " << Padded(std::string(key), KeyColumns) << ' '
-            << (value.empty() ? "(empty)" : OneLine(value)) << '\n';
+        out << fmt::format("  {:<22} {}\n", key, value.empty() ? "(empty)" : OneLine(value));
     };
     out << fmt::format("\nHost settings ({})\n", HostSettingsFile);
     line("Download Host", downloadHost);
@@ -62,9 +87,9 @@ void CheckHostSettings(Host& host, std::ostream& out, Findings& findings) {
     line("Covers ReservedFolder", covers.ReservedFolder);
     if (downloadHost.find('-') != std::string::npos) {
         findings.Caution(fmt::format(
-            "Host {} of [Download] has a hyphen: a piece of it becomes the genre of songs whose "
-            "artist is in the download table",
-            downloadHost));
+            "Host {} of [Download] in {} has a hyphen: a piece of it becomes the genre of songs "
+            "whose artist is in the download table. Choose a name without one",
+            downloadHost, HostSettingsFile));
     }
 }
 
@@ -73,7 +98,8 @@ void CheckPlugin(Host& host, std::ostream& out, Findings& findings) {
     const bool enabled = std::ranges::find(plugins, "Quillon") != plugins.end();
     out << fmt::format("Plug-in Quillon  {}\n", enabled ? "enabled" : "not enabled");
     if (!enabled)
-        findings.Problem("The plug-in is not enabled: host.ini needs Quillon=1 in [Plugins]");
+        findings.Problem(
+            "The plug-in is not enabled, so no run starts: host.ini needs Quillon=1 in [Plugins]");
 }
 
 }  // namespace quillon

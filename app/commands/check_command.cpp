@@ -1,27 +1,31 @@
 #include "app/commands/check_command.h"
 
+#include <filesystem>
 #include <fmt/format.h>
 #include <ostream>
-#include <string_view>
-#include <vector>
+#include <string>
+#include <system_error>
 
 #include "app/checks/database_check.h"
 #include "app/checks/folders_check.h"
 #include "app/checks/mode_check.h"
 #include "app/checks/settings_check.h"
+#include "app/checks/writable.h"
 #include "app/display_text.h"
 #include "app/local_host.h"
 #include "app/removed_music.h"
-#include "platform/failure.h"
 
 namespace quillon {
 namespace {
 
+namespace fs = std::filesystem;
+
 void TellDrives(const DriveTable& drives, std::ostream& out) {
     for (const auto& [root, folder] : drives.Roots()) {
-        const std::filesystem::path local = folder.empty() ? "/" : folder;
+        const fs::path local = folder.empty() ? "/" : folder;
+        std::error_code ignored;
         out << fmt::format("Drive {:<10} {}{}\n", OneLine(root), OneLine(local.string()),
-                           std::filesystem::is_directory(local) ? "" : "   is not there");
+                           fs::is_directory(local, ignored) ? "" : "   is not there");
     }
 }
 
@@ -31,32 +35,45 @@ void TellRemovedMusic(HostFolder& host, std::ostream& out, Findings& findings) {
         setting.keep ? "kept in " + OneLine(RemovedMusicFolder(host).string()) : "deleted for good";
     out << fmt::format("Removed music    {}\n", what);
     if (!setting.understood) {
-        findings.Caution(
-            fmt::format("Keep in [Removed] of host.ini is \"{}\", which is neither yes nor no; "
-                        "removed music is "
-                        "kept",
-                        setting.text));
+        findings.Caution(fmt::format(
+            "Keep in [Removed] of host.ini is \"{}\", which is neither yes nor no; removed music "
+            "is kept. Write 1 or 0",
+            setting.text));
     }
 }
 
-void TellDatabase(LocalHost& local, const Settings& settings, std::ostream& out,
-                  Findings& findings) try {
-    out << "\nDatabase\n";
-    if (settings.Nirvis_CDJ_DB.empty())
-        return findings.Problem("Setting Nirvis_CDJ_DB names no database");
-    const std::string path = local.resolver.Local(settings.Nirvis_CDJ_DB);
-    out << fmt::format("  {}   {}\n", OneLine(settings.Nirvis_CDJ_DB), OneLine(path));
-    CheckDatabase(path, settings, out, findings);
-} catch (const Failure& failure) {
-    findings.Problem(fmt::format("The database {}: {}", settings.Nirvis_CDJ_DB, failure.what()));
+void CheckLog(const HostFolder& host, std::ostream& out, Findings& findings) {
+    const fs::path log = host.LogPath();
+    std::error_code ignored;
+    const bool exists = fs::exists(log, ignored);
+    const bool isFile = !exists || fs::is_regular_file(log, ignored);
+    const bool canWrite = isFile && IsWritable(exists ? log : log.parent_path());
+    out << fmt::format("Log              {}{}\n", OneLine(log.string()),
+                       !canWrite ? ", cannot be written"
+                       : exists  ? ""
+                                 : ", made by the first run");
+    if (canWrite) return;
+    findings.Problem(
+        fmt::format("The log {} cannot be written{}, so nobody would learn what a run does. {}",
+                    log.string(), isFile ? " by this account" : " because it is no file",
+                    isFile ? "Give it the right to" : "Remove what has its name"));
 }
 
-void TellFindings(std::string_view title, const std::vector<std::string>& findings,
-                  std::ostream& out) {
-    if (findings.empty()) return;
-    out << '\n' << title << '\n';
-    for (const std::string& finding : findings)
-        out << "  - " << OneLine(finding) << '\n';
+/// The last line: what all this comes to.
+void TellVerdict(const Findings& findings, std::ostream& out) {
+    const auto counted = [](std::size_t count, std::string_view what) {
+        return fmt::format("{} {}{}", count, what, count == 1 ? "" : "s");
+    };
+    if (!findings.problems.empty()) {
+        out << fmt::format("\nNo run could do its work: {}.\n",
+                           counted(findings.problems.size(), "problem"));
+    } else if (!findings.cautions.empty()) {
+        out << fmt::format("\nA run could start; {} before.\n",
+                           counted(findings.cautions.size(), "thing") +
+                               (findings.cautions.size() == 1 ? " is" : " are") + " worth a look");
+    } else {
+        out << "\nA run could start.\n";
+    }
 }
 
 }  // namespace
@@ -67,19 +84,21 @@ int Check(const CheckRequest& request, Console console) {
     Findings findings;
     out << fmt::format("Host folder      {}\n", OneLine(local.host.Folder().string()));
     CheckPlugin(local.host, out, findings);
-    TellDrives(local.host.Drives(), out);
+    CheckLog(local.host, out, findings);
     TellRemovedMusic(local.host, out, findings);
+    TellDrives(local.host.Drives(), out);
     const Settings settings = CheckSettings(local.host, out, findings);
+    CheckUnreadKeys(local.host, findings);
+    CheckNumbers(settings, findings);
     CheckHostSettings(local.host, out, findings);
-    CheckFolders(local.files, settings, local.host.GetAppPath(), out, findings);
-    TellDatabase(local, settings, out, findings);
-    CheckMode(settings, out, findings);
+    CheckFolders(local, settings, out, findings);
+    CheckOverlaps(local.files, settings, findings);
+    CheckDatabase(local.resolver, settings, out, findings);
+    CheckMode(local.resolver, settings, out, findings);
 
-    TellFindings("Problems", findings.problems, out);
-    TellFindings("Worth a look", findings.cautions, out);
-    const bool couldStart = findings.problems.empty();
-    out << (couldStart ? "\nA run could start.\n" : "\nNo run could do its work.\n");
-    return couldStart ? DoneStatus : RefusedStatus;
+    TellFindings(findings, out);
+    TellVerdict(findings, out);
+    return findings.problems.empty() ? DoneStatus : RefusedStatus;
 }
 
 }  // namespace quillon

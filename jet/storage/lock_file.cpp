@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "jet/error.h"
+#include "jet/lock.h"
 
 namespace jet::storage {
 
@@ -75,14 +76,40 @@ std::string Machines(const std::vector<Entry>& entries) {
 
 enum class LockResult { Taken, Held, Unsupported };
 
-LockResult TakeLock(int file) {
+struct flock LockRange() {
     struct flock range{};
     range.l_type = F_WRLCK;
     range.l_whence = SEEK_SET;
     range.l_start = LockStart;
     range.l_len = LockLength;
+    return range;
+}
+
+LockResult TakeLock(int file) {
+    struct flock range = LockRange();
     if (fcntl(file, F_OFD_SETLK, &range) == 0) return LockResult::Taken;
     return errno == EAGAIN || errno == EACCES ? LockResult::Held : LockResult::Unsupported;
+}
+
+/// What TakeLock would give.
+LockResult ProbeLock(int file) {
+    struct flock range = LockRange();
+    if (fcntl(file, F_OFD_GETLK, &range) != 0) return LockResult::Unsupported;
+    return range.l_type == F_UNLCK ? LockResult::Taken : LockResult::Held;
+}
+
+/// Why a database with these users may not be taken; "" when it may.
+std::string Objection(const std::filesystem::path& database, LockResult lock,
+                      const std::vector<Entry>& entries) {
+    if (lock == LockResult::Held)
+        return database.string() + " is in use by " + Machines(entries) + ".";
+    // Without locks nobody can tell whether an entry is alive.
+    const bool mayTakeOver = lock == LockResult::Taken
+                                 ? std::all_of(entries.begin(), entries.end(), IsOurs)
+                                 : entries.empty();
+    if (mayTakeOver) return "";
+    return database.string() + " seems to be in use by " + Machines(entries) +
+           ". If no program has it open, delete " + LockFile::PathFor(database).string() + ".";
 }
 
 /// Whether the open file is still the one of this name: a user that left may have removed it.
@@ -123,21 +150,10 @@ bool LockFile::TryTake(const std::filesystem::path& database) {
         [&] { return open(path_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, EveryoneByUmask); }));
     if (!file.IsOpen()) ThrowSystemError("create", path_, errno);
     const LockResult lock = TakeLock(file.Number());
-    const auto entries = ReadEntries(file.Number());
-    if (lock == LockResult::Held) {
-        throw Error(ErrorKind::InUse,
-                    database.string() + " is in use by " + Machines(entries) + ".");
-    }
-    if (!IsAt(file.Number(), path_)) return false;
-    // Without locks nobody can tell whether an entry is alive.
-    const bool mayTakeOver = lock == LockResult::Taken
-                                 ? std::all_of(entries.begin(), entries.end(), IsOurs)
-                                 : entries.empty();
-    if (!mayTakeOver) {
-        throw Error(ErrorKind::InUse,
-                    database.string() + " seems to be in use by " + Machines(entries) +
-                        ". If no program has it open, delete " + path_.string() + ".");
-    }
+    const std::string objection = Objection(database, lock, ReadEntries(file.Number()));
+    const bool isThere = lock == LockResult::Held || IsAt(file.Number(), path_);
+    if (!isThere) return false;
+    if (!objection.empty()) throw Error(ErrorKind::InUse, objection);
     descriptor_ = std::move(file);
     WriteEntry(descriptor_.Number(), path_);
     return true;
@@ -149,3 +165,22 @@ LockFile::~LockFile() {
 }
 
 }  // namespace jet::storage
+
+namespace jet {
+
+LockState LookAtLock(const std::filesystem::path& database) {
+    const auto path = storage::LockFile::PathFor(database);
+    const storage::Descriptor file(
+        storage::Uninterrupted([&] { return open(path.c_str(), O_RDONLY | O_CLOEXEC); }));
+    if (!file.IsOpen()) {
+        if (errno == ENOENT) return {};
+        storage::ThrowSystemError("open", path, errno);
+    }
+    const auto entries = storage::ReadEntries(file.Number());
+    std::string objection =
+        storage::Objection(database, storage::ProbeLock(file.Number()), entries);
+    if (!objection.empty()) return {LockState::Kind::InUse, std::move(objection)};
+    return {entries.empty() ? LockState::Kind::Free : LockState::Kind::LeftBehind, ""};
+}
+
+}  // namespace jet

@@ -99,8 +99,12 @@ std::string HostFolder::GetINISetting(std::string_view section, std::string_view
     return Read(file).Find(section, key).value_or(std::string(fallback));
 }
 
+std::filesystem::path HostFolder::LogPath() const {
+    return folder_ / LogName;
+}
+
 void HostFolder::WriteLog(std::string_view source, std::string_view message) {
-    const std::string path = (folder_ / LogName).string();
+    const std::string path = LogPath().string();
     const std::string record = SortableDateTimeText(clock_.Now()) + '\t' +
                                Replace(OnOneLine(source), "\t", " ") + '\t' + OnOneLine(message) +
                                '\n';

@@ -29,11 +29,19 @@ class HostFolder : public Host {
     std::vector<std::string> GetPlugins() override;
     std::string GetAppPath() override;
 
+    /// Keys as written with their values, in the order of a settings file.
+    std::vector<IniFile::Entry> Entries(std::string_view section, std::string_view file) {
+        return Read(file).Entries(section);
+    }
+
     /// The roots of [Drives] with their local folders; the host folder itself can be reached.
     const DriveTable& Drives() const { return drives_; }
 
     /// The host folder's absolute local path.
     const std::filesystem::path& Folder() const { return folder_; }
+
+    /// The local path of the log.
+    std::filesystem::path LogPath() const;
 
   private:
     /// A settings file as it was when it was last read.

@@ -2,97 +2,65 @@
 #include <filesystem>
 #include <gtest/gtest.h>
 
-#include "jet/database.h"
-#include "tests/app/temporary_folder.h"
+#include "tests/app/check_fixture.h"
+#include "tests/platform/child_process.h"
 
 namespace quillon {
 namespace {
 
 namespace fs = std::filesystem;
 
-class CheckCommand : public TemporaryFolder {
-  protected:
-    CheckCommand() {
-        MakeFolder("Music");
-        CallProgram({"init", Path("shelf"), "--music", Path("Music")});
-    }
-    ProgramResult Check() const { return CallProgram({"check", "--host", Path("shelf")}); }
-
-    /// Puts a value in the place of the one that init wrote.
-    void Set(const std::string& key, const std::string& value) const {
-        std::string settings = Read("shelf/Quillon.ini");
-        const std::size_t start = settings.find("\n" + key + "=") + key.size() + 2;
-        settings.replace(start, settings.find('\n', start) - start, value);
-        Write("shelf/Quillon.ini", settings);
-    }
-    void Execute(const std::string& sql) const {
-        const ProgramResult result = CallProgram({"db", "exec", Path("shelf/jukebox.mdb"), sql});
-        ASSERT_EQ(result.status, 0) << result.err;
-    }
-};
-
-/// The lines behind a heading, up to the next blank line.
-std::string Section(const std::string& out, const std::string& heading) {
-    const std::size_t start = out.find("\n" + heading + "\n");
-    if (start == std::string::npos) return "";
-    const std::size_t lines = start + heading.size() + 2;
-    return out.substr(lines, out.find("\n\n", lines) - lines);
-}
-
-bool Has(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
-}
+class CheckCommand : public CheckFixture {};
 
 TEST_F(CheckCommand, FindsANewHostFolderReady) {
     const ProgramResult result = Check();
     EXPECT_EQ(result.status, 0) << result.out;
-    EXPECT_TRUE(result.out.ends_with("\nA run could start.\n"));
-    EXPECT_EQ(Section(result.out, "Problems"), "");
-    EXPECT_EQ(Section(result.out, "Worth a look"), "");
+    EXPECT_TRUE(result.out.ends_with("\n\nA run could start.\n"));
+    EXPECT_EQ(Problems(), "");
+    EXPECT_EQ(Cautions(), "");
 }
 
-TEST_F(CheckCommand, TellsEverySettingAndWhereItsValueComesFrom) {
-    Set("ImagesWide", "7");
-    Write("shelf/Quillon.ini",
-          Read("shelf/Quillon.ini")
-              .replace(Read("shelf/Quillon.ini").find("\nGenrePlaylist=1"), 16, ""));
-    const std::string settings = Section(Check().out, "Settings (Quillon.ini, section NPFrame)");
-    EXPECT_EQ(std::ranges::count(settings, '\n') + 1, 33);
-    EXPECT_TRUE(Has(settings, "  ImagesWide             7                              file\n"));
-    EXPECT_TRUE(Has(settings, "  GenrePlaylist          True                           default\n"));
-    EXPECT_TRUE(Has(settings, "  LibraryRoot            D:\\Music                       file\n"));
+TEST_F(CheckCommand, EndsWithAVerdictThatCountsWhatItFound) {
+    Set("PickerMinimum", "0");
+    EXPECT_TRUE(Check().out.ends_with("\n\nA run could start; 1 thing is worth a look before.\n"));
+    Set("MaxPlaylistLength", "0");
+    EXPECT_TRUE(Check().out.ends_with("; 2 things are worth a look before.\n"));
+    Set("Reconcile", "0");
+    EXPECT_TRUE(Check().out.ends_with("\n\nNo run could do its work: 1 problem.\n"));
+    Set("ImagesWide", "x");
+    EXPECT_TRUE(Check().out.ends_with("\n\nNo run could do its work: 2 problems.\n"));
 }
 
-TEST_F(CheckCommand, TellsTheHostsOwnSettings) {
-    EXPECT_EQ(Section(Check().out, "Host settings (host.ini)"),
-              "  Download Host          localhost\n"
-              "  Covers ScanLibrary     False\n"
-              "  Covers ReservedFolder  (empty)");
+TEST_F(CheckCommand, TellsAllProblemsAtOnce) {
+    Set("ImagesHigh", "abc");
+    Set("PickerFormatOption", "maybe");
+    Set("Nirvis_CDJ_DB", "H:\\nowhere.mdb");
+    Set("LibraryRoot", "D:\\Nowhere");
+    Write("shelf/host.ini", "[Plugins]\nQuillon=0\n[Drives]\nD=" + Folder().string() + "\nH=.\n");
+    EXPECT_EQ(Check().status, 2);
+    const std::string problems = Problems();
+    EXPECT_EQ(std::ranges::count(problems, '\n') + 1, 5) << problems;
+    EXPECT_TRUE(Has(problems, "ImagesHigh=abc is no number")) << problems;
+    EXPECT_TRUE(Has(problems, "PickerFormatOption=maybe is not 0 or 1")) << problems;
+    EXPECT_TRUE(Has(problems, "nowhere.mdb is not there")) << problems;
+    EXPECT_TRUE(Has(problems, "LibraryRoot (D:\\Nowhere) is not there")) << problems;
+    EXPECT_TRUE(Has(problems, "Quillon=1 in [Plugins]")) << problems;
 }
 
-TEST_F(CheckCommand, CautionsAgainstADownloadHostWithAHyphen) {
-    Write("shelf/host.ini", "[Plugins]\nQuillon=1\n[Drives]\nD=" + Folder().string() +
-                                "\nH=.\n[Download]\nHost=my-radio\n"
-                                "[Covers]\nScanLibrary=yes\nReservedFolder=Scans\n");
-    const ProgramResult result = Check();
-    EXPECT_EQ(Section(result.out, "Host settings (host.ini)"),
-              "  Download Host          my-radio\n"
-              "  Covers ScanLibrary     True\n"
-              "  Covers ReservedFolder  Scans");
-    EXPECT_TRUE(Has(Section(result.out, "Worth a look"), "Host my-radio of [Download]"));
-    EXPECT_EQ(result.status, 0);
-}
-
-TEST_F(CheckCommand, TellsTheModeItsBackupsAndItsPhases) {
-    const std::string plan = Section(Check().out, "A run would do");
-    EXPECT_TRUE(plan.starts_with("  Reconcile library and database\n")) << plan;
-    EXPECT_TRUE(Has(plan, "Backups first: H:\\jukebox.mdb, H:\\Playlists\\, H:\\M3u\\\n")) << plan;
-    EXPECT_TRUE(Has(plan, "\n    Add folder tracks to library\n")) << plan;
-    // It renames files, so a new host folder has it switched off.
-    EXPECT_FALSE(Has(plan, "Verify ID3")) << plan;
-
-    Set("ID3Reconcile", "1");
-    EXPECT_TRUE(Has(Section(Check().out, "A run would do"), "\n    Verify ID3\n"));
+TEST_F(CheckCommand, KeepsFindingsWithin80Columns) {
+    Set("MaxPlaylistLength", "-1");
+    Set("AddFiles", "1");
+    Set("FromFilesPath", "D:\\Music");
+    std::istringstream lines(Check().out);
+    std::size_t seen = 0;
+    bool inFindings = false;
+    for (std::string line; std::getline(lines, line);) {
+        inFindings = inFindings || line == "Problems";
+        if (!inFindings) continue;
+        ++seen;
+        EXPECT_LE(line.size(), 80U) << line;
+    }
+    EXPECT_GT(seen, 8U);
 }
 
 TEST_F(CheckCommand, TellsWhetherRemovedMusicIsKept) {
@@ -112,109 +80,46 @@ TEST_F(CheckCommand, TellsWhetherRemovedMusicIsKept) {
     const ProgramResult result = Check();
     EXPECT_EQ(result.status, 0);
     EXPECT_TRUE(Has(result.out, kept));
-    EXPECT_TRUE(Has(Section(result.out, "Worth a look"),
+    EXPECT_TRUE(Has(Cautions(),
                     "Keep in [Removed] of host.ini is \"perhaps\", which is neither yes nor no"));
 }
 
-TEST_F(CheckCommand, TellsAllProblemsAtOnce) {
-    Set("ImagesHigh", "abc");
-    Set("PickerFormatOption", "maybe");
-    Set("Nirvis_CDJ_DB", "H:\\nowhere.mdb");
-    Set("LibraryRoot", "D:\\Nowhere");
-    Write("shelf/host.ini", "[Plugins]\nQuillon=0\n[Drives]\nD=" + Folder().string() + "\nH=.\n");
-    const ProgramResult result = Check();
-    EXPECT_EQ(result.status, 2);
-    const std::string problems = Section(result.out, "Problems");
-    EXPECT_EQ(std::ranges::count(problems, '\n') + 1, 5) << problems;
-    EXPECT_TRUE(Has(problems, "ImagesHigh is \"abc\": Type mismatch")) << problems;
-    EXPECT_TRUE(Has(problems, "PickerFormatOption is \"maybe\": Type mismatch")) << problems;
-    EXPECT_TRUE(Has(problems, "nowhere.mdb")) << problems;
-    EXPECT_TRUE(Has(problems, "LibraryRoot (D:\\Nowhere): is not there")) << problems;
-    EXPECT_TRUE(Has(problems, "Quillon=1 in [Plugins]")) << problems;
-}
-
-TEST_F(CheckCommand, ASettingThatCountsAsSomethingElseIsNoProblem) {
-    Set("ArtistThreshold", "abc");
-    Set("RandomizePlaylist", "yes");
-    const ProgramResult result = Check();
-    EXPECT_EQ(result.status, 0) << result.out;
-    const std::string cautions = Section(result.out, "Worth a look");
-    EXPECT_TRUE(Has(cautions, "ArtistThreshold is \"abc\": Type mismatch: counts as 0"))
-        << cautions;
-    EXPECT_TRUE(Has(cautions, "RandomizePlaylist is \"yes\"")) << cautions;
-}
-
-TEST_F(CheckCommand, NeedsAModeThatThisVersionHas) {
-    Set("Reconcile", "0");
+TEST_F(CheckCommand, NeedsALogThatCanBeWritten) {
+    const std::string log = "Log              " + Path("shelf/host.log").string();
+    EXPECT_TRUE(Has(Check().out, log + ", made by the first run\n"));
+    Write("shelf/host.log", "");
+    EXPECT_TRUE(Has(Check().out, log + "\n"));
+    fs::remove(Path("shelf/host.log"));
+    MakeFolder("shelf/host.log");
     EXPECT_EQ(Check().status, 2);
-    EXPECT_TRUE(Has(Section(Check().out, "Problems"), "No mode is chosen"));
+    EXPECT_TRUE(Has(Problems(), "host.log cannot be written because it is no file"));
 }
 
-TEST_F(CheckCommand, ReportsFoldersThatAreMissing) {
-    fs::remove(Path("shelf/Covers"));
-    fs::remove(Path("shelf/Data"));
-    const ProgramResult result = Check();
-    EXPECT_EQ(result.status, 0) << "a reconciliation can do without";
-    const std::string cautions = Section(result.out, "Worth a look");
-    EXPECT_TRUE(Has(cautions, "AlbumCoverFolder (H:\\Covers\\): is not there")) << cautions;
-    EXPECT_TRUE(Has(cautions, "Data (H:\\Data): is not there")) << cautions;
+TEST_F(CheckCommand, KnowsWhatTheAccountMayNotWrite) {
+    Write("shelf/host.log", "");
+    fs::permissions(Folder(), fs::perms::others_all, fs::perm_options::add);
+    fs::permissions(Path("shelf/Playlists"), fs::perms::others_all);
+    for (const char* const name : {"shelf", "shelf/jukebox.mdb", "shelf/host.log"}) {
+        fs::permissions(Path(name),
+                        fs::perms::others_write | fs::perms::group_write |
+                            (geteuid() == 0 ? fs::perms::none : fs::perms::owner_write),
+                        fs::perm_options::remove);
+    }
+    const std::string problems = AsOrdinaryUser([this] { return Problems(); });
+    EXPECT_TRUE(Has(problems, "host.log cannot be written by this account")) << problems;
+    EXPECT_TRUE(Has(problems, "jukebox.mdb is read-only for this account")) << problems;
+    EXPECT_TRUE(Has(problems, "folder " + Path("shelf").string() + " is read-only")) << problems;
+    const std::string cautions = AsOrdinaryUser([this] { return Cautions(); });
+    EXPECT_TRUE(Has(cautions, "H:\\jukebox.mdb cannot be backed up")) << cautions;
 
-    Set("PlayListPath", "Q:\\Lists");
-    EXPECT_TRUE(Has(Section(Check().out, "Worth a look"), "PlayListPath (Q:\\Lists\\): "));
-}
-
-TEST_F(CheckCommand, APlaylistsOnlyRunNeedsNoMusicFolder) {
     Set("PlaylistsOnly", "1");
-    Set("LibraryRoot", "D:\\Nowhere");
-    const ProgramResult result = Check();
-    EXPECT_EQ(result.status, 0) << result.out;
-    EXPECT_TRUE(Has(Section(result.out, "A run would do"), "playlists only"));
-}
-
-TEST_F(CheckCommand, NamesTablesAndFieldsThatTheDatabaseLacks) {
-    fs::remove(Path("shelf/jukebox.mdb"));
-    const std::vector<jet::TableDefinition> tables{
-        {"Albums", {{.name = "CDJID", .type = jet::ColumnType::Text, .size = 20}}, {}}};
-    jet::Database::Create(Path("shelf/jukebox.mdb"), tables);
-    const ProgramResult result = Check();
-    EXPECT_EQ(result.status, 2);
-    const std::string problems = Section(result.out, "Problems");
-    EXPECT_TRUE(Has(problems, "Table Albums has no field Title")) << problems;
-    EXPECT_TRUE(Has(problems, "The database has no table Tracks")) << problems;
-    EXPECT_TRUE(Has(problems, "The database has no table SpinnerGenre")) << problems;
-}
-
-TEST_F(CheckCommand, RefusesAGenreNumberThatWouldStopTheStartUp) {
-    Execute("INSERT INTO SpinnerGenre (GenreID, Genre) VALUES (256, 'Too much')");
-    const ProgramResult result = Check();
-    EXPECT_EQ(result.status, 2);
-    EXPECT_TRUE(Has(Section(result.out, "Problems"), "SpinnerGenre"));
-}
-
-TEST_F(CheckCommand, WarnsWhenTheDatabaseKnowsTheMusicByOtherPaths) {
-    Execute("INSERT INTO Albums (CDJID, Title, Artist, Player) VALUES ('1', 'T', 'A', 1001)");
-    Execute("INSERT INTO Tracks (CDJID, Track, SoundFile) VALUES ('1', 1, 'E:\\Old\\A\\T\\x.mp3')");
-    const ProgramResult elsewhere = Check();
-    EXPECT_TRUE(Has(Section(elsewhere.out, "Worth a look"), "would remove"));
-    Execute("UPDATE Tracks SET SoundFile='d:\\MUSIC\\A\\T\\x.mp3'");
-    EXPECT_EQ(Section(Check().out, "Worth a look"), "");
-}
-
-TEST_F(CheckCommand, SeesThatTheDatabaseIsOpenElsewhere) {
-    const auto entry = [](std::string machine, std::string user) {
-        machine.resize(32, ' ');
-        user.resize(32, ' ');
-        return machine + user;
-    };
-    Write("shelf/jukebox.ldb", entry("JUKEBOX-PC", "Admin"));
-    EXPECT_EQ(Check().status, 2);
-    EXPECT_TRUE(Has(Section(Check().out, "Problems"), "jukebox.ldb is there"));
-
-    Write("shelf/jukebox.ldb", entry("HERE", "Quillon"));
-    EXPECT_EQ(Check().status, 0) << "a run takes over what a killed run has left";
-    EXPECT_TRUE(Has(Section(Check().out, "Worth a look"), "jukebox.ldb is there"));
-    Write("shelf/jukebox.ldb", "");
-    EXPECT_EQ(Section(Check().out, "Worth a look"), "");
+    fs::permissions(Path("shelf/Playlists"), fs::perms::owner_read | fs::perms::owner_exec |
+                                                 fs::perms::others_read | fs::perms::others_exec);
+    const std::string playlists = AsOrdinaryUser([this] { return Problems(); });
+    EXPECT_TRUE(Has(playlists, "Folder PlayListPath (H:\\Playlists\\) cannot be written"))
+        << playlists;
+    EXPECT_TRUE(Has(AsOrdinaryUser([this] { return Section(Check().out, "Folders"); }),
+                    "PlayListPath      read-only"));
 }
 
 TEST_F(CheckCommand, ChangesNothing) {
@@ -225,14 +130,26 @@ TEST_F(CheckCommand, ChangesNothing) {
             paths.push_back(entry.path());
         std::ranges::sort(paths);
         for (const fs::path& path : paths) {
-            text += path.string() + '\n';
+            text += path.string() + ' ' +
+                    std::to_string(fs::last_write_time(path).time_since_epoch().count()) + '\n';
             if (fs::is_regular_file(path)) text += Read(fs::relative(path, Folder()).string());
         }
         return text;
     };
+    Write("shelf/jukebox.mdb.journal", "left");
+    Write("shelf/jukebox.mdb.marks", "left");
+    Write("shelf/jukebox.ldb", std::string(64, ' '));
     const std::string before = state();
-    Check();
-    EXPECT_EQ(state(), before);
+    for (const char* const mode :
+         {"Reconcile", "AddFiles", "ID3Write", "ID3Update", "AlbumPicker", "PlaToM3u"}) {
+        const std::string settings = Read("shelf/Quillon.ini");
+        const auto time = fs::last_write_time(Path("shelf/Quillon.ini"));
+        Set(mode, "1");
+        Check();
+        Write("shelf/Quillon.ini", settings);
+        fs::last_write_time(Path("shelf/Quillon.ini"), time);
+        EXPECT_EQ(state(), before) << mode;
+    }
 }
 
 TEST_F(CheckCommand, RefusesAFolderThatIsNoHostFolder) {

@@ -88,5 +88,22 @@ TEST(TablePrinter, PrintsRowsOfALongResultAsTheyCome) {
     EXPECT_TRUE(out.str().ends_with("\n9999\n(10000 rows)\n"));
 }
 
+TEST(TablePrinter, KeepsColumnsBesideALongTextWhenToldTo) {
+    std::ostringstream out;
+    TablePrinter table(out, {"Key", "Value", "Source", "Remark"},
+                       {.indent = 2, .widestColumn = 6, .countsRows = false, .breaksLines = true});
+    table.AddRow({Text("A"), Text("1"), Text("file"), Text("")});
+    table.AddRow({Text("B"), Text("D:\\Music"), Text("file"), Text("odd")});
+    table.AddRow({Text("C"), Text("D:\\Music"), Text(""), Text("")});
+    table.Finish();
+    EXPECT_EQ(out.str(),
+              "  Key  Value   Source  Remark\n"
+              "  ---  ------  ------  ------\n"
+              "  A    1       file\n"
+              "  B    D:\\Music\n"
+              "               file    odd\n"
+              "  C    D:\\Music\n");
+}
+
 }  // namespace
 }  // namespace quillon

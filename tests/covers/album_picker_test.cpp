@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "tests/covers/picker_fixture.h"
+#include "tests/support/progress_watch.h"
 
 namespace quillon {
 namespace {
@@ -291,6 +292,18 @@ TEST_F(KilledPickerTest, ASetThatWasReplacedButNotDeletedIsClearedAway) {
     databases.refuses = true;
     Build();
     ExpectOldSet();
+}
+
+TEST_F(PickerFixture, TellsHowManyCoversAndThenHowManyAlbumsAreDone) {
+    AddAlbum({.cdjid = "A", .artist = "Ann", .title = "One", .image = R"(D:\Covers\a.jpg)"});
+    AddAlbum({.cdjid = "B", .artist = "Bob", .title = "Two", .image = R"(D:\Covers\b.jpg)"});
+    AddAlbum({.cdjid = "C", .artist = "Cid", .title = "Three"});
+    files.AddFile(R"(D:\Covers\a.jpg)");
+    files.AddFile(R"(D:\Covers\b.jpg)");
+    fakes::ProgressWatch watch(world.window);
+    Build();
+    watch.Note(run.form.progress);
+    EXPECT_EQ(watch.Seen(), "- 0/2 1/2 0/3 1/3 2/3 3/3");
 }
 
 }  // namespace

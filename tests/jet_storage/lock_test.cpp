@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include "jet/error.h"
+#include "jet/lock.h"
 #include "jet/storage/database_file.h"
 #include "jet/storage/posix.h"
 #include "tests/jet_storage/schemas.h"
@@ -41,6 +42,8 @@ class Locks : public testing::Test {
             const std::string what = error.what();
             EXPECT_NE(what.find(words), std::string::npos) << what;
             EXPECT_NE(what.find(path_.string()), std::string::npos) << what;
+            EXPECT_EQ(LookAtLock(path_).kind, LockState::Kind::InUse);
+            EXPECT_EQ(LookAtLock(path_).objection, what);
         }
     }
 
@@ -105,6 +108,17 @@ TEST_F(Locks, HeldByAnotherProcessNameItsMachines) {
     ASSERT_EQ(fcntl(other.Number(), F_OFD_SETLK, &range), 0);
     ExpectInUse("is in use by STUDIO");
     EXPECT_EQ(ReadFile(lock_), Entry("STUDIO", "Admin"));
+}
+
+TEST_F(Locks, AreLookedAtWithoutBeingTouched) {
+    EXPECT_EQ(LookAtLock(path_).kind, LockState::Kind::Free);
+    EXPECT_FALSE(std::filesystem::exists(lock_));
+    WriteFile(lock_, "");
+    EXPECT_EQ(LookAtLock(path_).kind, LockState::Kind::Free);
+    WriteFile(lock_, Entry(ThisMachine(), "Quillon"));
+    EXPECT_EQ(LookAtLock(path_).kind, LockState::Kind::LeftBehind);
+    EXPECT_EQ(LookAtLock(path_).objection, "");
+    EXPECT_EQ(ReadFile(lock_), Entry(ThisMachine(), "Quillon"));
 }
 
 TEST_F(Locks, AreNotLeftBehindByAFileThatCannotBeOpened) {

@@ -10,7 +10,7 @@ namespace outside {
 namespace fs = std::filesystem;
 
 TemporaryFolder::TemporaryFolder() {
-    std::string pattern = fs::temp_directory_path() / "quillon-test-XXXXXX";
+    std::string pattern = fs::temp_directory_path() / "quillon-XXXXXX";
     if (::mkdtemp(pattern.data()) == nullptr)
         throw std::system_error(errno, std::generic_category(), pattern);
     path_ = pattern;

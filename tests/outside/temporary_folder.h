@@ -4,8 +4,8 @@
 
 namespace outside {
 
-/// An empty folder of a test's own; removed with all it holds, even where a test has taken away
-/// permissions.
+/// An empty folder of a test's or measurement's own; removed with all it holds, even where
+/// permissions have been taken away.
 class TemporaryFolder {
   public:
     TemporaryFolder();

@@ -9,7 +9,10 @@
 namespace quillon {
 namespace {
 
+using ::testing::AllOf;
 using ::testing::ElementsAre;
+using ::testing::EndsWith;
+using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::StartsWith;
 
@@ -149,12 +152,15 @@ TEST_F(MakeRemoteTest, EndsAtAFailureAndKeepsWhatIsWritten) {
     EXPECT_THAT(Sounds(),
                 ElementsAre(R"(\\nas\music\a.mp3)", StartsWith(R"(D:\xxx)"), R"(D:\c.mp3)"));
     EXPECT_THAT(Lists(), ElementsAre(R"(pla|D:\Lists\)"));
-    EXPECT_THAT(library.host.log, ElementsAre(StartsWith("Quillon: MakeRemote Line 2 ")));
+    EXPECT_THAT(library.host.log,
+                ElementsAre(AllOf(StartsWith("Quillon: MakeRemote Line 2 "), HasSubstr("SoundFile"),
+                                  EndsWith(R"( (D:\)" + std::string(252, 'x') + ")"))));
     EXPECT_EQ(library.window.last.aError, "MakeRemote");
 }
 
 TEST_F(MakeRemoteTest, LogsAQueryThatIsRefusedAndEnds) {
     library.Database().Refuse("SELECT FilePath FROM Playlists WHERE Playlists.Type =\"pla\"");
+    AddSound(R"(D:\a.mp3)");  // has nothing to do with it
     AddPlaylist("m3u", R"(D:\Lists\)");
     MakeRemote(library.run);
     EXPECT_THAT(Lists(), ElementsAre(R"(m3u|D:\Lists\)"));

@@ -1,0 +1,150 @@
+#include "app/checks/backup_check.h"
+
+#include <array>
+#include <cstdint>
+#include <filesystem>
+#include <fmt/format.h>
+#include <map>
+#include <optional>
+#include <ostream>
+#include <string>
+#include <string_view>
+#include <sys/stat.h>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include "app/checks/writable.h"
+#include "app/table_printer.h"
+#include "platform/failure.h"
+
+namespace quillon {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// "17 bytes", "184 KB", "1.2 GB"
+std::string SizeText(std::uintmax_t bytes) {
+    constexpr std::array<std::string_view, 5> Units{"KB", "MB", "GB", "TB", "PB"};
+    constexpr double Step = 1024;
+    if (bytes < 1024) return fmt::format("{} bytes", bytes);
+    double size = static_cast<double>(bytes) / Step;
+    std::size_t unit = 0;
+    for (; size >= Step && unit + 1 < Units.size(); ++unit)
+        size /= Step;
+    return fmt::format("{:.{}f} {}", size, size < 10 ? 1 : 0, Units[unit]);
+}
+
+/// What all files in a folder, or the one file, take; what cannot be looked at does not count.
+std::uintmax_t SizeOf(const fs::path& path) {
+    std::error_code error;
+    if (!fs::is_directory(path, error)) {
+        const std::uintmax_t size = fs::file_size(path, error);
+        return error ? 0 : size;
+    }
+    std::uintmax_t sum = 0;
+    for (auto entry = fs::recursive_directory_iterator(path, error);
+         entry != fs::recursive_directory_iterator(); entry.increment(error)) {
+        std::error_code ignored;
+        const std::uintmax_t size = entry->is_regular_file(ignored) ? entry->file_size(ignored) : 0;
+        if (!ignored) sum += size;
+    }
+    return sum;
+}
+
+/// What the copies need on one file system.
+struct Demand {
+    fs::path folder;
+    std::uintmax_t bytes = 0;
+};
+
+class Backups {
+  public:
+    Backups(PathResolver& resolver, Findings& findings)
+        : resolver_(resolver), findings_(findings) {}
+
+    /// Adds an original to the plan; how it stands.
+    std::string Add(const std::string& original, bool isFolder) {
+        if (original.empty() || original == "\\") return "not set";
+        const std::optional<fs::path> local = Local(original);
+        std::error_code ignored;
+        const bool exists = local && (isFolder ? fs::is_directory(*local, ignored)
+                                               : fs::is_regular_file(*local, ignored));
+        if (!exists) return "does not exist";
+        const std::uintmax_t size = SizeOf(*local);
+        CheckPlace(original, local->parent_path(), size);
+        return SizeText(size);
+    }
+
+    void CheckRoom() {
+        for (const auto& [device, demand] : demands_) {
+            std::error_code error;
+            const fs::space_info space = fs::space(demand.folder, error);
+            if (error || space.available >= demand.bytes) continue;
+            findings_.Caution(fmt::format(
+                "The backups need {} and {} has {} left: the run would go on without them. Free "
+                "some space, old copies for instance",
+                SizeText(demand.bytes), demand.folder.string(), SizeText(space.available)));
+        }
+    }
+
+  private:
+    std::optional<fs::path> Local(std::string_view original) try {
+        fs::path local = resolver_.Local(original);
+        return local.has_filename() ? local : local.parent_path();
+    } catch (const Failure&) {
+        return std::nullopt;
+    }
+
+    void CheckPlace(const std::string& original, const fs::path& parent, std::uintmax_t size) {
+        if (!IsWritable(parent)) {
+            findings_.Caution(fmt::format(
+                "{} cannot be backed up, because this account may not write to {}: the run would "
+                "go on without. Give it the right to",
+                original, parent.string()));
+        }
+        struct stat facts{};
+        if (stat(parent.c_str(), &facts) != 0) return;
+        Demand& demand = demands_[facts.st_dev];
+        demand.folder = parent;
+        demand.bytes += size;
+    }
+
+    PathResolver& resolver_;
+    Findings& findings_;
+    std::map<dev_t, Demand> demands_;  ///< by file system
+};
+
+}  // namespace
+
+void CheckBackups(PathResolver& resolver, const BackupPlan& plan, const Settings& settings,
+                  std::ostream& out, Findings& findings) {
+    struct Original {
+        bool isWanted;
+        const std::string& path;
+        bool isFolder;
+    };
+    const std::array<Original, 3> originals{{{plan.database, settings.Nirvis_CDJ_DB, false},
+                                             {plan.playListPath, settings.PlayListPath, true},
+                                             {plan.playListPath2, settings.PlayListPath2, true}}};
+    Backups backups(resolver, findings);
+    std::vector<std::vector<TableCell>> rows;
+    for (const Original& original : originals) {
+        if (!original.isWanted) continue;
+        const bool isSet = !original.path.empty() && original.path != "\\";
+        rows.push_back(
+            {{backups.Add(original.path, original.isFolder)}, {isSet ? original.path : "(empty)"}});
+    }
+    if (rows.empty()) {
+        out << "  Without backups\n";
+        return;
+    }
+    out << "  Backups of\n";
+    TablePrinter table(out, {"Size", "Original"}, {.indent = 4, .countsRows = false});
+    for (std::vector<TableCell>& row : rows)
+        table.AddRow(std::move(row));
+    table.Finish();
+    backups.CheckRoom();
+}
+
+}  // namespace quillon

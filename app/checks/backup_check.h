@@ -1,0 +1,16 @@
+#pragma once
+
+#include <iosfwd>
+
+#include "app/checks/findings.h"
+#include "driver/modes.h"
+#include "platform/portable/path_resolver.h"
+#include "run/settings.h"
+
+namespace quillon {
+
+/// Tells of what a run would make dated copies first, and whether they have room.
+void CheckBackups(PathResolver& resolver, const BackupPlan& plan, const Settings& settings,
+                  std::ostream& out, Findings& findings);
+
+}  // namespace quillon

@@ -1,0 +1,36 @@
+#include "app/checks/leftovers_check.h"
+
+#include <array>
+#include <fmt/format.h>
+#include <string_view>
+#include <system_error>
+
+namespace quillon {
+namespace {
+
+struct Leftover {
+    std::string_view ending;
+    std::string_view effect;
+};
+
+constexpr std::array Leftovers{
+    Leftover{".journal", "the next run completes the database with it"},
+    Leftover{".marks", "the next run gives back the track numbers that were set aside"},
+    Leftover{".playlists", "the next reconciliation takes from it which songs the playlists named"},
+};
+
+}  // namespace
+
+void CheckLeftovers(const std::filesystem::path& database, Findings& findings) {
+    for (const Leftover& leftover : Leftovers) {
+        std::filesystem::path path = database;
+        path += leftover.ending;
+        std::error_code ignored;
+        if (!std::filesystem::exists(path, ignored)) continue;
+        findings.Caution(
+            fmt::format("A run was interrupted and has left {}: {}. Leave it beside the database",
+                        path.string(), leftover.effect));
+    }
+}
+
+}  // namespace quillon

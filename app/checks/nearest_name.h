@@ -1,0 +1,12 @@
+#pragma once
+
+#include <span>
+#include <string_view>
+
+namespace quillon {
+
+/// The name that a misspelt one is most likely meant to be: one that few letters tell from it,
+/// letter case not counting. Empty when none is near.
+std::string_view NearestName(std::string_view misspelt, std::span<const std::string_view> names);
+
+}  // namespace quillon

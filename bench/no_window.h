@@ -1,0 +1,17 @@
+#pragma once
+
+#include "platform/window.h"
+
+namespace quillon::bench {
+
+/// Nobody watches.
+class NoWindow : public Window {
+  public:
+    void Show(const FormState&) override {}
+    void ProcessEvents(const FormState&) override {}
+    void LogWritten(LogKind, std::string_view, std::string_view) override {}
+    bool AbortPressed() const override { return false; }
+    void Unload() override {}
+};
+
+}  // namespace quillon::bench

@@ -1,0 +1,144 @@
+#include <array>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include "jet/database.h"
+#include "tests/app/check_fixture.h"
+
+namespace quillon {
+namespace {
+
+namespace fs = std::filesystem;
+
+class CheckDatabase : public CheckFixture {
+  protected:
+    std::string Told() const { return Section(Check().out, "Database"); }
+
+    static std::string LockEntry(std::string machine, std::string user) {
+        machine.resize(32, ' ');
+        user.resize(32, ' ');
+        return machine + user;
+    }
+    static std::string ThisMachine() {
+        std::array<char, 256> name{};
+        gethostname(name.data(), name.size() - 1);
+        return name.data();
+    }
+    void Replace(const std::vector<jet::TableDefinition>& tables) const {
+        fs::remove(Path("shelf/jukebox.mdb"));
+        jet::Database::Create(Path("shelf/jukebox.mdb"), tables);
+    }
+};
+
+TEST_F(CheckDatabase, TellsEveryTableThatIsNeeded) {
+    Execute("INSERT INTO Albums (CDJID, Title, Artist, Player) VALUES ('1', 'T', 'A', 1001)");
+    Execute(
+        "INSERT INTO Tracks (CDJID, Track, SoundFile) VALUES ('1', 1, 'D:\\Music\\A\\T\\x.mp3')");
+    Execute("INSERT INTO Tracks (CDJID, Track, SoundFile) VALUES ('1', 2, 'E:\\x.mp3')");
+    EXPECT_EQ(Told(), "  H:\\jukebox.mdb\n  " + Path("shelf/jukebox.mdb").string() +
+                          "\n"
+                          "  Table                  Rows  Fields\n"
+                          "  ---------------------  ----  ---------\n"
+                          "  Albums                    1  all there\n"
+                          "  Tracks                    2  all there\n"
+                          "  Playlists                 0  all there\n"
+                          "  Spinner                   0  all there\n"
+                          "  SpinnerArtist             0  all there\n"
+                          "  SpinnerGenre            148  all there\n"
+                          "  SpinnerID3Differences     0  all there\n"
+                          "  2 of the tracks are the library's own, 1 of them name a file below "
+                          "LibraryRoot");
+}
+
+TEST_F(CheckDatabase, NamesTablesAndFieldsThatItLacks) {
+    Replace({{"albums", {{.name = "CDJID", .type = jet::ColumnType::Text, .size = 20}}, {}},
+             {"Wishes", {{.name = "ID", .type = jet::ColumnType::Long}}, {}},
+             {"Notes", {{.name = "ID", .type = jet::ColumnType::Long}}, {}}});
+    EXPECT_EQ(Check().status, 2);
+    const std::string told = Told();
+    EXPECT_TRUE(Has(told, "\n  Albums                    0  no field ID, no field Title")) << told;
+    EXPECT_TRUE(Has(told, "\n  Tracks                    -  the table is missing\n")) << told;
+    EXPECT_TRUE(told.ends_with("\n  Other tables: Notes, Wishes")) << told;
+    const std::string problems = Problems();
+    EXPECT_TRUE(Has(problems, "Table Albums has no field Title; ")) << problems;
+    EXPECT_TRUE(Has(problems, "; The database has no table Tracks; ")) << problems;
+    EXPECT_TRUE(Has(problems, "The database has no table SpinnerGenre")) << problems;
+    EXPECT_TRUE(Has(problems, "Name the jukebox's own database in Nirvis_CDJ_DB")) << problems;
+}
+
+TEST_F(CheckDatabase, IsAProblemWhenItIsNotThereOrNoDatabase) {
+    Set("Nirvis_CDJ_DB", "");
+    EXPECT_TRUE(Has(Problems(), "Setting Nirvis_CDJ_DB is empty"));
+    EXPECT_TRUE(Has(Check().out, "\nDatabase\n  none\n"));
+    Set("Nirvis_CDJ_DB", "H:\\nowhere.mdb");
+    EXPECT_TRUE(Has(Problems(), "nowhere.mdb is not there. Correct Nirvis_CDJ_DB"));
+    Set("Nirvis_CDJ_DB", "Q:\\jukebox.mdb");
+    EXPECT_TRUE(Has(Problems(), "The database cannot be found: Path not found: Q:\\jukebox.mdb"));
+    Set("Nirvis_CDJ_DB", "H:\\Quillon.ini");
+    EXPECT_TRUE(Has(Problems(), "Name the jukebox's database in Nirvis_CDJ_DB"));
+    EXPECT_EQ(Check().status, 2);
+}
+
+TEST_F(CheckDatabase, IsAProblemWhenItIsDamaged) {
+    fs::resize_file(Path("shelf/jukebox.mdb"), 40960);
+    EXPECT_EQ(Check().status, 2);
+    EXPECT_TRUE(Has(Problems(), "Put a backup in its place")) << Problems();
+    EXPECT_TRUE(Told().ends_with("  cannot be used")) << Told();
+}
+
+TEST_F(CheckDatabase, RefusesAGenreNumberThatWouldStopTheStartUp) {
+    Execute("INSERT INTO SpinnerGenre (GenreID, Genre) VALUES (256, 'Too much')");
+    EXPECT_EQ(Check().status, 2);
+    EXPECT_TRUE(Has(Problems(), "Table SpinnerGenre has a row with a GenreID"));
+    EXPECT_TRUE(Has(Problems(), "DELETE * FROM SpinnerGenre WHERE"));
+}
+
+TEST_F(CheckDatabase, WarnsWhenItKnowsTheMusicByOtherPaths) {
+    Execute("INSERT INTO Albums (CDJID, Title, Artist, Player) VALUES ('1', 'T', 'A', 1001)");
+    Execute("INSERT INTO Tracks (CDJID, Track, SoundFile) VALUES ('1', 1, 'E:\\Old\\A\\T\\x.mp3')");
+    EXPECT_TRUE(Has(Cautions(), "would remove"));
+    Execute("UPDATE Tracks SET SoundFile='d:\\MUSIC\\A\\T\\x.mp3'");
+    EXPECT_EQ(Cautions(), "");
+}
+
+TEST_F(CheckDatabase, SeesThatItIsOpenElsewhere) {
+    Write("shelf/jukebox.ldb", LockEntry("JUKEBOX-PC", "Admin"));
+    EXPECT_EQ(Check().status, 2);
+    EXPECT_TRUE(Has(Problems(),
+                    "seems to be in use by JUKEBOX-PC. If no program has it open, "
+                    "delete " +
+                        Path("shelf/jukebox.ldb").string()));
+    // Another computer's locks cannot be seen from here.
+    Write("shelf/jukebox.ldb", LockEntry("ANOTHER-PC", "Quillon"));
+    EXPECT_EQ(Check().status, 2);
+}
+
+TEST_F(CheckDatabase, SeesThatARunIsUnderWay) {
+    const jet::Database open =
+        jet::Database::Open(Path("shelf/jukebox.mdb"), jet::OpenMode::ReadWrite);
+    EXPECT_EQ(Check().status, 2);
+    EXPECT_TRUE(Has(Problems(), "is in use by ")) << Problems();
+}
+
+TEST_F(CheckDatabase, SeesThatARunWasCutOff) {
+    Write("shelf/jukebox.ldb", LockEntry(ThisMachine(), "Quillon"));
+    EXPECT_EQ(Check().status, 0) << "a run takes over what a killed run has left";
+    EXPECT_TRUE(Has(Cautions(), "A run was cut off"));
+    Write("shelf/jukebox.ldb", "");
+    EXPECT_EQ(Cautions(), "");
+}
+
+TEST_F(CheckDatabase, TellsWhatTheNextRunDoesAboutLeftovers) {
+    const std::string database = Path("shelf/jukebox.mdb").string();
+    for (const char* const ending : {".journal", ".marks", ".playlists"})
+        Write("shelf/jukebox.mdb" + std::string(ending), "left");
+    EXPECT_EQ(Check().status, 0);
+    const std::string cautions = Cautions();
+    EXPECT_TRUE(Has(cautions, database + ".journal: the next run completes the database"));
+    EXPECT_TRUE(Has(cautions, database + ".marks: the next run gives back the track numbers"));
+    EXPECT_TRUE(Has(cautions, database + ".playlists: the next reconciliation takes from it"));
+}
+
+}  // namespace
+}  // namespace quillon

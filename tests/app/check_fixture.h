@@ -1,0 +1,58 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "tests/app/temporary_folder.h"
+
+namespace quillon {
+
+/// A host folder as `init` makes it, to be spoiled and checked.
+class CheckFixture : public TemporaryFolder {
+  protected:
+    CheckFixture() {
+        MakeFolder("Music");
+        CallProgram({"init", Path("shelf"), "--music", Path("Music")});
+    }
+    ProgramResult Check() const { return CallProgram({"check", "--host", Path("shelf")}); }
+
+    /// Puts a value in the place of the one that init wrote.
+    void Set(const std::string& key, const std::string& value) const {
+        std::string settings = Read("shelf/Quillon.ini");
+        const std::size_t start = settings.find("\n" + key + "=") + key.size() + 2;
+        settings.replace(start, settings.find('\n', start) - start, value);
+        Write("shelf/Quillon.ini", settings);
+    }
+    /// Switches on this mode alone.
+    void Choose(const std::string& mode) const {
+        Set("Reconcile", "0");
+        Set(mode, "1");
+    }
+    void Execute(const std::string& sql) const {
+        const ProgramResult result = CallProgram({"db", "exec", Path("shelf/jukebox.mdb"), sql});
+        ASSERT_EQ(result.status, 0) << result.err;
+    }
+
+    /// What stands behind a heading, up to the next blank line.
+    static std::string Section(const std::string& out, const std::string& heading) {
+        const std::size_t start = out.find("\n" + heading + "\n");
+        if (start == std::string::npos) return "";
+        const std::size_t lines = start + heading.size() + 2;
+        return out.substr(lines, out.find("\n\n", lines) - lines);
+    }
+    /// The findings of that title, each on one line.
+    static std::string Findings(const ProgramResult& result, const std::string& title) {
+        std::string text = Section(result.out, title);
+        for (std::size_t at = 0; (at = text.find("\n    ", at)) != std::string::npos;)
+            text.replace(at, 5, " ");
+        return text;
+    }
+    std::string Problems() const { return Findings(Check(), "Problems"); }
+    std::string Cautions() const { return Findings(Check(), "Worth a look"); }
+
+    static bool Has(std::string_view text, std::string_view part) {
+        return text.find(part) != std::string_view::npos;
+    }
+};
+
+}  // namespace quillon

@@ -1,0 +1,136 @@
+#include <filesystem>
+#include <gtest/gtest.h>
+
+#include "tests/app/check_fixture.h"
+
+namespace quillon {
+namespace {
+
+namespace fs = std::filesystem;
+
+class CheckFolders : public CheckFixture {
+  protected:
+    std::string Table() const { return Section(Check().out, "Folders"); }
+};
+
+TEST_F(CheckFolders, TellsHowEachOneStands) {
+    Set("LibraryRoot", "D:\\Nowhere");
+    Set("AlbumCoverFolder", "Q:\\Covers");
+    Set("PlayListPath2", "H:\\Quillon.ini");
+    fs::remove(Path("shelf/Data"));
+    EXPECT_EQ(Table(),
+              "  Folder            State             Path\n"
+              "  ----------------  ----------------  ---------------\n"
+              "  LibraryRoot       not there         D:\\Nowhere\n"
+              "  FromFilesPath     not set           (empty)\n"
+              "  PlayListPath      there             H:\\Playlists\\\n"
+              "  PlayListPath2     no folder         H:\\Quillon.ini\\\n"
+              "  AlbumCoverFolder  no drive          Q:\\Covers\\\n"
+              "  Data              made when needed  H:\\Data\n"
+              "  HTML              there             H:\\HTML");
+}
+
+TEST_F(CheckFolders, ReportsThoseThatAReconciliationCanDoWithout) {
+    fs::remove(Path("shelf/Covers"));
+    fs::remove(Path("shelf/Data"));
+    Set("PlayListPath", "Q:\\Lists");
+    EXPECT_EQ(Check().status, 0);
+    const std::string cautions = Cautions();
+    EXPECT_TRUE(Has(cautions, "Folder AlbumCoverFolder (H:\\Covers\\) is not there. Make it"));
+    EXPECT_TRUE(Has(cautions, "Folder PlayListPath (Q:\\Lists\\) is no path below a drive"));
+    EXPECT_FALSE(Has(cautions, "Data"));
+    Set("PlayListPath", "");
+    EXPECT_TRUE(Has(Cautions(), "Folder PlayListPath is not set: no playlist can be kept or made"));
+}
+
+TEST_F(CheckFolders, AReconciliationNeedsTheMusic) {
+    Set("LibraryRoot", "D:\\Nowhere");
+    EXPECT_TRUE(Has(Problems(), "Folder LibraryRoot (D:\\Nowhere) is not there"));
+    Set("LibraryRoot", "");
+    EXPECT_TRUE(Has(Problems(), "Folder LibraryRoot is not set, and the run needs it"));
+    EXPECT_EQ(Check().status, 2);
+}
+
+TEST_F(CheckFolders, APlaylistsOnlyRunNeedsThePlaylistsAndNoMusic) {
+    Set("PlaylistsOnly", "1");
+    Set("LibraryRoot", "D:\\Nowhere");
+    EXPECT_EQ(Check().status, 0);
+    EXPECT_EQ(Cautions(), "");
+    fs::remove(Path("shelf/Playlists"));
+    EXPECT_TRUE(Has(Problems(), "Folder PlayListPath (H:\\Playlists\\) is not there"));
+}
+
+TEST_F(CheckFolders, AddingFilesNeedsWhereTheyComeFromAndWhereTheyGo) {
+    Choose("AddFiles");
+    EXPECT_TRUE(Has(Problems(), "Folder FromFilesPath is not set, and the run needs it"));
+    MakeFolder("New");
+    Set("FromFilesPath", "D:\\New");
+    EXPECT_EQ(Check().status, 0) << Check().out;
+    Set("LibraryRoot", "D:\\Nowhere");
+    EXPECT_TRUE(Has(Problems(), "Folder LibraryRoot (D:\\Nowhere) is not there"));
+}
+
+TEST_F(CheckFolders, ConvertingPlaylistsNeedsBothFolders) {
+    Choose("PlaToM3u");
+    Set("LibraryRoot", "");
+    EXPECT_EQ(Check().status, 0);
+    fs::remove(Path("shelf/M3u"));
+    EXPECT_TRUE(Has(Problems(), "Folder PlayListPath2 (H:\\M3u\\) is not there"));
+    Set("PlayListPath", "");
+    EXPECT_TRUE(Has(Problems(), "Folder PlayListPath is not set, and the run needs it"));
+}
+
+TEST_F(CheckFolders, TheAlbumPickerMakesItsFoldersAndNeedsNoMusic) {
+    Choose("AlbumPicker");
+    Set("LibraryRoot", "");
+    fs::remove(Path("shelf/HTML"));
+    EXPECT_EQ(Check().status, 0);
+    EXPECT_EQ(Cautions(), "");
+    Write("shelf/HTML", "a file");
+    EXPECT_TRUE(Has(Problems(), "Folder HTML (H:\\HTML) is not there: what has this name"));
+}
+
+TEST_F(CheckFolders, FindsASourceOfNewMusicThatOverlapsTheLibrary) {
+    MakeFolder("Music/New");
+    Set("FromFilesPath", "D:\\music\\new");
+    EXPECT_TRUE(Has(Cautions(), "FromFilesPath (D:\\music\\new) lies in the library (D:\\Music)"));
+    EXPECT_EQ(Check().status, 0);
+    Choose("AddFiles");
+    EXPECT_TRUE(Has(Problems(), "lies in the library"));
+    Set("FromFilesPath", "D:\\Music\\");
+    EXPECT_TRUE(Has(Problems(), "FromFilesPath (D:\\Music\\) is the library itself"));
+    Set("FromFilesPath", "D:\\");
+    EXPECT_TRUE(Has(Problems(), "FromFilesPath (D:\\) holds the library (D:\\Music)"));
+    EXPECT_EQ(Check().status, 2);
+}
+
+TEST_F(CheckFolders, FindsPlaylistFoldersThatAreTheSame) {
+    Set("PlayListPath2", "Z:" + Path("shelf/Playlists").string());
+    EXPECT_TRUE(Has(Cautions(), "PlayListPath and PlayListPath2 are the same folder"));
+    EXPECT_EQ(Check().status, 0);
+}
+
+TEST_F(CheckFolders, FindsPlaylistFoldersWithinTheLibrary) {
+    MakeFolder("Music/Lists");
+    Set("PlayListPath", "D:\\Music\\Lists");
+    EXPECT_TRUE(Has(Cautions(), "PlayListPath (D:\\Music\\Lists\\) lies in the library"));
+    Set("PlayListPath", "H:\\Playlists");
+    Set("PlayListPath2", "D:\\Music");
+    EXPECT_TRUE(Has(Cautions(), "PlayListPath2 (D:\\Music\\) lies in the library"));
+}
+
+TEST_F(CheckFolders, FindsFilesThatWouldBeTakenForPlaylists) {
+    Write("shelf/Playlists/Mine.PLA", "header\r\n");
+    EXPECT_EQ(Cautions(), "");
+    Write("shelf/Playlists/notes.txt", "x");
+    EXPECT_TRUE(Has(Cautions(),
+                    "PlayListPath (H:\\Playlists\\) holds a file that is no .pla "
+                    "playlist, notes.txt: each file there is taken for a playlist"));
+    Write("shelf/Playlists/todo.txt", "x");
+    EXPECT_TRUE(Has(Cautions(), "holds 2 files that are no .pla playlist, notes.txt for one"));
+    Choose("PlaToM3u");
+    EXPECT_EQ(Cautions(), "") << "only a reconciliation changes them";
+}
+
+}  // namespace
+}  // namespace quillon
