@@ -29,7 +29,7 @@ ReconcileStage::ReconcileStage(std::string program, std::size_t tracks, FileName
     std::ofstream(folder_.Path() / "host.ini") << "[Plugins]\nQuillon=1\n[Drives]\nD=disk\n";
     std::ofstream(folder_.Path() / "Quillon.ini")
         << "[NPFrame]\nLibraryRoot=D:\\Music\nNirvis_CDJ_DB=D:\\Data\\jukebox.mdb\n"
-           "Reconcile=1\nID3Reconcile="
+           "Reconcile=1\nArtistPlaylist=0\nGenrePlaylist=0\nID3Reconcile="
         << (names == FileNames::ByArtist ? "1\n" : "0\n");
     RunWell({program_, "db", "create", (Data() / "jukebox.mdb").string()});
 }
