@@ -1,12 +1,18 @@
 #include "bench/child_process.h"
 
+#include <array>
 #include <chrono>
+#include <cstdlib>
 #include <fcntl.h>
+#include <optional>
 #include <spawn.h>
 #include <stdexcept>
 #include <string>
+#include <sys/ioctl.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
+#include <termios.h>
+#include <thread>
 #include <unistd.h>
 
 namespace quillon::bench {
@@ -17,27 +23,96 @@ double Seconds(const timeval& time) {
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) * Microsecond;
 }
 
+/// A terminal that shows what is written on it to nobody.
+class BlindTerminal {
+  public:
+    BlindTerminal() : master_(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC)) {
+        if (master_ < 0 || grantpt(master_) != 0 || unlockpt(master_) != 0)
+            throw std::runtime_error("no terminal can be opened");
+        const winsize size{.ws_row = 24, .ws_col = 80, .ws_xpixel = 0, .ws_ypixel = 0};
+        ioctl(master_, TIOCSWINSZ, &size);
+        name_ = ptsname(master_);
+        // Kept open, so that reading does not end before the program has opened it.
+        slave_ = open(name_.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+        reader_ = std::thread([this] { Drain(); });
+    }
+    BlindTerminal(const BlindTerminal&) = delete;
+    BlindTerminal& operator=(const BlindTerminal&) = delete;
+    ~BlindTerminal() {
+        close(slave_);
+        reader_.join();
+        close(master_);
+    }
+
+    const std::string& Name() const { return name_; }
+
+  private:
+    void Drain() const {
+        std::array<char, 65536> buffer{};
+        while (read(master_, buffer.data(), buffer.size()) > 0) {
+        }
+    }
+
+    int master_;
+    int slave_ = -1;
+    std::string name_;
+    std::thread reader_;
+};
+
+/// What `posix_spawn` is told besides the command.
+class SpawnPlan {
+  public:
+    explicit SpawnPlan(const Surroundings& surroundings) {
+        posix_spawn_file_actions_init(&actions_);
+        posix_spawnattr_init(&attributes_);
+        if (surroundings.terminal) {
+            // The leader of a new session gets the first terminal it opens as its own.
+            posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSID);
+            terminal_.emplace();
+        }
+        const std::string device = terminal_ ? terminal_->Name() : "/dev/null";
+        for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO})
+            posix_spawn_file_actions_addopen(&actions_, descriptor, device.c_str(), O_RDWR, 0);
+
+        // Of two values of one name the first counts.
+        for (const std::string& variable : surroundings.environment)
+            environment_.push_back(const_cast<char*>(variable.c_str()));
+        for (char** variable = environ; *variable != nullptr; ++variable)
+            environment_.push_back(*variable);
+        environment_.push_back(nullptr);
+    }
+    SpawnPlan(const SpawnPlan&) = delete;
+    SpawnPlan& operator=(const SpawnPlan&) = delete;
+    ~SpawnPlan() {
+        posix_spawn_file_actions_destroy(&actions_);
+        posix_spawnattr_destroy(&attributes_);
+    }
+
+    pid_t Start(const std::vector<std::string>& command) {
+        std::vector<char*> arguments;
+        for (const std::string& word : command)
+            arguments.push_back(const_cast<char*>(word.c_str()));
+        arguments.push_back(nullptr);
+        pid_t child = 0;
+        if (posix_spawn(&child, arguments[0], &actions_, &attributes_, arguments.data(),
+                        environment_.data()) != 0)
+            throw std::runtime_error("cannot start " + command[0]);
+        return child;
+    }
+
+  private:
+    posix_spawn_file_actions_t actions_{};
+    posix_spawnattr_t attributes_{};
+    std::optional<BlindTerminal> terminal_;
+    std::vector<char*> environment_;
+};
+
 }  // namespace
 
-Usage RunProcess(const std::vector<std::string>& command) {
-    std::vector<std::string> words = command;
-    std::vector<char*> arguments;
-    arguments.reserve(words.size() + 1);
-    for (std::string& word : words)
-        arguments.push_back(word.data());
-    arguments.push_back(nullptr);
-
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+Usage RunProcess(const std::vector<std::string>& command, const Surroundings& surroundings) {
+    SpawnPlan plan(surroundings);
     const auto start = std::chrono::steady_clock::now();
-    pid_t child = 0;
-    const int failure =
-        posix_spawn(&child, arguments[0], &actions, nullptr, arguments.data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
-    if (failure != 0) throw std::runtime_error("cannot start " + command[0]);
-
+    const pid_t child = plan.Start(command);
     int status = 0;
     rusage used{};
     if (wait4(child, &status, 0, &used) != child) throw std::runtime_error("lost a process");
@@ -49,8 +124,8 @@ Usage RunProcess(const std::vector<std::string>& command) {
             .exitStatus = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status)};
 }
 
-Usage RunToSuccess(const std::vector<std::string>& command) {
-    const Usage used = RunProcess(command);
+Usage RunToSuccess(const std::vector<std::string>& command, const Surroundings& surroundings) {
+    const Usage used = RunProcess(command, surroundings);
     if (used.exitStatus == 0) return used;
     throw std::runtime_error(command.at(0) + ' ' + command.at(1) + " ends with " +
                              std::to_string(used.exitStatus));

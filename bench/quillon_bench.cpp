@@ -7,9 +7,7 @@
 #include <chrono>
 #include <cmath>
 #include <cstddef>
-#include <filesystem>
 #include <fmt/format.h>
-#include <fstream>
 #include <iostream>
 #include <span>
 #include <stdexcept>
@@ -19,13 +17,11 @@
 
 #include "bench/child_process.h"
 #include "bench/music_library.h"
-#include "tests/outside/temporary_folder.h"
+#include "bench/reconcile_stage.h"
 
 namespace {
 
-namespace fs = std::filesystem;
-using outside::TemporaryFolder;
-using quillon::bench::RunToSuccess;
+using quillon::bench::ReconcileStage;
 using quillon::bench::Usage;
 
 // The aims that the figures are held against.
@@ -54,45 +50,7 @@ struct Figures {
     double MemoryBound() const { return BaseMemory + MemoryPerTrack * static_cast<double>(tracks); }
 };
 
-/// The program beside a library of its own.
-class Stage {
-  public:
-    Stage(const Options& options, std::size_t tracks) : program_(options.program) {
-        using quillon::bench::FileNames;
-        quillon::bench::MakeLibrary(Music(), tracks,
-                                    options.verify ? FileNames::ByArtist : FileNames::ByNumber);
-        fs::create_directories(folder_.Path() / "disk" / "Data");
-        std::ofstream(folder_.Path() / "host.ini") << "[Plugins]\nQuillon=1\n[Drives]\nD=disk\n";
-        std::ofstream(folder_.Path() / "Quillon.ini")
-            << "[NPFrame]\nLibraryRoot=D:\\Music\nNirvis_CDJ_DB=D:\\Data\\jukebox.mdb\n"
-               "Reconcile=1\nID3Reconcile="
-            << (options.verify ? "1\n" : "0\n");
-        RunToSuccess({program_, "db", "create", (Data() / "jukebox.mdb").string()});
-    }
-
-    fs::path Music() const { return folder_.Path() / "disk" / "Music"; }
-
-    Usage Reconcile() const {
-        const Usage used =
-            RunToSuccess({program_, "run", "--host", folder_.Path().string(), "--view", "plain"});
-        // Backups of earlier runs would fill the disk.
-        std::vector<fs::path> backups;
-        for (const fs::directory_entry& entry : fs::directory_iterator(Data())) {
-            if (entry.path().extension() != ".mdb") backups.push_back(entry.path());
-        }
-        for (const fs::path& backup : backups)
-            fs::remove(backup);
-        return used;
-    }
-
-  private:
-    fs::path Data() const { return folder_.Path() / "disk" / "Data"; }
-
-    std::string program_;
-    TemporaryFolder folder_;
-};
-
-double SecondsOfWalk(const Stage& stage, std::size_t tracks) {
+double SecondsOfWalk(const ReconcileStage& stage, std::size_t tracks) {
     const auto start = std::chrono::steady_clock::now();
     const quillon::bench::WalkResult seen = quillon::bench::BareWalk(stage.Music());
     const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
@@ -103,7 +61,9 @@ double SecondsOfWalk(const Stage& stage, std::size_t tracks) {
 /// Walk and unchanged run are repeated in turn and the shortest time counts: what lies above it is
 /// the machine's other work.
 Figures Measure(const Options& options, std::size_t tracks) {
-    const Stage stage(options, tracks);
+    using quillon::bench::FileNames;
+    const ReconcileStage stage(options.program, tracks,
+                               options.verify ? FileNames::ByArtist : FileNames::ByNumber);
     Figures figures{.tracks = tracks};
     const Usage fresh = stage.Reconcile();
     figures.fresh = fresh.seconds;

@@ -1,0 +1,101 @@
+// Measures what a face costs a run: the same unchanged library is reconciled with plain lines into
+// nowhere, on a terminal screen and in a window, in turn.
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <fmt/format.h>
+#include <iostream>
+#include <limits>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "bench/reconcile_stage.h"
+#include "bench/sizes.h"
+
+namespace {
+
+using quillon::bench::FileNames;
+using quillon::bench::ReconcileStage;
+using quillon::bench::Surroundings;
+using quillon::bench::Usage;
+
+// The aim: the largest share of a run's processor time that showing it may take.
+constexpr double LargestShare = 0.02;
+constexpr int Repetitions = 5;
+constexpr std::size_t FewTracks = 20;
+
+struct Face {
+    std::string view;
+    Surroundings surroundings;
+};
+
+/// Without a display the window is drawn into memory: all that this process does for it, without
+/// a display server beside it.
+std::vector<std::string> DisplayToDrawOn() {
+    const bool has = std::getenv("DISPLAY") != nullptr ||
+                     std::getenv("WAYLAND_DISPLAY") != nullptr ||
+                     std::getenv("QT_QPA_PLATFORM") != nullptr;
+    return has ? std::vector<std::string>{} : std::vector<std::string>{"QT_QPA_PLATFORM=offscreen"};
+}
+
+std::vector<Face> Faces() {
+    return {{.view = "plain", .surroundings = {}},
+            {.view = "terminal",
+             .surroundings = {.terminal = true, .environment = {"TERM=xterm-256color"}}},
+            {.view = "window", .surroundings = {.environment = DisplayToDrawOn()}}};
+}
+
+/// Processor seconds of an unchanged run for each face: the smallest of runs in turn, since what
+/// lies above is the machine's other work.
+std::vector<double> ProcessorSeconds(const std::vector<Face>& faces, std::size_t tracks) {
+    const ReconcileStage stage(QUILLON_PROGRAM, tracks, FileNames::ByNumber);
+    // A new library, then one whose tracks get the numbers that they keep.
+    stage.Reconcile();
+    stage.Reconcile();
+    std::vector<double> least(faces.size(), std::numeric_limits<double>::infinity());
+    for (int i = 0; i < Repetitions; ++i) {
+        for (std::size_t k = 0; k < faces.size(); ++k) {
+            const Usage used = stage.Reconcile(faces[k].view, faces[k].surroundings);
+            least[k] = std::min(least[k], used.processor);
+        }
+    }
+    return least;
+}
+
+int Main(std::span<char*> arguments) {
+    const auto sizes = quillon::bench::SizesFrom(
+        arguments, "face_bench [TRACKS...]  (default: 100000)", {100'000});
+    const std::vector<Face> faces = Faces();
+    const std::vector<double> opening = ProcessorSeconds(faces, FewTracks);
+    bool met = true;
+    std::cout << fmt::format("{:>8} {:>9} {:>12} {:>10} {:>16}\n", "tracks", "face", "processor",
+                             "opening", "share of the run");
+    for (const std::size_t tracks : sizes) {
+        const std::vector<double> whole = ProcessorSeconds(faces, tracks);
+        for (std::size_t k = 0; k < faces.size(); ++k) {
+            // A window is opened once, whatever the run has to do after that.
+            const double opened = opening[k] - opening[0];
+            const double share = (whole[k] - whole[0] - opened) / whole[0];
+            std::cout << fmt::format("{:>8} {:>9} {:>10.3f} s {:>8.3f} s {:>14.1f} %\n", tracks,
+                                     faces[k].view, whole[k], opened, 100 * share);
+            met &= share <= LargestShare;
+        }
+    }
+    std::cout << fmt::format("at most {:.0f} % of a run: {}\n", 100 * LargestShare,
+                             met ? "met" : "MISSED");
+    return met ? 0 : 1;
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+    try {
+        return Main(std::span(arguments, static_cast<std::size_t>(count)));
+    } catch (const std::exception& error) {
+        std::cerr << "face_bench: " << error.what() << '\n';
+        return 2;
+    }
+}
