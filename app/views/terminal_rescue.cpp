@@ -114,7 +114,7 @@ bool TerminalRescue::Taken() const {
 
 bool TerminalRescue::InForeground() const {
     const pid_t group = tcgetpgrp(STDIN_FILENO);
-    // A terminal that controls no session has no foreground.
+    // One that is not the controlling terminal has no foreground.
     return group < 0 || group == getpgrp();
 }
 
