@@ -122,4 +122,15 @@ void TerminalRescue::GiveModesBack() {
     if (taken.exchange(false) && preparedReturn.hasModes) SetModes(preparedReturn.modes);
 }
 
+SuspensionDelay::SuspensionDelay() {
+    sigset_t suspension{};
+    sigemptyset(&suspension);
+    sigaddset(&suspension, SIGTSTP);
+    pthread_sigmask(SIG_BLOCK, &suspension, &before_);
+}
+
+SuspensionDelay::~SuspensionDelay() {
+    pthread_sigmask(SIG_SETMASK, &before_, nullptr);
+}
+
 }  // namespace quillon
