@@ -10,6 +10,7 @@
 
 #include "app/checks/writable.h"
 #include "app/table_printer.h"
+#include "driver/library_folders.h"
 #include "driver/modes.h"
 #include "platform/basic_text.h"
 #include "platform/failure.h"
@@ -199,6 +200,23 @@ void CheckFolders(LocalHost& local, const Settings& settings, std::ostream& out,
         if (!objection.empty()) findings.Add(folder.use.isEssential, std::move(objection));
     }
     table.Finish();
+}
+
+void CheckLibraryFolders(Files& files, const Settings& settings, Findings& findings) try {
+    const std::string& root = settings.LibraryRoot;
+    if (!settings.LibraryDepthOption || !files.FolderExists(root)) return;
+    if (!BuildLibraryFolders(files, settings).empty()) return;
+    findings.Add(
+        IsMode(settings, &Settings::Reconcile) && !settings.PlaylistsOnly,
+        fmt::format("LibraryDepthOption is on, and LibraryRoot ({}) holds neither a folder "
+                    "nor a .txt file that names one: there is no library to look at. "
+                    "Switch it off, or name the folder above",
+                    root));
+} catch (const Failure& failure) {
+    findings.Problem(
+        fmt::format("The library folders cannot be found out, and no run starts "
+                    "without: {}. Give this account the right to read there",
+                    failure.what()));
 }
 
 void CheckOverlaps(Files& files, const Settings& settings, Findings& findings) {
