@@ -90,7 +90,7 @@ class Backups {
 
   private:
     std::optional<fs::path> Local(std::string_view original) try {
-        fs::path local = resolver_.Local(original);
+        const fs::path local = resolver_.Local(original);
         return local.has_filename() ? local : local.parent_path();
     } catch (const Failure&) {
         return std::nullopt;

@@ -10,6 +10,7 @@
 
 #include "app/checks/writable.h"
 #include "app/table_printer.h"
+#include "driver/library_folders.h"
 #include "driver/modes.h"
 #include "platform/basic_text.h"
 #include "platform/failure.h"
@@ -156,25 +157,31 @@ void CheckSource(Files& files, const Settings& settings, Findings& findings) {
                              source, how, root));
 }
 
-/// Whatever lies in the playlist folder is read, repaired and perhaps deleted as a playlist.
-void CheckPlaylistFiles(Files& files, const Settings& settings, Findings& findings) try {
-    if (!IsMode(settings, &Settings::Reconcile)) return;
-    std::size_t count = 0;
-    std::string first;
-    for (const FileEntry& file : files.FilesIn(settings.PlayListPath)) {
-        const std::string name = LowerCase(file.name);
-        if (name.ends_with(".pla")) continue;
-        if (LowerCase(file.path).starts_with(LowerCase(settings.Nirvis_CDJ_DB))) continue;
-        if (count++ == 0) first = file.name;
-    }
-    if (count == 0) return;
-    findings.Caution(fmt::format(
-        "PlayListPath ({}) holds {} that {} no .pla playlist, {}: each file there is taken for a "
-        "playlist, and without valid entries it is deleted. Move such files elsewhere",
-        settings.PlayListPath, count == 1 ? "a file" : fmt::format("{} files", count),
-        count == 1 ? "is" : "are", count == 1 ? first : first + " for one"));
+/// None where the folder cannot be listed, which is told of elsewhere.
+std::vector<FileEntry> FilesIn(Files& files, const std::string& folder) try {
+    return files.FilesIn(folder);
 } catch (const Failure&) {
-    // A folder that cannot be listed is told of as such.
+    return {};
+}
+
+/// Whatever lies in the playlist folder is read, repaired and perhaps deleted as a playlist, but
+/// for the database and what belongs to it.
+void CheckPlaylistFiles(Files& files, const Settings& settings, Findings& findings) {
+    if (!IsMode(settings, &Settings::Reconcile)) return;
+    const std::string database = LowerCase(settings.Nirvis_CDJ_DB);
+    std::vector<FileEntry> others = FilesIn(files, settings.PlayListPath);
+    std::erase_if(others, [&database](const FileEntry& file) {
+        return LowerCase(file.name).ends_with(".pla") ||
+               (!database.empty() && LowerCase(file.path).starts_with(database));
+    });
+    if (others.empty()) return;
+    const bool isOne = others.size() == 1;
+    findings.Caution(fmt::format(
+        "PlayListPath ({}) holds {} no .pla playlist, {}: each file there is taken for a playlist, "
+        "and without valid entries it is deleted. Move such files elsewhere",
+        settings.PlayListPath,
+        isOne ? "a file that is" : fmt::format("{} files that are", others.size()),
+        others.front().name + (isOne ? "" : " for one")));
 }
 
 }  // namespace
@@ -193,6 +200,23 @@ void CheckFolders(LocalHost& local, const Settings& settings, std::ostream& out,
         if (!objection.empty()) findings.Add(folder.use.isEssential, std::move(objection));
     }
     table.Finish();
+}
+
+void CheckLibraryFolders(Files& files, const Settings& settings, Findings& findings) try {
+    const std::string& root = settings.LibraryRoot;
+    if (!settings.LibraryDepthOption || !files.FolderExists(root)) return;
+    if (!BuildLibraryFolders(files, settings).empty()) return;
+    findings.Add(
+        IsMode(settings, &Settings::Reconcile) && !settings.PlaylistsOnly,
+        fmt::format("LibraryDepthOption is on, and LibraryRoot ({}) holds neither a folder "
+                    "nor a .txt file that names one: there is no library to look at. "
+                    "Switch it off, or name the folder above",
+                    root));
+} catch (const Failure& failure) {
+    findings.Problem(
+        fmt::format("The library folders cannot be found out, and no run starts "
+                    "without: {}. Give this account the right to read there",
+                    failure.what()));
 }
 
 void CheckOverlaps(Files& files, const Settings& settings, Findings& findings) {

@@ -13,6 +13,9 @@ namespace quillon {
 void CheckFolders(LocalHost& local, const Settings& settings, std::ostream& out,
                   Findings& findings);
 
+/// Finds a library of several folders that has none, or whose folders cannot be found out.
+void CheckLibraryFolders(Files& files, const Settings& settings, Findings& findings);
+
 /// Finds folders that should not lie in one another, and files that would be taken for playlists.
 void CheckOverlaps(Files& files, const Settings& settings, Findings& findings);
 

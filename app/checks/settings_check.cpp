@@ -33,8 +33,8 @@ std::string Oddity(const SettingReading& reading) {
 /// The same for the table, with the text where the value is another one.
 std::string Remark(const SettingReading& reading, const Settings& settings) {
     constexpr std::size_t Widest = 18;
-    const bool isReconcile = DefinitionOf(reading).member ==
-                             SettingDefinition::Member(&Settings::Reconcile);
+    const bool isReconcile =
+        DefinitionOf(reading).member == SettingDefinition::Member(&Settings::Reconcile);
     if (isReconcile && settings.PlaylistsOnly) return "on: PlaylistsOnly";
     const std::string oddity = Oddity(reading);
     if (oddity.empty() || !reading.readable) return oddity;

@@ -92,6 +92,7 @@ int Check(const CheckRequest& request, Console console) {
     CheckNumbers(settings, findings);
     CheckHostSettings(local.host, out, findings);
     CheckFolders(local, settings, out, findings);
+    CheckLibraryFolders(local.files, settings, findings);
     CheckOverlaps(local.files, settings, findings);
     CheckDatabase(local.resolver, settings, out, findings);
     CheckMode(local.resolver, settings, out, findings);

@@ -82,6 +82,7 @@ class CursesScreen::Implementation {
     }
 
     void Draw(const std::vector<ScreenLine>& lines) {
+        const SuspensionDelay whole;
         if (!rescue_.InForeground()) return;
         if (!rescue_.Taken()) TakeTerminal();
         PassOn();

@@ -114,12 +114,23 @@ bool TerminalRescue::Taken() const {
 
 bool TerminalRescue::InForeground() const {
     const pid_t group = tcgetpgrp(STDIN_FILENO);
-    // A terminal that controls no session has no foreground.
+    // One that is not the controlling terminal has no foreground.
     return group < 0 || group == getpgrp();
 }
 
 void TerminalRescue::GiveModesBack() {
     if (taken.exchange(false) && preparedReturn.hasModes) SetModes(preparedReturn.modes);
+}
+
+SuspensionDelay::SuspensionDelay() {
+    sigset_t suspension{};
+    sigemptyset(&suspension);
+    sigaddset(&suspension, SIGTSTP);
+    pthread_sigmask(SIG_BLOCK, &suspension, &before_);
+}
+
+SuspensionDelay::~SuspensionDelay() {
+    pthread_sigmask(SIG_SETMASK, &before_, nullptr);
 }
 
 }  // namespace quillon

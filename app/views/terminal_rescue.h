@@ -1,5 +1,6 @@
 #pragma once
 
+#include <csignal>
 #include <string_view>
 
 namespace quillon {
@@ -32,6 +33,19 @@ class TerminalRescue {
 
     /// The modes as they were; the screen has been left by other means.
     void GiveModesBack();
+};
+
+/// While an object lives Ctrl-Z waits, so that a picture is not left half drawn: the rest of it
+/// would come out when the process goes on in the background.
+class SuspensionDelay {
+  public:
+    SuspensionDelay();
+    ~SuspensionDelay();
+    SuspensionDelay(const SuspensionDelay&) = delete;
+    SuspensionDelay& operator=(const SuspensionDelay&) = delete;
+
+  private:
+    sigset_t before_{};
 };
 
 }  // namespace quillon

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/app/check_fixture.h"
+#include "tests/platform/child_process.h"
 
 namespace quillon {
 namespace {
@@ -49,6 +50,29 @@ TEST_F(CheckFolders, AReconciliationNeedsTheMusic) {
     Set("LibraryRoot", "");
     EXPECT_TRUE(Has(Problems(), "Folder LibraryRoot is not set, and the run needs it"));
     EXPECT_EQ(Check().status, 2);
+}
+
+TEST_F(CheckFolders, ALibraryOfSeveralFoldersNeedsOne) {
+    Set("LibraryDepthOption", "1");
+    EXPECT_EQ(Check().status, 2);
+    EXPECT_TRUE(Has(Problems(), "holds neither a folder nor a .txt file that names one"));
+    MakeFolder("Elsewhere");
+    Write("Music/more.txt", "D:\\Elsewhere\r\n");
+    EXPECT_EQ(Problems(), "");
+    Write("Music/more.txt", "D:\\Nowhere\r\n");
+    EXPECT_EQ(Check().status, 2);
+    MakeFolder("Music/Rooms");
+    EXPECT_EQ(Check().status, 0);
+}
+
+TEST_F(CheckFolders, AListOfLibraryFoldersThatCannotBeReadStopsEveryRun) {
+    Set("LibraryDepthOption", "1");
+    Write("Music/more.txt", "D:\\Elsewhere\r\n");
+    fs::permissions(Folder(), fs::perms::others_all, fs::perm_options::add);
+    fs::permissions(Path("Music/more.txt"), fs::perms::none);
+    const std::string problems = AsOrdinaryUser([this] { return Problems(); });
+    EXPECT_TRUE(Has(problems, "The library folders cannot be found out")) << problems;
+    EXPECT_TRUE(Has(problems, "D:\\Music\\more.txt")) << problems;
 }
 
 TEST_F(CheckFolders, APlaylistsOnlyRunNeedsThePlaylistsAndNoMusic) {
