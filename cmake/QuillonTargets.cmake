@@ -4,7 +4,7 @@ target_include_directories(quillon_options INTERFACE
     ${PROJECT_SOURCE_DIR} ${PROJECT_BINARY_DIR}/generated)
 target_compile_options(quillon_options INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast
-    -Wredundant-decls -Wsuggest-override -Wzero-as-null-pointer-constant -Werror)
+    -Wredundant-decls -Wsuggest-override -Werror)
 # g++ 12 sees overlapping copies where an optimised build joins a literal and a text; there are none.
 target_compile_options(quillon_options INTERFACE
     $<$<AND:$<CXX_COMPILER_ID:GNU>,$<VERSION_LESS:$<CXX_COMPILER_VERSION>,13>>:-Wno-restrict>)
