@@ -36,7 +36,7 @@ std::string Remark(const SettingReading& reading, const Settings& settings) {
     const bool isReconcile =
         DefinitionOf(reading).member == SettingDefinition::Member(&Settings::Reconcile);
     if (isReconcile && settings.PlaylistsOnly) return "on: PlaylistsOnly";
-    const std::string oddity = Oddity(reading);
+    std::string oddity = Oddity(reading);
     if (oddity.empty() || !reading.readable) return oddity;
     return FitColumns(oddity + ": " + OneLine(reading.text), Widest);
 }

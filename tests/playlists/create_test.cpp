@@ -138,6 +138,17 @@ TEST_F(CreateTest, NumbersPartsWithThreeDigits) {
     EXPECT_THAT(Lines("Genre002.pla"), ElementsAre("L0 2"));
 }
 
+TEST_F(CreateTest, LeavesTheFirstPartEmptyWhenTheMostTracksAreLessThanNone) {
+    AddLongAlbum("Cee", "Genre", 2);
+    run().settings.ArtistPlaylist = false;
+    run().settings.MaxPlaylistLength = -5;
+    Create();
+    EXPECT_THAT(Lists(), ElementsAre("Genre.pla", "Genre001.pla", "Genre002.pla"));
+    EXPECT_THAT(Lines("Genre.pla"), IsEmpty());
+    EXPECT_THAT(Lines("Genre001.pla"), SizeIs(1));
+    EXPECT_THAT(Lines("Genre002.pla"), SizeIs(1));
+}
+
 TEST_F(CreateTest, CleansNamesForFiles) {
     AddSpinner("Ann", "One", "Rock & Roll/Blues");
     library.Execute("UPDATE Tracks SET Artist='AC/DC' WHERE Artist='Bob'");
