@@ -37,7 +37,7 @@ FoundMaker LoadModule(const fs::path& file) {
 }
 
 std::unique_ptr<Window> Make(WindowMaker maker) {
-    return std::unique_ptr<Window>(maker(ProgramVersion.data(), sizeof(FormState)));
+    return std::unique_ptr<Window>(maker(std::string(ProgramVersion).c_str(), sizeof(FormState)));
 }
 
 }  // namespace

@@ -49,7 +49,7 @@ void DesktopWindow::OpenDisplay() {
 }
 
 DesktopWindow::~DesktopWindow() {
-    Unload();
+    Close();
 }
 
 void DesktopWindow::Show(const FormState& state) {
@@ -67,7 +67,7 @@ void DesktopWindow::ProcessEvents(const FormState& state) {
 void DesktopWindow::Draw(const FormState& state, Clock::time_point now) {
     if (window_ == nullptr) return;
     if (DisplayIsLost()) {
-        Unload();
+        Close();
         return;
     }
     qtIsAtWork = true;
@@ -96,8 +96,12 @@ bool DesktopWindow::AbortPressed() const {
 }
 
 void DesktopWindow::Unload() {
+    Close();
+}
+
+void DesktopWindow::Close() {
     if (window_ == nullptr) return;
-    abortPressed_ = AbortPressed();
+    abortPressed_ = abortPressed_ || window_->AbortPressed();
     if (DisplayIsLost()) {
         abortPressed_ = true;
         // To be told so by the display would end the process; there is nothing left to tidy up.

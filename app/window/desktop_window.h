@@ -27,6 +27,7 @@ class DesktopWindow : public Window {
     using Clock = std::chrono::steady_clock;
 
     void OpenDisplay();
+    void Close();
     void Draw(const FormState& state, Clock::time_point now);
     bool DisplayIsLost() const;
 

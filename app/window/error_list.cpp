@@ -5,6 +5,7 @@
 #include <QPlainTextEdit>
 #include <QVBoxLayout>
 
+#include "app/window/child.h"
 #include "app/window/shown_text.h"
 
 namespace quillon {
@@ -35,7 +36,7 @@ class Records : public QPlainTextEdit {
 }  // namespace
 
 ErrorList::ErrorList(QWidget* parent)
-    : QWidget(parent), olderOnes_(new QLabel(this)), text_(new Records(this)) {
+    : QWidget(parent), olderOnes_(MakeChild<QLabel>(this)), text_(MakeChild<Records>(this)) {
     olderOnes_->setTextFormat(Qt::PlainText);
     olderOnes_->setText("Older errors are in the log.");
     olderOnes_->hide();
@@ -46,7 +47,7 @@ ErrorList::ErrorList(QWidget* parent)
     text_->setLineWrapMode(QPlainTextEdit::NoWrap);
     text_->setTabChangesFocus(true);
     text_->setMaximumBlockCount(static_cast<int>(MostKept));
-    auto* const rows = new QVBoxLayout(this);
+    auto* const rows = MakeChild<QVBoxLayout>(this);
     rows->setContentsMargins(0, 0, 0, 0);
     rows->addWidget(olderOnes_);
     rows->addWidget(text_);

@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <limits>
 
+#include "app/window/child.h"
 #include "app/window/error_list.h"
 #include "app/window/path_field.h"
 #include "app/window/phase_board.h"
@@ -30,7 +31,7 @@ constexpr const char* AbortingCaption = "Aborting";
 constexpr const char* AbortingRemark = "Abort was heard; the run stops after the current step.";
 
 QLabel* MakeLabel(QWidget* parent, const QString& name) {
-    auto* const label = new QLabel(parent);
+    auto* const label = MakeChild<QLabel>(parent);
     label->setObjectName(name);
     label->setTextFormat(Qt::PlainText);
     return label;
@@ -49,16 +50,16 @@ void ShowText(PathField& field, std::string& shown, const std::string& text) {
 
 LibraryWindow::LibraryWindow()
     : aLblReconcile_(MakeLabel(this, "aLblReconcile")),
-      board_(new PhaseBoard(this)),
-      aItem_(new PathField(this)),
-      aError_(new PathField(this)),
-      progress_(new QProgressBar(this)),
-      errorsButton_(new QToolButton(this)),
+      board_(MakeChild<PhaseBoard>(this)),
+      aItem_(MakeChild<PathField>(this)),
+      aError_(MakeChild<PathField>(this)),
+      progress_(MakeChild<QProgressBar>(this)),
+      errorsButton_(MakeChild<QToolButton>(this)),
       elapsed_(MakeLabel(this, "elapsed")),
-      errors_(new ErrorList(this)),
+      errors_(MakeChild<ErrorList>(this)),
       remark_(MakeLabel(this, "remark")),
       lblver_(MakeLabel(this, "lblver")),
-      aAbort_(new QPushButton(AbortCaption, this)) {
+      aAbort_(MakeChild<QPushButton>(AbortCaption, this)) {
     setWindowTitle(Shown(FormCaption));
     // The window itself has the focus at first: a key that was meant for another program, whose
     // place this one has taken on the screen, must not press Abort.
@@ -74,7 +75,7 @@ LibraryWindow::LibraryWindow()
     progress_->setAccessibleName("Progress of the phase");
     progress_->setFormat("%v of %m");
 
-    auto* const rows = new QVBoxLayout(this);
+    auto* const rows = MakeChild<QVBoxLayout>(this);
     rows->addWidget(aLblReconcile_);
     rows->addWidget(board_);
     rows->addSpacing(rows->spacing());
@@ -89,10 +90,10 @@ LibraryWindow::LibraryWindow()
 }
 
 QLayout* LibraryWindow::MakeFields() {
-    auto* const grid = new QGridLayout;
+    auto* const grid = MakeChild<QGridLayout>();
     const auto addRow = [&](PathField& field, const QString& name, const QString& caption) {
         const int row = grid->rowCount();
-        auto* const label = new QLabel(caption, this);
+        auto* const label = MakeChild<QLabel>(caption, this);
         label->setBuddy(&field);
         field.setObjectName(name);
         grid->addWidget(label, row, 0);
@@ -112,7 +113,7 @@ QLayout* LibraryWindow::MakeErrorsLine() {
     errorsButton_->setText("No errors");
     errorsButton_->setEnabled(false);
     connect(errorsButton_, &QToolButton::toggled, this, [this](bool open) { OpenErrors(open); });
-    auto* const line = new QHBoxLayout;
+    auto* const line = MakeChild<QHBoxLayout>();
     line->addWidget(errorsButton_);
     line->addStretch();
     line->addWidget(elapsed_);
@@ -127,7 +128,7 @@ QLayout* LibraryWindow::MakeLastLine() {
     aAbort_->setMinimumWidth(std::max(width, aAbort_->sizeHint().width()));
     aAbort_->setText(AbortCaption);
     connect(aAbort_, &QPushButton::clicked, this, [this] { PressAbort(); });
-    auto* const line = new QHBoxLayout;
+    auto* const line = MakeChild<QHBoxLayout>();
     line->addWidget(lblver_);
     line->addStretch();
     line->addWidget(remark_);
@@ -159,10 +160,10 @@ void LibraryWindow::Update(const FormState& state, std::chrono::seconds elapsed)
 
 void LibraryWindow::ShowProgress(const PhaseProgress& progress) {
     // A bar from 0 to 0 is one that only says that work is going on.
-    constexpr std::size_t most = std::numeric_limits<int>::max();
+    constexpr std::size_t Most = std::numeric_limits<int>::max();
     progress_->setTextVisible(progress.total > 0);
-    progress_->setRange(0, static_cast<int>(std::min(progress.total, most)));
-    progress_->setValue(static_cast<int>(std::min(progress.done, most)));
+    progress_->setRange(0, static_cast<int>(std::min(progress.total, Most)));
+    progress_->setValue(static_cast<int>(std::min(progress.done, Most)));
 }
 
 void LibraryWindow::AddError(std::string_view source, std::string_view message) {

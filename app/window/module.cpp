@@ -1,5 +1,6 @@
 #include <QtGlobal>
 #include <cstddef>
+#include <memory>
 #include <string_view>
 
 #include "app/version.h"
@@ -10,5 +11,5 @@ extern "C" Q_DECL_EXPORT quillon::Window* QuillonMakeWindow(const char* version,
                                                             std::size_t stateSize) {
     if (version != quillon::ProgramVersion || stateSize != sizeof(quillon::FormState))
         return nullptr;
-    return new quillon::DesktopWindow;
+    return std::make_unique<quillon::DesktopWindow>().release();
 }

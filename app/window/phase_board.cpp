@@ -3,6 +3,7 @@
 #include <QButtonGroup>
 #include <QGridLayout>
 
+#include "app/window/child.h"
 #include "app/window/phase_lamp.h"
 #include "app/window/shown_text.h"
 
@@ -14,15 +15,15 @@ constexpr std::size_t FirstOtherMode = 10;
 
 }  // namespace
 
-PhaseBoard::PhaseBoard(QWidget* parent) : QWidget(parent), grid_(new QGridLayout(this)) {
+PhaseBoard::PhaseBoard(QWidget* parent) : QWidget(parent), grid_(MakeChild<QGridLayout>(this)) {
     grid_->setContentsMargins(0, 0, 0, 0);
     grid_->setVerticalSpacing(grid_->verticalSpacing() / 2);
     grid_->setHorizontalSpacing(3 * fontMetrics().averageCharWidth());
     // The run says which are selected; they do not switch each other off.
-    auto* const group = new QButtonGroup(this);
+    auto* const group = MakeChild<QButtonGroup>(this);
     group->setExclusive(false);
     for (std::size_t i = 0; i < PhaseCount; ++i) {
-        lamps_.at(i) = new PhaseLamp(this);
+        lamps_.at(i) = MakeChild<PhaseLamp>(this);
         group->addButton(lamps_.at(i));
         lamps_.at(i)->setObjectName("aPhase" + QString::number(i));
         lamps_.at(i)->hide();

@@ -66,15 +66,15 @@ class Desktop:
         """The number of the program's window; "" while there is none that can be seen."""
         return self.tool("search", "--onlyvisible", "--name", f"^{TITLE}$")
 
-    def first_sight(self, process, least_height=0):
-        """Lets a program go on step by step until its window is there and so high, and leaves it
-        standing still, at a place that does not depend on how fast this machine is. What happens to
-        the window then waits for the program to go on."""
+    def stop_when(self, process, condition=lambda window: True):
+        """Lets a program go on step by step until its window is there and the condition holds, and
+        leaves it standing still, at a place that does not depend on how fast this machine is. What
+        happens to the window then waits for the program to go on. Returns the window."""
         deadline = time.monotonic() + PATIENCE
         while True:
             process.send_signal(signal.SIGSTOP)
             found = self.window()
-            if found and self.geometry(found)[3] >= least_height:
+            if found and condition(found):
                 return found
             process.send_signal(signal.SIGCONT)
             if process.poll() is not None or time.monotonic() > deadline:

@@ -149,8 +149,9 @@ TEST_F(FormWindow, IsMadeForTheProgramOfItsOwnBuildAlone) {
     const auto maker = reinterpret_cast<WindowMaker>(dlsym(module, WindowMakerName));
     ASSERT_NE(maker, nullptr);
     EXPECT_EQ(maker("0.9.0", sizeof(FormState)), nullptr);
-    EXPECT_EQ(maker(ProgramVersion.data(), sizeof(FormState) + 8), nullptr);
-    EXPECT_NE(std::unique_ptr<Window>(maker(ProgramVersion.data(), sizeof(FormState))), nullptr);
+    const std::string own(ProgramVersion);
+    EXPECT_EQ(maker(own.c_str(), sizeof(FormState) + 8), nullptr);
+    EXPECT_NE(std::unique_ptr<Window>(maker(own.c_str(), sizeof(FormState))), nullptr);
 }
 
 /// Passes everything on to the real window, and notes each phase that it has drawn.
