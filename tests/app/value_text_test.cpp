@@ -7,8 +7,6 @@
 namespace quillon {
 namespace {
 
-using jet::Value;
-
 TEST(ValueText, TellsNullAndTheEmptyTextApart) {
     EXPECT_EQ(ValueText(jet::Null{}), "<null>");
     EXPECT_EQ(ValueText(std::string()), "");
