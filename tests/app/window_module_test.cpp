@@ -17,7 +17,7 @@ class WindowModule : public ::testing::Test {
     WindowModule() { setenv("QT_QPA_PLATFORM", "offscreen", 1); }
 
     static std::string WhyNot(const std::vector<fs::path>& places) {
-        WindowOffer offer = OpenWindow(places);
+        const WindowOffer offer = OpenWindow(places);
         EXPECT_EQ(offer.window, nullptr);
         return offer.whyNot;
     }

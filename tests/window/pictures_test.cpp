@@ -68,7 +68,7 @@ TEST_F(Pictures, PlaylistsOnly) {
 }
 
 TEST_F(Pictures, ErrorsListedWhileAborting) {
-    FormState state = AtWork();
+    const FormState state = AtWork();
     ShowAndDraw(state);
     for (int i = 0; i < 1200; ++i)
         window->LogWritten(LogKind::Error, "Quillon",
@@ -83,7 +83,7 @@ TEST_F(Pictures, ErrorsListedWhileAborting) {
 
 TEST_F(Pictures, DarkDesktop) {
     QApplication::setPalette(DarkPalette());
-    FormState state = AtWork();
+    const FormState state = AtWork();
     ShowAndDraw(state);
     window->LogWritten(LogKind::Error, "Quillon", "ProcessTracks Line 4 Path not found");
     Draw(state);

@@ -60,7 +60,7 @@ class ResizeCount : public QObject {
 
 TEST_F(WindowSize, GrowsInOneStep) {
     ShowAndDraw(Form());
-    ResizeCount resizes(Desktop());
+    const ResizeCount resizes(Desktop());
     Draw(Reconciling(0));
     EXPECT_EQ(resizes.count, 1);
     window->LogWritten(LogKind::Error, "Quillon", "x");
