@@ -50,8 +50,8 @@ TEST_F(CheckSettings, RemarksOnWhatCannotBeReadOrCountsAsSomethingElse) {
         Has(Table(), "  ImagesHigh             abc                    file    no number\n"));
     EXPECT_TRUE(Has(
         Table(), "  ArtistThreshold        0                      file    no number: a few …\n"));
-    EXPECT_TRUE(Has(Table(),
-                    "  MaxPlaylistLength      0                      file    out of range: 400…\n"));
+    EXPECT_TRUE(Has(
+        Table(), "  MaxPlaylistLength      0                      file    out of range: 400…\n"));
     EXPECT_TRUE(
         Has(Table(), "  RandomizePlaylist      False                  file    not 0 or 1: yes"));
     EXPECT_EQ(Problems(),

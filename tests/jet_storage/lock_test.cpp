@@ -1,4 +1,6 @@
 // Who else has the database open.
+#include "jet/lock.h"
+
 #include <array>
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -7,7 +9,6 @@
 #include <unistd.h>
 
 #include "jet/error.h"
-#include "jet/lock.h"
 #include "jet/storage/database_file.h"
 #include "jet/storage/posix.h"
 #include "tests/jet_storage/schemas.h"
