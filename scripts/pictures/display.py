@@ -26,8 +26,12 @@ class Display:
         os.close(writing)
         with os.fdopen(reading) as answer:
             number = answer.readline().strip()
-        self.environment = dict(os.environ, DISPLAY=f":{number}")
+        self.environment = dict(os.environ, DISPLAY=f":{number}",
+                                XDG_RUNTIME_DIR=self.folder.name)
         self.environment.pop("WAYLAND_DISPLAY", None)
+        # The pointer has no business in a picture.
+        subprocess.run(["xdotool", "mousemove", str(width), str(height)], env=self.environment,
+                       check=True)
 
     def __enter__(self):
         return self
