@@ -23,7 +23,7 @@ class Pictures : public WindowFixture {
   protected:
     static FormState AtWork() {
         FormState state = Reconciling(3);
-        state.aItem = R"(D:\Music\Sibelius, Jean\Complete Symphonies, Volume Two, with the )"
+        state.aItem = R"(D:\Music\Alder, Wilhelmina\Complete Symphonies, Volume Two, with the )"
                       R"(Philharmonic Orchestra of a Very Long Name\07 - Andante mosso.mp3)";
         state.aError = "ProcessTracks";
         state.progress = {.done = 1234, .total = 4321};
