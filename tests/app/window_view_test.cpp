@@ -2,9 +2,9 @@
 
 #include <csignal>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include "app/signals.h"
+#include "tests/app/pipe.h"
 #include "tests/support/fakes.h"
 
 namespace quillon {
@@ -15,9 +15,10 @@ class WindowViewTest : public ::testing::Test {
     WindowViewTest() {
         auto made = std::make_unique<fakes::FakeWindow>(calls);
         window = made.get();
-        view = std::make_unique<WindowView>(std::move(made), STDOUT_FILENO);
+        view = std::make_unique<WindowView>(std::move(made), pipe.Writer());
     }
 
+    const Pipe pipe;
     fakes::Calls calls;
     fakes::FakeWindow* window = nullptr;
     std::unique_ptr<WindowView> view;
@@ -43,13 +44,13 @@ TEST_F(WindowViewTest, AbortIsTheButtonOrASignal) {
 }
 
 TEST_F(WindowViewTest, RecordsGoToTheWindowAndToWhoStartedTheRunWithTheSummaryBehindThem) {
-    testing::internal::CaptureStdout();
     view->Show({});
     view->LogWritten(LogKind::Error, "Quillon", "ProcessTracks\nLine 4");
     view->Unload();
     view->Summarize({RunOutcome::NothingRan, {}, {}});
-    EXPECT_EQ(testing::internal::GetCapturedStdout(),
-              "   Quillon: ProcessTracks Line 4\nNothing ran; 0 errors.\n");
+    EXPECT_EQ(pipe.Waiting(),
+              "   Quillon: ProcessTracks Line 4\n"
+              "Nothing ran; no errors. 'quillon check' tells what stands in the way.\n");
     EXPECT_EQ(window->logged.size(), 1U);
     EXPECT_EQ(window->logged[0].first, LogKind::Error);
 }

@@ -23,7 +23,7 @@ import sound_files
 sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "app"))
 import terminal as terminals  # noqa: E402
 
-ARTISTS, TRACKS, NEW_ARTISTS, ATTEMPTS = 40, 5, 80, 5
+ARTISTS, TRACKS, NEW_ARTISTS, ATTEMPTS = 40, 5, 200, 5
 # In front of the others, a file that is named in the log when its folder is looked at.
 MARKED_ARTIST, MARK = 5, "no: name.mp3"
 FIRST_DAY, DAY = 1500000000, 86400
@@ -59,10 +59,13 @@ def stopped_among_new_files(terminal, word):
     terminal.wait_for(r"Library Consistency Management|status \d")
     process = terminal.child()
     while not re.search(r"status \d", terminal.screen()):
-        os.kill(process, signal.SIGSTOP)
+        try:
+            os.kill(process, signal.SIGSTOP)
+        except ProcessLookupError:
+            break
         screen = terminal.screen()
         if (re.search(r"\(\*\) 4\. Add Folder Tracks", screen)
-                and re.search(rf"Artist {word} 0(0[5-9]|[1-4])", screen)):
+                and re.search(rf"Artist {word} (00[5-9]|0[1-9]|1[0-4])", screen)):
             return process
         os.kill(process, signal.SIGCONT)
         time.sleep(SLICE)
