@@ -32,6 +32,10 @@ function(quillon_library name)
         return()
     endif()
     add_library(${name} STATIC ${ARG_SOURCES})
+    if(QUILLON_SANITIZE)
+        # What a sanitizer adds to shared headers is most of what a file costs; several share them.
+        set_target_properties(${name} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 10)
+    endif()
     target_link_libraries(${name} PUBLIC quillon_options ${ARG_USES}
         PRIVATE quillon_build_kind ${ARG_PRIVATELY_USES})
 endfunction()

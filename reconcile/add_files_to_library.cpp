@@ -19,7 +19,7 @@
 namespace quillon {
 namespace {
 
-constexpr std::string_view Unknown = "Unknown";
+constexpr std::string_view UnknownName = "Unknown";
 
 bool IsImage(const FileEntry& file) {
     constexpr std::array<std::string_view, 3> Endings{".jpg", ".gif", ".jpeg"};
@@ -98,10 +98,10 @@ void AddFilesToLibrary(Run& run) {
         Adding adding(run);
         // Every sub-folder is visited twice, first with no artist and then as an artist of its own:
         // untagged files are found under both, as in libraries that were filled so far.
-        AddFolder(adding, Unknown, Unknown, source, true);
+        AddFolder(adding, UnknownName, UnknownName, source, true);
         for (const FolderEntry& subfolder : Counted(run, run.files.SubFolders(source))) {
             if (run.AbortRequested) return;
-            AddFolder(adding, subfolder.name, Unknown, subfolder.path);
+            AddFolder(adding, subfolder.name, UnknownName, subfolder.path);
         }
     });
 }

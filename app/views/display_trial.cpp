@@ -19,7 +19,7 @@
 namespace quillon {
 namespace {
 
-using Clock = std::chrono::steady_clock;
+using Steady = std::chrono::steady_clock;
 
 constexpr std::size_t LongestReason = 120;
 
@@ -69,10 +69,10 @@ class Descriptor {
 
 /// Waits until the other end of a pipe is closed; false when patience ends first.
 bool IsClosedWithin(std::chrono::milliseconds patience, int pipeEnd) {
-    const Clock::time_point deadline = Clock::now() + patience;
+    const Steady::time_point deadline = Steady::now() + patience;
     for (;;) {
         const auto left =
-            std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now()).count();
+            std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Steady::now()).count();
         pollfd waiting{pipeEnd, POLLIN, 0};
         const int ready = poll(&waiting, 1, left > 0 ? static_cast<int>(left) : 0);
         if (ready >= 0 || errno != EINTR) return ready > 0;

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdint>
 
+#include "jet/dialect/digits.h"
 #include "jet/dialect/names.h"
 
 namespace jet::dialect {
@@ -13,10 +14,6 @@ namespace {
 using std::chrono::sys_days;
 constexpr sys_days Epoch = std::chrono::year{1899} / 12 / 30;
 constexpr std::int64_t SecondsPerDay = 86400;
-
-bool IsDigit(char c) {
-    return c >= '0' && c <= '9';
-}
 
 void SkipBlanks(std::string_view& text) {
     while (!text.empty() && text.front() == ' ')

@@ -4,6 +4,7 @@
 #include <charconv>
 
 #include "jet/dialect/date_text.h"
+#include "jet/dialect/digits.h"
 #include "jet/dialect/names.h"
 #include "jet/dialect/syntax_error.h"
 
@@ -11,9 +12,6 @@ namespace jet::dialect {
 
 namespace {
 
-bool IsDigit(char c) {
-    return c >= '0' && c <= '9';
-}
 bool IsBlank(char c) {
     return c == ' ' || c == '\t' || c == '\r' || c == '\n';
 }

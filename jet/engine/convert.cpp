@@ -106,7 +106,7 @@ Value ToDate(const ColumnDefinition& column, const Value& value) {
     return Date{days};
 }
 
-std::string TextOf(const ColumnDefinition& column, const Value& value) {
+std::string FieldText(const ColumnDefinition& column, const Value& value) {
     if (const auto* text = std::get_if<std::string>(&value)) return *text;
     if (const auto* integer = std::get_if<std::int64_t>(&value)) return std::to_string(*integer);
     if (const auto* truth = std::get_if<bool>(&value)) return *truth ? "True" : "False";
@@ -123,7 +123,7 @@ bool IsAscii(const std::string& text) {
 }
 
 Value ToText(const ColumnDefinition& column, const Value& value) {
-    std::string text = TextOf(column, value);
+    std::string text = FieldText(column, value);
     std::size_t units = text.size();
     if (!IsAscii(text)) {
         // The storage keeps UTF-16: what comes back later must be what is seen now.

@@ -12,7 +12,6 @@ namespace {
 using dialect::QuotedName;
 using dialect::TableName;
 
-constexpr std::int64_t SmallTable = 32;
 constexpr std::int64_t SampleSize = 256;
 /// An index that leaves more rows than this share to look at is not worth its memory.
 constexpr double WorstShare = 0.3;

@@ -41,9 +41,6 @@ bool IsFloating(ColumnType type) {
     return type == ColumnType::Single || type == ColumnType::Double;
 }
 
-/// A table of this size is searched in no time without an index.
-constexpr std::int64_t SmallTable = 32;
-
 }  // namespace
 
 MirrorTable::MirrorTable(Sqlite& sqlite, StatementCache& statements, storage::Table& stored)

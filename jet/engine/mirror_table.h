@@ -15,6 +15,9 @@ namespace jet::engine {
 /// A row's name in both worlds: RowId::AsInteger() of the stored row, [row] of the mirrored one.
 using RowKey = std::int64_t;
 
+/// Rows of a table that is searched in no time without an index.
+constexpr std::int64_t SmallTable = 32;
+
 /// A stored table together with its copy in the in-memory database. All changes to rows go through
 /// here: first into the storage, which may refuse, then into the copy.
 class MirrorTable {

@@ -14,7 +14,7 @@ namespace jet::storage {
 
 namespace {
 
-constexpr std::int64_t LocalTable = 1, OdbcTable = 4, LinkedTable = 6;
+constexpr std::int64_t LocalKind = 1, OdbcKind = 4, LinkedKind = 6;
 /// Set for the tables of the engine and of Access itself.
 constexpr std::uint32_t SystemFlags = 0x80000002;
 
@@ -45,8 +45,8 @@ std::vector<CatalogEntry> Read(Pager& pages) {
     const std::vector<std::size_t> wanted{id, name, type, flags};
     objects.ScanColumns(wanted, [&](RowId row, Row&& object) {
         const auto kind = As<std::int64_t>(object[type], 0);
-        const bool isLinked = kind == LinkedTable || kind == OdbcTable;
-        if (kind != LocalTable && !isLinked) return;
+        const bool isLinked = kind == LinkedKind || kind == OdbcKind;
+        if (kind != LocalKind && !isLinked) return;
         if ((static_cast<std::uint32_t>(As<std::int64_t>(object[flags], 0)) & SystemFlags) != 0) {
             return;
         }

@@ -36,12 +36,6 @@ void CheckHeaderOf(FileSystem& files, const std::filesystem::path& path) {
     CheckHeader(std::span(start).first(size), path);
 }
 
-struct ByName {
-    bool operator()(const std::string& a, const std::string& b) const {
-        return CompareTexts(a, b) < 0;
-    }
-};
-
 }  // namespace
 
 class DatabaseFile::Implementation {
@@ -112,6 +106,12 @@ class DatabaseFile::Implementation {
 
     std::optional<LockFile> lock_;  // the last to go
     std::unique_ptr<Pager> pages_;
+    struct ByName {
+        bool operator()(const std::string& a, const std::string& b) const {
+            return CompareTexts(a, b) < 0;
+        }
+    };
+
     std::map<std::string, Table, ByName> tables_;
     std::set<std::string, ByName> linked_;
 };

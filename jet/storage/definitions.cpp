@@ -11,7 +11,6 @@ namespace jet::storage {
 
 namespace {
 
-constexpr std::uint16_t GeneralOrder = 1033;
 constexpr std::size_t MostColumns = 255, MostIndexes = 32, MostIndexParts = 10, LongestName = 64;
 constexpr std::uint16_t LargestSize = 255, LargestBinary = 510;
 

@@ -13,8 +13,6 @@ namespace jet::storage {
 
 namespace {
 
-constexpr std::uint16_t GeneralOrder = 1033;
-
 std::string Quoted(const std::string& name) {
     return "\"" + name + "\"";
 }

@@ -10,7 +10,7 @@ namespace jet::storage {
 
 namespace {
 
-constexpr std::uint16_t GeneralOrder = 1033, TextLength = 510;
+constexpr std::uint16_t TextLength = 510;
 /// Marks columns of system tables, and those that hold a security id.
 constexpr std::uint8_t SystemFlag = 0x10, SecurityIdFlag = 0x20;
 
@@ -72,7 +72,7 @@ LogicalIndexLayout Named(const char* name, std::uint32_t real, bool primary = fa
 }
 
 constexpr std::uint8_t Unique = RealIndexLayout::UniqueFlag,
-                       Required = RealIndexLayout::RequiredFlag,
+                       NoNulls = RealIndexLayout::RequiredFlag,
                        IgnoreNulls = RealIndexLayout::IgnoreNullsFlag;
 
 }  // namespace
@@ -105,7 +105,7 @@ TableLayout AccessControlLayout() {
                                  {3, "FInheritable", ColumnType::Boolean},
                                  {0, "ObjectId", ColumnType::Long},
                                  {1, "SID", ColumnType::Binary, true}});
-    layout.realIndexes = {Index({0}, Required)};
+    layout.realIndexes = {Index({0}, NoNulls)};
     layout.logicalIndexes = {Named("ObjectId", 0)};
     return layout;
 }

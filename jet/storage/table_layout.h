@@ -11,6 +11,9 @@
 
 namespace jet::storage {
 
+/// The sort order of a text column, General Legacy, by its language number; 0 means it, too.
+constexpr std::uint16_t GeneralOrder = 1033;
+
 /// How a column is stored.
 struct ColumnLayout {
     std::string name;

@@ -13,6 +13,7 @@
 #include "platform/failure.h"
 #include "platform/portable/file_end.h"
 #include "platform/portable/file_handle.h"
+#include "platform/portable/local_file.h"
 #include "platform/portable/rename_file.h"
 #include "platform/portable/safe_file.h"
 #include "platform/portable/streams.h"
@@ -20,12 +21,6 @@
 
 namespace quillon {
 namespace {
-
-std::optional<struct stat> FactsOf(const std::string& local) {
-    struct stat facts{};
-    if (stat(local.c_str(), &facts) != 0) return std::nullopt;
-    return facts;
-}
 
 bool IsFile(const std::string& local) {
     const std::optional<struct stat> facts = FactsOf(local);
@@ -41,11 +36,6 @@ std::pair<WindowsPath, std::string> FolderAndName(const WindowsPath& path) {
     const std::size_t slash = path.rest.rfind('/');
     if (slash == std::string::npos) return {{path.root, ""}, path.rest};
     return {{path.root, path.rest.substr(0, slash)}, path.rest.substr(slash + 1)};
-}
-
-/// With the slash at its end.
-std::string FolderOf(const std::string& localPath) {
-    return localPath.substr(0, localPath.rfind('/') + 1);
 }
 
 std::string Sibling(const std::string& localPath, std::string_view name) {

@@ -11,6 +11,7 @@
 #include <unistd.h>
 
 #include "platform/portable/folder_stream.h"
+#include "platform/portable/local_file.h"
 #include "platform/portable/system_failure.h"
 
 namespace quillon {
@@ -18,16 +19,6 @@ namespace {
 
 constexpr std::string_view TemporaryBeginning = ".quillon-";
 constexpr std::string_view TemporaryEnd = ".tmp";
-
-std::string FolderOf(const std::string& path) {
-    return path.substr(0, path.rfind('/') + 1);
-}
-
-std::optional<struct stat> FactsOf(const std::string& path) {
-    struct stat facts{};
-    if (stat(path.c_str(), &facts) != 0) return std::nullopt;
-    return facts;
-}
 
 /// The file that a path leads to through symbolic links; a link that leads nowhere is replaced.
 std::string BehindLinks(const std::string& path) {

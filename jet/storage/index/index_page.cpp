@@ -22,7 +22,7 @@ constexpr std::size_t ShortestKey = 1;
 /// The bits of the mask that can mark an end: one for each byte of the entries and one more.
 constexpr std::size_t MaskBits = EntryRoom + 1;
 
-[[noreturn]] void ThrowDamaged(PageNumber number, const char* what) {
+[[noreturn]] void ThrowDamagedPage(PageNumber number, const char* what) {
     throw Error(ErrorKind::Damaged, "Index page " + std::to_string(number) + " " + what + ".");
 }
 
@@ -72,17 +72,18 @@ IndexPageView::IndexPageView(const Page& page, PageNumber number, PageNumber def
     const std::uint8_t type = page[0];
     leaf_ = type == static_cast<std::uint8_t>(PageType::IndexLeaf);
     if ((!leaf_ && type != static_cast<std::uint8_t>(PageType::IndexNode)) || page[1] != 1)
-        ThrowDamaged(number, "does not look like one");
-    if (Load<PageNumber>(page_, 4) != definition) ThrowDamaged(number, "belongs to another table");
+        ThrowDamagedPage(number, "does not look like one");
+    if (Load<PageNumber>(page_, 4) != definition)
+        ThrowDamagedPage(number, "belongs to another table");
     prefix_ = Load<std::uint16_t>(page_, PrefixOffset);
     ReadEnds(number);
     const std::size_t shortest = ShortestKey + RowSize + SuffixSize();
     if (count_ != 0) {
         if (ends_[0] < shortest || prefix_ > ends_[0] - SuffixSize())
-            ThrowDamaged(number, "has an impossible first entry");
+            ThrowDamagedPage(number, "has an impossible first entry");
         for (std::size_t i = 1; i < count_; ++i)
             if (prefix_ + Stored(i).size() < shortest || Stored(i).size() < SuffixSize())
-                ThrowDamaged(number, "has an entry that is too short");
+                ThrowDamagedPage(number, "has an entry that is too short");
     }
 }
 
@@ -93,7 +94,8 @@ void IndexPageView::ReadEnds(PageNumber number) {
                     std::min<std::size_t>(8, EntriesOffset - MaskOffset - byte));
         for (; bits != 0; bits &= bits - 1) {
             const std::size_t end = byte * 8 + static_cast<std::size_t>(std::countr_zero(bits));
-            if (end == 0 || end >= MaskBits) ThrowDamaged(number, "has an impossible entry mask");
+            if (end == 0 || end >= MaskBits)
+                ThrowDamagedPage(number, "has an impossible entry mask");
             ends_[count_++] = static_cast<std::uint16_t>(end);
         }
     }

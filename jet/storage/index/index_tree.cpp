@@ -29,7 +29,7 @@ constexpr std::size_t DeepestTree = 32;
 constexpr std::size_t PreviousOffset = 12;
 constexpr std::size_t NextOffset = 16;
 
-[[noreturn]] void ThrowDamaged(PageNumber root, const char* what) {
+[[noreturn]] void ThrowDamagedTree(PageNumber root, const char* what) {
     throw Error(ErrorKind::Damaged, "The index at page " + std::to_string(root) + " " + what + ".");
 }
 
@@ -98,7 +98,7 @@ void IndexTree::MakeEmpty(Page& root, PageNumber definition) {
 }
 
 std::shared_ptr<const Page> IndexTree::Read(PageNumber page) const {
-    if (page == 0) ThrowDamaged(root_, "names a page that cannot be");
+    if (page == 0) ThrowDamagedTree(root_, "names a page that cannot be");
     return pages_.Read(page);
 }
 
@@ -125,10 +125,10 @@ IndexTree::Path IndexTree::Descend(std::span<const std::uint8_t> bytes) const {
             path.push_back({page, place});
             return path;
         }
-        if (view.ChildCount() == 0) ThrowDamaged(root_, "has a node without children");
+        if (view.ChildCount() == 0) ThrowDamagedTree(root_, "has a node without children");
         place = std::min(place, view.ChildCount() - 1);
         path.push_back({page, place});
-        if (path.size() == DeepestTree) ThrowDamaged(root_, "is too deep");
+        if (path.size() == DeepestTree) ThrowDamagedTree(root_, "is too deep");
         page = view.Child(place);
     }
 }
@@ -138,13 +138,13 @@ Bytes IndexTree::GreatestBelow(PageNumber page) const {
         const auto content = Read(page);
         const IndexPageView view(*content, page, definition_);
         if (view.IsLeaf()) {
-            if (view.Count() == 0) ThrowDamaged(root_, "has an empty page");
+            if (view.Count() == 0) ThrowDamagedTree(root_, "has an empty page");
             return view.KeyAndRow(view.Count() - 1);
         }
-        if (view.ChildCount() == 0) ThrowDamaged(root_, "has a node without children");
+        if (view.ChildCount() == 0) ThrowDamagedTree(root_, "has a node without children");
         page = view.Child(view.ChildCount() - 1);
     }
-    ThrowDamaged(root_, "is too deep");
+    ThrowDamagedTree(root_, "is too deep");
 }
 
 void IndexTree::Insert(std::span<const std::uint8_t> key, RowId row) {
@@ -156,7 +156,7 @@ void IndexTree::Insert(std::span<const std::uint8_t> key, RowId row) {
     const auto page = Read(leaf);
     const IndexPageView view(*page, leaf, definition_);
     const bool last = place == view.Count();
-    if (!last && view.IsEntry(place, entry)) ThrowDamaged(root_, "holds a new row already");
+    if (!last && view.IsEntry(place, entry)) ThrowDamagedTree(root_, "holds a new row already");
 
     const std::optional<Bytes> newGreatest = last ? std::optional(entry) : std::nullopt;
     if (view.InsertInto(pages_.Modify(leaf), place, entry)) {
@@ -177,7 +177,7 @@ void IndexTree::Remove(std::span<const std::uint8_t> key, RowId row) {
     const auto page = Read(leaf);
     const IndexPageView view(*page, leaf, definition_);
     if (place == view.Count() || !view.IsEntry(place, entry))
-        ThrowDamaged(root_, "has no entry for a row that it should hold");
+        ThrowDamagedTree(root_, "has no entry for a row that it should hold");
     if (view.Count() == 1) {
         RemovePage(path, path.size() - 1);
         return;
@@ -191,10 +191,10 @@ void IndexTree::Remove(std::span<const std::uint8_t> key, RowId row) {
 bool IndexTree::ContainsKey(std::span<const std::uint8_t> key) const {
     auto [leaf, place] = Descend(key).back();
     for (PageNumber visited = 0; leaf != 0; ++visited) {
-        if (visited > pages_.PageCount()) ThrowDamaged(root_, "goes in circles");
+        if (visited > pages_.PageCount()) ThrowDamagedTree(root_, "goes in circles");
         const auto page = Read(leaf);
         const IndexPageView view(*page, leaf, definition_);
-        if (!view.IsLeaf()) ThrowDamaged(root_, "has a node among its leaves");
+        if (!view.IsLeaf()) ThrowDamagedTree(root_, "has a node among its leaves");
         if (place < view.Count())
             return view.BeginsWith(place, key) && view.KeyAndRow(place).size() == key.size() + 4;
         leaf = view.Next();
@@ -207,10 +207,10 @@ void IndexTree::ForEach(
     const std::function<void(std::span<const std::uint8_t> key, RowId row)>& visit) const {
     PageNumber leaf = Descend({}).back().page;
     for (PageNumber visited = 0; leaf != 0; ++visited) {
-        if (visited > pages_.PageCount()) ThrowDamaged(root_, "goes in circles");
+        if (visited > pages_.PageCount()) ThrowDamagedTree(root_, "goes in circles");
         const auto page = Read(leaf);
         const IndexPageView view(*page, leaf, definition_);
-        if (!view.IsLeaf()) ThrowDamaged(root_, "has a node among its leaves");
+        if (!view.IsLeaf()) ThrowDamagedTree(root_, "has a node among its leaves");
         for (std::size_t i = 0; i < view.Count(); ++i) {
             const Bytes entry = view.KeyAndRow(i);
             visit(std::span(entry).first(entry.size() - 4), view.Row(i));

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <sys/stat.h>
+
+namespace quillon {
+
+/// What the system knows of a local path, links followed; nothing where it leads nowhere.
+inline std::optional<struct stat> FactsOf(const std::string& path) {
+    struct stat facts{};
+    if (stat(path.c_str(), &facts) != 0) return std::nullopt;
+    return facts;
+}
+
+/// The folder of a local path, with the slash at its end.
+inline std::string FolderOf(const std::string& path) {
+    return path.substr(0, path.rfind('/') + 1);
+}
+
+}  // namespace quillon
