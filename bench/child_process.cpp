@@ -90,6 +90,7 @@ class SpawnPlan {
 
     pid_t Start(const std::vector<std::string>& command) {
         std::vector<char*> arguments;
+        arguments.reserve(command.size() + 1);
         for (const std::string& word : command)
             arguments.push_back(const_cast<char*>(word.c_str()));
         arguments.push_back(nullptr);
