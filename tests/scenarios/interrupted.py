@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""interrupted.py PROGRAM abort|kill   stops reconcile runs at many moments.
+"""interrupted.py PROGRAM abort|kill MOMENTS   stops reconcile runs at many moments.
 
 A settled library changes (files added, removed, renamed, moved); the run that should catch up is
 stopped at one moment after another, each time from the same start. Whatever the moment, nothing may
@@ -20,7 +20,6 @@ import song_lists
 import sound_files
 
 ARTISTS, ALBUMS, TRACKS = 40, 3, 5
-MOMENTS = 30
 FIRST_DAY = 1500000000
 DAY = 86400
 
@@ -91,8 +90,9 @@ def remove_backups(stage):
 
 
 class Interrupted:
-    def __init__(self, stage):
+    def __init__(self, stage, moments):
         self.stage = stage
+        self.moments = moments
         self.start = stage.work / "start.mdb"
         self.marked = self.half_written = 0
         make_library(stage)
@@ -128,7 +128,7 @@ class Interrupted:
         shutil.copy(self.start, self.stage.database)
         remove_backups(self.stage)
         # Some moments lie behind the usual end, as a disturbed run may take longer.
-        return self.duration * 1.1 * moment / MOMENTS
+        return self.duration * 1.1 * moment / self.moments
 
     def nothing_lost(self):
         """Rows that an undisturbed run keeps are there, and no mark is left in any."""
@@ -197,27 +197,27 @@ class Interrupted:
 
 
 def main():
-    way = sys.argv[2]
+    way, moments = sys.argv[2], int(sys.argv[3])
     with Stage(sys.argv[1]) as stage:
         try:
-            story = Interrupted(stage)
+            story = Interrupted(stage, moments)
         except Failed as failure:
             print(f"before any interruption: {failure}")
             return 1
         stopped = 0
-        for moment in range(MOMENTS):
+        for moment in range(moments):
             try:
                 stopped += getattr(story, way)(moment)
             except Failed as failure:
-                print(f"{way} at moment {moment} of {MOMENTS}: {failure}")
+                print(f"{way} at moment {moment} of {moments}: {failure}")
                 return 1
         recoveries = sum("playlists taken as" in line for line in stage.log_messages())
-    print(f"{way}: {stopped} of {MOMENTS} runs were stopped before their end")
+    print(f"{way}: {stopped} of {moments} runs were stopped before their end")
     if way == "kill":
         print(f"of which {story.marked} in the marked state, {story.half_written} with a journal")
     print(f"{recoveries} runs took playlists as an interrupted one had captured them")
     # Otherwise nothing was tested.
-    return 0 if stopped >= MOMENTS // 4 and (way == "abort" or story.marked > 0) else 1
+    return 0 if stopped >= moments // 4 and (way == "abort" or story.marked > 0) else 1
 
 
 if __name__ == "__main__":
