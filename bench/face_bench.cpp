@@ -2,11 +2,10 @@
 // nowhere, on a terminal screen and in a window, in turn.
 
 #include <algorithm>
-#include <array>
+#include <cstddef>
 #include <cstdlib>
 #include <fmt/format.h>
 #include <iostream>
-#include <limits>
 #include <span>
 #include <stdexcept>
 #include <string>
@@ -24,7 +23,7 @@ using quillon::bench::Usage;
 
 // The aim: the largest share of a run's processor time that showing it may take.
 constexpr double LargestShare = 0.02;
-constexpr int Repetitions = 5;
+constexpr int Rounds = 15;
 constexpr std::size_t FewTracks = 20;
 
 struct Face {
@@ -48,39 +47,56 @@ std::vector<Face> Faces() {
             {.view = "window", .surroundings = {.environment = DisplayToDrawOn()}}};
 }
 
-/// Processor seconds of an unchanged run for each face: the smallest of runs in turn, since what
-/// lies above is the machine's other work.
-std::vector<double> ProcessorSeconds(const std::vector<Face>& faces, std::size_t tracks) {
+/// The one in the middle.
+double Median(std::vector<double> values) {
+    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+    std::ranges::nth_element(values, middle);
+    return *middle;
+}
+
+/// What an unchanged run takes and what a face adds to it, in processor seconds.
+struct Cost {
+    double whole;
+    double beyondFirst;
+};
+
+/// The cost of each face, beyond that of the first. A machine is now faster, now slower, by more
+/// than a face costs: so a run is compared with the first face's of the same round, and the
+/// median of the rounds counts.
+std::vector<Cost> Costs(const std::vector<Face>& faces, std::size_t tracks) {
     const ReconcileStage stage(QUILLON_PROGRAM, tracks, FileNames::ByNumber);
     // A new library, then one whose tracks get the numbers that they keep.
     stage.Reconcile();
     stage.Reconcile();
-    std::vector<double> least(faces.size(), std::numeric_limits<double>::infinity());
-    for (int i = 0; i < Repetitions; ++i) {
+    std::vector<std::vector<double>> whole(faces.size()), beyondFirst(faces.size());
+    for (int round = 0; round < Rounds; ++round) {
         for (std::size_t k = 0; k < faces.size(); ++k) {
-            const Usage used = stage.Reconcile(faces[k].view, faces[k].surroundings);
-            least[k] = std::min(least[k], used.processor);
+            whole[k].push_back(stage.Reconcile(faces[k].view, faces[k].surroundings).processor);
+            beyondFirst[k].push_back(whole[k].back() - whole[0].back());
         }
     }
-    return least;
+    std::vector<Cost> costs;
+    for (std::size_t k = 0; k < faces.size(); ++k)
+        costs.push_back({.whole = Median(whole[k]), .beyondFirst = Median(beyondFirst[k])});
+    return costs;
 }
 
 int Main(std::span<char*> arguments) {
     const auto sizes = quillon::bench::SizesFrom(
         arguments, "face_bench [TRACKS...]  (default: 100000)", {100'000});
     const std::vector<Face> faces = Faces();
-    const std::vector<double> opening = ProcessorSeconds(faces, FewTracks);
+    const std::vector<Cost> opening = Costs(faces, FewTracks);
     bool met = true;
     std::cout << fmt::format("{:>8} {:>9} {:>12} {:>10} {:>16}\n", "tracks", "face", "processor",
                              "opening", "share of the run");
     for (const std::size_t tracks : sizes) {
-        const std::vector<double> whole = ProcessorSeconds(faces, tracks);
+        const std::vector<Cost> costs = Costs(faces, tracks);
         for (std::size_t k = 0; k < faces.size(); ++k) {
             // A window is opened once, whatever the run has to do after that.
-            const double opened = opening[k] - opening[0];
-            const double share = (whole[k] - whole[0] - opened) / whole[0];
+            const double opened = opening[k].beyondFirst;
+            const double share = (costs[k].beyondFirst - opened) / costs[0].whole;
             std::cout << fmt::format("{:>8} {:>9} {:>10.3f} s {:>8.3f} s {:>14.1f} %\n", tracks,
-                                     faces[k].view, whole[k], opened, 100 * share);
+                                     faces[k].view, costs[k].whole, opened, 100 * share);
             met &= share <= LargestShare;
         }
     }

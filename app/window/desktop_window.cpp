@@ -6,14 +6,16 @@
 #include <unistd.h>
 #include <xcb/xcb.h>
 
+#include "app/window/vector_registers.h"
+
 namespace quillon {
 namespace {
 
 using std::chrono::milliseconds;
 
 /// Drawing takes at most one part in so many of the run's time, beside what it may always take ...
-constexpr int RunsShare = 50;
-constexpr milliseconds AlwaysAllowed{100};
+constexpr int RunsShare = 200;
+constexpr milliseconds AlwaysAllowed{10};
 /// ... and happens no more often than a person can see, but often enough for a click to be heard at
 /// once.
 constexpr milliseconds ShortestInterval{34}, LongestInterval{250};
@@ -74,6 +76,7 @@ void DesktopWindow::Draw(const FormState& state, Clock::time_point now) {
     window_->Update(state, std::chrono::duration_cast<std::chrono::seconds>(now - start_));
     QApplication::processEvents();
     qtIsAtWork = false;
+    FreeVectorRegisters();
     const Clock::time_point end = Clock::now();
     spent_ += end - now;
     nextDraw_ = std::clamp(start_ + (spent_ - AlwaysAllowed) * RunsShare, end + ShortestInterval,

@@ -134,8 +134,9 @@ class Stage:
         self.tool("db", "check", str(self.database))
         if CHECKER.exists():
             confirm_whole(self.database)
+            theirs = dumped(self.database)
             for table in TABLES:
-                confirm_same_rows(table, rows[table], dumped(self.database, table), "mdbcheck",
+                confirm_same_rows(table, rows[table], theirs.get(table, []), "mdbcheck",
                                   null="(Null)")
         leftovers = {".journal", ".marks", ".ldb"} | (set() if interrupted else {".playlists"})
         for leftover in self.disk.iterdir():
@@ -164,9 +165,14 @@ def confirm_whole(database):
         raise Failed(f"mdbcheck finds faults:\n{result.stdout}{result.stderr}")
 
 
-def dumped(database, table):
-    result = subprocess.run([CHECKER, "--dump", database, table], check=True, capture_output=True)
-    return [json.loads(line) for line in result.stdout.decode("utf-8").splitlines()]
+def dumped(database):
+    """The rows of every table that has any, as the structural checker reads them."""
+    result = subprocess.run([CHECKER, "--dump", database], check=True, capture_output=True)
+    tables = {}
+    for line in result.stdout.decode("utf-8").splitlines():
+        row = json.loads(line)
+        tables.setdefault(row["_table"], []).append(row)
+    return tables
 
 
 def confirm_same_rows(table, own, others, reader, null=""):

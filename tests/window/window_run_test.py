@@ -5,6 +5,7 @@ import shutil
 import signal
 import subprocess
 import sys
+import time
 from pathlib import Path
 
 sys.dont_write_bytecode = True
@@ -17,11 +18,13 @@ import sample_library
 import sound_files
 
 PROGRAM, MODULE = sys.argv[1], sys.argv[2]
-ALBUMS, TRACKS = 150, 10
+ALBUMS, TRACKS = 300, 10
 TIME_LIMIT = 240
 LIST = "Old.pla"
 # As high as the window is at least when the phases have begun.
 ALL_INDICATORS = 300
+# The window draws and takes input at least this often, in seconds, and some more.
+BETWEEN_DRAWS = 0.3
 # From the window's lower right corner to the middle of its Abort button.
 ABORT_FROM_CORNER = (45, 20)
 
@@ -135,6 +138,8 @@ def abort_by(stop, library, desktop):
     window = desktop.stop_when(process, lambda found: library.is_amid_albums()
                                and desktop.geometry(found)[3] >= ALL_INDICATORS)
     stop(desktop, window, process)
+    # A run as short as this one must not end before it is time for its next draw.
+    time.sleep(BETWEEN_DRAWS)
     process.send_signal(signal.SIGCONT)
     status, output, errors = library.finish(process)
     expect(f"status after {stop.__name__}: " + output + errors, 3, status)
