@@ -13,8 +13,9 @@ using dialect::QuotedName;
 using dialect::TableName;
 
 constexpr std::int64_t SampleSize = 256;
-/// An index that leaves more rows than this share to look at is not worth its memory.
-constexpr double WorstShare = 0.3;
+/// An index over fewer values than this is not worth its memory. One value may well have most rows:
+/// the others' rows are then found the sooner.
+constexpr std::size_t FewestValues = 3;
 /// An existing index serves as long as the best one would not be better by this factor.
 constexpr double GoodEnough = 4;
 
@@ -41,7 +42,7 @@ void IndexAdvisor::Prepare(const dialect::TableUse& use, const MirrorTable& tabl
     Known& known = known_[&table];
     if (known.generation != table.Generation()) {
         known.generation = table.Generation();
-        known.share.clear();
+        known.columns.clear();
         if (!known.equal.empty() || !known.suffix.empty() || !known.lists.empty())
             sqlite_.Execute("ANALYZE " + TableName(table.Definition().name));
     }
@@ -60,17 +61,17 @@ void IndexAdvisor::Prepare(const dialect::TableUse& use, const MirrorTable& tabl
 
 void IndexAdvisor::PrepareEqual(const dialect::TableUse& use, const MirrorTable& table,
                                 Known& known) {
-    const auto worse = [&](std::size_t a, std::size_t b) {
-        return ShareOfMatches(table, a, known) < ShareOfMatches(table, b, known);
+    const auto better = [&](std::size_t a, std::size_t b) {
+        return Selectivity(table, a, known).share < Selectivity(table, b, known).share;
     };
     const auto& columns = use.equalColumns;
-    const auto best = std::min_element(columns.begin(), columns.end(), worse);
+    const auto best = std::min_element(columns.begin(), columns.end(), better);
     if (best == columns.end() || Contains(known.equal, *best)) return;
-    const double bestShare = ShareOfMatches(table, *best, known);
-    if (bestShare > WorstShare) return;
+    const ColumnSelectivity& found = Selectivity(table, *best, known);
+    if (found.values < FewestValues) return;
     const bool served = std::any_of(columns.begin(), columns.end(), [&](std::size_t column) {
         return Contains(known.equal, column) &&
-               ShareOfMatches(table, column, known) <= GoodEnough * bestShare;
+               Selectivity(table, column, known).share <= GoodEnough * found.share;
     });
     if (served) return;
     Create(table, ColumnName(table, *best));
@@ -89,10 +90,10 @@ void IndexAdvisor::PrepareEntry(const std::vector<dialect::TableUse>& uses,
         if (table.RowCount() < SmallTable) return;
         Known& known = known_[&table];
         for (const std::size_t column : uses[i].valueColumns) {
-            const double share = ShareOfMatches(table, column, known);
-            if (share > WorstShare) continue;
+            const ColumnSelectivity& found = Selectivity(table, column, known);
+            if (found.values < FewestValues) continue;
             if (Contains(known.equal, column)) return;
-            const double matches = share * static_cast<double>(table.RowCount());
+            const double matches = found.share * static_cast<double>(table.RowCount());
             if (entry && matches >= fewest) continue;
             entry = i;
             entryColumn = column;
@@ -104,17 +105,19 @@ void IndexAdvisor::PrepareEntry(const std::vector<dialect::TableUse>& uses,
     known_[tables[*entry]].equal.push_back(entryColumn);
 }
 
-/// Which share of the table has the value of a row picked at random: what is left to look at after
-/// a look-up in an index on this column. Values that many rows have weigh accordingly.
-double IndexAdvisor::ShareOfMatches(const MirrorTable& table, std::size_t column, Known& known) {
-    if (const auto found = known.share.find(column); found != known.share.end())
+const ColumnSelectivity& IndexAdvisor::Selectivity(const MirrorTable& table, std::size_t column,
+                                                   Known& known) {
+    if (const auto found = known.columns.find(column); found != known.columns.end())
         return found->second;
-    const double share = IsUniqueAlone(table.Definition(), column) ? 0 : Sample(table, column);
-    known.share.emplace(column, share);
-    return share;
+    const bool unique = IsUniqueAlone(table.Definition(), column);
+    const auto values = static_cast<std::size_t>(table.RowCount());
+    return known.columns
+        .emplace(column,
+                 unique ? ColumnSelectivity{.share = 0, .values = values} : Sample(table, column))
+        .first->second;
 }
 
-double IndexAdvisor::Sample(const MirrorTable& table, std::size_t column) {
+ColumnSelectivity IndexAdvisor::Sample(const MirrorTable& table, std::size_t column) {
     const TableDefinition& definition = table.Definition();
     const std::string name = TableName(definition.name);
     const std::string key = QuotedName(dialect::KeyColumn);
@@ -140,7 +143,7 @@ double IndexAdvisor::Sample(const MirrorTable& table, std::size_t column) {
     double squares = 0;
     for (const auto& [value, count] : counts)
         squares += static_cast<double>(count) * count;
-    return taken == 0 ? 1 : squares / (taken * taken);
+    return {.share = taken == 0 ? 1 : squares / (taken * taken), .values = counts.size()};
 }
 
 void IndexAdvisor::Create(const MirrorTable& table, const std::string& columns) {

@@ -9,6 +9,14 @@
 
 namespace jet::engine {
 
+/// How well a column tells rows apart, from a sample.
+struct ColumnSelectivity {
+    /// Which part of the table has the value of a row picked at random: what is left to look at
+    /// after a look-up in an index on the column. Values that many rows have weigh accordingly.
+    double share;
+    std::size_t values;  ///< that were met
+};
+
 /// Makes indexes in the in-memory database where statements look rows up, so that none scans a
 /// table for each row of another. A look-up by several fields gets one index, on the field whose
 /// values tell rows apart best.
@@ -29,12 +37,13 @@ class IndexAdvisor {
   private:
     struct Known {
         std::uint64_t generation = 0;
-        std::unordered_map<std::size_t, double> share;  ///< see ShareOfMatches
-        std::vector<std::size_t> equal, suffix;         ///< columns with an index
-        std::vector<std::string> lists;                 ///< indexes by their SQL
+        std::unordered_map<std::size_t, ColumnSelectivity> columns;
+        std::vector<std::size_t> equal, suffix;  ///< columns with an index
+        std::vector<std::string> lists;          ///< indexes by their SQL
     };
-    double ShareOfMatches(const MirrorTable& table, std::size_t column, Known& known);
-    double Sample(const MirrorTable& table, std::size_t column);
+    const ColumnSelectivity& Selectivity(const MirrorTable& table, std::size_t column,
+                                         Known& known);
+    ColumnSelectivity Sample(const MirrorTable& table, std::size_t column);
     void PrepareEqual(const dialect::TableUse& use, const MirrorTable& table, Known& known);
     void Create(const MirrorTable& table, const std::string& columns);
 

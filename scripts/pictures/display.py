@@ -18,10 +18,11 @@ class Display:
     def __init__(self, width, height):
         self.folder = tempfile.TemporaryDirectory(prefix="quillon-display-")
         reading, writing = os.pipe()
-        # With -fbdir the pixels lie in a file, in the format of a window dump.
+        # With -fbdir the pixels lie in a file, in the format of a window dump. A server that resets
+        # itself when nobody is connected brings its pointer back.
         self.server = subprocess.Popen(
             ["Xvfb", "-displayfd", str(writing), "-screen", "0", f"{width}x{height}x24",
-             "-nolisten", "tcp", "-fbdir", self.folder.name],
+             "-nolisten", "tcp", "-noreset", "-fbdir", self.folder.name],
             pass_fds=[writing], stderr=subprocess.DEVNULL)
         os.close(writing)
         with os.fdopen(reading) as answer:
