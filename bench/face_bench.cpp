@@ -76,6 +76,7 @@ std::vector<Cost> Costs(const std::vector<Face>& faces, std::size_t tracks) {
         }
     }
     std::vector<Cost> costs;
+    costs.reserve(faces.size());
     for (std::size_t k = 0; k < faces.size(); ++k)
         costs.push_back({.whole = Median(whole[k]), .beyondFirst = Median(beyondFirst[k])});
     return costs;

@@ -16,10 +16,6 @@ namespace {
 constexpr std::string_view MarkAlbums =
     "UPDATE Albums SET Albums.Tracks = 0 WHERE (((Albums.Player)=1001))";
 
-constexpr std::string_view FindDuplicates =
-    "SELECT First(Albums.CDJID) AS [CDJID Field], Count(Albums.CDJID) AS NumberOfDups "
-    "FROM Albums GROUP BY Albums.CDJID HAVING (((Count(Albums.CDJID))>1))";
-
 constexpr std::string_view MarkTracks =
     "UPDATE Albums INNER JOIN Tracks ON Albums.CDJID = Tracks.CDJID "
     "SET Tracks.Track = 0 WHERE (((Albums.Player)=1001))";
@@ -33,7 +29,7 @@ constexpr std::string_view DeleteTracksWithoutFile =
 /// for the album folders that still exist.
 void DeleteDuplicates(Run& run) {
     for (;;) {
-        const std::unique_ptr<RecordSet> duplicates = run.connection->Query(FindDuplicates);
+        const std::unique_ptr<RecordSet> duplicates = run.connection->Query(DuplicatedIdentifiers);
         if (duplicates->IsEmpty()) return;
         duplicates->MoveFirst();
         const std::string cdjid = duplicates->Text("CDJID Field");

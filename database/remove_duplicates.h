@@ -1,6 +1,13 @@
 #pragma once
 
+#include <string_view>
+
 namespace quillon {
+
+/// The query for identifiers that several albums carry, in its field "CDJID Field".
+constexpr std::string_view DuplicatedIdentifiers =
+    "SELECT First(Albums.CDJID) AS [CDJID Field], Count(Albums.CDJID) AS NumberOfDups "
+    "FROM Albums GROUP BY Albums.CDJID HAVING (((Count(Albums.CDJID))>1))";
 
 class Run;
 

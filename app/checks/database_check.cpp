@@ -8,6 +8,7 @@
 #include <system_error>
 #include <vector>
 
+#include "app/checks/identifiers_check.h"
 #include "app/checks/leftovers_check.h"
 #include "app/checks/writable.h"
 #include "app/database_needs.h"
@@ -166,6 +167,7 @@ void LookInto(const fs::path& path, const Settings& settings, std::ostream& out,
     FindMissing(tables, findings);
     if (!MissingForTheTool(tables).empty()) return;
     CheckGenres(database, findings);
+    CheckIdentifiers(database, findings);
     CheckPaths(database, settings, out, findings);
 } catch (const jet::Error& error) {
     out << "  cannot be used\n";

@@ -102,6 +102,26 @@ TEST_F(CheckDatabase, WarnsWhenItKnowsTheMusicByOtherPaths) {
     EXPECT_EQ(Cautions(), "");
 }
 
+TEST_F(CheckDatabase, WarnsOfAlbumsThatShareAnIdentifier) {
+    for (const char* const cdjid : {"'1'", "'2'", "'2'", "'3'", "'3'", "'3'"}) {
+        Execute(std::string("INSERT INTO Albums (CDJID, Title, Artist, Player) VALUES (") + cdjid +
+                ", 'T', 'A', 1)");
+    }
+    EXPECT_EQ(Check().status, 0);
+    EXPECT_TRUE(Has(Cautions(), "2 identifiers are carried by more than one album"));
+    Execute("DELETE * FROM Albums WHERE CDJID='3'");
+    EXPECT_TRUE(Has(Cautions(), "An identifier is carried by more than one album"));
+    Execute("DELETE * FROM Albums WHERE CDJID='2'");
+    EXPECT_EQ(Cautions(), "");
+}
+
+TEST_F(CheckDatabase, WarnsWhenNoNumberIsLeftForNewAlbums) {
+    Execute("INSERT INTO Albums (CDJID, Player) VALUES ('252E671073EC9998', 1001)");
+    EXPECT_EQ(Cautions(), "");
+    Execute("INSERT INTO Albums (CDJID, Player) VALUES ('252E671073EC9999', 1001)");
+    EXPECT_TRUE(Has(Cautions(), "All further ones get 252E671073EC0000"));
+}
+
 TEST_F(CheckDatabase, SeesThatItIsOpenElsewhere) {
     Write("shelf/jukebox.ldb", LockEntry("JUKEBOX-PC", "Admin"));
     EXPECT_EQ(Check().status, 2);
