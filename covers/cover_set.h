@@ -23,6 +23,10 @@ class CoverSet {
   public:
     void Add(std::string name, std::string path);
 
+    /// Not every image could be looked at: from not finding one nothing may be concluded.
+    void NoteUnseen() { isWhole_ = false; }
+    bool IsWhole() const { return isWhole_; }
+
     bool IsEmpty() const { return covers_.empty(); }
     const std::vector<Cover>& InOrder() const { return covers_; }
 
@@ -36,6 +40,7 @@ class CoverSet {
     Cover* Find(const Index& index, const std::string& key);
 
     std::vector<Cover> covers_;
+    bool isWhole_ = true;
     Index byName_, byNameWithoutApostrophes_;  ///< positions of the first of each name
 };
 

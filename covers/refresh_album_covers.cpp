@@ -30,15 +30,41 @@ void SetImageFile(RecordSet& album, const std::string& path) {
     album.Update();
 }
 
+/// Whether an album whose image was not found loses it. A cover folder without any image looks like
+/// the mount point of a drive that is away.
+bool MayEmptyImages(Run& run, const CoverSet& covers) {
+    if (!covers.IsWhole()) return false;
+    const bool isDoubtful =
+        covers.IsEmpty() && run.removals.limits.Brake && !run.removals.allAllowed;
+    return !isDoubtful;
+}
+
 void CompareAlbums(Run& run, RecordSet& albums, CoverSet& covers) {
+    const bool mayEmpty = MayEmptyImages(run, covers);
+    std::size_t kept = 0;
     run.StartCountingRows("Albums");
     for (; !albums.IsEof(); albums.MoveNext(), run.CountDone()) {
         run.ProcessEvents();
         const std::string imageFile = albums.Text("ImageFile");
         if (imageFile.empty()) continue;
         Cover* const cover = findExactRecord(run, covers, FileName(imageFile));
-        if (cover != nullptr) cover->processed = true;
-        SetImageFile(albums, cover != nullptr ? cover->path : "");
+        if (cover != nullptr) {
+            cover->processed = true;
+            SetImageFile(albums, cover->path);
+        } else if (mayEmpty) {
+            SetImageFile(albums, "");
+        } else {
+            ++kept;
+        }
+    }
+    if (kept > 0) {
+        LogError(
+            run, LogSource,
+            "Album Covers: " + std::to_string(kept) +
+                (kept == 1 ? " album keeps its image" : " albums keep their images") + ", which " +
+                (kept == 1 ? "was" : "were") + " not found, because " +
+                (covers.IsEmpty() ? "there is no image at all" : "not all could be looked at") +
+                ". See to the drives and folders and run again");
     }
 }
 

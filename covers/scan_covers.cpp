@@ -32,7 +32,8 @@ void RequireFolder(Run& run, const std::string& folder) {
 /// the folder's order has it.
 void AddCoverFolder(Run& run, const std::string& folder, CoverSet& covers) {
     RequireFolder(run, folder);
-    const std::vector<FileEntry> files = run.files.FilesIn(folder);
+    const Listing<FileEntry> files = run.files.FilesIn(folder);
+    if (!files.unseen.empty()) covers.NoteUnseen();
     for (const FileEntry& file : files) {
         if (HasExtension(file.name, ".jpg")) covers.Add(file.name, file.path);
     }
@@ -47,11 +48,20 @@ void AddCoverFolder(Run& run, const std::string& folder, CoverSet& covers) {
 /// has both pointed at in the database.
 void AddLibraryTree(Run& run, const std::string& reservedFolder, CoverSet& covers) {
     RequireFolder(run, run.settings.LibraryRoot);
-    for (const FolderEntry& artist : Counted(run, run.files.SubFolders(run.settings.LibraryRoot))) {
+    const auto noteUnseen = [&covers](const auto& listing) {
+        if (!listing.unseen.empty()) covers.NoteUnseen();
+    };
+    const Listing<FolderEntry> artists = run.files.SubFolders(run.settings.LibraryRoot);
+    noteUnseen(artists);
+    for (const FolderEntry& artist : Counted(run, artists)) {
         run.ProcessEvents();
-        for (const FolderEntry& album : run.files.SubFolders(artist.path)) {
+        const Listing<FolderEntry> albums = run.files.SubFolders(artist.path);
+        noteUnseen(albums);
+        for (const FolderEntry& album : albums) {
             if (EqualIgnoringCase(album.name, reservedFolder)) continue;
-            for (const FileEntry& file : run.files.FilesIn(album.path)) {
+            const Listing<FileEntry> files = run.files.FilesIn(album.path);
+            noteUnseen(files);
+            for (const FileEntry& file : files) {
                 if (HasExtension(file.name, ".jpg") || HasExtension(file.name, ".gif"))
                     covers.Add(file.name, file.path);
             }

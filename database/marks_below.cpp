@@ -74,9 +74,10 @@ class PartialRestoration {
             MarkedValue number;
         };
         std::vector<Change> changes;
-        std::map<std::string, std::unordered_set<std::int64_t>> unnumbered;
+        std::map<std::string, std::unordered_set<std::int64_t>> unsettled;
         const auto rows = connection_.Query(
-            "SELECT Tracks.ID, Tracks.CDJID, Tracks.Track, Tracks.SoundFile, Tracks.DateAdded "
+            "SELECT Tracks.ID, Tracks.CDJID, Tracks.Track, Tracks.SoundFile, Tracks.DateAdded, "
+            "Albums.Tracks AS AlbumTracks "
             "FROM Albums INNER JOIN Tracks ON Albums.CDJID = Tracks.CDJID "
             "WHERE Albums.Player=1001 AND (Tracks.Track=0 OR Albums.Tracks=0)");
         for (; !rows->IsEof(); rows->MoveNext()) {
@@ -91,16 +92,18 @@ class PartialRestoration {
             // The comparison of tags may have given it another number before the folder came out of
             // reach. Where the walk has been, the album has its count again.
             if (known && before->number != present) changes.push_back({id, before->number});
-            if (!known && present <= 0) unnumbered[cdjid].insert(id);
+            // Where the walk has been, it has handed out numbers to the files that it saw.
+            const bool isShared = rows->Integer("AlbumTracks") != 0;
+            if (isShared || (!known && present <= 0)) unsettled[cdjid].insert(id);
         }
         const auto cursor = connection_.OpenTable("Tracks");
         for (const Change& change : changes)
             Write(*cursor, change.id, "Track", change.number);
-        std::size_t count = changes.size();
-        for (const auto& [cdjid, ids] : unnumbered) {
+        for (const auto& [cdjid, ids] : unsettled)
             NumberApart(connection_, *cursor, cdjid, ids);
-            count += ids.size();
-        }
+        std::size_t count = 0;
+        for (const auto& [cdjid, tracks] : keptTracks_)
+            count += static_cast<std::size_t>(tracks);
         return count;
     }
 
@@ -111,10 +114,15 @@ class PartialRestoration {
         };
         std::vector<Change> changes;
         const auto rows = connection_.Query(
-            "SELECT ID, CDJID, Title, Artist FROM Albums WHERE Player=1001 AND Tracks=0");
+            "SELECT ID, CDJID, Title, Artist, Tracks FROM Albums WHERE Player=1001");
         for (; !rows->IsEof(); rows->MoveNext()) {
             const std::int64_t id = rows->Integer("ID");
             const auto kept = keptTracks_.find(LowerCase(rows->Text("CDJID")));
+            if (const std::int64_t seen = rows->Integer("Tracks"); seen != 0) {
+                if (kept != keptTracks_.end())
+                    changes.push_back({id, static_cast<std::int32_t>(seen) + kept->second});
+                continue;
+            }
             const MarkedAlbum* const before = snapshot_.FindAlbum(id);
             const bool countKnown = before != nullptr && before->count != 0;
             if (kept == keptTracks_.end() &&

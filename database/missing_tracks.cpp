@@ -6,9 +6,9 @@
 
 namespace quillon {
 
-void DeleteMissingTracks(Run& run) {
+bool DeleteMissingTracks(Run& run) {
     Steps steps(run, "Delete Missing Tracks Error:");
-    steps.Try(0, [&run] {
+    return steps.Try(0, [&run] {
         const auto tracks = run.connection->Execute(
             "DELETE Tracks.* FROM Tracks INNER JOIN Albums ON Tracks.CDJID = Albums.CDJID "
             "WHERE (((Albums.Player)=1001) AND ((Tracks.Track)=0))");

@@ -25,6 +25,36 @@ constexpr std::string_view DeleteTracksWithoutFile =
     "WHERE (((Albums.Player)=1001) AND ((Tracks.SoundFile) Is Null)) "
     "OR (((Albums.Player)=1001) AND ((Tracks.SoundFile)=\"\"))";
 
+constexpr std::string_view WithDuplicatedIdentifier =
+    "SELECT Tracks.SoundFile, Tracks.Title FROM Tracks WHERE CDJID In "
+    "(SELECT CDJID FROM Albums GROUP BY CDJID HAVING Count(*)>1)";
+
+constexpr std::string_view WithoutFile =
+    "SELECT Tracks.SoundFile, Tracks.Title FROM Tracks INNER JOIN Albums "
+    "ON Tracks.CDJID = Albums.CDJID "
+    "WHERE (((Albums.Player)=1001) AND ((Tracks.SoundFile) Is Null)) "
+    "OR (((Albums.Player)=1001) AND ((Tracks.SoundFile)=\"\"))";
+
+constexpr std::string_view CountTracks = "SELECT Count(*) AS Total FROM Tracks";
+
+void AddNames(Run& run, std::string_view query, std::vector<std::string>& names) {
+    const std::unique_ptr<RecordSet> rows = run.connection->Query(query);
+    for (; !rows->IsEof(); rows->MoveNext()) {
+        const std::string soundFile = rows->Text("SoundFile");
+        names.push_back(soundFile.empty() ? rows->Text("Title") : soundFile);
+    }
+}
+
+/// The tracks of both kinds that are removed here.
+PlannedRemoval Unreconcilable(Run& run) {
+    PlannedRemoval planned{.kind = Removable::Tracks, .names = {}};
+    AddNames(run, WithDuplicatedIdentifier, planned.names);
+    AddNames(run, WithoutFile, planned.names);
+    if (planned.names.empty()) return planned;
+    planned.outOf = static_cast<std::size_t>(run.connection->Query(CountTracks)->Integer("Total"));
+    return planned;
+}
+
 /// One identifier a pass, all its rows and whatever their player: the folder walk makes fresh rows
 /// for the album folders that still exist.
 void DeleteDuplicates(Run& run) {
@@ -55,16 +85,27 @@ void RemoveDuplicates(Run& run) {
         steps.TryAs("Remove Duplicates Error on Album Tracks=0 Query:", 1,
                     [&run] { run.connection->Execute(MarkAlbums); });
     }
-    steps.TryAs("Remove Duplicates Error on Delete Duplicate Query:", 2,
-                [&run] { DeleteDuplicates(run); });
+    PlannedRemoval planned;
+    const bool mayRemove =
+        steps.Try(0, [&] { planned = Unreconcilable(run); }) && run.removals.Allow(run, planned);
+    bool removed = mayRemove;
+    if (mayRemove) {
+        removed = steps.TryAs("Remove Duplicates Error on Delete Duplicate Query:", 2,
+                              [&run] { DeleteDuplicates(run); });
+    }
     if (mayMark) {
         steps.TryAs("Remove Duplicates Error on Track=0 Query:", 3,
                     [&run] { run.connection->Execute(MarkTracks); });
     }
-    steps.TryAs("Remove Duplicates Error on SoundFile=Null Query:", 4, [&run] {
-        const auto tracks = run.connection->Execute(DeleteTracksWithoutFile);
-        run.counts.tracksRemoved += static_cast<std::size_t>(tracks);
-    });
+    if (mayRemove) {
+        removed &= steps.TryAs("Remove Duplicates Error on SoundFile=Null Query:", 4, [&run] {
+            const auto tracks = run.connection->Execute(DeleteTracksWithoutFile);
+            run.counts.tracksRemoved += static_cast<std::size_t>(tracks);
+        });
+    }
+    if (!removed) return;
+    for (const std::string& name : planned.names)
+        run.removals.Note(Removable::Tracks, name);
 }
 
 }  // namespace quillon

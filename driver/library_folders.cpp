@@ -1,10 +1,9 @@
 #include "driver/library_folders.h"
 
-#include <memory>
 #include <string>
 #include <string_view>
 
-#include "platform/basic_text.h"
+#include "run/library_lists.h"
 #include "run/paths.h"
 
 namespace quillon {
@@ -16,14 +15,6 @@ FolderEntry FolderAt(std::string_view written) {
     return {std::move(path), std::move(name)};
 }
 
-void AddListedFolders(Files& files, const std::string& list, std::vector<FolderEntry>& folders) {
-    const std::unique_ptr<TextReader> reader = files.OpenText(list);
-    while (!reader->AtEndOfStream()) {
-        const std::string line = reader->ReadLine();
-        if (!line.empty() && files.FolderExists(line)) folders.push_back(FolderAt(line));
-    }
-}
-
 }  // namespace
 
 std::vector<FolderEntry> BuildLibraryFolders(Files& files, const Settings& settings) {
@@ -31,11 +22,10 @@ std::vector<FolderEntry> BuildLibraryFolders(Files& files, const Settings& setti
     if (root.empty() || !files.FolderExists(root)) return {};
     if (!settings.LibraryDepthOption) return {FolderAt(root)};
 
-    std::vector<FolderEntry> folders = files.SubFolders(root);
-    for (const FileEntry& file : files.FilesIn(root)) {
-        if (LowerCase(file.name).find(".txt") != std::string::npos) {
-            AddListedFolders(files, file.path, folders);
-        }
+    std::vector<FolderEntry> folders = files.SubFolders(root).entries;
+    for (const std::string& line : ListedLibraryFolders(files, root)) {
+        // Walking one of which nobody can tell says what is wrong with it, and keeps its rows.
+        if (FolderMayExist(files, line)) folders.push_back(FolderAt(line));
     }
     return folders;
 }

@@ -20,7 +20,7 @@ constexpr int OpenStep = 1, ListStep = 2;
 std::vector<FolderEntry> SubFolders(TagWalk& walk, const FolderEntry& folder) {
     std::vector<FolderEntry> folders;
     walk.steps.Concerning(folder.path);
-    walk.steps.Try(ListStep, [&] { folders = walk.run.files.SubFolders(folder.path); });
+    walk.steps.Try(ListStep, [&] { folders = walk.run.files.SubFolders(folder.path).entries; });
     return folders;
 }
 

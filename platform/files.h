@@ -25,6 +25,24 @@ struct FolderEntry {
     std::string name;
 };
 
+/// A folder's files, or its folders, in name order.
+template <typename Entry>
+struct Listing {
+    std::vector<Entry> entries;
+
+    /// Paths of entries that are there but could not be looked at: the disk failed, or a link leads
+    /// to where nothing is at present. Each may be a file or a folder. What they stand for is not
+    /// gone, so nobody may act as if it were. The adapter tells each as an error, once.
+    std::vector<std::string> unseen;
+
+    auto begin() { return entries.begin(); }
+    auto end() { return entries.end(); }
+    auto begin() const { return entries.begin(); }
+    auto end() const { return entries.end(); }
+    std::size_t size() const { return entries.size(); }
+    bool empty() const { return entries.empty(); }
+};
+
 /// What was seen of a file's end.
 struct FileEnd {
     std::uint64_t size = 0;           ///< of the whole file, in bytes
@@ -69,18 +87,21 @@ class Files {
   public:
     virtual ~Files() = default;
 
-    /// These two never fail: what cannot be reached or cannot be a path does not exist.
+    /// Whether there is a folder (a file) of this path. False where that is certain: nothing has
+    /// the name, the path is none, its drive is not mapped. Failure where nobody can tell: an error
+    /// of the disk, no right to look, a link that leads to where nothing is at present.
     virtual bool FolderExists(std::string_view path) = 0;
     virtual bool FileExists(std::string_view path) = 0;
 
     /// Whether the first folder is the second or lies in it, by whatever drive, share or link they
-    /// are named; false when either does not exist. Never fails.
+    /// are named; false when either does not exist. Failure as above.
     virtual bool IsWithin(std::string_view folder, std::string_view outer) = 0;
 
     /// Folders and files directly inside a folder. Entries that Windows could not show are left out
-    /// (the adapter notes each once in the log). Failure: PathNotFound, PermissionDenied.
-    virtual std::vector<FolderEntry> SubFolders(std::string_view folder) = 0;
-    virtual std::vector<FileEntry> FilesIn(std::string_view folder) = 0;
+    /// (the adapter notes each once in the log). Failure: PathNotFound, PermissionDenied; also when
+    /// the folder could not be read to its end.
+    virtual Listing<FolderEntry> SubFolders(std::string_view folder) = 0;
+    virtual Listing<FileEntry> FilesIn(std::string_view folder) = 0;
 
     /// Failure: FileNotFound.
     virtual FileEntry GetFile(std::string_view path) = 0;
@@ -121,5 +142,8 @@ class Files {
     virtual void WriteEnd(std::string_view path, const FileEnd& seen, std::uint64_t position,
                           std::span<const std::uint8_t> bytes) = 0;
 };
+
+/// False only where it is certain that there is no such folder.
+bool FolderMayExist(Files& files, std::string_view path);
 
 }  // namespace quillon

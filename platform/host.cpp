@@ -11,4 +11,11 @@ bool IsSwitchedOn(std::string_view value) {
     return ToNumber(value).value_or(0) != 0;
 }
 
+bool IsSwitchedOff(std::string_view value) {
+    for (const std::string_view word : {"no", "off", "false"}) {
+        if (EqualIgnoringCase(value, word)) return true;
+    }
+    return ToNumber(value) == 0.0;
+}
+
 }  // namespace quillon

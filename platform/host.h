@@ -12,6 +12,9 @@ constexpr std::string_view HostSettingsFile = "host.ini";
 /// Whether a value in that file says yes: "yes", "on", "true" or a number other than 0.
 bool IsSwitchedOn(std::string_view value);
 
+/// Whether it plainly says no: "no", "off", "false" or the number 0.
+bool IsSwitchedOff(std::string_view value);
+
 /// The home-automation host that the tool runs beside: it keeps the settings and the log.
 class Host {
   public:

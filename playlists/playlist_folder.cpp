@@ -19,7 +19,7 @@ bool PlaylistFolderExists(Run& run) {
 }
 
 std::vector<FileEntry> PlaylistFiles(Run& run) {
-    std::vector<FileEntry> files = run.files.FilesIn(FolderPath(run));
+    std::vector<FileEntry> files = run.files.FilesIn(FolderPath(run)).entries;
     const std::string database = LowerCase(run.settings.Nirvis_CDJ_DB);
     std::erase_if(files, [&database](const FileEntry& file) {
         return !database.empty() && LowerCase(file.path).starts_with(database);

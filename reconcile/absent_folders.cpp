@@ -1,11 +1,10 @@
 #include "reconcile/absent_folders.h"
 
 #include <algorithm>
-#include <memory>
 
 #include "database/marks.h"
-#include "platform/basic_text.h"
 #include "platform/files.h"
+#include "run/library_lists.h"
 #include "run/log.h"
 #include "run/paths.h"
 #include "run/run.h"
@@ -15,17 +14,14 @@ namespace quillon {
 std::vector<std::string> AbsentLibraryFolders(Run& run) {
     std::vector<std::string> absent;
     if (!run.settings.LibraryDepthOption) return absent;
-    for (const FileEntry& file : run.files.FilesIn(run.settings.LibraryRoot)) {
-        if (LowerCase(file.name).find(".txt") == std::string::npos) continue;
-        const std::unique_ptr<TextReader> lines = run.files.OpenText(file.path);
-        while (!lines->AtEndOfStream()) {
-            std::string line = lines->ReadLine();
-            const std::string drive = GetDrive(AddBackslash(line));
-            const bool isPath = drive.ends_with(':') || drive.starts_with("\\\\");
-            if (isPath && !run.files.FolderExists(line) &&
-                std::find(absent.begin(), absent.end(), line) == absent.end()) {
-                absent.push_back(std::move(line));
-            }
+    // A folder in the root that cannot be looked at may be a library folder.
+    absent = run.files.SubFolders(run.settings.LibraryRoot).unseen;
+    for (std::string& line : ListedLibraryFolders(run.files, run.settings.LibraryRoot)) {
+        const std::string drive = GetDrive(AddBackslash(line));
+        const bool isPath = drive.ends_with(':') || drive.starts_with("\\\\");
+        if (isPath && !FolderMayExist(run.files, line) &&
+            std::find(absent.begin(), absent.end(), line) == absent.end()) {
+            absent.push_back(std::move(line));
         }
     }
     return absent;

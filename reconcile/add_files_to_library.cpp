@@ -29,7 +29,7 @@ bool IsImage(const FileEntry& file) {
 }
 
 /// The path of the first image, "" when there is none.
-std::string FindCover(const std::vector<FileEntry>& files) {
+std::string FindCover(const Listing<FileEntry>& files) {
     const auto found = std::find_if(files.begin(), files.end(), IsImage);
     return found == files.end() ? "" : found->path;
 }
@@ -45,7 +45,7 @@ void AddFolder(Adding& adding, std::string_view artist, std::string_view album,
             LogError(run, LogSource, "AddFolder, " + folder + " belongs to the library already");
             return;
         }
-        const std::vector<FileEntry> files = run.files.FilesIn(folder);
+        const Listing<FileEntry> files = run.files.FilesIn(folder);
         const std::string cover = FindCover(files);
         if (isOutermost) run.StartCounting(files.size());
         for (const FileEntry& file : files) {
@@ -56,7 +56,7 @@ void AddFolder(Adding& adding, std::string_view artist, std::string_view album,
             }
             if (isOutermost) run.CountDone();
         }
-        const std::vector<FolderEntry> subfolders = run.files.SubFolders(folder);
+        const Listing<FolderEntry> subfolders = run.files.SubFolders(folder);
         if (isOutermost) run.StartCounting(subfolders.size());
         for (const FolderEntry& subfolder : subfolders) {
             if (run.AbortRequested) return;

@@ -17,6 +17,7 @@
 #include "reconcile/walk.h"
 #include "run/counted.h"
 #include "run/excluded_artists.h"
+#include "run/sound_files.h"
 #include "run/steps.h"
 
 namespace quillon {
@@ -30,6 +31,7 @@ bool HoldsQuote(const ListedFile& file) {
 void ProcessAlbum(Walk& walk, Album album, FileList files) {
     album.cdjid = ProcessOneAlbum(walk, album.artist, album.title, album.trackCount);
     if (album.trackCount == 0) return;
+    walk.musicSeen = true;
     // The album could not be matched, and it is logged why. Files whose own look-up would work keep
     // their rows as they are; the others run into the same refusal, each with its log line.
     if (album.cdjid == NoCdjid) {
@@ -50,41 +52,54 @@ class TreeWalk {
     void Refresh(const FolderEntry& topFolder) {
         Run& run = walk_.run;
         int counter = 0;
-        for (const FolderEntry& artist : Counted(run, SubFolders(topFolder, "", ""))) {
+        for (const FolderEntry& artist : Counted(run, SubFolders(topFolder, ""))) {
             ++counter;
             run.ShowItem(std::to_string(counter) +
                          ". Reconcile Folder Tracks with Database for Artist " + artist.name);
             if (run.AbortRequested) return;
-            if (!excluded_.Contains(artist.name)) RefreshArtist(artist);
+            if (excluded_.Contains(artist.name)) {
+                walk_.musicSeen = true;
+            } else {
+                RefreshArtist(artist);
+            }
         }
     }
 
   private:
     void RefreshArtist(const FolderEntry& artist) {
-        for (const FolderEntry& album : SubFolders(artist, artist.name, ""))
+        for (const FolderEntry& album : SubFolders(artist, artist.name))
             RefreshAlbum(artist.name, album);
     }
 
     void RefreshAlbum(const std::string& artist, const FolderEntry& folder) {
         Album album{.artist = artist, .title = folder.name, .trackCount = 0, .cdjid = {}};
         FileList files;
+        bool seenWhole = false;
         const bool listed = steps_.Try(2, [&] {
-            files = ProcessAlbumTracks(walk_.run.files.FilesIn(folder.path));
+            const Listing<FileEntry> found = walk_.run.files.FilesIn(folder.path);
+            seenWhole = std::none_of(found.unseen.begin(), found.unseen.end(), IsSoundFile);
+            files = ProcessAlbumTracks(found.entries);
             album.trackCount = FileCount(files.size());
         });
-        if (!listed) {
+        // Numbers handed out while a song is out of sight would be those of its neighbours.
+        if (!listed || !seenWhole) {
             walk_.unlisted.push_back({folder.path, artist, folder.name});
             return;
         }
         ProcessAlbum(walk_, std::move(album), std::move(files));
     }
 
-    std::vector<FolderEntry> SubFolders(const FolderEntry& folder, const std::string& artist,
-                                        const std::string& album) {
-        std::vector<FolderEntry> folders;
+    /// The folders in a root (`artist` is "") or in an artist's folder.
+    std::vector<FolderEntry> SubFolders(const FolderEntry& folder, const std::string& artist) {
+        Listing<FolderEntry> folders;
         if (!steps_.Try(2, [&] { folders = walk_.run.files.SubFolders(folder.path); }))
-            walk_.unlisted.push_back({folder.path, artist, album});
-        return folders;
+            walk_.unlisted.push_back({folder.path, artist, ""});
+        for (const std::string& path : folders.unseen) {
+            const std::string name = path.substr(path.rfind('\\') + 1);
+            const bool isArtist = artist.empty();
+            walk_.unlisted.push_back({path, isArtist ? name : artist, isArtist ? "" : name});
+        }
+        return std::move(folders.entries);
     }
 
     Walk& walk_;
@@ -99,8 +114,13 @@ class FlatWalk {
 
     void Refresh(const FolderEntry& topFolder) {
         const bool listed = steps_.Try(3, [&] {
-            for (FileEntry& file : Counted(walk_.run, walk_.run.files.FilesIn(topFolder.path)))
+            Listing<FileEntry> files = walk_.run.files.FilesIn(topFolder.path);
+            for (const std::string& path : files.unseen)
+                walk_.unlisted.push_back({path, "", ""});
+            for (FileEntry& file : Counted(walk_.run, files)) {
+                if (IsSoundFile(file.name)) walk_.musicSeen = true;
                 Group(std::move(file));
+            }
         });
         if (!listed) {
             walk_.unlisted.push_back({topFolder.path, "", ""});

@@ -9,6 +9,7 @@
 #include "platform/files.h"
 #include "reconcile/absent_folders.h"
 #include "reconcile/folder_walk.h"
+#include "reconcile/missing_music.h"
 #include "reconcile/walk.h"
 #include "run/log.h"
 #include "run/run.h"
@@ -40,16 +41,27 @@ void RefreshDatabase(Run& run) {
 
     Walk walk(run);
     steps.Try(1, [&] { walk.before = NumbersBefore(run); });
-    for (const FolderEntry& folder : run.LibraryFolders)
+    std::vector<bool> hasMusic;
+    for (const FolderEntry& folder : run.LibraryFolders) {
+        walk.musicSeen = false;
         RefreshDatabaseFolder(walk, folder);
+        hasMusic.push_back(walk.musicSeen);
+    }
     if (run.AbortRequested) return;
 
     const bool othersKept = steps.Try(3, [&] {
         RestoreMarksBelow(run, walk.unlisted);
         KeepRowsOfAbsentFolders(run);
     });
-    if (!othersKept) return;
-    DeleteMissingTracks(run);
+    // What is still marked gets its numbers back, since the snapshot stays.
+    if (!othersKept || run.removals.Braked()) return;
+    PlannedRemoval missing;
+    const bool known = steps.Try(3, [&] { missing = MissingTracks(run, hasMusic); });
+    if (!known || !run.removals.Allow(run, missing)) return;
+    if (DeleteMissingTracks(run)) {
+        for (const std::string& name : missing.names)
+            run.removals.Note(Removable::Tracks, name);
+    }
     steps.TryAs("Refresh Database Track=0 Query", 3, [&run] { DeleteMissingAlbums(run); });
     steps.Try(3, [&run] { DiscardMarkSnapshot(run); });
 }

@@ -23,6 +23,7 @@ struct Walk {
     std::unique_ptr<RecordSet> albums, tracks;  ///< table cursors
     MarkSnapshot before;                        ///< counts and numbers before they were marked
     std::vector<UnlistedFolder> unlisted;       ///< what could not be visited
+    bool musicSeen = false;  ///< the root in hand holds music, or artists that are left out
 };
 
 /// An album that is being processed.

@@ -15,6 +15,7 @@
 #include "platform/window.h"
 #include "run/playlist_entries.h"
 #include "run/random_numbers.h"
+#include "run/removals.h"
 #include "run/settings.h"
 
 namespace quillon {
@@ -28,7 +29,11 @@ struct RunCounts {
     /// Playlist files made or converted, rewritten because entries had changed, and deleted because
     /// none was left.
     std::size_t playlistsWritten = 0, playlistsRepaired = 0, playlistsRemoved = 0;
-    std::size_t errors = 0;  ///< calls of LogError
+    /// Music files and covers, in the order of the words.
+    std::size_t filesRenamed = 0, filesRemoved = 0, filesCopied = 0;
+    std::size_t rowsRepointed = 0;  ///< rows whose stored path has become another one
+    std::size_t leftOut = 0;        ///< music files and folders that the layout has no place for
+    std::size_t errors = 0;         ///< calls of LogError
 };
 
 /// The run-wide objects, made once and passed by reference to every phase. Phases read settings
@@ -90,6 +95,9 @@ class Run {
     bool AbortRequested = false;
 
     RunCounts counts;
+
+    /// What may go away, and what has gone.
+    Removals removals;
 };
 
 }  // namespace quillon

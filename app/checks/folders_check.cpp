@@ -82,8 +82,10 @@ Standing StandingOf(PathResolver& resolver, const NamedFolder& folder) try {
     const std::filesystem::directory_iterator entries(local, error);
     if (error) return Standing::Unreadable;
     return IsWritable(local) ? Standing::There : Standing::WriteProtected;
-} catch (const Failure&) {
-    return Standing::NoPath;
+} catch (const Failure& failure) {
+    const bool isNoPath = failure.Number() == FailureNumber::BadFileName ||
+                          failure.Number() == FailureNumber::PathNotFound;
+    return isNoPath ? Standing::NoPath : Standing::Unreadable;
 }
 
 std::string_view StandingText(Standing standing, bool isMade) {
@@ -138,6 +140,13 @@ std::string Objection(const NamedFolder& folder, Standing standing) {
     return "";
 }
 
+/// False where it cannot be told; the table of folders shows which one cannot be looked at.
+bool IsWithin(Files& files, const std::string& folder, const std::string& outer) try {
+    return files.IsWithin(folder, outer);
+} catch (const Failure&) {
+    return false;
+}
+
 bool IsSet(std::string_view path) {
     return !path.empty() && path != "\\";
 }
@@ -145,8 +154,8 @@ bool IsSet(std::string_view path) {
 void CheckSource(Files& files, const Settings& settings, Findings& findings) {
     const std::string& source = settings.FromFilesPath;
     const std::string& root = settings.LibraryRoot;
-    const bool isInside = files.IsWithin(source, root);
-    const bool isAround = files.IsWithin(root, source);
+    const bool isInside = IsWithin(files, source, root);
+    const bool isAround = IsWithin(files, root, source);
     if (!isInside && !isAround) return;
     const std::string_view how = isInside && isAround ? "is the library itself"
                                  : isInside           ? "lies in the library"
@@ -159,7 +168,7 @@ void CheckSource(Files& files, const Settings& settings, Findings& findings) {
 
 /// None where the folder cannot be listed, which is told of elsewhere.
 std::vector<FileEntry> FilesIn(Files& files, const std::string& folder) try {
-    return files.FilesIn(folder);
+    return files.FilesIn(folder).entries;
 } catch (const Failure&) {
     return {};
 }
@@ -221,8 +230,8 @@ void CheckLibraryFolders(Files& files, const Settings& settings, Findings& findi
 
 void CheckOverlaps(Files& files, const Settings& settings, Findings& findings) {
     CheckSource(files, settings, findings);
-    const bool sameFolder = files.IsWithin(settings.PlayListPath, settings.PlayListPath2) &&
-                            files.IsWithin(settings.PlayListPath2, settings.PlayListPath);
+    const bool sameFolder = IsWithin(files, settings.PlayListPath, settings.PlayListPath2) &&
+                            IsWithin(files, settings.PlayListPath2, settings.PlayListPath);
     if (sameFolder) {
         findings.Caution(fmt::format(
             "PlayListPath and PlayListPath2 are the same folder ({}): a reconciliation takes .m3u "
@@ -231,7 +240,7 @@ void CheckOverlaps(Files& files, const Settings& settings, Findings& findings) {
     }
     for (const auto& [name, path] : {std::pair("PlayListPath", settings.PlayListPath),
                                      std::pair("PlayListPath2", settings.PlayListPath2)}) {
-        if (!files.IsWithin(path, settings.LibraryRoot)) continue;
+        if (!IsWithin(files, path, settings.LibraryRoot)) continue;
         findings.Caution(
             fmt::format("{} ({}) lies in the library ({}), where its backups would "
                         "look like artists. Name a folder outside of it",

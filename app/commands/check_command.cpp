@@ -79,7 +79,7 @@ void TellVerdict(const Findings& findings, std::ostream& out) {
 }  // namespace
 
 int Check(const CheckRequest& request, Console console) {
-    LocalHost local(request.host, [](const std::string&) {});
+    LocalHost local(request.host, [](LogKind, const std::string&) {});
     std::ostream& out = console.out;
     Findings findings;
     out << fmt::format("Host folder      {}\n", OneLine(local.host.Folder().string()));

@@ -18,8 +18,10 @@ namespace quillon {
 int RunLibrary(const RunRequest& request) {
     const auto start = std::chrono::steady_clock::now();
     Run* current = nullptr;
-    LocalHost local(request.host, [&current](const std::string& message) {
-        if (current != nullptr) WriteLog(*current, LogSource, message);
+    LocalHost local(request.host, [&current](LogKind kind, const std::string& message) {
+        if (current == nullptr) return;
+        if (kind == LogKind::Error) return LogError(*current, LogSource, message);
+        WriteLog(*current, LogSource, message);
     });
     // Before the view, which would otherwise leave signals to the terminal library.
     const AbortSignals signals;

@@ -45,7 +45,7 @@ Preview::Site FindSite(LocalHost& local) {
 }  // namespace
 
 int Serve(const ServeRequest& request, Console console) {
-    LocalHost local(request.host, [](const std::string&) {});
+    LocalHost local(request.host, [](LogKind, const std::string&) {});
     const Preview::Site site = FindSite(local);
     Preview preview(site, local.clock);
     StopSignals signals;

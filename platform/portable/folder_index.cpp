@@ -1,10 +1,12 @@
 #include "platform/portable/folder_index.h"
 
+#include <cerrno>
 #include <sys/stat.h>
 #include <utility>
 
 #include "platform/basic_text.h"
 #include "platform/portable/folder_stream.h"
+#include "platform/portable/system_failure.h"
 #include "platform/portable/windows_path.h"
 
 namespace quillon {
@@ -36,37 +38,40 @@ void FolderIndex::Listing::Add(std::string name) {
     if (entry.name.empty() || name < entry.name) entry.name = std::move(name);
 }
 
-bool FolderIndex::ReadStamp(const std::string& folder, Stamp& stamp) {
+int FolderIndex::ReadStamp(const std::string& folder, Stamp& stamp) {
     struct stat facts{};
-    if (stat(folder.c_str(), &facts) != 0) return false;
+    if (stat(folder.c_str(), &facts) != 0) return errno;
     stamp = {facts.st_dev, facts.st_ino, facts.st_mtim, facts.st_ctim};
-    return true;
+    return 0;
 }
 
-bool FolderIndex::ReadNames(const std::string& folder, Listing& listing) {
+FolderIndex::Listing FolderIndex::ReadNames(const std::string& folder) {
     const FolderStream stream = OpenFolder(folder);
-    if (!stream) return false;
-    listing.names.clear();
-    while (const dirent* const entry = readdir(stream.get())) {
+    if (!stream) throw SystemFailure(errno, folder);
+    Listing listing;
+    while (true) {
+        errno = 0;
+        const dirent* const entry = readdir(stream.get());
+        if (entry == nullptr) break;
         if (IsWindowsName(entry->d_name)) listing.Add(entry->d_name);
     }
-    return true;
+    if (errno != 0) throw SystemFailure(errno, folder);
+    return listing;
 }
 
 std::string FolderIndex::Find(const std::string& folder, std::string_view name) {
     // The stamp is taken before the names, so that a change meanwhile shows at the next look.
     Stamp stamp;
-    if (!ReadStamp(folder, stamp)) return {};
+    if (const int error = ReadStamp(folder, stamp); error != 0) {
+        if (error == ENOENT || error == ENOTDIR) return {};
+        throw SystemFailure(error, folder);
+    }
     auto found = listings_.find(folder);
     if (found == listings_.end() || !(found->second.stamp == stamp)) {
         if (found == listings_.end() && listings_.size() >= MostListings) listings_.clear();
-        Listing& listing = listings_[folder];
+        Listing listing = ReadNames(folder);
         listing.stamp = stamp;
-        if (!ReadNames(folder, listing)) {
-            listings_.erase(folder);
-            return {};
-        }
-        found = listings_.find(folder);
+        found = listings_.insert_or_assign(folder, std::move(listing)).first;
     }
     const auto entry = found->second.names.find(UpperCase(name));
     return entry == found->second.names.end() ? std::string() : entry->second.name;
@@ -77,7 +82,7 @@ void FolderIndex::Added(const std::string& path) {
     const auto found = listings_.find(folder);
     if (found == listings_.end()) return;
     found->second.Add(name);
-    if (!ReadStamp(folder, found->second.stamp)) listings_.erase(found);
+    if (ReadStamp(folder, found->second.stamp) != 0) listings_.erase(found);
 }
 
 void FolderIndex::Removed(const std::string& path) {
@@ -90,7 +95,7 @@ void FolderIndex::Removed(const std::string& path) {
     const auto entry = found->second.names.find(UpperCase(name));
     const bool known = entry != found->second.names.end();
     // Which names remain of twins, only the folder itself can tell.
-    if ((known && entry->second.hasTwin) || !ReadStamp(folder, found->second.stamp)) {
+    if ((known && entry->second.hasTwin) || ReadStamp(folder, found->second.stamp) != 0) {
         listings_.erase(found);
     } else if (known) {
         found->second.names.erase(entry);

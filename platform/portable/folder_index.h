@@ -13,7 +13,8 @@ namespace quillon {
 class FolderIndex {
   public:
     /// The name that an entry of the folder really has; of several that differ in letter case alone
-    /// the first by code. Empty when there is none or the folder cannot be read.
+    /// the first by code. Empty when there is none, or no such folder. Failure when the folder is
+    /// there and cannot be read.
     std::string Find(const std::string& folder, std::string_view name);
 
     /// This process has just made or removed an entry, given by its full local path. A removed
@@ -38,8 +39,9 @@ class FolderIndex {
         void Add(std::string name);
     };
 
-    static bool ReadStamp(const std::string& folder, Stamp& stamp);
-    static bool ReadNames(const std::string& folder, Listing& listing);
+    /// The system's error number, 0 when the stamp was read.
+    static int ReadStamp(const std::string& folder, Stamp& stamp);
+    static Listing ReadNames(const std::string& folder);
 
     std::unordered_map<std::string, Listing> listings_;
 };

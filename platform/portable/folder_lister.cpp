@@ -62,12 +62,14 @@ void SortByName(std::vector<Entry>& entries) {
 
 }  // namespace
 
-/// Calls visit(name, facts) for every entry that Windows could show.
+/// Calls visit(name, facts) for every entry that Windows could show; the paths of those that could
+/// not be looked at.
 template <typename Visit>
-void FolderLister::ForEach(const WindowsPath& shown, const std::string& local, Wanted wanted,
-                           Visit visit) {
+std::vector<std::string> FolderLister::ForEach(const WindowsPath& shown, const std::string& local,
+                                               Wanted wanted, Visit visit) {
     const FolderStream stream = OpenFolder(local);
     if (!stream) throw SystemFailure(errno, shown.Text());
+    std::vector<std::string> unseen;
     const unsigned char unwanted = wanted == Wanted::Folders ? DT_REG : DT_DIR;
     while (true) {
         errno = 0;
@@ -77,73 +79,84 @@ void FolderLister::ForEach(const WindowsPath& shown, const std::string& local, W
         if (name == "." || name == ".." || entry->d_type == unwanted) continue;
         if (SafeFile::IsTemporaryName(name)) continue;
         if (!IsWindowsName(name)) {
-            Note(IsValidUtf8(name) ? "a name that Windows cannot hold" : "a name that is not UTF-8",
-                 shown, name);
+            LeaveOut(
+                IsValidUtf8(name) ? "a name that Windows cannot hold" : "a name that is not UTF-8",
+                shown, name);
             continue;
         }
         struct stat facts{};
-        if (ReadFacts(dirfd(stream.get()), shown, entry->d_name, facts)) visit(name, facts);
+        if (fstatat(dirfd(stream.get()), entry->d_name, &facts, 0) != 0) {
+            // Even "no such file" is no proof: it is what a link says whose disk is away, and what
+            // some network drives say for a moment. It was listed just now.
+            unseen.push_back(shown.Child(name));
+            NoteUnseen(errno, unseen.back());
+        } else if (S_ISREG(facts.st_mode) || S_ISDIR(facts.st_mode)) {
+            visit(name, facts);
+        } else {
+            LeaveOut("neither file nor folder", shown, name);
+        }
     }
     if (errno != 0) throw SystemFailure(errno, shown.Text());
+    return unseen;
 }
 
-/// False for an entry that cannot be shown; one that has vanished meanwhile is not worth a word.
-bool FolderLister::ReadFacts(int folder, const WindowsPath& shown, const char* name,
-                             struct stat& facts) {
-    if (fstatat(folder, name, &facts, 0) == 0) {
-        const bool known = S_ISREG(facts.st_mode) || S_ISDIR(facts.st_mode);
-        if (!known) Note("neither file nor folder", shown, name);
-        return known;
-    }
-    const int error = errno;
-    struct stat link{};
-    if (fstatat(folder, name, &link, AT_SYMLINK_NOFOLLOW) != 0) {
-        if (errno != ENOENT) throw SystemFailure(errno, shown.Child(name));
-        return false;
-    }
-    if (S_ISLNK(link.st_mode)) {
-        Note("a link that leads nowhere", shown, name);
-    } else if (error != ENOENT) {
-        Note(std::generic_category().message(error), shown, name);
-    }
-    return false;
-}
-
-void FolderLister::Note(std::string_view reason, const WindowsPath& folder, std::string_view name) {
+void FolderLister::LeaveOut(std::string_view reason, const WindowsPath& folder,
+                            std::string_view name) {
     const std::string path = folder.Child(Printable(name));
     if (!noted_.insert(path).second || !note_) return;
-    note_("Left out, " + std::string(reason) + ": " + path);
+    note_(LogKind::Information, "Left out, " + std::string(reason) + ": " + path);
 }
 
-std::vector<FolderEntry> FolderLister::SubFolders(const WindowsPath& shown,
-                                                  const std::string& local,
-                                                  const std::string& localRoot) {
-    std::vector<FolderEntry> folders;
+void FolderLister::NoteUnseen(int error, const std::string& path) {
+    if (!noted_.insert(path).second || !note_) return;
+    const std::string reason = error == ENOENT ? "it leads to where nothing is at present"
+                                               : std::generic_category().message(error);
+    note_(LogKind::Error,
+          "Cannot be looked at, what it stands for is kept: " + path + " (" + reason + ")");
+}
+
+/// The database and every path in it take names that differ in letter case alone for one.
+void FolderLister::LeaveOutTwins(const WindowsPath& shown, std::vector<FileEntry>& files) {
+    const auto isTwin = [&](const FileEntry& left, const FileEntry& right) {
+        if (UpperCase(left.name) != UpperCase(right.name)) return false;
+        LeaveOut("its name differs in letter case alone from that of another file", shown,
+                 right.name);
+        return true;
+    };
+    files.erase(std::unique(files.begin(), files.end(), isTwin), files.end());
+}
+
+Listing<FolderEntry> FolderLister::SubFolders(const WindowsPath& shown, const std::string& local,
+                                              const std::string& localRoot) {
+    Listing<FolderEntry> list;
     const std::vector<Identity> onTheWay = FoldersOnTheWay(local, localRoot);
-    ForEach(shown, local, Wanted::Folders, [&](std::string_view name, const struct stat& facts) {
-        if (!S_ISDIR(facts.st_mode)) return;
-        const bool loops =
-            std::find(onTheWay.begin(), onTheWay.end(), IdentityOf(facts)) != onTheWay.end();
-        if (loops) {
-            Note("a folder inside itself", shown, name);
-        } else {
-            folders.push_back({shown.Child(name), std::string(name)});
-        }
-    });
-    SortByName(folders);
-    return folders;
+    list.unseen = ForEach(
+        shown, local, Wanted::Folders, [&](std::string_view name, const struct stat& facts) {
+            if (!S_ISDIR(facts.st_mode)) return;
+            const bool loops =
+                std::find(onTheWay.begin(), onTheWay.end(), IdentityOf(facts)) != onTheWay.end();
+            if (loops) {
+                LeaveOut("a folder inside itself", shown, name);
+            } else {
+                list.entries.push_back({shown.Child(name), std::string(name)});
+            }
+        });
+    SortByName(list.entries);
+    return list;
 }
 
-std::vector<FileEntry> FolderLister::FilesIn(const WindowsPath& shown, const std::string& local) {
-    std::vector<FileEntry> files;
+Listing<FileEntry> FolderLister::FilesIn(const WindowsPath& shown, const std::string& local) {
+    Listing<FileEntry> list;
     const std::string beginning = shown.Child("");
-    ForEach(shown, local, Wanted::Files, [&](std::string_view name, const struct stat& facts) {
-        if (S_ISREG(facts.st_mode)) {
-            files.push_back(MakeFileEntry(beginning + std::string(name), std::string(name), facts));
-        }
-    });
-    SortByName(files);
-    return files;
+    list.unseen =
+        ForEach(shown, local, Wanted::Files, [&](std::string_view name, const struct stat& facts) {
+            if (!S_ISREG(facts.st_mode)) return;
+            list.entries.push_back(
+                MakeFileEntry(beginning + std::string(name), std::string(name), facts));
+        });
+    SortByName(list.entries);
+    LeaveOutTwins(shown, list.entries);
+    return list;
 }
 
 FileEntry FolderLister::MakeFileEntry(std::string path, std::string name,

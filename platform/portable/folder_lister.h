@@ -12,24 +12,26 @@
 #include "platform/files.h"
 #include "platform/portable/local_time.h"
 #include "platform/portable/path_resolver.h"
+#include "platform/window.h"
 
 namespace quillon {
 
 /// Takes messages for the person who reads the log.
-using NoteSink = std::function<void(const std::string& message)>;
+using NoteSink = std::function<void(LogKind kind, const std::string& message)>;
 
 /// Lists local folders as Windows would show them. What Windows could not show (names that it
-/// cannot hold, links that lead nowhere, devices, a folder inside itself) is left out; each such
-/// entry is noted once in this object's life.
+/// cannot hold, or holds already in another letter case, devices, a folder inside itself) is left
+/// out. What could not be looked at is listed as unseen. Each such entry is noted once in this
+/// object's life: what was left out as information, what was not seen as an error.
 class FolderLister {
   public:
     explicit FolderLister(NoteSink note) : note_(std::move(note)) {}
 
     /// Folders and files directly inside the folder at `local`, which is what `shown` means below
     /// the mapped folder `localRoot`; in name order. Failure: PathNotFound, PermissionDenied.
-    std::vector<FolderEntry> SubFolders(const WindowsPath& shown, const std::string& local,
-                                        const std::string& localRoot);
-    std::vector<FileEntry> FilesIn(const WindowsPath& shown, const std::string& local);
+    Listing<FolderEntry> SubFolders(const WindowsPath& shown, const std::string& local,
+                                    const std::string& localRoot);
+    Listing<FileEntry> FilesIn(const WindowsPath& shown, const std::string& local);
 
     /// A file's entry from its Windows path and what the operating system tells about it.
     FileEntry MakeFileEntry(std::string path, std::string name, const struct stat& facts);
@@ -38,9 +40,11 @@ class FolderLister {
     /// Which entries the operating system's own kind rules out without a further look.
     enum class Wanted { Folders, Files };
     template <typename Visit>
-    void ForEach(const WindowsPath& shown, const std::string& local, Wanted wanted, Visit visit);
-    bool ReadFacts(int folder, const WindowsPath& shown, const char* name, struct stat& facts);
-    void Note(std::string_view reason, const WindowsPath& folder, std::string_view name);
+    std::vector<std::string> ForEach(const WindowsPath& shown, const std::string& local,
+                                     Wanted wanted, Visit visit);
+    void LeaveOut(std::string_view reason, const WindowsPath& folder, std::string_view name);
+    void NoteUnseen(int error, const std::string& path);
+    void LeaveOutTwins(const WindowsPath& shown, std::vector<FileEntry>& files);
 
     NoteSink note_;
     std::unordered_set<std::string> noted_;

@@ -2,43 +2,13 @@
 
 #include <algorithm>
 
-#include "platform/ansi.h"
 #include "platform/basic_text.h"
-#include "platform/utf8.h"
+#include "platform/encoded_text.h"
 
 namespace quillon {
 namespace {
 
-constexpr std::string_view Utf8Mark = "\xEF\xBB\xBF";
-constexpr std::string_view Utf16Mark = "\xFF\xFE";
 constexpr std::string_view LineEnds = "\r\n";
-
-char32_t UnitAt(std::string_view bytes, std::size_t position) {
-    const auto byte = [&](std::size_t at) { return static_cast<unsigned char>(bytes[at]); };
-    return static_cast<char32_t>(byte(position) | byte(position + 1) << 8U);
-}
-
-/// UTF-8 of little-endian UTF-16; half a surrogate pair becomes U+FFFD, half a unit is dropped.
-std::string FromUtf16(std::string_view bytes) {
-    std::string text;
-    for (std::size_t at = 0; at + 1 < bytes.size(); at += 2) {
-        char32_t code = UnitAt(bytes, at);
-        const bool first = code >= 0xD800 && code < 0xDC00;
-        const char32_t next = first && at + 3 < bytes.size() ? UnitAt(bytes, at + 2) : 0;
-        if (next >= 0xDC00 && next < 0xE000) {
-            code = 0x10000 + ((code - 0xD800) << 10U) + (next - 0xDC00);
-            at += 2;
-        }
-        AppendUtf8(text, code);
-    }
-    return text;
-}
-
-std::string Decode(std::string_view bytes) {
-    if (bytes.starts_with(Utf16Mark)) return FromUtf16(bytes.substr(Utf16Mark.size()));
-    if (bytes.starts_with(Utf8Mark)) return ToValidUtf8(bytes.substr(Utf8Mark.size()));
-    return IsValidUtf8(bytes) ? std::string(bytes) : AnsiToUtf8(bytes);
-}
 
 std::string_view WithoutBlanks(std::string_view text) {
     constexpr std::string_view Blanks = " \t";
@@ -57,7 +27,7 @@ std::string_view WithoutQuotes(std::string_view value) {
 
 IniFile IniFile::Parse(std::string_view bytes) {
     IniFile file;
-    const std::string decoded = Decode(bytes);
+    const std::string decoded = DecodeText(bytes);
     std::string_view text = decoded;
     while (!text.empty()) {
         const std::size_t end = std::min(text.find_first_of(LineEnds), text.size());

@@ -18,8 +18,9 @@ class PathResolver {
     explicit PathResolver(DriveTable drives) : drives_(std::move(drives)) {}
 
     /// The local path with the names that exist as they are written on the disk, and from the first
-    /// one that does not exist on as they are given. Failure: those of ParseWindowsPath, and
-    /// PathNotFound for a root that is not mapped.
+    /// one that does not exist on as they are given. Failure: those of ParseWindowsPath,
+    /// PathNotFound for a root that is not mapped, and that of a folder that cannot be read where
+    /// its names had to be looked through.
     std::string Local(const WindowsPath& path);
     std::string Local(std::string_view path) { return Local(ParseWindowsPath(path)); }
 

@@ -22,9 +22,30 @@
 namespace quillon {
 namespace {
 
-bool IsFile(const std::string& local) {
-    const std::optional<struct stat> facts = FactsOf(local);
-    return facts && S_ISREG(facts->st_mode);
+/// Whether the path leads through a link, or is one, that leads to where nothing is at present.
+bool IsBehindLostLink(std::string local) {
+    while (!local.empty()) {
+        struct stat facts{};
+        if (lstat(local.c_str(), &facts) == 0)
+            return S_ISLNK(facts.st_mode) && stat(local.c_str(), &facts) != 0;
+        local.resize(std::min(local.rfind('/'), local.size() - 1));
+    }
+    return false;
+}
+
+/// What the system knows of a local path, links followed; nothing where certainly nothing has it.
+/// Failure where that cannot be told.
+std::optional<struct stat> CertainFacts(const std::string& local, const std::string& shown) {
+    struct stat facts{};
+    if (stat(local.c_str(), &facts) == 0) return facts;
+    const int error = errno;
+    if (error == ENAMETOOLONG) return std::nullopt;
+    if (error != ENOENT && error != ENOTDIR) throw SystemFailure(error, shown);
+    if (IsBehindLostLink(local)) {
+        throw Failure(FailureNumber::PathNotFound,
+                      shown + " (a link leads to where nothing is at present)");
+    }
+    return std::nullopt;
 }
 
 std::string_view NameIn(std::string_view localPath) {
@@ -60,14 +81,11 @@ FileHandle OpenFile(PathResolver& resolver, const WindowsPath& path, int access 
     return file;
 }
 
-/// Whether a test of a path that Windows cannot hold, or cannot reach, answers no.
-template <typename Test>
-bool Holds(Test test) {
-    try {
-        return test();
-    } catch (const Failure&) {
-        return false;
-    }
+/// The parts of a path; nothing for a text that is no path.
+std::optional<WindowsPath> ParsedPath(std::string_view text) try {
+    return ParseWindowsPath(text);
+} catch (const Failure&) {
+    return std::nullopt;
 }
 
 void Unlink(const std::string& local, const std::string& shown) {
@@ -91,20 +109,16 @@ bool HoldsProtectedFile(const std::string& folder) {
     return static_cast<bool>(error);
 }
 
-bool IsFolder(const std::string& local) {
-    const std::optional<struct stat> facts = FactsOf(local);
-    return facts && S_ISDIR(facts->st_mode);
-}
-
 /// Whether a folder is another one or lies in it. Folders are told apart by what they are: one that
 /// is mounted at a second place has two paths.
 bool IsInside(const std::string& inner, const std::string& outer) {
-    const std::optional<struct stat> wanted = FactsOf(outer);
-    std::error_code missing;
-    std::filesystem::path folder = std::filesystem::canonical(inner, missing);
-    if (missing || !wanted) return false;
+    const std::optional<struct stat> wanted = CertainFacts(outer, outer);
+    if (!wanted) return false;
+    std::error_code error;
+    std::filesystem::path folder = std::filesystem::canonical(inner, error);
+    if (error) throw SystemFailure(error.value(), inner);
     while (true) {
-        const std::optional<struct stat> facts = FactsOf(folder.string());
+        const std::optional<struct stat> facts = CertainFacts(folder.string(), folder.string());
         if (facts && facts->st_dev == wanted->st_dev && facts->st_ino == wanted->st_ino)
             return true;
         if (folder == folder.root_path()) return false;
@@ -114,27 +128,32 @@ bool IsInside(const std::string& inner, const std::string& outer) {
 
 }  // namespace
 
+bool PortableFiles::Exists(std::string_view path, unsigned kind) {
+    const std::optional<WindowsPath> parsed = ParsedPath(path);
+    if (!parsed || !resolver_.Drives().LocalFolder(parsed->root)) return false;
+    const auto facts = CertainFacts(resolver_.Local(*parsed), parsed->Text());
+    return facts && (facts->st_mode & S_IFMT) == kind;
+}
+
 bool PortableFiles::FolderExists(std::string_view path) {
-    return Holds([&] { return IsFolder(resolver_.Local(path)); });
+    return Exists(path, S_IFDIR);
 }
 
 bool PortableFiles::FileExists(std::string_view path) {
-    return Holds([&] { return IsFile(resolver_.Local(path)); });
+    return Exists(path, S_IFREG);
 }
 
 bool PortableFiles::IsWithin(std::string_view folder, std::string_view outer) {
-    return Holds([&] {
-        const std::string inner = resolver_.Local(folder);
-        return IsFolder(inner) && IsInside(inner, resolver_.Local(outer));
-    });
+    return FolderExists(folder) && FolderExists(outer) &&
+           IsInside(resolver_.Local(folder), resolver_.Local(outer));
 }
 
-std::vector<FolderEntry> PortableFiles::SubFolders(std::string_view folder) {
+Listing<FolderEntry> PortableFiles::SubFolders(std::string_view folder) {
     const WindowsPath path = ParseWindowsPath(folder);
     return lister_.SubFolders(path, resolver_.Local(path), resolver_.LocalRoot(path));
 }
 
-std::vector<FileEntry> PortableFiles::FilesIn(std::string_view folder) {
+Listing<FileEntry> PortableFiles::FilesIn(std::string_view folder) {
     const WindowsPath path = ParseWindowsPath(folder);
     return lister_.FilesIn(path, resolver_.Local(path));
 }
@@ -178,12 +197,16 @@ void PortableFiles::CopyFolder(std::string_view from, std::string_view to, bool 
     const WindowsPath source = ParseWindowsPath(from);
     const WindowsPath target = ParseWindowsPath(to);
     if (!FolderExists(target.Text())) throw Failure(FailureNumber::PathNotFound, target.Text());
-    const std::vector<FolderEntry> folders = SubFolders(from);
+    const Listing<FolderEntry> folders = SubFolders(from);
     // A copy into the folder's own inside would never end.
     if (IsInside(resolver_.Local(target), resolver_.Local(source))) {
         throw Failure(FailureNumber::PermissionDenied, target.Text());
     }
-    for (const FileEntry& file : FilesIn(from))
+    const Listing<FileEntry> files = FilesIn(from);
+    // A copy that lacks something must not look like a whole one.
+    for (const std::string& unseen : files.unseen)
+        throw Failure(FailureNumber::PathFileAccess, unseen);
+    for (const FileEntry& file : files)
         CopyFile(file.path, target.Child(file.name), overwrite);
     for (const FolderEntry& folder : folders) {
         const std::string copy = target.Child(folder.name);
@@ -196,12 +219,12 @@ void PortableFiles::DeleteFile(std::string_view path) {
     const WindowsPath parsed = ParseWindowsPath(path);
     const std::string local = resolver_.Local(parsed);
     const std::string shown = parsed.Text();
-    const std::optional<struct stat> facts = FactsOf(local);
-    if (facts && !S_ISREG(facts->st_mode)) throw Failure(FailureNumber::FileNotFound, shown);
+    const std::optional<struct stat> facts = CertainFacts(local, shown);
+    if (!facts || !S_ISREG(facts->st_mode)) throw Failure(FailureNumber::FileNotFound, shown);
     // A write-protected file is one that its owner wants to keep, as on Windows.
-    if (facts && faccessat(AT_FDCWD, local.c_str(), W_OK, AT_EACCESS) != 0)
+    if (faccessat(AT_FDCWD, local.c_str(), W_OK, AT_EACCESS) != 0)
         throw SystemFailure(errno, shown);
-    if (!facts || !takeOver_ || !takeOver_(local, AsItIs(parsed, local))) Unlink(local, shown);
+    if (!takeOver_ || !takeOver_(local, AsItIs(parsed, local))) Unlink(local, shown);
     resolver_.Index().Removed(local);
 }
 
@@ -237,7 +260,7 @@ void PortableFiles::MoveFile(std::string_view from, std::string_view to) {
     const WindowsPath target = ParseWindowsPath(to);
     const std::string oldPath = resolver_.Local(source);
     std::string newPath = resolver_.Local(target);
-    if (!IsFile(oldPath)) throw Failure(FailureNumber::FileNotFound, source.Text());
+    if (!FileExists(from)) throw Failure(FailureNumber::FileNotFound, source.Text());
     if (newPath == oldPath) {
         // The same file in the target's spelling: a change of letter case, or nothing at all.
         newPath = Sibling(oldPath, FolderAndName(target).second);

@@ -30,8 +30,8 @@ class PortableFiles : public Files {
     bool FolderExists(std::string_view path) override;
     bool FileExists(std::string_view path) override;
     bool IsWithin(std::string_view folder, std::string_view outer) override;
-    std::vector<FolderEntry> SubFolders(std::string_view folder) override;
-    std::vector<FileEntry> FilesIn(std::string_view folder) override;
+    Listing<FolderEntry> SubFolders(std::string_view folder) override;
+    Listing<FileEntry> FilesIn(std::string_view folder) override;
     FileEntry GetFile(std::string_view path) override;
     void CreateFolder(std::string_view path) override;
     void CopyFile(std::string_view from, std::string_view to, bool overwrite) override;
@@ -52,6 +52,8 @@ class PortableFiles : public Files {
     /// that killed runs have left there.
     void RemoveLeftoversOnce(const std::string& folder);
     WindowsPath AsItIs(const WindowsPath& path, const std::string& local) const;
+    /// Whether something of this kind (S_IFREG, S_IFDIR) has the path.
+    bool Exists(std::string_view path, unsigned kind);
 
     PathResolver& resolver_;
     FolderLister lister_;

@@ -12,6 +12,7 @@ int RenameToFreeName(const std::string& from, const std::string& to) {
     // Not every file system knows that operation.
     if (errno != EINVAL && errno != ENOSYS) return errno;
     if (faccessat(AT_FDCWD, to.c_str(), F_OK, AT_SYMLINK_NOFOLLOW) == 0) return EEXIST;
+    if (errno != ENOENT) return errno;
     return rename(from.c_str(), to.c_str()) == 0 ? 0 : errno;
 }
 

@@ -108,7 +108,9 @@ void SafeFile::Rename() {
         if (renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE) == 0) return;
         // Not every file system knows that operation.
         if (errno != EINVAL && errno != ENOSYS) throw SystemFailure(errno, shownPath_);
-        if (FactsOf(target_)) throw SystemFailure(EEXIST, shownPath_);
+        struct stat taken{};
+        if (lstat(to, &taken) == 0) throw SystemFailure(EEXIST, shownPath_);
+        if (errno != ENOENT) throw SystemFailure(errno, shownPath_);
     }
     if (rename(from, to) != 0) throw SystemFailure(errno, shownPath_);
 }

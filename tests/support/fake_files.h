@@ -46,12 +46,17 @@ class FakeFiles : public Files {
         return paths;
     }
 
+    /// Nobody can tell what has this path: it is listed as unseen, and so is nothing below it.
+    void HideFromView(const std::string& path) { unseen_[KeyOf(path)] = path; }
+
     bool FolderExists(std::string_view path) override {
+        RequireSeen(path);
         const auto found = nodes_.find(KeyOf(path));
         return found != nodes_.end() && found->second.isFolder;
     }
 
     bool FileExists(std::string_view path) override {
+        RequireSeen(path);
         const auto found = nodes_.find(KeyOf(path));
         return found != nodes_.end() && !found->second.isFolder;
     }
@@ -62,22 +67,26 @@ class FakeFiles : public Files {
                inner.starts_with(KeyOf(outer) + '\\');
     }
 
-    std::vector<FolderEntry> SubFolders(std::string_view folder) override {
+    Listing<FolderEntry> SubFolders(std::string_view folder) override {
         calls_.Note("SubFolders " + std::string(folder));
-        std::vector<FolderEntry> entries;
+        Listing<FolderEntry> list;
         for (const Node& node : NodesIn(folder)) {
-            if (node.isFolder) entries.push_back({node.path, NameOf(node.path)});
+            if (node.isFolder && !unseen_.contains(KeyOf(node.path)))
+                list.entries.push_back({node.path, NameOf(node.path)});
         }
-        return entries;
+        list.unseen = UnseenIn(folder);
+        return list;
     }
 
-    std::vector<FileEntry> FilesIn(std::string_view folder) override {
+    Listing<FileEntry> FilesIn(std::string_view folder) override {
         calls_.Note("FilesIn " + std::string(folder));
-        std::vector<FileEntry> entries;
+        Listing<FileEntry> list;
         for (const Node& node : NodesIn(folder)) {
-            if (!node.isFolder) entries.push_back(EntryOf(node));
+            if (!node.isFolder && !unseen_.contains(KeyOf(node.path)))
+                list.entries.push_back(EntryOf(node));
         }
-        return entries;
+        list.unseen = UnseenIn(folder);
+        return list;
     }
 
     FileEntry GetFile(std::string_view path) override { return EntryOf(FileAt(path)); }
@@ -253,6 +262,20 @@ class FakeFiles : public Files {
         return key == folderKey || key.starts_with(folderKey + "\\");
     }
 
+    void RequireSeen(std::string_view path) const {
+        for (const auto& [key, unseen] : unseen_) {
+            if (IsWithin(KeyOf(path), key)) throw Failure(FailureNumber::PathFileAccess, unseen);
+        }
+    }
+
+    std::vector<std::string> UnseenIn(std::string_view folder) const {
+        std::vector<std::string> paths;
+        for (const auto& [key, path] : unseen_) {
+            if (ParentOf(key) == KeyOf(folder)) paths.push_back(path);
+        }
+        return paths;
+    }
+
     void RequireFolder(std::string_view path) const {
         const auto found = nodes_.find(KeyOf(path));
         if (found == nodes_.end() || !found->second.isFolder) {
@@ -286,7 +309,8 @@ class FakeFiles : public Files {
     }
 
     Calls& calls_;
-    std::map<std::string, Node> nodes_;  ///< by lower-cased path
+    std::map<std::string, Node> nodes_;          ///< by lower-cased path
+    std::map<std::string, std::string> unseen_;  ///< paths by lower-cased path
 };
 
 }  // namespace quillon::fakes

@@ -94,12 +94,12 @@ std::string TestLibrary::Faults() {
     return StructuralFaults(DatabaseFile());
 }
 
-std::vector<FolderEntry> TestLibrary::Files::SubFolders(std::string_view folder) {
+Listing<FolderEntry> TestLibrary::Files::SubFolders(std::string_view folder) {
     RefuseUnlistable(folder);
     return FakeFiles::SubFolders(folder);
 }
 
-std::vector<FileEntry> TestLibrary::Files::FilesIn(std::string_view folder) {
+Listing<FileEntry> TestLibrary::Files::FilesIn(std::string_view folder) {
     RefuseUnlistable(folder);
     return FakeFiles::FilesIn(folder);
 }

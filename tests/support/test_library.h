@@ -61,8 +61,8 @@ class TestLibrary {
     class Files : public fakes::FakeFiles {
       public:
         using FakeFiles::FakeFiles;
-        std::vector<FolderEntry> SubFolders(std::string_view folder) override;
-        std::vector<FileEntry> FilesIn(std::string_view folder) override;
+        Listing<FolderEntry> SubFolders(std::string_view folder) override;
+        Listing<FileEntry> FilesIn(std::string_view folder) override;
 
         std::set<std::string> unlistable;  ///< full paths
 

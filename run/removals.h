@@ -1,0 +1,76 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace quillon {
+
+class Host;
+class Run;
+
+/// How much a run may remove before it takes a fault for the cause: [Safety] of the host's settings
+/// file. A drive that is not mounted is an empty folder, and nobody should lose ratings over one.
+struct SafetyLimits {
+    bool Brake = true;
+    std::int32_t MaxRemovedTracks = 50;   ///< with the next: the brake trips where both are passed
+    std::int32_t MaxRemovedPercent = 20;  ///< of the tool's own tracks
+    std::int32_t MaxRemovedFiles = 20;
+    std::int32_t MaxRemovedPlaylists = 5;
+};
+
+/// What is not there or is no number has the value above.
+SafetyLimits ReadSafetyLimits(Host& host);
+
+/// What of the user's can go away in a run.
+enum class Removable { Tracks, MusicFiles, Playlists };
+
+/// What a phase is about to remove, the whole of it.
+struct PlannedRemoval {
+    Removable kind = Removable::Tracks;
+    std::vector<std::string> names;  ///< paths, or what else people know them by
+    std::size_t outOf = 0;           ///< tracks: how many there are; else not used
+    /// Why these cannot be told from what is merely out of sight: then the brake trips whatever the
+    /// numbers. A clause such as "no music was found below D:\Music".
+    std::string doubt = {};
+};
+
+/// The one door through which rows of tracks, music files and playlists go away. A phase asks it
+/// once for all that it would remove, before it removes any of it, and tells it what has gone.
+class Removals {
+  public:
+    static constexpr std::size_t MostNames = 10;
+
+    /// What went, for the person who reads the summary.
+    struct Gone {
+        std::size_t count = 0;
+        std::vector<std::string> names;  ///< the first ones, at most MostNames
+    };
+
+    SafetyLimits limits;
+    /// The person has said that this run may remove whatever it would.
+    bool allAllowed = false;
+
+    /// Whether all of these may go. Once the answer is no, it stays no for this run: that is logged
+    /// as an error, with the numbers, the first names and how to go on. Counts add up over a run.
+    bool Allow(Run& run, const PlannedRemoval& planned);
+
+    /// Whether the answer was no.
+    bool Braked() const { return braked_; }
+
+    /// These have gone.
+    void Note(Removable kind, const std::string& name);
+    const Gone& Of(Removable kind) const { return gone_.at(static_cast<std::size_t>(kind)); }
+
+  private:
+    std::string Objection(const PlannedRemoval& planned) const;
+
+    static constexpr std::size_t Kinds = 3;
+    std::array<std::size_t, Kinds> allowed_{};
+    std::array<Gone, Kinds> gone_;
+    bool braked_ = false;
+};
+
+}  // namespace quillon
