@@ -18,11 +18,13 @@ void BuildAlbumPicker(Run& run) {
 
     PageFolder pages(run.files, locations.pageFolder);
     if (!steps.Try(2, [&] { pages.Start(); })) return;
+    bool published = false;
     if (BuildcdjPages(run, locations, pages.Draft())) {
         // A page that the web server holds open keeps its folder from being renamed.
-        const bool published = steps.Try(2, [&] { pages.Publish(); });
+        published = steps.Try(2, [&] { pages.Publish(); });
         if (!published) steps.Try(2, [&] { pages.PutBack(); });
     }
+    if (!published) run.counts.pagesWritten = 0;
     steps.Try(2, [&] { pages.Clear(); });
 }
 

@@ -26,6 +26,11 @@ void WriteText(Run& run, std::string_view folder, std::string_view name, std::st
     file->Close();
 }
 
+void WritePage(Run& run, std::string_view folder, std::size_t page, std::string_view text) {
+    WriteText(run, folder, PageFileName(page), text);
+    ++run.counts.pagesWritten;
+}
+
 std::unique_ptr<Connection> OpenOwnConnection(Run& run) {
     if (run.databases == nullptr) throw Failure(FailureNumber::ObjectRequired, "databases");
     return run.databases->Open(PickerConnectionString(run.settings.Nirvis_CDJ_DB));
@@ -42,7 +47,7 @@ void WriteAlbumPages(Run& run, const PickerPages& pages, std::string_view folder
             text += pages.AlbumCell(number++);
             run.CountDone();
         }
-        WriteText(run, folder, PageFileName(page), text + pages.EndPage(page));
+        WritePage(run, folder, page, text + pages.EndPage(page));
     }
 }
 
@@ -67,7 +72,7 @@ bool BuildcdjPages(Run& run, const PickerLocations& locations, std::string_view 
                const auto controls = MakePickerControls(run.settings.PickerFormatOption);
                const PickerPages pages(*layout, *controls, albums, run.settings.coverPath);
                WriteText(run, folder, StylesheetName, PickerStylesheet());
-               WriteText(run, folder, PageFileName(0), pages.Index(run.settings.PickerMinimum));
+               WritePage(run, folder, 0, pages.Index(run.settings.PickerMinimum));
                run.StartCounting(albums.albums.size());
                WriteAlbumPages(run, pages, folder);
            });

@@ -25,9 +25,15 @@ std::string_view FileName(std::string_view path) {
     return backslash == std::string_view::npos ? path : path.substr(backslash + 1);
 }
 
-void SetImageFile(RecordSet& album, const std::string& path) {
+void SetImageFile(Run& run, RecordSet& album, const std::string& path) {
+    const std::string before = album.Text("ImageFile");
     album.Set("ImageFile", path);
     album.Update();
+    if (before == path) return;
+    RunCounts& counts = run.counts;
+    ++(before.empty() ? counts.imagesAdded
+       : path.empty() ? counts.imagesRemoved
+                      : counts.imagesChanged);
 }
 
 /// Whether an album whose image was not found loses it. A cover folder without any image looks like
@@ -50,9 +56,9 @@ void CompareAlbums(Run& run, RecordSet& albums, CoverSet& covers) {
         Cover* const cover = findExactRecord(run, covers, FileName(imageFile));
         if (cover != nullptr) {
             cover->processed = true;
-            SetImageFile(albums, cover->path);
+            SetImageFile(run, albums, cover->path);
         } else if (mayEmpty) {
-            SetImageFile(albums, "");
+            SetImageFile(run, albums, "");
         } else {
             ++kept;
         }
@@ -117,7 +123,7 @@ void AddCover(Run& run, RecordSet& albums, const Cover& cover) {
             "Album cover record ID " + std::to_string(id) + " could not be found on second read");
         return;
     }
-    SetImageFile(albums, cover.path);
+    SetImageFile(run, albums, cover.path);
     LogCover(run, cover, "added to Albums database");
 }
 

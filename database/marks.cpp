@@ -6,6 +6,7 @@
 #include <optional>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 
 #include "database/mark_snapshot.h"
 #include "database/snapshot_file.h"
@@ -21,6 +22,14 @@ namespace {
 Value FieldValue(MarkedValue value) {
     if (!value) return Null{};
     return std::int64_t{*value};
+}
+
+/// Albums differ from before in their count alone, and these have it back.
+void TakeBackCounts(RunCounts& counts) {
+    counts.albumsUnchanged += std::exchange(counts.albumsChanged, 0);
+    const std::size_t tracks = std::exchange(counts.tracksOnlyPlacedAnew, 0);
+    counts.tracksUnchanged += tracks;
+    counts.tracksChanged -= tracks;
 }
 
 /// Puts everything of a snapshot back. Rows are read first and written afterwards, since a result
@@ -128,6 +137,7 @@ void RestoreMarks(Run& run) {
         Restoration restoration(*run.connection, *snapshot);
         restoration.RestoreAlbums();
         restoration.RestoreTracks();
+        TakeBackCounts(run.counts);
     } else {
         LogError(run, LogSource, "Mark snapshot is damaged, nothing is taken from it: " + path);
     }
@@ -135,7 +145,7 @@ void RestoreMarks(Run& run) {
 }
 
 void DiscardMarkSnapshot(Run& run) {
-    run.connection->Flush();
+    run.Flush();
     if (MarkSnapshotExists(run)) run.files.DeleteFile(MarkSnapshotPath(run.settings.Nirvis_CDJ_DB));
 }
 

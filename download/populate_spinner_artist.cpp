@@ -40,8 +40,9 @@ void PopulateSpinnerArtist(Run& run) {
         for (const std::string& artist : Counted(run, AlbumArtists(*run.connection))) {
             run.ProcessEvents();
             const bool done = steps.Try(2, [&] {
-                if (!IsDownloadArtist(*run.connection, artist))
-                    AddSpinnerArtistRow(*spinnerArtist, artist);
+                if (IsDownloadArtist(*run.connection, artist)) return;
+                AddSpinnerArtistRow(*spinnerArtist, artist);
+                ++run.counts.artistsAdded;
             });
             if (!done) spinnerArtist->CancelUpdate();
         }

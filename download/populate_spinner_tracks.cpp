@@ -99,6 +99,7 @@ void DownloadTable::Add(const RecordSet& song) {
         spinner_->Set("FileName", StreamLink(downloadHost_, number));
         spinner_->Update();
     }
+    ++run_.counts.songsAdded;
 }
 
 }  // namespace

@@ -71,7 +71,7 @@ RunOutcome LibraryForm::main() {
     });
     // Asked for here, because a connection that is let go has nobody to tell a failure to.
     steps.Try(0, [&] {
-        if (run_.connection) run_.connection->Flush();
+        if (run_.connection) run_.Flush();
     });
     run_.connection.reset();
     run_.GenreDictionary.clear();

@@ -88,7 +88,7 @@ bool LibraryForm::StartIndicator(std::size_t index) {
 void LibraryForm::MakeBackups(const BackupPlan& plan) {
     if (plan.database) {
         // The copy is one of the file: it must hold what start-up may have changed.
-        updateSteps_.Try(0, [&] { run_.connection->Flush(); });
+        updateSteps_.Try(0, [&] { run_.Flush(); });
         TimeStampBackup(run_, run_.settings.Nirvis_CDJ_DB);
     }
     if (plan.playListPath) TimeStampFolderBackup(run_, run_.settings.PlayListPath);
@@ -97,7 +97,7 @@ void LibraryForm::MakeBackups(const BackupPlan& plan) {
 
 void LibraryForm::Perform(const Procedures::Work& work) {
     updateSteps_.Try(0, [&] { work(run_); });
-    updateSteps_.Try(0, [&] { run_.connection->Flush(); });
+    updateSteps_.Try(0, [&] { run_.Flush(); });
 }
 
 /// Gives back what is still set aside; false when that failed.

@@ -57,7 +57,7 @@ std::vector<bool> Renames::Commit() {
         rename.possible = steps_.Try(RenameStep, [&] { TakeRowAlong(rename); });
         if (!rename.possible) PutBack(rename);
     }
-    const bool durable = steps_.Try(RenameStep, [&] { run_.connection->Flush(); });
+    const bool durable = steps_.Try(RenameStep, [&] { run_.Flush(); });
     for (std::size_t i = 0; i < renames_.size(); ++i) {
         const Rename& rename = renames_[i];
         steps_.Concerning(rename.from);

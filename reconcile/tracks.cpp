@@ -163,7 +163,8 @@ class AlbumTracks {
         if (row.title != title) tracks_.Set("Title", title);
         if (row.artist != album_.artist) tracks_.Set("Artist", album_.artist);
         tracks_.Update();
-        changed_.insert(row.id);
+        const bool isNamedAnew = row.title != title || row.artist != album_.artist;
+        (isNamedAnew ? changed_ : moved_).insert(row.id);
     }
 
     void CheckNumber(const Row& row, ListedFile& file) {
@@ -185,9 +186,11 @@ class AlbumTracks {
     void Settle(std::int64_t id, std::int64_t number) {
         if (added_.contains(id)) return;
         const MarkedTrack* const before = walk_.before.FindTrack(id);
-        const bool same = before == nullptr || before->number == number;
-        ++(same && !changed_.contains(id) ? run_.counts.tracksUnchanged
-                                          : run_.counts.tracksChanged);
+        const bool isInPlace =
+            (before == nullptr || before->number == number) && !moved_.contains(id);
+        const bool isChanged = changed_.contains(id);
+        ++(isInPlace && !isChanged ? run_.counts.tracksUnchanged : run_.counts.tracksChanged);
+        if (!isInPlace && !isChanged) ++run_.counts.tracksOnlyPlacedAnew;
     }
 
     std::string LastPlacedFile() {
@@ -202,7 +205,7 @@ class AlbumTracks {
     Steps steps_;
     NumbersTaken numbers_;
     std::int64_t lastPlaced_ = 0;  ///< the row that was worked on last
-    std::unordered_set<std::int64_t> changed_, added_;
+    std::unordered_set<std::int64_t> changed_, moved_, added_;
 };
 
 }  // namespace

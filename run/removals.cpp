@@ -22,22 +22,6 @@ std::int32_t ReadLimit(Host& host, std::string_view key, std::int32_t fallback) 
     return static_cast<std::int32_t>(std::min(*number, Most));
 }
 
-std::string Counted(std::size_t count, std::string_view word) {
-    return std::to_string(count) + ' ' + std::string(word) + (count == 1 ? "" : "s");
-}
-
-std::string_view WordFor(Removable kind) {
-    switch (kind) {
-        case Removable::Tracks:
-            return "track";
-        case Removable::MusicFiles:
-            return "music file";
-        case Removable::Playlists:
-            break;
-    }
-    return "playlist";
-}
-
 /// The first names, and how many more there are.
 std::string FirstOf(const std::vector<std::string>& names) {
     std::string text;
@@ -49,6 +33,13 @@ std::string FirstOf(const std::vector<std::string>& names) {
 }
 
 }  // namespace
+
+std::string NumberOf(std::size_t count, Removable kind) {
+    std::string word = "playlist";
+    if (kind == Removable::Tracks) word = "track";
+    if (kind == Removable::MusicFiles) word = "music file";
+    return std::to_string(count) + ' ' + word + (count == 1 ? "" : "s");
+}
 
 SafetyLimits ReadSafetyLimits(Host& host) {
     const SafetyLimits standard;
@@ -75,42 +66,51 @@ bool Removals::Allow(Run& run, const PlannedRemoval& planned) {
         return true;
     }
     braked_ = true;
+    const bool isFirst =
+        std::ranges::all_of(allowed_, [](std::size_t earlier) { return earlier == 0; });
     LogError(run, LogSource,
-             "Nothing is removed: " + objection + ". It would be " + FirstOf(planned.names) +
-                 ". If that is meant, run once with --allow-removals; else see to the drives and "
-                 "folders and run again");
+             std::string(isFirst ? "Nothing" : "Nothing more") + " is removed: " + objection +
+                 ". It would be " + FirstOf(planned.names) +
+                 ". If that is meant, 'quillon run --allow-removals' lets it through once; else "
+                 "see to the drives and folders and run again");
     return false;
 }
 
 /// Why these may not go, "" when they may.
 std::string Removals::Objection(const PlannedRemoval& planned) const {
-    const std::size_t count =
-        allowed_.at(static_cast<std::size_t>(planned.kind)) + planned.names.size();
-    std::string text = Counted(count, WordFor(planned.kind));
-    const auto passes = [count](std::int32_t limit) {
-        return count > static_cast<std::size_t>(limit);
+    const std::size_t earlier = allowed_.at(static_cast<std::size_t>(planned.kind));
+    const std::size_t count = earlier + planned.names.size();
+    // Those that this run has removed already are no longer there to be counted.
+    const std::size_t outOf = earlier + planned.outOf;
+    std::string text = NumberOf(count, planned.kind);
+    if (planned.kind == Removable::Tracks) text += " of " + std::to_string(outOf);
+    text += " would go";
+    if (earlier > 0) text += " in all, " + std::to_string(earlier) + " of them have gone";
+    text += ", ";
+    if (!planned.doubt.empty()) return text + "and " + planned.doubt;
+    const std::string limit = LimitPassed(planned.kind, count, outOf);
+    return limit.empty() ? "" : text + "beyond " + limit + " in " + std::string(HostSettingsFile);
+}
+
+/// The limits that so many would pass, "" where they do not.
+std::string Removals::LimitPassed(Removable kind, std::size_t count, std::size_t outOf) const {
+    const auto passed = [count](std::string_view key, std::int32_t limit) {
+        return count > static_cast<std::size_t>(limit)
+                   ? std::string(key) + '=' + std::to_string(limit)
+                   : "";
     };
-    const auto beyond = [](std::string_view key, std::int32_t limit) {
-        return std::string(key) + '=' + std::to_string(limit);
-    };
-    if (!planned.doubt.empty()) return text + " would go, and " + planned.doubt;
-    switch (planned.kind) {
-        case Removable::Tracks: {
-            const bool passesShare =
-                count * 100 > planned.outOf * static_cast<std::size_t>(limits.MaxRemovedPercent);
-            if (!passes(limits.MaxRemovedTracks) || !passesShare) return "";
-            return text + " of " + std::to_string(planned.outOf) + " would go, beyond " +
-                   beyond("MaxRemovedTracks", limits.MaxRemovedTracks) + " and " +
-                   beyond("MaxRemovedPercent", limits.MaxRemovedPercent);
-        }
+    switch (kind) {
         case Removable::MusicFiles:
-            if (!passes(limits.MaxRemovedFiles)) return "";
-            return text + " would go, beyond " + beyond("MaxRemovedFiles", limits.MaxRemovedFiles);
+            return passed("MaxRemovedFiles", limits.MaxRemovedFiles);
         case Removable::Playlists:
+            return passed("MaxRemovedPlaylists", limits.MaxRemovedPlaylists);
+        case Removable::Tracks:
             break;
     }
-    if (!passes(limits.MaxRemovedPlaylists)) return "";
-    return text + " would go, beyond " + beyond("MaxRemovedPlaylists", limits.MaxRemovedPlaylists);
+    const auto percent = static_cast<std::size_t>(limits.MaxRemovedPercent);
+    const std::string tracks = passed("MaxRemovedTracks", limits.MaxRemovedTracks);
+    if (tracks.empty() || count * 100 <= outOf * percent) return "";
+    return tracks + " and MaxRemovedPercent=" + std::to_string(percent);
 }
 
 void Removals::Note(Removable kind, const std::string& name) {

@@ -26,6 +26,10 @@ SafetyLimits ReadSafetyLimits(Host& host);
 
 /// What of the user's can go away in a run.
 enum class Removable { Tracks, MusicFiles, Playlists };
+constexpr std::array Removables{Removable::Tracks, Removable::MusicFiles, Removable::Playlists};
+
+/// "24 tracks", "1 music file".
+std::string NumberOf(std::size_t count, Removable kind);
 
 /// What a phase is about to remove, the whole of it.
 struct PlannedRemoval {
@@ -48,6 +52,7 @@ class Removals {
         std::size_t count = 0;
         std::vector<std::string> names;  ///< the first ones, at most MostNames
     };
+    using AllGone = std::array<Gone, Removables.size()>;  ///< in the order of `Removables`
 
     SafetyLimits limits;
     /// The person has said that this run may remove whatever it would.
@@ -63,13 +68,14 @@ class Removals {
     /// These have gone.
     void Note(Removable kind, const std::string& name);
     const Gone& Of(Removable kind) const { return gone_.at(static_cast<std::size_t>(kind)); }
+    const AllGone& All() const { return gone_; }
 
   private:
     std::string Objection(const PlannedRemoval& planned) const;
+    std::string LimitPassed(Removable kind, std::size_t count, std::size_t outOf) const;
 
-    static constexpr std::size_t Kinds = 3;
-    std::array<std::size_t, Kinds> allowed_{};
-    std::array<Gone, Kinds> gone_;
+    std::array<std::size_t, Removables.size()> allowed_{};
+    AllGone gone_;
     bool braked_ = false;
 };
 

@@ -1,6 +1,19 @@
 #include "run/run.h"
 
+#include <algorithm>
+
 namespace quillon {
+namespace {
+
+/// What is counted of rows. Files are what they are at once.
+constexpr std::array RowCounts{
+    &RunCounts::albumsAdded,     &RunCounts::albumsChanged, &RunCounts::albumsRemoved,
+    &RunCounts::albumsUnchanged, &RunCounts::tracksAdded,   &RunCounts::tracksChanged,
+    &RunCounts::tracksRemoved,   &RunCounts::tracksUnchanged, &RunCounts::tagValuesStored,
+    &RunCounts::rowsRepointed,   &RunCounts::imagesAdded,   &RunCounts::imagesChanged,
+    &RunCounts::imagesRemoved,   &RunCounts::songsAdded,    &RunCounts::artistsAdded};
+
+}  // namespace
 
 Run::Run(Host& hostObject, Files& fileSystem, Clock& runClock, Window& runWindow)
     : host(hostObject), files(fileSystem), clock(runClock), window(runWindow) {}
@@ -29,6 +42,23 @@ void Run::StartCountingRows(std::string_view from) {
 void Run::CountDone() {
     // What grew while it was worked on must not look like more than all of it.
     if (form.progress.done < form.progress.total) ++form.progress.done;
+}
+
+void Run::Flush() {
+    connection->Flush();
+    savedCounts_ = counts;
+    if (savedTracks_.count != removals.Of(Removable::Tracks).count)
+        savedTracks_ = removals.Of(Removable::Tracks);
+}
+
+RunReport Run::Report() const {
+    RunReport report{.counts = counts, .gone = removals.All()};
+    for (std::size_t RunCounts::* const count : RowCounts)
+        report.counts.*count = savedCounts_.*count;
+    report.gone.at(static_cast<std::size_t>(Removable::Tracks)) = savedTracks_;
+    report.saved = std::ranges::all_of(
+        RowCounts, [this](auto count) { return counts.*count == savedCounts_.*count; });
+    return report;
 }
 
 }  // namespace quillon

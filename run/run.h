@@ -24,6 +24,8 @@ namespace quillon {
 struct RunCounts {
     std::size_t albumsAdded = 0, albumsChanged = 0, albumsRemoved = 0, albumsUnchanged = 0;
     std::size_t tracksAdded = 0, tracksChanged = 0, tracksRemoved = 0, tracksUnchanged = 0;
+    /// Changed tracks of which number or album alone are others: giving back the marks undoes that.
+    std::size_t tracksOnlyPlacedAnew = 0;
     std::size_t tagsWritten = 0;      ///< files whose tag has become another one
     std::size_t tagValuesStored = 0;  ///< values of tags that have changed a row
     /// Playlist files made or converted, rewritten because entries had changed, and deleted because
@@ -32,8 +34,20 @@ struct RunCounts {
     /// Music files and covers, in the order of the words.
     std::size_t filesRenamed = 0, filesRemoved = 0, filesCopied = 0;
     std::size_t rowsRepointed = 0;  ///< rows whose stored path has become another one
-    std::size_t leftOut = 0;        ///< music files and folders that the layout has no place for
-    std::size_t errors = 0;         ///< calls of LogError
+    /// Albums that got an image, another one, or lost theirs.
+    std::size_t imagesAdded = 0, imagesChanged = 0, imagesRemoved = 0;
+    std::size_t songsAdded = 0, artistsAdded = 0;  ///< to the download table
+    std::size_t pagesWritten = 0;                  ///< of the album picker, the index included
+    std::size_t leftOut = 0;     ///< music files and folders that the layout has no place for
+    std::size_t errors = 0;      ///< calls of LogError
+    std::size_t unrecorded = 0;  ///< records that the host's log did not take
+};
+
+/// What a run has to tell at its end.
+struct RunReport {
+    RunCounts counts;        ///< of rows only what the database holds for good
+    Removals::AllGone gone;  ///< likewise
+    bool saved = true;       ///< whether that is all that was counted
 };
 
 /// The run-wide objects, made once and passed by reference to every phase. Phases read settings
@@ -98,6 +112,16 @@ class Run {
 
     /// What may go away, and what has gone.
     Removals removals;
+
+    /// Makes the database's changes durable. What was counted of rows has happened only then: the
+    /// report leaves out what no later call confirms. Throws Failure.
+    void Flush();
+
+    RunReport Report() const;
+
+  private:
+    RunCounts savedCounts_;
+    Removals::Gone savedTracks_;
 };
 
 }  // namespace quillon
