@@ -26,14 +26,19 @@ constexpr const char* ProgramFooter = R"(A first library:
 Exit status: 0 done, 1 done but errors were logged, 2 nothing ran, 3 aborted.)";
 
 constexpr const char* RunFooter =
-    R"(What a run does is chosen by the settings in Quillon.ini alone. Ctrl-C, SIGTERM, Abort in the window
-and, on the terminal screen, the key a abort it, and so does a terminal that closes, unless nohup
-started the run. A second signal ends it at once.
+    R"(What a run does is chosen by the settings in Quillon.ini. Ctrl-C, SIGTERM, Abort in the window and, on
+the terminal screen, the key a abort it, and so does a terminal that closes, unless nohup started the
+run. A second signal ends it at once.
+
+The brake: a run that would remove a lot, or all of a folder without any music, removes nothing, says
+so and ends with status 1. The cause is mostly a drive that is not mounted. When you have cleared out
+on purpose, --allow-removals lets it through once. [Safety] in host.ini has the limits.
 
 Examples:
   quillon run --host ~/shelf
   quillon run --host /srv/shelf --view plain >> /var/log/shelf.log
-  quillon run --host /srv/shelf --quiet    in a crontab: a mail with errors and a summary)";
+  quillon run --host /srv/shelf --quiet    in a crontab: a mail with errors, losses and a summary
+  quillon run --host ~/shelf --allow-removals    after you have deleted half of the music)";
 
 constexpr const char* InitFooter =
     R"(DIR gets Quillon.ini (every setting, explained), host.ini (the drive table), folders for playlists,
@@ -129,7 +134,9 @@ class Grammar {
         AddChoice(command, "--view", view_, ViewNames,
                   "What the run shows: auto, window, terminal or plain (default: auto)");
         command.add_flag("--quiet", quiet_,
-                         "Tells errors and a summary alone, in plain lines; for cron");
+                         "Tells errors, what went away and a summary alone, in plain lines; for cron");
+        command.add_flag("--allow-removals", allowRemovals_,
+                         "Lets this run remove more than [Safety] in host.ini allows");
     }
 
     /// An option whose values are words.
@@ -207,7 +214,7 @@ class Grammar {
     void RefuseRunOptionsOfOtherCommands() const {
         const auto chosen = app_.get_subcommands();
         if (chosen.empty() || chosen.front() == run_) return;
-        for (const char* const option : {"--view", "--quiet"}) {
+        for (const char* const option : {"--view", "--quiet", "--allow-removals"}) {
             if (app_.count(option) > 0) throw CLI::ExtrasError({option});
         }
     }
@@ -242,7 +249,7 @@ class Grammar {
         if (query_->parsed()) return queryRequest_;
         if (exec_->parsed()) return execRequest_;
         if (dbCheck_->parsed()) return dbCheckRequest_;
-        return RunRequest{HostFolder(), quiet_ ? ViewKind::Plain : view_, quiet_};
+        return RunRequest{HostFolder(), quiet_ ? ViewKind::Plain : view_, quiet_, allowRemovals_};
     }
 
     CLI::App app_{"Keeps MP3 folders, a jukebox database, tags and playlists consistent.",
@@ -259,7 +266,7 @@ class Grammar {
 
     std::filesystem::path host_;
     ViewKind view_ = ViewKind::Auto;
-    bool quiet_ = false;
+    bool quiet_ = false, allowRemovals_ = false;
     InitRequest initRequest_;
     ServeRequest serveRequest_;
     DbCreateRequest createRequest_;

@@ -28,14 +28,20 @@ int RunLibrary(const RunRequest& request) {
     const std::unique_ptr<View> view = MakeView(request.view, request.quiet);
     Run run(local.host, local.files, local.clock, *view);
     current = &run;
+    run.removals.allAllowed = request.allowRemovals;
     RemovedFiles removed(RemovedMusicFolder(local.host), local.clock);
     local.files.OnDelete(KeepRemovedMusic(run, local.host, removed));
 
     LibraryForm form(run, local.databases, ProgramVersion);
     const RunOutcome outcome = form.Form_Load();
+    const RunReport report = run.Report();
     const RunSummary summary{
-        outcome, run.counts,
-        std::chrono::duration_cast<std::chrono::seconds>(std::chrono::steady_clock::now() - start)};
+        outcome,
+        report.counts,
+        std::chrono::duration_cast<std::chrono::seconds>(std::chrono::steady_clock::now() - start),
+        report.gone,
+        report.saved,
+        ReadRemovedMusicSetting(local.host).keep};
     view->Summarize(summary);
     return ExitStatus(summary);
 }

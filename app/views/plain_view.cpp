@@ -33,6 +33,8 @@ bool PlainView::AbortPressed() const {
 }
 
 void PlainView::Summarize(const RunSummary& summary) {
+    for (const std::string& line : LossLines(summary))
+        output_.WriteLine(line);
     output_.WriteLine(SummaryText(summary));
     output_.Finish();
 }

@@ -10,8 +10,8 @@ namespace quillon {
 /// How much plain lines tell: all that happens, or what a person has to know of.
 enum class PlainDetail { Everything, ErrorsAndSummary };
 
-/// The face for cron and logs: a line for each phase that starts and for each log record, and one
-/// that sums up.
+/// The face for cron and logs: a line for each phase that starts and for each log record, what went
+/// away, and a line that sums up.
 class PlainView : public View {
   public:
     /// Writes to this file descriptor, which stays the caller's.

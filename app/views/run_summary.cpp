@@ -1,7 +1,9 @@
 #include "app/views/run_summary.h"
 
+#include <algorithm>
 #include <fmt/format.h>
-#include <vector>
+#include <iterator>
+#include <utility>
 
 #include "app/display_text.h"
 
@@ -11,7 +13,10 @@ namespace {
 /// A record that is cut to less says nothing.
 constexpr std::size_t LeastRecordColumns = 12;
 
-constexpr const char* NothingWasChanged = "No album, track, playlist or tag was changed.";
+constexpr const char* NothingWasChanged = "No album, track, file, playlist or tag was changed.";
+constexpr const char* NotAllSaved =
+    "Not all could be saved in the database; what is not certain is not counted.";
+constexpr const char* SeeCheck = "'quillon check' tells what stands in the way.";
 
 /// A number of things that something happened to, with the words around it.
 struct Happening {
@@ -50,19 +55,83 @@ std::string AlbumsAndTracks(const RunCounts& counts, bool withUnchanged) {
                                   {tracks, "unchanged"}}));
 }
 
-std::string PlaylistsAndTags(const RunCounts& counts) {
+/// "1 song added" behind "Download table: ".
+Happening Added(std::size_t count, const char* word) {
+    return {count, fmt::format("{}{} added", word, count == 1 ? "" : "s")};
+}
+
+/// All else that happened, a sentence for each kind of things; none where nothing did.
+std::vector<std::string> Others(const RunSummary& summary) {
+    const RunCounts& counts = summary.counts;
     const char* const values = counts.tagValuesStored == 1 ? "value" : "values";
-    return Joined(Told("Playlists", {{counts.playlistsWritten, "written"},
-                                     {counts.playlistsRepaired, "repaired"},
-                                     {counts.playlistsRemoved, "removed"}}),
-                  Told("Tags", {{counts.tagsWritten, "written"},
-                                {counts.tagValuesStored,
-                                 fmt::format("{} taken into the database", values)}}));
+    std::vector<std::string> sentences{
+        Told("Files", {{counts.filesRenamed, "renamed"},
+                       {counts.filesRemoved, summary.keepsRemoved ? "moved to Removed" : "deleted"},
+                       {counts.filesCopied, "copied"}}),
+        Told("Stored paths", {{counts.rowsRepointed, "changed"}}),
+        Told("Playlists", {{counts.playlistsWritten, "written"},
+                           {counts.playlistsRepaired, "repaired"},
+                           {counts.playlistsRemoved, "removed"}}),
+        Told("Tags", {{counts.tagsWritten, "written"},
+                      {counts.tagValuesStored, fmt::format("{} taken into the database", values)}}),
+        Told("Covers", {{counts.imagesAdded, "added"},
+                        {counts.imagesChanged, "changed"},
+                        {counts.imagesRemoved, "removed"}}),
+        Told("Download table",
+             {Added(counts.songsAdded, "song"), Added(counts.artistsAdded, "artist")}),
+        Told("Pages", {{counts.pagesWritten, "written"}}),
+    };
+    std::erase(sentences, "");
+    return sentences;
+}
+
+/// What a person has to know of the counts.
+std::vector<std::string> Remarks(const RunSummary& summary) {
+    std::vector<std::string> sentences;
+    if (summary.counts.leftOut > 0) {
+        sentences.push_back(
+            fmt::format("{} left out, see 'quillon check'.", Counted(summary.counts.leftOut, "file")));
+    }
+    if (!summary.saved) sentences.emplace_back(NotAllSaved);
+    return sentences;
+}
+
+/// The same and the remarks, or that nothing happened, where that is certain.
+std::vector<std::string> OthersOr(const RunSummary& summary, const char* nothing) {
+    std::vector<std::string> sentences = Others(summary);
+    if (sentences.empty() && summary.saved) sentences.emplace_back(nothing);
+    std::ranges::move(Remarks(summary), std::back_inserter(sentences));
+    return sentences;
+}
+
+std::string JoinedAll(const std::vector<std::string>& sentences) {
+    std::string text;
+    for (const std::string& sentence : sentences)
+        text = Joined(text, sentence);
+    return text;
+}
+
+/// Sentences in lines of so many columns, none divided unless it is longer than a line.
+std::vector<std::string> InLines(const std::vector<std::string>& sentences, std::size_t columns) {
+    std::vector<std::string> lines;
+    for (const std::string& sentence : sentences) {
+        const bool joins = !lines.empty() && DisplayColumns(lines.back()) + 1 +
+                                                     DisplayColumns(sentence) <=
+                                                 columns;
+        if (joins) {
+            lines.back() += ' ' + sentence;
+        } else {
+            lines.push_back(sentence);
+        }
+    }
+    return lines;
 }
 
 std::string Errors(const RunSummary& summary) {
-    const std::size_t count = summary.counts.errors;
-    return count == 0 ? "no errors" : Counted(count, "error") + " in host.log";
+    const RunCounts& counts = summary.counts;
+    const std::string number = counts.errors == 0 ? "no errors" : Counted(counts.errors, "error");
+    if (counts.unrecorded > 0) return number + " (host.log could not be written)";
+    return counts.errors == 0 ? number : number + " in host.log";
 }
 
 /// "Done in 0:01:02; 2 errors in host.log", without the full stop.
@@ -88,7 +157,8 @@ std::string ShortOutcome(const RunSummary& summary) {
 
 /// What a record at the end of the first line is introduced by; empty where none belongs there.
 std::string Introduction(const RunSummary& summary) {
-    if (summary.counts.errors > 0) return Outcome(summary) + ", last: ";
+    const RunCounts& counts = summary.counts;
+    if (counts.errors > 0 || counts.unrecorded > 0) return Outcome(summary) + ", last: ";
     return summary.outcome == RunOutcome::NothingRan ? "Nothing ran: " : "";
 }
 
@@ -102,27 +172,29 @@ std::string FirstLine(const RunSummary& summary, std::string_view record, std::s
     return FitColumns(fits ? outcome : ShortOutcome(summary) + '.', columns);
 }
 
-std::string OrElse(const std::string& text, const char* other) {
-    return text.empty() ? other : text;
+std::string MusicLine(const RunSummary& summary, bool withUnchanged) {
+    const std::string text = AlbumsAndTracks(summary.counts, withUnchanged);
+    return text.empty() ? "No album or track was changed." : text;
 }
 
 }  // namespace
 
-std::array<std::string, 3> SummaryLines(const RunSummary& summary) {
-    if (summary.outcome == RunOutcome::NothingRan) {
-        return {Outcome(summary) + '.', NothingWasChanged,
-                "'quillon check' tells what stands in the way."};
-    }
-    return {Outcome(summary) + '.',
-            OrElse(AlbumsAndTracks(summary.counts, true), "No album or track was changed."),
-            OrElse(PlaylistsAndTags(summary.counts), "No playlist or tag was changed.")};
+std::vector<std::string> SummaryLines(const RunSummary& summary) {
+    if (summary.outcome == RunOutcome::NothingRan)
+        return {Outcome(summary) + '.', NothingWasChanged, SeeCheck};
+    return {Outcome(summary) + '.', MusicLine(summary, true),
+            JoinedAll(OthersOr(summary, "No file, playlist or tag was changed."))};
 }
 
-std::array<std::string, 3> SummaryLines(const RunSummary& summary, std::string_view record,
-                                        std::size_t columns) {
-    std::array<std::string, 3> lines = SummaryLines(summary);
-    if (DisplayColumns(lines[1]) > columns && summary.outcome != RunOutcome::NothingRan)
-        lines[1] = OrElse(AlbumsAndTracks(summary.counts, false), "No album or track was changed.");
+std::vector<std::string> SummaryLines(const RunSummary& summary, std::string_view record,
+                                      std::size_t columns) {
+    std::vector<std::string> lines{"", NothingWasChanged, SeeCheck};
+    if (summary.outcome != RunOutcome::NothingRan) {
+        std::string music = MusicLine(summary, true);
+        if (DisplayColumns(music) > columns) music = MusicLine(summary, false);
+        lines = InLines(OthersOr(summary, "No file, playlist or tag was changed."), columns);
+        lines.insert(lines.begin(), {"", std::move(music)});
+    }
     for (std::string& line : lines)
         line = FitColumns(line, columns);
     lines[0] = FirstLine(summary, record, columns);
@@ -131,11 +203,37 @@ std::array<std::string, 3> SummaryLines(const RunSummary& summary, std::string_v
 
 std::string SummaryText(const RunSummary& summary) {
     const std::string outcome = Outcome(summary) + '.';
-    if (summary.outcome == RunOutcome::NothingRan)
-        return outcome + " 'quillon check' tells what stands in the way.";
-    return outcome + ' ' +
-           OrElse(Joined(AlbumsAndTracks(summary.counts, true), PlaylistsAndTags(summary.counts)),
-                  NothingWasChanged);
+    if (summary.outcome == RunOutcome::NothingRan) return Joined(outcome, SeeCheck);
+    const std::string music = AlbumsAndTracks(summary.counts, true);
+    const std::vector<std::string> others =
+        music.empty() ? OthersOr(summary, NothingWasChanged) : OthersOr(summary, "");
+    return Joined(outcome, Joined(music, JoinedAll(others)));
+}
+
+std::vector<std::string> LossLines(const RunSummary& summary, std::size_t mostNames) {
+    std::vector<std::string> lines;
+    for (std::size_t i = 0; i < Removables.size(); ++i) {
+        const Removals::Gone& gone = summary.gone.at(i);
+        if (gone.count == 0) continue;
+        lines.push_back(NumberOf(gone.count, Removables.at(i)) + " removed:");
+        const std::size_t shown = std::min(gone.names.size(), mostNames);
+        for (std::size_t name = 0; name < shown; ++name)
+            lines.push_back("   " + OneLine(gone.names[name]));
+        if (gone.count > shown) lines.push_back(fmt::format("   and {} more", gone.count - shown));
+    }
+    return lines;
+}
+
+std::vector<std::string> LossLines(const RunSummary& summary, std::size_t columns,
+                                   std::size_t mostLines) {
+    for (std::size_t names = Removals::MostNames; names > 0; --names) {
+        std::vector<std::string> lines = LossLines(summary, names);
+        if (lines.size() > mostLines) continue;
+        for (std::string& line : lines)
+            line = ShortenMiddle(line, columns);
+        return lines;
+    }
+    return {};
 }
 
 int ExitStatus(const RunSummary& summary) {
@@ -147,7 +245,7 @@ int ExitStatus(const RunSummary& summary) {
         case RunOutcome::Completed:
             break;
     }
-    return summary.counts.errors == 0 ? 0 : 1;
+    return summary.counts.errors == 0 && summary.counts.unrecorded == 0 ? 0 : 1;
 }
 
 }  // namespace quillon

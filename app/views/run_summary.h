@@ -1,10 +1,10 @@
 #pragma once
 
-#include <array>
 #include <chrono>
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "driver/library_form.h"
 #include "run/run.h"
@@ -16,22 +16,35 @@ struct RunSummary {
     RunOutcome outcome = RunOutcome::NothingRan;
     RunCounts counts;
     std::chrono::seconds elapsed{};
+    Removals::AllGone gone{};
+    bool saved = true;         ///< see RunReport
+    bool keepsRemoved = true;  ///< removed music lies in the host folder and is not lost
 };
 
-/// What ends every run, in three lines: outcome, duration and errors; albums and tracks; playlists
-/// and tags. Of what was counted only what occurred is told.
-std::array<std::string, 3> SummaryLines(const RunSummary& summary);
+/// What ends every run, in three lines: outcome, duration and errors; albums and tracks; all else.
+/// Of what was counted only what occurred is told.
+std::vector<std::string> SummaryLines(const RunSummary& summary);
 
 /// The same for a place of so many columns: each line fits, and the first one tells `record`, the
-/// message of the log that says most about the end, as far as there is room. Where not all fits,
-/// what was left unchanged is left out first.
-std::array<std::string, 3> SummaryLines(const RunSummary& summary, std::string_view record,
-                                        std::size_t columns);
+/// message of the log that says most about the end, as far as there is room. Where not all albums
+/// and tracks fit, what was left unchanged is left out first; all else takes the lines it needs.
+std::vector<std::string> SummaryLines(const RunSummary& summary, std::string_view record,
+                                      std::size_t columns);
 
 /// The three as one line.
 std::string SummaryText(const RunSummary& summary);
 
-/// 0 the mode ran and logged no error, 1 it logged errors, 2 nothing ran, 3 aborted.
+/// What went away: a line for each kind of things with how many they were, then up to `mostNames`
+/// of their names, then how many more there are. No line where nothing went.
+std::vector<std::string> LossLines(const RunSummary& summary,
+                                   std::size_t mostNames = Removals::MostNames);
+
+/// The same for a place of so many columns and lines, with as many names as fit.
+std::vector<std::string> LossLines(const RunSummary& summary, std::size_t columns,
+                                   std::size_t mostLines);
+
+/// 0 the mode ran and logged no error, 1 it logged errors or the log did not take all that it was
+/// told, 2 nothing ran, 3 aborted.
 int ExitStatus(const RunSummary& summary);
 
 }  // namespace quillon

@@ -3,6 +3,7 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 #include <utility>
+#include <vector>
 
 #include "app/display_text.h"
 #include "app/signals.h"
@@ -14,12 +15,14 @@ namespace {
 
 constexpr std::chrono::milliseconds DrawInterval{34};
 constexpr std::size_t MostRecords = 200;
-constexpr std::size_t UsualColumns = 80;
+constexpr ScreenSize UsualSize{.columns = 80, .rows = 24};
+/// What the summary leaves of the screen to what stood there before, the prompt behind it included.
+constexpr std::size_t RowsForOthers = 3;
 
-std::size_t ColumnsOfOutput() {
+ScreenSize SizeOfOutput() {
     winsize size{};
     const bool known = ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
-    return known ? size.ws_col : UsualColumns;
+    return known ? ScreenSize{.columns = size.ws_col, .rows = size.ws_row} : UsualSize;
 }
 
 }  // namespace
@@ -77,7 +80,13 @@ void TerminalView::Summarize(const RunSummary& summary) {
     if (record.empty() && summary.outcome == RunOutcome::NothingRan && !remarks_.records.empty())
         record = remarks_.records.back().text;
     LineOutput output(STDOUT_FILENO);
-    for (const std::string& line : SummaryLines(summary, record, ColumnsOfOutput()))
+    const ScreenSize size = SizeOfOutput();
+    const std::vector<std::string> lines = SummaryLines(summary, record, size.columns);
+    const std::size_t taken = lines.size() + RowsForOthers;
+    const std::size_t room = size.rows > taken ? size.rows - taken : 0;
+    for (const std::string& line : LossLines(summary, size.columns, room))
+        output.WriteLine(line);
+    for (const std::string& line : lines)
         output.WriteLine(line);
     output.Finish();
 }

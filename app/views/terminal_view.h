@@ -14,8 +14,8 @@ class CursesScreen;
 
 /// The face on a terminal: the phases with the running one marked and how far it has come, the
 /// current item, the latest error, the elapsed time, the latest records of the log. Key `a` is the
-/// Abort button. The screen is given back when the window closes, whatever ends it; then three
-/// lines sum up.
+/// Abort button. The screen is given back when the window closes, whatever ends it; then a few
+/// lines tell what went away and sum up.
 class TerminalView : public View {
   public:
     /// nullptr where the terminal cannot show a screen. It is taken when the window is shown.

@@ -105,6 +105,19 @@ TEST(CommandLine, QuietGoesWithNoScreen) {
     }
 }
 
+TEST(CommandLine, RemovalsAreAllowedOnlyWhereThatIsSaid) {
+    EXPECT_FALSE(std::get<RunRequest>(Parse({"run"})).allowRemovals);
+    EXPECT_FALSE(std::get<RunRequest>(Parse({})).allowRemovals);
+    EXPECT_TRUE(std::get<RunRequest>(Parse({"run", "--allow-removals"})).allowRemovals);
+    EXPECT_TRUE(std::get<RunRequest>(Parse({"--allow-removals"})).allowRemovals);
+    const auto quiet = std::get<RunRequest>(Parse({"run", "--quiet", "--allow-removals"}));
+    EXPECT_TRUE(quiet.quiet && quiet.allowRemovals);
+    EXPECT_NE(UsageError({"check", "--allow-removals"}).find("--allow-removals"),
+              std::string::npos);
+    EXPECT_NE(UsageError({"--allow-removals", "check"}).find("--allow-removals"),
+              std::string::npos);
+}
+
 TEST(CommandLine, InitTakesAFolderAndTheMusic) {
     const auto request = std::get<InitRequest>(Parse({"init", "shelf", "--music", "/m"}));
     EXPECT_EQ(request.host, "shelf");

@@ -73,8 +73,24 @@ TEST(PlainView, TellsErrorsAndTheSummaryAloneWhereItIsToBeQuiet) {
     counts.errors = 1;
     view.Summarize({RunOutcome::Completed, counts, std::chrono::seconds(1)});
     EXPECT_EQ(pipe.Waiting(),
-              "Done in 0:00:01; 1 error in host.log. No album, track, playlist or tag was "
+              "Done in 0:00:01; 1 error in host.log. No album, track, file, playlist or tag was "
               "changed.\n");
+}
+
+TEST(PlainView, NamesWhatWentAwayHoweverQuietItIs) {
+    for (const PlainDetail detail : {PlainDetail::Everything, PlainDetail::ErrorsAndSummary}) {
+        const Pipe pipe;
+        PlainView view(pipe.Writer(), detail);
+        RunSummary summary{RunOutcome::Completed, {}, std::chrono::seconds(1)};
+        summary.counts.tracksRemoved = 2;
+        summary.gone[0] = {.count = 2, .names = {"D:\\Music\\a.mp3", "D:\\Music\\b.mp3"}};
+        view.Summarize(summary);
+        EXPECT_EQ(pipe.Waiting(),
+                  "2 tracks removed:\n"
+                  "   D:\\Music\\a.mp3\n"
+                  "   D:\\Music\\b.mp3\n"
+                  "Done in 0:00:01; no errors. Tracks: 2 removed.\n");
+    }
 }
 
 TEST(PlainView, OutlivesAReaderThatGoesAway) {

@@ -1,6 +1,8 @@
 #include "app/views/run_summary.h"
 
 #include <gtest/gtest.h>
+#include <string>
+#include <vector>
 
 #include "app/display_text.h"
 
@@ -51,20 +53,35 @@ TEST(SummaryLines, KnowEveryCount) {
                       .playlistsWritten = 11,
                       .playlistsRepaired = 12,
                       .playlistsRemoved = 13,
+                      .filesRenamed = 15,
+                      .filesRemoved = 16,
+                      .filesCopied = 17,
+                      .rowsRepointed = 18,
+                      .imagesAdded = 19,
+                      .imagesChanged = 20,
+                      .imagesRemoved = 21,
+                      .songsAdded = 22,
+                      .artistsAdded = 23,
+                      .pagesWritten = 24,
+                      .leftOut = 25,
                       .errors = 14};
     EXPECT_EQ(SummaryText(summary),
               "Done in 0:00:00; 14 errors in host.log. "
               "Albums: 1 added, 2 changed, 3 removed, 4 unchanged. "
               "Tracks: 5 added, 6 changed, 7 removed, 8 unchanged. "
+              "Files: 15 renamed, 16 moved to Removed, 17 copied. Stored paths: 18 changed. "
               "Playlists: 11 written, 12 repaired, 13 removed. "
-              "Tags: 9 written, 10 values taken into the database.");
+              "Tags: 9 written, 10 values taken into the database. "
+              "Covers: 19 added, 20 changed, 21 removed. "
+              "Download table: 22 songs added, 23 artists added. Pages: 24 written. "
+              "25 files left out, see 'quillon check'.");
 }
 
 TEST(SummaryLines, SayInWordsWhatDidNotHappen) {
     const auto lines = SummaryLines({RunOutcome::Completed, {}, seconds(3)});
     EXPECT_EQ(lines[0], "Done in 0:00:03; no errors.");
     EXPECT_EQ(lines[1], "No album or track was changed.");
-    EXPECT_EQ(lines[2], "No playlist or tag was changed.");
+    EXPECT_EQ(lines[2], "No file, playlist or tag was changed.");
 }
 
 TEST(SummaryLines, SayWhatToDoWhereNothingRan) {
@@ -72,7 +89,7 @@ TEST(SummaryLines, SayWhatToDoWhereNothingRan) {
     summary.counts.errors = 1;
     const auto lines = SummaryLines(summary);
     EXPECT_EQ(lines[0], "Nothing ran; 1 error in host.log.");
-    EXPECT_EQ(lines[1], "No album, track, playlist or tag was changed.");
+    EXPECT_EQ(lines[1], "No album, track, file, playlist or tag was changed.");
     EXPECT_EQ(lines[2], "'quillon check' tells what stands in the way.");
 }
 
@@ -88,7 +105,74 @@ TEST(SummaryText, LeavesOutWhatTheModeHadNothingToDoWith) {
     EXPECT_EQ(SummaryText(summary), "Done in 0:00:01; no errors. Playlists: 7 written.");
     summary.counts = {};
     EXPECT_EQ(SummaryText(summary),
-              "Done in 0:00:01; no errors. No album, track, playlist or tag was changed.");
+              "Done in 0:00:01; no errors. No album, track, file, playlist or tag was changed.");
+}
+
+TEST(SummaryText, CountsFilesWhereNothingElseChanged) {
+    RunSummary summary{RunOutcome::Aborted, {}, seconds(1)};
+    summary.counts.filesRemoved = 12'675;
+    EXPECT_EQ(SummaryText(summary),
+              "Aborted after 0:00:01; no errors. Files: 12675 moved to Removed.");
+    summary.keepsRemoved = false;
+    EXPECT_EQ(SummaryText(summary), "Aborted after 0:00:01; no errors. Files: 12675 deleted.");
+}
+
+TEST(SummaryText, NamesOneThingInTheSingular) {
+    RunSummary summary{RunOutcome::Completed, {}, seconds(1)};
+    summary.counts.songsAdded = 1;
+    summary.counts.artistsAdded = 1;
+    summary.counts.leftOut = 1;
+    EXPECT_EQ(SummaryText(summary),
+              "Done in 0:00:01; no errors. Download table: 1 song added, 1 artist added. "
+              "1 file left out, see 'quillon check'.");
+}
+
+TEST(SummaryText, DoesNotSayThatNothingChangedWhereThatIsNotCertain) {
+    RunSummary summary{RunOutcome::Completed, {}, seconds(1)};
+    summary.counts.errors = 1;
+    summary.saved = false;
+    EXPECT_EQ(SummaryText(summary),
+              "Done in 0:00:01; 1 error in host.log. Not all could be saved in the database; what "
+              "is not certain is not counted.");
+}
+
+TEST(SummaryText, DoesNotSendToALogThatCouldNotBeWritten) {
+    RunSummary summary{RunOutcome::Completed, {}, seconds(1)};
+    summary.counts.errors = 2;
+    summary.counts.unrecorded = 3;
+    EXPECT_TRUE(SummaryText(summary).starts_with(
+        "Done in 0:00:01; 2 errors (host.log could not be written). "));
+    summary.counts.errors = 0;
+    EXPECT_TRUE(SummaryText(summary).starts_with(
+        "Done in 0:00:01; no errors (host.log could not be written). "));
+    EXPECT_EQ(SummaryLines(summary, "Disk full: host.log", 100)[0],
+              "Done in 0:00:01; no errors (host.log could not be written), last: Disk full: "
+              "host.log");
+}
+
+TEST(LossLines, NameUpToTenOfEachKindAndThenCount) {
+    RunSummary summary;
+    EXPECT_TRUE(LossLines(summary).empty());
+    summary.gone[0] = {.count = 12, .names = {"a", "b", "c", "d", "e", "f", "g", "h", "i", "j"}};
+    summary.gone[1] = {.count = 1, .names = {"D:\\x\ny.mp3"}};
+    EXPECT_EQ(LossLines(summary),
+              (std::vector<std::string>{"12 tracks removed:", "   a", "   b", "   c", "   d", "   e",
+                                        "   f", "   g", "   h", "   i", "   j", "   and 2 more",
+                                        "1 music file removed:", "   D:\\x y.mp3"}));
+}
+
+TEST(LossLines, TakeNoMoreRoomThanThereIs) {
+    RunSummary summary;
+    summary.gone[0] = {.count = 4, .names = {"abcdefghijklmnop", "b", "c", "d"}};
+    summary.gone[2] = {.count = 2, .names = {"x", "y"}};
+    EXPECT_EQ(LossLines(summary, 80, 8).size(), 8U) << "all six names";
+    EXPECT_EQ(LossLines(summary, 80, 7),
+              (std::vector<std::string>{"4 tracks removed:", "   abcdefghijklmnop", "   b",
+                                        "   and 2 more", "2 playlists removed:", "   x", "   y"}));
+    for (const std::string& line : LossLines(summary, 10, 6))
+        EXPECT_LE(DisplayColumns(line), 10U) << line;
+    EXPECT_EQ(LossLines(summary, 10, 6)[1], "   ab…mnop");
+    EXPECT_TRUE(LossLines(summary, 80, 5).empty());
 }
 
 TEST(SummaryText, SaysHowARunEnded) {
@@ -133,9 +217,24 @@ TEST(SummaryLinesOfAWidth, WhereErrorsAreToldIsWorthMoreThanTheDuration) {
     EXPECT_EQ(SummaryLines(summary, "x", 40)[0], "Aborted; 12 errors in host.log.");
 }
 
+TEST(SummaryLinesOfAWidth, TakeAsManyLinesAsAllElseNeeds) {
+    RunSummary summary = Reconciled();
+    summary.counts.filesRenamed = 3;
+    summary.counts.songsAdded = 12;
+    summary.counts.leftOut = 12;
+    EXPECT_EQ(SummaryLines(summary, "", 60),
+              (std::vector<std::string>{"Done in 0:01:02; no errors.",
+                                        "Albums: 2 added, 1 changed. Tracks: 12 added, 4 removed.",
+                                        "Files: 3 renamed. Playlists: 3 written, 1 removed.",
+                                        "Download table: 12 songs added.",
+                                        "12 files left out, see 'quillon check'."}));
+}
+
 TEST(SummaryLinesOfAWidth, Fit) {
     RunSummary summary = Reconciled();
     summary.counts.errors = 3;
+    summary.counts.filesCopied = 100;
+    summary.counts.leftOut = 100;
     for (const RunOutcome outcome :
          {RunOutcome::Completed, RunOutcome::Aborted, RunOutcome::NothingRan}) {
         summary.outcome = outcome;
@@ -153,6 +252,9 @@ TEST(ExitStatus, TellsOutcomeAndErrors) {
     failed.errors = 1;
     EXPECT_EQ(ExitStatus({RunOutcome::Completed, clean, {}}), 0);
     EXPECT_EQ(ExitStatus({RunOutcome::Completed, failed, {}}), 1);
+    RunCounts unrecorded;
+    unrecorded.unrecorded = 1;
+    EXPECT_EQ(ExitStatus({RunOutcome::Completed, unrecorded, {}}), 1);
     EXPECT_EQ(ExitStatus({RunOutcome::NothingRan, clean, {}}), 2);
     EXPECT_EQ(ExitStatus({RunOutcome::NothingRan, failed, {}}), 2);
     EXPECT_EQ(ExitStatus({RunOutcome::Aborted, clean, {}}), 3);

@@ -58,7 +58,16 @@ void Play(std::string_view end) {
     counts.tracksAdded = 12;
     counts.tracksUnchanged = 4310;
     counts.errors = 1;
-    view->Summarize({quillon::RunOutcome::Aborted, counts, 7s});
+    quillon::RunSummary summary{quillon::RunOutcome::Aborted, counts, 7s};
+    if (end == "losses") {
+        summary.counts.tracksRemoved = 12;
+        quillon::Removals removals;
+        for (int i = 1; i <= 12; ++i)
+            removals.Note(quillon::Removable::Tracks,
+                          "D:\\Music\\Alder\\Gone" + std::to_string(i) + ".mp3");
+        summary.gone = removals.All();
+    }
+    view->Summarize(summary);
 }
 
 }  // namespace

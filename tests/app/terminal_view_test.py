@@ -58,6 +58,20 @@ def leaves_three_lines(player):
                 expect_on(lines[1], "4310 unchanged")
 
 
+def names_what_went_away_where_there_is_room(player):
+    for rows, names in ((24, 10), (12, 4), (6, 0)):
+        with Terminal(f"{player} losses", columns=80, rows=rows) as terminal:
+            terminal.wait_for("Current")
+            terminal.type("a")
+            left = terminal.confirm_given_back("status 0", r"Aborted after 0:00:07;")
+            shown = re.findall(r"^   D:.Music.Alder.Gone(\d+)\.mp3$", left, re.MULTILINE)
+            if shown != [str(number + 1) for number in range(names)]:
+                raise Failed(f"not {names} names on {rows} rows:\n{left}")
+            if names > 0:
+                expect_on(left, "12 tracks removed:", f"   and {12 - names} more")
+            expect_on(left, "12 removed")
+
+
 def is_usable_on_40_columns(player):
     with Terminal(f"{player} summary", columns=40, rows=24) as terminal:
         screen = terminal.wait_for(RUNNING, r"37 %\n", "Current", "Errors   ProcessTracks", "Abort")
@@ -261,7 +275,8 @@ def outlives_its_terminal(player):
             raise Failed("the process neither notices nor ends")
 
 
-STORIES = (shows_the_whole_form, leaves_three_lines, is_usable_on_40_columns,
+STORIES = (shows_the_whole_form, leaves_three_lines,
+           names_what_went_away_where_there_is_room, is_usable_on_40_columns,
            shows_the_log_where_there_is_room, looks_intended_on_200_columns, follows_a_resize,
            uses_colours_unless_told_not_to, works_on_terminals_of_other_kinds,
            has_no_screen_on_a_terminal_that_has_none, ends_by_ctrl_c, ends_by_a_signal,
