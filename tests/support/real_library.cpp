@@ -53,7 +53,8 @@ int StatusOf(const std::function<void()>& work) {
 
 RealLibrary::RealLibrary()
     : resolver_(Drives(folder_.Path())),
-      files_(resolver_, [this](const std::string& message) { host.WriteLog("Quillon", message); }),
+      files_(resolver_,
+             [this](LogKind, const std::string& message) { host.WriteLog("Quillon", message); }),
       run(host, files_, clock, window) {
     fs::create_directory(Music());
     fs::create_directory(DatabaseFile().parent_path());
