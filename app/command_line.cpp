@@ -133,8 +133,9 @@ class Grammar {
         AddHostOption(command);
         AddChoice(command, "--view", view_, ViewNames,
                   "What the run shows: auto, window, terminal or plain (default: auto)");
-        command.add_flag("--quiet", quiet_,
-                         "Tells errors, what went away and a summary alone, in plain lines; for cron");
+        command.add_flag(
+            "--quiet", quiet_,
+            "Tells errors, what went away and a summary alone, in plain lines; for cron");
         command.add_flag("--allow-removals", allowRemovals_,
                          "Lets this run remove more than [Safety] in host.ini allows");
     }

@@ -17,7 +17,7 @@ enum class LibraryLayout { Tree, Flat };
 struct RunRequest {
     std::filesystem::path host;
     ViewKind view = ViewKind::Auto;
-    bool quiet = false;  ///< plain lines that tell errors, losses and the summary alone
+    bool quiet = false;          ///< plain lines that tell errors, losses and the summary alone
     bool allowRemovals = false;  ///< the brake on loss is off for this run
 };
 

@@ -7,11 +7,11 @@ namespace {
 
 /// What is counted of rows. Files are what they are at once.
 constexpr std::array RowCounts{
-    &RunCounts::albumsAdded,     &RunCounts::albumsChanged, &RunCounts::albumsRemoved,
-    &RunCounts::albumsUnchanged, &RunCounts::tracksAdded,   &RunCounts::tracksChanged,
+    &RunCounts::albumsAdded,     &RunCounts::albumsChanged,   &RunCounts::albumsRemoved,
+    &RunCounts::albumsUnchanged, &RunCounts::tracksAdded,     &RunCounts::tracksChanged,
     &RunCounts::tracksRemoved,   &RunCounts::tracksUnchanged, &RunCounts::tagValuesStored,
-    &RunCounts::rowsRepointed,   &RunCounts::imagesAdded,   &RunCounts::imagesChanged,
-    &RunCounts::imagesRemoved,   &RunCounts::songsAdded,    &RunCounts::artistsAdded};
+    &RunCounts::rowsRepointed,   &RunCounts::imagesAdded,     &RunCounts::imagesChanged,
+    &RunCounts::imagesRemoved,   &RunCounts::songsAdded,      &RunCounts::artistsAdded};
 
 }  // namespace
 

@@ -10,6 +10,7 @@
 
 #include "app/checks/identifiers_check.h"
 #include "app/checks/leftovers_check.h"
+#include "app/checks/music_check.h"
 #include "app/checks/writable.h"
 #include "app/database_needs.h"
 #include "app/display_text.h"
@@ -17,7 +18,6 @@
 #include "database/schema.h"
 #include "jet/database.h"
 #include "jet/lock.h"
-#include "platform/basic_text.h"
 #include "platform/failure.h"
 
 namespace quillon {
@@ -36,17 +36,16 @@ std::string OwnedTracks() {
         OwnedPlayer);
 }
 
-/// Owned tracks whose file is named below the library root.
-std::int64_t TracksBelow(jet::Database& database, std::string_view libraryRoot) {
-    const std::string root = LowerCase(libraryRoot);
-    std::int64_t count = 0;
+/// The files of the library's own tracks, as they are stored.
+std::vector<std::string> OwnedSoundFiles(jet::Database& database) {
+    std::vector<std::string> files;
     const auto tracks = database.Query("SELECT Tracks.SoundFile FROM " + OwnedTracks());
     for (; !tracks->IsEof(); tracks->MoveNext()) {
         const jet::Value soundFile = tracks->Get(0);
         const auto* const text = std::get_if<std::string>(&soundFile);
-        count += text != nullptr && LowerCase(*text).starts_with(root) ? 1 : 0;
+        files.push_back(text == nullptr ? "" : *text);
     }
-    return count;
+    return files;
 }
 
 std::string FieldsText(const TableFit& table) {
@@ -99,23 +98,6 @@ void CheckGenres(jet::Database& database, Findings& findings) {
         count == 1 ? "it" : "them", bad));
 }
 
-void CheckPaths(jet::Database& database, const Settings& settings, std::ostream& out,
-                Findings& findings) {
-    const std::int64_t owned = Count(database, OwnedTracks());
-    out << fmt::format("  {} of the tracks are the library's own", owned);
-    if (settings.LibraryRoot.empty() || owned == 0) {
-        out << '\n';
-        return;
-    }
-    const std::int64_t below = TracksBelow(database, settings.LibraryRoot);
-    out << fmt::format(", {} of them name a file below LibraryRoot\n", below);
-    if (below == 0)
-        findings.Caution(
-            "None of the library's own tracks lies below LibraryRoot: a reconciliation would "
-            "remove them all and add what it finds as new. Look at the paths in the table Tracks "
-            "and at [Drives] in host.ini");
-}
-
 void CheckLock(const fs::path& path, Findings& findings) {
     const jet::LockState lock = jet::LookAtLock(path);
     if (lock.kind == jet::LockState::Kind::InUse) {
@@ -158,7 +140,7 @@ std::string_view Advice(jet::ErrorKind kind) {
     }
 }
 
-void LookInto(const fs::path& path, const Settings& settings, std::ostream& out,
+void LookInto(LocalHost& local, const fs::path& path, const Settings& settings, std::ostream& out,
               Findings& findings) try {
     CheckLock(path, findings);
     jet::Database database = jet::Database::Open(path, jet::OpenMode::ReadOnly);
@@ -168,7 +150,7 @@ void LookInto(const fs::path& path, const Settings& settings, std::ostream& out,
     if (!MissingForTheTool(tables).empty()) return;
     CheckGenres(database, findings);
     CheckIdentifiers(database, findings);
-    CheckPaths(database, settings, out, findings);
+    CheckMusic(local, settings, OwnedSoundFiles(database), out, findings);
 } catch (const jet::Error& error) {
     out << "  cannot be used\n";
     findings.Problem(error.what() + std::string(Advice(error.Kind())));
@@ -176,7 +158,7 @@ void LookInto(const fs::path& path, const Settings& settings, std::ostream& out,
 
 }  // namespace
 
-void CheckDatabase(PathResolver& resolver, const Settings& settings, std::ostream& out,
+void CheckDatabase(LocalHost& local, const Settings& settings, std::ostream& out,
                    Findings& findings) try {
     out << "\nDatabase\n";
     const std::string& shown = settings.Nirvis_CDJ_DB;
@@ -186,7 +168,7 @@ void CheckDatabase(PathResolver& resolver, const Settings& settings, std::ostrea
             "Setting Nirvis_CDJ_DB is empty. Write the database's path, D:\\jukebox.mdb for "
             "instance");
     }
-    const fs::path path = resolver.Local(shown);
+    const fs::path path = local.resolver.Local(shown);
     out << fmt::format("  {}\n  {}\n", OneLine(shown), OneLine(path.string()));
     std::error_code ignored;
     if (!fs::is_regular_file(path, ignored)) {
@@ -197,7 +179,7 @@ void CheckDatabase(PathResolver& resolver, const Settings& settings, std::ostrea
     }
     CheckLeftovers(path, findings);
     CheckWritable(path, findings);
-    LookInto(path, settings, out, findings);
+    LookInto(local, path, settings, out, findings);
 } catch (const Failure& failure) {
     out << "  is not there\n";
     findings.Problem(fmt::format(

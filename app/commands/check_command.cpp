@@ -9,6 +9,7 @@
 #include "app/checks/database_check.h"
 #include "app/checks/folders_check.h"
 #include "app/checks/mode_check.h"
+#include "app/checks/safety_check.h"
 #include "app/checks/settings_check.h"
 #include "app/checks/writable.h"
 #include "app/display_text.h"
@@ -86,6 +87,7 @@ int Check(const CheckRequest& request, Console console) {
     CheckPlugin(local.host, out, findings);
     CheckLog(local.host, out, findings);
     TellRemovedMusic(local.host, out, findings);
+    CheckSafety(local.host, out, findings);
     TellDrives(local.host.Drives(), out);
     const Settings settings = CheckSettings(local.host, out, findings);
     CheckUnreadKeys(local.host, findings);
@@ -94,7 +96,7 @@ int Check(const CheckRequest& request, Console console) {
     CheckFolders(local, settings, out, findings);
     CheckLibraryFolders(local.files, settings, findings);
     CheckOverlaps(local.files, settings, findings);
-    CheckDatabase(local.resolver, settings, out, findings);
+    CheckDatabase(local, settings, out, findings);
     CheckMode(local.resolver, settings, out, findings);
 
     TellFindings(findings, out);

@@ -17,6 +17,7 @@
 #include "app/stored_music.h"
 #include "jet/database.h"
 #include "platform/host.h"
+#include "run/removals.h"
 
 namespace quillon {
 namespace {
@@ -138,6 +139,33 @@ std::string SettingsText(const Plan& plan) {
                              {"AlbumCoverFolder", inHost("Covers")}});
 }
 
+/// The values are those that hold without these lines.
+std::string SafetyText() {
+    const SafetyLimits limits;
+    return fmt::format(
+        "\n"
+        "; The brake: a run that would remove more than this removes nothing, says so and ends "
+        "with "
+        "status\n"
+        "; 1. A drive that is not mounted looks like a library that somebody has emptied. So the "
+        "brake also\n"
+        "; holds where a library folder has no music at all. 'quillon run --allow-removals' lets "
+        "it through\n"
+        "; once, Brake=0 always.\n"
+        "[Safety]\n"
+        "Brake={}\n"
+        "\n"
+        "; Rows of tracks: both must be passed, the number and the percentage of all.\n"
+        "MaxRemovedTracks={}\n"
+        "MaxRemovedPercent={}\n"
+        "\n"
+        "; Music files that are taken for duplicates, and playlists.\n"
+        "MaxRemovedFiles={}\n"
+        "MaxRemovedPlaylists={}\n",
+        limits.Brake ? 1 : 0, limits.MaxRemovedTracks, limits.MaxRemovedPercent,
+        limits.MaxRemovedFiles, limits.MaxRemovedPlaylists);
+}
+
 std::string HostText(const Plan& plan) {
     std::string text =
         "; What stands in for the home-automation host.\n"
@@ -175,9 +203,15 @@ std::string HostText(const Plan& plan) {
         "; 1: music files that a run removes from the library as duplicates are moved to the "
         "folder\n"
         "; Removed beside this file. 0: they are deleted.\n"
+        "; OnlyIdentical=1: the comparison of tags takes a file for a duplicate only where the "
+        "sound in it\n"
+        "; is the other's, byte for byte. 0: the same title in their tags will do, of which tags "
+        "hold the\n"
+        "; first 30 letters.\n"
         "[Removed]\n"
-        "Keep=1\n";
-    return text;
+        "Keep=1\n"
+        "OnlyIdentical=1\n";
+    return text + SafetyText();
 }
 
 /// What has been made so far; removed again unless it is kept.

@@ -89,8 +89,8 @@ std::vector<std::string> Others(const RunSummary& summary) {
 std::vector<std::string> Remarks(const RunSummary& summary) {
     std::vector<std::string> sentences;
     if (summary.counts.leftOut > 0) {
-        sentences.push_back(
-            fmt::format("{} left out, see 'quillon check'.", Counted(summary.counts.leftOut, "file")));
+        sentences.push_back(fmt::format("{} left out, see 'quillon check'.",
+                                        Counted(summary.counts.leftOut, "file")));
     }
     if (!summary.saved) sentences.emplace_back(NotAllSaved);
     return sentences;
@@ -115,9 +115,8 @@ std::string JoinedAll(const std::vector<std::string>& sentences) {
 std::vector<std::string> InLines(const std::vector<std::string>& sentences, std::size_t columns) {
     std::vector<std::string> lines;
     for (const std::string& sentence : sentences) {
-        const bool joins = !lines.empty() && DisplayColumns(lines.back()) + 1 +
-                                                     DisplayColumns(sentence) <=
-                                                 columns;
+        const bool joins = !lines.empty() &&
+                           DisplayColumns(lines.back()) + 1 + DisplayColumns(sentence) <= columns;
         if (joins) {
             lines.back() += ' ' + sentence;
         } else {

@@ -2,6 +2,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "tests/app/temporary_folder.h"
 
@@ -11,7 +12,8 @@ namespace quillon {
 class CheckFixture : public TemporaryFolder {
   protected:
     CheckFixture() {
-        MakeFolder("Music");
+        MakeFolder("Music/Alder/First Light");
+        Write("Music/Alder/First Light/01 - Dawn.mp3", "sound");
         CallProgram({"init", Path("shelf"), "--music", Path("Music")});
     }
     ProgramResult Check() const { return CallProgram({"check", "--host", Path("shelf")}); }
@@ -31,6 +33,15 @@ class CheckFixture : public TemporaryFolder {
     void Execute(const std::string& sql) const {
         const ProgramResult result = CallProgram({"db", "exec", Path("shelf/jukebox.mdb"), sql});
         ASSERT_EQ(result.status, 0) << result.err;
+    }
+
+    /// Gives the library an album with these files.
+    void AddOwnedTracks(const std::vector<std::string>& soundFiles) const {
+        Execute("INSERT INTO Albums (CDJID, Title, Artist, Player) VALUES ('1', 'T', 'A', 1001)");
+        for (const std::string& soundFile : soundFiles) {
+            Execute("INSERT INTO Tracks (CDJID, Track, SoundFile) VALUES ('1', 1, '" + soundFile +
+                    "')");
+        }
     }
 
     /// What stands behind a heading, up to the next blank line.

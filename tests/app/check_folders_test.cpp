@@ -54,6 +54,7 @@ TEST_F(CheckFolders, AReconciliationNeedsTheMusic) {
 
 TEST_F(CheckFolders, ALibraryOfSeveralFoldersNeedsOne) {
     Set("LibraryDepthOption", "1");
+    fs::remove_all(Path("Music/Alder"));
     EXPECT_EQ(Check().status, 2);
     EXPECT_TRUE(Has(Problems(), "holds neither a folder nor a .txt file that names one"));
     MakeFolder("Elsewhere");

@@ -60,9 +60,34 @@ TEST_F(InitCommand, MakesAWholeHostFolder) {
     EXPECT_TRUE(HasEntry("shelf/Quillon.ini", "FlatStructure=0"));
     EXPECT_TRUE(HasEntry("shelf/Quillon.ini", "ID3Reconcile=0"));
     EXPECT_TRUE(HasEntry("shelf/host.ini", "Keep=1"));
+    EXPECT_TRUE(HasEntry("shelf/host.ini", "OnlyIdentical=1"));
 
     const auto database = jet::Database::Open(Path("shelf/jukebox.mdb"), jet::OpenMode::ReadOnly);
     EXPECT_EQ(database.Tables().size(), JukeboxTables().size());
+}
+
+TEST_F(InitCommand, WritesTheBrakesLimitsAsTheyHoldWithoutThem) {
+    MakeFolder("Music");
+    ASSERT_EQ(Init({"--music", Path("Music").string()}).status, 0);
+    const std::string host = Read("shelf/host.ini");
+    const std::string section = host.substr(host.find("\n[Safety]\n"));
+    for (const char* const line :
+         {"\nBrake=1\n", "\nMaxRemovedTracks=50\n", "\nMaxRemovedPercent=20\n",
+          "\nMaxRemovedFiles=20\n", "\nMaxRemovedPlaylists=5\n"})
+        EXPECT_NE(section.find(line), std::string::npos) << line;
+    EXPECT_EQ(section.find("\n[", 1), std::string::npos) << "no other section takes one of them";
+
+    const auto brake = [this] {
+        const std::string out = CallProgram({"check", "--host", Path("shelf")}).out;
+        const std::size_t start = out.find("\nBrake ");
+        return out.substr(start, out.find('\n', start + 1) - start);
+    };
+    const std::string written = brake();
+    Write("shelf/host.ini", host.substr(0, host.find("\n[Safety]\n")));
+    EXPECT_EQ(brake(), written);
+    EXPECT_NE(written.find("on: more than 50 tracks and 20 % of all, 20 music files or 5"),
+              std::string::npos)
+        << written;
 }
 
 TEST_F(InitCommand, TellsTheNextTwoCommands) {

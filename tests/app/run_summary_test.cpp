@@ -155,10 +155,10 @@ TEST(LossLines, NameUpToTenOfEachKindAndThenCount) {
     EXPECT_TRUE(LossLines(summary).empty());
     summary.gone[0] = {.count = 12, .names = {"a", "b", "c", "d", "e", "f", "g", "h", "i", "j"}};
     summary.gone[1] = {.count = 1, .names = {"D:\\x\ny.mp3"}};
-    EXPECT_EQ(LossLines(summary),
-              (std::vector<std::string>{"12 tracks removed:", "   a", "   b", "   c", "   d", "   e",
-                                        "   f", "   g", "   h", "   i", "   j", "   and 2 more",
-                                        "1 music file removed:", "   D:\\x y.mp3"}));
+    EXPECT_EQ(LossLines(summary), (std::vector<std::string>{
+                                      "12 tracks removed:", "   a", "   b", "   c", "   d", "   e",
+                                      "   f", "   g", "   h", "   i", "   j", "   and 2 more",
+                                      "1 music file removed:", "   D:\\x y.mp3"}));
 }
 
 TEST(LossLines, TakeNoMoreRoomThanThereIs) {

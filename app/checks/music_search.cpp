@@ -1,0 +1,80 @@
+#include "app/checks/music_search.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <string_view>
+
+#include "platform/basic_text.h"
+#include "platform/failure.h"
+#include "run/sound_files.h"
+
+namespace quillon {
+namespace {
+
+/// A wrong root may be a whole disk: nobody waits for that.
+constexpr std::size_t MostFolders = 20'000;
+/// How far below the songs' place others are looked for.
+constexpr std::size_t FurtherDown = 4;
+
+/// What a file system keeps for itself; only root may look into it.
+bool IsOfTheFileSystem(std::string_view folder) {
+    return EqualIgnoringCase(folder.substr(folder.rfind('\\') + 1), "lost+found");
+}
+
+class Search {
+  public:
+    Search(Files& files, std::size_t depth) : files_(files), depth_(depth) {}
+
+    /// Whether a song was found where it should be.
+    bool Look(const std::string& folder, std::size_t depth) try {
+        if (IsOfTheFileSystem(folder)) return false;
+        if (++looked_ > MostFolders) {
+            isWhole_ = false;
+            return false;
+        }
+        if (HasSong(folder, depth) && depth == depth_) return true;
+        // Once it is known that there is music further down, only its place is of interest.
+        if (depth >= depth_ + (deeper_.empty() ? FurtherDown : 0)) return false;
+        const Listing<FolderEntry> folders = files_.SubFolders(folder);
+        isWhole_ = isWhole_ && folders.unseen.empty();
+        return std::ranges::any_of(
+            folders, [&](const FolderEntry& entry) { return Look(entry.path, depth + 1); });
+    } catch (const Failure&) {
+        isWhole_ = false;
+        return false;
+    }
+
+    FoundMusic Result() const {
+        if (!deeper_.empty()) return {MusicPlace::Deeper, deeper_};
+        if (!higher_.empty()) return {MusicPlace::Higher, higher_};
+        return {isWhole_ ? MusicPlace::None : MusicPlace::Unknown, ""};
+    }
+
+  private:
+    bool HasSong(const std::string& folder, std::size_t depth) {
+        const Listing<FileEntry> files = files_.FilesIn(folder);
+        isWhole_ = isWhole_ && files.unseen.empty();
+        const auto song = std::ranges::find_if(
+            files, [](const FileEntry& file) { return IsSoundFile(file.name); });
+        if (song == files.end()) return false;
+        if (depth > depth_) deeper_ = song->path;
+        if (depth < depth_) higher_ = song->path;
+        return true;
+    }
+
+    Files& files_;
+    std::size_t depth_;
+    std::size_t looked_ = 0;
+    bool isWhole_ = true;  ///< nothing was left out of sight
+    std::string deeper_, higher_;
+};
+
+}  // namespace
+
+FoundMusic LookForMusic(Files& files, const std::string& libraryFolder, std::size_t depth) {
+    Search search(files, depth);
+    if (search.Look(libraryFolder, 0)) return {MusicPlace::AsExpected, ""};
+    return search.Result();
+}
+
+}  // namespace quillon
