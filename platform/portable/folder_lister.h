@@ -25,6 +25,9 @@ class FolderLister {
   public:
     explicit FolderLister(NoteSink note) : note_(std::move(note)) {}
 
+    /// From now on listings remove what killed runs have left unfinished in the folder.
+    void ClearUnfinished() { clearsUnfinished_ = true; }
+
     /// Folders and files directly inside the folder at `local`, which is what `shown` means below
     /// the mapped folder `localRoot`; in name order. Failure: PathNotFound, PermissionDenied.
     std::vector<FolderEntry> SubFolders(const WindowsPath& shown, const std::string& local,
@@ -43,6 +46,7 @@ class FolderLister {
     void Note(std::string_view reason, const WindowsPath& folder, std::string_view name);
 
     NoteSink note_;
+    bool clearsUnfinished_ = false;
     std::unordered_set<std::string> noted_;
     LocalTime localTime_;
 };

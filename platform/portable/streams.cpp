@@ -41,10 +41,8 @@ std::string AnsiTextReader::ReadLine() {
 }
 
 AnsiTextWriter::AnsiTextWriter(const std::string& target, std::string_view shownPath,
-                               std::function<void()> closed)
-    : shownPath_(shownPath),
-      file_(target, shownPath, SafeFile::Existing::Replace),
-      closed_(std::move(closed)) {}
+                               SafeFile::Existing existing, std::function<void()> closed)
+    : shownPath_(shownPath), file_(target, shownPath, existing), closed_(std::move(closed)) {}
 
 void AnsiTextWriter::Write(std::string_view text) {
     if (!open_) throw Failure(FailureNumber::BadFileName, shownPath_);

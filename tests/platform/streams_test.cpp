@@ -52,7 +52,8 @@ TEST_F(TextReaderTest, LinesMayCrossEveryBoundary) {
 TEST_F(TextReaderTest, NeedsAFile) {
     folder_.MakeFolder("Folder");
     EXPECT_EQ(FailureOf([&] { files_.OpenText("D:\\x.txt"); }), "File not found: D:\\x.txt");
-    EXPECT_EQ(FailureOf([&] { files_.OpenText("D:\\Folder"); }), "Permission denied: D:\\Folder");
+    EXPECT_EQ(FailureOf([&] { files_.OpenText("D:\\Folder"); }),
+              "Permission denied: D:\\Folder (this is a folder and no file)");
     EXPECT_EQ(FailureOf([&] { files_.OpenText("E:\\x.txt"); }), "Path not found: E:\\x.txt");
 }
 
@@ -112,7 +113,8 @@ TEST_F(TextWriterTest, NeedsAFolderAndAFileName) {
     folder_.MakeFolder("Folder");
     EXPECT_EQ(FailureOf([&] { files_.CreateText("D:\\no\\a.txt"); }),
               "Path not found: D:\\no\\a.txt");
-    EXPECT_EQ(FailureOf([&] { files_.CreateText("D:\\Folder"); }), "Permission denied: D:\\Folder");
+    EXPECT_EQ(FailureOf([&] { files_.CreateText("D:\\Folder"); }),
+              "Permission denied: D:\\Folder (this is a folder and no file)");
     EXPECT_EQ(FailureOf([&] { files_.CreateText("D:\\AC/DC: a.txt"); }),
               "Bad file name or number: D:\\AC/DC: a.txt");
     EXPECT_EQ(folder_.Count(), 1U);
@@ -136,7 +138,8 @@ TEST_F(BinaryReaderTest, ReadsFromAnyPosition) {
 
 TEST_F(BinaryReaderTest, NeedsAFile) {
     EXPECT_EQ(FailureOf([&] { files_.OpenBinary("D:\\x"); }), "File not found: D:\\x");
-    EXPECT_EQ(FailureOf([&] { files_.OpenBinary("D:\\"); }), "Permission denied: D:\\");
+    EXPECT_EQ(FailureOf([&] { files_.OpenBinary("D:\\"); }),
+              "Permission denied: D:\\ (this is a folder and no file)");
 }
 
 }  // namespace
