@@ -1,29 +1,29 @@
 #include <initializer_list>
 
+#include "database/marks.h"
 #include "driver/backups.h"
 #include "driver/library_form.h"
-#include "run/log.h"
+#include "driver/unfinished_files.h"
+#include "playlists/playlist_snapshot.h"
 
 /// The part of the form that runs one mode.
 namespace quillon {
 
-RunOutcome LibraryForm::UpdateDatabase() {
-    const Mode* mode = SelectMode(run_.settings);
-    if (mode == nullptr) return RunOutcome::NothingRan;
-    return mode->work == nullptr ? RunReconcile(*mode) : RunMode(*mode);
+/// Makes sure that a mode can be gone back on; false when it must not start. Nothing has been
+/// changed by then but for what killed runs have left unfinished.
+bool LibraryForm::SecureMode(const Mode& mode) {
+    if (mode.work != nullptr && !StartIndicator(mode.indicator)) return false;
+    RemoveUnfinishedFiles(run_);
+    return RequireOwnPlaces(mode) && MakeBackups(mode.backups) && !run_.AbortRequested;
 }
 
-RunOutcome LibraryForm::RunMode(const Mode& mode) {
-    if (!StartIndicator(mode.indicator)) return Outcome();
-    MakeBackups(mode.backups);
-    if (!run_.AbortRequested) Perform(procedures_.*mode.work);
-    return Outcome();
-}
-
-RunOutcome LibraryForm::RunReconcile(const Mode& mode) {
-    MakeBackups(mode.backups);
-    run_.form.aLblReconcile = true;
-    RunPhases(PrepareReconcile());
+RunOutcome LibraryForm::UpdateDatabase(const Mode& mode) {
+    if (mode.work == nullptr) {
+        run_.form.aLblReconcile = true;
+        RunPhases(PrepareReconcile());
+    } else {
+        Perform(procedures_.*mode.work);
+    }
     return Outcome();
 }
 
@@ -85,14 +85,38 @@ bool LibraryForm::StartIndicator(std::size_t index) {
     return !run_.AbortRequested;
 }
 
-void LibraryForm::MakeBackups(const BackupPlan& plan) {
+/// Whether a reconciliation can keep what it knows beside the database. A link or anything else
+/// that is no file may have taken that place, and then a run would find out only in the middle.
+bool LibraryForm::RequireOwnPlaces(const Mode& mode) {
+    if (mode.work != nullptr) return true;
+    const std::string& database = run_.settings.Nirvis_CDJ_DB;
+    Steps steps(run_, "QuillonShelfkeeper Main");
+    steps.Advising(
+        "nothing was changed. A run keeps a file of its own there: remove what has that name, or "
+        "give this account the right to write there, and run again");
+    return steps.Try(0, [&] {
+        for (const std::string& path : {MarkSnapshotPath(database), PlaylistSnapshotPath(database)})
+            run_.files.CreateOwnText(path);
+    });
+}
+
+/// The dated copies; false when one failed. They are made before anything writes to the database,
+/// so that the file holds all there is. What an interrupted run has left beside it goes along: the
+/// database is only whole together with that.
+bool LibraryForm::MakeBackups(const BackupPlan& plan) {
+    const Settings& settings = run_.settings;
+    bool made = true;
     if (plan.database) {
-        // The copy is one of the file: it must hold what start-up may have changed.
-        updateSteps_.Try(0, [&] { run_.connection->Flush(); });
-        TimeStampBackup(run_, run_.settings.Nirvis_CDJ_DB);
+        const std::string& database = settings.Nirvis_CDJ_DB;
+        made = TimeStampBackup(run_, database);
+        for (const std::string& path :
+             {MarkSnapshotPath(database), PlaylistSnapshotPath(database)}) {
+            if (run_.files.FileExists(path)) made = TimeStampBackup(run_, path) && made;
+        }
     }
-    if (plan.playListPath) TimeStampFolderBackup(run_, run_.settings.PlayListPath);
-    if (plan.playListPath2) TimeStampFolderBackup(run_, run_.settings.PlayListPath2);
+    if (plan.playListPath) made = TimeStampFolderBackup(run_, settings.PlayListPath) && made;
+    if (plan.playListPath2) made = TimeStampFolderBackup(run_, settings.PlayListPath2) && made;
+    return made;
 }
 
 void LibraryForm::Perform(const Procedures::Work& work) {

@@ -9,6 +9,7 @@ void Steps::Report(const std::string& location, int step, const std::exception& 
     std::string description = failure.what();
     if (!subject_.empty() && description.find(subject_) == std::string::npos)
         description += " (" + subject_ + ')';
+    if (!advice_.empty()) description += "; " + advice_;
     const PendingError pending{step, description};
     LogError(run_, LogSource, location, &pending);
 }

@@ -27,7 +27,9 @@ int RunLibrary(const RunRequest& request) {
     Run run(local.host, local.files, local.clock, *view);
     current = &run;
     RemovedFiles removed(RemovedMusicFolder(local.host), local.clock);
+    removed.RemoveUnfinished();
     local.files.OnDelete(KeepRemovedMusic(run, local.host, removed));
+    local.files.ClearUnfinished();
 
     LibraryForm form(run, local.databases, ProgramVersion);
     const RunOutcome outcome = form.Form_Load();

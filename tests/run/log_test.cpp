@@ -103,6 +103,16 @@ TEST_F(Log, StepsNameWhatTheyConcernUnlessTheDescriptionDoes) {
                             "Quillon: Some Procedure Line 3 Overflow: Minutes"));
 }
 
+TEST_F(Log, StepsEndWithTheirAdvice) {
+    Steps steps(run, "Some Procedure");
+    steps.Concerning(R"(D:\a)");
+    steps.Advising("make room and run again");
+    steps.Try(1, [] { throw Failure(FailureNumber::Overflow, "Minutes"); });
+    EXPECT_THAT(world.host.log,
+                ElementsAre("Quillon: Some Procedure Line 1 Overflow: Minutes (D:\\a); "
+                            "make room and run again"));
+}
+
 TEST_F(Log, StepsThatSucceedLeaveNoRecord) {
     Steps steps(run, "Some Procedure");
     EXPECT_TRUE(steps.Try(1, [] {}));
