@@ -34,24 +34,30 @@ std::string BackupStamp(DateTime time) {
     return Replace(stamp, ",", "");
 }
 
-bool TimeStampBackup(Run& run, std::string_view file) {
+Backup TimeStampBackup(Run& run, std::string_view file) {
     run.ShowItem("Making Backup for file " + std::string(file));
     Steps steps(run, "TimeStampBackup");
     steps.Concerning(std::string(file));
     steps.Advising(MakeRoom);
-    return steps.Try(3, [&] {
-        if (run.files.FileExists(file)) run.files.CopyFile(file, FreeCopyName(run, file), false);
+    Backup backup;
+    backup.succeeded = steps.Try(3, [&] {
+        if (!run.files.FileExists(file)) return;
+        const std::string copy = FreeCopyName(run, file);
+        run.files.CopyFile(file, copy, false);
+        backup.copy = copy;
     });
+    return backup;
 }
 
-bool TimeStampFolderBackup(Run& run, std::string_view folder) {
+Backup TimeStampFolderBackup(Run& run, std::string_view folder) {
     run.ShowItem("Making Backup for Folder " + std::string(folder));
-    if (folder.empty()) return true;
+    if (folder.empty()) return {.succeeded = true, .copy = ""};
     const std::string source(folder.substr(0, folder.size() - 1));
     Steps steps(run, "TimeStampFolderBackup");
     steps.Concerning(source);
     steps.Advising(IsDriveRoot(folder) ? NameAFolder : MakeRoom);
-    return steps.Try(5, [&] {
+    Backup backup;
+    backup.succeeded = steps.Try(5, [&] {
         if (source.empty() || !run.files.FolderExists(source)) return;
         if (IsDriveRoot(folder)) {
             throw Failure::Described(FailureNumber::InvalidProcedureCall,
@@ -59,8 +65,24 @@ bool TimeStampFolderBackup(Run& run, std::string_view folder) {
                                          " is a whole drive, and the copy that a run makes first "
                                          "cannot lie beside it");
         }
-        run.files.CopyFolder(source, FreeCopyName(run, source));
+        const std::string copy = FreeCopyName(run, source);
+        run.files.CopyFolder(source, copy);
+        backup.copy = copy;
     });
+    return backup;
+}
+
+void TakeBackupsBack(Run& run, const std::vector<std::string>& copies) {
+    Steps steps(run, "TimeStampBackup");
+    for (const std::string& copy : copies) {
+        steps.Try(8, [&] {
+            if (run.files.FolderExists(copy)) {
+                run.files.DeleteFolder(copy);
+            } else {
+                run.files.Discard(copy);
+            }
+        });
+    }
 }
 
 }  // namespace quillon

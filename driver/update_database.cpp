@@ -1,4 +1,7 @@
+#include <array>
 #include <initializer_list>
+#include <string>
+#include <vector>
 
 #include "database/marks.h"
 #include "driver/backups.h"
@@ -8,6 +11,14 @@
 
 /// The part of the form that runs one mode.
 namespace quillon {
+namespace {
+
+/// What a reconciliation keeps beside the database while it works.
+std::array<std::string, 2> OwnFiles(const Settings& settings) {
+    return {MarkSnapshotPath(settings.Nirvis_CDJ_DB), PlaylistSnapshotPath(settings.Nirvis_CDJ_DB)};
+}
+
+}  // namespace
 
 /// Makes sure that a mode can be gone back on; false when it must not start. Nothing has been
 /// changed by then but for what killed runs have left unfinished.
@@ -89,33 +100,39 @@ bool LibraryForm::StartIndicator(std::size_t index) {
 /// that is no file may have taken that place, and then a run would find out only in the middle.
 bool LibraryForm::RequireOwnPlaces(const Mode& mode) {
     if (mode.work != nullptr) return true;
-    const std::string& database = run_.settings.Nirvis_CDJ_DB;
     Steps steps(run_, "QuillonShelfkeeper Main");
     steps.Advising(
         "nothing was changed. A run keeps a file of its own there: remove what has that name, or "
         "give this account the right to write there, and run again");
     return steps.Try(0, [&] {
-        for (const std::string& path : {MarkSnapshotPath(database), PlaylistSnapshotPath(database)})
+        for (const std::string& path : OwnFiles(run_.settings))
             run_.files.CreateOwnText(path);
     });
 }
 
 /// The dated copies; false when one failed. They are made before anything writes to the database,
-/// so that the file holds all there is. What an interrupted run has left beside it goes along: the
-/// database is only whole together with that.
+/// so that the file holds all there is.
 bool LibraryForm::MakeBackups(const BackupPlan& plan) {
     const Settings& settings = run_.settings;
+    std::vector<std::string> copies;
+    const auto isMade = [&copies](const Backup& backup) {
+        if (!backup.copy.empty()) copies.push_back(backup.copy);
+        return backup.succeeded;
+    };
     bool made = true;
     if (plan.database) {
-        const std::string& database = settings.Nirvis_CDJ_DB;
-        made = TimeStampBackup(run_, database);
-        for (const std::string& path :
-             {MarkSnapshotPath(database), PlaylistSnapshotPath(database)}) {
-            if (run_.files.FileExists(path)) made = TimeStampBackup(run_, path) && made;
+        made = isMade(TimeStampBackup(run_, settings.Nirvis_CDJ_DB));
+        // What an interrupted run has left beside it goes along: the one is only whole with the
+        // other.
+        for (const std::string& path : OwnFiles(settings)) {
+            if (made && run_.files.FileExists(path)) made = isMade(TimeStampBackup(run_, path));
         }
     }
-    if (plan.playListPath) made = TimeStampFolderBackup(run_, settings.PlayListPath) && made;
-    if (plan.playListPath2) made = TimeStampFolderBackup(run_, settings.PlayListPath2) && made;
+    if (made && plan.playListPath)
+        made = isMade(TimeStampFolderBackup(run_, settings.PlayListPath));
+    if (made && plan.playListPath2)
+        made = isMade(TimeStampFolderBackup(run_, settings.PlayListPath2));
+    if (!made) TakeBackupsBack(run_, copies);
     return made;
 }
 

@@ -36,7 +36,8 @@ class TextReader {
   public:
     virtual ~TextReader() = default;
     virtual bool AtEndOfStream() const = 0;
-    /// The next line without its end, as UTF-8. Failure: InputPastEnd.
+    /// The next line without its end, as UTF-8. Failure: InputPastEnd; Overflow for a line of more
+    /// than 1 MB.
     virtual std::string ReadLine() = 0;
 };
 

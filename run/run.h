@@ -28,7 +28,14 @@ struct RunCounts {
     /// Playlist files made or converted, rewritten because entries had changed, and deleted because
     /// none was left.
     std::size_t playlistsWritten = 0, playlistsRepaired = 0, playlistsRemoved = 0;
-    std::size_t errors = 0;  ///< calls of LogError
+    std::size_t errors = 0;       ///< calls of LogError
+    std::size_t recordsLost = 0;  ///< that the host's log did not take
+};
+
+/// What is told elsewhere because the host's log does not take it.
+struct LostRecords {
+    std::string reason;               ///< why the first one was lost; "" while none was
+    std::vector<std::string> errors;  ///< the first few that tell of errors
 };
 
 /// The run-wide objects, made once and passed by reference to every phase. Phases read settings
@@ -90,6 +97,7 @@ class Run {
     bool AbortRequested = false;
 
     RunCounts counts;
+    LostRecords lostRecords;
 };
 
 }  // namespace quillon

@@ -3,12 +3,15 @@
 #include <chrono>
 #include <memory>
 #include <string>
+#include <unistd.h>
 
 #include "app/local_host.h"
 #include "app/removed_music.h"
 #include "app/signals.h"
 #include "app/version.h"
+#include "app/views/line_output.h"
 #include "app/views/make_view.h"
+#include "app/views/run_summary.h"
 #include "driver/library_form.h"
 #include "run/log.h"
 #include "run/run.h"
@@ -37,6 +40,10 @@ int RunLibrary(const RunRequest& request) {
         outcome, run.counts,
         std::chrono::duration_cast<std::chrono::seconds>(std::chrono::steady_clock::now() - start)};
     view->Summarize(summary);
+    LineOutput errors(STDERR_FILENO);
+    for (const std::string& line : LostRecordsLines(run.lostRecords, run.counts))
+        errors.WriteLine(line);
+    errors.Finish();
     return ExitStatus(summary);
 }
 

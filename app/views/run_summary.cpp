@@ -1,7 +1,7 @@
 #include "app/views/run_summary.h"
 
 #include <fmt/format.h>
-#include <vector>
+#include <utility>
 
 #include "app/display_text.h"
 
@@ -61,8 +61,11 @@ std::string PlaylistsAndTags(const RunCounts& counts) {
 }
 
 std::string Errors(const RunSummary& summary) {
-    const std::size_t count = summary.counts.errors;
-    return count == 0 ? "no errors" : Counted(count, "error") + " in host.log";
+    const auto& [count, lost] = std::pair(summary.counts.errors, summary.counts.recordsLost);
+    const std::string errors = count == 0 ? "no errors" : Counted(count, "error");
+    if (lost == 0) return count == 0 ? errors : errors + " in host.log";
+    return errors + (count == 0 ? "" : " on the error output") + ", host.log lacks " +
+           Counted(lost, "record");
 }
 
 /// "Done in 0:01:02; 2 errors in host.log", without the full stop.
@@ -138,6 +141,18 @@ std::string SummaryText(const RunSummary& summary) {
                   NothingWasChanged);
 }
 
+std::vector<std::string> LostRecordsLines(const LostRecords& lost, const RunCounts& counts) {
+    if (counts.recordsLost == 0) return {};
+    std::vector<std::string> lines{fmt::format("quillon: host.log lacks {}: {}.",
+                                               Counted(counts.recordsLost, "record"),
+                                               OneLine(lost.reason))};
+    for (const std::string& error : lost.errors)
+        lines.push_back("   " + OneLine(error));
+    if (counts.errors > lost.errors.size() && !lost.errors.empty())
+        lines.push_back(fmt::format("   and more, {} in all", Counted(counts.errors, "error")));
+    return lines;
+}
+
 int ExitStatus(const RunSummary& summary) {
     switch (summary.outcome) {
         case RunOutcome::NothingRan:
@@ -147,7 +162,7 @@ int ExitStatus(const RunSummary& summary) {
         case RunOutcome::Completed:
             break;
     }
-    return summary.counts.errors == 0 ? 0 : 1;
+    return summary.counts.errors + summary.counts.recordsLost == 0 ? 0 : 1;
 }
 
 }  // namespace quillon

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "driver/library_form.h"
 #include "run/run.h"
@@ -31,7 +32,12 @@ std::array<std::string, 3> SummaryLines(const RunSummary& summary, std::string_v
 /// The three as one line.
 std::string SummaryText(const RunSummary& summary);
 
-/// 0 the mode ran and logged no error, 1 it logged errors, 2 nothing ran, 3 aborted.
+/// For the error output: what the host's log lacks, with the first errors; nothing where it has
+/// all.
+std::vector<std::string> LostRecordsLines(const LostRecords& lost, const RunCounts& counts);
+
+/// 0 the mode ran and logged no error, 1 it logged errors or the log did not take all records, 2
+/// nothing ran, 3 aborted.
 int ExitStatus(const RunSummary& summary);
 
 }  // namespace quillon

@@ -11,6 +11,9 @@ namespace {
 
 constexpr std::size_t BufferSize = 65536;
 
+// No playlist, list of folders or settings file has such lines; what has would only eat memory.
+constexpr std::size_t LongestLine = std::size_t{1} << 20U;
+
 }  // namespace
 
 AnsiTextReader::AnsiTextReader(FileHandle file) : file_(std::move(file)) {
@@ -31,6 +34,11 @@ std::string AnsiTextReader::ReadLine() {
     bool ended = false;
     while (!ended && !AtEndOfStream()) {
         const std::size_t end = std::min(buffer_.find('\n', next_), buffer_.size());
+        if (line.size() + (end - next_) > LongestLine) {
+            throw Failure::Described(
+                FailureNumber::Overflow,
+                file_.ShownPath() + " has a line of more than 1 MB and is no text to read");
+        }
         line.append(buffer_, next_, end - next_);
         ended = end < buffer_.size();
         next_ = ended ? end + 1 : end;

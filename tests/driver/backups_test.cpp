@@ -39,7 +39,7 @@ TEST_F(Backups, CopyOfAFileStandsBesideItUnderItsWholeName) {
 }
 
 TEST_F(Backups, OfAFileThatIsNotThereDoNothing) {
-    EXPECT_TRUE(TimeStampBackup(run, R"(D:\Data\cdj.mdb)"));
+    EXPECT_TRUE(TimeStampBackup(run, R"(D:\Data\cdj.mdb)").succeeded);
     EXPECT_THAT(files.Everything(), IsEmpty());
     EXPECT_THAT(world.host.log, IsEmpty());
 }
@@ -48,7 +48,7 @@ TEST_F(Backups, ThatCannotBeCopiedAreLoggedWithWhatToDo) {
     files.AddFile(R"(D:\Data\cdj.mdb)", "rows");
     world.calls.Refuse(R"(CopyFile D:\Data\cdj.mdb -> )" + copyOfDatabase, FailureNumber::DiskFull,
                        copyOfDatabase);
-    EXPECT_FALSE(TimeStampBackup(run, R"(D:\Data\cdj.mdb)"));
+    EXPECT_FALSE(TimeStampBackup(run, R"(D:\Data\cdj.mdb)").succeeded);
     EXPECT_THAT(world.host.log,
                 ElementsAre("Quillon: TimeStampBackup Line 3 Disk full: " + copyOfDatabase +
                             "; nothing was changed. A run makes this copy first: free some space, "
@@ -61,7 +61,7 @@ TEST_F(Backups, NameThePathWhateverFails) {
     files.AddFile(R"(D:\Data\cdj.mdb)", "rows");
     world.calls.Refuse(R"(CopyFile D:\Data\cdj.mdb -> )" + copyOfDatabase,
                        FailureNumber::PathFileAccess, "");
-    EXPECT_FALSE(TimeStampBackup(run, R"(D:\Data\cdj.mdb)"));
+    EXPECT_FALSE(TimeStampBackup(run, R"(D:\Data\cdj.mdb)").succeeded);
     ASSERT_EQ(world.host.log.size(), 1U);
     EXPECT_THAT(world.host.log[0], HasSubstr(R"((D:\Data\cdj.mdb); nothing was changed)"));
 }
@@ -79,8 +79,8 @@ struct FailingFiles : fakes::FakeFiles {
 TEST_F(Backups, OfWhatCannotBeLookedAtFail) {
     FailingFiles failing(world.calls);
     Run other(world.host, failing, world.clock, world.window);
-    EXPECT_FALSE(TimeStampBackup(other, R"(D:\Data\cdj.mdb)"));
-    EXPECT_FALSE(TimeStampFolderBackup(other, R"(C:\Lists\)"));
+    EXPECT_FALSE(TimeStampBackup(other, R"(D:\Data\cdj.mdb)").succeeded);
+    EXPECT_FALSE(TimeStampFolderBackup(other, R"(C:\Lists\)").succeeded);
     ASSERT_EQ(world.host.log.size(), 2U);
     EXPECT_THAT(world.host.log[0], HasSubstr("TimeStampBackup Line 3 Path/File access error: "
                                              R"(D:\Data\cdj.mdb (Input/output error); nothing)"));
@@ -103,8 +103,8 @@ TEST_F(Backups, WithinOneSecondStandBesideEachOther) {
     for (const std::string content : {"first", "second", "third"}) {
         files.AddFile(R"(C:\Lists\Rock.pla)", content);
         files.AddFile(R"(D:\Data\cdj.mdb)", content);
-        EXPECT_TRUE(TimeStampFolderBackup(run, R"(C:\Lists\)"));
-        EXPECT_TRUE(TimeStampBackup(run, R"(D:\Data\cdj.mdb)"));
+        EXPECT_TRUE(TimeStampFolderBackup(run, R"(C:\Lists\)").succeeded);
+        EXPECT_TRUE(TimeStampBackup(run, R"(D:\Data\cdj.mdb)").succeeded);
     }
     EXPECT_EQ(files.Content(copyOfLists + R"(\Rock.pla)"), "first");
     EXPECT_EQ(files.Content(copyOfLists + R"(2_\Rock.pla)"), "second");
@@ -136,7 +136,7 @@ TEST_F(Backups, OfNoFolderDoNothing) {
     TimeStampFolderBackup(run, "");
     EXPECT_EQ(run.form.aItem, "Making Backup for Folder ");
     TimeStampFolderBackup(run, "\\");
-    EXPECT_TRUE(TimeStampFolderBackup(run, R"(C:\Lists\)"));
+    EXPECT_TRUE(TimeStampFolderBackup(run, R"(C:\Lists\)").succeeded);
     EXPECT_THAT(files.Everything(), IsEmpty());
     EXPECT_THAT(world.host.log, IsEmpty());
 }
@@ -145,7 +145,7 @@ TEST_F(Backups, OfAFolderThatCannotBeCopiedAreLogged) {
     files.AddFile(R"(C:\Lists\Rock.pla)", "r");
     world.calls.Refuse(R"(CopyFolder C:\Lists -> )" + copyOfLists, FailureNumber::PermissionDenied,
                        copyOfLists);
-    EXPECT_FALSE(TimeStampFolderBackup(run, R"(C:\Lists\)"));
+    EXPECT_FALSE(TimeStampFolderBackup(run, R"(C:\Lists\)").succeeded);
     ASSERT_EQ(world.host.log.size(), 1U);
     EXPECT_THAT(world.host.log[0],
                 StartsWith("Quillon: TimeStampFolderBackup Line 5 Permission denied: " +
@@ -154,13 +154,23 @@ TEST_F(Backups, OfAFolderThatCannotBeCopiedAreLogged) {
 
 TEST_F(Backups, OfAWholeDriveSayThatThereIsNoPlaceForThem) {
     files.AddFile(R"(\\nas\lists\Rock.pla)", "r");
-    EXPECT_FALSE(TimeStampFolderBackup(run, R"(\\nas\lists\)"));
+    EXPECT_FALSE(TimeStampFolderBackup(run, R"(\\nas\lists\)").succeeded);
     EXPECT_THAT(world.host.log,
                 ElementsAre(R"(Quillon: TimeStampFolderBackup Line 5 \\nas\lists\ is a whole )"
                             "drive, and the copy that a run makes first cannot lie beside it; "
                             "nothing was changed. "
                             "Name a folder on it in the settings, and run again"));
     EXPECT_THAT(world.calls.Of({"Copy"}), IsEmpty());
+}
+
+TEST_F(Backups, AreTakenBackWithAllThatIsInThem) {
+    files.AddFile(R"(D:\Data\cdj.mdb)", "rows");
+    files.AddFile(R"(C:\Lists\Rock.pla)", "r");
+    const std::vector<std::string> before = files.Everything();
+    TakeBackupsBack(run, {TimeStampBackup(run, R"(D:\Data\cdj.mdb)").copy,
+                          TimeStampFolderBackup(run, R"(C:\Lists\)").copy});
+    EXPECT_EQ(files.Everything(), before);
+    EXPECT_THAT(world.host.log, IsEmpty());
 }
 
 TEST_F(Backups, LetAbortBePressed) {

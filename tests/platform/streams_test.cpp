@@ -1,3 +1,4 @@
+#include <filesystem>
 #include <limits>
 
 #include "tests/platform/child_process.h"
@@ -46,6 +47,20 @@ TEST_F(TextReaderTest, LinesMayCrossEveryBoundary) {
         EXPECT_EQ(LinesOf(*files_.OpenText("D:\\a.txt")), (Names{line, line, "end"})) << length;
         folder_.MakeFile("b.txt", line + "\n");
         EXPECT_EQ(LinesOf(*files_.OpenText("D:\\b.txt")), Names{line}) << length;
+    }
+}
+
+TEST_F(TextReaderTest, RefusesALineThatNoTextHas) {
+    const std::string longest((std::size_t{1} << 20U) - 1, 'x');
+    folder_.MakeFile("a.pla", longest + "\r\nend");
+    EXPECT_EQ(LinesOf(*files_.OpenText("D:\\a.pla")), (Names{longest, "end"}));
+    folder_.MakeFile("b.pla", longest + "xx\r\nend");
+    // A file of one line that is mostly a hole: what is read of it must not grow with it.
+    folder_.MakeFile("c.pla");
+    std::filesystem::resize_file(folder_ / "c.pla", std::uintmax_t{1} << 36U);
+    for (const std::string path : {"D:\\b.pla", "D:\\c.pla"}) {
+        EXPECT_EQ(FailureOf([&] { files_.OpenText(path)->ReadLine(); }),
+                  path + " has a line of more than 1 MB and is no text to read");
     }
 }
 
