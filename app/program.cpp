@@ -1,5 +1,6 @@
 #include "app/program.h"
 
+#include <csignal>
 #include <exception>
 #include <iostream>
 
@@ -11,6 +12,7 @@
 #include "app/commands/serve_command.h"
 #include "app/display_text.h"
 #include "app/standard_descriptors.h"
+#include "platform/failure.h"
 
 namespace quillon {
 namespace {
@@ -43,13 +45,15 @@ int RunProgram(std::span<const char* const> arguments, Console console) {
         return status;
     } catch (const std::exception& error) {
         console.out.flush();
-        console.err << "quillon: " << OneLine(error.what()) << '\n';
+        console.err << "quillon: " << OneLine(DescriptionOf(error)) << '\n';
         return RefusedStatus;
     }
 }
 
 int RunProgram(int argumentCount, const char* const* arguments) {
     FillStandardDescriptors();
+    // A file that must not grow any more is a write that fails, which everybody here expects.
+    std::signal(SIGXFSZ, SIG_IGN);
     return RunProgram({arguments, static_cast<std::size_t>(argumentCount)},
                       Console{std::cout, std::cerr});
 }

@@ -6,6 +6,7 @@
 
 #include "platform/basic_text.h"
 #include "platform/database.h"
+#include "run/connection_value.h"
 #include "run/run.h"
 
 namespace quillon {
@@ -110,9 +111,8 @@ std::string LengthText(Length length) {
 }
 
 std::string PickerConnectionString(std::string_view database) {
-    // The path stands in apostrophes; its own ones are doubled, else it would end at the first.
-    return "Provider=Microsoft.Jet.OLEDB.4.0;Persist Security Info=False;Data Source='" +
-           Replace(database, "'", "''") + "'";
+    return "Provider=Microsoft.Jet.OLEDB.4.0;Persist Security Info=False;Data Source=" +
+           QuotedConnectionValue(database, '\'');
 }
 
 PickerAlbums ReadPickerAlbums(Run& run, Connection& connection) {

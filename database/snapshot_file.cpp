@@ -42,7 +42,7 @@ std::uint32_t Fingerprint(std::string_view piece, std::uint32_t before) {
 }
 
 SnapshotWriter::SnapshotWriter(Files& files, std::string_view path, const SnapshotFormat& format)
-    : format_(format), file_(files.CreateText(path)), counts_(format.kinds.size()) {
+    : format_(format), file_(files.CreateOwnText(path)), counts_(format.kinds.size()) {
     line_ = format.title;
 }
 

@@ -1,14 +1,28 @@
 #include "driver/backups.h"
 
 #include "platform/basic_text.h"
+#include "platform/failure.h"
+#include "run/paths.h"
 #include "run/run.h"
 #include "run/steps.h"
 
 namespace quillon {
 namespace {
 
-std::string DatedCopy(Run& run, std::string_view original) {
-    return std::string(original) + "_Copy Dated_" + BackupStamp(run.clock.Now()) + "_";
+constexpr const char* MakeRoom =
+    "nothing was changed. A run makes this copy first: free some space, or give this account the "
+    "right to read and write there, and run again";
+constexpr const char* NameAFolder =
+    "nothing was changed. Name a folder on it in the settings, and run again";
+
+/// Copies of one second differ in a number behind the stamp.
+std::string FreeCopyName(Run& run, std::string_view original) {
+    const std::string stamped =
+        std::string(original) + "_Copy Dated_" + BackupStamp(run.clock.Now()) + "_";
+    std::string name = stamped;
+    for (int number = 2; run.files.FileExists(name) || run.files.FolderExists(name); ++number)
+        name = stamped + std::to_string(number) + "_";
+    return name;
 }
 
 }  // namespace
@@ -20,28 +34,55 @@ std::string BackupStamp(DateTime time) {
     return Replace(stamp, ",", "");
 }
 
-void TimeStampBackup(Run& run, std::string_view file) {
+Backup TimeStampBackup(Run& run, std::string_view file) {
     run.ShowItem("Making Backup for file " + std::string(file));
     Steps steps(run, "TimeStampBackup");
-    steps.Try(3, [&] {
-        if (run.files.FileExists(file)) run.files.CopyFile(file, DatedCopy(run, file), true);
+    steps.Concerning(std::string(file));
+    steps.Advising(MakeRoom);
+    Backup backup;
+    backup.succeeded = steps.Try(3, [&] {
+        if (!run.files.FileExists(file)) return;
+        const std::string copy = FreeCopyName(run, file);
+        run.files.CopyFile(file, copy, false);
+        backup.copy = copy;
     });
+    return backup;
 }
 
-void TimeStampFolderBackup(Run& run, std::string_view folder) {
+Backup TimeStampFolderBackup(Run& run, std::string_view folder) {
     run.ShowItem("Making Backup for Folder " + std::string(folder));
-    if (folder.empty()) return;
-    const std::string_view source = folder.substr(0, folder.size() - 1);
-    const std::string target = DatedCopy(run, source);
-
+    if (folder.empty()) return {.succeeded = true, .copy = ""};
+    const std::string source(folder.substr(0, folder.size() - 1));
     Steps steps(run, "TimeStampFolderBackup");
-    bool sourceExists = false;
-    steps.Try(5, [&] { sourceExists = run.files.FolderExists(source); });
-    if (!sourceExists) return;
-    steps.Try(6, [&] {
-        if (!run.files.FolderExists(target)) run.files.CreateFolder(target);
+    steps.Concerning(source);
+    steps.Advising(IsDriveRoot(folder) ? NameAFolder : MakeRoom);
+    Backup backup;
+    backup.succeeded = steps.Try(5, [&] {
+        if (source.empty() || !run.files.FolderExists(source)) return;
+        if (IsDriveRoot(folder)) {
+            throw Failure::Described(FailureNumber::InvalidProcedureCall,
+                                     std::string(folder) +
+                                         " is a whole drive, and the copy that a run makes first "
+                                         "cannot lie beside it");
+        }
+        const std::string copy = FreeCopyName(run, source);
+        run.files.CopyFolder(source, copy);
+        backup.copy = copy;
     });
-    steps.Try(7, [&] { run.files.CopyFolder(source, target, true); });
+    return backup;
+}
+
+void TakeBackupsBack(Run& run, const std::vector<std::string>& copies) {
+    Steps steps(run, "TimeStampBackup");
+    for (const std::string& copy : copies) {
+        steps.Try(8, [&] {
+            if (run.files.FolderExists(copy)) {
+                run.files.DeleteFolder(copy);
+            } else {
+                run.files.Discard(copy);
+            }
+        });
+    }
 }
 
 }  // namespace quillon

@@ -10,6 +10,7 @@
 #include "driver/settings_reader.h"
 #include "platform/basic_text.h"
 #include "platform/failure.h"
+#include "run/connection_value.h"
 #include "run/log.h"
 
 namespace quillon {
@@ -22,6 +23,13 @@ constexpr std::string_view EarlierRunInterrupted =
     "An earlier run was interrupted; giving back the track numbers that it had set aside";
 
 }  // namespace
+
+std::string LibraryConnectionString(std::string_view database) {
+    const bool endsEarly = database.find(';') != std::string_view::npos ||
+                           database.starts_with('"') || database.starts_with('\'');
+    return std::string(ConnectionPrefix) +
+           (endsEarly ? QuotedConnectionValue(database, '"') : std::string(database));
+}
 
 LibraryForm::LibraryForm(Run& run, DatabaseProvider& databases, std::string_view version,
                          Procedures procedures)
@@ -60,14 +68,18 @@ RunOutcome LibraryForm::main() {
     RunOutcome outcome = RunOutcome::NothingRan;
     Steps steps(run_, "QuillonShelfkeeper Main");
     steps.Try(0, [&] {
-        run_.connection =
-            databases_.Open(std::string(ConnectionPrefix) + run_.settings.Nirvis_CDJ_DB);
+        run_.connection = databases_.Open(LibraryConnectionString(run_.settings.Nirvis_CDJ_DB));
         run_.random.Seed(run_.clock.Now());
         ReadGenreNames();
+        const Mode* const mode = SelectMode(run_.settings);
+        if (mode != nullptr && !SecureMode(*mode)) {
+            if (run_.AbortRequested) outcome = RunOutcome::Aborted;
+            return;
+        }
         GiveBackForgottenMarks();
         procedures_.BuildORsRecordset(run_);
         procedures_.PopulateGenre(run_);
-        outcome = UpdateDatabase();
+        if (mode != nullptr) outcome = UpdateDatabase(*mode);
     });
     // Asked for here, because a connection that is let go has nobody to tell a failure to.
     steps.Try(0, [&] {

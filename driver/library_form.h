@@ -22,6 +22,10 @@ enum class RunOutcome {
 /// The text before the database file's path in the connection string.
 constexpr std::string_view ConnectionPrefix = "Provider = Microsoft.Jet.OLEDB.4.0; Data Source=";
 
+/// The connection string for a database file. The path stands in quotes only where it would else
+/// end too early.
+std::string LibraryConnectionString(std::string_view database);
+
 /// The one window and the run behind it: start-up, choice of the mode, order of the phases.
 class LibraryForm {
   public:
@@ -37,7 +41,7 @@ class LibraryForm {
 
   private:
     RunOutcome main();
-    RunOutcome UpdateDatabase();
+    RunOutcome UpdateDatabase(const Mode& mode);
 
     // Start-up.
     bool PluginIsEnabled();
@@ -48,8 +52,7 @@ class LibraryForm {
     void Release();
 
     // The modes.
-    RunOutcome RunMode(const Mode& mode);
-    RunOutcome RunReconcile(const Mode& mode);
+    bool SecureMode(const Mode& mode);
     ReconcileScope PrepareReconcile();
     void RunPhases(const ReconcileScope& scope);
     bool StartPhase(const ReconcilePhase& phase);
@@ -57,7 +60,8 @@ class LibraryForm {
 
     // What both kinds of modes need.
     bool StartIndicator(std::size_t index);
-    void MakeBackups(const BackupPlan& plan);
+    bool RequireOwnPlaces(const Mode& mode);
+    bool MakeBackups(const BackupPlan& plan);
     void Perform(const Procedures::Work& work);
     bool GiveBackMarks();
     RunOutcome Outcome() const;

@@ -15,12 +15,12 @@ namespace {
 using Kind = SettingKind;
 
 constexpr std::array Definitions{
-    SettingDefinition{"FromFilesPath", Kind::Text, "", &Settings::FromFilesPath},
-    SettingDefinition{"LibraryRoot", Kind::Text, "", &Settings::LibraryRoot},
+    SettingDefinition{"FromFilesPath", Kind::Path, "", &Settings::FromFilesPath},
+    SettingDefinition{"LibraryRoot", Kind::Path, "", &Settings::LibraryRoot},
     SettingDefinition{"ExcludeList", Kind::Text, "", &Settings::ExcludeList},
     SettingDefinition{"PlayListPath", Kind::Folder, "", &Settings::PlayListPath},
     SettingDefinition{"PlayListPath2", Kind::Folder, "", &Settings::PlayListPath2},
-    SettingDefinition{"Nirvis_CDJ_DB", Kind::Text, "", &Settings::Nirvis_CDJ_DB},
+    SettingDefinition{"Nirvis_CDJ_DB", Kind::Path, "", &Settings::Nirvis_CDJ_DB},
     SettingDefinition{"AlbumCoverFolder", Kind::Folder, "", &Settings::AlbumCoverFolder},
     SettingDefinition{"PickerFormatOption", Kind::StrictBoolean, "0",
                       &Settings::PickerFormatOption},
@@ -64,8 +64,11 @@ std::string SettingText(Host& host, std::string_view key, std::string_view fallb
 
 Problem Convert(SettingKind kind, std::string_view text, std::string& value) {
     switch (kind) {
+        case Kind::Path:
+            value = PlainPath(text);
+            break;
         case Kind::Folder:
-            value = AddBackslash(text);
+            value = AddBackslash(PlainPath(text));
             break;
         case Kind::WebPath:
             value = FixPath(text);

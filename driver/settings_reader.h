@@ -19,7 +19,8 @@ constexpr std::string_view SettingsFile = "Quillon.ini";
 /// How a setting's text becomes its value.
 enum class SettingKind {
     Text,           ///< as it stands
-    Folder,         ///< with a trailing backslash
+    Path,           ///< with single backslashes alone
+    Folder,         ///< the same with one at its end
     WebPath,        ///< with forward slashes, one at either end
     StrictBoolean,  ///< True, False or a number; anything else ends the start-up
     StrictInteger,  ///< a 16-bit number; anything else ends the start-up

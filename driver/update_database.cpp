@@ -1,29 +1,40 @@
+#include <array>
 #include <initializer_list>
+#include <string>
+#include <vector>
 
+#include "database/marks.h"
 #include "driver/backups.h"
 #include "driver/library_form.h"
-#include "run/log.h"
+#include "driver/unfinished_files.h"
+#include "playlists/playlist_snapshot.h"
 
 /// The part of the form that runs one mode.
 namespace quillon {
+namespace {
 
-RunOutcome LibraryForm::UpdateDatabase() {
-    const Mode* mode = SelectMode(run_.settings);
-    if (mode == nullptr) return RunOutcome::NothingRan;
-    return mode->work == nullptr ? RunReconcile(*mode) : RunMode(*mode);
+/// What a reconciliation keeps beside the database while it works.
+std::array<std::string, 2> OwnFiles(const Settings& settings) {
+    return {MarkSnapshotPath(settings.Nirvis_CDJ_DB), PlaylistSnapshotPath(settings.Nirvis_CDJ_DB)};
 }
 
-RunOutcome LibraryForm::RunMode(const Mode& mode) {
-    if (!StartIndicator(mode.indicator)) return Outcome();
-    MakeBackups(mode.backups);
-    if (!run_.AbortRequested) Perform(procedures_.*mode.work);
-    return Outcome();
+}  // namespace
+
+/// Makes sure that a mode can be gone back on; false when it must not start. Nothing has been
+/// changed by then but for what killed runs have left unfinished.
+bool LibraryForm::SecureMode(const Mode& mode) {
+    if (mode.work != nullptr && !StartIndicator(mode.indicator)) return false;
+    RemoveUnfinishedFiles(run_);
+    return RequireOwnPlaces(mode) && MakeBackups(mode.backups) && !run_.AbortRequested;
 }
 
-RunOutcome LibraryForm::RunReconcile(const Mode& mode) {
-    MakeBackups(mode.backups);
-    run_.form.aLblReconcile = true;
-    RunPhases(PrepareReconcile());
+RunOutcome LibraryForm::UpdateDatabase(const Mode& mode) {
+    if (mode.work == nullptr) {
+        run_.form.aLblReconcile = true;
+        RunPhases(PrepareReconcile());
+    } else {
+        Perform(procedures_.*mode.work);
+    }
     return Outcome();
 }
 
@@ -85,14 +96,44 @@ bool LibraryForm::StartIndicator(std::size_t index) {
     return !run_.AbortRequested;
 }
 
-void LibraryForm::MakeBackups(const BackupPlan& plan) {
+/// Whether a reconciliation can keep what it knows beside the database. A link or anything else
+/// that is no file may have taken that place, and then a run would find out only in the middle.
+bool LibraryForm::RequireOwnPlaces(const Mode& mode) {
+    if (mode.work != nullptr) return true;
+    Steps steps(run_, "QuillonShelfkeeper Main");
+    steps.Advising(
+        "nothing was changed. A run keeps a file of its own there: remove what has that name, or "
+        "give this account the right to write there, and run again");
+    return steps.Try(0, [&] {
+        for (const std::string& path : OwnFiles(run_.settings))
+            run_.files.CreateOwnText(path);
+    });
+}
+
+/// The dated copies; false when one failed. They are made before anything writes to the database,
+/// so that the file holds all there is.
+bool LibraryForm::MakeBackups(const BackupPlan& plan) {
+    const Settings& settings = run_.settings;
+    std::vector<std::string> copies;
+    const auto isMade = [&copies](const Backup& backup) {
+        if (!backup.copy.empty()) copies.push_back(backup.copy);
+        return backup.succeeded;
+    };
+    bool made = true;
     if (plan.database) {
-        // The copy is one of the file: it must hold what start-up may have changed.
-        updateSteps_.Try(0, [&] { run_.Flush(); });
-        TimeStampBackup(run_, run_.settings.Nirvis_CDJ_DB);
+        made = isMade(TimeStampBackup(run_, settings.Nirvis_CDJ_DB));
+        // What an interrupted run has left beside it goes along: the one is only whole with the
+        // other.
+        for (const std::string& path : OwnFiles(settings)) {
+            if (made && run_.files.FileExists(path)) made = isMade(TimeStampBackup(run_, path));
+        }
     }
-    if (plan.playListPath) TimeStampFolderBackup(run_, run_.settings.PlayListPath);
-    if (plan.playListPath2) TimeStampFolderBackup(run_, run_.settings.PlayListPath2);
+    if (made && plan.playListPath)
+        made = isMade(TimeStampFolderBackup(run_, settings.PlayListPath));
+    if (made && plan.playListPath2)
+        made = isMade(TimeStampFolderBackup(run_, settings.PlayListPath2));
+    if (!made) TakeBackupsBack(run_, copies);
+    return made;
 }
 
 void LibraryForm::Perform(const Procedures::Work& work) {

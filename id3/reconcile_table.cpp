@@ -26,7 +26,7 @@ void OutputReconcileTable(Run& run) {
         CreateMissing(run.files, base + R"(\Data)");
         CreateMissing(run.files, base + R"(\Data\Quillon)");
         const std::unique_ptr<TextWriter> file =
-            run.files.CreateText(base + R"(\data\Quillon\QuillonReconcile.csv)");
+            run.files.CreateOwnText(base + R"(\data\Quillon\QuillonReconcile.csv)");
         const std::unique_ptr<RecordSet> rows =
             run.connection->Query("SELECT * FROM SpinnerID3Differences");
         FastString line;

@@ -1,5 +1,7 @@
 #include "platform/failure.h"
 
+#include <new>
+
 namespace quillon {
 namespace {
 
@@ -54,6 +56,12 @@ const char* FailureText(FailureNumber number) {
             return "Database error";
     }
     return "Application-defined or object-defined error";
+}
+
+std::string DescriptionOf(const std::exception& failure) {
+    const bool lacksMemory = dynamic_cast<const std::bad_alloc*>(&failure) != nullptr ||
+                             dynamic_cast<const std::length_error*>(&failure) != nullptr;
+    return lacksMemory ? "Not enough memory" : failure.what();
 }
 
 }  // namespace quillon

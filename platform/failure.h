@@ -1,5 +1,6 @@
 #pragma once
 
+#include <exception>
 #include <stdexcept>
 #include <string>
 
@@ -44,5 +45,9 @@ class Failure : public std::runtime_error {
 
 /// The runtime's wording of a failure number, e.g. "Type mismatch".
 const char* FailureText(FailureNumber number);
+
+/// What happened, in words for a person. The standard library's own words for memory that cannot be
+/// had ("std::bad_alloc") are none.
+std::string DescriptionOf(const std::exception& failure);
 
 }  // namespace quillon

@@ -54,7 +54,8 @@ class TextReader {
   public:
     virtual ~TextReader() = default;
     virtual bool AtEndOfStream() const = 0;
-    /// The next line without its end, as UTF-8. Failure: InputPastEnd.
+    /// The next line without its end, as UTF-8. Failure: InputPastEnd; Overflow for a line of more
+    /// than 1 MB.
     virtual std::string ReadLine() = 0;
 };
 
@@ -111,8 +112,10 @@ class Files {
     /// Copies keep the modification time and appear whole or not at all. Failure:
     /// FileAlreadyExists unless `overwrite`, PermissionDenied onto a folder or onto itself.
     virtual void CopyFile(std::string_view from, std::string_view to, bool overwrite) = 0;
-    /// Copies what is inside `from` into the existing folder `to`, sub-folders too.
-    virtual void CopyFolder(std::string_view from, std::string_view to, bool overwrite) = 0;
+    /// Copies a folder with all that is in it to a new name, where it appears whole or not at all.
+    /// Failure: PathNotFound, FileAlreadyExists when there is something of that name,
+    /// PermissionDenied into itself, and whatever keeps a single file in it from being copied.
+    virtual void CopyFolder(std::string_view from, std::string_view to) = 0;
     /// A write-protected file is not deleted (PermissionDenied).
     virtual void DeleteFile(std::string_view path) = 0;
     /// Deletes a folder with all that is in it; of a symbolic link only the link. A write-protected
@@ -130,7 +133,14 @@ class Files {
     virtual std::unique_ptr<TextReader> OpenText(std::string_view path) = 0;
     /// Replaces the file of that name, if there is one, when the writer is closed.
     virtual std::unique_ptr<TextWriter> CreateText(std::string_view path) = 0;
+    /// The same for a file that is the program's own: a symbolic link of that name may have been
+    /// put there by anybody and is not followed. Failure: PermissionDenied for a link.
+    virtual std::unique_ptr<TextWriter> CreateOwnText(std::string_view path) = 0;
     virtual std::unique_ptr<BinaryReader> OpenBinary(std::string_view path) = 0;
+
+    /// Removes what killed runs have left unfinished directly in a folder. Never fails: a folder
+    /// that is not there or cannot be read has nothing to remove.
+    virtual void RemoveUnfinished(std::string_view folder) = 0;
 
     /// Writes bytes at a position so near to the end that they reach it or go beyond: a file never
     /// gets shorter. In place, so links to it stay; all that lies before the position and the

@@ -3,19 +3,34 @@
 #include <exception>
 #include <string>
 
+#include "platform/failure.h"
 #include "run/run.h"
 
 namespace quillon {
 namespace {
 
+constexpr std::size_t MostLostErrors = 10;
+
+/// The log is where failures are told; when it fails itself, only the faces are left to tell it,
+/// and once is enough: a full disk refuses every record.
+void NoteLost(Run& run, LogKind kind, std::string_view source, std::string_view message,
+              const std::exception& failure) {
+    LostRecords& lost = run.lostRecords;
+    if (run.counts.recordsLost++ == 0) {
+        lost.reason = DescriptionOf(failure);
+        run.window.LogWritten(
+            LogKind::Error, source,
+            "The log cannot be written: " + lost.reason + ". What it lacks is told here alone");
+    }
+    if (kind != LogKind::Error || lost.errors.size() >= MostLostErrors) return;
+    lost.errors.push_back(std::string(source).append(": ").append(message));
+}
+
 void Write(Run& run, LogKind kind, std::string_view source, std::string_view message) {
     try {
         run.host.WriteLog(source, message);
     } catch (const std::exception& failure) {
-        // The log is where failures are told; when it fails itself, only the window is left to
-        // tell it, once, and the run must not end for it.
-        if (++run.counts.unrecorded == 1)
-            run.window.LogWritten(LogKind::Error, source, failure.what());
+        NoteLost(run, kind, source, message, failure);
     }
     run.window.LogWritten(kind, source, message);
 }

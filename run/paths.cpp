@@ -12,8 +12,23 @@ std::string AddBackslash(std::string_view path) {
     return result;
 }
 
-std::string FolderPath(std::string_view written) {
+std::string PlainPath(std::string_view written) {
     std::string path = Replace(written, "/", "\\");
+    const std::size_t start = path.starts_with("\\\\") ? 1 : 0;
+    const auto isRepeated = [](char left, char right) { return left == '\\' && right == '\\'; };
+    path.erase(
+        std::unique(path.begin() + static_cast<std::ptrdiff_t>(start), path.end(), isRepeated),
+        path.end());
+    return path;
+}
+
+bool IsDriveRoot(std::string_view folder) {
+    const std::string path = AddBackslash(PlainPath(folder));
+    return path.size() > 1 && path == GetDrive(path) + '\\';
+}
+
+std::string FolderPath(std::string_view written) {
+    std::string path = PlainPath(written);
     while (path.ends_with('\\') && !path.ends_with(":\\"))
         path.pop_back();
     return path;

@@ -8,8 +8,16 @@ namespace quillon {
 /// Appends "\" unless the last character is one already (an empty path becomes "\").
 std::string AddBackslash(std::string_view path);
 
+/// The path in the one spelling that all parts of the program share: "\\" for "/" and single
+/// backslashes, but for the two before a server's name. What was well-formed stays as it is.
+std::string PlainPath(std::string_view written);
+
+/// Whether a folder, with or without a backslash at its end, is a whole drive or share (`P:\`,
+/// `\\server\share`): nothing can lie beside it.
+bool IsDriveRoot(std::string_view folder);
+
 /// A folder as a listing would give it, so that the paths made below it look the same whichever way
-/// it was written: "\\" for "/", and none at its end but that of a drive's root.
+/// it was written: a plain path without a backslash at its end but that of a drive's root.
 std::string FolderPath(std::string_view written);
 
 /// A web path: every "\" becomes "/", with "/" at both ends; empty stays empty.

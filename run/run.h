@@ -38,9 +38,9 @@ struct RunCounts {
     std::size_t imagesAdded = 0, imagesChanged = 0, imagesRemoved = 0;
     std::size_t songsAdded = 0, artistsAdded = 0;  ///< to the download table
     std::size_t pagesWritten = 0;                  ///< of the album picker, the index included
-    std::size_t leftOut = 0;     ///< music files and folders that the layout has no place for
-    std::size_t errors = 0;      ///< calls of LogError
-    std::size_t unrecorded = 0;  ///< records that the host's log did not take
+    std::size_t leftOut = 0;      ///< music files and folders that the layout has no place for
+    std::size_t errors = 0;       ///< calls of LogError
+    std::size_t recordsLost = 0;  ///< that the host's log did not take
 };
 
 /// What a run has to tell at its end.
@@ -48,6 +48,12 @@ struct RunReport {
     RunCounts counts;        ///< of rows only what the database holds for good
     Removals::AllGone gone;  ///< likewise
     bool saved = true;       ///< whether that is all that was counted
+};
+
+/// What is told elsewhere because the host's log does not take it.
+struct LostRecords {
+    std::string reason;               ///< why the first one was lost; "" while none was
+    std::vector<std::string> errors;  ///< the first few that tell of errors
 };
 
 /// The run-wide objects, made once and passed by reference to every phase. Phases read settings
@@ -109,6 +115,7 @@ class Run {
     bool AbortRequested = false;
 
     RunCounts counts;
+    LostRecords lostRecords;
 
     /// What may go away, and what has gone.
     Removals removals;

@@ -47,12 +47,16 @@ class Steps {
     /// Names what the following steps work on: descriptions that do not name it get it behind them.
     void Concerning(std::string subject) { subject_ = std::move(subject); }
 
+    /// Ends what is logged of the following steps with these words, what to do for instance.
+    void Advising(std::string advice) { advice_ = std::move(advice); }
+
   private:
     void Report(const std::string& location, int step, const std::exception& failure);
 
     Run& run_;
     std::string location_;
     std::string subject_;
+    std::string advice_;
 };
 
 }  // namespace quillon

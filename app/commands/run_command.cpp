@@ -3,12 +3,15 @@
 #include <chrono>
 #include <memory>
 #include <string>
+#include <unistd.h>
 
 #include "app/local_host.h"
 #include "app/removed_music.h"
 #include "app/signals.h"
 #include "app/version.h"
+#include "app/views/line_output.h"
 #include "app/views/make_view.h"
+#include "app/views/run_summary.h"
 #include "driver/library_form.h"
 #include "run/log.h"
 #include "run/run.h"
@@ -30,7 +33,9 @@ int RunLibrary(const RunRequest& request) {
     current = &run;
     run.removals.allAllowed = request.allowRemovals;
     RemovedFiles removed(RemovedMusicFolder(local.host), local.clock);
+    removed.RemoveUnfinished();
     local.files.OnDelete(KeepRemovedMusic(run, local.host, removed));
+    local.files.ClearUnfinished();
 
     LibraryForm form(run, local.databases, ProgramVersion);
     const RunOutcome outcome = form.Form_Load();
@@ -43,6 +48,10 @@ int RunLibrary(const RunRequest& request) {
         report.saved,
         ReadRemovedMusicSetting(local.host).keep};
     view->Summarize(summary);
+    LineOutput errors(STDERR_FILENO);
+    for (const std::string& line : LostRecordsLines(run.lostRecords, run.counts))
+        errors.WriteLine(line);
+    errors.Finish();
     return ExitStatus(summary);
 }
 

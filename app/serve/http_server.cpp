@@ -4,19 +4,24 @@
 #include <array>
 #include <atomic>
 #include <chrono>
+#include <functional>
 #include <httplib.h>
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <sys/socket.h>
 #include <thread>
+#include <utility>
+
+#include "app/serve/arrivals.h"
+#include "app/serve/client_stream.h"
 
 namespace quillon {
 namespace {
 
 constexpr const char* LoopbackAddress = "127.0.0.1";
-// Clients that say nothing for so long are let go; until then each of them takes a thread.
-constexpr std::chrono::seconds IdleLimit{2}, TransferLimit{5};
-constexpr std::size_t Threads = 64;
+// Some threads are always left for clients that do not keep them waiting.
+constexpr std::size_t Threads = 64, MostSlowClients = 48;
 // Content of requests is of no use here; a little is read so that the refusal can be read too.
 constexpr std::size_t MostContent = 65536;
 
@@ -67,20 +72,51 @@ void SetSocketOptions(socket_t socket) {
     setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
 }
 
+/// Accepts connections and leaves it to others to read from them.
+class AcceptingServer : public httplib::Server {
+  public:
+    explicit AcceptingServer(std::function<void(socket_t)> accepted)
+        : accepted_(std::move(accepted)) {}
+
+    /// Answers the one request of a connection.
+    void Answer(ClientStream& client) {
+        bool closed = false;
+        process_request(client, true, closed, nullptr);
+    }
+
+  private:
+    bool process_and_close_socket(socket_t socket) override {
+        accepted_(socket);
+        return true;
+    }
+
+    std::function<void(socket_t)> accepted_;
+};
+
+/// Does at once what it is given: a connection is only passed on.
+class NoQueue : public httplib::TaskQueue {
+  public:
+    void enqueue(std::function<void()> fn) override { fn(); }
+    void shutdown() override {}
+};
+
+/// The threads that answer; they end with this object, when they have done so.
+class Workers : public httplib::ThreadPool {
+  public:
+    Workers() : ThreadPool(Threads) {}
+    Workers(const Workers&) = delete;
+    Workers& operator=(const Workers&) = delete;
+    ~Workers() override { ThreadPool::shutdown(); }
+};
+
 }  // namespace
 
 class HttpServer::Implementation {
   public:
     Implementation(Handler handler, int port) : handler_(std::move(handler)) {
         using Outcome = httplib::Server::HandlerResponse;
-        server_.new_task_queue = [] {
-            return std::make_unique<httplib::ThreadPool>(Threads).release();
-        };
+        server_.new_task_queue = [] { return std::make_unique<NoQueue>().release(); };
         server_.set_socket_options(SetSocketOptions);
-        server_.set_keep_alive_max_count(1);
-        server_.set_keep_alive_timeout(IdleLimit.count());
-        server_.set_read_timeout(TransferLimit);
-        server_.set_write_timeout(TransferLimit);
         server_.set_payload_max_length(MostContent);
         httplib::Headers headers;
         for (const auto& [name, value] : CommonHeaders())
@@ -120,6 +156,12 @@ class HttpServer::Implementation {
     bool IsRunning() const { return !hasEnded_; }
 
   private:
+    /// A client that is to be answered now.
+    void Admit(Arrival arrival) {
+        auto client = std::make_shared<ClientStream>(std::move(arrival), slow_);
+        workers_.enqueue([this, client = std::move(client)] { server_.Answer(*client); });
+    }
+
     void Start(int port) {
         port_ = port == 0 ? server_.bind_to_any_port(LoopbackAddress)
                           : (server_.bind_to_port(LoopbackAddress, port) ? port : -1);
@@ -137,7 +179,10 @@ class HttpServer::Implementation {
     }
 
     Handler handler_;
-    httplib::Server server_;
+    SlowClients slow_{MostSlowClients};
+    AcceptingServer server_{[this](socket_t socket) { arrivals_.Take(socket); }};
+    Workers workers_;
+    Arrivals arrivals_{[this](Arrival arrival) { Admit(std::move(arrival)); }};
     int port_ = 0;
     std::atomic<bool> hasEnded_{false};
     std::thread thread_;

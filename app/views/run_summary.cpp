@@ -127,10 +127,11 @@ std::vector<std::string> InLines(const std::vector<std::string>& sentences, std:
 }
 
 std::string Errors(const RunSummary& summary) {
-    const RunCounts& counts = summary.counts;
-    const std::string number = counts.errors == 0 ? "no errors" : Counted(counts.errors, "error");
-    if (counts.unrecorded > 0) return number + " (host.log could not be written)";
-    return counts.errors == 0 ? number : number + " in host.log";
+    const auto& [count, lost] = std::pair(summary.counts.errors, summary.counts.recordsLost);
+    const std::string errors = count == 0 ? "no errors" : Counted(count, "error");
+    if (lost == 0) return count == 0 ? errors : errors + " in host.log";
+    return errors + (count == 0 ? "" : " on the error output") + ", host.log lacks " +
+           Counted(lost, "record");
 }
 
 /// "Done in 0:01:02; 2 errors in host.log", without the full stop.
@@ -157,7 +158,7 @@ std::string ShortOutcome(const RunSummary& summary) {
 /// What a record at the end of the first line is introduced by; empty where none belongs there.
 std::string Introduction(const RunSummary& summary) {
     const RunCounts& counts = summary.counts;
-    if (counts.errors > 0 || counts.unrecorded > 0) return Outcome(summary) + ", last: ";
+    if (counts.errors > 0 || counts.recordsLost > 0) return Outcome(summary) + ", last: ";
     return summary.outcome == RunOutcome::NothingRan ? "Nothing ran: " : "";
 }
 
@@ -235,6 +236,18 @@ std::vector<std::string> LossLines(const RunSummary& summary, std::size_t column
     return {};
 }
 
+std::vector<std::string> LostRecordsLines(const LostRecords& lost, const RunCounts& counts) {
+    if (counts.recordsLost == 0) return {};
+    std::vector<std::string> lines{fmt::format("quillon: host.log lacks {}: {}.",
+                                               Counted(counts.recordsLost, "record"),
+                                               OneLine(lost.reason))};
+    for (const std::string& error : lost.errors)
+        lines.push_back("   " + OneLine(error));
+    if (counts.errors > lost.errors.size() && !lost.errors.empty())
+        lines.push_back(fmt::format("   and more, {} in all", Counted(counts.errors, "error")));
+    return lines;
+}
+
 int ExitStatus(const RunSummary& summary) {
     switch (summary.outcome) {
         case RunOutcome::NothingRan:
@@ -244,7 +257,7 @@ int ExitStatus(const RunSummary& summary) {
         case RunOutcome::Completed:
             break;
     }
-    return summary.counts.errors == 0 && summary.counts.unrecorded == 0 ? 0 : 1;
+    return summary.counts.errors + summary.counts.recordsLost == 0 ? 0 : 1;
 }
 
 }  // namespace quillon

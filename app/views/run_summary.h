@@ -43,8 +43,12 @@ std::vector<std::string> LossLines(const RunSummary& summary,
 std::vector<std::string> LossLines(const RunSummary& summary, std::size_t columns,
                                    std::size_t mostLines);
 
-/// 0 the mode ran and logged no error, 1 it logged errors or the log did not take all that it was
-/// told, 2 nothing ran, 3 aborted.
+/// For the error output: what the host's log lacks, with the first errors; nothing where it has
+/// all.
+std::vector<std::string> LostRecordsLines(const LostRecords& lost, const RunCounts& counts);
+
+/// 0 the mode ran and logged no error, 1 it logged errors or the log did not take all records, 2
+/// nothing ran, 3 aborted.
 int ExitStatus(const RunSummary& summary);
 
 }  // namespace quillon

@@ -11,8 +11,8 @@
 #include "platform/ansi.h"
 #include "platform/basic_text.h"
 #include "platform/portable/folder_stream.h"
-#include "platform/portable/safe_file.h"
 #include "platform/portable/system_failure.h"
+#include "platform/portable/temporary_entry.h"
 
 namespace quillon {
 namespace {
@@ -71,13 +71,18 @@ std::vector<std::string> FolderLister::ForEach(const WindowsPath& shown, const s
     if (!stream) throw SystemFailure(errno, shown.Text());
     std::vector<std::string> unseen;
     const unsigned char unwanted = wanted == Wanted::Folders ? DT_REG : DT_DIR;
+    bool holdsUnfinished = false;
     while (true) {
         errno = 0;
         const dirent* const entry = readdir(stream.get());
         if (entry == nullptr) break;
         const std::string_view name = entry->d_name;
-        if (name == "." || name == ".." || entry->d_type == unwanted) continue;
-        if (SafeFile::IsTemporaryName(name)) continue;
+        if (name == "." || name == "..") continue;
+        if (IsTemporaryName(name)) {
+            holdsUnfinished = true;
+            continue;
+        }
+        if (entry->d_type == unwanted) continue;
         if (!IsWindowsName(name)) {
             LeaveOut(
                 IsValidUtf8(name) ? "a name that Windows cannot hold" : "a name that is not UTF-8",
@@ -102,6 +107,7 @@ std::vector<std::string> FolderLister::ForEach(const WindowsPath& shown, const s
         }
     }
     if (errno != 0) throw SystemFailure(errno, shown.Text());
+    if (holdsUnfinished && clearsUnfinished_) RemoveAbandoned(local);
     return unseen;
 }
 

@@ -27,6 +27,9 @@ class FolderLister {
   public:
     explicit FolderLister(NoteSink note) : note_(std::move(note)) {}
 
+    /// From now on listings remove what killed runs have left unfinished in the folder.
+    void ClearUnfinished() { clearsUnfinished_ = true; }
+
     /// Folders and files directly inside the folder at `local`, which is what `shown` means below
     /// the mapped folder `localRoot`; in name order. Failure: PathNotFound, PermissionDenied.
     Listing<FolderEntry> SubFolders(const WindowsPath& shown, const std::string& local,
@@ -47,6 +50,7 @@ class FolderLister {
     void LeaveOutTwins(const WindowsPath& shown, std::vector<FileEntry>& files);
 
     NoteSink note_;
+    bool clearsUnfinished_ = false;
     std::unordered_set<std::string> noted_;
     LocalTime localTime_;
 };

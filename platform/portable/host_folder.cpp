@@ -18,6 +18,9 @@ namespace {
 
 constexpr const char* LogName = "host.log";
 
+// Far more than any person writes, far less than would do harm.
+constexpr off_t LargestSettingsFile = off_t{1} << 20U;
+
 std::filesystem::path CheckedFolder(const std::filesystem::path& folder) {
     std::error_code ignored;
     if (folder.empty() || !std::filesystem::is_directory(folder, ignored)) {
@@ -83,7 +86,12 @@ const IniFile& HostFolder::Read(std::string_view file) {
     }
     const FileHandle handle(descriptor, path.string());
     facts = handle.Facts();
-    if (!S_ISREG(facts.st_mode)) throw SystemFailure(EACCES, path.string());
+    if (!S_ISREG(facts.st_mode)) throw NoFileFailure(facts.st_mode, path.string());
+    if (facts.st_size > LargestSettingsFile) {
+        throw Failure::Described(
+            FailureNumber::Overflow,
+            path.string() + " is larger than 1 MB and so no settings file; correct or replace it");
+    }
     const bool unchanged =
         known.inode == facts.st_ino && known.size == static_cast<std::uint64_t>(facts.st_size) &&
         known.seconds == facts.st_mtim.tv_sec && known.nanoseconds == facts.st_mtim.tv_nsec;
@@ -113,7 +121,14 @@ void HostFolder::WriteLog(std::string_view source, std::string_view message) {
         open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0666);
     if (descriptor < 0) throw SystemFailure(errno, path);
     const FileHandle log(descriptor, path);
-    log.Write(record);
+    const off_t before = log.Facts().st_size;
+    try {
+        log.Write(endsInTheMiddle_ ? '\n' + record : record);
+        endsInTheMiddle_ = false;
+    } catch (const Failure&) {
+        endsInTheMiddle_ = endsInTheMiddle_ || log.Facts().st_size > before;
+        throw;
+    }
 }
 
 std::vector<std::string> HostFolder::GetPlugins() {

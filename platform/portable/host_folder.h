@@ -59,6 +59,7 @@ class HostFolder : public Host {
     DriveTable drives_;
     FolderIndex index_;
     std::map<std::string, ReadFile> files_;  ///< by local path
+    bool endsInTheMiddle_ = false;           ///< a full disk has cut the last record short
 };
 
 }  // namespace quillon

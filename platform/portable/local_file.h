@@ -18,4 +18,8 @@ inline std::string FolderOf(const std::string& path) {
     return path.substr(0, path.rfind('/') + 1);
 }
 
+/// Makes a rename in the folder outlast a power cut. Some file systems cannot do that for a folder;
+/// the rename has happened all the same.
+void SyncFolder(const std::string& folder);
+
 }  // namespace quillon

@@ -16,8 +16,10 @@
 #include "platform/portable/local_file.h"
 #include "platform/portable/rename_file.h"
 #include "platform/portable/safe_file.h"
+#include "platform/portable/safe_folder.h"
 #include "platform/portable/streams.h"
 #include "platform/portable/system_failure.h"
+#include "platform/portable/temporary_entry.h"
 
 namespace quillon {
 namespace {
@@ -77,7 +79,8 @@ FileHandle OpenFile(PathResolver& resolver, const WindowsPath& path, int access 
     const std::string shown = path.Text();
     if (descriptor < 0) throw SystemFailure(errno, shown, FailureNumber::FileNotFound);
     FileHandle file(descriptor, shown);
-    if (!S_ISREG(file.Facts().st_mode)) throw SystemFailure(EACCES, shown);
+    const mode_t mode = file.Facts().st_mode;
+    if (!S_ISREG(mode)) throw NoFileFailure(mode, shown);
     return file;
 }
 
@@ -86,6 +89,16 @@ std::optional<WindowsPath> ParsedPath(std::string_view text) try {
     return ParseWindowsPath(text);
 } catch (const Failure&) {
     return std::nullopt;
+}
+
+/// Copies a file that is open; `local` is the path of the copy.
+void Copy(const FileHandle& source, const std::string& local, const std::string& shown,
+          SafeFile::Existing existing) {
+    const struct stat facts = source.Facts();
+    SafeFile copy(local, shown, existing, facts.st_mode & 0777U);
+    copy.WriteFrom(source);
+    copy.SetModified(facts.st_mtim);
+    copy.Commit();
 }
 
 void Unlink(const std::string& local, const std::string& shown) {
@@ -184,34 +197,41 @@ void PortableFiles::CopyFile(std::string_view from, std::string_view to, bool ov
     const bool itself = old && old->st_dev == facts.st_dev && old->st_ino == facts.st_ino;
     if (itself && overwrite) throw SystemFailure(EACCES, target.Text());
     RemoveLeftoversOnce(FolderOf(local));
-    SafeFile copy(local, target.Text(),
-                  overwrite ? SafeFile::Existing::Replace : SafeFile::Existing::Refuse,
-                  facts.st_mode & 0777U);
-    copy.WriteFrom(source);
-    copy.SetModified(facts.st_mtim);
+    Copy(source, local, target.Text(),
+         overwrite ? SafeFile::Existing::Replace : SafeFile::Existing::Refuse);
+    resolver_.Index().Added(local);
+}
+
+void PortableFiles::CopyFolder(std::string_view from, std::string_view to) {
+    const WindowsPath source = ParseWindowsPath(from);
+    const WindowsPath target = ParseWindowsPath(to);
+    const std::string local = resolver_.Local(target);
+    if (!FolderExists(source.Text())) throw Failure(FailureNumber::PathNotFound, source.Text());
+    if (target.rest.empty() || FactsOf(local))
+        throw Failure(FailureNumber::FileAlreadyExists, target.Text());
+    // A copy into the folder's own inside would never end.
+    if (IsInside(FolderOf(local), resolver_.Local(source))) {
+        throw Failure(FailureNumber::PermissionDenied, target.Text());
+    }
+    RemoveLeftoversOnce(FolderOf(local));
+    SafeFolder copy(local, target.Text());
+    CopyInto(source.Text(), copy.Draft(), target.Text());
     copy.Commit();
     resolver_.Index().Added(local);
 }
 
-void PortableFiles::CopyFolder(std::string_view from, std::string_view to, bool overwrite) {
-    const WindowsPath source = ParseWindowsPath(from);
-    const WindowsPath target = ParseWindowsPath(to);
-    if (!FolderExists(target.Text())) throw Failure(FailureNumber::PathNotFound, target.Text());
-    const Listing<FolderEntry> folders = SubFolders(from);
-    // A copy into the folder's own inside would never end.
-    if (IsInside(resolver_.Local(target), resolver_.Local(source))) {
-        throw Failure(FailureNumber::PermissionDenied, target.Text());
+/// What cannot be looked at is told by the listing and left out: a run does not touch it either.
+void PortableFiles::CopyInto(const std::string& from, const std::string& draft,
+                             const std::string& shown) {
+    for (const FileEntry& file : FilesIn(from)) {
+        Copy(OpenFile(resolver_, ParseWindowsPath(file.path)), draft + '/' + file.name,
+             shown + '\\' + file.name, SafeFile::Existing::Refuse);
     }
-    const Listing<FileEntry> files = FilesIn(from);
-    // A copy that lacks something must not look like a whole one.
-    for (const std::string& unseen : files.unseen)
-        throw Failure(FailureNumber::PathFileAccess, unseen);
-    for (const FileEntry& file : files)
-        CopyFile(file.path, target.Child(file.name), overwrite);
-    for (const FolderEntry& folder : folders) {
-        const std::string copy = target.Child(folder.name);
-        if (!FolderExists(copy)) CreateFolder(copy);
-        CopyFolder(folder.path, copy, overwrite);
+    for (const FolderEntry& folder : SubFolders(from)) {
+        const std::string inner = draft + '/' + folder.name;
+        const std::string shownInner = shown + '\\' + folder.name;
+        if (mkdir(inner.c_str(), 0777) != 0) throw SystemFailure(errno, shownInner);
+        CopyInto(folder.path, inner, shownInner);
     }
 }
 
@@ -301,10 +321,19 @@ std::unique_ptr<TextReader> PortableFiles::OpenText(std::string_view path) {
 }
 
 std::unique_ptr<TextWriter> PortableFiles::CreateText(std::string_view path) {
+    return CreateText(path, SafeFile::Existing::Replace);
+}
+
+std::unique_ptr<TextWriter> PortableFiles::CreateOwnText(std::string_view path) {
+    return CreateText(path, SafeFile::Existing::ReplaceOwn);
+}
+
+std::unique_ptr<TextWriter> PortableFiles::CreateText(std::string_view path,
+                                                      SafeFile::Existing existing) {
     const WindowsPath parsed = ParseWindowsPath(path);
     const std::string local = resolver_.Local(parsed);
     RemoveLeftoversOnce(FolderOf(local));
-    return std::make_unique<AnsiTextWriter>(local, parsed.Text(),
+    return std::make_unique<AnsiTextWriter>(local, parsed.Text(), existing,
                                             [this, local] { resolver_.Index().Added(local); });
 }
 
@@ -317,8 +346,15 @@ void PortableFiles::WriteEnd(std::string_view path, const FileEnd& seen, std::ui
     WriteFileEnd(OpenFile(resolver_, ParseWindowsPath(path), O_RDWR), seen, position, bytes);
 }
 
+void PortableFiles::RemoveUnfinished(std::string_view folder) {
+    Holds([&] {
+        RemoveLeftoversOnce(resolver_.Local(folder) + '/');
+        return true;
+    });
+}
+
 void PortableFiles::RemoveLeftoversOnce(const std::string& folder) {
-    if (withoutLeftovers_.insert(folder).second) SafeFile::RemoveAbandoned(folder);
+    if (withoutLeftovers_.insert(folder).second) RemoveAbandoned(folder);
 }
 
 }  // namespace quillon

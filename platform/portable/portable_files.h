@@ -10,6 +10,7 @@
 #include "platform/files.h"
 #include "platform/portable/folder_lister.h"
 #include "platform/portable/path_resolver.h"
+#include "platform/portable/safe_file.h"
 
 namespace quillon {
 
@@ -27,6 +28,10 @@ class PortableFiles : public Files {
     /// From now on files to be deleted are offered to this first.
     void OnDelete(TakeOver takeOver) { takeOver_ = std::move(takeOver); }
 
+    /// From now on listings, too, remove what killed runs have left unfinished. Not for a mere look
+    /// at the library.
+    void ClearUnfinished() { lister_.ClearUnfinished(); }
+
     bool FolderExists(std::string_view path) override;
     bool FileExists(std::string_view path) override;
     bool IsWithin(std::string_view folder, std::string_view outer) override;
@@ -35,7 +40,7 @@ class PortableFiles : public Files {
     FileEntry GetFile(std::string_view path) override;
     void CreateFolder(std::string_view path) override;
     void CopyFile(std::string_view from, std::string_view to, bool overwrite) override;
-    void CopyFolder(std::string_view from, std::string_view to, bool overwrite) override;
+    void CopyFolder(std::string_view from, std::string_view to) override;
     void DeleteFile(std::string_view path) override;
     void DeleteFolder(std::string_view path) override;
     void Discard(std::string_view path) override;
@@ -43,7 +48,9 @@ class PortableFiles : public Files {
     void MoveFolder(std::string_view from, std::string_view to) override;
     std::unique_ptr<TextReader> OpenText(std::string_view path) override;
     std::unique_ptr<TextWriter> CreateText(std::string_view path) override;
+    std::unique_ptr<TextWriter> CreateOwnText(std::string_view path) override;
     std::unique_ptr<BinaryReader> OpenBinary(std::string_view path) override;
+    void RemoveUnfinished(std::string_view folder) override;
     void WriteEnd(std::string_view path, const FileEnd& seen, std::uint64_t position,
                   std::span<const std::uint8_t> bytes) override;
 
@@ -51,6 +58,8 @@ class PortableFiles : public Files {
     /// Removes, before the first file is written into a folder (local path), the unfinished files
     /// that killed runs have left there.
     void RemoveLeftoversOnce(const std::string& folder);
+    void CopyInto(const std::string& from, const std::string& draft, const std::string& shown);
+    std::unique_ptr<TextWriter> CreateText(std::string_view path, SafeFile::Existing existing);
     WindowsPath AsItIs(const WindowsPath& path, const std::string& local) const;
     /// Whether something of this kind (S_IFREG, S_IFDIR) has the path.
     bool Exists(std::string_view path, unsigned kind);

@@ -13,6 +13,7 @@
 #include "platform/portable/rename_file.h"
 #include "platform/portable/safe_file.h"
 #include "platform/portable/system_failure.h"
+#include "platform/portable/temporary_entry.h"
 
 namespace quillon {
 namespace {
@@ -81,6 +82,15 @@ fs::path RemovedFiles::Take(const std::string& local, const WindowsPath& shown) 
             throw SystemFailure(error, concerning, FailureNumber::FileNotFound);
         }
         return target;
+    }
+}
+
+void RemovedFiles::RemoveUnfinished() const {
+    std::error_code error;
+    for (fs::recursive_directory_iterator entry(folder_, error), end; !error && entry != end;
+         entry.increment(error)) {
+        if (!IsTemporaryName(entry->path().filename().string())) continue;
+        RemoveAbandoned(entry->path().parent_path().string());
     }
 }
 

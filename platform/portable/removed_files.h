@@ -23,6 +23,9 @@ class RemovedFiles {
     /// like; the file is then where it was.
     std::filesystem::path Take(const std::string& local, const WindowsPath& shown);
 
+    /// Removes what killed runs have left unfinished in here.
+    void RemoveUnfinished() const;
+
   private:
     const std::filesystem::path& FolderOfRun();
 

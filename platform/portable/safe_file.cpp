@@ -6,19 +6,15 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <optional>
-#include <sys/file.h>
 #include <system_error>
 #include <unistd.h>
 
-#include "platform/portable/folder_stream.h"
 #include "platform/portable/local_file.h"
+#include "platform/portable/rename_file.h"
 #include "platform/portable/system_failure.h"
 
 namespace quillon {
 namespace {
-
-constexpr std::string_view TemporaryBeginning = ".quillon-";
-constexpr std::string_view TemporaryEnd = ".tmp";
 
 /// The file that a path leads to through symbolic links; a link that leads nowhere is replaced.
 std::string BehindLinks(const std::string& path) {
@@ -28,59 +24,50 @@ std::string BehindLinks(const std::string& path) {
     return nowhere ? path : real.string();
 }
 
-/// Makes a rename outlast a power cut. Some file systems cannot do that for a folder; the rename
-/// has happened all the same.
-void SyncFolder(const std::string& folder) {
-    const int descriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (descriptor < 0) return;
-    fsync(descriptor);
-    close(descriptor);
-}
-
 }  // namespace
 
 SafeFile::SafeFile(const std::string& target, std::string_view shownPath, Existing existing,
                    mode_t mode)
-    : target_(BehindLinks(target)),
+    : target_(existing == Existing::Replace ? BehindLinks(target) : target),
       shownPath_(shownPath),
       existing_(existing),
-      file_(Create(mode)) {}
+      draft_(Create(mode)) {}
 
-FileHandle SafeFile::Create(mode_t mode) {
+/// Refuses what must not be replaced.
+void SafeFile::RefuseOthers() const {
+    struct stat facts{};
+    if (lstat(target_.c_str(), &facts) != 0) return;
+    if (existing_ == Existing::Refuse) throw SystemFailure(EEXIST, shownPath_);
+    if (existing_ == Existing::ReplaceOwn && S_ISLNK(facts.st_mode))
+        throw NoFileFailure(facts.st_mode, shownPath_);
+}
+
+TemporaryEntry SafeFile::Create(mode_t mode) const {
+    RefuseOthers();
     const std::optional<struct stat> old = FactsOf(target_);
-    if (old && existing_ == Existing::Refuse) throw SystemFailure(EEXIST, shownPath_);
-    if (old && !S_ISREG(old->st_mode)) throw SystemFailure(EACCES, shownPath_);
+    if (old && !S_ISREG(old->st_mode)) throw NoFileFailure(old->st_mode, shownPath_);
     if (old && faccessat(AT_FDCWD, target_.c_str(), W_OK, AT_EACCESS) != 0)
         throw SystemFailure(errno, shownPath_);
-    const std::string beginning =
-        FolderOf(target_) + std::string(TemporaryBeginning) + std::to_string(getpid()) + '-';
-    int descriptor = -1;
-    for (unsigned number = 0; descriptor < 0; ++number) {
-        temporary_ = beginning + std::to_string(number) + std::string(TemporaryEnd);
-        descriptor = open(temporary_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
-        if (descriptor < 0 && errno != EEXIST) throw SystemFailure(errno, shownPath_);
-    }
-    // The lock tells the file from one that a killed run has left. Where locks are not to be had,
-    // such files merely stay.
-    flock(descriptor, LOCK_EX | LOCK_NB);
+    TemporaryEntry draft = MakeTemporaryFile(FolderOf(target_), shownPath_, mode);
     if (old) {
+        const int descriptor = draft.handle.Descriptor();
         // Only the super-user may give a file away; for everyone else it is theirs already.
         if (fchown(descriptor, old->st_uid, old->st_gid) != 0) errno = 0;
         fchmod(descriptor, old->st_mode & 07777U);
     }
-    return {descriptor, shownPath_};
+    return draft;
 }
 
 SafeFile::~SafeFile() {
-    if (!committed_) unlink(temporary_.c_str());
+    if (!committed_) unlink(draft_.path.c_str());
 }
 
 void SafeFile::WriteFrom(const FileHandle& source) {
     constexpr std::size_t AtATime = std::size_t{1} << 30U;
     off_t position = 0;
     // The kernel copies, where it can for these two files, without a way through this process.
-    while (copy_file_range(source.Descriptor(), &position, file_.Descriptor(), nullptr, AtATime,
-                           0) > 0) {
+    while (copy_file_range(source.Descriptor(), &position, draft_.handle.Descriptor(), nullptr,
+                           AtATime, 0) > 0) {
     }
     std::array<std::uint8_t, 65536> buffer{};
     while (const std::size_t length = source.ReadAt(static_cast<std::uint64_t>(position), buffer)) {
@@ -91,49 +78,22 @@ void SafeFile::WriteFrom(const FileHandle& source) {
 
 void SafeFile::SetModified(const std::timespec& modified) {
     const std::array<std::timespec, 2> times{std::timespec{0, UTIME_OMIT}, modified};
-    if (futimens(file_.Descriptor(), times.data()) != 0) throw SystemFailure(errno, shownPath_);
+    if (futimens(draft_.handle.Descriptor(), times.data()) != 0)
+        throw SystemFailure(errno, shownPath_);
 }
 
 void SafeFile::Commit() {
-    if (fsync(file_.Descriptor()) != 0) throw SystemFailure(errno, shownPath_);
+    if (fsync(draft_.handle.Descriptor()) != 0) throw SystemFailure(errno, shownPath_);
     Rename();
     committed_ = true;
     SyncFolder(FolderOf(target_));
 }
 
-void SafeFile::Rename() {
-    const char* const from = temporary_.c_str();
-    const char* const to = target_.c_str();
-    if (existing_ == Existing::Refuse) {
-        if (renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE) == 0) return;
-        // Not every file system knows that operation.
-        if (errno != EINVAL && errno != ENOSYS) throw SystemFailure(errno, shownPath_);
-        struct stat taken{};
-        if (lstat(to, &taken) == 0) throw SystemFailure(EEXIST, shownPath_);
-        if (errno != ENOENT) throw SystemFailure(errno, shownPath_);
-    }
-    if (rename(from, to) != 0) throw SystemFailure(errno, shownPath_);
-}
-
-bool SafeFile::IsTemporaryName(std::string_view name) {
-    return name.starts_with(TemporaryBeginning) && name.ends_with(TemporaryEnd) &&
-           name.size() > TemporaryBeginning.size() + TemporaryEnd.size();
-}
-
-std::size_t SafeFile::RemoveAbandoned(const std::string& folder) {
-    const FolderStream stream = OpenFolder(folder);
-    std::size_t removed = 0;
-    while (const dirent* const entry = stream ? readdir(stream.get()) : nullptr) {
-        if (!IsTemporaryName(entry->d_name)) continue;
-        const std::string path = folder + '/' + entry->d_name;
-        const int descriptor = open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
-        if (descriptor < 0) continue;
-        const FileHandle file(descriptor, path);
-        const bool abandoned =
-            S_ISREG(file.Facts().st_mode) && flock(descriptor, LOCK_EX | LOCK_NB) == 0;
-        if (abandoned && unlink(path.c_str()) == 0) ++removed;
-    }
-    return removed;
+void SafeFile::Rename() const {
+    const int error = existing_ == Existing::Refuse ? RenameToFreeName(draft_.path, target_)
+                      : rename(draft_.path.c_str(), target_.c_str()) == 0 ? 0
+                                                                          : errno;
+    if (error != 0) throw SystemFailure(error, shownPath_);
 }
 
 }  // namespace quillon

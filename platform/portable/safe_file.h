@@ -7,6 +7,7 @@
 #include <sys/types.h>
 
 #include "platform/portable/file_handle.h"
+#include "platform/portable/temporary_entry.h"
 
 namespace quillon {
 
@@ -16,19 +17,23 @@ namespace quillon {
 class SafeFile {
   public:
     /// What to do with a file that has the name already.
-    enum class Existing { Replace, Refuse };
+    enum class Existing {
+        Replace,     ///< of a symbolic link the file that it leads to
+        ReplaceOwn,  ///< a symbolic link is refused
+        Refuse
+    };
 
-    /// `target` is the local path, `shownPath` the Windows path for failures. A symbolic link stays
-    /// and the file it leads to is replaced; a replaced file's owner and mode stay. `mode` is that
-    /// of a new file, before the process's mask. Failure: PathNotFound without the folder,
-    /// PermissionDenied for a folder or a write-protected file of that name, FileAlreadyExists.
+    /// `target` is the local path, `shownPath` the Windows path for failures. A replaced file's
+    /// owner and mode stay. `mode` is that of a new file, before the process's mask. Failure:
+    /// PathNotFound without the folder, PermissionDenied for anything of that name that is no file
+    /// or write-protected, FileAlreadyExists.
     SafeFile(const std::string& target, std::string_view shownPath, Existing existing,
              mode_t mode = 0666);
     SafeFile(const SafeFile&) = delete;
     SafeFile& operator=(const SafeFile&) = delete;
     ~SafeFile();
 
-    void Write(std::string_view bytes) { file_.Write(bytes); }
+    void Write(std::string_view bytes) { draft_.handle.Write(bytes); }
     /// Writes all that is in another file.
     void WriteFrom(const FileHandle& source);
     /// The modification time that the file is to have.
@@ -36,22 +41,15 @@ class SafeFile {
     /// Failure: DiskFull and the like; then the name still belongs to what it did before.
     void Commit();
 
-    /// Whether a name is one of those that unfinished files have.
-    static bool IsTemporaryName(std::string_view name);
-
-    /// Removes the unfinished files that killed runs have left in a folder (local path); those that
-    /// a running process still writes stay. The number of files removed.
-    static std::size_t RemoveAbandoned(const std::string& folder);
-
   private:
-    FileHandle Create(mode_t mode);
-    void Rename();
+    TemporaryEntry Create(mode_t mode) const;
+    void RefuseOthers() const;
+    void Rename() const;
 
     std::string target_;
     std::string shownPath_;
     Existing existing_;
-    std::string temporary_;
-    FileHandle file_;
+    TemporaryEntry draft_;
     bool committed_ = false;
 };
 

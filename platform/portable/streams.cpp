@@ -11,6 +11,9 @@ namespace {
 
 constexpr std::size_t BufferSize = 65536;
 
+// No playlist, list of folders or settings file has such lines; what has would only eat memory.
+constexpr std::size_t LongestLine = std::size_t{1} << 20U;
+
 }  // namespace
 
 AnsiTextReader::AnsiTextReader(FileHandle file) : file_(std::move(file)) {
@@ -31,6 +34,11 @@ std::string AnsiTextReader::ReadLine() {
     bool ended = false;
     while (!ended && !AtEndOfStream()) {
         const std::size_t end = std::min(buffer_.find('\n', next_), buffer_.size());
+        if (line.size() + (end - next_) > LongestLine) {
+            throw Failure::Described(
+                FailureNumber::Overflow,
+                file_.ShownPath() + " has a line of more than 1 MB and is no text to read");
+        }
         line.append(buffer_, next_, end - next_);
         ended = end < buffer_.size();
         next_ = ended ? end + 1 : end;
@@ -41,10 +49,8 @@ std::string AnsiTextReader::ReadLine() {
 }
 
 AnsiTextWriter::AnsiTextWriter(const std::string& target, std::string_view shownPath,
-                               std::function<void()> closed)
-    : shownPath_(shownPath),
-      file_(target, shownPath, SafeFile::Existing::Replace),
-      closed_(std::move(closed)) {}
+                               SafeFile::Existing existing, std::function<void()> closed)
+    : shownPath_(shownPath), file_(target, shownPath, existing), closed_(std::move(closed)) {}
 
 void AnsiTextWriter::Write(std::string_view text) {
     if (!open_) throw Failure(FailureNumber::BadFileName, shownPath_);

@@ -34,7 +34,7 @@ class AnsiTextWriter : public TextWriter {
   public:
     /// `closed` is called when the file has its name.
     AnsiTextWriter(const std::string& target, std::string_view shownPath,
-                   std::function<void()> closed);
+                   SafeFile::Existing existing, std::function<void()> closed);
 
     void Write(std::string_view text) override;
     void WriteLine(std::string_view line) override;

@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <string>
+#include <sys/stat.h>
 #include <system_error>
 
 namespace quillon {
@@ -36,6 +37,14 @@ FailureNumber NumberOf(int error, FailureNumber missing) {
     }
 }
 
+const char* KindName(mode_t mode) {
+    if (S_ISDIR(mode)) return "a folder";
+    if (S_ISLNK(mode)) return "a symbolic link";
+    if (S_ISFIFO(mode)) return "a pipe";
+    if (S_ISSOCK(mode)) return "a socket";
+    return "a device";
+}
+
 }  // namespace
 
 Failure SystemFailure(int error, std::string_view path, FailureNumber missing) {
@@ -46,6 +55,11 @@ Failure SystemFailure(int error, std::string_view path, FailureNumber missing) {
         concerning += " (" + std::generic_category().message(error) + ")";
     }
     return {number, concerning};
+}
+
+Failure NoFileFailure(mode_t mode, std::string_view path) {
+    return {FailureNumber::PermissionDenied,
+            std::string(path) + " (this is " + KindName(mode) + " and no file)"};
 }
 
 }  // namespace quillon

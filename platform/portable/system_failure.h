@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string_view>
+#include <sys/types.h>
 
 #include "platform/failure.h"
 
@@ -10,5 +11,8 @@ namespace quillon {
 /// when the path does not exist: FileNotFound or PathNotFound.
 Failure SystemFailure(int error, std::string_view path,
                       FailureNumber missing = FailureNumber::PathNotFound);
+
+/// PermissionDenied for what has a file's name and is none; `mode` says what it is.
+Failure NoFileFailure(mode_t mode, std::string_view path);
 
 }  // namespace quillon

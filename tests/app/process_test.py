@@ -4,6 +4,7 @@ signals, exit statuses."""
 
 import os
 import re
+import resource
 import signal
 import subprocess
 import sys
@@ -102,11 +103,7 @@ def quiet_runs_tell_errors_and_a_summary(work):
     expect("the summary", True, re.fullmatch(
         r"Done in \d:\d\d:\d\d; no errors\. Albums: 1 added\. Tracks: 5 added\. Playlists: \d written\.\n",
         done.stdout) is not None)
-    settings = Path(host) / "Quillon.ini"
-    lines = settings.read_text("utf-8").splitlines()
-    lines = ["PlayListPath=Q:\\Nowhere\\" if line.startswith("PlayListPath=") else line
-             for line in lines]
-    settings.write_text("\r\n".join(lines) + "\r\n", "utf-8", newline="")
+    set_to(host, "PlayListPath", "Q:\\Nowhere\\")
     done = call("--quiet", "--host", host)
     told = done.stdout.splitlines()
     expect("status with errors", 1, done.returncode)
@@ -119,6 +116,92 @@ def quiet_runs_tell_errors_and_a_summary(work):
         expect(f"output of a quiet {view}", "", done.stdout)
         expect(f"words for a quiet {view}", True,
                "--quiet: goes with plain lines only" in done.stderr)
+
+
+def settings(host):
+    return Path(host) / "Quillon.ini"
+
+
+def set_to(host, key, value):
+    lines = [f"{key}={value}" if line.startswith(f"{key}=") else line
+             for line in settings(host).read_text("utf-8").splitlines()]
+    settings(host).write_text("\r\n".join(lines) + "\r\n", "utf-8", newline="")
+
+
+def a_log_that_takes_nothing_neither_ends_nor_silences_a_run(work):
+    host = host_folder(work)
+    log = Path(host) / "host.log"
+    log.symlink_to("/dev/full")
+    set_to(host, "PlayListPath", "Q:\\Nowhere\\")
+    for options in (["--view", "plain"], ["--quiet"]):
+        done = call("run", "--host", host, *options)
+        expect("status", 1, done.returncode)
+        told = [line for line in done.stdout.splitlines() if "log cannot be written" in line]
+        expect("told in the face", [
+            f"   Quillon: The log cannot be written: Disk full: {log}. What it lacks is told here alone"],
+            told)
+        expect("the errors all the same", True, "Path not found: Q:\\Nowhere" in done.stdout)
+        expect("where they are told", True, re.search(
+            r"\d errors? on the error output, host\.log lacks \d+ records?\.", done.stdout) is not None)
+        first, *errors = done.stderr.splitlines()
+        expect("told at the end", True, re.fullmatch(
+            rf"quillon: host\.log lacks \d+ records?: Disk full: {log}\.", first) is not None)
+        expect("errors at the end", True, errors and "Path not found: Q:\\Nowhere" in errors[0])
+    set_to(host, "PlayListPath", "Z:" + str(Path(host) / "Playlists").replace("/", "\\"))
+    set_to(host, "Reconcile", "0")
+    done = call("run", "--host", host, "--quiet")
+    expect("status of a run that did nothing and had nothing to tell", (2, ""),
+           (done.returncode, done.stderr))
+    expect("music", 5, len(list((work / "Music").rglob("*.mp3"))))
+    is_whole(host)
+
+
+def a_file_size_limit_is_a_full_disk(work):
+    host = host_folder(work, albums=30)
+    size = (Path(host) / "jukebox.mdb").stat().st_size
+
+    def limited(most):
+        return call("run", "--host", host, "--view", "plain",
+                    preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (most, most)))
+
+    done = limited(size - 8192)
+    expect("status where not even a backup fits", 2, done.returncode)
+    expect("words", True, "TimeStampBackup Line 3 Disk full: " in done.stdout)
+    is_whole(host)
+    expect("traces", [], [path.name for path in Path(host).iterdir() if ".tmp" in path.name
+                          or "_Copy Dated" in path.name])
+    done = limited(size + 1024)
+    expect("status where the database cannot grow", 1, done.returncode)
+    is_whole(host)
+    expect("the run with room", 0, call("run", "--host", host, "--view", "plain").returncode)
+    counted = call("db", "query", "--json", f"{host}/jukebox.mdb", "SELECT Count(*) AS N FROM Tracks")
+    expect("tracks in the end", '{"N":150}\n', counted.stdout)
+
+
+def huge_text_files_are_named_in_plain_words(work):
+    host = host_folder(work)
+    lists = Path(host) / "Playlists"
+    for name in ("a.pla", "b.txt"):
+        (lists if name == "a.pla" else work / "Music").joinpath(name).write_bytes(b"")
+    os.truncate(lists / "a.pla", 1 << 30)
+    done = call("run", "--host", host, "--view", "plain")
+    expect("status with a huge playlist", 1, done.returncode)
+    expect("words for it", True, "a.pla has a line of more than 1 MB" in done.stdout)
+    expect("raw words", False, "std::" in done.stdout + done.stderr)
+    os.truncate(lists / "a.pla", 0)
+    os.truncate(work / "Music" / "b.txt", 1 << 30)
+    set_to(host, "LibraryDepthOption", "1")
+    done = call("run", "--host", host, "--view", "plain")
+    expect("a huge list of roots", True, "b.txt has a line of more than 1 MB" in done.stdout)
+    expect("raw words", False, "std::" in done.stdout + done.stderr)
+    os.truncate(settings(host), 1 << 30)
+    done = call("run", "--host", host, "--view", "plain")
+    expect("status with huge settings", 2, done.returncode)
+    expect("words for them", True, "Quillon.ini is larger than 1 MB" in done.stdout)
+    os.truncate(Path(host) / "host.ini", 1 << 30)
+    done = call("run", "--host", host, "--view", "plain")
+    expect("status with a huge host.ini", 2, done.returncode)
+    expect("words for it", True, "host.ini is larger than 1 MB" in done.stderr)
 
 
 def the_host_folder_is_found(work):
@@ -174,7 +257,10 @@ def main():
     for story in (streams_are_kept_apart, closed_streams_never_reach_the_database,
                   a_reader_that_goes_away_does_not_end_a_run,
                   a_reader_that_does_not_read_holds_no_run_back,
-                  quiet_runs_tell_errors_and_a_summary, the_host_folder_is_found,
+                  quiet_runs_tell_errors_and_a_summary,
+                  a_log_that_takes_nothing_neither_ends_nor_silences_a_run,
+                  a_file_size_limit_is_a_full_disk, huge_text_files_are_named_in_plain_words,
+                  the_host_folder_is_found,
                   auto_writes_plain_lines_into_a_pipe,
                   signals_abort_and_a_second_one_ends_at_once):
         name = story.__name__.replace("_", " ")

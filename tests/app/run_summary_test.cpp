@@ -93,6 +93,30 @@ TEST(SummaryLines, SayWhatToDoWhereNothingRan) {
     EXPECT_EQ(lines[2], "'quillon check' tells what stands in the way.");
 }
 
+TEST(SummaryLines, SayWhereErrorsAreToldThatTheLogDidNotTake) {
+    RunSummary summary{RunOutcome::Completed, {}, seconds(3)};
+    summary.counts.recordsLost = 5;
+    EXPECT_EQ(SummaryLines(summary)[0], "Done in 0:00:03; no errors, host.log lacks 5 records.");
+    summary.counts.errors = 1;
+    summary.counts.recordsLost = 1;
+    EXPECT_EQ(SummaryLines(summary)[0],
+              "Done in 0:00:03; 1 error on the error output, host.log lacks 1 record.");
+}
+
+TEST(LostRecordsLines, NameTheReasonAndTheFirstErrors) {
+    RunCounts counts;
+    EXPECT_TRUE(LostRecordsLines({}, counts).empty());
+    counts.recordsLost = 4;
+    counts.errors = 2;
+    EXPECT_EQ(
+        LostRecordsLines({"Disk full: /x/host.log", {"Quillon: a", "Quillon: b"}}, counts),
+        (std::vector<std::string>{"quillon: host.log lacks 4 records: Disk full: /x/host.log.",
+                                  "   Quillon: a", "   Quillon: b"}));
+    counts.errors = 30;
+    EXPECT_EQ(LostRecordsLines({"Disk full", {"Quillon: a"}}, counts).back(),
+              "   and more, 30 errors in all");
+}
+
 TEST(SummaryLines, OfOneValueSpeakInTheSingular) {
     RunSummary summary{RunOutcome::Completed, {}, {}};
     summary.counts.tagValuesStored = 1;
@@ -139,15 +163,14 @@ TEST(SummaryText, DoesNotSayThatNothingChangedWhereThatIsNotCertain) {
 TEST(SummaryText, DoesNotSendToALogThatCouldNotBeWritten) {
     RunSummary summary{RunOutcome::Completed, {}, seconds(1)};
     summary.counts.errors = 2;
-    summary.counts.unrecorded = 3;
+    summary.counts.recordsLost = 3;
     EXPECT_TRUE(SummaryText(summary).starts_with(
-        "Done in 0:00:01; 2 errors (host.log could not be written). "));
+        "Done in 0:00:01; 2 errors on the error output, host.log lacks 3 records. "));
     summary.counts.errors = 0;
-    EXPECT_TRUE(SummaryText(summary).starts_with(
-        "Done in 0:00:01; no errors (host.log could not be written). "));
+    EXPECT_TRUE(
+        SummaryText(summary).starts_with("Done in 0:00:01; no errors, host.log lacks 3 records. "));
     EXPECT_EQ(SummaryLines(summary, "Disk full: host.log", 100)[0],
-              "Done in 0:00:01; no errors (host.log could not be written), last: Disk full: "
-              "host.log");
+              "Done in 0:00:01; no errors, host.log lacks 3 records, last: Disk full: host.log");
 }
 
 TEST(LossLines, NameUpToTenOfEachKindAndThenCount) {
@@ -252,9 +275,9 @@ TEST(ExitStatus, TellsOutcomeAndErrors) {
     failed.errors = 1;
     EXPECT_EQ(ExitStatus({RunOutcome::Completed, clean, {}}), 0);
     EXPECT_EQ(ExitStatus({RunOutcome::Completed, failed, {}}), 1);
-    RunCounts unrecorded;
-    unrecorded.unrecorded = 1;
-    EXPECT_EQ(ExitStatus({RunOutcome::Completed, unrecorded, {}}), 1);
+    RunCounts untold;
+    untold.recordsLost = 1;
+    EXPECT_EQ(ExitStatus({RunOutcome::Completed, untold, {}}), 1);
     EXPECT_EQ(ExitStatus({RunOutcome::NothingRan, clean, {}}), 2);
     EXPECT_EQ(ExitStatus({RunOutcome::NothingRan, failed, {}}), 2);
     EXPECT_EQ(ExitStatus({RunOutcome::Aborted, clean, {}}), 3);

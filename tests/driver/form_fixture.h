@@ -77,6 +77,16 @@ class FormFixture : public ::testing::Test {
         return form.Form_Load();
     }
 
+    /// As if no run had been before.
+    void RemoveBackups() {
+        for (const std::string& path : world.files.Everything()) {
+            if (path.find("_Copy Dated_") == std::string::npos) continue;
+            if (world.files.FolderExists(path)) world.files.DeleteFolder(path);
+            if (world.files.FileExists(path)) world.files.DeleteFile(path);
+        }
+        world.calls.Forget();
+    }
+
     using Words = std::vector<std::string_view>;
     std::vector<std::string> Calls(const Words& beginnings) const {
         return world.calls.Of(beginnings);

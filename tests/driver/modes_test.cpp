@@ -7,9 +7,12 @@
 namespace quillon {
 namespace {
 
+using ::testing::Each;
 using ::testing::ElementsAre;
 using ::testing::ElementsAreArray;
+using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::Not;
 
 struct ModeCase {
     std::string key;
@@ -52,7 +55,7 @@ class ModesTest : public FormFixture {
         SwitchOn(keys);
         procedures.BuildORsRecordset = [](Run&) {};
         procedures.PopulateGenre = [](Run&) {};
-        world.calls.Forget();
+        RemoveBackups();
         run.form = {};
         world.window.last = {};
         outcome = Load();
@@ -134,10 +137,26 @@ TEST_F(ModesTest, AbortAtTheStartLeavesEverythingUntouched) {
 TEST_F(ModesTest, AbortDuringTheBackupsKeepsTheWorkFromStarting) {
     world.window.PressAbortWhen(
         [](const FormState& state) { return state.aItem.starts_with("Making Backup"); });
-    EXPECT_THAT(Calls({"Run"}), IsEmpty());
     const std::vector<std::string> calls = CallsWith({"MakeRemote"});
     EXPECT_EQ(calls.back(), M3uBackup()[0]);
     EXPECT_EQ(outcome, RunOutcome::Aborted);
+}
+
+TEST_F(ModesTest, ABackupThatFailsStopsTheRunBeforeAnythingChanges) {
+    for (const ModeCase& mode : Cases()) {
+        for (const std::string& backup : mode.backups) {
+            snapshotExists = true;
+            run.counts = {};
+            world.calls.Refuse(backup, FailureNumber::DiskFull, "the disk");
+            const std::vector<std::string> calls = CallsWith({mode.key});
+            EXPECT_EQ(calls.back(), backup) << "nothing comes behind it";
+            EXPECT_EQ(outcome, RunOutcome::NothingRan);
+            EXPECT_EQ(run.counts.errors, 1U);
+            EXPECT_THAT(Calls({"Execute", "Run", "CreateText", "Move"}), IsEmpty());
+            EXPECT_THAT(world.files.Everything(), Each(Not(HasSubstr("_Copy Dated_"))));
+            world.calls.Allow(backup);
+        }
+    }
 }
 
 TEST_F(ModesTest, AbortDuringTheWorkIsTheRunsOutcome) {
@@ -149,11 +168,39 @@ TEST_F(ModesTest, AbortDuringTheWorkIsTheRunsOutcome) {
     EXPECT_EQ(outcome, RunOutcome::Aborted);
 }
 
-TEST_F(ModesTest, WhatTheDatabaseHoldsIsInTheFileBeforeItIsCopied) {
-    CallsWith({"ID3Update"});
-    EXPECT_THAT(
-        Calls({"Flush", "CopyFile", "Run"}),
-        ElementsAre("Flush", DatabaseBackup()[0], "Run UpdateDatabaseFromID3", "Flush", "Flush"));
+TEST_F(ModesTest, MakeTheirBackupsBeforeAnythingWritesToTheDatabase) {
+    snapshotExists = true;
+    Note(&Procedures::RestoreMarks, "RestoreMarks", [this](Run&) { snapshotExists = false; });
+    SwitchOn({"ID3Update"});
+    Load();
+    EXPECT_THAT(Calls({"OpenTable", "Flush", "CopyFile", "Run"}),
+                ElementsAre("OpenTable SpinnerGenre", DatabaseBackup()[0], "Run RestoreMarks",
+                            "Run BuildORsRecordset", "Run PopulateGenre",
+                            "Run UpdateDatabaseFromID3", "Flush", "Flush"));
+}
+
+TEST_F(ModesTest, BackUpWithTheDatabaseWhatAnInterruptedRunHasLeftBesideIt) {
+    const std::string database = R"(D:\Data\cdj.mdb)";
+    const std::string stamp = "_Copy Dated_11152026_53855_AM_";
+    world.files.AddFile(database + ".marks", "m");
+    world.files.AddFile(database + ".playlists", "p");
+    SwitchOn({"ID3Update"});
+    Load();
+    EXPECT_EQ(world.files.Content(database + stamp), "rows");
+    EXPECT_EQ(world.files.Content(database + ".marks" + stamp), "m");
+    EXPECT_EQ(world.files.Content(database + ".playlists" + stamp), "p");
+}
+
+TEST_F(ModesTest, ClearWhatKilledRunsHaveLeftInTheFoldersThatTheyWriteInto) {
+    host.Set("AlbumCoverFolder", R"(E:\Covers)");
+    SwitchOn({"ID3Write"});
+    Load();
+    EXPECT_THAT(Calls({"RemoveUnfinished"}),
+                ElementsAre(R"(RemoveUnfinished D:\Data\)", R"(RemoveUnfinished C:\Lists\)",
+                            R"(RemoveUnfinished C:\M3u\)", R"(RemoveUnfinished C:\)",
+                            R"(RemoveUnfinished C:\)", R"(RemoveUnfinished E:\Covers\)",
+                            R"(RemoveUnfinished C:\HomeSeer\Data\Quillon)",
+                            R"(RemoveUnfinished C:\HomeSeer\HTML\Quillon\albumcovers\)"));
 }
 
 TEST_F(ModesTest, WouldBeThisOneForTheSettings) {

@@ -192,17 +192,49 @@ TEST_F(ReconcileMode, GoesOnWhenTheDifferencesCannotBeEmptied) {
     EXPECT_EQ(Calls({"Phase"}).size(), 10U);
 }
 
-TEST_F(ReconcileMode, GoesOnWithoutABackupThatFails) {
-    world.calls.Refuse(DatabaseBackup()[0], FailureNumber::DiskFull, "");
-    EXPECT_EQ(Load(), RunOutcome::Completed);
-    EXPECT_EQ(Calls({"Phase"}).size(), 10U);
-    EXPECT_EQ(run.counts.errors, 1U);
+TEST_F(ReconcileMode, StopsAtABackupThatFailsBeforeAnythingChanges) {
+    for (const std::string& backup : {DatabaseBackup()[0], ListsBackup()[0], M3uBackup()[0]}) {
+        RemoveBackups();
+        run.counts = {};
+        snapshotExists = true;
+        world.calls.Refuse(backup, FailureNumber::DiskFull, "the disk");
+        EXPECT_EQ(Load(), RunOutcome::NothingRan);
+        EXPECT_EQ(run.counts.errors, 1U);
+        EXPECT_THAT(Calls({"Phase", "Run", "Execute"}), IsEmpty()) << backup;
+        world.calls.Allow(backup);
+    }
+}
+
+TEST_F(ReconcileMode, DoesNotStartWhereItCannotKeepWhatItKnows) {
+    for (const std::string ending : {".marks", ".playlists"}) {
+        const std::string path = R"(D:\Data\cdj.mdb)" + ending;
+        world.calls.Forget();
+        host.log.clear();
+        world.calls.Refuse("CreateText " + path, FailureNumber::PermissionDenied,
+                           path + " (this is a symbolic link and no file)");
+        EXPECT_EQ(Load(), RunOutcome::NothingRan);
+        EXPECT_THAT(
+            host.log,
+            ElementsAre("Quillon: QuillonShelfkeeper Main Line 0 Permission denied: " + path +
+                        " (this is a symbolic link and no file); nothing was changed. A "
+                        "run keeps a file of its own there: remove what has that name, or "
+                        "give this account the right to write there, and run again"));
+        EXPECT_THAT(Calls({"Phase", "Run", "Execute", "Copy"}), IsEmpty());
+        world.calls.Allow("CreateText " + path);
+    }
+}
+
+TEST_F(ReconcileMode, ChangesNothingWhenAbortComesDuringTheBackups) {
+    world.window.PressAbortWhen(
+        [](const FormState& state) { return state.aItem.starts_with("Making Backup"); });
+    EXPECT_EQ(Load(), RunOutcome::Aborted);
+    EXPECT_THAT(Calls({"Phase", "Run", "Execute"}), IsEmpty());
 }
 
 TEST_F(ReconcileMode, MakesTheDatabaseDurableBehindEveryPhase) {
     Load();
     EXPECT_THAT(Calls({"Run Re", "Flush"}),
-                ElementsAre("Flush", "Flush", "Run RemoveDuplicates", "Flush", "Flush",
+                ElementsAre("Flush", "Run RemoveDuplicates", "Flush", "Flush",
                             "Run RefreshDatabase", "Flush", "Flush", "Flush", "Run RefreshPlaylist",
                             "Flush", "Flush", "Flush", "Run RefreshAlbumCovers", "Flush", "Flush"));
 }

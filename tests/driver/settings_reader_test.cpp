@@ -109,6 +109,22 @@ TEST_F(SettingsReader, EndsFoldersInABackslash) {
     EXPECT_EQ(Read().AlbumCoverFolder, R"(C:\Covers\)");
 }
 
+TEST_F(SettingsReader, HasPathsInOneSpellingHoweverTheyAreWritten) {
+    world.host.Set("PlayListPath", "D:/Lists/");
+    world.host.Set("PlayListPath2", R"(D:\M3u\\)");
+    world.host.Set("AlbumCoverFolder", R"(\\nas\\covers)");
+    world.host.Set("LibraryRoot", R"(D:\\Music/All)");
+    world.host.Set("FromFilesPath", "D:/New");
+    world.host.Set("Nirvis_CDJ_DB", "D:/Data//cdj.mdb");
+    const Settings settings = Read();
+    EXPECT_EQ(settings.PlayListPath, R"(D:\Lists\)");
+    EXPECT_EQ(settings.PlayListPath2, R"(D:\M3u\)");
+    EXPECT_EQ(settings.AlbumCoverFolder, R"(\\nas\covers\)");
+    EXPECT_EQ(settings.LibraryRoot, R"(D:\Music\All)");
+    EXPECT_EQ(settings.FromFilesPath, R"(D:\New)");
+    EXPECT_EQ(settings.Nirvis_CDJ_DB, R"(D:\Data\cdj.mdb)");
+}
+
 TEST_F(SettingsReader, NormalisesTheWebPath) {
     world.host.Set("coverPath", "covers");
     EXPECT_EQ(Read().coverPath, "/covers/");

@@ -75,6 +75,12 @@ class WholeRun : public ::testing::Test {
                   more);
     }
 
+    static std::string Content(const fs::path& path) {
+        std::ostringstream content;
+        content << std::ifstream(path, std::ios::binary).rdbuf();
+        return content.str();
+    }
+
     void AddSong(const std::string& artist, const std::string& album,
                  const std::string& song) const {
         const fs::path path = Disk() / "Music" / artist / album;
@@ -235,16 +241,75 @@ TEST_F(WholeRun, StartsByGivingBackTheNumbersOfARunThatWasKilled) {
                                    "that it had set aside"));
 }
 
-TEST_F(WholeRun, CopiesTheDatabaseWithTheNumbersGivenBack) {
+TEST_F(WholeRun, CopiesWithTheDatabaseTheNumbersThatAKilledRunHadSetAside) {
     Load();
     const std::vector<std::string> albums = Albums();
+    const std::vector<std::string> tracks = Tracks();
     LeaveMarksBehind();
     fs::remove(Disk() / copyOfDatabase);
     Load();
-    fs::rename(Disk() / copyOfDatabase, Disk() / "before.mdb");
-    EXPECT_EQ(support::Rows(*support::OpenDatabase(Disk() / "before.mdb"),
-                            "SELECT Title, Artist, Tracks FROM Albums ORDER BY Title"),
-              albums);
+    const std::string copyOfMarks = "cdj.mdb.marks_Copy Dated_11152026_53855_AM_";
+    ASSERT_TRUE(fs::exists(Disk() / copyOfMarks));
+    // Back to where that run began, as the copies have it; then a run that only looks.
+    fs::rename(Disk() / copyOfDatabase, Database());
+    ASSERT_THAT(Albums(), ElementsAre("First|Ann|0", "Second|Bob|0"));
+    fs::rename(Disk() / copyOfMarks, Disk() / "cdj.mdb.marks");
+    Set("AlbumPicker=1\n");
+    EXPECT_EQ(Load(), RunOutcome::Completed);
+    EXPECT_EQ(Albums(), albums);
+    EXPECT_EQ(Tracks(), tracks);
+}
+
+TEST_F(WholeRun, ChangesNothingWhereABackupCannotBeMade) {
+    Load();
+    fs::remove(Disk() / copyOfDatabase);
+    Write("disk/Lists/Rock.pla", "entries");
+    const std::string before = Content(Database());
+    AddSong("Cid", "Third", "Four");
+    Write("Quillon.ini",
+          "[NPFrame]\nLibraryRoot=D:\\Music\nNirvis_CDJ_DB=D:\\cdj.mdb\nReconcile=1\n"
+          "PlayListPath=D:\\\n");
+    EXPECT_EQ(Load(), RunOutcome::NothingRan);
+    EXPECT_EQ(Content(Database()), before);
+    EXPECT_EQ(Content(Disk() / "Lists" / "Rock.pla"), "entries");
+    ASSERT_EQ(Log().size(), 1U);
+    EXPECT_THAT(Log()[0], HasSubstr("D:\\ is a whole drive"));
+}
+
+TEST_F(WholeRun, BacksUpAFolderHoweverItIsWritten) {
+    Write("disk/Lists/Rock.pla", "entries");
+    for (const std::string written : {"D:/Lists/", "D:\\Lists\\\\", "D:\\\\Lists"}) {
+        Write("Quillon.ini",
+              "[NPFrame]\nLibraryRoot=D:\\Music\nNirvis_CDJ_DB=D:\\cdj.mdb\nM3uToPla=1\n"
+              "PlayListPath=" +
+                  written + "\n");
+        EXPECT_EQ(Load(), RunOutcome::Completed);
+        EXPECT_THAT(NamesIn(Disk() / "Lists"), ElementsAre("Rock.pla"));
+        EXPECT_EQ(Content(Disk() / "Lists_Copy Dated_11152026_53855_AM_" / "Rock.pla"), "entries");
+        fs::remove_all(Disk() / "Lists_Copy Dated_11152026_53855_AM_");
+    }
+    EXPECT_THAT(Log(), IsEmpty());
+}
+
+TEST_F(WholeRun, OpensADatabaseWhosePathHoldsMarksOfConnectionStrings) {
+    for (const std::string name : {"a;b.mdb", "it's; mine.mdb", "x=y;Data Source=z.mdb"}) {
+        fs::rename(Database(), Disk() / name);
+        for (const std::string mode : {"Reconcile", "AlbumPicker"}) {
+            Write("Quillon.ini", "[NPFrame]\nLibraryRoot=D:\\Music\nNirvis_CDJ_DB=D:\\" + name +
+                                     "\n" + mode + "=1\nPlayListPath=D:\\Lists\n");
+            EXPECT_EQ(Load(), RunOutcome::Completed) << name;
+            EXPECT_THAT(Log(), IsEmpty()) << name;
+        }
+        fs::rename(Disk() / name, Database());
+        EXPECT_EQ(Tracks().size(), 3U);
+    }
+}
+
+TEST(LibraryConnectionString, HoldsThePathAsItStandsWhereverThatIsClear) {
+    EXPECT_EQ(LibraryConnectionString(R"(D:\O'Brien's\cdj.mdb)"),
+              R"(Provider = Microsoft.Jet.OLEDB.4.0; Data Source=D:\O'Brien's\cdj.mdb)");
+    for (const std::string path : {R"(D:\a;b.mdb)", R"('quoted'.mdb)", R"("a";b)"})
+        EXPECT_EQ(ParseConnectionString(LibraryConnectionString(path)).dataSource, path);
 }
 
 TEST_F(WholeRun, WalksFoldersThatATextFileNames) {

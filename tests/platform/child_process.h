@@ -44,11 +44,21 @@ inline std::string AsOrdinaryUser(const std::function<std::string()>& action) {
     return InChildProcess(giveUpRights, action);
 }
 
+/// As if somebody had made room on the disk.
+inline void LetFilesGrow() {
+    rlimit most{};
+    if (getrlimit(RLIMIT_FSIZE, &most) != 0) _exit(1);
+    most.rlim_cur = most.rlim_max;
+    if (setrlimit(RLIMIT_FSIZE, &most) != 0) _exit(1);
+}
+
 /// The action's answer where no file may grow beyond some bytes, as on a full disk.
 inline std::string WithFilesUpTo(rlim_t bytes, const std::function<std::string()>& action) {
     const auto limit = [bytes] {
         std::signal(SIGXFSZ, SIG_IGN);
-        const rlimit most{bytes, bytes};
+        rlimit most{};
+        if (getrlimit(RLIMIT_FSIZE, &most) != 0) _exit(1);
+        most.rlim_cur = bytes;
         if (setrlimit(RLIMIT_FSIZE, &most) != 0) _exit(1);
     };
     return InChildProcess(limit, action);

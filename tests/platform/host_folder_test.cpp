@@ -64,7 +64,8 @@ TEST_F(HostFolderTest, SaysWhenSettingsMayNotBeRead) {
               "Permission denied: " + (folder_ / "Quillon.ini").string());
     folder_.MakeFolder("Folder.ini");
     EXPECT_EQ(FailureOf([&] { host.GetINISetting("a", "x", "", "Folder.ini"); }),
-              "Permission denied: " + (folder_ / "Folder.ini").string());
+              "Permission denied: " + (folder_ / "Folder.ini").string() +
+                  " (this is a folder and no file)");
 }
 
 TEST_F(HostFolderTest, ListsThePlugInsThatAreSwitchedOn) {
@@ -142,6 +143,36 @@ TEST_F(HostFolderTest, SaysWhenTheLogCannotBeWritten) {
     HostFolder host = Host();
     EXPECT_EQ(FailureOf([&] { host.WriteLog("Quillon", "x"); }),
               "Permission denied: " + (folder_ / "host.log").string());
+}
+
+TEST_F(HostFolderTest, ARecordThatWasCutShortDoesNotSpoilTheNextOne) {
+    const std::string start = "2026-11-21 07:13:05\tQuillon\t";
+    const std::string first = start + "one\n";
+    HostFolder host = Host();
+    const auto write = [&host](const char* message) {
+        return FailureOf([&] { host.WriteLog("Quillon", message); });
+    };
+    EXPECT_EQ(WithFilesUpTo(first.size() + 10,
+                            [&] {
+                                std::string told = write("one") + '|';
+                                told += write("two") + '|';
+                                LetFilesGrow();
+                                return told + write("three");
+                            }),
+              "|Disk full: " + (folder_ / "host.log").string() + "|");
+    EXPECT_EQ(folder_.Content("host.log"), first + start.substr(0, 10) + "\n" + start + "three\n");
+}
+
+TEST_F(HostFolderTest, ReadsNoSettingsFileThatIsNone) {
+    folder_.MakeFile("some.ini", "[A]\nb=" + std::string(2'000'000, 'x'));
+    ASSERT_EQ(mkfifo((folder_ / "pipe.ini").c_str(), 0666), 0);
+    HostFolder host = Host();
+    EXPECT_EQ(FailureOf([&] { host.GetINISetting("A", "b", "", "some.ini"); }),
+              (folder_ / "some.ini").string() +
+                  " is larger than 1 MB and so no settings file; correct or replace it");
+    EXPECT_EQ(
+        FailureOf([&] { host.GetINISetting("A", "b", "", "pipe.ini"); }),
+        "Permission denied: " + (folder_ / "pipe.ini").string() + " (this is a pipe and no file)");
 }
 
 TEST_F(HostFolderTest, HasSettingsOfItsOwn) {

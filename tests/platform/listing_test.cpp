@@ -161,7 +161,7 @@ TEST_F(ListingTest, LeavesOutPipesAndSockets) {
     EXPECT_EQ(FileNames("D:\\M"), Names{});
     EXPECT_EQ(notes_, Names{"Left out, neither file nor folder: D:\\M\\pipe.mp3"});
     EXPECT_EQ(FailureOf([&] { files_.OpenBinary("D:\\M\\pipe.mp3"); }),
-              "Permission denied: D:\\M\\pipe.mp3");
+              "Permission denied: D:\\M\\pipe.mp3 (this is a pipe and no file)");
     EXPECT_FALSE(files_.FileExists("D:\\M\\pipe.mp3"));
 }
 

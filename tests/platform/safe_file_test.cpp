@@ -75,31 +75,60 @@ TEST(SafeFile, TargetMayHaveTheLongestName) {
     EXPECT_TRUE(folder.Exists(longest));
 }
 
-TEST(SafeFile, KnowsItsTemporaryNames) {
-    EXPECT_TRUE(SafeFile::IsTemporaryName(".quillon-12-0.tmp"));
-    for (const char* const name : {"quillon-12.tmp", ".quillon-.tmp", ".quillon-12", "x.tmp", ""})
-        EXPECT_FALSE(SafeFile::IsTemporaryName(name)) << name;
+TEST(SafeFile, OfTheProgramsOwnFilesFollowsNoLink) {
+    const TemporaryFolder folder;
+    folder.MakeFile("real", "another's");
+    std::filesystem::create_symlink("real", folder / "link");
+    std::filesystem::create_symlink("nowhere", folder / "dangling");
+    for (const std::string name : {"link", "dangling"}) {
+        EXPECT_EQ(FailureOf([&] {
+                      const SafeFile file((folder / name).string(), "D:\\" + name,
+                                          SafeFile::Existing::ReplaceOwn);
+                  }),
+                  "Permission denied: D:\\" + name + " (this is a symbolic link and no file)");
+    }
+    EXPECT_EQ(folder.Content("real"), "another's");
+    EXPECT_FALSE(folder.Exists("nowhere"));
+    EXPECT_EQ(folder.Count(), 3U);
 }
 
-TEST(SafeFile, RemovesWhatAKilledRunLeftButNothingInUse) {
+TEST(SafeFile, OfTheProgramsOwnFilesReplacesALinkThatAppearedMeanwhileAndNotItsTarget) {
     const TemporaryFolder folder;
-    const std::string target = (folder / "a").string();
-    const pid_t child = fork();
-    if (child == 0) {
-        SafeFile file(target, "D:\\a", SafeFile::Existing::Replace);
-        file.Write("half");
-        kill(getpid(), SIGKILL);
+    folder.MakeFile("real", "another's");
+    SafeFile file((folder / "own").string(), "D:\\own", SafeFile::Existing::ReplaceOwn);
+    file.Write("new");
+    std::filesystem::create_symlink("real", folder / "own");
+    file.Commit();
+    EXPECT_EQ(folder.Content("real"), "another's");
+    EXPECT_EQ(folder.Content("own"), "new");
+}
+
+TEST(SafeFile, RefusesALinkWhereNothingMayBeReplaced) {
+    const TemporaryFolder folder;
+    std::filesystem::create_symlink("nowhere", folder / "link");
+    EXPECT_EQ(FailureOf([&] {
+                  const SafeFile file((folder / "link").string(), "D:\\link",
+                                      SafeFile::Existing::Refuse);
+              }),
+              "File already exists: D:\\link");
+}
+
+TEST(SafeFile, SaysWhatStandsInItsPlace) {
+    const TemporaryFolder folder;
+    folder.MakeFolder("folder");
+    ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0666), 0);
+    for (const std::string name : {"folder", "pipe"}) {
+        for (const auto existing : {SafeFile::Existing::Replace, SafeFile::Existing::ReplaceOwn}) {
+            EXPECT_EQ(FailureOf([&] {
+                          const SafeFile file((folder / name).string(), "D:\\x", existing);
+                      }),
+                      "Permission denied: D:\\x (this is a " + name + " and no file)");
+        }
     }
-    int status = 0;
-    waitpid(child, &status, 0);
-    EXPECT_EQ(folder.Count(), 1U);
-    EXPECT_FALSE(folder.Exists("a"));
-    folder.MakeFile("keep.tmp");
-    const SafeFile inUse(target, "D:\\a", SafeFile::Existing::Replace);
-    EXPECT_EQ(folder.Count(), 3U);
-    EXPECT_EQ(SafeFile::RemoveAbandoned(folder.Path().string()), 1U);
-    EXPECT_EQ(folder.Count(), 2U);
-    EXPECT_EQ(SafeFile::RemoveAbandoned((folder / "none").string()), 0U);
+    EXPECT_EQ(FailureOf([&] {
+                  const SafeFile file("/dev/null", "D:\\null", SafeFile::Existing::Replace);
+              }),
+              "Permission denied: D:\\null (this is a device and no file)");
 }
 
 }  // namespace

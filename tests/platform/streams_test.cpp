@@ -1,3 +1,4 @@
+#include <filesystem>
 #include <limits>
 
 #include "tests/platform/child_process.h"
@@ -49,10 +50,25 @@ TEST_F(TextReaderTest, LinesMayCrossEveryBoundary) {
     }
 }
 
+TEST_F(TextReaderTest, RefusesALineThatNoTextHas) {
+    const std::string longest((std::size_t{1} << 20U) - 1, 'x');
+    folder_.MakeFile("a.pla", longest + "\r\nend");
+    EXPECT_EQ(LinesOf(*files_.OpenText("D:\\a.pla")), (Names{longest, "end"}));
+    folder_.MakeFile("b.pla", longest + "xx\r\nend");
+    // A file of one line that is mostly a hole: what is read of it must not grow with it.
+    folder_.MakeFile("c.pla");
+    std::filesystem::resize_file(folder_ / "c.pla", std::uintmax_t{1} << 36U);
+    for (const std::string path : {"D:\\b.pla", "D:\\c.pla"}) {
+        EXPECT_EQ(FailureOf([&] { files_.OpenText(path)->ReadLine(); }),
+                  path + " has a line of more than 1 MB and is no text to read");
+    }
+}
+
 TEST_F(TextReaderTest, NeedsAFile) {
     folder_.MakeFolder("Folder");
     EXPECT_EQ(FailureOf([&] { files_.OpenText("D:\\x.txt"); }), "File not found: D:\\x.txt");
-    EXPECT_EQ(FailureOf([&] { files_.OpenText("D:\\Folder"); }), "Permission denied: D:\\Folder");
+    EXPECT_EQ(FailureOf([&] { files_.OpenText("D:\\Folder"); }),
+              "Permission denied: D:\\Folder (this is a folder and no file)");
     EXPECT_EQ(FailureOf([&] { files_.OpenText("E:\\x.txt"); }), "Path not found: E:\\x.txt");
 }
 
@@ -112,7 +128,8 @@ TEST_F(TextWriterTest, NeedsAFolderAndAFileName) {
     folder_.MakeFolder("Folder");
     EXPECT_EQ(FailureOf([&] { files_.CreateText("D:\\no\\a.txt"); }),
               "Path not found: D:\\no\\a.txt");
-    EXPECT_EQ(FailureOf([&] { files_.CreateText("D:\\Folder"); }), "Permission denied: D:\\Folder");
+    EXPECT_EQ(FailureOf([&] { files_.CreateText("D:\\Folder"); }),
+              "Permission denied: D:\\Folder (this is a folder and no file)");
     EXPECT_EQ(FailureOf([&] { files_.CreateText("D:\\AC/DC: a.txt"); }),
               "Bad file name or number: D:\\AC/DC: a.txt");
     EXPECT_EQ(folder_.Count(), 1U);
@@ -136,7 +153,8 @@ TEST_F(BinaryReaderTest, ReadsFromAnyPosition) {
 
 TEST_F(BinaryReaderTest, NeedsAFile) {
     EXPECT_EQ(FailureOf([&] { files_.OpenBinary("D:\\x"); }), "File not found: D:\\x");
-    EXPECT_EQ(FailureOf([&] { files_.OpenBinary("D:\\"); }), "Permission denied: D:\\");
+    EXPECT_EQ(FailureOf([&] { files_.OpenBinary("D:\\"); }),
+              "Permission denied: D:\\ (this is a folder and no file)");
 }
 
 }  // namespace

@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <new>
+#include <stdexcept>
 
 #include "run/steps.h"
 #include "tests/support/fakes.h"
@@ -60,13 +62,34 @@ TEST_F(Log, TellsTheWindowWhichRecordsAreErrors) {
                             std::pair(LogKind::Error, "Quillon: an error")));
 }
 
-TEST_F(Log, TellsTheWindowWhatTheHostDidNotTake) {
+TEST_F(Log, TellsTheWindowOnceThatTheHostTakesNothingAndThenEveryRecord) {
+    for (const char* const message : {"one", "two", "three"})
+        world.calls.Refuse(std::string("WriteLog Quillon: ") + message, FailureNumber::DiskFull,
+                           "host.log");
+    WriteLog(run, LogSource, "one");
+    LogError(run, LogSource, "two");
+    LogError(run, LogSource, "three");
+    WriteLog(run, LogSource, "taken");
+    EXPECT_THAT(world.window.logged,
+                ElementsAre(std::pair(LogKind::Error,
+                                      "Quillon: The log cannot be written: Disk full: host.log. "
+                                      "What it lacks is told here alone"),
+                            std::pair(LogKind::Information, "Quillon: one"),
+                            std::pair(LogKind::Error, "Quillon: two"),
+                            std::pair(LogKind::Error, "Quillon: three"),
+                            std::pair(LogKind::Information, "Quillon: taken")));
+    EXPECT_EQ(run.counts.recordsLost, 3U);
+    EXPECT_EQ(run.counts.errors, 2U);
+    EXPECT_EQ(run.lostRecords.reason, "Disk full: host.log");
+    EXPECT_THAT(run.lostRecords.errors, ElementsAre("Quillon: two", "Quillon: three"));
+}
+
+TEST_F(Log, KeepsOnlySoManyOfTheErrorsThatTheHostDidNotTake) {
     world.calls.Refuse("WriteLog Quillon: lost", FailureNumber::DiskFull, "host.log");
-    WriteLog(run, LogSource, "lost");
-    ASSERT_EQ(world.window.logged.size(), 2U);
-    EXPECT_EQ(world.window.logged[0].first, LogKind::Error);
-    EXPECT_EQ(world.window.logged[1],
-              std::pair(LogKind::Information, std::string("Quillon: lost")));
+    for (int i = 0; i < 1000; ++i)
+        LogError(run, LogSource, "lost");
+    EXPECT_EQ(run.lostRecords.errors.size(), 10U);
+    EXPECT_EQ(run.counts.recordsLost, 1000U);
 }
 
 TEST_F(Log, TellsOnceWhyTheHostTakesNothingAndCountsWhatItDidNotTake) {
@@ -74,7 +97,7 @@ TEST_F(Log, TellsOnceWhyTheHostTakesNothingAndCountsWhatItDidNotTake) {
     for (int i = 0; i < 3; ++i)
         WriteLog(run, LogSource, "lost");
     WriteLog(run, LogSource, "kept");
-    EXPECT_EQ(run.counts.unrecorded, 3U);
+    EXPECT_EQ(run.counts.recordsLost, 3U);
     EXPECT_EQ(world.window.logged.size(), 5U) << "four records and one reason";
 }
 
@@ -110,6 +133,24 @@ TEST_F(Log, StepsNameWhatTheyConcernUnlessTheDescriptionDoes) {
                 ElementsAre(R"(Quillon: Some Procedure Line 1 Disk full: D:\a)",
                             R"(Quillon: Some Procedure Line 2 Overflow: Minutes (D:\a))",
                             "Quillon: Some Procedure Line 3 Overflow: Minutes"));
+}
+
+TEST_F(Log, StepsEndWithTheirAdvice) {
+    Steps steps(run, "Some Procedure");
+    steps.Concerning(R"(D:\a)");
+    steps.Advising("make room and run again");
+    steps.Try(1, [] { throw Failure(FailureNumber::Overflow, "Minutes"); });
+    EXPECT_THAT(world.host.log,
+                ElementsAre("Quillon: Some Procedure Line 1 Overflow: Minutes (D:\\a); "
+                            "make room and run again"));
+}
+
+TEST_F(Log, StepsSayInWordsThatThereIsNotEnoughMemory) {
+    Steps steps(run, "Some Procedure");
+    steps.Try(1, [] { throw std::bad_alloc(); });
+    steps.Try(2, [] { throw std::length_error("basic_string::append"); });
+    EXPECT_THAT(world.host.log, ElementsAre("Quillon: Some Procedure Line 1 Not enough memory",
+                                            "Quillon: Some Procedure Line 2 Not enough memory"));
 }
 
 TEST_F(Log, StepsThatSucceedLeaveNoRecord) {

@@ -19,6 +19,31 @@ TEST(FolderPath, IsWhatAListingWouldGive) {
     EXPECT_EQ(FolderPath(""), "");
 }
 
+TEST(PlainPath, HasSingleBackslashesForSlashesOfAnyKindAndNumber) {
+    EXPECT_EQ(PlainPath("D:/Lists/"), R"(D:\Lists\)");
+    EXPECT_EQ(PlainPath(R"(D:\Lists\\)"), R"(D:\Lists\)");
+    EXPECT_EQ(PlainPath(R"(D:\\Old//Lists)"), R"(D:\Old\Lists)");
+    EXPECT_EQ(PlainPath(R"(P:\\)"), R"(P:\)");
+}
+
+TEST(PlainPath, KeepsTheTwoBackslashesOfAShare) {
+    EXPECT_EQ(PlainPath(R"(\\nas\music)"), R"(\\nas\music)");
+    EXPECT_EQ(PlainPath("//nas/music/"), R"(\\nas\music\)");
+    EXPECT_EQ(PlainPath(R"(\\\\nas\\music)"), R"(\\nas\music)");
+}
+
+TEST(PlainPath, LeavesWhatIsWellFormedAlone) {
+    for (const char* const path : {R"(D:\Music)", R"(D:\Music\)", "D:", R"(\)", "", " a b "})
+        EXPECT_EQ(PlainPath(path), path);
+}
+
+TEST(IsDriveRoot, IsTrueForAWholeDriveOrShareAlone) {
+    for (const char* const root : {R"(P:\)", "P:", "P:/", R"(\\nas\lists)", R"(\\nas\lists\)"})
+        EXPECT_TRUE(IsDriveRoot(root)) << root;
+    for (const char* const other : {R"(P:\Lists)", R"(P:\Lists\)", R"(\\nas\lists\a)", "\\", ""})
+        EXPECT_FALSE(IsDriveRoot(other)) << other;
+}
+
 TEST(FixPath, TurnsBackslashesAndAddsSlashesAtBothEnds) {
     EXPECT_EQ(FixPath(R"(Quillon\albumcovers)"), "/Quillon/albumcovers/");
 }

@@ -201,6 +201,94 @@ def slow_and_idle_clients_hinder_nobody(work):
             connection.close()
 
 
+def answered_soon(server, what):
+    """Somebody who asks as people do, among others who keep the server busy."""
+    for target in (INDEX, "/cover.jpg"):
+        began = time.monotonic()
+        expect(f"{target} among clients that {what}", 200, server.ask(target)[0])
+        seconds = time.monotonic() - began
+        if seconds > 2:
+            raise Failed(f"{target} among clients that {what} took {seconds:.1f} seconds")
+
+
+def clients_that_drip_their_headers_hinder_nobody(work):
+    with Server(PROGRAM, host_folder(work)) as server:
+        ends = threading.Event()
+
+        def drip(number):
+            """Comes again as soon as it is let go."""
+            while not ends.is_set():
+                try:
+                    with server.connect() as connection:
+                        connection.sendall(b"GET / HTTP/1.1\r\n")
+                        for letter in b"X-Slow: " + bytes([97 + number % 26]) * 1000:
+                            connection.sendall(bytes([letter]))
+                            if ends.wait(0.1):
+                                return
+                except OSError:
+                    pass
+
+        drippers = [threading.Thread(target=drip, args=(number,)) for number in range(80)]
+        for dripper in drippers:
+            dripper.start()
+        time.sleep(0.5)
+        for _ in range(8):
+            answered_soon(server, "drip")
+            time.sleep(0.5)
+        ends.set()
+        for dripper in drippers:
+            dripper.join()
+
+
+def a_head_has_a_time_in_which_it_must_have_come(work):
+    with Server(PROGRAM, host_folder(work)) as server, server.connect() as connection:
+        began = time.monotonic()
+        connection.sendall(b"GET / HTTP/1.1\r\n")
+        try:
+            while time.monotonic() - began < 20:
+                connection.sendall(b"X")
+                time.sleep(0.2)
+        except OSError:
+            pass
+        if time.monotonic() - began > 10:
+            raise Failed("a client that drips was not let go")
+
+
+def more_than_may_wait_push_out_who_waits_longest(work):
+    with Server(PROGRAM, host_folder(work)) as server:
+        crowd = [server.connect() for _ in range(600)]
+        answered_soon(server, "say nothing")
+        for connection in crowd:
+            connection.close()
+
+
+def clients_that_keep_an_answer_waiting_hinder_nobody(work):
+    host = host_folder(work)
+    (host / "HTML" / "big.jpg").write_bytes(bytes(40_000_000))
+    with Server(PROGRAM, host) as server:
+        for what, request in (
+                ("do not read", b"GET /big.jpg HTTP/1.1\r\nHost: localhost\r\n\r\n"),
+                ("owe content", b"POST / HTTP/1.1\r\nHost: localhost\r\nContent-Length: 9\r\n\r\nx")):
+            crowd = [server.connect() for _ in range(80)]
+            for connection in crowd:
+                connection.sendall(request)
+            time.sleep(0.3)
+            answered_soon(server, what)
+            for connection in crowd:
+                connection.close()
+
+
+def a_request_in_pieces_is_understood(work):
+    with Server(PROGRAM, host_folder(work)) as server, server.connect() as connection:
+        for piece in (b"GET /cov", b"er.jpg HTTP/1.1\r", b"\nHost: localhost\r\n", b"\r", b"\n"):
+            connection.sendall(piece)
+            time.sleep(0.1)
+        answer = b""
+        while data := connection.recv(65536):
+            answer += data
+        expect("answer", (200, bytes(range(256)) * 4000), (parsed(answer)[0], parsed(answer)[2]))
+
+
 def many_at_once_are_served(work):
     with Server(PROGRAM, host_folder(work)) as server:
         statuses = []
@@ -238,9 +326,9 @@ def a_signal_ends_it(work):
 def a_second_signal_ends_it_at_once(work):
     with Server(PROGRAM, host_folder(work)) as server:
         with server.connect() as connection:
-            # A request under way, of somebody who takes his time.
-            connection.sendall(b"GET /")
-            time.sleep(0.5)
+            # A request under way, of somebody who takes his time with what belongs to it.
+            connection.sendall(b"POST / HTTP/1.1\r\nHost: localhost\r\nContent-Length: 9\r\n\r\nx")
+            time.sleep(0.2)
             server.process.send_signal(signal.SIGINT)
             time.sleep(0.3)
             expect("status", -signal.SIGTERM, server.stop(signal.SIGTERM))
@@ -292,7 +380,10 @@ def nothing_is_written(work):
 STORIES = (pages_and_files_are_served, a_request_to_the_player_is_listed, a_run_is_not_kept_waiting,
            head_sends_no_content, other_methods_are_refused, nothing_outside_the_folder_is_served,
            only_this_computers_names_are_answered, other_computers_cannot_connect,
-           odd_requests_do_no_harm, slow_and_idle_clients_hinder_nobody, many_at_once_are_served,
+           odd_requests_do_no_harm, slow_and_idle_clients_hinder_nobody,
+           clients_that_drip_their_headers_hinder_nobody, a_head_has_a_time_in_which_it_must_have_come,
+           more_than_may_wait_push_out_who_waits_longest,
+           clients_that_keep_an_answer_waiting_hinder_nobody, a_request_in_pieces_is_understood, many_at_once_are_served,
            a_signal_ends_it, a_second_signal_ends_it_at_once, an_ignored_interrupt_stays_ignored,
            a_port_in_use_is_refused, only_a_host_folder_is_served, nothing_is_written)
 

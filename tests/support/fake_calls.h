@@ -26,6 +26,9 @@ class Calls {
         refusals_.insert_or_assign(call, Failure(number, concerning));
     }
 
+    /// Takes a refusal back.
+    void Allow(const std::string& call) { refusals_.erase(call); }
+
     /// All calls so far.
     const std::vector<std::string>& Made() const { return made_; }
 

@@ -101,17 +101,13 @@ class FakeFiles : public Files {
         Copy(from, to, overwrite);
     }
 
-    void CopyFolder(std::string_view from, std::string_view to, bool overwrite) override {
+    void CopyFolder(std::string_view from, std::string_view to) override {
         calls_.Note("CopyFolder " + std::string(from) + " -> " + std::string(to));
-        for (const Node& node : NodesIn(from)) {
-            const std::string target = std::string(to) + "\\" + NameOf(node.path);
-            if (node.isFolder) {
-                AddFolder(target);
-                CopyFolder(node.path, target, overwrite);
-            } else {
-                Copy(node.path, target, overwrite);
-            }
+        RequireFolder(from);
+        if (nodes_.contains(KeyOf(to))) {
+            throw Failure(FailureNumber::FileAlreadyExists, std::string(to));
         }
+        CopyInto(from, std::string(to));
     }
 
     void DeleteFile(std::string_view path) override {
@@ -168,9 +164,17 @@ class FakeFiles : public Files {
         return std::make_unique<Writer>(*this, std::string(path));
     }
 
+    std::unique_ptr<TextWriter> CreateOwnText(std::string_view path) override {
+        return CreateText(path);
+    }
+
     std::unique_ptr<BinaryReader> OpenBinary(std::string_view path) override {
         calls_.Note("OpenBinary " + std::string(path));
         return std::make_unique<Bytes>(FileAt(path).content);
+    }
+
+    void RemoveUnfinished(std::string_view folder) override {
+        calls_.Note("RemoveUnfinished " + std::string(folder));
     }
 
     void WriteEnd(std::string_view path, const FileEnd& seen, std::uint64_t position,
@@ -298,6 +302,18 @@ class FakeFiles : public Files {
             if (ParentOf(key) == parent) inside.push_back(node);
         }
         return inside;
+    }
+
+    void CopyInto(std::string_view from, const std::string& to) {
+        AddFolder(to);
+        for (const Node& node : NodesIn(from)) {
+            const std::string target = to + "\\" + NameOf(node.path);
+            if (node.isFolder) {
+                CopyInto(node.path, target);
+            } else {
+                Copy(node.path, target, false);
+            }
+        }
     }
 
     void Copy(std::string_view from, std::string_view to, bool overwrite) {
