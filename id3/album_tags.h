@@ -1,8 +1,10 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "id3/difference_rows.h"
+#include "id3/duplicate_files.h"
 #include "platform/database.h"
 #include "platform/files.h"
 #include "run/run.h"
@@ -15,11 +17,13 @@ struct TagWalk {
     Run& run;
     Steps& steps;
     DifferenceRows& differences;
-    RecordSet& tracks;  ///< a cursor over the table
+    RecordSet& tracks;               ///< a cursor over the table
+    std::vector<AlbumRest>& rests;  ///< what albums leave to the end
 };
 
 /// Compares the tags of one album folder's sound files, in name order; renames the files and brings
-/// their rows along. A file's failure is logged with its path, and the next file is looked at.
+/// their rows along. What is to go is left to the end of the comparison. A file's failure is logged
+/// with its path, and the next file is looked at.
 void VerifyAlbumTags(TagWalk& walk, const std::string& artist, const FolderEntry& folder);
 
 }  // namespace quillon

@@ -13,6 +13,7 @@
 #include "database/sql.h"
 #include "id3/difference_fields.h"
 #include "id3/length_text.h"
+#include "id3/sound_file_row.h"
 #include "platform/basic_text.h"
 #include "platform/database.h"
 #include "platform/failure.h"
@@ -24,7 +25,7 @@ namespace quillon {
 namespace {
 
 struct Difference {
-    std::string field, value, artist, album, song;
+    std::string field, value, expected, artist, album, song;
 
     std::string Name() const { return artist + "/" + album + "/" + song; }
 };
@@ -32,24 +33,58 @@ struct Difference {
 Difference ReadDifference(const RecordSet& row) {
     return {.field = row.Text("Field"),
             .value = row.Text("ID3Value"),
+            .expected = row.Text("DBValue"),
             .artist = row.Text("Artist"),
             .album = row.Text("Album"),
             .song = row.Text("Track")};
 }
 
-/// The row of Tracks that a difference is about, for changing some fields of it; null, with a line
-/// in the log, when there is none.
-std::unique_ptr<RecordSet> FindTrack(Run& run, const Difference& difference,
-                                     std::string_view fields) {
-    std::unique_ptr<RecordSet> track = run.connection->OpenUpdatable(
-        "SELECT " + std::string(fields) +
-        " FROM Albums INNER JOIN Tracks ON Albums.CDJID = Tracks.CDJID WHERE (((Albums.Artist)=" +
+/// The tracks that a difference may be about: owned ones, else those of discs.
+std::unique_ptr<RecordSet> TracksOf(Run& run, const Difference& difference) {
+    const std::string ofNames =
+        "SELECT Tracks.Track, Tracks.Minutes, Tracks.Seconds "
+        "FROM Albums INNER JOIN Tracks ON Albums.CDJID = Tracks.CDJID WHERE (((Albums.Artist)=" +
         Quoted(difference.artist) + ") AND ((Albums.Title)=" + Quoted(difference.album) +
-        ") AND ((Tracks.Title)=" + Quoted(difference.song) + "))");
-    if (!track->IsEmpty()) return track;
-    LogError(run, LogSource,
-             "Unable to Find " + difference.artist + "/" + difference.song + " in Tracks Table");
-    return nullptr;
+        ") AND ((Tracks.Title)=" + Quoted(difference.song) + ")";
+    std::unique_ptr<RecordSet> owned =
+        run.connection->OpenUpdatable(ofNames + " AND ((Albums.Player)=1001))");
+    return owned->IsEmpty() ? run.connection->OpenUpdatable(ofNames + ")") : std::move(owned);
+}
+
+/// The value of a track as a difference row has it.
+std::string ExpectedValue(const RecordSet& track, const Difference& difference) {
+    if (difference.field == TagLabels[TagTrack]) return track.Text("Track");
+    const auto length = LengthOf(track.Integer("Minutes"), track.Integer("Seconds"));
+    return LengthDifference(length ? std::to_string(*length) : "");
+}
+
+/// The track that a difference is about; null, with a line in the log, when there is none, or when
+/// nobody can tell which of several it is.
+std::unique_ptr<RecordSet> FindTrack(Run& run, const Difference& difference) {
+    std::unique_ptr<RecordSet> tracks = TracksOf(run, difference);
+    std::size_t count = 0, fitting = 0, place = 0;
+    for (; !tracks->IsEof(); tracks->MoveNext(), ++count) {
+        if (ExpectedValue(*tracks, difference) != difference.expected) continue;
+        ++fitting;
+        place = count;
+    }
+    if (count == 0) {
+        LogError(run, LogSource,
+                 "Unable to Find " + difference.artist + "/" + difference.song +
+                     " in Tracks Table");
+        return nullptr;
+    }
+    if (count > 1 && fitting != 1) {
+        LogError(run, LogSource,
+                 difference.Name() + " is the name of " + std::to_string(count) +
+                     " tracks; which of them is meant by " + difference.value +
+                     " is not known, and none is changed");
+        return nullptr;
+    }
+    tracks->MoveFirst();
+    for (std::size_t i = 0; count > 1 && i < place; ++i)
+        tracks->MoveNext();
+    return tracks;
 }
 
 /// A value that cannot be taken; the failure names the song, for its row holds no path.
@@ -72,18 +107,19 @@ void Store(Run& run, RecordSet& row, std::initializer_list<std::pair<const char*
 
 void UpdateLength(Run& run, const Difference& difference) {
     constexpr std::int64_t SecondsAMinute = 60;
+    const std::string number = Replace(difference.value, LengthDifference(""), "");
+    // The tag has no length.
+    if (Trim(number).empty()) return;
     const std::optional<std::int16_t> seconds = LengthInDifference(difference.value);
-    if (!seconds) {
-        const std::string number = Replace(difference.value, LengthDifference(""), "");
-        throw Unusable(difference, IsNumeric(number));
-    }
-    const auto track = FindTrack(run, difference, "Tracks.Minutes, Tracks.Seconds");
+    if (!seconds || *seconds == 0) throw Unusable(difference, IsNumeric(number));
+    const auto track = FindTrack(run, difference);
     if (track == nullptr) return;
     Store(run, *track,
           {{"Minutes", *seconds / SecondsAMinute}, {"Seconds", *seconds % SecondsAMinute}});
 }
 
 void UpdateGenre(Run& run, const Difference& difference) {
+    if (Trim(difference.value).empty()) return;
     const std::unique_ptr<RecordSet> row = run.connection->OpenUpdatable(
         "SELECT Genre FROM Spinner WHERE (((Artist)=" + Quoted(difference.artist) +
         ") AND ((Album)=" + Quoted(difference.album) + ") AND ((Song)=" + Quoted(difference.song) +
@@ -99,9 +135,9 @@ void UpdateGenre(Run& run, const Difference& difference) {
 void UpdateTrackNumber(Run& run, const Difference& difference) {
     using Limits = std::numeric_limits<std::int16_t>;
     const std::optional<double> number = ToNumber(difference.value);
-    if (!number || *number < Limits::min() || *number > Limits::max())
+    if (!number || *number < 1 || *number > Limits::max())
         throw Unusable(difference, number.has_value());
-    const auto track = FindTrack(run, difference, "Tracks.Track");
+    const auto track = FindTrack(run, difference);
     if (track == nullptr) return;
     Store(run, *track, {{"Track", std::int64_t{ToInteger(*number)}}});
 }
@@ -132,6 +168,7 @@ void UpdateDatabaseFromID3(Run& run) {
             const Difference difference = ReadDifference(*rows);
             run.ShowItem("1. Update Database with ID3 for Artist" + difference.artist);
             if (run.AbortRequested) return;
+            steps.Concerning(difference.Name());
             steps.Try(3, [&] { Apply(run, difference); });
             run.CountDone();
         }

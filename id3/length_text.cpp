@@ -35,8 +35,9 @@ std::string LengthComment(std::string_view seconds) {
 std::string CommentWithLength(std::string_view comment, std::string_view seconds) {
     std::string length = LengthComment(seconds);
     // In the code page every character is one byte, as it is in the tag.
-    const std::string ansi = Utf8ToAnsi(comment);
-    const std::string_view old = WithoutPadding(ansi);
+    const std::optional<std::string> ansi = Utf8ToAnsiExactly(comment);
+    if (!ansi) return std::string(comment);
+    const std::string_view old = WithoutPadding(*ansi);
     const std::size_t opening = old.find(CommentOpening);
     if (opening == std::string_view::npos) {
         if (old.empty()) return length;

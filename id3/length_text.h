@@ -19,7 +19,7 @@ std::string LengthComment(std::string_view seconds);
 /// number. A length that it says already is replaced where it stands; what then finds no room is
 /// cut off the text behind it and, if need be, before it. A text without a length gets one behind
 /// it, if there is room for both; else the text stays alone, because nobody could write it again,
-/// while the length is known to the database.
+/// while the length is known to the database. So does a text that the code page cannot hold.
 std::string CommentWithLength(std::string_view comment, std::string_view seconds);
 
 /// A length in a difference row has the form "Length=184". Its number of seconds; a value that is

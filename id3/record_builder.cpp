@@ -3,11 +3,16 @@
 #include <cstdint>
 #include <initializer_list>
 #include <memory>
+#include <optional>
 
 #include "database/sql.h"
 #include "id3/difference_fields.h"
 #include "id3/genre_in_file_name.h"
 #include "id3/length_text.h"
+#include "id3/sound_file_row.h"
+#include "id3/tag_agreement.h"
+#include "platform/ansi.h"
+#include "platform/basic_text.h"
 #include "platform/database.h"
 #include "run/fast_string.h"
 #include "run/run.h"
@@ -16,7 +21,7 @@
 namespace quillon {
 namespace {
 
-constexpr std::int64_t HighestTrack = 255, SecondsAMinute = 60;
+constexpr std::int64_t HighestTrack = 255;
 
 /// What the database says of one song; empty where it says nothing.
 struct SongFacts {
@@ -32,18 +37,30 @@ std::string Joined(std::initializer_list<std::string_view> parts) {
     return text.value();
 }
 
-void ReadTrackRow(Run& run, const SongNames& names, SongFacts& facts) {
+/// A row of these names, of an album that meets the condition.
+std::optional<SoundFileRow> RowOfNames(Run& run, const SongNames& names,
+                                       std::string_view condition) {
     const std::unique_ptr<RecordSet> found = run.connection->Query(
         Joined({"SELECT Tracks.Track, Tracks.Minutes, Tracks.Seconds ",
                 "FROM Albums INNER JOIN Tracks ON Albums.CDJID = Tracks.CDJID ",
                 "WHERE (((Albums.Artist)=", Quoted(names.artist), ") AND ((Albums.Title)=",
-                Quoted(names.album), ") AND ((Tracks.Title)=", Quoted(names.song), "))"}));
-    if (found->IsEmpty()) return;
-    const std::int64_t track = found->Integer("Track");
-    if (track > 0 && track <= HighestTrack) facts.track = std::to_string(track);
-    const std::int64_t seconds =
-        found->Integer("Minutes") * SecondsAMinute + found->Integer("Seconds");
-    if (seconds > 0) facts.seconds = std::to_string(seconds);
+                Quoted(names.album), ") AND ((Tracks.Title)=", Quoted(names.song), ")", condition,
+                ")"}));
+    if (found->IsEmpty()) return std::nullopt;
+    SoundFileRow row;
+    row.track = found->Integer("Track");
+    row.minutes = found->Integer("Minutes");
+    row.seconds = found->Integer("Seconds");
+    return row;
+}
+
+void ReadTrackRow(Run& run, std::string_view path, const SongNames& names, SongFacts& facts) {
+    std::optional<SoundFileRow> row = FindSoundFileRow(*run.connection, path);
+    if (!row) row = RowOfNames(run, names, " AND ((Albums.Player)=1001)");
+    if (!row) row = RowOfNames(run, names, "");
+    if (!row) return;
+    if (row->track > 0 && row->track <= HighestTrack) facts.track = std::to_string(row->track);
+    if (const auto length = row->Length()) facts.seconds = std::to_string(*length);
 }
 
 void ReadLength(Run& run, const SongNames& names, SongFacts& facts) {
@@ -73,20 +90,37 @@ void ReadGenre(Run& run, const SongNames& names, SongFacts& facts) {
                       : row->Text("Genre");
 }
 
+/// The tag's text where it says more than the name can, else the name.
+std::string TextFor(std::size_t piece, const std::string& present, const std::string& name) {
+    const std::string_view value = Trim(present);
+    // A "|" would shift what is behind it.
+    if (value.empty() || value.find('|') != std::string_view::npos) return name;
+    const bool saysMore = HoldsMoreThanNames(value) || !Utf8ToAnsiExactly(name);
+    if (saysMore && TagAgreesWithName(value, name)) return present;
+    const bool isInner = piece == TagSong && TagAgreesWithTitle(value, name) &&
+                         !TagAgreesWithName(value, name);
+    return isInner ? present : name;
+}
+
 }  // namespace
 
-BuiltRecord GetID3Info(Run& run, const SongNames& names,
+BuiltRecord GetID3Info(Run& run, std::string_view path, const SongNames& names,
                        const std::array<std::string, 9>& present) {
     Steps steps(run, "GetID3Info Management");
+    steps.Concerning(std::string(path));
     SongFacts facts;
-    steps.Try(1, [&] { ReadTrackRow(run, names, facts); });
+    steps.Try(1, [&] { ReadTrackRow(run, path, names, facts); });
     if (facts.seconds.empty()) steps.Try(2, [&] { ReadLength(run, names, facts); });
     steps.Try(3, [&] { ReadGenre(run, names, facts); });
     const bool lengthKnown = !facts.seconds.empty(), trackKnown = !facts.track.empty();
     const std::string comment =
         lengthKnown ? CommentWithLength(present[TagComment], facts.seconds) : present[TagComment];
     const std::string& track = trackKnown ? facts.track : present[TagTrack];
-    return {.record = Joined({"TAG|", names.song, "|", names.artist, "|", names.album, "|",
+    const auto text = [&present](std::size_t piece, const std::string& name) {
+        return TextFor(piece, present[piece], name);
+    };
+    return {.record = Joined({"TAG|", text(TagSong, names.song), "|",
+                              text(TagArtist, names.artist), "|", text(TagAlbum, names.album), "|",
                               present[TagYear], "|", comment, "||", track, "|", facts.genre}),
             .lengthKnown = lengthKnown,
             .trackKnown = trackKnown};

@@ -22,16 +22,20 @@ struct BuiltRecord {
     bool trackKnown = false;
 };
 
-/// Builds the record that a song's tag should be: nine pieces with "|" between them.
+/// Builds the record that a file's tag should be: nine pieces with "|" between them.
 ///
-/// Title, artist and album are the names given, by which the song's rows are found. The track
-/// number is that of its row in Tracks, if a tag can hold it (1 to 255). The length is that of the
-/// same row, else that of the download table; the comment says it as CommentWithLength does. The
-/// genre is that of the download table. Of the present tag (`present`, its texts by piece; empty
-/// ones for a file without a tag) stay the year, the rest of the comment, and the number and length
-/// that the database does not know; an empty genre leaves the tag's own to the writer.
+/// Title, artist and album are the names given, unless the present tag says the same and more than
+/// a name can hold: AC/DC stays in the folder AC-DC, a text in other letters than the code page has
+/// stays, and a title stays to which the file's name adds a number. Number and length are those of
+/// the file's own row among the owned tracks (by `path`), else of an owned row of these names, else
+/// of any. The number counts if a tag can hold it (1 to 255). A length that the row does not know
+/// is that of the download table; the comment says it as CommentWithLength does. The genre is that
+/// of the download table. Of the present tag (`present`, its texts by piece; empty ones for a file
+/// without a tag) stay the year, the rest of the comment, and the number and length that the
+/// database does not know; an empty genre leaves the tag's own to the writer.
 ///
 /// Failures are logged with "GetID3Info Management", and what they concern counts as not known.
-BuiltRecord GetID3Info(Run& run, const SongNames& names, const std::array<std::string, 9>& present);
+BuiltRecord GetID3Info(Run& run, std::string_view path, const SongNames& names,
+                       const std::array<std::string, 9>& present);
 
 }  // namespace quillon

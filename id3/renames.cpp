@@ -1,86 +1,188 @@
 #include "id3/renames.h"
 
-#include <optional>
+#include <algorithm>
 #include <utility>
 
 #include "database/track_numbers.h"
+#include "id3/song_title.h"
 #include "id3/sound_file_row.h"
+#include "id3/temporary_name.h"
 #include "platform/basic_text.h"
 #include "platform/files.h"
+#include "run/log.h"
 
 namespace quillon {
 namespace {
 
 constexpr int RenameStep = 7;
 
-/// The stored path, which ends with `from` in some letter case, with another one in its place.
-/// Letters of the two cases may differ in size, hence the measure in one case.
-std::string WithPath(std::string_view soundFile, std::string_view from, std::string_view to) {
-    const std::size_t before = LowerCase(soundFile).size() - LowerCase(from).size();
-    return std::string(soundFile.substr(0, before)).append(to);
+std::string_view NameOf(std::string_view path) {
+    return path.substr(path.rfind('\\') + 1);
 }
 
 }  // namespace
 
-std::string RoundBrackets(std::string_view text) {
-    return Replace(Replace(text, "[", "("), "]", ")");
-}
-
 std::size_t Renames::Add(std::string from, std::string to, RowTitle title) {
-    left_.insert(LowerCase(from));
-    taken_.insert(LowerCase(to));
-    renames_.push_back({std::move(from), std::move(to), title});
-    return renames_.size() - 1;
+    const std::size_t number = renames_.size();
+    holders_.emplace(LowerCase(from), number);
+    std::string first = from;
+    renames_.push_back({std::move(from), std::move(to), title, std::move(first)});
+    return number;
 }
 
-bool Renames::Exists(std::string_view path) const {
-    const std::string key = LowerCase(path);
-    return taken_.contains(key) || (!left_.contains(key) && run_.files.FileExists(path));
+std::size_t Renames::Keep(std::string path) {
+    const std::size_t number = Add(std::move(path), "", RowTitle::Keep);
+    renames_[number].state = State::Failed;
+    return number;
 }
 
-bool Renames::DeleteDuplicate(int step, const std::string& path, std::string_view of) {
-    steps_.Concerning(path);
-    if (!steps_.Try(step, [&] { run_.files.DeleteFile(path); })) return false;
-    steps_.Try(step, [&] {
-        const std::optional<SoundFileRow> row = FindSoundFileRow(*run_.connection, path);
-        if (row && !FindSoundFileRow(*run_.connection, of))
-            Write(row->id, WithPath(row->soundFile, path, of), row->title);
-    });
+void Renames::Commit() {
+    for (;;) {
+        const std::vector<std::size_t> ready = Ready();
+        if (ready.empty()) {
+            if (StepAside()) continue;
+            break;
+        }
+        std::vector<Move> moves;
+        for (const std::size_t number : ready) {
+            const Rename& rename = renames_[number];
+            moves.push_back({.from = rename.from, .to = rename.to, .title = rename.title});
+        }
+        Carry(moves);
+        for (std::size_t i = 0; i < ready.size(); ++i)
+            Finish(ready[i], moves[i]);
+    }
+    StepBack();
+}
+
+/// The file that has a path at present, if it is one of those to be renamed.
+const Renames::Rename* Renames::HolderOf(const std::string& path) const {
+    const auto found = holders_.find(LowerCase(path));
+    return found == holders_.end() ? nullptr : &renames_[found->second];
+}
+
+/// Those that wait for nobody any more. Those that wait in vain are given up.
+std::vector<std::size_t> Renames::Ready() {
+    for (bool changed = true; changed;) {
+        changed = false;
+        for (Rename& rename : renames_) {
+            const Rename* const holder = HolderOf(rename.to);
+            if (rename.state != State::Waits || holder == nullptr || holder->state != State::Failed)
+                continue;
+            WriteLog(run_, LogSource,
+                     rename.first + " keeps its name, since " + std::string(NameOf(rename.to)) +
+                         " is not free");
+            rename.state = State::Failed;
+            changed = true;
+        }
+    }
+    std::vector<std::size_t> ready;
+    for (std::size_t i = 0; i < renames_.size(); ++i) {
+        const bool waits = renames_[i].state == State::Waits;
+        if (waits && HolderOf(renames_[i].to) == nullptr) ready.push_back(i);
+    }
+    return ready;
+}
+
+/// Gives one of those that wait for each other a temporary name; whether there is one.
+bool Renames::StepAside() {
+    const auto waiting =
+        std::find_if(renames_.begin(), renames_.end(),
+                     [](const Rename& rename) { return rename.state == State::Waits; });
+    if (waiting == renames_.end()) return false;
+    std::string aside = TemporaryPath(waiting->from);
+    if (!CarryOne(waiting->from, aside)) {
+        waiting->state = State::Failed;
+        return true;
+    }
+    holders_.erase(LowerCase(waiting->from));
+    waiting->from = std::move(aside);
     return true;
 }
 
-std::vector<bool> Renames::Commit() {
-    std::vector<bool> done(renames_.size(), false);
-    if (renames_.empty()) return done;
+/// Files that have a temporary name and get no other take their old ones again.
+void Renames::StepBack() {
     for (Rename& rename : renames_) {
-        steps_.Concerning(rename.from);
-        rename.possible = steps_.Try(RenameStep, [&] { TakeRowAlong(rename); });
-        if (!rename.possible) PutBack(rename);
+        if (rename.state != State::Failed || rename.from == rename.first) continue;
+        if (CarryOne(rename.from, rename.first)) rename.from = rename.first;
     }
-    const bool durable = steps_.Try(RenameStep, [&] { run_.Flush(); });
-    for (std::size_t i = 0; i < renames_.size(); ++i) {
-        const Rename& rename = renames_[i];
-        steps_.Concerning(rename.from);
-        done[i] = durable && rename.possible &&
-                  steps_.Try(RenameStep, [&] { run_.files.MoveFile(rename.from, rename.to); });
-        if (!done[i]) PutBack(rename);
-    }
-    return done;
 }
 
-/// A row that has the new path already is one of a file that has gone; it takes the old path, where
-/// the folder walk will miss the file.
-void Renames::TakeRowAlong(Rename& rename) {
-    const std::optional<SoundFileRow> row = FindSoundFileRow(*run_.connection, rename.from);
+void Renames::Finish(std::size_t number, const Move& move) {
+    Rename& rename = renames_[number];
+    rename.state = move.isDone ? State::Done : State::Failed;
+    if (!move.isDone) return;
+    holders_.erase(LowerCase(rename.from));
+    rename.from = rename.to;
+    ++run_.counts.filesRenamed;
+    WriteLog(run_, LogSource, rename.first + " is now " + std::string(NameOf(rename.to)));
+}
+
+bool Renames::CarryOne(std::string from, std::string to) {
+    Move move{.from = std::move(from), .to = std::move(to)};
+    Carry(std::span(&move, 1));
+    return move.isDone;
+}
+
+void Renames::Carry(std::span<Move> moves) {
+    std::vector<bool> possible;
+    for (Move& move : moves) {
+        steps_.Concerning(move.from);
+        possible.push_back(steps_.Try(RenameStep, [&] { LeadRow(move); }));
+        if (!possible.back()) PutBack(move);
+    }
+    const bool durable = steps_.Try(RenameStep, [&] { run_.Flush(); });
+    bool anyBack = false;
+    for (std::size_t i = 0; i < moves.size(); ++i) {
+        Move& move = moves[i];
+        steps_.Concerning(move.from);
+        move.isDone = durable && possible[i] &&
+                      steps_.Try(RenameStep, [&] { run_.files.MoveFile(move.from, move.to); });
+        if (move.isDone) {
+            LetVanishedGo(move);
+        } else if (possible[i]) {
+            PutBack(move);
+            anyBack = true;
+        }
+    }
+    if (anyBack && durable) steps_.Try(RenameStep, [&] { run_.Flush(); });
+}
+
+/// Gives the file's row the new path. A row that has it already is one of a file that has gone, or,
+/// where the file has no other, its own since a run that was interrupted.
+void Renames::LeadRow(Move& move) {
+    const std::optional<SoundFileRow> row =
+        FindRowToRename(*run_.connection, move.from, move.to);
     if (!row) return;
-    const std::optional<SoundFileRow> other = FindSoundFileRow(*run_.connection, rename.to);
-    rename.rows.push_back({row->id, row->soundFile, row->title});
-    const bool round = rename.title == RowTitle::RoundBrackets;
-    Write(row->id, WithPath(row->soundFile, rename.from, rename.to),
+    if (!IsStoredAs(row->soundFile, move.from)) {
+        const bool isThere = IsStoredAs(row->soundFile, move.to);
+        const std::string old = isThere ? move.to : TemporaryPath(move.from);
+        move.rows.push_back({row->id, StoredAs(row->soundFile, old, move.from), row->title});
+        if (!isThere) Write(row->id, StoredAs(row->soundFile, old, move.to), row->title);
+        return;
+    }
+    if (const auto other = FindSoundFileRow(*run_.connection, move.to);
+        other && other->id != row->id) {
+        move.vanished = {other->id, other->soundFile, other->title};
+        move.rows.push_back(*move.vanished);
+        // First, so that no two rows ever have one path.
+        Write(other->id, StoredAs(other->soundFile, move.to, PathOfVanished(move.to)),
+              other->title);
+    }
+    move.rows.push_back({row->id, row->soundFile, row->title});
+    const bool round = move.title == RowTitle::RoundBrackets;
+    Write(row->id, StoredAs(row->soundFile, move.from, move.to),
           round ? RoundBrackets(row->title) : row->title);
-    if (!other || other->id == row->id) return;
-    rename.rows.push_back({other->id, other->soundFile, other->title});
-    Write(other->id, WithPath(other->soundFile, rename.to, rename.from), other->title);
+}
+
+/// The row of the vanished file takes the path that has become free, where the folder walk will
+/// miss the file.
+void Renames::LetVanishedGo(const Move& move) {
+    if (!move.vanished) return;
+    steps_.Try(RenameStep, [&] {
+        Write(move.vanished->id, StoredAs(move.vanished->soundFile, move.to, move.from),
+              move.vanished->title);
+    });
 }
 
 void Renames::Write(std::int64_t id, const std::string& soundFile, const std::string& title) {
@@ -90,11 +192,12 @@ void Renames::Write(std::int64_t id, const std::string& soundFile, const std::st
     tracks_.Update();
 }
 
-void Renames::PutBack(const Rename& rename) {
+void Renames::PutBack(const Move& move) {
     steps_.Try(RenameStep, [&] {
         tracks_.CancelUpdate();
-        for (const OldRow& row : rename.rows)
+        std::for_each(move.rows.rbegin(), move.rows.rend(), [this](const OldRow& row) {
             Write(row.id, row.soundFile, row.title);
+        });
     });
 }
 

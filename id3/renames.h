@@ -1,9 +1,12 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <optional>
+#include <span>
 #include <string>
 #include <string_view>
-#include <unordered_set>
+#include <unordered_map>
 #include <vector>
 
 #include "platform/database.h"
@@ -13,11 +16,13 @@
 namespace quillon {
 
 /// New names for sound files of one album folder. A file's row goes with it, so that play counts
-/// and ratings stay with the song. Rows change first and durably: a run that is killed in between
-/// leaves files that the next run renames again, never files without their rows.
+/// and ratings stay with the song.
 ///
-/// All is done in `Commit`, but the questions are answered as if each file had its new name at
-/// once.
+/// Names may be passed on from file to file. A rename waits until its name is free; then its row
+/// changes, durably, and then the file. So at any moment a row has the path of its own file or one
+/// that no file has: a run that is killed leaves files that the next one renames again, and never a
+/// row to another song. Where names are exchanged in a circle, one file gets a temporary one
+/// (id3/temporary_name.h).
 class Renames {
   public:
     enum class RowTitle {
@@ -29,45 +34,61 @@ class Renames {
     Renames(Run& run, RecordSet& tracks, Steps& steps)
         : run_(run), tracks_(tracks), steps_(steps) {}
 
-    /// Notes a rename to a path that is free; its number, from 0.
+    /// Notes a rename; its number, from 0. No two files may be given one path.
     std::size_t Add(std::string from, std::string to, RowTitle title);
 
-    /// Whether a file of this path exists.
-    bool Exists(std::string_view path) const;
+    /// Notes that the file of this path keeps it: whoever wants it waits in vain. Its number.
+    std::size_t Keep(std::string path);
 
-    /// Deletes a file as a duplicate of another; its row becomes that of the other file if this has
-    /// none. Whether it could be deleted; a failure is logged.
-    bool DeleteDuplicate(int step, const std::string& path, std::string_view of);
+    /// Renames all files, those first whose names are free. A file that cannot be renamed is logged
+    /// and keeps its name and its row; one that waits for that name does so, too.
+    void Commit();
 
-    /// Renames all files, in the order in which they were added; whether each succeeded. A file
-    /// that cannot be renamed is logged and keeps its name and its row.
-    std::vector<bool> Commit();
+    bool IsDone(std::size_t number) const { return renames_[number].state == State::Done; }
+    /// Where the file is now.
+    const std::string& PathOf(std::size_t number) const { return renames_[number].from; }
 
   private:
-    /// A row's values before a rename.
+    enum class State { Waits, Failed, Done };
+    struct Rename {
+        std::string from;  ///< where the file is
+        std::string to;
+        RowTitle title;
+        std::string first;  ///< where it was in the beginning
+        State state = State::Waits;
+    };
+    /// A row's values before a move.
     struct OldRow {
         std::int64_t id;
         std::string soundFile, title;
     };
-    struct Rename {
+    /// One file's way to a path that is free.
+    struct Move {
         std::string from, to;
-        RowTitle title;
-        std::vector<OldRow> rows = {};
-        bool possible = true;
+        RowTitle title = RowTitle::Keep;
+        std::vector<OldRow> rows = {};  ///< in the order in which they were changed
+        std::optional<OldRow> vanished = {};
+        bool isDone = false;
     };
 
-    void TakeRowAlong(Rename& rename);
+    const Rename* HolderOf(const std::string& path) const;
+    std::vector<std::size_t> Ready();
+    bool StepAside();
+    void StepBack();
+    void Finish(std::size_t number, const Move& move);
+
+    void Carry(std::span<Move> moves);
+    bool CarryOne(std::string from, std::string to);
+    void LeadRow(Move& move);
+    void LetVanishedGo(const Move& move);
     void Write(std::int64_t id, const std::string& soundFile, const std::string& title);
-    void PutBack(const Rename& rename);
+    void PutBack(const Move& move);
 
     Run& run_;
     RecordSet& tracks_;
     Steps& steps_;
     std::vector<Rename> renames_;
-    std::unordered_set<std::string> left_, taken_;  ///< paths in lower case
+    std::unordered_map<std::string, std::size_t> holders_;  ///< by present path in lower case
 };
-
-/// The text with round brackets for square ones.
-std::string RoundBrackets(std::string_view text);
 
 }  // namespace quillon

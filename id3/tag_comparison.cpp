@@ -6,7 +6,7 @@
 
 #include "id3/difference_fields.h"
 #include "id3/length_text.h"
-#include "platform/ansi.h"
+#include "id3/tag_agreement.h"
 #include "platform/basic_text.h"
 #include "platform/failure.h"
 
@@ -15,11 +15,6 @@ namespace {
 
 /// Lengths that are measured by different programs differ by a second or two.
 constexpr double TooFarApart = 3;
-
-bool ShareTheirBeginning(std::string_view left, std::string_view right) {
-    const std::string a = LowerCase(left), b = LowerCase(right);
-    return a.starts_with(b) || b.starts_with(a);
-}
 
 /// The number of seconds that a tag tells; what is no number stays as it is, to be seen.
 std::string TagSeconds(std::string_view comment) {
@@ -36,25 +31,40 @@ bool LengthsDisagree(std::string_view tag, std::string_view database) {
     return tag != database;
 }
 
+bool Agrees(std::size_t piece, std::string_view value, std::string_view expected) {
+    switch (piece) {
+        case TagSong:
+            return TagAgreesWithTitle(value, expected);
+        case TagArtist:
+        case TagAlbum:
+            return TagAgreesWithName(value, expected);
+        default:
+            return TagAgrees(value, expected);
+    }
+}
+
 }  // namespace
 
-bool TagAgrees(std::string_view value, std::string_view expected) {
-    return ShareTheirBeginning(value, expected) ||
-           ShareTheirBeginning(value, AnsiToUtf8(Utf8ToAnsi(expected)));
+bool TitleDiffers(std::span<const std::string> pieces, std::string_view title) {
+    const std::string_view value = Trim(pieces[TagSong]);
+    return !value.empty() && !title.empty() && !TagAgreesWithTitle(value, title);
+}
+
+void RequireClearRecord(std::span<const std::string> pieces) {
+    if (pieces.size() <= RecordPieces) return;
+    throw Failure(FailureNumber::SubscriptOutOfRange,
+                  "tag record of " + std::to_string(pieces.size()) + " pieces");
 }
 
 TagComparison CompareTag(std::span<const std::string> pieces, const ExpectedTag& expected,
                          std::string_view databaseSeconds) {
-    if (pieces.size() > expected.size()) {
-        throw Failure(FailureNumber::SubscriptOutOfRange,
-                      "tag record of " + std::to_string(pieces.size()) + " pieces");
-    }
+    RequireClearRecord(pieces);
     TagComparison result;
     bool differs = false;
     for (std::size_t piece = 0; piece < pieces.size(); ++piece) {
         if (expected[piece].empty()) continue;
         const std::string_view value = Trim(pieces[piece]);
-        if (value.empty() || TagAgrees(value, expected[piece])) continue;
+        if (value.empty() || Agrees(piece, value, expected[piece])) continue;
         differs = true;
         if (piece == TagSong) result.titleDiffers = true;
         // Numbers are the library's own affair: they are handed out by the age of the files.
@@ -69,9 +79,7 @@ TagComparison CompareTag(std::span<const std::string> pieces, const ExpectedTag&
         result.differences.push_back({std::string(TagLabels[TagComment]), LengthDifference(seconds),
                                       LengthDifference(databaseSeconds)});
     }
-    // A length that is known stays until someone decides between the two; an unknown one can only
-    // become better.
-    result.seconds = databaseSeconds.empty() ? seconds : databaseSeconds;
+    result.seconds = seconds;
 
     result.track = pieces[TagTrack];
     if (differs && result.track.empty()) {

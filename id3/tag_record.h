@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <span>
@@ -11,9 +13,18 @@ namespace quillon {
 /// Bytes of an ID3 version 1 tag, which ends the file.
 constexpr std::size_t TagSize = 128;
 
-/// Text of a run of tag bytes: zero bytes are dropped wherever they stand, every other byte is a
-/// character of the ANSI code page. Blanks stay.
+/// Text of a field's bytes: zero bytes are dropped wherever they stand, blanks stay. Bytes that are
+/// well-formed UTF-8 with a character beyond ASCII are read as that, since many encoders write it;
+/// a character that the end of the field has cut is left out. All others are characters of the ANSI
+/// code page.
 std::string ConvertTheBinary(std::span<const std::uint8_t> bytes);
+
+/// Whether a field's bytes are read as UTF-8.
+bool IsUtf8Field(std::span<const std::uint8_t> bytes);
+
+/// Whether the text reaches the field's end, where more of it may have been cut off. Some programs
+/// keep a last zero byte.
+bool IsFullField(std::span<const std::uint8_t> bytes);
 
 /// Hands out `count` bytes of the tag from `offset` on; throws when it cannot.
 using ReadTagBytes =
@@ -30,6 +41,10 @@ using GenreName = std::function<std::string(std::uint8_t number)>;
 /// contributes nothing, not even its "|".
 std::string TagRecord(const ReadTagBytes& read, const TryTagStep& attempt,
                       const GenreName& genreName);
+
+/// The bytes of a text field in a tag's 128 bytes: Tag, Song, Artist, Album, Year or Comment, which
+/// is shorter where a track number follows it.
+std::span<const std::uint8_t> FieldBytes(std::span<const std::uint8_t> tag, std::size_t piece);
 
 /// The texts of a tag's 128 bytes by their pieces (id3/difference_fields.h), each as the record
 /// holds it, wherever a "|" may stand in one of them. Ver is empty, and so is Genre, which needs a

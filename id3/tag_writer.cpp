@@ -37,6 +37,17 @@ std::optional<std::vector<std::uint8_t>> BytesOf(std::string_view text, std::siz
     return bytes;
 }
 
+/// The beginning of a text that so many bytes have room for.
+std::string_view WholeCharacters(std::string_view text, std::size_t length) {
+    std::size_t end = 0;
+    while (end < text.size()) {
+        const std::size_t next = end + DecodeUtf8(text, end).length;
+        if (next > length) break;
+        end = next;
+    }
+    return text.substr(0, end);
+}
+
 std::string GenreNameOf(Run& run, std::uint8_t number) {
     const std::unique_ptr<RecordSet> found = run.connection->Query(
         "SELECT Genre FROM SpinnerGenre WHERE GenreId =" + std::to_string(number));
@@ -65,7 +76,7 @@ class TagWriter {
         bool written = false;
         steps_.Try(1, [&] { pieces_ = PiecesOf(record); });
         if (pieces_.empty()) return false;
-        hasTag_ = !ReadTag(run_, end_).empty();
+        hasTag_ = !ReadTag(run_, path_, end_).empty();
         SetGenre();
         const bool made = steps_.Try(3, [&] { SetTrack(); }) && steps_.Try(5, [&] { MakeTag(); });
         if (made) written = steps_.Try(6, [&] { WriteBytes(); });
@@ -104,10 +115,31 @@ class TagWriter {
 
     void MakeTag() {
         for (std::size_t i = 0; i < pieces_.size(); ++i) {
-            const auto field = BytesOf(pieces_[i], TagFieldLengths[i]);
+            auto field = PresentBytes(i);
+            if (!field) field = BytesOf(pieces_[i], TagFieldLengths[i]);
             if (!field) throw Refusal("No bytes for " + std::string(TagLabels[i]), pieces_[i]);
             tag_.insert(tag_.end(), field->begin(), field->end());
         }
+    }
+
+    /// The bytes that say a text already in UTF-8, of which the field's end may have cut some.
+    std::optional<std::vector<std::uint8_t>> PresentBytes(std::size_t piece) const {
+        if (!hasTag_ || piece < TagSong || piece > TagComment) return std::nullopt;
+        const auto present = FieldBytes(end_.bytes, piece);
+        if (!IsUtf8Field(present)) return std::nullopt;
+        const std::string text = ConvertTheBinary(present);
+        const std::string_view said = Trim(text), wanted = Trim(pieces_[piece]);
+        const bool isSaid = said == wanted || (IsFullField(present) && wanted.starts_with(said));
+        if (!isSaid) return std::nullopt;
+        const std::size_t length = TagFieldLengths[piece];
+        std::vector<std::uint8_t> bytes(present.begin(), present.end());
+        // A comment yields two bytes to the track number.
+        if (bytes.size() > length) {
+            const std::string_view begun = WholeCharacters(text, length);
+            bytes.assign(begun.begin(), begun.end());
+        }
+        bytes.resize(length);
+        return bytes;
     }
 
     void WriteBytes() {
@@ -149,9 +181,10 @@ FileEnd ReadTagEnd(Files& files, std::string_view path) {
     return end;
 }
 
-std::string ReadTag(Run& run, const FileEnd& end) {
+std::string ReadTag(Run& run, std::string_view path, const FileEnd& end) {
     if (end.size <= TagSize) return "";
     Steps steps(run, "Read ID3 File Error:");
+    steps.Concerning(std::string(path));
     return TagRecord(
         [&end](std::size_t offset, std::size_t count) {
             const auto from = end.bytes.begin() + static_cast<std::ptrdiff_t>(offset);

@@ -25,9 +25,9 @@ std::vector<std::uint8_t> ByteField(std::string_view text, std::size_t length);
 /// The end of a file, as far as a tag may lie there. Throws Failure.
 FileEnd ReadTagEnd(Files& files, std::string_view path);
 
-/// The tag record of a file's end, "" when there is no tag: what ReadID3 gives, but with the genre
+/// The tag record of the end of the file of this path, "" when there is no tag: what ReadID3 gives, but with the genre
 /// by the name that SpinnerGenre has now. Failures are logged as those of ReadID3.
-std::string ReadTag(Run& run, const FileEnd& end);
+std::string ReadTag(Run& run, std::string_view path, const FileEnd& end);
 
 /// Writes a record of nine pieces ("TAG|title|artist|album|year|comment||track|genre", with no "|"
 /// at its end) over a file's tag, or behind a file that has none. Whether the file holds that tag
@@ -36,7 +36,9 @@ std::string ReadTag(Run& run, const FileEnd& end);
 ///
 /// The genre is written by the number that SpinnerGenre has for its name. For a name without number
 /// the file keeps the genre byte that it has (255, none, if it has no tag), and the log says so:
-/// a wrong genre would be worse than an old one. An empty piece keeps it, too.
+/// a wrong genre would be worse than an old one. An empty piece keeps it, too. Texts are written in
+/// the ANSI code page, but for those that the file's tag says already in UTF-8: these keep their
+/// bytes, whatever letters they are in.
 ///
 /// Failures are logged with "WriteID3 Management" and the file's path.
 bool WriteTag(Run& run, std::string_view path, std::string_view record);

@@ -1,9 +1,10 @@
 #include "id3/track_info.h"
 
-#include <cstdint>
 #include <memory>
+#include <optional>
 
 #include "database/sql.h"
+#include "id3/sound_file_row.h"
 #include "platform/database.h"
 #include "run/run.h"
 #include "run/steps.h"
@@ -17,24 +18,19 @@ std::string PathOf(std::string_view artist, std::string_view album, std::string_
 
 }  // namespace
 
-std::string GetID3TrackInfo(Run& run, std::string_view artist, std::string_view album,
-                            std::string_view song) {
-    constexpr std::int64_t SecondsAMinute = 60;
-    std::string seconds, track;
+TrackInfo GetID3TrackInfo(Run& run, std::string_view path, std::string_view newPath) {
+    TrackInfo info;
     Steps steps(run, "Get ID3 Track Info Error:");
-    steps.Concerning(PathOf(artist, album, song));
+    steps.Concerning(std::string(path));
     steps.Try(1, [&] {
-        const std::unique_ptr<RecordSet> rows = run.connection->Query(
-            "SELECT Tracks.Track, Tracks.Minutes, Tracks.Seconds FROM Albums INNER JOIN Tracks ON "
-            "Albums.CDJID = Tracks.CDJID WHERE (((Albums.Artist)=" +
-            Quoted(artist) + ") AND ((Albums.Title)=" + Quoted(album) +
-            ") AND ((Tracks.Title)=" + Quoted(song) + "))");
-        if (rows->IsEmpty()) return;
-        track = rows->Text("Track");
-        const std::int64_t minutes = rows->Integer("Minutes"), rest = rows->Integer("Seconds");
-        if (minutes > 0 || rest > 0) seconds = std::to_string(minutes * SecondsAMinute + rest);
+        const std::optional<SoundFileRow> row =
+            newPath.empty() ? FindSoundFileRow(*run.connection, path)
+                            : FindRowToRename(*run.connection, path, newPath);
+        if (!row) return;
+        info.track = std::to_string(row->track);
+        if (const auto length = row->Length()) info.seconds = std::to_string(*length);
     });
-    return seconds + "|" + track;
+    return info;
 }
 
 std::string GetID3Genre(Run& run, std::string_view artist, std::string_view album,

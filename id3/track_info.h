@@ -7,12 +7,18 @@ namespace quillon {
 
 class Run;
 
-/// A song's length in whole seconds and its track number by the database, as SECONDS|TRACK; either
-/// is "" when it is not known. Failures are logged with "Get ID3 Track Info Error:".
+/// What the database says of a file.
+struct TrackInfo {
+    std::string seconds;  ///< length in whole seconds, "" when it is not known
+    std::string track;    ///< number; "" without a row
+};
+
+/// Length and number of a file's own row among the owned tracks: that of its path, or of the path
+/// that it is to get (as FindRowToRename; "" for none). Other rows of the same names may be those
+/// of a disc, or of a file beside it. Failures are logged with "Get ID3 Track Info Error:".
 ///
 /// While a reconciliation has the numbers set aside, the number is 0 for every owned track.
-std::string GetID3TrackInfo(Run& run, std::string_view artist, std::string_view album,
-                            std::string_view song);
+TrackInfo GetID3TrackInfo(Run& run, std::string_view path, std::string_view newPath = "");
 
 /// A song's genre by the download table; "" without a row. Failures are logged with "Get ID3 Genre
 /// Error:".

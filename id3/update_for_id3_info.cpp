@@ -1,11 +1,10 @@
 #include "id3/update_for_id3_info.h"
 
 #include <cstdint>
-#include <memory>
+#include <string_view>
 #include <utility>
 #include <vector>
 
-#include "database/sql.h"
 #include "database/track_numbers.h"
 #include "id3/sound_file_row.h"
 #include "platform/basic_text.h"
@@ -20,30 +19,26 @@ constexpr int FindStep = 2, ChangeStep = 7;
 /// Values by the fields that are to hold them.
 using Changes = std::vector<std::pair<std::string_view, Value>>;
 
-Changes WantedValues(const ComparedFile& file) {
+Changes WantedChanges(const SoundFileRow& row, const ComparedFile& file) {
     constexpr std::int32_t SecondsAMinute = 60;
     Changes wanted;
     if (file.newTitle) {
-        wanted.emplace_back("SoundFile", file.path);
-        wanted.emplace_back("Title", *file.newTitle);
+        // What stands before the path stays there.
+        if (!row.soundFile.ends_with(file.path)) wanted.emplace_back("SoundFile", file.path);
+        if (row.title != *file.newTitle) wanted.emplace_back("Title", *file.newTitle);
     }
-    if (IsNumeric(file.track)) wanted.emplace_back("Track", std::int64_t{ToInteger(file.track)});
-    if (IsNumeric(file.seconds)) {
+    if (IsNumeric(file.track)) {
+        const std::int64_t track = ToInteger(file.track);
+        if (track > 0 && track != row.track) wanted.emplace_back("Track", track);
+    }
+    if (!row.Length() && IsNumeric(file.seconds)) {
         const std::int32_t seconds = ToLong(file.seconds);
-        if (seconds >= 0) {
+        if (seconds > 0) {
             wanted.emplace_back("Minutes", std::int64_t{seconds / SecondsAMinute});
             wanted.emplace_back("Seconds", std::int64_t{seconds % SecondsAMinute});
         }
     }
     return wanted;
-}
-
-/// Puts the rows of the song on the one whose file this is; whether there is one.
-bool FindRowOf(const ComparedFile& file, RecordSet& rows) {
-    for (; !rows.IsEof(); rows.MoveNext()) {
-        if (IsStoredAs(rows.Text("SoundFile"), file.path)) return true;
-    }
-    return false;
 }
 
 }  // namespace
@@ -54,17 +49,10 @@ void UpdateForID3Info(Run& run, RecordSet& tracks, const ComparedFile& file) {
     std::int64_t id = 0;
     Changes changes;
     steps.Try(FindStep, [&] {
-        const std::unique_ptr<RecordSet> rows = run.connection->Query(
-            "SELECT Tracks.ID, Tracks.SoundFile, Tracks.Title, Tracks.Track, Tracks.Minutes, "
-            "Tracks.Seconds FROM Albums INNER JOIN Tracks ON Albums.CDJID = Tracks.CDJID "
-            "WHERE (((Albums.Artist)=" +
-            Quoted(file.artist) + ") AND ((Albums.Title)=" + Quoted(file.album) +
-            ") AND ((Tracks.Title)=" + Quoted(file.song) + ") AND ((Albums.Player)=1001))");
-        if (!FindRowOf(file, *rows)) return;
-        id = rows->Integer("ID");
-        for (auto& [field, value] : WantedValues(file)) {
-            if (rows->Get(field) != value) changes.emplace_back(field, std::move(value));
-        }
+        const std::optional<SoundFileRow> row = FindSoundFileRow(*run.connection, file.path);
+        if (!row) return;
+        id = row->id;
+        changes = WantedChanges(*row, file);
     });
     if (changes.empty()) return;
     const bool changed = steps.Try(ChangeStep, [&] {

@@ -63,7 +63,7 @@ void WriteFile(Run& run, const std::string& path, const SongNames& names,
     const FileEnd end = ReadTagEnd(run.files, path);
     std::array<std::string, 9> present;
     if (end.size > TagSize) present = TagTexts(end.bytes);
-    const BuiltRecord built = GetID3Info(run, names, present);
+    const BuiltRecord built = GetID3Info(run, path, names, present);
     if (differences.length && !built.lengthKnown) Note(run, "length", path);
     const bool noTrack = !built.trackKnown && present[TagTrack].empty();
     if (differences.missingTrack && noTrack) Note(run, "track number", path);
@@ -73,12 +73,14 @@ void WriteFile(Run& run, const std::string& path, const SongNames& names,
 /// One song's files, whatever has become of their names.
 void WriteSong(Run& run, Steps& steps, SongFiles& files, const SongNames& names) {
     Differences differences;
+    steps.Concerning(names.artist + "\\" + names.album + "\\" + names.song);
     if (!steps.Try(3, [&] { differences = ReadDifferences(run, names); })) return;
     if (!differences.any) return;
     files.GoTo(names.artist, names.album);
     std::vector<FileEntry> found = files.WithTitle(names.song);
     const bool renamed = found.empty() && !differences.tagTitle.empty();
     if (renamed) found = files.WithTitle(NoNasties(differences.tagTitle));
+    steps.Concerning({});
     steps.Try(4, [&] {
         if (!found.empty()) return;
         throw Failure(FailureNumber::FileNotFound, names.artist + "\\" + names.album + "\\" +
@@ -86,7 +88,8 @@ void WriteSong(Run& run, Steps& steps, SongFiles& files, const SongNames& names)
     });
     for (const FileEntry& file : found) {
         SongNames own = names;
-        if (renamed) own.song = SongTitle(file.name, names.artist);
+        own.song = SongTitle(renamed ? file.name : names.song, names.artist);
+        steps.Concerning(file.path);
         steps.Try(5, [&] { WriteFile(run, file.path, own, differences); });
     }
 }

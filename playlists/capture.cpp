@@ -142,6 +142,9 @@ void CaptureExisting(Run& run, Steps& steps) {
     }
     // The run is worth as much without it, as long as nobody interrupts it.
     steps.Try(6, [&] { WritePlaylistSnapshot(run, tracks, capture.Playlists()); });
+    run.playlistEntries.OnKeep([&run, playlists = capture.Playlists()] {
+        WritePlaylistSnapshot(run, TrackIndex(*run.connection), playlists);
+    });
 }
 
 }  // namespace

@@ -48,7 +48,7 @@ void PlaylistEntries::Add(const PlaylistEntry& entry) {
 
 PlaylistEntry PlaylistEntries::At(Position position) const {
     const Row& row = rows_.at(position);
-    return {.ID = row.id,
+    return {.ID = Present(row.id),
             .Track = row.track,
             .Artist = artists_.Text(row.artist),
             .CDJID = cdjids_.Text(row.cdjid),
@@ -100,6 +100,21 @@ std::vector<PlaylistEntries::Position> PlaylistEntries::Sorted(const TextPool& t
         return left.random < right.random;
     });
     return sorted;
+}
+
+void PlaylistEntries::SongBecame(std::int32_t oldId, std::int32_t newId) {
+    // Of rows that became each other one must stay what it is.
+    if (Present(newId) != oldId) became_[oldId] = newId;
+}
+
+std::int32_t PlaylistEntries::Present(std::int32_t id) const {
+    for (auto found = became_.find(id); found != became_.end(); found = became_.find(id))
+        id = found->second;
+    return id;
+}
+
+bool PlaylistEntries::HasBecomeAnother(Position position) const {
+    return became_.contains(rows_.at(position).id);
 }
 
 void PlaylistEntries::NoteUnread(std::string_view playlist) {

@@ -2,9 +2,12 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string_view>
+#include <unordered_map>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 #include "run/hash_index.h"
@@ -34,7 +37,8 @@ class PlaylistEntries {
     void Add(const PlaylistEntry& entry);
     std::size_t Count() const { return rows_.size(); }
 
-    /// The entry's texts are valid until the set is cleared.
+    /// The entry's texts are valid until the set is cleared. Its `ID` is that of the row which the
+    /// song has now, see SongBecame.
     PlaylistEntry At(Position position) const;
 
     /// The first entry of this song (`ID`) in a playlist.
@@ -49,6 +53,21 @@ class PlaylistEntries {
     /// in both come in the order in which they were added.
     std::vector<Position> ByGenre() const { return Sorted(genres_, &Row::genre); }
     std::vector<Position> ByArtist() const { return Sorted(artists_, &Row::artist); }
+
+    /// The song of one row is from now on that of another: its file is a duplicate, and goes.
+    /// Entries of both songs stay as they are, so a playlist may come to hold one song twice.
+    void SongBecame(std::int32_t oldId, std::int32_t newId);
+    /// It is not: the file could not go.
+    void SongStays(std::int32_t id) { became_.erase(id); }
+    /// Whether the entry was added for another row than the one it has now.
+    bool HasBecomeAnother(Position position) const;
+
+    /// What keeps the set for the case that the run does not come to its end.
+    void OnKeep(std::function<void()> keep) { keep_ = std::move(keep); }
+    /// Lets it keep what songs have become. Throws what it throws.
+    void Keep() const {
+        if (keep_) keep_();
+    }
 
     /// The set does not know what this playlist held, so nothing may be concluded from finding no
     /// entry of it.
@@ -68,11 +87,14 @@ class PlaylistEntries {
     std::optional<Position> SongRow(std::int32_t id, Text playlist) const;
     std::optional<Position> PlaceRow(Text cdjid, std::int32_t track, Text playlist) const;
     std::vector<Position> Sorted(const TextPool& texts, Text Row::* text) const;
+    std::int32_t Present(std::int32_t id) const;
 
     /// One a field, so that none takes its spelling from another.
     TextPool artists_, cdjids_, genres_, playlists_;
     std::vector<Row> rows_;
     HashIndex bySong_, byPlace_;
+    std::unordered_map<std::int32_t, std::int32_t> became_;  ///< row by the one it was before
+    std::function<void()> keep_;
     std::unordered_set<Text> unread_;
     bool nothingRead_ = false;
 };

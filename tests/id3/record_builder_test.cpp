@@ -32,10 +32,10 @@ class GetID3InfoTest : public ::testing::Test {
             genre + ", " + std::to_string(length) + ", \"" + link + "\")");
     }
 
-    BuiltRecord Build() {
-        return GetID3Info(library.run, {.artist = "Alder", .album = "First Light", .song = "Dawn"},
-                          present);
-    }
+    BuiltRecord Build() { return GetID3Info(library.run, Path, names, present); }
+
+    static constexpr const char* Path = R"(D:\Music\Alder\First Light\Alder - Dawn.mp3)";
+    SongNames names{.artist = "Alder", .album = "First Light", .song = "Dawn"};
 
     support::TestLibrary library;
     std::array<std::string, 9> present;
@@ -127,9 +127,10 @@ TEST_F(GetID3InfoTest, LogsEachLookUpThatFailsAndGoesOn) {
     library.Database().Refuse("FROM Albums INNER JOIN Tracks");
     library.Database().Refuse("FROM Spinner");
     EXPECT_EQ(Build().record, "TAG|Dawn|Alder|First Light|1999||||");
-    EXPECT_THAT(library.host.log, ElementsAre("Quillon: GetID3Info Management Line 1 refused",
-                                              "Quillon: GetID3Info Management Line 2 refused",
-                                              "Quillon: GetID3Info Management Line 3 refused"));
+    const std::string end = " refused (" + std::string(Path) + ")";
+    EXPECT_THAT(library.host.log, ElementsAre("Quillon: GetID3Info Management Line 1" + end,
+                                              "Quillon: GetID3Info Management Line 2" + end,
+                                              "Quillon: GetID3Info Management Line 3" + end));
 }
 
 }  // namespace

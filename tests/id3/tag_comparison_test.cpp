@@ -194,12 +194,10 @@ TEST_F(LengthTest, BeyondSixteenBitsIsComparedLikeAnyOther) {
     EXPECT_THAT(Lengths("Length='-5'", "180"), ElementsAre("Comment: Length=-5 Length=180"));
 }
 
-TEST_F(LengthTest, OfTheDatabaseCountsForTheRowAndElseTheTags) {
+TEST_F(LengthTest, OfTheTagIsGiven) {
     Lengths("Length='184'", "180");
-    EXPECT_EQ(used, "180");
-    Lengths("Length='184'", "");
     EXPECT_EQ(used, "184");
-    Lengths("", "");
+    Lengths("", "180");
     EXPECT_EQ(used, "");
 }
 

@@ -15,22 +15,50 @@ class TrackInfoTest : public ::testing::Test {
   protected:
     TrackInfoTest() {
         library.AddAlbumRow("C1", "Alder", "First Light", 2);
-        library.AddTrackRow("C1", 4, R"(D:\Music\Alder\First Light\Dawn.mp3)", "Dawn");
+        library.AddTrackRow("C1", 4, First, "Dawn");
         library.AddAlbumRow("C2", "Alder", "Second Light", 1);
-        library.AddTrackRow("C2", 9, R"(D:\Music\Alder\Second Light\Dawn.mp3)", "Dawn");
+        library.AddTrackRow("C2", 9, Second, "Dawn");
     }
 
+    /// As "seconds|track".
+    std::string InfoOf(const std::string& path, const std::string& newPath = "") {
+        const TrackInfo info = GetID3TrackInfo(library.run, path, newPath);
+        return info.seconds + "|" + info.track;
+    }
     std::string InfoWith(const std::string& minutes, const std::string& seconds) {
         library.Execute("UPDATE Tracks SET Minutes=" + minutes + ", Seconds=" + seconds);
-        return GetID3TrackInfo(library.run, "Alder", "First Light", "Dawn");
+        return InfoOf(First);
     }
+
+    static constexpr const char* First = R"(D:\Music\Alder\First Light\Dawn.mp3)";
+    static constexpr const char* Second = R"(D:\Music\Alder\Second Light\Dawn.mp3)";
 
     support::TestLibrary library;
 };
 
-TEST_F(TrackInfoTest, GivesLengthAndNumberOfTheSongOnThisAlbum) {
+TEST_F(TrackInfoTest, GivesLengthAndNumberOfTheFilesOwnRow) {
     EXPECT_EQ(InfoWith("3", "5"), "185|4");
-    EXPECT_EQ(GetID3TrackInfo(library.run, "alder", "SECOND light", "dawn"), "185|9");
+    EXPECT_EQ(InfoOf(R"(d:\music\ALDER\second light\dawn.mp3)"), "185|9");
+}
+
+TEST_F(TrackInfoTest, LeavesRowsOfTheSameNamesToTheirFiles) {
+    library.AddAlbumRow("DISC", "Alder", "First Light", 1, 2);
+    library.Execute(
+        "INSERT INTO Tracks (CDJID, Track, Title, Minutes, Seconds) VALUES "
+        "('DISC', 7, 'Dawn', 9, 9)");
+    library.AddTrackRow("C1", 6, R"(D:\Music\Alder\First Light\Alder - Dawn.mp3)", "Dawn");
+    library.Execute("UPDATE Tracks SET Minutes=1, Seconds=0 WHERE Track=6");
+    EXPECT_EQ(InfoOf(R"(D:\Music\Alder\First Light\Alder - Dawn.mp3)"), "60|6");
+    EXPECT_EQ(InfoOf(R"(E:\Alder\First Light\Dawn.mp3)"), "|");
+}
+
+TEST_F(TrackInfoTest, FindsTheRowThatAnInterruptedRunHasLedOn) {
+    EXPECT_EQ(InfoOf(R"(D:\Music\Alder\First Light\01.mp3)", First), "|4");
+    library.Execute(
+        R"(UPDATE Tracks SET SoundFile='D:\Music\Alder\First Light\01.quillon-renaming.mp3')"
+        " WHERE Track=4");
+    EXPECT_EQ(InfoOf(R"(D:\Music\Alder\First Light\01.mp3)", First), "|4");
+    EXPECT_EQ(InfoOf(R"(D:\Music\Alder\First Light\01.mp3)"), "|");
 }
 
 TEST_F(TrackInfoTest, GivesNoLengthWhereNeitherPartIsAboveZero) {
@@ -45,21 +73,15 @@ TEST_F(TrackInfoTest, DoesNotOverflowForLongTracks) {
     EXPECT_EQ(InfoWith("600", "0"), "36000|4");
 }
 
-TEST_F(TrackInfoTest, IsEmptyForAnUnknownSong) {
-    EXPECT_EQ(GetID3TrackInfo(library.run, "Alder", "First Light", "Dusk"), "|");
-    EXPECT_EQ(GetID3TrackInfo(library.run, "Other", "First Light", "Dawn"), "|");
+TEST_F(TrackInfoTest, IsEmptyForAFileWithoutRow) {
+    EXPECT_EQ(InfoOf(R"(D:\Music\Alder\First Light\Dusk.mp3)"), "|");
 }
 
-TEST_F(TrackInfoTest, LogsAFailureWithTheSong) {
-    EXPECT_EQ(GetID3TrackInfo(library.run, "Alder", "First Light", "The \"Dawn\""), "|");
-    library.Database().Refuse("SELECT Tracks.Track");
-    EXPECT_EQ(GetID3TrackInfo(library.run, "Alder", "First Light", "Dawn"), "|");
-    EXPECT_THAT(
-        library.host.log,
-        ElementsAre(
-            "Quillon: Get ID3 Track Info Error: Line 1 Syntax error (missing operator) in query "
-            "expression: The \"Dawn\" (Alder\\First Light\\The \"Dawn\")",
-            "Quillon: Get ID3 Track Info Error: Line 1 refused (Alder\\First Light\\Dawn)"));
+TEST_F(TrackInfoTest, LogsAFailureWithTheFile) {
+    library.Database().Refuse("SELECT Tracks.ID");
+    EXPECT_EQ(InfoOf(First), "|");
+    EXPECT_THAT(library.host.log, ElementsAre("Quillon: Get ID3 Track Info Error: Line 1 refused (" +
+                                              std::string(First) + ")"));
 }
 
 TEST_F(TrackInfoTest, GenreIsThatOfTheFirstRowOfTheSong) {

@@ -22,9 +22,6 @@ class UpdateForID3InfoTest : public VerifyTest {
     }
 
     ComparedFile file{.path = PathOf("Alder - Dawn.mp3"),
-                      .artist = "Alder",
-                      .album = "First Light",
-                      .song = "Dawn",
                       .newTitle = {},
                       .track = {},
                       .seconds = {}};
@@ -39,10 +36,22 @@ TEST_F(UpdateForID3InfoTest, TakesNumberAndLength) {
     EXPECT_EQ(library.Faults(), "");
 }
 
-TEST_F(UpdateForID3InfoTest, TakesTheNumberOfATagThatHasNone) {
-    file.track = "-1";
-    Update();
-    EXPECT_THAT(Tracks(), ElementsAre("Alder - Dawn.mp3|Dawn|-1|1"));
+TEST_F(UpdateForID3InfoTest, KeepsAKnownNumberWhereTheTagHasNone) {
+    for (const char* number : {"-1", "0", ""}) {
+        file.track = number;
+        Update();
+        EXPECT_THAT(Tracks(), ElementsAre("Alder - Dawn.mp3|Dawn|1|1")) << number;
+    }
+    EXPECT_EQ(library.Database().Count("Update Tracks"), 0U);
+}
+
+TEST_F(UpdateForID3InfoTest, KeepsAKnownLength) {
+    library.Execute("UPDATE Tracks SET Minutes=3, Seconds=0");
+    for (const char* seconds : {"185", "-1", "0", ""}) {
+        file.seconds = seconds;
+        Update();
+        EXPECT_THAT(Lengths(), ElementsAre("3|0")) << seconds;
+    }
 }
 
 TEST_F(UpdateForID3InfoTest, TakesNothingThatIsNotNumeric) {
@@ -66,11 +75,12 @@ TEST_F(UpdateForID3InfoTest, TakesLongLengthsAndLogsThoseThatNoFieldHolds) {
     Update();
     EXPECT_THAT(Lengths(), ElementsAre("600|0"));
     EXPECT_THAT(library.host.log, IsEmpty());
+    library.Execute("UPDATE Tracks SET Minutes=-1, Seconds=-1");
     file.seconds = "1999999999";
     Update();
     file.seconds = "1e300";
     Update();
-    EXPECT_THAT(Lengths(), ElementsAre("600|0"));
+    EXPECT_THAT(Lengths(), ElementsAre("-1|-1"));
     ASSERT_EQ(library.host.log.size(), 2U);
     for (const std::string& line : library.host.log) {
         EXPECT_THAT(line, ::testing::StartsWith("Quillon: Update for ID3 Info Error: Line "));
@@ -79,10 +89,12 @@ TEST_F(UpdateForID3InfoTest, TakesLongLengthsAndLogsThoseThatNoFieldHolds) {
     }
 }
 
-TEST_F(UpdateForID3InfoTest, LeavesALengthBelowZero) {
-    file.seconds = "-30";
-    Update();
-    EXPECT_THAT(Lengths(), ElementsAre("-1|-1"));
+TEST_F(UpdateForID3InfoTest, LeavesALengthThatIsNotAboveZero) {
+    for (const char* seconds : {"-30", "0"}) {
+        file.seconds = seconds;
+        Update();
+        EXPECT_THAT(Lengths(), ElementsAre("-1|-1"));
+    }
 }
 
 // A number above 0 would keep the row of a file that has gone from the sweep.
@@ -111,8 +123,15 @@ TEST_F(UpdateForID3InfoTest, FindsTheFilesRowBehindOthersOfItsTitle) {
     EXPECT_THAT(library.Rows("SELECT Track FROM Tracks ORDER BY ID"), ElementsAre("1", "8", "7"));
 }
 
-TEST_F(UpdateForID3InfoTest, DoesNothingForAnUnknownSong) {
-    file.song = "Dusk";
+TEST_F(UpdateForID3InfoTest, FindsTheFilesRowWhateverItsTitle) {
+    library.Execute("UPDATE Tracks SET Title='Something else'");
+    file.track = "7";
+    Update();
+    EXPECT_THAT(Tracks(), ElementsAre("Alder - Dawn.mp3|Something else|7|1"));
+}
+
+TEST_F(UpdateForID3InfoTest, DoesNothingForAFileWithoutRow) {
+    file.path = PathOf("Dawn.mp3");
     file.track = "7";
     Update();
     EXPECT_THAT(Tracks(), ElementsAre("Alder - Dawn.mp3|Dawn|1|1"));

@@ -199,7 +199,7 @@ TEST_F(VerifyTagsTest, DoesNotCompareARecordWithABarInAField) {
     AddFile("Alder - Noon.mp3", TagOf("Moon"));
     Verify();
     EXPECT_THAT(
-        library.host.log,
+        Trouble(),
         ElementsAre("Quillon: VerifyID3TagsFolder Line 5 Subscript out of range: tag record "
                     "of 11 pieces (" +
                     PathOf("Alder - Dawn.mp3") + ")"));
@@ -221,12 +221,12 @@ TEST_F(VerifyTagsTest, DoesNotCompareATagThatCouldNotBeReadAsAWhole) {
 TEST_F(VerifyTagsTest, GoesOnBehindAFileThatVanishedSinceItWasListed) {
     AddFile("Alder - Dawn.mp3", TagOf("x"));
     AddFile("Alder - Noon.mp3", TagOf("Noon"));
-    library.Database().BeforeStatement("SELECT Tracks.Track, Tracks.Minutes", [this] {
+    library.files.afterListing = [this] {
         library.RemoveFile(Album + std::string("Alder - Noon.mp3"));
-    });
+    };
     Verify();
-    ASSERT_EQ(library.host.log.size(), 1U);
-    EXPECT_THAT(library.host.log[0], StartsWith("Quillon: Read ID3 File Error: Line 2 File not "
+    ASSERT_EQ(Trouble().size(), 1U);
+    EXPECT_THAT(Trouble()[0], StartsWith("Quillon: Read ID3 File Error: Line 2 File not "
                                                 "found"));
     EXPECT_THAT(Names(), ElementsAre("Alder - x.mp3"));
 }

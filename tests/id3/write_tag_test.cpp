@@ -244,7 +244,8 @@ TEST_F(WriteTagTest, WritesTheRestWhenTheGenreTableCannotBeRead) {
     library.Database().Refuse("SpinnerGenre");
     EXPECT_TRUE(Write("TAG|title|artist|album|2001|comment||7|Rock"));
     EXPECT_EQ(WrittenTag()[GenreOffset], 40);
-    EXPECT_THAT(Log(), ElementsAre("Quillon: Read ID3 File Error: Line 10 refused",
+    EXPECT_THAT(Log(), ElementsAre("Quillon: Read ID3 File Error: Line 10 refused (" +
+                                   std::string(Path) + ")",
                                    "Quillon: WriteID3 Management Line 2 refused"));
 }
 
@@ -332,7 +333,7 @@ class ReadTagTest : public WriteTagTest {
   protected:
     std::string RecordOf(const std::string& content) {
         library.files.AddFile(Path, content);
-        return ReadTag(library.run, ReadTagEnd(library.files, Path));
+        return ReadTag(library.run, Path, ReadTagEnd(library.files, Path));
     }
 };
 
@@ -364,7 +365,8 @@ TEST_F(ReadTagTest, LeavesTheGenreOutWhenTheTableCannotBeRead) {
     library.Database().Refuse("SpinnerGenre");
     EXPECT_EQ(RecordOf(SoundFile(OldTag())),
               "TAG|old title|old artist|old album|1999|old comment||3|");
-    EXPECT_THAT(Log(), ElementsAre("Quillon: Read ID3 File Error: Line 10 refused"));
+    EXPECT_THAT(Log(), ElementsAre("Quillon: Read ID3 File Error: Line 10 refused (" +
+                                   std::string(Path) + ")"));
 }
 
 }  // namespace

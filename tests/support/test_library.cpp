@@ -101,7 +101,9 @@ Listing<FolderEntry> TestLibrary::Files::SubFolders(std::string_view folder) {
 
 Listing<FileEntry> TestLibrary::Files::FilesIn(std::string_view folder) {
     RefuseUnlistable(folder);
-    return FakeFiles::FilesIn(folder);
+    Listing<FileEntry> files = FakeFiles::FilesIn(folder);
+    if (afterListing) std::exchange(afterListing, {})();
+    return files;
 }
 
 void TestLibrary::Files::RefuseUnlistable(std::string_view folder) const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <set>
 #include <string>
@@ -64,7 +65,8 @@ class TestLibrary {
         Listing<FolderEntry> SubFolders(std::string_view folder) override;
         Listing<FileEntry> FilesIn(std::string_view folder) override;
 
-        std::set<std::string> unlistable;  ///< full paths
+        std::set<std::string> unlistable;     ///< full paths
+        std::function<void()> afterListing;  ///< runs once, when files have been listed
 
       private:
         void RefuseUnlistable(std::string_view folder) const;

@@ -1,0 +1,294 @@
+#include "id3/album_plan.h"
+
+#include <algorithm>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+
+#include "id3/difference_fields.h"
+#include "id3/song_title.h"
+#include "id3/tag_comparison.h"
+#include "id3/tag_reader.h"
+#include "id3/temporary_name.h"
+#include "platform/basic_text.h"
+#include "platform/failure.h"
+#include "platform/windows_name.h"
+#include "run/name_cleaning.h"
+#include "run/run.h"
+#include "run/sound_files.h"
+#include "run/steps.h"
+
+namespace quillon {
+namespace {
+
+constexpr int ListStep = 3, BracketStep = 4, CompareStep = 5, TitleStep = 7;
+
+/// A name by which a file is compared.
+std::string PlainName(std::string_view name) {
+    return RoundBrackets(NameBeforeRenaming(name).value_or(std::string(name)));
+}
+
+/// Whether no name can hold the character, although clean names may.
+bool IsRefused(char character) {
+    return character == '"' || (character >= 0 && character < ' ');
+}
+
+/// A tag's title as part of a file's name. Failure: BadFileName when no name can hold it or nothing
+/// is left of it.
+std::string FileTitle(const std::string& tagTitle) {
+    std::string title = NoNasties(tagTitle);
+    if (Trim(title).empty() || std::any_of(title.begin(), title.end(), IsRefused))
+        throw Failure(FailureNumber::BadFileName, "title " + tagTitle);
+    return title;
+}
+
+class Planner {
+  public:
+    Planner(Run& run, Steps& steps, AlbumPlan& plan) : run_(run), steps_(steps), plan_(plan) {}
+
+    void Plan() {
+        List();
+        for (PlannedFile& file : plan_.files) {
+            places_.emplace(LowerCase(file.name), &file - plan_.files.data());
+            wishes_.push_back(Wish(file));
+        }
+        // Brackets come first: whoever gets a name by them has it when titles are compared.
+        for (std::size_t i = 0; i < plan_.files.size(); ++i)
+            AskForPlainName(i);
+        for (std::size_t i = 0; i < plan_.files.size(); ++i)
+            AskForTitle(i);
+        while (Settle()) {}
+    }
+
+  private:
+    /// What a file's own name and tag say of it, before others are looked at.
+    struct Wanted {
+        enum class Standing {
+            IsRight,  ///< its name is what its tag says, or it has no tag
+            Leaves,   ///< it wants another name
+            IsStuck,  ///< its tag has another title, which no name can hold
+            Unknown,  ///< nobody can tell
+        };
+        Standing standing = Standing::IsRight;
+        std::string name = {};
+        bool isGranted = false;
+    };
+    using Standing = Wanted::Standing;
+
+    void List() {
+        steps_.Concerning(plan_.folder.path);
+        Listing<FileEntry> found;
+        if (!steps_.Try(ListStep, [&] { found = run_.files.FilesIn(plan_.folder.path); })) return;
+        // A name that is out of sight may be one that a file here would get.
+        if (std::any_of(found.unseen.begin(), found.unseen.end(), IsSoundFile)) return;
+        for (FileEntry& file : found) {
+            if (!IsSoundFile(file.name)) continue;
+            PlannedFile& planned = plan_.files.emplace_back();
+            planned.plainName = PlainName(file.name);
+            planned.name = std::move(file.name);
+        }
+    }
+
+    Wanted Wish(PlannedFile& file) {
+        const std::string path = plan_.PathOf(file.name);
+        steps_.Concerning(path);
+        Wanted wanted{.standing = Standing::Leaves, .name = file.plainName};
+        if (file.plainName == file.name) wanted.standing = Standing::IsRight;
+        if (!ReadTag(file, path)) return {.standing = Standing::Unknown, .name = file.name};
+        if (file.tag.empty() ||
+            !TitleDiffers(file.tag, SongTitle(file.plainName, plan_.artist))) {
+            return wanted;
+        }
+        std::string title;
+        if (!steps_.Try(TitleStep, [&] { title = FileTitle(file.tag[TagSong]); })) {
+            if (wanted.standing == Standing::IsRight) wanted.standing = Standing::IsStuck;
+            return wanted;
+        }
+        std::string name = plan_.artist + " - " + title + ".mp3";
+        // What differs are characters that no name can hold: it cannot come nearer to the tag.
+        if (EqualIgnoringCase(name, file.plainName)) return wanted;
+        const bool canBe = steps_.Try(TitleStep, [&] {
+            if (!IsWindowsName(name)) throw Failure(FailureNumber::BadFileName, name);
+        });
+        if (!canBe) {
+            if (wanted.standing == Standing::IsRight) wanted.standing = Standing::IsStuck;
+            return wanted;
+        }
+        file.tagTitle = std::move(title);
+        return {.standing = Standing::Leaves, .name = std::move(name)};
+    }
+
+    /// Whether it is known what the tag says, be it that there is none.
+    bool ReadTag(PlannedFile& file, const std::string& path) {
+        const std::optional<std::string> record = ReadWholeID3(run_, path);
+        if (!record) return false;
+        std::vector<std::string> pieces = Split(*record, "|");
+        if (pieces.empty()) return true;
+        // Of what a "|" in a field makes of a record nobody knows which field a piece is.
+        const bool isClear = steps_.Try(CompareStep, [&] { RequireClearRecord(pieces); });
+        if (isClear) file.tag = std::move(pieces);
+        return isClear;
+    }
+
+    std::optional<std::size_t> PlaceOf(std::string_view name) const {
+        const auto found = places_.find(LowerCase(name));
+        if (found == places_.end()) return std::nullopt;
+        return found->second;
+    }
+
+    /// Square brackets become round ones, if the name is free or becomes so.
+    void AskForPlainName(std::size_t i) {
+        const PlannedFile& file = plan_.files[i];
+        Wanted& wanted = wishes_[i];
+        if (RoundBrackets(file.name) == file.name) return;
+        if (const std::optional<std::size_t> holder = PlaceOf(file.plainName)) {
+            const Standing standing = wishes_[*holder].standing;
+            if (standing == Standing::IsRight || standing == Standing::IsStuck)
+                return MakeDuplicate(i, file.plainName, holder, true);
+            // What leaves the name is another song; of what nobody knows, nothing is concluded.
+            if (standing == Standing::Unknown) return Block(i);
+        } else if (const std::optional<std::size_t> claim = ClaimOn(file.plainName)) {
+            return MakeDuplicate(i, file.plainName, claim, true);
+        } else {
+            const std::optional<bool> isThere = Exists(i, BracketStep, file.plainName);
+            if (!isThere) return LeaveAlone(i);
+            if (*isThere) return MakeDuplicate(i, file.plainName, std::nullopt, true);
+        }
+        if (wanted.standing == Standing::Unknown)
+            wanted = {.standing = Standing::Leaves, .name = file.plainName};
+        if (wanted.name == file.plainName) Grant(i);
+    }
+
+    void AskForTitle(std::size_t i) {
+        const PlannedFile& file = plan_.files[i];
+        const Wanted& wanted = wishes_[i];
+        const bool isDecided =
+            wanted.isGranted || file.isBlocked || file.fate == Fate::IsDuplicate;
+        if (wanted.standing != Standing::Leaves || isDecided) return;
+        // Only a title makes a duplicate; a file of a temporary name keeps that.
+        const auto yield = [&](std::optional<std::size_t> twin) {
+            if (!file.tagTitle) return Block(i);
+            MakeDuplicate(i, wanted.name, twin, false);
+        };
+        const std::optional<std::size_t> claim = ClaimOn(wanted.name);
+        if (const std::optional<std::size_t> holder = PlaceOf(wanted.name)) {
+            const Standing standing = wishes_[*holder].standing;
+            if (standing == Standing::IsRight) return yield(holder);
+            if (standing != Standing::Leaves) return Block(i);
+        }
+        if (claim) return yield(claim);
+        if (!PlaceOf(wanted.name)) {
+            const std::optional<bool> isThere = Exists(i, TitleStep, wanted.name);
+            if (!isThere) return LeaveAlone(i);
+            if (*isThere) return yield(std::nullopt);
+        }
+        Grant(i);
+    }
+
+    /// Whether there is a file of this name, which is not among those listed; nothing where nobody
+    /// can tell, which is logged for the file that would have it.
+    std::optional<bool> Exists(std::size_t i, int step, const std::string& name) {
+        steps_.Concerning(plan_.PathOf(plan_.files[i].name));
+        bool isThere = false;
+        const bool isKnown =
+            steps_.Try(step, [&] { isThere = run_.files.FileExists(plan_.PathOf(name)); });
+        if (!isKnown) return std::nullopt;
+        return isThere;
+    }
+
+    std::optional<std::size_t> ClaimOn(std::string_view name) const {
+        const auto found = claims_.find(LowerCase(name));
+        if (found == claims_.end()) return std::nullopt;
+        return found->second;
+    }
+
+    void Grant(std::size_t i) {
+        wishes_[i].isGranted = true;
+        plan_.files[i].fate = Fate::IsRenamed;
+        plan_.files[i].newName = wishes_[i].name;
+        claims_.emplace(LowerCase(wishes_[i].name), i);
+    }
+
+    void MakeDuplicate(std::size_t i, const std::string& of, std::optional<std::size_t> twin,
+                       bool byBrackets) {
+        PlannedFile& file = plan_.files[i];
+        file.fate = Fate::IsDuplicate;
+        file.newName = twin ? NameThen(*twin) : of;
+        file.twin = twin;
+        file.byBrackets = byBrackets;
+    }
+
+    /// The name that a file will have.
+    const std::string& NameThen(std::size_t i) const {
+        const PlannedFile& file = plan_.files[i];
+        return file.fate == Fate::IsRenamed ? file.newName : file.name;
+    }
+
+    /// The file cannot have the name it wants. It may still lose its brackets or a temporary name.
+    void Block(std::size_t i) {
+        PlannedFile& file = plan_.files[i];
+        file.isBlocked = true;
+        file.waits = false;
+        file.tagTitle.reset();
+        file.twin.reset();
+        const bool isOdd = file.plainName != file.name && wishes_[i].name != file.plainName;
+        const bool isFree = isOdd && !PlaceOf(file.plainName) && !ClaimOn(file.plainName) &&
+                            !Exists(i, BracketStep, file.plainName).value_or(true);
+        file.fate = isFree ? Fate::IsRenamed : Fate::Stays;
+        file.newName = isFree ? file.plainName : wishes_[i].name;
+        if (isFree) claims_.emplace(LowerCase(file.plainName), i);
+    }
+
+    /// The same where nobody can tell, of which the log knows.
+    void LeaveAlone(std::size_t i) {
+        Block(i);
+        PlannedFile& file = plan_.files[i];
+        if (file.fate == Fate::Stays) file.newName.clear();
+    }
+
+    /// Takes back what depends on a name that stays taken, and finds what has to wait; whether
+    /// anything has changed.
+    bool Settle() {
+        bool changed = false;
+        for (std::size_t i = 0; i < plan_.files.size(); ++i) {
+            PlannedFile& file = plan_.files[i];
+            // Who waits for the name may wait in vain; the next run will know.
+            if (file.fate == Fate::IsDuplicate && file.twin &&
+                (plan_.files[*file.twin].waits ||
+                 !EqualIgnoringCase(NameThen(*file.twin), file.newName))) {
+                Block(i);
+                changed = true;
+            }
+            if (file.fate != Fate::IsRenamed) continue;
+            const std::optional<std::size_t> holder = PlaceOf(file.newName);
+            if (!holder || *holder == i) continue;
+            const PlannedFile& other = plan_.files[*holder];
+            const bool waits = other.fate == Fate::IsDuplicate || other.waits;
+            changed |= other.fate == Fate::Stays || waits != file.waits;
+            file.waits = waits;
+            if (other.fate == Fate::Stays) Block(i);
+        }
+        return changed;
+    }
+
+    Run& run_;
+    Steps& steps_;
+    AlbumPlan& plan_;
+    std::vector<Wanted> wishes_;  ///< of the plan's files
+    /// By name in lower case: which file has it, and which is to get it.
+    std::unordered_map<std::string, std::size_t> places_, claims_;
+};
+
+}  // namespace
+
+std::string AlbumPlan::PathOf(std::string_view name) const {
+    return std::string(folder.path).append("\\").append(name);
+}
+
+AlbumPlan PlanAlbum(Run& run, Steps& steps, std::string artist, FolderEntry folder) {
+    AlbumPlan plan{.artist = std::move(artist), .folder = std::move(folder), .files = {}};
+    Planner(run, steps, plan).Plan();
+    return plan;
+}
+
+}  // namespace quillon

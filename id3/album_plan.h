@@ -1,0 +1,59 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/files.h"
+
+namespace quillon {
+
+class Run;
+class Steps;
+
+/// What becomes of a sound file's name in a comparison of tags.
+enum class Fate {
+    Stays,
+    IsRenamed,
+    IsDuplicate,  ///< it goes, in favour of the file that has the name or gets it
+};
+
+/// A sound file of an album folder, and what its name and its tag ask for.
+struct PlannedFile {
+    std::string name;       ///< at present
+    std::string plainName;  ///< the one to compare by: with round brackets, not a temporary one
+    /// Pieces of the tag record; none where there is no tag or it could not be read.
+    std::vector<std::string> tag;
+    std::optional<std::string> tagTitle;  ///< for its name, where the tag has another title
+
+    Fate fate = Fate::Stays;
+    /// IsRenamed: its own; IsDuplicate: that of the other file; isBlocked: that which it cannot
+    /// have, if that is not a matter of the log already.
+    std::string newName;
+    /// IsDuplicate: the other file's place in the plan; nothing for one that is not in there.
+    std::optional<std::size_t> twin = {};
+    bool byBrackets = false;  ///< IsDuplicate for its name alone, whatever its tag says
+    /// IsRenamed: only once a duplicate has gone that has the name at present.
+    bool waits = false;
+    /// The name that it should have belongs to a file that cannot leave it.
+    bool isBlocked = false;
+};
+
+/// The sound files of an album folder, in name order. Nothing is changed yet.
+struct AlbumPlan {
+    std::string artist;  ///< artist folder's name
+    FolderEntry folder;
+    std::vector<PlannedFile> files;
+
+    std::string PathOf(std::string_view name) const;
+};
+
+/// Reads the tags of a folder's sound files and decides which names they get. A tag's title is
+/// trusted over the name; where several files would have a name, one gets it, and the others are
+/// its duplicates. Names are exchanged and passed on: a file is the duplicate of another one only
+/// if that keeps the name. A folder of which not every sound file can be seen has no files here, so
+/// that all of it stays as it is. What fails is logged through `steps`, with the path.
+AlbumPlan PlanAlbum(Run& run, Steps& steps, std::string artist, FolderEntry folder);
+
+}  // namespace quillon

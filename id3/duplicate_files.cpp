@@ -1,0 +1,224 @@
+#include "id3/duplicate_files.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string_view>
+#include <utility>
+
+#include "database/track_numbers.h"
+#include "id3/same_sound.h"
+#include "id3/sound_file_row.h"
+#include "platform/files.h"
+#include "platform/host.h"
+#include "run/log.h"
+#include "run/steps.h"
+
+namespace quillon {
+namespace {
+
+constexpr int OpenStep = 1, BracketStep = 4, TitleStep = 7;
+
+std::string_view NameOf(std::string_view path) {
+    return path.substr(path.rfind('\\') + 1);
+}
+
+int StepOf(const DuplicateFile& duplicate) {
+    return duplicate.byBrackets ? BracketStep : TitleStep;
+}
+
+class DuplicateRemoval {
+  public:
+    DuplicateRemoval(Run& run, Steps& steps, RecordSet& tracks, std::vector<AlbumRest> rests)
+        : run_(run), steps_(steps), tracks_(tracks), rests_(std::move(rests)) {}
+
+    void Remove() {
+        Choose();
+        if (MayRemove()) {
+            if (HandOver()) {
+                for (Going& going : going_)
+                    going.hasGone = going.isReady && RemoveFile(going);
+            }
+            KeepIfAnyStays();
+        }
+        std::size_t next = 0;
+        for (AlbumRest& rest : rests_)
+            FinishAlbum(rest, next);
+    }
+
+  private:
+    /// A duplicate that nothing speaks for but the run's limits.
+    struct Going {
+        const DuplicateFile* duplicate;
+        std::optional<SoundFileRow> row = {};
+        bool isHandedOver = false;  ///< its row has become that of the other file
+        bool isReady = false, hasGone = false;
+    };
+
+    void Choose() {
+        const bool onlyIdentical = OnlyIdenticalAreRemoved(run_.host);
+        for (const AlbumRest& rest : rests_) {
+            for (const DuplicateFile& duplicate : rest.duplicates) {
+                if (!run_.removals.Braked() && IsDuplicate(duplicate, onlyIdentical))
+                    going_.push_back({&duplicate});
+            }
+        }
+    }
+
+    bool IsDuplicate(const DuplicateFile& duplicate, bool onlyIdentical) {
+        const std::string& path = duplicate.file.path;
+        bool isThere = false, isSame = true;
+        steps_.Concerning(path);
+        const bool isKnown = steps_.Try(StepOf(duplicate), [&] {
+            isThere = run_.files.FileExists(duplicate.twin);
+            if (isThere && onlyIdentical) isSame = HaveSameSound(run_.files, path, duplicate.twin);
+        });
+        if (!isKnown) return false;
+        const std::string twin(NameOf(duplicate.twin));
+        if (!isThere) WriteLog(run_, LogSource, path + " stays, since there is no " + twin);
+        if (!isSame) {
+            WriteLog(run_, LogSource,
+                     path + " stays: by name or tag it is the same song as " + twin +
+                         ", but its sound is another");
+        }
+        return isThere && isSame;
+    }
+
+    bool MayRemove() {
+        PlannedRemoval planned{.kind = Removable::MusicFiles, .names = {}};
+        for (const Going& going : going_)
+            planned.names.push_back(going.duplicate->file.path);
+        return !planned.names.empty() && run_.removals.Allow(run_, planned);
+    }
+
+    /// What the database and the playlists know of the files goes to those that stay; durably,
+    /// since nobody could tell afterwards.
+    bool HandOver() {
+        for (Going& going : going_) {
+            steps_.Concerning(going.duplicate->file.path);
+            going.isReady = steps_.Try(StepOf(*going.duplicate), [&] { HandOverRow(going); });
+            if (!going.isReady) TakeBackRow(going);
+        }
+        const bool isKept = steps_.Try(TitleStep, [&] {
+            run_.playlistEntries.Keep();
+            run_.Flush();
+        });
+        if (isKept) return true;
+        for (const Going& going : going_)
+            TakeBackRow(going);
+        return false;
+    }
+
+    void HandOverRow(Going& going) {
+        const DuplicateFile& duplicate = *going.duplicate;
+        const std::string& path = duplicate.file.path;
+        going.row = FindSoundFileRow(*run_.connection, path);
+        if (!going.row) return;
+        if (const auto twin = FindSoundFileRow(*run_.connection, duplicate.twin)) {
+            run_.playlistEntries.SongBecame(static_cast<std::int32_t>(going.row->id),
+                                            static_cast<std::int32_t>(twin->id));
+        } else {
+            going.isHandedOver = true;
+            SetSoundFile(going.row->id, StoredAs(going.row->soundFile, path, duplicate.twin));
+        }
+    }
+
+    void TakeBackRow(const Going& going) {
+        if (!going.row) return;
+        run_.playlistEntries.SongStays(static_cast<std::int32_t>(going.row->id));
+        if (!going.isHandedOver) return;
+        steps_.Try(TitleStep, [&] {
+            tracks_.CancelUpdate();
+            SetSoundFile(going.row->id, going.row->soundFile);
+        });
+    }
+
+    /// What is kept of the playlists says of all of them that they go.
+    void KeepIfAnyStays() {
+        const auto hasGone = [](const Going& going) { return going.hasGone; };
+        if (std::all_of(going_.begin(), going_.end(), hasGone)) return;
+        steps_.Try(TitleStep, [&] {
+            run_.playlistEntries.Keep();
+            run_.Flush();
+        });
+    }
+
+    void SetSoundFile(std::int64_t id, const std::string& soundFile) {
+        if (!MoveToId(tracks_, id)) return;
+        tracks_.Set("SoundFile", soundFile);
+        tracks_.Update();
+    }
+
+    bool RemoveFile(Going& going) {
+        const DuplicateFile& duplicate = *going.duplicate;
+        const std::string& path = duplicate.file.path;
+        steps_.Concerning(path);
+        if (!steps_.Try(StepOf(duplicate), [&] { run_.files.DeleteFile(path); })) {
+            TakeBackRow(going);
+            return false;
+        }
+        ++run_.counts.filesRemoved;
+        run_.removals.Note(Removable::MusicFiles, path);
+        WriteLog(run_, LogSource,
+                 path + " was removed as a duplicate of " + std::string(NameOf(duplicate.twin)));
+        return true;
+    }
+
+    /// Renames what waited for names, and brings the rows of all that stays in line. `next` is the
+    /// album's first file among those that could go.
+    void FinishAlbum(AlbumRest& rest, std::size_t& next) {
+        Renames renames(run_, tracks_, steps_);
+        std::vector<std::pair<ComparedFile*, std::size_t>> renamed;
+        for (DuplicateFile& duplicate : rest.duplicates) {
+            const bool isNext = next < going_.size() && going_[next].duplicate == &duplicate;
+            if (isNext && going_[next++].hasGone) continue;
+            renamed.emplace_back(&duplicate.file, KeepFile(duplicate, renames));
+        }
+        for (WaitingRename& rename : rest.renames) {
+            const std::size_t number = renames.Add(rename.file.path, rename.to, rename.title);
+            renamed.emplace_back(&rename.file, number);
+        }
+        renames.Commit();
+        for (auto& [file, number] : renamed) {
+            file->path = renames.PathOf(number);
+            if (!renames.IsDone(number)) file->newTitle.reset();
+            UpdateForID3Info(run_, tracks_, *file);
+        }
+    }
+
+    /// A duplicate that stays loses its brackets or temporary name at least.
+    std::size_t KeepFile(const DuplicateFile& duplicate, Renames& renames) {
+        const std::string& path = duplicate.file.path;
+        bool isFree = false;
+        if (!duplicate.pathIfKept.empty()) {
+            steps_.Concerning(path);
+            steps_.Try(StepOf(duplicate),
+                       [&] { isFree = !run_.files.FileExists(duplicate.pathIfKept); });
+        }
+        if (!isFree) return renames.Keep(path);
+        return renames.Add(path, duplicate.pathIfKept, Renames::RowTitle::RoundBrackets);
+    }
+
+    Run& run_;
+    Steps& steps_;
+    RecordSet& tracks_;
+    std::vector<AlbumRest> rests_;
+    std::vector<Going> going_;
+};
+
+}  // namespace
+
+bool OnlyIdenticalAreRemoved(Host& host) {
+    return !IsSwitchedOff(host.GetINISetting("Removed", "OnlyIdentical", "0", HostSettingsFile));
+}
+
+void RemoveDuplicateFiles(Run& run, std::vector<AlbumRest> rests) {
+    if (rests.empty()) return;
+    Steps steps(run, "VerifyID3TagsFolder");
+    std::unique_ptr<RecordSet> tracks;
+    if (!steps.Try(OpenStep, [&] { tracks = run.connection->OpenTable("Tracks"); })) return;
+    DuplicateRemoval(run, steps, *tracks, std::move(rests)).Remove();
+}
+
+}  // namespace quillon

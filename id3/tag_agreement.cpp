@@ -1,0 +1,97 @@
+#include "id3/tag_agreement.h"
+
+#include <algorithm>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "platform/ansi.h"
+#include "platform/basic_text.h"
+#include "run/name_cleaning.h"
+
+namespace quillon {
+namespace {
+
+bool ShareTheirBeginning(std::string_view left, std::string_view right) {
+    const std::string a = LowerCase(left), b = LowerCase(right);
+    return a.starts_with(b) || b.starts_with(a);
+}
+
+/// Without what no name can hold, as people would write it. Much of what NoNasties removes can
+/// stand in a name.
+std::string AsName(std::string_view value) {
+    constexpr std::string_view Refused = "?<>:*\"|";
+    std::string name(value);
+    std::erase_if(name, [&](char c) { return Refused.find(c) != std::string_view::npos; });
+    std::replace_if(
+        name.begin(), name.end(), [](char c) { return c == '/' || c == '\\'; }, '-');
+    return name;
+}
+
+/// Whether the value fits as it is or as a name may have it.
+bool FitsAsName(std::string_view value, const std::function<bool(std::string_view)>& fits) {
+    if (fits(value)) return true;
+    for (const std::string& name : {NoNasties(value), AsName(value)}) {
+        const std::string_view trimmed = Trim(name);
+        if (!trimmed.empty() && trimmed != value && fits(trimmed)) return true;
+    }
+    return false;
+}
+
+/// What is left behind the number at the beginning ("01. ", "2-03 "); the text itself without one.
+std::string_view WithoutNumber(std::string_view text) {
+    constexpr std::string_view Digits = "0123456789", Separators = " .-_)";
+    const std::size_t number = std::min(text.find_first_not_of(Digits), text.size());
+    const std::size_t rest =
+        std::min(text.find_first_not_of(Separators, number), text.size());
+    if (number == 0 || rest == number || rest == text.size()) return text;
+    return WithoutNumber(text.substr(rest));
+}
+
+/// What may be the song's title in a longer one, in lower case.
+std::vector<std::string> InnerTitles(std::string_view title) {
+    constexpr std::string_view Dash = " - ";
+    const std::string lower = LowerCase(title);
+    std::vector<std::string> titles;
+    std::string_view rest = lower;
+    while (true) {
+        const std::string_view bare = WithoutNumber(rest);
+        if (bare.size() < lower.size()) titles.emplace_back(bare);
+        const std::size_t dash = rest.find(Dash);
+        if (dash == std::string_view::npos) return titles;
+        rest.remove_prefix(dash + Dash.size());
+        titles.emplace_back(rest);
+    }
+}
+
+}  // namespace
+
+bool TagAgrees(std::string_view value, std::string_view expected) {
+    return ShareTheirBeginning(value, expected) ||
+           ShareTheirBeginning(value, AnsiToUtf8(Utf8ToAnsi(expected))) ||
+           ShareTheirBeginning(AnsiToUtf8(value), expected);
+}
+
+bool TagAgreesWithName(std::string_view value, std::string_view name) {
+    return FitsAsName(value, [name](std::string_view text) { return TagAgrees(text, name); });
+}
+
+bool TagAgreesWithTitle(std::string_view value, std::string_view title) {
+    if (TagAgreesWithName(value, title)) return true;
+    const std::vector<std::string> inner = InnerTitles(title);
+    const auto isOne = [&inner](std::string_view text) {
+        return std::find(inner.begin(), inner.end(), LowerCase(text)) != inner.end();
+    };
+    const auto beginsOne = [&inner](std::string_view text) {
+        const std::string beginning = LowerCase(text);
+        return std::any_of(inner.begin(), inner.end(),
+                           [&](const std::string& whole) { return whole.starts_with(beginning); });
+    };
+    return FitsAsName(value, beginsOne) && !FitsAsName(value, isOne);
+}
+
+bool HoldsMoreThanNames(std::string_view value) {
+    return NoNasties(value) != value || AsName(value) != value;
+}
+
+}  // namespace quillon

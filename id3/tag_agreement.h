@@ -1,0 +1,25 @@
+#pragma once
+
+#include <string_view>
+
+namespace quillon {
+
+/// Whether a tag's value, which is not empty, and the expected one agree over the length of the
+/// shorter, letter case aside: a field of 30 bytes cuts long texts. Characters that the ANSI code
+/// page lacks may stand as "?" in a tag, and agree as such. A few ANSI texts happen to be UTF-8,
+/// too; they agree with either reading.
+bool TagAgrees(std::string_view value, std::string_view expected);
+
+/// The same with the name of a file or folder, which cannot hold every character: "AC/DC" agrees
+/// with the folder AC-DC.
+bool TagAgreesWithName(std::string_view value, std::string_view name);
+
+/// The same with the title in a file's name. A tag that says the beginning of what stands behind a
+/// number or a dash ("01 - A title that no tag can hold") agrees, too: it has nothing to add to the
+/// name. When it says all of that, it does not: then the name holds more than the title.
+bool TagAgreesWithTitle(std::string_view value, std::string_view title);
+
+/// Whether the value has characters that the names made of tags do not have.
+bool HoldsMoreThanNames(std::string_view value);
+
+}  // namespace quillon

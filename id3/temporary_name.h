@@ -1,0 +1,21 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace quillon {
+
+/// Files that exchange their names need another one for a moment: that of "Dawn.mp3" is
+/// "Dawn.quillon-renaming.mp3". When a run is killed in that moment, the next one knows by it what
+/// the file was called, and goes on.
+std::string TemporaryPath(std::string_view path);
+
+/// What a file of such a name was called; nothing for any other name.
+std::optional<std::string> NameBeforeRenaming(std::string_view name);
+
+/// The path that the row of a vanished file has while another file takes that file's name: no file
+/// has it, so nobody takes the row for his.
+std::string PathOfVanished(std::string_view path);
+
+}  // namespace quillon
