@@ -62,7 +62,7 @@ RunOutcome LibraryForm::main() {
     steps.Try(0, [&] {
         run_.connection =
             databases_.Open(std::string(ConnectionPrefix) + run_.settings.Nirvis_CDJ_DB);
-        run_.random.Seed(run_.clock.Now());
+        run_.random.Seed(run_.clock.Now(), run_.clock.Nanoseconds());
         ReadGenreNames();
         GiveBackForgottenMarks();
         procedures_.BuildORsRecordset(run_);

@@ -48,7 +48,7 @@ void PlaylistEntries::Add(const PlaylistEntry& entry) {
 
 PlaylistEntry PlaylistEntries::At(Position position) const {
     const Row& row = rows_.at(position);
-    return {.ID = row.id,
+    return {.ID = Present(row.id),
             .Track = row.track,
             .Artist = artists_.Text(row.artist),
             .CDJID = cdjids_.Text(row.cdjid),
@@ -102,13 +102,43 @@ std::vector<PlaylistEntries::Position> PlaylistEntries::Sorted(const TextPool& t
     return sorted;
 }
 
+void PlaylistEntries::SongBecame(std::int32_t oldId, std::int32_t newId) {
+    // Of rows that became each other one must stay what it is.
+    if (Present(newId) != Present(oldId)) became_[oldId] = newId;
+}
+
+std::int32_t PlaylistEntries::Present(std::int32_t id) const {
+    for (auto found = became_.find(id); found != became_.end(); found = became_.find(id))
+        id = found->second;
+    return id;
+}
+
+bool PlaylistEntries::HasBecomeAnother(Position position) const {
+    return became_.contains(rows_.at(position).id);
+}
+
+void PlaylistEntries::NoteRead(std::string_view playlist, const PlaylistContent& content) {
+    contents_[playlists_.Add(playlist)] = content;
+}
+
+std::optional<PlaylistContent> PlaylistEntries::ContentOf(std::string_view playlist) const {
+    const std::optional<Text> name = playlists_.Find(playlist);
+    const auto found = name ? contents_.find(*name) : contents_.end();
+    if (found == contents_.end()) return std::nullopt;
+    return found->second;
+}
+
 void PlaylistEntries::NoteUnread(std::string_view playlist) {
     unread_.insert(playlists_.Add(playlist));
 }
 
-bool PlaylistEntries::IsUnread(std::string_view playlist) const {
+void PlaylistEntries::NoteMadeAnew(std::string_view playlist) {
+    madeAnew_.insert(playlists_.Add(playlist));
+}
+
+bool PlaylistEntries::IsIn(const std::unordered_set<Text>& names, std::string_view playlist) const {
     const std::optional<Text> name = playlists_.Find(playlist);
-    return nothingRead_ || (name && unread_.contains(*name));
+    return name && names.contains(*name);
 }
 
 }  // namespace quillon

@@ -94,8 +94,12 @@ void SafeFile::SetModified(const std::timespec& modified) {
     if (futimens(file_.Descriptor(), times.data()) != 0) throw SystemFailure(errno, shownPath_);
 }
 
-void SafeFile::Commit() {
+void SafeFile::Sync() {
     if (fsync(file_.Descriptor()) != 0) throw SystemFailure(errno, shownPath_);
+}
+
+void SafeFile::Commit() {
+    Sync();
     Rename();
     committed_ = true;
     SyncFolder(FolderOf(target_));
