@@ -69,7 +69,7 @@ RunOutcome LibraryForm::main() {
     Steps steps(run_, "QuillonShelfkeeper Main");
     steps.Try(0, [&] {
         run_.connection = databases_.Open(LibraryConnectionString(run_.settings.Nirvis_CDJ_DB));
-        run_.random.Seed(run_.clock.Now());
+        run_.random.Seed(run_.clock.Now(), run_.clock.Nanoseconds());
         ReadGenreNames();
         const Mode* const mode = SelectMode(run_.settings);
         if (mode != nullptr && !SecureMode(*mode)) {

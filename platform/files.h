@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
@@ -66,7 +67,12 @@ class TextWriter {
     virtual ~TextWriter() = default;
     virtual void Write(std::string_view text) = 0;
     virtual void WriteLine(std::string_view line) = 0;
+    /// Bytes as they are, in whatever code page.
+    virtual void WriteBytes(std::string_view bytes) = 0;
     virtual void Close() = 0;
+    /// The same if the answer is yes. It is asked for last, when all has been written and only the
+    /// name is still to be taken. Otherwise nothing is left behind and the result is false.
+    virtual bool CloseIf(const std::function<bool()>& isWanted) = 0;
 };
 
 /// Bytes of a file, read from any position.

@@ -12,6 +12,7 @@
 #include "run/counted.h"
 #include "run/log.h"
 #include "run/run.h"
+#include "run/steps.h"
 
 namespace quillon {
 namespace {
@@ -50,19 +51,43 @@ class EntryReader {
         }
     }
 
-    std::size_t Unnumbered() const { return unnumbered_; }
+    void TellLeftOut() const {
+        Tell(unnumbered_, "without a number");
+        Tell(homeless_, "without an album's identifier (CDJID)");
+    }
 
   private:
+    /// Tracks that no list can name.
+    struct LeftOut {
+        std::size_t count = 0;
+        std::string first;
+
+        void Add(const RecordSet& track) {
+            if (count++ == 0) first = track.Text("Artist") + " - " + track.Text("Title");
+        }
+    };
+
+    void Tell(const LeftOut& tracks, std::string_view what) const {
+        if (tracks.count == 0) return;
+        std::string line = "Tracks " + std::string(what) +
+                           ", left out of the new playlists: " + std::to_string(tracks.count);
+        line += (tracks.count == 1 ? " (" : " (the first is ") + tracks.first + ')';
+        WriteLog(run_, LogSource, line);
+    }
+
     void ReadTracks(const GenreArtist& artist) {
-        const std::unique_ptr<RecordSet> tracks = run_.connection->Query(
-            "SELECT CDJID, Artist, Track, Title FROM Tracks WHERE Artist=" + Quoted(artist.artist));
+        const std::unique_ptr<RecordSet> tracks =
+            run_.connection->Query("SELECT CDJID, Artist, Track, Title FROM Tracks WHERE Artist=" +
+                                   FilterQuoted(artist.artist));
         // The first track's answer counts for all: an artist is wanted or not, and people who mark
         // some songs of one rely on that.
         if (tracks->IsEof() || IsExcluded(tracks->Text("Title"), artist.artist)) return;
         for (; !tracks->IsEof(); tracks->MoveNext()) {
             const auto number = static_cast<std::int32_t>(tracks->Integer("Track"));
             if (number < 1) {
-                ++unnumbered_;
+                unnumbered_.Add(*tracks);
+            } else if (tracks->Text("CDJID").empty()) {
+                homeless_.Add(*tracks);
             } else {
                 Add(*tracks, artist, number);
             }
@@ -71,7 +96,7 @@ class EntryReader {
 
     void ReadAlbums(const GenreArtist& artist) {
         const std::unique_ptr<RecordSet> albums = run_.connection->Query(
-            "SELECT CDJID, Artist FROM Albums WHERE Artist=" + Quoted(artist.artist));
+            "SELECT CDJID, Artist FROM Albums WHERE Artist=" + FilterQuoted(artist.artist));
         for (; !albums->IsEof(); albums->MoveNext())
             Add(*albums, artist, WholeAlbum);
     }
@@ -82,7 +107,7 @@ class EntryReader {
             " INNER JOIN Spinner ON (Tracks.Title = Spinner.Song) AND "
             "(Tracks.Artist = Spinner.Artist)"
             " WHERE (((Tracks.Title)=" +
-            Quoted(title) + ") AND ((Tracks.Artist)=" + Quoted(artist) + "))");
+            FilterQuoted(title) + ") AND ((Tracks.Artist)=" + FilterQuoted(artist) + "))");
         return !rows->IsEof() && rows->Integer("Exclude") != 0;
     }
 
@@ -103,22 +128,22 @@ class EntryReader {
 
     Run& run_;
     ArtistEntries kind_;
-    std::size_t unnumbered_ = 0;
+    LeftOut unnumbered_, homeless_;
 };
 
 }  // namespace
 
-void ReadArtistEntries(Run& run, ArtistEntries kind) {
+bool ReadArtistEntries(Run& run, Steps& steps, ArtistEntries kind) {
     EntryReader reader(run, kind);
+    bool areAllRead = true;
     for (const GenreArtist& artist : Counted(run, DownloadArtists(*run.connection))) {
         run.ShowItem("1. Read Playlist Track / Album Info - " + artist.artist);
-        reader.Read(artist);
+        steps.Concerning(artist.artist);
+        areAllRead &= steps.Try(0, [&] { reader.Read(artist); });
     }
-    if (reader.Unnumbered() > 0) {
-        WriteLog(run, LogSource,
-                 "Tracks without a number, left out of the new playlists: " +
-                     std::to_string(reader.Unnumbered()));
-    }
+    steps.Concerning({});
+    reader.TellLeftOut();
+    return areAllRead;
 }
 
 }  // namespace quillon

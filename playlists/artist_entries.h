@@ -1,10 +1,9 @@
 #pragma once
 
-#include <cstddef>
-
 namespace quillon {
 
 class Run;
+class Steps;
 
 /// What an artist's music goes into the working set as.
 enum class ArtistEntries {
@@ -14,8 +13,9 @@ enum class ArtistEntries {
 
 /// Puts the music of every artist that has a genre in the download table into the working set:
 /// artist, genre, album, number (-1 for a whole album) and sort key. An artist whose first track is
-/// excluded there is left out. Tracks without a number cannot be named in a playlist; they are left
-/// out, too, and counted in the log. Throws Failure.
-void ReadArtistEntries(Run& run, ArtistEntries kind);
+/// excluded there is left out. Tracks without a number or without an album's identifier cannot be
+/// named in a playlist; they are left out, too, and counted in the log. An artist whose music
+/// cannot be read is logged, and costs the others nothing; whether there was none. Throws Failure.
+bool ReadArtistEntries(Run& run, Steps& steps, ArtistEntries kind);
 
 }  // namespace quillon

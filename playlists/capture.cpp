@@ -1,20 +1,21 @@
 #include "playlists/capture.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <limits>
-#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "database/snapshot_file.h"
-#include "platform/database.h"
+#include "platform/ansi.h"
 #include "platform/files.h"
+#include "playlists/generated_rows.h"
 #include "playlists/pla_line.h"
 #include "playlists/playlist_folder.h"
 #include "playlists/playlist_snapshot.h"
+#include "playlists/playlist_text.h"
 #include "playlists/track_index.h"
 #include "run/counted.h"
 #include "run/log.h"
@@ -24,140 +25,235 @@
 namespace quillon {
 namespace {
 
-bool IsTrue(const Value& value) {
-    const bool* const answer = std::get_if<bool>(&value);
-    return answer != nullptr && *answer;
-}
-
-/// The rows stay: creation finds them again.
-void DeleteGenerated(Run& run, Steps& steps) {
-    const std::unique_ptr<RecordSet> rows = run.connection->Query(
-        "SELECT * FROM Playlists WHERE AutoGenre = True Or AutoArtist = True");
-    for (; !rows->IsEof(); rows->MoveNext()) {
-        const bool isMadeAnew = (IsTrue(rows->Get("AutoArtist")) && run.settings.ArtistPlaylist) ||
-                                (IsTrue(rows->Get("AutoGenre")) && run.settings.GenrePlaylist);
-        if (!isMadeAnew) continue;
-        const std::string path =
-            rows->Text("FilePath") + rows->Text("Filename") + rows->Text("Type");
-        // One that cannot be deleted must not keep the others from being captured.
-        steps.Try(2, [&] {
-            if (run.files.FileExists(path)) run.files.DeleteFile(path);
-        });
-    }
+/// By more than what is lost when a time is stored.
+bool IsLater(DateTime time, DateTime than) {
+    constexpr double HalfASecond = 0.5 / (24 * 60 * 60);
+    return time.days > than.days + HalfASecond;
 }
 
 /// Reads playlists into the working set.
 class Capture {
   public:
-    Capture(Run& run, const TrackIndex& tracks, std::optional<PlaylistSnapshot> interrupted)
-        : run_(run), tracks_(tracks), interrupted_(std::move(interrupted)) {}
+    Capture(Run& run, const TrackIndex& tracks, const PlaylistSnapshot* earlier)
+        : run_(run), tracks_(tracks), earlier_(earlier) {}
 
     void Read(const FileEntry& file) {
-        run_.ShowItem("1. Capture Existing Playlists - " + file.name);
-        std::vector<CapturedEntry> entries;
-        const PlaylistContent content = ReadEntries(file, entries);
-        const CapturedPlaylist* const known =
-            interrupted_ ? interrupted_->Find(file.name, content) : nullptr;
-        const bool isKnown = known != nullptr && Fits(*known);
-        if (isKnown && known->entries != entries) ++fromSnapshot_;
+        const std::string text = ReadPlaylist(run_.files, file.path);
+        const PlaylistContent content = ContentOf(text);
+        const std::optional<std::vector<CapturedEntry>> earlier =
+            EarlierEntries(file, text, content);
+        if (earlier && HasOtherMeaning(*earlier)) ++fromSnapshot_;
 
         const auto begin = static_cast<PlaylistEntries::Position>(run_.playlistEntries.Count());
-        for (const CapturedEntry& entry : isKnown ? known->entries : entries)
+        for (const CapturedEntry& entry : earlier ? *earlier : PresentEntries(text))
             Add(file.name, entry);
         const auto end = static_cast<PlaylistEntries::Position>(run_.playlistEntries.Count());
+        run_.playlistEntries.NoteRead(file.name, content);
         playlists_.push_back({file.name, content, begin, end});
     }
 
-    const std::vector<PlaylistRange>& Playlists() const { return playlists_; }
+    std::vector<PlaylistRange> TakePlaylists() { return std::move(playlists_); }
 
     /// How many playlists mean something else than their lines say at present, because an
     /// interrupted run had captured them before the library changed.
     std::size_t FromSnapshot() const { return fromSnapshot_; }
 
   private:
-    PlaylistContent ReadEntries(const FileEntry& file, std::vector<CapturedEntry>& entries) const {
-        PlaylistContent content{.size = file.size, .fingerprint = Fingerprint("")};
-        const std::unique_ptr<TextReader> text = run_.files.OpenText(file.path);
-        for (bool isHeader = true; !text->AtEndOfStream(); isHeader = false) {
-            const std::string line = text->ReadLine();
-            content.fingerprint = Fingerprint(line, Fingerprint("\n", content.fingerprint));
-            if (isHeader) continue;
-            if (std::optional<CapturedEntry> entry = Resolved(line))
-                entries.push_back(std::move(*entry));
+    /// Calls visit(cdjid, index) for each line that names a song by its place.
+    template <typename Visit>
+    static void ForEachPlace(std::string_view text, Visit visit) {
+        const std::vector<std::string_view> lines = LinesOf(text);
+        for (std::size_t i = 1; i < lines.size(); ++i) {
+            const std::string line = AnsiToUtf8(lines[i]);
+            const std::optional<PlaFields> fields = FirstTwoFields(line);
+            if (!fields || fields->index == WholeAlbumIndex) continue;
+            const std::optional<std::int32_t> index = WholeIndex(fields->index);
+            if (!index || *index == std::numeric_limits<std::int32_t>::max()) continue;
+            visit(fields->cdjid, *index);
         }
-        return content;
     }
 
-    /// What a line means at present; nothing for a whole album and for what means nothing.
-    std::optional<CapturedEntry> Resolved(std::string_view line) const {
-        const std::optional<PlaFields> fields = FirstTwoFields(line);
-        if (!fields || fields->index == WholeAlbumIndex) return std::nullopt;
-        const std::optional<std::int32_t> index = WholeIndex(fields->index);
-        if (!index || *index == std::numeric_limits<std::int32_t>::max()) return std::nullopt;
-        const IndexedTrack* const track = tracks_.FindPlace(fields->cdjid, *index + 1);
+    /// What the lines mean at present; nothing for those that mean no song.
+    std::vector<CapturedEntry> PresentEntries(std::string_view text) const {
+        std::vector<CapturedEntry> entries;
+        ForEachPlace(text, [&](std::string_view cdjid, std::int32_t index) {
+            if (std::optional<CapturedEntry> entry = Present(cdjid, index))
+                entries.push_back(std::move(*entry));
+        });
+        return entries;
+    }
+
+    bool HasOtherMeaning(const std::vector<CapturedEntry>& entries) const {
+        return std::any_of(entries.begin(), entries.end(), [this](const CapturedEntry& entry) {
+            const IndexedTrack* const track = tracks_.FindPlace(entry.cdjid, entry.index + 1);
+            return track == nullptr || track->id != entry.id;
+        });
+    }
+
+    std::optional<CapturedEntry> Present(std::string_view cdjid, std::int32_t index) const {
+        const IndexedTrack* const track = tracks_.FindPlace(cdjid, index + 1);
         if (track == nullptr) return std::nullopt;
-        return CapturedEntry{.cdjid = std::string(fields->cdjid),
-                             .index = *index,
-                             .id = track->id,
-                             .soundFile = track->soundFile};
+        return CapturedEntry{
+            .cdjid = std::string(cdjid), .index = index, .id = track->id, .traits = track->traits};
     }
 
-    /// Whether the rows are those that were captured, as far as they are still there; the database
-    /// may have been replaced since.
-    bool Fits(const CapturedPlaylist& playlist) const {
-        return std::all_of(playlist.entries.begin(), playlist.entries.end(),
-                           [this](const CapturedEntry& entry) {
-                               const IndexedTrack* const track = tracks_.FindId(entry.id);
-                               return track == nullptr || track->soundFile == entry.soundFile;
-                           });
+    /// What the lines meant when an earlier run had captured the list or its places; nothing where
+    /// none had, or where the list has been changed since.
+    std::optional<std::vector<CapturedEntry>> EarlierEntries(const FileEntry& file,
+                                                             std::string_view text,
+                                                             const PlaylistContent& content) const {
+        if (earlier_ == nullptr) return std::nullopt;
+        std::vector<CapturedEntry> entries;
+        const auto take = [&](const CapturedEntry& entry) {
+            if (std::optional<CapturedEntry> judged = Judged(entry))
+                entries.push_back(std::move(*judged));
+        };
+        const CapturedPlaylist* const known = earlier_->Find(file.name);
+        if (known != nullptr) {
+            if (known->content != content) return std::nullopt;
+            for (const CapturedEntry& entry : known->entries)
+                take(entry);
+            return entries;
+        }
+        if (!earlier_->Places() || IsLater(file.modified, earlier_->Places()->time))
+            return std::nullopt;
+        ForEachPlace(text, [&](std::string_view cdjid, std::int32_t index) {
+            if (const CapturedEntry* const entry = earlier_->AtPlace(cdjid, index)) take(*entry);
+        });
+        return entries;
     }
 
+    /// The entry, provided that its row is still the one that was captured, or has gone; what its
+    /// line means at present where another row has the key.
+    std::optional<CapturedEntry> Judged(const CapturedEntry& entry) const {
+        const IndexedTrack* const track = tracks_.FindId(entry.id);
+        if (track == nullptr) return entry;
+        return track->traits.Fit(entry.traits) ? entry : Present(entry.cdjid, entry.index);
+    }
+
+    /// One song of a playlist counts once; another place of it stays, to be known for its double.
     void Add(const std::string& playlist, const CapturedEntry& entry) {
-        if (run_.playlistEntries.FindSong(entry.id, playlist)) return;
+        if (run_.playlistEntries.FindPlace(entry.cdjid, entry.index, playlist)) return;
         run_.playlistEntries.Add(
             {.ID = entry.id, .Track = entry.index, .CDJID = entry.cdjid, .Playlist = playlist});
     }
 
     Run& run_;
     const TrackIndex& tracks_;
-    const std::optional<PlaylistSnapshot> interrupted_;
+    const PlaylistSnapshot* earlier_;
     std::vector<PlaylistRange> playlists_;
     std::size_t fromSnapshot_ = 0;
 };
 
-void CaptureExisting(Run& run, Steps& steps) {
-    const TrackIndex tracks(*run.connection);
-    if (tracks.IsEmpty() || !PlaylistFolderExists(run)) return;
-    std::optional<PlaylistSnapshot> interrupted;
-    steps.Try(4, [&] { interrupted = ReadPlaylistSnapshot(run); });
-    Capture capture(run, tracks, std::move(interrupted));
-    for (const FileEntry& file : Counted(run, PlaylistFiles(run))) {
-        // One that cannot be read must not cost the others their songs.
-        if (!steps.Try(5, [&] { capture.Read(file); })) run.playlistEntries.NoteUnread(file.name);
+/// The whole of the second step.
+class CaptureExisting {
+  public:
+    CaptureExisting(Run& run, Steps& steps, const GeneratedRows& generated)
+        : run_(run), steps_(steps), generated_(generated), tracks_(*run.connection) {}
+
+    void Perform() {
+        if (tracks_.IsEmpty()) return KnowNothing();
+        // A snapshot that is there and cannot be read says what the lists mean; going by the lists
+        // and writing another one would be worse than to leave both as they are.
+        if (std::optional<PlaylistSnapshot> earlier = ReadPlaylistSnapshot(run_))
+            earlier_ = std::make_shared<const PlaylistSnapshot>(*std::move(earlier));
+        if (earlier_ && earlier_->IsForeignTo(tracks_)) earlier_.reset();
+        bool isThere = false;
+        const bool isListed = steps_.Try(3, [&] {
+            isThere = PlaylistFolderExists(run_);
+            if (isThere) folder_ = ReadPlaylistFolder(run_, steps_);
+        });
+        if (!isListed) return KeepAll();
+        if (!isThere) return KnowNothing();
+        ReadLists();
     }
-    if (capture.FromSnapshot() > 0) {
-        WriteLog(run, LogSource,
-                 "An earlier run was interrupted; playlists taken as it had captured them: " +
-                     std::to_string(capture.FromSnapshot()));
+
+  private:
+    void KnowNothing() { run_.playlistEntries.NoteNothingRead(); }
+
+    /// Nobody knows which lists there are, so what any of them may mean is kept.
+    void KeepAll() {
+        KnowNothing();
+        SnapshotContent content;
+        if (earlier_) {
+            for (const CapturedPlaylist& playlist : earlier_->Playlists())
+                content.takenOver.push_back(&playlist);
+        }
+        Write(std::move(content), true);
     }
-    // The run is worth as much without it, as long as nobody interrupts it.
-    steps.Try(6, [&] { WritePlaylistSnapshot(run, tracks, capture.Playlists()); });
-    run.playlistEntries.OnKeep([&run, playlists = capture.Playlists()] {
-        WritePlaylistSnapshot(run, TrackIndex(*run.connection), playlists);
-    });
-}
+
+    void ReadLists() {
+        Capture capture(run_, tracks_, earlier_.get());
+        for (const std::string& name : folder_.unread)
+            run_.playlistEntries.NoteUnread(name);
+        for (const FileEntry& file : Counted(run_, folder_.lists)) {
+            if (generated_.HaveName(file.name)) {
+                run_.playlistEntries.NoteMadeAnew(file.name);
+                continue;
+            }
+            run_.ShowItem("1. Capture Existing Playlists - " + file.name);
+            steps_.Concerning(file.path);
+            // One that cannot be read must not cost the others their songs.
+            if (!steps_.Try(5, [&] { capture.Read(file); }))
+                run_.playlistEntries.NoteUnread(file.name);
+        }
+        steps_.Concerning({});
+        if (capture.FromSnapshot() > 0) {
+            WriteLog(run_, LogSource,
+                     "An earlier run was interrupted; playlists taken as it had captured them: " +
+                         std::to_string(capture.FromSnapshot()));
+        }
+        // An unmounted drive is an empty folder: what is kept for its lists stays for them.
+        if (run_.playlistEntries.ReadCount() == 0 && earlier_) return KnowNothing();
+        SnapshotContent content;
+        content.captured = capture.TakePlaylists();
+        if (earlier_) AddUnread(content.takenOver);
+        Write(std::move(content), run_.playlistEntries.HasUnread());
+    }
+
+    void AddUnread(std::vector<const CapturedPlaylist*>& takenOver) const {
+        for (const CapturedPlaylist& playlist : earlier_->Playlists()) {
+            if (run_.playlistEntries.IsUnread(playlist.name)) takenOver.push_back(&playlist);
+        }
+    }
+
+    /// The run is worth as much without the snapshot, as long as nobody interrupts it.
+    void Write(SnapshotContent content, bool withPlaces) {
+        steps_.Try(6, [&] {
+            if (withPlaces) {
+                content.places = earlier_ && earlier_->Places()
+                                     ? earlier_->Places()
+                                     : PresentPlaces(tracks_, run_.clock.Now());
+            }
+            WritePlaylistSnapshot(run_, tracks_, content);
+        });
+        // Songs may become others while the library changes; then it is written anew.
+        run_.playlistEntries.OnKeep([&run = run_, earlier = earlier_, kept = std::move(content)] {
+            WritePlaylistSnapshot(run, TrackIndex(*run.connection), kept);
+        });
+    }
+
+    Run& run_;
+    Steps& steps_;
+    const GeneratedRows& generated_;
+    TrackIndex tracks_;
+    std::shared_ptr<const PlaylistSnapshot> earlier_;  ///< null: none
+    PlaylistFolder folder_;
+};
 
 }  // namespace
 
 void CapturePlaylists(Run& run) {
     Steps steps(run, "Capture Playlists Error:");
     run.ShowItem("1. Delete Previously AutoGenerated Playlists");
-    steps.Try(1, [&] { DeleteGenerated(run, steps); });
+    GeneratedRows generated;
+    steps.Try(1, [&] { generated = ReadGeneratedRows(run); });
     run.ShowItem("2. Capture Existing Playlists");
     if (run.AbortRequested) return;
     // What follows takes the working set for complete: a playlist of which it knows nothing would
     // lose every entry.
-    if (!steps.Try(3, [&] { CaptureExisting(run, steps); })) run.playlistEntries.NoteNothingRead();
+    if (!steps.Try(3, [&] { CaptureExisting(run, steps, generated).Perform(); }))
+        run.playlistEntries.NoteNothingRead();
 }
 
 }  // namespace quillon

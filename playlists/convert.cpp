@@ -1,18 +1,24 @@
 #include "playlists/convert.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 #include "database/sql.h"
+#include "platform/ansi.h"
 #include "platform/basic_text.h"
 #include "platform/database.h"
 #include "platform/files.h"
 #include "playlists/m3u.h"
 #include "playlists/pla_line.h"
 #include "playlists/playlist_folder.h"
+#include "playlists/playlist_text.h"
 #include "run/counted.h"
 #include "run/log.h"
 #include "run/run.h"
@@ -35,20 +41,84 @@ std::vector<std::string> TracksOf(Run& run, const PlaFields& fields) {
     return tracks;
 }
 
-void WriteEntry(Run& run, Steps& steps, TextWriter& output, const PlaFields& fields) {
+void AddEntry(Run& run, Steps& steps, const PlaFields& fields, std::vector<M3uSong>& songs) {
     std::vector<std::string> tracks;
     steps.Try(5, [&] { tracks = TracksOf(run, fields); });
     for (const std::string& track : tracks)
-        WriteM3uTrack(run, output, fields.cdjid, track);
+        WriteM3uTrack(run, songs, fields.cdjid, track);
+}
+
+/// The songs of all lines behind the header; nothing for a list that has none.
+std::optional<std::vector<M3uSong>> SongsOf(Run& run, Steps& steps, const FileEntry& file) {
+    const std::string text = ReadPlaylist(run.files, file.path);
+    const std::vector<std::string_view> lines = LinesOf(text);
+    if (lines.size() < 2) return std::nullopt;
+    std::vector<M3uSong> songs;
+    for (std::size_t i = 1; i < lines.size(); ++i) {
+        const std::string line = AnsiToUtf8(lines[i]);
+        if (const auto fields = ExactlyTwoFields(line)) AddEntry(run, steps, *fields, songs);
+    }
+    return songs;
+}
+
+/// A list for other players in one of two encodings.
+class M3uText {
+  public:
+    M3uText() { AddLine(std::string(M3uHeader)); }
+    void AddLine(const std::string& line) { (bytes_ += line) += PlaylistLineEnd; }
+    const std::string& Bytes() const { return bytes_; }
+
+  private:
+    std::string bytes_;
+};
+
+/// A file that is not named as a playlist makes one of its own name, where anything may lie.
+bool MayReplace(Run& run, const FileEntry& file, const std::string& target) {
+    if (HasPlaylistName(file.name) || !run.files.FileExists(target)) return true;
+    return ReadPlaylist(run.files, target).starts_with(M3uHeader);
+}
+
+void TellMissing(Run& run, const std::string& target, const std::vector<std::string>& missing) {
+    constexpr std::size_t MostNames = 10;
+    std::string text = "PlaToM3u: " + target + " lacks " + std::to_string(missing.size()) +
+                       (missing.size() == 1 ? " song, whose path" : " songs, whose paths") +
+                       " it cannot hold; " + M3u8Name(target) + " has all: ";
+    for (std::size_t i = 0; i < std::min(missing.size(), MostNames); ++i)
+        text += (i == 0 ? "" : ", ") + missing[i];
+    if (missing.size() > MostNames)
+        text += " and " + std::to_string(missing.size() - MostNames) + " more";
+    WriteLog(run, LogSource, text);
+}
+
+void WriteM3u(Run& run, const std::string& target, const std::vector<M3uSong>& songs) {
+    M3uText ansi, utf8;
+    std::vector<std::string> missing;
+    for (const M3uSong& song : songs) {
+        utf8.AddLine(song.information);
+        utf8.AddLine(song.soundFile);
+        if (const std::optional<std::string> path = Utf8ToAnsiExactly(song.soundFile)) {
+            ansi.AddLine(Utf8ToAnsi(song.information));
+            ansi.AddLine(*path);
+        } else {
+            missing.push_back(song.soundFile);
+        }
+    }
+    const std::string whole = M3u8Name(target);
+    // One that an earlier run had to make is kept true, even when it is not needed any more.
+    if (!missing.empty() || run.files.FileExists(whole)) {
+        if (WriteIfOther(run.files, whole, utf8.Bytes())) ++run.counts.playlistsWritten;
+    }
+    if (WriteIfOther(run.files, target, ansi.Bytes())) ++run.counts.playlistsWritten;
+    if (!missing.empty()) TellMissing(run, target, missing);
 }
 
 }  // namespace
 
 void aPlaToM3u_Click(Run& run) {
     Steps steps(run, "aPlaToM3u_Click");
-    std::vector<FileEntry> files;
-    steps.Try(1, [&] { files = PlaylistFiles(run); });
-    for (const FileEntry& file : Counted(run, files)) {
+    PlaylistFolder folder;
+    steps.Try(1, [&] { folder = ReadPlaylistFolder(run, steps); });
+    for (const FileEntry& file : Counted(run, folder.lists)) {
         run.ProcessEvents();
         if (run.AbortRequested) return;
         PlaToM3u(run, file);
@@ -58,24 +128,20 @@ void aPlaToM3u_Click(Run& run) {
 void PlaToM3u(Run& run, const FileEntry& file) {
     run.ShowItem("1. Playlist " + file.name);
     Steps steps(run, "PlaToM3u");
+    steps.Concerning(file.path);
     steps.Try(2, [&] {
-        const std::unique_ptr<TextReader> input = run.files.OpenText(file.path);
-        if (!input->AtEndOfStream()) input->ReadLine();
-        if (input->AtEndOfStream()) return;
+        const std::optional<std::vector<M3uSong>> songs = SongsOf(run, steps, file);
+        if (!songs) return;
         const std::string target = run.settings.PlayListPath2 + M3uName(file.name);
         if (EqualIgnoringCase(target, file.path)) {
             WriteLog(run, LogSource, "PlaToM3u: " + file.path + " would be replaced by itself");
-            return;
+        } else if (!MayReplace(run, file, target)) {
+            LogError(
+                run, LogSource,
+                "PlaToM3u: " + target + " is no playlist, so " + file.path + " is not converted");
+        } else {
+            WriteM3u(run, target, *songs);
         }
-        const std::unique_ptr<TextWriter> output = run.files.CreateText(target);
-        output->WriteLine(M3uHeader);
-        while (!input->AtEndOfStream()) {
-            const std::string line = input->ReadLine();
-            const auto fields = ExactlyTwoFields(line);
-            if (fields) WriteEntry(run, steps, *output, *fields);
-        }
-        output->Close();
-        ++run.counts.playlistsWritten;
     });
 }
 

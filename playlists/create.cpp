@@ -1,5 +1,6 @@
 #include "playlists/create.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -9,9 +10,17 @@
 
 #include "platform/basic_text.h"
 #include "platform/database.h"
+#include "platform/failure.h"
 #include "playlists/artist_entries.h"
-#include "playlists/playlist_writer.h"
+#include "playlists/generated_lists.h"
+#include "playlists/obsolete_lists.h"
+#include "playlists/pla_line.h"
+#include "playlists/playlist_folder.h"
+#include "playlists/playlist_rows.h"
+#include "playlists/playlist_text.h"
 #include "run/counted.h"
+#include "run/log.h"
+#include "run/name_cleaning.h"
 #include "run/playlist_entries.h"
 #include "run/run.h"
 #include "run/steps.h"
@@ -42,44 +51,38 @@ class Threshold {
     std::unordered_map<std::string, std::int64_t> counts_;  ///< by artist in lower case
 };
 
-void CreateGenrePlaylists(Run& run) {
-    PlaylistWriter writer(run, GeneratedBy::Genre);
+void PlanGenres(const Run& run, GeneratedLists& lists) {
     std::string_view genre;
-    for (const PlaylistEntries::Position at : Counted(run, run.playlistEntries.ByGenre())) {
+    for (const PlaylistEntries::Position at : run.playlistEntries.ByGenre()) {
         const PlaylistEntry entry = run.playlistEntries.At(at);
         if (entry.Genre != genre) {
             genre = entry.Genre;
-            writer.Begin(genre);
+            lists.Begin(genre);
         }
-        writer.WriteTrack(entry.CDJID, entry.Track);
+        lists.AddTrack(entry.CDJID, entry.Track);
     }
-    writer.End();
 }
 
-void CreateArtistPlaylistsByTrack(Run& run) {
+void PlanArtistsByTrack(Run& run, GeneratedLists& lists) {
     const Threshold threshold(run);
-    PlaylistWriter writer(run, GeneratedBy::Artist);
     std::string_view artist;
     bool isWanted = false;
-    for (const PlaylistEntries::Position at : Counted(run, run.playlistEntries.ByArtist())) {
+    for (const PlaylistEntries::Position at : run.playlistEntries.ByArtist()) {
         const PlaylistEntry entry = run.playlistEntries.At(at);
         if (entry.Artist != artist) {
             artist = entry.Artist;
-            run.ShowItem("3. Create Artist Playlist - " + std::string(artist));
             isWanted = threshold.IsReachedBy(artist);
-            if (isWanted) writer.Begin(artist);
+            if (isWanted) lists.Begin(artist);
         }
-        if (isWanted) writer.WriteTrack(entry.CDJID, entry.Track);
+        if (isWanted) lists.AddTrack(entry.CDJID, entry.Track);
     }
-    writer.End();
 }
 
-void CreateArtistPlaylistsByAlbum(Run& run) {
+/// Whether there are any albums to make lists of.
+bool PlanArtistsByAlbum(Run& run, GeneratedLists& lists) {
     const Threshold threshold(run);
-    PlaylistWriter writer(run, GeneratedBy::Artist);
     const std::unique_ptr<RecordSet> albums = run.connection->OpenTable("Albums");
     albums->Filter("Artist <> '' AND CDJID <> ''");
-    run.StartCountingRows("Albums WHERE Artist <> '' AND CDJID <> ''");
     albums->Sort("Artist");
     std::string artist;
     bool isWanted = false;
@@ -87,36 +90,126 @@ void CreateArtistPlaylistsByAlbum(Run& run) {
         const std::string albumArtist = albums->Text("Artist");
         if (!EqualIgnoringCase(albumArtist, artist)) {
             artist = albumArtist;
-            run.ShowItem("3. Create Artist Playlist - " + artist);
             isWanted = threshold.IsReachedBy(artist);
-            if (isWanted) writer.Begin(artist);
+            if (isWanted) lists.Begin(artist);
         }
-        if (isWanted) writer.WriteAlbum(albums->Text("CDJID"));
-        run.CountDone();
+        if (isWanted) lists.AddAlbum(albums->Text("CDJID"));
     }
-    writer.End();
+    return !artist.empty();
 }
+
+/// More failures in a row come from a full disk, or a folder where nothing may be written.
+constexpr std::size_t MostFailures = 10;
+
+class Creation {
+  public:
+    Creation(Run& run, Steps& steps) : run_(run), steps_(steps), rows_(run) {}
+
+    void Perform() {
+        run_.ShowItem("1. Read Playlist Track / Album Info");
+        bool isAllRead = false;
+        if (!run_.AbortRequested)
+            isAllRead = ReadArtistEntries(run_, steps_, ArtistEntries::Tracks);
+        const bool makesGenres = run_.settings.GenrePlaylist && !run_.AbortRequested;
+        if (makesGenres) PlanGenreLists();
+        // An abort does not keep this part from its work: it was asked for before that.
+        const bool makesArtists = run_.settings.ArtistPlaylist;
+        if (makesArtists) PlanArtistLists();
+        RequireFolder();
+        if (makesGenres) MakeAll("2. New Genre Playlists", genres_);
+        if (makesArtists) MakeAll("3. New Artists Playlists", artists_);
+        if (isAllRead && !run_.AbortRequested) DeleteObsoleteLists(run_, steps_, made_);
+    }
+
+  private:
+    void PlanGenreLists() {
+        PlanGenres(run_, genres_);
+        Planned(genres_, run_.playlistEntries.Count() > 0);
+    }
+
+    void PlanArtistLists() {
+        bool isAny = run_.playlistEntries.Count() > 0;
+        if (run_.settings.PlaylistByAlbumOption) {
+            isAny = PlanArtistsByAlbum(run_, artists_);
+        } else {
+            PlanArtistsByTrack(run_, artists_);
+        }
+        Planned(artists_, isAny);
+    }
+
+    void Planned(const GeneratedLists& lists, bool isAnyMusic) {
+        made_.Plan(lists);
+        if (!isAnyMusic) made_.FoundNoMusic(lists.Family());
+        // Two genres, or a genre and an artist, may lead to the same file; the last one has it.
+        for (const GeneratedList& list : lists.All())
+            last_[LowerCase(list.name)] = &list;
+    }
+
+    void RequireFolder() const {
+        if (last_.empty() || PlaylistFolderExists(run_)) return;
+        throw Failure(FailureNumber::PathNotFound, run_.settings.PlayListPath);
+    }
+
+    void MakeAll(std::string_view item, const GeneratedLists& lists) {
+        run_.ShowItem(item);
+        TellNameless(lists);
+        std::size_t failures = 0;  // in a row
+        for (const GeneratedList& list : Counted(run_, lists.All())) {
+            if (lists.Family() == GeneratedBy::Artist && list.name == list.stem)
+                run_.ShowItem("3. Create Artist Playlist - " + list.of);
+            const std::string path =
+                run_.settings.PlayListPath + list.name + std::string(PlaExtension);
+            steps_.Concerning(path);
+            const bool isMade = steps_.Try(0, [&] { Make(lists, list, path); });
+            if (!isMade) made_.Failed(list);
+            failures = isMade ? 0 : failures + 1;
+            if (failures == MostFailures) {
+                steps_.Concerning({});
+                throw Failure::Described(FailureNumber::PathFileAccess,
+                                         std::to_string(failures) +
+                                             " lists in a row could not be made, so the others "
+                                             "are not tried");
+            }
+        }
+        steps_.Concerning({});
+        made_.Complete(lists.Family());
+    }
+
+    void TellNameless(const GeneratedLists& lists) {
+        for (const std::string& name : lists.Nameless()) {
+            const bool isNothingLeft = NoPlaylistNasties(name).empty();
+            WriteLog(run_, LogSource,
+                     "No playlist for " + name +
+                         (isNothingLeft ? ": nothing of the name can be in a file's name"
+                                        : ": no file can have that name"));
+        }
+    }
+
+    void Make(const GeneratedLists& lists, const GeneratedList& list, const std::string& path) {
+        rows_.Record(list.name, lists.Family());
+        if (last_.at(LowerCase(list.name)) != &list) {
+            WriteLog(run_, LogSource,
+                     "No playlist " + path + " for " + list.of +
+                         ": another one of this run has the same name");
+            return;
+        }
+        if (WriteIfOther(run_.files, path, lists.Text(list))) ++run_.counts.playlistsWritten;
+    }
+
+    Run& run_;
+    Steps& steps_;
+    PlaylistRows rows_;
+    GeneratedLists genres_{GeneratedBy::Genre, run_.settings.MaxPlaylistLength};
+    GeneratedLists artists_{GeneratedBy::Artist, run_.settings.MaxPlaylistLength};
+    std::unordered_map<std::string, const GeneratedList*> last_;  ///< by name in lower case
+    MadeLists made_;
+};
 
 }  // namespace
 
 void CreateNewPlaylists(Run& run) {
     Steps steps(run, "Generate New Playlists Error:");
-    steps.Try(0, [&run] {
-        run.ShowItem("1. Read Playlist Track / Album Info");
-        if (!run.AbortRequested) ReadArtistEntries(run, ArtistEntries::Tracks);
-        if (run.settings.GenrePlaylist && !run.AbortRequested) {
-            run.ShowItem("2. New Genre Playlists");
-            CreateGenrePlaylists(run);
-        }
-        // An abort does not keep this part from its work: it was asked for before that.
-        if (!run.settings.ArtistPlaylist) return;
-        run.ShowItem("3. New Artists Playlists");
-        if (run.settings.PlaylistByAlbumOption) {
-            CreateArtistPlaylistsByAlbum(run);
-        } else {
-            CreateArtistPlaylistsByTrack(run);
-        }
-    });
+    steps.Try(0, [&] { Creation(run, steps).Perform(); });
 }
 
 }  // namespace quillon

@@ -1,6 +1,7 @@
 #include "playlists/m3u.h"
 
 #include <memory>
+#include <utility>
 
 #include "database/sql.h"
 #include "platform/basic_text.h"
@@ -11,11 +12,6 @@
 
 namespace quillon {
 namespace {
-
-struct M3uSong {
-    std::string information;  ///< the line "#EXTINF:..."
-    std::string soundFile;
-};
 
 std::optional<std::int64_t> WholeField(const RecordSet& row, std::string_view field) {
     if (IsNull(row.Get(field))) return std::nullopt;
@@ -63,14 +59,20 @@ std::string M3uName(std::string_view name) {
     return result;
 }
 
-void WriteM3uTrack(Run& run, TextWriter& stream, std::string_view cdjid, std::string_view track) {
+std::string M3u8Name(std::string_view m3uName) {
+    constexpr std::string_view M3u = ".m3u";
+    const bool isM3u = EqualIgnoringCase(Right(m3uName, M3u.size()), M3u);
+    return std::string(m3uName) + (isM3u ? "8" : ".m3u8");
+}
+
+void WriteM3uTrack(Run& run, std::vector<M3uSong>& songs, std::string_view cdjid,
+                   std::string_view track) {
     Steps steps(run,
                 "WriteM3uTrack cdjid=" + std::string(cdjid) + ", tracknum=" + std::string(track));
-    std::optional<M3uSong> song;
-    steps.Try(0, [&] { song = FindSong(*run.connection, cdjid, track); });
-    if (!song) return;
-    stream.WriteLine(song->information);
-    stream.WriteLine(song->soundFile);
+    steps.Try(0, [&] {
+        if (std::optional<M3uSong> song = FindSong(*run.connection, cdjid, track))
+            songs.push_back(std::move(*song));
+    });
 }
 
 }  // namespace quillon

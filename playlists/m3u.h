@@ -4,8 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
-
-#include "platform/files.h"
+#include <vector>
 
 /// The extended playlist format of ordinary media players: a header line, then two lines a song.
 namespace quillon {
@@ -13,6 +12,12 @@ namespace quillon {
 class Run;
 
 constexpr std::string_view M3uHeader = "#EXTM3U";
+
+/// A song's two lines.
+struct M3uSong {
+    std::string information;  ///< "#EXTINF:..."
+    std::string soundFile;
+};
 
 /// A song's length in seconds as the files state it, from its fields of which either may be Null.
 /// Where it is not known, and for anything shorter than a minute, it is six minutes; that is this
@@ -24,8 +29,12 @@ std::int16_t LengthInSeconds(std::optional<std::int64_t> minutes,
 /// letter case, becomes ".m3u".
 std::string M3uName(std::string_view name);
 
-/// Appends one song's two lines; `track` is its number in the database. A song that is not there,
-/// or has no sound file, gives none. A failure is logged.
-void WriteM3uTrack(Run& run, TextWriter& stream, std::string_view cdjid, std::string_view track);
+/// The name of the same list in UTF-8, beside the other: Rock.m3u8, notes.txt.m3u8.
+std::string M3u8Name(std::string_view m3uName);
+
+/// Appends one song; `track` is its number in the database. A song that is not there, or has no
+/// sound file, is none. A failure is logged.
+void WriteM3uTrack(Run& run, std::vector<M3uSong>& songs, std::string_view cdjid,
+                   std::string_view track);
 
 }  // namespace quillon

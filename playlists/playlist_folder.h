@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/files.h"
@@ -8,13 +9,33 @@
 namespace quillon {
 
 class Run;
+class Steps;
 
-/// Whether the folder of the setting `PlayListPath` is there.
+/// Whether the folder of the setting `PlayListPath` is there. Failure where nobody can tell.
 bool PlaylistFolderExists(Run& run);
 
-/// The files in the playlist folder, in its order. Whatever their extension they count as
-/// playlists; only the database and what lies beside it under its name (snapshots, backups) does
-/// not, for people who keep both in one folder. Failure: PathNotFound, PermissionDenied.
-std::vector<FileEntry> PlaylistFiles(Run& run);
+/// Whether two settings or fields name the same folder, by whatever drive or link; false where
+/// either is not there. Failure where nobody can tell.
+bool IsSameFolder(Files& files, std::string_view one, std::string_view other);
+
+/// Whether a file of this name is a playlist by its name alone. The companions that some systems
+/// put beside files ("._Mine.pla") are not.
+bool HasPlaylistName(std::string_view name);
+
+/// The files in the playlist folder but for the program's own: the database with what lies beside
+/// it under its name, settings and log, for people who keep all that in one folder. Failure: what
+/// listing says.
+std::vector<FileEntry> FilesInPlaylistFolder(Run& run);
+
+/// The playlists of the folder.
+struct PlaylistFolder {
+    std::vector<FileEntry> lists;
+    std::vector<std::string> unread;  ///< names of what is there and cannot be looked at
+};
+
+/// Reads the folder; what speaks against it is logged first. A file that has no playlist's name is
+/// one when it reads as one. A file that cannot be read for that is logged as step 2. Failure: what
+/// listing says.
+PlaylistFolder ReadPlaylistFolder(Run& run, Steps& steps);
 
 }  // namespace quillon

@@ -1,98 +1,219 @@
 #include "playlists/playlist_snapshot.h"
 
 #include <array>
+#include <cmath>
 #include <utility>
 
 #include "database/snapshot_file.h"
 #include "platform/basic_text.h"
-#include "playlists/track_index.h"
 #include "run/log.h"
 #include "run/run.h"
 
 namespace quillon {
 namespace {
 
-constexpr std::string_view ListKind = "List", EntryKind = "Entry";
-constexpr std::array Kinds{ListKind, EntryKind};
-constexpr SnapshotFormat Format{.title = "Quillon playlist snapshot 1", .kinds = Kinds};
+constexpr std::string_view ListKind = "List", PlacesKind = "Places", EntryKind = "Entry";
+constexpr std::array Kinds{ListKind, PlacesKind, EntryKind};
+constexpr SnapshotFormat Format{.title = "Quillon playlist snapshot 2", .kinds = Kinds};
 
 std::string PathOf(const Run& run) {
     return PlaylistSnapshotPath(run.settings.Nirvis_CDJ_DB);
 }
 
-std::uint32_t SoundFileOf(const TrackIndex& tracks, std::int32_t id) {
-    const IndexedTrack* const track = tracks.FindId(id);
-    return track == nullptr ? 0 : track->soundFile;
+void WriteList(SnapshotWriter& file, std::string_view name, const PlaylistContent& content) {
+    file.Line(ListKind)
+        .Text(name)
+        .Whole(static_cast<std::int64_t>(content.size))
+        .Whole(content.fingerprint);
+}
+
+void WriteEntry(SnapshotWriter& file, const CapturedEntry& entry) {
+    file.Line(EntryKind)
+        .Text(entry.cdjid)
+        .Whole(entry.index)
+        .Whole(entry.id)
+        .Whole(entry.traits.soundFile)
+        .Whole(entry.traits.origin);
+}
+
+void WriteCaptured(SnapshotWriter& file, const Run& run, const TrackIndex& tracks,
+                   const PlaylistRange& playlist) {
+    WriteList(file, playlist.name, playlist.content);
+    for (PlaylistEntries::Position at = playlist.begin; at < playlist.end; ++at) {
+        const PlaylistEntry entry = run.playlistEntries.At(at);
+        const IndexedTrack* const track = tracks.FindId(entry.ID);
+        WriteEntry(file, {.cdjid = std::string(entry.CDJID),
+                          .index = entry.Track,
+                          .id = entry.ID,
+                          .traits = track == nullptr ? SongTraits() : track->traits});
+    }
+}
+
+void WriteTakenOver(SnapshotWriter& file, const CapturedPlaylist& playlist) {
+    WriteList(file, playlist.name, playlist.content);
+    for (const CapturedEntry& entry : playlist.entries)
+        WriteEntry(file, entry);
+}
+
+constexpr double SecondsADay = 24 * 60 * 60;
+
+void WritePlaces(SnapshotWriter& file, const CapturedPlaces& places) {
+    file.Line(PlacesKind).Whole(std::llround(places.time.days * SecondsADay));
+    for (const CapturedEntry& entry : places.entries)
+        WriteEntry(file, entry);
+}
+
+void Write(Run& run, const TrackIndex* tracks, const SnapshotContent& content) {
+    if (content.IsEmpty()) {
+        DiscardPlaylistSnapshot(run);
+        return;
+    }
+    SnapshotWriter file(run.files, PathOf(run), Format);
+    for (const PlaylistRange& playlist : content.captured)
+        WriteCaptured(file, run, *tracks, playlist);
+    for (const CapturedPlaylist* const playlist : content.takenOver)
+        WriteTakenOver(file, *playlist);
+    if (content.places) WritePlaces(file, *content.places);
+    file.Close();
+}
+
+std::string PlaceKey(std::string_view cdjid, std::int32_t index) {
+    return LowerCase(cdjid) + ' ' + std::to_string(index);
+}
+
+/// Takes the lines of a snapshot; entries belong to the list or the places before them.
+class LineReader {
+  public:
+    void Take(std::string_view kind, SnapshotLine& line) {
+        if (kind == ListKind) {
+            CapturedPlaylist& playlist = playlists_.emplace_back();
+            playlist.name = line.Text();
+            playlist.content.size = line.Whole<std::uint64_t>();
+            playlist.content.fingerprint = line.Whole<std::uint32_t>();
+        } else if (kind == PlacesKind) {
+            const auto seconds = static_cast<double>(line.Whole<std::int64_t>());
+            places_.emplace().time.days = seconds / SecondsADay;
+        } else if (places_) {
+            TakeEntry(line, places_->entries);
+        } else if (!playlists_.empty()) {
+            TakeEntry(line, playlists_.back().entries);
+        } else {
+            line.Damaged();
+        }
+    }
+
+    PlaylistSnapshot Snapshot() {
+        PlaylistSnapshot snapshot;
+        for (CapturedPlaylist& playlist : playlists_)
+            snapshot.Add(std::move(playlist));
+        if (places_) snapshot.SetPlaces(std::move(*places_));
+        return snapshot;
+    }
+
+  private:
+    static void TakeEntry(SnapshotLine& line, std::vector<CapturedEntry>& entries) {
+        CapturedEntry& entry = entries.emplace_back();
+        entry.cdjid = line.Text();
+        entry.index = line.Whole<std::int32_t>();
+        entry.id = line.Whole<std::int32_t>();
+        entry.traits.soundFile = line.Whole<std::uint32_t>();
+        entry.traits.origin = line.Whole<std::uint32_t>();
+    }
+
+    std::vector<CapturedPlaylist> playlists_;
+    std::optional<CapturedPlaces> places_;
+};
+
+/// Whether one of the entries' rows is the one that was captured; notes in `anyThere` whether any
+/// row was to be found.
+bool KnowsOne(const TrackIndex& tracks, const std::vector<CapturedEntry>& entries, bool& anyThere) {
+    for (const CapturedEntry& entry : entries) {
+        const IndexedTrack* const track = tracks.FindId(entry.id);
+        if (track == nullptr) continue;
+        if (track->traits.Fit(entry.traits)) return true;
+        anyThere = true;
+    }
+    return false;
 }
 
 }  // namespace
 
-void PlaylistSnapshot::Add(std::string_view name, CapturedPlaylist playlist) {
-    playlists_.insert_or_assign(LowerCase(name), std::move(playlist));
+void PlaylistSnapshot::Add(CapturedPlaylist playlist) {
+    const auto [place, isNew] = byName_.try_emplace(LowerCase(playlist.name), playlists_.size());
+    if (isNew) playlists_.push_back(std::move(playlist));
 }
 
-const CapturedPlaylist* PlaylistSnapshot::Find(std::string_view name,
-                                               const PlaylistContent& content) const {
-    const auto found = playlists_.find(LowerCase(name));
-    if (found == playlists_.end() || found->second.content != content) return nullptr;
-    return &found->second;
+const CapturedPlaylist* PlaylistSnapshot::Find(std::string_view name) const {
+    const auto found = byName_.find(LowerCase(name));
+    return found == byName_.end() ? nullptr : &playlists_[found->second];
+}
+
+void PlaylistSnapshot::SetPlaces(CapturedPlaces places) {
+    places_ = std::move(places);
+    byPlace_.clear();
+    for (std::size_t at = 0; at < places_->entries.size(); ++at) {
+        const CapturedEntry& entry = places_->entries[at];
+        byPlace_.try_emplace(PlaceKey(entry.cdjid, entry.index), at);
+    }
+}
+
+const CapturedEntry* PlaylistSnapshot::AtPlace(std::string_view cdjid, std::int32_t index) const {
+    const auto found = byPlace_.find(PlaceKey(cdjid, index));
+    return found == byPlace_.end() ? nullptr : &places_->entries[found->second];
+}
+
+bool PlaylistSnapshot::IsForeignTo(const TrackIndex& tracks) const {
+    bool anyThere = false;
+    for (const CapturedPlaylist& playlist : playlists_) {
+        if (KnowsOne(tracks, playlist.entries, anyThere)) return false;
+    }
+    if (places_ && KnowsOne(tracks, places_->entries, anyThere)) return false;
+    return anyThere;
+}
+
+CapturedPlaces PresentPlaces(const TrackIndex& tracks, DateTime now) {
+    CapturedPlaces places{.time = now, .entries = {}};
+    for (const IndexedTrack& track : tracks.All()) {
+        const std::string_view cdjid = tracks.Cdjid(track);
+        if (tracks.FindPlace(cdjid, track.number) != &track) continue;
+        places.entries.push_back({.cdjid = std::string(cdjid),
+                                  .index = track.number - 1,
+                                  .id = track.id,
+                                  .traits = track.traits});
+    }
+    return places;
 }
 
 std::string PlaylistSnapshotPath(std::string_view database) {
     return std::string(database) + ".playlists";
 }
 
-void WritePlaylistSnapshot(Run& run, const TrackIndex& tracks,
-                           const std::vector<PlaylistRange>& playlists) {
-    if (playlists.empty()) {
-        DiscardPlaylistSnapshot(run);
-        return;
-    }
-    SnapshotWriter file(run.files, PathOf(run), Format);
-    for (const PlaylistRange& playlist : playlists) {
-        file.Line(ListKind)
-            .Text(playlist.name)
-            .Whole(static_cast<std::int64_t>(playlist.content.size))
-            .Whole(playlist.content.fingerprint);
-        for (PlaylistEntries::Position at = playlist.begin; at < playlist.end; ++at) {
-            const PlaylistEntry entry = run.playlistEntries.At(at);
-            file.Line(EntryKind)
-                .Text(entry.CDJID)
-                .Whole(entry.Track)
-                .Whole(entry.ID)
-                .Whole(SoundFileOf(tracks, entry.ID));
-        }
-    }
-    file.Close();
+void WritePlaylistSnapshot(Run& run, const TrackIndex& tracks, const SnapshotContent& content) {
+    Write(run, &tracks, content);
 }
 
 std::optional<PlaylistSnapshot> ReadPlaylistSnapshot(Run& run) {
     if (!run.files.FileExists(PathOf(run))) return std::nullopt;
-    std::vector<std::pair<std::string, CapturedPlaylist>> playlists;
-    const auto visit = [&playlists](std::string_view kind, SnapshotLine& line) {
-        if (kind == ListKind) {
-            const std::string name = line.Text();
-            const PlaylistContent content{.size = line.Whole<std::uint64_t>(),
-                                          .fingerprint = line.Whole<std::uint32_t>()};
-            playlists.emplace_back(name, CapturedPlaylist{.content = content, .entries = {}});
-        } else if (playlists.empty()) {
-            line.Damaged();
-        } else {
-            playlists.back().second.entries.push_back({.cdjid = line.Text(),
-                                                       .index = line.Whole<std::int32_t>(),
-                                                       .id = line.Whole<std::int32_t>(),
-                                                       .soundFile = line.Whole<std::uint32_t>()});
-        }
+    LineReader lines;
+    const auto visit = [&lines](std::string_view kind, SnapshotLine& line) {
+        lines.Take(kind, line);
     };
-    if (!ReadSnapshot(run.files, PathOf(run), Format, visit)) {
-        LogError(run, LogSource,
-                 "Playlist snapshot is damaged, nothing is taken from it: " + PathOf(run));
-        return std::nullopt;
+    if (ReadSnapshot(run.files, PathOf(run), Format, visit)) return lines.Snapshot();
+    LogError(run, LogSource,
+             "Playlist snapshot is damaged, nothing is taken from it: " + PathOf(run));
+    return std::nullopt;
+}
+
+void ReducePlaylistSnapshot(Run& run, const std::function<bool(std::string_view name)>& isKept,
+                            bool withPlaces) {
+    const std::optional<PlaylistSnapshot> snapshot = ReadPlaylistSnapshot(run);
+    if (!snapshot) return;
+    SnapshotContent content;
+    for (const CapturedPlaylist& playlist : snapshot->Playlists()) {
+        if (isKept(playlist.name)) content.takenOver.push_back(&playlist);
     }
-    PlaylistSnapshot snapshot;
-    for (auto& [name, playlist] : playlists)
-        snapshot.Add(name, std::move(playlist));
-    return snapshot;
+    if (withPlaces) content.places = snapshot->Places();
+    Write(run, nullptr, content);
 }
 
 void DiscardPlaylistSnapshot(Run& run) {

@@ -1,60 +1,73 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
 
-#include "platform/files.h"
+#include "platform/date_time.h"
+#include "playlists/track_index.h"
 #include "run/playlist_entries.h"
 
 namespace quillon {
 
 class Run;
-class TrackIndex;
 
 /// Between the capture and the refresh of the playlists the library is renumbered, and only the
 /// working set knows which songs the files mean. The playlist snapshot keeps it in a file beside
 /// the database ("<database>.playlists") for just that time, so that a run that is killed or
 /// aborted does not leave lists that name other songs: the next capture takes from it what it
-/// needs.
-
-/// The bytes of a playlist, as far as they tell it from another version of itself. The time does
-/// not count: a copy put back from a backup holds the old positions, too.
-struct PlaylistContent {
-    std::uint64_t size = 0;         ///< bytes
-    std::uint32_t fingerprint = 0;  ///< of its lines
-
-    bool operator==(const PlaylistContent&) const = default;
-};
+/// needs. Of a list that could not be repaired it keeps it for longer.
 
 /// An entry that was captured.
 struct CapturedEntry {
     std::string cdjid;
-    std::int32_t index = 0;       ///< position in the file, counted from 0
-    std::int32_t id = 0;          ///< `Tracks.ID`
-    std::uint32_t soundFile = 0;  ///< fingerprint; tells a row from one in a replaced database
+    std::int32_t index = 0;  ///< position in the file, counted from 0
+    std::int32_t id = 0;     ///< `Tracks.ID`
+    SongTraits traits;       ///< tell a row from one in a replaced database
 
     bool operator==(const CapturedEntry&) const = default;
 };
 
 /// A playlist that was captured, as an earlier run left it in its snapshot.
 struct CapturedPlaylist {
+    std::string name;
     PlaylistContent content;
     std::vector<CapturedEntry> entries;
 };
 
-/// What an interrupted run had captured.
+/// Which song each place of each album was at a time. Kept where a playlist was there and could
+/// not be read: its lines mean the songs of then, whenever they can be read.
+struct CapturedPlaces {
+    DateTime time;
+    std::vector<CapturedEntry> entries;
+};
+
+/// What an earlier run had captured and not repaired.
 class PlaylistSnapshot {
   public:
-    void Add(std::string_view name, CapturedPlaylist playlist);
-    /// The playlist as it was captured, provided that the file still has that content; else null.
-    const CapturedPlaylist* Find(std::string_view name, const PlaylistContent& content) const;
+    void Add(CapturedPlaylist playlist);
+    const std::vector<CapturedPlaylist>& Playlists() const { return playlists_; }
+    /// Null when there is no such playlist.
+    const CapturedPlaylist* Find(std::string_view name) const;
+
+    void SetPlaces(CapturedPlaces places);
+    const std::optional<CapturedPlaces>& Places() const { return places_; }
+    /// Null when no song was there. Letter case does not count.
+    const CapturedEntry* AtPlace(std::string_view cdjid, std::int32_t index) const;
+
+    /// Whether it is of another database than these tracks: some rows are there, and not one of
+    /// them is the one that was captured.
+    bool IsForeignTo(const TrackIndex& tracks) const;
 
   private:
-    std::unordered_map<std::string, CapturedPlaylist> playlists_;  ///< by name in lower case
+    std::vector<CapturedPlaylist> playlists_;
+    std::unordered_map<std::string, std::size_t> byName_;  ///< in lower case
+    std::optional<CapturedPlaces> places_;
+    std::unordered_map<std::string, std::size_t> byPlace_;  ///< by line in lower case
 };
 
 /// Part of the working set: the entries of one playlist, which were added one behind the other.
@@ -64,14 +77,30 @@ struct PlaylistRange {
     PlaylistEntries::Position begin = 0, end = 0;
 };
 
-/// Writes the working set's playlists, durably. Without any there is nothing to keep, and a
-/// snapshot that an earlier run has left is removed. Throws Failure.
-void WritePlaylistSnapshot(Run& run, const TrackIndex& tracks,
-                           const std::vector<PlaylistRange>& playlists);
+/// What a snapshot is to hold.
+struct SnapshotContent {
+    std::vector<PlaylistRange> captured;             ///< of the run's working set
+    std::vector<const CapturedPlaylist*> takenOver;  ///< from an earlier snapshot
+    std::optional<CapturedPlaces> places;
 
-/// The snapshot that an interrupted run has left; nothing without one. A damaged one is logged and
-/// not used. Throws Failure.
+    bool IsEmpty() const { return captured.empty() && takenOver.empty() && !places; }
+};
+
+/// The places of all tracks at present.
+CapturedPlaces PresentPlaces(const TrackIndex& tracks, DateTime now);
+
+/// Writes the snapshot, durably. Without a playlist there is nothing to keep, and one that an
+/// earlier run has left is removed. Throws Failure.
+void WritePlaylistSnapshot(Run& run, const TrackIndex& tracks, const SnapshotContent& content);
+
+/// The snapshot that an earlier run has left; nothing without one. A damaged one is logged and not
+/// used. Throws Failure.
 std::optional<PlaylistSnapshot> ReadPlaylistSnapshot(Run& run);
+
+/// The snapshot keeps only the playlists for whose names the answer is yes, and its places where
+/// they are wanted; without anything it is removed. Throws Failure.
+void ReducePlaylistSnapshot(Run& run, const std::function<bool(std::string_view name)>& isKept,
+                            bool withPlaces);
 
 /// All playlists say again what they mean: removes the snapshot.
 void DiscardPlaylistSnapshot(Run& run);

@@ -1,17 +1,22 @@
 #include "playlists/refresh.h"
 
+#include <cstddef>
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
+#include "platform/ansi.h"
 #include "platform/basic_text.h"
-#include "platform/failure.h"
 #include "platform/files.h"
+#include "playlists/list_repair.h"
 #include "playlists/pla_line.h"
 #include "playlists/playlist_folder.h"
 #include "playlists/playlist_snapshot.h"
+#include "playlists/playlist_text.h"
 #include "playlists/track_index.h"
 #include "run/counted.h"
 #include "run/log.h"
@@ -21,143 +26,176 @@
 namespace quillon {
 namespace {
 
-/// The header and 5000 entries. A longer list ends the step: what to do with it is for a person to
-/// say, and cutting it would lose entries.
-constexpr std::size_t MostLines = 5001;
+constexpr std::size_t MostTold = 10;
 
-/// One playlist's lines on their way through the checks.
 class Refreshing {
   public:
-    Refreshing(Run& run, const TrackIndex& tracks, const FileEntry& file)
-        : run_(run), tracks_(tracks), file_(file) {}
+    Refreshing(Run& run, Steps& steps)
+        : run_(run), entries_(run.playlistEntries), steps_(steps), tracks_(*run.connection) {}
 
-    void Read() {
-        const std::unique_ptr<TextReader> text = run_.files.OpenText(file_.path);
-        // The header is nobody's business, whatever it says.
-        if (!text->AtEndOfStream()) Keep(text->ReadLine());
-        while (!text->AtEndOfStream()) {
-            const std::string line = text->ReadLine();
-            if (std::optional<std::string> kept = Checked(line)) {
-                Keep(std::move(*kept));
-            } else {
-                changed_ = true;
-            }
+    void Perform() {
+        if (tracks_.IsEmpty() || !PlaylistFolderExists(run_)) return;
+        for (const FileEntry& file : Counted(run_, FilesInPlaylistFolder(run_))) {
+            if (!entries_.ContentOf(file.name) && !HasPlaylistName(file.name)) continue;
+            ForOne(file, [&] { Check(file); });
         }
-    }
-
-    /// Puts the kept lines into the file's place if they differ from what it holds.
-    void Store() {
-        if (!changed_) return;
-        if (lines_.size() < 2) {
-            Log(" delete because no valid entries remain");
-            run_.files.DeleteFile(file_.path);
-            ++run_.counts.playlistsRemoved;
-            return;
-        }
-        const std::unique_ptr<TextWriter> writer = run_.files.CreateText(file_.path);
-        for (const std::string& line : lines_)
-            writer->WriteLine(line);
-        writer->Close();
-        ++run_.counts.playlistsRepaired;
+        if (!run_.removals.Allow(run_, {.kind = Removable::Playlists, .names = goingAway_})) return;
+        for (const FileEntry& file : toDo_)
+            ForOne(file, [&] { Settle(file); });
+        EndSnapshot();
     }
 
   private:
-    void Keep(std::string line) {
-        if (lines_.size() == MostLines) {
-            throw Failure(FailureNumber::SubscriptOutOfRange,
-                          "playlist " + file_.name + " has more than 5000 entries");
-        }
-        lines_.push_back(std::move(line));
+    /// A failure costs this list alone.
+    template <typename Work>
+    void ForOne(const FileEntry& file, Work work) {
+        run_.ShowItem("1. Update Existing Playlists - " + file.name);
+        steps_.Concerning(file.path);
+        steps_.Try(0, work);
+        steps_.Concerning({});
     }
 
-    /// The line as it is to stand in the file; nothing when it is dropped.
-    std::optional<std::string> Checked(const std::string& line) {
-        const std::string_view trimmed = Trim(line);
-        if (trimmed.empty()) return std::nullopt;
-        const std::optional<PlaFields> fields = FirstTwoFields(trimmed);
-        if (!fields) return Dropped(line, "of incorrect syntax");
-        if (!tracks_.HasAlbum(fields->cdjid)) return Dropped(line, "CDJID no longer exists");
-        if (fields->index == WholeAlbumIndex) return line;
-
-        const std::optional<std::int32_t> index = WholeIndex(fields->index);
-        const auto position =
-            index ? run_.playlistEntries.FindPlace(fields->cdjid, *index, file_.name)
-                  : std::nullopt;
-        if (!position) {
-            Log(" record could not be retrieved from temp database for CDJID " +
-                std::string(fields->cdjid) + ", Track " + std::string(fields->index));
-            return std::nullopt;
+    /// Finds out whether something is to be done.
+    void Check(const FileEntry& file) {
+        if (entries_.IsUnread(file.name) || entries_.IsMadeAnew(file.name)) return;
+        const std::string text = ReadPlaylist(run_.files, file.path);
+        if (entries_.ContentOf(file.name) != ContentOf(text)) {
+            toDo_.push_back(file);
+            return;
         }
-        const PlaylistEntry entry = run_.playlistEntries.At(*position);
-        if (entry.Processed == 1) {
-            Log(" contains duplicate track " + std::string(fields->index) + " on " +
-                std::string(fields->cdjid) + " and was removed");
-            return std::nullopt;
+        const RepairedList list = Repair(run_, tracks_, file.name, text);
+        if (list.isChanged && list.IsEmpty()) goingAway_.push_back(file.path);
+        if (list.isChanged || !list.messages.empty()) {
+            toDo_.push_back(file);
+        } else {
+            Finished(file);
         }
-        run_.playlistEntries.SetProcessed(*position);
-        const IndexedTrack* const track = tracks_.FindId(entry.ID);
-        if (track == nullptr) return Dropped(line, "Track ID no longer exists");
-        return Followed(line, *fields, *index, *track);
     }
 
-    /// The line at its song's present position.
-    std::optional<std::string> Followed(const std::string& line, const PlaFields& fields,
-                                        std::int32_t index, const IndexedTrack& track) {
-        if (track.number < 1) {
-            // Its line would read as the whole album, or as nothing at all.
-            Log(", " + line + " kept as it is because the track has no number");
-            return line;
+    /// Does it. The list may have become another one in the meantime.
+    void Settle(const FileEntry& file) {
+        const std::string text = ReadPlaylist(run_.files, file.path);
+        const std::optional<PlaylistContent> captured = entries_.ContentOf(file.name);
+        if (captured == ContentOf(text)) {
+            const RepairedList list = Repair(run_, tracks_, file.name, text);
+            if (!Store(file, list, *captured)) TellChanged(file, text);
+        } else if (captured) {
+            TellChanged(file, text);
+        } else {
+            WriteLog(
+                run_, LogSource,
+                "Playlist " + file.name + " is new since this run began, and is left as it is");
         }
-        // The line keeps its album: a list belongs to the albums it was made from. A song that has
-        // gone to another one cannot be named that way, so it is at least told.
-        if (!EqualIgnoringCase(fields.cdjid, tracks_.Cdjid(track))) {
-            Log(", " + line + " names a song that is now on album " +
-                std::string(tracks_.Cdjid(track)));
-        }
-        std::string present = PlaLine(fields.cdjid, track.number);
-        if (track.number - 1 != index) {
-            changed_ = true;
-            Log(", Track # updated from " + std::string(fields.index) + " to " + present);
-        }
-        return present;
+        Finished(file);
     }
 
-    std::nullopt_t Dropped(const std::string& line, std::string_view reason) {
-        Log(", " + line + " removed because " + std::string(reason));
-        return std::nullopt;
+    /// Puts the lines into the file's place if they differ from what it holds; false when another
+    /// program has just changed it.
+    bool Store(const FileEntry& file, const RepairedList& list, const PlaylistContent& captured) {
+        const auto isSame = [&] { return HasContent(run_.files, file.path, captured); };
+        if (!list.isChanged) {
+            Tell(list);
+            return true;
+        }
+        if (list.IsEmpty()) {
+            if (!isSame()) return false;
+            run_.files.DeleteFile(file.path);
+            Tell(list);
+            WriteLog(run_, LogSource,
+                     "Playlist " + file.name + " delete because no valid entries remain");
+            run_.removals.Note(Removable::Playlists, file.path);
+            ++run_.counts.playlistsRemoved;
+            return true;
+        }
+        const std::unique_ptr<TextWriter> writer = run_.files.CreateText(file.path);
+        for (const std::string& line : list.lines) {
+            writer->WriteBytes(line);
+            writer->WriteBytes(PlaylistLineEnd);
+        }
+        if (!writer->CloseIf(isSame)) return false;
+        Tell(list);
+        ++run_.counts.playlistsRepaired;
+        return true;
     }
 
-    void Log(const std::string& what) {
-        WriteLog(run_, LogSource, "Playlist " + file_.name + what);
+    void Tell(const RepairedList& list) {
+        for (const std::string& message : list.messages)
+            WriteLog(run_, LogSource, message);
+    }
+
+    /// Whoever has changed the list may have written it by the old numbers or by the new ones.
+    /// Nobody can tell, so it stays, and what no longer names the song that it named is told.
+    void TellChanged(const FileEntry& file, std::string_view text) {
+        const std::string told =
+            "Playlist " + file.name + " was changed by another program during this run";
+        const std::string moved = MovedEntries(file.name, text);
+        if (moved.empty()) {
+            WriteLog(run_, LogSource, told + ", and is left as it is");
+        } else {
+            LogError(run_, LogSource,
+                     told + ", and is left as it is; entries that named other songs before: " +
+                         moved + ". Choose these anew where they are wrong");
+        }
+    }
+
+    /// The entries that stood in the list when it was captured, and whose songs have other places
+    /// now.
+    std::string MovedEntries(const std::string& name, std::string_view text) const {
+        std::string moved;
+        std::size_t count = 0;
+        for (const std::string_view bytes : LinesOf(text)) {
+            const std::string line = AnsiToUtf8(bytes);
+            const std::optional<PlaFields> fields = FirstTwoFields(Trim(line));
+            const std::optional<std::int32_t> index =
+                fields ? WholeIndex(fields->index) : std::nullopt;
+            const auto position =
+                index ? entries_.FindPlace(fields->cdjid, *index, name) : std::nullopt;
+            if (!position) continue;
+            const IndexedTrack* const there = tracks_.FindPlace(fields->cdjid, *index + 1);
+            if (there != nullptr && there->id == entries_.At(*position).ID) continue;
+            if (++count <= MostTold) moved += (moved.empty() ? "" : ", ") + line;
+        }
+        if (count > MostTold) moved += " and " + std::to_string(count - MostTold) + " more";
+        return moved;
+    }
+
+    /// The list means what it says: nothing of it has to be kept.
+    void Finished(const FileEntry& file) {
+        if (entries_.ContentOf(file.name)) finished_.insert(LowerCase(file.name));
+    }
+
+    /// Lists that are not finished are repaired by the next run, so what they mean is kept.
+    void EndSnapshot() {
+        if (finished_.size() == entries_.ReadCount() && !entries_.HasUnread()) {
+            DiscardPlaylistSnapshot(run_);
+            return;
+        }
+        const auto isKept = [this](std::string_view name) {
+            return !finished_.contains(LowerCase(name));
+        };
+        ReducePlaylistSnapshot(run_, isKept, entries_.HasUnread());
     }
 
     Run& run_;
-    const TrackIndex& tracks_;
-    const FileEntry& file_;
-    std::vector<std::string> lines_;
-    bool changed_ = false;
+    PlaylistEntries& entries_;
+    Steps& steps_;
+    TrackIndex tracks_;
+    std::vector<FileEntry> toDo_;
+    std::vector<std::string> goingAway_;        ///< paths of lists with nothing left
+    std::unordered_set<std::string> finished_;  ///< names in lower case
 };
-
-void Refresh(Run& run, const TrackIndex& tracks, const FileEntry& file) {
-    run.ShowItem("1. Update Existing Playlists - " + file.name);
-    if (run.playlistEntries.IsUnread(file.name)) return;
-    Refreshing playlist(run, tracks, file);
-    playlist.Read();
-    playlist.Store();
-}
 
 }  // namespace
 
 void RefreshPlaylist(Run& run) {
     Steps steps(run, "Refresh Playlist Error:");
-    steps.Try(0, [&run] {
-        run.ShowItem("1. Update Existing Playlists");
-        const TrackIndex tracks(*run.connection);
-        if (tracks.IsEmpty() || !PlaylistFolderExists(run)) return;
-        for (const FileEntry& file : Counted(run, PlaylistFiles(run)))
-            Refresh(run, tracks, file);
-        DiscardPlaylistSnapshot(run);
-    });
+    run.ShowItem("1. Update Existing Playlists");
+    if (run.playlistEntries.NothingRead()) return;
+    if (run.removals.Braked()) {
+        WriteLog(run, LogSource, "No playlist is repaired, since nothing is removed in this run");
+        return;
+    }
+    steps.Try(0, [&] { Refreshing(run, steps).Perform(); });
 }
 
 }  // namespace quillon

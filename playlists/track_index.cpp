@@ -2,7 +2,9 @@
 
 #include <memory>
 
+#include "database/mark_snapshot.h"
 #include "database/snapshot_file.h"
+#include "run/paths.h"
 
 namespace quillon {
 namespace {
@@ -15,16 +17,23 @@ std::uint32_t PlaceHash(TextPool::Number album, std::int32_t number) {
     return MixedHash(album, static_cast<std::uint32_t>(number));
 }
 
+SongTraits TraitsOf(const RecordSet& row) {
+    std::string path = row.Text("SoundFile");
+    path.erase(0, GetDrive(path).size());
+    return {.soundFile = Fingerprint(path),
+            .origin = OriginFingerprint(path, row.Get("DateAdded"))};
+}
+
 }  // namespace
 
 TrackIndex::TrackIndex(Connection& connection) {
-    const std::unique_ptr<RecordSet> rows =
-        connection.Query("SELECT ID, CDJID, Track, SoundFile FROM Tracks WHERE CDJID Is Not Null");
+    const std::unique_ptr<RecordSet> rows = connection.Query(
+        "SELECT ID, CDJID, Track, SoundFile, DateAdded FROM Tracks WHERE CDJID Is Not Null");
     for (; !rows->IsEof(); rows->MoveNext()) {
         Add({.id = static_cast<std::int32_t>(rows->Integer("ID")),
              .number = static_cast<std::int32_t>(rows->Integer("Track")),
              .album = cdjids_.Add(rows->Text("CDJID")),
-             .soundFile = Fingerprint(rows->Text("SoundFile"))});
+             .traits = TraitsOf(*rows)});
     }
 }
 

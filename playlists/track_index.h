@@ -11,12 +11,25 @@
 
 namespace quillon {
 
+/// What a song's row is recognised by beside its key: fingerprints of its sound file and of what
+/// stays when that is renamed. The drive does not count, since stored paths may get another one.
+struct SongTraits {
+    std::uint32_t soundFile = 0;
+    std::uint32_t origin = 0;  ///< of the folder and the row's date of addition
+
+    /// Whether this can be the same row, its file being the same or renamed in its folder.
+    bool Fit(const SongTraits& other) const {
+        return soundFile == other.soundFile || origin == other.origin;
+    }
+    bool operator==(const SongTraits&) const = default;
+};
+
 /// What the playlists need to know of a track, as small as can be: there may be a million.
 struct IndexedTrack {
     std::int32_t id = 0;
-    std::int32_t number = 0;      ///< `Track`; 0 where it is Null
-    TextPool::Number album = 0;   ///< see TrackIndex::Cdjid
-    std::uint32_t soundFile = 0;  ///< fingerprint
+    std::int32_t number = 0;     ///< `Track`; 0 where it is Null
+    TextPool::Number album = 0;  ///< see TrackIndex::Cdjid
+    SongTraits traits;
 };
 
 /// All tracks of the database by key and by place, read once and looked up for each playlist entry.
@@ -27,6 +40,7 @@ class TrackIndex {
     explicit TrackIndex(Connection& connection);
 
     bool IsEmpty() const { return tracks_.empty(); }
+    const std::vector<IndexedTrack>& All() const { return tracks_; }
     /// Whether any track has this `CDJID`.
     bool HasAlbum(std::string_view cdjid) const { return cdjids_.Find(cdjid).has_value(); }
     /// The first track of the album with this number; null when there is none.

@@ -104,7 +104,7 @@ std::vector<PlaylistEntries::Position> PlaylistEntries::Sorted(const TextPool& t
 
 void PlaylistEntries::SongBecame(std::int32_t oldId, std::int32_t newId) {
     // Of rows that became each other one must stay what it is.
-    if (Present(newId) != oldId) became_[oldId] = newId;
+    if (Present(newId) != Present(oldId)) became_[oldId] = newId;
 }
 
 std::int32_t PlaylistEntries::Present(std::int32_t id) const {
@@ -117,13 +117,28 @@ bool PlaylistEntries::HasBecomeAnother(Position position) const {
     return became_.contains(rows_.at(position).id);
 }
 
+void PlaylistEntries::NoteRead(std::string_view playlist, const PlaylistContent& content) {
+    contents_[playlists_.Add(playlist)] = content;
+}
+
+std::optional<PlaylistContent> PlaylistEntries::ContentOf(std::string_view playlist) const {
+    const std::optional<Text> name = playlists_.Find(playlist);
+    const auto found = name ? contents_.find(*name) : contents_.end();
+    if (found == contents_.end()) return std::nullopt;
+    return found->second;
+}
+
 void PlaylistEntries::NoteUnread(std::string_view playlist) {
     unread_.insert(playlists_.Add(playlist));
 }
 
-bool PlaylistEntries::IsUnread(std::string_view playlist) const {
+void PlaylistEntries::NoteMadeAnew(std::string_view playlist) {
+    madeAnew_.insert(playlists_.Add(playlist));
+}
+
+bool PlaylistEntries::IsIn(const std::unordered_set<Text>& names, std::string_view playlist) const {
     const std::optional<Text> name = playlists_.Find(playlist);
-    return nothingRead_ || (name && unread_.contains(*name));
+    return name && names.contains(*name);
 }
 
 }  // namespace quillon

@@ -27,6 +27,15 @@ struct PlaylistEntry {
     std::int32_t Random = 0;         ///< sort key
 };
 
+/// The bytes of a playlist, as far as they tell it from another version of itself. The time does
+/// not count: a copy put back from a backup holds the old positions, too.
+struct PlaylistContent {
+    std::uint64_t size = 0;         ///< bytes
+    std::uint32_t fingerprint = 0;  ///< of them
+
+    bool operator==(const PlaylistContent&) const = default;
+};
+
 /// The playlist working set of a run: what stands in the playlists, tied to the songs' rows before
 /// the library changes. It lives in memory only, holds a million entries in some 60 MB and answers
 /// its look-ups by index. Names compare without letter case, as they do in record-set filters.
@@ -69,12 +78,25 @@ class PlaylistEntries {
         if (keep_) keep_();
     }
 
-    /// The set does not know what this playlist held, so nothing may be concluded from finding no
-    /// entry of it.
+    /// The entries of a playlist have all been added; its file had this content.
+    void NoteRead(std::string_view playlist, const PlaylistContent& content);
+    /// The content that was noted; nothing of a playlist that was not read, and of which the set
+    /// knows nothing: nobody may conclude anything from finding no entry of it.
+    std::optional<PlaylistContent> ContentOf(std::string_view playlist) const;
+    std::size_t ReadCount() const { return contents_.size(); }
+
+    /// The playlist is there and could not be read.
     void NoteUnread(std::string_view playlist);
-    /// The same for all playlists.
+    bool IsUnread(std::string_view playlist) const { return IsIn(unread_, playlist); }
+    bool HasUnread() const { return !unread_.empty(); }
+
+    /// The playlist is one that this run makes anew, whatever it held.
+    void NoteMadeAnew(std::string_view playlist);
+    bool IsMadeAnew(std::string_view playlist) const { return IsIn(madeAnew_, playlist); }
+
+    /// The playlists have not been looked at, or could not be.
     void NoteNothingRead() { nothingRead_ = true; }
-    bool IsUnread(std::string_view playlist) const;
+    bool NothingRead() const { return nothingRead_; }
 
   private:
     using Text = TextPool::Number;
@@ -88,6 +110,7 @@ class PlaylistEntries {
     std::optional<Position> PlaceRow(Text cdjid, std::int32_t track, Text playlist) const;
     std::vector<Position> Sorted(const TextPool& texts, Text Row::* text) const;
     std::int32_t Present(std::int32_t id) const;
+    bool IsIn(const std::unordered_set<Text>& names, std::string_view playlist) const;
 
     /// One a field, so that none takes its spelling from another.
     TextPool artists_, cdjids_, genres_, playlists_;
@@ -95,7 +118,8 @@ class PlaylistEntries {
     HashIndex bySong_, byPlace_;
     std::unordered_map<std::int32_t, std::int32_t> became_;  ///< row by the one it was before
     std::function<void()> keep_;
-    std::unordered_set<Text> unread_;
+    std::unordered_map<Text, PlaylistContent> contents_;
+    std::unordered_set<Text> unread_, madeAnew_;
     bool nothingRead_ = false;
 };
 

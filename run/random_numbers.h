@@ -10,7 +10,8 @@ namespace quillon {
 /// system. Good for shuffling, not for secrets.
 class RandomNumbers {
   public:
-    void Seed(DateTime time);
+    /// Two seeds a nanosecond apart give unrelated numbers.
+    void Seed(DateTime time, std::uint32_t nanoseconds = 0);
 
     /// A number in [0, 1).
     double Next();

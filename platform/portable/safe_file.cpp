@@ -82,8 +82,12 @@ void SafeFile::SetModified(const std::timespec& modified) {
         throw SystemFailure(errno, shownPath_);
 }
 
-void SafeFile::Commit() {
+void SafeFile::Sync() {
     if (fsync(draft_.handle.Descriptor()) != 0) throw SystemFailure(errno, shownPath_);
+}
+
+void SafeFile::Commit() {
+    Sync();
     Rename();
     committed_ = true;
     SyncFolder(FolderOf(target_));

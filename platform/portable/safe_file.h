@@ -38,6 +38,8 @@ class SafeFile {
     void WriteFrom(const FileHandle& source);
     /// The modification time that the file is to have.
     void SetModified(const std::timespec& modified);
+    /// Waits until what was written is on the disk.
+    void Sync();
     /// Failure: DiskFull and the like; then the name still belongs to what it did before.
     void Commit();
 

@@ -53,8 +53,12 @@ AnsiTextWriter::AnsiTextWriter(const std::string& target, std::string_view shown
     : shownPath_(shownPath), file_(target, shownPath, existing), closed_(std::move(closed)) {}
 
 void AnsiTextWriter::Write(std::string_view text) {
+    WriteBytes(Utf8ToAnsi(text));
+}
+
+void AnsiTextWriter::WriteBytes(std::string_view bytes) {
     if (!open_) throw Failure(FailureNumber::BadFileName, shownPath_);
-    buffer_ += Utf8ToAnsi(text);
+    buffer_ += bytes;
     if (buffer_.size() < BufferSize) return;
     file_.Write(buffer_);
     buffer_.clear();
@@ -66,11 +70,19 @@ void AnsiTextWriter::WriteLine(std::string_view line) {
 }
 
 void AnsiTextWriter::Close() {
-    if (!open_) return;
+    CloseIf([] { return true; });
+}
+
+bool AnsiTextWriter::CloseIf(const std::function<bool()>& isWanted) {
+    if (!open_) return true;
     open_ = false;
     file_.Write(buffer_);
+    // Waiting for the disk takes longer than all else: the question comes behind it.
+    file_.Sync();
+    if (!isWanted()) return false;
     file_.Commit();
     closed_();
+    return true;
 }
 
 PositionedReader::PositionedReader(FileHandle file)

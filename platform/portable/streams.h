@@ -38,7 +38,9 @@ class AnsiTextWriter : public TextWriter {
 
     void Write(std::string_view text) override;
     void WriteLine(std::string_view line) override;
+    void WriteBytes(std::string_view bytes) override;
     void Close() override;
+    bool CloseIf(const std::function<bool()>& isWanted) override;
 
   private:
     std::string shownPath_;

@@ -10,4 +10,10 @@ DateTime SystemClock::Now() const {
     return LocalTime{}.Of(std::time(nullptr));
 }
 
+std::uint32_t SystemClock::Nanoseconds() const {
+    std::timespec now{};
+    std::timespec_get(&now, TIME_UTC);
+    return static_cast<std::uint32_t>(now.tv_nsec);
+}
+
 }  // namespace quillon

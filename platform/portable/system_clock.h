@@ -8,6 +8,7 @@ namespace quillon {
 class SystemClock : public Clock {
   public:
     DateTime Now() const override;
+    std::uint32_t Nanoseconds() const override;
 };
 
 }  // namespace quillon

@@ -150,8 +150,8 @@ TEST_F(AwkwardFiles, ThatCannotBeReadCostNothingElse) {
     EXPECT_EQ(Bytes("Bad.pla"), "header\nA0 0\n\n");
 }
 
-/// The repair ends at the file, and what it had captured is kept for the next run.
-TEST_F(AwkwardFiles, ThatAreWriteProtectedEndTheRepairUnchanged) {
+/// What the list meant is kept for the next run.
+TEST_F(AwkwardFiles, ThatAreWriteProtectedStayAndCostNothingElse) {
     Write("Bad.pla", "header\nA0 0\n\n");
     Write("Good.pla", "header\nA0 0\n\n");
     fs::permissions(Lists() / "Bad.pla", fs::perms::owner_read);
@@ -160,14 +160,15 @@ TEST_F(AwkwardFiles, ThatAreWriteProtectedEndTheRepairUnchanged) {
         library.OpenDatabase();
         Repair();
         EXPECT_EQ(Bytes("Bad.pla"), "header\nA0 0\n\n");
-        EXPECT_EQ(Bytes("Good.pla"), "header\nA0 0\n\n");
+        EXPECT_EQ(Bytes("Good.pla"), "header\r\nA0 0\r\n");
         EXPECT_THAT(library.host.log,
                     ElementsAre("Quillon: Refresh Playlist Error: Line 0 Permission denied: "
                                 R"(D:\Lists\Bad.pla)"));
         EXPECT_TRUE(fs::exists(library.DatabaseFile().string() + ".playlists"));
         fs::permissions(Lists() / "Bad.pla", fs::perms::owner_all);
         Repair();
-        EXPECT_EQ(Bytes("Good.pla"), "header\r\nA0 0\r\n");
+        EXPECT_EQ(Bytes("Bad.pla"), "header\r\nA0 0\r\n");
+        EXPECT_FALSE(fs::exists(library.DatabaseFile().string() + ".playlists"));
     }));
 }
 
@@ -182,6 +183,7 @@ TEST_F(AwkwardFiles, InAFolderThatIsNotWritableAreNotChanged) {
         CreateNewPlaylists(library.run);
         EXPECT_THAT(library.host.log,
                     ElementsAre(HasSubstr("Refresh Playlist Error: Line 0 Permission denied"),
+                                HasSubstr("Generate New Playlists Error: Line 0 Permission"),
                                 HasSubstr("Generate New Playlists Error: Line 0 Permission")));
         fs::permissions(Lists(), fs::perms::owner_all);
         EXPECT_EQ(Bytes("Mine.pla"), "header\nA0 0\n\n");

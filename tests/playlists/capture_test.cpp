@@ -72,7 +72,7 @@ TEST_F(CaptureTest, SkipsTheFirstLineWhateverItHolds) {
     EXPECT_THAT(Captured(), ElementsAre("Mine.pla A0 1 2"));
 }
 
-TEST_F(CaptureTest, ReadsFilesOfAnyExtensionAndNoFolders) {
+TEST_F(CaptureTest, ReadsFilesOfAnyExtensionThatBeginAsPlaylistsAndNoFolders) {
     AddList("notes.txt", {"A0 0"});
     AddList("plain", {"A0 1"});
     AddList(R"(Sub\inner.pla)", {"A0 2"});
@@ -104,39 +104,44 @@ TEST_F(CaptureTest, ShowsWhatItDoes) {
                             "Item 1. Capture Existing Playlists - Mine.pla"));
 }
 
-TEST_F(CaptureTest, DeletesTheFilesOfGeneratorsThatAreSwitchedOn) {
+/// They are made anew later in the run, and stay until that has been done.
+TEST_F(CaptureTest, LeavesOutTheFilesOfGeneratorsThatAreSwitchedOnAndDeletesNone) {
     AddPlaylistRow("Genre", "True, False");
     AddPlaylistRow("Artist", "False, True");
     AddPlaylistRow("Both", "True, True");
     AddPlaylistRow("Hand", "False, False");
     run().settings.GenrePlaylist = true;
     CapturePlaylists(run());
-    EXPECT_FALSE(ListExists("Genre.pla"));
-    EXPECT_TRUE(ListExists("Artist.pla"));
-    EXPECT_FALSE(ListExists("Both.pla"));
-    EXPECT_TRUE(ListExists("Hand.pla"));
+    EXPECT_THAT(Captured(), ElementsAre("Artist.pla A0 0 1", "Hand.pla A0 0 1"));
 
+    NextRun();
     run().settings.ArtistPlaylist = true;
     CapturePlaylists(run());
-    EXPECT_FALSE(ListExists("Artist.pla"));
-    EXPECT_TRUE(ListExists("Hand.pla"));
+    EXPECT_THAT(Captured(), ElementsAre("Hand.pla A0 0 1"));
+    EXPECT_TRUE(Entries().IsMadeAnew("both.PLA"));
+    for (const char* name : {"Genre.pla", "Artist.pla", "Both.pla", "Hand.pla"})
+        EXPECT_TRUE(ListExists(name)) << name;
     EXPECT_THAT(library.Rows("SELECT Filename FROM Playlists"), SizeIs(4));
     EXPECT_THAT(library.host.log, IsEmpty());
 }
 
-TEST_F(CaptureTest, GoesOnBehindAGeneratedFileThatCannotBeDeleted) {
-    AddPlaylistRow("Locked", "True, False");
-    AddPlaylistRow("Open", "True, False");
-    AddList("Mine.pla", {"A0 0"});
-    library.calls.Refuse(R"(DeleteFile D:\Lists\Locked.pla)", FailureNumber::PermissionDenied,
-                         R"(D:\Lists\Locked.pla)");
+/// The folder of the row is the playlist folder, written otherwise.
+TEST_F(CaptureTest, KnowsAGeneratedFileWhateverTheSpellingOfItsFolder) {
+    AddPlaylistRow("Genre", "True, False");
+    library.Execute(R"(UPDATE Playlists SET FilePath='d:\LISTS')"
+                    " & '\\'");
     run().settings.GenrePlaylist = true;
     CapturePlaylists(run());
-    EXPECT_FALSE(ListExists("Open.pla"));
-    EXPECT_THAT(Captured(), ElementsAre("Locked.pla A0 0 1", "Mine.pla A0 0 1"));
-    EXPECT_THAT(library.host.log,
-                ElementsAre(R"(Quillon: Capture Playlists Error: Line 2 Permission denied: )"
-                            R"(D:\Lists\Locked.pla)"));
+    EXPECT_THAT(Captured(), IsEmpty());
+}
+
+TEST_F(CaptureTest, CapturesGeneratedFilesLikeOthersWhereTheirRowsCannotBeRead) {
+    AddPlaylistRow("Genre", "True, False");
+    run().settings.GenrePlaylist = true;
+    library.Database().Refuse("FROM Playlists");
+    CapturePlaylists(run());
+    EXPECT_THAT(Captured(), ElementsAre("Genre.pla A0 0 1"));
+    EXPECT_THAT(library.host.log, ElementsAre("Quillon: Capture Playlists Error: Line 1 refused"));
 }
 
 TEST_F(CaptureTest, StopsBeforeTheExistingPlaylistsWhenAborted) {
@@ -166,20 +171,21 @@ TEST_F(CaptureTest, DoesNothingWithoutAFolder) {
 TEST_F(CaptureTest, NotesAFileThatCannotBeReadAndGoesOn) {
     AddList("Bad.pla", {"A0 0"});
     AddList("Good.pla", {"A0 1"});
-    library.calls.Refuse(R"(OpenText D:\Lists\Bad.pla)", FailureNumber::PermissionDenied, "Bad");
+    library.calls.Refuse(R"(OpenBinary D:\Lists\Bad.pla)", FailureNumber::PermissionDenied, "Bad");
     CapturePlaylists(run());
     EXPECT_THAT(Captured(), ElementsAre("Good.pla A0 1 2"));
     EXPECT_TRUE(Entries().IsUnread("Bad.pla"));
     EXPECT_FALSE(Entries().IsUnread("Good.pla"));
     EXPECT_THAT(library.host.log,
-                ElementsAre("Quillon: Capture Playlists Error: Line 5 Permission denied: Bad"));
+                ElementsAre("Quillon: Capture Playlists Error: Line 5 Permission denied: Bad "
+                            R"((D:\Lists\Bad.pla))"));
 }
 
 TEST_F(CaptureTest, NotesThatNothingWasReadWhenTheTracksCannotBeAskedFor) {
     AddList("Mine.pla", {"A0 0"});
     library.Database().Refuse("FROM Tracks");
     CapturePlaylists(run());
-    EXPECT_TRUE(Entries().IsUnread("Mine.pla"));
+    EXPECT_TRUE(Entries().NothingRead());
     EXPECT_THAT(library.host.log, ElementsAre(HasSubstr("Capture Playlists Error: Line 3")));
 }
 

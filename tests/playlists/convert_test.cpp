@@ -113,8 +113,10 @@ TEST_F(ConvertTest, LogsPositionsThatAreNoNumbersAndGoesOn) {
     AddList("Mine.pla", {"A0 x", "A0 99999999999", "A0 1"});
     Convert();
     EXPECT_THAT(Titles("Mine.m3u"), ElementsAre("Two"));
-    EXPECT_THAT(library.host.log, ElementsAre("Quillon: PlaToM3u Line 5 Type mismatch: x",
-                                              "Quillon: PlaToM3u Line 5 Overflow: 99999999999"));
+    EXPECT_THAT(library.host.log,
+                ElementsAre("Quillon: PlaToM3u Line 5 Type mismatch: x (D:\\Lists\\Mine.pla)",
+                            "Quillon: PlaToM3u Line 5 Overflow: 99999999999 "
+                            "(D:\\Lists\\Mine.pla)"));
 }
 
 TEST_F(ConvertTest, MatchesIdentifiersWithApostrophesAsTheyAre) {
@@ -197,14 +199,15 @@ TEST_F(ConvertTest, CostsOneFileThatCannotBeReadOrWritten) {
     AddList("A.pla", {"A0 0"});
     AddList("B.pla", {"A0 0"});
     AddList("C.pla", {"A0 0"});
-    library.calls.Refuse(R"(OpenText D:\Lists\A.pla)", FailureNumber::PermissionDenied, "A");
+    library.calls.Refuse(R"(OpenBinary D:\Lists\A.pla)", FailureNumber::PermissionDenied, "A");
     library.calls.Refuse(R"(CreateText D:\M3u\B.m3u)", FailureNumber::PathNotFound, "B");
     Convert();
     EXPECT_FALSE(M3uExists("A.m3u"));
     EXPECT_FALSE(M3uExists("B.m3u"));
     EXPECT_TRUE(M3uExists("C.m3u"));
-    EXPECT_THAT(library.host.log, ElementsAre("Quillon: PlaToM3u Line 2 Permission denied: A",
-                                              "Quillon: PlaToM3u Line 2 Path not found: B"));
+    EXPECT_THAT(library.host.log,
+                ElementsAre("Quillon: PlaToM3u Line 2 Permission denied: A (D:\\Lists\\A.pla)",
+                            "Quillon: PlaToM3u Line 2 Path not found: B (D:\\Lists\\B.pla)"));
 }
 
 TEST_F(ConvertTest, LogsAFolderThatIsNotThere) {
@@ -227,7 +230,7 @@ TEST_F(ConvertTest, StopsBeforeTheNextFileWhenAborted) {
 TEST_F(ConvertTest, ConvertsNothingInTheOppositeDirection) {
     library.files.AddFile(R"(D:\M3u\Mine.m3u)", "#EXTM3U\r\nD:\\Music\\A0\\One.mp3\r\n");
     M3uToPla(run());
-    EXPECT_THAT(library.calls.Of({"OpenText", "CreateText", "FilesIn"}), IsEmpty());
+    EXPECT_THAT(library.calls.Of({"OpenText", "OpenBinary", "CreateText", "FilesIn"}), IsEmpty());
     EXPECT_THAT(library.host.log, IsEmpty());
 }
 

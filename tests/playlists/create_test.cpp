@@ -1,10 +1,10 @@
 #include "playlists/create.h"
 
 #include <gmock/gmock.h>
-#include <set>
 
 #include "playlists/artist_entries.h"
-#include "tests/playlists/playlist_fixture.h"
+#include "run/steps.h"
+#include "tests/playlists/create_fixture.h"
 
 namespace quillon {
 namespace {
@@ -15,47 +15,6 @@ using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 using ::testing::UnorderedElementsAreArray;
-
-class CreateTest : public PlaylistTest {
-  protected:
-    void AddSpinner(const std::string& artist, const std::string& song, const std::string& genre,
-                    int exclude = 0) {
-        library.Execute("INSERT INTO Spinner (Artist, Song, Genre, Exclude) VALUES ('" + artist +
-                        "', '" + song + "', " + (genre == "Null" ? genre : "'" + genre + "'") +
-                        ", " + std::to_string(exclude) + ")");
-    }
-
-    /// An album "L0" of that many tracks by one artist of that genre.
-    void AddLongAlbum(const std::string& artist, const std::string& genre, int tracks) {
-        const auto table = run().connection->OpenTable("Tracks");
-        for (int i = 0; i < tracks; ++i) {
-            table->AddNew();
-            table->Set("CDJID", std::string("L0"));
-            table->Set("Artist", artist);
-            table->Set("Title", "Song " + std::to_string(i));
-            table->Set("Track", std::int64_t{i + 1});
-            table->Update();
-        }
-        AddSpinner(artist, "Song 0", genre);
-    }
-
-    void Create() {
-        BuildORsRecordset(run());
-        CreateNewPlaylists(run());
-    }
-
-    std::vector<std::string> Lists() {
-        std::vector<std::string> names;
-        for (const FileEntry& file : library.files.FilesIn(R"(D:\Lists)"))
-            names.push_back(file.name);
-        return names;
-    }
-
-    std::vector<std::string> Playlists() {
-        return library.Rows(
-            "SELECT FilePath, Filename, Type, AutoGenre, AutoArtist FROM Playlists ORDER BY ID");
-    }
-};
 
 TEST_F(CreateTest, WritesAListForEachGenreAndArtist) {
     AddSpinner("Ann", "One", "Folk");
@@ -186,6 +145,9 @@ TEST_F(CreateTest, LetsGenresOfTheSameCleanNameShareAFile) {
     EXPECT_THAT(Lists(), ElementsAre("RockAndRoll.pla"));
     EXPECT_THAT(Lines("RockAndRoll.pla"), ElementsAre("B0 0", "B0 1", "B0 2"));
     EXPECT_THAT(Playlists(), SizeIs(1));
+    EXPECT_THAT(library.host.log,
+                ElementsAre(R"(Quillon: No playlist D:\Lists\RockAndRoll.pla for Rock & Roll: )"
+                            "another one of this run has the same name"));
 }
 
 /// One genre in two spellings would lose half of its entries to the same file.
@@ -236,7 +198,8 @@ TEST_F(CreateTest, LeavesOutTracksWithoutANumber) {
     Create();
     EXPECT_THAT(Lines("Folk.pla"), ElementsAre("A0 0"));
     EXPECT_THAT(library.host.log,
-                ElementsAre("Quillon: Tracks without a number, left out of the new playlists: 2"));
+                ElementsAre("Quillon: Tracks without a number, left out of the new playlists: 2 "
+                            "(the first is Ann - Two)"));
 }
 
 TEST_F(CreateTest, MakesListsOfArtistsWithTracksEnough) {
@@ -324,33 +287,88 @@ TEST_F(CreateTest, FinishesTheArtistListsWhenAbortedWhileReading) {
     EXPECT_THAT(Lists(), ElementsAre("Ann.pla"));
 }
 
-TEST_F(CreateTest, EndsAtAFailureWithTheCompleteListsInPlace) {
+TEST_F(CreateTest, CostsOneListThatCannotBeWritten) {
     AddSpinner("Ann", "One", "Folk");
     AddSpinner("Bob", "Four", "Jazz");
     library.calls.Refuse(R"(CreateText D:\Lists\Jazz.pla)", FailureNumber::DiskFull, "full");
     Create();
-    EXPECT_THAT(Lists(), ElementsAre("Folk.pla"));
+    EXPECT_THAT(Lists(), ElementsAre("Ann.pla", "Bob.pla", "Folk.pla"));
     EXPECT_THAT(library.host.log,
-                ElementsAre("Quillon: Generate New Playlists Error: Line 0 Disk full: full"));
+                ElementsAre("Quillon: Generate New Playlists Error: Line 0 Disk full: full "
+                            R"((D:\Lists\Jazz.pla))"));
 }
 
-/// A half-written list would look like a whole one.
-TEST_F(CreateTest, LeavesNoListWhoseRowCouldNotBeRecorded) {
+/// As with a full disk, which would have a line for each of thousands.
+TEST_F(CreateTest, EndsBehindTenListsInARowThatCannotBeMade) {
+    for (int i = 0; i < 12; ++i) {
+        const std::string name = "Artist" + std::to_string(10 + i);
+        AddAlbum("C" + std::to_string(i), name, {"Song of " + name});
+        AddSpinner(name, "Song of " + name, "Folk");
+        library.calls.Refuse(R"(CreateText D:\Lists\)" + name + ".pla", FailureNumber::DiskFull,
+                             "full");
+    }
+    Create();
+    EXPECT_THAT(Lists(), ElementsAre("Folk.pla"));
+    EXPECT_THAT(library.host.log, SizeIs(11));
+    EXPECT_EQ(library.host.log.back(),
+              "Quillon: Generate New Playlists Error: Line 0 10 lists in a row could not be made, "
+              "so the others are not tried");
+}
+
+/// The next run would not know it for one of the tool's.
+TEST_F(CreateTest, MakesNoListWhoseRowCouldNotBeRecorded) {
     AddSpinner("Ann", "One", "Folk");
     library.Database().Refuse("AddNew Playlists");
     Create();
     EXPECT_THAT(Lists(), IsEmpty());
-    EXPECT_THAT(library.host.log, ElementsAre(HasSubstr("Generate New Playlists Error: Line 0")));
+    EXPECT_THAT(library.host.log,
+                ElementsAre(HasSubstr("Generate New Playlists Error: Line 0 refused"),
+                            HasSubstr(R"(refused (D:\Lists\Ann.pla))")));
 }
 
-/// Statements carry texts between double quotes.
-TEST_F(CreateTest, EndsAtAnArtistWithADoubleQuote) {
-    AddSpinner("Ann \"the\" Other", "One", "Folk");
+TEST_F(CreateTest, TakesArtistsAndTitlesWithQuotesOfBothKinds) {
+    AddAlbum("C0", "Cee ''the'' \"Third\"", {"12\" Mix", "Other"});
+    AddSpinner("Cee ''the'' \"Third\"", "12\" Mix", "Folk");
+    AddSpinner("Bob", "Four", "Folk");
+    AddAlbum("E0", "Eve", {"\"Heroes\""});
+    AddSpinner("Eve", "\"Heroes\"", "Folk", -1);
+    Create();
+    EXPECT_THAT(Lines("Folk.pla"), ElementsAre("B0 0", "B0 1", "B0 2", "C0 0", "C0 1"))
+        << "one of them is excluded by its title";
+    EXPECT_THAT(Lists(), ElementsAre("Bob.pla", "Folk.pla"));
+    EXPECT_THAT(library.host.log, ElementsAre("Quillon: No playlist for Cee 'the' \"Third\": no "
+                                              "file can have that name"));
+}
+
+TEST_F(CreateTest, LeavesOutAGenreThatNoFileCanBeNamedAfter) {
+    AddSpinner("Ann", "One", "12\" Mix");
     AddSpinner("Bob", "Four", "Folk");
     Create();
-    EXPECT_THAT(Lists(), IsEmpty());
-    EXPECT_THAT(library.host.log, ElementsAre(HasSubstr("Generate New Playlists Error: Line 0 "
-                                                        "Syntax error")));
+    EXPECT_THAT(Lists(), ElementsAre("Ann.pla", "Bob.pla", "Folk.pla"));
+    EXPECT_THAT(library.host.log,
+                ElementsAre("Quillon: No playlist for 12\" Mix: no file can have that name"));
+}
+
+TEST_F(CreateTest, CostsOneArtistWhoseMusicCannotBeRead) {
+    AddSpinner("Ann", "One", "Folk");
+    AddSpinner("Bob", "Four", "Folk");
+    library.Database().Refuse("Track, Title FROM Tracks WHERE Artist='Ann'");
+    Create();
+    EXPECT_THAT(Lists(), ElementsAre("Bob.pla", "Folk.pla"));
+    EXPECT_THAT(library.host.log,
+                ElementsAre("Quillon: Generate New Playlists Error: Line 0 refused (Ann)"));
+}
+
+TEST_F(CreateTest, LeavesOutTracksOfNoAlbum) {
+    AddSpinner("Ann", "One", "Folk");
+    library.Execute("UPDATE Tracks SET CDJID=Null WHERE Title='Two'");
+    library.Execute("UPDATE Tracks SET CDJID='' WHERE Title='Three'");
+    Create();
+    EXPECT_THAT(Lines("Folk.pla"), ElementsAre("A0 0"));
+    EXPECT_THAT(Lines("Ann.pla"), ElementsAre("A0 0"));
+    EXPECT_THAT(library.host.log,
+                ElementsAre("Quillon: Tracks without an album's identifier (CDJID), left out of "
+                            "the new playlists: 2 (the first is Ann - Two)"));
 }
 
 TEST_F(CreateTest, CountsAllArtistsAtOnce) {
@@ -366,7 +384,8 @@ TEST_F(CreateTest, CouldTakeWholeAlbumsButForCompilations) {
     AddSpinner("Ann", "One", "Folk");
     AddSpinner("VARIOUS Artists", "Seven", "Folk");
     AddAlbum("V0", "various artists", {"Seven"});
-    ReadArtistEntries(run(), ArtistEntries::Albums);
+    Steps steps(run(), "Test:");
+    EXPECT_TRUE(ReadArtistEntries(run(), steps, ArtistEntries::Albums));
     ASSERT_EQ(Entries().Count(), 2U);
     EXPECT_EQ(Entries().At(0).CDJID, "A0");
     EXPECT_EQ(Entries().At(0).Track, -1);

@@ -116,24 +116,33 @@ TEST_F(InterruptedTest, GoesByTheFilesWhereTheSnapshotIsDamaged) {
     EXPECT_FALSE(SnapshotExists());
 }
 
-TEST_F(InterruptedTest, GoesByTheFilesWhereTheSnapshotCannotBeRead) {
+/// It says what the lists mean, so neither they nor it may become others.
+TEST_F(InterruptedTest, TouchesNothingWhereTheSnapshotCannotBeRead) {
     library.calls.Refuse(std::string("OpenText ") + Snapshot, FailureNumber::PermissionDenied, "x");
     CaptureAndRefresh();
     EXPECT_THAT(Lines("Mine.pla"), ElementsAre("A0 0", "A0 2"));
     EXPECT_THAT(library.host.log,
-                ElementsAre("Quillon: Capture Playlists Error: Line 4 Permission denied: x"));
+                ElementsAre("Quillon: Capture Playlists Error: Line 3 Permission denied: x"));
+    EXPECT_TRUE(SnapshotExists());
+    library.calls = {};
+    NextRun();
+    CaptureAndRefresh();
+    EXPECT_THAT(Lines("Mine.pla"), ElementsAre("A0 1", "A0 0"));
 }
 
-TEST_F(InterruptedTest, StaysRecoverableWhenTheRefreshIsCutShort) {
+TEST_F(InterruptedTest, StaysRecoverableForAListThatCouldNotBeRepaired) {
     AddList("Before.pla", {"A0 0", ""});
-    library.calls.Refuse(R"(CreateText D:\Lists\Before.pla)", FailureNumber::DiskFull, "full");
+    library.calls.Refuse(R"(CreateText D:\Lists\Mine.pla)", FailureNumber::DiskFull, "full");
     CaptureAndRefresh();
-    EXPECT_THAT(Lines("Mine.pla"), ElementsAre("A0 0", "A0 2")) << "not reached";
+    EXPECT_THAT(Lines("Before.pla"), ElementsAre("A0 0"));
+    EXPECT_THAT(Lines("Mine.pla"), ElementsAre("A0 0", "A0 2"));
     EXPECT_TRUE(SnapshotExists());
     NextRun();
     library.calls = {};
     CaptureAndRefresh();
     EXPECT_THAT(Lines("Mine.pla"), ElementsAre("A0 1", "A0 0"));
+    EXPECT_THAT(Lines("Before.pla"), ElementsAre("A0 0"));
+    EXPECT_FALSE(SnapshotExists());
 }
 
 TEST_F(InterruptedTest, StaysRecoverableThroughAnAbortedCapture) {
@@ -143,9 +152,26 @@ TEST_F(InterruptedTest, StaysRecoverableThroughAnAbortedCapture) {
     EXPECT_TRUE(SnapshotExists());
 }
 
-TEST_F(InterruptedTest, LeavesNothingWhenThePlaylistsAreGone) {
+TEST_F(InterruptedTest, LeavesNothingWhenItsPlaylistsAreGone) {
     library.files.DeleteFile(R"(D:\Lists\Mine.pla)");
-    CapturePlaylists(run());
+    AddList("Other.pla", {"A0 0"});
+    CaptureAndRefresh();
+    EXPECT_FALSE(SnapshotExists());
+}
+
+/// As where their drive is not mounted.
+TEST_F(InterruptedTest, StaysRecoverableWhileTheFolderIsEmptyOrNotThere) {
+    const std::string content = List("Mine.pla");
+    library.files.DeleteFile(R"(D:\Lists\Mine.pla)");
+    CaptureAndRefresh();
+    library.files.DeleteFolder(R"(D:\Lists)");
+    NextRun();
+    CaptureAndRefresh();
+    EXPECT_TRUE(SnapshotExists());
+    library.files.AddFile(R"(D:\Lists\Mine.pla)", content);
+    NextRun();
+    CaptureAndRefresh();
+    EXPECT_THAT(Lines("Mine.pla"), ElementsAre("A0 1", "A0 0"));
     EXPECT_FALSE(SnapshotExists());
 }
 

@@ -7,7 +7,9 @@
 namespace quillon {
 namespace {
 
+using ::testing::Each;
 using ::testing::ElementsAre;
+using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
@@ -141,15 +143,15 @@ TEST_F(RefreshTest, DropsASongThatIsGone) {
                     "Quillon: Playlist Mine.pla, Track # updated from 1 to A0 0"));
 }
 
-TEST_F(RefreshTest, DropsAnEntryThatCameAfterTheCapture) {
-    AddList("Mine.pla", {"A0 0"});
+TEST_F(RefreshTest, DropsAnEntryThatNamedNoSongWhenItWasCaptured) {
+    AddList("Mine.pla", {"A0 0", "A0 3"});
     CapturePlaylists(run());
-    AddList("Mine.pla", {"A0 0", "A0 1"});
+    library.AddTrackRow("A0", 4, TestFile("A0", "New"), "New");
     RefreshPlaylist(run());
     EXPECT_THAT(Lines("Mine.pla"), ElementsAre("A0 0"));
     EXPECT_THAT(library.host.log,
                 ElementsAre("Quillon: Playlist Mine.pla record could not be retrieved from temp "
-                            "database for CDJID A0, Track 1"));
+                            "database for CDJID A0, Track 3"));
 }
 
 TEST_F(RefreshTest, DropsPositionsThatAreNoneWithALineEach) {
@@ -256,34 +258,55 @@ TEST_F(LongListTest, HoldsFiveThousandEntries) {
     EXPECT_THAT(library.host.log, IsEmpty());
 }
 
-TEST_F(LongListTest, EndsTheRefreshWithOneEntryMore) {
+TEST_F(LongListTest, LeavesOneAloneWithAnEntryMore) {
     Refresh(Most + 1);
-    EXPECT_THAT(Lines("Long.pla"), SizeIs(Most + 2)) << "the file in hand stays as it is";
-    EXPECT_THAT(Lines("Short.pla"), SizeIs(2)) << "those behind it are not reached";
+    EXPECT_THAT(Lines("Long.pla"), SizeIs(Most + 2)) << "the list stays as it is";
+    EXPECT_THAT(Lines("Short.pla"), SizeIs(1)) << "the others are repaired";
     EXPECT_THAT(library.host.log,
                 ElementsAre("Quillon: Refresh Playlist Error: Line 0 Subscript out of range: "
-                            "playlist Long.pla has more than 5000 entries"));
+                            R"(playlist Long.pla has more than 5000 entries (D:\Lists\Long.pla))"));
 }
 
-TEST_F(RefreshTest, EndsWithTheFileInHandUnchangedWhenItCannotBeWritten) {
+TEST_F(RefreshTest, CostsNoMoreThanTheFileThatCannotBeWritten) {
     AddList("A.pla", {"A0 0", ""});
     AddList("B.pla", {"A0 0", ""});
     AddList("C.pla", {"A0 0", ""});
     CapturePlaylists(run());
-    library.calls.Refuse(R"(CreateText D:\Lists\B.pla)", FailureNumber::PermissionDenied, "B.pla");
+    library.calls.Refuse(R"(CreateText D:\Lists\B.pla)", FailureNumber::PermissionDenied, "it");
     RefreshPlaylist(run());
     EXPECT_THAT(Lines("A.pla"), SizeIs(1));
     EXPECT_THAT(Lines("B.pla"), SizeIs(2));
-    EXPECT_THAT(Lines("C.pla"), SizeIs(2));
+    EXPECT_THAT(Lines("C.pla"), SizeIs(1));
     EXPECT_THAT(library.host.log,
-                ElementsAre("Quillon: Refresh Playlist Error: Line 0 Permission denied: B.pla"));
+                ElementsAre("Quillon: Refresh Playlist Error: Line 0 Permission denied: it "
+                            R"((D:\Lists\B.pla))"));
+}
+
+/// What has not happened is not told.
+TEST_F(RefreshTest, SaysNothingOfRepairsThatFailed) {
+    AddList("Mine.pla", {"A0 0", "C0 0"});
+    AddList("Gone.pla", {"C0 0"});
+    CapturePlaylists(run());
+    library.calls.Refuse(R"(CreateText D:\Lists\Mine.pla)", FailureNumber::DiskFull, "x");
+    library.calls.Refuse(R"(DeleteFile D:\Lists\Gone.pla)", FailureNumber::PermissionDenied, "x");
+    RefreshPlaylist(run());
+    EXPECT_THAT(library.host.log, Each(HasSubstr("Refresh Playlist Error")));
+    EXPECT_THAT(library.host.log, SizeIs(2));
+    EXPECT_THAT(run().removals.Of(Removable::Playlists).names, IsEmpty());
+}
+
+TEST_F(RefreshTest, NotesWhatHasGone) {
+    AddList("Gone.pla", {"C0 0"});
+    CapturePlaylists(run());
+    RefreshPlaylist(run());
+    EXPECT_THAT(run().removals.Of(Removable::Playlists).names, ElementsAre(R"(D:\Lists\Gone.pla)"));
 }
 
 /// Nothing is known of the songs that it names, so taking its entries for lost would lose them.
 TEST_F(RefreshTest, LeavesAFileAloneThatCouldNotBeCaptured) {
     AddList("Bad.pla", {"A0 0"});
     AddList("Good.pla", {"A0 2"});
-    library.calls.Refuse(R"(OpenText D:\Lists\Bad.pla)", FailureNumber::PermissionDenied, "Bad");
+    library.calls.Refuse(R"(OpenBinary D:\Lists\Bad.pla)", FailureNumber::PermissionDenied, "Bad");
     CapturePlaylists(run());
     TurnRound();
     RefreshPlaylist(run());
@@ -299,6 +322,48 @@ TEST_F(RefreshTest, LeavesAllFilesAloneWhenNothingCouldBeCaptured) {
     library.calls = {};
     RefreshPlaylist(run());
     EXPECT_THAT(Lines("Mine.pla"), SizeIs(2));
+}
+
+TEST_F(RefreshTest, LeavesAFileAloneThatCannotBeReadAgain) {
+    AddList("Bad.pla", {"A0 0"});
+    AddList("Good.pla", {"A0 2"});
+    CapturePlaylists(run());
+    TurnRound();
+    library.calls.Refuse(R"(OpenBinary D:\Lists\Bad.pla)", FailureNumber::PathFileAccess, "Bad");
+    RefreshPlaylist(run());
+    EXPECT_THAT(Lines("Bad.pla"), ElementsAre("A0 0"));
+    EXPECT_THAT(Lines("Good.pla"), ElementsAre("A0 0"));
+    library.calls = {};
+    NextRun();
+    CapturePlaylists(run());
+    RefreshPlaylist(run());
+    EXPECT_THAT(Lines("Bad.pla"), ElementsAre("A0 2")) << "the next run knows what it meant";
+}
+
+/// A song whose file was a duplicate of another one goes on as that.
+TEST_F(RefreshTest, LetsEntriesFollowSongsThatBecameOthers) {
+    AddList("Mine.pla", {"A0 0", "B0 0"});
+    AddList("Both.pla", {"A0 1", "A0 0", "A0 2"});
+    CapturePlaylists(run());
+    Entries().SongBecame(1, 3);
+    library.Execute("DELETE * FROM Tracks WHERE ID=1");
+    RefreshPlaylist(run());
+    EXPECT_THAT(Lines("Mine.pla"), ElementsAre("A0 2", "B0 0"));
+    EXPECT_THAT(Lines("Both.pla"), ElementsAre("A0 1", "A0 2")) << "the first place stays";
+    EXPECT_THAT(library.host.log,
+                ElementsAre("Quillon: Playlist Both.pla, Track # updated from 0 to A0 2",
+                            "Quillon: Playlist Both.pla contains duplicate track 2 on A0 and was "
+                            "removed",
+                            "Quillon: Playlist Mine.pla, Track # updated from 0 to A0 2"));
+}
+
+TEST_F(RefreshTest, LetsEntriesFollowSongsThatBecameOnesOfAnotherAlbum) {
+    AddList("Mine.pla", {"A0 0"});
+    CapturePlaylists(run());
+    Entries().SongBecame(1, 4);
+    library.Execute("DELETE * FROM Tracks WHERE ID=1");
+    RefreshPlaylist(run());
+    EXPECT_THAT(Lines("Mine.pla"), ElementsAre("B0 0"));
 }
 
 }  // namespace

@@ -12,7 +12,7 @@ TEST_F(TrackIndexTest, FindsTracksByPlaceAndByKey) {
     const TrackIndex tracks(*run().connection);
     ASSERT_NE(tracks.FindPlace("B0", 2), nullptr);
     EXPECT_EQ(tracks.FindPlace("B0", 2)->id, 5);
-    EXPECT_EQ(tracks.FindPlace("B0", 2)->soundFile, Fingerprint(R"(D:\Music\B0\Five.mp3)"));
+    EXPECT_EQ(tracks.FindPlace("B0", 2)->traits.soundFile, Fingerprint(R"(\Music\B0\Five.mp3)"));
     EXPECT_EQ(tracks.FindPlace("B0", 4), nullptr);
     EXPECT_EQ(tracks.FindPlace("C0", 1), nullptr);
     ASSERT_NE(tracks.FindId(6), nullptr);
@@ -22,6 +22,23 @@ TEST_F(TrackIndexTest, FindsTracksByPlaceAndByKey) {
     EXPECT_TRUE(tracks.HasAlbum("A0"));
     EXPECT_FALSE(tracks.HasAlbum("A"));
     EXPECT_FALSE(tracks.HasAlbum(""));
+}
+
+TEST_F(TrackIndexTest, KnowsARowAgainByItsFileOrItsOrigin) {
+    library.Execute("UPDATE Tracks SET DateAdded=#1/2/2026# WHERE ID=5");
+    const SongTraits before = TrackIndex(*run().connection).FindId(5)->traits;
+    const auto fitsNow = [&] {
+        return TrackIndex(*run().connection).FindId(5)->traits.Fit(before);
+    };
+    library.Execute(R"(UPDATE Tracks SET SoundFile='\\server\share\Music\B0\Five.mp3' WHERE ID=5)");
+    EXPECT_TRUE(fitsNow()) << "another drive";
+    library.Execute(R"(UPDATE Tracks SET SoundFile='D:\Music\B0\Renamed.mp3' WHERE ID=5)");
+    EXPECT_TRUE(fitsNow()) << "renamed in its folder";
+    library.Execute(R"(UPDATE Tracks SET SoundFile='D:\Music\C0\Renamed.mp3' WHERE ID=5)");
+    EXPECT_FALSE(fitsNow()) << "another folder";
+    library.Execute(R"(UPDATE Tracks SET SoundFile='D:\Music\B0\Other.mp3' WHERE ID=5)");
+    library.Execute("UPDATE Tracks SET DateAdded=#1/3/2026# WHERE ID=5");
+    EXPECT_FALSE(fitsNow()) << "added at another time";
 }
 
 TEST_F(TrackIndexTest, ComparesWithoutLetterCase) {

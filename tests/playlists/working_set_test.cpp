@@ -20,6 +20,7 @@ TEST_F(WorkingSetTest, IsMadeAnewAndEmpty) {
     EXPECT_EQ(Entries().Count(), 0U);
     EXPECT_FALSE(Entries().FindSong(1, "Mine.pla"));
     EXPECT_FALSE(Entries().IsUnread("Other.pla"));
+    EXPECT_FALSE(Entries().NothingRead());
 }
 
 TEST_F(WorkingSetTest, IsShownAnEntryALineWithItsEightFields) {

@@ -78,13 +78,40 @@ TEST(PlaylistEntries, TakeNoSpellingFromAnotherField) {
     EXPECT_EQ(entries.At(0).Genre, "Folk");
 }
 
-TEST(PlaylistEntries, KnowWhichPlaylistsWereNotRead) {
+TEST(PlaylistEntries, KnowWhichPlaylistsWereRead) {
     PlaylistEntries entries;
-    entries.NoteUnread("Mine.pla");
-    EXPECT_TRUE(entries.IsUnread("mine.pla"));
-    EXPECT_FALSE(entries.IsUnread("Other.pla"));
-    entries.NoteNothingRead();
-    EXPECT_TRUE(entries.IsUnread("Other.pla"));
+    entries.NoteRead("Mine.pla", {.size = 7, .fingerprint = 9});
+    entries.NoteUnread("Other.pla");
+    entries.NoteMadeAnew("Rock.pla");
+    EXPECT_EQ(entries.ContentOf("mine.PLA"), (PlaylistContent{.size = 7, .fingerprint = 9}));
+    EXPECT_EQ(entries.ContentOf("Other.pla"), std::nullopt);
+    EXPECT_EQ(entries.ContentOf("Third.pla"), std::nullopt);
+    EXPECT_EQ(entries.ReadCount(), 1U);
+    EXPECT_TRUE(entries.IsUnread("other.pla"));
+    EXPECT_FALSE(entries.IsUnread("Mine.pla"));
+    EXPECT_TRUE(entries.IsMadeAnew("ROCK.pla"));
+    EXPECT_FALSE(entries.IsMadeAnew("Mine.pla"));
+}
+
+TEST(PlaylistEntries, FollowSongsThatBecameOthers) {
+    PlaylistEntries entries;
+    entries.Add({.ID = 1, .Track = 0, .CDJID = "A0", .Playlist = "Mine.pla"});
+    entries.Add({.ID = 4, .Track = 3, .CDJID = "A0", .Playlist = "Mine.pla"});
+    entries.SongBecame(1, 2);
+    entries.SongBecame(2, 3);
+    EXPECT_EQ(entries.At(0).ID, 3);
+    EXPECT_TRUE(entries.HasBecomeAnother(0));
+    EXPECT_EQ(entries.At(1).ID, 4);
+    EXPECT_FALSE(entries.HasBecomeAnother(1));
+}
+
+TEST(PlaylistEntries, DoNotGoRoundInCircles) {
+    PlaylistEntries entries;
+    entries.Add({.ID = 1, .Track = 0, .CDJID = "A0", .Playlist = "Mine.pla"});
+    entries.SongBecame(1, 2);
+    entries.SongBecame(2, 1);
+    entries.SongBecame(1, 1);
+    EXPECT_EQ(entries.At(0).ID, 2);
 }
 
 /// As when an artist's tracks are gathered: none has a key or a playlist.

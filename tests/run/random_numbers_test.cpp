@@ -21,6 +21,13 @@ TEST(RandomNumbers, AreOthersASecondLater) {
     EXPECT_NE(one.Next(), other.Next());
 }
 
+TEST(RandomNumbers, AreOthersANanosecondLater) {
+    RandomNumbers one, other;
+    one.Seed(MakeDateTime(2026, 11, 15, 5, 38, 55), 7);
+    other.Seed(MakeDateTime(2026, 11, 15, 5, 38, 55), 8);
+    EXPECT_NE(one.Next(), other.Next());
+}
+
 TEST(RandomNumbers, AreSpreadEvenlyFromZeroToBelowOne) {
     constexpr int Numbers = 10'000, Bins = 10;
     std::array<int, Bins> bins{};

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -48,6 +49,9 @@ class FakeFiles : public Files {
 
     /// Nobody can tell what has this path: it is listed as unseen, and so is nothing below it.
     void HideFromView(const std::string& path) { unseen_[KeyOf(path)] = path; }
+
+    /// Called before a file is opened for reading bytes; what another program does meanwhile.
+    std::function<void(std::string_view path)> beforeOpenBinary;
 
     bool FolderExists(std::string_view path) override {
         RequireSeen(path);
@@ -170,6 +174,7 @@ class FakeFiles : public Files {
 
     std::unique_ptr<BinaryReader> OpenBinary(std::string_view path) override {
         calls_.Note("OpenBinary " + std::string(path));
+        if (beforeOpenBinary) beforeOpenBinary(path);
         return std::make_unique<Bytes>(FileAt(path).content);
     }
 
@@ -223,7 +228,13 @@ class FakeFiles : public Files {
         Writer(FakeFiles& files, std::string path) : files_(files), path_(std::move(path)) {}
         void Write(std::string_view text) override { text_ += text; }
         void WriteLine(std::string_view line) override { text_ += std::string(line) + "\r\n"; }
+        void WriteBytes(std::string_view bytes) override { text_ += bytes; }
         void Close() override { files_.AddFile(path_, text_); }
+        bool CloseIf(const std::function<bool()>& isWanted) override {
+            if (!isWanted()) return false;
+            Close();
+            return true;
+        }
 
       private:
         FakeFiles& files_;

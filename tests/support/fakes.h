@@ -15,8 +15,10 @@ namespace quillon::fakes {
 class FakeClock : public Clock {
   public:
     DateTime Now() const override { return now; }
+    std::uint32_t Nanoseconds() const override { return nanoseconds; }
 
     DateTime now = MakeDateTime(2026, 11, 15, 5, 38, 55);
+    std::uint32_t nanoseconds = 0;
 };
 
 /// A run among fakes that share one list of calls.

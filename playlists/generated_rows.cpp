@@ -1,0 +1,68 @@
+#include "playlists/generated_rows.h"
+
+#include <map>
+#include <memory>
+#include <utility>
+#include <variant>
+
+#include "platform/basic_text.h"
+#include "platform/database.h"
+#include "playlists/playlist_folder.h"
+#include "run/run.h"
+
+namespace quillon {
+namespace {
+
+bool IsTrue(const Value& value) {
+    const bool* const answer = std::get_if<bool>(&value);
+    return answer != nullptr && *answer;
+}
+
+/// Folders as rows name them, each looked at once.
+class RowFolders {
+  public:
+    explicit RowFolders(Run& run) : run_(run) {}
+
+    std::string Usual(const std::string& folder) {
+        const auto [place, isNew] = usual_.try_emplace(folder, folder);
+        if (isNew && IsSameFolder(run_.files, folder, run_.settings.PlayListPath))
+            place->second = run_.settings.PlayListPath;
+        return place->second;
+    }
+
+  private:
+    Run& run_;
+    std::map<std::string, std::string> usual_;
+};
+
+}  // namespace
+
+void GeneratedRows::Add(const Run& run, GeneratedRow row) {
+    if (row.folder == run.settings.PlayListPath) names_.insert(LowerCase(row.name));
+    rows_.push_back(std::move(row));
+}
+
+bool GeneratedRows::HaveName(std::string_view name) const {
+    return names_.contains(LowerCase(name));
+}
+
+GeneratedRows ReadGeneratedRows(Run& run) {
+    GeneratedRows generated;
+    RowFolders folders(run);
+    const std::unique_ptr<RecordSet> rows = run.connection->Query(
+        "SELECT * FROM Playlists WHERE AutoGenre = True Or AutoArtist = True");
+    for (; !rows->IsEof(); rows->MoveNext()) {
+        GeneratedRow row{.folder = rows->Text("FilePath"),
+                         .name = rows->Text("Filename") + rows->Text("Type"),
+                         .byGenre = IsTrue(rows->Get("AutoGenre")),
+                         .byArtist = IsTrue(rows->Get("AutoArtist"))};
+        const bool isMadeAnew = (row.byGenre && run.settings.GenrePlaylist) ||
+                                (row.byArtist && run.settings.ArtistPlaylist);
+        if (!isMadeAnew || !HasPlaylistName(row.name)) continue;
+        row.folder = folders.Usual(row.folder);
+        generated.Add(run, std::move(row));
+    }
+    return generated;
+}
+
+}  // namespace quillon

@@ -1,0 +1,64 @@
+#include "playlists/playlist_text.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+#include "database/snapshot_file.h"
+#include "platform/failure.h"
+#include "platform/files.h"
+
+namespace quillon {
+namespace {
+
+/// Far more than any list has; what is larger is a mistake, and is not taken into memory.
+constexpr std::uint64_t MostBytes = std::uint64_t{64} << 20U;
+
+std::string ReadAll(BinaryReader& reader, std::string_view path) {
+    const std::uint64_t size = reader.Size();
+    if (size > MostBytes)
+        throw Failure(FailureNumber::Overflow, std::string(path) + " is too large for a playlist");
+    const std::vector<std::uint8_t> bytes = reader.Read(static_cast<std::size_t>(size));
+    return {bytes.begin(), bytes.end()};
+}
+
+}  // namespace
+
+std::string ReadPlaylist(Files& files, std::string_view path) {
+    return ReadAll(*files.OpenBinary(path), path);
+}
+
+PlaylistContent ContentOf(std::string_view playlist) {
+    return {.size = playlist.size(), .fingerprint = Fingerprint(playlist)};
+}
+
+bool HasContent(Files& files, std::string_view path, const PlaylistContent& content) {
+    return files.FileExists(path) && ContentOf(ReadPlaylist(files, path)) == content;
+}
+
+std::vector<std::string_view> LinesOf(std::string_view playlist) {
+    std::vector<std::string_view> lines;
+    while (!playlist.empty()) {
+        const std::size_t end = std::min(playlist.find('\n'), playlist.size());
+        std::string_view line = playlist.substr(0, end);
+        const bool isEnded = end < playlist.size();
+        if (isEnded && line.ends_with('\r')) line.remove_suffix(1);
+        lines.push_back(line);
+        playlist.remove_prefix(isEnded ? end + 1 : end);
+    }
+    return lines;
+}
+
+bool WriteIfOther(Files& files, std::string_view path, std::string_view bytes) {
+    if (files.FileExists(path)) {
+        const std::unique_ptr<BinaryReader> present = files.OpenBinary(path);
+        if (present->Size() == bytes.size() && ReadAll(*present, path) == bytes) return false;
+    }
+    const std::unique_ptr<TextWriter> file = files.CreateText(path);
+    file->WriteBytes(bytes);
+    file->Close();
+    return true;
+}
+
+}  // namespace quillon
