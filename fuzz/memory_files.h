@@ -4,7 +4,9 @@
 #include <filesystem>
 #include <map>
 #include <memory>
+#include <optional>
 #include <span>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -31,6 +33,13 @@ class MemoryFiles : public jet::storage::FileSystem {
         return std::make_unique<MemoryFile>(found->second);
     }
     bool Exists(const std::filesystem::path& path) override { return files_.contains(path); }
+    std::optional<jet::storage::FileFacts> Look(const std::filesystem::path& path) override {
+        const auto found = files_.find(path);
+        if (found == files_.end()) return std::nullopt;
+        return jet::storage::FileFacts{.size = found->second->size()};
+    }
+    std::filesystem::path Resolve(const std::filesystem::path& path) override { return path; }
+    std::filesystem::path FullPath(const std::filesystem::path& path) override { return path; }
     void Rename(const std::filesystem::path& from, const std::filesystem::path& to) override {
         files_[to] = files_.at(from);
         files_.erase(from);
@@ -56,7 +65,11 @@ class MemoryFiles : public jet::storage::FileSystem {
         }
         void Reserve(std::uint64_t /*size*/) override {}
         void Sync() override {}
-        std::uint64_t Size() override { return content_->size(); }
+        jet::storage::FileFacts Facts() override { return {.size = content_->size()}; }
+        jet::storage::LockResult Lock() override { return jet::storage::LockResult::Taken; }
+        std::optional<std::string> Note() override { return std::nullopt; }
+        bool SetNote(const std::string& /*text*/) override { return false; }
+        bool KeepsNotes() override { return false; }
 
       private:
         std::shared_ptr<Content> content_;

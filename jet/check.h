@@ -4,11 +4,14 @@
 #include <string>
 #include <vector>
 
+#include "jet/journal.h"
+
 namespace jet {
 
 /// What CheckFile found. No faults means that the file is whole.
 struct CheckReport {
     std::vector<std::string> faults;  ///< one line each: what and where
+    JournalState journal;             ///< that the file was read with, where one waits
     std::size_t tables = 0, rows = 0, indexes = 0, entries = 0, pages = 0;
 };
 

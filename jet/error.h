@@ -12,6 +12,7 @@ enum class ErrorKind {
     Encrypted,     ///< pages are encoded or a password is set
     Damaged,       ///< the file contradicts itself or ends too early
     InUse,         ///< another program has the database open
+    Changed,       ///< another program has replaced or written the file since it was opened
     ReadOnly,      ///< the file or folder may not be written
     Io,            ///< the operating system refused (disk full, read error)
     Syntax,        ///< the statement or criterion cannot be understood

@@ -13,10 +13,12 @@ struct LockState {
         InUse,       ///< opening is refused
     };
     Kind kind = Kind::Free;
-    std::string objection;  ///< why opening is refused; "" when it is not
+    std::string objection;       ///< why opening is refused; "" when it is not
+    std::filesystem::path file;  ///< the lock file's place, whether it is there or not
 };
 
-/// Looks at the lock file and touches nothing. Error(Io, ReadOnly) where it cannot be read.
+/// Looks at the lock file, and at the lock on the database itself that has no name, and touches
+/// nothing. Error(Io, ReadOnly) where that cannot be done.
 LockState LookAtLock(const std::filesystem::path& database);
 
 }  // namespace jet

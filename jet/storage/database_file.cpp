@@ -29,23 +29,23 @@ constexpr std::chrono::seconds LongestWait{1};
 /// 16 MB of changed pages are committed without waiting.
 constexpr std::size_t MostChangedPages = 4096;
 
-void CheckHeaderOf(FileSystem& files, const std::filesystem::path& path) {
-    const auto file = files.Open(path, FileAccess::Read);
-    Page start;
-    const std::size_t size = file->ReadAt(0, start);
-    CheckHeader(std::span(start).first(size), path);
-}
-
 }  // namespace
 
 class DatabaseFile::Implementation {
   public:
     Implementation(const std::shared_ptr<FileSystem>& files, const std::filesystem::path& path,
-                   OpenMode mode) {
-        CheckHeaderOf(*files, path);
-        if (mode == OpenMode::ReadWrite) lock_.emplace(path);
+                   OpenMode mode, const OpenConditions& conditions) {
+        const auto real = files->Resolve(path);
+        CheckHeaderOf(*files, real);
+        if (mode == OpenMode::ReadWrite) lock_.emplace(real);
         pages_ = std::make_unique<Pager>(files, path, mode == OpenMode::ReadWrite);
-        NamingFile(path.string(), [this] { LoadTables(); });
+        if (pages_->Path() != real) {
+            throw Error(ErrorKind::Changed,
+                        path.string() + " leads to another file than a moment ago.");
+        }
+        NamingFile(real.string(), [&] { LoadTables(conditions.needs); });
+        if (conditions.inspect) conditions.inspect(*pages_);
+        pages_->Recover();
     }
 
     ~Implementation() {
@@ -68,6 +68,8 @@ class DatabaseFile::Implementation {
         return names;
     }
 
+    const std::vector<UnreadableTable>& Unreadable() const { return unreadable_; }
+
     Table& OpenTable(std::string_view name) {
         const auto found = tables_.find(std::string(name));
         if (found == tables_.end()) {
@@ -87,21 +89,30 @@ class DatabaseFile::Implementation {
     }
 
   private:
-    void LoadTables() {
+    void LoadTables(const std::function<bool(std::string_view)>& needs) {
         for (const CatalogEntry& entry : ReadCatalog(*pages_)) {
-            std::unique_ptr<TableImplementation> table;
-            if (entry.isLinked) {
-                table = std::make_unique<LinkedTable>(pages_->Path().string(), entry.name,
-                                                      entry.linkedTo);
-                linked_.insert(entry.name);
-            } else {
-                auto stored = std::make_unique<StoredTable>(*pages_, entry.name, entry.definition,
-                                                            entry.requiredColumns);
-                stored->CheckExtent();
-                table = std::move(stored);
+            try {
+                LoadTable(entry);
+            } catch (const Error& error) {
+                if (error.Kind() != ErrorKind::Damaged || !needs || needs(entry.name)) throw;
+                unreadable_.push_back({entry.name, error.what()});
             }
-            tables_.emplace(entry.name, Table(std::move(table)));
         }
+    }
+
+    void LoadTable(const CatalogEntry& entry) {
+        std::unique_ptr<TableImplementation> table;
+        if (entry.isLinked) {
+            table =
+                std::make_unique<LinkedTable>(pages_->Path().string(), entry.name, entry.linkedTo);
+            linked_.insert(entry.name);
+        } else {
+            auto stored = std::make_unique<StoredTable>(*pages_, entry.name, entry.definition,
+                                                        entry.requiredColumns);
+            stored->CheckExtent();
+            table = std::move(stored);
+        }
+        tables_.emplace(entry.name, Table(std::move(table)));
     }
 
     std::optional<LockFile> lock_;  // the last to go
@@ -114,6 +125,7 @@ class DatabaseFile::Implementation {
 
     std::map<std::string, Table, ByName> tables_;
     std::set<std::string, ByName> linked_;
+    std::vector<UnreadableTable> unreadable_;
 };
 
 DatabaseFile::DatabaseFile(std::unique_ptr<Implementation> implementation)
@@ -127,8 +139,14 @@ DatabaseFile DatabaseFile::Open(const std::filesystem::path& path, OpenMode mode
 }
 
 DatabaseFile DatabaseFile::Open(const std::filesystem::path& path, OpenMode mode,
-                                const std::shared_ptr<FileSystem>& files) {
-    return DatabaseFile(std::make_unique<Implementation>(files, path, mode));
+                                const OpenConditions& conditions) {
+    return Open(path, mode, RealFileSystem(), conditions);
+}
+
+DatabaseFile DatabaseFile::Open(const std::filesystem::path& path, OpenMode mode,
+                                const std::shared_ptr<FileSystem>& files,
+                                const OpenConditions& conditions) {
+    return DatabaseFile(std::make_unique<Implementation>(files, path, mode, conditions));
 }
 
 void DatabaseFile::Create(const std::filesystem::path& path,
@@ -137,8 +155,17 @@ void DatabaseFile::Create(const std::filesystem::path& path,
     if (files->Exists(path)) {
         throw Error(ErrorKind::Io, path.string() + " exists already.");
     }
+    // A new database begins with the commit counters of any other new one, so that a journal which
+    // was left for one of them would seem to be its own.
+    if (const auto journal = JournalPathFor(path); files->Exists(journal)) {
+        throw Error(ErrorKind::Io, journal.string() +
+                                       " was left by another database of this name. Move it away "
+                                       "first.");
+    }
     auto unfinished = path;
     unfinished += ".new";
+    files->Remove(unfinished);
+    files->Remove(JournalPathFor(unfinished));
     try {
         WriteNewDatabase(files, unfinished, tables);
         files->Rename(unfinished, path);
@@ -146,13 +173,17 @@ void DatabaseFile::Create(const std::filesystem::path& path,
     } catch (const Error&) {
         std::error_code ignored;
         std::filesystem::remove(unfinished, ignored);
-        std::filesystem::remove(unfinished += ".journal", ignored);
+        std::filesystem::remove(JournalPathFor(unfinished), ignored);
         throw;
     }
 }
 
 std::vector<std::string> DatabaseFile::TableNames() const {
     return implementation_->TableNames();
+}
+
+const std::vector<UnreadableTable>& DatabaseFile::Unreadable() const {
+    return implementation_->Unreadable();
 }
 
 Table& DatabaseFile::OpenTable(std::string_view name) {

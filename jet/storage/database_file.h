@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <span>
 #include <string>
@@ -13,10 +14,26 @@
 namespace jet::storage {
 
 class FileSystem;
+class PageStore;
 
 enum class OpenMode {
     ReadOnly,  ///< nothing is written, not even a lock file; a pending journal is applied in memory
     ReadWrite,  ///< takes the database for this process: fails with Error(InUse) if another has it
+};
+
+/// What opening asks of a database beyond its being one.
+struct OpenConditions {
+    /// Whether a table's definition must be readable. Other tables whose definition is not are left
+    /// out, see Unreadable(). Without this all must be.
+    std::function<bool(std::string_view table)> needs;
+    /// Looks the pages over. What it throws ends the opening, before anything was written.
+    std::function<void(PageStore&)> inspect;
+};
+
+/// A table that had to be left out.
+struct UnreadableTable {
+    std::string name;
+    std::string reason;
 };
 
 /// An open Jet 4 `.mdb` file.
@@ -24,15 +41,21 @@ enum class OpenMode {
 /// Changes reach the file in groups: Commit() writes every page changed since the last one to a
 /// journal file beside the database, flushes it, writes the pages into place and removes the
 /// journal. A crash at any instant therefore leaves, after the next Open, the state of some Commit.
+/// A path that is a symbolic link stands for the file it leads to: lock file and journal are there.
 class DatabaseFile {
   public:
     /// Opens and checks header, catalog and locks. Errors: NotFound, NotADatabase, Encrypted,
     /// Damaged, InUse, ReadOnly, Io, each naming the file.
     static DatabaseFile Open(const std::filesystem::path& path, OpenMode mode);
 
+    /// The same on conditions.
+    static DatabaseFile Open(const std::filesystem::path& path, OpenMode mode,
+                             const OpenConditions& conditions);
+
     /// The same on other file operations than the system's own.
     static DatabaseFile Open(const std::filesystem::path& path, OpenMode mode,
-                             const std::shared_ptr<FileSystem>& files);
+                             const std::shared_ptr<FileSystem>& files,
+                             const OpenConditions& conditions = {});
 
     /// Makes a new file with these tables, all empty. Fails if the path exists.
     static void Create(const std::filesystem::path& path, std::span<const TableDefinition> tables);
@@ -46,6 +69,8 @@ class DatabaseFile {
     /// User tables, ordered by name without letter case. Neither system tables nor tables that are
     /// linked to another database.
     std::vector<std::string> TableNames() const;
+
+    const std::vector<UnreadableTable>& Unreadable() const;
 
     /// The table of this name, whatever its letter case; Error(NotFound) if there is none. The
     /// reference stays valid as long as this object; asking again gives the same object.

@@ -125,6 +125,19 @@ void CheckHeader(std::span<const std::uint8_t> start, const std::filesystem::pat
     CheckUnmasked(header, file);
 }
 
+void CheckHeaderOf(FileSystem& files, const std::filesystem::path& path) {
+    const auto facts = files.Look(path);
+    if (facts && !facts->otherKind.empty()) {
+        throw Error(ErrorKind::NotADatabase, path.string() + " is " +
+                                                 std::string(facts->otherKind) +
+                                                 " and not an Access database.");
+    }
+    const auto file = files.Open(path, FileAccess::Read);
+    Page start;
+    const std::size_t size = file->ReadAt(0, start);
+    CheckHeader(std::span(start).first(size), path);
+}
+
 Page NewHeader() {
     Page header{};
     const auto bytes = std::span(header);

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <span>
 
+#include "jet/storage/file_system.h"
 #include "jet/storage/format/page.h"
 
 namespace jet::storage {
@@ -13,6 +14,10 @@ namespace jet::storage {
 /// Damaged (cut off within the header, unknown catalog). `start` is its first page, or less where
 /// the file is shorter.
 void CheckHeader(std::span<const std::uint8_t> start, const std::filesystem::path& path);
+
+/// The same for a file. Folders, FIFOs and devices are NotADatabase, too, and nothing waits for
+/// them. `path` is no symbolic link.
+void CheckHeaderOf(FileSystem& files, const std::filesystem::path& path);
 
 /// The header of a new database.
 Page NewHeader();

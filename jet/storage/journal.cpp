@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "jet/error.h"
 #include "jet/value.h"
 
 namespace jet::storage {
@@ -99,7 +100,6 @@ void WriteJournal(FileSystem& files, const std::filesystem::path& path, PageNumb
 
 std::optional<JournalReader> JournalReader::Open(FileSystem& files,
                                                  const std::filesystem::path& path) {
-    if (!files.Exists(path)) return std::nullopt;
     auto file = files.Open(path, FileAccess::Read);
     std::array<std::uint8_t, HeadSize> head{};
     if (file->ReadAt(0, head) != head.size()) return std::nullopt;
@@ -129,7 +129,8 @@ void JournalReader::ForEach(const std::function<void(PageNumber, const Page&)>& 
     Record record;
     Page page;
     for (std::size_t i = 0; i < records_; ++i) {
-        file_->ReadAt(RecordOffset(i), record);
+        if (file_->ReadAt(RecordOffset(i), record) != record.size())
+            throw Error(ErrorKind::Io, "A journal has become shorter while it was read.");
         std::copy(record.begin() + 4, record.end(), page.begin());
         visit(Load<PageNumber>(record, 0), page);
     }

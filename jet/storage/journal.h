@@ -34,10 +34,10 @@ using JournalPage = std::pair<PageNumber, const Page*>;
 void WriteJournal(FileSystem& files, const std::filesystem::path& path, PageNumber pageCount,
                   const CommitCounters& before, std::span<const JournalPage> pages);
 
-/// A journal file found beside a database.
+/// A journal file that has been found.
 class JournalReader {
   public:
-    /// Opens and checks the file; none if it is not a complete journal.
+    /// Opens and checks the file, which exists; none if it is not a complete journal.
     static std::optional<JournalReader> Open(FileSystem& files, const std::filesystem::path& path);
 
     /// Pages in the database after the journal's commit.
@@ -45,6 +45,7 @@ class JournalReader {
     /// The database's commit counters before the journal's commit.
     const CommitCounters& CountersBefore() const { return before_; }
 
+    std::size_t Pages() const { return records_; }
     void ForEach(const std::function<void(PageNumber, const Page&)>& visit) const;
 
   private:

@@ -7,7 +7,6 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
 #include <vector>
@@ -22,7 +21,7 @@ namespace {
 constexpr std::size_t NameSize = 32, EntrySize = 2 * NameSize, MostEntries = 255;
 constexpr std::string_view UserName = "Quillon";
 /// Where the database engine's users hold their locks.
-constexpr off_t LockStart = 0x10000001, LockLength = 255;
+constexpr ByteRange UserLocks{0x10000001, 255};
 
 struct Entry {
     std::string machine, user;
@@ -36,17 +35,22 @@ std::string NameIn(std::span<const char> field) {
     return name;
 }
 
-std::vector<Entry> ReadEntries(int file) {
+std::vector<Entry> ReadEntries(const Descriptor& file, const std::filesystem::path& path) {
     std::vector<Entry> entries;
     std::array<char, EntrySize> bytes{};
     for (std::size_t i = 0; i < MostEntries; ++i) {
+        bytes.fill('\0');
         const auto count = Uninterrupted([&] {
-            return pread(file, bytes.data(), EntrySize, static_cast<off_t>(i * EntrySize));
+            return pread(file.Number(), bytes.data(), EntrySize, static_cast<off_t>(i * EntrySize));
         });
-        if (count != static_cast<ssize_t>(EntrySize)) break;
+        if (count < 0) ThrowSystemError("read", path, errno);
+        if (count == 0) break;
         Entry entry{NameIn(std::span(bytes).first(NameSize)),
                     NameIn(std::span(bytes).subspan(NameSize))};
-        if (!entry.machine.empty() || !entry.user.empty()) entries.push_back(std::move(entry));
+        // Half an entry is somebody's, too.
+        const bool isWhole = count == static_cast<ssize_t>(EntrySize);
+        if (!isWhole || !entry.machine.empty() || !entry.user.empty())
+            entries.push_back(std::move(entry));
     }
     return entries;
 }
@@ -64,6 +68,7 @@ bool IsOurs(const Entry& entry) {
 std::string Machines(const std::vector<Entry>& entries) {
     std::vector<std::string> names;
     for (const Entry& entry : entries) {
+        if (entry.machine.empty()) continue;
         if (std::find(names.begin(), names.end(), entry.machine) == names.end()) {
             names.push_back(entry.machine);
         }
@@ -72,30 +77,6 @@ std::string Machines(const std::vector<Entry>& entries) {
     for (const std::string& name : names)
         list += (list.empty() ? "" : ", ") + name;
     return list.empty() ? "another program" : list;
-}
-
-enum class LockResult { Taken, Held, Unsupported };
-
-struct flock LockRange() {
-    struct flock range{};
-    range.l_type = F_WRLCK;
-    range.l_whence = SEEK_SET;
-    range.l_start = LockStart;
-    range.l_len = LockLength;
-    return range;
-}
-
-LockResult TakeLock(int file) {
-    struct flock range = LockRange();
-    if (fcntl(file, F_OFD_SETLK, &range) == 0) return LockResult::Taken;
-    return errno == EAGAIN || errno == EACCES ? LockResult::Held : LockResult::Unsupported;
-}
-
-/// What TakeLock would give.
-LockResult ProbeLock(int file) {
-    struct flock range = LockRange();
-    if (fcntl(file, F_OFD_GETLK, &range) != 0) return LockResult::Unsupported;
-    return range.l_type == F_UNLCK ? LockResult::Taken : LockResult::Held;
 }
 
 /// Why a database with these users may not be taken; "" when it may.
@@ -113,21 +94,20 @@ std::string Objection(const std::filesystem::path& database, LockResult lock,
 }
 
 /// Whether the open file is still the one of this name: a user that left may have removed it.
-bool IsAt(int file, const std::filesystem::path& path) {
-    struct stat open{}, named{};
-    return fstat(file, &open) == 0 && stat(path.c_str(), &named) == 0 &&
-           open.st_ino == named.st_ino && open.st_dev == named.st_dev;
+bool IsAt(const Descriptor& file, const std::filesystem::path& path) {
+    const auto named = FactsOfName(path);
+    return named && named->IsSameFile(FactsOf(file, path));
 }
 
-void WriteEntry(int file, const std::filesystem::path& path) {
+void WriteEntry(const Descriptor& file, const std::filesystem::path& path) {
     std::array<char, EntrySize> entry{};
     const std::string machine = ThisMachine();
     std::copy(machine.begin(), machine.end(), entry.begin());
     std::copy(UserName.begin(), UserName.end(), entry.begin() + NameSize);
-    if (ftruncate(file, 0) != 0 ||
-        pwrite(file, entry.data(), entry.size(), 0) != static_cast<ssize_t>(entry.size())) {
-        ThrowSystemError("write", path, errno);
-    }
+    if (ftruncate(file.Number(), 0) != 0) ThrowSystemError("write", path, errno);
+    const auto count = pwrite(file.Number(), entry.data(), entry.size(), 0);
+    if (count < 0) ThrowSystemError("write", path, errno);
+    if (count != static_cast<ssize_t>(entry.size())) ThrowSystemError("write", path, ENOSPC);
 }
 
 }  // namespace
@@ -135,6 +115,11 @@ void WriteEntry(int file, const std::filesystem::path& path) {
 std::filesystem::path LockFile::PathFor(const std::filesystem::path& database) {
     auto path = database;
     return path.replace_extension(".ldb");
+}
+
+std::string InUseByAnotherName(const std::filesystem::path& database) {
+    return database.string() +
+           " is in use by another program, which has opened it by another of its names.";
 }
 
 LockFile::LockFile(const std::filesystem::path& database)
@@ -145,17 +130,19 @@ LockFile::LockFile(const std::filesystem::path& database)
 
 /// False when the file vanished meanwhile.
 bool LockFile::TryTake(const std::filesystem::path& database) {
-    constexpr mode_t EveryoneByUmask = 0666;
-    Descriptor file(Uninterrupted(
-        [&] { return open(path_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, EveryoneByUmask); }));
-    if (!file.IsOpen()) ThrowSystemError("create", path_, errno);
-    const LockResult lock = TakeLock(file.Number());
-    const std::string objection = Objection(database, lock, ReadEntries(file.Number()));
-    const bool isThere = lock == LockResult::Held || IsAt(file.Number(), path_);
+    Descriptor file = OpenPlainFile(path_, O_RDWR | O_CREAT, "create");
+    const LockResult lock = TakeLock(file, UserLocks, path_);
+    const std::string objection = Objection(database, lock, ReadEntries(file, path_));
+    const bool isThere = lock == LockResult::Held || IsAt(file, path_);
     if (!isThere) return false;
     if (!objection.empty()) throw Error(ErrorKind::InUse, objection);
+    try {
+        WriteEntry(file, path_);
+    } catch (const Error&) {
+        unlink(path_.c_str());
+        throw;
+    }
     descriptor_ = std::move(file);
-    WriteEntry(descriptor_.Number(), path_);
     return true;
 }
 
@@ -168,19 +155,32 @@ LockFile::~LockFile() {
 
 namespace jet {
 
+namespace {
+
+/// Who holds the database file itself has it open by another name.
+LockState LookAtFile(const std::filesystem::path& database) {
+    const auto file = storage::OpenPlainFile(database, O_RDONLY, "open");
+    if (storage::ProbeLock(file, storage::DatabaseLock, database) != storage::LockResult::Held)
+        return {};
+    return {LockState::Kind::InUse, storage::InUseByAnotherName(database), {}};
+}
+
+}  // namespace
+
 LockState LookAtLock(const std::filesystem::path& database) {
-    const auto path = storage::LockFile::PathFor(database);
-    const storage::Descriptor file(
-        storage::Uninterrupted([&] { return open(path.c_str(), O_RDONLY | O_CLOEXEC); }));
-    if (!file.IsOpen()) {
-        if (errno == ENOENT) return {};
-        storage::ThrowSystemError("open", path, errno);
-    }
-    const auto entries = storage::ReadEntries(file.Number());
-    std::string objection =
-        storage::Objection(database, storage::ProbeLock(file.Number()), entries);
-    if (!objection.empty()) return {LockState::Kind::InUse, std::move(objection)};
-    return {entries.empty() ? LockState::Kind::Free : LockState::Kind::LeftBehind, ""};
+    const auto real = storage::RealFileSystem()->Resolve(database);
+    const auto path = storage::LockFile::PathFor(real);
+    LockState state = LookAtFile(real);
+    state.file = path;
+    if (!storage::FactsOfName(path)) return state;
+    const auto file = storage::OpenPlainFile(path, O_RDONLY, "open");
+    const auto entries = storage::ReadEntries(file, path);
+    const auto lock = storage::ProbeLock(file, storage::UserLocks, path);
+    std::string objection = storage::Objection(real, lock, entries);
+    if (!objection.empty()) return {LockState::Kind::InUse, std::move(objection), path};
+    if (state.kind == LockState::Kind::Free && !entries.empty())
+        state.kind = LockState::Kind::LeftBehind;
+    return state;
 }
 
 }  // namespace jet

@@ -6,6 +6,7 @@
 
 #include "jet/error.h"
 #include "jet/storage/damaged.h"
+#include "jet/storage/format/fingerprint.h"
 
 namespace jet::storage {
 
@@ -19,13 +20,23 @@ constexpr std::uint64_t MaxFileSize = std::uint64_t{2} << 30;
 
 Pager::Pager(std::shared_ptr<FileSystem> files, std::filesystem::path path, bool writable)
     : files_(std::move(files)),
-      path_(std::move(path)),
+      openedAs_(std::move(path)),
+      path_(files_->Resolve(openedAs_)),
       writable_(writable),
       file_(files_->Open(path_, writable ? FileAccess::ReadWrite : FileAccess::Read)),
       globalMap_(*this, [this] { return Append(); }) {
-    Recover();
-    if (pageCount_ != 0) return;
-    const auto size = file_->Size();
+    if (writable_) TakeForWriting();
+    facts_ = file_->Facts();
+    journal_ = FindJournal(*files_, *file_, path_);
+    if (journal_.reader) {
+        TakeJournal();
+    } else {
+        Measure();
+    }
+}
+
+void Pager::Measure() {
+    const std::uint64_t size = facts_->size;
     if (size % PageSize != 0) {
         throw Error(ErrorKind::Damaged,
                     path_.string() + " is damaged: its size of " + std::to_string(size) +
@@ -60,9 +71,9 @@ void Pager::Free(PageNumber page) {
     globalMap_.Release(page);
 }
 
-void Pager::RequireWritable() const {
-    if (writable_) return;
-    throw Error(ErrorKind::ReadOnly, path_.string() + " is open for reading only.");
+void Pager::RequireWritable() {
+    if (!writable_) throw Error(ErrorKind::ReadOnly, path_.string() + " is open for reading only.");
+    if (!recovered_) Recover();
 }
 
 PageNumber Pager::Append() {
@@ -95,6 +106,7 @@ Pager::Frame& Pager::Fetch(PageNumber number) {
         throw Error(ErrorKind::Io, "Cannot read " + path_.string() + ": page " +
                                        std::to_string(number) + " has vanished.");
     }
+    if (writable_) SumOf(number) = Fingerprint(*page);
     ShrinkCache();
     return AddFrame(unchanged_, number, std::move(page));
 }

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <list>
 #include <memory>
+#include <optional>
 #include <span>
 #include <unordered_map>
 #include <vector>
@@ -13,18 +14,23 @@
 #include "jet/storage/format/page_store.h"
 #include "jet/storage/global_map.h"
 #include "jet/storage/journal.h"
+#include "jet/storage/pending_journal.h"
 
 namespace jet::storage {
 
 /// The pages of a database file on disk, with a bounded cache of unchanged pages.
 ///
 /// Changed pages stay in memory until Commit() brings all of them into the file as one group: a
-/// journal beside the database is made durable first, then the pages are written into place, then
-/// the journal is removed. Opening a file whose journal is complete finishes that commit.
+/// journal beside the database is made durable first and named in a note that the file itself
+/// keeps, then the pages are written into place, then note and journal are removed. The note is
+/// what leads to the journal where the file has several names.
 class Pager final : public PageStore {
   public:
-    /// Opens the file. A complete journal is carried out; where `writable` is false that happens in
-    /// memory only. Error(Damaged) where the size is not a multiple of the page size.
+    /// Opens the file, through symbolic links, and where it may be written keeps others from
+    /// writing it. The pages of a journal that waits are taken from it, in memory.
+    /// Error(InUse) where somebody else writes the file; Error(NotSupported) where that, or a
+    /// journal left under another name, cannot be known; Error(Damaged) where the size is not a
+    /// multiple of the page size.
     Pager(std::shared_ptr<FileSystem> files, std::filesystem::path path, bool writable);
     Pager(const Pager&) = delete;
     Pager& operator=(const Pager&) = delete;
@@ -36,9 +42,17 @@ class Pager final : public PageStore {
     void Free(PageNumber page) override;
     PageNumber PageCount() const override { return pageCount_; }
 
+    /// Carries out the journal that waits and removes what commits have left that did not come to
+    /// their end. Happens before the first change at the latest.
+    void Recover();
+
     /// Makes all changes durable. On failure nothing is lost: the changes stay in memory, the file
-    /// (with its journal) is whole, and Commit() may be called again.
+    /// (with its journal) is whole, and Commit() may be called again. Error(Changed), before
+    /// anything is written, where the file is not the one that was opened or not as it was left.
     void Commit();
+
+    /// What was found when the file was opened.
+    const JournalState& Journal() const { return journal_.state; }
 
     std::size_t ChangedPages() const { return changed_.size(); }
     /// When the oldest change that is not committed was made; meaningless without changes.
@@ -80,23 +94,44 @@ class Pager final : public PageStore {
     Frame& AddFrame(Frames& frames, PageNumber number, std::shared_ptr<Page> page);
     void DropFrame(PageNumber number);
     void ShrinkCache();
-    void RequireWritable() const;
+    void RequireWritable();
     void MarkChanged(Frame& frame);
     void Save(Frame& frame);
     void Undo();
     PageNumber Append();
 
-    void Recover();
-    bool Belongs(const JournalReader& journal);
+    void TakeForWriting();
+    void TakeJournal();
+    void Measure();
     void CountCommit();
+    std::vector<JournalPage> ChangedInOrder() const;
+    void MarkUnchanged();
+    void PrepareJournal(const CommitCounters& before, std::span<const JournalPage> pages);
+    void NoteJournal(const CommitCounters& before);
     void WriteIntoPlace(std::span<const JournalPage> pages);
-    std::filesystem::path JournalPath() const;
-    std::filesystem::path UnfinishedJournalPath() const;
+    void ForgetNote();
+    void ForgetJournal(const std::filesystem::path& journal);
+    void RequireSameFile();
+    void RequireSameContent();
+    bool HasKnownPages();
+    std::uint64_t& SumOf(PageNumber page);
+    std::filesystem::path JournalPath() const { return JournalPathFor(path_); }
+    std::filesystem::path UnfinishedJournalPath() const {
+        return UnfinishedJournalPathFor(JournalPath());
+    }
 
     std::shared_ptr<FileSystem> files_;
-    std::filesystem::path path_;
+    std::filesystem::path openedAs_;
+    std::filesystem::path path_;  ///< of the file that openedAs_ leads to
     bool writable_;
     std::unique_ptr<File> file_;
+    PendingJournal journal_;
+    bool recovered_ = false;
+    bool isNoted_ = false, hasJournal_ = false;  ///< on the disk, from a commit under way
+    /// The file as it was left, to see whether somebody else has been there. None while a commit
+    /// that failed has left it between two states.
+    std::optional<FileFacts> facts_;
+    std::vector<std::uint64_t> sums_;  ///< of the pages on the disk; 0: not known
     PageNumber pageCount_ = 0;
     Frames unchanged_, changed_;  ///< most recently used first
     std::unordered_map<PageNumber, Frames::iterator> frames_;

@@ -1,6 +1,9 @@
 #include <fcntl.h>
+#include <optional>
+#include <string>
 #include <string_view>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <system_error>
 #include <unistd.h>
 #include <utility>
@@ -11,6 +14,9 @@
 namespace jet::storage {
 
 namespace {
+
+/// The extended attribute that holds a file's note.
+constexpr const char* NoteName = "user.quillon.journal";
 
 class PosixFile final : public File {
   public:
@@ -57,10 +63,33 @@ class PosixFile final : public File {
         if (Uninterrupted([&] { return fsync(descriptor_.Number()); }) != 0) Fail("write");
     }
 
-    std::uint64_t Size() override {
-        struct stat status{};
-        if (fstat(descriptor_.Number(), &status) != 0) Fail("read");
-        return static_cast<std::uint64_t>(status.st_size);
+    FileFacts Facts() override { return FactsOf(descriptor_, path_); }
+
+    LockResult Lock() override { return TakeLock(descriptor_, DatabaseLock, path_); }
+
+    std::optional<std::string> Note() override {
+        constexpr std::size_t LongestNote = 65536;  // of any extended attribute
+        std::string text(LongestNote, '\0');
+        const auto size = fgetxattr(descriptor_.Number(), NoteName, text.data(), text.size());
+        if (size < 0 && errno != ENODATA && errno != EOPNOTSUPP) Fail("read");
+        if (size < 0) return std::nullopt;
+        text.resize(static_cast<std::size_t>(size));
+        return text;
+    }
+
+    bool SetNote(const std::string& text) override {
+        const int result =
+            text.empty() ? fremovexattr(descriptor_.Number(), NoteName)
+                         : fsetxattr(descriptor_.Number(), NoteName, text.data(), text.size(), 0);
+        if (result == 0 || errno == ENODATA) return true;
+        if (errno != EOPNOTSUPP) Fail("write");
+        return false;
+    }
+
+    bool KeepsNotes() override {
+        const auto size = fgetxattr(descriptor_.Number(), NoteName, nullptr, 0);
+        if (size < 0 && errno != ENODATA && errno != EOPNOTSUPP) Fail("read");
+        return size >= 0 || errno == ENODATA;
     }
 
   private:
@@ -73,32 +102,42 @@ class PosixFile final : public File {
 int Flags(FileAccess access) {
     switch (access) {
         case FileAccess::Read:
-            return O_RDONLY | O_CLOEXEC;
+            return O_RDONLY;
         case FileAccess::ReadWrite:
-            return O_RDWR | O_CLOEXEC;
+            return O_RDWR;
         case FileAccess::Replace:
-            return O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC;
+            return O_RDWR | O_CREAT | O_EXCL;
     }
-    return O_RDONLY | O_CLOEXEC;
+    return O_RDONLY;
 }
 
 class PosixFileSystem final : public FileSystem {
   public:
     std::unique_ptr<File> Open(const std::filesystem::path& path, FileAccess access) override {
-        constexpr mode_t EveryoneByUmask = 0666;
-        Descriptor descriptor(
-            Uninterrupted([&] { return open(path.c_str(), Flags(access), EveryoneByUmask); }));
-        if (!descriptor.IsOpen()) {
-            ThrowSystemError(access == FileAccess::Replace ? "create" : "open", path, errno);
-        }
-        return std::make_unique<PosixFile>(std::move(descriptor), path);
+        const bool replaces = access == FileAccess::Replace;
+        // A new file each time: what else has the old one's name as a hard link keeps its content.
+        if (replaces) Remove(path);
+        return std::make_unique<PosixFile>(
+            OpenPlainFile(path, Flags(access), replaces ? "create" : "open"), path);
     }
 
     bool Exists(const std::filesystem::path& path) override {
-        std::error_code error;
-        const bool exists = std::filesystem::exists(path, error);
-        if (error) ThrowSystemError("look up", path, error.value());
-        return exists;
+        return FactsOfName(path).has_value();
+    }
+
+    std::optional<FileFacts> Look(const std::filesystem::path& path) override {
+        return FactsOfTarget(path);
+    }
+
+    std::filesystem::path Resolve(const std::filesystem::path& path) override {
+        struct stat status{};
+        if (lstat(path.c_str(), &status) != 0) ThrowSystemError("open", path, errno);
+        return S_ISLNK(status.st_mode) ? Canonical(path) : path;
+    }
+
+    std::filesystem::path FullPath(const std::filesystem::path& path) override {
+        const auto parent = path.parent_path();
+        return Canonical(parent.empty() ? "." : parent) / path.filename();
     }
 
     void Rename(const std::filesystem::path& from, const std::filesystem::path& to) override {
@@ -108,9 +147,10 @@ class PosixFileSystem final : public FileSystem {
     }
 
     void Remove(const std::filesystem::path& path) override {
-        std::error_code error;
-        std::filesystem::remove(path, error);
-        if (error) ThrowSystemError("remove", path, error.value());
+        const auto facts = FactsOfName(path);
+        if (!facts) return;
+        RequirePlain(*facts, path);
+        if (unlink(path.c_str()) != 0 && errno != ENOENT) ThrowSystemError("remove", path, errno);
     }
 
     void SyncFolderOf(const std::filesystem::path& path) override {
@@ -123,6 +163,14 @@ class PosixFileSystem final : public FileSystem {
         if (Uninterrupted([&] { return fsync(descriptor.Number()); }) != 0 && errno != EINVAL) {
             ThrowSystemError("write", folder, errno);
         }
+    }
+
+  private:
+    static std::filesystem::path Canonical(const std::filesystem::path& path) {
+        std::error_code error;
+        auto canonical = std::filesystem::canonical(path, error);
+        if (error) ThrowSystemError("open", path, error.value());
+        return canonical;
     }
 };
 

@@ -8,14 +8,11 @@ namespace jet {
 
 CheckReport CheckFile(const std::filesystem::path& path) {
     const auto files = storage::RealFileSystem();
-    {
-        const auto file = files->Open(path, storage::FileAccess::Read);
-        storage::Page start;
-        const std::size_t size = file->ReadAt(0, start);
-        storage::CheckHeader(std::span(start).first(size), path);
-    }
+    storage::CheckHeaderOf(*files, files->Resolve(path));
     storage::Pager pager(files, path, false);
-    return verify::CheckPages(pager);
+    CheckReport report = verify::CheckPages(pager);
+    report.journal = pager.Journal();
+    return report;
 }
 
 }  // namespace jet

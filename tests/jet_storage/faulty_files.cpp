@@ -15,6 +15,7 @@ class FaultyFileSystem::FaultyFile final : public File {
         : system_(std::move(system)), path_(std::move(path)), real_(std::move(real)) {}
 
     std::size_t ReadAt(std::uint64_t offset, std::span<std::uint8_t> bytes) override {
+        system_->CountLook();
         return real_->ReadAt(offset, bytes);
     }
 
@@ -46,9 +47,35 @@ class FaultyFileSystem::FaultyFile final : public File {
         system_->Count(true);
         real_->Sync();
         system_->unflushed_.erase(path_);
+        system_->unflushedNotes_.erase(path_);
     }
 
-    std::uint64_t Size() override { return real_->Size(); }
+    FileFacts Facts() override {
+        system_->CountLook();
+        return real_->Facts();
+    }
+
+    LockResult Lock() override {
+        system_->CountLook();
+        return system_->simple_ ? LockResult::Unsupported : real_->Lock();
+    }
+
+    std::optional<std::string> Note() override {
+        system_->CountLook();
+        return system_->simple_ ? std::nullopt : real_->Note();
+    }
+
+    bool SetNote(const std::string& text) override {
+        system_->Count(true);
+        if (system_->simple_) return false;
+        system_->unflushedNotes_.emplace(path_, real_->Note().value_or(""));
+        return real_->SetNote(text);
+    }
+
+    bool KeepsNotes() override {
+        system_->CountLook();
+        return !system_->simple_ && real_->KeepsNotes();
+    }
 
   private:
     std::shared_ptr<FaultyFileSystem> system_;
@@ -71,6 +98,19 @@ void FaultyFileSystem::Count(bool isWrite) {
     armed_ = false;
     failed_ = true;
     broken_ = fault_ != Fault::OneError;
+    throw Error(ErrorKind::Io, "The disk is broken.");
+}
+
+void FaultyFileSystem::FailLookAfter(std::size_t looks) {
+    looksArmed_ = true;
+    failed_ = false;
+    looksLeft_ = looks;
+}
+
+void FaultyFileSystem::CountLook() {
+    if (!looksArmed_ || looksLeft_-- != 0) return;
+    looksArmed_ = false;
+    failed_ = true;
     throw Error(ErrorKind::Io, "The disk is broken.");
 }
 
@@ -107,17 +147,42 @@ void FaultyFileSystem::LosePower() {
             std::filesystem::remove(change->name);
         }
     }
+    for (const auto& [path, before] : unflushedNotes_) {
+        if (random_() % 2 == 0 && std::filesystem::exists(path))
+            real_->Open(path, FileAccess::ReadWrite)->SetNote(before);
+    }
     unflushed_.clear();
     unflushedNames_.clear();
+    unflushedNotes_.clear();
 }
 
 std::unique_ptr<File> FaultyFileSystem::Open(const std::filesystem::path& path, FileAccess access) {
-    if (access == FileAccess::Replace) Count(true);
+    if (access == FileAccess::Replace) {
+        Count(true);
+    } else {
+        CountLook();
+    }
     return std::make_unique<FaultyFile>(shared_from_this(), path, real_->Open(path, access));
 }
 
 bool FaultyFileSystem::Exists(const std::filesystem::path& path) {
+    CountLook();
     return real_->Exists(path);
+}
+
+std::optional<FileFacts> FaultyFileSystem::Look(const std::filesystem::path& path) {
+    CountLook();
+    return real_->Look(path);
+}
+
+std::filesystem::path FaultyFileSystem::Resolve(const std::filesystem::path& path) {
+    CountLook();
+    return real_->Resolve(path);
+}
+
+std::filesystem::path FaultyFileSystem::FullPath(const std::filesystem::path& path) {
+    CountLook();
+    return real_->FullPath(path);
 }
 
 void FaultyFileSystem::Rename(const std::filesystem::path& from, const std::filesystem::path& to) {
