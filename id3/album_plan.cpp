@@ -57,7 +57,8 @@ class Planner {
             AskForPlainName(i);
         for (std::size_t i = 0; i < plan_.files.size(); ++i)
             AskForTitle(i);
-        while (Settle()) {}
+        while (Settle()) {
+        }
     }
 
   private:
@@ -95,8 +96,7 @@ class Planner {
         Wanted wanted{.standing = Standing::Leaves, .name = file.plainName};
         if (file.plainName == file.name) wanted.standing = Standing::IsRight;
         if (!ReadTag(file, path)) return {.standing = Standing::Unknown, .name = file.name};
-        if (file.tag.empty() ||
-            !TitleDiffers(file.tag, SongTitle(file.plainName, plan_.artist))) {
+        if (file.tag.empty() || !TitleDiffers(file.tag, SongTitle(file.plainName, plan_.artist))) {
             return wanted;
         }
         std::string title;
@@ -162,8 +162,7 @@ class Planner {
     void AskForTitle(std::size_t i) {
         const PlannedFile& file = plan_.files[i];
         const Wanted& wanted = wishes_[i];
-        const bool isDecided =
-            wanted.isGranted || file.isBlocked || file.fate == Fate::IsDuplicate;
+        const bool isDecided = wanted.isGranted || file.isBlocked || file.fate == Fate::IsDuplicate;
         if (wanted.standing != Standing::Leaves || isDecided) return;
         // Only a title makes a duplicate; a file of a temporary name keeps that.
         const auto yield = [&](std::optional<std::size_t> twin) {

@@ -85,8 +85,8 @@ class AlbumTags {
         for (std::size_t i = 0; i < files_.size(); ++i) {
             const PlannedFile& file = plan_.files[i];
             if (file.fate != Fate::IsRenamed || file.waits) continue;
-            files_[i].rename = renames.Add(files_[i].compared.path, plan_.PathOf(file.newName),
-                                           TitleOf(file));
+            files_[i].rename =
+                renames.Add(files_[i].compared.path, plan_.PathOf(file.newName), TitleOf(file));
         }
         renames.Commit();
         for (File& file : files_) {
@@ -129,9 +129,9 @@ class AlbumTags {
     void TellIfBlocked(const PlannedFile& file) {
         const bool stays = file.isBlocked && file.fate == Fate::Stays && !file.newName.empty();
         if (!stays) return;
-        WriteLog(walk_.run, LogSource,
-                 plan_.PathOf(file.name) + " keeps its name, since " + file.newName +
-                     " is not free");
+        WriteLog(
+            walk_.run, LogSource,
+            plan_.PathOf(file.name) + " keeps its name, since " + file.newName + " is not free");
     }
 
     TagWalk& walk_;

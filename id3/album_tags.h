@@ -17,7 +17,7 @@ struct TagWalk {
     Run& run;
     Steps& steps;
     DifferenceRows& differences;
-    RecordSet& tracks;               ///< a cursor over the table
+    RecordSet& tracks;              ///< a cursor over the table
     std::vector<AlbumRest>& rests;  ///< what albums leave to the end
 };
 

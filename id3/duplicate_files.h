@@ -12,9 +12,9 @@ namespace quillon {
 /// A sound file that is to go as the duplicate of another one.
 struct DuplicateFile {
     ComparedFile file;
-    std::string twin;             ///< the other file's path
-    std::string pathIfKept;       ///< without square brackets or a temporary name; "" for the same
-    bool byBrackets = false;      ///< they are all that tells the names apart
+    std::string twin;         ///< the other file's path
+    std::string pathIfKept;   ///< without square brackets or a temporary name; "" for the same
+    bool byBrackets = false;  ///< they are all that tells the names apart
 };
 
 /// A rename that waits until a duplicate has gone.

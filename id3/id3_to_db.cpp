@@ -69,9 +69,9 @@ std::unique_ptr<RecordSet> FindTrack(Run& run, const Difference& difference) {
         place = count;
     }
     if (count == 0) {
-        LogError(run, LogSource,
-                 "Unable to Find " + difference.artist + "/" + difference.song +
-                     " in Tracks Table");
+        LogError(
+            run, LogSource,
+            "Unable to Find " + difference.artist + "/" + difference.song + " in Tracks Table");
         return nullptr;
     }
     if (count > 1 && fitting != 1) {

@@ -40,12 +40,11 @@ std::string Joined(std::initializer_list<std::string_view> parts) {
 /// A row of these names, of an album that meets the condition.
 std::optional<SoundFileRow> RowOfNames(Run& run, const SongNames& names,
                                        std::string_view condition) {
-    const std::unique_ptr<RecordSet> found = run.connection->Query(
-        Joined({"SELECT Tracks.Track, Tracks.Minutes, Tracks.Seconds ",
-                "FROM Albums INNER JOIN Tracks ON Albums.CDJID = Tracks.CDJID ",
-                "WHERE (((Albums.Artist)=", Quoted(names.artist), ") AND ((Albums.Title)=",
-                Quoted(names.album), ") AND ((Tracks.Title)=", Quoted(names.song), ")", condition,
-                ")"}));
+    const std::unique_ptr<RecordSet> found = run.connection->Query(Joined(
+        {"SELECT Tracks.Track, Tracks.Minutes, Tracks.Seconds ",
+         "FROM Albums INNER JOIN Tracks ON Albums.CDJID = Tracks.CDJID ",
+         "WHERE (((Albums.Artist)=", Quoted(names.artist), ") AND ((Albums.Title)=",
+         Quoted(names.album), ") AND ((Tracks.Title)=", Quoted(names.song), ")", condition, ")"}));
     if (found->IsEmpty()) return std::nullopt;
     SoundFileRow row;
     row.track = found->Integer("Track");
@@ -97,8 +96,8 @@ std::string TextFor(std::size_t piece, const std::string& present, const std::st
     if (value.empty() || value.find('|') != std::string_view::npos) return name;
     const bool saysMore = HoldsMoreThanNames(value) || !Utf8ToAnsiExactly(name);
     if (saysMore && TagAgreesWithName(value, name)) return present;
-    const bool isInner = piece == TagSong && TagAgreesWithTitle(value, name) &&
-                         !TagAgreesWithName(value, name);
+    const bool isInner =
+        piece == TagSong && TagAgreesWithTitle(value, name) && !TagAgreesWithName(value, name);
     return isInner ? present : name;
 }
 
@@ -119,9 +118,9 @@ BuiltRecord GetID3Info(Run& run, std::string_view path, const SongNames& names,
     const auto text = [&present](std::size_t piece, const std::string& name) {
         return TextFor(piece, present[piece], name);
     };
-    return {.record = Joined({"TAG|", text(TagSong, names.song), "|",
-                              text(TagArtist, names.artist), "|", text(TagAlbum, names.album), "|",
-                              present[TagYear], "|", comment, "||", track, "|", facts.genre}),
+    return {.record = Joined({"TAG|", text(TagSong, names.song), "|", text(TagArtist, names.artist),
+                              "|", text(TagAlbum, names.album), "|", present[TagYear], "|", comment,
+                              "||", track, "|", facts.genre}),
             .lengthKnown = lengthKnown,
             .trackKnown = trackKnown};
 }

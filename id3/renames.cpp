@@ -86,9 +86,9 @@ std::vector<std::size_t> Renames::Ready() {
 
 /// Gives one of those that wait for each other a temporary name; whether there is one.
 bool Renames::StepAside() {
-    const auto waiting =
-        std::find_if(renames_.begin(), renames_.end(),
-                     [](const Rename& rename) { return rename.state == State::Waits; });
+    const auto waiting = std::find_if(renames_.begin(), renames_.end(), [](const Rename& rename) {
+        return rename.state == State::Waits;
+    });
     if (waiting == renames_.end()) return false;
     std::string aside = TemporaryPath(waiting->from);
     if (!CarryOne(waiting->from, aside)) {
@@ -151,8 +151,7 @@ void Renames::Carry(std::span<Move> moves) {
 /// Gives the file's row the new path. A row that has it already is one of a file that has gone, or,
 /// where the file has no other, its own since a run that was interrupted.
 void Renames::LeadRow(Move& move) {
-    const std::optional<SoundFileRow> row =
-        FindRowToRename(*run_.connection, move.from, move.to);
+    const std::optional<SoundFileRow> row = FindRowToRename(*run_.connection, move.from, move.to);
     if (!row) return;
     if (!IsStoredAs(row->soundFile, move.from)) {
         const bool isThere = IsStoredAs(row->soundFile, move.to);
@@ -195,9 +194,8 @@ void Renames::Write(std::int64_t id, const std::string& soundFile, const std::st
 void Renames::PutBack(const Move& move) {
     steps_.Try(RenameStep, [&] {
         tracks_.CancelUpdate();
-        std::for_each(move.rows.rbegin(), move.rows.rend(), [this](const OldRow& row) {
-            Write(row.id, row.soundFile, row.title);
-        });
+        std::for_each(move.rows.rbegin(), move.rows.rend(),
+                      [this](const OldRow& row) { Write(row.id, row.soundFile, row.title); });
     });
 }
 

@@ -23,9 +23,9 @@ struct SoundFileRow {
 /// The row that the folder walk would find for a file of this path. Throws Failure.
 std::optional<SoundFileRow> FindSoundFileRow(Connection& connection, std::string_view path);
 
-/// The row of a file that is to get another path: that of its path, else the one that an interrupted
-/// run has led on already, under the new path or that of a moment (id3/temporary_name.h). No file
-/// may have the new path. Throws Failure.
+/// The row of a file that is to get another path: that of its path, else the one that an
+/// interrupted run has led on already, under the new path or that of a moment
+/// (id3/temporary_name.h). No file may have the new path. Throws Failure.
 std::optional<SoundFileRow> FindRowToRename(Connection& connection, std::string_view path,
                                             std::string_view newPath);
 

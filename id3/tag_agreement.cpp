@@ -23,8 +23,7 @@ std::string AsName(std::string_view value) {
     constexpr std::string_view Refused = "?<>:*\"|";
     std::string name(value);
     std::erase_if(name, [&](char c) { return Refused.find(c) != std::string_view::npos; });
-    std::replace_if(
-        name.begin(), name.end(), [](char c) { return c == '/' || c == '\\'; }, '-');
+    std::replace_if(name.begin(), name.end(), [](char c) { return c == '/' || c == '\\'; }, '-');
     return name;
 }
 
@@ -42,8 +41,7 @@ bool FitsAsName(std::string_view value, const std::function<bool(std::string_vie
 std::string_view WithoutNumber(std::string_view text) {
     constexpr std::string_view Digits = "0123456789", Separators = " .-_)";
     const std::size_t number = std::min(text.find_first_not_of(Digits), text.size());
-    const std::size_t rest =
-        std::min(text.find_first_not_of(Separators, number), text.size());
+    const std::size_t rest = std::min(text.find_first_not_of(Separators, number), text.size());
     if (number == 0 || rest == number || rest == text.size()) return text;
     return WithoutNumber(text.substr(rest));
 }

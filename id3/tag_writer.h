@@ -25,8 +25,9 @@ std::vector<std::uint8_t> ByteField(std::string_view text, std::size_t length);
 /// The end of a file, as far as a tag may lie there. Throws Failure.
 FileEnd ReadTagEnd(Files& files, std::string_view path);
 
-/// The tag record of the end of the file of this path, "" when there is no tag: what ReadID3 gives, but with the genre
-/// by the name that SpinnerGenre has now. Failures are logged as those of ReadID3.
+/// The tag record of the end of the file of this path, "" when there is no tag: what ReadID3 gives,
+/// but with the genre by the name that SpinnerGenre has now. Failures are logged as those of
+/// ReadID3.
 std::string ReadTag(Run& run, std::string_view path, const FileEnd& end);
 
 /// Writes a record of nine pieces ("TAG|title|artist|album|year|comment||track|genre", with no "|"

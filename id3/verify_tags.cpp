@@ -24,11 +24,8 @@ void VerifyID3TagsFolder(Run& run, const FolderEntry& root, DateTime updateTime,
         tracks = run.connection->OpenTable("Tracks");
     });
     if (!opened) return;
-    TagWalk walk{.run = run,
-                 .steps = steps,
-                 .differences = *differences,
-                 .tracks = *tracks,
-                 .rests = rests};
+    TagWalk walk{
+        .run = run, .steps = steps, .differences = *differences, .tracks = *tracks, .rests = rests};
     VisitAlbums(run, steps, root, [&walk](const std::string& artist, const FolderEntry& album) {
         VerifyAlbumTags(walk, artist, album);
     });

@@ -172,7 +172,8 @@ TEST_F(ID3ToDBTest, LogsAQueryThatFailsAndGoesOn) {
     AddDifference("Track", "7");
     library.Database().Refuse("FROM Spinner WHERE");
     Update();
-    EXPECT_THAT(Log(), ElementsAre("Quillon: UpdateDBfromID3 Line 3 refused (Alder/First Light/Dawn)"));
+    EXPECT_THAT(Log(),
+                ElementsAre("Quillon: UpdateDBfromID3 Line 3 refused (Alder/First Light/Dawn)"));
     EXPECT_THAT(Tracks(), ElementsAre("7|3|0", "4|3|0"));
 }
 

@@ -171,8 +171,9 @@ TEST_F(ReadID3Test, LeavesOutAGenreThatCannotBeFound) {
         throw Failure::Described(FailureNumber::Database, "no such table");
     };
     EXPECT_EQ(ReadID3(world.run, Path, failing), "TAG|title|artist|album|1999|the comment|||");
-    EXPECT_THAT(world.host.log, ElementsAre("Quillon: Read ID3 File Error: Line 10 no such table (" +
-                                            std::string(Path) + ")"));
+    EXPECT_THAT(world.host.log,
+                ElementsAre("Quillon: Read ID3 File Error: Line 10 no such table (" +
+                            std::string(Path) + ")"));
 }
 
 TEST_F(ReadID3Test, LogsAMissingFileOnce) {

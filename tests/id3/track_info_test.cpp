@@ -80,8 +80,9 @@ TEST_F(TrackInfoTest, IsEmptyForAFileWithoutRow) {
 TEST_F(TrackInfoTest, LogsAFailureWithTheFile) {
     library.Database().Refuse("SELECT Tracks.ID");
     EXPECT_EQ(InfoOf(First), "|");
-    EXPECT_THAT(library.host.log, ElementsAre("Quillon: Get ID3 Track Info Error: Line 1 refused (" +
-                                              std::string(First) + ")"));
+    EXPECT_THAT(library.host.log,
+                ElementsAre("Quillon: Get ID3 Track Info Error: Line 1 refused (" +
+                            std::string(First) + ")"));
 }
 
 TEST_F(TrackInfoTest, GenreIsThatOfTheFirstRowOfTheSong) {

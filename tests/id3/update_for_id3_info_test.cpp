@@ -21,10 +21,8 @@ class UpdateForID3InfoTest : public VerifyTest {
         return library.Rows("SELECT Minutes, Seconds FROM Tracks ORDER BY ID");
     }
 
-    ComparedFile file{.path = PathOf("Alder - Dawn.mp3"),
-                      .newTitle = {},
-                      .track = {},
-                      .seconds = {}};
+    ComparedFile file{
+        .path = PathOf("Alder - Dawn.mp3"), .newTitle = {}, .track = {}, .seconds = {}};
 };
 
 TEST_F(UpdateForID3InfoTest, TakesNumberAndLength) {

@@ -118,10 +118,11 @@ TEST_F(VerifyRenamesTest, LogAFileThatCannotBeRenamedAndKeepItsRow) {
         "MoveFile " + PathOf("Alder - Dawn.mp3") + " -> " + PathOf("Alder - Dusk.mp3"),
         FailureNumber::PermissionDenied, PathOf("Alder - Dusk.mp3"));
     Reconcile();
-    EXPECT_THAT(library.host.log,
-                ElementsAre("Quillon: VerifyID3TagsFolder Line 7 Permission denied: " +
-                            PathOf("Alder - Dusk.mp3") + " (" + PathOf("Alder - Dawn.mp3") + ")",
-                            "Quillon: " + PathOf("Alder - Noon.mp3") + " is now Alder - Moon.mp3"));
+    EXPECT_THAT(
+        library.host.log,
+        ElementsAre("Quillon: VerifyID3TagsFolder Line 7 Permission denied: " +
+                        PathOf("Alder - Dusk.mp3") + " (" + PathOf("Alder - Dawn.mp3") + ")",
+                    "Quillon: " + PathOf("Alder - Noon.mp3") + " is now Alder - Moon.mp3"));
     EXPECT_EQ(library.run.counts.filesRenamed, 1U);
     EXPECT_THAT(Tracks(), ElementsAre("Alder - Dawn.mp3|Dawn|1|1", "Alder - Moon.mp3|Moon|2|2"));
     EXPECT_EQ(library.Faults(), "");

@@ -227,7 +227,7 @@ TEST_F(VerifyTagsTest, GoesOnBehindAFileThatVanishedSinceItWasListed) {
     Verify();
     ASSERT_EQ(Trouble().size(), 1U);
     EXPECT_THAT(Trouble()[0], StartsWith("Quillon: Read ID3 File Error: Line 2 File not "
-                                                "found"));
+                                         "found"));
     EXPECT_THAT(Names(), ElementsAre("Alder - x.mp3"));
 }
 

@@ -65,7 +65,7 @@ class TestLibrary {
         Listing<FolderEntry> SubFolders(std::string_view folder) override;
         Listing<FileEntry> FilesIn(std::string_view folder) override;
 
-        std::set<std::string> unlistable;     ///< full paths
+        std::set<std::string> unlistable;    ///< full paths
         std::function<void()> afterListing;  ///< runs once, when files have been listed
 
       private:
