@@ -107,6 +107,10 @@ std::string HostFolder::GetINISetting(std::string_view section, std::string_view
     return Read(file).Find(section, key).value_or(std::string(fallback));
 }
 
+std::vector<std::string> HostFolder::GetINILines(std::string_view section, std::string_view file) {
+    return Read(file).Lines(section);
+}
+
 std::filesystem::path HostFolder::LogPath() const {
     return folder_ / LogName;
 }
