@@ -17,6 +17,7 @@
 #include "app/checks/writable.h"
 #include "app/table_printer.h"
 #include "platform/failure.h"
+#include "run/paths.h"
 
 namespace quillon {
 namespace {
@@ -72,6 +73,13 @@ class Backups {
                                                : fs::is_regular_file(*local, ignored));
         if (!exists) return "does not exist";
         const std::uintmax_t size = SizeOf(*local);
+        if (isFolder && IsDriveRoot(original)) {
+            findings_.Problem(fmt::format(
+                "{} is a whole drive, and the copy that a run makes first cannot lie beside it, so "
+                "no run starts. Name a folder on it",
+                original));
+            return SizeText(size);
+        }
         CheckPlace(original, local->parent_path(), size);
         return SizeText(size);
     }
@@ -81,9 +89,9 @@ class Backups {
             std::error_code error;
             const fs::space_info space = fs::space(demand.folder, error);
             if (error || space.available >= demand.bytes) continue;
-            findings_.Caution(fmt::format(
-                "The backups need {} and {} has {} left: the run would go on without them. Free "
-                "some space, old copies for instance",
+            findings_.Problem(fmt::format(
+                "The backups need {} and {} has {} left, and no run starts without them. Free some "
+                "space, old copies for instance",
                 SizeText(demand.bytes), demand.folder.string(), SizeText(space.available)));
         }
     }
@@ -98,10 +106,11 @@ class Backups {
 
     void CheckPlace(const std::string& original, const fs::path& parent, std::uintmax_t size) {
         if (!IsWritable(parent)) {
-            findings_.Caution(fmt::format(
-                "{} cannot be backed up, because this account may not write to {}: the run would "
-                "go on without. Give it the right to",
-                original, parent.string()));
+            findings_.Problem(
+                fmt::format("{} cannot be backed up, because this account may not write to {}, and "
+                            "no run starts "
+                            "without that. Give it the right to",
+                            original, parent.string()));
         }
         struct stat facts{};
         if (stat(parent.c_str(), &facts) != 0) return;

@@ -52,7 +52,8 @@ std::string OnOneLine(std::string_view text) {
 }  // namespace
 
 HostFolder::HostFolder(const std::filesystem::path& folder, const Clock& clock)
-    : folder_(CheckedFolder(folder)), clock_(clock), drives_(folder_) {
+    // A link to the folder may lie anywhere; what is written in it is meant from where it is.
+    : folder_(CheckedFolder(folder)), clock_(clock), drives_(std::filesystem::canonical(folder_)) {
     MapDrives();
 }
 
