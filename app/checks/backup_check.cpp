@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <fcntl.h>
 #include <filesystem>
 #include <fmt/format.h>
 #include <map>
@@ -11,6 +12,7 @@
 #include <string_view>
 #include <sys/stat.h>
 #include <system_error>
+#include <unistd.h>
 #include <utility>
 #include <vector>
 
@@ -53,6 +55,24 @@ std::uintmax_t SizeOf(const fs::path& path) {
     return sum;
 }
 
+/// The first file or folder in there, or the thing itself, that this account may not read; "" where
+/// there is none.
+fs::path FirstUnreadable(const fs::path& path) {
+    const auto mayRead = [](const fs::path& one) {
+        return faccessat(AT_FDCWD, one.c_str(), R_OK, AT_EACCESS) == 0;
+    };
+    std::error_code error;
+    if (!mayRead(path)) return path;
+    if (!fs::is_directory(path, error)) return {};
+    for (auto entry = fs::recursive_directory_iterator(
+             path, fs::directory_options::skip_permission_denied, error);
+         entry != fs::recursive_directory_iterator(); entry.increment(error)) {
+        const bool counts = entry->is_regular_file(error) || entry->is_directory(error);
+        if (counts && !mayRead(entry->path())) return entry->path();
+    }
+    return {};
+}
+
 /// What the copies need on one file system.
 struct Demand {
     fs::path folder;
@@ -79,6 +99,12 @@ class Backups {
                 "no run starts. Name a folder on it",
                 original));
             return SizeText(size);
+        }
+        if (const fs::path unreadable = FirstUnreadable(*local); !unreadable.empty()) {
+            findings_.Problem(fmt::format(
+                "{} cannot be read by this account, so it cannot be backed up, and no run starts "
+                "without that. Give it the right to",
+                unreadable.string()));
         }
         CheckPlace(original, local->parent_path(), size);
         return SizeText(size);

@@ -114,6 +114,22 @@ TEST_F(CheckMode, SaysThatNoRunStartsWhereTheBackupsHaveNoRoom) {
     EXPECT_TRUE(Has(Problems(), "and no run starts without them. Free some space"));
 }
 
+TEST_F(CheckMode, NamesWhatCannotBeReadAndSoNotBackedUp) {
+    fs::permissions(Folder(), fs::perms::others_all, fs::perm_options::add);
+    for (const char* const name : {"shelf", "shelf/Playlists", "shelf/jukebox.mdb"})
+        fs::permissions(Path(name), fs::perms::all);
+    Write("shelf/host.log", "");
+    fs::permissions(Path("shelf/host.log"), fs::perms::all);
+    MakeFolder("shelf/Playlists/Sub");
+    fs::permissions(Path("shelf/Playlists/Sub"), fs::perms::all);
+    Write("shelf/Playlists/Sub/Closed.pla", "x");
+    fs::permissions(Path("shelf/Playlists/Sub/Closed.pla"), fs::perms::none);
+    const std::string problems = AsOrdinaryUser([this] { return Problems(); });
+    EXPECT_EQ(problems, "  - " + Path("shelf/Playlists/Sub/Closed.pla").string() +
+                            " cannot be read by this account, so it cannot be backed up, and no "
+                            "run starts without that. Give it the right to.");
+}
+
 TEST_F(CheckMode, SaysThatAWholeDriveCannotBeBackedUp) {
     MakeFolder("lists");
     std::string drives = Read("shelf/host.ini");
