@@ -47,6 +47,7 @@ class CountingHost : public Host {
                               std::string_view) override {
         return std::string(fallback);
     }
+    std::vector<std::string> GetINILines(std::string_view, std::string_view) override { return {}; }
     void WriteLog(std::string_view, std::string_view message) override {
         if (message.find("Error:") != std::string_view::npos) {
             throw std::runtime_error(std::string(message));

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "driver/library_folders.h"
+#include "driver/misspelt_setting.h"
 #include "driver/phase_captions.h"
 #include "driver/settings_reader.h"
 #include "platform/basic_text.h"
@@ -55,6 +56,7 @@ RunOutcome LibraryForm::Form_Load() {
             WriteLog(run_, LogSource, PluginMissing);
             return;
         }
+        RefuseMisspeltSettings();
         HideIndicators();
         ReadExcludeList();
         run_.window.Show(run_.form);
@@ -94,6 +96,12 @@ RunOutcome LibraryForm::main() {
 bool LibraryForm::PluginIsEnabled() {
     const std::vector<std::string> plugins = run_.host.GetPlugins();
     return std::find(plugins.begin(), plugins.end(), PluginName) != plugins.end();
+}
+
+void LibraryForm::RefuseMisspeltSettings() {
+    const std::string objection = ObjectionToMisspeltSetting(run_.host, run_.settings);
+    if (!objection.empty())
+        throw Failure::Described(FailureNumber::InvalidProcedureCall, objection);
 }
 
 void LibraryForm::HideIndicators() {

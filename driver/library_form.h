@@ -45,6 +45,7 @@ class LibraryForm {
 
     // Start-up.
     bool PluginIsEnabled();
+    void RefuseMisspeltSettings();
     void HideIndicators();
     void ReadExcludeList();
     void ReadGenreNames();

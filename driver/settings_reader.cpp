@@ -174,6 +174,10 @@ bool ReadBoolSetting(Host& host, std::string_view key, std::int16_t fallback) {
     return value;
 }
 
+bool IsInFile(Host& host, std::string_view key) {
+    return SettingText(host, key, Absent) != Absent;
+}
+
 std::int16_t ReadIntSetting(Host& host, std::string_view key, std::int16_t fallback) {
     std::int16_t value = 0;
     Convert(Kind::Integer, SettingText(host, key, std::to_string(fallback)), value);

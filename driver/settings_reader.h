@@ -53,6 +53,9 @@ Settings ReadSettings(Host& host);
 /// Whether the text is "1", or "true" in any letter case.
 bool ReadBoolSetting(Host& host, std::string_view key, std::int16_t fallback);
 
+/// Whether the settings file has the key at all.
+bool IsInFile(Host& host, std::string_view key);
+
 /// A 16-bit number, or 0 for any other text.
 std::int16_t ReadIntSetting(Host& host, std::string_view key, std::int16_t fallback);
 

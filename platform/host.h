@@ -24,6 +24,11 @@ class Host {
     virtual std::string GetINISetting(std::string_view section, std::string_view key,
                                       std::string_view fallback, std::string_view file) = 0;
 
+    /// The lines of a section as they stand, without comments and empty ones: of all sections of
+    /// that name, and whether they say anything or not. For whoever looks for what was meant.
+    virtual std::vector<std::string> GetINILines(std::string_view section,
+                                                 std::string_view file) = 0;
+
     /// Appends a record to the host's log.
     virtual void WriteLog(std::string_view source, std::string_view message) = 0;
 

@@ -11,6 +11,7 @@
 #include "reconcile/folder_walk.h"
 #include "reconcile/missing_music.h"
 #include "reconcile/walk.h"
+#include "run/library_root.h"
 #include "run/log.h"
 #include "run/run.h"
 #include "run/steps.h"
@@ -34,8 +35,8 @@ void RefreshDatabase(Run& run) {
     // A root that appeared only after the start has no folders to walk: sweeping now would delete
     // every row of it.
     if (!rootExists || run.LibraryFolders.empty()) {
-        LogError(run, LogSource,
-                 "RefreshDatabase, No folder at library root " + run.settings.LibraryRoot);
+        steps.Try(
+            1, [&] { LogError(run, LogSource, "RefreshDatabase, " + WhyNoLibraryFolders(run)); });
         return;
     }
 

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <fcntl.h>
 #include <filesystem>
 #include <fmt/format.h>
 #include <map>
@@ -11,12 +12,14 @@
 #include <string_view>
 #include <sys/stat.h>
 #include <system_error>
+#include <unistd.h>
 #include <utility>
 #include <vector>
 
 #include "app/checks/writable.h"
 #include "app/table_printer.h"
 #include "platform/failure.h"
+#include "run/paths.h"
 
 namespace quillon {
 namespace {
@@ -52,6 +55,24 @@ std::uintmax_t SizeOf(const fs::path& path) {
     return sum;
 }
 
+/// The first file or folder in there, or the thing itself, that this account may not read; "" where
+/// there is none.
+fs::path FirstUnreadable(const fs::path& path) {
+    const auto mayRead = [](const fs::path& one) {
+        return faccessat(AT_FDCWD, one.c_str(), R_OK, AT_EACCESS) == 0;
+    };
+    std::error_code error;
+    if (!mayRead(path)) return path;
+    if (!fs::is_directory(path, error)) return {};
+    for (auto entry = fs::recursive_directory_iterator(
+             path, fs::directory_options::skip_permission_denied, error);
+         entry != fs::recursive_directory_iterator(); entry.increment(error)) {
+        const bool counts = entry->is_regular_file(error) || entry->is_directory(error);
+        if (counts && !mayRead(entry->path())) return entry->path();
+    }
+    return {};
+}
+
 /// What the copies need on one file system.
 struct Demand {
     fs::path folder;
@@ -72,6 +93,19 @@ class Backups {
                                                : fs::is_regular_file(*local, ignored));
         if (!exists) return "does not exist";
         const std::uintmax_t size = SizeOf(*local);
+        if (isFolder && IsDriveRoot(original)) {
+            findings_.Problem(fmt::format(
+                "{} is a whole drive, and the copy that a run makes first cannot lie beside it, so "
+                "no run starts. Name a folder on it",
+                original));
+            return SizeText(size);
+        }
+        if (const fs::path unreadable = FirstUnreadable(*local); !unreadable.empty()) {
+            findings_.Problem(fmt::format(
+                "{} cannot be read by this account, so it cannot be backed up, and no run starts "
+                "without that. Give it the right to",
+                unreadable.string()));
+        }
         CheckPlace(original, local->parent_path(), size);
         return SizeText(size);
     }
@@ -81,9 +115,9 @@ class Backups {
             std::error_code error;
             const fs::space_info space = fs::space(demand.folder, error);
             if (error || space.available >= demand.bytes) continue;
-            findings_.Caution(fmt::format(
-                "The backups need {} and {} has {} left: the run would go on without them. Free "
-                "some space, old copies for instance",
+            findings_.Problem(fmt::format(
+                "The backups need {} and {} has {} left, and no run starts without them. Free some "
+                "space, old copies for instance",
                 SizeText(demand.bytes), demand.folder.string(), SizeText(space.available)));
         }
     }
@@ -98,10 +132,11 @@ class Backups {
 
     void CheckPlace(const std::string& original, const fs::path& parent, std::uintmax_t size) {
         if (!IsWritable(parent)) {
-            findings_.Caution(fmt::format(
-                "{} cannot be backed up, because this account may not write to {}: the run would "
-                "go on without. Give it the right to",
-                original, parent.string()));
+            findings_.Problem(
+                fmt::format("{} cannot be backed up, because this account may not write to {}, and "
+                            "no run starts "
+                            "without that. Give it the right to",
+                            original, parent.string()));
         }
         struct stat facts{};
         if (stat(parent.c_str(), &facts) != 0) return;

@@ -16,6 +16,7 @@
 #include "app/display_text.h"
 #include "app/table_printer.h"
 #include "database/schema.h"
+#include "driver/modes.h"
 #include "jet/database.h"
 #include "jet/lock.h"
 #include "platform/failure.h"
@@ -177,7 +178,8 @@ void CheckDatabase(LocalHost& local, const Settings& settings, std::ostream& out
             "The database {} is not there. Correct Nirvis_CDJ_DB, or [Drives] in host.ini",
             path.string()));
     }
-    CheckLeftovers(path, findings);
+    const Mode* const mode = SelectMode(settings);
+    CheckLeftovers(path, mode != nullptr && mode->setting == &Settings::Reconcile, findings);
     CheckWritable(path, findings);
     LookInto(local, path, settings, out, findings);
 } catch (const Failure& failure) {

@@ -11,22 +11,32 @@ namespace {
 struct Leftover {
     std::string_view ending;
     std::string_view effect;
+    bool isOwn = true;  ///< of a run; else the database's
 };
 
 constexpr std::array Leftovers{
-    Leftover{".journal", "the next run completes the database with it"},
+    Leftover{".journal", "the next run completes the database with it", false},
     Leftover{".marks", "the next run gives back the track numbers that were set aside"},
     Leftover{".playlists", "the next reconciliation takes from it which songs the playlists named"},
 };
 
 }  // namespace
 
-void CheckLeftovers(const std::filesystem::path& database, Findings& findings) {
+void CheckLeftovers(const std::filesystem::path& database, bool reconciles, Findings& findings) {
     for (const Leftover& leftover : Leftovers) {
         std::filesystem::path path = database;
         path += leftover.ending;
         std::error_code ignored;
-        if (!std::filesystem::exists(path, ignored)) continue;
+        const std::filesystem::file_status status = std::filesystem::symlink_status(path, ignored);
+        if (!std::filesystem::exists(status)) continue;
+        if (leftover.isOwn && !std::filesystem::is_regular_file(status)) {
+            findings.Add(
+                reconciles,
+                fmt::format("{} is no file, and a run keeps one of its own there, through no "
+                            "link: no reconciliation starts. Remove it",
+                            path.string()));
+            continue;
+        }
         findings.Caution(
             fmt::format("A run was interrupted and has left {}: {}. Leave it beside the database",
                         path.string(), leftover.effect));

@@ -13,7 +13,7 @@ namespace quillon {
 Settings CheckSettings(Host& host, std::ostream& out, Findings& findings);
 
 /// Finds keys in the tool's section of its settings file that nothing reads.
-void CheckUnreadKeys(HostFolder& host, Findings& findings);
+void CheckUnreadKeys(HostFolder& host, const Settings& settings, Findings& findings);
 
 /// Finds numbers that can be read and make no sense.
 void CheckNumbers(const Settings& settings, Findings& findings);

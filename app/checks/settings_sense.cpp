@@ -4,10 +4,11 @@
 #include <string_view>
 #include <vector>
 
-#include "app/checks/nearest_name.h"
 #include "app/checks/settings_check.h"
 #include "covers/picker_layout.h"
+#include "driver/misspelt_setting.h"
 #include "driver/modes.h"
+#include "driver/nearest_name.h"
 #include "driver/settings_reader.h"
 #include "platform/basic_text.h"
 #include "platform/failure.h"
@@ -62,7 +63,9 @@ void CheckPlaylistLength(const Settings& settings, Findings& findings) {
 
 }  // namespace
 
-void CheckUnreadKeys(HostFolder& host, Findings& findings) {
+void CheckUnreadKeys(HostFolder& host, const Settings& settings, Findings& findings) {
+    const std::string objection = ObjectionToMisspeltSetting(host, settings);
+    if (!objection.empty()) findings.Problem(objection);
     const std::vector<std::string_view> known = KnownKeys();
     std::string others;
     for (const auto& [key, value] : host.Entries(SettingsSection, SettingsFile)) {
@@ -70,7 +73,7 @@ void CheckUnreadKeys(HostFolder& host, Findings& findings) {
         const std::string_view meant = NearestName(key, known);
         if (meant.empty()) {
             others += (others.empty() ? "" : ", ") + key;
-        } else {
+        } else if (objection.empty() || meant != "ID3Reconcile") {
             findings.Caution(
                 fmt::format("{} has {}={}, which nothing reads. If {} is meant, correct the name",
                             SettingsFile, key, value, meant));

@@ -90,7 +90,7 @@ int Check(const CheckRequest& request, Console console) {
     CheckSafety(local.host, out, findings);
     TellDrives(local.host.Drives(), out);
     const Settings settings = CheckSettings(local.host, out, findings);
-    CheckUnreadKeys(local.host, findings);
+    CheckUnreadKeys(local.host, settings, findings);
     CheckNumbers(settings, findings);
     CheckHostSettings(local.host, out, findings);
     CheckFolders(local, settings, out, findings);

@@ -52,7 +52,8 @@ std::string OnOneLine(std::string_view text) {
 }  // namespace
 
 HostFolder::HostFolder(const std::filesystem::path& folder, const Clock& clock)
-    : folder_(CheckedFolder(folder)), clock_(clock), drives_(folder_) {
+    // A link to the folder may lie anywhere; what is written in it is meant from where it is.
+    : folder_(CheckedFolder(folder)), clock_(clock), drives_(std::filesystem::canonical(folder_)) {
     MapDrives();
 }
 
@@ -105,6 +106,10 @@ const IniFile& HostFolder::Read(std::string_view file) {
 std::string HostFolder::GetINISetting(std::string_view section, std::string_view key,
                                       std::string_view fallback, std::string_view file) {
     return Read(file).Find(section, key).value_or(std::string(fallback));
+}
+
+std::vector<std::string> HostFolder::GetINILines(std::string_view section, std::string_view file) {
+    return Read(file).Lines(section);
 }
 
 std::filesystem::path HostFolder::LogPath() const {

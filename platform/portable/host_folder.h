@@ -25,6 +25,7 @@ class HostFolder : public Host {
 
     std::string GetINISetting(std::string_view section, std::string_view key,
                               std::string_view fallback, std::string_view file) override;
+    std::vector<std::string> GetINILines(std::string_view section, std::string_view file) override;
     void WriteLog(std::string_view source, std::string_view message) override;
     std::vector<std::string> GetPlugins() override;
     std::string GetAppPath() override;

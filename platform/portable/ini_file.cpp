@@ -46,12 +46,15 @@ void IniFile::AddLine(std::string_view line) {
     }
     const std::string_view name = WithoutBlanks(line.substr(1, line.find(']') - 1));
     const auto [section, isFirst] = sections_.try_emplace(UpperCase(name));
-    current_ = isFirst ? &section->second : nullptr;
+    current_ = &section->second;
+    isFirstOfName_ = isFirst;
 }
 
 void IniFile::AddEntry(std::string_view line) {
+    if (current_ == nullptr) return;
+    current_->lines.emplace_back(line);
     const std::size_t equals = line.find('=');
-    if (current_ == nullptr || equals == std::string_view::npos) return;
+    if (!isFirstOfName_ || equals == std::string_view::npos) return;
     const std::string_view key = WithoutBlanks(line.substr(0, equals));
     const std::string_view value = WithoutQuotes(WithoutBlanks(line.substr(equals + 1)));
     const bool isFirst =
@@ -70,6 +73,11 @@ std::optional<std::string> IniFile::Find(std::string_view section, std::string_v
 std::vector<IniFile::Entry> IniFile::Entries(std::string_view section) const {
     const auto found = sections_.find(UpperCase(section));
     return found == sections_.end() ? std::vector<Entry>{} : found->second.entries;
+}
+
+std::vector<std::string> IniFile::Lines(std::string_view section) const {
+    const auto found = sections_.find(UpperCase(section));
+    return found == sections_.end() ? std::vector<std::string>{} : found->second.lines;
 }
 
 }  // namespace quillon

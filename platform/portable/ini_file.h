@@ -28,6 +28,9 @@ class IniFile {
     /// Keys as written with their values, in the file's order.
     std::vector<Entry> Entries(std::string_view section) const;
 
+    /// All lines under headings of that name, whether they mean anything or not; no comments.
+    std::vector<std::string> Lines(std::string_view section) const;
+
   private:
     void AddLine(std::string_view line);
     void AddEntry(std::string_view line);
@@ -35,9 +38,12 @@ class IniFile {
     struct Section {
         std::vector<Entry> entries;
         std::map<std::string, std::size_t> positions;  ///< by upper-case key
+        std::vector<std::string> lines;
     };
     std::map<std::string, Section> sections_;  ///< by upper-case name
-    Section* current_ = nullptr;               ///< while parsing; null outside the first of a name
+    // While parsing.
+    Section* current_ = nullptr;  ///< null before the first heading
+    bool isFirstOfName_ = false;  ///< of a later one of the same name nothing counts
 };
 
 }  // namespace quillon

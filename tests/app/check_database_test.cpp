@@ -152,5 +152,20 @@ TEST_F(CheckDatabase, TellsWhatTheNextRunDoesAboutLeftovers) {
     EXPECT_TRUE(Has(cautions, database + ".playlists: the next reconciliation takes from it"));
 }
 
+TEST_F(CheckDatabase, SaysThatNoReconciliationStartsWhereItCannotKeepItsOwnFiles) {
+    for (const std::string ending : {".marks", ".playlists"}) {
+        const std::filesystem::path path = Path("shelf/jukebox.mdb" + ending);
+        std::filesystem::create_symlink("elsewhere", path);
+        EXPECT_EQ(Check().status, 2);
+        EXPECT_TRUE(Has(Problems(), path.string() + " is no file, and a run keeps one of its own"));
+        Choose("AlbumPicker");
+        EXPECT_EQ(Check().status, 0);
+        EXPECT_TRUE(Has(Cautions(), "no reconciliation starts. Remove it"));
+        Set("Reconcile", "1");
+        Set("AlbumPicker", "0");
+        std::filesystem::remove(path);
+    }
+}
+
 }  // namespace
 }  // namespace quillon

@@ -104,14 +104,55 @@ TEST_F(CheckMode, NamesTheFoldersThatGiveARemoteReferenceNoDrive) {
     EXPECT_TRUE(Has(Problems(), "MakeRemote would change nothing"));
 }
 
-TEST_F(CheckMode, WarnsWhenTheBackupsHaveNoRoom) {
+TEST_F(CheckMode, SaysThatNoRunStartsWhereTheBackupsHaveNoRoom) {
     // Only looks large.
     Write("shelf/Playlists/Large.pla", "");
     const auto space = fs::space(Folder());
     fs::resize_file(Path("shelf/Playlists/Large.pla"), space.available + (std::uintmax_t{1} << 30));
-    EXPECT_EQ(Check().status, 0);
-    EXPECT_TRUE(Has(Cautions(), "The backups need ")) << Cautions();
-    EXPECT_TRUE(Has(Cautions(), "the run would go on without them. Free some space"));
+    EXPECT_EQ(Check().status, 2);
+    EXPECT_TRUE(Has(Problems(), "The backups need ")) << Problems();
+    EXPECT_TRUE(Has(Problems(), "and no run starts without them. Free some space"));
+}
+
+TEST_F(CheckMode, NamesWhatCannotBeReadAndSoNotBackedUp) {
+    fs::permissions(Folder(), fs::perms::others_all, fs::perm_options::add);
+    for (const char* const name : {"shelf", "shelf/Playlists", "shelf/jukebox.mdb"})
+        fs::permissions(Path(name), fs::perms::all);
+    Write("shelf/host.log", "");
+    fs::permissions(Path("shelf/host.log"), fs::perms::all);
+    MakeFolder("shelf/Playlists/Sub");
+    fs::permissions(Path("shelf/Playlists/Sub"), fs::perms::all);
+    Write("shelf/Playlists/Sub/Closed.pla", "x");
+    fs::permissions(Path("shelf/Playlists/Sub/Closed.pla"), fs::perms::none);
+    const std::string problems = AsOrdinaryUser([this] { return Problems(); });
+    EXPECT_EQ(problems, "  - " + Path("shelf/Playlists/Sub/Closed.pla").string() +
+                            " cannot be read by this account, so it cannot be backed up, and no "
+                            "run starts without that. Give it the right to.");
+}
+
+TEST_F(CheckMode, SaysThatAWholeDriveCannotBeBackedUp) {
+    MakeFolder("lists");
+    std::string drives = Read("shelf/host.ini");
+    drives.insert(drives.find("[Drives]\n") + 9, "P=" + Path("lists").string() + "\n");
+    Write("shelf/host.ini", drives);
+    for (const std::string written : {"P:\\", "P:", "P:/", "P:\\\\"}) {
+        Set("PlayListPath", written);
+        EXPECT_EQ(Check().status, 2) << written;
+        EXPECT_TRUE(Has(Problems(),
+                        "P:\\ is a whole drive, and the copy that a run makes first "
+                        "cannot lie beside it, so no run starts. Name a folder on it"))
+            << Problems();
+    }
+    Choose("AlbumPicker");
+    EXPECT_EQ(Problems(), "") << "this mode makes no backups";
+}
+
+TEST_F(CheckMode, SeesAFolderAsARunDoesHoweverItIsWritten) {
+    for (const std::string written : {"H:/Playlists/", "H:\\Playlists\\\\", "H:\\\\Playlists"}) {
+        Set("PlayListPath", written);
+        EXPECT_EQ(Check().status, 0) << written;
+        EXPECT_TRUE(Has(Plan(), "H:\\Playlists\\\n")) << Plan();
+    }
 }
 
 }  // namespace

@@ -1,8 +1,6 @@
 #include <algorithm>
-#include <array>
 #include <gtest/gtest.h>
 
-#include "app/checks/nearest_name.h"
 #include "tests/app/check_fixture.h"
 
 namespace quillon {
@@ -109,6 +107,31 @@ TEST_F(CheckSettings, SuggestsTheKeyThatAMisspeltOneMayMean) {
               "  - Quillon.ini has keys in [NPFrame] that nothing reads: Colour, Size.");
 }
 
+TEST_F(CheckSettings, AMisspeltNameThatLeavesADangerousDefaultIsAProblem) {
+    const std::string file = Read("shelf/Quillon.ini");
+    const auto with = [&](const std::string& line) {
+        std::string changed = file;
+        Write("shelf/Quillon.ini", changed.replace(file.find("\nID3Reconcile=0") + 1, 14, line));
+    };
+    for (const std::string line : {"ID3Reconcil=0", "id3reconcille = 0", "ID3Reconcile: 0"}) {
+        with(line);
+        EXPECT_EQ(Check().status, 2) << line;
+        EXPECT_EQ(Problems(),
+                  "  - Quillon.ini has the line " + line +
+                      ", which nothing reads. If ID3Reconcile is meant, correct it: without that "
+                      "setting a run renames and removes files by their tags. If not, write "
+                      "ID3Reconcile=0 or =1 as well.");
+        EXPECT_EQ(Cautions(), "");
+    }
+    with("ID3Reconcil=0\nID3Reconcile=1");
+    EXPECT_EQ(Check().status, 0);
+    EXPECT_TRUE(Has(Cautions(), "If ID3Reconcile is meant, correct the name"));
+    with("ID3Reconcil=0");
+    Set("PlaylistsOnly", "1");
+    EXPECT_EQ(Check().status, 0) << "no tag is looked at then";
+    EXPECT_TRUE(Has(Cautions(), "If ID3Reconcile is meant, correct the name"));
+}
+
 TEST_F(CheckSettings, SaysNothingOfKeysInOtherSectionsAndOtherLetterCases) {
     std::string file = Read("shelf/Quillon.ini");
     file.replace(file.find("\nImagesWide="), 12, "\nIMAGESwide=");
@@ -154,22 +177,6 @@ TEST_F(CheckSettings, TellsWhatAPlaylistLengthBelowOneDoes) {
     Set("GenrePlaylist", "0");
     Set("ArtistPlaylist", "0");
     EXPECT_EQ(Cautions(), "") << "no playlists are made";
-}
-
-TEST(NearestName, IsTheOneThatTheFewestLettersTellApart) {
-    constexpr std::array<std::string_view, 4> Names{"PlayListPath", "PlayListPath2", "ID3Write",
-                                                    "AddFiles"};
-    EXPECT_EQ(NearestName("PlaylistPth", Names), "PlayListPath");
-    EXPECT_EQ(NearestName("PlayListPth2", Names), "PlayListPath2");
-    EXPECT_EQ(NearestName("id3wrtie", Names), "ID3Write");
-    EXPECT_EQ(NearestName("AddFile", Names), "AddFiles");
-}
-
-TEST(NearestName, IsEmptyWhereNothingIsNear) {
-    constexpr std::array<std::string_view, 2> Names{"ID3Write", "AddFiles"};
-    EXPECT_EQ(NearestName("Colour", Names), "");
-    EXPECT_EQ(NearestName("", Names), "");
-    EXPECT_EQ(NearestName("AddFiles", {}), "");
 }
 
 }  // namespace

@@ -87,6 +87,38 @@ TEST_F(FormLoad, StopsAtAStrictSettingThatDoesNotConvert) {
                 ElementsAre("Unload"));
 }
 
+TEST_F(FormLoad, StopsAtAMisspeltNameThatWouldLeaveADangerousDefault) {
+    SwitchOn({"Reconcile"});
+    host.Set("ID3Reconcil", "0");
+    EXPECT_EQ(Load(), RunOutcome::NothingRan);
+    EXPECT_THAT(host.log,
+                ElementsAre("Quillon: QuillonShelfkeeper Load Line 0 Quillon.ini has the line "
+                            "id3reconcil=0, which nothing reads. If ID3Reconcile is meant, correct "
+                            "it: without that setting a run renames and removes files by their "
+                            "tags. If not, write ID3Reconcile=0 or =1 as well"));
+    EXPECT_THAT(Calls({"OpenDatabase", "Run", "Copy", "Unload"}), ElementsAre("Unload"));
+}
+
+TEST_F(FormLoad, GoesOnWithAMisspeltNameWhereItDoesNoHarm) {
+    host.Set("ID3Reconcil", "0");
+    host.Set("LibaryRoot", "x");
+    SwitchOn({"AlbumPicker"});
+    EXPECT_EQ(Load(), RunOutcome::Completed) << "no tag is looked at";
+    host.Set("AlbumPicker", "0");
+    SwitchOn({"Reconcile"});
+    for (const char* const text : {"0", "1"}) {
+        host.Set("ID3Reconcile", text);
+        EXPECT_EQ(Load(), RunOutcome::Completed) << "it is set";
+    }
+    host.settings.erase("id3reconcile");
+    host.Set("PlaylistsOnly", "1");
+    EXPECT_EQ(Load(), RunOutcome::Completed);
+    host.Set("PlaylistsOnly", "0");
+    host.Set("LibraryRoot", "");
+    EXPECT_EQ(Load(), RunOutcome::Completed);
+    EXPECT_THAT(host.log, IsEmpty());
+}
+
 TEST_F(FormLoad, GoesOnWithALenientSettingThatDoesNotConvert) {
     host.Set("ArtistThreshold", "abc");
     SwitchOn({"Reconcile"});

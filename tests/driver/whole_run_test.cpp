@@ -276,6 +276,20 @@ TEST_F(WholeRun, ChangesNothingWhereABackupCannotBeMade) {
     EXPECT_THAT(Log()[0], HasSubstr("D:\\ is a whole drive"));
 }
 
+TEST_F(WholeRun, KeepsTheCopiesOfTwoRunsOfOneSecond) {
+    Write("disk/Lists/Rock.pla", "first");
+    const std::string before = Content(Database());
+    Load();
+    const std::string between = Content(Database());
+    Write("disk/Lists/Rock.pla", "second");
+    Load();
+    EXPECT_EQ(Content(Disk() / copyOfDatabase), before);
+    EXPECT_EQ(Content(Disk() / (copyOfDatabase + "2_")), between);
+    const std::string copyOfLists = "Lists_Copy Dated_11152026_53855_AM_";
+    EXPECT_EQ(Content(Disk() / copyOfLists / "Rock.pla"), "first");
+    EXPECT_EQ(Content(Disk() / (copyOfLists + "2_") / "Rock.pla"), "second");
+}
+
 TEST_F(WholeRun, BacksUpAFolderHoweverItIsWritten) {
     Write("disk/Lists/Rock.pla", "entries");
     for (const std::string written : {"D:/Lists/", "D:\\Lists\\\\", "D:\\\\Lists"}) {

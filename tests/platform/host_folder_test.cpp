@@ -104,6 +104,22 @@ TEST_F(HostFolderTest, AppPathIsTheFolderInWindowsTerms) {
     EXPECT_EQ(resolver.Local(host.GetAppPath() + "\\Data"), (folder_ / "Data").string());
 }
 
+TEST_F(HostFolderTest, ReachedByALinkMeansWhatItMeansWhereItIs) {
+    folder_.MakeFile("real/shelf/host.ini", "[Drives]\nD=../disk\nE=sub\n");
+    folder_.MakeFolder("real/disk");
+    folder_.MakeFolder("links");
+    std::filesystem::create_directory_symlink("../real/shelf", folder_ / "links/shelf");
+    HostFolder host(folder_ / "links/shelf", clock_);
+    const std::string real = std::filesystem::canonical(folder_ / "real").string();
+    EXPECT_EQ(host.Drives().LocalFolder("D:"), real + "/disk");
+    EXPECT_EQ(host.Drives().LocalFolder("E:"), real + "/shelf/sub");
+    PathResolver resolver(host.Drives());
+    EXPECT_TRUE(std::filesystem::equivalent(resolver.Local(host.GetAppPath() + "\\"),
+                                            folder_ / "real/shelf"));
+    host.WriteLog("Quillon", "x");
+    EXPECT_TRUE(folder_.Exists("real/shelf/host.log"));
+}
+
 TEST_F(HostFolderTest, AppPathOfAFolderThatWindowsCannotName) {
     folder_.MakeFolder("a:b");
     HostFolder host(folder_ / "a:b/", clock_);

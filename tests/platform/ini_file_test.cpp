@@ -75,5 +75,13 @@ TEST(IniFile, HalfASurrogatePairBecomesTheReplacementCharacter) {
     EXPECT_EQ(IniFile::Parse(std::string_view(bytes, sizeof bytes - 1)).Find("a", "x"), "\uFFFD");
 }
 
+TEST(IniFile, GivesTheLinesOfASectionWhateverTheyMean) {
+    const IniFile file =
+        IniFile::Parse("x=0\n[A]\na = 1\n; c=1\n\n no entry \na=2\n[B]\nb=1\n[a]\nd=1\n");
+    EXPECT_EQ(file.Lines("A"), (std::vector<std::string>{"a = 1", "no entry", "a=2", "d=1"}));
+    EXPECT_EQ(file.Lines("none"), std::vector<std::string>{});
+    EXPECT_EQ(file.Entries("A").size(), 1U);
+}
+
 }  // namespace
 }  // namespace quillon

@@ -72,6 +72,26 @@ TEST_F(RefreshDatabaseTest, SweepsNothingWhenTheRootAppearedAfterTheStart) {
     EXPECT_TRUE(NothingIsLost());
 }
 
+TEST_F(RefreshDatabaseTest, SaysWhatIsTheMatterWithARootThatHoldsNoFolders) {
+    library.run.settings.LibraryDepthOption = true;
+    library.run.LibraryFolders.clear();
+    library.Reconcile();
+    EXPECT_THAT(library.host.log, ElementsAre("Quillon: RefreshDatabase, No folder at library root "
+                                              R"(D:\Music)"))
+        << "it came only after the start";
+    library.host.log.clear();
+    library.files.AddFolder(R"(D:\Bare)");
+    library.run.settings.LibraryRoot = R"(D:\Bare)";
+    library.Reconcile();
+    EXPECT_THAT(
+        library.host.log,
+        ElementsAre(R"(Quillon: RefreshDatabase, Library root D:\Bare holds neither a folder )"
+                    "nor a .txt file that names one, and LibraryDepthOption=1 looks for the "
+                    "music in those. Set it to 0, or name the folder above"));
+    RestoreMarks(library.run);
+    EXPECT_TRUE(NothingIsLost());
+}
+
 TEST_F(RefreshDatabaseTest, SweepsNothingAfterAnAbort) {
     for (const char* artist : {"Blue", "Green", "Red"}) {
         library.run.AbortRequested = false;

@@ -28,6 +28,13 @@ class FakeHost : public Host {
         return found == settings.end() ? std::string(fallback) : found->second;
     }
 
+    std::vector<std::string> GetINILines(std::string_view, std::string_view) override {
+        std::vector<std::string> lines;
+        for (const auto& [key, text] : settings)
+            lines.push_back(key + '=' + text);
+        return lines;
+    }
+
     void WriteLog(std::string_view source, std::string_view message) override {
         calls_.Note("WriteLog " + std::string(source) + ": " + std::string(message));
         log.push_back(std::string(source) + ": " + std::string(message));

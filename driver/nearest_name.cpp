@@ -1,4 +1,4 @@
-#include "app/checks/nearest_name.h"
+#include "driver/nearest_name.h"
 
 #include <algorithm>
 #include <numeric>

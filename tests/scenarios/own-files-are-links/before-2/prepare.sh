@@ -1,0 +1,2 @@
+rm disk/jukebox.mdb.marks
+mkfifo disk/jukebox.mdb.playlists
