@@ -42,7 +42,6 @@ class LibraryForm {
     // Start-up.
     bool PluginIsEnabled();
     void HideIndicators();
-    void ReadExcludeList();
     void ReadGenreNames();
     void GiveBackForgottenMarks();
     void Release();
