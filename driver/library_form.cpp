@@ -12,6 +12,7 @@
 #include "platform/basic_text.h"
 #include "platform/failure.h"
 #include "run/connection_value.h"
+#include "run/excluded_artists.h"
 #include "run/log.h"
 
 namespace quillon {
@@ -58,7 +59,7 @@ RunOutcome LibraryForm::Form_Load() {
         }
         RefuseMisspeltSettings();
         HideIndicators();
-        ReadExcludeList();
+        ReadExcludeList(run_);
         run_.window.Show(run_.form);
         outcome = main();
     });
@@ -108,12 +109,6 @@ void LibraryForm::HideIndicators() {
     run_.form.aLblReconcile = false;
     for (PhaseIndicator& indicator : run_.form.aPhase)
         indicator.visible = false;
-}
-
-void LibraryForm::ReadExcludeList() {
-    const std::string& list = run_.settings.ExcludeList;
-    run_.ExcludeEmpty = list.empty();
-    run_.ExcludeList = list.empty() ? std::vector<std::string>{""} : Split(list, ",");
 }
 
 void LibraryForm::ReadGenreNames() {

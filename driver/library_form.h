@@ -47,7 +47,6 @@ class LibraryForm {
     bool PluginIsEnabled();
     void RefuseMisspeltSettings();
     void HideIndicators();
-    void ReadExcludeList();
     void ReadGenreNames();
     void GiveBackForgottenMarks();
     void Release();

@@ -8,6 +8,9 @@ namespace quillon {
 
 class Run;
 
+/// Reads the setting's list into the run.
+void ReadExcludeList(Run& run);
+
 /// The artist folders that the exclude list leaves out of every walk over the library.
 class ExcludedArtists {
   public:

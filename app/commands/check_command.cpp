@@ -11,6 +11,7 @@
 #include "app/checks/mode_check.h"
 #include "app/checks/safety_check.h"
 #include "app/checks/settings_check.h"
+#include "app/checks/tag_renames_check.h"
 #include "app/checks/writable.h"
 #include "app/display_text.h"
 #include "app/local_host.h"
@@ -98,6 +99,7 @@ int Check(const CheckRequest& request, Console console) {
     CheckOverlaps(local.files, settings, findings);
     CheckDatabase(local, settings, out, findings);
     CheckMode(local.resolver, settings, out, findings);
+    CheckTagRenames(local, settings, findings);
 
     TellFindings(findings, out);
     TellVerdict(findings, out);

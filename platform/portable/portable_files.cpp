@@ -347,10 +347,7 @@ void PortableFiles::WriteEnd(std::string_view path, const FileEnd& seen, std::ui
 }
 
 void PortableFiles::RemoveUnfinished(std::string_view folder) {
-    Holds([&] {
-        RemoveLeftoversOnce(resolver_.Local(folder) + '/');
-        return true;
-    });
+    if (FolderMayExist(*this, folder)) RemoveLeftoversOnce(resolver_.Local(folder) + '/');
 }
 
 void PortableFiles::RemoveLeftoversOnce(const std::string& folder) {

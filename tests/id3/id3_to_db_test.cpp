@@ -82,6 +82,82 @@ TEST_F(ID3ToDBTest, LogsALengthThatIsNoneAndGoesOn) {
                                    "(Alder/First Light/Dawn)"));
 }
 
+TEST_F(ID3ToDBTest, PassesOverTagsWithoutALengthOrGenreSilently) {
+    for (const char* value : {"Length=", "", "Length= "})
+        AddDifference("Comment", value);
+    AddDifference("Genre", "");
+    Update();
+    EXPECT_THAT(Tracks(), ElementsAre("4|3|0", "4|3|0"));
+    EXPECT_THAT(Genres(), ElementsAre("Rock", "Rock"));
+    EXPECT_THAT(Log(), IsEmpty());
+}
+
+TEST_F(ID3ToDBTest, LogsDamagedValuesAndKeepsTheKnownOnes) {
+    AddDifference("Comment", "Length=-1");
+    AddDifference("Comment", "Length=0");
+    AddDifference("Track", "0");
+    AddDifference("Track", "-1");
+    Update();
+    EXPECT_THAT(Tracks(), ElementsAre("4|3|0", "4|3|0"));
+    EXPECT_EQ(Log().size(), 4U);
+}
+
+/// Several tracks of the names in a row.
+class ID3ToDBAmongNamesakesTest : public ID3ToDBTest {
+  protected:
+    void AddTrack(const std::string& cdjid, int number, int minutes) {
+        library.Execute("INSERT INTO Tracks (CDJID, Track, Title, Minutes, Seconds) VALUES ('" +
+                        cdjid + "', " + std::to_string(number) + ", 'Dawn', " +
+                        std::to_string(minutes) + ", 0)");
+    }
+    void AddDifference(const std::string& field, const std::string& value,
+                       const std::string& expected) {
+        library.Execute(
+            "INSERT INTO SpinnerID3Differences (Field, ID3Value, DBValue, Artist, Album, Track) "
+            "VALUES ('" +
+            field + "', '" + value + "', '" + expected + "', 'Alder', 'First Light', 'Dawn')");
+    }
+    std::vector<std::string> Namesakes() {
+        return library.Rows(
+            "SELECT CDJID, Track, Minutes, Seconds FROM Tracks WHERE CDJID <> "
+            "'252E671073EC0002' ORDER BY ID");
+    }
+};
+
+TEST_F(ID3ToDBAmongNamesakesTest, ChangesTheLibrarysOwnBeforeADisc) {
+    library.Execute("DELETE * FROM Tracks WHERE CDJID = '252E671073EC0001'");
+    library.AddAlbumRow("DISC", "Alder", "First Light", 1, 2);
+    AddTrack("DISC", 4, 3);
+    AddTrack("252E671073EC0001", 4, 3);
+    AddDifference("Comment", "Length=60", "Length=180");
+    AddDifference("Track", "7", "4");
+    Update();
+    EXPECT_THAT(Namesakes(), ElementsAre("DISC|4|3|0", "252E671073EC0001|7|1|0"));
+    EXPECT_THAT(Log(), IsEmpty());
+}
+
+TEST_F(ID3ToDBAmongNamesakesTest, ChangesTheOneThatHadTheValueOfTheRow) {
+    AddTrack("252E671073EC0001", 5, 4);
+    AddDifference("Comment", "Length=60", "Length=240");
+    AddDifference("Track", "7", "4");
+    Update();
+    EXPECT_THAT(Namesakes(), ElementsAre("252E671073EC0001|7|3|0", "252E671073EC0001|5|1|0"));
+    EXPECT_THAT(Log(), IsEmpty());
+}
+
+TEST_F(ID3ToDBAmongNamesakesTest, ChangesNoneWhereNobodyCanTell) {
+    AddTrack("252E671073EC0001", 5, 3);
+    AddDifference("Comment", "Length=60", "Length=180");
+    AddDifference("Comment", "Length=60", "Length=99");
+    Update();
+    EXPECT_THAT(Namesakes(), ElementsAre("252E671073EC0001|4|3|0", "252E671073EC0001|5|3|0"));
+    EXPECT_THAT(Log(),
+                ElementsAre("Quillon: Alder/First Light/Dawn is the name of 2 tracks; which of them "
+                            "is meant by Length=60 is not known, and none is changed",
+                            "Quillon: Alder/First Light/Dawn is the name of 2 tracks; which of them "
+                            "is meant by Length=60 is not known, and none is changed"));
+}
+
 TEST_F(ID3ToDBTest, SetsTheGenreInTheDownloadTable) {
     AddDifference("Genre", "Jazz");
     Update();

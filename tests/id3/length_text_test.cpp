@@ -72,6 +72,10 @@ TEST(CommentWithLength, CountsCharactersAndNotTheirUtf8Bytes) {
               "\u00E923456789012345 Length='184'");
 }
 
+TEST(CommentWithLength, LeavesATextThatTheCodePageCannotHold) {
+    EXPECT_EQ(CommentWithLength("初恋 Length='9'", "184"), "初恋 Length='9'");
+}
+
 TEST(LengthInDifference, IsTheNumberBehindTheWord) {
     EXPECT_EQ(LengthInDifference("Length=184"), 184);
     EXPECT_EQ(LengthInDifference(LengthDifference("185")), 185);

@@ -122,6 +122,55 @@ TEST_F(GetID3InfoTest, TakesOnlyRowsOfTheSameAlbum) {
     EXPECT_EQ(Build().record, "TAG|Dawn|Alder|First Light|||||");
 }
 
+TEST_F(GetID3InfoTest, TakesNumberAndLengthOfTheFilesOwnRow) {
+    AddTrack(4, 3, 5);
+    library.AddTrackRow("252E671073EC0001", 6, Path, "Some title");
+    library.Execute("UPDATE Tracks SET Minutes = 2, Seconds = 0 WHERE Track = 6");
+    EXPECT_EQ(Build().record, "TAG|Dawn|Alder|First Light||Length='120'||6|");
+}
+
+TEST_F(GetID3InfoTest, TakesAnOwnedRowBeforeThatOfADisc) {
+    library.AddAlbumRow("DISC", "Alder", "First Light", 1, 2);
+    library.Execute(
+        "INSERT INTO Tracks (CDJID, Track, Title, Minutes, Seconds) VALUES "
+        "(\"DISC\", 9, \"Dawn\", 9, 9)");
+    EXPECT_EQ(Build().record, "TAG|Dawn|Alder|First Light||Length='549'||9|");
+    AddTrack(4, 3, 5);
+    EXPECT_EQ(Build().record, "TAG|Dawn|Alder|First Light||Length='185'||4|");
+}
+
+TEST_F(GetID3InfoTest, KeepsATextThatSaysMoreThanTheNameCan) {
+    names = {.artist = "AC-DC", .album = "Act 1 Dawn", .song = "Who Me (live)"};
+    present[TagSong] = "Who? Me [live]";
+    present[TagArtist] = "AC/DC";
+    present[TagAlbum] = "Act 1: Dawn";
+    EXPECT_EQ(Build().record, "TAG|Who? Me [live]|AC/DC|Act 1: Dawn|||||");
+}
+
+TEST_F(GetID3InfoTest, ReplacesATextThatSaysSomethingElse) {
+    names.artist = "AC-DC";
+    present[TagSong] = "Who? Me [live]";
+    present[TagArtist] = "AC/DS";
+    present[TagAlbum] = "first light";
+    EXPECT_EQ(Build().record, "TAG|Dawn|AC-DC|First Light|||||");
+}
+
+TEST_F(GetID3InfoTest, KeepsATitleToWhichTheNameAddsANumber) {
+    names.song = "01 - A title that no tag can hold";
+    present[TagSong] = "A title that no tag";
+    EXPECT_EQ(Build().record, "TAG|A title that no tag|Alder|First Light|||||");
+    present[TagSong] = "Something else";
+    EXPECT_EQ(Build().record, "TAG|01 - A title that no tag can hold|Alder|First Light|||||");
+}
+
+TEST_F(GetID3InfoTest, KeepsATextInOtherLettersThanTheCodePageHas) {
+    names.song = "初恋 その一";
+    names.artist = "ёлка";
+    present[TagSong] = "初恋";
+    present[TagArtist] = "Ёлка";
+    EXPECT_EQ(Build().record, "TAG|初恋|Ёлка|First Light|||||");
+}
+
 TEST_F(GetID3InfoTest, LogsEachLookUpThatFailsAndGoesOn) {
     present[TagYear] = "1999";
     library.Database().Refuse("FROM Albums INNER JOIN Tracks");

@@ -1,6 +1,10 @@
 #include <csignal>
+#include <filesystem>
+#include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <iterator>
+#include <map>
 #include <string>
 
 #include "database/marks.h"
@@ -79,6 +83,119 @@ TEST_F(VerifyKilledTest, LosesNoRowAndEndsLikeAnUndisturbedRun) {
         if (n % 10 == 1) {
             EXPECT_EQ(library.Faults(), "") << n;
         }
+    }
+}
+
+/// Names that are passed on and exchanged: at no moment a row may have the path of another song.
+class VerifyChainsKilledTest : public ::testing::Test {
+  protected:
+    static void AddSong(support::RealLibrary& library, const std::string& title,
+                        const std::string& tagTitle, std::uint8_t number) {
+        support::Tag tag;
+        tag.song = tagTitle;
+        tag.track = number;
+        library.AddFile("Alder\\One\\Alder - " + title + ".mp3", support::SoundFile(tag), number);
+    }
+
+    /// A circle, a chain, a duplicate, and a file that takes the duplicate's name.
+    static void Prepare(support::RealLibrary& library) {
+        AddSong(library, "A", "B", 1);
+        AddSong(library, "B", "C", 2);
+        AddSong(library, "C", "A", 3);
+        AddSong(library, "K", "L", 4);
+        AddSong(library, "L", "M", 5);
+        AddSong(library, "R", "S", 6);
+        AddSong(library, "S", "T", 7);
+        AddSong(library, "T", "T", 8);
+        library.Reconcile();
+        // Each row has the number of its file's song for its plays.
+        library.Database().Execute("UPDATE Tracks SET TimesPlayed = ID");
+        library.Database().Flush();
+    }
+
+    static void Reconcile(support::RealLibrary& library) {
+        if (MarkSnapshotExists(library.run)) RestoreMarks(library.run);
+        RemoveDuplicates(library.run);
+        VerifyID3Tags(library.run);
+        RefreshDatabase(library.run);
+    }
+
+    /// What has the number of each file's song: the path, and the plays of the row of that path.
+    static std::map<int, std::string> Songs(support::RealLibrary& library) {
+        std::map<std::string, std::string> plays;
+        for (const std::string& row : library.Rows("SELECT SoundFile, TimesPlayed FROM Tracks")) {
+            const std::size_t bar = row.find('|');
+            plays[row.substr(row.rfind('\\') + 1, bar - row.rfind('\\') - 1)] = row.substr(bar + 1);
+        }
+        std::map<int, std::string> songs;
+        for (const auto& entry : std::filesystem::directory_iterator(library.Music("Alder/One"))) {
+            std::ifstream file(entry.path(), std::ios::binary);
+            const std::string content{std::istreambuf_iterator<char>(file), {}};
+            const std::string name = entry.path().filename().string();
+            const auto row = plays.find(name);
+            songs[content[content.size() - 2]] =
+                name + (row == plays.end() ? "" : "|" + row->second);
+        }
+        return songs;
+    }
+
+    /// A row that has the path of a file is that of the file's song.
+    static void ExpectNoStrangers(support::RealLibrary& library, const std::string& moment) {
+        for (const auto& [number, song] : Songs(library)) {
+            const std::size_t bar = song.find('|');
+            if (bar != std::string::npos) {
+                EXPECT_EQ(song.substr(bar + 1), std::to_string(number)) << moment << ": " << song;
+            }
+        }
+    }
+
+};
+
+TEST_F(VerifyChainsKilledTest, GiveNoRowToAnotherSongAndAreFinishedByTheNextRun) {
+    std::size_t statements = 0, changes = 0;
+    std::map<int, std::string> songs;
+    {
+        support::RealLibrary undisturbed;
+        Prepare(undisturbed);
+        undisturbed.Database().ForgetStatements();
+        undisturbed.RealFiles().beforeChange = [&] { ++changes; };
+        Reconcile(undisturbed);
+        statements = undisturbed.Database().Count("");
+        songs = Songs(undisturbed);
+    }
+    ASSERT_EQ(songs, (std::map<int, std::string>{{1, "Alder - B.mp3|1"},
+                                                 {2, "Alder - C.mp3|2"},
+                                                 {3, "Alder - A.mp3|3"},
+                                                 {4, "Alder - L.mp3|4"},
+                                                 {5, "Alder - M.mp3|5"},
+                                                 {6, "Alder - S.mp3|6"},
+                                                 {8, "Alder - T.mp3|8"}}));
+    ASSERT_GT(changes, 9U);
+
+    // Moments between the changes of files first, then those between statements.
+    for (std::size_t n = 1; n <= changes + statements; n += n <= changes ? 1 : 5) {
+        const std::string moment = n <= changes ? "before change " + std::to_string(n)
+                                                : "before statement " + std::to_string(n - changes);
+        support::RealLibrary library;
+        Prepare(library);
+        library.CloseDatabase();
+        EXPECT_TRUE(support::IsKilled([&] {
+            library.OpenDatabase();
+            std::size_t count = 0;
+            if (n <= changes) {
+                library.RealFiles().beforeChange = [&] {
+                    if (++count == n) std::raise(SIGKILL);
+                };
+            } else {
+                library.Database().BeforeStatementNumber(
+                    n - changes, [](Connection&) { std::raise(SIGKILL); });
+            }
+            Reconcile(library);
+        })) << moment;
+        library.OpenDatabase();
+        ExpectNoStrangers(library, moment);
+        Reconcile(library);
+        EXPECT_EQ(Songs(library), songs) << moment;
     }
 }
 

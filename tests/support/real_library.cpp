@@ -110,6 +110,21 @@ std::vector<std::string> RealLibrary::State() {
     return state;
 }
 
+void RealLibrary::Files::MoveFile(std::string_view from, std::string_view to) {
+    beforeChange();
+    PortableFiles::MoveFile(from, to);
+}
+
+void RealLibrary::Files::DeleteFile(std::string_view path) {
+    beforeChange();
+    PortableFiles::DeleteFile(path);
+}
+
+std::unique_ptr<TextWriter> RealLibrary::Files::CreateText(std::string_view path) {
+    beforeChange();
+    return PortableFiles::CreateText(path);
+}
+
 std::string RealLibrary::Faults() {
     CloseDatabase();
     return StructuralFaults(DatabaseFile());

@@ -45,6 +45,18 @@ class RealLibrary {
     /// Closes the database and lets the independent structural check look at it.
     std::string Faults();
 
+    /// Real files; something may happen before one of them is renamed, deleted or written.
+    class Files : public PortableFiles {
+      public:
+        using PortableFiles::PortableFiles;
+        void MoveFile(std::string_view from, std::string_view to) override;
+        void DeleteFile(std::string_view path) override;
+        std::unique_ptr<TextWriter> CreateText(std::string_view path) override;
+
+        std::function<void()> beforeChange = [] {};
+    };
+    Files& RealFiles() { return files_; }
+
     fakes::Calls calls;
     fakes::FakeHost host{calls};
     fakes::FakeClock clock;
@@ -53,7 +65,7 @@ class RealLibrary {
   private:
     outside::TemporaryFolder folder_;
     PathResolver resolver_;
-    PortableFiles files_;
+    Files files_;
     FaultyConnection* database_ = nullptr;  ///< owned by the run
 
   public:

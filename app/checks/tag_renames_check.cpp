@@ -1,0 +1,97 @@
+#include "app/checks/tag_renames_check.h"
+
+#include <fmt/format.h>
+#include <string>
+
+#include "app/removed_music.h"
+#include "driver/library_folders.h"
+#include "driver/modes.h"
+#include "id3/tag_changes.h"
+#include "platform/failure.h"
+#include "run/excluded_artists.h"
+#include "run/run.h"
+
+namespace quillon {
+namespace {
+
+/// The host, but for its log: what a check finds out is no business of a run's log.
+class SilentHost : public Host {
+  public:
+    explicit SilentHost(Host& host) : host_(host) {}
+    std::string GetINISetting(std::string_view section, std::string_view key,
+                              std::string_view fallback, std::string_view file) override {
+        return host_.GetINISetting(section, key, fallback, file);
+    }
+    void WriteLog(std::string_view, std::string_view) override {}
+    std::vector<std::string> GetPlugins() override { return host_.GetPlugins(); }
+    std::string GetAppPath() override { return host_.GetAppPath(); }
+
+  private:
+    Host& host_;
+};
+
+class NoWindow : public Window {
+  public:
+    void Show(const FormState&) override {}
+    void ProcessEvents(const FormState&) override {}
+    void LogWritten(LogKind, std::string_view, std::string_view) override {}
+    bool AbortPressed() const override { return false; }
+    void Unload() override {}
+};
+
+bool ComparesTags(const Settings& settings) {
+    const Mode* const mode = SelectMode(settings);
+    return mode != nullptr && mode->setting == &Settings::Reconcile && !settings.PlaylistsOnly &&
+           settings.ID3Reconcile && !settings.LibraryRoot.empty();
+}
+
+std::string Counted(std::size_t count, std::string_view word) {
+    return fmt::format("{} {}{}", count, word, count == 1 ? "" : "s");
+}
+
+/// What would be done, as "rename 12 files after their tags and move 3 duplicates to Removed".
+std::string Deeds(const TagChanges& changes, bool keepsRemoved) {
+    std::string text;
+    if (changes.renames > 0) {
+        text = fmt::format("rename {} after {}", Counted(changes.renames, "file"),
+                           changes.renames == 1 ? "its tag" : "their tags");
+    }
+    if (changes.removals > 0) {
+        const std::string duplicates = Counted(changes.removals, "duplicate");
+        text += text.empty() ? "" : " and ";
+        text += keepsRemoved ? fmt::format("move {} to Removed", duplicates)
+                             : fmt::format("delete {} for good", duplicates);
+    }
+    return text;
+}
+
+std::string BrakeText(const TagChanges& changes, Host& host) {
+    const SafetyLimits limits = ReadSafetyLimits(host);
+    const auto most = static_cast<std::size_t>(limits.MaxRemovedFiles);
+    if (!limits.Brake || changes.removals <= most) return "";
+    return fmt::format(
+        ". More duplicates than MaxRemovedFiles={} go only with --allow-removals; else none does",
+        most);
+}
+
+}  // namespace
+
+void CheckTagRenames(LocalHost& local, const Settings& settings, Findings& findings) try {
+    if (!ComparesTags(settings)) return;
+    SilentHost host(local.host);
+    NoWindow window;
+    Run run(host, local.files, local.clock, window);
+    run.settings = settings;
+    run.LibraryFolders = BuildLibraryFolders(local.files, settings);
+    ReadExcludeList(run);
+    const TagChanges changes = CountTagChanges(run);
+    const std::string deeds = Deeds(changes, ReadRemovedMusicSetting(local.host).keep);
+    if (deeds.empty()) return;
+    findings.Caution(fmt::format("ID3Reconcile is on: the next run would {}{}. If that is not "
+                                 "meant, set ID3Reconcile=0",
+                                 deeds, BrakeText(changes, local.host)));
+} catch (const Failure&) {
+    // Folders that cannot be looked at are told of where folders are checked.
+}
+
+}  // namespace quillon
