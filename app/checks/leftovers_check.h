@@ -6,8 +6,8 @@
 
 namespace quillon {
 
-/// Finds what an interrupted run has left beside the database at this local path, and tells what
-/// the next run does about it.
+/// Finds what an interrupted run has set aside in files beside the database at this local path, and
+/// tells what the next run does about it.
 void CheckLeftovers(const std::filesystem::path& database, Findings& findings);
 
 }  // namespace quillon
