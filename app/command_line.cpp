@@ -83,10 +83,20 @@ constexpr const char* ExecFooter = R"(Example:
 
 constexpr const char* DbCheckFooter =
     R"(Reads the whole file without changing it and compares everything that is stored twice. Exit status
-0 when the file is whole, 1 when it has faults, 2 when it cannot be opened.
+0 when the file is whole, 1 when it has faults, 2 when it cannot be opened. A journal that a program
+has left which was cut off while it wrote is read as a part of the file, and named.
 
 Example:
   quillon db check cdj.mdb)";
+
+constexpr const char* DbRecoverFooter =
+    R"(A program that is cut off while it writes leaves a journal, FILE.journal. Until it is carried out,
+other programs see the file half written. This carries it out and does nothing else; the next run would
+do it, too. Exit status 0 when it is done or there is nothing to do, 2 when the journal is not complete
+or not this database's, or the database is in use.
+
+Example:
+  quillon db recover cdj.mdb)";
 
 /// The grammar and the places its values go to.
 class Grammar {
@@ -206,6 +216,8 @@ class Grammar {
             ->type_name("");
         dbCheck_->footer(DbCheckFooter);
         AddFile(*dbCheck_, dbCheckRequest_.file, "The .mdb file");
+        recover_->footer(DbRecoverFooter);
+        AddFile(*recover_, recoverRequest_.file, "The .mdb file");
     }
 
     static void AddFile(CLI::App& command, std::filesystem::path& file, const char* description) {
@@ -250,6 +262,7 @@ class Grammar {
         if (query_->parsed()) return queryRequest_;
         if (exec_->parsed()) return execRequest_;
         if (dbCheck_->parsed()) return dbCheckRequest_;
+        if (recover_->parsed()) return recoverRequest_;
         return RunRequest{HostFolder(), quiet_ ? ViewKind::Plain : view_, quiet_, allowRemovals_};
     }
 
@@ -264,6 +277,8 @@ class Grammar {
     CLI::App* query_ = db_->add_subcommand("query", "Show the rows of a SELECT");
     CLI::App* exec_ = db_->add_subcommand("exec", "Run a statement that changes rows");
     CLI::App* dbCheck_ = db_->add_subcommand("check", "Check the structure of a file");
+    CLI::App* recover_ =
+        db_->add_subcommand("recover", "Complete a file with the journal that was left for it");
 
     std::filesystem::path host_;
     ViewKind view_ = ViewKind::Auto;
@@ -274,6 +289,7 @@ class Grammar {
     DbQueryRequest queryRequest_;
     DbExecRequest execRequest_;
     DbCheckRequest dbCheckRequest_;
+    DbRecoverRequest recoverRequest_;
 };
 
 }  // namespace

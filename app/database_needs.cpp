@@ -84,6 +84,13 @@ std::vector<TableFit> FitOfTables(std::span<const jet::TableDefinition> tables) 
     return fits;
 }
 
+std::vector<std::string> NeededTableNames() {
+    std::vector<std::string> names;
+    for (const jet::TableDefinition& table : JukeboxTables())
+        names.push_back(table.name);
+    return names;
+}
+
 bool IsNeededTable(std::string_view name) {
     return std::ranges::any_of(JukeboxTables(),
                                [name](const auto& needed) { return SameName(needed.name, name); });

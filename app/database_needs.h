@@ -32,6 +32,9 @@ struct TableFit {
 /// Every table that the tool needs, as it is among these tables.
 std::vector<TableFit> FitOfTables(std::span<const jet::TableDefinition> tables);
 
+/// The names of all tables that the tool needs.
+std::vector<std::string> NeededTableNames();
+
 /// Whether a table of this name is one that the tool needs.
 bool IsNeededTable(std::string_view name);
 

@@ -5,9 +5,9 @@
 #include <string>
 #include <string_view>
 #include <system_error>
-#include <utility>
 
 #include "app/console.h"
+#include "app/database_needs.h"
 #include "platform/basic_text.h"
 
 namespace quillon {
@@ -43,10 +43,10 @@ std::filesystem::path CheckedFolder(const std::filesystem::path& folder) {
 
 }  // namespace
 
-LocalHost::LocalHost(const std::filesystem::path& folder, NoteSink note)
+LocalHost::LocalHost(const std::filesystem::path& folder, const NoteSink& note)
     : host(CheckedFolder(folder), clock),
       resolver(host.Drives()),
-      files(resolver, std::move(note)),
-      databases(resolver) {}
+      files(resolver, note),
+      databases(resolver, {.tables = NeededTableNames(), .note = note}) {}
 
 }  // namespace quillon

@@ -13,9 +13,10 @@ namespace quillon {
 /// A host folder on this system with everything that works through it.
 class LocalHost {
   public:
-    /// `note` gets a line for each entry of a folder that cannot be shown. CommandError for a
-    /// folder that is no host folder, Failure for a host folder that cannot be used.
-    LocalHost(const std::filesystem::path& folder, NoteSink note);
+    /// `note` gets a line for each entry of a folder that cannot be shown and each table that is
+    /// damaged and not needed. CommandError for a folder that is no host folder, Failure for a host
+    /// folder that cannot be used.
+    LocalHost(const std::filesystem::path& folder, const NoteSink& note);
 
     SystemClock clock;
     HostFolder host;

@@ -33,6 +33,7 @@ struct Dispatcher {
     int operator()(const DbQueryRequest& request) const { return DbQuery(request, console); }
     int operator()(const DbExecRequest& request) const { return DbExec(request, console); }
     int operator()(const DbCheckRequest& request) const { return DbCheck(request, console); }
+    int operator()(const DbRecoverRequest& request) const { return DbRecover(request, console); }
 };
 
 }  // namespace

@@ -63,6 +63,11 @@ struct DbCheckRequest {
     std::filesystem::path file;
 };
 
+/// `quillon db recover`
+struct DbRecoverRequest {
+    std::filesystem::path file;
+};
+
 /// A command line that is answered by text alone: help, version or a usage error.
 struct TextAnswer {
     std::string text;
@@ -70,7 +75,8 @@ struct TextAnswer {
 };
 
 /// Everything that a command line can ask for.
-using Request = std::variant<TextAnswer, RunRequest, InitRequest, CheckRequest, ServeRequest,
-                             DbCreateRequest, DbQueryRequest, DbExecRequest, DbCheckRequest>;
+using Request =
+    std::variant<TextAnswer, RunRequest, InitRequest, CheckRequest, ServeRequest, DbCreateRequest,
+                 DbQueryRequest, DbExecRequest, DbCheckRequest, DbRecoverRequest>;
 
 }  // namespace quillon

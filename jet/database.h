@@ -4,9 +4,11 @@
 #include <filesystem>
 #include <memory>
 #include <span>
+#include <string>
 #include <string_view>
 #include <vector>
 
+#include "jet/check.h"
 #include "jet/error.h"
 #include "jet/record_set.h"
 #include "jet/schema.h"
@@ -19,15 +21,26 @@ enum class OpenMode {
     ReadWrite,  ///< takes the database for this process alone
 };
 
+/// A table that is not in good order.
+struct DamagedTable {
+    std::string name;
+    std::string reason;
+};
+
 /// A Jet 4 `.mdb` database with its SQL: the public face of this library.
 ///
 /// Every row is held in memory while the database is open; each change is written through to the
 /// file's pages, which reach the disk in groups (at the latest every second, on Flush() and on
 /// closing) so that a crash leaves a whole file.
+///
+/// Opening for writing looks the whole file over, as CheckFile does, before anything is written: a
+/// file that contradicts itself is refused as it is, since changes would make it worse.
 class Database {
   public:
-    /// Errors name the file and what is wrong with it.
-    static Database Open(const std::filesystem::path& path, OpenMode mode);
+    /// Errors name the file and what is wrong with it. A table that is not needed and not in good
+    /// order is refused when it is asked for.
+    static Database Open(const std::filesystem::path& path, OpenMode mode,
+                         const NeededTables& needed = {});
 
     /// Makes a new database file with these tables; the path must not exist.
     static void Create(const std::filesystem::path& path, std::span<const TableDefinition> tables);
@@ -52,6 +65,9 @@ class Database {
 
     /// Definitions of all user tables, by name.
     std::vector<TableDefinition> Tables() const;
+
+    /// Tables that are not in good order, as far as opening has looked at them.
+    const std::vector<DamagedTable>& Damaged() const;
 
     /// Makes all changes so far durable.
     void Flush();

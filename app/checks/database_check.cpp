@@ -6,9 +6,11 @@
 #include <string>
 #include <string_view>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include "app/checks/identifiers_check.h"
+#include "app/checks/journal_remark.h"
 #include "app/checks/leftovers_check.h"
 #include "app/checks/music_check.h"
 #include "app/checks/writable.h"
@@ -17,6 +19,7 @@
 #include "app/table_printer.h"
 #include "database/schema.h"
 #include "driver/modes.h"
+#include "jet/check.h"
 #include "jet/database.h"
 #include "jet/lock.h"
 #include "platform/failure.h"
@@ -107,7 +110,7 @@ void CheckLock(const fs::path& path, Findings& findings) {
         findings.Caution(
             "A run was cut off while it had the database open. The next one takes "
             "over the lock file it has left, " +
-            fs::path(path).replace_extension(".ldb").string());
+            lock.file.string());
     }
 }
 
@@ -141,10 +144,40 @@ std::string_view Advice(jet::ErrorKind kind) {
     }
 }
 
+/// What a run would look at before it writes anything.
+void CheckWhole(const fs::path& path, Findings& findings) {
+    const jet::CheckReport report = jet::CheckFile(path);
+    if (std::string remark = JournalRemark(path, report.journal); !remark.empty())
+        findings.Caution(std::move(remark));
+    const jet::NeededTables needed{NeededTableNames()};
+    std::vector<std::string> serious, others;
+    for (const jet::CheckFault& fault : report.faults)
+        (needed.AreConcernedBy(fault) ? serious : others).push_back(fault.text);
+    const auto told = [](const std::vector<std::string>& faults) {
+        return faults.size() == 1
+                   ? faults.front()
+                   : fmt::format("{}, and {} more", faults.front(), faults.size() - 1);
+    };
+    if (!serious.empty()) {
+        findings.Problem(
+            fmt::format("The database is damaged, and a run refuses it as it is: {}. Put a backup "
+                        "in its place; 'quillon db check {}' tells all",
+                        told(serious), path.string()));
+    }
+    if (!others.empty()) {
+        findings.Caution(
+            fmt::format("A table that no run needs is damaged. It is left as it is: {}. 'quillon "
+                        "db check {}' tells all",
+                        told(others), path.string()));
+    }
+}
+
 void LookInto(LocalHost& local, const fs::path& path, const Settings& settings, std::ostream& out,
               Findings& findings) try {
     CheckLock(path, findings);
-    jet::Database database = jet::Database::Open(path, jet::OpenMode::ReadOnly);
+    jet::Database database =
+        jet::Database::Open(path, jet::OpenMode::ReadOnly, jet::NeededTables{NeededTableNames()});
+    CheckWhole(path, findings);
     const auto tables = database.Tables();
     TellTables(database, tables, out);
     FindMissing(tables, findings);

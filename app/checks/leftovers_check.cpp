@@ -11,11 +11,9 @@ namespace {
 struct Leftover {
     std::string_view ending;
     std::string_view effect;
-    bool isOwn = true;  ///< of a run; else the database's
 };
 
 constexpr std::array Leftovers{
-    Leftover{".journal", "the next run completes the database with it", false},
     Leftover{".marks", "the next run gives back the track numbers that were set aside"},
     Leftover{".playlists", "the next reconciliation takes from it which songs the playlists named"},
 };
@@ -29,7 +27,7 @@ void CheckLeftovers(const std::filesystem::path& database, bool reconciles, Find
         std::error_code ignored;
         const std::filesystem::file_status status = std::filesystem::symlink_status(path, ignored);
         if (!std::filesystem::exists(status)) continue;
-        if (leftover.isOwn && !std::filesystem::is_regular_file(status)) {
+        if (!std::filesystem::is_regular_file(status)) {
             findings.Add(
                 reconciles,
                 fmt::format("{} is no file, and a run keeps one of its own there, through no "

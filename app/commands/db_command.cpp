@@ -5,12 +5,14 @@
 #include <string>
 #include <vector>
 
+#include "app/checks/journal_remark.h"
 #include "app/display_text.h"
 #include "app/jukebox_database.h"
 #include "app/table_printer.h"
 #include "app/value_text.h"
 #include "jet/check.h"
 #include "jet/database.h"
+#include "jet/journal.h"
 
 namespace quillon {
 namespace {
@@ -71,7 +73,8 @@ int DbCreate(const DbCreateRequest& request, Console console) {
 }
 
 int DbQuery(const DbQueryRequest& request, Console console) {
-    jet::Database database = jet::Database::Open(request.file, jet::OpenMode::ReadOnly);
+    jet::Database database =
+        jet::Database::Open(request.file, jet::OpenMode::ReadOnly, jet::NeededTables::None());
     const auto rows = database.Query(request.sql);
     if (request.json) {
         PrintJson(*rows, console.out);
@@ -82,7 +85,8 @@ int DbQuery(const DbQueryRequest& request, Console console) {
 }
 
 int DbExec(const DbExecRequest& request, Console console) {
-    jet::Database database = jet::Database::Open(request.file, jet::OpenMode::ReadWrite);
+    jet::Database database =
+        jet::Database::Open(request.file, jet::OpenMode::ReadWrite, jet::NeededTables::None());
     const std::int64_t rows = database.Execute(request.sql);
     database.Flush();
     console.out << fmt::format("{} row{}\n", rows, rows == 1 ? "" : "s");
@@ -91,8 +95,10 @@ int DbExec(const DbExecRequest& request, Console console) {
 
 int DbCheck(const DbCheckRequest& request, Console console) {
     const jet::CheckReport report = jet::CheckFile(request.file);
-    for (const std::string& fault : report.faults)
-        console.out << OneLine(fault) << '\n';
+    for (const jet::CheckFault& fault : report.faults)
+        console.out << OneLine(fault.text) << '\n';
+    if (const std::string remark = JournalRemark(request.file, report.journal); !remark.empty())
+        console.out << OneLine(remark) << ".\n";
     console.out << fmt::format(
         "{}: {}; {} tables, {} rows, {} indexes, {} entries, {} pages\n", request.file.string(),
         report.faults.empty()
@@ -100,6 +106,19 @@ int DbCheck(const DbCheckRequest& request, Console console) {
             : fmt::format("{} fault{}", report.faults.size(), report.faults.size() == 1 ? "" : "s"),
         report.tables, report.rows, report.indexes, report.entries, report.pages);
     return report.faults.empty() ? DoneStatus : FaultsFoundStatus;
+}
+
+int DbRecover(const DbRecoverRequest& request, Console console) {
+    const jet::JournalState journal = jet::RecoverDatabase(request.file);
+    const std::string file = OneLine(request.file.string());
+    if (journal.kind == jet::JournalState::Kind::None) {
+        console.out << fmt::format("{}: there is no journal, nothing to do\n", file);
+    } else {
+        console.out << fmt::format("{}: completed; {} page{} written from {}, which is removed\n",
+                                   file, journal.pages, journal.pages == 1 ? "" : "s",
+                                   OneLine(journal.file.string()));
+    }
+    return DoneStatus;
 }
 
 }  // namespace quillon

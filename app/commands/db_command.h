@@ -11,5 +11,6 @@ int DbCreate(const DbCreateRequest& request, Console console);
 int DbQuery(const DbQueryRequest& request, Console console);
 int DbExec(const DbExecRequest& request, Console console);
 int DbCheck(const DbCheckRequest& request, Console console);
+int DbRecover(const DbRecoverRequest& request, Console console);
 
 }  // namespace quillon

@@ -10,8 +10,8 @@ namespace jet {
 /// Record sets hold the session too: they can be read, and let go, after the file is closed.
 class Database::Implementation {
   public:
-    Implementation(const std::filesystem::path& path, OpenMode mode)
-        : session(std::make_shared<engine::Session>(path, mode)) {}
+    Implementation(const std::filesystem::path& path, OpenMode mode, const NeededTables& needed)
+        : session(std::make_shared<engine::Session>(path, mode, needed)) {}
     Implementation(const Implementation&) = delete;
     Implementation& operator=(const Implementation&) = delete;
     ~Implementation() { session->Close(); }
@@ -25,8 +25,9 @@ Database::Database(Database&&) noexcept = default;
 Database& Database::operator=(Database&&) noexcept = default;
 Database::~Database() = default;
 
-Database Database::Open(const std::filesystem::path& path, OpenMode mode) {
-    return Database(std::make_unique<Implementation>(path, mode));
+Database Database::Open(const std::filesystem::path& path, OpenMode mode,
+                        const NeededTables& needed) {
+    return Database(std::make_unique<Implementation>(path, mode, needed));
 }
 
 void Database::Create(const std::filesystem::path& path, std::span<const TableDefinition> tables) {
@@ -56,6 +57,10 @@ std::vector<TableDefinition> Database::Tables() const {
     for (const auto& table : implementation_->session->Tables())
         definitions.push_back(table->Definition());
     return definitions;
+}
+
+const std::vector<DamagedTable>& Database::Damaged() const {
+    return implementation_->session->Damaged();
 }
 
 void Database::Flush() {

@@ -1,9 +1,12 @@
 #include "jet/engine/session.h"
 
+#include <algorithm>
+
 #include "jet/dialect/names.h"
 #include "jet/engine/functions.h"
 #include "jet/engine/text_order.h"
 #include "jet/engine/transfer.h"
+#include "jet/verify/check_pages.h"
 
 namespace jet::engine {
 
@@ -39,23 +42,69 @@ void BindParameter(Statement& statement, int number, const dialect::Parameter& p
 
 }  // namespace
 
-Session::Session(const std::filesystem::path& path, OpenMode mode)
+Session::Session(const std::filesystem::path& path, OpenMode mode, const NeededTables& needed)
     : mode_(mode),
-      file_(storage::DatabaseFile::Open(path, StorageMode(mode))),
+      file_(storage::DatabaseFile::Open(
+          path, StorageMode(mode),
+          {.needs = [&](std::string_view table) { return needed.Include(table); },
+           .inspect =
+               [&](storage::PageStore& pages) {
+                   if (mode == OpenMode::ReadWrite) Inspect(pages, path.string(), needed);
+               }})),
       statements_(sqlite_),
       advisor_(sqlite_, statements_) {
     RegisterFunctions(sqlite_);
+    for (const storage::UnreadableTable& table : file_->Unreadable())
+        LeaveOut(table.name, table.reason);
     for (const std::string& name : file_->TableNames())
         tables_.push_back(
             std::make_unique<MirrorTable>(sqlite_, statements_, file_->OpenTable(name)));
     catalog_ = [this](std::string_view name) -> const TableDefinition* {
+        RequireSound(name);
         for (const auto& table : tables_)
             if (dialect::SameName(table->Definition().name, name)) return &table->Definition();
         return nullptr;
     };
 }
 
+void Session::Inspect(storage::PageStore& pages, const std::string& file,
+                      const NeededTables& needed) {
+    const CheckReport report = verify::CheckPages(pages);
+    std::size_t serious = 0;
+    const std::string* first = nullptr;
+    for (const CheckFault& fault : report.faults) {
+        if (needed.AreConcernedBy(fault)) {
+            if (++serious == 1) first = &fault.text;
+        } else {
+            LeaveOut(fault.table, fault.text);
+        }
+    }
+    if (serious == 0) return;
+    const std::string others = serious == 1 ? ""
+                               : serious == 2
+                                   ? ", and another fault"
+                                   : ", and " + std::to_string(serious - 1) + " other faults";
+    throw Error(ErrorKind::Damaged,
+                file + " is damaged: " + *first + others + ". Nothing was changed.");
+}
+
+/// One reason is enough.
+void Session::LeaveOut(const std::string& table, const std::string& reason) {
+    const bool known = std::ranges::any_of(
+        damaged_, [&](const DamagedTable& damaged) { return damaged.name == table; });
+    if (!known) damaged_.push_back({table, reason});
+}
+
+void Session::RequireSound(std::string_view table) const {
+    for (const DamagedTable& damaged : damaged_) {
+        if (!dialect::SameName(damaged.name, table)) continue;
+        throw Error(ErrorKind::Damaged,
+                    "The table '" + damaged.name + "' is damaged: " + damaged.reason + ".");
+    }
+}
+
 MirrorTable& Session::Table(std::string_view name) {
+    RequireSound(name);
     for (const auto& table : tables_) {
         if (!dialect::SameName(table->Definition().name, name)) continue;
         table->Load();

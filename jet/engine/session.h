@@ -39,10 +39,12 @@ class RowStream {
 /// An open database: the file, its copy in memory, and everything prepared so far.
 class Session {
   public:
-    Session(const std::filesystem::path& path, OpenMode mode);
+    Session(const std::filesystem::path& path, OpenMode mode, const NeededTables& needed);
 
     const std::vector<std::unique_ptr<MirrorTable>>& Tables() const { return tables_; }
-    /// Error(NotFound) if there is no such table; its rows are loaded.
+    /// Tables that are not in good order.
+    const std::vector<DamagedTable>& Damaged() const { return damaged_; }
+    /// Error(NotFound) if there is no such table, Error(Damaged); its rows are loaded.
     MirrorTable& Table(std::string_view name);
     const dialect::Catalog& Catalog() const { return catalog_; }
 
@@ -69,8 +71,12 @@ class Session {
 
   private:
     void LookAfterIndexes(Plan& plan);
+    void Inspect(storage::PageStore& pages, const std::string& file, const NeededTables& needed);
+    void LeaveOut(const std::string& table, const std::string& reason);
+    void RequireSound(std::string_view table) const;
 
     OpenMode mode_;
+    std::vector<DamagedTable> damaged_;
     std::optional<storage::DatabaseFile> file_;  ///< empty once closed
     Sqlite sqlite_;
     StatementCache statements_;

@@ -1,9 +1,11 @@
 #include "jet/verify/check_pages.h"
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
 #include "jet/error.h"
+#include "jet/storage/index/index_key.h"
 #include "jet/verify/findings.h"
 #include "jet/verify/index_check.h"
 #include "jet/verify/pages.h"
@@ -18,6 +20,7 @@ using storage::PageNumber;
 namespace {
 
 constexpr PageNumber CatalogPage = 2;
+constexpr const char* CatalogName = "MSysObjects";
 
 /// A table as the catalog names it.
 struct CatalogEntry {
@@ -37,6 +40,8 @@ class DatabaseCheck {
         const std::vector<PageNumber> free = ReadGlobalMap();
         for (const CatalogEntry& table : CheckCatalog())
             CheckTable(table);
+        // Whatever is written next may take such a page.
+        findings_.Concern("");
         for (const PageNumber page : free)
             if (pages_.UseOf(page) != PageUse::None)
                 findings_.Fault("global map",
@@ -52,7 +57,8 @@ class DatabaseCheck {
     /// Checks the catalog, which is a table itself; returns all others.
     std::vector<CatalogEntry> CheckCatalog() {
         std::vector<CatalogEntry> tables;
-        const auto shape = ReadShape(pages_, findings_, CatalogPage, "MSysObjects");
+        findings_.Concern(CatalogName);
+        const auto shape = ReadShape(pages_, findings_, CatalogPage, CatalogName);
         if (!shape) return tables;
         TableData data(*shape, pages_, maps_, findings_);
         CheckContent(*shape, data, false);
@@ -87,6 +93,7 @@ class DatabaseCheck {
     }
 
     void CheckTable(const CatalogEntry& table) {
+        findings_.Concern(table.name);
         const auto shape = ReadShape(pages_, findings_, table.definition, table.name);
         if (!shape) return;
         TableData data(*shape, pages_, maps_, findings_);
@@ -96,8 +103,8 @@ class DatabaseCheck {
     void CheckContent(const Shape& shape, TableData& data, bool countIsExact) {
         ++findings_.Counts().tables;
         data.Check(countIsExact);
-        for (const Index& index : shape.indexes)
-            IndexCheck(shape, index, data, pages_, maps_, findings_).Run();
+        for (std::size_t i = 0; i < shape.indexes.size(); ++i)
+            IndexCheck(shape, i, data, pages_, maps_, findings_).Run();
     }
 
     Findings findings_;
@@ -114,3 +121,18 @@ CheckReport CheckPages(storage::PageStore& store) {
 }
 
 }  // namespace jet::verify
+
+namespace jet {
+
+bool NeededTables::Include(std::string_view table) const {
+    if (!names) return true;
+    return std::ranges::any_of(*names, [table](const std::string& name) {
+        return storage::CompareTexts(name, table) == 0;
+    });
+}
+
+bool NeededTables::AreConcernedBy(const CheckFault& fault) const {
+    return fault.table.empty() || fault.table == verify::CatalogName || Include(fault.table);
+}
+
+}  // namespace jet

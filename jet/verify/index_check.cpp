@@ -1,6 +1,7 @@
 #include "jet/verify/index_check.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "jet/error.h"
 #include "jet/storage/format/values.h"
@@ -18,17 +19,19 @@ constexpr std::size_t DeepestTree = 32, RowSize = 4;
 
 }  // namespace
 
-IndexCheck::IndexCheck(const Shape& shape, const Index& index, TableData& data, Pages& pages,
+IndexCheck::IndexCheck(const Shape& shape, std::size_t index, TableData& data, Pages& pages,
                        UsageMaps& maps, Findings& findings)
     : shape_(shape),
-      index_(index),
+      index_(shape.indexes[index]),
+      wanted_(data.Wanted(index)),
       data_(data),
       pages_(pages),
       maps_(maps),
       findings_(findings),
-      where_("table " + shape.name + " index " + index.name),
-      seen_(data.Rows().size()),
-      keysAreKnown_(KeysAreKnown()) {}
+      where_("table " + shape.name + " index " + index_.name) {
+    for (const IndexPart& part : index_.parts)
+        allNullKey_.push_back(storage::NullKey(part.ascending));
+}
 
 void IndexCheck::Run() {
     ++findings_.Counts().indexes;
@@ -42,7 +45,9 @@ void IndexCheck::Run() {
     }
     CheckLinks(leaves_);
     if (!last_.leaf) CheckLinks({last_});  // the root, which came last
-    CheckMissing();
+    findings_.Counts().entries += met_.Count();
+    if (mustBeExplained_ || met_ != wanted_.entries || (index_.required && wanted_.hasNull))
+        Explain();
     std::ranges::sort(reached_);
     if (reached_ != owned)
         findings_.Fault(where_, "the map of its pages lists " + std::to_string(owned.size()) +
@@ -72,9 +77,10 @@ Bytes IndexCheck::Walk(PageNumber page, std::size_t depth) {
         if (view.Count() == 0 && depth != 0)
             findings_.Fault(where_, "page " + std::to_string(page) + " is empty");
         for (std::size_t i = 0; i < view.Count(); ++i) {
-            greatest = view.KeyAndRow(i);
-            CheckEntry(greatest);
+            view.CopyEntry(i, entry_);
+            MeetEntry();
         }
+        if (view.Count() != 0) greatest = lastEntry_;
     } else {
         if (view.ChildCount() == 0)
             throw Error(ErrorKind::Damaged, "a page of the tree has no children");
@@ -104,10 +110,41 @@ void IndexCheck::CheckLinks(const std::vector<Neighbours>& level) {
     }
 }
 
-void IndexCheck::CheckEntry(std::span<const std::uint8_t> keyAndRow) {
-    ++findings_.Counts().entries;
-    if (!lastEntry_.empty() && !std::ranges::lexicographical_compare(lastEntry_, keyAndRow))
+/// The last entry and this one change places: no memory is asked for.
+void IndexCheck::MeetEntry() {
+    if (!lastEntry_.empty() && !std::ranges::lexicographical_compare(lastEntry_, entry_))
         findings_.Fault(where_, "entries are out of order");
+    met_.Add(index_.keysAreKnown ? std::span<const std::uint8_t>(entry_)
+                                 : std::span<const std::uint8_t>(entry_).last(RowSize));
+    if (index_.unique && HasUniqueKeyAgain()) mustBeExplained_ = true;
+    std::swap(entry_, lastEntry_);
+}
+
+/// Any number of rows may have nothing but Null.
+bool IndexCheck::HasUniqueKeyAgain() const {
+    if (lastEntry_.size() != entry_.size()) return false;
+    const auto key = std::span(entry_).first(entry_.size() - RowSize);
+    return std::equal(key.begin(), key.end(), lastEntry_.begin()) &&
+           !std::ranges::equal(key, allNullKey_);
+}
+
+/// Goes through the leaves once more, entry by entry.
+void IndexCheck::Explain() {
+    seen_.assign(data_.Rows().size(), false);
+    lastEntry_.clear();
+    for (const Neighbours& leaf : leaves_) {
+        const auto content = pages_.Read(leaf.page);
+        const storage::IndexPageView view(*content, leaf.page, shape_.page);
+        for (std::size_t i = 0; i < view.Count(); ++i) {
+            view.CopyEntry(i, entry_);
+            CheckEntry(entry_);
+            std::swap(entry_, lastEntry_);
+        }
+    }
+    CheckMissing();
+}
+
+void IndexCheck::CheckEntry(std::span<const std::uint8_t> keyAndRow) {
     const auto key = keyAndRow.first(keyAndRow.size() - RowSize);
     const auto pointer = keyAndRow.last(RowSize);
     const RowId id{static_cast<PageNumber>(pointer[0] << 16 | pointer[1] << 8 | pointer[2]),
@@ -122,7 +159,6 @@ void IndexCheck::CheckEntry(std::span<const std::uint8_t> keyAndRow) {
         seen_[static_cast<std::size_t>(row - rows.begin())] = true;
         CheckKey(id, key);
     }
-    lastEntry_.assign(keyAndRow.begin(), keyAndRow.end());
 }
 
 void IndexCheck::CheckKey(RowId id, std::span<const std::uint8_t> key) {
@@ -130,22 +166,19 @@ void IndexCheck::CheckKey(RowId id, std::span<const std::uint8_t> key) {
     const RowView row(found.bytes, shape_);
     if (!row.Fault().empty()) return;  // told already
     const std::string where = where_ + " row " + Place(id);
+    const bool allNull = AllNull(shape_, index_, row);
     const bool sameAsLast = lastEntry_.size() == key.size() + RowSize &&
                             std::equal(key.begin(), key.end(), lastEntry_.begin());
-    if (index_.unique && sameAsLast && !AllNull(row))
+    if (index_.unique && sameAsLast && !allNull)
         findings_.Fault(where, "another row has the same values in this unique index");
-    if (index_.required && AnyNull(row))
+    if (index_.required && AnyNull(shape_, index_, row))
         findings_.Fault(where, "a column of this index is Null and must not be");
-    if (index_.ignoresNulls && AllNull(row))
+    if (index_.ignoresNulls && allNull)
         findings_.Fault(where, "the row has an entry although all its columns are Null");
-    if (!keysAreKnown_) return;
+    if (!index_.keysAreKnown) return;
     Bytes expected;
-    for (const IndexPart& part : index_.parts) {
-        const Column& column = shape_.columns[part.column];
-        const auto value = data_.ReadValue(row, column);
-        if (!value) return;  // told already
-        storage::AppendKey(expected, *value, column.type, column.scale, part.ascending);
-    }
+    for (const IndexPart& part : index_.parts)
+        if (!data_.AppendKey(expected, row, part)) return;  // told already
     if (!std::ranges::equal(expected, key))
         findings_.Fault(where, "the entry is not the one that the row's values make");
 }
@@ -157,34 +190,9 @@ void IndexCheck::CheckMissing() {
         const RowBytes found = data_.Find(rows[i]);
         const RowView row(found.bytes, shape_);
         if (!row.Fault().empty()) continue;
-        if (!index_.ignoresNulls || !AllNull(row))
+        if (!index_.ignoresNulls || !AllNull(shape_, index_, row))
             findings_.Fault(where_, "row " + Place(rows[i]) + " has no entry");
     }
-}
-
-bool IndexCheck::AllNull(const RowView& row) const {
-    return std::ranges::all_of(index_.parts, [&](const IndexPart& part) {
-        const Column& column = shape_.columns[part.column];
-        return column.type != ColumnType::Boolean && !row.IsSet(column);
-    });
-}
-
-bool IndexCheck::AnyNull(const RowView& row) const {
-    return std::ranges::any_of(index_.parts, [&](const IndexPart& part) {
-        const Column& column = shape_.columns[part.column];
-        return column.type != ColumnType::Boolean && !row.IsSet(column);
-    });
-}
-
-bool IndexCheck::KeysAreKnown() const {
-    return std::ranges::all_of(index_.parts, [&](const IndexPart& part) {
-        const Column& column = shape_.columns[part.column];
-        const bool fixedSize = storage::FixedSize(column.type) != 0 ||
-                               column.type == ColumnType::Boolean ||
-                               column.type == ColumnType::Binary;
-        const bool text = column.type == ColumnType::Text || column.type == ColumnType::Memo;
-        return fixedSize || (text && column.knownOrder);
-    });
 }
 
 }  // namespace jet::verify

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -37,12 +38,22 @@ class Pages {
     /// (but pages with map rows serve several tables).
     bool Claim(storage::PageNumber page, PageUse use, const std::string& where);
 
-    PageUse UseOf(storage::PageNumber page) const { return uses_[page]; }
+    PageUse UseOf(storage::PageNumber page) const { return uses_[page].kind; }
+    /// The table that uses a page; "" for none.
+    const std::string& TableOf(storage::PageNumber page) const {
+        return tables_[uses_[page].table];
+    }
 
   private:
+    struct Use {
+        PageUse kind = PageUse::None;
+        std::uint32_t table = 0;  ///< position in tables_
+    };
+
     storage::PageStore& store_;
     Findings& findings_;
-    std::vector<PageUse> uses_;
+    std::vector<Use> uses_;
+    std::vector<std::string> tables_{""};  ///< the last one is the one that was claimed for last
 };
 
 }  // namespace jet::verify

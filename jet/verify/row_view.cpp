@@ -4,12 +4,6 @@ namespace jet::verify {
 
 using storage::Load;
 
-namespace {
-
-constexpr std::size_t CountSize = 2, WordSize = 2;
-
-}  // namespace
-
 /// The variable values' table, from the mask backwards: how many there are, where each starts (the
 /// first one last), where the last one ends.
 void RowView::Measure() {
@@ -48,27 +42,6 @@ void RowView::Measure() {
         return;
     }
     fixedEnd_ = VariableStart(0);
-}
-
-std::size_t RowView::VariableStart(std::size_t slot) const {
-    return Load<std::uint16_t>(bytes_, maskStart_ - (slot + 2) * WordSize);
-}
-
-bool RowView::IsSet(const Column& column) const {
-    if (column.number >= columns_) return false;
-    return (bytes_[maskStart_ + column.number / 8U] >> (column.number % 8U) & 1) != 0;
-}
-
-std::optional<std::span<const std::uint8_t>> RowView::Field(const Column& column) const {
-    if (!IsSet(column)) return std::nullopt;
-    if (column.fixed) {
-        const std::size_t start = CountSize + column.offset;
-        if (start + column.length > fixedEnd_) return std::nullopt;
-        return bytes_.subspan(start, column.length);
-    }
-    if (column.slot >= variables_) return std::nullopt;
-    const std::size_t start = VariableStart(column.slot);
-    return bytes_.subspan(start, VariableStart(column.slot + 1U) - start);
 }
 
 }  // namespace jet::verify

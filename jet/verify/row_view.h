@@ -5,6 +5,7 @@
 #include <span>
 #include <string>
 
+#include "jet/storage/format/page.h"
 #include "jet/verify/shape.h"
 
 namespace jet::verify {
@@ -21,14 +22,31 @@ class RowView {
     const std::string& Fault() const { return fault_; }
 
     /// A Boolean column's content, or whether another column is not Null.
-    bool IsSet(const Column& column) const;
+    bool IsSet(const Column& column) const {
+        if (column.number >= columns_) return false;
+        return (bytes_[maskStart_ + column.number / 8U] >> (column.number % 8U) & 1) != 0;
+    }
 
     /// The stored bytes of a column that is no Boolean; none for Null.
-    std::optional<std::span<const std::uint8_t>> Field(const Column& column) const;
+    std::optional<std::span<const std::uint8_t>> Field(const Column& column) const {
+        if (!IsSet(column)) return std::nullopt;
+        if (column.fixed) {
+            const std::size_t start = CountSize + column.offset;
+            if (start + column.length > fixedEnd_) return std::nullopt;
+            return bytes_.subspan(start, column.length);
+        }
+        if (column.slot >= variables_) return std::nullopt;
+        const std::size_t start = VariableStart(column.slot);
+        return bytes_.subspan(start, VariableStart(column.slot + 1U) - start);
+    }
 
   private:
+    static constexpr std::size_t CountSize = 2, WordSize = 2;
+
     void Measure();
-    std::size_t VariableStart(std::size_t slot) const;
+    std::size_t VariableStart(std::size_t slot) const {
+        return storage::Load<std::uint16_t>(bytes_, maskStart_ - (slot + 2) * WordSize);
+    }
 
     std::span<const std::uint8_t> bytes_;
     const Shape& shape_;

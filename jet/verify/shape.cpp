@@ -90,6 +90,7 @@ Column ReadColumn(DefinitionReader& reader) {
     column.fixed = (bytes[15] & Fixed) != 0;
     column.offset = Load<std::uint16_t>(bytes, 21);
     column.length = Load<std::uint16_t>(bytes, 23);
+    column.size = static_cast<std::uint8_t>(storage::FixedSize(column.type));
     if (column.type == ColumnType::Decimal) column.scale = bytes[12];
     column.autoNumber = column.type == ColumnType::Long && (bytes[15] & AutoNumber) != 0;
     if (column.type == ColumnType::Text || column.type == ColumnType::Memo) {
@@ -111,11 +112,21 @@ bool HasPossibleLength(const Column& column) {
             return column.length == 1;
         case ColumnType::Decimal:  // Access itself has written 10 there
             return true;
-        default: {
-            const std::size_t size = storage::FixedSize(column.type);
-            return size == 0 || size == column.length;
-        }
+        default:
+            return column.size == 0 || column.size == column.length;
     }
+}
+
+/// What is written into one of two columns that share bytes changes the other.
+void CheckOverlap(const Shape& shape, Findings& findings) {
+    std::vector<const Column*> fixed;
+    for (const Column& column : shape.columns)
+        if (column.fixed && column.type != ColumnType::Boolean) fixed.push_back(&column);
+    std::ranges::sort(fixed, {}, &Column::offset);
+    for (std::size_t i = 1; i < fixed.size(); ++i)
+        if (fixed[i - 1]->offset + fixed[i - 1]->length > fixed[i]->offset)
+            findings.Fault("table " + shape.name, "columns " + fixed[i - 1]->name + " and " +
+                                                      fixed[i]->name + " lie in the same place");
 }
 
 void CheckColumns(const Shape& shape, Findings& findings) {
@@ -133,6 +144,15 @@ void CheckColumns(const Shape& shape, Findings& findings) {
             (column.slot >= shape.variableEver || !slots.insert(column.slot).second))
             storage::ThrowDamaged("column " + column.name + " has an impossible place");
     }
+    CheckOverlap(shape, findings);
+}
+
+/// Whether an index on the column can be built here.
+bool HasKnownKeys(const Column& column) {
+    if (column.type == ColumnType::Text || column.type == ColumnType::Memo)
+        return column.knownOrder;
+    return column.size != 0 || column.type == ColumnType::Boolean ||
+           column.type == ColumnType::Binary;
 }
 
 /// Real indexes hold the entries; names come with the logical ones.
@@ -149,6 +169,7 @@ void ReadRealIndex(DefinitionReader& reader, Shape& shape) {
         if (column == nullptr) storage::ThrowDamaged("an index is on a column that does not exist");
         index.parts.push_back({static_cast<std::size_t>(column - shape.columns.data()),
                                (bytes[4 + 3 * part + 2] & 1) != 0});
+        index.keysAreKnown = index.keysAreKnown && HasKnownKeys(*column);
     }
     if (index.parts.empty()) storage::ThrowDamaged("an index has no columns");
     index.map = RowPointer(bytes, 34);

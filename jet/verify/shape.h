@@ -18,6 +18,7 @@ struct Column {
     std::uint16_t slot = 0;    ///< place among the variable values
     std::uint16_t offset = 0;  ///< place among the fixed values
     std::uint16_t length = 0;  ///< most bytes
+    std::uint8_t size = 0;     ///< bytes of each value; 0 where they differ
     std::uint8_t scale = 0;    ///< Decimal
     bool fixed = false;
     bool autoNumber = false;
@@ -37,6 +38,7 @@ struct Index {
     storage::RowId map;
     storage::PageNumber root = 0;
     bool unique = false, ignoresNulls = false, required = false;
+    bool keysAreKnown = true;  ///< its columns sort in an order that this library knows
 };
 
 /// Where a long column's pages are listed; none where the column has no such map.

@@ -2,13 +2,36 @@
 
 #include <algorithm>
 
+#include "jet/storage/format/values.h"
+#include "jet/storage/index/index_key.h"
+#include "jet/storage/index/index_page.h"
+
 namespace jet::verify {
 
 using storage::PageNumber;
 using storage::RowId;
 
+bool AllNull(const Shape& shape, const Index& index, const RowView& row) {
+    return std::ranges::all_of(index.parts, [&](const IndexPart& part) {
+        const Column& column = shape.columns[part.column];
+        return column.type != ColumnType::Boolean && !row.IsSet(column);
+    });
+}
+
+bool AnyNull(const Shape& shape, const Index& index, const RowView& row) {
+    return std::ranges::any_of(index.parts, [&](const IndexPart& part) {
+        const Column& column = shape.columns[part.column];
+        return column.type != ColumnType::Boolean && !row.IsSet(column);
+    });
+}
+
 TableData::TableData(const Shape& shape, Pages& pages, UsageMaps& maps, Findings& findings)
-    : shape_(shape), pages_(pages), maps_(maps), findings_(findings) {}
+    : shape_(shape),
+      pages_(pages),
+      maps_(maps),
+      findings_(findings),
+      where_("table " + shape.name),
+      wanted_(shape.indexes.size()) {}
 
 void TableData::Check(bool countIsExact) {
     ClaimPages();
@@ -16,10 +39,6 @@ void TableData::Check(bool countIsExact) {
     for (const PageNumber page : owned_)
         CheckPage(page);
     CheckMovedRows();
-    collecting_ = true;
-    for (const RowId row : rows_)
-        CheckRow(row, Find(row).bytes);
-    collecting_ = false;
     findings_.Counts().rows += rows_.size();
 
     if (countIsExact && rows_.size() != shape_.rows)
@@ -79,6 +98,7 @@ void TableData::CheckPage(PageNumber page) {
         switch (slots.State(slot)) {
             case SlotState::Row:
                 rows_.push_back(id);
+                CheckRow(id, slots.Bytes(slot));
                 break;
             case SlotState::Moved:
                 if (slots.Bytes(slot).size() < 4) {
@@ -100,12 +120,16 @@ void TableData::CheckPage(PageNumber page) {
 }
 
 void TableData::CheckMovedRows() {
+    std::set<RowId> lost;
     for (const auto& [content, home] : homes_) {
         if (movedContents_.contains(content)) continue;
         findings_.Fault(Where(), "row " + Place(home) + " has its content at " + Place(content) +
                                      ", where none is");
-        std::erase(rows_, home);
+        lost.insert(home);
     }
+    if (!lost.empty()) std::erase_if(rows_, [&](RowId row) { return lost.contains(row); });
+    for (const auto& [content, home] : homes_)
+        if (!lost.contains(home)) CheckRow(home, Find(home).bytes);
     for (const RowId content : movedContents_)
         if (!homes_.contains(content))
             findings_.Fault(Where(), "content at " + Place(content) + " belongs to no row");
@@ -126,23 +150,64 @@ void TableData::CheckRow(RowId id, std::span<const std::uint8_t> bytes) {
         findings_.Fault(Where() + " row " + Place(id), row.Fault());
         return;
     }
+    collecting_ = true;
     for (const Column& column : shape_.columns) {
         if (column.type == ColumnType::Boolean) continue;
         const auto field = row.Field(column);
         if (field) {
             CheckField(id, column, *field);
-            if (column.autoNumber) CheckAutoNumber(row, column);
+            if (column.autoNumber) CheckAutoNumber(column, *field);
         } else if (row.IsSet(column)) {
             findings_.Fault(Where() + " row " + Place(id),
                             "column " + column.name + " has no room for its value");
         }
     }
+    collecting_ = false;
+    AddWanted(id, row);
 }
 
-void TableData::CheckAutoNumber(const RowView& row, const Column& column) {
-    const auto value = ReadValue(row, column);
-    if (value && !IsNull(*value))
-        greatestAutoNumber_ = std::max(greatestAutoNumber_, std::get<std::int64_t>(*value));
+void TableData::CheckAutoNumber(const Column& column, std::span<const std::uint8_t> bytes) {
+    if (bytes.size() != column.size) return;
+    greatestAutoNumber_ =
+        std::max<std::int64_t>(greatestAutoNumber_, storage::Load<std::int32_t>(bytes, 0));
+}
+
+void TableData::AddWanted(RowId id, const RowView& row) {
+    for (std::size_t i = 0; i < shape_.indexes.size(); ++i) {
+        const Index& index = shape_.indexes[i];
+        WantedEntries& wanted = wanted_[i];
+        wanted.hasNull = wanted.hasNull || AnyNull(shape_, index, row);
+        if (index.ignoresNulls && AllNull(shape_, index, row)) continue;
+        entry_.clear();
+        // A value that makes no sense was told of already. Its index will not agree.
+        for (const IndexPart& part : index.parts)
+            if (index.keysAreKnown) AppendKey(entry_, row, part);
+        storage::AppendRow(entry_, id);
+        wanted.entries.Add(entry_);
+    }
+}
+
+bool TableData::AppendKey(Bytes& key, const RowView& row, const IndexPart& part) {
+    const Column& column = shape_.columns[part.column];
+    if (column.type == ColumnType::Boolean) {
+        storage::AppendKey(key, row.IsSet(column), column.type, 0, part.ascending);
+        return true;
+    }
+    const auto field = row.Field(column);
+    if (!field) {
+        key.push_back(storage::NullKey(part.ascending));
+        return true;
+    }
+    if (column.IsLong()) {
+        std::string fault;
+        const auto content = ReadLongValue(column, *field, fault);
+        if (content)
+            storage::AppendStoredKey(key, *content, column.type, column.scale, part.ascending);
+        return content.has_value();
+    }
+    if (column.size != 0 && field->size() != column.size) return false;
+    storage::AppendStoredKey(key, *field, column.type, column.scale, part.ascending);
+    return true;
 }
 
 }  // namespace jet::verify

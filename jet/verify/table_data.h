@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "jet/value.h"
+#include "jet/verify/index_entries.h"
 #include "jet/verify/pages.h"
 #include "jet/verify/row_view.h"
 #include "jet/verify/shape.h"
@@ -23,6 +24,16 @@ namespace jet::verify {
 struct RowBytes {
     std::shared_ptr<const storage::Page> holder;
     std::span<const std::uint8_t> bytes;
+};
+
+/// Whether all of an index's columns are Null in a row, or any.
+bool AllNull(const Shape& shape, const Index& index, const RowView& row);
+bool AnyNull(const Shape& shape, const Index& index, const RowView& row);
+
+/// What the rows of a table make of one of its indexes.
+struct WantedEntries {
+    IndexEntries entries;
+    bool hasNull = false;  ///< a row has Null in one of the columns
 };
 
 /// Checks the data pages of one table, its rows and its long values, and reads rows for whoever
@@ -38,13 +49,20 @@ class TableData {
     /// The rows found by Check, in the file's order.
     const std::vector<storage::RowId>& Rows() const { return rows_; }
 
+    /// What Check found that an index of the table has to hold.
+    const WantedEntries& Wanted(std::size_t index) const { return wanted_[index]; }
+
     /// The bytes of one of Rows(), which may lie elsewhere.
     RowBytes Find(storage::RowId row);
 
     /// A column's value; none where its bytes make no sense.
     std::optional<Value> ReadValue(const RowView& row, const Column& column);
 
-    std::string Where() const { return "table " + shape_.name; }
+    /// Appends a column's part of an index key, which the row is to have. False where the value
+    /// makes no sense.
+    bool AppendKey(Bytes& key, const RowView& row, const IndexPart& part);
+
+    const std::string& Where() const { return where_; }
 
   private:
     void ClaimPages();
@@ -52,8 +70,11 @@ class TableData {
     void CheckPage(storage::PageNumber page);
     void CheckMovedRows();
     void CheckRow(storage::RowId id, std::span<const std::uint8_t> bytes);
-    void CheckAutoNumber(const RowView& row, const Column& column);
+    void CheckAutoNumber(const Column& column, std::span<const std::uint8_t> bytes);
     void CheckField(storage::RowId id, const Column& column, std::span<const std::uint8_t> bytes);
+    /// What is wrong with a column's bytes; empty where nothing is.
+    std::string FaultOfField(const Column& column, std::span<const std::uint8_t> bytes);
+    void AddWanted(storage::RowId id, const RowView& row);
     std::optional<Bytes> ReadLongValue(const Column& column, std::span<const std::uint8_t> field,
                                        std::string& fault);
     std::optional<RowBytes> LongRow(storage::RowId id, std::string& fault);
@@ -62,6 +83,9 @@ class TableData {
     Pages& pages_;
     UsageMaps& maps_;
     Findings& findings_;
+    std::string where_;
+    std::vector<WantedEntries> wanted_;  ///< by index
+    Bytes entry_;                        ///< in the making
     std::vector<storage::PageNumber> owned_;
     std::vector<storage::RowId> rows_;
     std::map<storage::RowId, storage::RowId> homes_;  ///< of moved content: the place that names it

@@ -1,6 +1,8 @@
 #include "platform/portable/jet_database.h"
 
-#include <filesystem>
+#include <algorithm>
+#include <cerrno>
+#include <sys/stat.h>
 #include <system_error>
 
 #include "jet/database.h"
@@ -160,19 +162,40 @@ std::unique_ptr<Connection> JetDatabaseProvider::Open(std::string_view connectio
     if (parsed.dataSource.empty()) {
         throw Failure::Described(FailureNumber::Database, "No database file is named");
     }
-    const std::filesystem::path local = resolver_.Local(parsed.dataSource);
-    std::error_code missing;
-    const std::filesystem::path real = std::filesystem::canonical(local, missing);
-    std::weak_ptr<jet::Database>& known = open_[missing ? local : real];
+    const std::string local = resolver_.Local(parsed.dataSource);
+    std::weak_ptr<jet::Database>& known = open_[IdentityOf(local)];
     SharedDatabase database = known.lock();
     if (!database) {
-        database = Translated([&] {
-            return std::make_shared<jet::Database>(
-                jet::Database::Open(local, jet::OpenMode::ReadWrite));
-        });
+        database = OpenFile(local);
         known = database;
     }
     return std::make_unique<JetConnection>(std::move(database));
+}
+
+JetDatabaseProvider::FileIdentity JetDatabaseProvider::IdentityOf(const std::string& path) {
+    struct stat status{};
+    if (stat(path.c_str(), &status) != 0) {
+        throw Failure::Described(
+            FailureNumber::Database,
+            "Cannot open " + path + ": " + std::generic_category().message(errno) + ".");
+    }
+    return {status.st_dev, status.st_ino};
+}
+
+SharedDatabase JetDatabaseProvider::OpenFile(const std::string& path) const {
+    return Translated([&] {
+        auto database = std::make_shared<jet::Database>(jet::Database::Open(
+            path, jet::OpenMode::ReadWrite, jet::NeededTables{demands_.tables}));
+        for (const jet::DamagedTable& table : database->Damaged()) {
+            if (demands_.note) {
+                demands_.note("Table " + table.name +
+                              " of the database is damaged; no run needs it, and it is left as it "
+                              "is: " +
+                              table.reason);
+            }
+        }
+        return database;
+    });
 }
 
 }  // namespace quillon

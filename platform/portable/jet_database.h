@@ -1,9 +1,13 @@
 #pragma once
 
+#include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "platform/database.h"
 #include "platform/portable/path_resolver.h"
@@ -24,19 +28,37 @@ struct ConnectionString {
 /// case, a value perhaps in quotes. Pairs of other names mean nothing here.
 ConnectionString ParseConnectionString(std::string_view text);
 
+/// What a provider is to know of the databases that it opens.
+struct DatabaseDemands {
+    /// Tables that have to be in good order; a database is refused when one of them is not. Others
+    /// are refused when they are asked for.
+    std::vector<std::string> tables;
+    /// Is told of each other table that is not in good order.
+    std::function<void(const std::string&)> note;
+};
+
 /// Opens `.mdb` files with the embedded database. Connections to one file that are open at the same
-/// time share it, as they do with the provider that this one stands in for.
+/// time share it, by whatever names they were opened, as they do with the provider that this one
+/// stands in for.
 class JetDatabaseProvider : public DatabaseProvider {
   public:
     /// The resolver must outlive the provider.
-    explicit JetDatabaseProvider(PathResolver& resolver) : resolver_(resolver) {}
+    explicit JetDatabaseProvider(PathResolver& resolver, DatabaseDemands demands = {})
+        : resolver_(resolver), demands_(std::move(demands)) {}
 
     /// Failure: Database with the reason in words, or that of the path.
     std::unique_ptr<Connection> Open(std::string_view connectionString) override;
 
   private:
+    /// What a file is, whatever its names: device and number.
+    using FileIdentity = std::pair<std::uint64_t, std::uint64_t>;
+
+    static FileIdentity IdentityOf(const std::string& path);
+    std::shared_ptr<jet::Database> OpenFile(const std::string& path) const;
+
     PathResolver& resolver_;
-    std::map<std::string, std::weak_ptr<jet::Database>> open_;  ///< by real local path
+    DatabaseDemands demands_;
+    std::map<FileIdentity, std::weak_ptr<jet::Database>> open_;
 };
 
 }  // namespace quillon

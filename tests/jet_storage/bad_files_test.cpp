@@ -213,6 +213,7 @@ TEST(ALeftJournal, IsDiscardedWhenItIsIncompleteOrOfAnotherState) {
     std::string complete;
     for (std::size_t moment = 0; complete.empty(); ++moment) {
         WriteFile(path, empty);
+        std::filesystem::remove(journal + "-new");
         try {
             auto file = DatabaseFile::Open(path, OpenMode::ReadWrite, files);
             ModelledTable model(file.OpenTable("Tracks"), 1);

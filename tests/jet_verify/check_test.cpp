@@ -224,8 +224,8 @@ TEST_P(DamagedFile, IsRecognised) {
 
     const CheckReport report = CheckFile(path);
     std::string all;
-    for (const std::string& fault : report.faults)
-        all += fault + "\n";
+    for (const CheckFault& fault : report.faults)
+        all += fault.text + "\n";
     const std::string told = GetParam().told;
     const std::size_t bar = told.find('|');
     EXPECT_TRUE(all.find(told.substr(0, bar)) != std::string::npos ||

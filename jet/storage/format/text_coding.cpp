@@ -1,10 +1,15 @@
 #include <algorithm>
+#include <cstring>
 
 #include "jet/storage/format/page.h"
 #include "jet/storage/format/utf16.h"
 #include "jet/storage/format/values.h"
 
 namespace jet::storage {
+
+bool IsCompressedText(std::span<const std::uint8_t> bytes) {
+    return bytes.size() >= 2 && bytes[0] == 0xFF && bytes[1] == 0xFE;
+}
 
 namespace {
 
@@ -53,6 +58,31 @@ Bytes EncodeCompressed(std::u16string_view text) {
     return bytes;
 }
 
+/// Hands out the units of either form until one is refused.
+template <typename Visit>
+void ForEachUnit(std::span<const std::uint8_t> bytes, Visit visit) {
+    bool plain = true;
+    std::size_t i = 0;
+    const bool compressed = IsCompressedText(bytes);
+    if (compressed) {
+        plain = false;
+        i = 2;
+    }
+    while (i < bytes.size()) {
+        if (compressed && bytes[i] == 0) {
+            plain = !plain;
+            ++i;
+        } else if (!plain) {
+            if (!visit(char16_t{bytes[i++]})) return;
+        } else if (bytes.size() - i >= 2) {
+            if (!visit(Load<char16_t>(bytes, i))) return;
+            i += 2;
+        } else {
+            return;  // half a unit is no text
+        }
+    }
+}
+
 }  // namespace
 
 Bytes EncodeText(std::u16string_view text, bool mayCompress, bool isMemo) {
@@ -71,27 +101,36 @@ Bytes EncodeText(std::u16string_view text, bool mayCompress, bool isMemo) {
 std::string DecodeText(std::span<const std::uint8_t> bytes) {
     Utf8Writer writer;
     writer.Reserve(bytes.size());
-    bool plain = true;
-    std::size_t i = 0;
-    const bool compressed = bytes.size() >= 2 && bytes[0] == 0xFF && bytes[1] == 0xFE;
-    if (compressed) {
-        plain = false;
-        i = 2;
-    }
-    while (i < bytes.size()) {
-        if (compressed && bytes[i] == 0) {
-            plain = !plain;
-            ++i;
-        } else if (!plain) {
-            writer.Append(bytes[i++]);
-        } else if (bytes.size() - i >= 2) {
-            writer.Append(Load<char16_t>(bytes, i));
-            i += 2;
-        } else {
-            break;  // half a unit is no text
-        }
-    }
+    ForEachUnit(bytes, [&writer](char16_t unit) {
+        writer.Append(unit);
+        return true;
+    });
     return writer.Take();
+}
+
+std::size_t DecodeUnits(std::span<const std::uint8_t> bytes, std::span<char16_t> units) {
+    // The usual form: compressed, one byte for each unit.
+    if (IsCompressedText(bytes) && bytes.size() - 2 <= units.size() &&
+        std::memchr(bytes.data(), 0, bytes.size()) == nullptr) {
+        std::copy(bytes.begin() + 2, bytes.end(), units.begin());
+        return bytes.size() - 2;
+    }
+    std::size_t count = 0;
+    ForEachUnit(bytes, [&](char16_t unit) {
+        if (count == units.size()) return false;
+        units[count++] = unit;
+        return true;
+    });
+    return count;
+}
+
+std::size_t CountUnits(std::span<const std::uint8_t> bytes) {
+    std::size_t count = 0;
+    ForEachUnit(bytes, [&count](char16_t) {
+        ++count;
+        return true;
+    });
+    return count;
 }
 
 }  // namespace jet::storage

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -18,8 +19,15 @@ std::string ToUtf8(std::u16string_view utf16);
 /// A Text or Memo value's bytes: plain UTF-16LE, or the compressed form where `mayCompress` (the
 /// column's flag) and the text allow it.
 Bytes EncodeText(std::u16string_view text, bool mayCompress, bool isMemo);
+/// Which form it is.
+bool IsCompressedText(std::span<const std::uint8_t> bytes);
 /// Reads either form. Never fails: whatever the bytes are, they are some text.
 std::string DecodeText(std::span<const std::uint8_t> bytes);
+
+/// The text's UTF-16 units, from its beginning on as many as there is room for; how many these are.
+std::size_t DecodeUnits(std::span<const std::uint8_t> bytes, std::span<char16_t> units);
+/// How many units the text has.
+std::size_t CountUnits(std::span<const std::uint8_t> bytes);
 
 /// The bytes of a value of a fixed-size type or of Binary (everything but Boolean, Text, Memo and
 /// Ole). Error(TypeMismatch) unless the value has the alternative that jet::Value documents for

@@ -1,6 +1,7 @@
 #include "jet/storage/index/index_key.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <concepts>
 #include <cstddef>
@@ -13,12 +14,10 @@ namespace jet::storage {
 
 namespace {
 
-/// Marker bytes in front of each column's part.
-struct Markers {
-    std::uint8_t null, value;
-};
-constexpr Markers Ascending{0x00, 0x7F};
-constexpr Markers Descending{0xFF, 0x80};
+/// The byte in front of the part of a column that is not Null.
+constexpr std::uint8_t ValueMarker(bool ascending) {
+    return ascending ? 0x7F : 0x80;
+}
 
 void Invert(std::span<std::uint8_t> bytes) {
     for (std::uint8_t& byte : bytes)
@@ -75,12 +74,26 @@ void AppendGroups(Bytes& key, std::span<const std::uint8_t> data, bool ascending
     }
 }
 
-void AppendText(Bytes& key, const std::string& text, bool ascending) {
+void AppendText(Bytes& key, std::u16string_view text, bool ascending) {
     const std::size_t start = key.size();
-    AppendTextKey(key, ToUtf16(text));
+    AppendTextKey(key, text);
     if (ascending) return;
     Invert(std::span(key).subspan(start));
     key.push_back(0);
+}
+
+void AppendNumber(Bytes& key, std::span<const std::uint8_t> stored, ColumnType type,
+                  bool ascending) {
+    const std::size_t start = key.size();
+    if (type == ColumnType::Byte) {
+        key.push_back(stored[0]);
+    } else if (type == ColumnType::Single || type == ColumnType::Double ||
+               type == ColumnType::Date) {
+        AppendFloating(key, stored);
+    } else {
+        AppendSigned(key, stored);
+    }
+    if (!ascending) Invert(std::span(key).subspan(start));
 }
 
 template <typename T>
@@ -95,49 +108,67 @@ const T& As(const Value& value) {
 
 void AppendKey(Bytes& key, const Value& value, ColumnType type, std::uint8_t decimalScale,
                bool ascending) {
-    const Markers& markers = ascending ? Ascending : Descending;
     if (IsNull(value)) {
-        key.push_back(markers.null);
+        key.push_back(NullKey(ascending));
         return;
     }
-    key.push_back(markers.value);
-    const std::size_t start = key.size();
+    key.push_back(ValueMarker(ascending));
     switch (type) {
         case ColumnType::Boolean:
-            key.push_back(As<bool>(value) ? 0x00 : 0xFF);
+            key.push_back(As<bool>(value) == ascending ? 0x00 : 0xFF);
             break;
-        case ColumnType::Byte: {
-            const Bytes stored = EncodeScalar(value, type, 0);
-            key.push_back(stored[0]);
-            break;
-        }
+        case ColumnType::Byte:
         case ColumnType::Integer:
         case ColumnType::Long:
         case ColumnType::Currency:
-            AppendSigned(key, EncodeScalar(value, type, 0));
-            break;
         case ColumnType::Single:
         case ColumnType::Double:
         case ColumnType::Date:
-            AppendFloating(key, EncodeScalar(value, type, 0));
+            AppendNumber(key, EncodeScalar(value, type, 0), type, ascending);
             break;
         case ColumnType::Decimal:
             AppendDecimal(key, Rescale(As<Decimal>(value), decimalScale), ascending);
-            return;
+            break;
         case ColumnType::Guid:
             AppendGroups(key, As<Guid>(value).bytes, ascending);
-            return;
+            break;
         case ColumnType::Binary:
             AppendGroups(key, As<Bytes>(value), ascending);
-            return;
+            break;
         case ColumnType::Text:
         case ColumnType::Memo:
-            AppendText(key, As<std::string>(value), ascending);
-            return;
+            AppendText(key, ToUtf16(As<std::string>(value)), ascending);
+            break;
         case ColumnType::Ole:
             throw Error(ErrorKind::NotSupported, "A field of this type cannot be indexed.");
     }
-    if (!ascending) Invert(std::span(key).subspan(start));
+}
+
+void AppendStoredKey(Bytes& key, std::span<const std::uint8_t> stored, ColumnType type,
+                     std::uint8_t decimalScale, bool ascending) {
+    switch (type) {
+        case ColumnType::Byte:
+        case ColumnType::Integer:
+        case ColumnType::Long:
+        case ColumnType::Currency:
+        case ColumnType::Single:
+        case ColumnType::Double:
+        case ColumnType::Date:
+            key.push_back(ValueMarker(ascending));
+            AppendNumber(key, stored, type, ascending);
+            break;
+        case ColumnType::Text:
+        case ColumnType::Memo: {
+            std::array<char16_t, LongestTextInKey> units;
+            const std::size_t count = DecodeUnits(stored, units);
+            key.push_back(ValueMarker(ascending));
+            AppendText(key, {units.data(), count}, ascending);
+            break;
+        }
+        default:
+            AppendKey(key, DecodeScalar(stored, type, decimalScale), type, decimalScale, ascending);
+            break;
+    }
 }
 
 }  // namespace jet::storage

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <span>
 #include <string_view>
 
@@ -12,6 +14,19 @@ namespace jet::storage {
 /// in which the database sorts the values.
 void AppendKey(Bytes& key, const Value& value, ColumnType type, std::uint8_t decimalScale,
                bool ascending);
+
+/// The same for a value that is not Null, from the bytes that a row holds for it; they have the
+/// type's size. Not for Boolean and Ole.
+void AppendStoredKey(Bytes& key, std::span<const std::uint8_t> stored, ColumnType type,
+                     std::uint8_t decimalScale, bool ascending);
+
+/// What stands in a key for Null.
+constexpr std::uint8_t NullKey(bool ascending) {
+    return ascending ? 0x00 : 0xFF;
+}
+
+/// How much of a text counts for its key, in UTF-16 units.
+constexpr std::size_t LongestTextInKey = 255;
 
 /// The ascending key of a text without its leading marker byte, in the General Legacy order
 /// (language 1033, version 0): letter case and trailing blanks do not count, accents decide after

@@ -140,10 +140,15 @@ bool IndexPageView::IsEntry(std::size_t i, std::span<const std::uint8_t> bytes) 
 
 Bytes IndexPageView::Entry(std::size_t i) const {
     Bytes entry;
-    const auto stored = Stored(i);
-    if (i != 0) entry.assign(Prefix().begin(), Prefix().end());
-    entry.insert(entry.end(), stored.begin(), stored.end());
+    CopyEntry(i, entry);
     return entry;
+}
+
+void IndexPageView::CopyEntry(std::size_t i, Bytes& bytes) const {
+    const auto stored = Stored(i);
+    bytes.clear();
+    if (i != 0) bytes.assign(Prefix().begin(), Prefix().end());
+    bytes.insert(bytes.end(), stored.begin(), stored.end());
 }
 
 Bytes IndexPageView::KeyAndRow(std::size_t i) const {

@@ -49,6 +49,8 @@ class IndexPageView {
 
     /// Entry `i` in full, with its prefix.
     Bytes Entry(std::size_t i) const;
+    /// The same, put into `bytes`.
+    void CopyEntry(std::size_t i, Bytes& bytes) const;
     /// Key and row of entry `i`, without the child of a node's entry.
     Bytes KeyAndRow(std::size_t i) const;
     /// The row that entry `i` names.

@@ -11,7 +11,6 @@ namespace jet::storage {
 
 namespace {
 
-constexpr std::size_t LongestText = 255;  // units; the rest of a longer text does not count
 constexpr std::uint8_t SectionEnd = 0x01;
 constexpr std::uint8_t NoAccent = 0x02;
 
@@ -96,7 +95,7 @@ class UnprintableSection {
 };
 
 std::u16string_view CountingPart(std::u16string_view text) {
-    text = text.substr(0, LongestText);
+    text = text.substr(0, LongestTextInKey);
     return text.substr(0, text.find_last_not_of(u' ') + 1);
 }
 
@@ -133,7 +132,7 @@ class LetterReader {
 /// The text without the trailing blanks that do not count; none if that takes more than a look at
 /// its end, because part of the text is too far behind to count.
 std::optional<std::string_view> CountingPart(std::string_view utf8) {
-    if (utf8.size() > LongestText) return std::nullopt;
+    if (utf8.size() > LongestTextInKey) return std::nullopt;
     return utf8.substr(0, utf8.find_last_not_of(' ') + 1);
 }
 
@@ -158,6 +157,16 @@ void AppendTextKey(Bytes& key, std::u16string_view text) {
     std::size_t units = 0;  // that are letters
     std::size_t letters = 0;
     for (const char16_t character : CountingPart(text)) {
+        // Most texts are of these alone.
+        if (const std::uint8_t letter = character < 0x80
+                                            ? table.SimpleLetter(static_cast<char>(character))
+                                            : std::uint8_t{0};
+            letter != 0) {
+            key.push_back(letter);
+            ++units;
+            ++letters;
+            continue;
+        }
         const SortUnit& unit = table[character];
         AppendBigEndian(key, unit.letterBytes, unit.letterSize);
         if (!unit.IsPlain()) {
