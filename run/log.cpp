@@ -13,9 +13,8 @@ void Write(Run& run, LogKind kind, std::string_view source, std::string_view mes
         run.host.WriteLog(source, message);
     } catch (const std::exception& failure) {
         // The log is where failures are told; when it fails itself, only the window is left to
-        // tell it, once, and the run must not end for it.
-        if (++run.counts.unrecorded == 1)
-            run.window.LogWritten(LogKind::Error, source, failure.what());
+        // tell it, and the run must not end for it.
+        run.window.LogWritten(LogKind::Error, source, failure.what());
     }
     run.window.LogWritten(kind, source, message);
 }

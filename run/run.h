@@ -24,8 +24,6 @@ namespace quillon {
 struct RunCounts {
     std::size_t albumsAdded = 0, albumsChanged = 0, albumsRemoved = 0, albumsUnchanged = 0;
     std::size_t tracksAdded = 0, tracksChanged = 0, tracksRemoved = 0, tracksUnchanged = 0;
-    /// Changed tracks of which number or album alone are others: giving back the marks undoes that.
-    std::size_t tracksOnlyPlacedAnew = 0;
     std::size_t tagsWritten = 0;      ///< files whose tag has become another one
     std::size_t tagValuesStored = 0;  ///< values of tags that have changed a row
     /// Playlist files made or converted, rewritten because entries had changed, and deleted because
@@ -38,9 +36,8 @@ struct RunCounts {
     std::size_t imagesAdded = 0, imagesChanged = 0, imagesRemoved = 0;
     std::size_t songsAdded = 0, artistsAdded = 0;  ///< to the download table
     std::size_t pagesWritten = 0;                  ///< of the album picker, the index included
-    std::size_t leftOut = 0;     ///< music files and folders that the layout has no place for
-    std::size_t errors = 0;      ///< calls of LogError
-    std::size_t unrecorded = 0;  ///< records that the host's log did not take
+    std::size_t leftOut = 0;  ///< music files and folders that the layout has no place for
+    std::size_t errors = 0;   ///< calls of LogError
 };
 
 /// What a run has to tell at its end.

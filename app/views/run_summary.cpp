@@ -127,10 +127,8 @@ std::vector<std::string> InLines(const std::vector<std::string>& sentences, std:
 }
 
 std::string Errors(const RunSummary& summary) {
-    const RunCounts& counts = summary.counts;
-    const std::string number = counts.errors == 0 ? "no errors" : Counted(counts.errors, "error");
-    if (counts.unrecorded > 0) return number + " (host.log could not be written)";
-    return counts.errors == 0 ? number : number + " in host.log";
+    const std::size_t count = summary.counts.errors;
+    return count == 0 ? "no errors" : Counted(count, "error") + " in host.log";
 }
 
 /// "Done in 0:01:02; 2 errors in host.log", without the full stop.
@@ -156,8 +154,7 @@ std::string ShortOutcome(const RunSummary& summary) {
 
 /// What a record at the end of the first line is introduced by; empty where none belongs there.
 std::string Introduction(const RunSummary& summary) {
-    const RunCounts& counts = summary.counts;
-    if (counts.errors > 0 || counts.unrecorded > 0) return Outcome(summary) + ", last: ";
+    if (summary.counts.errors > 0) return Outcome(summary) + ", last: ";
     return summary.outcome == RunOutcome::NothingRan ? "Nothing ran: " : "";
 }
 
@@ -244,7 +241,7 @@ int ExitStatus(const RunSummary& summary) {
         case RunOutcome::Completed:
             break;
     }
-    return summary.counts.errors == 0 && summary.counts.unrecorded == 0 ? 0 : 1;
+    return summary.counts.errors == 0 ? 0 : 1;
 }
 
 }  // namespace quillon

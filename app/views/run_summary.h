@@ -43,8 +43,7 @@ std::vector<std::string> LossLines(const RunSummary& summary,
 std::vector<std::string> LossLines(const RunSummary& summary, std::size_t columns,
                                    std::size_t mostLines);
 
-/// 0 the mode ran and logged no error, 1 it logged errors or the log did not take all that it was
-/// told, 2 nothing ran, 3 aborted.
+/// 0 the mode ran and logged no error, 1 it logged errors, 2 nothing ran, 3 aborted.
 int ExitStatus(const RunSummary& summary);
 
 }  // namespace quillon

@@ -136,20 +136,6 @@ TEST(SummaryText, DoesNotSayThatNothingChangedWhereThatIsNotCertain) {
               "is not certain is not counted.");
 }
 
-TEST(SummaryText, DoesNotSendToALogThatCouldNotBeWritten) {
-    RunSummary summary{RunOutcome::Completed, {}, seconds(1)};
-    summary.counts.errors = 2;
-    summary.counts.unrecorded = 3;
-    EXPECT_TRUE(SummaryText(summary).starts_with(
-        "Done in 0:00:01; 2 errors (host.log could not be written). "));
-    summary.counts.errors = 0;
-    EXPECT_TRUE(SummaryText(summary).starts_with(
-        "Done in 0:00:01; no errors (host.log could not be written). "));
-    EXPECT_EQ(SummaryLines(summary, "Disk full: host.log", 100)[0],
-              "Done in 0:00:01; no errors (host.log could not be written), last: Disk full: "
-              "host.log");
-}
-
 TEST(LossLines, NameUpToTenOfEachKindAndThenCount) {
     RunSummary summary;
     EXPECT_TRUE(LossLines(summary).empty());
@@ -252,9 +238,6 @@ TEST(ExitStatus, TellsOutcomeAndErrors) {
     failed.errors = 1;
     EXPECT_EQ(ExitStatus({RunOutcome::Completed, clean, {}}), 0);
     EXPECT_EQ(ExitStatus({RunOutcome::Completed, failed, {}}), 1);
-    RunCounts unrecorded;
-    unrecorded.unrecorded = 1;
-    EXPECT_EQ(ExitStatus({RunOutcome::Completed, unrecorded, {}}), 1);
     EXPECT_EQ(ExitStatus({RunOutcome::NothingRan, clean, {}}), 2);
     EXPECT_EQ(ExitStatus({RunOutcome::NothingRan, failed, {}}), 2);
     EXPECT_EQ(ExitStatus({RunOutcome::Aborted, clean, {}}), 3);

@@ -69,15 +69,6 @@ TEST_F(Log, TellsTheWindowWhatTheHostDidNotTake) {
               std::pair(LogKind::Information, std::string("Quillon: lost")));
 }
 
-TEST_F(Log, TellsOnceWhyTheHostTakesNothingAndCountsWhatItDidNotTake) {
-    world.calls.Refuse("WriteLog Quillon: lost", FailureNumber::DiskFull, "host.log");
-    for (int i = 0; i < 3; ++i)
-        WriteLog(run, LogSource, "lost");
-    WriteLog(run, LogSource, "kept");
-    EXPECT_EQ(run.counts.unrecorded, 3U);
-    EXPECT_EQ(world.window.logged.size(), 5U) << "four records and one reason";
-}
-
 TEST_F(Log, DoesNotFailWhenTheHostRefusesTheRecord) {
     world.calls.Refuse("WriteLog Quillon: lost", FailureNumber::DiskFull, "host.log");
     LogError(run, LogSource, "lost");
