@@ -6,7 +6,6 @@
 #include <optional>
 #include <unordered_map>
 #include <unordered_set>
-#include <utility>
 
 #include "database/mark_snapshot.h"
 #include "database/snapshot_file.h"
@@ -22,14 +21,6 @@ namespace {
 Value FieldValue(MarkedValue value) {
     if (!value) return Null{};
     return std::int64_t{*value};
-}
-
-/// Albums differ from before in their count alone, and these have it back.
-void TakeBackCounts(RunCounts& counts) {
-    counts.albumsUnchanged += std::exchange(counts.albumsChanged, 0);
-    const std::size_t tracks = std::exchange(counts.tracksOnlyPlacedAnew, 0);
-    counts.tracksUnchanged += tracks;
-    counts.tracksChanged -= tracks;
 }
 
 /// Puts everything of a snapshot back. Rows are read first and written afterwards, since a result
@@ -137,7 +128,6 @@ void RestoreMarks(Run& run) {
         Restoration restoration(*run.connection, *snapshot);
         restoration.RestoreAlbums();
         restoration.RestoreTracks();
-        TakeBackCounts(run.counts);
     } else {
         LogError(run, LogSource, "Mark snapshot is damaged, nothing is taken from it: " + path);
     }

@@ -109,6 +109,8 @@ class Addition {
     std::string cdjid_;  ///< "" while there is no album
     bool isNewAlbum_ = false;
     bool isKnown_ = false;  ///< a track has the target already
+    bool isNewArtist_ = false, isCoverGiven_ = false;
+    std::size_t filesCopied_ = 0;
 };
 
 /// Nothing has been written when this fails.
@@ -140,6 +142,7 @@ void Addition::Copy() {
     MakeFolder(albumFolder_);
     if (run_.files.FileExists(target_)) return;
     run_.files.CopyFile(path_, target_, false);
+    ++filesCopied_;
     takeBack_.Add([this] { run_.files.Discard(target_); });
 }
 
@@ -169,6 +172,7 @@ void Addition::AddArtist() {
              ->IsEmpty();
     if (known) return;
     AddSpinnerArtistRow(*adding_.spinnerArtist, file_.artist);
+    isNewArtist_ = true;
     UndoRow(*adding_.spinnerArtist);
 }
 
@@ -181,11 +185,13 @@ void Addition::GiveCover() {
     const std::string image = CoverTarget();
     if (!run_.files.FileExists(image)) {
         run_.files.CopyFile(cover_, image, false);
+        ++filesCopied_;
         takeBack_.Add([this, image] { run_.files.Discard(image); });
     }
     StandOnAlbum();
     albums_.Set("ImageFile", image);
     albums_.Update();
+    isCoverGiven_ = true;
     takeBack_.Add([this] {
         StandOnAlbum();
         albums_.Set("ImageFile", Null{});
@@ -252,6 +258,10 @@ void Addition::Settle() {
         ++run_.counts.albumsAdded;
     }
     if (!isKnown_) ++run_.counts.tracksAdded;
+    if (!isKnown_) ++run_.counts.songsAdded;
+    if (isNewArtist_) ++run_.counts.artistsAdded;
+    if (isCoverGiven_) ++run_.counts.imagesAdded;
+    run_.counts.filesCopied += filesCopied_;
 }
 
 void Addition::Undo() {

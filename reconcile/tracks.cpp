@@ -163,8 +163,7 @@ class AlbumTracks {
         if (row.title != title) tracks_.Set("Title", title);
         if (row.artist != album_.artist) tracks_.Set("Artist", album_.artist);
         tracks_.Update();
-        const bool isNamedAnew = row.title != title || row.artist != album_.artist;
-        (isNamedAnew ? changed_ : moved_).insert(row.id);
+        changed_.insert(row.id);
     }
 
     void CheckNumber(const Row& row, ListedFile& file) {
@@ -186,11 +185,9 @@ class AlbumTracks {
     void Settle(std::int64_t id, std::int64_t number) {
         if (added_.contains(id)) return;
         const MarkedTrack* const before = walk_.before.FindTrack(id);
-        const bool isInPlace =
-            (before == nullptr || before->number == number) && !moved_.contains(id);
-        const bool isChanged = changed_.contains(id);
-        ++(isInPlace && !isChanged ? run_.counts.tracksUnchanged : run_.counts.tracksChanged);
-        if (!isInPlace && !isChanged) ++run_.counts.tracksOnlyPlacedAnew;
+        const bool same = before == nullptr || before->number == number;
+        ++(same && !changed_.contains(id) ? run_.counts.tracksUnchanged
+                                          : run_.counts.tracksChanged);
     }
 
     std::string LastPlacedFile() {
@@ -205,7 +202,7 @@ class AlbumTracks {
     Steps steps_;
     NumbersTaken numbers_;
     std::int64_t lastPlaced_ = 0;  ///< the row that was worked on last
-    std::unordered_set<std::int64_t> changed_, moved_, added_;
+    std::unordered_set<std::int64_t> changed_, added_;
 };
 
 }  // namespace

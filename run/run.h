@@ -24,8 +24,6 @@ namespace quillon {
 struct RunCounts {
     std::size_t albumsAdded = 0, albumsChanged = 0, albumsRemoved = 0, albumsUnchanged = 0;
     std::size_t tracksAdded = 0, tracksChanged = 0, tracksRemoved = 0, tracksUnchanged = 0;
-    /// Changed tracks of which number or album alone are others: giving back the marks undoes that.
-    std::size_t tracksOnlyPlacedAnew = 0;
     std::size_t tagsWritten = 0;      ///< files whose tag has become another one
     std::size_t tagValuesStored = 0;  ///< values of tags that have changed a row
     /// Playlist files made or converted, rewritten because entries had changed, and deleted because

@@ -101,7 +101,8 @@ def quiet_runs_tell_errors_and_a_summary(work):
     expect("status", 0, done.returncode)
     expect("one line", 1, len(done.stdout.splitlines()))
     expect("the summary", True, re.fullmatch(
-        r"Done in \d:\d\d:\d\d; no errors\. Albums: 1 added\. Tracks: 5 added\. Playlists: \d written\.\n",
+        r"Done in \d:\d\d:\d\d; no errors\. Albums: 1 added\. Tracks: 5 added\. "
+        r"Playlists: \d written\. Download table: 1 song added, 1 artist added\.\n",
         done.stdout) is not None)
     set_to(host, "PlayListPath", "Q:\\Nowhere\\")
     done = call("--quiet", "--host", host)
@@ -118,6 +119,28 @@ def quiet_runs_tell_errors_and_a_summary(work):
                "--quiet: goes with plain lines only" in done.stderr)
 
 
+def quiet_runs_name_what_went_away(work):
+    host = host_folder(work)
+    call("run", "--host", host, "--quiet")
+    songs = sorted(Path(work).rglob("*.mp3"))
+    for song in songs[:2]:
+        song.unlink()
+    done = call("run", "--host", host, "--quiet")
+    told = done.stdout.splitlines()
+    expect("status", 0, done.returncode)
+    expect("how many", "2 tracks removed:", told[0])
+    expect("which", [song.name for song in songs[:2]],
+           [line.rsplit("\\", 1)[-1] for line in told[1:3]])
+    expect("the summary last", True, len(told) == 4 and re.search(r" Tracks: [^.]*\b2 removed", told[3]) is not None)
+    for song in songs[2:]:
+        song.unlink()
+    done = call("run", "--host", host, "--quiet")
+    expect("status of a braked run", 1, done.returncode)
+    expect("the brake", True, "no music was found in" in done.stdout)
+    expect("no list of losses", False, "tracks removed:" in done.stdout)
+    done = call("run", "--host", host, "--quiet", "--allow-removals")
+    expect("status of an allowed run", 0, done.returncode)
+    expect("all that was left", True, done.stdout.startswith("3 tracks removed:\n"))
 def settings(host):
     return Path(host) / "Quillon.ini"
 
@@ -257,7 +280,7 @@ def main():
     for story in (streams_are_kept_apart, closed_streams_never_reach_the_database,
                   a_reader_that_goes_away_does_not_end_a_run,
                   a_reader_that_does_not_read_holds_no_run_back,
-                  quiet_runs_tell_errors_and_a_summary,
+                  quiet_runs_tell_errors_and_a_summary, quiet_runs_name_what_went_away,
                   a_log_that_takes_nothing_neither_ends_nor_silences_a_run,
                   a_file_size_limit_is_a_full_disk, huge_text_files_are_named_in_plain_words,
                   the_host_folder_is_found,

@@ -37,6 +37,7 @@ class AlbumPickerTest : public PickerFixture {
         log.clear();
         Build();
         ExpectOldSet();
+        EXPECT_EQ(run.counts.pagesWritten, 0U);
         EXPECT_THAT(log, ElementsAre(line));
     }
 };
@@ -45,6 +46,7 @@ TEST_F(AlbumPickerTest, MakesThreePagesOf31Albums) {
     AddAlbums(31);
     Build();
     EXPECT_THAT(log, IsEmpty());
+    EXPECT_EQ(run.counts.pagesWritten, 4U);
     EXPECT_THAT(Names(Folder),
                 ElementsAre("AlbumPicker.css", "AlbumPicker0.asp", "AlbumPicker1.asp",
                             "AlbumPicker2.asp", "AlbumPicker3.asp"));

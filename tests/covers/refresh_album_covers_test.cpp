@@ -61,6 +61,22 @@ TEST_F(RefreshAlbumCoversTest, TiesANewCoverToItsAlbum) {
     EXPECT_EQ(library.Faults(), "");
 }
 
+TEST_F(RefreshAlbumCoversTest, CountsTheAlbumsWhoseImageIsAnother) {
+    AddAlbum("Ann", "First");
+    AddAlbum("Bob", "Second", R"(D:\Old\Bob - Second.jpg)");
+    AddAlbum("Cid", "Third", R"(D:\Covers\Cid - Third.jpg)");
+    AddAlbum("Dora", "Fourth", R"(D:\Covers\Dora - Fourth.jpg)");
+    AddImage("Ann - First.jpg");
+    AddImage("Bob - Second.jpg");
+    AddImage("Dora - Fourth.jpg");
+    for (int run = 0; run < 2; ++run) {
+        Refresh();
+        EXPECT_EQ(library.run.counts.imagesAdded, 1U);
+        EXPECT_EQ(library.run.counts.imagesChanged, 1U);
+        EXPECT_EQ(library.run.counts.imagesRemoved, 1U);
+    }
+}
+
 TEST_F(RefreshAlbumCoversTest, ShowsItsThreePhases) {
     AddAlbum("Ann", "First");
     Refresh();

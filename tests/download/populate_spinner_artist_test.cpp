@@ -49,6 +49,7 @@ TEST_F(PopulateSpinnerArtistTest, AddsNothingTheSecondTime) {
     EXPECT_EQ(Artists().size(), 7U);
     Populate();
     EXPECT_EQ(Artists().size(), 7U);
+    EXPECT_EQ(library.run.counts.artistsAdded, 7U);
     EXPECT_THAT(library.host.log, IsEmpty());
 }
 

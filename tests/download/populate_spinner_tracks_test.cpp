@@ -55,6 +55,7 @@ TEST_F(PopulateSpinnerTracksTest, AddsARowWithAllTheValuesOfANewSong) {
         ElementsAre("1|11/15/2026 5:38:55 AM|rtsp://radio.example/spinlinks/000-1-000.rm|Ann|First|"
                     "One|185|0||other|0|0"));
     EXPECT_THAT(library.Rows("SELECT Count(*) FROM Spinner WHERE Playlist=''"), ElementsAre("1"));
+    EXPECT_EQ(library.run.counts.songsAdded, 1U);
     EXPECT_THAT(library.host.log, IsEmpty());
     EXPECT_EQ(library.Faults(), "");
 }

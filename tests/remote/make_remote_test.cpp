@@ -62,6 +62,7 @@ TEST_F(MakeRemoteTest, RepointsEveryKindOfPathToTheDriveOfItsFolder) {
     EXPECT_THAT(Covers(), ElementsAre(R"(K:\Covers\Ann - First.jpg)"));
     EXPECT_THAT(Sounds(), ElementsAre(R"(\\nas\music\Albums\X\01.mp3)"));
     EXPECT_THAT(Lists(), ElementsAre(R"(pla|P:\Lists\)", R"(m3u|M:\M3u\)"));
+    EXPECT_EQ(library.run.counts.rowsRepointed, 4U);
     EXPECT_THAT(library.host.log, IsEmpty());
     EXPECT_EQ(library.Faults(), "");
 }
@@ -175,9 +176,11 @@ TEST_F(MakeRemoteTest, ChangesNothingTheSecondTimeAndLeavesTheFileAsItIs) {
         AddPlaylist("m3u", R"(D:\Lists\)");
     }
     MakeRemote(library.run);
+    EXPECT_EQ(library.run.counts.rowsRepointed, 400U);
     const std::string before = library.DatabaseBytes();
     MakeRemote(library.run);
     EXPECT_TRUE(library.DatabaseBytes() == before);
+    EXPECT_EQ(library.run.counts.rowsRepointed, 400U);
     EXPECT_EQ(Sounds().back(), R"(\\nas\music\Ann's\[é] 100%.mp3)");
 }
 

@@ -92,15 +92,6 @@ TEST_F(Log, KeepsOnlySoManyOfTheErrorsThatTheHostDidNotTake) {
     EXPECT_EQ(run.counts.recordsLost, 1000U);
 }
 
-TEST_F(Log, TellsOnceWhyTheHostTakesNothingAndCountsWhatItDidNotTake) {
-    world.calls.Refuse("WriteLog Quillon: lost", FailureNumber::DiskFull, "host.log");
-    for (int i = 0; i < 3; ++i)
-        WriteLog(run, LogSource, "lost");
-    WriteLog(run, LogSource, "kept");
-    EXPECT_EQ(run.counts.recordsLost, 3U);
-    EXPECT_EQ(world.window.logged.size(), 5U) << "four records and one reason";
-}
-
 TEST_F(Log, DoesNotFailWhenTheHostRefusesTheRecord) {
     world.calls.Refuse("WriteLog Quillon: lost", FailureNumber::DiskFull, "host.log");
     LogError(run, LogSource, "lost");

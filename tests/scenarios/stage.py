@@ -97,8 +97,8 @@ class Stage:
             raise Failed(f"quillon {' '.join(arguments)}: exit status {status}\n{output}{errors}")
         return output
 
-    def reconcile(self, **options):
-        return self.call("run", "--host", str(self.host), "--view", "plain", **options)
+    def reconcile(self, *arguments, **options):
+        return self.call("run", "--host", str(self.host), "--view", "plain", *arguments, **options)
 
     def execute(self, statement):
         self.tool("db", "exec", str(self.database), statement)

@@ -1,0 +1,2 @@
+rmdir disk/Music
+mv away disk/Music

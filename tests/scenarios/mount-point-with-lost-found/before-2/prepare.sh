@@ -1,0 +1,2 @@
+mv disk/Music away
+mkdir -p disk/Music/lost+found

@@ -1,0 +1,2 @@
+mv disk/Music/Jazz away
+mkdir disk/Music/Jazz

@@ -1,0 +1,4 @@
+rmdir disk/Music/Jazz
+mv away disk/Music/Jazz
+mv disk/Music away
+mkdir disk/Music

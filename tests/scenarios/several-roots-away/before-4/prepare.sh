@@ -1,0 +1,4 @@
+rmdir disk/Music
+mv away disk/Music
+mv disk/Elsewhere away
+mkdir disk/Elsewhere

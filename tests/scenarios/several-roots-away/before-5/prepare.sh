@@ -1,0 +1,1 @@
+rmdir disk/Elsewhere

@@ -1,0 +1,2 @@
+mv away disk/Elsewhere
+mv disk/Music/more.txt away

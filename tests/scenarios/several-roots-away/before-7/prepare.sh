@@ -1,0 +1,1 @@
+mv away disk/Music/more.txt
