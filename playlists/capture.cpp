@@ -4,13 +4,17 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
 #include "platform/ansi.h"
+#include "platform/basic_text.h"
 #include "platform/files.h"
 #include "playlists/generated_rows.h"
 #include "playlists/pla_line.h"
@@ -102,7 +106,7 @@ class Capture {
     /// none had, or where the list has been changed since.
     std::optional<std::vector<CapturedEntry>> EarlierEntries(const FileEntry& file,
                                                              std::string_view text,
-                                                             const PlaylistContent& content) const {
+                                                             const PlaylistContent& content) {
         if (earlier_ == nullptr) return std::nullopt;
         std::vector<CapturedEntry> entries;
         const auto take = [&](const CapturedEntry& entry) {
@@ -116,12 +120,30 @@ class Capture {
                 take(entry);
             return entries;
         }
-        if (!earlier_->Places() || IsLater(file.modified, earlier_->Places()->time))
-            return std::nullopt;
-        ForEachPlace(text, [&](std::string_view cdjid, std::int32_t index) {
-            if (const CapturedEntry* const entry = earlier_->AtPlace(cdjid, index)) take(*entry);
+        const CapturedPlaces* const places = earlier_->PlacesFor(file.name);
+        if (places == nullptr || IsLater(file.modified, places->time)) return std::nullopt;
+        const PlaceIndex& index = IndexOf(*places);
+        ForEachPlace(text, [&](std::string_view cdjid, std::int32_t number) {
+            const auto found = index.find(PlaceKey(cdjid, number));
+            if (found != index.end()) take(*found->second);
         });
         return entries;
+    }
+
+    /// Entries by place, letter case apart.
+    using PlaceIndex = std::unordered_map<std::string, const CapturedEntry*>;
+
+    static std::string PlaceKey(std::string_view cdjid, std::int32_t index) {
+        return LowerCase(cdjid) + ' ' + std::to_string(index);
+    }
+
+    const PlaceIndex& IndexOf(const CapturedPlaces& places) {
+        PlaceIndex& index = placeIndexes_[&places];
+        if (index.empty()) {
+            for (const CapturedEntry& entry : places.entries)
+                index.try_emplace(PlaceKey(entry.cdjid, entry.index), &entry);
+        }
+        return index;
     }
 
     /// The entry, provided that its row is still the one that was captured, or has gone; what its
@@ -143,6 +165,7 @@ class Capture {
     const TrackIndex& tracks_;
     const PlaylistSnapshot* earlier_;
     std::vector<PlaylistRange> playlists_;
+    std::unordered_map<const CapturedPlaces*, PlaceIndex> placeIndexes_;  ///< of those needed
     std::size_t fromSnapshot_ = 0;
 };
 
@@ -176,17 +199,23 @@ class CaptureExisting {
     void KeepAll() {
         KnowNothing();
         SnapshotContent content;
+        bool areAllKept = false;
         if (earlier_) {
             for (const CapturedPlaylist& playlist : earlier_->Playlists())
                 content.takenOver.push_back(&playlist);
+            content.places = earlier_->Places();
+            const auto isForAll = [](const CapturedPlaces& p) { return p.names.empty(); };
+            areAllKept =
+                std::any_of(content.places.begin(), content.places.end(), isForAll);
         }
-        Write(std::move(content), true);
+        if (!areAllKept) content.places.push_back(PresentPlaces(tracks_, run_.clock.Now()));
+        Write(std::move(content));
     }
 
     void ReadLists() {
         Capture capture(run_, tracks_, earlier_.get());
         for (const std::string& name : folder_.unread)
-            run_.playlistEntries.NoteUnread(name);
+            NoteUnread(name);
         for (const FileEntry& file : Counted(run_, folder_.lists)) {
             if (generated_.HaveName(file.name)) {
                 run_.playlistEntries.NoteMadeAnew(file.name);
@@ -195,8 +224,7 @@ class CaptureExisting {
             run_.ShowItem("1. Capture Existing Playlists - " + file.name);
             steps_.Concerning(file.path);
             // One that cannot be read must not cost the others their songs.
-            if (!steps_.Try(5, [&] { capture.Read(file); }))
-                run_.playlistEntries.NoteUnread(file.name);
+            if (!steps_.Try(5, [&] { capture.Read(file); })) NoteUnread(file.name);
         }
         steps_.Concerning({});
         if (capture.FromSnapshot() > 0) {
@@ -205,29 +233,40 @@ class CaptureExisting {
                          std::to_string(capture.FromSnapshot()));
         }
         // An unmounted drive is an empty folder: what is kept for its lists stays for them.
-        if (run_.playlistEntries.ReadCount() == 0 && earlier_) return KnowNothing();
+        if (earlier_ && run_.playlistEntries.ReadCount() == 0 && unread_.empty())
+            return KnowNothing();
         SnapshotContent content;
         content.captured = capture.TakePlaylists();
-        if (earlier_) AddUnread(content.takenOver);
-        Write(std::move(content), run_.playlistEntries.HasUnread());
+        AddUnread(content);
+        Write(std::move(content));
     }
 
-    void AddUnread(std::vector<const CapturedPlaylist*>& takenOver) const {
-        for (const CapturedPlaylist& playlist : earlier_->Playlists()) {
-            if (run_.playlistEntries.IsUnread(playlist.name)) takenOver.push_back(&playlist);
+    void NoteUnread(const std::string& name) {
+        run_.playlistEntries.NoteUnread(name);
+        unread_.push_back(name);
+    }
+
+    /// Keeps for each unread list what is known of it from earlier, else what all places mean now.
+    void AddUnread(SnapshotContent& content) const {
+        std::map<const CapturedPlaces*, std::vector<std::string>> names;
+        for (const std::string& name : unread_) {
+            const CapturedPlaylist* const known = earlier_ ? earlier_->Find(name) : nullptr;
+            if (known != nullptr) {
+                content.takenOver.push_back(known);
+            } else {
+                names[earlier_ ? earlier_->PlacesFor(name) : nullptr].push_back(name);
+            }
+        }
+        for (auto& [earlier, lists] : names) {
+            content.places.push_back(earlier == nullptr ? PresentPlaces(tracks_, run_.clock.Now())
+                                                        : *earlier);
+            content.places.back().names = std::move(lists);
         }
     }
 
     /// The run is worth as much without the snapshot, as long as nobody interrupts it.
-    void Write(SnapshotContent content, bool withPlaces) {
-        steps_.Try(6, [&] {
-            if (withPlaces) {
-                content.places = earlier_ && earlier_->Places()
-                                     ? earlier_->Places()
-                                     : PresentPlaces(tracks_, run_.clock.Now());
-            }
-            WritePlaylistSnapshot(run_, tracks_, content);
-        });
+    void Write(SnapshotContent content) {
+        steps_.Try(6, [&] { WritePlaylistSnapshot(run_, tracks_, content); });
         // Songs may become others while the library changes; then it is written anew.
         run_.playlistEntries.OnKeep([&run = run_, earlier = earlier_, kept = std::move(content)] {
             WritePlaylistSnapshot(run, TrackIndex(*run.connection), kept);
@@ -240,6 +279,7 @@ class CaptureExisting {
     TrackIndex tracks_;
     std::shared_ptr<const PlaylistSnapshot> earlier_;  ///< null: none
     PlaylistFolder folder_;
+    std::vector<std::string> unread_;  ///< names
 };
 
 }  // namespace

@@ -7,7 +7,8 @@ struct FileEntry;
 
 /// Whether a file that does not have a playlist's name is one all the same: it begins with the
 /// header, or every line behind the first is an entry and the first of these names an album of the
-/// database. Settings, databases, music and the lists of other players never are. Throws Failure.
+/// database. Settings, databases, music, the lists of other players and the
+/// companions that some systems put beside files never are. Throws Failure.
 bool ReadsAsPlaylist(Run& run, const FileEntry& file);
 
 }  // namespace quillon

@@ -1,5 +1,6 @@
 #include "playlists/playlist_snapshot.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <utility>
@@ -12,8 +13,9 @@
 namespace quillon {
 namespace {
 
-constexpr std::string_view ListKind = "List", PlacesKind = "Places", EntryKind = "Entry";
-constexpr std::array Kinds{ListKind, PlacesKind, EntryKind};
+constexpr std::string_view ListKind = "List", PlacesKind = "Places", ForKind = "For",
+                           EntryKind = "Entry";
+constexpr std::array Kinds{ListKind, PlacesKind, ForKind, EntryKind};
 constexpr SnapshotFormat Format{.title = "Quillon playlist snapshot 2", .kinds = Kinds};
 
 std::string PathOf(const Run& run) {
@@ -59,6 +61,8 @@ constexpr double SecondsADay = 24 * 60 * 60;
 
 void WritePlaces(SnapshotWriter& file, const CapturedPlaces& places) {
     file.Line(PlacesKind).Whole(std::llround(places.time.days * SecondsADay));
+    for (const std::string& name : places.names)
+        file.Line(ForKind).Text(name);
     for (const CapturedEntry& entry : places.entries)
         WriteEntry(file, entry);
 }
@@ -73,12 +77,9 @@ void Write(Run& run, const TrackIndex* tracks, const SnapshotContent& content) {
         WriteCaptured(file, run, *tracks, playlist);
     for (const CapturedPlaylist* const playlist : content.takenOver)
         WriteTakenOver(file, *playlist);
-    if (content.places) WritePlaces(file, *content.places);
+    for (const CapturedPlaces& places : content.places)
+        WritePlaces(file, places);
     file.Close();
-}
-
-std::string PlaceKey(std::string_view cdjid, std::int32_t index) {
-    return LowerCase(cdjid) + ' ' + std::to_string(index);
 }
 
 /// Takes the lines of a snapshot; entries belong to the list or the places before them.
@@ -92,9 +93,11 @@ class LineReader {
             playlist.content.fingerprint = line.Whole<std::uint32_t>();
         } else if (kind == PlacesKind) {
             const auto seconds = static_cast<double>(line.Whole<std::int64_t>());
-            places_.emplace().time.days = seconds / SecondsADay;
-        } else if (places_) {
-            TakeEntry(line, places_->entries);
+            places_.emplace_back().time.days = seconds / SecondsADay;
+        } else if (kind == ForKind && !places_.empty()) {
+            places_.back().names.push_back(line.Text());
+        } else if (!places_.empty()) {
+            TakeEntry(line, places_.back().entries);
         } else if (!playlists_.empty()) {
             TakeEntry(line, playlists_.back().entries);
         } else {
@@ -106,7 +109,8 @@ class LineReader {
         PlaylistSnapshot snapshot;
         for (CapturedPlaylist& playlist : playlists_)
             snapshot.Add(std::move(playlist));
-        if (places_) snapshot.SetPlaces(std::move(*places_));
+        for (CapturedPlaces& places : places_)
+            snapshot.Add(std::move(places));
         return snapshot;
     }
 
@@ -121,7 +125,7 @@ class LineReader {
     }
 
     std::vector<CapturedPlaylist> playlists_;
-    std::optional<CapturedPlaces> places_;
+    std::vector<CapturedPlaces> places_;
 };
 
 /// Whether one of the entries' rows is the one that was captured; notes in `anyThere` whether any
@@ -148,18 +152,15 @@ const CapturedPlaylist* PlaylistSnapshot::Find(std::string_view name) const {
     return found == byName_.end() ? nullptr : &playlists_[found->second];
 }
 
-void PlaylistSnapshot::SetPlaces(CapturedPlaces places) {
-    places_ = std::move(places);
-    byPlace_.clear();
-    for (std::size_t at = 0; at < places_->entries.size(); ++at) {
-        const CapturedEntry& entry = places_->entries[at];
-        byPlace_.try_emplace(PlaceKey(entry.cdjid, entry.index), at);
-    }
+bool CapturedPlaces::AreFor(std::string_view name) const {
+    const auto isName = [name](const std::string& own) { return EqualIgnoringCase(own, name); };
+    return names.empty() || std::any_of(names.begin(), names.end(), isName);
 }
 
-const CapturedEntry* PlaylistSnapshot::AtPlace(std::string_view cdjid, std::int32_t index) const {
-    const auto found = byPlace_.find(PlaceKey(cdjid, index));
-    return found == byPlace_.end() ? nullptr : &places_->entries[found->second];
+const CapturedPlaces* PlaylistSnapshot::PlacesFor(std::string_view name) const {
+    const auto areFor = [name](const CapturedPlaces& places) { return places.AreFor(name); };
+    const auto found = std::find_if(places_.begin(), places_.end(), areFor);
+    return found == places_.end() ? nullptr : &*found;
 }
 
 bool PlaylistSnapshot::IsForeignTo(const TrackIndex& tracks) const {
@@ -167,12 +168,15 @@ bool PlaylistSnapshot::IsForeignTo(const TrackIndex& tracks) const {
     for (const CapturedPlaylist& playlist : playlists_) {
         if (KnowsOne(tracks, playlist.entries, anyThere)) return false;
     }
-    if (places_ && KnowsOne(tracks, places_->entries, anyThere)) return false;
+    for (const CapturedPlaces& places : places_) {
+        if (KnowsOne(tracks, places.entries, anyThere)) return false;
+    }
     return anyThere;
 }
 
 CapturedPlaces PresentPlaces(const TrackIndex& tracks, DateTime now) {
-    CapturedPlaces places{.time = now, .entries = {}};
+    CapturedPlaces places;
+    places.time = now;
     for (const IndexedTrack& track : tracks.All()) {
         const std::string_view cdjid = tracks.Cdjid(track);
         if (tracks.FindPlace(cdjid, track.number) != &track) continue;

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "platform/date_time.h"
@@ -39,11 +40,15 @@ struct CapturedPlaylist {
     std::vector<CapturedEntry> entries;
 };
 
-/// Which song each place of each album was at a time. Kept where a playlist was there and could
-/// not be read: its lines mean the songs of then, whenever they can be read.
+/// Which song each place of each album was at a time. Kept where playlists were there and could
+/// not be read: their lines mean the songs of then, whenever they can be read.
 struct CapturedPlaces {
     DateTime time;
+    std::vector<std::string> names;  ///< of these playlists; none where the folder was unreadable
     std::vector<CapturedEntry> entries;
+
+    /// Whether a playlist of this name is meant.
+    bool AreFor(std::string_view name) const;
 };
 
 /// What an earlier run had captured and not repaired.
@@ -54,10 +59,10 @@ class PlaylistSnapshot {
     /// Null when there is no such playlist.
     const CapturedPlaylist* Find(std::string_view name) const;
 
-    void SetPlaces(CapturedPlaces places);
-    const std::optional<CapturedPlaces>& Places() const { return places_; }
-    /// Null when no song was there. Letter case does not count.
-    const CapturedEntry* AtPlace(std::string_view cdjid, std::int32_t index) const;
+    void Add(CapturedPlaces places) { places_.push_back(std::move(places)); }
+    const std::vector<CapturedPlaces>& Places() const { return places_; }
+    /// What was kept for a playlist that was not captured; null when nothing was.
+    const CapturedPlaces* PlacesFor(std::string_view name) const;
 
     /// Whether it is of another database than these tracks: some rows are there, and not one of
     /// them is the one that was captured.
@@ -66,8 +71,7 @@ class PlaylistSnapshot {
   private:
     std::vector<CapturedPlaylist> playlists_;
     std::unordered_map<std::string, std::size_t> byName_;  ///< in lower case
-    std::optional<CapturedPlaces> places_;
-    std::unordered_map<std::string, std::size_t> byPlace_;  ///< by line in lower case
+    std::vector<CapturedPlaces> places_;
 };
 
 /// Part of the working set: the entries of one playlist, which were added one behind the other.
@@ -81,9 +85,9 @@ struct PlaylistRange {
 struct SnapshotContent {
     std::vector<PlaylistRange> captured;             ///< of the run's working set
     std::vector<const CapturedPlaylist*> takenOver;  ///< from an earlier snapshot
-    std::optional<CapturedPlaces> places;
+    std::vector<CapturedPlaces> places;
 
-    bool IsEmpty() const { return captured.empty() && takenOver.empty() && !places; }
+    bool IsEmpty() const { return captured.empty() && takenOver.empty() && places.empty(); }
 };
 
 /// The places of all tracks at present.

@@ -190,6 +190,41 @@ TEST_F(AwkwardFiles, InAFolderThatIsNotWritableAreNotChanged) {
     }));
 }
 
+/// The root of a drive with all that a person keeps there.
+TEST_F(AwkwardFiles, AreAllThatIsTouchedInAFolderOfOtherThings) {
+    library.run.settings.PlayListPath = R"(D:\)";
+    std::ofstream(library.Folder() / "Mine.pla", std::ios::binary) << "header\nA0 0\n\n";
+    for (const char* name : {"Quillon.ini", "host.ini", "notes.txt", "song.mp3", "plain"})
+        std::ofstream(library.Folder() / name, std::ios::binary) << "[a]\nb=c\n";
+    Repair();
+    EXPECT_EQ(fs::file_size(library.Folder() / "Mine.pla"), std::string("header__A0 0__").size());
+    for (const char* name : {"Quillon.ini", "host.ini", "notes.txt", "song.mp3", "plain"})
+        EXPECT_TRUE(fs::exists(library.Folder() / name)) << name;
+    EXPECT_THAT(library.host.log,
+                ElementsAre(HasSubstr(R"(PlayListPath (D:\) is the root of a drive)")));
+}
+
+TEST_F(AwkwardFiles, OfMoreThanAListCanHoldAreNotTakenIntoMemory) {
+    Write("Huge.pla", "header\nA0 0\n");
+    fs::resize_file(Lists() / "Huge.pla", std::uintmax_t{65} << 20U);
+    Write("Good.pla", "header\nA0 0\n\n");
+    Repair();
+    EXPECT_EQ(Bytes("Good.pla"), "header\r\nA0 0\r\n");
+    EXPECT_EQ(fs::file_size(Lists() / "Huge.pla"), std::uintmax_t{65} << 20U);
+    EXPECT_THAT(library.host.log,
+                ElementsAre(HasSubstr(R"(Overflow: D:\Lists\Huge.pla is too large for a playlist)")));
+}
+
+/// A link whose disk is away stands for a list.
+TEST_F(AwkwardFiles, ThatLeadNowhereAtPresentKeepWhatTheyMeant) {
+    fs::create_symlink("nowhere", Lists() / "Away.pla");
+    Write("Mine.pla", "header\nA0 0\n");
+    Repair();
+    EXPECT_TRUE(fs::is_symlink(Lists() / "Away.pla"));
+    EXPECT_TRUE(library.run.playlistEntries.IsUnread("Away.pla"));
+    EXPECT_TRUE(fs::exists(library.DatabaseFile().string() + ".playlists"));
+}
+
 TEST_F(AwkwardFiles, AreNotMissedWhereThereIsNoFolder) {
     fs::remove(Lists());
     Repair();

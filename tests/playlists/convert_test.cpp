@@ -227,6 +227,88 @@ TEST_F(ConvertTest, StopsBeforeTheNextFileWhenAborted) {
     EXPECT_FALSE(M3uExists("B.m3u"));
 }
 
+TEST(M3u8Name, IsThatOfTheOtherFileWithItsOwnExtension) {
+    EXPECT_EQ(M3u8Name("Rock.m3u"), "Rock.m3u8");
+    EXPECT_EQ(M3u8Name("Rock.M3U"), "Rock.M3U8");
+    EXPECT_EQ(M3u8Name("notes.txt"), "notes.txt.m3u8");
+}
+
+/// A song in letters that the code page lacks.
+class Utf8ListTest : public ConvertTest {
+  protected:
+    Utf8ListTest() {
+        library.Execute(R"(UPDATE Tracks SET SoundFile='D:\Music\初恋.mp3' WHERE Title='One')");
+        library.Execute("UPDATE Tracks SET Artist='Âme' WHERE Title='Two'");
+        AddList("Mine.pla", {"A0 0", "A0 1"});
+        Convert();
+    }
+
+    void GiveItAUsualPath() {
+        library.Execute(R"(UPDATE Tracks SET SoundFile='D:\Music\x.mp3' WHERE Title='One')");
+        library.host.log.clear();
+        library.calls.Forget();
+    }
+};
+
+TEST_F(Utf8ListTest, HasAllSongsAndTheOtherSaysWhichItLacks) {
+    EXPECT_EQ(M3u("Mine.m3u8"),
+              "#EXTM3U\r\n"
+              "#EXTINF:185,Ann - One\r\nD:\\Music\\初恋.mp3\r\n"
+              "#EXTINF:185,Âme - Two\r\nD:\\Music\\A0\\Two.mp3\r\n");
+    EXPECT_EQ(M3u("Mine.m3u"), "#EXTM3U\r\n#EXTINF:185,\xC2me - Two\r\nD:\\Music\\A0\\Two.mp3\r\n");
+    EXPECT_THAT(library.host.log,
+                ElementsAre(R"(Quillon: PlaToM3u: D:\M3u\Mine.m3u lacks 1 song, whose path it )"
+                            R"(cannot hold; D:\M3u\Mine.m3u8 has all: D:\Music\初恋.mp3)"));
+    EXPECT_EQ(run().counts.playlistsWritten, 2U);
+}
+
+TEST_F(Utf8ListTest, IsMadeOnlyWhereItIsNeeded) {
+    AddList("Other.pla", {"A0 1"});
+    Convert();
+    EXPECT_FALSE(M3uExists("Other.m3u8"));
+}
+
+TEST_F(Utf8ListTest, IsKeptTrueWhenItIsNotNeededAnyMore) {
+    GiveItAUsualPath();
+    Convert();
+    EXPECT_THAT(M3u("Mine.m3u8"), HasSubstr("D:\\Music\\x.mp3"));
+    EXPECT_THAT(library.host.log, IsEmpty());
+}
+
+TEST_F(Utf8ListTest, TellsOfManyInOneLine) {
+    library.host.log.clear();
+    library.Execute(R"(UPDATE Tracks SET SoundFile='D:\Music\恋' & ID & '.mp3')");
+    AddAlbum("L0", "Ell", {"a", "b", "c", "d", "e", "f", "g", "h", "i", "j", "k", "l"});
+    library.Execute(R"(UPDATE Tracks SET SoundFile='D:\恋\' & ID & '.mp3' WHERE CDJID='L0')");
+    AddList("Mine.pla", {"L0 -1"});
+    Convert();
+    EXPECT_THAT(library.host.log, ElementsAre(HasSubstr("lacks 12 songs, whose paths it cannot")));
+    EXPECT_THAT(library.host.log[0], HasSubstr(" and 2 more"));
+}
+
+TEST_F(ConvertTest, WritesNothingASecondTime) {
+    AddList("Mine.pla", {"A0 0"});
+    Convert();
+    library.calls.Forget();
+    Convert();
+    EXPECT_THAT(library.calls.Of({"CreateText"}), IsEmpty());
+    EXPECT_EQ(run().counts.playlistsWritten, 1U);
+}
+
+/// Only a playlist's own name says that what it leads to is the tool's.
+TEST_F(ConvertTest, ReplacesNoOtherTextByAListOfItsName) {
+    AddList("notes.txt", {"A0 1"});
+    library.files.AddFile(R"(D:\M3u\notes.txt)", "my notes");
+    Convert();
+    EXPECT_EQ(M3u("notes.txt"), "my notes");
+    EXPECT_THAT(library.host.log,
+                ElementsAre(R"(Quillon: PlaToM3u: D:\M3u\notes.txt is no playlist, so )"
+                            R"(D:\Lists\notes.txt is not converted)"));
+    library.files.AddFile(R"(D:\M3u\notes.txt)", "#EXTM3U\r\n");
+    Convert();
+    EXPECT_THAT(Titles("notes.txt"), ElementsAre("Two"));
+}
+
 TEST_F(ConvertTest, ConvertsNothingInTheOppositeDirection) {
     library.files.AddFile(R"(D:\M3u\Mine.m3u)", "#EXTM3U\r\nD:\\Music\\A0\\One.mp3\r\n");
     M3uToPla(run());

@@ -105,6 +105,24 @@ TEST_F(InterruptedTest, DoesNotCountForADatabaseThatWasReplaced) {
     EXPECT_THAT(Lines("Mine.pla"), ElementsAre("A0 0", "A0 2"));
 }
 
+/// A run before had renamed the file by its tag, or another has given all paths another drive.
+TEST_F(InterruptedTest, CountsForRowsWhosePathsAreOthersSince) {
+    library.Execute("UPDATE Tracks SET SoundFile='D:\\Music\\A0\\Ann - ' & Title & '.mp3' "
+                    "WHERE Title='One'");
+    library.Execute("UPDATE Tracks SET SoundFile='\\\\nas\\music\\Music\\A0\\' & Title & '.mp3' "
+                    "WHERE Title='Three'");
+    CaptureAndRefresh();
+    EXPECT_THAT(Lines("Mine.pla"), ElementsAre("A0 1", "A0 0"));
+}
+
+/// One row that is another song costs no other entry its song.
+TEST_F(InterruptedTest, CountsForEachEntryByItself) {
+    library.Execute(R"(UPDATE Tracks SET SoundFile='E:\else\x.mp3' WHERE Title='Three')");
+    CaptureAndRefresh();
+    EXPECT_THAT(Lines("Mine.pla"), ElementsAre("A0 1", "A0 2"))
+        << "the one by its row, the other by its line";
+}
+
 TEST_F(InterruptedTest, GoesByTheFilesWhereTheSnapshotIsDamaged) {
     const std::string text = library.files.Content(Snapshot);
     library.files.AddFile(Snapshot, text.substr(0, text.size() / 2));

@@ -49,6 +49,7 @@ class FakeFiles : public Files {
 
     /// Nobody can tell what has this path: it is listed as unseen, and so is nothing below it.
     void HideFromView(const std::string& path) { unseen_[KeyOf(path)] = path; }
+    void ShowAll() { unseen_.clear(); }
 
     /// Called before a file is opened for reading bytes; what another program does meanwhile.
     std::function<void(std::string_view path)> beforeOpenBinary;

@@ -1,0 +1,155 @@
+// Playlists that are there and cannot be read while the library is renumbered. Whenever they can be
+// read again, they mean the songs of then.
+
+#include <gmock/gmock.h>
+
+#include "tests/playlists/playlist_fixture.h"
+
+namespace quillon {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+
+class UnreadLists : public PlaylistTest {
+  protected:
+    UnreadLists() {
+        run().settings.GenrePlaylist = false;
+        run().settings.ArtistPlaylist = false;
+        AddList("Bad.pla", {"A0 0", "A0 2"});
+        AddList("Good.pla", {"A0 0", "A0 2"});
+    }
+
+    void WholeRun() {
+        CapturePlaylists(run());
+        RefreshPlaylist(run());
+    }
+
+    /// A run in which the songs of an album get another order.
+    void RenumberingRun() {
+        CapturePlaylists(run());
+        Renumber("One", 2);
+        Renumber("Two", 3);
+        Renumber("Three", 1);
+        RefreshPlaylist(run());
+    }
+
+    void RefuseBad() {
+        library.calls.Refuse(R"(OpenBinary D:\Lists\Bad.pla)", FailureNumber::PathFileAccess, "x");
+    }
+
+    bool SnapshotExists() { return library.files.FileExists(Snapshot); }
+};
+
+TEST_F(UnreadLists, AreRepairedByTheNextRunThatCanReadThem) {
+    RefuseBad();
+    RenumberingRun();
+    EXPECT_THAT(Lines("Bad.pla"), ElementsAre("A0 0", "A0 2"));
+    EXPECT_THAT(Lines("Good.pla"), ElementsAre("A0 1", "A0 0"));
+    EXPECT_THAT(library.host.log[0], HasSubstr("Capture Playlists Error: Line 5 Path/File access"));
+    EXPECT_TRUE(SnapshotExists());
+
+    NextRun();
+    WholeRun();
+    EXPECT_THAT(library.host.log, SizeIs(1)) << "still not to be read";
+    Renumber("Three", 9);
+    NextRun();
+    library.calls = {};
+    WholeRun();
+    EXPECT_THAT(Lines("Bad.pla"), ElementsAre("A0 1", "A0 8"));
+    EXPECT_FALSE(SnapshotExists());
+}
+
+TEST_F(UnreadLists, CanBeOnesThatNobodyCanLookAt) {
+    library.files.HideFromView(R"(D:\Lists\Bad.pla)");
+    RenumberingRun();
+    EXPECT_TRUE(Entries().IsUnread("Bad.pla"));
+    EXPECT_TRUE(SnapshotExists());
+    NextRun();
+    library.files.ShowAll();
+    WholeRun();
+    EXPECT_THAT(Lines("Bad.pla"), ElementsAre("A0 1", "A0 0"));
+}
+
+TEST_F(UnreadLists, CanBeAllThatTheFolderHolds) {
+    library.files.unlistable.insert(R"(D:\Lists)");
+    RenumberingRun();
+    EXPECT_THAT(library.host.log,
+                ElementsAre(R"(Quillon: Capture Playlists Error: Line 3 Permission denied: )"
+                            R"(D:\Lists)"));
+    NextRun();
+    library.files.unlistable.clear();
+    WholeRun();
+    EXPECT_THAT(Lines("Bad.pla"), ElementsAre("A0 1", "A0 0"));
+    EXPECT_THAT(Lines("Good.pla"), ElementsAre("A0 1", "A0 0"));
+    EXPECT_FALSE(SnapshotExists());
+}
+
+TEST_F(UnreadLists, MeanWhatAnEarlierRunHadCapturedOfThem) {
+    CapturePlaylists(run());
+    Renumber("One", 2);
+    Renumber("Two", 1);
+    NextRun();
+    RefuseBad();
+    RenumberingRun();
+    NextRun();
+    library.calls = {};
+    WholeRun();
+    EXPECT_THAT(Lines("Bad.pla"), ElementsAre("A0 1", "A0 0"));
+}
+
+TEST_F(UnreadLists, MeanTheSongsOfTheirOwnTime) {
+    RefuseBad();
+    RenumberingRun();
+    const std::string good = List("Good.pla");
+    NextRun();
+    library.calls.Refuse(R"(OpenBinary D:\Lists\Good.pla)", FailureNumber::PathFileAccess, "x");
+    CapturePlaylists(run());
+    Renumber("Three", 8);
+    RefreshPlaylist(run());
+    EXPECT_EQ(List("Good.pla"), good);
+    NextRun();
+    library.calls = {};
+    WholeRun();
+    EXPECT_THAT(Lines("Bad.pla"), ElementsAre("A0 1", "A0 7"));
+    EXPECT_THAT(Lines("Good.pla"), ElementsAre("A0 1", "A0 7"));
+    EXPECT_FALSE(SnapshotExists());
+}
+
+/// Whoever saved it since meant the songs as they are numbered now.
+TEST_F(UnreadLists, MeanWhatTheySayWhenTheyWereSavedSince) {
+    RefuseBad();
+    RenumberingRun();
+    NextRun();
+    library.calls = {};
+    library.files.AddFile(R"(D:\Lists\Bad.pla)", List("Bad.pla"), MakeDateTime(2026, 11, 16));
+    WholeRun();
+    EXPECT_THAT(Lines("Bad.pla"), ElementsAre("A0 0", "A0 2"));
+    EXPECT_THAT(library.host.log, IsEmpty());
+}
+
+TEST_F(UnreadLists, LoseNoEntryToAReplacedDatabase) {
+    RefuseBad();
+    RenumberingRun();
+    NextRun();
+    library.calls = {};
+    library.Execute(R"(UPDATE Tracks SET SoundFile='E:\else\' & Title)");
+    WholeRun();
+    EXPECT_THAT(Lines("Bad.pla"), ElementsAre("A0 0", "A0 2"));
+}
+
+TEST_F(UnreadLists, AreLeftAloneWhereTheyCanBeReadInTheMeantime) {
+    RefuseBad();
+    CapturePlaylists(run());
+    Renumber("One", 7);
+    library.calls = {};
+    library.host.log.clear();
+    RefreshPlaylist(run());
+    EXPECT_THAT(Lines("Bad.pla"), ElementsAre("A0 0", "A0 2"));
+    EXPECT_TRUE(SnapshotExists());
+}
+
+}  // namespace
+}  // namespace quillon
