@@ -86,8 +86,14 @@ def files_of(library):
                 name = path.relative_to(library.folder)
                 own = path.parent == library.host and path.name.startswith(("jukebox.", "host.log"))
                 if not own and not is_backup(name) and not is_unfinished(name):
-                    found[re.sub(r"/Removed/[-_\d]{19}/", "/Removed/STAMP/", str(name))] = path
+                    found[neutral(str(name))] = path
     return found
+
+
+def neutral(name):
+    """Without the time of a removal, and without the number that keeps two of a name apart there."""
+    kept = re.sub(r"/Removed/[-_\d]{19}/", "/Removed/STAMP/", name)
+    return re.sub(r" \(\d+\)(?=\.\w+$)", "", kept) if kept != name else name
 
 
 def songs_at(library):

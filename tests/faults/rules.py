@@ -7,6 +7,7 @@ from dataclasses import dataclass
 from looking import PRECIOUS, differences, is_backup, shown
 from points import LISTING
 
+PAGES = "AlbumPicker"
 ABORTED = 3
 NOTHING_RAN = 2
 
@@ -60,15 +61,18 @@ def lost_songs(before, now, undisturbed, being_written=None):
             yield Breach("song damaged", f"{name} holds {now.parts['file'][name]}")
 
 
-def lost_files(before, now, undisturbed):
-    """Covers, pages and lists of other players are what they were or what they were to become."""
+def lost_files(before, now, undisturbed, killed):
+    """Covers and lists of other players are what they were or what they were to become. Pages are
+    there; a kill may leave their whole folder under the name that the next run takes it back from."""
     for name, content in before.parts["file"].items():
         if name in before.songs or not all(name in sight.parts["file"] for sight in undisturbed):
             continue
         states = {content, *(sight.parts["file"][name] for sight in undisturbed)}
+        aside = name.replace(f"/{PAGES}/", f"/{PAGES}.old/")
         if name not in now.parts["file"]:
-            yield Breach("file lost", f"{name} is gone")
-        elif now.parts["file"][name] not in states:
+            if not (killed and now.parts["file"].get(aside) == content):
+                yield Breach("file lost", f"{name} is gone")
+        elif now.parts["file"][name] not in states and f"/{PAGES}/" not in name:
             yield Breach("file damaged", f"{name} holds {now.parts['file'][name]}")
 
 
@@ -84,7 +88,7 @@ def losses(before, now, undisturbed, being_written=None):
     yield from lost_rows(before, now, undisturbed[-1])
     yield from lost_lists(before, now, undisturbed)
     yield from lost_songs(before, now, undisturbed, being_written)
-    yield from lost_files(before, now, undisturbed)
+    yield from lost_files(before, now, undisturbed, being_written is not None)
 
 
 def content_of(path):
@@ -131,7 +135,9 @@ def names_for(call, path):
         elif part in ("disk", "host"):
             words |= {"D:", "H:", name}
         else:
-            words |= {name, parent} if "." not in name else {name}
+            # Folders of pages are made and replaced as a whole.
+            whole = "." not in name or f"/{PAGES}." in part
+            words |= {name, parent} if whole else {name}
     return words
 
 
