@@ -9,11 +9,15 @@ def rows(stage):
     return [row for row in stage.exported("Tracks") if row["SoundFile"]]
 
 
+def text(lines):
+    """The bytes of a playlist of these lines."""
+    return "".join(f"{line}\r\n" for line in [HEADER, *lines]).encode("cp1252")
+
+
 def write(stage, name, sound_files):
     """A playlist of these sound files, by the numbers that they have at present."""
     line_of = {row["SoundFile"]: f"{row['CDJID']} {int(row['Track']) - 1}" for row in rows(stage)}
-    lines = [HEADER] + [line_of[file] for file in sound_files]
-    (stage.disk / "Lists" / name).write_bytes("".join(f"{line}\r\n" for line in lines).encode())
+    (stage.disk / "Lists" / name).write_bytes(text(line_of[file] for file in sound_files))
 
 
 def contents(stage):
@@ -28,12 +32,13 @@ def put_back(stage, playlists):
         (stage.disk / "Lists" / name).write_bytes(content)
 
 
+def entries(content):
+    """The entries of a playlist, each as the two words of its line."""
+    return [line.split(" ") for line in content.decode("cp1252").split("\r\n")[1:-1]]
+
+
 def songs(stage):
     """The sound files that each playlist names, in its order; None for an entry that names none."""
     file_at = {(row["CDJID"], int(row["Track"]) - 1): row["SoundFile"] for row in rows(stage)}
-    named = {}
-    for name, content in contents(stage).items():
-        lines = content.decode("cp1252").split("\r\n")[1:-1]
-        places = [line.split(" ") for line in lines]
-        named[name] = [file_at.get((cdjid, int(index))) for cdjid, index in places]
-    return named
+    return {name: [file_at.get((cdjid, int(index))) for cdjid, index in entries(content)]
+            for name, content in contents(stage).items()}

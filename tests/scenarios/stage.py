@@ -71,24 +71,13 @@ class Stage:
 
     def start(self, *arguments, unprivileged=False, **options):
         """The program as a process, in the stage's folder."""
-        command = [str(self.program), *arguments]
         if unprivileged and os.geteuid() == 0:
             options.update(user=NOBODY, group=NOBODY, extra_groups=[])
-        environment = dict(os.environ, LC_ALL="C.UTF-8")
-        environment.pop("QUILLON_HOST", None)
-        return subprocess.Popen(command, cwd=self.work, stdin=subprocess.DEVNULL, env=environment,
-                                stdout=subprocess.PIPE, stderr=subprocess.PIPE, **options)
+        return start([str(self.program), *arguments], self.work, **options)
 
     def call(self, *arguments, **options):
         """Runs the program to its end: exit status, standard output, standard error."""
-        process = self.start(*arguments, **options)
-        try:
-            output, errors = process.communicate(timeout=TIME_LIMIT)
-        except subprocess.TimeoutExpired:
-            process.kill()
-            process.communicate()
-            raise Failed(f"quillon {' '.join(arguments)} did not end") from None
-        return process.returncode, output.decode("utf-8"), errors.decode("utf-8")
+        return told_by(self.start(*arguments, **options))
 
     def tool(self, *arguments):
         """Runs the program where it must succeed; its output."""
@@ -144,9 +133,33 @@ class Stage:
                 raise Failed(f"{leftover.name} was left behind")
 
     def exported(self, table):
-        result = subprocess.run(["mdb-export", self.database, table], check=True,
-                                capture_output=True, env=dict(os.environ, LC_ALL="C.UTF-8"))
-        return list(csv.DictReader(io.StringIO(result.stdout.decode("utf-8"), newline="")))
+        return exported(self.database, table)
+
+
+def start(command, folder, environment=None, **options):
+    """A program as a process in a folder, with further variables of its environment."""
+    variables = dict(os.environ, LC_ALL="C.UTF-8", **(environment or {}))
+    variables.pop("QUILLON_HOST", None)
+    return subprocess.Popen(command, cwd=folder, stdin=subprocess.DEVNULL, env=variables,
+                            stdout=subprocess.PIPE, stderr=subprocess.PIPE, **options)
+
+
+def told_by(process, time_limit=TIME_LIMIT):
+    """Waits for a process: exit status, standard output, standard error."""
+    try:
+        output, errors = process.communicate(timeout=time_limit)
+    except subprocess.TimeoutExpired:
+        process.kill()
+        process.communicate()
+        raise Failed(f"{' '.join(map(str, process.args))} did not end") from None
+    return process.returncode, output.decode("utf-8"), errors.decode("utf-8")
+
+
+def exported(database, table, *options):
+    """The rows of a table as mdb-export prints them."""
+    result = subprocess.run(["mdb-export", *options, database, table], check=True,
+                            capture_output=True, env=dict(os.environ, LC_ALL="C.UTF-8"))
+    return list(csv.DictReader(io.StringIO(result.stdout.decode("utf-8"), newline="")))
 
 
 TABLES = ("Albums", "Tracks", "Playlists", "Spinner", "SpinnerArtist", "SpinnerGenre",
