@@ -45,6 +45,7 @@ struct RunReport {
     RunCounts counts;        ///< of rows only what the database holds for good
     Removals::AllGone gone;  ///< likewise
     bool saved = true;       ///< whether that is all that was counted
+    bool braked = false;     ///< whether something would have gone, and the brake held
 };
 
 /// The run-wide objects, made once and passed by reference to every phase. Phases read settings
