@@ -52,7 +52,7 @@ void Run::Flush() {
 }
 
 RunReport Run::Report() const {
-    RunReport report{.counts = counts, .gone = removals.All()};
+    RunReport report{.counts = counts, .gone = removals.All(), .braked = removals.Braked()};
     for (std::size_t RunCounts::* const count : RowCounts)
         report.counts.*count = savedCounts_.*count;
     report.gone.at(static_cast<std::size_t>(Removable::Tracks)) = savedTracks_;

@@ -46,6 +46,7 @@ struct RunReport {
     RunCounts counts;        ///< of rows only what the database holds for good
     Removals::AllGone gone;  ///< likewise
     bool saved = true;       ///< whether that is all that was counted
+    bool braked = false;     ///< whether something would have gone, and the brake held
 };
 
 /// What is told elsewhere because the host's log does not take it.

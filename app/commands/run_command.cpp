@@ -46,6 +46,7 @@ int RunLibrary(const RunRequest& request) {
         std::chrono::duration_cast<std::chrono::seconds>(std::chrono::steady_clock::now() - start),
         report.gone,
         report.saved,
+        report.braked,
         ReadRemovedMusicSetting(local.host).keep};
     view->Summarize(summary);
     LineOutput errors(STDERR_FILENO);

@@ -14,6 +14,7 @@ namespace {
 constexpr std::size_t LeastRecordColumns = 12;
 
 constexpr const char* NothingWasChanged = "No album, track, file, playlist or tag was changed.";
+constexpr const char* BrakeHeld = "The brake held, host.log tells what would have gone.";
 constexpr const char* NotAllSaved =
     "Not all could be saved in the database; what is not certain is not counted.";
 constexpr const char* SeeCheck = "'quillon check' tells what stands in the way.";
@@ -92,6 +93,7 @@ std::vector<std::string> Remarks(const RunSummary& summary) {
         sentences.push_back(fmt::format("{} left out, see 'quillon check'.",
                                         Counted(summary.counts.leftOut, "file")));
     }
+    if (summary.braked) sentences.emplace_back(BrakeHeld);
     if (!summary.saved) sentences.emplace_back(NotAllSaved);
     return sentences;
 }

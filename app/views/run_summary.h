@@ -17,7 +17,8 @@ struct RunSummary {
     RunCounts counts;
     std::chrono::seconds elapsed{};
     Removals::AllGone gone{};
-    bool saved = true;         ///< see RunReport
+    bool saved = true;  ///< see RunReport, also for the next
+    bool braked = false;
     bool keepsRemoved = true;  ///< removed music lies in the host folder and is not lost
 };
 

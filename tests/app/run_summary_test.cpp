@@ -151,6 +151,16 @@ TEST(SummaryText, NamesOneThingInTheSingular) {
               "1 file left out, see 'quillon check'.");
 }
 
+TEST(SummaryText, TellsThatTheBrakeHeld) {
+    RunSummary summary{RunOutcome::Completed, {}, seconds(1)};
+    summary.counts.errors = 1;
+    summary.counts.tracksUnchanged = 7;
+    summary.braked = true;
+    EXPECT_EQ(SummaryText(summary),
+              "Done in 0:00:01; 1 error in host.log. Tracks: 7 unchanged. The brake held, host.log "
+              "tells what would have gone.");
+}
+
 TEST(SummaryText, DoesNotSayThatNothingChangedWhereThatIsNotCertain) {
     RunSummary summary{RunOutcome::Completed, {}, seconds(1)};
     summary.counts.errors = 1;

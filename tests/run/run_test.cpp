@@ -73,6 +73,13 @@ TEST(RunReport, TellsOfRowsOnlyWhatTheDatabaseHoldsForGood) {
     EXPECT_FALSE(run.Report().saved);
 }
 
+TEST(RunReport, TellsWhetherTheBrakeHeld) {
+    OpenWorld world;
+    EXPECT_FALSE(world.run.Report().braked);
+    world.run.removals.Allow(world.run, {.names = {"a"}, .doubt = "no music was found in D:\\"});
+    EXPECT_TRUE(world.run.Report().braked);
+}
+
 TEST(RunReport, TellsOfFilesWhatHappenedToThem) {
     OpenWorld world;
     world.run.counts = {.tagsWritten = 1,
