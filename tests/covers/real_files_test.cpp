@@ -26,7 +26,7 @@ class RealPickerTest : public ::testing::Test {
   protected:
     RealPickerTest()
         : resolver_(Drives(Folder())),
-          files_(resolver_, [this](const std::string& note) { host.log.push_back(note); }),
+          files_(resolver_, [this](LogKind, const std::string& note) { host.log.push_back(note); }),
           databases_(resolver_),
           run(host, files_, clock_, window_) {
         fs::create_directories(Html());
