@@ -130,7 +130,7 @@ class Stage {
 
     outside::TemporaryFolder folder_;
     PathResolver resolver_{Drives(folder_.Path())};
-    PortableFiles files_{resolver_, [](const std::string&) {}};
+    PortableFiles files_{resolver_, [](LogKind, const std::string&) {}};
     SystemClock clock_;
     NoWindow window_;
 

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "platform/failure.h"
@@ -35,23 +36,54 @@ class TagBytes {
     std::uint64_t size_;
 };
 
+/// A record, as far as it could be read.
+struct ReadRecord {
+    std::string text;
+    bool isWhole = true;
+};
+
+ReadRecord ReadRecordOf(Run& run, std::string_view path, const GenreName& genreName) {
+    ReadRecord record;
+    Steps steps(run, "Read ID3 File Error:");
+    steps.Concerning(std::string(path));
+    const auto attempt = [&](int step, const std::function<void()>& work) {
+        const bool done = steps.Try(step, work);
+        record.isWhole &= done;
+        return done;
+    };
+    FileEntry file;
+    if (!attempt(2, [&] { file = run.files.GetFile(path); }) || file.size <= TagSize) return record;
+    std::unique_ptr<TagBytes> tag;
+    if (!attempt(3, [&] { tag = std::make_unique<TagBytes>(run.files, file.path); })) return record;
+    record.text = TagRecord(
+        [&tag](std::size_t offset, std::size_t count) { return tag->Read(offset, count); }, attempt,
+        genreName);
+    return record;
+}
+
+GenreName NamesOf(const Run& run) {
+    return [&run](std::uint8_t number) { return run.GenreNames[number]; };
+}
+
 }  // namespace
 
 std::string ReadID3(Run& run, std::string_view path) {
-    return ReadID3(run, path, [&run](std::uint8_t number) { return run.GenreNames[number]; });
+    return ReadRecordOf(run, path, NamesOf(run)).text;
 }
 
 std::string ReadID3(Run& run, std::string_view path, const GenreName& genreName) {
-    Steps steps(run, "Read ID3 File Error:");
-    FileEntry file;
-    if (!steps.Try(2, [&] { file = run.files.GetFile(path); })) return "";
-    if (file.size <= TagSize) return "";
-    std::unique_ptr<TagBytes> tag;
-    if (!steps.Try(3, [&] { tag = std::make_unique<TagBytes>(run.files, file.path); })) return "";
-    return TagRecord(
-        [&tag](std::size_t offset, std::size_t count) { return tag->Read(offset, count); },
-        [&steps](int step, const std::function<void()>& work) { return steps.Try(step, work); },
-        genreName);
+    return ReadRecordOf(run, path, genreName).text;
+}
+
+std::optional<std::string> ReadWholeID3(Run& run, std::string_view path) {
+    return ReadWholeID3(run, path, NamesOf(run));
+}
+
+std::optional<std::string> ReadWholeID3(Run& run, std::string_view path,
+                                        const GenreName& genreName) {
+    ReadRecord record = ReadRecordOf(run, path, genreName);
+    if (!record.isWhole) return std::nullopt;
+    return std::move(record.text);
 }
 
 }  // namespace quillon

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -16,5 +17,10 @@ std::string ReadID3(Run& run, std::string_view path);
 
 /// The same with another text for the genre's number than the name that the run has read for it.
 std::string ReadID3(Run& run, std::string_view path, const GenreName& genreName);
+
+/// The same, telling "no tag" from "could not be read": nothing where a step failed.
+std::optional<std::string> ReadWholeID3(Run& run, std::string_view path);
+std::optional<std::string> ReadWholeID3(Run& run, std::string_view path,
+                                        const GenreName& genreName);
 
 }  // namespace quillon

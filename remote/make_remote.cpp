@@ -39,7 +39,7 @@ constexpr std::array PathSteps{
 };
 
 void ChangeDrives(Run& run, Steps& steps, const PathStep& step, const std::string& drive) {
-    steps.Concerning({});
+    steps.Concerning(std::string(step.item));
     const std::unique_ptr<RecordSet> rows = run.connection->OpenUpdatable(
         "SELECT " + std::string(step.field) + " FROM " + std::string(step.rows));
     run.StartCountingRows(step.rows);
@@ -47,8 +47,10 @@ void ChangeDrives(Run& run, Steps& steps, const PathStep& step, const std::strin
         run.ProcessEvents();
         const std::string path = rows->Text(step.field);
         steps.Concerning(path);
-        rows->Set(step.field, ChangeDrive(drive, path));
+        const std::string changed = ChangeDrive(drive, path);
+        rows->Set(step.field, changed);
         rows->Update();
+        if (changed != path) ++run.counts.rowsRepointed;
         run.CountDone();
     }
 }

@@ -5,9 +5,11 @@
 
 namespace quillon {
 
-ExcludedArtists::ExcludedArtists(const Run& run) {
-    if (run.ExcludeEmpty) return;
-    for (const std::string& name : run.ExcludeList)
+ExcludedArtists::ExcludedArtists(const Run& run)
+    : ExcludedArtists(run.ExcludeEmpty ? std::vector<std::string>() : run.ExcludeList) {}
+
+ExcludedArtists::ExcludedArtists(const std::vector<std::string>& names) {
+    for (const std::string& name : names)
         names_.insert(LowerCase(name));
 }
 

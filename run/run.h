@@ -13,6 +13,7 @@
 #include "platform/files.h"
 #include "platform/host.h"
 #include "platform/window.h"
+#include "run/left_out.h"
 #include "run/playlist_entries.h"
 #include "run/random_numbers.h"
 #include "run/removals.h"
@@ -32,7 +33,7 @@ struct RunCounts {
     /// Music files and covers, in the order of the words.
     std::size_t filesRenamed = 0, filesRemoved = 0, filesCopied = 0;
     std::size_t rowsRepointed = 0;  ///< rows whose stored path has become another one
-    std::size_t leftOut = 0;        ///< music files and folders that the layout has no place for
+    std::size_t leftOut = 0;        ///< music files that the layout has no place for
     std::size_t errors = 0;         ///< calls of LogError
 };
 
@@ -95,6 +96,9 @@ class Run {
     bool AbortRequested = false;
 
     RunCounts counts;
+
+    /// The music that the walk had no place for, as far as it came.
+    LeftOut leftOut;
 
     /// What may go away, and what has gone.
     Removals removals;

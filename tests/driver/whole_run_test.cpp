@@ -40,7 +40,8 @@ struct Program {
     fakes::FakeWindow window{calls};
     HostFolder host;
     PathResolver resolver;
-    PortableFiles files{resolver, [this](LogKind, const std::string& note) { notes.push_back(note); }};
+    PortableFiles files{resolver,
+                        [this](LogKind, const std::string& note) { notes.push_back(note); }};
     JetDatabaseProvider databases{resolver};
     Run run{host, files, clock, window};
     std::vector<std::string> notes;

@@ -14,7 +14,8 @@ class FilesTest : public testing::Test {
   protected:
     FilesTest()
         : resolver_(Drives(folder_)),
-          files_(resolver_, [this](const std::string& message) { notes_.push_back(message); }) {}
+          files_(resolver_,
+                 [this](LogKind, const std::string& message) { notes_.push_back(message); }) {}
 
     static DriveTable Drives(const TemporaryFolder& folder) {
         DriveTable drives(folder.Path());

@@ -195,7 +195,7 @@ TEST_F(WithinTest, SeesThroughDrivesAndLinks) {
     drives.Map("M", folder_ / "Music");
     drives.Map("\\\\nas\\music", folder_ / "Music");
     PathResolver resolver(drives);
-    PortableFiles files(resolver, [](const std::string&) {});
+    PortableFiles files(resolver, [](LogKind, const std::string&) {});
     EXPECT_TRUE(files.IsWithin("M:\\", "D:\\Music"));
     EXPECT_TRUE(files.IsWithin("M:\\Artist", "\\\\nas\\music"));
     EXPECT_TRUE(files.IsWithin("\\\\nas\\music\\Artist", "D:\\"));

@@ -15,7 +15,6 @@
 #include "database/marks.h"
 #include "database/remove_duplicates.h"
 #include "reconcile/refresh_database.h"
-#include "run/log.h"
 #include "tests/support/database_rows.h"
 #include "tests/support/open_database.h"
 #include "tests/support/sound_file.h"
@@ -55,10 +54,7 @@ int StatusOf(const std::function<void()>& work) {
 RealLibrary::RealLibrary()
     : resolver_(Drives(folder_.Path())),
       files_(resolver_,
-             [this](LogKind kind, const std::string& message) {
-                 if (kind == LogKind::Error) return LogError(run, LogSource, message);
-                 WriteLog(run, LogSource, message);
-             }),
+             [this](LogKind, const std::string& message) { host.WriteLog("Quillon", message); }),
       run(host, files_, clock, window) {
     fs::create_directory(Music());
     fs::create_directory(DatabaseFile().parent_path());
