@@ -58,7 +58,7 @@ class Stage {
     }
 
   private:
-    static void Drop(const std::string&) {}
+    static void Drop(LogKind, const std::string&) {}
     void Fill(std::size_t tracks);
 
     outside::TemporaryFolder folder_;

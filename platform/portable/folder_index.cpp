@@ -15,6 +15,10 @@ namespace {
 // Enough for every folder that a phase works in at a time; more would only hold memory.
 constexpr std::size_t MostListings = 64;
 
+bool IsMissing(int error) {
+    return error == ENOENT || error == ENOTDIR;
+}
+
 bool SameTime(const std::timespec& left, const std::timespec& right) {
     return left.tv_sec == right.tv_sec && left.tv_nsec == right.tv_nsec;
 }
@@ -45,8 +49,10 @@ int FolderIndex::ReadStamp(const std::string& folder, Stamp& stamp) {
     return 0;
 }
 
-FolderIndex::Listing FolderIndex::ReadNames(const std::string& folder) {
+/// Nothing when there is no such folder.
+std::optional<FolderIndex::Listing> FolderIndex::ReadNames(const std::string& folder) {
     const FolderStream stream = OpenFolder(folder);
+    if (!stream && IsMissing(errno)) return std::nullopt;
     if (!stream) throw SystemFailure(errno, folder);
     Listing listing;
     while (true) {
@@ -63,15 +69,16 @@ std::string FolderIndex::Find(const std::string& folder, std::string_view name) 
     // The stamp is taken before the names, so that a change meanwhile shows at the next look.
     Stamp stamp;
     if (const int error = ReadStamp(folder, stamp); error != 0) {
-        if (error == ENOENT || error == ENOTDIR) return {};
+        if (IsMissing(error)) return {};
         throw SystemFailure(error, folder);
     }
     auto found = listings_.find(folder);
     if (found == listings_.end() || !(found->second.stamp == stamp)) {
         if (found == listings_.end() && listings_.size() >= MostListings) listings_.clear();
-        Listing listing = ReadNames(folder);
-        listing.stamp = stamp;
-        found = listings_.insert_or_assign(folder, std::move(listing)).first;
+        std::optional<Listing> listing = ReadNames(folder);
+        if (!listing) return {};
+        listing->stamp = stamp;
+        found = listings_.insert_or_assign(folder, *std::move(listing)).first;
     }
     const auto entry = found->second.names.find(UpperCase(name));
     return entry == found->second.names.end() ? std::string() : entry->second.name;

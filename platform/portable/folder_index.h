@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <ctime>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -41,7 +42,7 @@ class FolderIndex {
 
     /// The system's error number, 0 when the stamp was read.
     static int ReadStamp(const std::string& folder, Stamp& stamp);
-    static Listing ReadNames(const std::string& folder);
+    static std::optional<Listing> ReadNames(const std::string& folder);
 
     std::unordered_map<std::string, Listing> listings_;
 };

@@ -96,8 +96,13 @@ void FolderLister::ForEach(const WindowsPath& shown, const std::string& local, W
         if (fstatat(dirfd(stream.get()), entry->d_name, &facts, 0) != 0) {
             // Even "no such file" is no proof: it is what a link says whose disk is away, and what
             // some network drives say for a moment. It was listed just now.
+            const int error = errno;
             list.unseen.push_back(shown.Child(name));
-            NoteUnseen(errno, list.unseen.back());
+            const bool isThere =
+                fstatat(dirfd(stream.get()), entry->d_name, &facts, AT_SYMLINK_NOFOLLOW) == 0;
+            // Not even the entry itself can be looked at: then the whole folder is out of reach.
+            if (!isThere && errno != ENOENT) throw SystemFailure(errno, list.unseen.back());
+            NoteUnseen(error, list.unseen.back());
         } else if ((facts.st_mode & S_IFMT) == wantedMode) {
             visit(name, facts);
         } else if (!S_ISREG(facts.st_mode) && !S_ISDIR(facts.st_mode)) {

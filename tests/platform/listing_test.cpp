@@ -28,20 +28,22 @@ TEST_F(ListingTest, TellsPathSizeAndTime) {
     folder_.MakeFile("Music/x.mp3", "12345");
     const timespec times[] = {{0, UTIME_OMIT}, {1763204335, 999'999'999}};
     utimensat(AT_FDCWD, (folder_ / "Music/x.mp3").c_str(), times, 0);
-    const std::vector<FileEntry> entries = files_.FilesIn("d:/Music/");
+    const Listing<FileEntry> entries = files_.FilesIn("d:/Music/");
     ASSERT_EQ(entries.size(), 1U);
-    EXPECT_EQ(entries[0].path, "d:\\Music\\x.mp3");
-    EXPECT_EQ(entries[0].name, "x.mp3");
-    EXPECT_EQ(entries[0].size, 5U);
-    EXPECT_EQ(entries[0].modified, LocalTime().Of(1763204335));
+    EXPECT_EQ(entries.entries[0].path, "d:\\Music\\x.mp3");
+    EXPECT_EQ(entries.entries[0].name, "x.mp3");
+    EXPECT_EQ(entries.entries[0].size, 5U);
+    EXPECT_EQ(entries.entries[0].modified, LocalTime().Of(1763204335));
     EXPECT_EQ(files_.FilesIn("D:\\").size(), 0U);
-    EXPECT_EQ(files_.SubFolders("D:\\")[0].path, "D:\\Music");
+    EXPECT_EQ(files_.SubFolders("D:\\").entries[0].path, "D:\\Music");
 }
 
-TEST_F(ListingTest, ListsBothOfNamesThatDifferInCase) {
+TEST_F(ListingTest, OfFilesWhoseNamesDifferInCaseOneIsListed) {
     folder_.MakeFile("M/song.mp3", "1");
     folder_.MakeFile("M/SONG.mp3", "22");
-    EXPECT_EQ(FileNames("D:\\M"), (Names{"SONG.mp3", "song.mp3"}));
+    EXPECT_EQ(FileNames("D:\\M"), Names{"SONG.mp3"});
+    EXPECT_EQ(notes_, Names{"Left out, its name differs in letter case alone from that of another "
+                            "file: D:\\M\\song.mp3"});
     EXPECT_EQ(files_.GetFile("D:\\M\\song.mp3").size, 1U);
     EXPECT_EQ(files_.GetFile("D:\\M\\SONG.mp3").size, 2U);
 }
@@ -77,12 +79,52 @@ TEST_F(ListingTest, FollowsLinksAndNotesBrokenOnes) {
     std::filesystem::create_symlink("nowhere", folder_ / "M/broken.mp3");
     std::filesystem::create_symlink("itself", folder_ / "M/itself");
     EXPECT_EQ(FileNames("D:\\M"), Names{"link.mp3"});
-    EXPECT_EQ(files_.FilesIn("D:\\M")[0].size, 3U);
+    EXPECT_EQ(files_.FilesIn("D:\\M").entries[0].size, 3U);
     EXPECT_EQ(FolderNames("D:\\M"), Names{"Folder"});
     EXPECT_EQ(FileNames("D:\\M\\Folder"), Names{"x.mp3"});
     std::sort(notes_.begin(), notes_.end());
-    EXPECT_EQ(notes_, (Names{"Left out, a link that leads nowhere: D:\\M\\broken.mp3",
-                             "Left out, a link that leads nowhere: D:\\M\\itself"}));
+    EXPECT_EQ(notes_,
+              (Names{"Cannot be looked at, what it stands for is kept: D:\\M\\broken.mp3 (it leads "
+                     "to where nothing is at present)",
+                     "Cannot be looked at, what it stands for is kept: D:\\M\\itself (Too many "
+                     "levels of symbolic links)"}));
+}
+
+TEST_F(ListingTest, ALinkWhoseTargetIsAwayIsUnseenAmongFilesAndFolders) {
+    folder_.MakeFile("M/song.mp3");
+    folder_.MakeFolder("M/Folder");
+    std::filesystem::create_symlink("away", folder_ / "M/Link");
+    EXPECT_EQ(files_.FilesIn("D:\\M").unseen, Names{"D:\\M\\Link"});
+    EXPECT_EQ(files_.SubFolders("D:\\M").unseen, Names{"D:\\M\\Link"});
+    EXPECT_EQ(FileNames("D:\\M"), Names{"song.mp3"});
+    EXPECT_EQ(FolderNames("D:\\M"), Names{"Folder"});
+}
+
+TEST_F(ListingTest, NobodyCanTellWhetherAPathBehindALostLinkExists) {
+    folder_.MakeFolder("M");
+    std::filesystem::create_symlink("away", folder_ / "M/Link");
+    const std::string reason = " (a link leads to where nothing is at present)";
+    for (const char* const path : {"D:\\M\\Link", "D:\\M\\Link\\Album", "D:\\M\\Link\\a.mp3"}) {
+        const std::string message = std::string("Path not found: ") + path + reason;
+        EXPECT_EQ(FailureOf([&] { files_.FolderExists(path); }), message);
+        EXPECT_EQ(FailureOf([&] { files_.FileExists(path); }), message);
+        EXPECT_TRUE(FolderMayExist(files_, path));
+    }
+    EXPECT_FALSE(files_.FolderExists("D:\\M\\Other"));
+    EXPECT_FALSE(FolderMayExist(files_, "D:\\M\\Other"));
+}
+
+TEST_F(ListingTest, NobodyCanTellWhatAClosedFolderHolds) {
+    folder_.MakeFile("M/Closed/x.mp3");
+    chmod(folder_.Path().c_str(), 0755);
+    chmod((folder_ / "M/Closed").c_str(), 0);
+    EXPECT_EQ(AsOrdinaryUser(
+                  [&] { return FailureOf([&] { files_.FileExists("D:\\M\\Closed\\x.mp3"); }); }),
+              "Permission denied: D:\\M\\Closed\\x.mp3");
+    EXPECT_NE(AsOrdinaryUser(
+                  [&] { return FailureOf([&] { files_.FileExists("D:\\M\\Closed\\X.mp3"); }); }),
+              "");
+    chmod((folder_ / "M/Closed").c_str(), 0755);
 }
 
 TEST_F(ListingTest, DoesNotEnterAFolderInsideItself) {
@@ -108,9 +150,9 @@ TEST_F(ListingTest, ALinkAboveTheMappedFolderEndsAtTheMappedFolder) {
     PathResolver resolver(drives);
     PortableFiles files(resolver, nullptr);
     EXPECT_EQ(files.SubFolders("M:\\").size(), 2U);
-    const std::vector<FolderEntry> entries = files.SubFolders("M:\\Above");
+    const Listing<FolderEntry> entries = files.SubFolders("M:\\Above");
     ASSERT_EQ(entries.size(), 1U);
-    EXPECT_EQ(entries[0].path, "M:\\Above\\Other");
+    EXPECT_EQ(entries.entries[0].path, "M:\\Above\\Other");
 }
 
 TEST_F(ListingTest, LeavesOutPipesAndSockets) {
@@ -150,7 +192,7 @@ TEST_F(ListingTest, ThousandsOfFilesOfOneFolder) {
     constexpr int Count = 5000;
     for (int i = 0; i < Count; ++i)
         folder_.MakeFile("Flat/" + std::to_string(i) + ".mp3");
-    const std::vector<FileEntry> entries = files_.FilesIn("D:\\Flat");
+    const Listing<FileEntry> entries = files_.FilesIn("D:\\Flat");
     ASSERT_EQ(entries.size(), static_cast<std::size_t>(Count));
     EXPECT_TRUE(std::is_sorted(entries.begin(), entries.end(),
                                [](const FileEntry& left, const FileEntry& right) {
