@@ -1,8 +1,10 @@
 #include "covers/cover_set.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "platform/basic_text.h"
+#include "run/paths.h"
 #include "run/steps.h"
 
 namespace quillon {
@@ -19,6 +21,17 @@ void CoverSet::Add(std::string name, std::string path) {
     byName_.try_emplace(LowerCase(name), position);
     byNameWithoutApostrophes_.try_emplace(WithoutApostrophes(name), position);
     covers_.push_back({std::move(name), std::move(path)});
+}
+
+void CoverSet::NoteEmptyFolder(std::string_view folder) {
+    emptyFolders_.push_back(AddBackslash(folder));
+}
+
+bool CoverSet::IsInEmptyFolder(std::string_view path) const {
+    const std::string lower = LowerCase(Replace(path, "/", "\\"));
+    return std::any_of(
+        emptyFolders_.begin(), emptyFolders_.end(),
+        [&lower](const std::string& folder) { return lower.starts_with(LowerCase(folder)); });
 }
 
 Cover* CoverSet::Find(const Index& index, const std::string& key) {

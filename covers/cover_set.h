@@ -27,7 +27,14 @@ class CoverSet {
     void NoteUnseen() { isWhole_ = false; }
     bool IsWhole() const { return isWhole_; }
 
+    /// A scanned folder holds no image at all, like the mount point of a drive that is away.
+    void NoteEmptyFolder(std::string_view folder);
+    const std::vector<std::string>& EmptyFolders() const { return emptyFolders_; }
+    /// Whether an image of this path would lie in such a folder.
+    bool IsInEmptyFolder(std::string_view path) const;
+
     bool IsEmpty() const { return covers_.empty(); }
+    std::size_t Size() const { return covers_.size(); }
     const std::vector<Cover>& InOrder() const { return covers_; }
 
     /// The cover of this name, whatever its letter case; null when there is none.
@@ -41,6 +48,7 @@ class CoverSet {
 
     std::vector<Cover> covers_;
     bool isWhole_ = true;
+    std::vector<std::string> emptyFolders_;  ///< with a backslash at the end
     Index byName_, byNameWithoutApostrophes_;  ///< positions of the first of each name
 };
 

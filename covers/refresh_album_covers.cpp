@@ -36,42 +36,44 @@ void SetImageFile(Run& run, RecordSet& album, const std::string& path) {
                       : counts.imagesChanged);
 }
 
-/// Whether an album whose image was not found loses it. A cover folder without any image looks like
-/// the mount point of a drive that is away.
-bool MayEmptyImages(Run& run, const CoverSet& covers) {
+/// Whether an album that points at this image, which was not found, loses it.
+bool MayEmpty(const Run& run, const CoverSet& covers, std::string_view image) {
     if (!covers.IsWhole()) return false;
-    const bool isDoubtful =
-        covers.IsEmpty() && run.removals.limits.Brake && !run.removals.allAllowed;
-    return !isDoubtful;
+    if (!run.removals.limits.Brake || run.removals.allAllowed) return true;
+    return !covers.IsEmpty() && !covers.IsInEmptyFolder(image);
 }
 
-void CompareAlbums(Run& run, RecordSet& albums, CoverSet& covers) {
-    const bool mayEmpty = MayEmptyImages(run, covers);
+void TellKeptImages(Run& run, const CoverSet& covers, std::size_t kept) {
+    const bool isOne = kept == 1;
+    LogError(run, LogSource,
+             "Album Covers: " + std::to_string(kept) +
+                 (isOne ? " album keeps its image, which was"
+                        : " albums keep their images, which were") +
+                 " not found, because " +
+                 (covers.IsWhole() ? "there is no image at all in " + covers.EmptyFolders().front()
+                                   : "not all could be looked at") +
+                 ". See to the drives and folders and run again");
+}
+
+void CompareAlbums(Run& run, Steps& steps, RecordSet& albums, CoverSet& covers) {
     std::size_t kept = 0;
     run.StartCountingRows("Albums");
     for (; !albums.IsEof(); albums.MoveNext(), run.CountDone()) {
         run.ProcessEvents();
         const std::string imageFile = albums.Text("ImageFile");
         if (imageFile.empty()) continue;
+        steps.Concerning(imageFile);
         Cover* const cover = findExactRecord(run, covers, FileName(imageFile));
         if (cover != nullptr) {
             cover->processed = true;
             SetImageFile(run, albums, cover->path);
-        } else if (mayEmpty) {
+        } else if (MayEmpty(run, covers, imageFile)) {
             SetImageFile(run, albums, "");
         } else {
             ++kept;
         }
     }
-    if (kept > 0) {
-        LogError(
-            run, LogSource,
-            "Album Covers: " + std::to_string(kept) +
-                (kept == 1 ? " album keeps its image" : " albums keep their images") + ", which " +
-                (kept == 1 ? "was" : "were") + " not found, because " +
-                (covers.IsEmpty() ? "there is no image at all" : "not all could be looked at") +
-                ". See to the drives and folders and run again");
-    }
+    if (kept > 0) TellKeptImages(run, covers, kept);
 }
 
 /// What a cover's file name says.
@@ -127,9 +129,10 @@ void AddCover(Run& run, RecordSet& albums, const Cover& cover) {
     LogCover(run, cover, "added to Albums database");
 }
 
-void AddNewCovers(Run& run, RecordSet& albums, const CoverSet& covers) {
+void AddNewCovers(Run& run, Steps& steps, RecordSet& albums, const CoverSet& covers) {
     for (const Cover& cover : Counted(run, covers.InOrder())) {
         run.ProcessEvents();
+        steps.Concerning(cover.path);
         if (!cover.processed) AddCover(run, albums, cover);
     }
 }
@@ -149,11 +152,12 @@ void RefreshAlbumCovers(Run& run) {
 
     run.ShowItem("2. Compare Albums with Database");
     if (run.AbortRequested) return;
-    if (!steps.Try(2, [&] { CompareAlbums(run, *albums, *covers); })) return;
+    if (!steps.Try(2, [&] { CompareAlbums(run, steps, *albums, *covers); })) return;
 
     run.ShowItem("3. Add New Covers to Database");
     if (run.AbortRequested) return;
-    steps.Try(3, [&] { AddNewCovers(run, *albums, *covers); });
+    steps.Concerning({});
+    steps.Try(3, [&] { AddNewCovers(run, steps, *albums, *covers); });
 }
 
 }  // namespace quillon

@@ -9,6 +9,7 @@
 #include "run/counted.h"
 #include "run/host_settings.h"
 #include "run/run.h"
+#include "run/sound_files.h"
 
 namespace quillon {
 namespace {
@@ -17,7 +18,7 @@ constexpr std::size_t ExtensionLength = 4;
 
 /// The last four characters alone: ".jpeg" is no extension of a cover.
 bool HasExtension(std::string_view name, std::string_view extension) {
-    return LowerCase(Right(name, ExtensionLength)) == extension;
+    return LowerCase(Right(name, ExtensionLength)) == extension && !IsCompanion(name);
 }
 
 std::string_view WithoutExtension(std::string_view name) {
@@ -82,9 +83,12 @@ std::optional<CoverSet> ScanCovers(Run& run) {
     run.ProcessEvents();
     if (run.AbortRequested) return std::nullopt;
     if (usesFolder) AddCoverFolder(run, coverFolder, covers);
+    if (usesFolder && covers.IsEmpty()) covers.NoteEmptyFolder(coverFolder);
     run.ProcessEvents();
     if (run.AbortRequested) return std::nullopt;
+    const std::size_t fromFolder = covers.Size();
     if (usesTree) AddLibraryTree(run, tree.ReservedFolder, covers);
+    if (usesTree && covers.Size() == fromFolder) covers.NoteEmptyFolder(run.settings.LibraryRoot);
     if (!usesFolder && !usesTree) return std::nullopt;
     return covers;
 }

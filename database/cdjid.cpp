@@ -27,9 +27,10 @@ std::optional<std::string> HighestCdjid(Run& run) {
 
 }  // namespace
 
-std::string CdjidSequence::GetNextCDJID() {
+std::string CdjidSequence::GetNextCDJID(std::string_view album) {
     std::string next;
     Steps steps(run_, "GetNextCDJID Error:");
+    steps.Concerning(std::string(album));
     steps.Try(0, [&] {
         if (!asked_) highest_ = HighestCdjid(run_);
         asked_ = true;

@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace quillon {
 
@@ -15,8 +16,8 @@ class CdjidSequence {
     explicit CdjidSequence(Run& run) : run_(run) {}
 
     /// The next identifier; the same one again until Taken() is told of it. "" after a failure,
-    /// which is logged.
-    std::string GetNextCDJID();
+    /// which is logged with the album that it is for.
+    std::string GetNextCDJID(std::string_view album = {});
 
     /// An album row with this identifier has been stored.
     void Taken(const std::string& cdjid);

@@ -23,6 +23,11 @@ Value FieldValue(MarkedValue value) {
     return std::int64_t{*value};
 }
 
+/// An album without an identifier may have got one since.
+bool IsAlbum(const MarkedAlbum& before, std::string_view cdjid) {
+    return before.cdjid == Fingerprint(cdjid) || before.cdjid == Fingerprint("");
+}
+
 /// Puts everything of a snapshot back. Rows are read first and written afterwards, since a result
 /// that is being walked must not change.
 class Restoration {
@@ -42,7 +47,7 @@ class Restoration {
             const std::int64_t id = rows->Integer("ID");
             const std::string cdjid = rows->Text("CDJID");
             const MarkedAlbum* const before = snapshot_.FindAlbum(id);
-            if (before == nullptr || before->cdjid != Fingerprint(cdjid)) continue;
+            if (before == nullptr || !IsAlbum(*before, cdjid)) continue;
             cdjids_.emplace(id, cdjid);
             if (rows->Get("Tracks") != FieldValue(before->count))
                 changes.push_back({id, before->count});

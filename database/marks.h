@@ -3,10 +3,12 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 namespace quillon {
 
+class Connection;
 class Run;
 
 /// Between marking and the sweeps of a reconciliation the database holds zeros in place of album
@@ -39,9 +41,14 @@ bool MarkSnapshotExists(Run& run);
 void RestoreMarks(Run& run);
 
 /// Gives back the counts and numbers of what is still marked below these folders, so that the
-/// sweeps leave it alone; what was 0 before gets a free number. The snapshot stays. Returns how
-/// many tracks that concerned.
-std::size_t RestoreMarksBelow(Run& run, const std::vector<UnlistedFolder>& folders);
+/// sweeps leave it alone; what was 0 before gets a free number. The snapshot stays. All folders of a
+/// run come at once: what an album lacks is added to the count that the walk gave it. Returns how
+/// many tracks that concerned below each of them; of folders inside each other the inner one counts.
+std::vector<std::size_t> RestoreMarksBelow(Run& run, const std::vector<UnlistedFolder>& folders);
+
+/// AlbumKey of the owned albums that have tracks below these folders. Throws Failure.
+std::unordered_set<std::string> AlbumsBelow(Connection& connection,
+                                            const std::vector<std::string>& folders);
 
 /// The marked state is over: makes the database durable, then removes the snapshot.
 void DiscardMarkSnapshot(Run& run);

@@ -3,8 +3,10 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <unordered_map>
 #include <unordered_set>
 
+#include "database/album_key.h"
 #include "database/mark_snapshot.h"
 #include "database/marks.h"
 #include "database/snapshot_file.h"
@@ -21,42 +23,41 @@ namespace {
 class UnlistedRows {
   public:
     explicit UnlistedRows(const std::vector<UnlistedFolder>& folders) {
-        for (const UnlistedFolder& folder : folders) {
+        for (std::size_t i = 0; i < folders.size(); ++i) {
+            const UnlistedFolder& folder = folders[i];
             std::string path = LowerCase(folder.path);
             while (path.ends_with('\\'))
                 path.pop_back();
-            paths_.insert(std::move(path));
+            paths_.try_emplace(std::move(path), i);
             if (folder.artist.empty()) {
                 wholeRoot_ = true;
             } else {
-                names_.insert(NameKey(folder.artist, folder.album));
+                names_.insert(AlbumKey(folder.artist, folder.album));
             }
         }
     }
 
-    bool HoldTrack(std::string_view soundFile) const {
+    /// The position of the folder that holds the track, or is it.
+    std::optional<std::size_t> FolderOf(std::string_view soundFile) const {
         std::string path = LowerCase(soundFile);
-        while (!paths_.contains(path)) {
+        while (true) {
+            if (const auto found = paths_.find(path); found != paths_.end()) return found->second;
             const std::size_t parent = path.rfind('\\');
-            if (parent == std::string::npos) return false;
+            if (parent == std::string::npos) return std::nullopt;
             path.resize(parent);
         }
-        return true;
     }
 
     bool NameAlbum(std::string_view artist, std::string_view title) const {
-        return names_.contains(NameKey(artist, "")) || names_.contains(NameKey(artist, title));
+        return names_.contains(AlbumKey(artist, "")) || names_.contains(AlbumKey(artist, title));
     }
 
     /// A root that cannot be listed does not tell which albums without tracks it held.
     bool HoldWholeRoot() const { return wholeRoot_; }
 
   private:
-    static std::string NameKey(std::string_view artist, std::string_view album) {
-        return LowerCase(artist) + '\\' + LowerCase(album);
-    }
-
-    std::unordered_set<std::string> paths_, names_;
+    std::unordered_map<std::string, std::size_t> paths_;  ///< in lower case
+    std::unordered_set<std::string> names_;
     bool wholeRoot_ = false;
 };
 
@@ -67,8 +68,8 @@ class PartialRestoration {
                        const UnlistedRows& unlisted)
         : connection_(connection), snapshot_(snapshot), unlisted_(unlisted) {}
 
-    /// Returns how many there are.
-    std::size_t RestoreTracks() {
+    /// Adds how many there are to the count of their folder.
+    void RestoreTracks(std::vector<std::size_t>& counts) {
         struct Change {
             std::int64_t id;
             MarkedValue number;
@@ -82,7 +83,9 @@ class PartialRestoration {
             "WHERE Albums.Player=1001 AND (Tracks.Track=0 OR Albums.Tracks=0)");
         for (; !rows->IsEof(); rows->MoveNext()) {
             const std::string soundFile = rows->Text("SoundFile");
-            if (!unlisted_.HoldTrack(soundFile)) continue;
+            const std::optional<std::size_t> folder = unlisted_.FolderOf(soundFile);
+            if (!folder) continue;
+            ++counts.at(*folder);
             const std::int64_t id = rows->Integer("ID"), present = rows->Integer("Track");
             const std::string cdjid = rows->Text("CDJID");
             ++keptTracks_[LowerCase(cdjid)];
@@ -101,10 +104,6 @@ class PartialRestoration {
             Write(*cursor, change.id, "Track", change.number);
         for (const auto& [cdjid, ids] : unsettled)
             NumberApart(connection_, *cursor, cdjid, ids);
-        std::size_t count = 0;
-        for (const auto& [cdjid, tracks] : keptTracks_)
-            count += static_cast<std::size_t>(tracks);
-        return count;
     }
 
     void RestoreAlbums() {
@@ -163,8 +162,26 @@ class PartialRestoration {
 
 }  // namespace
 
-std::size_t RestoreMarksBelow(Run& run, const std::vector<UnlistedFolder>& folders) {
-    if (folders.empty()) return 0;
+std::unordered_set<std::string> AlbumsBelow(Connection& connection,
+                                            const std::vector<std::string>& folders) {
+    std::vector<UnlistedFolder> unlistedFolders;
+    for (const std::string& folder : folders)
+        unlistedFolders.push_back({folder, "", ""});
+    const UnlistedRows unlisted(unlistedFolders);
+    std::unordered_set<std::string> albums;
+    const std::unique_ptr<RecordSet> rows = connection.Query(
+        "SELECT Tracks.SoundFile, Albums.Artist, Albums.Title "
+        "FROM Albums INNER JOIN Tracks ON Albums.CDJID = Tracks.CDJID WHERE Albums.Player=1001");
+    for (; !rows->IsEof(); rows->MoveNext()) {
+        if (unlisted.FolderOf(rows->Text("SoundFile")))
+            albums.insert(AlbumKey(rows->Text("Artist"), rows->Text("Title")));
+    }
+    return albums;
+}
+
+std::vector<std::size_t> RestoreMarksBelow(Run& run, const std::vector<UnlistedFolder>& folders) {
+    std::vector<std::size_t> counts(folders.size());
+    if (folders.empty()) return counts;
     std::optional<MarkSnapshot> snapshot;
     if (MarkSnapshotExists(run)) {
         snapshot = ReadMarkSnapshot(run.files, MarkSnapshotPath(run.settings.Nirvis_CDJ_DB));
@@ -173,9 +190,9 @@ std::size_t RestoreMarksBelow(Run& run, const std::vector<UnlistedFolder>& folde
     const MarkSnapshot before = snapshot ? std::move(*snapshot) : MarkSnapshot();
     const UnlistedRows unlisted(folders);
     PartialRestoration restoration(*run.connection, before, unlisted);
-    const std::size_t tracks = restoration.RestoreTracks();
+    restoration.RestoreTracks(counts);
     restoration.RestoreAlbums();
-    return tracks;
+    return counts;
 }
 
 }  // namespace quillon

@@ -2,11 +2,13 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "database/marks.h"
 #include "database/sql.h"
 #include "platform/database.h"
 #include "platform/failure.h"
+#include "run/log.h"
 #include "run/run.h"
 #include "run/steps.h"
 
@@ -45,14 +47,26 @@ void AddNames(Run& run, std::string_view query, std::vector<std::string>& names)
     }
 }
 
-/// The tracks of both kinds that are removed here.
-PlannedRemoval Unreconcilable(Run& run) {
-    PlannedRemoval planned{.kind = Removable::Tracks, .names = {}};
-    AddNames(run, WithDuplicatedIdentifier, planned.names);
-    AddNames(run, WithoutFile, planned.names);
-    if (planned.names.empty()) return planned;
-    planned.outOf = static_cast<std::size_t>(run.connection->Query(CountTracks)->Integer("Total"));
-    return planned;
+void AddAlbumNames(Run& run, const std::string& where, std::vector<std::string>& names) {
+    const std::unique_ptr<RecordSet> rows =
+        run.connection->Query("SELECT Artist, Title FROM Albums" + where);
+    for (; !rows->IsEof(); rows->MoveNext())
+        names.push_back(rows->Text("Artist") + '\\' + rows->Text("Title"));
+}
+
+/// Asks for all that is removed here at once.
+bool MayRemove(Run& run, std::vector<std::string> names, const std::vector<std::string>& more) {
+    names.insert(names.end(), more.begin(), more.end());
+    if (names.empty()) return true;
+    const auto total = run.connection->Query(CountTracks)->Integer("Total");
+    return run.removals.Allow(run, {.kind = Removable::Tracks,
+                                    .names = std::move(names),
+                                    .outOf = static_cast<std::size_t>(total)});
+}
+
+void NoteRemoved(Run& run, const std::vector<std::string>& names) {
+    for (const std::string& name : names)
+        run.removals.Note(Removable::Tracks, name);
 }
 
 /// One identifier a pass, all its rows and whatever their player: the folder walk makes fresh rows
@@ -64,6 +78,8 @@ void DeleteDuplicates(Run& run) {
         duplicates->MoveFirst();
         const std::string cdjid = duplicates->Text("CDJID Field");
         const std::string ofThisAlbum = " WHERE CDJID=" + Quoted(cdjid);
+        std::vector<std::string> names;
+        AddAlbumNames(run, ofThisAlbum, names);
         const auto albums = run.connection->Execute("DELETE * FROM Albums" + ofThisAlbum);
         const auto tracks = run.connection->Execute("DELETE * FROM Tracks" + ofThisAlbum);
         run.counts.albumsRemoved += static_cast<std::size_t>(albums);
@@ -73,39 +89,53 @@ void DeleteDuplicates(Run& run) {
             throw Failure::Described(FailureNumber::Database,
                                      "Duplicated identifier cannot be deleted: " + cdjid);
         }
+        for (const std::string& name : names) {
+            WriteLog(run, LogSource,
+                     "Album removed, it shared its CDJID " + cdjid + " with another: " + name);
+        }
     }
+}
+
+void DeleteWithoutFile(Run& run) {
+    std::vector<std::string> names;
+    AddNames(run, WithoutFile, names);
+    if (names.empty()) return;
+    const auto tracks = run.connection->Execute(DeleteTracksWithoutFile);
+    run.counts.tracksRemoved += static_cast<std::size_t>(tracks);
+    NoteRemoved(run, names);
+    for (const std::string& name : names)
+        WriteLog(run, LogSource, "Track removed, it had no file: " + name);
 }
 
 }  // namespace
 
 void RemoveDuplicates(Run& run) {
+    const std::string ofDuplicates = "Remove Duplicates Error on Delete Duplicate Query:";
+    const std::string ofTracksWithoutFile = "Remove Duplicates Error on SoundFile=Null Query:";
     Steps steps(run, "Remove Duplicates Error:");
     const bool mayMark = steps.Try(0, [&run] { TakeMarkSnapshot(run); });
     if (mayMark) {
         steps.TryAs("Remove Duplicates Error on Album Tracks=0 Query:", 1,
                     [&run] { run.connection->Execute(MarkAlbums); });
     }
-    PlannedRemoval planned;
-    const bool mayRemove =
-        steps.Try(0, [&] { planned = Unreconcilable(run); }) && run.removals.Allow(run, planned);
-    bool removed = mayRemove;
-    if (mayRemove) {
-        removed = steps.TryAs("Remove Duplicates Error on Delete Duplicate Query:", 2,
-                              [&run] { DeleteDuplicates(run); });
+    std::vector<std::string> withDuplicate, withoutFile;
+    const bool duplicatesKnown = steps.TryAs(
+        ofDuplicates, 2, [&] { AddNames(run, WithDuplicatedIdentifier, withDuplicate); });
+    const bool withoutFileKnown =
+        steps.TryAs(ofTracksWithoutFile, 4, [&] { AddNames(run, WithoutFile, withoutFile); });
+    bool mayRemove = false;
+    steps.Try(0, [&] { mayRemove = MayRemove(run, withDuplicate, withoutFile); });
+    if (mayRemove && duplicatesKnown) {
+        const bool removed =
+            steps.TryAs(ofDuplicates, 2, [&run] { DeleteDuplicates(run); });
+        if (removed) NoteRemoved(run, withDuplicate);
     }
     if (mayMark) {
         steps.TryAs("Remove Duplicates Error on Track=0 Query:", 3,
                     [&run] { run.connection->Execute(MarkTracks); });
     }
-    if (mayRemove) {
-        removed &= steps.TryAs("Remove Duplicates Error on SoundFile=Null Query:", 4, [&run] {
-            const auto tracks = run.connection->Execute(DeleteTracksWithoutFile);
-            run.counts.tracksRemoved += static_cast<std::size_t>(tracks);
-        });
-    }
-    if (!removed) return;
-    for (const std::string& name : planned.names)
-        run.removals.Note(Removable::Tracks, name);
+    if (mayRemove && withoutFileKnown)
+        steps.TryAs(ofTracksWithoutFile, 4, [&run] { DeleteWithoutFile(run); });
 }
 
 }  // namespace quillon

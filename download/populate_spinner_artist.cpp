@@ -39,6 +39,7 @@ void PopulateSpinnerArtist(Run& run) {
         const std::unique_ptr<RecordSet> spinnerArtist = run.connection->OpenTable("SpinnerArtist");
         for (const std::string& artist : Counted(run, AlbumArtists(*run.connection))) {
             run.ProcessEvents();
+            steps.Concerning(artist);
             const bool done = steps.Try(2, [&] {
                 if (IsDownloadArtist(*run.connection, artist)) return;
                 AddSpinnerArtistRow(*spinnerArtist, artist);

@@ -45,6 +45,10 @@ bool IsInDownloadTable(Connection& connection, const RecordSet& song) {
     return !connection.Query("SELECT * FROM Spinner WHERE " + SongCriterion(song))->IsEmpty();
 }
 
+std::string NameOf(const RecordSet& song) {
+    return song.Text("Artist") + '\\' + song.Text("Album") + '\\' + song.Text("Song");
+}
+
 /// Seconds; 0 while the length is not known.
 std::int64_t LengthOf(const RecordSet& song) {
     const std::int64_t minutes = song.Integer("Minutes");
@@ -115,6 +119,7 @@ void PopulateSpinnerTracks(Run& run) {
         run.StartCountingRows(SongRows);
         for (; !songs->IsEof(); songs->MoveNext(), run.CountDone()) {
             run.ProcessEvents();
+            steps.Concerning(NameOf(*songs));
             bool known = false;
             if (!steps.Try(2, [&] { known = IsInDownloadTable(*run.connection, *songs); }) || known)
                 continue;

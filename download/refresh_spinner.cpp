@@ -21,6 +21,10 @@ constexpr std::string_view RepeatedSongs =
     "[Artist],[Album],[Song] HAVING Count(*)>1  And [Album] = [Spinner].[Album] And [Song] = "
     "[Spinner].[Song]))) ORDER BY Spinner.Artist, Spinner.Album, Spinner.Song";
 
+std::string NameOf(const RecordSet& row) {
+    return row.Text("Artist") + '\\' + row.Text("Album") + '\\' + row.Text("Song");
+}
+
 bool IsInLibrary(Connection& connection, const RecordSet& row) {
     for (const char* field : {"Artist", "Album", "Song"}) {
         if (IsNull(row.Get(field))) return false;
@@ -36,6 +40,7 @@ void RemoveVanishedSongs(Run& run, Steps& steps) {
     const std::unique_ptr<RecordSet> spinner = run.connection->OpenTable("Spinner");
     for (; !spinner->IsEof(); spinner->MoveNext()) {
         run.ProcessEvents();
+        steps.Concerning(NameOf(*spinner));
         steps.Try(1, [&] {
             if (!IsInLibrary(*run.connection, *spinner)) spinner->Delete();
         });
@@ -79,6 +84,7 @@ void MergeRepeatedSongs(Run& run, Steps& steps) {
             kept = std::move(row);
             continue;
         }
+        steps.Concerning(row.artist + '\\' + row.album + '\\' + row.song);
         const bool merged =
             steps.Try(2, [&] { Merge(*spinner, kept.id, row.id, rows->Integer("Playcount")); });
         if (!merged) spinner->CancelUpdate();
@@ -92,6 +98,7 @@ void RefreshSpinner(Run& run) {
     run.ShowItem("1. Verify Download Tracks are in Database");
     steps.Try(1, [&] { RemoveVanishedSongs(run, steps); });
     run.ShowItem("2. Remove Download Track Duplicates");
+    steps.Concerning({});
     steps.Try(2, [&] { MergeRepeatedSongs(run, steps); });
 }
 

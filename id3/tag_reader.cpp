@@ -76,7 +76,12 @@ std::string ReadID3(Run& run, std::string_view path, const GenreName& genreName)
 }
 
 std::optional<std::string> ReadWholeID3(Run& run, std::string_view path) {
-    ReadRecord record = ReadRecordOf(run, path, NamesOf(run));
+    return ReadWholeID3(run, path, NamesOf(run));
+}
+
+std::optional<std::string> ReadWholeID3(Run& run, std::string_view path,
+                                        const GenreName& genreName) {
+    ReadRecord record = ReadRecordOf(run, path, genreName);
     if (!record.isWhole) return std::nullopt;
     return std::move(record.text);
 }

@@ -20,5 +20,7 @@ std::string ReadID3(Run& run, std::string_view path, const GenreName& genreName)
 
 /// The same, telling "no tag" from "could not be read": nothing where a step failed.
 std::optional<std::string> ReadWholeID3(Run& run, std::string_view path);
+std::optional<std::string> ReadWholeID3(Run& run, std::string_view path,
+                                        const GenreName& genreName);
 
 }  // namespace quillon

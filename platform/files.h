@@ -36,12 +36,22 @@ struct Listing {
     /// gone, so nobody may act as if it were. The adapter tells each as an error, once.
     std::vector<std::string> unseen;
 
+    /// Names of the other kind's entries beside them: of files beside folders, of folders beside
+    /// files. Nobody has looked at those, so they cost nothing; folders behind links are missing.
+    std::vector<std::string> others;
+
     auto begin() { return entries.begin(); }
     auto end() { return entries.end(); }
     auto begin() const { return entries.begin(); }
     auto end() const { return entries.end(); }
     std::size_t size() const { return entries.size(); }
     bool empty() const { return entries.empty(); }
+};
+
+/// The names of what is directly inside a folder, in no order.
+struct FolderNames {
+    std::vector<std::string> folders;  ///< without those behind links
+    std::vector<std::string> files;
 };
 
 /// What was seen of a file's end.
@@ -109,6 +119,10 @@ class Files {
     /// the folder could not be read to its end.
     virtual Listing<FolderEntry> SubFolders(std::string_view folder) = 0;
     virtual Listing<FileEntry> FilesIn(std::string_view folder) = 0;
+
+    /// The same for a look at what no phase works on: as cheap as can be, nothing is noted, and a
+    /// folder that cannot be listed has no names.
+    virtual FolderNames NamesIn(std::string_view folder) = 0;
 
     /// Failure: FileNotFound.
     virtual FileEntry GetFile(std::string_view path) = 0;

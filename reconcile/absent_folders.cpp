@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "database/marks.h"
 #include "platform/files.h"
 #include "run/library_lists.h"
 #include "run/log.h"
@@ -27,14 +26,18 @@ std::vector<std::string> AbsentLibraryFolders(Run& run) {
     return absent;
 }
 
-void KeepRowsOfAbsentFolders(Run& run) {
-    for (const std::string& folder : AbsentLibraryFolders(run)) {
-        const std::size_t kept = RestoreMarksBelow(run, {{folder, "", ""}});
-        if (kept == 0) continue;
+void KeepRowsBelow(Run& run, std::vector<UnlistedFolder> unlisted,
+                   const std::vector<std::string>& absent) {
+    const std::size_t visited = unlisted.size();
+    for (const std::string& folder : absent)
+        unlisted.push_back({folder, "", ""});
+    const std::vector<std::size_t> kept = RestoreMarksBelow(run, unlisted);
+    for (std::size_t i = visited; i < unlisted.size(); ++i) {
+        if (kept[i] == 0) continue;
         LogError(run, LogSource,
-                 "RefreshDatabase, No folder at library folder " + folder + ", " +
-                     std::to_string(kept) +
-                     (kept == 1 ? " track below it is kept" : " tracks below it are kept"));
+                 "RefreshDatabase, No folder at library folder " + unlisted[i].path + ", " +
+                     std::to_string(kept[i]) +
+                     (kept[i] == 1 ? " track below it is kept" : " tracks below it are kept"));
     }
 }
 

@@ -3,6 +3,8 @@
 #include <string>
 #include <vector>
 
+#include "database/marks.h"
+
 namespace quillon {
 
 class Run;
@@ -11,8 +13,10 @@ class Run;
 /// those of a drive that is not mounted. Lines without a drive are no folders. Throws Failure.
 std::vector<std::string> AbsentLibraryFolders(Run& run);
 
-/// Keeps the rows below absent library folders from the sweeps; one log line for each folder that
+/// Keeps the rows below these folders from the sweeps: those that the walk could not visit, which
+/// the log has told already, and absent library folders, of which one log line tells for each that
 /// has any. Throws Failure.
-void KeepRowsOfAbsentFolders(Run& run);
+void KeepRowsBelow(Run& run, std::vector<UnlistedFolder> unlisted,
+                   const std::vector<std::string>& absent);
 
 }  // namespace quillon

@@ -71,10 +71,11 @@ class Addition {
           cover_(cover) {}
 
     void Add(std::string_view artist, std::string_view album) {
+        steps_.Concerning(path_);
         const bool done = steps_.Try(1, [&] { Describe(artist, album); }) &&
                           steps_.Try(2, [&] { LookUp(); }) && steps_.Try(3, [&] { Copy(); }) &&
-                          steps_.Try(4, [&] { FindOrAddAlbum(); }) &&
-                          steps_.Try(5, [&] { GiveCover(); }) && steps_.Try(6, [&] { AddRows(); });
+                          steps_.Try(4, [&] { FindOrAddAlbum(); }) && TryCover() &&
+                          steps_.Try(6, [&] { AddRows(); });
         if (done) {
             Settle();
         } else {
@@ -87,7 +88,8 @@ class Addition {
     void LookUp();
     void Copy();
     void FindOrAddAlbum();
-    void GiveCover();
+    bool TryCover();
+    void GiveCover(TakeBack& coverBack);
     void AddRows();
     void Settle();
     void Undo();
@@ -110,7 +112,7 @@ class Addition {
     bool isNewAlbum_ = false;
     bool isKnown_ = false;  ///< a track has the target already
     bool isNewArtist_ = false, isCoverGiven_ = false;
-    std::size_t filesCopied_ = 0;
+    bool isCopied_ = false, isCoverCopied_ = false;
 };
 
 /// Nothing has been written when this fails.
@@ -118,11 +120,19 @@ void Addition::Describe(std::string_view artist, std::string_view album) {
     file_.artist = artist;
     file_.album = album;
     file_.title = TitleInPath(path_);
-    const std::string record =
-        ReadID3(run_, path_, [](std::uint8_t number) { return std::to_string(number); });
-    ReadTagInto(file_, record, [this](std::string_view number) {
+    const std::optional<std::string> record =
+        ReadWholeID3(run_, path_, [](std::uint8_t number) { return std::to_string(number); });
+    if (!record) {
+        throw Failure::Described(
+            FailureNumber::PathFileAccess,
+            "Not added, since nobody knows without its tag where it belongs: " + path_);
+    }
+    ReadTagInto(file_, *record, [this](std::string_view number) {
         return GenreOfNumber(*run_.connection, number);
     });
+    // What was taken from a folder's name cannot be a file's.
+    if (file_.title.find('\\') != std::string::npos && file_.title == TitleInPath(path_))
+        file_.title = TitleInName(path_);
     RequireFileNames(file_, path_);
     artistFolder_ = adding_.root + file_.artist;
     albumFolder_ = artistFolder_ + '\\' + file_.album;
@@ -142,7 +152,7 @@ void Addition::Copy() {
     MakeFolder(albumFolder_);
     if (run_.files.FileExists(target_)) return;
     run_.files.CopyFile(path_, target_, false);
-    ++filesCopied_;
+    isCopied_ = true;
     takeBack_.Add([this] { run_.files.Discard(target_); });
 }
 
@@ -155,7 +165,7 @@ void Addition::MakeFolder(const std::string& folder) {
 void Addition::FindOrAddAlbum() {
     if (!cdjid_.empty()) return;
     AddArtist();
-    const std::string next = adding_.sequence.GetNextCDJID();
+    const std::string next = adding_.sequence.GetNextCDJID(file_.artist + '\\' + file_.album);
     if (next.empty()) {
         throw Failure::Described(FailureNumber::Database, "No identifier for album " + file_.album);
     }
@@ -176,23 +186,40 @@ void Addition::AddArtist() {
     UndoRow(*adding_.spinnerArtist);
 }
 
+/// Music is worth more than its picture: without one it comes in all the same. Always true.
+bool Addition::TryCover() {
+    const bool isWanted = !cover_.empty() && run_.settings.AlbumCoverFolder != NoFolder &&
+                          !adding_.refusedCovers.contains(CoverTarget());
+    if (!isWanted) return true;
+    TakeBack coverBack;
+    if (steps_.Try(5, [&] { GiveCover(coverBack); })) {
+        takeBack_.Append(coverBack);
+    } else {
+        // Once an album is enough for the log.
+        adding_.refusedCovers.insert(CoverTarget());
+        steps_.Try(7, [this] { albums_.CancelUpdate(); });
+        coverBack.Run(steps_, 7);
+        isCoverCopied_ = isCoverGiven_ = false;
+    }
+    return true;
+}
+
 /// An image that has the cover's name already was put there for this very album: it is taken as it
 /// is, and never overwritten.
-void Addition::GiveCover() {
-    if (cover_.empty() || run_.settings.AlbumCoverFolder == NoFolder) return;
+void Addition::GiveCover(TakeBack& coverBack) {
     StandOnAlbum();
     if (!IsNull(albums_.Get("ImageFile"))) return;
     const std::string image = CoverTarget();
     if (!run_.files.FileExists(image)) {
         run_.files.CopyFile(cover_, image, false);
-        ++filesCopied_;
-        takeBack_.Add([this, image] { run_.files.Discard(image); });
+        coverBack.Add([this, image] { run_.files.Discard(image); });
+        isCoverCopied_ = true;
     }
     StandOnAlbum();
     albums_.Set("ImageFile", image);
     albums_.Update();
     isCoverGiven_ = true;
-    takeBack_.Add([this] {
+    coverBack.Add([this] {
         StandOnAlbum();
         albums_.Set("ImageFile", Null{});
         albums_.Update();
@@ -261,7 +288,8 @@ void Addition::Settle() {
     if (!isKnown_) ++run_.counts.songsAdded;
     if (isNewArtist_) ++run_.counts.artistsAdded;
     if (isCoverGiven_) ++run_.counts.imagesAdded;
-    run_.counts.filesCopied += filesCopied_;
+    if (isCopied_) ++run_.counts.filesCopied;
+    if (isCoverCopied_) ++run_.counts.filesCopied;
 }
 
 void Addition::Undo() {

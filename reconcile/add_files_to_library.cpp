@@ -23,6 +23,7 @@ constexpr std::string_view UnknownName = "Unknown";
 
 bool IsImage(const FileEntry& file) {
     constexpr std::array<std::string_view, 3> Endings{".jpg", ".gif", ".jpeg"};
+    if (IsCompanion(file.name)) return false;
     const std::string name = LowerCase(file.name);
     return std::any_of(Endings.begin(), Endings.end(),
                        [&name](std::string_view ending) { return name.ends_with(ending); });
@@ -34,37 +35,65 @@ std::string FindCover(const Listing<FileEntry>& files) {
     return found == files.end() ? "" : found->path;
 }
 
-/// Adds what is below a folder. How far it has come shows in the outermost one alone.
-void AddFolder(Adding& adding, std::string_view artist, std::string_view album,
-               const std::string& folder, bool isOutermost = false) {
-    Run& run = adding.run;
-    Steps steps(run, "AddFolder");
-    steps.Try(1, [&] {
-        // A link may lead there from a source that lies elsewhere.
-        if (run.files.IsWithin(folder, run.settings.LibraryRoot)) {
-            LogError(run, LogSource, "AddFolder, " + folder + " belongs to the library already");
-            return;
+/// Adds what is below the source. What cannot be looked at costs the rest nothing.
+class AddingWalk {
+  public:
+    AddingWalk(Adding& adding, Steps& steps) : adding_(adding), run_(adding.run), steps_(steps) {}
+
+    /// How far it has come shows in the outermost folder alone.
+    void AddFolder(std::string_view artist, std::string_view album, const std::string& folder,
+                   bool isOutermost = false) {
+        steps_.Concerning(folder);
+        if (!MayBeAdded(folder)) return;
+        Listing<FileEntry> files;
+        if (!steps_.TryAs("AddFolder", 1, [&] { files = run_.files.FilesIn(folder); })) return;
+        AddFilesIn(files, artist, album, isOutermost);
+        for (const FolderEntry& subfolder : SubFolders(folder, isOutermost)) {
+            if (run_.AbortRequested) return;
+            AddFolder(artist, subfolder.name, subfolder.path);
+            if (isOutermost) run_.CountDone();
         }
-        const Listing<FileEntry> files = run.files.FilesIn(folder);
+    }
+
+    /// The folders in a folder, none where it cannot be listed.
+    std::vector<FolderEntry> SubFolders(const std::string& folder, bool isCounted) {
+        Listing<FolderEntry> folders;
+        steps_.Concerning(folder);
+        steps_.TryAs("AddFolder", 2, [&] { folders = run_.files.SubFolders(folder); });
+        if (isCounted) run_.StartCounting(folders.size());
+        return std::move(folders.entries);
+    }
+
+  private:
+    /// A link may lead into the library from a source that lies elsewhere.
+    bool MayBeAdded(const std::string& folder) {
+        bool isInLibrary = false;
+        const bool known = steps_.TryAs("AddFolder", 1, [&] {
+            isInLibrary = run_.files.IsWithin(folder, run_.settings.LibraryRoot);
+        });
+        if (isInLibrary)
+            LogError(run_, LogSource, "AddFolder, " + folder + " belongs to the library already");
+        return known && !isInLibrary;
+    }
+
+    void AddFilesIn(const Listing<FileEntry>& files, std::string_view artist,
+                    std::string_view album, bool isCounted) {
         const std::string cover = FindCover(files);
-        if (isOutermost) run.StartCounting(files.size());
+        if (isCounted) run_.StartCounting(files.size());
         for (const FileEntry& file : files) {
             if (IsSoundFile(file.name)) {
-                run.ShowItem("1. Add File " + file.path);
-                if (run.AbortRequested) return;
-                AddFile(adding, artist, album, file.path, cover);
+                run_.ShowItem("1. Add File " + file.path);
+                if (run_.AbortRequested) return;
+                AddFile(adding_, artist, album, file.path, cover);
             }
-            if (isOutermost) run.CountDone();
+            if (isCounted) run_.CountDone();
         }
-        const Listing<FolderEntry> subfolders = run.files.SubFolders(folder);
-        if (isOutermost) run.StartCounting(subfolders.size());
-        for (const FolderEntry& subfolder : subfolders) {
-            if (run.AbortRequested) return;
-            AddFolder(adding, artist, subfolder.name, subfolder.path);
-            if (isOutermost) run.CountDone();
-        }
-    });
-}
+    }
+
+    Adding& adding_;
+    Run& run_;
+    Steps& steps_;
+};
 
 /// What stands in the way of adding anything, "" when nothing does.
 std::string Objection(Run& run) {
@@ -88,20 +117,26 @@ std::string Objection(Run& run) {
 }  // namespace
 
 void AddFilesToLibrary(Run& run) {
-    if (const std::string objection = Objection(run); !objection.empty()) {
+    Steps steps(run, "AddFilesToLibrary");
+    std::string objection;
+    const std::string& source = run.settings.FromFilesPath;
+    steps.Concerning(source);
+    if (!steps.Try(1, [&] { objection = Objection(run); })) return;
+    if (!objection.empty()) {
         LogError(run, LogSource, objection);
         return;
     }
-    Steps steps(run, "AddFilesToLibrary");
-    steps.Try(3, [&run] {
-        const std::string& source = run.settings.FromFilesPath;
+    steps.Concerning({});
+    steps.Try(3, [&] {
         Adding adding(run);
+        AddingWalk walk(adding, steps);
         // Every sub-folder is visited twice, first with no artist and then as an artist of its own:
         // untagged files are found under both, as in libraries that were filled so far.
-        AddFolder(adding, UnknownName, UnknownName, source, true);
-        for (const FolderEntry& subfolder : Counted(run, run.files.SubFolders(source))) {
+        walk.AddFolder(UnknownName, UnknownName, source, true);
+        if (run.AbortRequested) return;
+        for (const FolderEntry& subfolder : Counted(run, walk.SubFolders(source, false))) {
             if (run.AbortRequested) return;
-            AddFolder(adding, subfolder.name, UnknownName, subfolder.path);
+            walk.AddFolder(subfolder.name, UnknownName, subfolder.path);
         }
     });
 }

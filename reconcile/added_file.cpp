@@ -50,6 +50,10 @@ std::string TitleInPath(std::string_view path) {
     return WithoutEnding(Trim(path.substr(dash + 1)));
 }
 
+std::string TitleInName(std::string_view path) {
+    return WithoutEnding(Trim(path.substr(path.rfind('\\') + 1)));
+}
+
 void ReadTagInto(AddedFile& file, std::string_view record, const FindGenre& findGenre) {
     const std::vector<std::string> pieces = Split(record, "|");
     if (pieces.size() > TagAlbum) {

@@ -20,8 +20,11 @@ struct AddedFile {
 /// ends, or the whole path; every ".mp3" in it is taken out, whatever its letter case.
 ///
 /// The search goes over the folders' names, too, so that a file that has no "-" in its own name
-/// gets a title that no file can have, unless its tag has one.
+/// gets a title that no file can have.
 std::string TitleInPath(std::string_view path);
+
+/// The title of such a file when its tag has none either: its name without ".mp3".
+std::string TitleInName(std::string_view path);
 
 /// The name that SpinnerGenre has for a genre's number, given as the tag record holds it; "" when
 /// it has no row. Failure for a text that is no number.

@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 
 #include "database/cdjid.h"
 #include "platform/database.h"
@@ -24,12 +25,15 @@ struct Adding {
     /// The file handled last, so that the next one of its album needs no look-up; no identifier
     /// before the first.
     std::string artist, album, cdjid;
+
+    /// Covers that could not be given to their albums, by the path they would have got.
+    std::unordered_set<std::string> refusedCovers;
 };
 
 /// Copies one sound file into the library and makes its rows: whole or not at all. `artist` and
 /// `album` are taken where the file's tag has none; `cover` is the path of the image that becomes
-/// the cover of an album without one, "" when there is none. A file that the library has already
-/// is passed over. Failures are logged.
+/// the cover of an album without one, "" when there is none; a cover that cannot be had does not
+/// keep the file out. A file that the library has already is passed over. Failures are logged.
 void AddFile(Adding& adding, std::string_view artist, std::string_view album, std::string_view path,
              std::string_view cover);
 

@@ -1,6 +1,7 @@
 #include "reconcile/file_list.h"
 
 #include <algorithm>
+#include <iterator>
 #include <limits>
 
 #include "platform/failure.h"
@@ -9,10 +10,12 @@
 namespace quillon {
 namespace {
 
+bool IsOlder(const ListedFile& left, const ListedFile& right) {
+    return left.FileDate.days < right.FileDate.days;
+}
+
 void SortByDate(FileList& files) {
-    std::stable_sort(files.begin(), files.end(), [](const ListedFile& a, const ListedFile& b) {
-        return a.FileDate.days < b.FileDate.days;
-    });
+    std::stable_sort(files.begin(), files.end(), IsOlder);
 }
 
 }  // namespace
@@ -30,6 +33,12 @@ FileList ProcessAlbumTracks(std::span<const FileEntry> albumFolder) {
     }
     SortByDate(list);
     return list;
+}
+
+void Merge(FileList& files, FileList others) {
+    const auto middle = static_cast<FileList::difference_type>(files.size());
+    std::move(others.begin(), others.end(), std::back_inserter(files));
+    std::inplace_merge(files.begin(), files.begin() + middle, files.end(), IsOlder);
 }
 
 FileList ProcessFlatTracks(std::span<const FileEntry> files) {

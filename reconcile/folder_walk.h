@@ -1,13 +1,12 @@
 #pragma once
 
-#include "platform/files.h"
-
 namespace quillon {
 
 struct Walk;
 
-/// Walks one library folder in the layout that the settings name and brings the albums and tracks
-/// found there into line. What cannot be looked into is logged and noted in the walk.
-void RefreshDatabaseFolder(Walk& walk, const FolderEntry& topFolder);
+/// Walks the library folders in the layout that the settings name and brings the albums and tracks
+/// found there into line. Folders or files that the database takes for one album are one, wherever
+/// they lie. What cannot be looked into is logged and noted in the walk.
+void RefreshDatabaseFolders(Walk& walk);
 
 }  // namespace quillon

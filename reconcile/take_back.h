@@ -14,6 +14,13 @@ class TakeBack {
     /// Notes how to undo what was done just now.
     void Add(std::function<void()> work) { works_.push_back(std::move(work)); }
 
+    /// Takes over what another one has noted, as done after all of this.
+    void Append(TakeBack& other) {
+        for (std::function<void()>& work : other.works_)
+            works_.push_back(std::move(work));
+        other.works_.clear();
+    }
+
     /// Undoes everything, what was done last first; a failure is logged and the rest goes on.
     void Run(Steps& steps, int step) {
         for (; !works_.empty(); works_.pop_back())

@@ -1,5 +1,6 @@
 #include "reconcile/track_tag.h"
 
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -30,6 +31,15 @@ TrackTag ReadTrackTag(std::string_view record) {
     const std::string_view length = LengthText(pieces[CommentPiece]);
     if (IsNumeric(length)) tag.length = ToInteger(length);
     return tag;
+}
+
+std::optional<std::int16_t> ReadTrackNumber(std::string_view record) {
+    const std::vector<std::string> pieces = Split(record, "|");
+    if (pieces.size() <= TrackPiece) return std::nullopt;
+    const std::optional<double> number = ToNumber(pieces[TrackPiece]);
+    constexpr double Most = std::numeric_limits<std::int16_t>::max();
+    if (!number || *number < 0 || *number > Most) return std::nullopt;
+    return ToInteger(pieces[TrackPiece]);
 }
 
 }  // namespace quillon

@@ -15,4 +15,7 @@ struct TrackTag {
 /// Reads a tag record. Failure: Overflow for a number beyond 16 bits.
 TrackTag ReadTrackTag(std::string_view record);
 
+/// The track number alone; nothing also where 16 bits cannot hold it.
+std::optional<std::int16_t> ReadTrackNumber(std::string_view record);
+
 }  // namespace quillon

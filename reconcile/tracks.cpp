@@ -1,8 +1,11 @@
 #include "reconcile/tracks.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <memory>
+#include <numeric>
 #include <optional>
+#include <span>
 #include <string>
 #include <unordered_set>
 #include <vector>
@@ -13,6 +16,7 @@
 #include "id3/tag_reader.h"
 #include "platform/clock.h"
 #include "reconcile/new_rows.h"
+#include "reconcile/number_order.h"
 #include "reconcile/track_name.h"
 #include "reconcile/track_tag.h"
 #include "run/log.h"
@@ -59,11 +63,12 @@ class AlbumTracks {
 
     /// Gives the file its row. The file's ID is set when that row waits for a number.
     void Place(ListedFile& file) {
+        steps_.Concerning(file.Name);
         std::optional<Row> row;
         if (!steps_.Try(1, [&] { row = FindRow(file.Name); })) return;
         if (album_.cdjid == NoCdjid) return;  // no album to hold a row
         if (!row) {
-            if (!TryRow(2, [&] { row = AddRow(file.Name); })) return;
+            if (!TryRow(2, [&] { row = AddRow(file); })) return;
         } else {
             // A row that cannot take a value keeps the old one, and still gets its number: without
             // it the sweep would delete the row of a file that is there.
@@ -73,24 +78,20 @@ class AlbumTracks {
         TryRow(4, [&] { CheckNumber(*row, file); });
     }
 
-    void HandOutNumber(const ListedFile& file) {
-        TryRow(5, [&] {
-            const std::optional<std::int64_t> number = numbers_.TakeLowest();
-            if (!number) {
-                LogError(run_, LogSource, "Unable to find a track number for " + LastPlacedFile());
-                return;
-            }
-            if (!MoveToId(tracks_, file.ID)) {
-                LogError(run_, LogSource,
-                         "Database record missing during track number update for ID " +
-                             std::to_string(file.ID));
-                return;
-            }
-            lastPlaced_ = file.ID;
-            tracks_.Set("Track", *number);
-            tracks_.Update();
-            Settle(file.ID, *number);
-        });
+    /// Gives the files that wait the lowest free numbers, the oldest file first.
+    void HandOutNumbers(FileList& files) {
+        std::vector<ListedFile*> waiting;
+        for (ListedFile& file : files) {
+            if (file.ID != 0) waiting.push_back(&file);
+        }
+        for (auto first = waiting.begin(); first != waiting.end();) {
+            const auto isYounger = [&first](const ListedFile* file) {
+                return file->FileDate.days != (*first)->FileDate.days;
+            };
+            const auto last = std::find_if(first, waiting.end(), isYounger);
+            HandOutNumbersAmong({first, last});
+            first = last;
+        }
     }
 
     void LogMissingNumbers() {
@@ -109,6 +110,61 @@ class AlbumTracks {
         std::string cdjid, title, artist;
         bool isNew = false;
     };
+
+    /// The same for files of one age.
+    void HandOutNumbersAmong(std::span<ListedFile* const> files) {
+        std::vector<std::int64_t> free;
+        while (free.size() < files.size()) {
+            const std::optional<std::int64_t> number = numbers_.TakeLowest();
+            if (!number) break;
+            free.push_back(*number);
+        }
+        std::vector<std::size_t> order(files.size());
+        std::iota(order.begin(), order.end(), std::size_t{0});
+        if (files.size() > 1 && free.size() == files.size()) {
+            std::vector<std::int64_t> before;
+            for (const ListedFile* const file : files)
+                before.push_back(NumberBefore(file->ID));
+            order = OrderOfOneAge(before, free,
+                                  [&](std::size_t file) { return TagNumber(*files[file]); });
+        }
+        for (std::size_t i = 0; i < order.size(); ++i) {
+            const bool isFree = i < free.size();
+            GiveNumber(*files[order[i]], isFree ? std::optional(free[i]) : std::nullopt);
+        }
+    }
+
+    /// 0 where there was none.
+    std::int64_t NumberBefore(std::int64_t id) const {
+        const MarkedTrack* const before = walk_.before.FindTrack(id);
+        return before == nullptr ? 0 : before->number.value_or(0);
+    }
+
+    std::optional<std::int64_t> TagNumber(ListedFile& file) {
+        if (!file.IsTagRead) file.TagNumber = ReadTrackNumber(ReadID3(run_, file.Name));
+        file.IsTagRead = true;
+        return file.TagNumber;
+    }
+
+    void GiveNumber(const ListedFile& file, std::optional<std::int64_t> number) {
+        steps_.Concerning(file.Name);
+        TryRow(5, [&] {
+            if (!number) {
+                LogError(run_, LogSource, "Unable to find a track number for " + LastPlacedFile());
+                return;
+            }
+            if (!MoveToId(tracks_, file.ID)) {
+                LogError(run_, LogSource,
+                         "Database record missing during track number update for ID " +
+                             std::to_string(file.ID));
+                return;
+            }
+            lastPlaced_ = file.ID;
+            tracks_.Set("Track", *number);
+            tracks_.Update();
+            Settle(file.ID, *number);
+        });
+    }
 
     /// Runs a step that may leave a row half written; the next row must not inherit that.
     template <typename Work>
@@ -134,9 +190,12 @@ class AlbumTracks {
                    .artist = found->Text("Artist")};
     }
 
-    Row AddRow(const std::string& path) {
+    Row AddRow(ListedFile& file) {
         constexpr std::int64_t Unknown = -1;
+        const std::string& path = file.Name;
         const TrackTag tag = ReadTrackTag(ReadID3(run_, path));
+        file.IsTagRead = true;
+        file.TagNumber = tag.track;
         const std::int64_t number = tag.track.value_or(NoNumber);
         AddTrackRow(tracks_, run_.clock.Now(),
                     {.cdjid = album_.cdjid,
@@ -186,8 +245,9 @@ class AlbumTracks {
         if (added_.contains(id)) return;
         const MarkedTrack* const before = walk_.before.FindTrack(id);
         const bool same = before == nullptr || before->number == number;
-        ++(same && !changed_.contains(id) ? run_.counts.tracksUnchanged
-                                          : run_.counts.tracksChanged);
+        const bool isRenamed = changed_.contains(id);
+        ++(same && !isRenamed ? run_.counts.tracksUnchanged : run_.counts.tracksChanged);
+        if (!same && !isRenamed) ++walk_.renumbered;
     }
 
     std::string LastPlacedFile() {
@@ -211,9 +271,7 @@ void ProcessTracks(Walk& walk, const Album& album, FileList& files) {
     AlbumTracks tracks(walk, album);
     for (ListedFile& file : files)
         tracks.Place(file);
-    for (const ListedFile& file : files) {
-        if (file.ID != 0) tracks.HandOutNumber(file);
-    }
+    tracks.HandOutNumbers(files);
     tracks.LogMissingNumbers();
 }
 

@@ -1,9 +1,10 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <optional>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 #include "database/cdjid.h"
@@ -14,16 +15,30 @@
 
 namespace quillon {
 
+/// A library folder on the walk.
+struct WalkedRoot {
+    std::string path;
+    bool hasMusic = false;  ///< or artists that are left out on purpose
+};
+
 /// What one refresh carries from folder to folder.
 struct Walk {
-    explicit Walk(Run& theRun) : run(theRun), sequence(theRun) {}
+    explicit Walk(Run& theRun);
 
     Run& run;
     CdjidSequence sequence;
     std::unique_ptr<RecordSet> albums, tracks;  ///< table cursors
     MarkSnapshot before;                        ///< counts and numbers before they were marked
+    std::vector<WalkedRoot> roots;              ///< the run's library folders, each once
     std::vector<UnlistedFolder> unlisted;       ///< what could not be visited
-    bool musicSeen = false;  ///< the root in hand holds music, or artists that are left out
+
+    /// AlbumKey of the albums that have songs out of sight: all of their songs keep what they have.
+    /// Numbers handed out now would be those of the missing songs.
+    std::unordered_set<std::string> hidden;
+
+    /// How many albums and tracks count as changed for nothing but their count or number, which
+    /// return to what they were when nothing is swept in the end.
+    std::size_t recounted = 0, renumbered = 0;
 };
 
 /// An album that is being processed.

@@ -39,7 +39,7 @@ constexpr std::array PathSteps{
 };
 
 void ChangeDrives(Run& run, Steps& steps, const PathStep& step, const std::string& drive) {
-    steps.Concerning({});
+    steps.Concerning(std::string(step.item));
     const std::unique_ptr<RecordSet> rows = run.connection->OpenUpdatable(
         "SELECT " + std::string(step.field) + " FROM " + std::string(step.rows));
     run.StartCountingRows(step.rows);

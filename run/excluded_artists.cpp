@@ -13,9 +13,11 @@ void ReadExcludeList(Run& run) {
     run.ExcludeList = list.empty() ? std::vector<std::string>{""} : Split(list, ",");
 }
 
-ExcludedArtists::ExcludedArtists(const Run& run) {
-    if (run.ExcludeEmpty) return;
-    for (const std::string& name : run.ExcludeList)
+ExcludedArtists::ExcludedArtists(const Run& run)
+    : ExcludedArtists(run.ExcludeEmpty ? std::vector<std::string>() : run.ExcludeList) {}
+
+ExcludedArtists::ExcludedArtists(const std::vector<std::string>& names) {
+    for (const std::string& name : names)
         names_.insert(LowerCase(name));
 }
 

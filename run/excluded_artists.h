@@ -3,6 +3,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_set>
+#include <vector>
 
 namespace quillon {
 
@@ -15,6 +16,7 @@ void ReadExcludeList(Run& run);
 class ExcludedArtists {
   public:
     explicit ExcludedArtists(const Run& run);
+    explicit ExcludedArtists(const std::vector<std::string>& names);
 
     /// Whole names, letter case does not count. Blanks do: those of the list are part of its names.
     bool Contains(std::string_view artist) const;

@@ -13,6 +13,7 @@
 #include "platform/files.h"
 #include "platform/host.h"
 #include "platform/window.h"
+#include "run/left_out.h"
 #include "run/playlist_entries.h"
 #include "run/random_numbers.h"
 #include "run/removals.h"
@@ -115,6 +116,9 @@ class Run {
 
     RunCounts counts;
     LostRecords lostRecords;
+
+    /// The music that the walk had no place for, as far as it came.
+    LeftOut leftOut;
 
     /// What may go away, and what has gone.
     Removals removals;

@@ -8,6 +8,7 @@
 
 #include "app/checks/database_check.h"
 #include "app/checks/folders_check.h"
+#include "app/checks/left_out_check.h"
 #include "app/checks/mode_check.h"
 #include "app/checks/safety_check.h"
 #include "app/checks/settings_check.h"
@@ -97,6 +98,7 @@ int Check(const CheckRequest& request, Console console) {
     CheckFolders(local, settings, out, findings);
     CheckLibraryFolders(local.files, settings, findings);
     CheckOverlaps(local.files, settings, findings);
+    CheckLeftOut(local.files, settings, findings);
     CheckDatabase(local, settings, out, findings);
     CheckMode(local.resolver, settings, out, findings);
     CheckTagRenames(local, settings, findings);

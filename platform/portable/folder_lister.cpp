@@ -53,6 +53,11 @@ std::string Printable(std::string_view name) {
     return text;
 }
 
+/// The folder itself, the one above it, and files that this program is writing just now.
+bool IsNoEntry(std::string_view name) {
+    return name == "." || name == ".." || SafeFile::IsTemporaryName(name);
+}
+
 template <typename Entry>
 void SortByName(std::vector<Entry>& entries) {
     std::sort(entries.begin(), entries.end(), [](const Entry& left, const Entry& right) {
@@ -62,14 +67,14 @@ void SortByName(std::vector<Entry>& entries) {
 
 }  // namespace
 
-/// Calls visit(name, facts) for every entry that Windows could show; the paths of those that could
-/// not be looked at.
-template <typename Visit>
-std::vector<std::string> FolderLister::ForEach(const WindowsPath& shown, const std::string& local,
-                                               Wanted wanted, Visit visit) {
+/// Calls visit(name, facts) for every entry of the wanted kind that Windows could show, and lists
+/// what could not be looked at and what is of the other kind.
+template <typename Entry, typename Visit>
+void FolderLister::ForEach(const WindowsPath& shown, const std::string& local, Wanted wanted,
+                           Listing<Entry>& list, Visit visit) {
     const FolderStream stream = OpenFolder(local);
     if (!stream) throw SystemFailure(errno, shown.Text());
-    std::vector<std::string> unseen;
+    const unsigned wantedMode = wanted == Wanted::Folders ? S_IFDIR : S_IFREG;
     const unsigned char unwanted = wanted == Wanted::Folders ? DT_REG : DT_DIR;
     bool holdsUnfinished = false;
     while (true) {
@@ -77,12 +82,12 @@ std::vector<std::string> FolderLister::ForEach(const WindowsPath& shown, const s
         const dirent* const entry = readdir(stream.get());
         if (entry == nullptr) break;
         const std::string_view name = entry->d_name;
-        if (name == "." || name == "..") continue;
-        if (IsTemporaryName(name)) {
-            holdsUnfinished = true;
+        if (IsTemporaryName(name)) holdsUnfinished = true;
+        if (IsNoEntry(name)) continue;
+        if (entry->d_type == unwanted) {
+            if (IsWindowsName(name)) list.others.emplace_back(name);
             continue;
         }
-        if (entry->d_type == unwanted) continue;
         if (!IsWindowsName(name)) {
             LeaveOut(
                 IsValidUtf8(name) ? "a name that Windows cannot hold" : "a name that is not UTF-8",
@@ -94,21 +99,44 @@ std::vector<std::string> FolderLister::ForEach(const WindowsPath& shown, const s
             // Even "no such file" is no proof: it is what a link says whose disk is away, and what
             // some network drives say for a moment. It was listed just now.
             const int error = errno;
-            unseen.push_back(shown.Child(name));
+            list.unseen.push_back(shown.Child(name));
             const bool isThere =
                 fstatat(dirfd(stream.get()), entry->d_name, &facts, AT_SYMLINK_NOFOLLOW) == 0;
             // Not even the entry itself can be looked at: then the whole folder is out of reach.
-            if (!isThere && errno != ENOENT) throw SystemFailure(errno, unseen.back());
-            NoteUnseen(error, unseen.back());
-        } else if (S_ISREG(facts.st_mode) || S_ISDIR(facts.st_mode)) {
+            if (!isThere && errno != ENOENT) throw SystemFailure(errno, list.unseen.back());
+            NoteUnseen(error, list.unseen.back());
+        } else if ((facts.st_mode & S_IFMT) == wantedMode) {
             visit(name, facts);
-        } else {
+        } else if (!S_ISREG(facts.st_mode) && !S_ISDIR(facts.st_mode)) {
             LeaveOut("neither file nor folder", shown, name);
+        } else if (S_ISREG(facts.st_mode) || entry->d_type != DT_LNK) {
+            list.others.emplace_back(name);
         }
     }
     if (errno != 0) throw SystemFailure(errno, shown.Text());
     if (holdsUnfinished && clearsUnfinished_) RemoveAbandoned(local);
-    return unseen;
+}
+
+FolderNames FolderLister::NamesIn(const std::string& local) {
+    FolderNames names;
+    const FolderStream stream = OpenFolder(local);
+    if (!stream) return names;
+    while (const dirent* const entry = readdir(stream.get())) {
+        const std::string_view name = entry->d_name;
+        if (IsNoEntry(name) || !IsWindowsName(name)) continue;
+        unsigned char kind = entry->d_type;
+        if (kind == DT_UNKNOWN || kind == DT_LNK) {
+            struct stat facts{};
+            const int flags = kind == DT_UNKNOWN ? AT_SYMLINK_NOFOLLOW : 0;
+            if (fstatat(dirfd(stream.get()), entry->d_name, &facts, flags) != 0) continue;
+            // A folder behind a link may be one of those on the way to it.
+            if (S_ISDIR(facts.st_mode) && kind == DT_LNK) continue;
+            kind = IFTODT(facts.st_mode);
+        }
+        if (kind == DT_DIR) names.folders.emplace_back(name);
+        if (kind == DT_REG) names.files.emplace_back(name);
+    }
+    return names;
 }
 
 void FolderLister::LeaveOut(std::string_view reason, const WindowsPath& folder,
@@ -141,9 +169,8 @@ Listing<FolderEntry> FolderLister::SubFolders(const WindowsPath& shown, const st
                                               const std::string& localRoot) {
     Listing<FolderEntry> list;
     const std::vector<Identity> onTheWay = FoldersOnTheWay(local, localRoot);
-    list.unseen = ForEach(
-        shown, local, Wanted::Folders, [&](std::string_view name, const struct stat& facts) {
-            if (!S_ISDIR(facts.st_mode)) return;
+    ForEach(
+        shown, local, Wanted::Folders, list, [&](std::string_view name, const struct stat& facts) {
             const bool loops =
                 std::find(onTheWay.begin(), onTheWay.end(), IdentityOf(facts)) != onTheWay.end();
             if (loops) {
@@ -159,9 +186,8 @@ Listing<FolderEntry> FolderLister::SubFolders(const WindowsPath& shown, const st
 Listing<FileEntry> FolderLister::FilesIn(const WindowsPath& shown, const std::string& local) {
     Listing<FileEntry> list;
     const std::string beginning = shown.Child("");
-    list.unseen =
-        ForEach(shown, local, Wanted::Files, [&](std::string_view name, const struct stat& facts) {
-            if (!S_ISREG(facts.st_mode)) return;
+    ForEach(
+        shown, local, Wanted::Files, list, [&](std::string_view name, const struct stat& facts) {
             list.entries.push_back(
                 MakeFileEntry(beginning + std::string(name), std::string(name), facts));
         });

@@ -36,15 +36,18 @@ class FolderLister {
                                     const std::string& localRoot);
     Listing<FileEntry> FilesIn(const WindowsPath& shown, const std::string& local);
 
+    /// The names in the folder at `local`; none where it cannot be listed.
+    static FolderNames NamesIn(const std::string& local);
+
     /// A file's entry from its Windows path and what the operating system tells about it.
     FileEntry MakeFileEntry(std::string path, std::string name, const struct stat& facts);
 
   private:
     /// Which entries the operating system's own kind rules out without a further look.
     enum class Wanted { Folders, Files };
-    template <typename Visit>
-    std::vector<std::string> ForEach(const WindowsPath& shown, const std::string& local,
-                                     Wanted wanted, Visit visit);
+    template <typename Entry, typename Visit>
+    void ForEach(const WindowsPath& shown, const std::string& local, Wanted wanted,
+                 Listing<Entry>& list, Visit visit);
     void LeaveOut(std::string_view reason, const WindowsPath& folder, std::string_view name);
     void NoteUnseen(int error, const std::string& path);
     void LeaveOutTwins(const WindowsPath& shown, std::vector<FileEntry>& files);

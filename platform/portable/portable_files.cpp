@@ -171,6 +171,12 @@ Listing<FileEntry> PortableFiles::FilesIn(std::string_view folder) {
     return lister_.FilesIn(path, resolver_.Local(path));
 }
 
+FolderNames PortableFiles::NamesIn(std::string_view folder) try {
+    return FolderLister::NamesIn(resolver_.Local(folder));
+} catch (const Failure&) {
+    return {};
+}
+
 FileEntry PortableFiles::GetFile(std::string_view path) {
     const WindowsPath parsed = ParseWindowsPath(path);
     const std::string local = resolver_.Local(parsed);

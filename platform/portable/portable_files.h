@@ -37,6 +37,7 @@ class PortableFiles : public Files {
     bool IsWithin(std::string_view folder, std::string_view outer) override;
     Listing<FolderEntry> SubFolders(std::string_view folder) override;
     Listing<FileEntry> FilesIn(std::string_view folder) override;
+    FolderNames NamesIn(std::string_view folder) override;
     FileEntry GetFile(std::string_view path) override;
     void CreateFolder(std::string_view path) override;
     void CopyFile(std::string_view from, std::string_view to, bool overwrite) override;

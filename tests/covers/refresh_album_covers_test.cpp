@@ -124,10 +124,97 @@ TEST_F(RefreshAlbumCoversTest, EmptiesTheImageFileOfADeletedImageWithoutAMessage
     AddAlbum("Ann", "First", R"(D:\Covers\Ann - First.jpg)");
     AddAlbum("Bob", "Second", R"(D:\Covers\)");
     AddAlbum("Cay", "Third", "D:/Covers/Cay - Third.jpg");
+    AddImage("notfnd.jpg");
     Refresh();
     EXPECT_THAT(Images(), ElementsAre("", "", ""));
     EXPECT_THAT(library.Rows("SELECT Count(*) FROM Albums WHERE ImageFile=''"), ElementsAre("3"));
     EXPECT_THAT(Log(), IsEmpty());
+}
+
+/// The mount point of a drive that is away.
+TEST_F(RefreshAlbumCoversTest, KeepsImagesWhenTheCoverFolderHoldsNoneAtAll) {
+    AddAlbum("Ann", "First", R"(D:\Covers\Ann - First.jpg)");
+    AddAlbum("Bob", "Second", R"(E:\Elsewhere\Bob - Second.jpg)");
+    library.files.AddFolder(R"(D:\Covers\lost+found)");
+    Refresh();
+    EXPECT_THAT(Images(), ElementsAre(R"(D:\Covers\Ann - First.jpg)",
+                                      R"(E:\Elsewhere\Bob - Second.jpg)"));
+    EXPECT_THAT(Log(), ElementsAre("Quillon: Album Covers: 2 albums keep their images, which were "
+                                   "not found, because there is no image at all in D:\\Covers\\. "
+                                   "See to the drives and folders and run again"));
+    EXPECT_EQ(library.run.counts.errors, 1U);
+}
+
+TEST_F(RefreshAlbumCoversTest, EmptiesThemAllWithoutTheBrakeOrWithLeave) {
+    AddAlbum("Ann", "First", R"(D:\Covers\Ann - First.jpg)");
+    library.run.removals.limits.Brake = false;
+    Refresh();
+    EXPECT_THAT(Images(), ElementsAre(""));
+
+    library.Execute(R"(UPDATE Albums SET ImageFile='D:\Covers\Ann - First.jpg')");
+    library.run.removals.limits.Brake = true;
+    library.run.removals.allAllowed = true;
+    Refresh();
+    EXPECT_THAT(Images(), ElementsAre(""));
+    EXPECT_THAT(Log(), IsEmpty());
+}
+
+TEST_F(RefreshAlbumCoversTest, KeepsImagesOfAnEmptyCoverFolderThoughTheLibraryHasSome) {
+    ScanLibraryTree();
+    library.AddFile(R"(Bob\Second\song.mp3)");
+    library.files.AddFile(R"(D:\Music\Bob\Second\Bob - Second.jpg)");
+    AddAlbum("Ann", "First", R"(D:\Covers\Ann - First.jpg)");
+    AddAlbum("Bob", "Second", R"(D:\Music\Bob\Second\gone.jpg)");
+    Refresh();
+    // What lay in the library is known to be gone.
+    EXPECT_THAT(Images(), ElementsAre(R"(D:\Covers\Ann - First.jpg)",
+                                      R"(D:\Music\Bob\Second\Bob - Second.jpg)"));
+    EXPECT_THAT(Log(), Contains(StartsWith("Quillon: Album Covers: 1 album keeps its image, which "
+                                           "was not found, because there is no image at all in "
+                                           "D:\\Covers\\")));
+}
+
+TEST_F(RefreshAlbumCoversTest, KeepsAllImagesWhenOneCannotBeLookedAt) {
+    AddAlbum("Ann", "First", R"(D:\Covers\Ann - First.jpg)");
+    AddAlbum("Bob", "Second", R"(D:\Covers\Bob - Second.jpg)");
+    AddImage("Ann - First.jpg");
+    AddImage("other.jpg");
+    library.files.HideFromView(R"(D:\Covers\Ann - First.jpg)");
+    Refresh();
+    EXPECT_THAT(Images(), ElementsAre(R"(D:\Covers\Ann - First.jpg)",
+                                      R"(D:\Covers\Bob - Second.jpg)"));
+    EXPECT_THAT(Log(), Contains("Quillon: Album Covers: 2 albums keep their images, which were not "
+                                "found, because not all could be looked at. See to the drives and "
+                                "folders and run again"));
+}
+
+TEST_F(RefreshAlbumCoversTest, KeepsAllImagesWhenAFolderOfTheLibraryCannotBeLookedAt) {
+    ScanLibraryTree();
+    for (const char* const hidden : {R"(D:\Music\Ann)", R"(D:\Music\Ann\First)"}) {
+        SCOPED_TRACE(hidden);
+        support::TestLibrary other;
+        other.run.settings.AlbumCoverFolder = Folder;
+        other.host.Set("ScanLibrary", "1");
+        other.files.AddFile(R"(D:\Covers\other.jpg)");
+        other.files.AddFile(R"(D:\Music\Ann\First\front.jpg)");
+        other.Execute(
+            R"(INSERT INTO Albums (Artist, Title, ImageFile) VALUES )"
+            R"(('Ann', 'First', 'D:\Music\Ann\First\front.jpg'))");
+        other.files.HideFromView(hidden);
+        RefreshAlbumCovers(other.run);
+        EXPECT_THAT(other.Rows("SELECT ImageFile FROM Albums"),
+                    ElementsAre(R"(D:\Music\Ann\First\front.jpg)"));
+        EXPECT_EQ(other.run.counts.errors, 1U);
+    }
+}
+
+TEST_F(RefreshAlbumCoversTest, PassesOverWhatAMacintoshPutsBesideAnImage) {
+    AddAlbum("Ann", "First");
+    AddImage("._Ann - First.jpg");
+    AddImage("Ann - First.jpg");
+    Refresh();
+    EXPECT_THAT(Images(), ElementsAre(R"(D:\Covers\Ann - First.jpg)"));
+    EXPECT_EQ(Log().size(), 1U);
 }
 
 TEST_F(RefreshAlbumCoversTest, GivesAnAlbumWhoseImageIsGoneTheOneOfItsName) {
@@ -158,6 +245,7 @@ TEST_F(RefreshAlbumCoversTest, FindsAnImageWhoseNameDiffersInApostrophesAlone) {
 
 TEST_F(RefreshAlbumCoversTest, TakesQuotesInAStoredPathAsTheyAre) {
     AddAlbum("Ann", "First", R"(D:\Covers\12" 'mix'.jpg)");
+    AddImage("notfnd.jpg");
     Refresh();
     EXPECT_THAT(Images(), ElementsAre(""));
     EXPECT_THAT(Log(), IsEmpty());
@@ -426,7 +514,8 @@ TEST_F(RefreshAlbumCoversTest, EndsAtAFailureAndKeepsWhatIsSaved) {
     Refresh();
     EXPECT_THAT(Images(), ElementsAre(R"(D:\Covers\Ann - First.jpg)", "Null", "Null"));
     EXPECT_THAT(Log(), ElementsAre("Quillon: Album Cover Ann - First.jpg added to Albums database",
-                                   "Quillon: Refresh Album Covers Error: Line 3 refused"));
+                                   "Quillon: Refresh Album Covers Error: Line 3 refused "
+                                   R"((D:\Covers\Bob - First.jpg))"));
 }
 
 TEST_F(RefreshAlbumCoversTest, LeavesNewCoversAloneAfterAFailureAmongTheAlbums) {
@@ -436,7 +525,8 @@ TEST_F(RefreshAlbumCoversTest, LeavesNewCoversAloneAfterAFailureAmongTheAlbums) 
     library.Database().RefuseValue("ImageFile", "");
     Refresh();
     EXPECT_THAT(Images(), ElementsAre(R"(D:\Covers\gone.jpg)", "Null"));
-    EXPECT_THAT(Log(), ElementsAre("Quillon: Refresh Album Covers Error: Line 2 refused"));
+    EXPECT_THAT(Log(), ElementsAre("Quillon: Refresh Album Covers Error: Line 2 refused "
+                                   R"((D:\Covers\gone.jpg))"));
 }
 
 TEST_F(RefreshAlbumCoversTest, LogsATableThatCannotBeOpened) {

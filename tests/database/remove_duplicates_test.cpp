@@ -93,9 +93,9 @@ TEST_F(RemoveDuplicatesTest, LogsEachFailingStatementAndRunsTheOthers) {
     EXPECT_THAT(
         library.host.log,
         ElementsAre("Quillon: Remove Duplicates Error on Album Tracks=0 Query: Line 1 refused",
+                    "Quillon: Remove Duplicates Error on SoundFile=Null Query: Line 4 refused",
                     "Quillon: Remove Duplicates Error on Delete Duplicate Query: Line 2 refused",
-                    "Quillon: Remove Duplicates Error on Track=0 Query: Line 3 refused",
-                    "Quillon: Remove Duplicates Error on SoundFile=Null Query: Line 4 refused"));
+                    "Quillon: Remove Duplicates Error on Track=0 Query: Line 3 refused"));
 }
 
 TEST_F(RemoveDuplicatesTest, MarksTracksEvenWhereAlbumsCouldNotBeMarked) {
@@ -148,7 +148,11 @@ TEST_F(RemoveDuplicatesTest, MarksNothingWithoutASnapshotAndRemovesDuplicatesNev
     RemoveDuplicates(library.run);
 
     EXPECT_THAT(library.host.log,
-                ElementsAre("Quillon: Remove Duplicates Error: Line 0 Disk full: " + snapshot));
+                ElementsAre("Quillon: Remove Duplicates Error: Line 0 Disk full: " + snapshot,
+                            "Quillon: Album removed, it shared its CDJID DUPLICATE1 with another: "
+                            R"(A\Two)",
+                            "Quillon: Album removed, it shared its CDJID DUPLICATE1 with another: "
+                            R"(A\Three)"));
     EXPECT_THAT(library.Rows(AlbumRows), ElementsAre("252E671073EC0001|1001|1"));
     EXPECT_THAT(library.Rows(TrackRows), ElementsAre("252E671073EC0001|1"));
     EXPECT_FALSE(MarkSnapshotExists(library.run));

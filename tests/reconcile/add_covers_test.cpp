@@ -116,5 +116,54 @@ TEST_F(AddCoverTest, IsLookedForOnceAFolder) {
     EXPECT_THAT(library.calls.Of({"FilesIn"}), SizeIs(1));
 }
 
+TEST_F(AddCoverTest, DoesNotKeepTheMusicOutWhereItCannotBeCopied) {
+    AddNew("1.mp3", TagOf("One", "Artist", "Album"));
+    AddNew("2.mp3", TagOf("Two", "Artist", "Album"));
+    AddNew("3.mp3", TagOf("Three", "Another", "Record"));
+    AddImage("front.jpg");
+    library.calls.Refuse(R"(CopyFile D:\New\front.jpg -> D:\Covers\Artist - Album.jpg)",
+                         FailureNumber::PermissionDenied, R"(D:\New\front.jpg)");
+    Add();
+    // Once for the album.
+    EXPECT_THAT(Log(), ElementsAre("Quillon: AddFile Line 5 Permission denied: "
+                                   R"(D:\New\front.jpg (D:\New\1.mp3))"));
+    EXPECT_THAT(Images(), ElementsAre("Null", R"(D:\Covers\Another - Record.jpg)"));
+    EXPECT_THAT(library.Albums(), ElementsAre("Another|Record|1", "Artist|Album|2"));
+    EXPECT_THAT(library.Tracks(), SizeIs(3));
+    EXPECT_EQ(library.run.counts.filesCopied, 4U);
+    EXPECT_EQ(library.Faults(), "");
+}
+
+TEST_F(AddCoverTest, IsTakenBackAloneWhenItsAlbumRefusesIt) {
+    AddSong();
+    AddImage("front.jpg");
+    library.Database().RefuseValue("ImageFile", R"(D:\Covers\Artist - Album.jpg)");
+    Add();
+    EXPECT_THAT(Log(), ElementsAre(R"(Quillon: AddFile Line 5 refused (D:\New\x.mp3))"));
+    EXPECT_THAT(Images(), ElementsAre("Null"));
+    EXPECT_FALSE(library.files.FileExists(R"(D:\Covers\Artist - Album.jpg)"));
+    EXPECT_THAT(library.Tracks(), ElementsAre(R"(Artist\Album\Song.mp3|Song|1)"));
+    EXPECT_EQ(library.run.counts.filesCopied, 1U);
+    EXPECT_EQ(library.Faults(), "");
+}
+
+TEST_F(AddCoverTest, GoesWithAFileThatIsTakenBack) {
+    AddSong();
+    AddImage("front.jpg");
+    library.Database().RefuseValue("Song", "Song");
+    Add();
+    EXPECT_THAT(library.Rows("SELECT ID FROM Albums"), IsEmpty());
+    EXPECT_FALSE(library.files.FileExists(R"(D:\Covers\Artist - Album.jpg)"));
+    EXPECT_EQ(library.run.counts.filesCopied, 0U);
+}
+
+TEST_F(AddCoverTest, IsNoCompanionOfAnImage) {
+    AddSong();
+    AddImage("._front.jpg", "AppleDouble");
+    AddImage("front.jpg", "image");
+    Add();
+    EXPECT_EQ(library.files.Content(R"(D:\Covers\Artist - Album.jpg)"), "image");
+}
+
 }  // namespace
 }  // namespace quillon

@@ -125,20 +125,6 @@ TEST_F(AddingFailsTest, ForNamesThatCannotBeOneFileName) {
     ExpectRefused(TagOf("Song", "Artist", "Album..."));
 }
 
-TEST_F(AddingFailsTest, ForAnUntaggedFileWithoutADash) {
-    AddNew("f.mp3");
-    AddNew(R"(A-B\g.mp3)");
-    Add();
-    EXPECT_THAT(Log(),
-                ElementsAre(R"(Quillon: AddFile Line 1 Bad file name or number: title "D:\New\f")"
-                            R"( of D:\New\f.mp3)",
-                            R"(Quillon: AddFile Line 1 Bad file name or number: title "B\g")"
-                            R"( of D:\New\A-B\g.mp3)",
-                            R"(Quillon: AddFile Line 1 Bad file name or number: title "B\g")"
-                            R"( of D:\New\A-B\g.mp3)"));
-    EXPECT_THAT(AllRows(), IsEmpty());
-}
-
 TEST_F(AddingFailsTest, ForAFileThatHasNoTitle) {
     AddNew("Artist -.mp3");
     Add();
@@ -153,9 +139,9 @@ TEST_F(AddingFailsTest, ForATagWhoseGenreIsNoNumber) {
     AddNew("2.mp3", TagOf("a|b|c|d|e|f|g|17 OR 1=1", "Artist", "Album"));
     Add();
     EXPECT_THAT(Log(), ElementsAre("Quillon: AddFile Line 1 Syntax error (missing operator) in "
-                                   "query expression: GenreID=",
+                                   R"(query expression: GenreID= (D:\New\1.mp3))",
                                    "Quillon: AddFile Line 1 Syntax error (missing operator) in "
-                                   "query expression: GenreID=17 OR 1=1"));
+                                   R"(query expression: GenreID=17 OR 1=1 (D:\New\2.mp3))"));
     EXPECT_THAT(AllRows(), IsEmpty());
 }
 
@@ -165,7 +151,7 @@ TEST_F(AddingFailsTest, ForAFileAloneThatCannotBeCopied) {
                          FailureNumber::DiskFull, R"(D:\Music\Artist\Album\One.mp3)");
     Add();
     EXPECT_THAT(Log(), ElementsAre("Quillon: AddFile Line 3 Disk full: "
-                                   R"(D:\Music\Artist\Album\One.mp3)"));
+                                   R"(D:\Music\Artist\Album\One.mp3 (D:\New\1.mp3))"));
     ExpectOnlyTheSecond();
 }
 
@@ -175,17 +161,7 @@ TEST_F(AddingFailsTest, ForAFileAloneWhoseFolderCannotBeMade) {
                          R"(D:\Music\Artist\Album)");
     Add();
     EXPECT_THAT(Log(), ElementsAre(R"(Quillon: AddFile Line 3 Permission denied: )"
-                                   R"(D:\Music\Artist\Album)"));
-    ExpectOnlyTheSecond();
-}
-
-TEST_F(AddingFailsTest, ForAFileAloneWhoseCoverCannotBeCopied) {
-    PrepareTwo();
-    library.calls.Refuse(R"(CopyFile D:\New\front.jpg -> D:\Covers\Artist - Album.jpg)",
-                         FailureNumber::PermissionDenied, R"(D:\New\front.jpg)");
-    Add();
-    EXPECT_THAT(Log(),
-                ElementsAre(R"(Quillon: AddFile Line 5 Permission denied: D:\New\front.jpg)"));
+                                   R"(D:\Music\Artist\Album (D:\New\1.mp3))"));
     ExpectOnlyTheSecond();
 }
 
@@ -193,7 +169,7 @@ TEST_F(AddingFailsTest, ForAFileAloneWhoseTrackIsRefused) {
     PrepareTwo();
     library.Database().RefuseValue("Title", "One");
     Add();
-    EXPECT_THAT(Log(), ElementsAre("Quillon: AddFile Line 6 refused"));
+    EXPECT_THAT(Log(), ElementsAre(R"(Quillon: AddFile Line 6 refused (D:\New\1.mp3))"));
     ExpectOnlyTheSecond();
 }
 
@@ -201,7 +177,7 @@ TEST_F(AddingFailsTest, ForAFileAloneWhoseDownloadRowIsRefused) {
     PrepareTwo();
     library.Database().RefuseValue("Song", "One");
     Add();
-    EXPECT_THAT(Log(), ElementsAre("Quillon: AddFile Line 6 refused"));
+    EXPECT_THAT(Log(), ElementsAre(R"(Quillon: AddFile Line 6 refused (D:\New\1.mp3))"));
     ExpectOnlyTheSecond();
 }
 
@@ -209,7 +185,7 @@ TEST_F(AddingFailsTest, ForAnAlbumThatIsRefusedAndItsArtistGoesToo) {
     AddNew("1.mp3", TagOf("One", "Artist", "Album"));
     library.Database().RefuseValue("Title", "Album");
     Add();
-    EXPECT_THAT(Log(), ElementsAre("Quillon: AddFile Line 4 refused"));
+    EXPECT_THAT(Log(), ElementsAre(R"(Quillon: AddFile Line 4 refused (D:\New\1.mp3))"));
     EXPECT_THAT(AllRows(), IsEmpty());
     EXPECT_FALSE(library.files.FolderExists(R"(D:\Music\Artist)"));
     EXPECT_EQ(library.Faults(), "");
@@ -255,8 +231,9 @@ TEST_F(AddingFailsTest, ForAnAlbumThatGetsNoIdentifier) {
     AddNew("1.mp3", TagOf("One", "Artist", "Album"));
     library.Database().Refuse("Max(Albums.CDJID)");
     Add();
-    EXPECT_THAT(Log(), ElementsAre("Quillon: GetNextCDJID Error: Line 0 refused",
-                                   "Quillon: AddFile Line 4 No identifier for album Album"));
+    EXPECT_THAT(Log(), ElementsAre(R"(Quillon: GetNextCDJID Error: Line 0 refused (Artist\Album))",
+                                   "Quillon: AddFile Line 4 No identifier for album Album "
+                                   R"((D:\New\1.mp3))"));
     EXPECT_THAT(AllRows(), IsEmpty());
 }
 
@@ -266,9 +243,9 @@ TEST_F(AddingFailsTest, SayingSoWhenSomethingCannotBeTakenBack) {
     library.calls.Refuse(R"(Discard D:\Music\Artist\Album\One.mp3)",
                          FailureNumber::PermissionDenied, R"(D:\Music\Artist\Album\One.mp3)");
     Add();
-    EXPECT_THAT(Log(), ElementsAre("Quillon: AddFile Line 6 refused",
+    EXPECT_THAT(Log(), ElementsAre(R"(Quillon: AddFile Line 6 refused (D:\New\1.mp3))",
                                    R"(Quillon: AddFile Line 7 Permission denied: )"
-                                   R"(D:\Music\Artist\Album\One.mp3)",
+                                   R"(D:\Music\Artist\Album\One.mp3 (D:\New\1.mp3))",
                                    StartsWith("Quillon: AddFile Line 7 "),
                                    StartsWith("Quillon: AddFile Line 7 ")));
     EXPECT_THAT(AllRows(), IsEmpty());
@@ -310,6 +287,50 @@ TEST_F(AddingFailsTest, WhenALookUpIsRefusedAndNothingIsWritten) {
         EXPECT_THAT(AllRows(), IsEmpty());
         EXPECT_EQ(files.Everything(), everything);
     }
+}
+
+/// Nobody knows whether it belongs to an album until its tag is read.
+TEST_F(AddingFailsTest, ForAFileWhoseTagCannotBeRead) {
+    PrepareTwo();
+    library.calls.Refuse(R"(OpenBinary D:\New\1.mp3)", FailureNumber::PermissionDenied,
+                         R"(D:\New\1.mp3)");
+    Add();
+    EXPECT_THAT(Log(), ElementsAre(R"(Quillon: Read ID3 File Error: Line 3 Permission denied: )"
+                                   R"(D:\New\1.mp3)",
+                                   "Quillon: AddFile Line 1 Not added, since nobody knows without "
+                                   R"(its tag where it belongs: D:\New\1.mp3)"));
+    ExpectOnlyTheSecond();
+}
+
+TEST_F(AddingFailsTest, ForAFileAloneWhoseTargetCannotBeLookedAt) {
+    PrepareTwo();
+    library.files.AddFolder(R"(D:\Music\Artist\Album)");
+    library.files.HideFromView(R"(D:\Music\Artist\Album\One.mp3)");
+    Add();
+    EXPECT_THAT(Log(), ElementsAre(R"(Quillon: AddFile Line 3 Path/File access error: )"
+                                   R"(D:\Music\Artist\Album\One.mp3 (D:\New\1.mp3))"));
+    EXPECT_THAT(library.Tracks(), ElementsAre(R"(Another\Record\Two.mp3|Two|1)"));
+}
+
+/// The adapter tells of each entry that it could not look at.
+TEST_F(AddingFailsTest, ForNothingButWhatIsOutOfSight) {
+    AddNew("1.mp3", TagOf("One", "Artist", "Album"));
+    AddNew("2.mp3", TagOf("Two", "Another", "Record"));
+    AddNew(R"(Closed\3.mp3)", TagOf("Three", "Another", "Record"));
+    library.files.HideFromView(R"(D:\New\1.mp3)");
+    library.files.HideFromView(R"(D:\New\Closed)");
+    Add();
+    EXPECT_THAT(Log(), IsEmpty());
+    EXPECT_THAT(library.Tracks(), ElementsAre(R"(Another\Record\Two.mp3|Two|1)"));
+}
+
+TEST_F(AddingFailsTest, WhenNobodyCanTellWhetherTheSourceIsThere) {
+    AddNew("1.mp3", TagOf("One", "Artist", "Album"));
+    library.files.HideFromView(R"(D:\New)");
+    Add();
+    EXPECT_THAT(Log(), ElementsAre("Quillon: AddFilesToLibrary Line 1 Path/File access error: "
+                                   R"(D:\New)"));
+    EXPECT_THAT(AllRows(), IsEmpty());
 }
 
 }  // namespace

@@ -53,6 +53,37 @@ TEST_F(AddingTest, GivesAllRowsTheValuesOfNewOnes) {
     EXPECT_EQ(library.Faults(), "");
 }
 
+TEST_F(AddingTest, TakesTheNameOfAnUntaggedFileWithoutADash) {
+    AddNew("Song.MP3");
+    AddNew(R"(A-B\Other.mp3)");
+    Add();
+    EXPECT_THAT(library.Tracks(), ElementsAre(R"(A-B\Unknown\Other.mp3|Other|1)",
+                                              R"(Unknown\A-B\Other.mp3|Other|1)",
+                                              R"(Unknown\Unknown\Song.mp3|Song|1)"));
+    EXPECT_THAT(Log(), IsEmpty());
+}
+
+TEST_F(AddingTest, TakesNoCompanionThatAMacintoshPutBesideAFile) {
+    AddNew("._Artist - Song.mp3");
+    AddNew("Artist - Song.mp3");
+    Add();
+    EXPECT_THAT(library.Tracks(), ElementsAre(R"(Unknown\Unknown\Song.mp3|Song|1)"));
+    EXPECT_THAT(Log(), IsEmpty());
+}
+
+TEST_F(AddingTest, CountsTheFilesThatItHasCopied) {
+    AddNew("1.mp3", TagOf("One", "Artist", "Album"));
+    AddNew("2.mp3", TagOf("Two", "Artist", "Album"));
+    AddImage("front.jpg");
+    library.files.AddFile(R"(D:\Music\Artist\Album\Two.mp3)", "was here before");
+    Add();
+    // One song and the cover.
+    EXPECT_EQ(library.run.counts.filesCopied, 2U);
+    library.run.counts = {};
+    Add();
+    EXPECT_EQ(library.run.counts.filesCopied, 0U);
+}
+
 TEST_F(AddingTest, BuildsTheLinkWithOtherForAGenreWithoutARow) {
     AddNew("x.mp3", TagOf("Song", "Artist", "Album", 1, 255));
     Add();

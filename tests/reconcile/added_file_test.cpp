@@ -22,6 +22,12 @@ TEST(TitleInPath, IsTheWholePathWithoutAnyDash) {
     EXPECT_EQ(TitleInPath(R"(D:\New\f.mp3)"), R"(D:\New\f)");
 }
 
+TEST(TitleInName, IsTheNameWithoutItsEnding) {
+    EXPECT_EQ(TitleInName(R"(D:\New\Song.MP3)"), "Song");
+    EXPECT_EQ(TitleInName(R"(D:\New-Stuff\B\f.mp3)"), "f");
+    EXPECT_EQ(TitleInName("f.mp3"), "f");
+}
+
 TEST(TitleInPath, LosesEveryEndingWhateverItsLetterCase) {
     EXPECT_EQ(TitleInPath(R"(D:\New\A - Song.MP3)"), "Song");
     EXPECT_EQ(TitleInPath(R"(D:\New\A - So.mp3ng.Mp3.mP3)"), "Song");

@@ -196,7 +196,8 @@ TEST_F(RefreshDatabaseTest, KeepsEverythingWhenATableCannotBeOpened) {
 TEST_F(RefreshDatabaseTest, KeepsAnAlbumWhoseLookUpFails) {
     library.Database().Refuse("Title=\"Two\" AND Artist=\"Green\"");
     library.Reconcile();
-    EXPECT_THAT(library.host.log, ElementsAre("Quillon: ProcessOneAlbum Line 2 refused"));
+    EXPECT_THAT(library.host.log,
+                ElementsAre(R"(Quillon: ProcessOneAlbum Line 2 refused (Green\Two))"));
     EXPECT_TRUE(NothingIsLost());
 }
 
@@ -223,7 +224,8 @@ TEST_F(RefreshDatabaseTest, KeepsTheRowsOfAnAlbumWithMoreFilesThan16BitsCount) {
         library.files.AddFile(R"(D:\Music\Green\One\)" + std::to_string(i) + ".mp3", "", {});
     library.Reconcile();
     EXPECT_THAT(library.host.log, ElementsAre("Quillon: RefreshDatabaseFolder Line 2 "
-                                              "Overflow: 32769 files in one album"));
+                                              "Overflow: 32769 files in one album "
+                                              R"((D:\Music\Green\One))"));
     EXPECT_TRUE(NothingIsLost());
 }
 
@@ -258,24 +260,38 @@ TEST_F(ListedFoldersTest, KeepTheirRowsWhileTheyAreNotThere) {
                             "2 tracks below it are kept"));
 }
 
-TEST_F(ListedFoldersTest, LoseTheirRowsWhenTheyAreNotListedAnyMore) {
+/// A list that was cut short looks the same.
+TEST_F(ListedFoldersTest, LoseTheirRowsWhenTheyAreNotListedAnyMoreOnlyWithLeave) {
     library.files.AddFile(R"(D:\Lists\folders.TXT)", "D:\\Music\r\n");
+    library.Reconcile();
+    EXPECT_THAT(library.host.log,
+                ElementsAre(HasSubstr("Nothing is removed: 2 tracks would go, and 2 of them lie in "
+                                      "none of the library folders")));
+    RestoreMarks(library.run);
+    EXPECT_TRUE(NothingIsLost());
+
+    library.run.removals = {};
+    library.run.removals.allAllowed = true;
+    library.host.log.clear();
     library.Reconcile();
     EXPECT_THAT(library.Albums(), SizeIs(albums.size() - 1));
     EXPECT_THAT(library.Tracks(), SizeIs(tracks.size() - 2));
-    EXPECT_THAT(library.host.log, IsEmpty());
+    EXPECT_THAT(library.host.log, ElementsAre("Quillon: Album removed, its files are gone: "
+                                              R"(Violet\One, 2 tracks)"));
 }
 
 TEST_F(ListedFoldersTest, AreNotAskedForWithoutTheDepthOption) {
     library.run.settings.LibraryDepthOption = false;
+    library.run.removals.limits.Brake = false;
     library.Reconcile();
     EXPECT_THAT(library.Albums(), SizeIs(albums.size() - 1));
 }
 
 TEST_F(ListedFoldersTest, SweepNothingWhenTheirListCannotBeRead) {
-    library.calls.Refuse(R"(OpenText D:\Lists\folders.TXT)", FailureNumber::PermissionDenied, "x");
+    library.calls.Refuse(R"(OpenBinary D:\Lists\folders.TXT)", FailureNumber::PermissionDenied,
+                         "x");
     library.Reconcile();
-    EXPECT_THAT(library.host.log, ElementsAre(StartsWith("Quillon: RefreshDatabase Line 3 ")));
+    EXPECT_THAT(library.host.log, ElementsAre(StartsWith("Quillon: RefreshDatabase Line 2 ")));
     RestoreMarks(library.run);
     EXPECT_TRUE(NothingIsLost());
 }

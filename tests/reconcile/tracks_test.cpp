@@ -156,7 +156,8 @@ TEST_F(ProcessTracksTest, CompletesNoRowForALengthBeyond16Bits) {
     library.AddFile(R"(A\B\b.mp3)", TrackTag(2), 1);
     library.Reconcile();
     EXPECT_THAT(library.Tracks(), ElementsAre(R"(A\B\b.mp3|b|2)"));
-    EXPECT_THAT(Log(), ElementsAre(StartsWith("Quillon: ProcessTracks Line 2 Overflow"),
+    EXPECT_THAT(Log(), ElementsAre("Quillon: ProcessTracks Line 2 Overflow: 40000 "
+                                   R"((D:\Music\A\B\a.mp3))",
                                    R"(Quillon: Reconcile Track Number 1 Missing from A\B)"));
     EXPECT_EQ(library.Faults(), "");
 }
@@ -207,7 +208,7 @@ TEST_F(ProcessTracksTest, KeepsAKnownRowWhoseNewTitleDoesNotFit) {
     library.Database().RefuseValue("Title", "a");
     library.Reconcile();
     EXPECT_THAT(library.Tracks(), ElementsAre(R"(A\B\a.mp3|old title|1)"));
-    EXPECT_THAT(Log(), ElementsAre("Quillon: ProcessTracks Line 3 refused"));
+    EXPECT_THAT(Log(), ElementsAre(R"(Quillon: ProcessTracks Line 3 refused (D:\Music\A\B\a.mp3))"));
 }
 
 TEST_F(ProcessTracksTest, LogsARowThatCannotBeMadeAndGoesOn) {

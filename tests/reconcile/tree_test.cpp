@@ -65,11 +65,12 @@ TEST_F(TreeTest, MakesNoRowForAnAlbumFolderWithoutSoundFiles) {
 
 TEST_F(TreeTest, SweepsTheRowOfAnAlbumFolderThatHasNoSoundFilesAnyMore) {
     library.AddFile(R"(Red\One\a.mp3)");
+    library.AddFile(R"(Red\Two\b.mp3)");
     library.Reconcile();
     library.RemoveFile(R"(Red\One\a.mp3)");
     library.Reconcile();
-    EXPECT_THAT(library.Albums(), IsEmpty());
-    EXPECT_THAT(library.Tracks(), IsEmpty());
+    EXPECT_THAT(library.Albums(), ElementsAre("Red|Two|1"));
+    EXPECT_THAT(library.Tracks(), ElementsAre(R"(Red\Two\b.mp3|b|1)"));
     EXPECT_EQ(library.run.counts.albumsRemoved, 1U);
     EXPECT_EQ(library.run.counts.tracksRemoved, 1U);
 }

@@ -76,8 +76,12 @@ class FakeFiles : public Files {
         calls_.Note("SubFolders " + std::string(folder));
         Listing<FolderEntry> list;
         for (const Node& node : NodesIn(folder)) {
-            if (node.isFolder && !unseen_.contains(KeyOf(node.path)))
+            if (unseen_.contains(KeyOf(node.path))) continue;
+            if (node.isFolder) {
                 list.entries.push_back({node.path, NameOf(node.path)});
+            } else {
+                list.others.push_back(NameOf(node.path));
+            }
         }
         list.unseen = UnseenIn(folder);
         return list;
@@ -87,11 +91,23 @@ class FakeFiles : public Files {
         calls_.Note("FilesIn " + std::string(folder));
         Listing<FileEntry> list;
         for (const Node& node : NodesIn(folder)) {
-            if (!node.isFolder && !unseen_.contains(KeyOf(node.path)))
+            if (unseen_.contains(KeyOf(node.path))) continue;
+            if (node.isFolder) {
+                list.others.push_back(NameOf(node.path));
+            } else {
                 list.entries.push_back(EntryOf(node));
+            }
         }
         list.unseen = UnseenIn(folder);
         return list;
+    }
+
+    FolderNames NamesIn(std::string_view folder) override {
+        calls_.Note("NamesIn " + std::string(folder));
+        FolderNames names;
+        for (const Node& node : NodesIn(folder))
+            (node.isFolder ? names.folders : names.files).push_back(NameOf(node.path));
+        return names;
     }
 
     FileEntry GetFile(std::string_view path) override { return EntryOf(FileAt(path)); }

@@ -1,0 +1,121 @@
+#include "reconcile/flat_walk.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "database/album_key.h"
+#include "id3/tag_reader.h"
+#include "platform/basic_text.h"
+#include "reconcile/file_list.h"
+#include "reconcile/flat.h"
+#include "reconcile/left_out_music.h"
+#include "reconcile/walk.h"
+#include "reconcile/walked_album.h"
+#include "run/counted.h"
+#include "run/sound_files.h"
+#include "run/steps.h"
+
+namespace quillon {
+namespace {
+
+class FlatWalk {
+  public:
+    explicit FlatWalk(Walk& walk)
+        : walk_(walk),
+          run_(walk.run),
+          steps_(walk.run, "RefreshDatabaseFolder"),
+          leftOut_(walk.run.files, walk.run.leftOut) {}
+
+    void Refresh() {
+        std::vector<std::string> unlistedRoots;
+        for (WalkedRoot& root : walk_.roots) {
+            steps_.Concerning(root.path);
+            if (!steps_.Try(3, [&] { GroupFiles(root); }))
+                unlistedRoots.push_back(root.path);
+        }
+        for (const std::string& root : unlistedRoots)
+            walk_.unlisted.push_back({root, "", ""});
+        const bool known = steps_.Try(3, [&] { HideAlbumsBelow(walk_, unlistedRoots); });
+        if (!known) return KeepAll();
+        for (const Group& group : Counted(run_, groups_))
+            RefreshAlbum(group);
+    }
+
+  private:
+    struct Group {
+        std::string artist, title;
+        Flat files;
+    };
+
+    void GroupFiles(WalkedRoot& root) {
+        Listing<FileEntry> files = run_.files.FilesIn(root.path);
+        leftOut_.NoteDeeper(root.path, files.others);
+        HideAlbumsOf(walk_, files.unseen);
+        for (FileEntry& file : Counted(run_, files)) {
+            leftOut_.NoteFlat(root.path, file.name);
+            if (!IsSoundFile(file.name)) continue;
+            root.hasMusic = true;
+            if (file.name.find(FlatSeparator) != std::string::npos) Add(std::move(file));
+        }
+    }
+
+    /// An album's title is cut at an "_" of its own; albums of existing databases are named so.
+    void Add(FileEntry file) {
+        std::string artist = file.name.substr(0, file.name.find(FlatSeparator));
+        const std::optional<std::string> record = ReadWholeID3(run_, file.path);
+        if (!record) {
+            // Without its tag it would move to another album.
+            HideAlbumsOf(walk_, {file.path});
+            return;
+        }
+        std::string title = AlbumIn(*record);
+        title.resize(std::min(title.find(FlatSeparator), title.size()));
+        const auto [place, isNew] =
+            places_.try_emplace(AlbumKey(artist, title), groups_.size());
+        if (isNew) groups_.push_back({std::move(artist), std::move(title), Flat()});
+        groups_[place->second].files.Add(std::move(file));
+    }
+
+    static std::string AlbumIn(const std::string& record) {
+        constexpr std::size_t AlbumPiece = 3;
+        std::vector<std::string> pieces = Split(record, "|");
+        return pieces.size() > AlbumPiece ? std::move(pieces[AlbumPiece]) : "Unknown";
+    }
+
+    void RefreshAlbum(const Group& group) {
+        Album album{.artist = group.artist, .title = group.title, .trackCount = 0, .cdjid = {}};
+        FileList files = ProcessFlatTracks(group.files.GetNames());
+        steps_.Concerning(group.artist + '\\' + group.title);
+        if (!steps_.Try(3, [&] { album.trackCount = group.files.Size(); })) {
+            for (const ListedFile& file : files)
+                walk_.unlisted.push_back({file.Name, album.artist, album.title});
+            return;
+        }
+        ProcessAlbum(walk_, std::move(album), std::move(files));
+    }
+
+    void KeepAll() {
+        for (const WalkedRoot& root : walk_.roots)
+            walk_.unlisted.push_back({root.path, "", ""});
+    }
+
+    Walk& walk_;
+    Run& run_;
+    Steps steps_;
+    LeftOutMusic leftOut_;
+    std::vector<Group> groups_;                            ///< in the order of their files
+    std::unordered_map<std::string, std::size_t> places_;  ///< AlbumKey to position in groups_
+};
+
+}  // namespace
+
+void WalkFlat(Walk& walk) {
+    FlatWalk(walk).Refresh();
+}
+
+}  // namespace quillon

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "reconcile/file_list.h"
+#include "reconcile/walk.h"
+
+namespace quillon {
+
+/// Brings one album with all its files into line.
+void ProcessAlbum(Walk& walk, Album album, FileList files);
+
+/// Whether one of these files and folders, which could not be looked at, is a song that the library
+/// has. Its album joins those of which something is out of sight. Throws Failure.
+bool HideAlbumsOf(Walk& walk, const std::vector<std::string>& unseen);
+
+/// All albums with songs below these folders join them: whole library folders, which are away or
+/// cannot be listed. Throws Failure.
+void HideAlbumsBelow(Walk& walk, const std::vector<std::string>& folders);
+
+}  // namespace quillon
