@@ -55,7 +55,7 @@ std::string Printable(std::string_view name) {
 
 /// The folder itself, the one above it, and files that this program is writing just now.
 bool IsNoEntry(std::string_view name) {
-    return name == "." || name == ".." || SafeFile::IsTemporaryName(name);
+    return name == "." || name == ".." || IsTemporaryName(name);
 }
 
 template <typename Entry>
