@@ -18,11 +18,12 @@ def silence(seconds):
     return SILENT_FRAME * max(frames, 1)
 
 
-def tag(song="", artist="", album="", year="", comment="", track=None, genre=255):
+def tag(song="", artist="", album="", year="", comment="", track=None, genre=255,
+        encoding="cp1252"):
     """128 bytes. With a track number the comment has 28 bytes and the tag is a version 1.1 one."""
 
     def field(text, size):
-        return text.encode("cp1252", "replace")[:size].ljust(size, b"\0")
+        return text.encode(encoding, "replace")[:size].ljust(size, b"\0")
 
     remarks = field(comment, 30) if track is None else field(comment, 28) + bytes([0, track])
     return (b"TAG" + field(song, 30) + field(artist, 30) + field(album, 30) + field(year, 4)

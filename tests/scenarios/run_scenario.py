@@ -66,10 +66,11 @@ def time_of(date):
 
 
 def tagged_sound(what):
-    """A short MP3 file; with tag fields ("song=a; track=2") it ends in that tag."""
-    content = sound_files.silence(0.1)
-    if what:
-        fields = dict(field.strip().split("=", 1) for field in what.split(";"))
+    """A short MP3 file; with tag fields ("song=a; track=2") it ends in that tag. "sound=9" makes its
+    sound longer, "encoding=utf-8" is that of the tag's texts."""
+    fields = dict(field.strip().split("=", 1) for field in what.split(";")) if what else {}
+    content = sound_files.silence(0.1 * int(fields.pop("sound", 1)))
+    if fields:
         for number in ("track", "genre"):
             if number in fields:
                 fields[number] = int(fields[number])

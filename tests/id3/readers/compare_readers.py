@@ -14,6 +14,7 @@ from mutagen.id3 import COMM, TALB, TCON, TDRC, TIT2, TPE1, TRCK, MakeID3v1, Par
 WRITTEN_HERE = 4000
 WRITTEN_BY_MUTAGEN = 2000
 WRITTEN_BY_ID3V2 = 200
+WRITTEN_IN_UTF8 = 1000
 AT_A_TIME = 500
 NO_GENRE = 255
 FIELDS = ("song", "artist", "album", "year", "comment", "track", "genre")
@@ -33,10 +34,24 @@ def require_equal(what, expected, actual):
         raise Differs(f"{what}:\n  expected {expected!r}\n  actual   {actual!r}")
 
 
+def is_utf8(data):
+    """Whether this project reads a field of these bytes so; what its end has cut may be missing."""
+    for cut in range(4):
+        try:
+            return data and not data[:len(data) - cut].decode("utf-8").isascii()
+        except UnicodeDecodeError:
+            continue
+    return False
+
+
 def random_text(chance, longest):
-    """Without blanks at its ends, which the other readers take off."""
-    length = chance.randint(0, longest)
-    return "".join(chance.choice(CODE_PAGE) for _ in range(length)).strip(" ")
+    """Without blanks at its ends, which the other readers take off, and nothing that happens to be
+    UTF-8, which they do not know."""
+    while True:
+        length = chance.randint(0, longest)
+        text = "".join(chance.choice(CODE_PAGE) for _ in range(length)).strip(" ")
+        if not any(is_utf8(text.encode("cp1252")[:size]) for size in (4, 28, 30, longest)):
+            return text
 
 
 def random_fields(chance):
@@ -239,6 +254,23 @@ def we_read_id3v2s(tool, folder, chance):
         require_equal(f"own reader on {path.name}", fields, tool.fields(record))
 
 
+def we_read_utf8(tool, folder, chance):
+    """Tags as other programs write them that take UTF-8 for granted: cut amid a character, too."""
+    letters = "初恋その一äöüßéЁлка🎵 abc"
+    paths, wanted = [], []
+    for number in range(WRITTEN_IN_UTF8):
+        texts = ["".join(chance.choice(letters) for _ in range(chance.randint(0, 20)))
+                 for _ in range(3)]
+        fields = [text.encode("utf-8")[:30] for text in texts]
+        path = folder / f"utf8-{number:04}.mp3"
+        path.write_bytes(sound(chance) + b"TAG" + b"".join(field.ljust(30, b"\0") for field in fields)
+                         + bytes(34) + bytes([NO_GENRE]))
+        paths.append(path)
+        wanted.append([field.decode("utf-8", "ignore") for field in fields])
+    for path, texts, record in zip(paths, wanted, tool.ask("read", map_to_text(paths))):
+        require_equal(f"own reader on {path.name}", texts, record.split("|")[1:4])
+
+
 def main():
     chance = random.Random(4711)
     with tempfile.TemporaryDirectory(prefix="quillon-tags-") as name:
@@ -249,11 +281,13 @@ def main():
             others_read_ours(tool, folder, chance)
             we_read_mutagens(tool, folder, chance)
             we_read_id3v2s(tool, folder, chance)
+            we_read_utf8(tool, folder, chance)
         except Differs as difference:
             print(difference)
             return 1
     print(f"{WRITTEN_HERE} tags written here, {WRITTEN_BY_MUTAGEN} by mutagen and "
-          f"{WRITTEN_BY_ID3V2} by id3v2: every reader says the same")
+          f"{WRITTEN_BY_ID3V2} by id3v2: every reader says the same; {WRITTEN_IN_UTF8} tags in UTF-8 "
+          "read as such")
     return 0
 
 

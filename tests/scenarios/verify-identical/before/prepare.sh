@@ -1,0 +1,1 @@
+printf '\n[Removed]\nOnlyIdentical=1\n' >> host/host.ini

@@ -1,0 +1,1 @@
+printf '\n[Safety]\nMaxRemovedFiles=1\n' >> host/host.ini
