@@ -32,18 +32,26 @@ constexpr std::string_view WithDuplicatedIdentifier =
     "(SELECT CDJID FROM Albums GROUP BY CDJID HAVING Count(*)>1)";
 
 constexpr std::string_view WithoutFile =
-    "SELECT Tracks.SoundFile, Tracks.Title FROM Tracks INNER JOIN Albums "
-    "ON Tracks.CDJID = Albums.CDJID "
+    "SELECT Albums.Artist, Albums.Title AS Album, Tracks.Title "
+    "FROM Tracks INNER JOIN Albums ON Tracks.CDJID = Albums.CDJID "
     "WHERE (((Albums.Player)=1001) AND ((Tracks.SoundFile) Is Null)) "
     "OR (((Albums.Player)=1001) AND ((Tracks.SoundFile)=\"\"))";
 
 constexpr std::string_view CountTracks = "SELECT Count(*) AS Total FROM Tracks";
 
-void AddNames(Run& run, std::string_view query, std::vector<std::string>& names) {
+void AddFiles(Run& run, std::string_view query, std::vector<std::string>& names) {
     const std::unique_ptr<RecordSet> rows = run.connection->Query(query);
     for (; !rows->IsEof(); rows->MoveNext()) {
         const std::string soundFile = rows->Text("SoundFile");
         names.push_back(soundFile.empty() ? rows->Text("Title") : soundFile);
+    }
+}
+
+void AddTitles(Run& run, std::string_view query, std::vector<std::string>& names) {
+    const std::unique_ptr<RecordSet> rows = run.connection->Query(query);
+    for (; !rows->IsEof(); rows->MoveNext()) {
+        names.push_back(rows->Text("Artist") + '\\' + rows->Text("Album") + '\\' +
+                        rows->Text("Title"));
     }
 }
 
@@ -98,7 +106,7 @@ void DeleteDuplicates(Run& run) {
 
 void DeleteWithoutFile(Run& run) {
     std::vector<std::string> names;
-    AddNames(run, WithoutFile, names);
+    AddTitles(run, WithoutFile, names);
     if (names.empty()) return;
     const auto tracks = run.connection->Execute(DeleteTracksWithoutFile);
     run.counts.tracksRemoved += static_cast<std::size_t>(tracks);
@@ -120,9 +128,9 @@ void RemoveDuplicates(Run& run) {
     }
     std::vector<std::string> withDuplicate, withoutFile;
     const bool duplicatesKnown = steps.TryAs(
-        ofDuplicates, 2, [&] { AddNames(run, WithDuplicatedIdentifier, withDuplicate); });
+        ofDuplicates, 2, [&] { AddFiles(run, WithDuplicatedIdentifier, withDuplicate); });
     const bool withoutFileKnown =
-        steps.TryAs(ofTracksWithoutFile, 4, [&] { AddNames(run, WithoutFile, withoutFile); });
+        steps.TryAs(ofTracksWithoutFile, 4, [&] { AddTitles(run, WithoutFile, withoutFile); });
     bool mayRemove = false;
     steps.Try(0, [&] { mayRemove = MayRemove(run, withDuplicate, withoutFile); });
     if (mayRemove && duplicatesKnown) {

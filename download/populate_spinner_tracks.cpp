@@ -45,7 +45,11 @@ bool IsInDownloadTable(Connection& connection, const RecordSet& song) {
     return !connection.Query("SELECT * FROM Spinner WHERE " + SongCriterion(song))->IsEmpty();
 }
 
+/// "" where a part is missing: the criterion names such a song.
 std::string NameOf(const RecordSet& song) {
+    for (const char* field : {"Artist", "Album", "Song"}) {
+        if (IsNull(song.Get(field))) return "";
+    }
     return song.Text("Artist") + '\\' + song.Text("Album") + '\\' + song.Text("Song");
 }
 

@@ -78,8 +78,10 @@ void FindAlbums(Connection& connection, MissingMusic& missing) {
     }
 }
 
+/// ", 2 tracks"; nothing for none.
 std::string TracksText(std::size_t count) {
-    return std::to_string(count) + (count == 1 ? " track" : " tracks");
+    if (count == 0) return "";
+    return ", " + std::to_string(count) + (count == 1 ? " track" : " tracks");
 }
 
 void TellWhatIsGone(Run& run, const MissingMusic& missing, bool albumsAreGone) {
@@ -88,13 +90,13 @@ void TellWhatIsGone(Run& run, const MissingMusic& missing, bool albumsAreGone) {
         for (const MissingMusic::Album& album : missing.albums) {
             told.insert(album.id);
             WriteLog(run, LogSource,
-                     "Album removed, its files are gone: " + album.name + ", " +
+                     "Album removed, its files were not found: " + album.name +
                          TracksText(album.tracks));
         }
     }
     for (const MissingMusic::Track& track : missing.tracks) {
         if (told.contains(track.album)) continue;
-        WriteLog(run, LogSource, "Track removed, its file is gone: " + track.soundFile);
+        WriteLog(run, LogSource, "Track removed, its file was not found: " + track.soundFile);
     }
 }
 

@@ -33,9 +33,9 @@ TEST_F(CheckLeftOut, NamesWhatNoRunTakesInAndWhere) {
     Add("top.mp3");
     EXPECT_TRUE(Has(Cautions(),
                     "5 music files are left out, since the layout has no place for them: 2 in "
-                    "folders below album folders (D:\\Red\\One\\CD1), 2 in no album folder "
-                    "(D:\\top.mp3, D:\\Red\\loose.mp3), 1 of another type than MP3 "
-                    "(D:\\Red\\One\\d.flac). MP3 files directly in an album folder "
+                    "folders below album folders (D:\\Music\\Red\\One\\CD1), 2 in no album folder "
+                    "(D:\\Music\\top.mp3, D:\\Music\\Red\\loose.mp3), 1 of another type than MP3 "
+                    "(D:\\Music\\Red\\One\\d.flac). MP3 files directly in an album folder "
                     "(Artist\\Album\\Song.mp3) come in"));
     EXPECT_EQ(Check().status, 0);
 }
@@ -55,8 +55,8 @@ TEST_F(CheckLeftOut, LooksAtTheFlatLayout) {
     Add("Red/One/b.mp3");
     EXPECT_TRUE(Has(Cautions(),
                     "2 music files are left out, since the layout has no place for them: 1 in "
-                    "folders, where the flat layout does not look (D:\\Red\\One), 1 without an "
-                    "\"_\" behind the artist's name (D:\\nobody.mp3)"));
+                    "folders, where the flat layout does not look (D:\\Music\\Red\\One), 1 without an "
+                    "\"_\" behind the artist's name (D:\\Music\\nobody.mp3)"));
 }
 
 TEST_F(CheckLeftOut, FollowsLinksToArtistsAndNoneBelowAlbums) {
@@ -66,7 +66,7 @@ TEST_F(CheckLeftOut, FollowsLinksToArtistsAndNoneBelowAlbums) {
     fs::create_directory_symlink(Path("Elsewhere"), Path("Music/Blue"));
     fs::create_directory_symlink(Path("Music"), Path("Music/Red/One/loop"));
     EXPECT_TRUE(Has(Cautions(), "1 music file is left out, since the layout has no place for it: 1 "
-                                "in folders below album folders (D:\\Blue\\Two\\CD1)"));
+                                "in folders below album folders (D:\\Music\\Blue\\Two\\CD1)"));
 }
 
 TEST_F(CheckLeftOut, LeavesOutExcludedArtistsAndOtherModes) {

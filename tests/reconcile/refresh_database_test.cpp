@@ -276,7 +276,7 @@ TEST_F(ListedFoldersTest, LoseTheirRowsWhenTheyAreNotListedAnyMoreOnlyWithLeave)
     library.Reconcile();
     EXPECT_THAT(library.Albums(), SizeIs(albums.size() - 1));
     EXPECT_THAT(library.Tracks(), SizeIs(tracks.size() - 2));
-    EXPECT_THAT(library.host.log, ElementsAre("Quillon: Album removed, its files are gone: "
+    EXPECT_THAT(library.host.log, ElementsAre("Quillon: Album removed, its files were not found: "
                                               R"(Violet\One, 2 tracks)"));
 }
 

@@ -225,9 +225,9 @@ TEST_F(SweepBrakeTest, TellsOfEachAlbumAndOfTracksOfAlbumsThatStay) {
     library.AddAlbumRow("252E671073EC0900", "Violet", "Bare", 1);
     library.Reconcile();
     EXPECT_THAT(library.host.log,
-                ElementsAre(R"(Quillon: Album removed, its files are gone: Red\Two, 2 tracks)",
-                            R"(Quillon: Album removed, its files are gone: Violet\Bare, 0 tracks)",
-                            R"(Quillon: Track removed, its file is gone: )"
+                ElementsAre(R"(Quillon: Album removed, its files were not found: Red\Two, 2 tracks)",
+                            R"(Quillon: Album removed, its files were not found: Violet\Bare)",
+                            R"(Quillon: Track removed, its file was not found: )"
                             R"(D:\Music\Blue\One\a.mp3)"));
     EXPECT_EQ(library.run.counts.errors, 0U);
 }

@@ -1,0 +1,1 @@
+printf '\n[Safety]\nBrake=0\n' >> host/host.ini
