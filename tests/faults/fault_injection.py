@@ -153,8 +153,8 @@ def table(trials):
 
 def main():
     given = arguments()
-    # Ended from outside, it takes its processes and libraries along.
-    signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))
+    # Ended from outside, it takes its processes and libraries along and tells what it has found.
+    signal.signal(signal.SIGTERM, signal.default_int_handler)
     began = time.monotonic()
     folder = temporary_folder()
     trials, troubles, unreached = [], [], 0
@@ -169,11 +169,13 @@ def main():
                 tell(result)
             if len(trials) % PROGRESS == 0:
                 print(f"{len(trials)} points tried", file=sys.stderr, flush=True)
+    except KeyboardInterrupt:
+        troubles.append("interrupted: not all points were tried")
     finally:
         if given.keep:
             print(f"the libraries are left in {folder}")
         else:
-            shutil.rmtree(folder)
+            shutil.rmtree(folder, ignore_errors=True)
     for trouble in troubles:
         print(trouble)
     broken_trials = [trial for trial in trials if trial.breaches]
