@@ -7,7 +7,7 @@
 #include <ostream>
 #include <string_view>
 
-#include "app/checks/nearest_name.h"
+#include "driver/nearest_name.h"
 #include "platform/basic_text.h"
 #include "run/removals.h"
 

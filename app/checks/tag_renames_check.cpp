@@ -22,6 +22,9 @@ class SilentHost : public Host {
                               std::string_view fallback, std::string_view file) override {
         return host_.GetINISetting(section, key, fallback, file);
     }
+    std::vector<std::string> GetINILines(std::string_view section, std::string_view file) override {
+        return host_.GetINILines(section, file);
+    }
     void WriteLog(std::string_view, std::string_view) override {}
     std::vector<std::string> GetPlugins() override { return host_.GetPlugins(); }
     std::string GetAppPath() override { return host_.GetAppPath(); }
