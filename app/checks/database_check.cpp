@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <fmt/format.h>
 #include <ostream>
+#include <set>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -121,8 +122,12 @@ void CheckWritable(const fs::path& path, Findings& findings) {
                         "opens it so. Give it the right to write",
                         path.string()));
     }
-    const fs::path folder = path.parent_path();
-    if (!IsWritable(folder)) {
+    // Behind a symbolic link a run makes files in both folders.
+    std::error_code unknown;
+    const std::set<fs::path> folders{fs::canonical(path.parent_path(), unknown),
+                                     fs::canonical(path, unknown).parent_path()};
+    for (const fs::path& folder : folders) {
+        if (folder.empty() || IsWritable(folder)) continue;
         findings.Problem(
             fmt::format("The database's folder {} is read-only for this account, and "
                         "a run has to make files beside the database. Give it the "
@@ -204,8 +209,9 @@ void CheckDatabase(LocalHost& local, const Settings& settings, std::ostream& out
     }
     const fs::path path = local.resolver.Local(shown);
     out << fmt::format("  {}\n  {}\n", OneLine(shown), OneLine(path.string()));
-    std::error_code ignored;
-    if (!fs::is_regular_file(path, ignored)) {
+    // What cannot be looked up, or is no file, is told by whoever tries to open it.
+    std::error_code unknown;
+    if (fs::status(path, unknown).type() == fs::file_type::not_found) {
         out << "  is not there\n";
         return findings.Problem(fmt::format(
             "The database {} is not there. Correct Nirvis_CDJ_DB, or [Drives] in host.ini",

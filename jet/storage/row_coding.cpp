@@ -70,7 +70,8 @@ Bytes BuildRow(const TableLayout& layout, std::span<const FieldBytes> fields) {
     std::vector<const FieldBytes*> slots(layout.variableColumnsEver, nullptr);
     for (std::size_t i = 0; i < fields.size(); ++i) {
         const ColumnLayout& column = layout.columns[i];
-        if (column.fixed) continue;
+        // Whatever its flags say, a Yes/No column is a bit of the mask.
+        if (column.fixed || column.Type() == ColumnType::Boolean) continue;
         if (column.slot >= slots.size()) ThrowDamaged("a column has no place in the variable part");
         slots[column.slot] = &fields[i];
         variableSize += fields[i].bytes.size();

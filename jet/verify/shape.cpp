@@ -7,6 +7,7 @@
 #include "jet/error.h"
 #include "jet/storage/damaged.h"
 #include "jet/storage/format/values.h"
+#include "jet/storage/index/index_key.h"
 #include "jet/verify/slots.h"
 
 namespace jet::verify {
@@ -129,6 +130,23 @@ void CheckOverlap(const Shape& shape, Findings& findings) {
                                                       fixed[i]->name + " lie in the same place");
 }
 
+/// Names that no statement could have.
+void CheckNames(const Shape& shape, Findings& findings) {
+    std::vector<std::string_view> names;
+    for (const Column& column : shape.columns)
+        names.push_back(column.name);
+    std::ranges::sort(names, [](std::string_view left, std::string_view right) {
+        return storage::CompareTexts(left, right) < 0;
+    });
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        if (names[i].empty() || names[i].find('\0') != std::string_view::npos)
+            findings.Fault("table " + shape.name, "a column has an impossible name");
+        if (i != 0 && storage::CompareTexts(names[i - 1], names[i]) == 0)
+            findings.Fault("table " + shape.name,
+                           "two columns have the name " + std::string(names[i]));
+    }
+}
+
 void CheckColumns(const Shape& shape, Findings& findings) {
     if (shape.columns.size() > shape.columnsEver || shape.variableEver > shape.columnsEver)
         storage::ThrowDamaged("the definition has impossible counts");
@@ -144,6 +162,7 @@ void CheckColumns(const Shape& shape, Findings& findings) {
             (column.slot >= shape.variableEver || !slots.insert(column.slot).second))
             storage::ThrowDamaged("column " + column.name + " has an impossible place");
     }
+    CheckNames(shape, findings);
     CheckOverlap(shape, findings);
 }
 

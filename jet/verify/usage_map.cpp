@@ -48,6 +48,8 @@ std::vector<PageNumber> UsageMaps::Read(storage::RowId map, const std::string& w
         findings_.Fault(where, "page " + std::to_string(map.page) + " has maps and an owner");
     const auto row = slots.Bytes(map.slot);
     if (row[0] == Inline) {
+        if (const auto first = storage::Load<PageNumber>(row, 1); first > pages_.Count())
+            findings_.Fault(where, "the map at " + Place(map) + " begins outside the file");
         AddBits(row.subspan(InlineHeader), storage::Load<PageNumber>(row, 1), mayReachOut, where,
                 found);
     } else if (row[0] == ByReference) {

@@ -1,10 +1,14 @@
 #include <array>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include "app/jukebox_database.h"
+#include "jet/check.h"
 #include "jet/database.h"
 #include "tests/app/check_fixture.h"
+#include "tests/app/pending_journal.h"
 
 namespace quillon {
 namespace {
@@ -24,6 +28,18 @@ class CheckDatabase : public CheckFixture {
         std::array<char, 256> name{};
         gethostname(name.data(), name.size() - 1);
         return name.data();
+    }
+    /// Lets the definition of the table with 148 rows say that it has none.
+    void SpoilRowCount(const std::string& table) const {
+        std::string content = Read("shelf/jukebox.mdb");
+        const std::string count{'\x94', '\0', '\0', '\0'};
+        for (std::size_t at = 0; (at = content.find(count, at + 1)) != std::string::npos;) {
+            if (at % 4096 == 16 && content[at - 16] == 2) content[at] = '\0';
+        }
+        Write("shelf/jukebox.mdb", content);
+        const auto faults = jet::CheckFile(Path("shelf/jukebox.mdb")).faults;
+        ASSERT_EQ(faults.size(), 1U);
+        ASSERT_EQ(faults[0].table, table);
     }
     void Replace(const std::vector<jet::TableDefinition>& tables) const {
         fs::remove(Path("shelf/jukebox.mdb"));
@@ -85,6 +101,66 @@ TEST_F(CheckDatabase, IsAProblemWhenItIsDamaged) {
     EXPECT_EQ(Check().status, 2);
     EXPECT_TRUE(Has(Problems(), "Put a backup in its place")) << Problems();
     EXPECT_TRUE(Told().ends_with("  cannot be used")) << Told();
+}
+
+TEST_F(CheckDatabase, IsAProblemWhenItIsNoFile) {
+    fs::remove(Path("shelf/jukebox.mdb"));
+    ASSERT_EQ(mkfifo(Path("shelf/jukebox.mdb").c_str(), 0600), 0);
+    EXPECT_EQ(Check().status, 2);
+    EXPECT_TRUE(Has(Problems(), "jukebox.mdb is a FIFO and not")) << Problems();
+    const ProgramResult run = CallProgram({"run", "--quiet", "--host", Path("shelf")});
+    EXPECT_EQ(run.status, 2);
+    EXPECT_TRUE(Has(Read("shelf/host.log"), "jukebox.mdb is a FIFO and not an Access database"));
+}
+
+TEST_F(CheckDatabase, MayBeASymbolicLink) {
+    MakeFolder("elsewhere");
+    fs::rename(Path("shelf/jukebox.mdb"), Path("elsewhere/cdj.mdb"));
+    fs::create_symlink(Path("elsewhere/cdj.mdb"), Path("shelf/jukebox.mdb"));
+    EXPECT_EQ(Check().status, 0) << Problems();
+    const jet::Database open =
+        jet::Database::Open(Path("elsewhere/cdj.mdb"), jet::OpenMode::ReadWrite);
+    EXPECT_TRUE(Has(Problems(), "cdj.mdb is in use by ")) << Problems();
+    const ProgramResult run = CallProgram({"run", "--quiet", "--host", Path("shelf")});
+    EXPECT_EQ(run.status, 2);
+    EXPECT_TRUE(Has(Read("shelf/host.log"), "cdj.mdb is in use by "));
+}
+
+TEST_F(CheckDatabase, IsAProblemWhereARunWouldRefuseItAsDamaged) {
+    SpoilRowCount("SpinnerGenre");
+    EXPECT_EQ(Check().status, 2);
+    EXPECT_TRUE(Has(Problems(), "a run refuses it as it is: table SpinnerGenre: the definition "
+                                "counts 0 rows, there are 148"))
+        << Problems();
+    EXPECT_TRUE(Has(Problems(), "Put a backup in its place"));
+}
+
+TEST_F(CheckDatabase, IsWorthALookWhereATableThatNoRunNeedsIsDamaged) {
+    std::vector<jet::TableDefinition> tables = JukeboxTables();
+    tables.push_back({"Wishes", {{.name = "ID", .type = jet::ColumnType::Long}}, {}});
+    Replace(tables);
+    for (int i = 0; i < 148; ++i)
+        Execute("INSERT INTO Wishes (ID) VALUES (" + std::to_string(i) + ")");
+    EXPECT_EQ(Cautions(), "");
+    SpoilRowCount("Wishes");
+    EXPECT_EQ(Check().status, 0);
+    EXPECT_TRUE(Has(Cautions(), "A table that no run needs is damaged. It is left as it is: "
+                                "table Wishes: the definition counts 0 rows, there are 148"))
+        << Cautions();
+    const ProgramResult run = CallProgram({"run", "--quiet", "--host", Path("shelf")});
+    EXPECT_EQ(run.status, 0);
+    EXPECT_TRUE(Has(Read("shelf/host.log"),
+                    "Table Wishes of the database is damaged; no run needs it"));
+}
+
+TEST_F(CheckDatabase, SaysThatAJournalWaits) {
+    LeaveJournal(Path("shelf/jukebox.mdb"));
+    EXPECT_EQ(Check().status, 0);
+    const std::string cautions = Cautions();
+    EXPECT_TRUE(Has(cautions, Path("shelf/jukebox.mdb").string() + ".journal waits")) << cautions;
+    EXPECT_TRUE(Has(cautions, "'quillon db recover " + Path("shelf/jukebox.mdb").string() + "'"));
+    LeaveJournal(Path("shelf/jukebox.mdb"), 3);
+    EXPECT_TRUE(Has(Cautions(), "was left for the database before that was replaced or changed"));
 }
 
 TEST_F(CheckDatabase, RefusesAGenreNumberThatWouldStopTheStartUp) {

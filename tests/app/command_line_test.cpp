@@ -152,6 +152,7 @@ TEST(CommandLine, DbKnowsFourActions) {
     const auto exec = std::get<DbExecRequest>(Parse({"db", "exec", "a.mdb", "DELETE * FROM T"}));
     EXPECT_EQ(exec.sql, "DELETE * FROM T");
     EXPECT_EQ(std::get<DbCheckRequest>(Parse({"db", "check", "a.mdb"})).file, "a.mdb");
+    EXPECT_EQ(std::get<DbRecoverRequest>(Parse({"db", "recover", "a.mdb"})).file, "a.mdb");
 }
 
 TEST(CommandLine, AStatementMayHoldAnything) {

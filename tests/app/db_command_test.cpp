@@ -2,6 +2,8 @@
 #include <filesystem>
 #include <gtest/gtest.h>
 
+#include "jet/database.h"
+#include "tests/app/pending_journal.h"
 #include "tests/app/temporary_folder.h"
 
 namespace quillon {
@@ -127,9 +129,91 @@ TEST_F(DbCommand, ChecksTheStructure) {
     EXPECT_NE(faulty.out.find(" fault"), std::string::npos) << faulty.out;
 }
 
+TEST_F(DbCommand, ADatabaseThatIsDamagedIsNotChanged) {
+    Db("create");
+    std::string content = Read("cdj.mdb");
+    // The number of genres, in the definition of their table.
+    const std::string count{'\x94', '\0', '\0', '\0'};
+    const std::size_t found = content.find(count + std::string(4, '\0') + '\1');
+    ASSERT_NE(found, std::string::npos);
+    ASSERT_EQ(found % 4096, 16U);
+    content[found] = '\0';
+    Write("cdj.mdb", content);
+    const ProgramResult result = Db("exec", {"DELETE * FROM SpinnerGenre WHERE GenreID=5"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_NE(result.err.find("'SpinnerGenre' is damaged: table SpinnerGenre: the definition "
+                              "counts 0 rows, there are 148"),
+              std::string::npos)
+        << result.err;
+    EXPECT_EQ(Read("cdj.mdb"), content);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(Folder()), {}), 1);
+    EXPECT_EQ(Db("exec", {"INSERT INTO Albums (CDJID) VALUES ('1')"}).status, 0)
+        << "another table";
+}
+
+TEST_F(DbCommand, CheckReadsAFileWithItsJournalAndSaysSo) {
+    Db("create");
+    LeaveJournal(File());
+    const std::string content = Read("cdj.mdb"), journal = Read("cdj.mdb.journal");
+    const ProgramResult checked = Db("check");
+    EXPECT_EQ(checked.status, 0);
+    EXPECT_NE(checked.out.find("the journal " + File() + ".journal waits to be carried out."),
+              std::string::npos)
+        << checked.out;
+    EXPECT_NE(checked.out.find("other programs see the file without it"), std::string::npos);
+    EXPECT_NE(checked.out.find("'quillon db recover " + File() + "'"), std::string::npos);
+    EXPECT_NE(checked.out.find(File() + ": OK; "), std::string::npos);
+    EXPECT_EQ(Read("cdj.mdb"), content);
+    EXPECT_EQ(Read("cdj.mdb.journal"), journal);
+}
+
+TEST_F(DbCommand, RecoverCarriesOutTheJournalAndNothingElse) {
+    Db("create");
+    EXPECT_EQ(Db("recover").out, File() + ": there is no journal, nothing to do\n");
+    LeaveJournal(File());
+    std::string content = Read("cdj.mdb");
+    const ProgramResult done = Db("recover");
+    EXPECT_EQ(done.status, 0) << done.err;
+    EXPECT_EQ(done.out, File() + ": completed; 1 page written from " + File() +
+                            ".journal, which is removed\n");
+    ++content[0xE00];
+    EXPECT_TRUE(Read("cdj.mdb") == content);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(Folder()), {}), 1);
+    EXPECT_EQ(Db("check").out.find("journal"), std::string::npos);
+    EXPECT_EQ(Db("recover").status, 0);
+}
+
+TEST_F(DbCommand, RecoverRefusesAJournalThatIsNotTheDatabases) {
+    Db("create");
+    LeaveJournal(File(), 5);
+    const std::string content = Read("cdj.mdb"), journal = Read("cdj.mdb.journal");
+    const auto expectRefused = [&](const std::string& words, const std::string& kept) {
+        const ProgramResult refused = Db("recover");
+        EXPECT_EQ(refused.status, 2);
+        EXPECT_NE(refused.err.find(words), std::string::npos) << refused.err;
+        EXPECT_TRUE(Read("cdj.mdb") == content);
+        EXPECT_TRUE(Read("cdj.mdb.journal") == kept);
+        EXPECT_EQ(Db("check").status, 0);
+        EXPECT_NE(Db("check").out.find("The journal " + File() + ".journal "), std::string::npos);
+    };
+    expectRefused(".journal does not belong to " + File() + " as it is now", journal);
+    Write("cdj.mdb.journal", journal.substr(0, 3000));
+    expectRefused(".journal is not a complete journal", journal.substr(0, 3000));
+}
+
+TEST_F(DbCommand, RecoverIsRefusedWhileTheDatabaseIsOpen) {
+    Db("create");
+    const jet::Database open = jet::Database::Open(File(), jet::OpenMode::ReadWrite);
+    const ProgramResult refused = Db("recover");
+    EXPECT_EQ(refused.status, 2);
+    EXPECT_NE(refused.err.find("is in use by "), std::string::npos) << refused.err;
+    LeaveJournal(File());
+    EXPECT_NE(Db("check").out.find("may be that of a change under way"), std::string::npos);
+}
+
 TEST_F(DbCommand, SaysWhatIsWrongWithAFileThatIsNoDatabase) {
-    for (const char* const action : {"check", "query", "exec"}) {
-        const std::vector<std::string> sql = action == std::string("check")
+    for (const std::string action : {"check", "recover", "query", "exec"}) {
+        const std::vector<std::string> sql = action == "check" || action == "recover"
                                                  ? std::vector<std::string>{}
                                                  : std::vector<std::string>{"SELECT * FROM Albums"};
         std::filesystem::remove(Path("cdj.mdb"));

@@ -91,13 +91,16 @@ std::size_t SampleBytes::ColumnOffset(std::size_t column) {
     return 0x3F + 12 * Get<std::uint32_t>(Definition(), 0x33) + 25 * column;
 }
 
-std::size_t SampleBytes::IndexOffset(std::size_t index) {
+std::size_t SampleBytes::NameOffset(std::size_t column) {
     const PageNumber definition = Definition();
-    const std::size_t columns = Get<std::uint16_t>(definition, 0x2D);
-    std::size_t offset = ColumnOffset(columns);
-    for (std::size_t i = 0; i < columns; ++i)
+    std::size_t offset = ColumnOffset(Get<std::uint16_t>(definition, 0x2D));
+    for (std::size_t i = 0; i < column; ++i)
         offset += 2U + Get<std::uint16_t>(definition, offset);
-    return offset + 52 * index;
+    return offset + 2;
+}
+
+std::size_t SampleBytes::IndexOffset(std::size_t index) {
+    return NameOffset(Get<std::uint16_t>(Definition(), 0x2D)) - 2 + 52 * index;
 }
 
 std::size_t SampleBytes::RowStart(PageNumber page, std::size_t slot) {

@@ -41,6 +41,7 @@ class SampleBytes {
 
     /// Offsets in the definition.
     std::size_t ColumnOffset(std::size_t column);
+    std::size_t NameOffset(std::size_t column);
     std::size_t IndexOffset(std::size_t index);
 
     /// Start of a row's bytes in its page.

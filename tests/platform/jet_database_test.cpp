@@ -1,6 +1,9 @@
 #include "platform/portable/jet_database.h"
 
+#include <filesystem>
+#include <fstream>
 #include <gtest/gtest.h>
+#include <vector>
 
 #include "jet/database.h"
 #include "platform/portable/jet_values.h"
@@ -145,6 +148,71 @@ TEST_F(JetDatabaseTest, ConnectionsToOneFileShareIt) {
     const std::unique_ptr<Connection> second = Open("D:\\CDJ.MDB");
     first->Execute("INSERT INTO Songs (Title) VALUES (\"One\")");
     EXPECT_EQ(second->Query("SELECT Title FROM Songs")->Text("Title"), "One");
+}
+
+TEST_F(JetDatabaseTest, ConnectionsByOtherNamesOfTheFileShareItToo) {
+    std::filesystem::create_hard_link(folder_ / "Cdj.mdb", folder_ / "hard.mdb");
+    std::filesystem::create_symlink(folder_ / "hard.mdb", folder_ / "soft.mdb");
+    const std::unique_ptr<Connection> first = Open();
+    const std::unique_ptr<Connection> second = Open("D:\\hard.mdb");
+    const std::unique_ptr<Connection> third = Open("D:\\soft.mdb");
+    first->Execute("INSERT INTO Songs (Title) VALUES (\"One\")");
+    EXPECT_EQ(second->Query("SELECT Title FROM Songs")->Text("Title"), "One");
+    EXPECT_EQ(third->Query("SELECT Title FROM Songs")->Text("Title"), "One");
+}
+
+TEST_F(JetDatabaseTest, APathThatCannotBeLookedUpOpensNothing) {
+    std::filesystem::create_symlink(folder_ / "turning.mdb", folder_ / "turning.mdb");
+    const std::string what = FailureOf([&] { Open("D:\\turning.mdb"); });
+    EXPECT_NE(what.find("turning.mdb"), std::string::npos) << what;
+    EXPECT_NE(what.find("symbolic links"), std::string::npos) << what;
+}
+
+/// Makes a database with tables that have `rows` rows each, the first one's count spoilt.
+void MakeDamagedDatabase(const std::filesystem::path& path) {
+    const std::vector<jet::ColumnDefinition> columns{
+        {.name = "Number", .type = jet::ColumnType::Integer}};
+    jet::Database::Create(path, std::vector<jet::TableDefinition>{{"Bad", columns, {}},
+                                                                  {"Good", columns, {}}});
+    {
+        jet::Database database = jet::Database::Open(path, jet::OpenMode::ReadWrite);
+        for (int i = 0; i < 77; ++i)
+            database.Execute("INSERT INTO Bad ([Number]) VALUES (1)");
+    }
+    std::fstream file(path, std::ios::binary | std::ios::in | std::ios::out);
+    for (std::streamoff page = 0; file.seekg(page * 4096 + 16); ++page) {
+        if (file.get() != 77) continue;
+        file.seekp(page * 4096 + 16);
+        file.put(0);
+        return;
+    }
+}
+
+TEST_F(JetDatabaseTest, ADatabaseIsRefusedAsItIsWhenATableThatIsNeededIsDamaged) {
+    MakeDamagedDatabase(folder_ / "bad.mdb");
+    const std::string before = folder_.Content("bad.mdb");
+    JetDatabaseProvider provider(resolver_, {.tables = {"Good", "bad"}, .note = {}});
+    const std::string what =
+        FailureOf([&] { provider.Open(std::string(Prefix) + "D:\\bad.mdb"); });
+    EXPECT_NE(what.find("bad.mdb is damaged: table Bad: the definition counts 0 rows"),
+              std::string::npos)
+        << what;
+    EXPECT_TRUE(folder_.Content("bad.mdb") == before);
+    EXPECT_FALSE(std::filesystem::exists(folder_ / "bad.ldb"));
+}
+
+TEST_F(JetDatabaseTest, ADamagedTableThatIsNotNeededIsNamedAndLeftAlone) {
+    MakeDamagedDatabase(folder_ / "bad.mdb");
+    std::vector<std::string> notes;
+    JetDatabaseProvider provider(
+        resolver_, {.tables = {"Good"},
+                    .note = [&notes](const std::string& note) { notes.push_back(note); }});
+    const auto connection = provider.Open(std::string(Prefix) + "D:\\bad.mdb");
+    connection->Execute("INSERT INTO Good ([Number]) VALUES (1)");
+    EXPECT_NE(FailureOf([&] { connection->Execute("DELETE * FROM Bad"); }).find("is damaged"),
+              std::string::npos);
+    ASSERT_EQ(notes.size(), 1U);
+    EXPECT_EQ(notes[0].find("Table Bad of the database is damaged"), 0U) << notes[0];
 }
 
 TEST_F(JetDatabaseTest, RowsOutliveTheirConnection) {
