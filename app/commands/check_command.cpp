@@ -93,7 +93,7 @@ int Check(const CheckRequest& request, Console console) {
     CheckHostSettings(local.host, out, findings);
     CheckFolders(local, settings, out, findings);
     CheckLibraryFolders(local.files, settings, findings);
-    CheckOverlaps(local.files, settings, findings);
+    CheckOverlaps(local, settings, findings);
     CheckDatabase(local.resolver, settings, out, findings);
     CheckMode(local.resolver, settings, out, findings);
 
