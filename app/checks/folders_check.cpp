@@ -12,8 +12,8 @@
 #include "app/table_printer.h"
 #include "driver/library_folders.h"
 #include "driver/modes.h"
-#include "platform/basic_text.h"
 #include "platform/failure.h"
+#include "playlists/folder_remarks.h"
 #include "run/paths.h"
 
 namespace quillon {
@@ -166,31 +166,22 @@ void CheckSource(Files& files, const Settings& settings, Findings& findings) {
                              source, how, root));
 }
 
-/// None where the folder cannot be listed, which is told of elsewhere.
-std::vector<FileEntry> FilesIn(Files& files, const std::string& folder) try {
-    return files.FilesIn(folder).entries;
+/// What else the playlist folder is; "" where that cannot be told, which the table of folders shows.
+std::string PlaylistRemark(LocalHost& local, const Settings& settings) try {
+    const std::string& folder = settings.PlayListPath;
+    if (!IsSet(folder) || !local.files.FolderExists(folder)) return "";
+    return PlaylistFolderRemark(local.files, settings, local.host.GetAppPath(),
+                                BuildLibraryFolders(local.files, settings),
+                                local.files.FilesIn(folder));
 } catch (const Failure&) {
-    return {};
+    return "";
 }
 
-/// Whatever lies in the playlist folder is read, repaired and perhaps deleted as a playlist, but
-/// for the database and what belongs to it.
-void CheckPlaylistFiles(Files& files, const Settings& settings, Findings& findings) {
-    if (!IsMode(settings, &Settings::Reconcile)) return;
-    const std::string database = LowerCase(settings.Nirvis_CDJ_DB);
-    std::vector<FileEntry> others = FilesIn(files, settings.PlayListPath);
-    std::erase_if(others, [&database](const FileEntry& file) {
-        return LowerCase(file.name).ends_with(".pla") ||
-               (!database.empty() && LowerCase(file.path).starts_with(database));
-    });
-    if (others.empty()) return;
-    const bool isOne = others.size() == 1;
-    findings.Caution(fmt::format(
-        "PlayListPath ({}) holds {} no .pla playlist, {}: each file there is taken for a playlist, "
-        "and without valid entries it is deleted. Move such files elsewhere",
-        settings.PlayListPath,
-        isOne ? "a file that is" : fmt::format("{} files that are", others.size()),
-        others.front().name + (isOne ? "" : " for one")));
+void CheckPlaylistFolder(LocalHost& local, const Settings& settings, Findings& findings) {
+    const bool isUsed =
+        IsMode(settings, &Settings::Reconcile) || IsMode(settings, &Settings::PlaToM3u);
+    std::string remark = isUsed ? PlaylistRemark(local, settings) : "";
+    if (!remark.empty()) findings.Caution(std::move(remark));
 }
 
 }  // namespace
@@ -228,25 +219,14 @@ void CheckLibraryFolders(Files& files, const Settings& settings, Findings& findi
                     failure.what()));
 }
 
-void CheckOverlaps(Files& files, const Settings& settings, Findings& findings) {
-    CheckSource(files, settings, findings);
-    const bool sameFolder = IsWithin(files, settings.PlayListPath, settings.PlayListPath2) &&
-                            IsWithin(files, settings.PlayListPath2, settings.PlayListPath);
-    if (sameFolder) {
-        findings.Caution(fmt::format(
-            "PlayListPath and PlayListPath2 are the same folder ({}): a reconciliation takes .m3u "
-            "files there for playlists of its own and deletes them. Name two folders",
-            settings.PlayListPath));
-    }
-    for (const auto& [name, path] : {std::pair("PlayListPath", settings.PlayListPath),
-                                     std::pair("PlayListPath2", settings.PlayListPath2)}) {
-        if (!IsWithin(files, path, settings.LibraryRoot)) continue;
-        findings.Caution(
-            fmt::format("{} ({}) lies in the library ({}), where its backups would "
-                        "look like artists. Name a folder outside of it",
-                        name, path, settings.LibraryRoot));
-    }
-    CheckPlaylistFiles(files, settings, findings);
+void CheckOverlaps(LocalHost& local, const Settings& settings, Findings& findings) {
+    CheckSource(local.files, settings, findings);
+    CheckPlaylistFolder(local, settings, findings);
+    if (!IsWithin(local.files, settings.PlayListPath2, settings.LibraryRoot)) return;
+    findings.Caution(
+        fmt::format("PlayListPath2 ({}) lies in the library ({}), where its backups would look "
+                    "like artists. Name a folder outside of it",
+                    settings.PlayListPath2, settings.LibraryRoot));
 }
 
 }  // namespace quillon

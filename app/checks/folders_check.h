@@ -16,7 +16,7 @@ void CheckFolders(LocalHost& local, const Settings& settings, std::ostream& out,
 /// Finds a library of several folders that has none, or whose folders cannot be found out.
 void CheckLibraryFolders(Files& files, const Settings& settings, Findings& findings);
 
-/// Finds folders that should not lie in one another, and files that would be taken for playlists.
-void CheckOverlaps(Files& files, const Settings& settings, Findings& findings);
+/// Finds folders that should not lie in one another, and a playlist folder that is more than that.
+void CheckOverlaps(LocalHost& local, const Settings& settings, Findings& findings);
 
 }  // namespace quillon

@@ -37,6 +37,11 @@ void TellRemovedMusic(HostFolder& host, std::ostream& out, Findings& findings) {
     const std::string what =
         setting.keep ? "kept in " + OneLine(RemovedMusicFolder(host).string()) : "deleted for good";
     out << fmt::format("Removed music    {}\n", what);
+    const bool byTitle =
+        IsSwitchedOff(host.GetINISetting("Removed", "OnlyIdentical", "0", HostSettingsFile));
+    out << fmt::format("Duplicates       {}\n",
+                       byTitle ? "files of one title, OnlyIdentical is off"
+                               : "only files with the same sound, byte for byte");
     if (!setting.understood) {
         findings.Caution(fmt::format(
             "Keep in [Removed] of host.ini is \"{}\", which is neither yes nor no; removed music "
@@ -97,7 +102,7 @@ int Check(const CheckRequest& request, Console console) {
     CheckHostSettings(local.host, out, findings);
     CheckFolders(local, settings, out, findings);
     CheckLibraryFolders(local.files, settings, findings);
-    CheckOverlaps(local.files, settings, findings);
+    CheckOverlaps(local, settings, findings);
     CheckLeftOut(local.files, settings, findings);
     CheckDatabase(local, settings, out, findings);
     CheckMode(local.resolver, settings, out, findings);

@@ -84,6 +84,17 @@ TEST_F(CheckCommand, TellsWhetherRemovedMusicIsKept) {
                     "Keep in [Removed] of host.ini is \"perhaps\", which is neither yes nor no"));
 }
 
+TEST_F(CheckCommand, TellsWhatCountsAsADuplicate) {
+    EXPECT_TRUE(Has(Check().out, "\nDuplicates       only files with the same sound, byte"));
+    const std::string host = Read("shelf/host.ini");
+    for (const char* const line : {"OnlyIdentical=0", "; absent"}) {
+        std::string changed = host;
+        Write("shelf/host.ini", changed.replace(changed.find("\nOnlyIdentical=1") + 1, 15, line));
+        EXPECT_TRUE(Has(Check().out, "\nDuplicates       files of one title, OnlyIdentical is off"))
+            << line;
+    }
+}
+
 TEST_F(CheckCommand, NeedsALogThatCanBeWritten) {
     const std::string log = "Log              " + Path("shelf/host.log").string();
     EXPECT_TRUE(Has(Check().out, log + ", made by the first run\n"));

@@ -129,10 +129,10 @@ TEST_F(CheckFolders, FindsASourceOfNewMusicThatOverlapsTheLibrary) {
     EXPECT_EQ(Check().status, 2);
 }
 
-TEST_F(CheckFolders, FindsPlaylistFoldersThatAreTheSame) {
+/// Lists of both kinds may share a folder.
+TEST_F(CheckFolders, HasNothingAgainstPlaylistFoldersThatAreTheSame) {
     Set("PlayListPath2", "Z:" + Path("shelf/Playlists").string());
-    EXPECT_TRUE(Has(Cautions(), "PlayListPath and PlayListPath2 are the same folder"));
-    EXPECT_EQ(Check().status, 0);
+    EXPECT_EQ(Cautions(), "");
 }
 
 TEST_F(CheckFolders, FindsPlaylistFoldersWithinTheLibrary) {
@@ -144,17 +144,28 @@ TEST_F(CheckFolders, FindsPlaylistFoldersWithinTheLibrary) {
     EXPECT_TRUE(Has(Cautions(), "PlayListPath2 (D:\\Music\\) lies in the library"));
 }
 
-TEST_F(CheckFolders, FindsFilesThatWouldBeTakenForPlaylists) {
-    Write("shelf/Playlists/Mine.PLA", "header\r\n");
-    EXPECT_EQ(Cautions(), "");
-    Write("shelf/Playlists/notes.txt", "x");
+TEST_F(CheckFolders, FindsAPlaylistFolderThatIsMoreThanThat) {
+    Set("PlayListPath", "H:\\");
     EXPECT_TRUE(Has(Cautions(),
-                    "PlayListPath (H:\\Playlists\\) holds a file that is no .pla "
-                    "playlist, notes.txt: each file there is taken for a playlist"));
-    Write("shelf/Playlists/todo.txt", "x");
-    EXPECT_TRUE(Has(Cautions(), "holds 2 files that are no .pla playlist, notes.txt for one"));
+                    "PlayListPath (H:\\) is the root of a drive, is the host folder, with settings "
+                    "and log, is the folder of the database, holds other files, Quillon.ini for "
+                    "one. Only playlists are changed there"))
+        << Cautions();
+    EXPECT_EQ(Check().status, 0);
     Choose("PlaToM3u");
-    EXPECT_EQ(Cautions(), "") << "only a reconciliation changes them";
+    EXPECT_TRUE(Has(Cautions(), "is the host folder"));
+    Choose("AlbumPicker");
+    Set("PlaToM3u", "0");
+    EXPECT_EQ(Cautions(), "") << "it has no use for playlists";
+}
+
+TEST_F(CheckFolders, FindsOtherFilesInThePlaylistFolder) {
+    Write("shelf/Playlists/Mine.PLA", "header\r\n");
+    Write("shelf/Playlists/notes.txt", "x");
+    EXPECT_EQ(Cautions(), "") << "both are left alone";
+    Write("shelf/Playlists/song.mp3", "x");
+    EXPECT_TRUE(Has(Cautions(),
+                    "PlayListPath (H:\\Playlists\\) holds other files, song.mp3 for one"));
 }
 
 }  // namespace

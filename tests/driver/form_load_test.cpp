@@ -241,7 +241,8 @@ TEST_F(FormLoad, RunsNoPhaseWhenTheDatabaseCannotBeOpened) {
 
 TEST_F(FormLoad, SeedsTheRandomNumbersFromTheClockOnce) {
     RandomNumbers expected;
-    expected.Seed(world.clock.now);
+    world.clock.nanoseconds = 123'456'789;
+    expected.Seed(world.clock.now, world.clock.nanoseconds);
     std::vector<double> drawn;
     const auto draw = [&drawn](Run& context) { drawn.push_back(context.random.Next()); };
     procedures.BuildORsRecordset = procedures.PopulateGenre = draw;

@@ -79,5 +79,15 @@ TEST(SystemClock, ShowsTheLocalTime) {
     EXPECT_LE(now, after);
 }
 
+TEST(SystemClock, TellsPartsOfASecond) {
+    const SystemClock clock;
+    const std::uint32_t first = clock.Nanoseconds();
+    bool isAnother = false;
+    for (int i = 0; i < 1'000'000 && !isAnother; ++i)
+        isAnother = clock.Nanoseconds() != first;
+    EXPECT_TRUE(isAnother);
+    EXPECT_LT(clock.Nanoseconds(), 1'000'000'000U);
+}
+
 }  // namespace
 }  // namespace quillon

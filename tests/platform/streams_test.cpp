@@ -72,6 +72,30 @@ TEST_F(TextReaderTest, NeedsAFile) {
     EXPECT_EQ(FailureOf([&] { files_.OpenText("E:\\x.txt"); }), "Path not found: E:\\x.txt");
 }
 
+TEST_F(TextWriterTest, WritesBytesAsTheyAre) {
+    const std::unique_ptr<TextWriter> writer = files_.CreateText("D:\\a.txt");
+    writer->Write("é");
+    writer->WriteBytes("é\xE9");
+    writer->Close();
+    EXPECT_EQ(folder_.Content("a.txt"), "\xE9\xC3\xA9\xE9");
+}
+
+/// The question comes when all is on the disk, and the file of that name is still what it was.
+TEST_F(TextWriterTest, ReplacesAFileOnlyIfItIsStillWanted) {
+    folder_.MakeFile("a.txt", "old");
+    for (const bool isWanted : {false, true}) {
+        const std::unique_ptr<TextWriter> writer = files_.CreateText("D:\\a.txt");
+        writer->WriteLine("new");
+        const auto ask = [&] {
+            EXPECT_EQ(folder_.Content("a.txt"), "old");
+            return isWanted;
+        };
+        EXPECT_EQ(writer->CloseIf(ask), isWanted);
+        EXPECT_EQ(folder_.Content("a.txt"), isWanted ? "new\r\n" : "old");
+    }
+    EXPECT_EQ(folder_.Count(), 1U) << "nothing is left behind";
+}
+
 TEST_F(TextWriterTest, WritesAnsiWithWindowsLineEnds) {
     const std::unique_ptr<TextWriter> writer = files_.CreateText("D:\\a.txt");
     writer->Write("caf");
