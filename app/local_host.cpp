@@ -47,9 +47,9 @@ LocalHost::LocalHost(const std::filesystem::path& folder, const NoteSink& note)
     : host(CheckedFolder(folder), clock),
       resolver(host.Drives()),
       files(resolver, note),
-      databases(resolver, {.tables = NeededTableNames(),
-                           .note = [note](const std::string& message) {
-                               note(LogKind::Information, message);
-                           }}) {}
+      databases(resolver,
+                {.tables = NeededTableNames(), .note = [note](const std::string& message) {
+                     note(LogKind::Information, message);
+                 }}) {}
 
 }  // namespace quillon

@@ -48,7 +48,7 @@ class CoverSet {
 
     std::vector<Cover> covers_;
     bool isWhole_ = true;
-    std::vector<std::string> emptyFolders_;  ///< with a backslash at the end
+    std::vector<std::string> emptyFolders_;    ///< with a backslash at the end
     Index byName_, byNameWithoutApostrophes_;  ///< positions of the first of each name
 };
 

@@ -41,9 +41,10 @@ bool MarkSnapshotExists(Run& run);
 void RestoreMarks(Run& run);
 
 /// Gives back the counts and numbers of what is still marked below these folders, so that the
-/// sweeps leave it alone; what was 0 before gets a free number. The snapshot stays. All folders of a
-/// run come at once: what an album lacks is added to the count that the walk gave it. Returns how
-/// many tracks that concerned below each of them; of folders inside each other the inner one counts.
+/// sweeps leave it alone; what was 0 before gets a free number. The snapshot stays. All folders of
+/// a run come at once: what an album lacks is added to the count that the walk gave it. Returns how
+/// many tracks that concerned below each of them; of folders inside each other the inner one
+/// counts.
 std::vector<std::size_t> RestoreMarksBelow(Run& run, const std::vector<UnlistedFolder>& folders);
 
 /// AlbumKey of the owned albums that have tracks below these folders. Throws Failure.

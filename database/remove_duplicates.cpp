@@ -134,8 +134,7 @@ void RemoveDuplicates(Run& run) {
     bool mayRemove = false;
     steps.Try(0, [&] { mayRemove = MayRemove(run, withDuplicate, withoutFile); });
     if (mayRemove && duplicatesKnown) {
-        const bool removed =
-            steps.TryAs(ofDuplicates, 2, [&run] { DeleteDuplicates(run); });
+        const bool removed = steps.TryAs(ofDuplicates, 2, [&run] { DeleteDuplicates(run); });
         if (removed) NoteRemoved(run, withDuplicate);
     }
     if (mayMark) {

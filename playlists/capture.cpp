@@ -205,8 +205,7 @@ class CaptureExisting {
                 content.takenOver.push_back(&playlist);
             content.places = earlier_->Places();
             const auto isForAll = [](const CapturedPlaces& p) { return p.names.empty(); };
-            areAllKept =
-                std::any_of(content.places.begin(), content.places.end(), isForAll);
+            areAllKept = std::any_of(content.places.begin(), content.places.end(), isForAll);
         }
         if (!areAllKept) content.places.push_back(PresentPlaces(tracks_, run_.clock.Now()));
         Write(std::move(content));

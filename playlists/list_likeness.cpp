@@ -33,8 +33,7 @@ bool HasOtherMeaning(std::string_view name) {
     const auto isExtension = [name](std::string_view extension) {
         return EqualIgnoringCase(Right(name, extension.size()), extension);
     };
-    return name.starts_with("._") ||
-           std::any_of(NeverLists.begin(), NeverLists.end(), isExtension);
+    return name.starts_with("._") || std::any_of(NeverLists.begin(), NeverLists.end(), isExtension);
 }
 
 std::string Beginning(Files& files, const FileEntry& file) {

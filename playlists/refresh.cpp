@@ -190,11 +190,8 @@ class Refreshing {
 void RefreshPlaylist(Run& run) {
     Steps steps(run, "Refresh Playlist Error:");
     run.ShowItem("1. Update Existing Playlists");
-    if (run.playlistEntries.NothingRead()) return;
-    if (run.removals.Braked()) {
-        WriteLog(run, LogSource, "No playlist is repaired, since nothing is removed in this run");
-        return;
-    }
+    // The brake has told why nothing goes on; the snapshot keeps what the lists mean.
+    if (run.playlistEntries.NothingRead() || run.removals.Braked()) return;
     steps.Try(0, [&] { Refreshing(run, steps).Perform(); });
 }
 

@@ -25,8 +25,9 @@ std::optional<std::int64_t> FindAlbum(Connection& connection, std::string_view a
     return found->Integer("ID");
 }
 
-/// Gives the album that the cursor stands on an identifier. Without one its tracks would be nobody's
-/// and come anew in each run. Returns it, "" when there is none to be had, which is logged.
+/// Gives the album that the cursor stands on an identifier. Without one its tracks would be
+/// nobody's and come anew in each run. Returns it, "" when there is none to be had, which is
+/// logged.
 std::string GiveIdentifier(Walk& walk, const std::string& album) {
     const std::string cdjid = walk.sequence.GetNextCDJID(album);
     if (cdjid.empty()) return "";

@@ -35,8 +35,7 @@ class FlatWalk {
         std::vector<std::string> unlistedRoots;
         for (WalkedRoot& root : walk_.roots) {
             steps_.Concerning(root.path);
-            if (!steps_.Try(3, [&] { GroupFiles(root); }))
-                unlistedRoots.push_back(root.path);
+            if (!steps_.Try(3, [&] { GroupFiles(root); })) unlistedRoots.push_back(root.path);
         }
         for (const std::string& root : unlistedRoots)
             walk_.unlisted.push_back({root, "", ""});
@@ -75,8 +74,7 @@ class FlatWalk {
         }
         std::string title = AlbumIn(*record);
         title.resize(std::min(title.find(FlatSeparator), title.size()));
-        const auto [place, isNew] =
-            places_.try_emplace(AlbumKey(artist, title), groups_.size());
+        const auto [place, isNew] = places_.try_emplace(AlbumKey(artist, title), groups_.size());
         if (isNew) groups_.push_back({std::move(artist), std::move(title), Flat()});
         groups_[place->second].files.Add(std::move(file));
     }

@@ -47,8 +47,7 @@ void LeftOutMusic::Descend(const std::string& folder, int depth) {
     FolderNames names = files_.NamesIn(folder);
     std::sort(names.folders.begin(), names.folders.end());
     const auto music = std::count_if(names.files.begin(), names.files.end(), IsMusic);
-    if (music > 0)
-        found_.Note(LeftOutFor::DeeperFolder, folder, static_cast<std::size_t>(music));
+    if (music > 0) found_.Note(LeftOutFor::DeeperFolder, folder, static_cast<std::size_t>(music));
     if (depth == MostLevels) return;
     for (const std::string& name : names.folders) {
         if (!IsSystemFolder(name)) Descend(folder + '\\' + name, depth + 1);

@@ -124,8 +124,8 @@ void SweepMissingMusic(Walk& walk, const MissingMusic& missing) {
     Run& run = walk.run;
     Steps steps(run, "RefreshDatabase");
     const bool tracksAreGone = DeleteMissingTracks(run);
-    const bool albumsAreGone = steps.TryAs("Refresh Database Track=0 Query", 3,
-                                           [&run] { DeleteMissingAlbums(run); });
+    const bool albumsAreGone =
+        steps.TryAs("Refresh Database Track=0 Query", 3, [&run] { DeleteMissingAlbums(run); });
     if (!tracksAreGone) return;
     for (const std::string& name : missing.planned.names)
         run.removals.Note(Removable::Tracks, name);

@@ -28,7 +28,8 @@ MarkSnapshot NumbersBefore(Run& run) {
     return ReadMarkSnapshot(run.files, path).value_or(MarkSnapshot());
 }
 
-/// Where the root only holds the library folders, or lists of them, the walk does not see its files.
+/// Where the root only holds the library folders, or lists of them, the walk does not see its
+/// files.
 void NoteLooseFiles(Run& run) {
     const Settings& settings = run.settings;
     if (!settings.LibraryDepthOption) return;

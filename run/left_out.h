@@ -28,7 +28,9 @@ class LeftOut {
     /// So many files at a path, which is that of the one file or of the folder they lie in.
     void Note(LeftOutFor reason, const std::string& path, std::size_t files = 1);
 
-    const Group& Of(LeftOutFor reason) const { return groups_.at(static_cast<std::size_t>(reason)); }
+    const Group& Of(LeftOutFor reason) const {
+        return groups_.at(static_cast<std::size_t>(reason));
+    }
 
     /// How many files there are in all.
     std::size_t Total() const;

@@ -19,8 +19,8 @@ bool IsSoundFile(std::string_view name) {
 }
 
 bool IsOtherAudio(std::string_view name) {
-    constexpr std::array<std::string_view, 12> Endings{
-        "aac", "aif", "aiff", "ape", "flac", "m4a", "mpc", "ogg", "opus", "wav", "wma", "wv"};
+    constexpr std::array<std::string_view, 12> Endings{"aac", "aif", "aiff", "ape", "flac", "m4a",
+                                                       "mpc", "ogg", "opus", "wav", "wma",  "wv"};
     const std::size_t dot = name.rfind('.');
     if (dot == std::string_view::npos || IsCompanion(name)) return false;
     const std::string_view ending = name.substr(dot + 1);

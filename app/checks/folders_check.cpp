@@ -166,7 +166,8 @@ void CheckSource(Files& files, const Settings& settings, Findings& findings) {
                              source, how, root));
 }
 
-/// What else the playlist folder is; "" where that cannot be told, which the table of folders shows.
+/// What else the playlist folder is; "" where that cannot be told, which the table of folders
+/// shows.
 std::string PlaylistRemark(LocalHost& local, const Settings& settings) try {
     const std::string& folder = settings.PlayListPath;
     if (!IsSet(folder) || !local.files.FolderExists(folder)) return "";

@@ -90,9 +90,10 @@ void CheckTagRenames(LocalHost& local, const Settings& settings, Findings& findi
     const TagChanges changes = CountTagChanges(run);
     const std::string deeds = Deeds(changes, ReadRemovedMusicSetting(local.host).keep);
     if (deeds.empty()) return;
-    findings.Caution(fmt::format("ID3Reconcile is on: the next run would {}{}. If that is not "
-                                 "meant, set ID3Reconcile=0",
-                                 deeds, BrakeText(changes, local.host)));
+    findings.Caution(
+        fmt::format("ID3Reconcile is on: the next run would {}{}. If that is not "
+                    "meant, set ID3Reconcile=0",
+                    deeds, BrakeText(changes, local.host)));
 } catch (const Failure&) {
     // Folders that cannot be looked at are told of where folders are checked.
 }

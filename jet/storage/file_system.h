@@ -16,9 +16,9 @@ struct FileFacts {
     std::uint64_t device = 0, number = 0;  ///< together they are the file, whatever its names
     std::uint64_t names = 1;               ///< how many it has (hard links)
     std::uint64_t size = 0;
-    std::int64_t written = 0;    ///< when its content changed, in nanoseconds
-    std::int64_t changed = 0;    ///< when anything about it changed
-    std::string_view otherKind;  ///< "a folder", "a FIFO", ...; empty for a plain file
+    std::int64_t written = 0;         ///< when its content changed, in nanoseconds
+    std::int64_t changed = 0;         ///< when anything about it changed
+    std::string_view otherKind = {};  ///< "a folder", "a FIFO", ...; empty for a plain file
 
     bool IsSameFile(const FileFacts& other) const {
         return device == other.device && number == other.number;

@@ -186,11 +186,11 @@ Listing<FolderEntry> FolderLister::SubFolders(const WindowsPath& shown, const st
 Listing<FileEntry> FolderLister::FilesIn(const WindowsPath& shown, const std::string& local) {
     Listing<FileEntry> list;
     const std::string beginning = shown.Child("");
-    ForEach(
-        shown, local, Wanted::Files, list, [&](std::string_view name, const struct stat& facts) {
-            list.entries.push_back(
-                MakeFileEntry(beginning + std::string(name), std::string(name), facts));
-        });
+    ForEach(shown, local, Wanted::Files, list,
+            [&](std::string_view name, const struct stat& facts) {
+                list.entries.push_back(
+                    MakeFileEntry(beginning + std::string(name), std::string(name), facts));
+            });
     SortByName(list.entries);
     LeaveOutTwins(shown, list.entries);
     return list;

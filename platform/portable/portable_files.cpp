@@ -126,7 +126,7 @@ bool HoldsProtectedFile(const std::string& folder) {
 /// is mounted at a second place has two paths.
 bool IsInside(const std::string& inner, const std::string& outer) {
     const std::optional<struct stat> wanted = CertainFacts(outer, outer);
-    if (!wanted) return false;
+    if (!wanted || !CertainFacts(inner, inner)) return false;
     std::error_code error;
     std::filesystem::path folder = std::filesystem::canonical(inner, error);
     if (error) throw SystemFailure(error.value(), inner);

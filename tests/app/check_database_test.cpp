@@ -129,8 +129,9 @@ TEST_F(CheckDatabase, MayBeASymbolicLink) {
 TEST_F(CheckDatabase, IsAProblemWhereARunWouldRefuseItAsDamaged) {
     SpoilRowCount("SpinnerGenre");
     EXPECT_EQ(Check().status, 2);
-    EXPECT_TRUE(Has(Problems(), "a run refuses it as it is: table SpinnerGenre: the definition "
-                                "counts 0 rows, there are 148"))
+    EXPECT_TRUE(Has(Problems(),
+                    "a run refuses it as it is: table SpinnerGenre: the definition "
+                    "counts 0 rows, there are 148"))
         << Problems();
     EXPECT_TRUE(Has(Problems(), "Put a backup in its place"));
 }
@@ -144,13 +145,14 @@ TEST_F(CheckDatabase, IsWorthALookWhereATableThatNoRunNeedsIsDamaged) {
     EXPECT_EQ(Cautions(), "");
     SpoilRowCount("Wishes");
     EXPECT_EQ(Check().status, 0);
-    EXPECT_TRUE(Has(Cautions(), "A table that no run needs is damaged. It is left as it is: "
-                                "table Wishes: the definition counts 0 rows, there are 148"))
+    EXPECT_TRUE(Has(Cautions(),
+                    "A table that no run needs is damaged. It is left as it is: "
+                    "table Wishes: the definition counts 0 rows, there are 148"))
         << Cautions();
     const ProgramResult run = CallProgram({"run", "--quiet", "--host", Path("shelf")});
     EXPECT_EQ(run.status, 0);
-    EXPECT_TRUE(Has(Read("shelf/host.log"),
-                    "Table Wishes of the database is damaged; no run needs it"));
+    EXPECT_TRUE(
+        Has(Read("shelf/host.log"), "Table Wishes of the database is damaged; no run needs it"));
 }
 
 TEST_F(CheckDatabase, SaysThatAJournalWaits) {

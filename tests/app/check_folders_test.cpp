@@ -164,8 +164,8 @@ TEST_F(CheckFolders, FindsOtherFilesInThePlaylistFolder) {
     Write("shelf/Playlists/notes.txt", "x");
     EXPECT_EQ(Cautions(), "") << "both are left alone";
     Write("shelf/Playlists/song.mp3", "x");
-    EXPECT_TRUE(Has(Cautions(),
-                    "PlayListPath (H:\\Playlists\\) holds other files, song.mp3 for one"));
+    EXPECT_TRUE(
+        Has(Cautions(), "PlayListPath (H:\\Playlists\\) holds other files, song.mp3 for one"));
 }
 
 }  // namespace

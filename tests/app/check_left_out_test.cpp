@@ -53,10 +53,11 @@ TEST_F(CheckLeftOut, LooksAtTheFlatLayout) {
     Add("Red_a.mp3");
     Add("nobody.mp3");
     Add("Red/One/b.mp3");
-    EXPECT_TRUE(Has(Cautions(),
-                    "2 music files are left out, since the layout has no place for them: 1 in "
-                    "folders, where the flat layout does not look (D:\\Music\\Red\\One), 1 without an "
-                    "\"_\" behind the artist's name (D:\\Music\\nobody.mp3)"));
+    EXPECT_TRUE(
+        Has(Cautions(),
+            "2 music files are left out, since the layout has no place for them: 1 in "
+            "folders, where the flat layout does not look (D:\\Music\\Red\\One), 1 without an "
+            "\"_\" behind the artist's name (D:\\Music\\nobody.mp3)"));
 }
 
 TEST_F(CheckLeftOut, FollowsLinksToArtistsAndNoneBelowAlbums) {
@@ -65,8 +66,9 @@ TEST_F(CheckLeftOut, FollowsLinksToArtistsAndNoneBelowAlbums) {
     Write("Elsewhere/Two/CD1/b.mp3", "x");
     fs::create_directory_symlink(Path("Elsewhere"), Path("Music/Blue"));
     fs::create_directory_symlink(Path("Music"), Path("Music/Red/One/loop"));
-    EXPECT_TRUE(Has(Cautions(), "1 music file is left out, since the layout has no place for it: 1 "
-                                "in folders below album folders (D:\\Music\\Blue\\Two\\CD1)"));
+    EXPECT_TRUE(Has(Cautions(),
+                    "1 music file is left out, since the layout has no place for it: 1 "
+                    "in folders below album folders (D:\\Music\\Blue\\Two\\CD1)"));
 }
 
 TEST_F(CheckLeftOut, LeavesOutExcludedArtistsAndOtherModes) {

@@ -89,8 +89,9 @@ TEST_F(CheckTagRenames, SaysWhenTheBrakeWouldKeepTheDuplicates) {
     AddSong("Alder/First Light/Alder - Dusk.mp3", "Dusk");
     AddSong("Alder/First Light/y.mp3", "Dusk");
     SetHost("Safety", "MaxRemovedFiles", "0");
-    EXPECT_TRUE(Has(Finding(), "More duplicates than MaxRemovedFiles=0 go only with "
-                               "--allow-removals; else none does."));
+    EXPECT_TRUE(Has(Finding(),
+                    "More duplicates than MaxRemovedFiles=0 go only with "
+                    "--allow-removals; else none does."));
 }
 
 TEST_F(CheckTagRenames, LeavesOutWhatARunLeavesOut) {

@@ -81,8 +81,7 @@ class DamagedDatabase : public TemporaryFolder {
     Keepsakes KeepsakesOf(const std::string& table, std::size_t name,
                           const std::vector<std::size_t>& columns) const {
         Keepsakes keepsakes;
-        auto file =
-            jet::storage::DatabaseFile::Open(Database(), jet::storage::OpenMode::ReadOnly);
+        auto file = jet::storage::DatabaseFile::Open(Database(), jet::storage::OpenMode::ReadOnly);
         file.OpenTable(table).Scan([&](jet::storage::RowId, Row&& row) {
             std::vector<jet::Value> values;
             for (const std::size_t column : columns)

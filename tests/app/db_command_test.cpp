@@ -147,8 +147,7 @@ TEST_F(DbCommand, ADatabaseThatIsDamagedIsNotChanged) {
         << result.err;
     EXPECT_EQ(Read("cdj.mdb"), content);
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(Folder()), {}), 1);
-    EXPECT_EQ(Db("exec", {"INSERT INTO Albums (CDJID) VALUES ('1')"}).status, 0)
-        << "another table";
+    EXPECT_EQ(Db("exec", {"INSERT INTO Albums (CDJID) VALUES ('1')"}).status, 0) << "another table";
 }
 
 TEST_F(DbCommand, CheckReadsAFileWithItsJournalAndSaysSo) {

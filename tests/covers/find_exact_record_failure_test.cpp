@@ -50,8 +50,8 @@ TEST(FindExactRecord, LogsAFailureAndFindsNothing) {
     const Cover* const found = findExactRecord(world.run, covers, name);
     LargestAllocation() = SIZE_MAX;
     EXPECT_EQ(found, nullptr);
-    EXPECT_THAT(world.host.log,
-                ::testing::ElementsAre("Quillon: Find Exact Record Error: Line 0 std::bad_alloc"));
+    EXPECT_THAT(world.host.log, ::testing::ElementsAre(
+                                    "Quillon: Find Exact Record Error: Line 0 Not enough memory"));
     EXPECT_NE(findExactRecord(world.run, covers, name), nullptr);
 }
 

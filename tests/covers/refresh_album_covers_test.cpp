@@ -137,8 +137,8 @@ TEST_F(RefreshAlbumCoversTest, KeepsImagesWhenTheCoverFolderHoldsNoneAtAll) {
     AddAlbum("Bob", "Second", R"(E:\Elsewhere\Bob - Second.jpg)");
     library.files.AddFolder(R"(D:\Covers\lost+found)");
     Refresh();
-    EXPECT_THAT(Images(), ElementsAre(R"(D:\Covers\Ann - First.jpg)",
-                                      R"(E:\Elsewhere\Bob - Second.jpg)"));
+    EXPECT_THAT(Images(),
+                ElementsAre(R"(D:\Covers\Ann - First.jpg)", R"(E:\Elsewhere\Bob - Second.jpg)"));
     EXPECT_THAT(Log(), ElementsAre("Quillon: Album Covers: 2 albums keep their images, which were "
                                    "not found, because there is no image at all in D:\\Covers\\. "
                                    "See to the drives and folders and run again"));
@@ -181,8 +181,8 @@ TEST_F(RefreshAlbumCoversTest, KeepsAllImagesWhenOneCannotBeLookedAt) {
     AddImage("other.jpg");
     library.files.HideFromView(R"(D:\Covers\Ann - First.jpg)");
     Refresh();
-    EXPECT_THAT(Images(), ElementsAre(R"(D:\Covers\Ann - First.jpg)",
-                                      R"(D:\Covers\Bob - Second.jpg)"));
+    EXPECT_THAT(Images(),
+                ElementsAre(R"(D:\Covers\Ann - First.jpg)", R"(D:\Covers\Bob - Second.jpg)"));
     EXPECT_THAT(Log(), Contains("Quillon: Album Covers: 2 albums keep their images, which were not "
                                 "found, because not all could be looked at. See to the drives and "
                                 "folders and run again"));
@@ -197,9 +197,8 @@ TEST_F(RefreshAlbumCoversTest, KeepsAllImagesWhenAFolderOfTheLibraryCannotBeLook
         other.host.Set("ScanLibrary", "1");
         other.files.AddFile(R"(D:\Covers\other.jpg)");
         other.files.AddFile(R"(D:\Music\Ann\First\front.jpg)");
-        other.Execute(
-            R"(INSERT INTO Albums (Artist, Title, ImageFile) VALUES )"
-            R"(('Ann', 'First', 'D:\Music\Ann\First\front.jpg'))");
+        other.Execute(R"(INSERT INTO Albums (Artist, Title, ImageFile) VALUES )"
+                      R"(('Ann', 'First', 'D:\Music\Ann\First\front.jpg'))");
         other.files.HideFromView(hidden);
         RefreshAlbumCovers(other.run);
         EXPECT_THAT(other.Rows("SELECT ImageFile FROM Albums"),

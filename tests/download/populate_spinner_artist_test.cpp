@@ -84,7 +84,7 @@ TEST_F(PopulateSpinnerArtistTest, LeavesNothingOfAnArtistThatIsRefused) {
     Populate();
     EXPECT_THAT(Artists(), ElementsAre("Bob"));
     EXPECT_THAT(library.host.log,
-                ElementsAre("Quillon: Populate Spinner Artist Error: Line 2 refused"));
+                ElementsAre("Quillon: Populate Spinner Artist Error: Line 2 refused (Ann)"));
 }
 
 TEST_F(PopulateSpinnerArtistTest, LogsATableThatCannotBeOpened) {

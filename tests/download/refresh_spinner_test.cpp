@@ -127,7 +127,7 @@ TEST_F(RefreshSpinnerTest, LogsARowThatHasVanishedAndDeletesNoOther) {
     EXPECT_THAT(Songs(), ElementsAre("2|One|3"));
     EXPECT_THAT(library.host.log,
                 ElementsAre("Quillon: Refresh Spinner Error: Line 2 Download record missing for "
-                            "ID 1"));
+                            "ID 1 (Ann\\First\\One)"));
 }
 
 TEST_F(RefreshSpinnerTest, GoesOnWithItsSecondStepWhenTheFirstFails) {

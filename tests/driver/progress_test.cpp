@@ -114,13 +114,13 @@ TEST_F(Progress, WithoutPlaylistsIsUnknown) {
     EXPECT_EQ(Of(&Procedures::ConvertM3uToPla), "-");
 }
 
-TEST_F(Progress, OfNewPlaylistsIsInArtistsAndThenInEntries) {
+TEST_F(Progress, OfNewPlaylistsIsInArtistsAndThenInLists) {
     AvailableProcedures().PopulateSpinnerTracks(library.run);
     library.run.playlistEntries = {};
-    EXPECT_EQ(Of(&Procedures::CreateNewPlaylists), "- 0/3 1/3 2/3 3/3 6/6 0/6 2/6 4/6 6/6");
+    EXPECT_EQ(Of(&Procedures::CreateNewPlaylists), "- 0/3 1/3 2/3 3/3 1/1 0/3 1/3 2/3 3/3");
     library.run.settings.PlaylistByAlbumOption = true;
     library.run.playlistEntries = {};
-    EXPECT_EQ(Of(&Procedures::CreateNewPlaylists), "- 0/3 1/3 2/3 3/3 6/6 0/3 1/3 2/3 3/3");
+    EXPECT_EQ(Of(&Procedures::CreateNewPlaylists), "- 0/3 1/3 2/3 3/3 1/1 0/3 1/3 2/3 3/3");
 }
 
 TEST_F(Progress, OfTheCoversIsInAlbumsAndThenInImages) {

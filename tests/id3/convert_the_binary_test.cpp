@@ -64,7 +64,7 @@ TEST(ConvertTheBinary, LeavesNothingOutWhereNothingCanHaveBeenCut) {
 TEST(ConvertTheBinary, ReadsWhatIsNotWellFormedInTheAnsiCodePage) {
     EXPECT_EQ(Converted("\xC4rger"), "Ärger");
     EXPECT_EQ(Converted("初 \xC4rger"), "åˆ\u009D Ärger");
-    EXPECT_EQ(Converted("\xC0\xAF"), "À¯");          // an overlong form
+    EXPECT_EQ(Converted("\xC0\xAF"), "À¯");            // an overlong form
     EXPECT_EQ(Converted("\xED\xA0\x80"), "í\u00A0€");  // a surrogate
 }
 

@@ -151,11 +151,11 @@ TEST_F(ID3ToDBAmongNamesakesTest, ChangesNoneWhereNobodyCanTell) {
     AddDifference("Comment", "Length=60", "Length=99");
     Update();
     EXPECT_THAT(Namesakes(), ElementsAre("252E671073EC0001|4|3|0", "252E671073EC0001|5|3|0"));
-    EXPECT_THAT(Log(),
-                ElementsAre("Quillon: Alder/First Light/Dawn is the name of 2 tracks; which of them "
-                            "is meant by Length=60 is not known, and none is changed",
-                            "Quillon: Alder/First Light/Dawn is the name of 2 tracks; which of them "
-                            "is meant by Length=60 is not known, and none is changed"));
+    EXPECT_THAT(
+        Log(), ElementsAre("Quillon: Alder/First Light/Dawn is the name of 2 tracks; which of them "
+                           "is meant by Length=60 is not known, and none is changed",
+                           "Quillon: Alder/First Light/Dawn is the name of 2 tracks; which of them "
+                           "is meant by Length=60 is not known, and none is changed"));
 }
 
 TEST_F(ID3ToDBTest, SetsTheGenreInTheDownloadTable) {

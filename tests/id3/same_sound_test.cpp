@@ -36,8 +36,7 @@ class HaveSameSoundTest : public ::testing::Test {
         std::string ends = std::string("APETAGEX") + std::string("\xD0\x07\0\0", 4);
         for (unsigned shift = 0; shift < 32; shift += 8)
             ends += static_cast<char>((whole >> shift) & 0xFFU);
-        ends += std::string("\1\0\0\0\0\0\0", 7) + (header ? '\x80' : '\0') +
-                std::string(8, '\0');
+        ends += std::string("\1\0\0\0\0\0\0", 7) + (header ? '\x80' : '\0') + std::string(8, '\0');
         return (header ? ends : "") + std::string(size, 'a') + ends;
     }
 

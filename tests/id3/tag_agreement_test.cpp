@@ -43,9 +43,10 @@ TEST(TagAgreesWithName, NotWhereALetterDiffers) {
 }
 
 TEST(TagAgreesWithTitle, WhereTheTagHasOnlyTheBeginningOfTheTitleInTheName) {
-    EXPECT_TRUE(TagAgreesWithTitle("A title that no tag can ho", "01 - A title that no tag can hold"));
-    for (const char* name : {"01 Dawn Chorus", "1. Dawn Chorus", "07_Dawn Chorus", "2-03 Dawn Chorus",
-                             "Live - 3 - Dawn Chorus", "(x) - dawn chorus"}) {
+    EXPECT_TRUE(
+        TagAgreesWithTitle("A title that no tag can ho", "01 - A title that no tag can hold"));
+    for (const char* name : {"01 Dawn Chorus", "1. Dawn Chorus", "07_Dawn Chorus",
+                             "2-03 Dawn Chorus", "Live - 3 - Dawn Chorus", "(x) - dawn chorus"}) {
         EXPECT_TRUE(TagAgreesWithTitle("Dawn", name)) << name;
     }
     EXPECT_TRUE(TagAgreesWithTitle("AC/DC", "01 - AC-DC Medley"));

@@ -49,9 +49,10 @@ TEST_F(VerifyChainsTest, ExchangeTheNamesOfTwoFiles) {
     EXPECT_EQ(SongIn("Alder - B.mp3"), "B");
     EXPECT_THAT(Tracks(), ElementsAre("Alder - B.mp3|B|1|1", "Alder - A.mp3|A|2|2"));
     EXPECT_THAT(Removals(), IsEmpty());
-    EXPECT_THAT(library.host.log,
-                UnorderedElementsAre("Quillon: " + PathOf("Alder - A.mp3") + " is now Alder - B.mp3",
-                                     "Quillon: " + PathOf("Alder - B.mp3") + " is now Alder - A.mp3"));
+    EXPECT_THAT(
+        library.host.log,
+        UnorderedElementsAre("Quillon: " + PathOf("Alder - A.mp3") + " is now Alder - B.mp3",
+                             "Quillon: " + PathOf("Alder - B.mp3") + " is now Alder - A.mp3"));
     EXPECT_EQ(library.run.counts.filesRenamed, 2U);
 }
 
@@ -61,8 +62,8 @@ TEST_F(VerifyChainsTest, PassNamesOnFromTheEnd) {
     AddSong("C", "D", 3);
     Reconcile();
     EXPECT_THAT(Names(), ElementsAre("Alder - B.mp3", "Alder - C.mp3", "Alder - D.mp3"));
-    EXPECT_THAT(Tracks(), ElementsAre("Alder - B.mp3|B|1|1", "Alder - C.mp3|C|2|2",
-                                      "Alder - D.mp3|D|3|3"));
+    EXPECT_THAT(Tracks(),
+                ElementsAre("Alder - B.mp3|B|1|1", "Alder - C.mp3|C|2|2", "Alder - D.mp3|D|3|3"));
     EXPECT_THAT(Removals(), IsEmpty());
     EXPECT_EQ(library.Faults(), "");
 }
@@ -111,14 +112,13 @@ TEST_F(VerifyChainsTest, LeaveAllThatWaitForAFileThatCannotBeRenamed) {
     AddSong("E", "F", 4);
     RefuseMove("Alder - C.mp3", "Alder - D.mp3");
     Reconcile();
-    EXPECT_THAT(Names(), ElementsAre("Alder - A.mp3", "Alder - B.mp3", "Alder - C.mp3",
-                                     "Alder - F.mp3"));
+    EXPECT_THAT(Names(),
+                ElementsAre("Alder - A.mp3", "Alder - B.mp3", "Alder - C.mp3", "Alder - F.mp3"));
     EXPECT_THAT(Tracks(), ElementsAre("Alder - A.mp3|A|1|1", "Alder - B.mp3|B|2|2",
                                       "Alder - C.mp3|C|3|3", "Alder - F.mp3|F|4|4"));
     EXPECT_THAT(Removals(), IsEmpty());
-    EXPECT_THAT(Trouble(),
-                Contains("Quillon: " + PathOf("Alder - A.mp3") +
-                         " keeps its name, since Alder - B.mp3 is not free"));
+    EXPECT_THAT(Trouble(), Contains("Quillon: " + PathOf("Alder - A.mp3") +
+                                    " keeps its name, since Alder - B.mp3 is not free"));
     EXPECT_EQ(library.run.counts.errors, 1U);
 }
 
@@ -129,8 +129,8 @@ TEST_F(VerifyChainsTest, GiveBackNamesWhereACircleCannotBeClosed) {
     RefuseMove("Alder - C.mp3", "Alder - A.mp3");
     Reconcile();
     EXPECT_THAT(Names(), ElementsAre("Alder - A.mp3", "Alder - B.mp3", "Alder - C.mp3"));
-    EXPECT_THAT(Tracks(), ElementsAre("Alder - A.mp3|A|1|1", "Alder - B.mp3|B|2|2",
-                                      "Alder - C.mp3|C|3|3"));
+    EXPECT_THAT(Tracks(),
+                ElementsAre("Alder - A.mp3|A|1|1", "Alder - B.mp3|B|2|2", "Alder - C.mp3|C|3|3"));
     EXPECT_EQ(library.run.counts.filesRenamed, 0U);
     EXPECT_EQ(library.Faults(), "");
 }
@@ -193,8 +193,8 @@ TEST_F(VerifyChainsTest, AreNoDuplicatesOfAFileThatHasAnotherTitleInItsTag) {
 TEST_F(VerifyChainsTest, AreNoDuplicatesOfAFileThatCannotBeRead) {
     AddSong("Dusk", "Dusk", 1);
     AddTrack("2.mp3", "2", TagOf("Dusk", 2));
-    library.calls.Refuse("OpenBinary " + PathOf("Alder - Dusk.mp3"),
-                         FailureNumber::PathFileAccess, PathOf("Alder - Dusk.mp3"));
+    library.calls.Refuse("OpenBinary " + PathOf("Alder - Dusk.mp3"), FailureNumber::PathFileAccess,
+                         PathOf("Alder - Dusk.mp3"));
     Reconcile();
     EXPECT_THAT(Names(), ElementsAre("2.mp3", "Alder - Dusk.mp3"));
     EXPECT_THAT(Removals(), IsEmpty());
@@ -217,8 +217,8 @@ TEST_F(VerifyChainsTest, LeaveWhatWaitsForADuplicateThatStays) {
     library.run.removals.limits.MaxRemovedFiles = 0;
     Verify();
     EXPECT_THAT(Names(), ElementsAre("Alder - A.mp3", "Alder - B.mp3", "Alder - C.mp3"));
-    EXPECT_THAT(Tracks(), ElementsAre("Alder - A.mp3|A|1|1", "Alder - B.mp3|B|2|2",
-                                      "Alder - C.mp3|C|3|3"));
+    EXPECT_THAT(Tracks(),
+                ElementsAre("Alder - A.mp3|A|1|1", "Alder - B.mp3|B|2|2", "Alder - C.mp3|C|3|3"));
 }
 
 TEST_F(VerifyChainsTest, KeepABracketedFileWhoseTwinHasAnotherTitleInItsTag) {
@@ -237,20 +237,19 @@ TEST_F(VerifyChainsTest, LeadTheRowOfAVanishedFileThroughAChain) {
     AddSong("A", "B", 1);
     AddSong("B", "C", 2);
     Verify();
-    EXPECT_THAT(Tracks(), ElementsAre("Alder - A.mp3|C|1|1", "Alder - B.mp3|B|1|2",
-                                      "Alder - C.mp3|C|2|3"));
+    EXPECT_THAT(Tracks(),
+                ElementsAre("Alder - A.mp3|C|1|1", "Alder - B.mp3|B|1|2", "Alder - C.mp3|C|2|3"));
 }
 
 TEST_F(VerifyChainsTest, NeverLetTwoRowsHaveOnePath) {
     AddRow("Alder - B.mp3", "B");
     AddSong("A", "B", 1);
     std::vector<std::string> paths;
-    library.Database().BeforeStatement("Flush", [&] {
-        paths = library.Rows("SELECT SoundFile FROM Tracks ORDER BY ID");
-    });
+    library.Database().BeforeStatement(
+        "Flush", [&] { paths = library.Rows("SELECT SoundFile FROM Tracks ORDER BY ID"); });
     Verify();
-    EXPECT_THAT(paths, ElementsAre(PathOf("Alder - B.quillon-vanished.mp3"),
-                                   PathOf("Alder - B.mp3")));
+    EXPECT_THAT(paths,
+                ElementsAre(PathOf("Alder - B.quillon-vanished.mp3"), PathOf("Alder - B.mp3")));
 }
 
 TEST_F(VerifyChainsTest, GiveARowBackToTheFileThatAnInterruptedRunHasLedItFrom) {

@@ -36,9 +36,8 @@ class VerifyDuplicatesTest : public VerifyTest {
 TEST_F(VerifyDuplicatesTest, AreToldWithBothNames) {
     AddDuplicates(1);
     Verify();
-    EXPECT_THAT(library.host.log,
-                ElementsAre("Quillon: " + PathOf("(Dusk copy 1).mp3") +
-                            " was removed as a duplicate of Alder - Dusk.mp3"));
+    EXPECT_THAT(library.host.log, ElementsAre("Quillon: " + PathOf("(Dusk copy 1).mp3") +
+                                              " was removed as a duplicate of Alder - Dusk.mp3"));
     EXPECT_EQ(library.run.counts.filesRemoved, 1U);
     EXPECT_THAT(library.run.removals.Of(Removable::MusicFiles).names,
                 ElementsAre(PathOf("(Dusk copy 1).mp3")));
@@ -61,7 +60,7 @@ TEST_F(VerifyDuplicatesTest, AreAllRemovedOrNone) {
     EXPECT_EQ(library.run.counts.errors, 1U);
     EXPECT_THAT(library.host.log,
                 Contains(HasSubstr("Nothing is removed: 3 music files would go, beyond "
-                                   "MaxRemovedFiles=2. It would be " +
+                                   "MaxRemovedFiles=2 in host.ini. It would be " +
                                    PathOf("(Dusk copy 1).mp3"))));
 }
 
@@ -76,8 +75,8 @@ TEST_F(VerifyDuplicatesTest, AreRemovedWhereTheRunMayRemoveThem) {
 
 TEST_F(VerifyDuplicatesTest, StayWhereTheRunIsBrakedAlready) {
     AddDuplicates(1);
-    library.run.removals.Allow(library.run, {.kind = Removable::Tracks, .names = {"x"},
-                                             .doubt = "something is odd"});
+    library.run.removals.Allow(
+        library.run, {.kind = Removable::Tracks, .names = {"x"}, .doubt = "something is odd"});
     Verify();
     EXPECT_THAT(Removals(), IsEmpty());
     EXPECT_THAT(Names(), SizeIs(2));
@@ -105,9 +104,8 @@ TEST_F(VerifyDuplicatesTest, GoOnlyWhenAllAlbumsHaveBeenLookedAt) {
 TEST_F(VerifyDuplicatesTest, StayWhereTheOtherFileHasVanished) {
     AddDuplicates(1);
     library.AddFile(R"(Birch\Bark\1.mp3)", TagOf("x"));
-    library.Database().BeforeStatement("Flush", [this] {
-        library.RemoveFile(Album + std::string("Alder - Dusk.mp3"));
-    });
+    library.Database().BeforeStatement(
+        "Flush", [this] { library.RemoveFile(Album + std::string("Alder - Dusk.mp3")); });
     Verify();
     EXPECT_THAT(Names(), ElementsAre("(Dusk copy 1).mp3"));
     EXPECT_THAT(library.host.log, Contains("Quillon: " + PathOf("(Dusk copy 1).mp3") +
@@ -118,9 +116,7 @@ TEST_F(VerifyDuplicatesTest, StayWhereTheOtherFileHasVanished) {
 
 class IdenticalDuplicatesTest : public VerifyDuplicatesTest {
   protected:
-    IdenticalDuplicatesTest() {
-        library.host.Set("OnlyIdentical", "1");
-    }
+    IdenticalDuplicatesTest() { library.host.Set("OnlyIdentical", "1"); }
     void AddOtherSound(const std::string& name, const std::string& title, const Tag& tag) {
         library.files.AddFile(PathOf(name), "another sound" + support::SoundFile(tag));
         AddRow(name, title);
@@ -161,8 +157,8 @@ TEST_F(IdenticalDuplicatesTest, LoseTheirBracketsWhereTheyStay) {
     AddTrack("Alder - (y).mp3", "(y)", TagOf("(y)", 3));
     AddOtherSound("Alder - [y].mp3", "[y]", TagOf("(y)", 4));
     Reconcile();
-    EXPECT_THAT(Names(), ElementsAre("(x).mp3", "Alder - (y).mp3", "Alder - [y].mp3",
-                                     "Alder - Dusk.mp3"));
+    EXPECT_THAT(Names(),
+                ElementsAre("(x).mp3", "Alder - (y).mp3", "Alder - [y].mp3", "Alder - Dusk.mp3"));
 }
 
 TEST_F(IdenticalDuplicatesTest, StayWhereTheSoundCannotBeRead) {
@@ -202,10 +198,9 @@ class DuplicatesInPlaylistsTest : public VerifyDuplicatesTest {
         const std::string text = library.files.Content(R"(D:\Lists\mine.pla)");
         for (std::size_t at = text.find('\n'); at + 1 < text.size(); at = text.find('\n', at + 1)) {
             const int index = std::stoi(text.substr(text.find(' ', at) + 1));
-            songs.push_back(library
-                                .Rows("SELECT Title FROM Tracks WHERE Track=" +
-                                      std::to_string(index + 1))
-                                .at(0));
+            songs.push_back(
+                library.Rows("SELECT Title FROM Tracks WHERE Track=" + std::to_string(index + 1))
+                    .at(0));
         }
         return songs;
     }

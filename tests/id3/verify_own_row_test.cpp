@@ -11,7 +11,8 @@ using ::testing::IsEmpty;
 
 class VerifyOwnRowTest : public VerifyTest {
   protected:
-    static Tag LongTag(const std::string& song, const std::string& seconds, std::uint8_t track = 1) {
+    static Tag LongTag(const std::string& song, const std::string& seconds,
+                       std::uint8_t track = 1) {
         Tag tag = TagOf(song, track);
         tag.comment = "Length='" + seconds + "'";
         return tag;
@@ -73,8 +74,8 @@ TEST_F(VerifyOwnRowTest, KeepsAKnownLengthThatAnInterruptedRunHasLedOn) {
     SetLength(PathOf("Alder - Dawn.mp3"), 3);
     Verify();
     EXPECT_THAT(Rows(), ElementsAre("1|3|0"));
-    EXPECT_THAT(Differences(),
-                ElementsAre("Song|Dawn|01 - Dawn|01 - Dawn", "Comment|Length=60|Length=180|01 - Dawn"));
+    EXPECT_THAT(Differences(), ElementsAre("Song|Dawn|01 - Dawn|01 - Dawn",
+                                           "Comment|Length=60|Length=180|01 - Dawn"));
 }
 
 TEST_F(VerifyOwnRowTest, KeepsAKnownNumberAndLengthWhereTheTagsAreDamaged) {
@@ -83,8 +84,8 @@ TEST_F(VerifyOwnRowTest, KeepsAKnownNumberAndLengthWhereTheTagsAreDamaged) {
     SetLength(PathOf("Alder - Dawn.mp3"), 3);
     Verify();
     EXPECT_THAT(Rows(), ElementsAre("1|3|0", "2|-1|-1"));
-    EXPECT_THAT(Differences(), ElementsAre("Comment|Length=-1|Length=180|Dawn",
-                                           "Track Number Missing|||Dawn"));
+    EXPECT_THAT(Differences(),
+                ElementsAre("Comment|Length=-1|Length=180|Dawn", "Track Number Missing|||Dawn"));
 }
 
 }  // namespace

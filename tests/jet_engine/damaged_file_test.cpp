@@ -313,8 +313,7 @@ TEST_P(MutantOfASample, IsRefusedAsItIsOrWrittenWithoutHarm) {
 }
 
 GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(MutantOfASample);
-INSTANTIATE_TEST_SUITE_P(Fixtures, MutantOfASample,
-                         ::testing::ValuesIn(outside::SampleDatabases()),
+INSTANTIATE_TEST_SUITE_P(Fixtures, MutantOfASample, ::testing::ValuesIn(outside::SampleDatabases()),
                          [](const auto& tested) {
                              std::string name = tested.param.stem().string();
                              for (char& letter : name)

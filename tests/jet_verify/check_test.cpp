@@ -24,7 +24,7 @@ using test::SampleBytes;
 struct Damage {
     const char* name;
     std::function<void(SampleBytes&)> apply;
-    const char* told;  ///< part of the fault's text
+    const char* told;    ///< part of the fault's text
     bool alone = false;  ///< the independent checker does not look there
 };
 
@@ -184,12 +184,9 @@ const std::vector<Damage>& Damages() {
         {"ColumnNumber", [](SampleBytes& f) { f.At(f.Definition(), f.ColumnOffset(1) + 5) = 77; },
          "has an impossible number"},
         {"PlaceOfAFixedColumn",
-         [](SampleBytes& f) {
-             f.Set<std::uint16_t>(f.Definition(), f.ColumnOffset(2) + 21, 2);
-         },
+         [](SampleBytes& f) { f.Set<std::uint16_t>(f.Definition(), f.ColumnOffset(2) + 21, 2); },
          "columns ID and Year lie in the same place"},
-        {"NameOfAColumn",
-         [](SampleBytes& f) { f.At(f.Definition(), f.NameOffset(2)) = 0; },
+        {"NameOfAColumn", [](SampleBytes& f) { f.At(f.Definition(), f.NameOffset(2)) = 0; },
          "a column has an impossible name", true},
         {"NamesOfTwoColumns",
          [](SampleBytes& f) {

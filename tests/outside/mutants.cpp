@@ -29,13 +29,9 @@ class Structure {
     const std::vector<Place>& Part(std::size_t part) const { return places_.at(part); }
 
   private:
-    unsigned Byte(std::size_t offset) const {
-        return static_cast<unsigned char>(bytes_[offset]);
-    }
+    unsigned Byte(std::size_t offset) const { return static_cast<unsigned char>(bytes_[offset]); }
     std::size_t Word(std::size_t offset) const { return Byte(offset) | Byte(offset + 1) << 8U; }
-    std::size_t Long(std::size_t offset) const {
-        return Word(offset) | Word(offset + 2) << 16U;
-    }
+    std::size_t Long(std::size_t offset) const { return Word(offset) | Word(offset + 2) << 16U; }
 
     void AddPage(std::size_t page) {
         enum Kind : unsigned { Data = 1, Definition = 2, Node = 3, Leaf = 4, Bitmap = 5 };

@@ -172,8 +172,8 @@ TEST_F(JetDatabaseTest, APathThatCannotBeLookedUpOpensNothing) {
 void MakeDamagedDatabase(const std::filesystem::path& path) {
     const std::vector<jet::ColumnDefinition> columns{
         {.name = "Number", .type = jet::ColumnType::Integer}};
-    jet::Database::Create(path, std::vector<jet::TableDefinition>{{"Bad", columns, {}},
-                                                                  {"Good", columns, {}}});
+    jet::Database::Create(
+        path, std::vector<jet::TableDefinition>{{"Bad", columns, {}}, {"Good", columns, {}}});
     {
         jet::Database database = jet::Database::Open(path, jet::OpenMode::ReadWrite);
         for (int i = 0; i < 77; ++i)
@@ -192,8 +192,7 @@ TEST_F(JetDatabaseTest, ADatabaseIsRefusedAsItIsWhenATableThatIsNeededIsDamaged)
     MakeDamagedDatabase(folder_ / "bad.mdb");
     const std::string before = folder_.Content("bad.mdb");
     JetDatabaseProvider provider(resolver_, {.tables = {"Good", "bad"}, .note = {}});
-    const std::string what =
-        FailureOf([&] { provider.Open(std::string(Prefix) + "D:\\bad.mdb"); });
+    const std::string what = FailureOf([&] { provider.Open(std::string(Prefix) + "D:\\bad.mdb"); });
     EXPECT_NE(what.find("bad.mdb is damaged: table Bad: the definition counts 0 rows"),
               std::string::npos)
         << what;
@@ -205,8 +204,8 @@ TEST_F(JetDatabaseTest, ADamagedTableThatIsNotNeededIsNamedAndLeftAlone) {
     MakeDamagedDatabase(folder_ / "bad.mdb");
     std::vector<std::string> notes;
     JetDatabaseProvider provider(
-        resolver_, {.tables = {"Good"},
-                    .note = [&notes](const std::string& note) { notes.push_back(note); }});
+        resolver_,
+        {.tables = {"Good"}, .note = [&notes](const std::string& note) { notes.push_back(note); }});
     const auto connection = provider.Open(std::string(Prefix) + "D:\\bad.mdb");
     connection->Execute("INSERT INTO Good ([Number]) VALUES (1)");
     EXPECT_NE(FailureOf([&] { connection->Execute("DELETE * FROM Bad"); }).find("is damaged"),

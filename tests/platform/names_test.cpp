@@ -71,7 +71,8 @@ TEST_F(NamesTest, AreThoseOfFilesAndOfFoldersThatAreNoLinks) {
 }
 
 TEST_F(NamesTest, AreNoneWhereAFolderCannotBeListed) {
-    for (const char* const path : {"D:\\nowhere", "D:\\a.jpg", "Q:\\x", "no path", "D:\\a\"b", ""}) {
+    for (const char* const path :
+         {"D:\\nowhere", "D:\\a.jpg", "Q:\\x", "no path", "D:\\a\"b", ""}) {
         const FolderNames names = files_.NamesIn(path);
         EXPECT_THAT(names.files, IsEmpty()) << path;
         EXPECT_THAT(names.folders, IsEmpty()) << path;

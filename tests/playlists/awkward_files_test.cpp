@@ -211,8 +211,9 @@ TEST_F(AwkwardFiles, OfMoreThanAListCanHoldAreNotTakenIntoMemory) {
     Repair();
     EXPECT_EQ(Bytes("Good.pla"), "header\r\nA0 0\r\n");
     EXPECT_EQ(fs::file_size(Lists() / "Huge.pla"), std::uintmax_t{65} << 20U);
-    EXPECT_THAT(library.host.log,
-                ElementsAre(HasSubstr(R"(Overflow: D:\Lists\Huge.pla is too large for a playlist)")));
+    EXPECT_THAT(
+        library.host.log,
+        ElementsAre(HasSubstr(R"(Overflow: D:\Lists\Huge.pla is too large for a playlist)")));
 }
 
 /// A link whose disk is away stands for a list.

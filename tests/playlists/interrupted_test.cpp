@@ -107,10 +107,12 @@ TEST_F(InterruptedTest, DoesNotCountForADatabaseThatWasReplaced) {
 
 /// A run before had renamed the file by its tag, or another has given all paths another drive.
 TEST_F(InterruptedTest, CountsForRowsWhosePathsAreOthersSince) {
-    library.Execute("UPDATE Tracks SET SoundFile='D:\\Music\\A0\\Ann - ' & Title & '.mp3' "
-                    "WHERE Title='One'");
-    library.Execute("UPDATE Tracks SET SoundFile='\\\\nas\\music\\Music\\A0\\' & Title & '.mp3' "
-                    "WHERE Title='Three'");
+    library.Execute(
+        "UPDATE Tracks SET SoundFile='D:\\Music\\A0\\Ann - ' & Title & '.mp3' "
+        "WHERE Title='One'");
+    library.Execute(
+        "UPDATE Tracks SET SoundFile='\\\\nas\\music\\Music\\A0\\' & Title & '.mp3' "
+        "WHERE Title='Three'");
     CaptureAndRefresh();
     EXPECT_THAT(Lines("Mine.pla"), ElementsAre("A0 1", "A0 0"));
 }

@@ -85,9 +85,17 @@ TEST_F(PlaylistFolderTest, NeverTakesSettingsDatabasesMusicAndOtherPlayersListsF
 
 TEST_F(PlaylistFolderTest, KeepsEveryFileThatIsNoPlaylist) {
     run().settings.Nirvis_CDJ_DB = R"(Z:\home\lists\Jukebox.mdb)";
-    const std::vector<std::string> names{
-        "Quillon.ini", "host.ini", "HOST.LOG", "jukebox.mdb", "jukebox.mdb.marks", "jukebox.ldb",
-        "jukebox.mdb_Copy Dated_11152026_53855_AM_", "notes.txt", "song.mp3", "._Mine.pla", "x.m3u"};
+    const std::vector<std::string> names{"Quillon.ini",
+                                         "host.ini",
+                                         "HOST.LOG",
+                                         "jukebox.mdb",
+                                         "jukebox.mdb.marks",
+                                         "jukebox.ldb",
+                                         "jukebox.mdb_Copy Dated_11152026_53855_AM_",
+                                         "notes.txt",
+                                         "song.mp3",
+                                         "._Mine.pla",
+                                         "x.m3u"};
     for (const std::string& name : names)
         AddText(name, "CDJ Playlist V1.1\r\nC0 0\r\n");
     AddText("notes.txt", "to do\r\nnothing\r\n");

@@ -57,9 +57,9 @@ TEST_F(AddingTest, TakesTheNameOfAnUntaggedFileWithoutADash) {
     AddNew("Song.MP3");
     AddNew(R"(A-B\Other.mp3)");
     Add();
-    EXPECT_THAT(library.Tracks(), ElementsAre(R"(A-B\Unknown\Other.mp3|Other|1)",
-                                              R"(Unknown\A-B\Other.mp3|Other|1)",
-                                              R"(Unknown\Unknown\Song.mp3|Song|1)"));
+    EXPECT_THAT(library.Tracks(),
+                ElementsAre(R"(A-B\Unknown\Other.mp3|Other|1)", R"(Unknown\A-B\Other.mp3|Other|1)",
+                            R"(Unknown\Unknown\Song.mp3|Song|1)"));
     EXPECT_THAT(Log(), IsEmpty());
 }
 

@@ -86,7 +86,8 @@ class EqualAgesTest : public ::testing::Test {
     /// The numbers of a.mp3, b.mp3 ...
     std::string Numbers() {
         std::string numbers;
-        for (const std::string& number : library.Rows("SELECT Track FROM Tracks ORDER BY SoundFile"))
+        for (const std::string& number :
+             library.Rows("SELECT Track FROM Tracks ORDER BY SoundFile"))
             numbers += number + ' ';
         return numbers;
     }

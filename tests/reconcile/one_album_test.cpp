@@ -106,8 +106,7 @@ TEST_F(OneAlbumTest, LiesFlatInSeveralLibraryFolders) {
     library.run.LibraryFolders = {{R"(D:\Music\Rock)", "Rock"}, {R"(D:\Music\Jazz)", "Jazz"}};
     ReconcileTwice();
     EXPECT_THAT(library.Albums(), ElementsAre("Red|One|2"));
-    EXPECT_THAT(library.Tracks(),
-                ElementsAre(R"(Jazz\Red_b.mp3|b|1)", R"(Rock\Red_a.mp3|a|2)"));
+    EXPECT_THAT(library.Tracks(), ElementsAre(R"(Jazz\Red_b.mp3|b|1)", R"(Rock\Red_a.mp3|a|2)"));
 }
 
 /// A disk with letter case can hold both.
@@ -140,8 +139,7 @@ TEST(OneAlbum, HasNoTwoFilesThatDifferInLetterCaseAlone) {
     for (int i = 0; i < 2; ++i) {
         library.Reconcile();
         EXPECT_THAT(library.Rows("SELECT Tracks FROM Albums"), ElementsAre("2"));
-        EXPECT_THAT(library.Rows("SELECT Track FROM Tracks ORDER BY Track"),
-                    ElementsAre("1", "2"));
+        EXPECT_THAT(library.Rows("SELECT Track FROM Tracks ORDER BY Track"), ElementsAre("1", "2"));
     }
     EXPECT_EQ(library.run.counts.tracksUnchanged, 2U);
     EXPECT_THAT(library.host.log, SizeIs(2));
@@ -166,14 +164,15 @@ TEST_F(AlbumWithoutIdentifierTest, GetsOne) {
         SCOPED_TRACE(none);
         library.Execute("DELETE * FROM Albums WHERE Artist='Red'");
         library.Execute("DELETE * FROM Tracks WHERE Artist='Red'");
-        library.Execute("INSERT INTO Albums (Artist, Title, Tracks, Player, Rating1, CDJID) VALUES "
-                        "('Red', 'One', 2, 1001, 5, " + std::string(none) + ")");
+        library.Execute(
+            "INSERT INTO Albums (Artist, Title, Tracks, Player, Rating1, CDJID) VALUES "
+            "('Red', 'One', 2, 1001, 5, " +
+            std::string(none) + ")");
         library.host.log.clear();
         library.run.counts = {};
         library.Reconcile();
-        EXPECT_THAT(
-            library.Rows("SELECT CDJID, Tracks, Rating1 FROM Albums WHERE Artist='Red'"),
-            ElementsAre("252E671073EC0042|2|5"));
+        EXPECT_THAT(library.Rows("SELECT CDJID, Tracks, Rating1 FROM Albums WHERE Artist='Red'"),
+                    ElementsAre("252E671073EC0042|2|5"));
         EXPECT_THAT(library.Rows("SELECT CDJID, Track FROM Tracks WHERE Artist='Red' ORDER BY ID"),
                     ElementsAre("252E671073EC0042|1", "252E671073EC0042|2"));
         EXPECT_THAT(library.host.log,
@@ -191,8 +190,9 @@ TEST_F(AlbumWithoutIdentifierTest, GetsOne) {
 }
 
 TEST_F(AlbumWithoutIdentifierTest, GetsNoRowsWhereThereIsNoneToBeHad) {
-    library.Execute("INSERT INTO Albums (Artist, Title, Tracks, Player) VALUES "
-                    "('Red', 'One', 2, 1001)");
+    library.Execute(
+        "INSERT INTO Albums (Artist, Title, Tracks, Player) VALUES "
+        "('Red', 'One', 2, 1001)");
     library.Database().Refuse("Max(Albums.CDJID)");
     library.Reconcile();
     EXPECT_THAT(library.Rows("SELECT SoundFile FROM Tracks"),
@@ -203,8 +203,9 @@ TEST_F(AlbumWithoutIdentifierTest, GetsNoRowsWhereThereIsNoneToBeHad) {
 }
 
 TEST_F(AlbumWithoutIdentifierTest, IsSweptLikeAnyOtherWhenItsFilesAreGone) {
-    library.Execute("INSERT INTO Albums (Artist, Title, Tracks, Player) VALUES "
-                    "('Green', 'One', 2, 1001)");
+    library.Execute(
+        "INSERT INTO Albums (Artist, Title, Tracks, Player) VALUES "
+        "('Green', 'One', 2, 1001)");
     library.Reconcile();
     EXPECT_THAT(library.Albums(), ElementsAre("Blue|One|1", "Red|One|2"));
 }

@@ -54,7 +54,8 @@ class TreeOutOfSightTest : public OutOfSightTest {
         const std::string ofAlbum = album.empty() ? "" : " AND Title='" + album + "'";
         std::vector<std::string> rows =
             library.Rows("SELECT * FROM Albums" + ofArtist + ofAlbum + " ORDER BY ID");
-        for (const std::string& cdjid : library.Rows("SELECT CDJID FROM Albums" + ofArtist + ofAlbum))
+        for (const std::string& cdjid :
+             library.Rows("SELECT CDJID FROM Albums" + ofArtist + ofAlbum))
             for (std::string& row :
                  library.Rows("SELECT * FROM Tracks WHERE CDJID='" + cdjid + "' ORDER BY ID"))
                 rows.push_back(std::move(row));
@@ -249,9 +250,8 @@ TEST_F(FlatOutOfSightTest, ASongWhoseTagCannotBeReadStaysInItsAlbum) {
     library.Reconcile();
     EXPECT_EQ(AlbumsAndTracksOf("Red"), before);
     EXPECT_THAT(library.Albums(), ElementsAre("Blue|One|1", "Blue|Two|1", "Red|One|13"));
-    EXPECT_THAT(library.host.log,
-                ElementsAre(HasSubstr(R"(D:\Music\Green_new.mp3)"),
-                            HasSubstr(R"(D:\Music\Red_b.mp3)")));
+    EXPECT_THAT(library.host.log, ElementsAre(HasSubstr(R"(D:\Music\Green_new.mp3)"),
+                                              HasSubstr(R"(D:\Music\Red_b.mp3)")));
 }
 
 TEST_F(FlatOutOfSightTest, ALibraryFolderKeepsTheAlbumsThatLieThereInPart) {

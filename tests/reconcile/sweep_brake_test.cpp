@@ -81,7 +81,7 @@ TEST_F(SweepBrakeTest, LetsGoWhatIsFewEnough) {
 TEST_F(SweepBrakeTest, HoldsWhereTheLibraryFolderIsEmpty) {
     RemoveArtist("Blue");
     RemoveArtist("Red");
-    ExpectBraked(R"(8 tracks would go, and no music was found in D:\Music)");
+    ExpectBraked(R"(8 tracks of 8 would go, and no music was found in D:\Music)");
 }
 
 TEST_F(SweepBrakeTest, HoldsWhereTheLibraryFolderHoldsOnlyWhatAFreshDiskHas) {
@@ -112,7 +112,7 @@ TEST_F(SweepBrakeTest, HoldsWhereTheRootIsOneLevelTooLow) {
     library.run.LibraryFolders = {{R"(D:\Music\Blue)", "Blue"}};
     library.Reconcile();
     EXPECT_THAT(library.host.log,
-                ElementsAre(HasSubstr("Nothing is removed: 8 tracks would go")));
+                ElementsAre(HasSubstr("Nothing is removed: 8 tracks of 8 would go")));
     RestoreMarks(library.run);
     EXPECT_EQ(State(), before);
 }
@@ -123,7 +123,7 @@ TEST_F(SweepBrakeTest, HoldsWhereOneOfSeveralRootsIsEmpty) {
     library.Reconcile();
     before = State();
     library.files.DeleteFile(R"(E:\More\Violet\One\a.mp3)");
-    ExpectBraked(R"(1 track would go, and no music was found in E:\More)");
+    ExpectBraked(R"(1 track of 9 would go, and no music was found in E:\More)");
 }
 
 TEST_F(SweepBrakeTest, DoesNotHoldForAnEmptyRootThatNeverHadMusic) {
@@ -147,7 +147,7 @@ TEST_F(SweepBrakeTest, HoldsForTracksThatLieInNoLibraryFolder) {
     library.AddAlbumRow("252E671073EC0900", "Violet", "One", 1);
     library.AddTrackRow("252E671073EC0900", 1, R"(E:\Music\Violet\One\a.mp3)");
     before = State();
-    ExpectBraked("1 track would go, and 1 of them lies in none of the library folders");
+    ExpectBraked("1 track of 9 would go, and 1 of them lies in none of the library folders");
 }
 
 TEST_F(SweepBrakeTest, HoldsWhereBothLimitsArePassed) {
@@ -224,11 +224,12 @@ TEST_F(SweepBrakeTest, TellsOfEachAlbumAndOfTracksOfAlbumsThatStay) {
     library.RemoveFile(R"(Red\Two\b.mp3)");
     library.AddAlbumRow("252E671073EC0900", "Violet", "Bare", 1);
     library.Reconcile();
-    EXPECT_THAT(library.host.log,
-                ElementsAre(R"(Quillon: Album removed, its files were not found: Red\Two, 2 tracks)",
-                            R"(Quillon: Album removed, its files were not found: Violet\Bare)",
-                            R"(Quillon: Track removed, its file was not found: )"
-                            R"(D:\Music\Blue\One\a.mp3)"));
+    EXPECT_THAT(
+        library.host.log,
+        ElementsAre(R"(Quillon: Album removed, its files were not found: Red\Two, 2 tracks)",
+                    R"(Quillon: Album removed, its files were not found: Violet\Bare)",
+                    R"(Quillon: Track removed, its file was not found: )"
+                    R"(D:\Music\Blue\One\a.mp3)"));
     EXPECT_EQ(library.run.counts.errors, 0U);
 }
 

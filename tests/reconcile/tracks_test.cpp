@@ -208,7 +208,8 @@ TEST_F(ProcessTracksTest, KeepsAKnownRowWhoseNewTitleDoesNotFit) {
     library.Database().RefuseValue("Title", "a");
     library.Reconcile();
     EXPECT_THAT(library.Tracks(), ElementsAre(R"(A\B\a.mp3|old title|1)"));
-    EXPECT_THAT(Log(), ElementsAre(R"(Quillon: ProcessTracks Line 3 refused (D:\Music\A\B\a.mp3))"));
+    EXPECT_THAT(Log(),
+                ElementsAre(R"(Quillon: ProcessTracks Line 3 refused (D:\Music\A\B\a.mp3))"));
 }
 
 TEST_F(ProcessTracksTest, LogsARowThatCannotBeMadeAndGoesOn) {

@@ -165,7 +165,8 @@ TEST_F(MakeRemoteTest, LogsAQueryThatIsRefusedAndEnds) {
     AddPlaylist("m3u", R"(D:\Lists\)");
     MakeRemote(library.run);
     EXPECT_THAT(Lists(), ElementsAre(R"(m3u|D:\Lists\)"));
-    EXPECT_THAT(library.host.log, ElementsAre("Quillon: MakeRemote Line 3 refused"));
+    EXPECT_THAT(library.host.log,
+                ElementsAre("Quillon: MakeRemote Line 3 refused (3. Pla Playlists)"));
 }
 
 TEST_F(MakeRemoteTest, ChangesNothingTheSecondTimeAndLeavesTheFileAsItIs) {

@@ -45,7 +45,8 @@ TEST_F(LibraryListsTest, AreReadInAnsi) {
 
 TEST_F(LibraryListsTest, AreReadInUtf8WithAndWithoutTheMark) {
     EXPECT_THAT(LinesOf("D:\\Björk\r\nD:\\音楽"), ElementsAre("D:\\Björk", "D:\\音楽"));
-    EXPECT_THAT(LinesOf("\xEF\xBB\xBF" "D:\\Björk\r\nD:\\Two"),
+    EXPECT_THAT(LinesOf("\xEF\xBB\xBF"
+                        "D:\\Björk\r\nD:\\Two"),
                 ElementsAre("D:\\Björk", R"(D:\Two)"));
 }
 

@@ -169,7 +169,7 @@ class Interrupted:
         # A signal before the program has come to handle signals ends it as usual.
         if status not in (0, 3, -signal.SIGTERM):
             raise Failed(f"an aborted run ends with {status}:\n{told}")
-        self.stage.confirm_database(interrupted=True)
+        self.stage.confirm_database(unrepaired=True)
         self.nothing_lost()
         self.ends_like_the_others()
         return status == 3

@@ -128,7 +128,7 @@ ABORTS = {
 
 
 def confirm_aborted(stage, known, lists):
-    stage.confirm_database(interrupted=True)
+    stage.confirm_database(unrepaired=True)
     now = known_files(stage)
     if not known < now < files(stage):
         raise Failed(f"not in the middle: {len(now)} of {len(files(stage))} files are known,"

@@ -114,9 +114,9 @@ class Stage:
         text = re.sub(r"\bRemoved/[-_\d]{19}/", "Removed/STAMP/", text)
         return re.sub(r"_Copy Dated_\w+?_[AP]M_", "_Copy Dated_STAMP_", text)
 
-    def confirm_database(self, interrupted=False):
+    def confirm_database(self, unrepaired=False):
         """Asks every other reader at hand whether the file is whole and says the same. A run that
-        was interrupted may leave what it had captured of the playlists."""
+        has repaired no playlist may leave what it had captured of them."""
         rows = self.all_rows()
         for table in TABLES:
             confirm_same_rows(table, rows[table], self.exported(table), "mdb-export")
@@ -127,7 +127,7 @@ class Stage:
             for table in TABLES:
                 confirm_same_rows(table, rows[table], theirs.get(table, []), "mdbcheck",
                                   null="(Null)")
-        leftovers = {".journal", ".marks", ".ldb"} | (set() if interrupted else {".playlists"})
+        leftovers = {".journal", ".marks", ".ldb"} | (set() if unrepaired else {".playlists"})
         for leftover in self.disk.iterdir():
             if leftover.suffix in leftovers:
                 raise Failed(f"{leftover.name} was left behind")

@@ -67,6 +67,18 @@ def random_fields(chance):
     }
 
 
+def latin_1_fields(chance):
+    """The same without what Latin-1 lacks: mutagen writes no more in these tags."""
+    while True:
+        fields = random_fields(chance)
+        for name in ("song", "artist", "album", "comment"):
+            fields[name] = "".join(c for c in fields[name] if ord(c) < 0x100).strip(" ")
+        # What is left must not have become UTF-8 by that.
+        if not any(is_utf8(fields[name].encode("latin-1")[:length])
+                   for name, length in LENGTHS.items()):
+            return fields
+
+
 def cut(fields):
     """What is left of the fields in a tag."""
     kept = dict(fields)
@@ -214,10 +226,7 @@ def others_read_ours(tool, folder, chance):
 def we_read_mutagens(tool, folder, chance):
     paths, wanted = [], []
     for number in range(WRITTEN_BY_MUTAGEN):
-        fields = random_fields(chance)
-        # It writes Latin-1 and knows no more.
-        for name in ("song", "artist", "album", "comment"):
-            fields[name] = "".join(c for c in fields[name] if ord(c) < 0x100).strip(" ")
+        fields = latin_1_fields(chance)
         frames = {"TIT2": TIT2(0, [fields["song"]]), "TPE1": TPE1(0, [fields["artist"]]),
                   "TALB": TALB(0, [fields["album"]]), "TDRC": TDRC(0, [fields["year"]]),
                   "COMM": COMM(0, "eng", "", [fields["comment"]]),
