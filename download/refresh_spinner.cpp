@@ -21,7 +21,7 @@ constexpr std::string_view RepeatedSongs =
     "[Artist],[Album],[Song] HAVING Count(*)>1  And [Album] = [Spinner].[Album] And [Song] = "
     "[Spinner].[Song]))) ORDER BY Spinner.Artist, Spinner.Album, Spinner.Song";
 
-std::string NameOf(const RecordSet& row) {
+std::string RowName(const RecordSet& row) {
     return row.Text("Artist") + '\\' + row.Text("Album") + '\\' + row.Text("Song");
 }
 
@@ -40,7 +40,7 @@ void RemoveVanishedSongs(Run& run, Steps& steps) {
     const std::unique_ptr<RecordSet> spinner = run.connection->OpenTable("Spinner");
     for (; !spinner->IsEof(); spinner->MoveNext()) {
         run.ProcessEvents();
-        steps.Concerning(NameOf(*spinner));
+        steps.Concerning(RowName(*spinner));
         steps.Try(1, [&] {
             if (!IsInLibrary(*run.connection, *spinner)) spinner->Delete();
         });

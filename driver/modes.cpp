@@ -61,4 +61,9 @@ const Mode* SelectMode(const Settings& settings) {
     return found == ModeTable.end() ? nullptr : &*found;
 }
 
+bool WalksLibrary(const Settings& settings) {
+    const Mode* const mode = SelectMode(settings);
+    return mode != nullptr && mode->setting == &Settings::Reconcile && !settings.PlaylistsOnly;
+}
+
 }  // namespace quillon

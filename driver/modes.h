@@ -37,4 +37,7 @@ std::span<const Mode> Modes();
 /// The first mode that applies, or null when the settings ask for nothing.
 const Mode* SelectMode(const Settings& settings);
 
+/// Whether a run with these settings walks through the library folders and sweeps.
+bool WalksLibrary(const Settings& settings);
+
 }  // namespace quillon

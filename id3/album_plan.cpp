@@ -10,6 +10,7 @@
 #include "id3/tag_comparison.h"
 #include "id3/tag_reader.h"
 #include "id3/temporary_name.h"
+#include "id3/verify_steps.h"
 #include "platform/basic_text.h"
 #include "platform/failure.h"
 #include "platform/windows_name.h"
@@ -20,8 +21,6 @@
 
 namespace quillon {
 namespace {
-
-constexpr int ListStep = 3, BracketStep = 4, CompareStep = 5, TitleStep = 7;
 
 /// A name by which a file is compared.
 std::string PlainName(std::string_view name) {
@@ -79,7 +78,7 @@ class Planner {
     void List() {
         steps_.Concerning(plan_.folder.path);
         Listing<FileEntry> found;
-        if (!steps_.Try(ListStep, [&] { found = run_.files.FilesIn(plan_.folder.path); })) return;
+        if (!steps_.Try(FilesStep, [&] { found = run_.files.FilesIn(plan_.folder.path); })) return;
         // A name that is out of sight may be one that a file here would get.
         if (std::any_of(found.unseen.begin(), found.unseen.end(), IsSoundFile)) return;
         for (FileEntry& file : found) {

@@ -10,12 +10,11 @@
 #include "id3/tag_comparison.h"
 #include "id3/track_info.h"
 #include "id3/update_for_id3_info.h"
+#include "id3/verify_steps.h"
 #include "run/log.h"
 
 namespace quillon {
 namespace {
-
-constexpr int CompareStep = 5, RowStep = 6;
 
 class AlbumTags {
   public:

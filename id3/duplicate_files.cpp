@@ -10,19 +10,15 @@
 #include "database/track_numbers.h"
 #include "id3/same_sound.h"
 #include "id3/sound_file_row.h"
+#include "id3/verify_steps.h"
 #include "platform/files.h"
 #include "platform/host.h"
 #include "run/log.h"
+#include "run/paths.h"
 #include "run/steps.h"
 
 namespace quillon {
 namespace {
-
-constexpr int OpenStep = 1, BracketStep = 4, TitleStep = 7;
-
-std::string_view NameOf(std::string_view path) {
-    return path.substr(path.rfind('\\') + 1);
-}
 
 int StepOf(const DuplicateFile& duplicate) {
     return duplicate.byBrackets ? BracketStep : TitleStep;
@@ -75,7 +71,7 @@ class DuplicateRemoval {
             if (isThere && onlyIdentical) isSame = HaveSameSound(run_.files, path, duplicate.twin);
         });
         if (!isKnown) return false;
-        const std::string twin(NameOf(duplicate.twin));
+        const std::string twin(LastName(duplicate.twin));
         if (!isThere) WriteLog(run_, LogSource, path + " stays, since there is no " + twin);
         if (!isSame) {
             WriteLog(run_, LogSource,
@@ -161,7 +157,7 @@ class DuplicateRemoval {
         ++run_.counts.filesRemoved;
         run_.removals.Note(Removable::MusicFiles, path);
         WriteLog(run_, LogSource,
-                 path + " was removed as a duplicate of " + std::string(NameOf(duplicate.twin)));
+                 path + " was removed as a duplicate of " + std::string(LastName(duplicate.twin)));
         return true;
     }
 
@@ -217,7 +213,7 @@ void RemoveDuplicateFiles(Run& run, std::vector<AlbumRest> rests) {
     if (rests.empty()) return;
     Steps steps(run, "VerifyID3TagsFolder");
     std::unique_ptr<RecordSet> tracks;
-    if (!steps.Try(OpenStep, [&] { tracks = run.connection->OpenTable("Tracks"); })) return;
+    if (!steps.Try(1, [&] { tracks = run.connection->OpenTable("Tracks"); })) return;
     DuplicateRemoval(run, steps, *tracks, std::move(rests)).Remove();
 }
 

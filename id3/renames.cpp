@@ -10,15 +10,12 @@
 #include "platform/basic_text.h"
 #include "platform/files.h"
 #include "run/log.h"
+#include "run/paths.h"
 
 namespace quillon {
 namespace {
 
 constexpr int RenameStep = 7;
-
-std::string_view NameOf(std::string_view path) {
-    return path.substr(path.rfind('\\') + 1);
-}
 
 }  // namespace
 
@@ -70,7 +67,7 @@ std::vector<std::size_t> Renames::Ready() {
             if (rename.state != State::Waits || holder == nullptr || holder->state != State::Failed)
                 continue;
             WriteLog(run_, LogSource,
-                     rename.first + " keeps its name, since " + std::string(NameOf(rename.to)) +
+                     rename.first + " keeps its name, since " + std::string(LastName(rename.to)) +
                          " is not free");
             rename.state = State::Failed;
             changed = true;
@@ -115,7 +112,7 @@ void Renames::Finish(std::size_t number, const Move& move) {
     holders_.erase(LowerCase(rename.from));
     rename.from = rename.to;
     ++run_.counts.filesRenamed;
-    WriteLog(run_, LogSource, rename.first + " is now " + std::string(NameOf(rename.to)));
+    WriteLog(run_, LogSource, rename.first + " is now " + std::string(LastName(rename.to)));
 }
 
 bool Renames::CarryOne(std::string from, std::string to) {

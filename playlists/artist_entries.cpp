@@ -9,6 +9,7 @@
 #include "database/sql.h"
 #include "platform/basic_text.h"
 #include "platform/database.h"
+#include "playlists/pla_line.h"
 #include "run/counted.h"
 #include "run/log.h"
 #include "run/run.h"
@@ -16,8 +17,6 @@
 
 namespace quillon {
 namespace {
-
-constexpr std::int32_t WholeAlbum = -1;
 
 /// An artist of the download table, with the first genre met for it.
 struct GenreArtist {

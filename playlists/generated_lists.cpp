@@ -8,12 +8,6 @@
 #include "run/name_cleaning.h"
 
 namespace quillon {
-namespace {
-
-constexpr std::int32_t WholeAlbum = -1;
-
-}  // namespace
-
 void GeneratedLists::Begin(std::string_view genreOrArtist) {
     const std::string name = NoPlaylistNasties(genreOrArtist);
     hasName_ = !name.empty() && IsWindowsName(name + std::string(PlaExtension));

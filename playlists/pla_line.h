@@ -12,6 +12,8 @@ namespace quillon {
 constexpr std::string_view PlaHeader = "CDJ Playlist V1.1";
 constexpr std::string_view PlaExtension = ".pla";
 constexpr std::string_view WholeAlbumIndex = "-1";
+/// Stands for all tracks where a track's number could be.
+constexpr std::int32_t WholeAlbum = -1;
 
 /// An entry's fields as they stand in the line, views into it.
 struct PlaFields {

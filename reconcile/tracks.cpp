@@ -191,7 +191,7 @@ class AlbumTracks {
     }
 
     Row AddRow(ListedFile& file) {
-        constexpr std::int64_t Unknown = -1;
+        constexpr std::int64_t UnknownLength = -1;
         const std::string& path = file.Name;
         const TrackTag tag = ReadTrackTag(ReadID3(run_, path));
         file.IsTagRead = true;
@@ -199,8 +199,8 @@ class AlbumTracks {
         const std::int64_t number = tag.track.value_or(NoNumber);
         AddTrackRow(tracks_, run_.clock.Now(),
                     {.cdjid = album_.cdjid,
-                     .minutes = tag.length ? *tag.length / 60 : Unknown,
-                     .seconds = tag.length ? *tag.length % 60 : Unknown,
+                     .minutes = tag.length ? *tag.length / 60 : UnknownLength,
+                     .seconds = tag.length ? *tag.length % 60 : UnknownLength,
                      .number = number,
                      .title = GetTrackName(path, run_.settings.FlatStructure),
                      .artist = album_.artist,

@@ -67,4 +67,8 @@ std::string GetBaseName(std::string_view path) {
     return std::string(path.substr(0, path.rfind('.')));
 }
 
+std::string_view LastName(std::string_view path) {
+    return path.substr(path.rfind('\\') + 1);
+}
+
 }  // namespace quillon

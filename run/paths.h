@@ -29,6 +29,9 @@ std::string GetDrive(std::string_view path);
 /// Every occurrence of the path's own drive part replaced by `newDrive`.
 std::string ChangeDrive(std::string_view newDrive, std::string_view path);
 
+/// A path's last component.
+std::string_view LastName(std::string_view path);
+
 /// A file's name without its folders and without its last extension; slashes of both kinds part
 /// folders, so that it serves web addresses as well.
 std::string GetBaseName(std::string_view path);

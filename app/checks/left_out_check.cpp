@@ -16,11 +16,6 @@
 namespace quillon {
 namespace {
 
-bool Walks(const Settings& settings) {
-    const Mode* const mode = SelectMode(settings);
-    return mode != nullptr && mode->setting == &Settings::Reconcile && !settings.PlaylistsOnly;
-}
-
 /// What cannot be listed is told of elsewhere.
 Listing<FolderEntry> SubFolders(Files& files, const std::string& folder) try {
     return files.SubFolders(folder);
@@ -91,7 +86,7 @@ void Append(std::string& text, const LeftOut& found, LeftOutFor reason, std::str
 }  // namespace
 
 void CheckLeftOut(Files& files, const Settings& settings, Findings& findings) {
-    if (settings.LibraryRoot.empty() || !Walks(settings)) return;
+    if (settings.LibraryRoot.empty() || !WalksLibrary(settings)) return;
     const LeftOut found = FindLeftOut(files, settings);
     const bool isFlat = settings.FlatStructure;
     if (found.Total() == 0) return;

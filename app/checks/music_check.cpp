@@ -18,11 +18,6 @@
 namespace quillon {
 namespace {
 
-bool Walks(const Settings& settings) {
-    const Mode* const mode = SelectMode(settings);
-    return mode != nullptr && mode->setting == &Settings::Reconcile && !settings.PlaylistsOnly;
-}
-
 /// A folder that holds the library, or a part of it.
 struct Place {
     std::string name;  ///< "LibraryRoot", "Library folder"
@@ -212,7 +207,7 @@ void CheckMusic(LocalHost& local, const Settings& settings,
     if (!soundFiles.empty())
         out << fmt::format(", {} of them name a file in a library folder", check.Inside());
     out << '\n';
-    if (Walks(settings)) check.Find();
+    if (WalksLibrary(settings)) check.Find();
 } catch (const Failure&) {
     // What cannot be listed is told of with the folders.
     out << '\n';

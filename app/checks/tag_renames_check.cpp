@@ -43,9 +43,7 @@ class NoWindow : public Window {
 };
 
 bool ComparesTags(const Settings& settings) {
-    const Mode* const mode = SelectMode(settings);
-    return mode != nullptr && mode->setting == &Settings::Reconcile && !settings.PlaylistsOnly &&
-           settings.ID3Reconcile && !settings.LibraryRoot.empty();
+    return WalksLibrary(settings) && settings.ID3Reconcile && !settings.LibraryRoot.empty();
 }
 
 std::string Counted(std::size_t count, std::string_view word) {

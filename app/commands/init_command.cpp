@@ -26,7 +26,7 @@ namespace fs = std::filesystem;
 
 constexpr std::string_view SettingsName = "Quillon.ini", HostName = HostSettingsFile,
                            LogName = "host.log", DatabaseName = "jukebox.mdb";
-constexpr std::array<std::string_view, 5> FolderNames{"Playlists", "M3u", "Covers", "Data", "HTML"};
+constexpr std::array<std::string_view, 5> HostFolders{"Playlists", "M3u", "Covers", "Data", "HTML"};
 constexpr char HostDrive = 'H', MusicDrive = 'D', DatabaseDrive = 'J';
 constexpr std::string_view DiskDrive = "Z:";
 
@@ -108,7 +108,7 @@ void RefuseToOverwrite(const Plan& plan) {
     for (const std::string_view file : files)
         if (fs::symlink_status(plan.host / file).type() != fs::file_type::not_found)
             note(plan.host / file);
-    for (const std::string_view folder : FolderNames)
+    for (const std::string_view folder : HostFolders)
         if (fs::exists(plan.host / folder) && !fs::is_directory(plan.host / folder))
             note(plan.host / folder);
     if (!existing.empty())
@@ -291,7 +291,7 @@ int Init(const InitRequest& request, Console console) {
 
     MadePaths made;
     made.MakeFolder(plan.host);
-    for (const std::string_view folder : FolderNames)
+    for (const std::string_view folder : HostFolders)
         made.MakeFolder(plan.host / folder);
     if (plan.makesDatabase) made.MakeDatabase(plan.database);
     made.WriteFile(plan.host / HostName, host);

@@ -18,6 +18,8 @@ namespace jet::storage {
 /// The header page's commit counters: they tell whether a journal belongs to the state that a
 /// database file is in.
 using CommitCounters = std::array<std::uint8_t, 512>;
+/// The page that holds them.
+constexpr PageNumber HeaderPage = 0;
 constexpr std::size_t CommitCountersOffset = 0xE00;
 
 /// The commit counters of a header page.

@@ -10,7 +10,7 @@ namespace jet::storage {
 
 namespace {
 
-constexpr std::string_view FormatName = "QuillonJournalNote 1";
+constexpr std::string_view NoteName = "QuillonJournalNote 1";
 
 /// Takes what stands in front of the next line's end.
 std::string_view TakeLine(std::string_view& text) {
@@ -35,7 +35,7 @@ bool JournalNote::Concerns(const CommitCounters& counters) const {
 }
 
 std::string JournalNote::Text() const {
-    std::string text(FormatName);
+    std::string text(NoteName);
     for (const std::uint64_t number : {file, before, after})
         text += '\n' + std::to_string(number);
     // The path comes last: it alone may hold a line's end.
@@ -44,7 +44,7 @@ std::string JournalNote::Text() const {
 
 std::optional<JournalNote> JournalNote::Parse(const std::string& text) {
     std::string_view rest = text;
-    if (TakeLine(rest) != FormatName) return std::nullopt;
+    if (TakeLine(rest) != NoteName) return std::nullopt;
     JournalNote note;
     for (std::uint64_t* const number : {&note.file, &note.before, &note.after}) {
         const auto value = NumberIn(TakeLine(rest));

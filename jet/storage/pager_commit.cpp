@@ -13,7 +13,6 @@ namespace jet::storage {
 
 namespace {
 
-constexpr PageNumber HeaderPage = 0;
 /// Pages written or read in one call at most.
 constexpr std::size_t LongestRun = 64;
 

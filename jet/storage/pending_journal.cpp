@@ -11,8 +11,6 @@ namespace jet::storage {
 
 namespace {
 
-constexpr PageNumber HeaderPage = 0;
-
 /// A journal that was left behind, after which the database was replaced by another copy, must not
 /// be carried out.
 bool Belongs(const JournalReader& journal, const CommitCounters& onDisk) {

@@ -131,7 +131,7 @@ FolderNames FolderLister::NamesIn(const std::string& local) {
             if (fstatat(dirfd(stream.get()), entry->d_name, &facts, flags) != 0) continue;
             // A folder behind a link may be one of those on the way to it.
             if (S_ISDIR(facts.st_mode) && kind == DT_LNK) continue;
-            kind = IFTODT(facts.st_mode);
+            kind = static_cast<unsigned char>(IFTODT(facts.st_mode));
         }
         if (kind == DT_DIR) names.folders.emplace_back(name);
         if (kind == DT_REG) names.files.emplace_back(name);
