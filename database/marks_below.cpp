@@ -165,6 +165,7 @@ class PartialRestoration {
 std::unordered_set<std::string> AlbumsBelow(Connection& connection,
                                             const std::vector<std::string>& folders) {
     std::vector<UnlistedFolder> unlistedFolders;
+    unlistedFolders.reserve(folders.size());
     for (const std::string& folder : folders)
         unlistedFolders.push_back({folder, "", ""});
     const UnlistedRows unlisted(unlistedFolders);

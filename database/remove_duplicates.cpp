@@ -97,10 +97,10 @@ void DeleteDuplicates(Run& run) {
             throw Failure::Described(FailureNumber::Database,
                                      "Duplicated identifier cannot be deleted: " + cdjid);
         }
-        for (const std::string& name : names) {
-            WriteLog(run, LogSource,
-                     "Album removed, it shared its CDJID " + cdjid + " with another: " + name);
-        }
+        const std::string reason =
+            "Album removed, it shared its CDJID " + cdjid + " with another: ";
+        for (const std::string& name : names)
+            WriteLog(run, LogSource, std::string(reason).append(name));
     }
 }
 

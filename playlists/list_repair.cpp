@@ -98,7 +98,7 @@ class Repairing {
             Tell(", " + line + " names a song that is now on album " + std::string(album));
         }
         const bool followsAlbum = isElsewhere && isTwin;
-        std::string present = PlaLine(followsAlbum ? album : fields.cdjid, track.number);
+        const std::string present = PlaLine(followsAlbum ? album : fields.cdjid, track.number);
         if (track.number - 1 != WholeIndex(fields.index) || followsAlbum) {
             list_.isChanged = true;
             Tell(", Track # updated from " + std::string(fields.index) + " to " + present);

@@ -29,7 +29,7 @@ std::optional<std::int64_t> FindAlbum(Connection& connection, std::string_view a
 /// nobody's and come anew in each run. Returns it, "" when there is none to be had, which is
 /// logged.
 std::string GiveIdentifier(Walk& walk, const std::string& album) {
-    const std::string cdjid = walk.sequence.GetNextCDJID(album);
+    std::string cdjid = walk.sequence.GetNextCDJID(album);
     if (cdjid.empty()) return "";
     walk.albums->Set("CDJID", cdjid);
     walk.albums->Update();

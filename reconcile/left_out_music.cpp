@@ -50,7 +50,8 @@ void LeftOutMusic::Descend(const std::string& folder, int depth) {
     if (music > 0) found_.Note(LeftOutFor::DeeperFolder, folder, static_cast<std::size_t>(music));
     if (depth == MostLevels) return;
     for (const std::string& name : names.folders) {
-        if (!IsSystemFolder(name)) Descend(folder + '\\' + name, depth + 1);
+        if (!IsSystemFolder(name))
+            Descend(std::string(folder).append("\\").append(name), depth + 1);
     }
 }
 

@@ -20,6 +20,7 @@ bool AreDistinct(const std::vector<Wish>& sorted) {
 /// The files by the numbers they had, none where not each had one of its own.
 Order OrderBefore(std::span<const std::int64_t> before) {
     std::vector<Wish> had;
+    had.reserve(before.size());
     for (std::size_t file = 0; file < before.size(); ++file)
         had.emplace_back(before[file], file);
     std::sort(had.begin(), had.end());

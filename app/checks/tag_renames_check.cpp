@@ -92,8 +92,9 @@ void CheckTagRenames(LocalHost& local, const Settings& settings, Findings& findi
         fmt::format("ID3Reconcile is on: the next run would {}{}. If that is not "
                     "meant, set ID3Reconcile=0",
                     deeds, BrakeText(changes, local.host)));
-} catch (const Failure&) {
-    // Folders that cannot be looked at are told of where folders are checked.
+} catch (const Failure& failure) {
+    findings.Caution(fmt::format("What the comparison of tags would rename cannot be found out: {}",
+                                 failure.what()));
 }
 
 }  // namespace quillon

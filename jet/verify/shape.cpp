@@ -133,6 +133,7 @@ void CheckOverlap(const Shape& shape, Findings& findings) {
 /// Names that no statement could have.
 void CheckNames(const Shape& shape, Findings& findings) {
     std::vector<std::string_view> names;
+    names.reserve(shape.columns.size());
     for (const Column& column : shape.columns)
         names.push_back(column.name);
     std::ranges::sort(names, [](std::string_view left, std::string_view right) {

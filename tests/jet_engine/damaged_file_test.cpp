@@ -60,8 +60,8 @@ class DamagedFile : public ::testing::Test {
     void SpoilGlobalMap() {
         // All pages of the file are free.
         std::string bytes = ReadBytes(path_);
-        const auto low = static_cast<unsigned char>(bytes[PageSize + 14]);
-        const auto high = static_cast<unsigned char>(bytes[PageSize + 15]);
+        const std::size_t low = static_cast<unsigned char>(bytes[PageSize + 14]);
+        const std::size_t high = static_cast<unsigned char>(bytes[PageSize + 15]);
         bytes[PageSize + (low | high << 8U) + 6] = '\xFF';
         WriteBytes(path_, bytes);
     }

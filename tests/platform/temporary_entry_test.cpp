@@ -34,7 +34,7 @@ class TemporaryEntryTest : public FilesTest {
         Killed([&] {
             SafeFile file((folder_ / name / "a").string(), "D:\\a", SafeFile::Existing::Replace);
             file.Write("half");
-            SafeFolder folder((folder_ / name / "b").string(), "D:\\b");
+            const SafeFolder folder((folder_ / name / "b").string(), "D:\\b");
             SafeFile inner(folder.Draft() + "/c", "D:\\c", SafeFile::Existing::Replace);
             inner.Commit();
             kill(getpid(), SIGKILL);

@@ -30,8 +30,9 @@ class FakeHost : public Host {
 
     std::vector<std::string> GetINILines(std::string_view, std::string_view) override {
         std::vector<std::string> lines;
+        lines.reserve(settings.size());
         for (const auto& [key, text] : settings)
-            lines.push_back(key + '=' + text);
+            lines.push_back(std::string(key).append("=").append(text));
         return lines;
     }
 

@@ -101,9 +101,9 @@ Listing<FolderEntry> TestLibrary::Files::SubFolders(std::string_view folder) {
 
 Listing<FileEntry> TestLibrary::Files::FilesIn(std::string_view folder) {
     RefuseUnlistable(folder);
-    Listing<FileEntry> files = FakeFiles::FilesIn(folder);
+    Listing<FileEntry> listing = FakeFiles::FilesIn(folder);
     if (afterListing) std::exchange(afterListing, {})();
-    return files;
+    return listing;
 }
 
 void TestLibrary::Files::RefuseUnlistable(std::string_view folder) const {
