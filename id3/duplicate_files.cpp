@@ -64,21 +64,26 @@ class DuplicateRemoval {
 
     bool IsDuplicate(const DuplicateFile& duplicate, bool onlyIdentical) {
         const std::string& path = duplicate.file.path;
-        bool isThere = false, isSame = true;
+        std::string objection;
         steps_.Concerning(path);
-        const bool isKnown = steps_.Try(StepOf(duplicate), [&] {
-            isThere = run_.files.FileExists(duplicate.twin);
-            if (isThere && onlyIdentical) isSame = HaveSameSound(run_.files, path, duplicate.twin);
-        });
-        if (!isKnown) return false;
+        const bool isKnown = steps_.Try(
+            StepOf(duplicate), [&] { objection = Objection(duplicate, onlyIdentical); });
+        if (!objection.empty()) WriteLog(run_, LogSource, path + " stays" + objection);
+        return isKnown && objection.empty();
+    }
+
+    /// Why the file is none that may go; "" where it may.
+    std::string Objection(const DuplicateFile& duplicate, bool onlyIdentical) {
+        const std::string& path = duplicate.file.path;
         const std::string twin(LastName(duplicate.twin));
-        if (!isThere) WriteLog(run_, LogSource, path + " stays, since there is no " + twin);
-        if (!isSame) {
-            WriteLog(run_, LogSource,
-                     path + " stays: by name or tag it is the same song as " + twin +
-                         ", but its sound is another");
+        if (!run_.files.FileExists(duplicate.twin)) return ", since there is no " + twin;
+        if (run_.files.IsSameFile(path, duplicate.twin))
+            return ", since " + twin + " is a link to the same file";
+        if (onlyIdentical && !HaveSameSound(run_.files, path, duplicate.twin)) {
+            return ": by name or tag it is the same song as " + twin +
+                   ", but its sound is another";
         }
-        return isThere && isSame;
+        return "";
     }
 
     bool MayRemove() {

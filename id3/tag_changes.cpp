@@ -27,12 +27,14 @@ TagChanges CountTagChanges(Run& run) {
     TagChanges changes;
     const auto goes = [&](const AlbumPlan& plan, const PlannedFile& file) {
         const std::string path = plan.PathOf(file.name);
-        bool isSame = true;
+        bool mayGo = false;
         steps.Concerning(path);
-        const bool isKnown = steps.Try(SoundStep, [&] {
-            if (onlyIdentical) isSame = HaveSameSound(run.files, path, PathOfTwin(plan, file));
+        steps.Try(SoundStep, [&] {
+            const std::string twin = PathOfTwin(plan, file);
+            mayGo = !run.files.IsSameFile(path, twin) &&
+                    (!onlyIdentical || HaveSameSound(run.files, path, twin));
         });
-        return isKnown && isSame;
+        return mayGo;
     };
     for (const FolderEntry& root : run.LibraryFolders) {
         VisitAlbums(run, steps, root, [&](const std::string& artist, const FolderEntry& album) {

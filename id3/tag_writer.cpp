@@ -70,7 +70,9 @@ std::optional<std::uint8_t> GenreNumber(Run& run, const std::string& name) {
 class TagWriter {
   public:
     TagWriter(Run& run, std::string_view path, const FileEnd& end)
-        : run_(run), steps_(run, "WriteID3 Management"), path_(path), end_(end) {}
+        : run_(run), steps_(run, "WriteID3 Management"), path_(path), end_(end) {
+        steps_.Concerning(path_);
+    }
 
     bool Write(std::string_view record) {
         bool written = false;

@@ -114,6 +114,10 @@ class Files {
     /// are named; false when either does not exist. Failure as above.
     virtual bool IsWithin(std::string_view folder, std::string_view outer) = 0;
 
+    /// Whether two paths are names of one file, by links of whatever kind: when one is removed, the
+    /// other may lead to nothing. False when either does not exist. Failure as above.
+    virtual bool IsSameFile(std::string_view path, std::string_view other) = 0;
+
     /// Folders and files directly inside a folder. Entries that Windows could not show are left out
     /// (the adapter notes each once in the log). Failure: PathNotFound, PermissionDenied; also when
     /// the folder could not be read to its end.

@@ -120,7 +120,8 @@ void FolderLister::ForEach(const WindowsPath& shown, const std::string& local, W
 FolderNames FolderLister::NamesIn(const std::string& local) {
     FolderNames names;
     const FolderStream stream = OpenFolder(local);
-    if (!stream) return names;
+    const int folder = stream ? dirfd(stream.get()) : -1;
+    if (folder < 0) return names;
     while (const dirent* const entry = readdir(stream.get())) {
         const std::string_view name = entry->d_name;
         if (IsNoEntry(name) || !IsWindowsName(name)) continue;
@@ -128,7 +129,7 @@ FolderNames FolderLister::NamesIn(const std::string& local) {
         if (kind == DT_UNKNOWN || kind == DT_LNK) {
             struct stat facts{};
             const int flags = kind == DT_UNKNOWN ? AT_SYMLINK_NOFOLLOW : 0;
-            if (fstatat(dirfd(stream.get()), entry->d_name, &facts, flags) != 0) continue;
+            if (fstatat(folder, entry->d_name, &facts, flags) != 0) continue;
             // A folder behind a link may be one of those on the way to it.
             if (S_ISDIR(facts.st_mode) && kind == DT_LNK) continue;
             kind = static_cast<unsigned char>(IFTODT(facts.st_mode));

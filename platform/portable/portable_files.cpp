@@ -156,6 +156,13 @@ bool PortableFiles::FileExists(std::string_view path) {
     return Exists(path, S_IFREG);
 }
 
+bool PortableFiles::IsSameFile(std::string_view path, std::string_view other) {
+    if (!FileExists(path) || !FileExists(other)) return false;
+    const auto one = CertainFacts(resolver_.Local(path), std::string(path));
+    const auto two = CertainFacts(resolver_.Local(other), std::string(other));
+    return one && two && one->st_dev == two->st_dev && one->st_ino == two->st_ino;
+}
+
 bool PortableFiles::IsWithin(std::string_view folder, std::string_view outer) {
     return FolderExists(folder) && FolderExists(outer) &&
            IsInside(resolver_.Local(folder), resolver_.Local(outer));

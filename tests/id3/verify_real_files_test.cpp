@@ -75,6 +75,17 @@ TEST_F(VerifyRealFilesTest, KeepANameWhereTheNewOneIsTooLong) {
     EXPECT_THAT(library.host.log[0], HasSubstr("\\B\\x.mp3)"));
 }
 
+// Removing the file would leave a link to nothing.
+TEST_F(VerifyRealFilesTest, AreNoDuplicatesOfALinkToThem) {
+    AddFile("07.mp3", "Dusk");
+    fs::create_symlink("07.mp3", library.Music("Alder/First Light/Alder - Dusk.mp3"));
+    Reconcile();
+    EXPECT_THAT(Names(), ElementsAre("07.mp3", "Alder - Dusk.mp3"));
+    EXPECT_THAT(library.host.log,
+                ElementsAre("Quillon: D:\\Music\\Alder\\First Light\\07.mp3 stays, since Alder - "
+                            "Dusk.mp3 is a link to the same file"));
+}
+
 TEST_F(VerifyRealFilesTest, OfAnyLengthAreReadOrPassedOver) {
     const std::string tag = support::TagBytes(TagOf("Other"));
     for (const std::size_t cut : {0U, 1U, 127U, 128U})

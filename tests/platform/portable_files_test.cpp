@@ -181,6 +181,21 @@ TEST_F(WithinTest, SeesThroughDrivesAndLinks) {
     EXPECT_TRUE(files.IsWithin("D:\\Music\\Artist\\Album", "D:\\Link"));
 }
 
+TEST_F(WithinTest, KnowsTheNamesOfOneFile) {
+    std::filesystem::create_symlink(folder_ / "Music/a.mp3", folder_ / "Music/soft.mp3");
+    std::filesystem::create_hard_link(folder_ / "Music/a.mp3", folder_ / "Music/hard.mp3");
+    folder_.MakeFile("Music/b.mp3");
+    const std::string file = "D:\\Music\\a.mp3";
+    EXPECT_TRUE(files_.IsSameFile(file, "d:/music/A.MP3"));
+    EXPECT_TRUE(files_.IsSameFile("D:\\Music\\soft.mp3", file));
+    EXPECT_TRUE(files_.IsSameFile(file, "D:\\Music\\hard.mp3"));
+    EXPECT_FALSE(files_.IsSameFile(file, "D:\\Music\\b.mp3"));
+    EXPECT_FALSE(files_.IsSameFile(file, "D:\\Music\\none.mp3"));
+    EXPECT_FALSE(files_.IsSameFile("D:\\Music", "D:\\Music"));
+    std::filesystem::create_symlink("/none", folder_ / "Music/lost.mp3");
+    EXPECT_THROW(files_.IsSameFile(file, "D:\\Music\\lost.mp3"), Failure);
+}
+
 using DiscardTest = FilesTest;
 
 TEST_F(DiscardTest, RemovesFilesAndEmptyFolders) {

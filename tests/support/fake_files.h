@@ -72,6 +72,10 @@ class FakeFiles : public Files {
                inner.starts_with(KeyOf(outer) + '\\');
     }
 
+    bool IsSameFile(std::string_view path, std::string_view other) override {
+        return FileExists(path) && FileExists(other) && EqualIgnoringCase(path, other);
+    }
+
     Listing<FolderEntry> SubFolders(std::string_view folder) override {
         calls_.Note("SubFolders " + std::string(folder));
         Listing<FolderEntry> list;
