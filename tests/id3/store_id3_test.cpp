@@ -3,10 +3,8 @@
 #include <gtest/gtest.h>
 #include <string>
 
-#include "id3/tag_reader.h"
-#include "id3/write_id3.h"
 #include "platform/ansi.h"
-#include "tests/support/test_library.h"
+#include "tests/id3/store_fixture.h"
 
 namespace quillon {
 namespace {
@@ -18,64 +16,7 @@ using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
-constexpr const char* Folder = R"(Alder\First Light\)";
-constexpr const char* File = R"(Alder\First Light\Alder - Dawn.mp3)";
 constexpr const char* Progress = "Item 1. Writing ID3 for Artist: & artist.name";
-
-/// An album of the database with the song Dawn, number 4, 3:05, and its row in the download table.
-class StoreID3Test : public ::testing::Test {
-  protected:
-    StoreID3Test() {
-        library.run.GenreNames[17] = "Rock";
-        library.run.GenreNames[40] = "AlternRock";
-        library.AddAlbumRow("252E671073EC0001", "Alder", "First Light", 1);
-        AddTrack("252E671073EC0001", 4, "Dawn", 3, 5);
-        library.Execute(
-            "INSERT INTO Spinner (Artist, Album, Song, Genre, Length, FileName) VALUES (\"Alder\", "
-            "\"First Light\", \"Dawn\", \"Rock\", 200, \"rtsp://host/spinlinks/000-Jazz-000.rm\")");
-    }
-
-    void AddTrack(const std::string& cdjid, int number, const std::string& title, int minutes,
-                  int seconds) {
-        library.Execute("INSERT INTO Tracks (CDJID, Track, Title, Minutes, Seconds) VALUES ('" +
-                        cdjid + "', " + std::to_string(number) + ", \"" + title + "\", " +
-                        std::to_string(minutes) + ", " + std::to_string(seconds) + ")");
-    }
-
-    static Tag OldTag() {
-        return {.marker = "TAG",
-                .song = "Dusk",
-                .artist = "Adler",
-                .album = "Last Light",
-                .year = "1999",
-                .comment = "live",
-                .track = 9,
-                .genre = 40};
-    }
-
-    void AddFile(const std::string& path, const Tag& tag = OldTag()) {
-        library.AddFile(path, tag, 5);
-    }
-
-    void AddDifference(const std::string& field, const std::string& tagValue = "",
-                       const std::string& title = "Dawn", const std::string& artist = "Alder",
-                       const std::string& album = "First Light") {
-        library.Execute(
-            "INSERT INTO SpinnerID3Differences (Field, ID3Value, DBValue, Artist, "
-            "Album, Track) VALUES (\"" +
-            field + "\", \"" + tagValue + "\", \"\", \"" + artist + "\", \"" + album + "\", \"" +
-            title + "\")");
-    }
-
-    void Write() { WriteID3(library.run); }
-    std::string Record(const std::string& path = File) {
-        return ReadID3(library.run, std::string(support::TestLibrary::Root) + path);
-    }
-    std::vector<std::string> Writes() { return library.calls.Of({"WriteEnd"}); }
-    const std::vector<std::string>& Log() { return library.host.log; }
-
-    support::TestLibrary library;
-};
 
 TEST_F(StoreID3Test, WritesWhatTheDatabaseSaysAndKeepsYearAndCommentOfTheTag) {
     AddFile(File);
@@ -268,52 +209,6 @@ TEST_F(StoreID3Test, GivesAFileThatWasNotRenamedTheTitleOfItsName) {
     AddDifference("Song", "Dusk");
     Write();
     EXPECT_THAT(Writes(), ElementsAre(R"(WriteEnd D:\Music\Alder\First Light\Alder - Dawn.mp3)"));
-}
-
-TEST_F(StoreID3Test, NeverWritesTheArtistIntoTheTitle) {
-    AddFile(R"(ALDER\First Light\Alder - Dawn.mp3)");
-    AddDifference("Album", "", "Alder - Dawn", "ALDER");
-    Write();
-    EXPECT_EQ(Record(), "TAG|Dawn|ALDER|First Light|1999|live Length='185'||4|Rock|");
-}
-
-TEST_F(StoreID3Test, LeavesATextThatNoNameCanHold) {
-    Tag tag = OldTag();
-    tag.artist = "AC/DC";
-    tag.song = "Who? [live]";
-    const std::string path = R"(AC-DC\First Light\AC-DC - Who (live).mp3)";
-    AddFile(path, tag);
-    AddDifference("Album", "Last Light", "Who (live)", "AC-DC");
-    Write();
-    EXPECT_EQ(Record(path), "TAG|Who? [live]|AC/DC|First Light|1999|live||9|AlternRock|");
-}
-
-TEST_F(StoreID3Test, LeavesTextsInUtf8ThatSayTheSame) {
-    Tag tag = OldTag();
-    tag.song = "初恋";
-    tag.artist = "Fr\u00FChling";
-    const std::string path = "Fr\u00FChling\\First Light\\初恋.mp3";
-    AddFile(path, tag);
-    AddDifference("Album", "Last Light", "初恋", "Fr\u00FChling");
-    Write();
-    EXPECT_EQ(Record(path), "TAG|初恋|Fr\u00FChling|First Light|1999|live||9|AlternRock|");
-    EXPECT_THAT(library.files.Content(std::string(support::TestLibrary::Root) + path),
-                HasSubstr(std::string("Fr\u00FChling") + '\0'));
-    EXPECT_THAT(Log(), IsEmpty());
-}
-
-TEST_F(StoreID3Test, TakesNumberAndLengthOfEachFilesOwnRow) {
-    AddFile(File);
-    AddFile(std::string(Folder) + "Dawn.mp3");
-    library.Execute("UPDATE Tracks SET SoundFile = 'D:\\Music\\" + std::string(File) + "'");
-    AddTrack("252E671073EC0001", 7, "Dawn", 1, 0);
-    library.Execute("UPDATE Tracks SET SoundFile = 'D:\\Music\\" + std::string(Folder) +
-                    "Dawn.mp3' WHERE Track = 7");
-    AddDifference("Album");
-    Write();
-    EXPECT_EQ(Record(), "TAG|Dawn|Alder|First Light|1999|live Length='185'||4|Rock|");
-    EXPECT_EQ(Record(std::string(Folder) + "Dawn.mp3"),
-              "TAG|Dawn|Alder|First Light|1999|live Length='60'||7|Rock|");
 }
 
 // Trouble.

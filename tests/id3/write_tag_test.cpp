@@ -3,10 +3,8 @@
 #include <gtest/gtest.h>
 #include <string>
 
-#include "id3/tag_reader.h"
-#include "id3/tag_writer.h"
 #include "platform/basic_text.h"
-#include "tests/support/test_library.h"
+#include "tests/id3/write_tag_fixture.h"
 
 namespace quillon {
 namespace {
@@ -17,36 +15,7 @@ using support::TagBytes;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-constexpr const char* Path = R"(D:\Music\A\B\x.mp3)";
 constexpr std::size_t YearOffset = 93, TrackOffset = 126, GenreOffset = 127;
-
-class WriteTagTest : public ::testing::Test {
-  protected:
-    WriteTagTest() {
-        library.run.GenreNames[17] = "Rock";
-        library.files.AddFile(Path, SoundFile(OldTag()));
-    }
-
-    static Tag OldTag() {
-        return {.marker = "TAG",
-                .song = "old title",
-                .artist = "old artist",
-                .album = "old album",
-                .year = "1999",
-                .comment = "old comment",
-                .track = 3,
-                .genre = 40};
-    }
-
-    bool Write(const std::string& record) { return WriteTag(library.run, Path, record); }
-    std::string Content() { return library.files.Content(Path); }
-    std::string WrittenTag() { return Content().substr(Content().size() - TagSize); }
-    std::string Record() { return ReadID3(library.run, Path); }
-    const std::vector<std::string>& Log() { return library.host.log; }
-    std::vector<std::string> Writes() { return library.calls.Of({"WriteEnd"}); }
-
-    support::TestLibrary library;
-};
 
 TEST_F(WriteTagTest, WritesTheNinePiecesOverTheOldTag) {
     EXPECT_TRUE(Write("TAG|title|artist|album|2001|comment||7|Rock"));
@@ -327,64 +296,6 @@ TEST_F(FileThatChangesTest, IsLoggedWhenItHasVanished) {
     EXPECT_FALSE(WriteTag(library.run, Path, end, "TAG|title||||||7|Rock"));
     EXPECT_THAT(Log(), ElementsAre("Quillon: WriteID3 Management Line 6 File not found: " +
                                    std::string(Path)));
-}
-
-/// A tag whose texts are in UTF-8.
-class WriteUtf8TagTest : public WriteTagTest {
-  protected:
-    WriteUtf8TagTest() { library.files.AddFile(Path, SoundFile(Utf8Tag())); }
-
-    static Tag Utf8Tag() {
-        Tag tag = OldTag();
-        tag.song = "初恋";
-        tag.artist = "Fr\u00FChling";
-        tag.album = "x初恋初恋初恋初恋初恋";  // cut amid its last character
-        tag.comment = "schön";
-        return tag;
-    }
-};
-
-TEST_F(WriteUtf8TagTest, KeepsTheBytesOfTextsThatStay) {
-    EXPECT_TRUE(Write("TAG|初恋|Fr\u00FChling|x初恋初恋初恋初恋初|1999|schön||7|"));
-    Tag expected = Utf8Tag();
-    expected.track = 7;
-    EXPECT_EQ(WrittenTag(), TagBytes(expected));
-    EXPECT_THAT(Log(), IsEmpty());
-}
-
-TEST_F(WriteUtf8TagTest, KeepsTheBytesOfATextThatItsFieldHasCut) {
-    EXPECT_TRUE(Write("TAG|初恋|Fr\u00FChling|x初恋初恋初恋初恋初恋初恋|1999|schön||3|"));
-    EXPECT_EQ(WrittenTag(), TagBytes(Utf8Tag()));
-    EXPECT_THAT(Writes(), IsEmpty());
-}
-
-TEST_F(WriteUtf8TagTest, WritesOtherTextsInTheAnsiCodePage) {
-    EXPECT_TRUE(Write("TAG|Erste Liebe|Fr\u00FChlinge|schöner|1999|schön Length='9'||3|"));
-    EXPECT_EQ(WrittenTag(), TagBytes({.marker = "TAG",
-                                      .song = "Erste Liebe",
-                                      .artist = "Fr\xFChlinge",
-                                      .album = "sch\xF6ner",
-                                      .year = "1999",
-                                      .comment = "sch\xF6n Length='9'",
-                                      .track = 3,
-                                      .genre = 40}));
-}
-
-TEST_F(WriteUtf8TagTest, RefusesOtherTextsThatTheCodePageLacks) {
-    EXPECT_FALSE(Write("TAG|初愛|Fr\u00FChling|x|1999|schön||3|"));
-    EXPECT_FALSE(Write("TAG|初恋 (live)|Fr\u00FChling|x|1999|schön||3|"));
-    EXPECT_THAT(Writes(), IsEmpty());
-    EXPECT_EQ(Log().size(), 2U);
-}
-
-TEST_F(WriteUtf8TagTest, CutsALongCommentBetweenCharacters) {
-    Tag tag = Utf8Tag();
-    tag.track = 0;
-    tag.comment = "初恋初恋初恋初恋初恋";
-    library.files.AddFile(Path, SoundFile(tag));
-    EXPECT_TRUE(Write("TAG|初恋|Fr\u00FChling|x初恋初恋初恋初恋初|1999|初恋初恋初恋初恋初恋||5|"));
-    EXPECT_EQ(Split(Record(), "|")[5], "初恋初恋初恋初恋初");
-    EXPECT_EQ(Split(Record(), "|")[7], "5");
 }
 
 /// The module's own reader.
