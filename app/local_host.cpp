@@ -2,9 +2,11 @@
 
 #include <array>
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 #include <string>
 #include <string_view>
 #include <system_error>
+#include <vector>
 
 #include "app/console.h"
 #include "app/database_needs.h"
@@ -15,11 +17,21 @@ namespace {
 
 constexpr std::array<std::string_view, 2> NeededFiles{"Quillon.ini", HostSettingsFile};
 
-bool HasFile(const std::filesystem::path& folder, std::string_view name) {
-    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-        if (EqualIgnoringCase(entry.path().filename().string(), name)) return true;
+/// The needed files that the folder does not have.
+std::vector<std::string_view> MissingFiles(const std::filesystem::path& folder) {
+    std::vector<std::string_view> missing(NeededFiles.begin(), NeededFiles.end());
+    std::error_code error;
+    std::filesystem::directory_iterator entry(folder, error);
+    while (!error && entry != std::filesystem::directory_iterator()) {
+        const std::string name = entry->path().filename().string();
+        std::erase_if(missing, [&](std::string_view one) { return EqualIgnoringCase(name, one); });
+        entry.increment(error);
     }
-    return false;
+    if (error) {
+        throw CommandError(
+            fmt::format("The host folder {} cannot be read: {}", folder.string(), error.message()));
+    }
+    return missing;
 }
 
 /// The folder itself, once it has been found to hold what a host folder holds.
@@ -28,15 +40,11 @@ std::filesystem::path CheckedFolder(const std::filesystem::path& folder) {
     std::error_code ignored;
     if (!std::filesystem::is_directory(folder, ignored))
         throw CommandError(fmt::format("{} is no folder{}", folder.string(), hint));
-    std::string missing;
-    for (const std::string_view name : NeededFiles) {
-        if (!HasFile(folder, name))
-            missing += (missing.empty() ? "" : " and no ") + std::string(name);
-    }
+    const std::vector<std::string_view> missing = MissingFiles(folder);
     if (!missing.empty()) {
         throw CommandError(fmt::format(
             "{} has no {}{}", std::filesystem::absolute(folder).lexically_normal().string(),
-            missing, hint));
+            fmt::join(missing, " and no "), hint));
     }
     return folder;
 }

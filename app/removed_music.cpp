@@ -48,8 +48,7 @@ std::filesystem::path RemovedMusicFolder(const HostFolder& host) {
     return host.Folder() / "Removed";
 }
 
-PortableFiles::TakeOver KeepRemovedMusic(Run& run, HostFolder& host, RemovedFiles& removed) {
-    if (!ReadRemovedMusicSetting(host).keep) return {};
+PortableFiles::TakeOver KeepRemovedMusic(Run& run, const HostFolder& host, RemovedFiles& removed) {
     return [&run, &host, &removed](const std::string& local, const WindowsPath& shown) {
         const std::string path = shown.Text();
         if (!IsMusic(run, path)) return false;

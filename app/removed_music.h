@@ -24,6 +24,6 @@ std::filesystem::path RemovedMusicFolder(const HostFolder& host);
 
 /// Takes over sound files of the library that are to be deleted; whatever else a run deletes it has
 /// made itself. Each file is a line of the log.
-PortableFiles::TakeOver KeepRemovedMusic(Run& run, HostFolder& host, RemovedFiles& removed);
+PortableFiles::TakeOver KeepRemovedMusic(Run& run, const HostFolder& host, RemovedFiles& removed);
 
 }  // namespace quillon

@@ -13,6 +13,7 @@
 #include "covers/picker_placeholder.h"
 #include "platform/ansi.h"
 #include "platform/basic_text.h"
+#include "platform/failure.h"
 #include "platform/files.h"
 #include "run/counted.h"
 #include "run/run.h"
@@ -40,10 +41,13 @@ class CoverCopier {
     void Copy(std::vector<PickerAlbum>& albums) {
         MakeFolders(run_.files, folder_);
         std::vector<std::string> sources, all;
+        bool isMissing = false;
         for (const PickerAlbum& album : albums) {
             sources.push_back(SourceOf(album.imageFile));
             if (!sources.back().empty()) all.push_back(sources.back());
+            isMissing |= sources.back().empty() && !album.imageFile.empty();
         }
+        if (isMissing) steps_.Try(3, [&] { RequireCoverFolder(); });
         CopyAll(CoverNames(folder_, all));
         for (std::size_t i = 0; i < albums.size(); ++i) {
             const auto found = copied_.find(LowerCase(sources[i]));
@@ -53,6 +57,13 @@ class CoverCopier {
     }
 
   private:
+    /// Pages are made without it, too, but covers that are out of sight are told.
+    void RequireCoverFolder() const {
+        const std::string& folder = run_.settings.AlbumCoverFolder;
+        if (folder.empty() || folder == "\\" || run_.files.FolderExists(folder)) return;
+        throw Failure(FailureNumber::PathNotFound, folder);
+    }
+
     /// The path of an album's image file; "" when there is none that can be shown. A path that
     /// leads nowhere may be another machine's: the file is then expected in the cover folder.
     std::string SourceOf(const std::string& imageFile) const {

@@ -121,11 +121,10 @@ void RemoveDuplicates(Run& run) {
     const std::string ofDuplicates = "Remove Duplicates Error on Delete Duplicate Query:";
     const std::string ofTracksWithoutFile = "Remove Duplicates Error on SoundFile=Null Query:";
     Steps steps(run, "Remove Duplicates Error:");
-    const bool mayMark = steps.Try(0, [&run] { TakeMarkSnapshot(run); });
-    if (mayMark) {
-        steps.TryAs("Remove Duplicates Error on Album Tracks=0 Query:", 1,
-                    [&run] { run.connection->Execute(MarkAlbums); });
-    }
+    run.isSecured &= steps.Try(0, [&run] { TakeMarkSnapshot(run); });
+    if (!run.isSecured) return;
+    steps.TryAs("Remove Duplicates Error on Album Tracks=0 Query:", 1,
+                [&run] { run.connection->Execute(MarkAlbums); });
     std::vector<std::string> withDuplicate, withoutFile;
     const bool duplicatesKnown = steps.TryAs(
         ofDuplicates, 2, [&] { AddFiles(run, WithDuplicatedIdentifier, withDuplicate); });
@@ -137,10 +136,8 @@ void RemoveDuplicates(Run& run) {
         const bool removed = steps.TryAs(ofDuplicates, 2, [&run] { DeleteDuplicates(run); });
         if (removed) NoteRemoved(run, withDuplicate);
     }
-    if (mayMark) {
-        steps.TryAs("Remove Duplicates Error on Track=0 Query:", 3,
-                    [&run] { run.connection->Execute(MarkTracks); });
-    }
+    steps.TryAs("Remove Duplicates Error on Track=0 Query:", 3,
+                [&run] { run.connection->Execute(MarkTracks); });
     if (mayRemove && withoutFileKnown)
         steps.TryAs(ofTracksWithoutFile, 4, [&run] { DeleteWithoutFile(run); });
 }

@@ -1,6 +1,7 @@
 #include <array>
 #include <initializer_list>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "database/marks.h"
@@ -8,10 +9,15 @@
 #include "driver/library_form.h"
 #include "driver/unfinished_files.h"
 #include "playlists/playlist_snapshot.h"
+#include "run/log.h"
 
 /// The part of the form that runs one mode.
 namespace quillon {
 namespace {
+
+constexpr std::string_view StopsHere =
+    "The run ends here, before it changes the library: what would make good for an interruption "
+    "cannot be kept. The next run goes on";
 
 /// What a reconciliation keeps beside the database while it works.
 std::array<std::string, 2> OwnFiles(const Settings& settings) {
@@ -65,6 +71,10 @@ void LibraryForm::RunPhases(const ReconcileScope& scope) {
         if (!phase.applies(scope)) continue;
         if (!StartPhase(phase)) break;
         RunPhase(phase);
+        if (!run_.isSecured) {
+            WriteLog(run_, LogSource, StopsHere);
+            break;
+        }
         // A playlist repaired while tracks have no numbers would lose every position, so nothing
         // goes on while they cannot be given back.
         if (!phase.leavesMarks && !GiveBackMarks()) return;

@@ -11,7 +11,7 @@ namespace quillon {
 /// the file was called, and goes on.
 std::string TemporaryPath(std::string_view path);
 
-/// What a file of such a name was called; nothing for any other name.
+/// What a file of such a name or path was called; nothing for any other.
 std::optional<std::string> NameBeforeRenaming(std::string_view name);
 
 /// The path that the row of a vanished file has while another file takes that file's name: no file

@@ -188,6 +188,8 @@ class CaptureExisting {
             if (isThere) folder_ = ReadPlaylistFolder(run_, steps_);
         });
         if (!isListed) return KeepAll();
+        // An unmounted drive is an empty folder, or none.
+        if (folder_.IsEmpty() && !MayMissAll(run_)) return KeepAll();
         if (!isThere) return KnowNothing();
         ReadLists();
     }
@@ -231,7 +233,7 @@ class CaptureExisting {
                      "An earlier run was interrupted; playlists taken as it had captured them: " +
                          std::to_string(capture.FromSnapshot()));
         }
-        // An unmounted drive is an empty folder: what is kept for its lists stays for them.
+        // What is kept for lists that are out of sight stays for them.
         if (earlier_ && run_.playlistEntries.ReadCount() == 0 && unread_.empty())
             return KnowNothing();
         SnapshotContent content;
@@ -263,9 +265,8 @@ class CaptureExisting {
         }
     }
 
-    /// The run is worth as much without the snapshot, as long as nobody interrupts it.
     void Write(SnapshotContent content) {
-        steps_.Try(6, [&] { WritePlaylistSnapshot(run_, tracks_, content); });
+        run_.isSecured &= steps_.Try(6, [&] { WritePlaylistSnapshot(run_, tracks_, content); });
         // Songs may become others while the library changes; then it is written anew.
         run_.playlistEntries.OnKeep([&run = run_, earlier = earlier_, kept = std::move(content)] {
             WritePlaylistSnapshot(run, TrackIndex(*run.connection), kept);
@@ -291,9 +292,11 @@ void CapturePlaylists(Run& run) {
     run.ShowItem("2. Capture Existing Playlists");
     if (run.AbortRequested) return;
     // What follows takes the working set for complete: a playlist of which it knows nothing would
-    // lose every entry.
-    if (!steps.Try(3, [&] { CaptureExisting(run, steps, generated).Perform(); }))
+    // lose every entry, and any other whose songs move meanwhile would name others.
+    if (!steps.Try(3, [&] { CaptureExisting(run, steps, generated).Perform(); })) {
         run.playlistEntries.NoteNothingRead();
+        run.isSecured = false;
+    }
 }
 
 }  // namespace quillon

@@ -115,6 +115,8 @@ class Creation {
         // An abort does not keep this part from its work: it was asked for before that.
         const bool makesArtists = run_.settings.ArtistPlaylist;
         if (makesArtists) PlanArtistLists();
+        // Lists in a folder that only stands for a drive would hide what is missing.
+        if (run_.removals.Braked() && !HoldsLists()) return;
         RequireFolder();
         if (makesGenres) MakeAll("2. New Genre Playlists", genres_);
         if (makesArtists) MakeAll("3. New Artists Playlists", artists_);
@@ -143,6 +145,10 @@ class Creation {
         // Two genres, or a genre and an artist, may lead to the same file; the last one has it.
         for (const GeneratedList& list : lists.All())
             last_[LowerCase(list.name)] = &list;
+    }
+
+    bool HoldsLists() const {
+        return PlaylistFolderExists(run_) && !FilesInPlaylistFolder(run_).empty();
     }
 
     void RequireFolder() const {

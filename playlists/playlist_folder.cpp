@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <array>
+#include <memory>
 
 #include "platform/basic_text.h"
+#include "platform/database.h"
 #include "platform/host.h"
 #include "playlists/folder_remarks.h"
 #include "playlists/list_likeness.h"
@@ -70,6 +72,22 @@ std::vector<FileEntry> FilesInPlaylistFolder(Run& run) {
     std::vector<FileEntry> files = AllFiles(run).entries;
     std::erase_if(files, [&run](const FileEntry& file) { return IsOwnFile(run, file); });
     return files;
+}
+
+bool MayMissAll(Run& run) {
+    const std::string& folder = run.settings.PlayListPath;
+    if (folder.empty()) return true;
+    PlannedRemoval missing{.kind = Removable::Playlists,
+                           .names = {},
+                           .doubt = "no playlist at all was found in " + folder};
+    const std::unique_ptr<RecordSet> rows =
+        run.connection->Query("SELECT FilePath, Filename, Type FROM Playlists");
+    for (; !rows->IsEof(); rows->MoveNext()) {
+        const std::string name = rows->Text("Filename") + rows->Text("Type");
+        if (EqualIgnoringCase(rows->Text("FilePath"), folder) && HasPlaylistName(name))
+            missing.names.push_back(folder + name);
+    }
+    return run.removals.Allow(run, missing);
 }
 
 PlaylistFolder ReadPlaylistFolder(Run& run, Steps& steps) {

@@ -31,7 +31,13 @@ std::vector<FileEntry> FilesInPlaylistFolder(Run& run);
 struct PlaylistFolder {
     std::vector<FileEntry> lists;
     std::vector<std::string> unread;  ///< names of what is there and cannot be looked at
+
+    bool IsEmpty() const { return lists.empty() && unread.empty(); }
 };
+
+/// Whether a run may go on with a folder that holds no playlist: it trips the brake where the
+/// database has playlists in that folder. Failure: what asking the database says.
+bool MayMissAll(Run& run);
 
 /// Reads the folder; what speaks against it is logged first. A file that has no playlist's name is
 /// one when it reads as one. A file that cannot be read for that is logged as step 2. Failure: what

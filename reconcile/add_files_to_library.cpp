@@ -2,16 +2,20 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "platform/basic_text.h"
+#include "platform/database.h"
 #include "platform/files.h"
 #include "reconcile/adding.h"
 #include "reconcile/file_list.h"
 #include "run/counted.h"
 #include "run/log.h"
+#include "run/paths.h"
 #include "run/run.h"
 #include "run/sound_files.h"
 #include "run/steps.h"
@@ -95,6 +99,37 @@ class AddingWalk {
     Steps& steps_;
 };
 
+/// Whether a folder holds music, as far down as albums are. What cannot be listed may hold some.
+bool HoldsMusic(Run& run, const std::string& folder, int depth = 2) {
+    const Listing<FileEntry> files = run.files.FilesIn(folder);
+    const auto isMusic = [](const FileEntry& file) { return IsSoundFile(file.name); };
+    if (!files.unseen.empty() || std::ranges::any_of(files.entries, isMusic)) return true;
+    if (depth == 0) return false;
+    const Listing<FolderEntry> folders = run.files.SubFolders(folder);
+    return std::ranges::any_of(folders.entries, [&](const FolderEntry& subfolder) {
+        return HoldsMusic(run, subfolder.path, depth - 1);
+    });
+}
+
+/// How many of the tool's own tracks are stored below a folder.
+std::size_t TracksBelow(Run& run, std::string_view folder) {
+    const std::unique_ptr<RecordSet> rows = run.connection->Query(
+        "SELECT Tracks.SoundFile FROM Albums INNER JOIN Tracks ON Albums.CDJID = Tracks.CDJID "
+        "WHERE Albums.Player=1001");
+    const std::string beginning = LowerCase(AddBackslash(folder));
+    std::size_t count = 0;
+    for (; !rows->IsEof(); rows->MoveNext())
+        count += LowerCase(rows->Text("SoundFile")).find(beginning) != std::string::npos ? 1U : 0U;
+    return count;
+}
+
+/// Whether the library's drive is not there: files copied to where it would be mounted are lost to
+/// sight as soon as it is.
+bool IsOutOfSight(Run& run, const std::string& root) {
+    if (!run.removals.limits.Brake || run.removals.allAllowed) return false;
+    return TracksBelow(run, root) > 0 && !HoldsMusic(run, root);
+}
+
 /// What stands in the way of adding anything, "" when nothing does.
 std::string Objection(Run& run) {
     const std::string& source = run.settings.FromFilesPath;
@@ -110,6 +145,12 @@ std::string Objection(Run& run) {
     if (run.files.IsWithin(root, source)) {
         return "AddFilesToLibrary, The library " + root + " lies in the source path " + source +
                " and would be copied into itself";
+    }
+    if (IsOutOfSight(run, root)) {
+        return "AddFilesToLibrary, Nothing is added: " + root +
+               " holds no music at all, and the database has tracks there. See to the drives and "
+               "folders and run again. If the music is gone for good, 'quillon run "
+               "--allow-removals' adds the files once";
     }
     return "";
 }

@@ -68,7 +68,7 @@ class AlbumTracks {
         if (!steps_.Try(1, [&] { row = FindRow(file.Name); })) return;
         if (album_.cdjid == NoCdjid) return;  // no album to hold a row
         if (!row) {
-            if (!TryRow(2, [&] { row = AddRow(file); })) return;
+            if (!TryRow(2, [&] { row = AddRow(file); }) || !row) return;
         } else {
             // A row that cannot take a value keeps the old one, and still gets its number: without
             // it the sweep would delete the row of a file that is there.
@@ -190,10 +190,14 @@ class AlbumTracks {
                    .artist = found->Text("Artist")};
     }
 
-    Row AddRow(ListedFile& file) {
+    /// Nothing where the file cannot be read, which is logged then. A row without its length and
+    /// number would stay so for good; without one, the next run adds it.
+    std::optional<Row> AddRow(ListedFile& file) {
         constexpr std::int64_t UnknownLength = -1;
         const std::string& path = file.Name;
-        const TrackTag tag = ReadTrackTag(ReadID3(run_, path));
+        const std::optional<std::string> record = ReadWholeID3(run_, path);
+        if (!record) return std::nullopt;
+        const TrackTag tag = ReadTrackTag(*record);
         file.IsTagRead = true;
         file.TagNumber = tag.track;
         const std::int64_t number = tag.track.value_or(NoNumber);

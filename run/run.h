@@ -114,6 +114,10 @@ class Run {
     /// Set by the Abort button; only ever goes from false to true.
     bool AbortRequested = false;
 
+    /// Whether everything is kept by which an interrupted run can be made good. Where it cannot be,
+    /// no phase may change the library any more.
+    bool isSecured = true;
+
     RunCounts counts;
     LostRecords lostRecords;
 

@@ -34,7 +34,9 @@ int RunLibrary(const RunRequest& request) {
     run.removals.allAllowed = request.allowRemovals;
     RemovedFiles removed(RemovedMusicFolder(local.host), local.clock);
     removed.RemoveUnfinished();
-    local.files.OnDelete(KeepRemovedMusic(run, local.host, removed));
+    // Asked for now: a failure behind the run would look as if nothing had run.
+    const bool keepsRemoved = ReadRemovedMusicSetting(local.host).keep;
+    if (keepsRemoved) local.files.OnDelete(KeepRemovedMusic(run, local.host, removed));
     local.files.ClearUnfinished();
 
     LibraryForm form(run, local.databases, ProgramVersion);
@@ -47,7 +49,7 @@ int RunLibrary(const RunRequest& request) {
         report.gone,
         report.saved,
         report.braked,
-        ReadRemovedMusicSetting(local.host).keep};
+        keepsRemoved};
     view->Summarize(summary);
     LineOutput errors(STDERR_FILENO);
     for (const std::string& line : LostRecordsLines(run.lostRecords, run.counts))

@@ -23,8 +23,11 @@ constexpr std::string_view UserName = "Quillon";
 /// Where the database engine's users hold their locks.
 constexpr ByteRange UserLocks{0x10000001, 255};
 
+using EntryBytes = std::array<char, EntrySize>;
+
 struct Entry {
     std::string machine, user;
+    bool isOurs = false;
 };
 
 std::string NameIn(std::span<const char> field) {
@@ -35,9 +38,24 @@ std::string NameIn(std::span<const char> field) {
     return name;
 }
 
+std::string ThisMachine() {
+    std::array<char, 256> name{};
+    if (gethostname(name.data(), name.size() - 1) != 0) return "localhost";
+    return std::string(name.data()).substr(0, NameSize - 1);
+}
+
+EntryBytes OurEntry() {
+    EntryBytes entry{};
+    const std::string machine = ThisMachine();
+    std::copy(machine.begin(), machine.end(), entry.begin());
+    std::copy(UserName.begin(), UserName.end(), entry.begin() + NameSize);
+    return entry;
+}
+
 std::vector<Entry> ReadEntries(const Descriptor& file, const std::filesystem::path& path) {
+    const EntryBytes ours = OurEntry();
     std::vector<Entry> entries;
-    std::array<char, EntrySize> bytes{};
+    EntryBytes bytes{};
     for (std::size_t i = 0; i < MostEntries; ++i) {
         bytes.fill('\0');
         const auto count = Uninterrupted([&] {
@@ -47,22 +65,14 @@ std::vector<Entry> ReadEntries(const Descriptor& file, const std::filesystem::pa
         if (count == 0) break;
         Entry entry{NameIn(std::span(bytes).first(NameSize)),
                     NameIn(std::span(bytes).subspan(NameSize))};
-        // Half an entry is somebody's, too.
         const bool isWhole = count == static_cast<ssize_t>(EntrySize);
+        // Half an entry is somebody's, too: ours when we were killed in writing it.
+        entry.isOurs = isWhole ? entry.machine == ThisMachine() && entry.user == UserName
+                               : std::equal(bytes.begin(), bytes.begin() + count, ours.begin());
         if (!isWhole || !entry.machine.empty() || !entry.user.empty())
             entries.push_back(std::move(entry));
     }
     return entries;
-}
-
-std::string ThisMachine() {
-    std::array<char, 256> name{};
-    if (gethostname(name.data(), name.size() - 1) != 0) return "localhost";
-    return std::string(name.data()).substr(0, NameSize - 1);
-}
-
-bool IsOurs(const Entry& entry) {
-    return entry.machine == ThisMachine() && entry.user == UserName;
 }
 
 std::string Machines(const std::vector<Entry>& entries) {
@@ -86,7 +96,8 @@ std::string Objection(const std::filesystem::path& database, LockResult lock,
         return database.string() + " is in use by " + Machines(entries) + ".";
     // Without locks nobody can tell whether an entry is alive.
     const bool mayTakeOver = lock == LockResult::Taken
-                                 ? std::all_of(entries.begin(), entries.end(), IsOurs)
+                                 ? std::all_of(entries.begin(), entries.end(),
+                                               [](const Entry& entry) { return entry.isOurs; })
                                  : entries.empty();
     if (mayTakeOver) return "";
     return database.string() + " seems to be in use by " + Machines(entries) +
@@ -100,10 +111,7 @@ bool IsAt(const Descriptor& file, const std::filesystem::path& path) {
 }
 
 void WriteEntry(const Descriptor& file, const std::filesystem::path& path) {
-    std::array<char, EntrySize> entry{};
-    const std::string machine = ThisMachine();
-    std::copy(machine.begin(), machine.end(), entry.begin());
-    std::copy(UserName.begin(), UserName.end(), entry.begin() + NameSize);
+    const EntryBytes entry = OurEntry();
     if (ftruncate(file.Number(), 0) != 0) ThrowSystemError("write", path, errno);
     const auto count = pwrite(file.Number(), entry.data(), entry.size(), 0);
     if (count < 0) ThrowSystemError("write", path, errno);

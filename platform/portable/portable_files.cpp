@@ -101,6 +101,13 @@ void Copy(const FileHandle& source, const std::string& local, const std::string&
     copy.Commit();
 }
 
+/// Whether it is a link to something that is not there. Nobody can tell what else cannot be looked
+/// at might be.
+bool LeadsNowhere(const std::string& local) {
+    if (FactsOf(local) || errno != ENOENT) return false;
+    return std::filesystem::is_symlink(std::filesystem::symlink_status(local));
+}
+
 void Unlink(const std::string& local, const std::string& shown) {
     if (unlink(local.c_str()) != 0) throw SystemFailure(errno, shown, FailureNumber::FileNotFound);
 }
@@ -233,14 +240,24 @@ void PortableFiles::CopyFolder(std::string_view from, std::string_view to) {
     resolver_.Index().Added(local);
 }
 
-/// What cannot be looked at is told by the listing and left out: a run does not touch it either.
+/// A link that leads nowhere is told by the listing and left out: there is nothing to copy.
 void PortableFiles::CopyInto(const std::string& from, const std::string& draft,
                              const std::string& shown) {
-    for (const FileEntry& file : FilesIn(from)) {
+    const auto requireSeen = [this](const auto& listing) {
+        for (const std::string& path : listing.unseen) {
+            if (!LeadsNowhere(resolver_.Local(path)))
+                throw Failure(FailureNumber::PathFileAccess, path);
+        }
+    };
+    const Listing<FileEntry> files = FilesIn(from);
+    requireSeen(files);
+    for (const FileEntry& file : files) {
         Copy(OpenFile(resolver_, ParseWindowsPath(file.path)), draft + '/' + file.name,
              shown + '\\' + file.name, SafeFile::Existing::Refuse);
     }
-    for (const FolderEntry& folder : SubFolders(from)) {
+    const Listing<FolderEntry> folders = SubFolders(from);
+    requireSeen(folders);
+    for (const FolderEntry& folder : folders) {
         const std::string inner = draft + '/' + folder.name;
         const std::string shownInner = shown + '\\' + folder.name;
         if (mkdir(inner.c_str(), 0777) != 0) throw SystemFailure(errno, shownInner);
@@ -270,6 +287,8 @@ void PortableFiles::DeleteFolder(std::string_view path) {
     }
     std::error_code error;
     std::filesystem::remove_all(local, error);
+    // It says nothing of a folder that turned out to be unreadable in the middle.
+    if (!error && FactsOf(local)) error = std::make_error_code(std::errc::directory_not_empty);
     if (error) throw SystemFailure(error.value(), parsed.Text());
     resolver_.Index().Removed(local);
 }

@@ -56,6 +56,7 @@ TEST_F(PickerCoversTest, WithOtherLettersHaveEncodedAddresses) {
 }
 
 TEST_F(PickerCoversTest, ThatAreMissingShowThePlaceholder) {
+    files.AddFolder(R"(D:\Covers)");
     AddAlbum({"1", "Alder", "One", 8, R"(D:\Covers\gone.jpg)"});
     AddAlbum({"2", "Alder", "Two", 8, ""});
     Build();
@@ -63,6 +64,13 @@ TEST_F(PickerCoversTest, ThatAreMissingShowThePlaceholder) {
     EXPECT_EQ(Count(Page(1), "<img src=/Quillon/albumcovers/notfnd.jpg "), 2U);
     const std::vector<std::uint8_t> drawn = PlaceholderImage();
     EXPECT_EQ(Utf8ToAnsi(Cover("notfnd.jpg")), std::string(drawn.begin(), drawn.end()));
+}
+
+TEST_F(PickerCoversTest, WhoseFolderIsMissingAreTold) {
+    AddAlbum({"1", "Alder", "One", 8, R"(D:\Covers\gone.jpg)"});
+    Build();
+    EXPECT_THAT(log, ElementsAre(R"(Quillon: BuildcdjPages  Line 3 Path not found: D:\Covers\)"));
+    EXPECT_EQ(Count(Page(1), "<img src=/Quillon/albumcovers/notfnd.jpg "), 1U);
 }
 
 TEST_F(PickerCoversTest, UseTheHouseholdsOwnPlaceholder) {

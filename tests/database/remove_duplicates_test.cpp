@@ -137,7 +137,7 @@ TEST_F(RemoveDuplicatesTest, EndsWhenDeletingADuplicatedIdentifierDeletesNothing
                             "Duplicated identifier cannot be deleted: DUPLICATE1"));
 }
 
-TEST_F(RemoveDuplicatesTest, MarksNothingWithoutASnapshotAndRemovesDuplicatesNevertheless) {
+TEST_F(RemoveDuplicatesTest, ChangesNothingWithoutASnapshot) {
     library.AddAlbumRow("252E671073EC0001", "A", "One", 1);
     library.AddTrackRow("252E671073EC0001", 1, R"(D:\1.mp3)");
     library.AddAlbumRow("DUPLICATE1", "A", "Two", 1);
@@ -148,12 +148,10 @@ TEST_F(RemoveDuplicatesTest, MarksNothingWithoutASnapshotAndRemovesDuplicatesNev
     RemoveDuplicates(library.run);
 
     EXPECT_THAT(library.host.log,
-                ElementsAre("Quillon: Remove Duplicates Error: Line 0 Disk full: " + snapshot,
-                            "Quillon: Album removed, it shared its CDJID DUPLICATE1 with another: "
-                            R"(A\Two)",
-                            "Quillon: Album removed, it shared its CDJID DUPLICATE1 with another: "
-                            R"(A\Three)"));
-    EXPECT_THAT(library.Rows(AlbumRows), ElementsAre("252E671073EC0001|1001|1"));
+                ElementsAre("Quillon: Remove Duplicates Error: Line 0 Disk full: " + snapshot));
+    EXPECT_FALSE(library.run.isSecured);
+    EXPECT_THAT(library.Rows(AlbumRows),
+                ElementsAre("252E671073EC0001|1001|1", "DUPLICATE1|1001|1", "DUPLICATE1|1001|1"));
     EXPECT_THAT(library.Rows(TrackRows), ElementsAre("252E671073EC0001|1"));
     EXPECT_FALSE(MarkSnapshotExists(library.run));
 }

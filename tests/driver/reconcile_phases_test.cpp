@@ -337,6 +337,16 @@ TEST_F(ReconcileMode, GivesBackWhenTheFolderWalkFails) {
                             "Run RefreshAlbumCovers"));
 }
 
+TEST_F(ReconcileMode, EndsBeforeItChangesWhatItCouldNotMakeGood) {
+    Note(&Procedures::CapturePlaylists, "CapturePlaylists",
+         [](Run& disturbed) { disturbed.isSecured = false; });
+    EXPECT_EQ(Load(), RunOutcome::Completed);
+    EXPECT_EQ(Calls({"Run"}).back(), "Run CapturePlaylists");
+    EXPECT_THAT(host.log, ElementsAre("Quillon: The run ends here, before it changes the library: "
+                                      "what would make good for an interruption cannot be kept. "
+                                      "The next run goes on"));
+}
+
 TEST_F(ReconcileMode, RepairsNoPlaylistWhileTheNumbersCannotBeGivenBack) {
     KeepMarks();
     world.calls.Refuse("Run RestoreMarks", FailureNumber::DiskFull, R"(D:\Data\cdj.mdb)");

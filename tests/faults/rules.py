@@ -10,6 +10,7 @@ from points import LISTING
 PAGES = "AlbumPicker"
 ABORTED = 3
 NOTHING_RAN = 2
+TOP = ("disk", "host")
 
 
 @dataclass(frozen=True)
@@ -128,11 +129,14 @@ def names_for(call, path):
     for part in filter(None, parts):
         *folders, name = part.split("/")
         parent = folders[-1] if folders else name
-        if name.startswith(".quillon-"):
-            words.add(parent)
-        elif name.startswith("jukebox."):
+        # What is written under a temporary name is told of by the name that it is to have.
+        while name.startswith(".quillon-"):
+            name, parent = parent, (folders or [""])[-1]
+            folders = folders[:-1]
+            part = name if name in TOP else part
+        if name.startswith("jukebox."):
             words.add("jukebox")
-        elif part in ("disk", "host"):
+        elif part in TOP:
             words |= {"D:", "H:", name}
         else:
             # Folders of pages are made and replaced as a whole.

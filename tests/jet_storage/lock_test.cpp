@@ -97,6 +97,16 @@ TEST_F(Locks, LeftByACrashOnThisMachineAreTakenOver) {
     EXPECT_FALSE(std::filesystem::exists(lock_));
 }
 
+TEST_F(Locks, LeftHalfWrittenByACrashOnThisMachineAreTakenOver) {
+    for (const std::size_t size : {1U, 32U, 63U}) {
+        WriteFile(lock_, Entry(ThisMachine(), "Quillon").substr(0, size));
+        DatabaseFile::Open(path_, OpenMode::ReadWrite);
+        EXPECT_FALSE(std::filesystem::exists(lock_));
+    }
+    WriteFile(lock_, Entry("OFFICE", "Admin").substr(0, 32));
+    ExpectInUse("OFFICE");
+}
+
 TEST_F(Locks, HeldByAnotherProcessNameItsMachines) {
     WriteFile(lock_, Entry("STUDIO", "Admin"));
     const Descriptor other(open(lock_.c_str(), O_RDWR | O_CLOEXEC));

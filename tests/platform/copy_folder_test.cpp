@@ -49,6 +49,22 @@ TEST_F(CopyFolderTest, CopiesWhatLinksLeadToAndWritesThroughNone) {
     EXPECT_EQ(folder_.Content("Copy/a.pla"), "A");
 }
 
+TEST_F(CopyFolderTest, LeavesOutALinkThatLeadsNowhere) {
+    folder_.MakeFile("Lists/a.pla", "A");
+    std::filesystem::create_symlink("../Store/b.pla", folder_ / "Lists/b.pla");
+    files_.CopyFolder("D:\\Lists", "D:\\Copy");
+    EXPECT_EQ(folder_.Count("Copy"), 1U);
+}
+
+/// A run may see it a moment later, and change what has no copy.
+TEST_F(CopyFolderTest, MakesNoCopyWithoutWhatCannotBeLookedAt) {
+    folder_.MakeFile("Lists/a.pla", "A");
+    std::filesystem::create_symlink("loop.pla", folder_ / "Lists/loop.pla");
+    EXPECT_EQ(FailureOfCopy("D:\\Lists", "D:\\Copy"),
+              "Path/File access error: D:\\Lists\\loop.pla");
+    EXPECT_FALSE(std::filesystem::exists(folder_ / "Copy"));
+}
+
 TEST_F(CopyFolderTest, NeverTouchesWhatIsThere) {
     folder_.MakeFile("Lists/a.pla", "A");
     folder_.MakeFolder("Empty");

@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 
+#include "playlists/create.h"
 #include "tests/playlists/playlist_fixture.h"
 
 namespace quillon {
@@ -85,6 +86,50 @@ TEST_F(UnreadLists, CanBeAllThatTheFolderHolds) {
     EXPECT_THAT(Lines("Bad.pla"), ElementsAre("A0 1", "A0 0"));
     EXPECT_THAT(Lines("Good.pla"), ElementsAre("A0 1", "A0 0"));
     EXPECT_FALSE(SnapshotExists());
+}
+
+/// As where the drive is away that holds them.
+TEST_F(UnreadLists, CanBeAllThatTheDatabaseKnowsOfAFolderThatHoldsNone) {
+    library.Execute(R"(INSERT INTO Playlists (FilePath, Filename, Type, AutoGenre)
+                       VALUES ('D:\Lists\', 'Bad', '.pla', False))");
+    const std::string bad = List("Bad.pla");
+    library.files.DeleteFile(R"(D:\Lists\Bad.pla)");
+    library.files.DeleteFile(R"(D:\Lists\Good.pla)");
+    RenumberingRun();
+    EXPECT_THAT(
+        library.host.log,
+        ElementsAre(HasSubstr("Nothing is removed: 1 playlist would go, and no playlist at all was "
+                              R"(found in D:\Lists\. It would be D:\Lists\Bad.pla.)")));
+    run().settings.GenrePlaylist = true;
+    CreateNewPlaylists(run());
+    EXPECT_THAT(library.files.FilesIn(R"(D:\Lists)").entries, IsEmpty());
+
+    NextRun();
+    run().removals = {};
+    run().settings.GenrePlaylist = false;
+    library.files.AddFile(R"(D:\Lists\Bad.pla)", bad);
+    WholeRun();
+    EXPECT_THAT(Lines("Bad.pla"), ElementsAre("A0 1", "A0 0"));
+    EXPECT_FALSE(SnapshotExists());
+}
+
+TEST_F(UnreadLists, AreNoneInAFolderThatMayBeEmpty) {
+    library.Execute(R"(INSERT INTO Playlists (FilePath, Filename, Type, AutoGenre)
+                       VALUES ('D:\Lists\', 'Bad', '.pla', False))");
+    library.files.DeleteFile(R"(D:\Lists\Bad.pla)");
+    library.files.DeleteFile(R"(D:\Lists\Good.pla)");
+    run().removals.allAllowed = true;
+    WholeRun();
+    EXPECT_THAT(library.host.log, IsEmpty());
+    EXPECT_FALSE(SnapshotExists());
+}
+
+/// Without what earlier lists meant, a run would go by the numbers that it has changed itself.
+TEST_F(UnreadLists, KeepTheRunFromChangingAnythingWhereWhatTheyMeanCannotBeKept) {
+    library.calls.Refuse("CreateText " + std::string(Snapshot), FailureNumber::DiskFull, Snapshot);
+    CapturePlaylists(run());
+    EXPECT_FALSE(run().isSecured);
+    EXPECT_THAT(library.host.log, ElementsAre(HasSubstr("Capture Playlists Error: Line 6 Disk")));
 }
 
 TEST_F(UnreadLists, MeanWhatAnEarlierRunHadCapturedOfThem) {

@@ -71,6 +71,25 @@ TEST_F(AddingFailsTest, WhenTheSourceIsMissing) {
     EXPECT_EQ(library.Database().Count("OpenTable"), 0U);
 }
 
+/// Copies below a mount point vanish as soon as the drive is there.
+TEST_F(AddingFailsTest, WhenTheLibraryIsOutOfSight) {
+    library.AddAlbumRow("252E671073EC0001", "A", "B", 1);
+    library.AddTrackRow("252E671073EC0001", 1, R"(D:\Music\A\B\x.mp3)");
+    library.files.AddFolder(R"(D:\Music\lost+found)");
+    AddNew("a - x.mp3");
+    const auto rows = AllRows();
+    Add();
+    EXPECT_THAT(Log(), ElementsAre(StartsWith("Quillon: AddFilesToLibrary, Nothing is added: "
+                                              R"(D:\Music holds no music at all, and the database )"
+                                              "has tracks there. See to the drives")));
+    EXPECT_EQ(library.run.counts.errors, 1U);
+    EXPECT_EQ(AllRows(), rows);
+    EXPECT_FALSE(library.files.FolderExists(R"(D:\Music\Unknown)"));
+    library.run.removals.allAllowed = true;
+    Add();
+    EXPECT_TRUE(library.files.FolderExists(R"(D:\Music\Unknown)"));
+}
+
 TEST_F(AddingFailsTest, WhenTheLibraryIsMissing) {
     library.run.settings.LibraryRoot = R"(D:\Unmounted)";
     AddNew("a - x.mp3");

@@ -42,6 +42,10 @@ TEST(GetTrackName, IsTheWholePathWithoutAnySeparator) {
     EXPECT_EQ(GetTrackName("Song.mp3", FlatLayout), "Song.mp3");
 }
 
+TEST(GetTrackName, IsThatOfTheSongWhileItsFileIsBeingRenamed) {
+    EXPECT_EQ(GetTrackName(R"(D:\Music\A\B\A - Song.quillon-renaming.mp3)", Tree), "Song");
+}
+
 TEST(GetTrackName, MayBeEmpty) {
     EXPECT_EQ(GetTrackName(R"(D:\Music\A\B\01 - .mp3)", Tree), "");
     EXPECT_EQ(GetTrackName(R"(D:\Music\A_.mp3)", FlatLayout), "");

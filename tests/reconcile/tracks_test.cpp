@@ -222,13 +222,18 @@ TEST_F(ProcessTracksTest, LogsARowThatCannotBeMadeAndGoesOn) {
     EXPECT_EQ(library.Faults(), "");
 }
 
-TEST_F(ProcessTracksTest, AddsAFileWhoseTagCannotBeRead) {
+// A row without its length and number would stay so.
+TEST_F(ProcessTracksTest, LeavesANewFileThatCannotBeReadToTheNextRun) {
     library.AddFile(R"(A\B\a.mp3)", TrackTag(1));
     library.calls.Refuse(R"(OpenBinary D:\Music\A\B\a.mp3)", FailureNumber::PermissionDenied,
                          R"(D:\Music\A\B\a.mp3)");
     library.Reconcile();
+    EXPECT_THAT(library.Tracks(), IsEmpty());
+    EXPECT_THAT(Log(), ElementsAre(StartsWith("Quillon: Read ID3 File Error: Line 3 "),
+                                   R"(Quillon: Reconcile Track Number 1 Missing from A\B)"));
+    library.calls.Allow(R"(OpenBinary D:\Music\A\B\a.mp3)");
+    library.Reconcile();
     EXPECT_THAT(library.Tracks(), ElementsAre(R"(A\B\a.mp3|a|1)"));
-    EXPECT_THAT(Log(), ElementsAre(StartsWith("Quillon: Read ID3 File Error: Line 3 ")));
 }
 
 TEST_F(ProcessTracksTest, DoesNotReadTagsOfKnownFiles) {
