@@ -73,7 +73,8 @@ template <typename Entry, typename Visit>
 void FolderLister::ForEach(const WindowsPath& shown, const std::string& local, Wanted wanted,
                            Listing<Entry>& list, Visit visit) {
     const FolderStream stream = OpenFolder(local);
-    if (!stream) throw SystemFailure(errno, shown.Text());
+    const int folder = stream ? dirfd(stream.get()) : -1;
+    if (folder < 0) throw SystemFailure(errno, shown.Text());
     const unsigned wantedMode = wanted == Wanted::Folders ? S_IFDIR : S_IFREG;
     const unsigned char unwanted = wanted == Wanted::Folders ? DT_REG : DT_DIR;
     bool holdsUnfinished = false;
@@ -95,13 +96,13 @@ void FolderLister::ForEach(const WindowsPath& shown, const std::string& local, W
             continue;
         }
         struct stat facts{};
-        if (fstatat(dirfd(stream.get()), entry->d_name, &facts, 0) != 0) {
+        if (fstatat(folder, entry->d_name, &facts, 0) != 0) {
             // Even "no such file" is no proof: it is what a link says whose disk is away, and what
             // some network drives say for a moment. It was listed just now.
             const int error = errno;
             list.unseen.push_back(shown.Child(name));
             const bool isThere =
-                fstatat(dirfd(stream.get()), entry->d_name, &facts, AT_SYMLINK_NOFOLLOW) == 0;
+                fstatat(folder, entry->d_name, &facts, AT_SYMLINK_NOFOLLOW) == 0;
             // Not even the entry itself can be looked at: then the whole folder is out of reach.
             if (!isThere && errno != ENOENT) throw SystemFailure(errno, list.unseen.back());
             NoteUnseen(error, list.unseen.back());
