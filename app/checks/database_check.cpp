@@ -14,6 +14,7 @@
 #include "app/checks/journal_remark.h"
 #include "app/checks/leftovers_check.h"
 #include "app/checks/music_check.h"
+#include "app/checks/playlists_check.h"
 #include "app/checks/writable.h"
 #include "app/database_needs.h"
 #include "app/display_text.h"
@@ -49,6 +50,17 @@ std::vector<std::string> OwnedSoundFiles(jet::Database& database) {
         const jet::Value soundFile = tracks->Get(0);
         const auto* const text = std::get_if<std::string>(&soundFile);
         files.push_back(text == nullptr ? "" : *text);
+    }
+    return files;
+}
+
+/// The files of the playlists, as they are stored.
+std::vector<std::string> StoredPlaylists(jet::Database& database) {
+    std::vector<std::string> files;
+    const auto rows = database.Query("SELECT FilePath & Filename & Type AS Path FROM Playlists");
+    for (; !rows->IsEof(); rows->MoveNext()) {
+        const jet::Value path = rows->Get(0);
+        if (const auto* const text = std::get_if<std::string>(&path)) files.push_back(*text);
     }
     return files;
 }
@@ -190,6 +202,7 @@ void LookInto(LocalHost& local, const fs::path& path, const Settings& settings, 
     CheckGenres(database, findings);
     CheckIdentifiers(database, findings);
     CheckMusic(local, settings, OwnedSoundFiles(database), out, findings);
+    CheckPlaylists(local, settings, StoredPlaylists(database), findings);
 } catch (const jet::Error& error) {
     out << "  cannot be used\n";
     findings.Problem(error.what() + std::string(Advice(error.Kind())));

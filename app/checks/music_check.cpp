@@ -93,6 +93,18 @@ class MusicCheck {
         FindOutsiders();
     }
 
+    /// The same for a run that only adds files.
+    void FindBeforeAdding() {
+        if (inside_ == 0 || !isBraked_) return;
+        const FoundMusic music = LookForMusic(files_, settings_.LibraryRoot, 2);
+        if (music.place != MusicPlace::None) return;
+        findings_.Problem(fmt::format(
+            "LibraryRoot ({}) holds no music at all, and {} below it. Is a drive not mounted? A "
+            "run would add nothing and end with an error. If the music is gone for good, run once "
+            "with --allow-removals",
+            settings_.LibraryRoot, Tracks(inside_)));
+    }
+
   private:
     void AddAbsentFolders() {
         for (const std::string& line : ListedLibraryFolders(files_, settings_.LibraryRoot)) {
@@ -208,6 +220,7 @@ void CheckMusic(LocalHost& local, const Settings& settings,
         out << fmt::format(", {} of them name a file in a library folder", check.Inside());
     out << '\n';
     if (WalksLibrary(settings)) check.Find();
+    if (settings.AddFiles) check.FindBeforeAdding();
 } catch (const Failure&) {
     // What cannot be listed is told of with the folders.
     out << '\n';

@@ -47,6 +47,34 @@ TEST_F(CheckMusic, SeesAnEmptyRoot) {
     EXPECT_TRUE(Has(Problems(), "Without the brake a run would remove their rows"));
 }
 
+TEST_F(CheckMusic, SeesAnEmptyRootBeforeFilesAreAdded) {
+    AddOwnedTracks(TwoSongs);
+    MakeFolder("New");
+    Choose("AddFiles");
+    Set("FromFilesPath", "Z:" + Path("New").string());
+    EXPECT_FALSE(Has(Problems(), "holds no music"));
+    Unmount();
+    EXPECT_TRUE(Has(Problems(),
+                    "LibraryRoot (D:\\Music) holds no music at all, and 2 of the library's own "
+                    "tracks lie below it. Is a drive not mounted? A run would add nothing"));
+}
+
+TEST_F(CheckMusic, SeesAPlaylistFolderWhoseListsAreAway) {
+    AddOwnedTracks(TwoSongs);
+    Set("PlayListPath", "H:\\Lists\\");
+    MakeFolder("shelf/Lists");
+    EXPECT_EQ(Problems(), "");
+    Execute(
+        "INSERT INTO Playlists (FilePath, Filename, Type) VALUES ('H:\\Lists\\', 'Mine', '.pla')");
+    EXPECT_EQ(Problems(),
+              "  - PlayListPath (H:\\Lists\\) holds no playlist at all, and the database has 1 "
+              "playlist there. Is a drive not mounted? A run would remove nothing and end with an "
+              "error. If they are gone for good, run once with --allow-removals, or empty the "
+              "setting.");
+    Write("shelf/Lists/Other.pla", "CDJ Playlist V1.1\r\n");
+    EXPECT_EQ(Problems(), "");
+}
+
 TEST_F(CheckMusic, TakesAMountPointWithWhatTheFileSystemKeepsForItselfForEmpty) {
     AddOwnedTracks(TwoSongs);
     Unmount();
