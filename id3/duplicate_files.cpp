@@ -66,8 +66,8 @@ class DuplicateRemoval {
         const std::string& path = duplicate.file.path;
         std::string objection;
         steps_.Concerning(path);
-        const bool isKnown = steps_.Try(
-            StepOf(duplicate), [&] { objection = Objection(duplicate, onlyIdentical); });
+        const bool isKnown =
+            steps_.Try(StepOf(duplicate), [&] { objection = Objection(duplicate, onlyIdentical); });
         if (!objection.empty()) WriteLog(run_, LogSource, path + " stays" + objection);
         return isKnown && objection.empty();
     }
@@ -80,8 +80,7 @@ class DuplicateRemoval {
         if (run_.files.IsSameFile(path, duplicate.twin))
             return ", since " + twin + " is a link to the same file";
         if (onlyIdentical && !HaveSameSound(run_.files, path, duplicate.twin)) {
-            return ": by name or tag it is the same song as " + twin +
-                   ", but its sound is another";
+            return ": by name or tag it is the same song as " + twin + ", but its sound is another";
         }
         return "";
     }

@@ -101,8 +101,7 @@ void FolderLister::ForEach(const WindowsPath& shown, const std::string& local, W
             // some network drives say for a moment. It was listed just now.
             const int error = errno;
             list.unseen.push_back(shown.Child(name));
-            const bool isThere =
-                fstatat(folder, entry->d_name, &facts, AT_SYMLINK_NOFOLLOW) == 0;
+            const bool isThere = fstatat(folder, entry->d_name, &facts, AT_SYMLINK_NOFOLLOW) == 0;
             // Not even the entry itself can be looked at: then the whole folder is out of reach.
             if (!isThere && errno != ENOENT) throw SystemFailure(errno, list.unseen.back());
             NoteUnseen(error, list.unseen.back());

@@ -213,10 +213,10 @@ TEST_F(WriteTagTest, WritesTheRestWhenTheGenreTableCannotBeRead) {
     library.Database().Refuse("SpinnerGenre");
     EXPECT_TRUE(Write("TAG|title|artist|album|2001|comment||7|Rock"));
     EXPECT_EQ(WrittenTag()[GenreOffset], 40);
-    EXPECT_THAT(Log(), ElementsAre("Quillon: Read ID3 File Error: Line 10 refused (" +
-                                   std::string(Path) + ")",
-                                   "Quillon: WriteID3 Management Line 2 refused (" +
-                                       std::string(Path) + ")"));
+    EXPECT_THAT(
+        Log(),
+        ElementsAre("Quillon: Read ID3 File Error: Line 10 refused (" + std::string(Path) + ")",
+                    "Quillon: WriteID3 Management Line 2 refused (" + std::string(Path) + ")"));
 }
 
 TEST_F(WriteTagTest, RefusesACharacterThatTheCodePageLacks) {
