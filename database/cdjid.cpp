@@ -6,6 +6,7 @@
 #include "database/schema.h"
 #include "platform/basic_text.h"
 #include "platform/database.h"
+#include "platform/failure.h"
 #include "run/log.h"
 #include "run/run.h"
 #include "run/steps.h"
@@ -14,6 +15,12 @@ namespace quillon {
 namespace {
 
 constexpr std::size_t DigitCount = 4;
+constexpr int HighestNumber = 9999;
+
+std::string WithNumber(int number) {
+    const std::string digits = "0000" + std::to_string(number);
+    return std::string(CdjidPrefix) + std::string(Right(digits, DigitCount));
+}
 
 std::optional<std::string> HighestCdjid(Run& run) {
     const std::unique_ptr<RecordSet> result = run.connection->Query(
@@ -34,9 +41,38 @@ std::string CdjidSequence::GetNextCDJID(std::string_view album) {
     steps.Try(0, [&] {
         if (!asked_) highest_ = HighestCdjid(run_);
         asked_ = true;
-        next = highest_ ? After(*highest_) : std::string(CdjidPrefix) + "0001";
+        next = Next();
     });
     return next;
+}
+
+std::string CdjidSequence::Next() {
+    if (!highest_) return WithNumber(1);
+    std::string next = After(*highest_);
+    // One above all others is nobody's.
+    const bool isAbove = LowerCase(*highest_) < LowerCase(next);
+    return isAbove || !IsInUse(next) ? next : LowestFree();
+}
+
+bool CdjidSequence::IsInUse(const std::string& cdjid) {
+    if (!inUseKnown_) {
+        const std::unique_ptr<RecordSet> albums =
+            run_.connection->Query("SELECT CDJID FROM Albums");
+        for (; !albums->IsEof(); albums->MoveNext())
+            inUse_.insert(LowerCase(albums->Text("CDJID")));
+        inUseKnown_ = true;
+    }
+    return inUse_.contains(LowerCase(cdjid));
+}
+
+std::string CdjidSequence::LowestFree() {
+    for (; lowest_ <= HighestNumber; ++lowest_) {
+        std::string cdjid = WithNumber(lowest_);
+        if (!IsInUse(cdjid)) return cdjid;
+    }
+    throw Failure::Described(FailureNumber::Database, "All identifiers from " + WithNumber(0) +
+                                                          " to " + WithNumber(HighestNumber) +
+                                                          " are in use, so the album is left out");
 }
 
 std::string CdjidSequence::After(const std::string& highest) {
@@ -45,14 +81,13 @@ std::string CdjidSequence::After(const std::string& highest) {
         LogError(
             run_, LogSource,
             "Spinner Refresh detected album sequence number without a numeric ending " + highest);
-        return std::string(CdjidPrefix) + "9001";
+        return WithNumber(9001);
     }
-    const int number = ToInteger(ending);
-    const std::string digits = "0000" + std::to_string(number + 1);
-    return std::string(CdjidPrefix) + std::string(Right(digits, DigitCount));
+    return WithNumber(ToInteger(ending) + 1);
 }
 
 void CdjidSequence::Taken(const std::string& cdjid) {
+    inUse_.insert(LowerCase(cdjid));
     // The maximum is one of texts: after 9999 has wrapped to 0000 it stays 9999.
     if (!highest_ || LowerCase(*highest_) < LowerCase(cdjid)) highest_ = cdjid;
 }

@@ -3,31 +3,40 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 
 namespace quillon {
 
 class Run;
 
 /// Hands out identifiers for new albums: the fixed prefix and a four-digit number one above the
-/// highest in use; 9999 is followed by 0000. The highest is asked for once and then kept in hand,
-/// since that question costs a pass over all albums.
+/// highest in use; 9999 is followed by 0000. Where that one is taken it is the lowest free one,
+/// since albums that share an identifier are removed. What is in use is asked for once and then
+/// kept in hand: that question costs a pass over all albums.
 class CdjidSequence {
   public:
     explicit CdjidSequence(Run& run) : run_(run) {}
 
     /// The next identifier; the same one again until Taken() is told of it. "" after a failure,
-    /// which is logged with the album that it is for.
+    /// which is logged with the album that it is for; that all are in use is one.
     std::string GetNextCDJID(std::string_view album = {});
 
     /// An album row with this identifier has been stored.
     void Taken(const std::string& cdjid);
 
   private:
+    std::string Next();
     std::string After(const std::string& highest);
+    bool IsInUse(const std::string& cdjid);
+    std::string LowestFree();
 
     Run& run_;
     bool asked_ = false;
     std::optional<std::string> highest_;  ///< nothing: no album carries the prefix yet
+    /// In lower case; those that were there before only once somebody has asked.
+    std::unordered_set<std::string> inUse_;
+    bool inUseKnown_ = false;
+    int lowest_ = 0;  ///< no lower number is free
 };
 
 /// The next identifier for a single new album.

@@ -11,6 +11,9 @@
 namespace quillon {
 namespace {
 
+/// There are ten thousand: the last hundred are worth a word.
+constexpr std::size_t ManyIdentifiers = 9900;
+
 std::size_t CountRows(jet::Database& database, const std::string& query) {
     std::size_t count = 0;
     for (const auto rows = database.Query(query); !rows->IsEof(); rows->MoveNext())
@@ -31,13 +34,15 @@ void CheckIdentifiers(jet::Database& database, Findings& findings) {
             shared == 1 ? "An identifier is" : fmt::format("{} identifiers are", shared),
             DuplicatedIdentifiers));
     }
-    if (CountRows(database, fmt::format("SELECT CDJID FROM Albums WHERE CDJID = '{}9999'",
-                                        CdjidPrefix)) > 0) {
+    const std::size_t inUse =
+        CountRows(database, fmt::format("SELECT DISTINCT CDJID FROM Albums WHERE Left(CDJID, 12) = "
+                                        "'{}' AND Len(CDJID) = 16",
+                                        CdjidPrefix));
+    if (inUse >= ManyIdentifiers) {
         findings.Caution(fmt::format(
-            "The last identifier for albums, {0}9999, is in use. All further ones get {0}0000, and "
-            "as soon as two have it each run removes them and adds them anew. Give the albums of "
-            "the highest numbers free lower ones, in Albums and Tracks",
-            CdjidPrefix));
+            "{} of the 10,000 identifiers for albums are in use. When all are, a run leaves new "
+            "albums out. Albums that are gone for good give theirs back",
+            inUse));
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <ctime>
 #include <span>
 #include <string>
 #include <string_view>
@@ -28,6 +29,10 @@ class FileHandle {
     std::size_t ReadAt(std::uint64_t position, std::span<std::uint8_t> buffer) const;
     /// Appends all bytes.
     void Write(std::string_view bytes) const;
+    /// Appends all that is in another file.
+    void WriteFrom(const FileHandle& source) const;
+    /// The modification time that the file is to have.
+    void SetModified(const std::timespec& modified) const;
     /// Size, times and kind.
     struct stat Facts() const;
 

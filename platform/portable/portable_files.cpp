@@ -16,7 +16,6 @@
 #include "platform/portable/local_file.h"
 #include "platform/portable/rename_file.h"
 #include "platform/portable/safe_file.h"
-#include "platform/portable/safe_folder.h"
 #include "platform/portable/streams.h"
 #include "platform/portable/system_failure.h"
 #include "platform/portable/temporary_entry.h"
@@ -235,13 +234,14 @@ void PortableFiles::CopyFolder(std::string_view from, std::string_view to) {
     }
     RemoveLeftoversOnce(FolderOf(local));
     SafeFolder copy(local, target.Text());
-    CopyInto(source.Text(), copy.Draft(), target.Text());
+    CopyInto(copy, source.Text(), "", target.Text());
     copy.Commit();
     resolver_.Index().Added(local);
 }
 
-/// A link that leads nowhere is told by the listing and left out: there is nothing to copy.
-void PortableFiles::CopyInto(const std::string& from, const std::string& draft,
+/// A link that leads nowhere is told by the listing and left out: there is nothing to copy. `inner`
+/// is the path below the copy, `shown` the Windows path.
+void PortableFiles::CopyInto(SafeFolder& copy, const std::string& from, const std::string& inner,
                              const std::string& shown) {
     const auto requireSeen = [this](const auto& listing) {
         for (const std::string& path : listing.unseen) {
@@ -252,16 +252,15 @@ void PortableFiles::CopyInto(const std::string& from, const std::string& draft,
     const Listing<FileEntry> files = FilesIn(from);
     requireSeen(files);
     for (const FileEntry& file : files) {
-        Copy(OpenFile(resolver_, ParseWindowsPath(file.path)), draft + '/' + file.name,
-             shown + '\\' + file.name, SafeFile::Existing::Refuse);
+        copy.AddFile(OpenFile(resolver_, ParseWindowsPath(file.path)), inner + file.name,
+                     shown + '\\' + file.name);
     }
     const Listing<FolderEntry> folders = SubFolders(from);
     requireSeen(folders);
     for (const FolderEntry& folder : folders) {
-        const std::string inner = draft + '/' + folder.name;
-        const std::string shownInner = shown + '\\' + folder.name;
-        if (mkdir(inner.c_str(), 0777) != 0) throw SystemFailure(errno, shownInner);
-        CopyInto(folder.path, inner, shownInner);
+        const std::string name = inner + folder.name, shownName = shown + '\\' + folder.name;
+        copy.AddFolder(name, shownName);
+        CopyInto(copy, folder.path, name + '/', shownName);
     }
 }
 

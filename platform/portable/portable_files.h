@@ -11,6 +11,7 @@
 #include "platform/portable/folder_lister.h"
 #include "platform/portable/path_resolver.h"
 #include "platform/portable/safe_file.h"
+#include "platform/portable/safe_folder.h"
 
 namespace quillon {
 
@@ -60,7 +61,8 @@ class PortableFiles : public Files {
     /// Removes, before the first file is written into a folder (local path), the unfinished files
     /// that killed runs have left there.
     void RemoveLeftoversOnce(const std::string& folder);
-    void CopyInto(const std::string& from, const std::string& draft, const std::string& shown);
+    void CopyInto(SafeFolder& copy, const std::string& from, const std::string& inner,
+                  const std::string& shown);
     std::unique_ptr<TextWriter> CreateText(std::string_view path, SafeFile::Existing existing);
     WindowsPath AsItIs(const WindowsPath& path, const std::string& local) const;
     /// Whether something of this kind (S_IFREG, S_IFDIR) has the path.

@@ -1,6 +1,5 @@
 #include "platform/portable/safe_file.h"
 
-#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
@@ -60,26 +59,6 @@ TemporaryEntry SafeFile::Create(mode_t mode) const {
 
 SafeFile::~SafeFile() {
     if (!committed_) unlink(draft_.path.c_str());
-}
-
-void SafeFile::WriteFrom(const FileHandle& source) {
-    constexpr std::size_t AtATime = std::size_t{1} << 30U;
-    off_t position = 0;
-    // The kernel copies, where it can for these two files, without a way through this process.
-    while (copy_file_range(source.Descriptor(), &position, draft_.handle.Descriptor(), nullptr,
-                           AtATime, 0) > 0) {
-    }
-    std::array<std::uint8_t, 65536> buffer{};
-    while (const std::size_t length = source.ReadAt(static_cast<std::uint64_t>(position), buffer)) {
-        Write({reinterpret_cast<const char*>(buffer.data()), length});
-        position += static_cast<off_t>(length);
-    }
-}
-
-void SafeFile::SetModified(const std::timespec& modified) {
-    const std::array<std::timespec, 2> times{std::timespec{0, UTIME_OMIT}, modified};
-    if (futimens(draft_.handle.Descriptor(), times.data()) != 0)
-        throw SystemFailure(errno, shownPath_);
 }
 
 void SafeFile::Sync() {

@@ -35,9 +35,9 @@ class SafeFile {
 
     void Write(std::string_view bytes) { draft_.handle.Write(bytes); }
     /// Writes all that is in another file.
-    void WriteFrom(const FileHandle& source);
+    void WriteFrom(const FileHandle& source) { draft_.handle.WriteFrom(source); }
     /// The modification time that the file is to have.
-    void SetModified(const std::timespec& modified);
+    void SetModified(const std::timespec& modified) { draft_.handle.SetModified(modified); }
     /// Waits until what was written is on the disk.
     void Sync();
     /// Failure: DiskFull and the like; then the name still belongs to what it did before.

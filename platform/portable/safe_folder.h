@@ -3,6 +3,7 @@
 #include <string>
 #include <string_view>
 
+#include "platform/portable/file_handle.h"
 #include "platform/portable/temporary_entry.h"
 
 namespace quillon {
@@ -20,7 +21,14 @@ class SafeFolder {
     /// The local path of the folder that is being filled.
     const std::string& Draft() const { return draft_.path; }
 
-    /// Failure: FileAlreadyExists when something has the name by now.
+    /// A new folder below; `name` may be a path whose folders are there. `shownPath` is for
+    /// failures.
+    void AddFolder(const std::string& name, std::string_view shownPath);
+    /// A copy of an open file, with its mode and modification time.
+    void AddFile(const FileHandle& source, const std::string& name, std::string_view shownPath);
+
+    /// Waits once until all of it is on the disk. Failure: DiskFull and the like, FileAlreadyExists
+    /// when something has the name by now.
     void Commit();
 
   private:

@@ -1,5 +1,6 @@
 #include <array>
 #include <filesystem>
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -185,11 +186,21 @@ TEST_F(CheckDatabase, WarnsOfAlbumsThatShareAnIdentifier) {
     EXPECT_EQ(Cautions(), "");
 }
 
-TEST_F(CheckDatabase, WarnsWhenNoNumberIsLeftForNewAlbums) {
-    Execute("INSERT INTO Albums (CDJID, Player) VALUES ('252E671073EC9998', 1001)");
+TEST_F(CheckDatabase, WarnsWhenIdentifiersRunOut) {
+    const auto addAlbums = [this](int from, int to) {
+        jet::Database database =
+            jet::Database::Open(Path("shelf/jukebox.mdb"), jet::OpenMode::ReadWrite);
+        for (int number = from; number < to; ++number)
+            database.Execute(fmt::format(
+                "INSERT INTO Albums (CDJID, Player) VALUES ('252E671073EC{:04}', 1001)", number));
+    };
+    addAlbums(0, 9899);
+    Execute("INSERT INTO Albums (CDJID, Player) VALUES ('C70A5B0F', 1)");
     EXPECT_EQ(Cautions(), "");
-    Execute("INSERT INTO Albums (CDJID, Player) VALUES ('252E671073EC9999', 1001)");
-    EXPECT_TRUE(Has(Cautions(), "All further ones get 252E671073EC0000"));
+    addAlbums(9899, 9900);
+    EXPECT_TRUE(Has(Cautions(),
+                    "9900 of the 10,000 identifiers for albums are in use. When all "
+                    "are, a run leaves new albums out"));
 }
 
 TEST_F(CheckDatabase, SeesThatItIsOpenElsewhere) {

@@ -74,14 +74,34 @@ TEST_F(GetNextCDJIDTest, AsksTheDatabaseOnceForManyAlbums) {
     EXPECT_EQ(library.Database().Count("SELECT Max(Albums.CDJID)"), 1U);
 }
 
-// The highest is the highest text, which the wrapped number is below.
-TEST_F(GetNextCDJIDTest, KeepsHandingOutZeroOnceTheSequenceHasWrapped) {
+// Albums that share an identifier are removed with their play counts.
+TEST_F(GetNextCDJIDTest, NeverGivesOneThatIsTakenButTheLowestFreeOne) {
+    for (const char* const cdjid : {"252E671073EC9999", "252e671073ec0000", "252E671073EC0002"})
+        AddAlbum(cdjid);
+    CdjidSequence sequence(library.run);
+    EXPECT_EQ(sequence.GetNextCDJID(), "252E671073EC0001");
+    EXPECT_EQ(sequence.GetNextCDJID(), "252E671073EC0001");
+    sequence.Taken("252E671073EC0001");
+    EXPECT_EQ(sequence.GetNextCDJID(), "252E671073EC0003");
+    EXPECT_EQ(library.Database().Count("SELECT CDJID FROM Albums"), 1U);
+}
+
+TEST_F(GetNextCDJIDTest, GivesNoneTwiceAfterAnEndingThatIsNoNumber) {
+    AddAlbum("252E671073EC9ABC");
+    AddAlbum("252E671073EC9001");
+    EXPECT_EQ(GetNextCDJID(library.run), "252E671073EC0000");
+}
+
+TEST_F(GetNextCDJIDTest, GivesNoneWhenAllAreTaken) {
     AddAlbum("252E671073EC9999");
     CdjidSequence sequence(library.run);
-    sequence.Taken(sequence.GetNextCDJID());
-    EXPECT_EQ(sequence.GetNextCDJID(), "252E671073EC0000");
-    AddAlbum("252E671073EC0000");
-    EXPECT_EQ(GetNextCDJID(library.run), "252E671073EC0000");
+    for (int number = 0; number < 9999; ++number)
+        sequence.Taken(sequence.GetNextCDJID());
+    EXPECT_EQ(sequence.GetNextCDJID(R"(Alder\Dawn)"), "");
+    EXPECT_THAT(library.host.log,
+                ElementsAre("Quillon: GetNextCDJID Error: Line 0 All identifiers from "
+                            "252E671073EC0000 to 252E671073EC9999 are in use, so the album is left "
+                            R"(out (Alder\Dawn))"));
 }
 
 }  // namespace

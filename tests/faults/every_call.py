@@ -15,7 +15,7 @@ FILE_CALLS = re.compile(
     r"|p?writev?2?|readlink|readlinkat|realpath|canonicalize_file_name|rename|renameat|renameat2|link"
     r"|linkat|symlink|symlinkat|unlink|unlinkat|remove|rmdir|mkdir|mkdirat|mknod|mkfifo|l?f?chmod"
     r"|fchmodat|[fl]?chown|fchownat|f?truncate|posix_fallocate|fallocate|copy_file_range|sendfile"
-    r"|f(data)?sync|sync_file_range|utimes?|futimens|utimensat|futimes|[fl]?(set|remove)xattr|flock"
+    r"|f(data)?sync|syncfs|sync_file_range|utimes?|futimens|utimensat|futimes|[fl]?(set|remove)xattr|flock"
     r"|lockf|fcntl|mmap|splice|tee|mkstemps?|mkostemps?|mkdtemp|tmpfile)(64)?")
 
 

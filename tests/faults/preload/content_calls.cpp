@@ -130,5 +130,13 @@ int fdatasync(int descriptor) {
     return Flush("fdatasync", descriptor, next);
 }
 
+int syncfs(int descriptor) noexcept {
+    static const auto next = Next<decltype(syncfs)>("syncfs");
+    const Order order = Meet(Kind::Changing, "syncfs", PathOf(descriptor));
+    if (order.error != 0) return FailedWith<int>(order.error);
+    UnsyncedFiles::Get().AllFlushed();
+    return next(descriptor);
+}
+
 }  // extern "C"
 // NOLINTEND(readability-identifier-naming)

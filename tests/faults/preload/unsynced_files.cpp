@@ -71,6 +71,12 @@ void UnsyncedFiles::Flushed(int descriptor) {
     files_.erase(found);
 }
 
+void UnsyncedFiles::AllFlushed() {
+    for (const auto& [identity, file] : files_)
+        syscall(SYS_close, file.descriptor);
+    files_.clear();
+}
+
 void UnsyncedFiles::Lose() {
     static const auto nextTruncate = Next<decltype(ftruncate)>("ftruncate");
     static const auto nextWrite = Next<decltype(pwrite)>("pwrite");

@@ -21,6 +21,8 @@ class UnsyncedFiles {
     void BeforeChange(const char* path);
     /// The file as it is now is on the disk.
     void Flushed(int descriptor);
+    /// So are all files.
+    void AllFlushed();
     /// Gives each file the content that is on the disk.
     void Lose();
 
