@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <span>
 #include <string>
@@ -62,6 +63,31 @@ class Database {
 
     /// A cursor over a whole table.
     std::unique_ptr<RecordSet> OpenTable(std::string_view table);
+
+    /// Names a row of a table while the database is open, whatever changes.
+    using RowKey = std::int64_t;
+    /// A field of a row, and what it is to hold.
+    struct Field {
+        std::string_view name;
+        Value value;
+    };
+    struct AddedRow {
+        RowKey key = 0;
+        std::int64_t number = 0;  ///< in the auto-number column, where there is one
+    };
+
+    /// Calls visit(key, values) for each row of a table in the file's order, with the values of
+    /// these fields, which are overwritten with the next row. No SQL: rows come straight from the
+    /// file's pages, and the table is not held in memory for it.
+    void Scan(std::string_view table, std::span<const std::string_view> fields,
+              const std::function<void(RowKey, std::span<Value>)>& visit);
+
+    /// Rows by key, likewise. Values are converted to the fields' types and checked as those of
+    /// statements are; a refused change leaves the row as it was. Fields of a new row that are not
+    /// named are Null; of those named twice the last counts.
+    AddedRow Insert(std::string_view table, std::span<const Field> fields);
+    void Update(std::string_view table, RowKey row, std::span<const Field> fields);
+    void Delete(std::string_view table, RowKey row);
 
     /// Definitions of all user tables, by name.
     std::vector<TableDefinition> Tables() const;

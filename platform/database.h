@@ -1,7 +1,9 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -58,6 +60,20 @@ class RecordSet {
     virtual void Sort(std::string_view order) = 0;
 };
 
+/// Names a row of a table while the database is open, whatever changes.
+enum class RowKey : std::int64_t {};
+
+/// A field of a row, and what it is to hold.
+struct FieldValue {
+    std::string_view name;
+    Value value;
+};
+
+struct AddedRow {
+    RowKey key{};
+    std::int64_t number = 0;  ///< in the auto-number field, where there is one
+};
+
 /// The open database.
 class Connection {
   public:
@@ -71,6 +87,17 @@ class Connection {
     virtual std::unique_ptr<RecordSet> OpenUpdatable(std::string_view sql) = 0;
     /// A cursor over a whole table: filter, add, change, delete.
     virtual std::unique_ptr<RecordSet> OpenTable(std::string_view table) = 0;
+    using VisitRow = std::function<void(RowKey, std::span<const Value>)>;
+    /// Calls visit(key, values) for each row of a table in the file's order, with the values of
+    /// these fields, which are overwritten with the next row.
+    virtual void Scan(std::string_view table, std::span<const std::string_view> fields,
+                      const VisitRow& visit) = 0;
+    /// Fields of a new row that are not named are Null.
+    virtual AddedRow Insert(std::string_view table, std::span<const FieldValue> fields) = 0;
+    /// A refused change leaves the row as it was.
+    virtual void Update(std::string_view table, RowKey row, std::span<const FieldValue> fields) = 0;
+    virtual void Delete(std::string_view table, RowKey row) = 0;
+
     /// Makes all changes so far durable; the driver calls it at each phase's end.
     virtual void Flush() = 0;
 };

@@ -1,5 +1,6 @@
 #include "jet/database.h"
 
+#include "jet/engine/convert.h"
 #include "jet/engine/cursor.h"
 #include "jet/engine/execute.h"
 #include "jet/engine/query_result.h"
@@ -50,6 +51,50 @@ std::unique_ptr<RecordSet> Database::OpenTable(std::string_view table) {
     const engine::MirrorTable& opened = implementation_->session->Table(table);
     return std::make_unique<engine::Cursor>(implementation_->session,
                                             "SELECT * FROM [" + opened.Definition().name + "]");
+}
+
+void Database::Scan(std::string_view table, std::span<const std::string_view> fields,
+                    const std::function<void(RowKey, std::span<Value>)>& visit) {
+    const engine::MirrorTable& scanned = implementation_->session->UnloadedTable(table);
+    std::vector<std::size_t> columns;
+    for (const std::string_view field : fields)
+        columns.push_back(scanned.Column(field));
+    scanned.Scan(columns, visit);
+}
+
+Database::AddedRow Database::Insert(std::string_view table, std::span<const Field> fields) {
+    engine::Session& session = *implementation_->session;
+    engine::MirrorTable& target = session.UnloadedTable(table);
+    storage::Row row(target.Definition().columns.size());
+    for (const Field& field : fields)
+        row[target.Column(field.name)] = field.value;
+    session.BeforeChange(target);
+    AddedRow added;
+    added.key = target.Insert(std::move(row), &added.number);
+    session.AfterChange();
+    return added;
+}
+
+void Database::Update(std::string_view table, RowKey row, std::span<const Field> fields) {
+    engine::Session& session = *implementation_->session;
+    engine::MirrorTable& target = session.UnloadedTable(table);
+    std::vector<storage::FieldChange> changes;
+    for (const Field& field : fields) {
+        const std::size_t column = target.Column(field.name);
+        changes.push_back(
+            {column, engine::ConvertToField(target.Definition().columns[column], field.value)});
+    }
+    session.BeforeChange(target);
+    target.Update(row, changes);
+    session.AfterChange();
+}
+
+void Database::Delete(std::string_view table, RowKey row) {
+    engine::Session& session = *implementation_->session;
+    engine::MirrorTable& target = session.UnloadedTable(table);
+    session.BeforeChange(target);
+    target.Delete(row);
+    session.AfterChange();
 }
 
 std::vector<TableDefinition> Database::Tables() const {

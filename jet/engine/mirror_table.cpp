@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "jet/dialect/names.h"
 #include "jet/dialect/translate.h"
 #include "jet/engine/convert.h"
 #include "jet/engine/transfer.h"
@@ -65,6 +66,22 @@ MirrorTable::MirrorTable(Sqlite& sqlite, StatementCache& statements, storage::Ta
     nextGenerationAt_ = SmallTable;
 }
 
+std::size_t MirrorTable::Column(std::string_view name) const {
+    const std::vector<ColumnDefinition>& columns = definition_.columns;
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        if (dialect::SameName(columns[i].name, name)) return i;
+    }
+    throw Error(ErrorKind::NotFound, "Cannot find the field '" + std::string(name) +
+                                         "' in table '" + Definition().name + "'");
+}
+
+void MirrorTable::Scan(std::span<const std::size_t> columns,
+                       const std::function<void(RowKey, std::span<Value>)>& visit) const {
+    RequireAttached();
+    stored_->ScanColumns(
+        columns, [&visit](RowId row, std::span<Value> values) { visit(row.AsInteger(), values); });
+}
+
 void MirrorTable::Load() {
     if (loaded_) return;
     RequireAttached();
@@ -121,17 +138,19 @@ void MirrorTable::RequireWritable() const {
     }
 }
 
-RowKey MirrorTable::Insert(storage::Row values) {
+RowKey MirrorTable::Insert(storage::Row values, std::int64_t* number) {
     for (std::size_t i = 0; i < values.size(); ++i)
         values[i] = ConvertToField(Definition().columns[i], values[i]);
     const storage::Table::Inserted inserted = stored_->Insert(values);
+    if (number != nullptr) *number = inserted.autoNumber.value_or(0);
+    const RowKey key = inserted.row.AsInteger();
+    ++changes_;
+    if (!loaded_) return key;
     if (autoNumber_ && inserted.autoNumber)
         values[*autoNumber_] = std::int64_t{*inserted.autoNumber};
-    const RowKey key = inserted.row.AsInteger();
     StatementLease insert = statements_.Take(insertSql_);
     InsertCopy(*insert, key, values);
     ++rows_;
-    ++changes_;
     CountRow();
     return key;
 }
@@ -139,6 +158,8 @@ RowKey MirrorTable::Insert(storage::Row values) {
 void MirrorTable::Update(RowKey key, std::span<const storage::FieldChange> changes) {
     if (changes.empty()) return;
     stored_->Update(RowId::FromInteger(key), changes);
+    ++changes_;
+    if (!loaded_) return;
     std::string sql = updateStart_;
     for (std::size_t i = 0; i < changes.size(); ++i) {
         if (i > 0) sql += ',';
@@ -151,17 +172,17 @@ void MirrorTable::Update(RowKey key, std::span<const storage::FieldChange> chang
     for (std::size_t i = 0; i < changes.size(); ++i)
         BindValue(*update, static_cast<int>(i + 2), changes[i].value);
     update->Run();
-    ++changes_;
 }
 
 void MirrorTable::Delete(RowKey key) {
     stored_->Delete(RowId::FromInteger(key));
+    ++changes_;
+    ++deletions_;
+    if (!loaded_) return;
     StatementLease remove = statements_.Take(deleteSql_);
     remove->Bind(1, key);
     remove->Run();
     --rows_;
-    ++changes_;
-    ++deletions_;
 }
 
 }  // namespace jet::engine

@@ -1,9 +1,11 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "jet/dialect/functions.h"
@@ -28,6 +30,13 @@ class MirrorTable {
     const TableDefinition& Definition() const { return definition_; }
     const std::vector<dialect::ValueKind>& Kinds() const { return kinds_; }
 
+    /// The position of the field with this name in any letter case; Error(NotFound).
+    std::size_t Column(std::string_view name) const;
+
+    /// Rows straight from the file, in its order, with these columns alone. The copy is not asked.
+    void Scan(std::span<const std::size_t> columns,
+              const std::function<void(RowKey, std::span<Value>)>& visit) const;
+
     /// Fills the copy on the first call.
     void Load();
 
@@ -48,7 +57,8 @@ class MirrorTable {
     std::int64_t NextAutoNumber() const;
 
     /// Values are converted to the fields' types, with the errors of ConvertToField.
-    RowKey Insert(storage::Row values);
+    /// The row's number in the auto-number column stands in `number`, where there is one.
+    RowKey Insert(storage::Row values, std::int64_t* number = nullptr);
     /// Writes the changes, whose values are converted already.
     void Update(RowKey key, std::span<const storage::FieldChange> changes);
     void Delete(RowKey key);

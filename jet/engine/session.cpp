@@ -104,11 +104,15 @@ void Session::RequireSound(std::string_view table) const {
 }
 
 MirrorTable& Session::Table(std::string_view name) {
+    MirrorTable& table = UnloadedTable(name);
+    table.Load();
+    return table;
+}
+
+MirrorTable& Session::UnloadedTable(std::string_view name) {
     RequireSound(name);
     for (const auto& table : tables_) {
-        if (!dialect::SameName(table->Definition().name, name)) continue;
-        table->Load();
-        return *table;
+        if (dialect::SameName(table->Definition().name, name)) return *table;
     }
     throw Error(ErrorKind::NotFound, "Cannot find the table '" + std::string(name) + "'");
 }

@@ -46,6 +46,8 @@ class Session {
     const std::vector<DamagedTable>& Damaged() const { return damaged_; }
     /// Error(NotFound) if there is no such table, Error(Damaged); its rows are loaded.
     MirrorTable& Table(std::string_view name);
+    /// The same without its rows.
+    MirrorTable& UnloadedTable(std::string_view name);
     const dialect::Catalog& Catalog() const { return catalog_; }
 
     /// The plan for this signature; `translate` is called when there is none yet.

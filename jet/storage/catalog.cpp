@@ -43,20 +43,20 @@ std::vector<CatalogEntry> Read(Pager& pages) {
                       properties = ColumnOf(objects, "LvProp", ColumnType::Ole);
     std::vector<CatalogEntry> entries;
     const std::vector<std::size_t> wanted{id, name, type, flags};
-    objects.ScanColumns(wanted, [&](RowId row, Row&& object) {
-        const auto kind = As<std::int64_t>(object[type], 0);
+    objects.ScanColumns(wanted, [&](RowId row, std::span<Value> object) {
+        const auto kind = As<std::int64_t>(object[2], 0);
         const bool isLinked = kind == LinkedKind || kind == OdbcKind;
         if (kind != LocalKind && !isLinked) return;
-        if ((static_cast<std::uint32_t>(As<std::int64_t>(object[flags], 0)) & SystemFlags) != 0) {
+        if ((static_cast<std::uint32_t>(As<std::int64_t>(object[3], 0)) & SystemFlags) != 0) {
             return;
         }
         CatalogEntry entry;
-        entry.name = As<std::string>(object[name], {});
+        entry.name = As<std::string>(object[1], {});
         entry.isLinked = isLinked;
         if (isLinked) {
             entry.linkedTo = As<std::string>(objects.ReadColumn(row, database), {});
         } else {
-            entry.definition = static_cast<PageNumber>(As<std::int64_t>(object[id], 0));
+            entry.definition = static_cast<PageNumber>(As<std::int64_t>(object[0], 0));
             entry.requiredColumns =
                 RequiredColumns(As<Bytes>(objects.ReadColumn(row, properties), {}));
         }

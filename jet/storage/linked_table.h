@@ -22,6 +22,10 @@ class LinkedTable final : public TableImplementation {
                (linkedTo_.empty() ? std::string() : " (" + linkedTo_ + ")");
     }
     void Scan(const std::function<void(RowId, Row&&)>& /*visit*/) const override { Refuse(); }
+    void ScanColumns(std::span<const std::size_t> /*columns*/,
+                     const Table::VisitColumns& /*visit*/) const override {
+        Refuse();
+    }
     Row Read(RowId /*row*/) const override { Refuse(); }
     Table::Inserted Insert(std::span<const Value> /*values*/) override { Refuse(); }
     void Update(RowId /*row*/, std::span<const FieldChange> /*changes*/) override { Refuse(); }

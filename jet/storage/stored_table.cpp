@@ -101,14 +101,14 @@ void StoredTable::Scan(const std::function<void(RowId, Row&&)>& visit) const {
 }
 
 void StoredTable::ScanColumns(std::span<const std::size_t> columns,
-                              const std::function<void(RowId, Row&&)>& visit) const {
+                              const Table::VisitColumns& visit) const {
     const Parts& parts = Current();
+    std::vector<Value> values(columns.size());
     parts.rows.ForEach([&](RowId id, std::span<const std::uint8_t> bytes) {
         const RowReader reader(bytes, parts.layout);
-        Row row(definition_.columns.size());
-        for (const std::size_t column : columns)
-            row[column] = Decode(reader, column);
-        visit(id, std::move(row));
+        for (std::size_t i = 0; i < columns.size(); ++i)
+            values[i] = Decode(reader, columns[i]);
+        visit(id, values);
     });
 }
 

@@ -26,6 +26,8 @@ class StoredTable final : public TableImplementation {
     const TableDefinition& Definition() const override { return definition_; }
     std::optional<std::string> ReadOnlyReason() const override;
     void Scan(const std::function<void(RowId, Row&&)>& visit) const override;
+    void ScanColumns(std::span<const std::size_t> columns,
+                     const Table::VisitColumns& visit) const override;
     Row Read(RowId row) const override;
     Table::Inserted Insert(std::span<const Value> values) override;
     void Update(RowId row, std::span<const FieldChange> changes) override;
@@ -34,9 +36,6 @@ class StoredTable final : public TableImplementation {
     std::int32_t NextAutoNumber() const override;
     std::string File() const override { return pages_.Path().string(); }
 
-    /// Scan for a few columns: the others stay Null in the rows and are not looked at.
-    void ScanColumns(std::span<const std::size_t> columns,
-                     const std::function<void(RowId, Row&&)>& visit) const;
     /// One column of one row.
     Value ReadColumn(RowId row, std::size_t column) const;
 

@@ -25,6 +25,10 @@ void Table::Scan(const std::function<void(RowId, Row&&)>& visit) const {
     NamingFile(implementation_->File(), [&] { implementation_->Scan(visit); });
 }
 
+void Table::ScanColumns(std::span<const std::size_t> columns, const VisitColumns& visit) const {
+    NamingFile(implementation_->File(), [&] { implementation_->ScanColumns(columns, visit); });
+}
+
 Row Table::Read(RowId row) const {
     return NamingFile(implementation_->File(), [&] { return implementation_->Read(row); });
 }

@@ -45,6 +45,11 @@ class Table {
     /// Calls `visit` for each row in page order and then slot order.
     void Scan(const std::function<void(RowId, Row&&)>& visit) const;
 
+    /// The values of the wanted columns, in their order; they are overwritten with the next row.
+    using VisitColumns = std::function<void(RowId, std::span<Value>)>;
+    /// The same order with a few columns: the others are not looked at.
+    void ScanColumns(std::span<const std::size_t> columns, const VisitColumns& visit) const;
+
     /// One row. Throws Error(NotFound) if there is none.
     Row Read(RowId row) const;
 

@@ -17,6 +17,8 @@ class TableImplementation {
     virtual const TableDefinition& Definition() const = 0;
     virtual std::optional<std::string> ReadOnlyReason() const = 0;
     virtual void Scan(const std::function<void(RowId, Row&&)>& visit) const = 0;
+    virtual void ScanColumns(std::span<const std::size_t> columns,
+                             const Table::VisitColumns& visit) const = 0;
     virtual Row Read(RowId row) const = 0;
     virtual Table::Inserted Insert(std::span<const Value> values) = 0;
     virtual void Update(RowId row, std::span<const FieldChange> changes) = 0;

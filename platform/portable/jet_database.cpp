@@ -4,6 +4,8 @@
 #include <cerrno>
 #include <sys/stat.h>
 #include <system_error>
+#include <utility>
+#include <vector>
 
 #include "jet/database.h"
 #include "platform/basic_text.h"
@@ -32,6 +34,14 @@ auto Translated(Action action) {
     } catch (const jet::Error& error) {
         throw Failure::Described(NumberOf(error.Kind()), error.what());
     }
+}
+
+std::vector<jet::Database::Field> FieldsToJet(std::span<const FieldValue> fields) {
+    std::vector<jet::Database::Field> converted;
+    converted.reserve(fields.size());
+    for (const FieldValue& field : fields)
+        converted.push_back({field.name, ToJet(field.value)});
+    return converted;
 }
 
 using SharedDatabase = std::shared_ptr<jet::Database>;
@@ -99,6 +109,30 @@ class JetConnection : public Connection {
     }
     std::unique_ptr<RecordSet> OpenTable(std::string_view table) override {
         return Rows([&] { return database_->OpenTable(table); });
+    }
+    void Scan(std::string_view table, std::span<const std::string_view> fields,
+              const VisitRow& visit) override {
+        std::vector<Value> values(fields.size());
+        Translated([&] {
+            database_->Scan(table, fields,
+                            [&](jet::Database::RowKey key, std::span<jet::Value> row) {
+                                for (std::size_t i = 0; i < row.size(); ++i)
+                                    values[i] = FromJet(std::move(row[i]), fields[i]);
+                                visit(RowKey{key}, values);
+                            });
+        });
+    }
+    AddedRow Insert(std::string_view table, std::span<const FieldValue> fields) override {
+        const jet::Database::AddedRow added =
+            Translated([&] { return database_->Insert(table, FieldsToJet(fields)); });
+        return {.key = RowKey{added.key}, .number = added.number};
+    }
+    void Update(std::string_view table, RowKey row, std::span<const FieldValue> fields) override {
+        Translated(
+            [&] { database_->Update(table, static_cast<std::int64_t>(row), FieldsToJet(fields)); });
+    }
+    void Delete(std::string_view table, RowKey row) override {
+        Translated([&] { database_->Delete(table, static_cast<std::int64_t>(row)); });
     }
     void Flush() override {
         Translated([&] { database_->Flush(); });

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstdio>
 #include <string>
+#include <utility>
 
 #include "platform/failure.h"
 
@@ -42,6 +43,7 @@ struct FromJetValue {
     }
     Value operator()(const jet::Decimal& value) const { return NumberOf(value); }
     Value operator()(const jet::Guid& value) const { return TextOf(value); }
+    Value operator()(std::string&& value) const { return std::move(value); }
     Value operator()(const jet::Bytes&) const {
         throw Failure(FailureNumber::TypeMismatch, std::string(field));
     }
@@ -61,6 +63,10 @@ struct ToJetValue {
 
 Value FromJet(const jet::Value& value, std::string_view field) {
     return std::visit(FromJetValue{field}, value);
+}
+
+Value FromJet(jet::Value&& value, std::string_view field) {
+    return std::visit(FromJetValue{field}, std::move(value));
 }
 
 jet::Value ToJet(const Value& value) {

@@ -11,6 +11,7 @@ namespace quillon {
 /// double, a Guid becomes its text in braces. Failure: TypeMismatch for binary content, which the
 /// interface does not carry.
 Value FromJet(const jet::Value& value, std::string_view field);
+Value FromJet(jet::Value&& value, std::string_view field);
 
 /// And back; nothing is lost.
 jet::Value ToJet(const Value& value);

@@ -99,6 +99,27 @@ class FakeConnection : public Connection {
         return std::make_unique<FakeRecordSet>(found->second);
     }
 
+    void Scan(std::string_view table, std::span<const std::string_view> fields,
+              const VisitRow& visit) override {
+        const std::unique_ptr<RecordSet> rows = OpenTable(table);
+        std::vector<Value> values(fields.size());
+        for (std::int64_t key = 1; !rows->IsEof(); rows->MoveNext(), ++key) {
+            for (std::size_t i = 0; i < fields.size(); ++i)
+                values[i] = rows->Get(fields[i]);
+            visit(RowKey{key}, values);
+        }
+    }
+    AddedRow Insert(std::string_view table, std::span<const FieldValue>) override {
+        database_.calls_.Note("Insert " + std::string(table));
+        return {};
+    }
+    void Update(std::string_view table, RowKey, std::span<const FieldValue>) override {
+        database_.calls_.Note("Update " + std::string(table));
+    }
+    void Delete(std::string_view table, RowKey) override {
+        database_.calls_.Note("Delete " + std::string(table));
+    }
+
     void Flush() override { database_.calls_.Note("Flush"); }
 
   private:

@@ -26,8 +26,7 @@ class FaultyCursor : public RecordSet {
     Value Get(std::size_t field) const override { return real_->Get(field); }
     Value Get(std::string_view field) const override { return real_->Get(field); }
     void Set(std::string_view field, const Value& value) override {
-        const auto& refused = connection_.refusedValue_;
-        if (refused && refused->first == field && value == Value(refused->second)) ThrowRefused();
+        connection_.RequireAllowed(field, value);
         real_->Set(field, value);
     }
     void AddNew() override {
@@ -77,6 +76,38 @@ std::unique_ptr<RecordSet> FaultyConnection::OpenUpdatable(std::string_view sql)
 std::unique_ptr<RecordSet> FaultyConnection::OpenTable(std::string_view table) {
     Note("OpenTable " + std::string(table));
     return std::make_unique<FaultyCursor>(*this, table, real_->OpenTable(table));
+}
+
+void FaultyConnection::Scan(std::string_view table, std::span<const std::string_view> fields,
+                            const VisitRow& visit) {
+    Note("Scan " + std::string(table));
+    real_->Scan(table, fields, visit);
+}
+
+AddedRow FaultyConnection::Insert(std::string_view table, std::span<const FieldValue> fields) {
+    Note("Insert " + std::string(table));
+    for (const FieldValue& field : fields)
+        RequireAllowed(field.name, field.value);
+    return real_->Insert(table, fields);
+}
+
+void FaultyConnection::Update(std::string_view table, RowKey row,
+                              std::span<const FieldValue> fields) {
+    Note("Update " + std::string(table));
+    for (const FieldValue& field : fields)
+        RequireAllowed(field.name, field.value);
+    real_->Update(table, row, fields);
+}
+
+void FaultyConnection::Delete(std::string_view table, RowKey row) {
+    Note("Delete " + std::string(table));
+    real_->Delete(table, row);
+}
+
+void FaultyConnection::RequireAllowed(std::string_view field, const Value& value) const {
+    const bool isRefused =
+        refusedValue_ && refusedValue_->first == field && value == Value(refusedValue_->second);
+    if (isRefused) ThrowRefused();
 }
 
 void FaultyConnection::Flush() {

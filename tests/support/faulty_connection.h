@@ -13,7 +13,8 @@
 namespace quillon::support {
 
 /// A database that notes its statements and refuses those that a test names. What a table cursor
-/// does counts as a statement, too: "Filter Tracks ID=5", "AddNew Tracks", "Update Tracks".
+/// does counts as a statement, too: "Filter Tracks ID=5", "AddNew Tracks", "Update Tracks"; so does
+/// what is done by row: "Scan Tracks", "Insert Tracks", "Update Tracks", "Delete Tracks".
 class FaultyConnection : public Connection {
   public:
     explicit FaultyConnection(std::unique_ptr<Connection> real) : real_(std::move(real)) {}
@@ -44,11 +45,17 @@ class FaultyConnection : public Connection {
     std::unique_ptr<RecordSet> Query(std::string_view sql) override;
     std::unique_ptr<RecordSet> OpenUpdatable(std::string_view sql) override;
     std::unique_ptr<RecordSet> OpenTable(std::string_view table) override;
+    void Scan(std::string_view table, std::span<const std::string_view> fields,
+              const VisitRow& visit) override;
+    AddedRow Insert(std::string_view table, std::span<const FieldValue> fields) override;
+    void Update(std::string_view table, RowKey row, std::span<const FieldValue> fields) override;
+    void Delete(std::string_view table, RowKey row) override;
     void Flush() override;
 
   private:
     friend class FaultyCursor;
     void Note(std::string_view statement);
+    void RequireAllowed(std::string_view field, const Value& value) const;
 
     std::unique_ptr<Connection> real_;
     std::vector<std::string> refused_, statements_;
