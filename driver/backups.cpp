@@ -1,5 +1,8 @@
 #include "driver/backups.h"
 
+#include <algorithm>
+#include <cstddef>
+
 #include "platform/basic_text.h"
 #include "platform/failure.h"
 #include "run/paths.h"
@@ -23,6 +26,19 @@ std::string FreeCopyName(Run& run, std::string_view original) {
     for (int number = 2; run.files.FileExists(name) || run.files.FolderExists(name); ++number)
         name = stamped + std::to_string(number) + "_";
     return name;
+}
+
+/// What is missing by itself and listed in its folder may be there again a moment later.
+bool IsThere(Run& run, const std::string& folder) {
+    if (run.files.FolderExists(folder)) return true;
+    const std::size_t slash = folder.rfind('\\');
+    if (slash == std::string::npos) return false;
+    const FolderNames names = run.files.NamesIn(folder.substr(0, slash));
+    const std::string name = folder.substr(slash + 1);
+    const bool isListed = std::ranges::any_of(
+        names.folders, [&name](const std::string& one) { return EqualIgnoringCase(one, name); });
+    if (isListed) throw Failure(FailureNumber::PathFileAccess, folder);
+    return false;
 }
 
 }  // namespace
@@ -58,7 +74,7 @@ Backup TimeStampFolderBackup(Run& run, std::string_view folder) {
     steps.Advising(IsDriveRoot(folder) ? NameAFolder : MakeRoom);
     Backup backup;
     backup.succeeded = steps.Try(5, [&] {
-        if (source.empty() || !run.files.FolderExists(source)) return;
+        if (source.empty() || !IsThere(run, source)) return;
         if (IsDriveRoot(folder)) {
             throw Failure::Described(FailureNumber::InvalidProcedureCall,
                                      std::string(folder) +

@@ -51,20 +51,35 @@ void WriteCaptured(SnapshotWriter& file, const Run& run, const TrackIndex& track
     }
 }
 
-void WriteTakenOver(SnapshotWriter& file, const CapturedPlaylist& playlist) {
-    WriteList(file, playlist.name, playlist.content);
-    for (const CapturedEntry& entry : playlist.entries)
+/// Entries of lists that this run has not read. Their songs may have become others in it.
+void WriteKept(SnapshotWriter& file, const Run& run, const TrackIndex* tracks,
+               const std::vector<CapturedEntry>& entries) {
+    for (CapturedEntry entry : entries) {
+        const std::int32_t present = run.playlistEntries.Present(entry.id);
+        const IndexedTrack* const track =
+            present == entry.id || tracks == nullptr ? nullptr : tracks->FindId(present);
+        if (track != nullptr) {
+            entry.id = present;
+            entry.traits = track->traits;
+        }
         WriteEntry(file, entry);
+    }
+}
+
+void WriteTakenOver(SnapshotWriter& file, const Run& run, const TrackIndex* tracks,
+                    const CapturedPlaylist& playlist) {
+    WriteList(file, playlist.name, playlist.content);
+    WriteKept(file, run, tracks, playlist.entries);
 }
 
 constexpr double SecondsADay = 24 * 60 * 60;
 
-void WritePlaces(SnapshotWriter& file, const CapturedPlaces& places) {
+void WritePlaces(SnapshotWriter& file, const Run& run, const TrackIndex* tracks,
+                 const CapturedPlaces& places) {
     file.Line(PlacesKind).Whole(std::llround(places.time.days * SecondsADay));
     for (const std::string& name : places.names)
         file.Line(ForKind).Text(name);
-    for (const CapturedEntry& entry : places.entries)
-        WriteEntry(file, entry);
+    WriteKept(file, run, tracks, places.entries);
 }
 
 void Write(Run& run, const TrackIndex* tracks, const SnapshotContent& content) {
@@ -76,9 +91,9 @@ void Write(Run& run, const TrackIndex* tracks, const SnapshotContent& content) {
     for (const PlaylistRange& playlist : content.captured)
         WriteCaptured(file, run, *tracks, playlist);
     for (const CapturedPlaylist* const playlist : content.takenOver)
-        WriteTakenOver(file, *playlist);
+        WriteTakenOver(file, run, tracks, *playlist);
     for (const CapturedPlaces& places : content.places)
-        WritePlaces(file, places);
+        WritePlaces(file, run, tracks, places);
     file.Close();
 }
 

@@ -11,6 +11,7 @@
 
 #include "platform/ansi.h"
 #include "platform/basic_text.h"
+#include "platform/failure.h"
 #include "platform/files.h"
 #include "playlists/list_repair.h"
 #include "playlists/pla_line.h"
@@ -34,7 +35,7 @@ class Refreshing {
         : run_(run), entries_(run.playlistEntries), steps_(steps), tracks_(*run.connection) {}
 
     void Perform() {
-        if (tracks_.IsEmpty() || !PlaylistFolderExists(run_)) return;
+        if (tracks_.IsEmpty() || !FolderIsThere()) return;
         for (const FileEntry& file : Counted(run_, FilesInPlaylistFolder(run_))) {
             if (!entries_.ContentOf(file.name) && !HasPlaylistName(file.name)) continue;
             ForOne(file, [&] { Check(file); });
@@ -46,6 +47,13 @@ class Refreshing {
     }
 
   private:
+    /// A folder whose lists have been captured does not go away by itself.
+    bool FolderIsThere() const {
+        if (PlaylistFolderExists(run_)) return true;
+        if (entries_.ReadCount() == 0 && !entries_.HasUnread()) return false;
+        throw Failure(FailureNumber::PathNotFound, run_.settings.PlayListPath);
+    }
+
     /// A failure costs this list alone.
     template <typename Work>
     void ForOne(const FileEntry& file, Work work) {

@@ -68,6 +68,8 @@ class PlaylistEntries {
     void SongBecame(std::int32_t oldId, std::int32_t newId);
     /// It is not: the file could not go.
     void SongStays(std::int32_t id) { became_.erase(id); }
+    /// The row that has the song now.
+    std::int32_t Present(std::int32_t id) const;
     /// Whether the entry was added for another row than the one it has now.
     bool HasBecomeAnother(Position position) const;
 
@@ -109,7 +111,6 @@ class PlaylistEntries {
     std::optional<Position> SongRow(std::int32_t id, Text playlist) const;
     std::optional<Position> PlaceRow(Text cdjid, std::int32_t track, Text playlist) const;
     std::vector<Position> Sorted(const TextPool& texts, Text Row::* text) const;
-    std::int32_t Present(std::int32_t id) const;
     bool IsIn(const std::unordered_set<Text>& names, std::string_view playlist) const;
 
     /// One a field, so that none takes its spelling from another.

@@ -145,6 +145,28 @@ TEST_F(UnreadLists, MeanWhatAnEarlierRunHadCapturedOfThem) {
     EXPECT_THAT(Lines("Bad.pla"), ElementsAre("A0 1", "A0 0"));
 }
 
+TEST_F(UnreadLists, FollowASongWhoseFileWentAsADuplicate) {
+    RefuseBad();
+    CapturePlaylists(run());
+    Entries().SongBecame(1, 2);
+    Entries().Keep();
+    library.Execute("DELETE * FROM Tracks WHERE ID=1");
+    RefreshPlaylist(run());
+    NextRun();
+    library.calls = {};
+    WholeRun();
+    EXPECT_THAT(Lines("Bad.pla"), ElementsAre("A0 1", "A0 2"));
+}
+
+TEST_F(UnreadLists, AreToldWhenTheirFolderGoesAwayDuringTheRun) {
+    CapturePlaylists(run());
+    run().settings.PlayListPath = R"(D:\Away\)";
+    RefreshPlaylist(run());
+    EXPECT_THAT(library.host.log,
+                ElementsAre(R"(Quillon: Refresh Playlist Error: Line 0 Path not found: D:\Away\)"));
+    EXPECT_TRUE(SnapshotExists());
+}
+
 TEST_F(UnreadLists, MeanTheSongsOfTheirOwnTime) {
     RefuseBad();
     RenumberingRun();
