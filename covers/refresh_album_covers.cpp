@@ -6,8 +6,8 @@
 #include <string>
 
 #include "covers/scan_covers.h"
+#include "database/move_to_id.h"
 #include "database/sql.h"
-#include "database/track_numbers.h"
 #include "platform/basic_text.h"
 #include "platform/database.h"
 #include "run/counted.h"

@@ -4,7 +4,6 @@
 #include <string>
 #include <vector>
 
-#include "database/marks.h"
 #include "database/sql.h"
 #include "platform/database.h"
 #include "platform/failure.h"
@@ -14,13 +13,6 @@
 
 namespace quillon {
 namespace {
-
-constexpr std::string_view MarkAlbums =
-    "UPDATE Albums SET Albums.Tracks = 0 WHERE (((Albums.Player)=1001))";
-
-constexpr std::string_view MarkTracks =
-    "UPDATE Albums INNER JOIN Tracks ON Albums.CDJID = Tracks.CDJID "
-    "SET Tracks.Track = 0 WHERE (((Albums.Player)=1001))";
 
 constexpr std::string_view DeleteTracksWithoutFile =
     "DELETE Tracks.* FROM Tracks INNER JOIN Albums ON Tracks.CDJID = Albums.CDJID "
@@ -121,10 +113,6 @@ void RemoveDuplicates(Run& run) {
     const std::string ofDuplicates = "Remove Duplicates Error on Delete Duplicate Query:";
     const std::string ofTracksWithoutFile = "Remove Duplicates Error on SoundFile=Null Query:";
     Steps steps(run, "Remove Duplicates Error:");
-    run.isSecured &= steps.Try(0, [&run] { TakeMarkSnapshot(run); });
-    if (!run.isSecured) return;
-    steps.TryAs("Remove Duplicates Error on Album Tracks=0 Query:", 1,
-                [&run] { run.connection->Execute(MarkAlbums); });
     std::vector<std::string> withDuplicate, withoutFile;
     const bool duplicatesKnown = steps.TryAs(
         ofDuplicates, 2, [&] { AddFiles(run, WithDuplicatedIdentifier, withDuplicate); });
@@ -136,8 +124,6 @@ void RemoveDuplicates(Run& run) {
         const bool removed = steps.TryAs(ofDuplicates, 2, [&run] { DeleteDuplicates(run); });
         if (removed) NoteRemoved(run, withDuplicate);
     }
-    steps.TryAs("Remove Duplicates Error on Track=0 Query:", 3,
-                [&run] { run.connection->Execute(MarkTracks); });
     if (mayRemove && withoutFileKnown)
         steps.TryAs(ofTracksWithoutFile, 4, [&run] { DeleteWithoutFile(run); });
 }

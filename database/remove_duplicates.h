@@ -11,10 +11,10 @@ constexpr std::string_view DuplicatedIdentifiers =
 
 class Run;
 
-/// Marks every owned album and track as not yet found in the folders, and removes what cannot be
-/// reconciled: all rows of an identifier that several albums carry, and owned tracks without a
-/// sound file. The mark snapshot is taken first; without it nothing is marked. Each statement's
-/// failure is logged and the next one runs.
+/// Removes what cannot be reconciled: all rows of an identifier that several albums carry, and
+/// owned tracks without a sound file. Each statement's failure is logged and the next one runs.
+/// (That all rows count as not yet found from now on is the folder walk's affair, which keeps it in
+/// memory.)
 void RemoveDuplicates(Run& run);
 
 }  // namespace quillon

@@ -5,12 +5,16 @@
 
 namespace quillon {
 
-std::string Quoted(std::string_view value) {
+void RefuseQuote(std::string_view value) {
     if (value.find('"') != std::string_view::npos) {
         throw Failure::Described(
             FailureNumber::Database,
             "Syntax error (missing operator) in query expression: " + std::string(value));
     }
+}
+
+std::string Quoted(std::string_view value) {
+    RefuseQuote(value);
     return '"' + std::string(value) + '"';
 }
 

@@ -10,6 +10,10 @@ namespace quillon {
 /// it is a Failure here, as the statement would be one in the database.
 std::string Quoted(std::string_view value);
 
+/// Refuses a value that no such statement could hold, where none is needed any more: rows that were
+/// told by it so far are to be told by it still.
+void RefuseQuote(std::string_view value);
+
 /// A text value between single quotes for record-set filters; apostrophes inside are doubled, so
 /// that the value is matched as it is.
 std::string FilterQuoted(std::string_view value);

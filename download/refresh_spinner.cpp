@@ -4,8 +4,8 @@
 #include <memory>
 #include <string>
 
+#include "database/move_to_id.h"
 #include "database/sql.h"
-#include "database/track_numbers.h"
 #include "platform/basic_text.h"
 #include "platform/database.h"
 #include "platform/failure.h"

@@ -21,8 +21,6 @@ namespace {
 constexpr std::string_view PluginName = "Quillon";
 constexpr std::string_view PluginMissing =
     "Quillon must be enabled to perform management activities";
-constexpr std::string_view EarlierRunInterrupted =
-    "An earlier run was interrupted; giving back the track numbers that it had set aside";
 
 }  // namespace
 
@@ -79,7 +77,6 @@ RunOutcome LibraryForm::main() {
             if (run_.AbortRequested) outcome = RunOutcome::Aborted;
             return;
         }
-        GiveBackForgottenMarks();
         procedures_.BuildORsRecordset(run_);
         procedures_.PopulateGenre(run_);
         if (mode != nullptr) outcome = UpdateDatabase(*mode);
@@ -91,6 +88,7 @@ RunOutcome LibraryForm::main() {
     run_.connection.reset();
     run_.GenreDictionary.clear();
     run_.playlistEntries = {};
+    run_.numbersOfTags.clear();
     return outcome;
 }
 
@@ -125,12 +123,6 @@ void LibraryForm::ReadGenreNames() {
         }
         run_.GenreNames[static_cast<std::size_t>(id)] = rows->Text("Genre");
     }
-}
-
-void LibraryForm::GiveBackForgottenMarks() {
-    if (!procedures_.MarkSnapshotExists(run_)) return;
-    WriteLog(run_, LogSource, EarlierRunInterrupted);
-    procedures_.RestoreMarks(run_);
 }
 
 void LibraryForm::Release() {

@@ -48,7 +48,6 @@ class LibraryForm {
     void RefuseMisspeltSettings();
     void HideIndicators();
     void ReadGenreNames();
-    void GiveBackForgottenMarks();
     void Release();
 
     // The modes.
@@ -63,7 +62,6 @@ class LibraryForm {
     bool RequireOwnPlaces(const Mode& mode);
     bool MakeBackups(const BackupPlan& plan);
     void Perform(const Procedures::Work& work);
-    bool GiveBackMarks();
     RunOutcome Outcome() const;
 
     Run& run_;

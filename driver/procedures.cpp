@@ -2,7 +2,6 @@
 
 #include "covers/album_picker.h"
 #include "covers/refresh_album_covers.h"
-#include "database/marks.h"
 #include "database/remove_duplicates.h"
 #include "download/populate_spinner_artist.h"
 #include "download/populate_spinner_tracks.h"
@@ -24,8 +23,6 @@ namespace quillon {
 
 Procedures AvailableProcedures() {
     Procedures procedures;
-    procedures.MarkSnapshotExists = MarkSnapshotExists;
-    procedures.RestoreMarks = RestoreMarks;
     procedures.PopulateGenre = PopulateGenre;
     procedures.BuildORsRecordset = BuildORsRecordset;
     procedures.CapturePlaylists = CapturePlaylists;

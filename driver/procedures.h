@@ -12,8 +12,6 @@ struct Procedures {
     using Work = std::function<void(Run&)>;
 
     // Start-up, beside the driver's own.
-    std::function<bool(Run&)> MarkSnapshotExists;
-    Work RestoreMarks;
     Work BuildORsRecordset;
     Work PopulateGenre;
 

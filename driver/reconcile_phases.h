@@ -32,10 +32,6 @@ struct ReconcilePhase {
     ProcedureName preparation = nullptr;
     /// Null: the phase has no work at all, by design.
     ProcedureName work = nullptr;
-
-    /// Whether rows may stay marked as not found behind this phase. Behind every other one the
-    /// driver gives back the counts and numbers that are still set aside.
-    bool leavesMarks = false;
 };
 
 /// All phases, in their order: each builds on what those before it left in the database.

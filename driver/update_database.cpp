@@ -1,10 +1,8 @@
-#include <array>
 #include <initializer_list>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "database/marks.h"
 #include "driver/backups.h"
 #include "driver/library_form.h"
 #include "driver/unfinished_files.h"
@@ -20,8 +18,8 @@ constexpr std::string_view StopsHere =
     "cannot be kept. The next run goes on";
 
 /// What a reconciliation keeps beside the database while it works.
-std::array<std::string, 2> OwnFiles(const Settings& settings) {
-    return {MarkSnapshotPath(settings.Nirvis_CDJ_DB), PlaylistSnapshotPath(settings.Nirvis_CDJ_DB)};
+std::string OwnFile(const Settings& settings) {
+    return PlaylistSnapshotPath(settings.Nirvis_CDJ_DB);
 }
 
 }  // namespace
@@ -75,11 +73,7 @@ void LibraryForm::RunPhases(const ReconcileScope& scope) {
             WriteLog(run_, LogSource, StopsHere);
             break;
         }
-        // A playlist repaired while tracks have no numbers would lose every position, so nothing
-        // goes on while they cannot be given back.
-        if (!phase.leavesMarks && !GiveBackMarks()) return;
     }
-    GiveBackMarks();
 }
 
 bool LibraryForm::StartPhase(const ReconcilePhase& phase) {
@@ -114,10 +108,7 @@ bool LibraryForm::RequireOwnPlaces(const Mode& mode) {
     steps.Advising(
         "nothing was changed. A run keeps a file of its own there: remove what has that name, or "
         "give this account the right to write there, and run again");
-    return steps.Try(0, [&] {
-        for (const std::string& path : OwnFiles(run_.settings))
-            run_.files.CreateOwnText(path);
-    });
+    return steps.Try(0, [&] { run_.files.CreateOwnText(OwnFile(run_.settings)); });
 }
 
 /// The dated copies; false when one failed. They are made before anything writes to the database,
@@ -134,9 +125,8 @@ bool LibraryForm::MakeBackups(const BackupPlan& plan) {
         made = isMade(TimeStampBackup(run_, settings.Nirvis_CDJ_DB));
         // What an interrupted run has left beside it goes along: the one is only whole with the
         // other.
-        for (const std::string& path : OwnFiles(settings)) {
-            if (made && run_.files.FileExists(path)) made = isMade(TimeStampBackup(run_, path));
-        }
+        const std::string own = OwnFile(settings);
+        if (made && run_.files.FileExists(own)) made = isMade(TimeStampBackup(run_, own));
     }
     if (made && plan.playListPath)
         made = isMade(TimeStampFolderBackup(run_, settings.PlayListPath));
@@ -149,13 +139,6 @@ bool LibraryForm::MakeBackups(const BackupPlan& plan) {
 void LibraryForm::Perform(const Procedures::Work& work) {
     updateSteps_.Try(0, [&] { work(run_); });
     updateSteps_.Try(0, [&] { run_.Flush(); });
-}
-
-/// Gives back what is still set aside; false when that failed.
-bool LibraryForm::GiveBackMarks() {
-    return updateSteps_.Try(0, [&] {
-        if (procedures_.MarkSnapshotExists(run_)) procedures_.RestoreMarks(run_);
-    });
 }
 
 RunOutcome LibraryForm::Outcome() const {

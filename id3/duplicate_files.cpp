@@ -7,7 +7,7 @@
 #include <string_view>
 #include <utility>
 
-#include "database/track_numbers.h"
+#include "database/move_to_id.h"
 #include "id3/same_sound.h"
 #include "id3/sound_file_row.h"
 #include "id3/verify_steps.h"

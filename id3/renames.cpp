@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "database/track_numbers.h"
+#include "database/move_to_id.h"
 #include "id3/song_title.h"
 #include "id3/sound_file_row.h"
 #include "id3/temporary_name.h"

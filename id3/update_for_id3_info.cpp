@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "database/track_numbers.h"
+#include "database/move_to_id.h"
 #include "id3/sound_file_row.h"
 #include "platform/basic_text.h"
 #include "run/run.h"
@@ -26,10 +26,6 @@ Changes WantedChanges(const SoundFileRow& row, const ComparedFile& file) {
         // What stands before the path stays there.
         if (!row.soundFile.ends_with(file.path)) wanted.emplace_back("SoundFile", file.path);
         if (row.title != *file.newTitle) wanted.emplace_back("Title", *file.newTitle);
-    }
-    if (IsNumeric(file.track)) {
-        const std::int64_t track = ToInteger(file.track);
-        if (track > 0 && track != row.track) wanted.emplace_back("Track", track);
     }
     if (!row.Length() && IsNumeric(file.seconds)) {
         const std::int32_t seconds = ToLong(file.seconds);
@@ -52,6 +48,8 @@ void UpdateForID3Info(Run& run, RecordSet& tracks, const ComparedFile& file) {
         const std::optional<SoundFileRow> row = FindSoundFileRow(*run.connection, file.path);
         if (!row) return;
         id = row->id;
+        const std::int16_t number = IsNumeric(file.track) ? ToInteger(file.track) : std::int16_t{0};
+        if (number > 0) run.numbersOfTags[id] = number;
         changes = WantedChanges(*row, file);
     });
     if (changes.empty()) return;

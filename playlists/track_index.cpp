@@ -1,8 +1,9 @@
 #include "playlists/track_index.h"
 
-#include <memory>
+#include <array>
+#include <string>
+#include <variant>
 
-#include "database/mark_snapshot.h"
 #include "database/snapshot_file.h"
 #include "run/paths.h"
 
@@ -17,24 +18,39 @@ std::uint32_t PlaceHash(TextPool::Number album, std::int32_t number) {
     return MixedHash(album, static_cast<std::uint32_t>(number));
 }
 
-SongTraits TraitsOf(const RecordSet& row) {
-    std::string path = row.Text("SoundFile");
-    path.erase(0, GetDrive(path).size());
-    return {.soundFile = Fingerprint(path),
-            .origin = OriginFingerprint(path, row.Get("DateAdded"))};
+/// What stays when the file is renamed in its folder.
+std::uint32_t OriginFingerprint(std::string_view soundFile, const Value& dateAdded) {
+    std::string origin(soundFile.substr(0, soundFile.rfind('\\') + 1));
+    if (const auto* const date = std::get_if<DateTime>(&dateAdded))
+        origin += std::to_string(date->days);
+    return Fingerprint(origin);
+}
+
+SongTraits TraitsOf(const Value& soundFile, const Value& dateAdded) {
+    const auto* const text = std::get_if<std::string>(&soundFile);
+    std::string_view path = text == nullptr ? std::string_view() : *text;
+    path.remove_prefix(GetDrive(path).size());
+    return {.soundFile = Fingerprint(path), .origin = OriginFingerprint(path, dateAdded)};
+}
+
+std::int32_t NumberOf(const Value& value) {
+    const auto* const number = std::get_if<std::int64_t>(&value);
+    return number == nullptr ? 0 : static_cast<std::int32_t>(*number);
 }
 
 }  // namespace
 
 TrackIndex::TrackIndex(Connection& connection) {
-    const std::unique_ptr<RecordSet> rows = connection.Query(
-        "SELECT ID, CDJID, Track, SoundFile, DateAdded FROM Tracks WHERE CDJID Is Not Null");
-    for (; !rows->IsEof(); rows->MoveNext()) {
-        Add({.id = static_cast<std::int32_t>(rows->Integer("ID")),
-             .number = static_cast<std::int32_t>(rows->Integer("Track")),
-             .album = cdjids_.Add(rows->Text("CDJID")),
-             .traits = TraitsOf(*rows)});
-    }
+    constexpr std::array<std::string_view, 5> Fields{"ID", "CDJID", "Track", "SoundFile",
+                                                     "DateAdded"};
+    connection.Scan("Tracks", Fields, [this](RowKey, std::span<const Value> row) {
+        const auto* const cdjid = std::get_if<std::string>(&row[1]);
+        if (cdjid == nullptr) return;
+        Add({.id = NumberOf(row[0]),
+             .number = NumberOf(row[2]),
+             .album = cdjids_.Add(*cdjid),
+             .traits = TraitsOf(row[3], row[4])});
+    });
 }
 
 void TrackIndex::Add(const IndexedTrack& track) {

@@ -3,6 +3,8 @@
 #include <algorithm>
 
 #include "platform/files.h"
+#include "reconcile/unlisted.h"
+#include "reconcile/walk.h"
 #include "run/library_lists.h"
 #include "run/log.h"
 #include "run/paths.h"
@@ -26,12 +28,13 @@ std::vector<std::string> AbsentLibraryFolders(Run& run) {
     return absent;
 }
 
-void KeepRowsBelow(Run& run, std::vector<UnlistedFolder> unlisted,
-                   const std::vector<std::string>& absent) {
+void KeepRowsBelow(Walk& walk, const std::vector<std::string>& absent) {
+    Run& run = walk.run;
+    std::vector<UnlistedFolder> unlisted = walk.unlisted;
     const std::size_t visited = unlisted.size();
     for (const std::string& folder : absent)
         unlisted.push_back({folder, "", ""});
-    const std::vector<std::size_t> kept = RestoreMarksBelow(run, unlisted);
+    const std::vector<std::size_t> kept = KeepBelow(walk.library, unlisted);
     for (std::size_t i = visited; i < unlisted.size(); ++i) {
         if (kept[i] == 0) continue;
         LogError(run, LogSource,

@@ -5,9 +5,9 @@
 #include <string>
 #include <string_view>
 
+#include "database/move_to_id.h"
 #include "database/spinner_rows.h"
 #include "database/sql.h"
-#include "database/track_numbers.h"
 #include "id3/tag_reader.h"
 #include "platform/basic_text.h"
 #include "platform/clock.h"
@@ -169,8 +169,10 @@ void Addition::FindOrAddAlbum() {
     if (next.empty()) {
         throw Failure::Described(FailureNumber::Database, "No identifier for album " + file_.album);
     }
-    AddAlbumRow(albums_, run_.clock.Now(),
-                {.cdjid = next, .artist = file_.artist, .title = file_.album, .trackCount = 0});
+    AddRow(albums_, FieldsOf(run_.clock.Now(), NewAlbum{.cdjid = next,
+                                                        .artist = file_.artist,
+                                                        .title = file_.album,
+                                                        .trackCount = 0}));
     UndoRow(albums_);
     cdjid_ = next;
     isNewAlbum_ = true;
@@ -249,13 +251,12 @@ void Addition::AddRows() {
         albums_.Update();
     });
     // A reconciliation puts the artist's folder into the track's artist.
-    AddTrackRow(*adding_.tracks, run_.clock.Now(),
-                {.cdjid = cdjid_,
-                 .number = file_.track,
-                 .title = file_.title,
-                 .artist = std::nullopt,
-                 .soundFile = target_,
-                 .album = file_.album});
+    AddRow(*adding_.tracks, FieldsOf(run_.clock.Now(), NewTrack{.cdjid = cdjid_,
+                                                                .number = file_.track,
+                                                                .title = file_.title,
+                                                                .artist = std::nullopt,
+                                                                .soundFile = target_,
+                                                                .album = file_.album}));
     UndoRow(*adding_.tracks);
     RecordSet& spinner = *adding_.spinner;
     spinner.AddNew();

@@ -39,8 +39,7 @@ class FlatWalk {
         }
         for (const std::string& root : unlistedRoots)
             walk_.unlisted.push_back({root, "", ""});
-        const bool known = steps_.Try(3, [&] { HideAlbumsBelow(walk_, unlistedRoots); });
-        if (!known) return KeepAll();
+        HideAlbumsBelow(walk_, unlistedRoots);
         for (const Group& group : Counted(run_, groups_))
             RefreshAlbum(group);
     }
@@ -95,11 +94,6 @@ class FlatWalk {
             return;
         }
         ProcessAlbum(walk_, std::move(album), std::move(files));
-    }
-
-    void KeepAll() {
-        for (const WalkedRoot& root : walk_.roots)
-            walk_.unlisted.push_back({root.path, "", ""});
     }
 
     Walk& walk_;

@@ -5,9 +5,7 @@
 #include <unordered_map>
 #include <unordered_set>
 
-#include "database/missing_tracks.h"
 #include "platform/basic_text.h"
-#include "platform/database.h"
 #include "reconcile/walk.h"
 #include "run/log.h"
 #include "run/paths.h"
@@ -15,9 +13,6 @@
 
 namespace quillon {
 namespace {
-
-constexpr std::string_view OwnedTracks =
-    "FROM Albums INNER JOIN Tracks ON Albums.CDJID = Tracks.CDJID WHERE Albums.Player=1001";
 
 /// The library folders, and what is doubtful about tracks below them that are missing.
 class Doubts {
@@ -58,45 +53,32 @@ class Doubts {
     std::size_t outside_ = 0;
 };
 
-void FindTracks(Connection& connection, MissingMusic& missing) {
-    const std::unique_ptr<RecordSet> rows = connection.Query(
-        "SELECT Tracks.SoundFile, Albums.ID " + std::string(OwnedTracks) + " AND Tracks.Track=0");
-    for (; !rows->IsEof(); rows->MoveNext())
-        missing.tracks.push_back({rows->Text("SoundFile"), rows->Integer("ID")});
-}
-
-void FindAlbums(Connection& connection, MissingMusic& missing) {
-    std::unordered_map<std::int64_t, std::size_t> tracks;
-    for (const MissingMusic::Track& track : missing.tracks)
-        ++tracks[track.album];
-    const std::unique_ptr<RecordSet> rows =
-        connection.Query("SELECT ID, Artist, Title FROM Albums WHERE Tracks=0 AND Player=1001");
-    for (; !rows->IsEof(); rows->MoveNext()) {
-        const std::int64_t id = rows->Integer("ID");
-        missing.albums.push_back(
-            {id, rows->Text("Artist") + '\\' + rows->Text("Title"), tracks[id]});
-    }
-}
-
 /// ", 2 tracks"; nothing for none.
 std::string TracksText(std::size_t count) {
     if (count == 0) return "";
     return ", " + std::to_string(count) + (count == 1 ? " track" : " tracks");
 }
 
+std::string NameOf(const AlbumRow& album) {
+    return album.artist + '\\' + album.title;
+}
+
 void TellWhatIsGone(Run& run, const MissingMusic& missing, bool albumsAreGone) {
-    std::unordered_set<std::int64_t> told;
+    std::unordered_map<const AlbumRow*, std::size_t> tracks;
+    for (const MissingMusic::Track& track : missing.tracks)
+        ++tracks[track.album];
+    std::unordered_set<const AlbumRow*> told;
     if (albumsAreGone) {
-        for (const MissingMusic::Album& album : missing.albums) {
-            told.insert(album.id);
+        for (const AlbumRow* const album : missing.albums) {
+            told.insert(album);
             WriteLog(run, LogSource,
-                     "Album removed, its files were not found: " + album.name +
-                         TracksText(album.tracks));
+                     "Album removed, its files were not found: " + NameOf(*album) +
+                         TracksText(tracks[album]));
         }
     }
     for (const MissingMusic::Track& track : missing.tracks) {
         if (told.contains(track.album)) continue;
-        WriteLog(run, LogSource, "Track removed, its file was not found: " + track.soundFile);
+        WriteLog(run, LogSource, "Track removed, its file was not found: " + track.row->soundFile);
     }
 }
 
@@ -104,32 +86,48 @@ void TellWhatIsGone(Run& run, const MissingMusic& missing, bool albumsAreGone) {
 
 MissingMusic FindMissingMusic(Walk& walk) {
     MissingMusic missing;
-    Connection& connection = *walk.run.connection;
-    FindTracks(connection, missing);
-    FindAlbums(connection, missing);
-    if (missing.tracks.empty()) return missing;
-    const std::unique_ptr<RecordSet> owned =
-        connection.Query("SELECT Count(*) AS Total " + std::string(OwnedTracks));
-    missing.planned.outOf = static_cast<std::size_t>(owned->Integer("Total"));
     Doubts doubts(walk.roots);
-    for (const MissingMusic::Track& track : missing.tracks) {
+    std::size_t owned = 0;
+    for (TrackRow& track : walk.library.Tracks()) {
+        if (track.isGone) continue;
+        ++owned;
+        if (track.number.Value() != 0) continue;
+        missing.tracks.push_back({&track, walk.library.AlbumOf(track)});
         missing.planned.names.push_back(track.soundFile);
         doubts.Look(track.soundFile);
     }
+    for (AlbumRow& album : walk.library.Albums()) {
+        if (!album.isGone && album.count.Value() == 0) missing.albums.push_back(&album);
+    }
+    missing.planned.outOf = owned;
     missing.planned.doubt = doubts.Clause();
     return missing;
+}
+
+bool DeleteMissingTracks(Walk& walk, const MissingMusic& missing) {
+    Steps steps(walk.run, "Delete Missing Tracks Error:");
+    return steps.Try(0, [&] {
+        for (const MissingMusic::Track& track : missing.tracks) {
+            walk.library.Remove(*track.row);
+            ++walk.run.counts.tracksRemoved;
+            walk.run.removals.Note(Removable::Tracks, track.row->soundFile);
+        }
+    });
 }
 
 void SweepMissingMusic(Walk& walk, const MissingMusic& missing) {
     Run& run = walk.run;
     Steps steps(run, "RefreshDatabase");
-    const bool tracksAreGone = DeleteMissingTracks(run);
-    const bool albumsAreGone =
-        steps.TryAs("Refresh Database Track=0 Query", 3, [&run] { DeleteMissingAlbums(run); });
-    if (!tracksAreGone) return;
-    for (const std::string& name : missing.planned.names)
-        run.removals.Note(Removable::Tracks, name);
-    TellWhatIsGone(run, missing, albumsAreGone);
+    const bool tracksAreGone = DeleteMissingTracks(walk, missing);
+    const bool albumsAreGone = steps.TryAs("Refresh Database Track=0 Query", 3, [&] {
+        for (AlbumRow* const album : missing.albums) {
+            // Its tracks could not be removed, and would be nobody's.
+            if (!tracksAreGone && !walk.library.TracksOf(album->cdjid).empty()) continue;
+            walk.library.Remove(*album);
+            ++run.counts.albumsRemoved;
+        }
+    });
+    if (tracksAreGone) TellWhatIsGone(run, missing, albumsAreGone);
 }
 
 }  // namespace quillon

@@ -1,9 +1,8 @@
 #pragma once
 
-#include <cstdint>
-#include <string>
 #include <vector>
 
+#include "library/rows.h"
 #include "run/removals.h"
 
 namespace quillon {
@@ -13,17 +12,12 @@ struct Walk;
 /// The owned tracks and albums that a walk did not find.
 struct MissingMusic {
     struct Track {
-        std::string soundFile;
-        std::int64_t album = 0;  ///< row ID
-    };
-    struct Album {
-        std::int64_t id = 0;
-        std::string name;
-        std::size_t tracks = 0;  ///< of the missing ones
+        TrackRow* row = nullptr;
+        const AlbumRow* album = nullptr;  ///< null: none has its identifier
     };
 
     std::vector<Track> tracks;
-    std::vector<Album> albums;
+    std::vector<AlbumRow*> albums;
 
     /// The same for the brake, with what makes it doubtful that they are gone: a library folder
     /// without any music, such as the mount point of a drive that is away, or tracks that lie in
@@ -31,10 +25,14 @@ struct MissingMusic {
     PlannedRemoval planned;
 };
 
-/// What the sweeps would remove after this walk. Throws Failure.
+/// What the sweeps would remove after this walk.
 MissingMusic FindMissingMusic(Walk& walk);
 
-/// Sweeps it, tells of each album, and of each track of an album that stays. Failures are logged.
+/// Removes the tracks among it. A failure is logged; whether there was none.
+bool DeleteMissingTracks(Walk& walk, const MissingMusic& missing);
+
+/// Sweeps it, the tracks of a vanished album before the album; tells of each album, and of each
+/// track of an album that stays. Failures are logged.
 void SweepMissingMusic(Walk& walk, const MissingMusic& missing);
 
 }  // namespace quillon

@@ -10,55 +10,59 @@ namespace {
 
 constexpr std::int64_t Zero = 0, Unknown = -1;
 
-void SetZero(RecordSet& row, std::initializer_list<std::string_view> fields) {
-    for (const std::string_view field : fields)
-        row.Set(field, Zero);
+void AddZeros(std::vector<FieldValue>& fields, std::initializer_list<std::string_view> names) {
+    for (const std::string_view name : names)
+        fields.push_back({name, Zero});
 }
 
-void SetDates(RecordSet& row, DateTime added) {
-    row.Set("DateAdded", added);
-    row.Set("DateReleased", DateTime{});
-    row.Set("DateLastPlayed", DateTime{});
+void AddDates(std::vector<FieldValue>& fields, DateTime added) {
+    fields.push_back({"DateAdded", added});
+    fields.push_back({"DateReleased", DateTime{}});
+    fields.push_back({"DateLastPlayed", DateTime{}});
 }
 
 }  // namespace
 
-void AddAlbumRow(RecordSet& albums, DateTime now, const NewAlbum& album) {
-    albums.AddNew();
-    albums.Set("CDJID", album.cdjid);
-    albums.Set("Title", album.title);
-    albums.Set("Artist", album.artist);
-    albums.Set("Player", OwnedPlayer);
-    albums.Set("LocationValid", true);
-    albums.Set("Position", Zero);
-    albums.Set("FrameOffset", Unknown);
-    albums.Set("Frames", Zero);
-    albums.Set("Group", Unknown);
-    SetDates(albums, now);
-    albums.Set("Tracks", std::int64_t{album.trackCount});
-    albums.Set("Minutes", Unknown);
-    albums.Set("Seconds", Unknown);
-    SetZero(albums,
-            {"Rating1", "Rating2", "Rating3", "Rating4", "TimesPlayed", "TimePlayed", "Position"});
-    albums.Set("NeverPlay", false);
-    albums.Update();
+std::vector<FieldValue> FieldsOf(DateTime now, const NewAlbum& album) {
+    std::vector<FieldValue> fields{{"CDJID", album.cdjid},
+                                   {"Title", album.title},
+                                   {"Artist", album.artist},
+                                   {"Player", OwnedPlayer},
+                                   {"LocationValid", true},
+                                   {"FrameOffset", Unknown},
+                                   {"Frames", Zero},
+                                   {"Group", Unknown},
+                                   {"Tracks", std::int64_t{album.trackCount}},
+                                   {"Minutes", Unknown},
+                                   {"Seconds", Unknown},
+                                   {"NeverPlay", false}};
+    AddDates(fields, now);
+    AddZeros(fields,
+             {"Rating1", "Rating2", "Rating3", "Rating4", "TimesPlayed", "TimePlayed", "Position"});
+    return fields;
 }
 
-void AddTrackRow(RecordSet& tracks, DateTime now, const NewTrack& track) {
-    tracks.AddNew();
-    tracks.Set("CDJID", track.cdjid);
-    tracks.Set("Minutes", track.minutes);
-    tracks.Set("Seconds", track.seconds);
-    tracks.Set("Track", track.number);
-    tracks.Set("Title", track.title);
-    if (track.artist) tracks.Set("Artist", *track.artist);
-    tracks.Set("SoundFile", track.soundFile);
-    tracks.Set("Notes", "Album: " + track.album);
-    SetDates(tracks, now);
-    SetZero(tracks, {"Frames", "Rating1", "Rating2", "Rating3", "Rating4", "TimesPlayed",
-                     "TimePlayed", "Group"});
-    tracks.Set("NeverPlay", false);
-    tracks.Update();
+std::vector<FieldValue> FieldsOf(DateTime now, const NewTrack& track) {
+    std::vector<FieldValue> fields{{"CDJID", track.cdjid},
+                                   {"Minutes", track.minutes},
+                                   {"Seconds", track.seconds},
+                                   {"Track", track.number},
+                                   {"Title", track.title},
+                                   {"SoundFile", track.soundFile},
+                                   {"Notes", "Album: " + track.album},
+                                   {"NeverPlay", false}};
+    if (track.artist) fields.push_back({"Artist", *track.artist});
+    AddDates(fields, now);
+    AddZeros(fields, {"Frames", "Rating1", "Rating2", "Rating3", "Rating4", "TimesPlayed",
+                      "TimePlayed", "Group"});
+    return fields;
+}
+
+void AddRow(RecordSet& table, const std::vector<FieldValue>& fields) {
+    table.AddNew();
+    for (const FieldValue& field : fields)
+        table.Set(field.name, field.value);
+    table.Update();
 }
 
 }  // namespace quillon

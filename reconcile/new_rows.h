@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "platform/database.h"
 #include "platform/date_time.h"
@@ -29,10 +30,12 @@ struct NewTrack {
     std::string album;  ///< its title
 };
 
-/// Add a row through a table cursor, which then stands on it. Everything that such rows have in
-/// common gets its first value. Failure: what the database refuses; the cursor then still holds the
-/// refused values.
-void AddAlbumRow(RecordSet& albums, DateTime now, const NewAlbum& album);
-void AddTrackRow(RecordSet& tracks, DateTime now, const NewTrack& track);
+/// All fields of such a row; those in common have their first values.
+std::vector<FieldValue> FieldsOf(DateTime now, const NewAlbum& album);
+std::vector<FieldValue> FieldsOf(DateTime now, const NewTrack& track);
+
+/// Adds a row through a table cursor, which then stands on it. Failure: what the database refuses;
+/// the cursor then still holds the refused values.
+void AddRow(RecordSet& table, const std::vector<FieldValue>& fields);
 
 }  // namespace quillon

@@ -4,13 +4,12 @@
 #include <string>
 #include <vector>
 
-#include "database/mark_snapshot.h"
-#include "database/marks.h"
 #include "platform/files.h"
 #include "reconcile/absent_folders.h"
 #include "reconcile/folder_walk.h"
 #include "reconcile/left_out_music.h"
 #include "reconcile/missing_music.h"
+#include "reconcile/unlisted.h"
 #include "reconcile/walk.h"
 #include "reconcile/walked_album.h"
 #include "run/library_root.h"
@@ -21,13 +20,6 @@
 namespace quillon {
 namespace {
 
-/// The counts and numbers before marking; none when nothing was marked.
-MarkSnapshot NumbersBefore(Run& run) {
-    if (!MarkSnapshotExists(run)) return {};
-    const std::string path = MarkSnapshotPath(run.settings.Nirvis_CDJ_DB);
-    return ReadMarkSnapshot(run.files, path).value_or(MarkSnapshot());
-}
-
 /// Where the root only holds the library folders, or lists of them, the walk does not see its
 /// files.
 void NoteLooseFiles(Run& run) {
@@ -37,21 +29,25 @@ void NoteLooseFiles(Run& run) {
     LeftOutMusic(run.files, run.leftOut).NoteLoose(settings.LibraryRoot, names.files);
 }
 
-/// Removes what the walk did not find and ends the marked state; false when nothing may be removed.
+/// Removes what the walk did not find; false when nothing may be removed.
 bool Sweep(Walk& walk, const std::vector<std::string>& absent) {
     Run& run = walk.run;
     if (run.AbortRequested) return false;
-    Steps steps(run, "RefreshDatabase");
-    MissingMusic missing;
-    const bool isKnown = steps.Try(3, [&] {
-        KeepRowsBelow(run, walk.unlisted, absent);
-        missing = FindMissingMusic(walk);
-    });
-    if (!isKnown || run.removals.Braked() || !run.removals.Allow(run, missing.planned))
-        return false;
+    KeepRowsBelow(walk, absent);
+    const MissingMusic missing = FindMissingMusic(walk);
+    if (run.removals.Braked() || !run.removals.Allow(run, missing.planned)) return false;
     SweepMissingMusic(walk, missing);
-    steps.Try(3, [&run] { DiscardMarkSnapshot(run); });
     return true;
+}
+
+/// All rows have the counts and numbers again that they had, since playlists name songs by them.
+void TakeBackNumbers(Walk& walk, Steps& steps) {
+    RunCounts& counts = walk.run.counts;
+    counts.albumsChanged -= walk.recounted;
+    counts.albumsUnchanged += walk.recounted;
+    counts.tracksChanged -= walk.renumbered;
+    counts.tracksUnchanged += walk.renumbered;
+    steps.Try(3, [&walk] { GiveBackAll(walk.library); });
 }
 
 }  // namespace
@@ -68,10 +64,10 @@ void RefreshDatabase(Run& run) {
         return;
     }
 
-    Walk walk(run);
+    std::optional<Walk> begun;
+    if (!steps.Try(1, [&] { begun.emplace(run); })) return;
+    Walk& walk = *begun;
     std::vector<std::string> absent;
-    // The numbers that were marked decide about new ones.
-    if (!steps.Try(1, [&] { walk.before = NumbersBefore(run); })) return;
     const bool absentKnown = steps.Try(2, [&] {
         absent = AbsentLibraryFolders(run);
         HideAlbumsBelow(walk, absent);
@@ -79,12 +75,10 @@ void RefreshDatabase(Run& run) {
     NoteLooseFiles(run);
     RefreshDatabaseFolders(walk);
     run.counts.leftOut = run.leftOut.Total();
-    if (absentKnown && Sweep(walk, absent)) return;
-    // What is marked gets its numbers back, since the snapshot stays.
-    run.counts.albumsChanged -= walk.recounted;
-    run.counts.albumsUnchanged += walk.recounted;
-    run.counts.tracksChanged -= walk.renumbered;
-    run.counts.tracksUnchanged += walk.renumbered;
+    run.numbersOfTags.clear();
+    const bool isSwept = absentKnown && Sweep(walk, absent);
+    if (!isSwept) TakeBackNumbers(walk, steps);
+    steps.Try(3, [&] { walk.library.Save(); });
 }
 
 }  // namespace quillon

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <memory>
 #include <numeric>
 #include <optional>
 #include <span>
@@ -12,7 +11,6 @@
 
 #include "database/schema.h"
 #include "database/sql.h"
-#include "database/track_numbers.h"
 #include "id3/tag_reader.h"
 #include "platform/clock.h"
 #include "reconcile/new_rows.h"
@@ -56,7 +54,7 @@ class AlbumTracks {
     AlbumTracks(Walk& walk, const Album& album)
         : walk_(walk),
           run_(walk.run),
-          tracks_(*walk.tracks),
+          library_(walk.library),
           album_(album),
           steps_(walk.run, "ProcessTracks"),
           numbers_(album.trackCount) {}
@@ -64,18 +62,19 @@ class AlbumTracks {
     /// Gives the file its row. The file's ID is set when that row waits for a number.
     void Place(ListedFile& file) {
         steps_.Concerning(file.Name);
-        std::optional<Row> row;
+        TrackRow* row = nullptr;
         if (!steps_.Try(1, [&] { row = FindRow(file.Name); })) return;
         if (album_.cdjid == NoCdjid) return;  // no album to hold a row
-        if (!row) {
-            if (!TryRow(2, [&] { row = AddRow(file); }) || !row) return;
+        const bool isNew = row == nullptr;
+        if (isNew) {
+            if (!steps_.Try(2, [&] { row = AddRow(file); }) || row == nullptr) return;
         } else {
             // A row that cannot take a value keeps the old one, and still gets its number: without
             // it the sweep would delete the row of a file that is there.
-            TryRow(3, [&] { ChangeRow(*row, file.Name); });
+            steps_.Try(3, [&] { ChangeRow(*row, file.Name); });
         }
-        lastPlaced_ = row->id;
-        TryRow(4, [&] { CheckNumber(*row, file); });
+        lastPlaced_ = row->soundFile;
+        CheckNumber(*row, file, isNew);
     }
 
     /// Gives the files that wait the lowest free numbers, the oldest file first.
@@ -104,13 +103,6 @@ class AlbumTracks {
     }
 
   private:
-    struct Row {
-        std::int64_t id = 0;
-        std::int64_t number = 0;
-        std::string cdjid, title, artist;
-        bool isNew = false;
-    };
-
     /// The same for files of one age.
     void HandOutNumbersAmong(std::span<ListedFile* const> files) {
         std::vector<std::int64_t> free;
@@ -136,8 +128,8 @@ class AlbumTracks {
 
     /// 0 where there was none.
     std::int64_t NumberBefore(std::int64_t id) const {
-        const MarkedTrack* const before = walk_.before.FindTrack(id);
-        return before == nullptr ? 0 : before->number.value_or(0);
+        const TrackRow* const row = library_.FindTrack(TrackId{id});
+        return row == nullptr ? 0 : row->number.Before().value_or(0);
     }
 
     std::optional<std::int64_t> TagNumber(ListedFile& file) {
@@ -147,126 +139,88 @@ class AlbumTracks {
     }
 
     void GiveNumber(const ListedFile& file, std::optional<std::int64_t> number) {
-        steps_.Concerning(file.Name);
-        TryRow(5, [&] {
-            if (!number) {
-                LogError(run_, LogSource, "Unable to find a track number for " + LastPlacedFile());
-                return;
-            }
-            if (!MoveToId(tracks_, file.ID)) {
-                LogError(run_, LogSource,
-                         "Database record missing during track number update for ID " +
-                             std::to_string(file.ID));
-                return;
-            }
-            lastPlaced_ = file.ID;
-            tracks_.Set("Track", *number);
-            tracks_.Update();
-            Settle(file.ID, *number);
-        });
+        TrackRow* const row = library_.FindTrack(TrackId{file.ID});
+        if (!number) {
+            LogError(run_, LogSource, "Unable to find a track number for " + lastPlaced_);
+        } else if (row == nullptr) {
+            LogError(run_, LogSource,
+                     "Database record missing during track number update for ID " +
+                         std::to_string(file.ID));
+        } else {
+            lastPlaced_ = row->soundFile;
+            row->number.Set(static_cast<std::int32_t>(*number));
+            Settle(*row);
+        }
     }
 
-    /// Runs a step that may leave a row half written; the next row must not inherit that.
-    template <typename Work>
-    bool TryRow(int step, Work&& work) {
-        const bool done = steps_.Try(step, std::forward<Work>(work));
-        if (!done) steps_.Try(step, [this] { tracks_.CancelUpdate(); });
-        return done;
-    }
-
-    /// Stored paths may have something before the drive, hence the leading wildcard. The look-up
-    /// brings all that may need a change, so that a row without changes is fetched only once.
-    std::optional<Row> FindRow(const std::string& path) {
-        const std::unique_ptr<RecordSet> found = run_.connection->Query(
-            "SELECT Tracks.ID, Tracks.Track, Tracks.CDJID, Tracks.Title, Tracks.Artist "
-            "FROM Albums INNER JOIN Tracks ON Albums.CDJID = Tracks.CDJID  "
-            "WHERE (((Tracks.SoundFile) Like " +
-            Quoted("%" + path) + ") AND ((Albums.Player)=1001))");
-        if (found->IsEmpty()) return std::nullopt;
-        return Row{.id = found->Integer("ID"),
-                   .number = found->Integer("Track"),
-                   .cdjid = found->Text("CDJID"),
-                   .title = found->Text("Title"),
-                   .artist = found->Text("Artist")};
+    /// Stored paths may have something before the drive.
+    TrackRow* FindRow(const std::string& path) {
+        RefuseQuote(path);
+        return library_.FindTrack(path);
     }
 
     /// Nothing where the file cannot be read, which is logged then. A row without its length and
     /// number would stay so for good; without one, the next run adds it.
-    std::optional<Row> AddRow(ListedFile& file) {
+    TrackRow* AddRow(ListedFile& file) {
         constexpr std::int64_t UnknownLength = -1;
         const std::string& path = file.Name;
         const std::optional<std::string> record = ReadWholeID3(run_, path);
-        if (!record) return std::nullopt;
+        if (!record) return nullptr;
         const TrackTag tag = ReadTrackTag(*record);
         file.IsTagRead = true;
         file.TagNumber = tag.track;
-        const std::int64_t number = tag.track.value_or(NoNumber);
-        AddTrackRow(tracks_, run_.clock.Now(),
-                    {.cdjid = album_.cdjid,
-                     .minutes = tag.length ? *tag.length / 60 : UnknownLength,
-                     .seconds = tag.length ? *tag.length % 60 : UnknownLength,
-                     .number = number,
-                     .title = GetTrackName(path, run_.settings.FlatStructure),
-                     .artist = album_.artist,
-                     .soundFile = path,
-                     .album = album_.title});
+        TrackRow& row = library_.AddTrack(FieldsOf(
+            run_.clock.Now(), NewTrack{.cdjid = album_.cdjid,
+                                       .minutes = tag.length ? *tag.length / 60 : UnknownLength,
+                                       .seconds = tag.length ? *tag.length % 60 : UnknownLength,
+                                       .number = tag.track.value_or(NoNumber),
+                                       .title = GetTrackName(path, run_.settings.FlatStructure),
+                                       .artist = album_.artist,
+                                       .soundFile = path,
+                                       .album = album_.title}));
         ++run_.counts.tracksAdded;
-        Row row;
-        row.id = tracks_.Integer("ID");
-        row.number = number;
-        row.isNew = true;
-        return row;
+        return &row;
     }
 
-    void ChangeRow(const Row& row, const std::string& path) {
+    void ChangeRow(TrackRow& row, const std::string& path) {
         const std::string title = GetTrackName(path, run_.settings.FlatStructure);
-        if (row.cdjid == album_.cdjid && row.title == title && row.artist == album_.artist) return;
-        MoveToId(tracks_, row.id);
-        if (row.cdjid != album_.cdjid) tracks_.Set("CDJID", album_.cdjid);
-        if (row.title != title) tracks_.Set("Title", title);
-        if (row.artist != album_.artist) tracks_.Set("Artist", album_.artist);
-        tracks_.Update();
+        std::vector<FieldValue> changes;
+        if (row.cdjid != album_.cdjid) changes.push_back({"CDJID", album_.cdjid});
+        if (row.title != title) changes.push_back({"Title", title});
+        if (row.artist != album_.artist) changes.push_back({"Artist", album_.artist});
+        if (changes.empty()) return;
+        library_.Change(row, changes);
         changed_.insert(row.id);
     }
 
-    void CheckNumber(const Row& row, ListedFile& file) {
-        const bool inRange = row.number > 0 && row.number <= numbers_.Count();
-        if (inRange && !numbers_.IsTaken(row.number)) {
-            numbers_.Take(row.number);
-            if (!row.isNew) Settle(row.id, row.number);
+    void CheckNumber(TrackRow& row, ListedFile& file, bool isNew) {
+        const std::int64_t number = row.number.Value();
+        if (number > 0 && number <= numbers_.Count() && !numbers_.IsTaken(number)) {
+            numbers_.Take(number);
+            if (!isNew) Settle(row);
             return;
         }
-        if (row.isNew) added_.insert(row.id);
-        file.ID = row.id;
-        if (row.number <= 0) return;
-        MoveToId(tracks_, row.id);
-        tracks_.Set("Track", NoNumber);
-        tracks_.Update();
+        file.ID = static_cast<std::int64_t>(row.id);
+        if (number > 0) row.number.Set(static_cast<std::int32_t>(NoNumber));
     }
 
     /// Counts a row of earlier runs, whose number is final now.
-    void Settle(std::int64_t id, std::int64_t number) {
-        if (added_.contains(id)) return;
-        const MarkedTrack* const before = walk_.before.FindTrack(id);
-        const bool same = before == nullptr || before->number == number;
-        const bool isRenamed = changed_.contains(id);
+    void Settle(const TrackRow& row) {
+        if (row.isNew) return;
+        const bool same = row.number.Before() == row.number.Truth();
+        const bool isRenamed = changed_.contains(row.id);
         ++(same && !isRenamed ? run_.counts.tracksUnchanged : run_.counts.tracksChanged);
         if (!same && !isRenamed) ++walk_.renumbered;
     }
 
-    std::string LastPlacedFile() {
-        MoveToId(tracks_, lastPlaced_);
-        return tracks_.Text("SoundFile");
-    }
-
     Walk& walk_;
     Run& run_;
-    RecordSet& tracks_;
+    Library& library_;
     const Album& album_;
     Steps steps_;
     NumbersTaken numbers_;
-    std::int64_t lastPlaced_ = 0;  ///< the row that was worked on last
-    std::unordered_set<std::int64_t> changed_, added_;
+    std::string lastPlaced_;  ///< sound file of the row that was worked on last
+    std::unordered_set<TrackId> changed_;
 };
 
 }  // namespace

@@ -81,12 +81,7 @@ class TreeWalk {
         }
         for (const std::string& root : unlistedRoots)
             walk_.unlisted.push_back({root, "", ""});
-        const bool known = steps_.Try(2, [&] { HideAlbumsBelow(walk_, unlistedRoots); });
-        if (!known) {
-            for (const WalkedRoot& root : walk_.roots)
-                walk_.unlisted.push_back({root.path, "", ""});
-            return {};
-        }
+        HideAlbumsBelow(walk_, unlistedRoots);
         return roots;
     }
 

@@ -8,9 +8,8 @@
 #include <vector>
 
 #include "database/cdjid.h"
-#include "database/mark_snapshot.h"
-#include "database/marks.h"
-#include "platform/database.h"
+#include "library/library.h"
+#include "reconcile/unlisted.h"
 #include "run/run.h"
 
 namespace quillon {
@@ -23,14 +22,14 @@ struct WalkedRoot {
 
 /// What one refresh carries from folder to folder.
 struct Walk {
+    /// Throws Failure when the library cannot be read.
     explicit Walk(Run& theRun);
 
     Run& run;
+    Library library;  ///< with all counts and numbers set aside until the walk has been there
     CdjidSequence sequence;
-    std::unique_ptr<RecordSet> albums, tracks;  ///< table cursors
-    MarkSnapshot before;                        ///< counts and numbers before they were marked
-    std::vector<WalkedRoot> roots;              ///< the run's library folders, each once
-    std::vector<UnlistedFolder> unlisted;       ///< what could not be visited
+    std::vector<WalkedRoot> roots;         ///< the run's library folders, each once
+    std::vector<UnlistedFolder> unlisted;  ///< what could not be visited
 
     /// AlbumKey of the albums that have songs out of sight: all of their songs keep what they have.
     /// Numbers handed out now would be those of the missing songs.

@@ -1,12 +1,10 @@
 #include "reconcile/walked_album.h"
 
 #include <algorithm>
-#include <memory>
 #include <utility>
 
 #include "database/album_key.h"
 #include "database/schema.h"
-#include "database/sql.h"
 #include "reconcile/album.h"
 #include "reconcile/tracks.h"
 #include "run/sound_files.h"
@@ -42,24 +40,18 @@ void ProcessAlbum(Walk& walk, Album album, FileList files) {
 bool HideAlbumsOf(Walk& walk, const std::vector<std::string>& unseen) {
     bool found = false;
     for (const std::string& path : unseen) {
-        if (!IsSoundFile(path)) continue;
-        const std::unique_ptr<RecordSet> album = walk.run.connection->Query(
-            "SELECT Albums.Artist, Albums.Title "
-            "FROM Albums INNER JOIN Tracks ON Albums.CDJID = Tracks.CDJID "
-            "WHERE (((Tracks.SoundFile) Like " +
-            Quoted("%" + path) + ") AND ((Albums.Player)=1001))");
-        if (album->IsEmpty()) continue;
-        const std::string artist = album->Text("Artist"), title = album->Text("Title");
-        walk.hidden.insert(AlbumKey(artist, title));
-        walk.unlisted.push_back({path, artist, title});
+        const TrackRow* const track = IsSoundFile(path) ? walk.library.FindTrack(path) : nullptr;
+        const AlbumRow* const album = track == nullptr ? nullptr : walk.library.AlbumOf(*track);
+        if (album == nullptr) continue;
+        walk.hidden.insert(AlbumKey(album->artist, album->title));
+        walk.unlisted.push_back({path, album->artist, album->title});
         found = true;
     }
     return found;
 }
 
 void HideAlbumsBelow(Walk& walk, const std::vector<std::string>& folders) {
-    if (folders.empty()) return;
-    walk.hidden.merge(AlbumsBelow(*walk.run.connection, folders));
+    walk.hidden.merge(AlbumsBelow(walk.library, folders));
 }
 
 }  // namespace quillon

@@ -12,11 +12,11 @@ namespace quillon {
 void ProcessAlbum(Walk& walk, Album album, FileList files);
 
 /// Whether one of these files and folders, which could not be looked at, is a song that the library
-/// has. Its album joins those of which something is out of sight. Throws Failure.
+/// has. Its album joins those of which something is out of sight.
 bool HideAlbumsOf(Walk& walk, const std::vector<std::string>& unseen);
 
 /// All albums with songs below these folders join them: whole library folders, which are away or
-/// cannot be listed. Throws Failure.
+/// cannot be listed.
 void HideAlbumsBelow(Walk& walk, const std::vector<std::string>& folders);
 
 }  // namespace quillon

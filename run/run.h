@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -92,6 +93,10 @@ class Run {
 
     /// The playlist working set, made anew where a phase starts with an empty one.
     PlaylistEntries playlistEntries;
+
+    /// Numbers that the comparison of tags has found for tracks, by `Tracks.ID`: the folder walk
+    /// lets them stay.
+    std::unordered_map<std::int64_t, std::int32_t> numbersOfTags;
 
     /// Seeded once, when the run starts.
     RandomNumbers random;

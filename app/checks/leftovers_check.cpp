@@ -14,7 +14,6 @@ struct Leftover {
 };
 
 constexpr std::array Leftovers{
-    Leftover{".marks", "the next run gives back the track numbers that were set aside"},
     Leftover{".playlists", "the next reconciliation takes from it which songs the playlists named"},
 };
 

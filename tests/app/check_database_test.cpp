@@ -232,17 +232,16 @@ TEST_F(CheckDatabase, SeesThatARunWasCutOff) {
 
 TEST_F(CheckDatabase, TellsWhatTheNextRunDoesAboutLeftovers) {
     const std::string database = Path("shelf/jukebox.mdb").string();
-    for (const char* const ending : {".journal", ".marks", ".playlists"})
+    for (const char* const ending : {".journal", ".playlists"})
         Write("shelf/jukebox.mdb" + std::string(ending), "left");
     EXPECT_EQ(Check().status, 0);
     const std::string cautions = Cautions();
     EXPECT_TRUE(Has(cautions, "The journal " + database + ".journal is not complete"));
-    EXPECT_TRUE(Has(cautions, database + ".marks: the next run gives back the track numbers"));
     EXPECT_TRUE(Has(cautions, database + ".playlists: the next reconciliation takes from it"));
 }
 
 TEST_F(CheckDatabase, SaysThatNoReconciliationStartsWhereItCannotKeepItsOwnFiles) {
-    for (const std::string ending : {".marks", ".playlists"}) {
+    for (const std::string ending : {".playlists"}) {
         const std::filesystem::path path = Path("shelf/jukebox.mdb" + ending);
         std::filesystem::create_symlink("elsewhere", path);
         EXPECT_EQ(Check().status, 2);

@@ -3,8 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "database/marks.h"
-#include "database/missing_tracks.h"
 #include "tests/support/test_library.h"
 
 namespace quillon {
@@ -22,7 +20,7 @@ class RemoveDuplicatesTest : public ::testing::Test {
     support::TestLibrary library;
 };
 
-TEST_F(RemoveDuplicatesTest, MarksOwnedAlbumsAndTheirTracksAlone) {
+TEST_F(RemoveDuplicatesTest, LeavesEverythingElseAsItIs) {
     library.AddAlbumRow("252E671073EC0001", "A", "One", 2);
     library.AddTrackRow("252E671073EC0001", 1, R"(D:\1.mp3)");
     library.AddTrackRow("252E671073EC0001", 2, R"(D:\2.mp3)");
@@ -32,9 +30,9 @@ TEST_F(RemoveDuplicatesTest, MarksOwnedAlbumsAndTheirTracksAlone) {
 
     RemoveDuplicates(library.run);
 
-    EXPECT_THAT(library.Rows(AlbumRows), ElementsAre("252E671073EC0001|1001|0", "C70A5B0F|1|7"));
+    EXPECT_THAT(library.Rows(AlbumRows), ElementsAre("252E671073EC0001|1001|2", "C70A5B0F|1|7"));
     EXPECT_THAT(library.Rows(TrackRows),
-                ElementsAre("252E671073EC0001|0", "252E671073EC0001|0", "C70A5B0F|7", "unknown|3"));
+                ElementsAre("252E671073EC0001|1", "252E671073EC0001|2", "C70A5B0F|7", "unknown|3"));
     EXPECT_THAT(library.host.log, IsEmpty());
     EXPECT_EQ(library.Faults(), "");
 }
@@ -83,27 +81,15 @@ TEST_F(RemoveDuplicatesTest, DeletesOwnedTracksWithoutASoundFile) {
 TEST_F(RemoveDuplicatesTest, LogsEachFailingStatementAndRunsTheOthers) {
     library.AddAlbumRow("252E671073EC0001", "A", "One", 1);
     library.AddTrackRow("252E671073EC0001", 1, R"(D:\1.mp3)");
-    library.Database().Refuse("UPDATE Albums SET");
     library.Database().Refuse("SELECT First");
-    library.Database().Refuse("UPDATE Albums INNER JOIN");
     library.Database().Refuse("Is Null");
 
     RemoveDuplicates(library.run);
 
     EXPECT_THAT(
         library.host.log,
-        ElementsAre("Quillon: Remove Duplicates Error on Album Tracks=0 Query: Line 1 refused",
-                    "Quillon: Remove Duplicates Error on SoundFile=Null Query: Line 4 refused",
-                    "Quillon: Remove Duplicates Error on Delete Duplicate Query: Line 2 refused",
-                    "Quillon: Remove Duplicates Error on Track=0 Query: Line 3 refused"));
-}
-
-TEST_F(RemoveDuplicatesTest, MarksTracksEvenWhereAlbumsCouldNotBeMarked) {
-    library.AddAlbumRow("252E671073EC0001", "A", "One", 1);
-    library.AddTrackRow("252E671073EC0001", 1, R"(D:\1.mp3)");
-    library.Database().Refuse("UPDATE Albums SET");
-    RemoveDuplicates(library.run);
-    EXPECT_THAT(library.Rows(TrackRows), ElementsAre("252E671073EC0001|0"));
+        ElementsAre("Quillon: Remove Duplicates Error on SoundFile=Null Query: Line 4 refused",
+                    "Quillon: Remove Duplicates Error on Delete Duplicate Query: Line 2 refused"));
 }
 
 TEST_F(RemoveDuplicatesTest, EndsWhenADuplicatedIdentifierCannotBeDeleted) {
@@ -113,7 +99,7 @@ TEST_F(RemoveDuplicatesTest, EndsWhenADuplicatedIdentifierCannotBeDeleted) {
     EXPECT_THAT(library.host.log,
                 ElementsAre(StartsWith(
                     "Quillon: Remove Duplicates Error on Delete Duplicate Query: Line 2 ")));
-    EXPECT_THAT(library.Rows(AlbumRows), ElementsAre("a\"b|1001|0", "a\"b|1001|0"));
+    EXPECT_THAT(library.Rows(AlbumRows), ElementsAre("a\"b|1001|1", "a\"b|1001|1"));
 }
 
 /// A database that says yes to deleting an album and keeps it.
@@ -135,70 +121,6 @@ TEST_F(RemoveDuplicatesTest, EndsWhenDeletingADuplicatedIdentifierDeletesNothing
     EXPECT_THAT(library.host.log,
                 ElementsAre("Quillon: Remove Duplicates Error on Delete Duplicate Query: Line 2 "
                             "Duplicated identifier cannot be deleted: DUPLICATE1"));
-}
-
-TEST_F(RemoveDuplicatesTest, ChangesNothingWithoutASnapshot) {
-    library.AddAlbumRow("252E671073EC0001", "A", "One", 1);
-    library.AddTrackRow("252E671073EC0001", 1, R"(D:\1.mp3)");
-    library.AddAlbumRow("DUPLICATE1", "A", "Two", 1);
-    library.AddAlbumRow("DUPLICATE1", "A", "Three", 1);
-    const std::string snapshot = MarkSnapshotPath(library.run.settings.Nirvis_CDJ_DB);
-    library.calls.Refuse("CreateText " + snapshot, FailureNumber::DiskFull, snapshot);
-
-    RemoveDuplicates(library.run);
-
-    EXPECT_THAT(library.host.log,
-                ElementsAre("Quillon: Remove Duplicates Error: Line 0 Disk full: " + snapshot));
-    EXPECT_FALSE(library.run.isSecured);
-    EXPECT_THAT(library.Rows(AlbumRows),
-                ElementsAre("252E671073EC0001|1001|1", "DUPLICATE1|1001|1", "DUPLICATE1|1001|1"));
-    EXPECT_THAT(library.Rows(TrackRows), ElementsAre("252E671073EC0001|1"));
-    EXPECT_FALSE(MarkSnapshotExists(library.run));
-}
-
-TEST_F(RemoveDuplicatesTest, TakesTheSnapshotBeforeTheFirstMark) {
-    library.AddAlbumRow("252E671073EC0001", "A", "One", 1);
-    library.AddTrackRow("252E671073EC0001", 1, R"(D:\1.mp3)");
-    RemoveDuplicates(library.run);
-    ASSERT_TRUE(MarkSnapshotExists(library.run));
-    RestoreMarks(library.run);
-    EXPECT_THAT(library.Rows(AlbumRows), ElementsAre("252E671073EC0001|1001|1"));
-    EXPECT_THAT(library.Rows(TrackRows), ElementsAre("252E671073EC0001|1"));
-}
-
-class DeleteMissingTest : public RemoveDuplicatesTest {
-  protected:
-    DeleteMissingTest() {
-        library.AddAlbumRow("252E671073EC0001", "A", "Vanished", 0);
-        library.AddTrackRow("252E671073EC0001", 0, R"(D:\1.mp3)");
-        library.AddAlbumRow("252E671073EC0002", "A", "Found", 1);
-        library.AddTrackRow("252E671073EC0002", 1, R"(D:\2.mp3)");
-        library.AddTrackRow("252E671073EC0002", 0, R"(D:\3.mp3)");
-        library.AddTrackRow("252E671073EC0002", -1, R"(D:\4.mp3)");
-        library.AddAlbumRow("C70A5B0F", "B", "Jukebox", 0, 1);
-        library.AddTrackRow("C70A5B0F", 0, R"(D:\5.mp3)");
-    }
-};
-
-TEST_F(DeleteMissingTest, DeletesOwnedTracksThatAreStillMarked) {
-    DeleteMissingTracks(library.run);
-    EXPECT_THAT(library.Rows(TrackRows),
-                ElementsAre("252E671073EC0002|1", "252E671073EC0002|-1", "C70A5B0F|0"));
-    EXPECT_EQ(library.run.counts.tracksRemoved, 2U);
-    EXPECT_EQ(library.Faults(), "");
-}
-
-TEST_F(DeleteMissingTest, DeletesOwnedAlbumsThatAreStillMarked) {
-    DeleteMissingAlbums(library.run);
-    EXPECT_THAT(library.Rows(AlbumRows), ElementsAre("252E671073EC0002|1001|1", "C70A5B0F|1|0"));
-    EXPECT_EQ(library.run.counts.albumsRemoved, 1U);
-}
-
-TEST_F(DeleteMissingTest, LogsAFailure) {
-    library.Database().Refuse("DELETE Tracks.*");
-    DeleteMissingTracks(library.run);
-    EXPECT_THAT(library.host.log,
-                ElementsAre("Quillon: Delete Missing Tracks Error: Line 0 refused"));
 }
 
 }  // namespace

@@ -14,7 +14,6 @@ namespace quillon {
 /// Names of all procedures that phases and modes are made of.
 inline const std::vector<std::pair<ProcedureName, std::string>>& ProcedureNames() {
     static const std::vector<std::pair<ProcedureName, std::string>> names = {
-        {&Procedures::RestoreMarks, "RestoreMarks"},
         {&Procedures::BuildORsRecordset, "BuildORsRecordset"},
         {&Procedures::PopulateGenre, "PopulateGenre"},
         {&Procedures::CapturePlaylists, "CapturePlaylists"},
@@ -47,7 +46,6 @@ class FormFixture : public ::testing::Test {
     FormFixture() {
         for (const auto& [member, name] : ProcedureNames())
             Note(member, name);
-        procedures.MarkSnapshotExists = [this](Run&) { return snapshotExists; };
         host.Set("LibraryRoot", R"(D:\Music)");
         host.Set("Nirvis_CDJ_DB", R"(D:\Data\cdj.mdb)");
         host.Set("PlayListPath", R"(C:\Lists\)");
@@ -106,7 +104,6 @@ class FormFixture : public ::testing::Test {
     fakes::FakeHost& host = world.host;
     Run& run = world.run;
     Procedures procedures;
-    bool snapshotExists = false;
 };
 
 }  // namespace quillon

@@ -269,31 +269,5 @@ TEST_F(FormLoad, MakesTheDatabaseDurableBeforeItIsLetGo) {
     EXPECT_THAT(Calls({"Flush", "CloseDatabase"}), ElementsAre("Flush", "CloseDatabase"));
 }
 
-// A run that was interrupted between marking and sweeping.
-
-TEST_F(FormLoad, GivesTheNumbersOfAnInterruptedRunBackBeforeAnythingReadsThem) {
-    snapshotExists = true;
-    Note(&Procedures::RestoreMarks, "RestoreMarks", [this](Run&) { snapshotExists = false; });
-    SwitchOn({"AlbumPicker"});
-    EXPECT_EQ(Load(), RunOutcome::Completed);
-    EXPECT_THAT(Calls({"OpenTable", "Run"}),
-                ElementsAre("OpenTable SpinnerGenre", "Run RestoreMarks", "Run BuildORsRecordset",
-                            "Run PopulateGenre", "Run BuildAlbumPicker"));
-    EXPECT_THAT(host.log, ElementsAre("Quillon: An earlier run was interrupted; giving back the "
-                                      "track numbers that it had set aside"));
-    EXPECT_EQ(run.counts.errors, 0U);
-}
-
-TEST_F(FormLoad, RunsNothingWhenTheNumbersOfAnInterruptedRunCannotBeGivenBack) {
-    snapshotExists = true;
-    SwitchOn({"Reconcile"});
-    world.calls.Refuse("Run RestoreMarks", FailureNumber::DiskFull, R"(D:\Data\cdj.mdb)");
-    EXPECT_EQ(Load(), RunOutcome::NothingRan);
-    EXPECT_THAT(Calls({"Run", "Phase"}), ElementsAre("Run RestoreMarks"));
-    EXPECT_EQ(host.log.size(), 2U);
-    EXPECT_EQ(host.log.back(),
-              R"(Quillon: QuillonShelfkeeper Main Line 0 Disk full: D:\Data\cdj.mdb)");
-}
-
 }  // namespace
 }  // namespace quillon

@@ -113,7 +113,6 @@ TEST_F(ModesTest, FolderModesAreIgnoredWithoutALibraryRoot) {
 
 TEST_F(ModesTest, AndPhasesAllHaveTheirWork) {
     const Procedures available = AvailableProcedures();
-    EXPECT_TRUE(available.MarkSnapshotExists);
     for (const auto& [member, name] : ProcedureNames())
         EXPECT_TRUE(available.*member) << name;
 }
@@ -145,7 +144,6 @@ TEST_F(ModesTest, AbortDuringTheBackupsKeepsTheWorkFromStarting) {
 TEST_F(ModesTest, ABackupThatFailsStopsTheRunBeforeAnythingChanges) {
     for (const ModeCase& mode : Cases()) {
         for (const std::string& backup : mode.backups) {
-            snapshotExists = true;
             run.counts = {};
             world.calls.Refuse(backup, FailureNumber::DiskFull, "the disk");
             const std::vector<std::string> calls = CallsWith({mode.key});
@@ -169,25 +167,20 @@ TEST_F(ModesTest, AbortDuringTheWorkIsTheRunsOutcome) {
 }
 
 TEST_F(ModesTest, MakeTheirBackupsBeforeAnythingWritesToTheDatabase) {
-    snapshotExists = true;
-    Note(&Procedures::RestoreMarks, "RestoreMarks", [this](Run&) { snapshotExists = false; });
     SwitchOn({"ID3Update"});
     Load();
     EXPECT_THAT(Calls({"OpenTable", "Flush", "CopyFile", "Run"}),
-                ElementsAre("OpenTable SpinnerGenre", DatabaseBackup()[0], "Run RestoreMarks",
-                            "Run BuildORsRecordset", "Run PopulateGenre",
-                            "Run UpdateDatabaseFromID3", "Flush", "Flush"));
+                ElementsAre("OpenTable SpinnerGenre", DatabaseBackup()[0], "Run BuildORsRecordset",
+                            "Run PopulateGenre", "Run UpdateDatabaseFromID3", "Flush", "Flush"));
 }
 
 TEST_F(ModesTest, BackUpWithTheDatabaseWhatAnInterruptedRunHasLeftBesideIt) {
     const std::string database = R"(D:\Data\cdj.mdb)";
     const std::string stamp = "_Copy Dated_11152026_53855_AM_";
-    world.files.AddFile(database + ".marks", "m");
     world.files.AddFile(database + ".playlists", "p");
     SwitchOn({"ID3Update"});
     Load();
     EXPECT_EQ(world.files.Content(database + stamp), "rows");
-    EXPECT_EQ(world.files.Content(database + ".marks" + stamp), "m");
     EXPECT_EQ(world.files.Content(database + ".playlists" + stamp), "p");
 }
 

@@ -31,13 +31,6 @@ class ReconcileMode : public FormFixture {
         }
         return visible;
     }
-
-    /// A RemoveDuplicates that sets numbers aside and a RestoreMarks that gives them back.
-    void KeepMarks() {
-        Note(&Procedures::RemoveDuplicates, "RemoveDuplicates",
-             [this](Run&) { snapshotExists = true; });
-        Note(&Procedures::RestoreMarks, "RestoreMarks", [this](Run&) { snapshotExists = false; });
-    }
 };
 
 TEST_F(ReconcileMode, RunsItsPhasesInOrder) {
@@ -196,7 +189,6 @@ TEST_F(ReconcileMode, StopsAtABackupThatFailsBeforeAnythingChanges) {
     for (const std::string& backup : {DatabaseBackup()[0], ListsBackup()[0], M3uBackup()[0]}) {
         RemoveBackups();
         run.counts = {};
-        snapshotExists = true;
         world.calls.Refuse(backup, FailureNumber::DiskFull, "the disk");
         EXPECT_EQ(Load(), RunOutcome::NothingRan);
         EXPECT_EQ(run.counts.errors, 1U);
@@ -206,7 +198,7 @@ TEST_F(ReconcileMode, StopsAtABackupThatFailsBeforeAnythingChanges) {
 }
 
 TEST_F(ReconcileMode, DoesNotStartWhereItCannotKeepWhatItKnows) {
-    for (const std::string ending : {".marks", ".playlists"}) {
+    for (const std::string ending : {".playlists"}) {
         const std::string path = R"(D:\Data\cdj.mdb)" + ending;
         world.calls.Forget();
         host.log.clear();
@@ -283,60 +275,6 @@ TEST_F(ReconcileMode, DoesNotOutputTheReconciliationFileAfterAbort) {
     EXPECT_THAT(Calls({"Run OutputReconcileTable"}), IsEmpty());
 }
 
-// Numbers that are set aside between marking and sweeping.
-
-TEST_F(ReconcileMode, LeavesTheNumbersSetAsideUntilTheFolderWalk) {
-    KeepMarks();
-    Note(&Procedures::RefreshDatabase, "RefreshDatabase", [this](Run&) { snapshotExists = false; });
-    Load();
-    EXPECT_THAT(Calls({"Run RestoreMarks"}), IsEmpty());
-}
-
-TEST_F(ReconcileMode, GivesBackWhatTheFolderWalkLeftBeforeTheNextPhase) {
-    KeepMarks();
-    Load();
-    EXPECT_THAT(Calls({"Run Re", "Run Pop"}),
-                ElementsAre("Run RemoveDuplicates", "Run RefreshDatabase", "Run RestoreMarks",
-                            "Run PopulateSpinnerTracks", "Run PopulateSpinnerArtist",
-                            "Run RefreshPlaylist", "Run RefreshAlbumCovers"));
-    EXPECT_THAT(host.log, IsEmpty());
-}
-
-TEST_F(ReconcileMode, GivesBackWhenAbortComesBeforeTheFolderWalk) {
-    for (const std::size_t phase : {2U, 3U}) {
-        KeepMarks();
-        world.calls.Forget();
-        world.window.abortPressed = false;
-        world.window.last = {};
-        run.AbortRequested = false;
-        run.form = {};
-        world.window.PressAbortWhen(fakes::PhaseIsSelected(phase));
-        EXPECT_EQ(Load(), RunOutcome::Aborted);
-        EXPECT_THAT(Calls({"Run Re"}), ElementsAre("Run RemoveDuplicates", "Run RestoreMarks"));
-    }
-}
-
-TEST_F(ReconcileMode, GivesBackWhenAbortComesDuringTheFolderWalk) {
-    KeepMarks();
-    Note(&Procedures::RefreshDatabase, "RefreshDatabase", [this](Run& context) {
-        world.window.abortPressed = true;
-        context.ProcessEvents();
-    });
-    EXPECT_EQ(Load(), RunOutcome::Aborted);
-    EXPECT_EQ(Calls({"Run"}).back(), "Run RestoreMarks");
-    EXPECT_FALSE(snapshotExists);
-}
-
-TEST_F(ReconcileMode, GivesBackWhenTheFolderWalkFails) {
-    KeepMarks();
-    Note(&Procedures::RefreshDatabase, "RefreshDatabase",
-         [](Run&) { throw std::runtime_error("Object required"); });
-    EXPECT_EQ(Load(), RunOutcome::Completed);
-    EXPECT_THAT(Calls({"Run Refresh", "Run Restore"}),
-                ElementsAre("Run RefreshDatabase", "Run RestoreMarks", "Run RefreshPlaylist",
-                            "Run RefreshAlbumCovers"));
-}
-
 TEST_F(ReconcileMode, EndsBeforeItChangesWhatItCouldNotMakeGood) {
     Note(&Procedures::CapturePlaylists, "CapturePlaylists",
          [](Run& disturbed) { disturbed.isSecured = false; });
@@ -345,16 +283,6 @@ TEST_F(ReconcileMode, EndsBeforeItChangesWhatItCouldNotMakeGood) {
     EXPECT_THAT(host.log, ElementsAre("Quillon: The run ends here, before it changes the library: "
                                       "what would make good for an interruption cannot be kept. "
                                       "The next run goes on"));
-}
-
-TEST_F(ReconcileMode, RepairsNoPlaylistWhileTheNumbersCannotBeGivenBack) {
-    KeepMarks();
-    world.calls.Refuse("Run RestoreMarks", FailureNumber::DiskFull, R"(D:\Data\cdj.mdb)");
-    EXPECT_EQ(Load(), RunOutcome::Completed);
-    EXPECT_EQ(Calls({"Run"}).back(), "Run RestoreMarks");
-    EXPECT_EQ(Calls({"Phase"}).back(), "Phase 3");
-    EXPECT_THAT(host.log, ElementsAre("Quillon: Update Database Error: Line 0 Disk full: "
-                                      R"(D:\Data\cdj.mdb)"));
 }
 
 }  // namespace

@@ -6,7 +6,6 @@
 #include <sstream>
 
 #include "app/jukebox_database.h"
-#include "database/marks.h"
 #include "database/remove_duplicates.h"
 #include "driver/ini_tool.h"
 #include "driver/library_form.h"
@@ -129,15 +128,6 @@ class WholeRun : public ::testing::Test {
         return names;
     }
 
-    /// Marks everything and ends there, as a run does that is killed.
-    void LeaveMarksBehind() const {
-        Program program(folder.Path());
-        program.run.settings.Nirvis_CDJ_DB = R"(D:\cdj.mdb)";
-        program.run.connection =
-            program.databases.Open(std::string(ConnectionPrefix) + R"(D:\cdj.mdb)");
-        RemoveDuplicates(program.run);
-    }
-
     outside::TemporaryFolder folder;
     std::size_t errors = 0;
     const std::string copyOfDatabase = "cdj.mdb_Copy Dated_11152026_53855_AM_";
@@ -224,40 +214,6 @@ TEST_F(WholeRun, GivesWhatAnAbortedWalkDidNotReachItsNumbersBack) {
     EXPECT_THAT(Rows("SELECT Title FROM Tracks WHERE Track=0"), IsEmpty());
     EXPECT_THAT(Albums(), ::testing::Contains("Second|Bob|1"));
     EXPECT_EQ(support::StructuralFaults(Database()), "");
-}
-
-TEST_F(WholeRun, StartsByGivingBackTheNumbersOfARunThatWasKilled) {
-    Load();
-    const std::vector<std::string> albums = Albums();
-    const std::vector<std::string> tracks = Tracks();
-    LeaveMarksBehind();
-    ASSERT_THAT(Albums(), ElementsAre("First|Ann|0", "Second|Bob|0"));
-    Set("AlbumPicker=1\n");
-    EXPECT_EQ(Load(), RunOutcome::Completed);
-    EXPECT_EQ(Albums(), albums);
-    EXPECT_EQ(Tracks(), tracks);
-    EXPECT_EQ(errors, 0U);
-    EXPECT_THAT(Log(), ElementsAre("An earlier run was interrupted; giving back the track numbers "
-                                   "that it had set aside"));
-}
-
-TEST_F(WholeRun, CopiesWithTheDatabaseTheNumbersThatAKilledRunHadSetAside) {
-    Load();
-    const std::vector<std::string> albums = Albums();
-    const std::vector<std::string> tracks = Tracks();
-    LeaveMarksBehind();
-    fs::remove(Disk() / copyOfDatabase);
-    Load();
-    const std::string copyOfMarks = "cdj.mdb.marks_Copy Dated_11152026_53855_AM_";
-    ASSERT_TRUE(fs::exists(Disk() / copyOfMarks));
-    // Back to where that run began, as the copies have it; then a run that only looks.
-    fs::rename(Disk() / copyOfDatabase, Database());
-    ASSERT_THAT(Albums(), ElementsAre("First|Ann|0", "Second|Bob|0"));
-    fs::rename(Disk() / copyOfMarks, Disk() / "cdj.mdb.marks");
-    Set("AlbumPicker=1\n");
-    EXPECT_EQ(Load(), RunOutcome::Completed);
-    EXPECT_EQ(Albums(), albums);
-    EXPECT_EQ(Tracks(), tracks);
 }
 
 TEST_F(WholeRun, ChangesNothingWhereABackupCannotBeMade) {

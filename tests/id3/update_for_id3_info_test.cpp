@@ -16,7 +16,9 @@ class UpdateForID3InfoTest : public VerifyTest {
     void Update() {
         const auto tracks = library.run.connection->OpenTable("Tracks");
         UpdateForID3Info(library.run, *tracks, file);
+        TakeNumbers();
     }
+
     std::vector<std::string> Lengths() {
         return library.Rows("SELECT Minutes, Seconds FROM Tracks ORDER BY ID");
     }
@@ -137,13 +139,13 @@ TEST_F(UpdateForID3InfoTest, DoesNothingForAFileWithoutRow) {
 }
 
 TEST_F(UpdateForID3InfoTest, LogsFailuresWithTheFile) {
-    file.track = "7";
+    file.seconds = "185";
     library.Database().Refuse("Update Tracks");
     Update();
     EXPECT_THAT(
         library.host.log,
         ElementsAre("Quillon: Update for ID3 Info Error: Line 7 refused (" + file.path + ")"));
-    EXPECT_THAT(Tracks(), ElementsAre("Alder - Dawn.mp3|Dawn|1|1"));
+    EXPECT_THAT(Lengths(), ElementsAre("-1|-1"));
 }
 
 TEST_F(UpdateForID3InfoTest, KeepsTheLengthOfTheDatabaseAndFillsInAnUnknownOne) {

@@ -1,4 +1,3 @@
-#include "database/marks.h"
 #include "playlists/capture.h"
 #include "playlists/refresh.h"
 #include "tests/id3/verify_fixture.h"

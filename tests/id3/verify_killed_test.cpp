@@ -7,7 +7,6 @@
 #include <map>
 #include <string>
 
-#include "database/marks.h"
 #include "database/remove_duplicates.h"
 #include "id3/verify_tags.h"
 #include "reconcile/refresh_database.h"
@@ -41,7 +40,6 @@ class VerifyKilledTest : public ::testing::Test {
     }
 
     static void Reconcile(support::RealLibrary& library) {
-        if (MarkSnapshotExists(library.run)) RestoreMarks(library.run);
         RemoveDuplicates(library.run);
         VerifyID3Tags(library.run);
         RefreshDatabase(library.run);
@@ -60,6 +58,7 @@ TEST_F(VerifyKilledTest, LosesNoRowAndEndsLikeAnUndisturbedRun) {
     Reconcile(undisturbed);
     const std::size_t statements = undisturbed.Database().Count("");
     const auto songs = undisturbed.Rows(Songs);
+    const auto numbersAfter = undisturbed.Rows(Numbers);
     ASSERT_EQ(songs.size(), 5U);
     ASSERT_GT(statements, 40U);
 
@@ -74,10 +73,9 @@ TEST_F(VerifyKilledTest, LosesNoRowAndEndsLikeAnUndisturbedRun) {
         })) << n;
 
         library.OpenDatabase();
-        if (MarkSnapshotExists(library.run)) {
-            RestoreMarks(library.run);
-            EXPECT_EQ(library.Rows(Numbers), numbers) << "killed before statement " << n;
-        }
+        const auto numbersNow = library.Rows(Numbers);
+        EXPECT_TRUE(numbersNow == numbers || numbersNow == numbersAfter)
+            << "killed before statement " << n;
         Reconcile(library);
         EXPECT_EQ(library.Rows(Songs), songs) << "killed before statement " << n;
         if (n % 10 == 1) {
@@ -114,7 +112,6 @@ class VerifyChainsKilledTest : public ::testing::Test {
     }
 
     static void Reconcile(support::RealLibrary& library) {
-        if (MarkSnapshotExists(library.run)) RestoreMarks(library.run);
         RemoveDuplicates(library.run);
         VerifyID3Tags(library.run);
         RefreshDatabase(library.run);
@@ -169,7 +166,7 @@ TEST_F(VerifyChainsKilledTest, GiveNoRowToAnotherSongAndAreFinishedByTheNextRun)
                                                  {5, "Alder - M.mp3|5"},
                                                  {6, "Alder - S.mp3|6"},
                                                  {8, "Alder - T.mp3|8"}}));
-    ASSERT_GE(changes, 9U);
+    ASSERT_GE(changes, 8U);
 
     // Moments between the changes of files first, then those between statements.
     for (std::size_t n = 1; n <= changes + statements; n += n <= changes ? 1 : 5) {

@@ -183,7 +183,7 @@ TEST_F(CaptureTest, NotesAFileThatCannotBeReadAndGoesOn) {
 
 TEST_F(CaptureTest, NotesThatNothingWasReadWhenTheTracksCannotBeAskedFor) {
     AddList("Mine.pla", {"A0 0"});
-    library.Database().Refuse("FROM Tracks");
+    library.Database().Refuse("Scan Tracks");
     CapturePlaylists(run());
     EXPECT_TRUE(Entries().NothingRead());
     EXPECT_THAT(library.host.log, ElementsAre(HasSubstr("Capture Playlists Error: Line 3")));

@@ -17,8 +17,9 @@ class ProcessOneAlbumTest : public ::testing::Test {
   protected:
     std::string Process(std::string_view artist, std::string_view title, std::int16_t count) {
         Walk walk(library.run);
-        walk.albums = library.run.connection->OpenTable("Albums");
-        return ProcessOneAlbum(walk, artist, title, count);
+        std::string cdjid = ProcessOneAlbum(walk, artist, title, count);
+        walk.library.Save();
+        return cdjid;
     }
 
     support::TestLibrary library;
@@ -87,7 +88,6 @@ TEST_F(ProcessOneAlbumTest, TakesAwkwardNamesAsTheyAre) {
 
 TEST_F(ProcessOneAlbumTest, LogsATitleThatDoesNotFitAndGoesOnWithTheNextAlbum) {
     Walk walk(library.run);
-    walk.albums = library.run.connection->OpenTable("Albums");
     EXPECT_EQ(ProcessOneAlbum(walk, "Artist", std::string(256, 'x'), 1), "00000000");
     EXPECT_EQ(ProcessOneAlbum(walk, "Artist", "Title", 1), "252E671073EC0001");
     EXPECT_EQ(library.host.log.size(), 1U);

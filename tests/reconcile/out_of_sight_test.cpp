@@ -1,7 +1,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "database/marks.h"
 #include "tests/support/test_library.h"
 
 namespace quillon {
@@ -75,7 +74,6 @@ class TreeOutOfSightTest : public OutOfSightTest {
                     ElementsAre("3", "3"));
         EXPECT_THAT(library.Rows("SELECT ID FROM Tracks"), SizeIs(18));
         EXPECT_THAT(library.host.log, IsEmpty());
-        EXPECT_FALSE(MarkSnapshotExists(library.run));
         EXPECT_EQ(library.Faults(), "");
     }
 };
@@ -164,19 +162,6 @@ TEST_F(TreeOutOfSightTest, AListedFolderThatIsAwayKeepsTheAlbumsThatLieThereInPa
     EXPECT_THAT(library.host.log,
                 ElementsAre(R"(Quillon: RefreshDatabase, No folder at library folder E:\More, )"
                             "1 track below it is kept"));
-}
-
-TEST_F(TreeOutOfSightTest, NothingIsWalkedWhereNobodyKnowsWhatAnUnlistableRootHolds) {
-    const auto before = State();
-    library.run.LibraryFolders.push_back({R"(E:\More)", "More"});
-    library.files.AddFolder(R"(E:\More)");
-    library.files.unlistable = {R"(E:\More)"};
-    library.Database().Refuse("SELECT Tracks.SoundFile, Albums.Artist, Albums.Title");
-    library.Reconcile();
-    EXPECT_EQ(State(), before);
-    EXPECT_THAT(library.host.log,
-                ElementsAre(HasSubstr("Permission denied: E:\\More"),
-                            StartsWith("Quillon: RefreshDatabaseFolder Line 2 refused")));
 }
 
 /// Files side by side, of two artists.

@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "database/marks.h"
 #include "database/remove_duplicates.h"
 #include "tests/support/test_library.h"
 
@@ -36,30 +35,21 @@ class RefreshDatabaseTest : public ::testing::Test {
 
     bool NothingIsLost() { return library.Albums() == albums && library.Tracks() == tracks; }
 
-    bool AllIsMarked() {
-        return library.Rows("SELECT ID FROM Tracks WHERE Track <> 0").empty() &&
-               library.Rows("SELECT ID FROM Albums WHERE Tracks <> 0").empty();
-    }
-
     support::TestLibrary library;
     std::vector<std::string> albums, tracks;
 };
 
-TEST_F(RefreshDatabaseTest, LeavesNoMarksAndNoSnapshotBehind) {
+TEST_F(RefreshDatabaseTest, ChangesNothingInALibraryThatHasNotChanged) {
     library.Reconcile();
     EXPECT_TRUE(NothingIsLost());
-    EXPECT_FALSE(MarkSnapshotExists(library.run));
     EXPECT_THAT(library.host.log, IsEmpty());
 }
 
-TEST_F(RefreshDatabaseTest, LogsAMissingRootAndLeavesTheMarksInPlace) {
+TEST_F(RefreshDatabaseTest, LogsAMissingRootAndChangesNothing) {
     library.run.settings.LibraryRoot = R"(D:\Elsewhere)";
     library.Reconcile();
     EXPECT_THAT(library.host.log,
                 ElementsAre(R"(Quillon: RefreshDatabase, No folder at library root D:\Elsewhere)"));
-    EXPECT_TRUE(AllIsMarked());
-    EXPECT_TRUE(MarkSnapshotExists(library.run));
-    RestoreMarks(library.run);
     EXPECT_TRUE(NothingIsLost());
 }
 
@@ -68,7 +58,6 @@ TEST_F(RefreshDatabaseTest, SweepsNothingWhenTheRootAppearedAfterTheStart) {
     library.Reconcile();
     EXPECT_THAT(library.host.log,
                 ElementsAre(R"(Quillon: RefreshDatabase, No folder at library root D:\Music)"));
-    RestoreMarks(library.run);
     EXPECT_TRUE(NothingIsLost());
 }
 
@@ -88,7 +77,6 @@ TEST_F(RefreshDatabaseTest, SaysWhatIsTheMatterWithARootThatHoldsNoFolders) {
         ElementsAre(R"(Quillon: RefreshDatabase, Library root D:\Bare holds neither a folder )"
                     "nor a .txt file that names one, and LibraryDepthOption=1 looks for the "
                     "music in those. Set it to 0, or name the folder above"));
-    RestoreMarks(library.run);
     EXPECT_TRUE(NothingIsLost());
 }
 
@@ -100,8 +88,6 @@ TEST_F(RefreshDatabaseTest, SweepsNothingAfterAnAbort) {
             [artist](const FormState& state) { return state.aItem.ends_with(artist); });
         library.Reconcile();
         EXPECT_TRUE(library.run.AbortRequested);
-        EXPECT_TRUE(MarkSnapshotExists(library.run));
-        RestoreMarks(library.run);
         EXPECT_TRUE(NothingIsLost()) << artist;
     }
     EXPECT_THAT(library.host.log, IsEmpty());
@@ -111,8 +97,7 @@ TEST_F(RefreshDatabaseTest, StopsTheWalkAtTheArtistWhereAbortIsSeen) {
     library.window.PressAbortWhen(
         [](const FormState& state) { return state.aItem.ends_with("Green"); });
     library.Reconcile();
-    EXPECT_THAT(library.Rows("SELECT Artist FROM Albums WHERE Tracks > 0"),
-                ElementsAre("Blue", "Blue"));
+    EXPECT_TRUE(NothingIsLost());
     EXPECT_THAT(library.calls.Of({"Item"}), SizeIs(2));
 }
 
@@ -121,7 +106,6 @@ TEST_F(RefreshDatabaseTest, KeepsRowsThatAnAbortedWalkAdded) {
     library.window.PressAbortWhen(
         [](const FormState& state) { return state.aItem.ends_with("Green"); });
     library.Reconcile();
-    RestoreMarks(library.run);
     EXPECT_THAT(library.Tracks(), SizeIs(tracks.size() + 1));
     library.window.abortPressed = library.run.AbortRequested = false;
     library.window.onEvents = nullptr;
@@ -136,7 +120,6 @@ TEST_F(RefreshDatabaseTest, KeepsTheRowsBelowARootThatCannotBeListed) {
     EXPECT_THAT(library.host.log, ElementsAre("Quillon: RefreshDatabaseFolder Line 2 "
                                               R"(Permission denied: D:\Music)"));
     EXPECT_TRUE(NothingIsLost());
-    EXPECT_FALSE(MarkSnapshotExists(library.run));
 }
 
 TEST_F(RefreshDatabaseTest, KeepsTheRowsBelowAnArtistFolderThatCannotBeListed) {
@@ -166,7 +149,7 @@ TEST_F(RefreshDatabaseTest, SweepsWhatHasVanishedBesideAFolderThatCannotBeListed
     EXPECT_EQ(library.Faults(), "");
 }
 
-TEST_F(RefreshDatabaseTest, KeepsRowsEvenIfTheyWereMarkedBeforeTheSnapshot) {
+TEST_F(RefreshDatabaseTest, KeepsRowsEvenIfTheyHadNoNumbers) {
     library.Execute("UPDATE Tracks SET Track = 0");
     library.Execute("UPDATE Albums SET Tracks = 0");
     library.files.unlistable = {R"(D:\Music\Green)"};
@@ -174,35 +157,17 @@ TEST_F(RefreshDatabaseTest, KeepsRowsEvenIfTheyWereMarkedBeforeTheSnapshot) {
     EXPECT_TRUE(NothingIsLost());
 }
 
-TEST_F(RefreshDatabaseTest, SweepsNothingWhenRowsCannotBeKept) {
-    library.files.unlistable = {R"(D:\Music\Green)"};
-    library.Database().Refuse("Tracks.Track=0 OR Albums.Tracks=0");
+TEST_F(RefreshDatabaseTest, KeepsEverythingWhenATableCannotBeRead) {
+    library.Database().Refuse("Scan Tracks");
     library.Reconcile();
-    EXPECT_THAT(library.host.log, ElementsAre(StartsWith("Quillon: RefreshDatabaseFolder Line 2 "),
-                                              "Quillon: RefreshDatabase Line 3 refused"));
-    EXPECT_TRUE(MarkSnapshotExists(library.run));
-    RestoreMarks(library.run);
-    EXPECT_TRUE(NothingIsLost());
-}
-
-TEST_F(RefreshDatabaseTest, KeepsEverythingWhenATableCannotBeOpened) {
-    library.Database().Refuse("OpenTable Tracks");
-    library.Reconcile();
-    EXPECT_THAT(library.host.log[0], StartsWith("Quillon: RefreshDatabaseFolder Line 1 refused"));
-    // Without the table nothing can be given back either: so nothing is swept.
-    EXPECT_TRUE(MarkSnapshotExists(library.run));
-}
-
-TEST_F(RefreshDatabaseTest, KeepsAnAlbumWhoseLookUpFails) {
-    library.Database().Refuse("Title=\"Two\" AND Artist=\"Green\"");
-    library.Reconcile();
-    EXPECT_THAT(library.host.log,
-                ElementsAre(R"(Quillon: ProcessOneAlbum Line 2 refused (Green\Two))"));
+    EXPECT_THAT(library.host.log, ElementsAre("Quillon: RefreshDatabase Line 1 refused"));
     EXPECT_TRUE(NothingIsLost());
 }
 
 TEST_F(RefreshDatabaseTest, LogsAFailingSweepOfTheAlbums) {
-    library.Database().Refuse("DELETE * FROM Albums WHERE Tracks=0 and Player=1001");
+    library.AddAlbumRow("252E671073EC0900", "Violet", "Bare", 1);
+    albums = library.Albums();
+    library.Database().Refuse("Delete Albums");
     library.Reconcile();
     EXPECT_THAT(library.host.log,
                 ElementsAre("Quillon: Refresh Database Track=0 Query Line 3 refused"));
@@ -212,8 +177,9 @@ TEST_F(RefreshDatabaseTest, LogsAFailingSweepOfTheAlbums) {
 TEST_F(RefreshDatabaseTest, SweepsTracksBeforeAlbums) {
     library.RemoveFile(R"(Red\One\a.mp3)");
     library.RemoveFile(R"(Red\One\b.mp3)");
-    library.Database().BeforeStatement("DELETE * FROM Albums WHERE Tracks=0", [this] {
-        EXPECT_THAT(library.Rows("SELECT ID FROM Tracks WHERE Track=0"), IsEmpty());
+    library.Database().BeforeStatement("Delete Albums", [this] {
+        EXPECT_THAT(library.Rows("SELECT ID FROM Tracks WHERE SoundFile Like '%Red\\One\\%'"),
+                    IsEmpty());
     });
     library.Reconcile();
     EXPECT_THAT(library.Albums(), SizeIs(albums.size() - 1));
@@ -268,7 +234,6 @@ TEST_F(ListedFoldersTest, LoseTheirRowsWhenTheyAreNotListedAnyMoreOnlyWithLeave)
         library.host.log,
         ElementsAre(HasSubstr("Nothing is removed: 2 tracks of 14 would go, and 2 of them lie in "
                               "none of the library folders")));
-    RestoreMarks(library.run);
     EXPECT_TRUE(NothingIsLost());
 
     library.run.removals = {};
@@ -293,7 +258,6 @@ TEST_F(ListedFoldersTest, SweepNothingWhenTheirListCannotBeRead) {
                          "x");
     library.Reconcile();
     EXPECT_THAT(library.host.log, ElementsAre(StartsWith("Quillon: RefreshDatabase Line 2 ")));
-    RestoreMarks(library.run);
     EXPECT_TRUE(NothingIsLost());
 }
 

@@ -3,7 +3,7 @@
 
 A settled library changes (files added, removed, renamed, moved); the run that should catch up is
 stopped at one moment after another, each time from the same start. Whatever the moment, nothing may
-be lost that an undisturbed run would not remove, the marked state may not survive, the file must be
+be lost that an undisturbed run would not remove, no number may be missing, the file must be
 whole, and further runs must end where undisturbed ones end, with playlists of the same songs.
 """
 
@@ -94,7 +94,7 @@ class Interrupted:
         self.stage = stage
         self.moments = moments
         self.start = stage.work / "start.mdb"
-        self.marked = self.half_written = 0
+        self.unrepaired = self.half_written = 0
         make_library(stage)
         run(stage)
         run(stage)
@@ -176,7 +176,7 @@ class Interrupted:
 
     def kill(self, moment):
         status, _ = stop_at(self.stage, self.from_the_start(moment), signal.SIGKILL)
-        self.marked += Path(f"{self.stage.database}.marks").exists()
+        self.unrepaired += Path(f"{self.stage.database}.playlists").exists()
         self.half_written += Path(f"{self.stage.database}.journal").exists()
         self.stage.execute("DELETE * FROM SpinnerID3Differences")
         self.stage.tool("db", "check", str(self.stage.database))
@@ -214,10 +214,10 @@ def main():
         recoveries = sum("playlists taken as" in line for line in stage.log_messages())
     print(f"{way}: {stopped} of {moments} runs were stopped before their end")
     if way == "kill":
-        print(f"of which {story.marked} in the marked state, {story.half_written} with a journal")
+        print(f"of which {story.unrepaired} with playlists to be repaired, {story.half_written} with a journal")
     print(f"{recoveries} runs took playlists as an interrupted one had captured them")
     # Otherwise nothing was tested.
-    return 0 if stopped >= moments // 4 and (way == "abort" or story.marked > 0) else 1
+    return 0 if stopped >= moments // 4 and (way == "abort" or story.unrepaired > 0) else 1
 
 
 if __name__ == "__main__":

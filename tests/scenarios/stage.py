@@ -127,7 +127,7 @@ class Stage:
             for table in TABLES:
                 confirm_same_rows(table, rows[table], theirs.get(table, []), "mdbcheck",
                                   null="(Null)")
-        leftovers = {".journal", ".marks", ".ldb"} | (set() if unrepaired else {".playlists"})
+        leftovers = {".journal", ".ldb"} | (set() if unrepaired else {".playlists"})
         for leftover in self.disk.iterdir():
             if leftover.suffix in leftovers:
                 raise Failed(f"{leftover.name} was left behind")

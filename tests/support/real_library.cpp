@@ -12,7 +12,6 @@
 #include <unistd.h>
 
 #include "app/jukebox_database.h"
-#include "database/marks.h"
 #include "database/remove_duplicates.h"
 #include "reconcile/refresh_database.h"
 #include "tests/support/database_rows.h"
@@ -92,7 +91,6 @@ void RealLibrary::OpenDatabase() {
 }
 
 void RealLibrary::Reconcile() {
-    RestoreMarks(run);
     RemoveDuplicates(run);
     RefreshDatabase(run);
 }

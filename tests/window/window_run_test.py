@@ -46,6 +46,7 @@ class Library(Stage):
         super().__init__(PROGRAM)
         shutil.copy2(MODULE, self.work / Path(MODULE).name)
         self.albums = albums
+        self.started = 0
         content = sound_files.silence(0.05)
         for album in range(albums):
             folder = self.disk / "Music" / f"Artist {album:03}" / "Album"
@@ -54,6 +55,7 @@ class Library(Stage):
                 (folder / f"{track:02} - Song.mp3").write_bytes(content)
 
     def start_run(self, environment, view="window"):
+        self.started = time.time()
         return subprocess.Popen(
             [str(self.program), "run", "--host", str(self.host), "--view", view],
             stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True,
@@ -83,11 +85,12 @@ class Library(Stage):
             (folder / "01 - Song.mp3").write_bytes(sound_files.silence(0.05))
 
     def is_amid_albums(self):
-        """Whether the run has set track numbers aside and is looking at albums and files."""
-        return any(self.disk.glob("*.marks"))
+        """Whether the run that was started last has captured the playlists, and so is looking at
+        albums and files."""
+        return any(path.stat().st_mtime >= self.started for path in self.disk.glob("*.playlists"))
 
     def confirm_stopped_in_order(self):
-        """What an aborted run leaves: a whole database without marks or half albums."""
+        """What an aborted run leaves: a whole database without half albums."""
         self.tool("db", "check", str(self.database))
         if CHECKER.exists():
             confirm_whole(self.database)

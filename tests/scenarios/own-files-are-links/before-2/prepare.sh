@@ -1,2 +1,2 @@
-rm disk/jukebox.mdb.marks
+rm disk/jukebox.mdb.playlists
 mkfifo disk/jukebox.mdb.playlists

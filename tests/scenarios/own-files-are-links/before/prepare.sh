@@ -1,2 +1,2 @@
 printf precious > disk/precious.txt
-ln -s precious.txt disk/jukebox.mdb.marks
+ln -s precious.txt disk/jukebox.mdb.playlists
