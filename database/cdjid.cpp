@@ -48,7 +48,7 @@ std::string CdjidSequence::GetNextCDJID(std::string_view album) {
 
 std::string CdjidSequence::Next() {
     if (!highest_) return WithNumber(1);
-    std::string next = After(*highest_);
+    const std::string next = After(*highest_);
     // One above all others is nobody's.
     const bool isAbove = LowerCase(*highest_) < LowerCase(next);
     return isAbove || !IsInUse(next) ? next : LowestFree();
