@@ -150,7 +150,7 @@ TEST_F(CheckCommand, ChangesNothing) {
         return text;
     };
     Write("shelf/jukebox.mdb.journal", "left");
-    Write("shelf/jukebox.mdb.marks", "left");
+    Write("shelf/jukebox.mdb.playlists", "left");
     Write("shelf/jukebox.ldb", std::string(64, ' '));
     const std::string before = state();
     for (const char* const mode :

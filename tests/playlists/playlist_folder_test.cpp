@@ -89,7 +89,7 @@ TEST_F(PlaylistFolderTest, KeepsEveryFileThatIsNoPlaylist) {
                                          "host.ini",
                                          "HOST.LOG",
                                          "jukebox.mdb",
-                                         "jukebox.mdb.marks",
+                                         "jukebox.mdb.playlists",
                                          "jukebox.ldb",
                                          "jukebox.mdb_Copy Dated_11152026_53855_AM_",
                                          "notes.txt",
