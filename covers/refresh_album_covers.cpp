@@ -1,15 +1,17 @@
 #include "covers/refresh_album_covers.h"
 
-#include <cstdint>
-#include <memory>
+#include <algorithm>
+#include <cstddef>
 #include <optional>
+#include <span>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "covers/scan_covers.h"
-#include "database/move_to_id.h"
 #include "database/sql.h"
 #include "platform/basic_text.h"
-#include "platform/database.h"
+#include "library/library.h"
 #include "run/counted.h"
 #include "run/log.h"
 #include "run/run.h"
@@ -25,11 +27,11 @@ std::string_view FileName(std::string_view path) {
     return backslash == std::string_view::npos ? path : path.substr(backslash + 1);
 }
 
-void SetImageFile(Run& run, RecordSet& album, const std::string& path) {
-    const std::string before = album.Text("ImageFile");
-    album.Set("ImageFile", path);
-    album.Update();
+void SetImageFile(Run& run, AlbumRow& album, const std::string& path) {
+    const std::string before = album.imageFile;
     if (before == path) return;
+    const FieldValue image{"ImageFile", path};
+    run.TheLibrary().Change(album, std::span(&image, 1));
     RunCounts& counts = run.counts;
     ++(before.empty() ? counts.imagesAdded
        : path.empty() ? counts.imagesRemoved
@@ -55,20 +57,19 @@ void TellKeptImages(Run& run, const CoverSet& covers, std::size_t kept) {
                  ". See to the drives and folders and run again");
 }
 
-void CompareAlbums(Run& run, Steps& steps, RecordSet& albums, CoverSet& covers) {
+void CompareAlbums(Run& run, Steps& steps, CoverSet& covers) {
     std::size_t kept = 0;
-    run.StartCountingRows("Albums");
-    for (; !albums.IsEof(); albums.MoveNext(), run.CountDone()) {
+    for (AlbumRow& album : Counted(run, run.TheLibrary().Albums())) {
         run.ProcessEvents();
-        const std::string imageFile = albums.Text("ImageFile");
-        if (imageFile.empty()) continue;
+        if (album.isGone || album.imageFile.IsEmpty()) continue;
+        const std::string& imageFile = album.imageFile;
         steps.Concerning(imageFile);
         Cover* const cover = findExactRecord(run, covers, FileName(imageFile));
         if (cover != nullptr) {
             cover->processed = true;
-            SetImageFile(run, albums, cover->path);
+            SetImageFile(run, album, cover->path);
         } else if (MayEmpty(run, covers, imageFile)) {
-            SetImageFile(run, albums, "");
+            SetImageFile(run, album, "");
         } else {
             ++kept;
         }
@@ -96,44 +97,36 @@ void LogCover(Run& run, const Cover& cover, std::string_view statement) {
     WriteLog(run, LogSource, "Album Cover " + cover.name + " " + std::string(statement));
 }
 
-void AddCover(Run& run, RecordSet& albums, const Cover& cover) {
+void AddCover(Run& run, const Cover& cover) {
     const std::optional<CoverTitle> title = ReadCoverTitle(cover.name);
     if (!title) {
         if (!EqualIgnoringCase(cover.name, Placeholder))
             LogCover(run, cover, "filename is not of correct Artist - Album format");
         return;
     }
-    const std::unique_ptr<RecordSet> found = run.connection->Query(
-        "SELECT ID, ImageFile FROM Albums WHERE Artist =" + Quoted(title->artist) +
-        " AND Title =" + Quoted(title->album));
-    if (found->IsEmpty()) {
+    RefuseQuote(title->artist);
+    RefuseQuote(title->album);
+    const std::vector<AlbumRow*> found = run.TheLibrary().AlbumsNamed(title->artist, title->album);
+    if (found.empty()) {
         LogCover(run, cover,
                  "is in directory but does not have this artist/album in Albums database");
         return;
     }
-    const std::string present = found->Text("ImageFile");
-    if (!present.empty()) {
-        if (!EqualIgnoringCase(present, cover.path))
-            LogCover(run, cover,
-                     "is in directory but does not match " + present + " in Albums database");
-        return;
+    const std::string& present = found.front()->imageFile;
+    if (present.empty()) {
+        SetImageFile(run, *found.front(), cover.path);
+        LogCover(run, cover, "added to Albums database");
+    } else if (!EqualIgnoringCase(present, cover.path)) {
+        LogCover(run, cover,
+                 "is in directory but does not match " + present + " in Albums database");
     }
-    const std::int64_t id = found->Integer("ID");
-    if (!MoveToId(albums, id)) {
-        WriteLog(
-            run, LogSource,
-            "Album cover record ID " + std::to_string(id) + " could not be found on second read");
-        return;
-    }
-    SetImageFile(run, albums, cover.path);
-    LogCover(run, cover, "added to Albums database");
 }
 
-void AddNewCovers(Run& run, Steps& steps, RecordSet& albums, const CoverSet& covers) {
+void AddNewCovers(Run& run, Steps& steps, const CoverSet& covers) {
     for (const Cover& cover : Counted(run, covers.InOrder())) {
         run.ProcessEvents();
         steps.Concerning(cover.path);
-        if (!cover.processed) AddCover(run, albums, cover);
+        if (!cover.processed) AddCover(run, cover);
     }
 }
 
@@ -141,23 +134,22 @@ void AddNewCovers(Run& run, Steps& steps, RecordSet& albums, const CoverSet& cov
 
 void RefreshAlbumCovers(Run& run) {
     Steps steps(run, "Refresh Album Covers Error:");
-    std::unique_ptr<RecordSet> albums;
     std::optional<CoverSet> covers;
     run.ShowItem("1. Scan Albums from Folder");
     const bool scanned = steps.Try(1, [&] {
-        albums = run.connection->OpenTable("Albums");
-        if (!albums->IsEmpty()) covers = ScanCovers(run);
+        const auto isThere = [](const AlbumRow& album) { return !album.isGone; };
+        if (std::ranges::any_of(run.TheLibrary().Albums(), isThere)) covers = ScanCovers(run);
     });
     if (!scanned || !covers) return;
 
     run.ShowItem("2. Compare Albums with Database");
     if (run.AbortRequested) return;
-    if (!steps.Try(2, [&] { CompareAlbums(run, steps, *albums, *covers); })) return;
+    if (!steps.Try(2, [&] { CompareAlbums(run, steps, *covers); })) return;
 
     run.ShowItem("3. Add New Covers to Database");
     if (run.AbortRequested) return;
     steps.Concerning({});
-    steps.Try(3, [&] { AddNewCovers(run, steps, *albums, *covers); });
+    steps.Try(3, [&] { AddNewCovers(run, steps, *covers); });
 }
 
 }  // namespace quillon

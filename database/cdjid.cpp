@@ -1,11 +1,10 @@
 #include "database/cdjid.h"
 
-#include <cstdint>
-#include <memory>
+#include <cstddef>
 
 #include "database/schema.h"
+#include "library/library.h"
 #include "platform/basic_text.h"
-#include "platform/database.h"
 #include "platform/failure.h"
 #include "run/log.h"
 #include "run/run.h"
@@ -22,14 +21,18 @@ std::string WithNumber(int number) {
     return std::string(CdjidPrefix) + std::string(Right(digits, DigitCount));
 }
 
-std::optional<std::string> HighestCdjid(Run& run) {
-    const std::unique_ptr<RecordSet> result = run.connection->Query(
-        "SELECT Max(Albums.CDJID) AS MaxOfCDJID, Left([cdjid],Len([cdjid])-4) AS Expr1 "
-        "FROM Albums GROUP BY Left([cdjid],Len([cdjid])-4) "
-        "HAVING (((Left([cdjid],Len([cdjid])-4))='" +
-        std::string(CdjidPrefix) + "'));");
-    if (result->IsEmpty()) return std::nullopt;
-    return result->Text("MaxOfCDJID");
+/// The highest one with the prefix, as the database sorts; of any player.
+std::optional<std::string> HighestCdjid(Library& library) {
+    const TextRules& rules = library.Rules();
+    std::optional<std::string> highest;
+    for (const AlbumRow& album : library.Albums()) {
+        const std::string& cdjid = album.cdjid;
+        const std::size_t prefix = cdjid.size() - Right(cdjid, DigitCount).size();
+        if (album.isGone || !rules.AreEqual(std::string_view(cdjid).substr(0, prefix), CdjidPrefix))
+            continue;
+        if (!highest || rules.ComesBefore(*highest, cdjid)) highest = cdjid;
+    }
+    return highest;
 }
 
 }  // namespace
@@ -39,7 +42,7 @@ std::string CdjidSequence::GetNextCDJID(std::string_view album) {
     Steps steps(run_, "GetNextCDJID Error:");
     steps.Concerning(std::string(album));
     steps.Try(0, [&] {
-        if (!asked_) highest_ = HighestCdjid(run_);
+        if (!asked_) highest_ = HighestCdjid(run_.TheLibrary());
         asked_ = true;
         next = Next();
     });
@@ -55,14 +58,7 @@ std::string CdjidSequence::Next() {
 }
 
 bool CdjidSequence::IsInUse(const std::string& cdjid) {
-    if (!inUseKnown_) {
-        const std::unique_ptr<RecordSet> albums =
-            run_.connection->Query("SELECT CDJID FROM Albums");
-        for (; !albums->IsEof(); albums->MoveNext())
-            inUse_.insert(LowerCase(albums->Text("CDJID")));
-        inUseKnown_ = true;
-    }
-    return inUse_.contains(LowerCase(cdjid));
+    return taken_.contains(LowerCase(cdjid)) || !run_.TheLibrary().AlbumsWith(cdjid).empty();
 }
 
 std::string CdjidSequence::LowestFree() {
@@ -87,7 +83,7 @@ std::string CdjidSequence::After(const std::string& highest) {
 }
 
 void CdjidSequence::Taken(const std::string& cdjid) {
-    inUse_.insert(LowerCase(cdjid));
+    taken_.insert(LowerCase(cdjid));
     // The maximum is one of texts: after 9999 has wrapped to 0000 it stays 9999.
     if (!highest_ || LowerCase(*highest_) < LowerCase(cdjid)) highest_ = cdjid;
 }

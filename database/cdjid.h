@@ -11,8 +11,7 @@ class Run;
 
 /// Hands out identifiers for new albums: the fixed prefix and a four-digit number one above the
 /// highest in use; 9999 is followed by 0000. Where that one is taken it is the lowest free one,
-/// since albums that share an identifier are removed. What is in use is asked for once and then
-/// kept in hand: that question costs a pass over all albums.
+/// since albums that share an identifier are removed.
 class CdjidSequence {
   public:
     explicit CdjidSequence(Run& run) : run_(run) {}
@@ -33,9 +32,7 @@ class CdjidSequence {
     Run& run_;
     bool asked_ = false;
     std::optional<std::string> highest_;  ///< nothing: no album carries the prefix yet
-    /// In lower case; those that were there before only once somebody has asked.
-    std::unordered_set<std::string> inUse_;
-    bool inUseKnown_ = false;
+    std::unordered_set<std::string> taken_;  ///< by this sequence, in lower case
     int lowest_ = 0;  ///< no lower number is free
 };
 

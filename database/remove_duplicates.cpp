@@ -1,12 +1,12 @@
 #include "database/remove_duplicates.h"
 
-#include <memory>
+#include <algorithm>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "database/sql.h"
-#include "platform/database.h"
-#include "platform/failure.h"
+#include "library/library.h"
 #include "run/log.h"
 #include "run/run.h"
 #include "run/steps.h"
@@ -14,51 +14,69 @@
 namespace quillon {
 namespace {
 
-constexpr std::string_view DeleteTracksWithoutFile =
-    "DELETE Tracks.* FROM Tracks INNER JOIN Albums ON Tracks.CDJID = Albums.CDJID "
-    "WHERE (((Albums.Player)=1001) AND ((Tracks.SoundFile) Is Null)) "
-    "OR (((Albums.Player)=1001) AND ((Tracks.SoundFile)=\"\"))";
+/// An identifier that several albums have.
+struct SharedIdentifier {
+    std::string cdjid;
+    std::vector<AlbumRow*> albums;
+    std::vector<TrackRow*> tracks;
+};
 
-constexpr std::string_view WithDuplicatedIdentifier =
-    "SELECT Tracks.SoundFile, Tracks.Title FROM Tracks WHERE CDJID In "
-    "(SELECT CDJID FROM Albums GROUP BY CDJID HAVING Count(*)>1)";
-
-constexpr std::string_view WithoutFile =
-    "SELECT Albums.Artist, Albums.Title AS Album, Tracks.Title "
-    "FROM Tracks INNER JOIN Albums ON Tracks.CDJID = Albums.CDJID "
-    "WHERE (((Albums.Player)=1001) AND ((Tracks.SoundFile) Is Null)) "
-    "OR (((Albums.Player)=1001) AND ((Tracks.SoundFile)=\"\"))";
-
-constexpr std::string_view CountTracks = "SELECT Count(*) AS Total FROM Tracks";
-
-void AddFiles(Run& run, std::string_view query, std::vector<std::string>& names) {
-    const std::unique_ptr<RecordSet> rows = run.connection->Query(query);
-    for (; !rows->IsEof(); rows->MoveNext()) {
-        const std::string soundFile = rows->Text("SoundFile");
-        names.push_back(soundFile.empty() ? rows->Text("Title") : soundFile);
+/// In the order in which the database groups them.
+std::vector<SharedIdentifier> SharedIdentifiers(Library& library) {
+    std::vector<SharedIdentifier> shared;
+    for (AlbumRow& album : library.Albums()) {
+        if (album.isGone || album.cdjid.IsNull()) continue;
+        std::vector<AlbumRow*> albums = library.AlbumsWith(album.cdjid);
+        if (albums.size() > 1 && albums.front() == &album)
+            shared.push_back({album.cdjid, std::move(albums), library.TracksOf(album.cdjid)});
     }
+    std::ranges::sort(shared, [&](const SharedIdentifier& a, const SharedIdentifier& b) {
+        return library.Rules().ComesBefore(a.cdjid, b.cdjid);
+    });
+    return shared;
 }
 
-void AddTitles(Run& run, std::string_view query, std::vector<std::string>& names) {
-    const std::unique_ptr<RecordSet> rows = run.connection->Query(query);
-    for (; !rows->IsEof(); rows->MoveNext()) {
-        names.push_back(rows->Text("Artist") + '\\' + rows->Text("Album") + '\\' +
-                        rows->Text("Title"));
+/// A track of an own album, which has no file.
+struct Fileless {
+    TrackRow* track;
+    std::string name;
+};
+
+std::vector<Fileless> TracksWithoutFile(Library& library) {
+    std::vector<Fileless> tracks;
+    for (TrackRow& track : library.Tracks()) {
+        if (track.isGone || !track.soundFile.IsEmpty()) continue;
+        if (const AlbumRow* const album = library.AlbumOf(track)) {
+            tracks.push_back({&track, album->artist.Text() + '\\' + album->title.Text() + '\\' +
+                                          track.title.Text()});
+        }
     }
+    return tracks;
 }
 
-void AddAlbumNames(Run& run, const std::string& where, std::vector<std::string>& names) {
-    const std::unique_ptr<RecordSet> rows =
-        run.connection->Query("SELECT Artist, Title FROM Albums" + where);
-    for (; !rows->IsEof(); rows->MoveNext())
-        names.push_back(rows->Text("Artist") + '\\' + rows->Text("Title"));
+/// What goes, in words.
+std::vector<std::string> NamesOf(const std::vector<SharedIdentifier>& shared) {
+    std::vector<std::string> names;
+    for (const SharedIdentifier& identifier : shared) {
+        for (const TrackRow* const track : identifier.tracks)
+            names.push_back(track->soundFile.IsEmpty() ? track->title : track->soundFile);
+    }
+    return names;
+}
+
+std::vector<std::string> NamesOf(const std::vector<Fileless>& tracks) {
+    std::vector<std::string> names;
+    for (const Fileless& fileless : tracks)
+        names.push_back(fileless.name);
+    return names;
 }
 
 /// Asks for all that is removed here at once.
 bool MayRemove(Run& run, std::vector<std::string> names, const std::vector<std::string>& more) {
     names.insert(names.end(), more.begin(), more.end());
     if (names.empty()) return true;
-    const auto total = run.connection->Query(CountTracks)->Integer("Total");
+    const auto isThere = [](const TrackRow& track) { return !track.isGone; };
+    const auto total = std::ranges::count_if(run.TheLibrary().Tracks(), isThere);
     return run.removals.Allow(run, {.kind = Removable::Tracks,
                                     .names = std::move(names),
                                     .outOf = static_cast<std::size_t>(total)});
@@ -69,63 +87,57 @@ void NoteRemoved(Run& run, const std::vector<std::string>& names) {
         run.removals.Note(Removable::Tracks, name);
 }
 
-/// One identifier a pass, all its rows and whatever their player: the folder walk makes fresh rows
-/// for the album folders that still exist.
-void DeleteDuplicates(Run& run) {
-    for (;;) {
-        const std::unique_ptr<RecordSet> duplicates = run.connection->Query(DuplicatedIdentifiers);
-        if (duplicates->IsEmpty()) return;
-        duplicates->MoveFirst();
-        const std::string cdjid = duplicates->Text("CDJID Field");
-        const std::string ofThisAlbum = " WHERE CDJID=" + Quoted(cdjid);
-        std::vector<std::string> names;
-        AddAlbumNames(run, ofThisAlbum, names);
-        const auto albums = run.connection->Execute("DELETE * FROM Albums" + ofThisAlbum);
-        const auto tracks = run.connection->Execute("DELETE * FROM Tracks" + ofThisAlbum);
-        run.counts.albumsRemoved += static_cast<std::size_t>(albums);
-        run.counts.tracksRemoved += static_cast<std::size_t>(tracks);
-        // The next pass would find the same identifier again, and so would every one after it.
-        if (albums == 0) {
-            throw Failure::Described(FailureNumber::Database,
-                                     "Duplicated identifier cannot be deleted: " + cdjid);
+/// All rows of an identifier, whatever their player: the folder walk makes fresh rows for the album
+/// folders that still exist.
+void DeleteShared(Run& run, const std::vector<SharedIdentifier>& shared) {
+    Library& library = run.TheLibrary();
+    for (const SharedIdentifier& identifier : shared) {
+        RefuseQuote(identifier.cdjid);
+        for (AlbumRow* const album : identifier.albums) {
+            library.Remove(*album);
+            ++run.counts.albumsRemoved;
         }
-        const std::string reason =
-            "Album removed, it shared its CDJID " + cdjid + " with another: ";
-        for (const std::string& name : names)
-            WriteLog(run, LogSource, std::string(reason).append(name));
+        for (TrackRow* const track : identifier.tracks) {
+            library.Remove(*track);
+            ++run.counts.tracksRemoved;
+        }
+        for (const AlbumRow* const album : identifier.albums) {
+            WriteLog(run, LogSource,
+                     "Album removed, it shared its CDJID " + identifier.cdjid +
+                         " with another: " + album->artist.Text() + '\\' + album->title.Text());
+        }
     }
 }
 
-void DeleteWithoutFile(Run& run) {
-    std::vector<std::string> names;
-    AddTitles(run, WithoutFile, names);
-    if (names.empty()) return;
-    const auto tracks = run.connection->Execute(DeleteTracksWithoutFile);
-    run.counts.tracksRemoved += static_cast<std::size_t>(tracks);
-    NoteRemoved(run, names);
-    for (const std::string& name : names)
-        WriteLog(run, LogSource, "Track removed, it had no file: " + name);
+void DeleteWithoutFile(Run& run, const std::vector<Fileless>& tracks) {
+    for (const Fileless& fileless : tracks) {
+        if (fileless.track->isGone) continue;  // with its album
+        run.TheLibrary().Remove(*fileless.track);
+        ++run.counts.tracksRemoved;
+        run.removals.Note(Removable::Tracks, fileless.name);
+        WriteLog(run, LogSource, "Track removed, it had no file: " + fileless.name);
+    }
 }
 
 }  // namespace
 
 void RemoveDuplicates(Run& run) {
-    const std::string ofDuplicates = "Remove Duplicates Error on Delete Duplicate Query:";
-    const std::string ofTracksWithoutFile = "Remove Duplicates Error on SoundFile=Null Query:";
     Steps steps(run, "Remove Duplicates Error:");
-    std::vector<std::string> withDuplicate, withoutFile;
-    const bool duplicatesKnown = steps.TryAs(
-        ofDuplicates, 2, [&] { AddFiles(run, WithDuplicatedIdentifier, withDuplicate); });
-    const bool withoutFileKnown =
-        steps.TryAs(ofTracksWithoutFile, 4, [&] { AddTitles(run, WithoutFile, withoutFile); });
+    std::vector<SharedIdentifier> shared;
+    std::vector<Fileless> withoutFile;
     bool mayRemove = false;
-    steps.Try(0, [&] { mayRemove = MayRemove(run, withDuplicate, withoutFile); });
-    if (mayRemove && duplicatesKnown) {
-        const bool removed = steps.TryAs(ofDuplicates, 2, [&run] { DeleteDuplicates(run); });
-        if (removed) NoteRemoved(run, withDuplicate);
-    }
-    if (mayRemove && withoutFileKnown)
-        steps.TryAs(ofTracksWithoutFile, 4, [&run] { DeleteWithoutFile(run); });
+    steps.Try(0, [&] {
+        shared = SharedIdentifiers(run.TheLibrary());
+        withoutFile = TracksWithoutFile(run.TheLibrary());
+        mayRemove = MayRemove(run, NamesOf(shared), NamesOf(withoutFile));
+    });
+    if (!mayRemove) return;
+    const std::vector<std::string> names = NamesOf(shared);
+    const bool removed = steps.TryAs("Remove Duplicates Error on Delete Duplicate Query:", 2,
+                                     [&] { DeleteShared(run, shared); });
+    if (removed) NoteRemoved(run, names);
+    steps.TryAs("Remove Duplicates Error on SoundFile=Null Query:", 4,
+                [&] { DeleteWithoutFile(run, withoutFile); });
 }
 
 }  // namespace quillon

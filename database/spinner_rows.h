@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/database.h"
 #include "platform/date_time.h"
@@ -19,11 +20,10 @@ struct DownloadSong {
     std::string genre;
 };
 
-/// Sets all fields of a row of `Spinner` that a table cursor has begun.
-void FillSpinnerRow(RecordSet& spinner, DateTime now, const DownloadSong& song);
+/// All fields of its row in `Spinner`.
+std::vector<FieldValue> FieldsOf(DateTime now, const DownloadSong& song);
 
-/// Adds a row to `SpinnerArtist` through a table cursor, which then stands on it. Failure: what the
-/// database refuses; the cursor then still holds the refused values.
-void AddSpinnerArtistRow(RecordSet& spinnerArtist, std::string_view artist);
+/// All fields of an artist's row in `SpinnerArtist`.
+std::vector<FieldValue> FieldsOfSpinnerArtist(std::string_view artist);
 
 }  // namespace quillon

@@ -1,7 +1,9 @@
 #include "download/populate_spinner_artist.h"
 
-#include <memory>
+#include <algorithm>
+#include <array>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 #include "database/spinner_rows.h"
@@ -14,19 +16,44 @@
 namespace quillon {
 namespace {
 
-bool IsDownloadArtist(Connection& connection, const std::string& artist) {
-    return !connection.Query("SELECT Artist FROM SpinnerArtist WHERE Artist =" + Quoted(artist))
-                ->IsEmpty();
+constexpr std::string_view Table = "SpinnerArtist";
+
+/// Artists as the database tells them apart.
+class ArtistNames {
+  public:
+    explicit ArtistNames(const Connection& connection) : connection_(connection) {}
+
+    /// Whether it was not there yet.
+    bool Add(std::string_view artist) {
+        return names_.insert(connection_.FoldText(artist)).second;
+    }
+
+  private:
+    const Connection& connection_;
+    std::unordered_set<std::string> names_;
+};
+
+ArtistNames DownloadArtists(Connection& connection) {
+    ArtistNames names(connection);
+    constexpr std::array<std::string_view, 1> Fields{"Artist"};
+    connection.Scan(Table, Fields, [&names](RowKey, std::span<const Value> row) {
+        if (!IsNull(row[0])) names.Add(RowText(row[0]));
+    });
+    return names;
 }
 
-std::vector<std::string> AlbumArtists(Connection& connection) {
+/// Each one once, in the database's order. No look-up finds a Null again, so that each run would
+/// add one more.
+std::vector<std::string> AlbumArtists(Run& run) {
     std::vector<std::string> artists;
-    const std::unique_ptr<RecordSet> rows =
-        connection.Query("SELECT Albums.Artist FROM Albums GROUP BY Albums.Artist");
-    for (; !rows->IsEof(); rows->MoveNext()) {
-        // No look-up finds a Null again, so each run would add one more.
-        if (!IsNull(rows->Get("Artist"))) artists.push_back(rows->Text("Artist"));
+    ArtistNames names(*run.connection);
+    for (const AlbumRow& album : run.TheLibrary().Albums()) {
+        if (!album.isGone && !album.artist.IsNull() && names.Add(album.artist))
+            artists.push_back(album.artist);
     }
+    std::ranges::sort(artists, [&run](const std::string& one, const std::string& other) {
+        return run.connection->CompareTexts(one, other) < 0;
+    });
     return artists;
 }
 
@@ -36,16 +63,16 @@ void PopulateSpinnerArtist(Run& run) {
     run.ShowItem("1. Add Artists to Download Table");
     Steps steps(run, "Populate Spinner Artist Error:");
     steps.Try(1, [&] {
-        const std::unique_ptr<RecordSet> spinnerArtist = run.connection->OpenTable("SpinnerArtist");
-        for (const std::string& artist : Counted(run, AlbumArtists(*run.connection))) {
+        ArtistNames known = DownloadArtists(*run.connection);
+        for (const std::string& artist : Counted(run, AlbumArtists(run))) {
             run.ProcessEvents();
             steps.Concerning(artist);
-            const bool done = steps.Try(2, [&] {
-                if (IsDownloadArtist(*run.connection, artist)) return;
-                AddSpinnerArtistRow(*spinnerArtist, artist);
+            steps.Try(2, [&] {
+                RefuseQuote(artist);
+                if (!known.Add(artist)) return;
+                run.connection->Insert(Table, FieldsOfSpinnerArtist(artist));
                 ++run.counts.artistsAdded;
             });
-            if (!done) spinnerArtist->CancelUpdate();
         }
     });
 }

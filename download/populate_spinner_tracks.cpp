@@ -1,15 +1,16 @@
 #include "download/populate_spinner_tracks.h"
 
+#include <array>
 #include <cstdint>
-#include <memory>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "database/spinner_rows.h"
 #include "database/sql.h"
 #include "platform/basic_text.h"
 #include "platform/clock.h"
-#include "platform/database.h"
 #include "platform/failure.h"
 #include "run/host_settings.h"
 #include "run/run.h"
@@ -18,97 +19,107 @@
 namespace quillon {
 namespace {
 
-constexpr std::string_view SongFields =
-    "Albums.Artist, Albums.Title as Album, Tracks.Title as Song, Tracks.Minutes, Tracks.Seconds";
-constexpr std::string_view SongRows = "Albums INNER JOIN Tracks ON Albums.CDJID = Tracks.CDJID";
+/// A track under the names by which its song is told from others.
+struct Song {
+    const AlbumRow& album;
+    const TrackRow& track;
 
-/// How a song is told from others. A name that is missing leaves a comparison with nothing, which
-/// is no statement; that is told here, where the song can be named. Such a song must not be added:
-/// it would never be found again and come anew in each run.
-std::string SongCriterion(const RecordSet& song) {
-    std::string criterion;
-    bool complete = true;
-    for (const char* field : {"Artist", "Album", "Song"}) {
-        criterion.append(criterion.empty() ? "" : " AND ").append(field).append("=");
-        if (IsNull(song.Get(field))) {
-            complete = false;
-        } else {
-            criterion += Quoted(song.Text(field));
-        }
+    std::array<std::pair<std::string_view, const RowText&>, 3> Names() const {
+        return {{{"Artist", album.artist}, {"Album", album.title}, {"Song", track.title}}};
     }
-    if (complete) return criterion;
+};
+
+/// A name that is missing leaves a comparison with nothing, which is no criterion; that is told
+/// here, where the song can be named. Such a song must not be added: it would never be found again
+/// and come anew in each run. Nor must one that no statement could hold.
+void RequireNames(const Song& song) {
+    bool complete = true;
+    for (const auto& [field, name] : song.Names()) {
+        RefuseQuote(name);
+        complete &= !name.IsNull();
+    }
+    if (complete) return;
+    std::string criterion;
+    for (const auto& [field, name] : song.Names()) {
+        criterion.append(criterion.empty() ? "" : " AND ").append(field).append("=");
+        if (!name.IsNull()) criterion += Quoted(name);
+    }
     throw Failure::Described(FailureNumber::Database,
                              "Syntax error (missing operator) in query expression: " + criterion);
 }
 
-bool IsInDownloadTable(Connection& connection, const RecordSet& song) {
-    return !connection.Query("SELECT * FROM Spinner WHERE " + SongCriterion(song))->IsEmpty();
-}
-
 /// "" where a part is missing: the criterion names such a song.
-std::string NameOf(const RecordSet& song) {
-    for (const char* field : {"Artist", "Album", "Song"}) {
-        if (IsNull(song.Get(field))) return "";
+std::string NameOf(const Song& song) {
+    std::string whole;
+    for (const auto& [field, name] : song.Names()) {
+        if (name.IsNull()) return "";
+        whole.append(whole.empty() ? "" : "\\").append(name.Text());
     }
-    return song.Text("Artist") + '\\' + song.Text("Album") + '\\' + song.Text("Song");
+    return whole;
 }
 
 /// Seconds; 0 while the length is not known.
-std::int64_t LengthOf(const RecordSet& song) {
-    const std::int64_t minutes = song.Integer("Minutes");
-    if (IsNull(song.Get("Minutes")) || minutes < 0) return 0;
-    return minutes * 60 + song.Integer("Seconds");
+std::int64_t LengthOf(const TrackRow& track) {
+    const std::int64_t minutes = track.minutes.value_or(-1);
+    return minutes < 0 ? 0 : minutes * 60 + track.seconds.value_or(0);
 }
 
-/// The middle of the link that some row of the artist carries. In links of songs that were added
-/// with their files that is the genre; in those written here it is the row's number, and an artist
-/// keeps that for a genre. Download tables are full of such genres, and programs that read them go
-/// by what stands there.
-std::string GenreOf(Connection& connection, const RecordSet& song) {
-    const std::unique_ptr<RecordSet> known = connection.Query(
-        "SELECT FileName FROM  Spinner  WHERE Artist=" + Quoted(song.Text("Artist")));
-    if (known->IsEmpty()) return "other";
-    const std::vector<std::string> pieces = Split(known->Text("FileName"), "-");
-    return pieces.size() >= 3 ? pieces[1] : "other";
-}
-
-class DownloadTable {
+/// Adds songs to the download table, artist after artist.
+class Additions {
   public:
-    explicit DownloadTable(Run& run)
-        : run_(run),
-          spinner_(run.connection->OpenTable("Spinner")),
-          downloadHost_(DownloadHost(run.host)) {}
+    explicit Additions(Run& run)
+        : run_(run), table_(run.TheDownloadTable()), downloadHost_(DownloadHost(run.host)) {}
 
-    void Add(const RecordSet& song);
-    void CancelUpdate() { spinner_->CancelUpdate(); }
+    bool HasAlready(const Song& song) const {
+        return table_.Find(song.album.artist, song.album.title, song.track.title) != nullptr;
+    }
+
+    void Add(const Song& song) {
+        const SongId expected = table_.NextId();
+        // The number is there before the row is: so no run that is killed leaves a row without its
+        // link.
+        SongRow& row = table_.Add(FieldsOf(run_.clock.Now(), {.link = LinkOf(expected),
+                                                              .artist = song.album.artist,
+                                                              .album = song.album.title,
+                                                              .song = song.track.title,
+                                                              .length = LengthOf(song.track),
+                                                              .genre = GenreOf(song.album.artist)}));
+        // A database may number its rows only when they are stored.
+        if (row.id != expected) table_.SetLink(row, LinkOf(row.id));
+        ++run_.counts.songsAdded;
+    }
 
   private:
-    Run& run_;
-    std::unique_ptr<RecordSet> spinner_;
-    std::string downloadHost_;
-};
-
-void DownloadTable::Add(const RecordSet& song) {
-    DownloadSong row{.link = "",
-                     .artist = song.Text("Artist"),
-                     .album = song.Text("Album"),
-                     .song = song.Text("Song"),
-                     .length = LengthOf(song),
-                     .genre = GenreOf(*run_.connection, song)};
-    spinner_->AddNew();
-    // The number is there before the row is: so no run that is killed leaves a row without its
-    // link.
-    const std::string expected = spinner_->Text("ID");
-    row.link = StreamLink(downloadHost_, expected);
-    FillSpinnerRow(*spinner_, run_.clock.Now(), row);
-    spinner_->Update();
-    // A database may number its rows only when they are stored.
-    if (const std::string number = spinner_->Text("ID"); number != expected) {
-        spinner_->Set("FileName", StreamLink(downloadHost_, number));
-        spinner_->Update();
+    std::string LinkOf(SongId id) const {
+        return StreamLink(downloadHost_, std::to_string(static_cast<std::int64_t>(id)));
     }
-    ++run_.counts.songsAdded;
-}
+
+    /// The middle of the link that the artist's first row carries. In links of songs that were
+    /// added with their files that is the genre; in those written here it is the row's number, and
+    /// an artist keeps that for a genre. Download tables are full of such genres, and programs that
+    /// read them go by what stands there.
+    const std::string& GenreOf(const std::string& artist) {
+        const SongRow* const known = table_.FirstOf(artist);
+        if (known == nullptr) {
+            genreOf_ = nullptr;
+            genre_ = Other;
+        } else if (known != genreOf_) {
+            const std::vector<std::string> pieces =
+                Split(RowText(table_.Read(*known, "FileName")).Text(), "-");
+            genreOf_ = known;
+            genre_ = pieces.size() >= 3 ? pieces[1] : Other;
+        }
+        return genre_;
+    }
+
+    static constexpr std::string_view Other = "other";
+
+    Run& run_;
+    DownloadTable& table_;
+    std::string downloadHost_;
+    const SongRow* genreOf_ = nullptr;  ///< the row that the genre at hand was taken from
+    std::string genre_;
+};
 
 }  // namespace
 
@@ -117,18 +128,23 @@ void PopulateSpinnerTracks(Run& run) {
     if (run.AbortRequested) return;
     Steps steps(run, "Populate Spininer Tracks Error:");
     steps.Try(1, [&] {
-        DownloadTable table(run);
-        const std::unique_ptr<RecordSet> songs = run.connection->Query(
-            "SELECT " + std::string(SongFields) + " FROM " + std::string(SongRows));
-        run.StartCountingRows(SongRows);
-        for (; !songs->IsEof(); songs->MoveNext(), run.CountDone()) {
-            run.ProcessEvents();
-            steps.Concerning(NameOf(*songs));
-            bool known = false;
-            if (!steps.Try(2, [&] { known = IsInDownloadTable(*run.connection, *songs); }) || known)
-                continue;
-            // Else the next song's values would join what is left of this one's.
-            if (!steps.Try(4, [&] { table.Add(*songs); })) table.CancelUpdate();
+        Library& library = run.TheLibrary();
+        Additions additions(run);
+        run.StartCounting(library.Tracks().size());
+        for (const AlbumRow& album : library.Albums()) {
+            if (album.isGone || album.cdjid.IsNull()) continue;
+            for (const TrackRow* const track : library.TracksOf(album.cdjid)) {
+                const Song song{album, *track};
+                run.ProcessEvents();
+                bool known = false;
+                const auto look = [&] {
+                    RequireNames(song);
+                    known = additions.HasAlready(song);
+                };
+                steps.Concerning(NameOf(song));
+                if (steps.Try(2, look) && !known) steps.Try(4, [&] { additions.Add(song); });
+                run.CountDone();
+            }
         }
     });
 }

@@ -85,10 +85,10 @@ RunOutcome LibraryForm::main() {
     steps.Try(0, [&] {
         if (run_.connection) run_.Flush();
     });
+    run_.ForgetTables();
     run_.connection.reset();
     run_.GenreDictionary.clear();
     run_.playlistEntries = {};
-    run_.numbersOfTags.clear();
     return outcome;
 }
 

@@ -80,7 +80,7 @@ class AlbumTags {
     }
 
     void Rename() {
-        Renames renames(walk_.run, walk_.tracks, walk_.steps);
+        Renames renames(walk_.run, walk_.steps);
         for (std::size_t i = 0; i < files_.size(); ++i) {
             const PlannedFile& file = plan_.files[i];
             if (file.fate != Fate::IsRenamed || file.waits) continue;
@@ -122,7 +122,7 @@ class AlbumTags {
         }
         TellIfBlocked(file);
         if (!files_[i].isRenamed) compared.newTitle.reset();
-        if (!file.tag.empty()) UpdateForID3Info(walk_.run, walk_.tracks, compared);
+        if (!file.tag.empty()) UpdateForID3Info(walk_.run, compared);
     }
 
     void TellIfBlocked(const PlannedFile& file) {

@@ -5,7 +5,6 @@
 
 #include "id3/difference_rows.h"
 #include "id3/duplicate_files.h"
-#include "platform/database.h"
 #include "platform/files.h"
 #include "run/run.h"
 #include "run/steps.h"
@@ -17,7 +16,6 @@ struct TagWalk {
     Run& run;
     Steps& steps;
     DifferenceRows& differences;
-    RecordSet& tracks;              ///< a cursor over the table
     std::vector<AlbumRest>& rests;  ///< what albums leave to the end
 };
 

@@ -2,12 +2,11 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <memory>
-#include <optional>
+#include <span>
+#include <string>
 #include <string_view>
 #include <utility>
 
-#include "database/move_to_id.h"
 #include "id3/same_sound.h"
 #include "id3/sound_file_row.h"
 #include "id3/verify_steps.h"
@@ -26,8 +25,8 @@ int StepOf(const DuplicateFile& duplicate) {
 
 class DuplicateRemoval {
   public:
-    DuplicateRemoval(Run& run, Steps& steps, RecordSet& tracks, std::vector<AlbumRest> rests)
-        : run_(run), steps_(steps), tracks_(tracks), rests_(std::move(rests)) {}
+    DuplicateRemoval(Run& run, Steps& steps, std::vector<AlbumRest> rests)
+        : run_(run), steps_(steps), rests_(std::move(rests)) {}
 
     void Remove() {
         Choose();
@@ -47,8 +46,9 @@ class DuplicateRemoval {
     /// A duplicate that nothing speaks for but the run's limits.
     struct Going {
         const DuplicateFile* duplicate;
-        std::optional<SoundFileRow> row = {};
-        bool isHandedOver = false;  ///< its row has become that of the other file
+        TrackRow* row = nullptr;
+        std::string soundFile = {};  ///< as the row had it
+        bool isHandedOver = false;   ///< its row has become that of the other file
         bool isReady = false, hasGone = false;
     };
 
@@ -113,25 +113,23 @@ class DuplicateRemoval {
     void HandOverRow(Going& going) {
         const DuplicateFile& duplicate = *going.duplicate;
         const std::string& path = duplicate.file.path;
-        going.row = FindSoundFileRow(*run_.connection, path);
-        if (!going.row) return;
-        if (const auto twin = FindSoundFileRow(*run_.connection, duplicate.twin)) {
+        going.row = run_.TheLibrary().FindTrack(path);
+        if (going.row == nullptr) return;
+        if (const TrackRow* const twin = run_.TheLibrary().FindTrack(duplicate.twin)) {
             run_.playlistEntries.SongBecame(static_cast<std::int32_t>(going.row->id),
                                             static_cast<std::int32_t>(twin->id));
         } else {
             going.isHandedOver = true;
-            SetSoundFile(going.row->id, StoredAs(going.row->soundFile, path, duplicate.twin));
+            going.soundFile = going.row->soundFile;
+            SetSoundFile(*going.row, StoredAs(going.soundFile, path, duplicate.twin));
         }
     }
 
     void TakeBackRow(const Going& going) {
-        if (!going.row) return;
+        if (going.row == nullptr) return;
         run_.playlistEntries.SongStays(static_cast<std::int32_t>(going.row->id));
         if (!going.isHandedOver) return;
-        steps_.Try(TitleStep, [&] {
-            tracks_.CancelUpdate();
-            SetSoundFile(going.row->id, going.row->soundFile);
-        });
+        steps_.Try(TitleStep, [&] { SetSoundFile(*going.row, going.soundFile); });
     }
 
     /// What is kept of the playlists says of all of them that they go.
@@ -144,10 +142,9 @@ class DuplicateRemoval {
         });
     }
 
-    void SetSoundFile(std::int64_t id, const std::string& soundFile) {
-        if (!MoveToId(tracks_, id)) return;
-        tracks_.Set("SoundFile", soundFile);
-        tracks_.Update();
+    void SetSoundFile(TrackRow& row, const std::string& soundFile) {
+        const FieldValue field{"SoundFile", soundFile};
+        run_.TheLibrary().Change(row, std::span(&field, 1));
     }
 
     bool RemoveFile(Going& going) {
@@ -168,7 +165,7 @@ class DuplicateRemoval {
     /// Renames what waited for names, and brings the rows of all that stays in line. `next` is the
     /// album's first file among those that could go.
     void FinishAlbum(AlbumRest& rest, std::size_t& next) {
-        Renames renames(run_, tracks_, steps_);
+        Renames renames(run_, steps_);
         std::vector<std::pair<ComparedFile*, std::size_t>> renamed;
         for (DuplicateFile& duplicate : rest.duplicates) {
             const bool isNext = next < going_.size() && going_[next].duplicate == &duplicate;
@@ -183,7 +180,7 @@ class DuplicateRemoval {
         for (auto& [file, number] : renamed) {
             file->path = renames.PathOf(number);
             if (!renames.IsDone(number)) file->newTitle.reset();
-            UpdateForID3Info(run_, tracks_, *file);
+            UpdateForID3Info(run_, *file);
         }
     }
 
@@ -202,7 +199,6 @@ class DuplicateRemoval {
 
     Run& run_;
     Steps& steps_;
-    RecordSet& tracks_;
     std::vector<AlbumRest> rests_;
     std::vector<Going> going_;
 };
@@ -216,9 +212,7 @@ bool OnlyIdenticalAreRemoved(Host& host) {
 void RemoveDuplicateFiles(Run& run, std::vector<AlbumRest> rests) {
     if (rests.empty()) return;
     Steps steps(run, "VerifyID3TagsFolder");
-    std::unique_ptr<RecordSet> tracks;
-    if (!steps.Try(1, [&] { tracks = run.connection->OpenTable("Tracks"); })) return;
-    DuplicateRemoval(run, steps, *tracks, std::move(rests)).Remove();
+    DuplicateRemoval(run, steps, std::move(rests)).Remove();
 }
 
 }  // namespace quillon

@@ -1,11 +1,9 @@
 #include "id3/populate_genre.h"
 
-#include <memory>
 #include <string>
 #include <string_view>
 
 #include "id3/genre_in_file_name.h"
-#include "platform/database.h"
 #include "run/run.h"
 #include "run/steps.h"
 
@@ -19,22 +17,16 @@ constexpr std::string_view UnknownGenre = "other";
 void PopulateGenre(Run& run) {
     Steps steps(run, "PopulateGenre:");
     steps.Try(0, [&] {
-        const std::unique_ptr<RecordSet> rows = run.connection->OpenTable("Spinner");
-        for (; !rows->IsEof(); rows->MoveNext()) {
-            std::string song = rows->Text("Artist") + rows->Text("Album") + rows->Text("Song");
-            std::string genre;
-            if (IsNull(rows->Get("Genre"))) {
-                genre = GenreInFileName(rows->Text("FileName"));
+        DownloadTable& table = run.TheDownloadTable();
+        for (SongRow& row : table.Songs()) {
+            std::string song = row.artist.Text() + row.album.Text() + row.song.Text();
+            std::string genre = row.genre;
+            if (row.genre.IsNull()) {
+                genre = GenreInFileName(RowText(table.Read(row, "FileName")));
                 if (genre.empty()) genre = UnknownGenre;
                 steps.Concerning(song);
-                const bool stored = steps.Try(2, [&] {
-                    rows->Set("Genre", genre);
-                    rows->Update();
-                });
-                if (!stored) rows->CancelUpdate();
+                steps.Try(2, [&] { table.SetGenre(row, genre); });
                 steps.Concerning({});
-            } else {
-                genre = rows->Text("Genre");
             }
             run.GenreDictionary.try_emplace(std::move(song), std::move(genre));
         }

@@ -2,10 +2,7 @@
 
 #include <cstdint>
 #include <initializer_list>
-#include <memory>
-#include <optional>
 
-#include "database/sql.h"
 #include "id3/difference_fields.h"
 #include "id3/genre_in_file_name.h"
 #include "id3/length_text.h"
@@ -13,7 +10,6 @@
 #include "id3/tag_agreement.h"
 #include "platform/ansi.h"
 #include "platform/basic_text.h"
-#include "platform/database.h"
 #include "run/fast_string.h"
 #include "run/run.h"
 #include "run/steps.h"
@@ -21,7 +17,7 @@
 namespace quillon {
 namespace {
 
-constexpr std::int64_t HighestTrack = 255;
+constexpr std::int32_t HighestTrack = 255;
 
 /// What the database says of one song; empty where it says nothing.
 struct SongFacts {
@@ -37,56 +33,51 @@ std::string Joined(std::initializer_list<std::string_view> parts) {
     return text.value();
 }
 
-/// A row of these names, of an album that meets the condition.
-std::optional<SoundFileRow> RowOfNames(Run& run, const SongNames& names,
-                                       std::string_view condition) {
-    const std::unique_ptr<RecordSet> found = run.connection->Query(Joined(
-        {"SELECT Tracks.Track, Tracks.Minutes, Tracks.Seconds ",
-         "FROM Albums INNER JOIN Tracks ON Albums.CDJID = Tracks.CDJID ",
-         "WHERE (((Albums.Artist)=", Quoted(names.artist), ") AND ((Albums.Title)=",
-         Quoted(names.album), ") AND ((Tracks.Title)=", Quoted(names.song), ")", condition, ")"}));
-    if (found->IsEmpty()) return std::nullopt;
-    SoundFileRow row;
-    row.track = found->Integer("Track");
-    row.minutes = found->Integer("Minutes");
-    row.seconds = found->Integer("Seconds");
-    return row;
+/// A track of these names, of an own album before any other.
+const TrackRow* TrackOfNames(Library& library, const SongNames& names) {
+    const TextRules& rules = library.Rules();
+    const TrackRow* found = nullptr;
+    for (const AlbumRow* const album : library.AlbumsNamed(names.artist, names.album)) {
+        if (album->cdjid.IsNull() || (found != nullptr && !album->isOwn)) continue;
+        for (const TrackRow* const track : library.TracksOf(album->cdjid)) {
+            const bool isIt = !track->title.IsNull() && rules.AreEqual(track->title, names.song);
+            if (isIt && album->isOwn) return track;
+            if (isIt && found == nullptr) found = track;
+        }
+    }
+    return found;
 }
 
 void ReadTrackRow(Run& run, std::string_view path, const SongNames& names, SongFacts& facts) {
-    std::optional<SoundFileRow> row = FindSoundFileRow(*run.connection, path);
-    if (!row) row = RowOfNames(run, names, " AND ((Albums.Player)=1001)");
-    if (!row) row = RowOfNames(run, names, "");
-    if (!row) return;
-    if (row->track > 0 && row->track <= HighestTrack) facts.track = std::to_string(row->track);
-    if (const auto length = row->Length()) facts.seconds = std::to_string(*length);
+    Library& library = run.TheLibrary();
+    const TrackRow* row = library.FindTrack(path);
+    if (row == nullptr) row = TrackOfNames(library, names);
+    if (row == nullptr) return;
+    const std::int32_t number = row->number.Truth().value_or(0);
+    if (number > 0 && number <= HighestTrack) facts.track = std::to_string(number);
+    if (const auto length = LengthOf(*row)) facts.seconds = std::to_string(*length);
+}
+
+const SongRow* DownloadRow(Run& run, const SongNames& names) {
+    return run.TheDownloadTable().Find(names.artist, names.album, names.song);
 }
 
 void ReadLength(Run& run, const SongNames& names, SongFacts& facts) {
-    const std::unique_ptr<RecordSet> found = run.connection->Query(
-        Joined({"SELECT Length, Filename FROM ", "Spinner",
-                " WHERE (((Artist)=", Quoted(names.artist), ") AND ",
-                "((Album)=", Quoted(names.album), ") AND ", "((Song)=", Quoted(names.song), "))"}));
-    if (found->IsEmpty()) return;
-    const std::int64_t seconds = found->Integer("Length");
-    if (seconds > 0) facts.seconds = std::to_string(seconds);
-}
-
-std::unique_ptr<RecordSet> DownloadRow(Run& run, std::string_view field, const SongNames& names) {
-    return run.connection->Query(
-        Joined({"SELECT ", field, " FROM ", "Spinner", " WHERE ((Artist)=", Quoted(names.artist),
-                " AND (Album)=", Quoted(names.album), " AND (Song)=", Quoted(names.song), ")"}));
+    const SongRow* const row = DownloadRow(run, names);
+    if (row == nullptr) return;
+    const RowNumber seconds = NumberOf(run.TheDownloadTable().Read(*row, "Length"));
+    if (seconds.value_or(0) > 0) facts.seconds = std::to_string(*seconds);
 }
 
 /// The row itself is asked, not the dictionary made of all rows, which tells names apart by letter
 /// case. The link names the genre that the song was downloaded with; it counts only as long as the
 /// row has none, because the row's may have been corrected since.
 void ReadGenre(Run& run, const SongNames& names, SongFacts& facts) {
-    const std::unique_ptr<RecordSet> row = DownloadRow(run, "Genre", names);
-    if (row->IsEmpty()) return;
-    facts.genre = IsNull(row->Get("Genre"))
-                      ? GenreInFileName(DownloadRow(run, "Filename", names)->Text("Filename"))
-                      : row->Text("Genre");
+    const SongRow* const row = DownloadRow(run, names);
+    if (row == nullptr) return;
+    facts.genre = row->genre.IsNull()
+                      ? GenreInFileName(RowText(run.TheDownloadTable().Read(*row, "FileName")))
+                      : row->genre.Text();
 }
 
 /// The tag's text where it says more than the name can, else the name.

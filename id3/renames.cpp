@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "database/move_to_id.h"
 #include "id3/song_title.h"
 #include "id3/sound_file_row.h"
 #include "id3/temporary_name.h"
@@ -148,27 +147,26 @@ void Renames::Carry(std::span<Move> moves) {
 /// Gives the file's row the new path. A row that has it already is one of a file that has gone, or,
 /// where the file has no other, its own since a run that was interrupted.
 void Renames::LeadRow(Move& move) {
-    const std::optional<SoundFileRow> row = FindRowToRename(*run_.connection, move.from, move.to);
-    if (!row) return;
-    if (!IsStoredAs(row->soundFile, move.from)) {
-        const bool isThere = IsStoredAs(row->soundFile, move.to);
+    Library& library = run_.TheLibrary();
+    TrackRow* const row = FindRowToRename(library, move.from, move.to);
+    if (row == nullptr) return;
+    const std::string soundFile = row->soundFile, title = row->title;
+    if (!IsStoredAs(soundFile, move.from)) {
+        const bool isThere = IsStoredAs(soundFile, move.to);
         const std::string old = isThere ? move.to : TemporaryPath(move.from);
-        move.rows.push_back({row->id, StoredAs(row->soundFile, old, move.from), row->title});
-        if (!isThere) Write(row->id, StoredAs(row->soundFile, old, move.to), row->title);
+        move.rows.push_back({row, StoredAs(soundFile, old, move.from), title});
+        if (!isThere) Write(*row, StoredAs(soundFile, old, move.to), title);
         return;
     }
-    if (const auto other = FindSoundFileRow(*run_.connection, move.to);
-        other && other->id != row->id) {
-        move.vanished = {other->id, other->soundFile, other->title};
+    if (TrackRow* const other = library.FindTrack(move.to); other != nullptr && other != row) {
+        move.vanished = {other, other->soundFile, other->title};
         move.rows.push_back(*move.vanished);
         // First, so that no two rows ever have one path.
-        Write(other->id, StoredAs(other->soundFile, move.to, PathOfVanished(move.to)),
-              other->title);
+        Write(*other, StoredAs(other->soundFile, move.to, PathOfVanished(move.to)), other->title);
     }
-    move.rows.push_back({row->id, row->soundFile, row->title});
+    move.rows.push_back({row, soundFile, title});
     const bool round = move.title == RowTitle::RoundBrackets;
-    Write(row->id, StoredAs(row->soundFile, move.from, move.to),
-          round ? RoundBrackets(row->title) : row->title);
+    Write(*row, StoredAs(soundFile, move.from, move.to), round ? RoundBrackets(title) : title);
 }
 
 /// The row of the vanished file takes the path that has become free, where the folder walk will
@@ -176,23 +174,21 @@ void Renames::LeadRow(Move& move) {
 void Renames::LetVanishedGo(const Move& move) {
     if (!move.vanished) return;
     steps_.Try(RenameStep, [&] {
-        Write(move.vanished->id, StoredAs(move.vanished->soundFile, move.to, move.from),
+        Write(*move.vanished->row, StoredAs(move.vanished->soundFile, move.to, move.from),
               move.vanished->title);
     });
 }
 
-void Renames::Write(std::int64_t id, const std::string& soundFile, const std::string& title) {
-    if (!MoveToId(tracks_, id)) return;
-    tracks_.Set("SoundFile", soundFile);
-    if (tracks_.Text("Title") != title) tracks_.Set("Title", title);
-    tracks_.Update();
+void Renames::Write(TrackRow& row, const std::string& soundFile, const std::string& title) {
+    std::vector<FieldValue> changes{{"SoundFile", soundFile}};
+    if (row.title.Text() != title) changes.push_back({"Title", title});
+    run_.TheLibrary().Change(row, changes);
 }
 
 void Renames::PutBack(const Move& move) {
     steps_.Try(RenameStep, [&] {
-        tracks_.CancelUpdate();
         std::for_each(move.rows.rbegin(), move.rows.rend(),
-                      [this](const OldRow& row) { Write(row.id, row.soundFile, row.title); });
+                      [this](const OldRow& old) { Write(*old.row, old.soundFile, old.title); });
     });
 }
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 #include <optional>
 #include <span>
 #include <string>
@@ -9,7 +8,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "platform/database.h"
+#include "library/library.h"
 #include "run/run.h"
 #include "run/steps.h"
 
@@ -30,9 +29,8 @@ class Renames {
         RoundBrackets,  ///< square brackets in the row's title become round ones, too
     };
 
-    /// `tracks` is a cursor over the table. All must outlive this object.
-    Renames(Run& run, RecordSet& tracks, Steps& steps)
-        : run_(run), tracks_(tracks), steps_(steps) {}
+    /// Both must outlive this object.
+    Renames(Run& run, Steps& steps) : run_(run), steps_(steps) {}
 
     /// Notes a rename; its number, from 0. No two files may be given one path.
     std::size_t Add(std::string from, std::string to, RowTitle title);
@@ -59,7 +57,7 @@ class Renames {
     };
     /// A row's values before a move.
     struct OldRow {
-        std::int64_t id;
+        TrackRow* row;
         std::string soundFile, title;
     };
     /// One file's way to a path that is free.
@@ -81,11 +79,10 @@ class Renames {
     bool CarryOne(std::string from, std::string to);
     void LeadRow(Move& move);
     void LetVanishedGo(const Move& move);
-    void Write(std::int64_t id, const std::string& soundFile, const std::string& title);
+    void Write(TrackRow& row, const std::string& soundFile, const std::string& title);
     void PutBack(const Move& move);
 
     Run& run_;
-    RecordSet& tracks_;
     Steps& steps_;
     std::vector<Rename> renames_;
     std::unordered_map<std::string, std::size_t> holders_;  ///< by present path in lower case

@@ -1,37 +1,14 @@
 #include "id3/sound_file_row.h"
 
-#include <memory>
-
-#include "database/sql.h"
 #include "id3/temporary_name.h"
 #include "platform/basic_text.h"
 
 namespace quillon {
 
-std::optional<std::int64_t> SoundFileRow::Length() const {
-    return LengthOf(minutes, seconds);
-}
-
-std::optional<SoundFileRow> FindSoundFileRow(Connection& connection, std::string_view path) {
-    const std::unique_ptr<RecordSet> found = connection.Query(
-        "SELECT Tracks.ID, Tracks.SoundFile, Tracks.Title, Tracks.Track, Tracks.Minutes, "
-        "Tracks.Seconds FROM Albums INNER JOIN Tracks ON Albums.CDJID = Tracks.CDJID "
-        "WHERE (((Tracks.SoundFile) Like " +
-        Quoted("%" + std::string(path)) + ") AND ((Albums.Player)=1001))");
-    if (found->IsEmpty()) return std::nullopt;
-    return SoundFileRow{.id = found->Integer("ID"),
-                        .soundFile = found->Text("SoundFile"),
-                        .title = found->Text("Title"),
-                        .track = found->Integer("Track"),
-                        .minutes = found->Integer("Minutes"),
-                        .seconds = found->Integer("Seconds")};
-}
-
-std::optional<SoundFileRow> FindRowToRename(Connection& connection, std::string_view path,
-                                            std::string_view newPath) {
-    std::optional<SoundFileRow> row = FindSoundFileRow(connection, path);
-    if (!row) row = FindSoundFileRow(connection, newPath);
-    if (!row) row = FindSoundFileRow(connection, TemporaryPath(path));
+TrackRow* FindRowToRename(Library& library, std::string_view path, std::string_view newPath) {
+    TrackRow* row = library.FindTrack(path);
+    if (row == nullptr) row = library.FindTrack(newPath);
+    if (row == nullptr) row = library.FindTrack(TemporaryPath(path));
     return row;
 }
 
@@ -50,6 +27,10 @@ std::optional<std::int64_t> LengthOf(std::int64_t minutes, std::int64_t seconds)
     const std::int64_t length = minutes * SecondsAMinute + seconds;
     if ((minutes <= 0 && seconds <= 0) || length <= 0) return std::nullopt;
     return length;
+}
+
+std::optional<std::int64_t> LengthOf(const TrackRow& track) {
+    return LengthOf(track.minutes.value_or(0), track.seconds.value_or(0));
 }
 
 }  // namespace quillon

@@ -1,11 +1,6 @@
 #include "id3/track_info.h"
 
-#include <memory>
-#include <optional>
-
-#include "database/sql.h"
 #include "id3/sound_file_row.h"
-#include "platform/database.h"
 #include "run/run.h"
 #include "run/steps.h"
 
@@ -23,12 +18,12 @@ TrackInfo GetID3TrackInfo(Run& run, std::string_view path, std::string_view newP
     Steps steps(run, "Get ID3 Track Info Error:");
     steps.Concerning(std::string(path));
     steps.Try(1, [&] {
-        const std::optional<SoundFileRow> row =
-            newPath.empty() ? FindSoundFileRow(*run.connection, path)
-                            : FindRowToRename(*run.connection, path, newPath);
-        if (!row) return;
-        info.track = std::to_string(row->track);
-        if (const auto length = row->Length()) info.seconds = std::to_string(*length);
+        Library& library = run.TheLibrary();
+        const TrackRow* const row = newPath.empty() ? library.FindTrack(path)
+                                                    : FindRowToRename(library, path, newPath);
+        if (row == nullptr) return;
+        info.track = std::to_string(row->number.Truth().value_or(0));
+        if (const auto length = LengthOf(*row)) info.seconds = std::to_string(*length);
     });
     return info;
 }
@@ -39,10 +34,8 @@ std::string GetID3Genre(Run& run, std::string_view artist, std::string_view albu
     Steps steps(run, "Get ID3 Genre Error:");
     steps.Concerning(PathOf(artist, album, song));
     steps.Try(1, [&] {
-        const std::unique_ptr<RecordSet> rows = run.connection->Query(
-            "SELECT Genre FROM Spinner WHERE ((Artist)=" + Quoted(artist) +
-            " AND (Album)=" + Quoted(album) + " AND (Song)=" + Quoted(song) + ")");
-        if (!rows->IsEmpty()) genre = rows->Text("Genre");
+        if (const SongRow* const row = run.TheDownloadTable().Find(artist, album, song))
+            genre = row->genre;
     });
     return genre;
 }

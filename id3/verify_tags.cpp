@@ -1,6 +1,5 @@
 #include "id3/verify_tags.h"
 
-#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
@@ -18,14 +17,12 @@ void VerifyID3TagsFolder(Run& run, const FolderEntry& root, DateTime updateTime,
     constexpr int OpenStep = 1;
     Steps steps(run, "VerifyID3TagsFolder");
     std::optional<DifferenceRows> differences;
-    std::unique_ptr<RecordSet> tracks;
     const bool opened = steps.Try(OpenStep, [&] {
         differences.emplace(*run.connection, updateTime);
-        tracks = run.connection->OpenTable("Tracks");
+        run.TheLibrary();
     });
     if (!opened) return;
-    TagWalk walk{
-        .run = run, .steps = steps, .differences = *differences, .tracks = *tracks, .rests = rests};
+    TagWalk walk{.run = run, .steps = steps, .differences = *differences, .rests = rests};
     VisitAlbums(run, steps, root, [&walk](const std::string& artist, const FolderEntry& album) {
         VerifyAlbumTags(walk, artist, album);
     });

@@ -82,6 +82,12 @@ class Database {
     void Scan(std::string_view table, std::span<const std::string_view> fields,
               const std::function<void(RowKey, std::span<Value>)>& visit);
 
+    /// One field of a row, likewise.
+    Value Read(std::string_view table, RowKey row, std::string_view field);
+
+    /// The number that the next row gets in the auto-number column.
+    std::int64_t NextNumber(std::string_view table) const;
+
     /// Rows by key, likewise. Values are converted to the fields' types and checked as those of
     /// statements are; a refused change leaves the row as it was. Fields of a new row that are not
     /// named are Null; of those named twice the last counts.

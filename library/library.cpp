@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <string>
+#include <utility>
 #include <variant>
-
-#include "platform/basic_text.h"
 
 namespace quillon {
 namespace {
@@ -13,10 +13,81 @@ namespace {
 constexpr std::string_view AlbumTable = "Albums", TrackTable = "Tracks";
 constexpr std::int64_t OwnPlayer = 1001;
 
-std::string TextOf(const Value& value) {
-    const auto* const text = std::get_if<std::string>(&value);
-    return text == nullptr ? "" : *text;
+Value ValueOf(RowNumber number) {
+    if (!number) return Null{};
+    return std::int64_t{*number};
 }
+
+std::optional<DateTime> DateOf(const Value& value) {
+    const auto* const date = std::get_if<DateTime>(&value);
+    return date == nullptr ? std::nullopt : std::optional(*date);
+}
+
+/// Where the path begins in a stored one, in front of which something may stand: at the last drive
+/// or the last two backslashes. 0 where there is neither.
+std::size_t StartOfPath(std::string_view stored) {
+    const std::size_t drive = stored.rfind(":\\"), share = stored.rfind("\\\\");
+    const std::size_t ofDrive = drive == std::string_view::npos || drive == 0 ? 0 : drive - 1;
+    return std::max(ofDrive, share == std::string_view::npos ? 0 : share);
+}
+
+/// The part by which paths are looked up: stored ones that end in a path with a drive or share
+/// have it in common with that.
+std::string_view PathKey(std::string_view path) {
+    return path.substr(StartOfPath(path));
+}
+
+bool HasStart(std::string_view path) {
+    return path.find(":\\") != std::string_view::npos || path.find("\\\\") != std::string_view::npos;
+}
+
+std::uint32_t HashOfId(TrackId id) {
+    constexpr std::uint32_t Odd = 0x9E3779B1;
+    return static_cast<std::uint32_t>(id) * Odd;
+}
+
+/// Takes over what a field is to hold, where it is one of those that are kept here.
+void Take(AlbumRow& album, const FieldValue& field) {
+    if (field.name == "CDJID") album.cdjid = RowText(field.value);
+    if (field.name == "Artist") album.artist = RowText(field.value);
+    if (field.name == "Title") album.title = RowText(field.value);
+    if (field.name == "ImageFile") album.imageFile = RowText(field.value);
+    if (field.name == "Tracks") album.count = MarkableNumber::OfNewRow(NumberOf(field.value));
+    if (field.name == "Player") album.isOwn = NumberOf(field.value) == OwnPlayer;
+}
+
+void Take(TrackRow& track, const FieldValue& field) {
+    if (field.name == "CDJID") {
+        if (track.cdjidBefore.IsNull()) track.cdjidBefore = track.cdjid;
+        track.cdjid = RowText(field.value);
+    }
+    if (field.name == "Title") track.title = RowText(field.value);
+    if (field.name == "Artist") track.artist = RowText(field.value);
+    if (field.name == "SoundFile") track.soundFile = RowText(field.value);
+    if (field.name == "Track") track.number = MarkableNumber::OfNewRow(NumberOf(field.value));
+    if (field.name == "Minutes") track.minutes = NumberOf(field.value);
+    if (field.name == "Seconds") track.seconds = NumberOf(field.value);
+    if (field.name == "DateAdded") track.added = DateOf(field.value);
+}
+
+/// Each row once, in the file's order; as an index gives them they are mostly the other way round.
+template <typename Row>
+std::vector<Row*> InOrder(std::vector<Row*> rows) {
+    const auto comesBefore = [](const Row* a, const Row* b) { return a->key < b->key; };
+    std::ranges::reverse(rows);
+    if (!std::ranges::is_sorted(rows, comesBefore)) std::ranges::sort(rows, comesBefore);
+    const auto repeated = std::ranges::unique(rows);
+    rows.erase(repeated.begin(), repeated.end());
+    return rows;
+}
+
+/// Of two rows that are wanted the one that comes first in the file.
+template <typename Row>
+Row* First(Row* one, Row* other) {
+    return one != nullptr && one->key < other->key ? one : other;
+}
+
+}  // namespace
 
 RowNumber NumberOf(const Value& value) {
     if (const auto* const number = std::get_if<std::int64_t>(&value))
@@ -26,128 +97,141 @@ RowNumber NumberOf(const Value& value) {
     return std::nullopt;
 }
 
-Value ValueOf(RowNumber number) {
-    if (!number) return Null{};
-    return std::int64_t{*number};
-}
-
-std::string NameKey(std::string_view artist, std::string_view title) {
-    return LowerCase(artist) + '\\' + LowerCase(title);
-}
-
-/// The part of a path by which its row is looked up.
-std::string FileKey(std::string_view path) {
-    return LowerCase(path.substr(path.rfind('\\') + 1));
-}
-
-/// Rows of one key stay in the file's order.
-template <typename Row>
-void Enter(std::vector<Row*>& rows, Row& row) {
-    const auto isBefore = [](const Row* one, const Row* other) { return one->key < other->key; };
-    rows.insert(std::upper_bound(rows.begin(), rows.end(), &row, isBefore), &row);
-}
-
-template <typename Row>
-void Strike(std::vector<Row*>& rows, const Row& row) {
-    std::erase(rows, &row);
-}
-
-/// Takes over what a field is to hold, where it is one of those that are kept here.
-void Take(AlbumRow& album, const FieldValue& field) {
-    if (field.name == "CDJID") album.cdjid = TextOf(field.value);
-    if (field.name == "Artist") album.artist = TextOf(field.value);
-    if (field.name == "Title") album.title = TextOf(field.value);
-    if (field.name == "Tracks") album.count = MarkableNumber::OfNewRow(NumberOf(field.value));
-}
-
-void Take(TrackRow& track, const FieldValue& field) {
-    if (field.name == "CDJID") track.cdjid = TextOf(field.value);
-    if (field.name == "Title") track.title = TextOf(field.value);
-    if (field.name == "Artist") track.artist = TextOf(field.value);
-    if (field.name == "SoundFile") track.soundFile = TextOf(field.value);
-    if (field.name == "Track") track.number = MarkableNumber::OfNewRow(NumberOf(field.value));
-    if (field.name == "Minutes") track.minutes = NumberOf(field.value).value_or(0);
-    if (field.name == "Seconds") track.seconds = NumberOf(field.value).value_or(0);
-}
-
-}  // namespace
-
-Library::Library(Connection& connection) : connection_(connection) {
-    constexpr std::array<std::string_view, 6> AlbumFields{"ID",    "CDJID",  "Artist",
-                                                          "Title", "Tracks", "Player"};
+Library::Library(Connection& connection) : connection_(connection), rules_(connection) {
+    constexpr std::array<std::string_view, 7> AlbumFields{"ID",     "CDJID",  "Artist",   "Title",
+                                                          "Tracks", "Player", "ImageFile"};
     connection_.Scan(AlbumTable, AlbumFields, [this](RowKey key, std::span<const Value> row) {
-        if (NumberOf(row[5]) != OwnPlayer) return;
-        albums_.push_back({.key = key,
+        albums_.push_back({.place = static_cast<std::uint32_t>(albums_.size()),
+                           .key = key,
                            .id = AlbumId{NumberOf(row[0]).value_or(0)},
-                           .cdjid = TextOf(row[1]),
-                           .artist = TextOf(row[2]),
-                           .title = TextOf(row[3]),
-                           .count = MarkableNumber(NumberOf(row[4]))});
+                           .cdjid = RowText(row[1]),
+                           .artist = RowText(row[2]),
+                           .title = RowText(row[3]),
+                           .imageFile = RowText(row[6]),
+                           .count = MarkableNumber(NumberOf(row[4])),
+                           .isOwn = NumberOf(row[5]) == OwnPlayer});
         List(albums_.back());
     });
-    constexpr std::array<std::string_view, 8> TrackFields{
-        "ID", "CDJID", "Track", "Title", "Artist", "SoundFile", "Minutes", "Seconds"};
+    constexpr std::array<std::string_view, 9> TrackFields{
+        "ID", "CDJID", "Track", "Title", "Artist", "SoundFile", "Minutes", "Seconds", "DateAdded"};
     connection_.Scan(TrackTable, TrackFields, [this](RowKey key, std::span<const Value> row) {
-        const std::string cdjid = TextOf(row[1]);
-        if (IsNull(row[1]) || AlbumWith(cdjid) == nullptr) return;
-        tracks_.push_back({.key = key,
-                           .id = TrackId{NumberOf(row[0]).value_or(0)},
-                           .cdjid = cdjid,
-                           .title = TextOf(row[3]),
-                           .artist = TextOf(row[4]),
-                           .soundFile = TextOf(row[5]),
-                           .cdjidBefore = cdjid,
-                           .number = MarkableNumber(NumberOf(row[2])),
-                           .minutes = NumberOf(row[6]).value_or(0),
-                           .seconds = NumberOf(row[7]).value_or(0)});
-        List(tracks_.back());
+        TrackRow& track = tracks_.emplace_back(
+            TrackRow{.place = static_cast<std::uint32_t>(tracks_.size()),
+                     .key = key,
+                     .id = TrackId{NumberOf(row[0]).value_or(0)},
+                     .cdjid = RowText(row[1]),
+                     .title = RowText(row[3]),
+                     .artist = RowText(row[4]),
+                     .soundFile = RowText(row[5]),
+                     .number = MarkableNumber(NumberOf(row[2])),
+                     .minutes = NumberOf(row[6]),
+                     .seconds = NumberOf(row[7]),
+                     .added = DateOf(row[8])});
+        track.isOwn = AlbumOf(track) != nullptr;
+        List(track);
     });
 }
 
-void Library::List(AlbumRow& album) {
-    Enter(albumsByName_[NameKey(album.artist, album.title)], album);
-    if (!album.cdjid.empty()) Enter(albumsByCdjid_[LowerCase(album.cdjid)], album);
+std::uint32_t Library::HashOfNames(std::string_view artist, std::string_view title) const {
+    return rules_.Hash(title, rules_.Hash(artist));
 }
 
-void Library::List(TrackRow& track) {
-    Enter(tracksByFile_[FileKey(track.soundFile)], track);
-    Enter(tracksByCdjid_[LowerCase(track.cdjid)], track);
-    tracksById_.emplace(track.id, &track);
+void Library::List(const AlbumRow& album) {
+    albumsByName_.Add(HashOfNames(album.artist, album.title), album.place);
+    albumsByCdjid_.Add(rules_.Hash(album.cdjid), album.place);
+}
+
+void Library::List(const TrackRow& track) {
+    tracksByFile_.Add(rules_.Hash(PathKey(track.soundFile)), track.place);
+    tracksByCdjid_.Add(rules_.Hash(track.cdjid), track.place);
+    tracksById_.Add(HashOfId(track.id), track.place);
+}
+
+template <typename IsWanted>
+AlbumRow* Library::FirstAlbum(const RowIndex& index, std::uint32_t hash, IsWanted isWanted) {
+    AlbumRow* first = nullptr;
+    index.ForEach(hash, [&](RowIndex::Row row) {
+        AlbumRow& album = albums_[row];
+        if (!album.isGone && isWanted(album)) first = First(first, &album);
+    });
+    return first;
+}
+
+bool Library::HasNames(const AlbumRow& album, std::string_view artist,
+                       std::string_view title) const {
+    return rules_.AreEqual(album.title, title) && rules_.AreEqual(album.artist, artist);
 }
 
 AlbumRow* Library::FindAlbum(std::string_view artist, std::string_view title) {
-    const auto found = albumsByName_.find(NameKey(artist, title));
-    return found == albumsByName_.end() || found->second.empty() ? nullptr : found->second.front();
+    return FirstAlbum(albumsByName_, HashOfNames(artist, title), [&](const AlbumRow& album) {
+        return album.isOwn && HasNames(album, artist, title);
+    });
+}
+
+std::vector<AlbumRow*> Library::AlbumsNamed(std::string_view artist, std::string_view title) {
+    std::vector<AlbumRow*> albums;
+    albumsByName_.ForEach(HashOfNames(artist, title), [&](RowIndex::Row row) {
+        AlbumRow& album = albums_[row];
+        if (!album.isGone && HasNames(album, artist, title)) albums.push_back(&album);
+    });
+    return InOrder(std::move(albums));
 }
 
 AlbumRow* Library::AlbumWith(std::string_view cdjid) {
-    const auto found = albumsByCdjid_.find(LowerCase(cdjid));
-    return found == albumsByCdjid_.end() || found->second.empty() ? nullptr : found->second.front();
+    if (cdjid.empty()) return nullptr;
+    return FirstAlbum(albumsByCdjid_, rules_.Hash(cdjid), [&](const AlbumRow& album) {
+        return album.isOwn && rules_.AreEqual(album.cdjid, cdjid);
+    });
+}
+
+std::vector<AlbumRow*> Library::AlbumsWith(std::string_view cdjid) {
+    std::vector<AlbumRow*> albums;
+    albumsByCdjid_.ForEach(rules_.Hash(cdjid), [&](RowIndex::Row row) {
+        AlbumRow& album = albums_[row];
+        const bool isWanted = !album.isGone && !album.cdjid.IsNull();
+        if (isWanted && rules_.AreEqual(album.cdjid, cdjid)) albums.push_back(&album);
+    });
+    return InOrder(std::move(albums));
 }
 
 TrackRow* Library::FindTrack(std::string_view path) {
-    const auto found = tracksByFile_.find(FileKey(path));
-    if (found == tracksByFile_.end()) return nullptr;
-    const std::string ending = LowerCase(path);
-    const auto first = std::ranges::find_if(found->second, [&](const TrackRow* track) {
-        return LowerCase(track->soundFile).ends_with(ending);
-    });
-    return first == found->second.end() ? nullptr : *first;
+    TrackRow* first = nullptr;
+    const auto look = [&](TrackRow& track) {
+        if (track.isOwn && !track.isGone && rules_.EndsWith(track.soundFile, path))
+            first = First(first, &track);
+    };
+    if (HasStart(path)) {
+        tracksByFile_.ForEach(rules_.Hash(PathKey(path)),
+                              [&](RowIndex::Row row) { look(tracks_[row]); });
+    } else {
+        std::ranges::for_each(tracks_, look);
+    }
+    return first;
 }
 
 TrackRow* Library::FindTrack(TrackId id) {
-    const auto found = tracksById_.find(id);
-    return found == tracksById_.end() ? nullptr : found->second;
+    TrackRow* first = nullptr;
+    tracksById_.ForEach(HashOfId(id), [&](RowIndex::Row row) {
+        TrackRow& track = tracks_[row];
+        if (!track.isGone && track.id == id) first = First(first, &track);
+    });
+    return first;
 }
 
 std::vector<TrackRow*> Library::TracksOf(std::string_view cdjid) {
-    const auto found = tracksByCdjid_.find(LowerCase(cdjid));
-    return found == tracksByCdjid_.end() ? std::vector<TrackRow*>() : found->second;
+    std::vector<TrackRow*> tracks;
+    tracksByCdjid_.ForEach(rules_.Hash(cdjid), [&](RowIndex::Row row) {
+        TrackRow& track = tracks_[row];
+        const bool isWanted = !track.isGone && !track.cdjid.IsNull();
+        if (isWanted && rules_.AreEqual(track.cdjid, cdjid)) tracks.push_back(&track);
+    });
+    return InOrder(std::move(tracks));
 }
 
 AlbumRow& Library::AddAlbum(std::span<const FieldValue> fields) {
     const AddedRow added = connection_.Insert(AlbumTable, fields);
     AlbumRow& album = albums_.emplace_back();
+    album.place = static_cast<std::uint32_t>(albums_.size() - 1);
     album.key = added.key;
     album.id = AlbumId{added.number};
     album.isNew = true;
@@ -160,19 +244,19 @@ AlbumRow& Library::AddAlbum(std::span<const FieldValue> fields) {
 TrackRow& Library::AddTrack(std::span<const FieldValue> fields) {
     const AddedRow added = connection_.Insert(TrackTable, fields);
     TrackRow& track = tracks_.emplace_back();
+    track.place = static_cast<std::uint32_t>(tracks_.size() - 1);
     track.key = added.key;
     track.id = TrackId{added.number};
     track.isNew = true;
     for (const FieldValue& field : fields)
         Take(track, field);
+    track.isOwn = AlbumOf(track) != nullptr;
     List(track);
     return track;
 }
 
 void Library::Change(AlbumRow& album, std::span<const FieldValue> fields) {
     connection_.Update(AlbumTable, album.key, fields);
-    Strike(albumsByName_[NameKey(album.artist, album.title)], album);
-    if (!album.cdjid.empty()) Strike(albumsByCdjid_[LowerCase(album.cdjid)], album);
     for (const FieldValue& field : fields)
         Take(album, field);
     List(album);
@@ -180,54 +264,46 @@ void Library::Change(AlbumRow& album, std::span<const FieldValue> fields) {
 
 void Library::Change(TrackRow& track, std::span<const FieldValue> fields) {
     connection_.Update(TrackTable, track.key, fields);
-    Strike(tracksByFile_[FileKey(track.soundFile)], track);
-    Strike(tracksByCdjid_[LowerCase(track.cdjid)], track);
     for (const FieldValue& field : fields)
         Take(track, field);
+    track.isOwn = AlbumOf(track) != nullptr;
     List(track);
 }
 
 void Library::Remove(AlbumRow& album) {
     connection_.Delete(AlbumTable, album.key);
     album.isGone = true;
-    Strike(albumsByName_[NameKey(album.artist, album.title)], album);
-    if (!album.cdjid.empty()) Strike(albumsByCdjid_[LowerCase(album.cdjid)], album);
 }
 
 void Library::Remove(TrackRow& track) {
     connection_.Delete(TrackTable, track.key);
     track.isGone = true;
-    Strike(tracksByFile_[FileKey(track.soundFile)], track);
-    Strike(tracksByCdjid_[LowerCase(track.cdjid)], track);
-    tracksById_.erase(track.id);
 }
 
 void Library::MarkAll() {
-    for (AlbumRow& album : albums_)
-        album.count.Mark();
-    for (TrackRow& track : tracks_)
+    for (AlbumRow& album : albums_) {
+        if (album.isOwn) album.count.Mark();
+    }
+    for (TrackRow& track : tracks_) {
+        if (!track.isOwn) continue;
         track.number.Mark();
+        if (track.tagNumber) track.number.Set(track.tagNumber);
+    }
 }
 
 void Library::Save() {
-    for (AlbumRow& album : albums_)
-        Save(album);
-    for (TrackRow& track : tracks_)
-        Save(track);
-}
-
-void Library::Save(AlbumRow& album) {
-    if (album.isGone || !album.count.NeedsSaving()) return;
-    const FieldValue count{"Tracks", ValueOf(album.count.Truth())};
-    connection_.Update(AlbumTable, album.key, std::span(&count, 1));
-    album.count.Saved();
-}
-
-void Library::Save(TrackRow& track) {
-    if (track.isGone || !track.number.NeedsSaving()) return;
-    const FieldValue number{"Track", ValueOf(track.number.Truth())};
-    connection_.Update(TrackTable, track.key, std::span(&number, 1));
-    track.number.Saved();
+    for (AlbumRow& album : albums_) {
+        if (album.isGone || !album.count.NeedsSaving()) continue;
+        const FieldValue count{"Tracks", ValueOf(album.count.Truth())};
+        connection_.Update(AlbumTable, album.key, std::span(&count, 1));
+        album.count.Saved();
+    }
+    for (TrackRow& track : tracks_) {
+        if (track.isGone || !track.number.NeedsSaving()) continue;
+        const FieldValue number{"Track", ValueOf(track.number.Truth())};
+        connection_.Update(TrackTable, track.key, std::span(&number, 1));
+        track.number.Saved();
+    }
 }
 
 }  // namespace quillon

@@ -2,17 +2,17 @@
 
 #include <deque>
 #include <span>
-#include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
+#include "library/row_index.h"
 #include "library/rows.h"
+#include "library/text_rules.h"
 #include "platform/database.h"
 
 namespace quillon {
 
-/// The tool's own albums and their tracks, read once. Texts are compared as the database does,
+/// All albums and tracks of the database, read once. Texts are compared as the database does,
 /// without letter case, and the first row is the first in the file.
 ///
 /// What a row says in words is written as soon as it changes, so that what the database refuses is
@@ -25,19 +25,27 @@ class Library {
     Library(const Library&) = delete;
     Library& operator=(const Library&) = delete;
 
-    /// All rows in the file's order, new ones last. Rows stay where they are; skip those that are
-    /// gone.
+    /// All rows in the file's order, new ones last, whatever their player. Rows stay where they
+    /// are; skip those that are gone.
     std::deque<AlbumRow>& Albums() { return albums_; }
     std::deque<TrackRow>& Tracks() { return tracks_; }
 
-    /// Null where there is none.
+    const TextRules& Rules() const { return rules_; }
+
+    /// The first album of the tool's own with these names; null where there is none.
     AlbumRow* FindAlbum(std::string_view artist, std::string_view title);
-    AlbumRow* AlbumOf(const TrackRow& track) { return AlbumWith(track.cdjid); }
-    /// The first album with this identifier.
+    /// All albums with these names, of any player, in the file's order.
+    std::vector<AlbumRow*> AlbumsNamed(std::string_view artist, std::string_view title);
+    /// The first own album with this identifier.
     AlbumRow* AlbumWith(std::string_view cdjid);
-    /// The track whose stored path ends in this one: something may stand before the drive.
+    /// All albums with this identifier, of any player, in the file's order.
+    std::vector<AlbumRow*> AlbumsWith(std::string_view cdjid);
+    AlbumRow* AlbumOf(const TrackRow& track) { return AlbumWith(track.cdjid); }
+    /// The first own track whose stored path ends in this one: something may stand before the
+    /// drive.
     TrackRow* FindTrack(std::string_view path);
     TrackRow* FindTrack(TrackId id);
+    /// In the file's order; of any player, as tracks are joined to albums by the identifier alone.
     std::vector<TrackRow*> TracksOf(std::string_view cdjid);
 
     /// These write at once, all of it or nothing. Failure: what the database refuses. Counts and
@@ -49,24 +57,26 @@ class Library {
     void Remove(AlbumRow& album);
     void Remove(TrackRow& track);
 
-    /// Sets all counts and numbers aside.
+    /// Sets all counts and numbers of the tool's own albums and tracks aside. Tracks for which the
+    /// comparison of tags has found a number get that one.
     void MarkAll();
 
     /// Writes the counts and numbers that have changed.
     void Save();
 
   private:
-    void Save(AlbumRow& album);
-    void Save(TrackRow& track);
-    void List(AlbumRow& album);
-    void List(TrackRow& track);
+    template <typename IsWanted>
+    AlbumRow* FirstAlbum(const RowIndex& index, std::uint32_t hash, IsWanted isWanted);
+    bool HasNames(const AlbumRow& album, std::string_view artist, std::string_view title) const;
+    std::uint32_t HashOfNames(std::string_view artist, std::string_view title) const;
+    void List(const AlbumRow& album);
+    void List(const TrackRow& track);
 
     Connection& connection_;
+    TextRules rules_;
     std::deque<AlbumRow> albums_;
     std::deque<TrackRow> tracks_;
-    std::unordered_map<std::string, std::vector<AlbumRow*>> albumsByName_, albumsByCdjid_;
-    std::unordered_map<std::string, std::vector<TrackRow*>> tracksByFile_, tracksByCdjid_;
-    std::unordered_map<TrackId, TrackRow*> tracksById_;
+    RowIndex albumsByName_, albumsByCdjid_, tracksByFile_, tracksByCdjid_, tracksById_;
 };
 
 }  // namespace quillon

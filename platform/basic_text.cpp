@@ -1,6 +1,7 @@
 #include "platform/basic_text.h"
 
 #include <algorithm>
+#include <array>
 #include <utf8proc.h>
 
 #include "platform/utf8.h"
@@ -19,29 +20,66 @@ char32_t RawUpper(char32_t code) {
     return static_cast<char32_t>(utf8proc_toupper(static_cast<utf8proc_int32_t>(code)));
 }
 
-char32_t Lower(char32_t code) {
-    if (code < 0x80) return code >= 'A' && code <= 'Z' ? code + ('a' - 'A') : code;
+char32_t ComputedLower(char32_t code) {
     if (code == CapitalSharpS) return code;
     const char32_t lower = RawLower(code);
     return RawUpper(lower) == code ? lower : code;
 }
 
-char32_t Upper(char32_t code) {
-    if (code < 0x80) return code >= 'a' && code <= 'z' ? code - ('a' - 'A') : code;
+char32_t ComputedUpper(char32_t code) {
     if (code == SharpS) return code;
     const char32_t upper = RawUpper(code);
     return RawLower(upper) == code ? upper : code;
 }
 
+/// The letters that most names are made of, at hand: asking for each one again takes many times
+/// longer.
+struct CommonLetters {
+    static constexpr std::size_t Count = 0x600;  // Latin, Greek, Cyrillic, Armenian, Hebrew
+
+    CommonLetters() {
+        for (char32_t code = 0; code < Count; ++code) {
+            lower.at(code) = ComputedLower(code);
+            upper.at(code) = ComputedUpper(code);
+        }
+    }
+
+    static const CommonLetters& Get() {
+        static const CommonLetters letters;
+        return letters;
+    }
+
+    std::array<char32_t, Count> lower{}, upper{};
+};
+
+char32_t Lower(char32_t code) {
+    return code < CommonLetters::Count ? CommonLetters::Get().lower[code] : ComputedLower(code);
+}
+
+char32_t Upper(char32_t code) {
+    return code < CommonLetters::Count ? CommonLetters::Get().upper[code] : ComputedUpper(code);
+}
+
+char AsciiLower(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
+}
+
+char AsciiUpper(char c) {
+    return c >= 'a' && c <= 'z' ? static_cast<char>(c - ('a' - 'A')) : c;
+}
+
 /// Every character replaced; bytes that are none stay.
-template <typename Change>
-std::string ChangeEach(std::string_view text, Change change) {
-    std::string result;
-    result.reserve(text.size());
-    for (std::size_t at = 0; at < text.size();) {
+template <char (*ChangeAscii)(char), char32_t (*Change)(char32_t)>
+std::string ChangeEach(std::string_view text) {
+    std::string result(text);
+    std::size_t at = 0;
+    for (; at < text.size() && static_cast<unsigned char>(text[at]) < 0x80; ++at)
+        result[at] = ChangeAscii(text[at]);
+    result.resize(at);
+    while (at < text.size()) {
         const Utf8Character character = DecodeUtf8(text, at);
         if (character.wellFormed) {
-            AppendUtf8(result, change(character.code));
+            AppendUtf8(result, Change(character.code));
         } else {
             result += text.substr(at, character.length);
         }
@@ -87,11 +125,11 @@ int CompareIgnoringCase(std::string_view left, std::string_view right) {
 }  // namespace
 
 std::string LowerCase(std::string_view text) {
-    return ChangeEach(text, Lower);
+    return ChangeEach<AsciiLower, Lower>(text);
 }
 
 std::string UpperCase(std::string_view text) {
-    return ChangeEach(text, Upper);
+    return ChangeEach<AsciiUpper, Upper>(text);
 }
 
 bool EqualIgnoringCase(std::string_view left, std::string_view right) {

@@ -92,11 +92,22 @@ class Connection {
     /// these fields, which are overwritten with the next row.
     virtual void Scan(std::string_view table, std::span<const std::string_view> fields,
                       const VisitRow& visit) = 0;
+    /// One field of a row.
+    virtual Value Read(std::string_view table, RowKey row, std::string_view field) = 0;
     /// Fields of a new row that are not named are Null.
     virtual AddedRow Insert(std::string_view table, std::span<const FieldValue> fields) = 0;
     /// A refused change leaves the row as it was.
     virtual void Update(std::string_view table, RowKey row, std::span<const FieldValue> fields) = 0;
     virtual void Delete(std::string_view table, RowKey row) = 0;
+
+    /// The number that the next row gets in the auto-number field.
+    virtual std::int64_t NextNumber(std::string_view table) const = 0;
+
+    /// The text as the database compares it: texts are equal to it that differ in letter case
+    /// alone. Such a text of ASCII characters has small letters.
+    virtual std::string FoldText(std::string_view text) const = 0;
+    /// Below, at or above zero as left sorts before, with or behind right.
+    virtual int CompareTexts(std::string_view left, std::string_view right) const = 0;
 
     /// Makes all changes so far durable; the driver calls it at each phase's end.
     virtual void Flush() = 0;

@@ -1,14 +1,15 @@
 #include "playlists/artist_entries.h"
 
+#include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
-#include <memory>
+#include <deque>
 #include <string>
+#include <string_view>
 #include <vector>
 
-#include "database/sql.h"
 #include "platform/basic_text.h"
-#include "platform/database.h"
 #include "playlists/pla_line.h"
 #include "run/counted.h"
 #include "run/log.h"
@@ -28,19 +29,54 @@ bool IsVarious(std::string_view artist) {
     return EqualIgnoringCase(artist.substr(0, Various.size()), Various);
 }
 
-std::vector<GenreArtist> DownloadArtists(Connection& connection) {
+/// The artists of whom the first row has a genre, in the database's order.
+std::vector<GenreArtist> DownloadArtists(DownloadTable& table) {
     std::vector<GenreArtist> artists;
-    const std::unique_ptr<RecordSet> rows = connection.Query(
-        "SELECT Spinner.Artist, First(Spinner.Genre)AS FirstGenre FROM Spinner "
-        "GROUP BY Spinner.Artist HAVING (((First(Spinner.Genre)) Is Not Null))");
-    for (; !rows->IsEof(); rows->MoveNext())
-        artists.push_back({rows->Text("Artist"), rows->Text("FirstGenre")});
+    for (const SongRow& song : table.Songs()) {
+        const bool isFirst = !song.artist.IsNull() && table.FirstOf(song.artist) == &song;
+        if (isFirst && !song.genre.IsNull()) artists.push_back({song.artist, song.genre});
+    }
+    std::ranges::sort(artists, [&table](const GenreArtist& one, const GenreArtist& other) {
+        return table.Rules().ComesBefore(one.artist, other.artist);
+    });
     return artists;
 }
 
+/// Rows by their artist, in the file's order.
+template <typename Row>
+class ByArtist {
+  public:
+    ByArtist(std::deque<Row>& rows, const TextRules& rules) : rows_(rows), rules_(rules) {
+        for (std::size_t i = rows.size(); i-- > 0;)
+            index_.Add(rules.Hash(rows[i].artist), static_cast<RowIndex::Row>(i));
+    }
+
+    template <typename Visit>
+    void ForEach(std::string_view artist, Visit visit) const {
+        index_.ForEach(rules_.Hash(artist), [&](RowIndex::Row place) {
+            const Row& row = rows_[place];
+            if (!IsGone(row) && !row.artist.IsNull() && rules_.AreEqual(row.artist, artist))
+                visit(row);
+        });
+    }
+
+  private:
+    static bool IsGone(const SongRow&) { return false; }
+    static bool IsGone(const auto& row) { return row.isGone; }
+
+    std::deque<Row>& rows_;
+    const TextRules& rules_;
+    RowIndex index_;
+};
+
 class EntryReader {
   public:
-    EntryReader(Run& run, ArtistEntries kind) : run_(run), kind_(kind) {}
+    EntryReader(Run& run, ArtistEntries kind)
+        : run_(run),
+          kind_(kind),
+          tracks_(run.TheLibrary().Tracks(), run.TheLibrary().Rules()),
+          albums_(run.TheLibrary().Albums(), run.TheLibrary().Rules()),
+          songs_(run.TheDownloadTable().Songs(), run.TheDownloadTable().Rules()) {}
 
     void Read(const GenreArtist& artist) {
         if (kind_ == ArtistEntries::Tracks || IsVarious(artist.artist)) {
@@ -61,8 +97,8 @@ class EntryReader {
         std::size_t count = 0;
         std::string first;
 
-        void Add(const RecordSet& track) {
-            if (count++ == 0) first = track.Text("Artist") + " - " + track.Text("Title");
+        void Add(const TrackRow& track) {
+            if (count++ == 0) first = track.artist.Text() + " - " + track.title.Text();
         }
     };
 
@@ -75,46 +111,45 @@ class EntryReader {
     }
 
     void ReadTracks(const GenreArtist& artist) {
-        const std::unique_ptr<RecordSet> tracks =
-            run_.connection->Query("SELECT CDJID, Artist, Track, Title FROM Tracks WHERE Artist=" +
-                                   FilterQuoted(artist.artist));
-        // The first track's answer counts for all: an artist is wanted or not, and people who mark
-        // some songs of one rely on that.
-        if (tracks->IsEof() || IsExcluded(tracks->Text("Title"), artist.artist)) return;
-        for (; !tracks->IsEof(); tracks->MoveNext()) {
-            const auto number = static_cast<std::int32_t>(tracks->Integer("Track"));
+        bool isFirst = true, isWanted = true;
+        tracks_.ForEach(artist.artist, [&](const TrackRow& track) {
+            // The first track's answer counts for all: an artist is wanted or not, and people who
+            // mark some songs of one rely on that.
+            if (isFirst) isWanted = !IsExcluded(track.title, artist.artist);
+            isFirst = false;
+            if (!isWanted) return;
+            const std::int32_t number = track.number.Truth().value_or(0);
             if (number < 1) {
-                unnumbered_.Add(*tracks);
-            } else if (tracks->Text("CDJID").empty()) {
-                homeless_.Add(*tracks);
+                unnumbered_.Add(track);
+            } else if (track.cdjid.IsEmpty()) {
+                homeless_.Add(track);
             } else {
-                Add(*tracks, artist, number);
+                Add(track, artist, number);
             }
-        }
+        });
     }
 
     void ReadAlbums(const GenreArtist& artist) {
-        const std::unique_ptr<RecordSet> albums = run_.connection->Query(
-            "SELECT CDJID, Artist FROM Albums WHERE Artist=" + FilterQuoted(artist.artist));
-        for (; !albums->IsEof(); albums->MoveNext())
-            Add(*albums, artist, WholeAlbum);
+        albums_.ForEach(artist.artist,
+                        [&](const AlbumRow& album) { Add(album, artist, WholeAlbum); });
     }
 
-    bool IsExcluded(const std::string& title, const std::string& artist) {
-        const std::unique_ptr<RecordSet> rows = run_.connection->Query(
-            "SELECT Spinner.Exclude FROM Tracks "
-            " INNER JOIN Spinner ON (Tracks.Title = Spinner.Song) AND "
-            "(Tracks.Artist = Spinner.Artist)"
-            " WHERE (((Tracks.Title)=" +
-            FilterQuoted(title) + ") AND ((Tracks.Artist)=" + FilterQuoted(artist) + "))");
-        return !rows->IsEof() && rows->Integer("Exclude") != 0;
+    /// Whether the first song of the download table with these names is.
+    bool IsExcluded(const RowText& title, const std::string& artist) const {
+        bool isFirst = true, isExcluded = false;
+        songs_.ForEach(artist, [&](const SongRow& song) {
+            const bool isIt = !title.IsNull() && !song.song.IsNull() &&
+                              run_.TheLibrary().Rules().AreEqual(song.song, title);
+            if (isIt && isFirst) isExcluded = song.isExcluded;
+            if (isIt) isFirst = false;
+        });
+        return isExcluded;
     }
 
-    void Add(const RecordSet& row, const GenreArtist& artist, std::int32_t track) {
-        const std::string cdjid = row.Text("CDJID"), rowArtist = row.Text("Artist");
+    void Add(const auto& row, const GenreArtist& artist, std::int32_t track) {
         run_.playlistEntries.Add({.Track = track,
-                                  .Artist = rowArtist,
-                                  .CDJID = cdjid,
+                                  .Artist = row.artist,
+                                  .CDJID = row.cdjid,
                                   .Genre = artist.genre,
                                   .Random = SortKey()});
     }
@@ -127,6 +162,9 @@ class EntryReader {
 
     Run& run_;
     ArtistEntries kind_;
+    ByArtist<TrackRow> tracks_;
+    ByArtist<AlbumRow> albums_;
+    ByArtist<SongRow> songs_;
     LeftOut unnumbered_, homeless_;
 };
 
@@ -135,7 +173,7 @@ class EntryReader {
 bool ReadArtistEntries(Run& run, Steps& steps, ArtistEntries kind) {
     EntryReader reader(run, kind);
     bool areAllRead = true;
-    for (const GenreArtist& artist : Counted(run, DownloadArtists(*run.connection))) {
+    for (const GenreArtist& artist : Counted(run, DownloadArtists(run.TheDownloadTable()))) {
         run.ShowItem("1. Read Playlist Track / Album Info - " + artist.artist);
         steps.Concerning(artist.artist);
         areAllRead &= steps.Try(0, [&] { reader.Read(artist); });

@@ -90,16 +90,18 @@ class Capture {
 
     bool HasOtherMeaning(const std::vector<CapturedEntry>& entries) const {
         return std::any_of(entries.begin(), entries.end(), [this](const CapturedEntry& entry) {
-            const IndexedTrack* const track = tracks_.FindPlace(entry.cdjid, entry.index + 1);
-            return track == nullptr || track->id != entry.id;
+            const TrackRow* const track = tracks_.FindPlace(entry.cdjid, entry.index + 1);
+            return track == nullptr || IdOf(*track) != entry.id;
         });
     }
 
     std::optional<CapturedEntry> Present(std::string_view cdjid, std::int32_t index) const {
-        const IndexedTrack* const track = tracks_.FindPlace(cdjid, index + 1);
+        const TrackRow* const track = tracks_.FindPlace(cdjid, index + 1);
         if (track == nullptr) return std::nullopt;
-        return CapturedEntry{
-            .cdjid = std::string(cdjid), .index = index, .id = track->id, .traits = track->traits};
+        return CapturedEntry{.cdjid = std::string(cdjid),
+                             .index = index,
+                             .id = IdOf(*track),
+                             .traits = TraitsOf(*track)};
     }
 
     /// What the lines meant when an earlier run had captured the list or its places; nothing where
@@ -149,9 +151,9 @@ class Capture {
     /// The entry, provided that its row is still the one that was captured, or has gone; what its
     /// line means at present where another row has the key.
     std::optional<CapturedEntry> Judged(const CapturedEntry& entry) const {
-        const IndexedTrack* const track = tracks_.FindId(entry.id);
+        const TrackRow* const track = tracks_.FindId(entry.id);
         if (track == nullptr) return entry;
-        return track->traits.Fit(entry.traits) ? entry : Present(entry.cdjid, entry.index);
+        return TraitsOf(*track).Fit(entry.traits) ? entry : Present(entry.cdjid, entry.index);
     }
 
     /// One song of a playlist counts once; another place of it stays, to be known for its double.
@@ -173,7 +175,7 @@ class Capture {
 class CaptureExisting {
   public:
     CaptureExisting(Run& run, Steps& steps, const GeneratedRows& generated)
-        : run_(run), steps_(steps), generated_(generated), tracks_(*run.connection) {}
+        : run_(run), steps_(steps), generated_(generated), tracks_(run.TheLibrary()) {}
 
     void Perform() {
         if (tracks_.IsEmpty()) return KnowNothing();
@@ -269,7 +271,7 @@ class CaptureExisting {
         run_.isSecured &= steps_.Try(6, [&] { WritePlaylistSnapshot(run_, tracks_, content); });
         // Songs may become others while the library changes; then it is written anew.
         run_.playlistEntries.OnKeep([&run = run_, earlier = earlier_, kept = std::move(content)] {
-            WritePlaylistSnapshot(run, TrackIndex(*run.connection), kept);
+            WritePlaylistSnapshot(run, TrackIndex(run.TheLibrary()), kept);
         });
     }
 

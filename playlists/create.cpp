@@ -1,15 +1,14 @@
 #include "playlists/create.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
 
 #include "platform/basic_text.h"
-#include "platform/database.h"
 #include "platform/failure.h"
 #include "playlists/artist_entries.h"
 #include "playlists/generated_lists.h"
@@ -28,16 +27,13 @@
 namespace quillon {
 namespace {
 
-/// Which artists have tracks enough. All are counted at once: a count of one artist is a pass over
-/// all tracks.
+/// Which artists have tracks enough.
 class Threshold {
   public:
     explicit Threshold(Run& run) : least_(run.settings.ArtistThreshold) {
-        const std::unique_ptr<RecordSet> rows = run.connection->Query(
-            "SELECT Count(Tracks.ID) AS CountOfID, Tracks.Artist FROM Tracks "
-            "GROUP BY Tracks.Artist");
-        for (; !rows->IsEof(); rows->MoveNext())
-            counts_[LowerCase(rows->Text("Artist"))] += rows->Integer("CountOfID");
+        for (const TrackRow& track : run.TheLibrary().Tracks()) {
+            if (!track.isGone) ++counts_[LowerCase(track.artist)];
+        }
     }
 
     /// An artist without tracks is none to ask for, however low the threshold.
@@ -50,6 +46,20 @@ class Threshold {
     std::int64_t least_;
     std::unordered_map<std::string, std::int64_t> counts_;  ///< by artist in lower case
 };
+
+/// The albums that have an artist and an identifier, by artist as the database sorts; those of one
+/// artist in the file's order.
+std::vector<const AlbumRow*> AlbumsByArtist(Library& library) {
+    std::vector<const AlbumRow*> albums;
+    for (const AlbumRow& album : library.Albums()) {
+        if (!album.isGone && !album.artist.IsEmpty() && !album.cdjid.IsEmpty())
+            albums.push_back(&album);
+    }
+    std::ranges::stable_sort(albums, [&](const AlbumRow* one, const AlbumRow* other) {
+        return library.Rules().ComesBefore(one->artist, other->artist);
+    });
+    return albums;
+}
 
 void PlanGenres(const Run& run, GeneratedLists& lists) {
     std::string_view genre;
@@ -81,19 +91,15 @@ void PlanArtistsByTrack(Run& run, GeneratedLists& lists) {
 /// Whether there are any albums to make lists of.
 bool PlanArtistsByAlbum(Run& run, GeneratedLists& lists) {
     const Threshold threshold(run);
-    const std::unique_ptr<RecordSet> albums = run.connection->OpenTable("Albums");
-    albums->Filter("Artist <> '' AND CDJID <> ''");
-    albums->Sort("Artist");
     std::string artist;
     bool isWanted = false;
-    for (; !albums->IsEof(); albums->MoveNext()) {
-        const std::string albumArtist = albums->Text("Artist");
-        if (!EqualIgnoringCase(albumArtist, artist)) {
-            artist = albumArtist;
+    for (const AlbumRow* const album : AlbumsByArtist(run.TheLibrary())) {
+        if (!EqualIgnoringCase(album->artist, artist)) {
+            artist = album->artist;
             isWanted = threshold.IsReachedBy(artist);
             if (isWanted) lists.Begin(artist);
         }
-        if (isWanted) lists.AddAlbum(albums->Text("CDJID"));
+        if (isWanted) lists.AddAlbum(album->cdjid);
     }
     return !artist.empty();
 }
@@ -103,7 +109,7 @@ constexpr std::size_t MostFailures = 10;
 
 class Creation {
   public:
-    Creation(Run& run, Steps& steps) : run_(run), steps_(steps), rows_(run) {}
+    Creation(Run& run, Steps& steps) : run_(run), steps_(steps) {}
 
     void Perform() {
         run_.ShowItem("1. Read Playlist Track / Album Info");
@@ -192,7 +198,7 @@ class Creation {
     }
 
     void Make(const GeneratedLists& lists, const GeneratedList& list, const std::string& path) {
-        rows_.Record(list.name, lists.Family());
+        RecordPlaylist(run_, list.name, lists.Family());
         if (last_.at(LowerCase(list.name)) != &list) {
             WriteLog(run_, LogSource,
                      "No playlist " + path + " for " + list.of +
@@ -204,7 +210,6 @@ class Creation {
 
     Run& run_;
     Steps& steps_;
-    PlaylistRows rows_;
     GeneratedLists genres_{GeneratedBy::Genre, run_.settings.MaxPlaylistLength};
     GeneratedLists artists_{GeneratedBy::Artist, run_.settings.MaxPlaylistLength};
     std::unordered_map<std::string, const GeneratedList*> last_;  ///< by name in lower case

@@ -1,22 +1,14 @@
 #include "playlists/generated_rows.h"
 
 #include <map>
-#include <memory>
 #include <utility>
-#include <variant>
 
 #include "platform/basic_text.h"
-#include "platform/database.h"
 #include "playlists/playlist_folder.h"
 #include "run/run.h"
 
 namespace quillon {
 namespace {
-
-bool IsTrue(const Value& value) {
-    const bool* const answer = std::get_if<bool>(&value);
-    return answer != nullptr && *answer;
-}
 
 /// Folders as rows name them, each looked at once.
 class RowFolders {
@@ -49,13 +41,11 @@ bool GeneratedRows::HaveName(std::string_view name) const {
 GeneratedRows ReadGeneratedRows(Run& run) {
     GeneratedRows generated;
     RowFolders folders(run);
-    const std::unique_ptr<RecordSet> rows = run.connection->Query(
-        "SELECT * FROM Playlists WHERE AutoGenre = True Or AutoArtist = True");
-    for (; !rows->IsEof(); rows->MoveNext()) {
-        GeneratedRow row{.folder = rows->Text("FilePath"),
-                         .name = rows->Text("Filename") + rows->Text("Type"),
-                         .byGenre = IsTrue(rows->Get("AutoGenre")),
-                         .byArtist = IsTrue(rows->Get("AutoArtist"))};
+    for (const PlaylistRow& known : run.ThePlaylistTable().Rows()) {
+        GeneratedRow row{.folder = known.folder,
+                         .name = known.name.Text() + known.type.Text(),
+                         .byGenre = known.byGenre,
+                         .byArtist = known.byArtist};
         const bool isMadeAnew = (row.byGenre && run.settings.GenrePlaylist) ||
                                 (row.byArtist && run.settings.ArtistPlaylist);
         if (!isMadeAnew || !HasPlaylistName(row.name)) continue;

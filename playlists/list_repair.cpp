@@ -75,9 +75,9 @@ class Repairing {
                  std::string(fields->cdjid) + " and was removed");
             return std::nullopt;
         }
-        const IndexedTrack* const track = tracks_.FindId(entry.ID);
+        const TrackRow* const track = tracks_.FindId(entry.ID);
         if (track == nullptr) return Dropped(line, "Track ID no longer exists");
-        if (track->number < 1) {
+        if (PlaceOf(*track) < 1) {
             // Its line would read as the whole album, or as nothing at all.
             Tell(", " + line + " kept as it is because the track has no number");
             return std::string(bytes);
@@ -88,8 +88,8 @@ class Repairing {
 
     /// The line at its song's present position.
     std::string Followed(const std::string& line, const PlaFields& fields,
-                         const IndexedTrack& track, bool isTwin) {
-        const std::string_view album = tracks_.Cdjid(track);
+                         const TrackRow& track, bool isTwin) {
+        const std::string_view album = track.cdjid;
         const bool isElsewhere = !EqualIgnoringCase(fields.cdjid, album);
         // The line keeps its album: a list belongs to the albums it was made from. A song that has
         // gone to another one cannot be named that way, so it is at least told; the twin that has
@@ -98,8 +98,8 @@ class Repairing {
             Tell(", " + line + " names a song that is now on album " + std::string(album));
         }
         const bool followsAlbum = isElsewhere && isTwin;
-        const std::string present = PlaLine(followsAlbum ? album : fields.cdjid, track.number);
-        if (track.number - 1 != WholeIndex(fields.index) || followsAlbum) {
+        const std::string present = PlaLine(followsAlbum ? album : fields.cdjid, PlaceOf(track));
+        if (PlaceOf(track) - 1 != WholeIndex(fields.index) || followsAlbum) {
             list_.isChanged = true;
             Tell(", Track # updated from " + std::string(fields.index) + " to " + present);
         }

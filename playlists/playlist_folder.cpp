@@ -80,11 +80,9 @@ bool MayMissAll(Run& run) {
     PlannedRemoval missing{.kind = Removable::Playlists,
                            .names = {},
                            .doubt = "no playlist at all was found in " + folder};
-    const std::unique_ptr<RecordSet> rows =
-        run.connection->Query("SELECT FilePath, Filename, Type FROM Playlists");
-    for (; !rows->IsEof(); rows->MoveNext()) {
-        const std::string name = rows->Text("Filename") + rows->Text("Type");
-        if (EqualIgnoringCase(rows->Text("FilePath"), folder) && HasPlaylistName(name))
+    for (const PlaylistRow& row : run.ThePlaylistTable().Rows()) {
+        const std::string name = row.name.Text() + row.type.Text();
+        if (EqualIgnoringCase(row.folder, folder) && HasPlaylistName(name))
             missing.names.push_back(folder + name);
     }
     return run.removals.Allow(run, missing);

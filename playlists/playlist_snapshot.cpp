@@ -43,11 +43,11 @@ void WriteCaptured(SnapshotWriter& file, const Run& run, const TrackIndex& track
     WriteList(file, playlist.name, playlist.content);
     for (PlaylistEntries::Position at = playlist.begin; at < playlist.end; ++at) {
         const PlaylistEntry entry = run.playlistEntries.At(at);
-        const IndexedTrack* const track = tracks.FindId(entry.ID);
+        const TrackRow* const track = tracks.FindId(entry.ID);
         WriteEntry(file, {.cdjid = std::string(entry.CDJID),
                           .index = entry.Track,
                           .id = entry.ID,
-                          .traits = track == nullptr ? SongTraits() : track->traits});
+                          .traits = track == nullptr ? SongTraits() : TraitsOf(*track)});
     }
 }
 
@@ -56,11 +56,11 @@ void WriteKept(SnapshotWriter& file, const Run& run, const TrackIndex* tracks,
                const std::vector<CapturedEntry>& entries) {
     for (CapturedEntry entry : entries) {
         const std::int32_t present = run.playlistEntries.Present(entry.id);
-        const IndexedTrack* const track =
+        const TrackRow* const track =
             present == entry.id || tracks == nullptr ? nullptr : tracks->FindId(present);
         if (track != nullptr) {
             entry.id = present;
-            entry.traits = track->traits;
+            entry.traits = TraitsOf(*track);
         }
         WriteEntry(file, entry);
     }
@@ -147,9 +147,9 @@ class LineReader {
 /// row was to be found.
 bool KnowsOne(const TrackIndex& tracks, const std::vector<CapturedEntry>& entries, bool& anyThere) {
     for (const CapturedEntry& entry : entries) {
-        const IndexedTrack* const track = tracks.FindId(entry.id);
+        const TrackRow* const track = tracks.FindId(entry.id);
         if (track == nullptr) continue;
-        if (track->traits.Fit(entry.traits)) return true;
+        if (TraitsOf(*track).Fit(entry.traits)) return true;
         anyThere = true;
     }
     return false;
@@ -192,14 +192,12 @@ bool PlaylistSnapshot::IsForeignTo(const TrackIndex& tracks) const {
 CapturedPlaces PresentPlaces(const TrackIndex& tracks, DateTime now) {
     CapturedPlaces places;
     places.time = now;
-    for (const IndexedTrack& track : tracks.All()) {
-        const std::string_view cdjid = tracks.Cdjid(track);
-        if (tracks.FindPlace(cdjid, track.number) != &track) continue;
-        places.entries.push_back({.cdjid = std::string(cdjid),
-                                  .index = track.number - 1,
-                                  .id = track.id,
-                                  .traits = track.traits});
-    }
+    tracks.ForEachPlace([&places](const TrackRow& track) {
+        places.entries.push_back({.cdjid = track.cdjid,
+                                  .index = PlaceOf(track) - 1,
+                                  .id = IdOf(track),
+                                  .traits = TraitsOf(track)});
+    });
     return places;
 }
 

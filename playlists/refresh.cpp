@@ -32,7 +32,7 @@ constexpr std::size_t MostTold = 10;
 class Refreshing {
   public:
     Refreshing(Run& run, Steps& steps)
-        : run_(run), entries_(run.playlistEntries), steps_(steps), tracks_(*run.connection) {}
+        : run_(run), entries_(run.playlistEntries), steps_(steps), tracks_(run.TheLibrary()) {}
 
     void Perform() {
         if (tracks_.IsEmpty() || !FolderIsThere()) return;
@@ -159,8 +159,8 @@ class Refreshing {
             const auto position =
                 index ? entries_.FindPlace(fields->cdjid, *index, name) : std::nullopt;
             if (!position) continue;
-            const IndexedTrack* const there = tracks_.FindPlace(fields->cdjid, *index + 1);
-            if (there != nullptr && there->id == entries_.At(*position).ID) continue;
+            const TrackRow* const there = tracks_.FindPlace(fields->cdjid, *index + 1);
+            if (there != nullptr && IdOf(*there) == entries_.At(*position).ID) continue;
             if (++count <= MostTold) moved += (moved.empty() ? "" : ", ") + line;
         }
         if (count > MostTold) moved += " and " + std::to_string(count - MostTold) + " more";

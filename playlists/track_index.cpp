@@ -1,8 +1,7 @@
 #include "playlists/track_index.h"
 
-#include <array>
+#include <algorithm>
 #include <string>
-#include <variant>
 
 #include "database/snapshot_file.h"
 #include "run/paths.h"
@@ -10,74 +9,72 @@
 namespace quillon {
 namespace {
 
-std::uint32_t IdHash(std::int32_t id) {
-    return MixedHash(static_cast<std::uint32_t>(id));
-}
-
-std::uint32_t PlaceHash(TextPool::Number album, std::int32_t number) {
-    return MixedHash(album, static_cast<std::uint32_t>(number));
-}
-
 /// What stays when the file is renamed in its folder.
-std::uint32_t OriginFingerprint(std::string_view soundFile, const Value& dateAdded) {
-    std::string origin(soundFile.substr(0, soundFile.rfind('\\') + 1));
-    if (const auto* const date = std::get_if<DateTime>(&dateAdded))
-        origin += std::to_string(date->days);
+std::uint32_t OriginFingerprint(const TrackRow& track, std::string_view path) {
+    std::string origin(path.substr(0, path.rfind('\\') + 1));
+    if (track.added) origin += std::to_string(track.added->days);
     return Fingerprint(origin);
 }
 
-SongTraits TraitsOf(const Value& soundFile, const Value& dateAdded) {
-    const auto* const text = std::get_if<std::string>(&soundFile);
-    std::string_view path = text == nullptr ? std::string_view() : *text;
-    path.remove_prefix(GetDrive(path).size());
-    return {.soundFile = Fingerprint(path), .origin = OriginFingerprint(path, dateAdded)};
+bool IsListed(const TrackRow& track) {
+    return !track.isGone && !track.cdjid.IsNull();
 }
 
-std::int32_t NumberOf(const Value& value) {
-    const auto* const number = std::get_if<std::int64_t>(&value);
-    return number == nullptr ? 0 : static_cast<std::int32_t>(*number);
+std::uint32_t PlaceHash(const TextRules& rules, std::string_view cdjid, std::int32_t number) {
+    return rules.Hash(cdjid, static_cast<std::uint32_t>(number));
 }
 
 }  // namespace
 
-TrackIndex::TrackIndex(Connection& connection) {
-    constexpr std::array<std::string_view, 5> Fields{"ID", "CDJID", "Track", "SoundFile",
-                                                     "DateAdded"};
-    connection.Scan("Tracks", Fields, [this](RowKey, std::span<const Value> row) {
-        const auto* const cdjid = std::get_if<std::string>(&row[1]);
-        if (cdjid == nullptr) return;
-        Add({.id = NumberOf(row[0]),
-             .number = NumberOf(row[2]),
-             .album = cdjids_.Add(*cdjid),
-             .traits = TraitsOf(row[3], row[4])});
+SongTraits TraitsOf(const TrackRow& track) {
+    std::string_view path = track.soundFile;
+    path.remove_prefix(GetDrive(path).size());
+    return {.soundFile = Fingerprint(path), .origin = OriginFingerprint(track, path)};
+}
+
+std::int32_t IdOf(const TrackRow& track) {
+    return static_cast<std::int32_t>(track.id);
+}
+
+std::int32_t PlaceOf(const TrackRow& track) {
+    return track.number.Truth().value_or(0);
+}
+
+bool TrackIndex::IsEmpty() const {
+    return std::ranges::none_of(library_.Tracks(), IsListed);
+}
+
+const TrackIndex::Places& TrackIndex::Known() const {
+    if (places_) return *places_;
+    places_.emplace();
+    const TextRules& rules = library_.Rules();
+    for (const TrackRow& track : library_.Tracks()) {
+        if (!IsListed(track)) continue;
+        // Numbers may be taken twice in an album; then the first row has the place.
+        if (FindPlace(track.cdjid, PlaceOf(track)) == nullptr)
+            places_->tracks.Add(PlaceHash(rules, track.cdjid, PlaceOf(track)), track.place);
+        if (!HasAlbum(track.cdjid)) places_->albums.Add(rules.Hash(track.cdjid), track.place);
+    }
+    return *places_;
+}
+
+bool TrackIndex::HasAlbum(std::string_view cdjid) const {
+    const TextRules& rules = library_.Rules();
+    bool isThere = false;
+    Known().albums.ForEach(rules.Hash(cdjid), [&](RowIndex::Row row) {
+        isThere |= rules.AreEqual(library_.Tracks()[row].cdjid, cdjid);
     });
+    return isThere;
 }
 
-void TrackIndex::Add(const IndexedTrack& track) {
-    const auto row = static_cast<HashIndex::Row>(tracks_.size());
-    // Numbers may be taken twice in an album; then the first row has the place.
-    if (FindId(track.id) == nullptr) byId_.Add(IdHash(track.id), row);
-    if (Find(track.album, track.number) == nullptr)
-        byPlace_.Add(PlaceHash(track.album, track.number), row);
-    tracks_.push_back(track);
-}
-
-const IndexedTrack* TrackIndex::Find(TextPool::Number album, std::int32_t number) const {
-    const auto row = byPlace_.Find(PlaceHash(album, number), [&](HashIndex::Row at) {
-        return tracks_[at].album == album && tracks_[at].number == number;
+const TrackRow* TrackIndex::FindPlace(std::string_view cdjid, std::int32_t number) const {
+    const TextRules& rules = library_.Rules();
+    const TrackRow* found = nullptr;
+    Known().tracks.ForEach(PlaceHash(rules, cdjid, number), [&](RowIndex::Row row) {
+        const TrackRow& track = library_.Tracks()[row];
+        if (PlaceOf(track) == number && rules.AreEqual(track.cdjid, cdjid)) found = &track;
     });
-    return row ? &tracks_[*row] : nullptr;
-}
-
-const IndexedTrack* TrackIndex::FindPlace(std::string_view cdjid, std::int32_t number) const {
-    const auto album = cdjids_.Find(cdjid);
-    return album ? Find(*album, number) : nullptr;
-}
-
-const IndexedTrack* TrackIndex::FindId(std::int32_t id) const {
-    const auto row =
-        byId_.Find(IdHash(id), [&](HashIndex::Row at) { return tracks_[at].id == id; });
-    return row ? &tracks_[*row] : nullptr;
+    return found;
 }
 
 }  // namespace quillon

@@ -1,13 +1,11 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string_view>
-#include <vector>
 
-#include "platform/database.h"
-#include "run/hash_index.h"
-#include "run/text_pool.h"
+#include "library/library.h"
+#include "library/row_index.h"
 
 namespace quillon {
 
@@ -24,39 +22,45 @@ struct SongTraits {
     bool operator==(const SongTraits&) const = default;
 };
 
-/// What the playlists need to know of a track, as small as can be: there may be a million.
-struct IndexedTrack {
-    std::int32_t id = 0;
-    std::int32_t number = 0;     ///< `Track`; 0 where it is Null
-    TextPool::Number album = 0;  ///< see TrackIndex::Cdjid
-    SongTraits traits;
-};
+SongTraits TraitsOf(const TrackRow& track);
 
-/// All tracks of the database by key and by place, read once and looked up for each playlist entry.
-/// Shows what the database held when this was made. Letter case does not count.
+/// `Tracks.ID` and `Tracks.Track` as playlists have them; 0 where there is no number.
+std::int32_t IdOf(const TrackRow& track);
+std::int32_t PlaceOf(const TrackRow& track);
+
+/// All tracks of the library by their places, to be looked up for each playlist entry. Shows the
+/// places that the tracks have when the first one is looked up.
 class TrackIndex {
   public:
-    /// Throws Failure.
-    explicit TrackIndex(Connection& connection);
+    /// The library must outlive this object.
+    explicit TrackIndex(Library& library) : library_(library) {}
 
-    bool IsEmpty() const { return tracks_.empty(); }
-    const std::vector<IndexedTrack>& All() const { return tracks_; }
+    /// Whether the library has no tracks with a `CDJID`.
+    bool IsEmpty() const;
     /// Whether any track has this `CDJID`.
-    bool HasAlbum(std::string_view cdjid) const { return cdjids_.Find(cdjid).has_value(); }
+    bool HasAlbum(std::string_view cdjid) const;
     /// The first track of the album with this number; null when there is none.
-    const IndexedTrack* FindPlace(std::string_view cdjid, std::int32_t number) const;
+    const TrackRow* FindPlace(std::string_view cdjid, std::int32_t number) const;
     /// Null when no track has this `ID`.
-    const IndexedTrack* FindId(std::int32_t id) const;
+    const TrackRow* FindId(std::int32_t id) const { return library_.FindTrack(TrackId{id}); }
 
-    std::string_view Cdjid(const IndexedTrack& track) const { return cdjids_.Text(track.album); }
+    /// Calls visit(track) for the first track at each place.
+    template <typename Visit>
+    void ForEachPlace(Visit visit) const {
+        for (const TrackRow& track : library_.Tracks()) {
+            if (!track.isGone && FindPlace(track.cdjid, PlaceOf(track)) == &track) visit(track);
+        }
+    }
 
   private:
-    void Add(const IndexedTrack& track);
-    const IndexedTrack* Find(TextPool::Number album, std::int32_t number) const;
+    /// Places and albums by their first tracks.
+    struct Places {
+        RowIndex tracks, albums;
+    };
+    const Places& Known() const;
 
-    TextPool cdjids_;
-    std::vector<IndexedTrack> tracks_;
-    HashIndex byId_, byPlace_;
+    Library& library_;
+    mutable std::optional<Places> places_;
 };
 
 }  // namespace quillon

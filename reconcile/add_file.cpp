@@ -183,7 +183,7 @@ void Addition::AddArtist() {
         !run_.connection->Query("SELECT ID FROM SpinnerArtist WHERE Artist=" + Quoted(file_.artist))
              ->IsEmpty();
     if (known) return;
-    AddSpinnerArtistRow(*adding_.spinnerArtist, file_.artist);
+    AddRow(*adding_.spinnerArtist, FieldsOfSpinnerArtist(file_.artist));
     isNewArtist_ = true;
     UndoRow(*adding_.spinnerArtist);
 }
@@ -258,16 +258,14 @@ void Addition::AddRows() {
                                                                 .soundFile = target_,
                                                                 .album = file_.album}));
     UndoRow(*adding_.tracks);
-    RecordSet& spinner = *adding_.spinner;
-    spinner.AddNew();
-    FillSpinnerRow(spinner, run_.clock.Now(),
-                   {.link = StreamLink(adding_.downloadHost, file_.genre),
-                    .artist = file_.artist,
-                    .album = file_.album,
-                    .song = file_.title,
-                    .length = 0,
-                    .genre = file_.genre});
-    spinner.Update();
+    AddRow(*adding_.spinner,
+           FieldsOf(run_.clock.Now(),
+                    DownloadSong{.link = StreamLink(adding_.downloadHost, file_.genre),
+                                 .artist = file_.artist,
+                                 .album = file_.album,
+                                 .song = file_.title,
+                                 .length = 0,
+                                 .genre = file_.genre}));
 }
 
 /// Notes how to undo the row that was just added.

@@ -28,7 +28,7 @@ std::string GiveIdentifier(Walk& walk, AlbumRow& row, const std::string& album) 
 /// Returns the identifier, "" when the album has none.
 std::string UpdateAlbum(Walk& walk, AlbumRow& row, const std::string& album,
                         std::int16_t trackCount) {
-    const bool hadIdentifier = !row.cdjid.empty();
+    const bool hadIdentifier = !row.cdjid.IsEmpty();
     if (!hadIdentifier && trackCount > 0 && GiveIdentifier(walk, row, album).empty()) return "";
     row.count.Set(trackCount);
     if (trackCount > 0) {

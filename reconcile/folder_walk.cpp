@@ -9,11 +9,8 @@
 
 namespace quillon {
 
-Walk::Walk(Run& theRun) : run(theRun), library(*theRun.connection), sequence(theRun) {
+Walk::Walk(Run& theRun) : run(theRun), library(theRun.TheLibrary()), sequence(theRun) {
     library.MarkAll();
-    for (const auto& [id, number] : run.numbersOfTags) {
-        if (TrackRow* const track = library.FindTrack(TrackId{id})) track->number.Set(number);
-    }
     std::unordered_set<std::string> seen;
     for (const FolderEntry& folder : run.LibraryFolders) {
         if (seen.insert(UpperCase(folder.path)).second) roots.push_back({folder.path});

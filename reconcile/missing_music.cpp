@@ -60,7 +60,7 @@ std::string TracksText(std::size_t count) {
 }
 
 std::string NameOf(const AlbumRow& album) {
-    return album.artist + '\\' + album.title;
+    return album.artist.Text() + '\\' + album.title.Text();
 }
 
 void TellWhatIsGone(Run& run, const MissingMusic& missing, bool albumsAreGone) {
@@ -78,7 +78,7 @@ void TellWhatIsGone(Run& run, const MissingMusic& missing, bool albumsAreGone) {
     }
     for (const MissingMusic::Track& track : missing.tracks) {
         if (told.contains(track.album)) continue;
-        WriteLog(run, LogSource, "Track removed, its file was not found: " + track.row->soundFile);
+        WriteLog(run, LogSource, "Track removed, its file was not found: " + track.row->soundFile.Text());
     }
 }
 
@@ -89,7 +89,7 @@ MissingMusic FindMissingMusic(Walk& walk) {
     Doubts doubts(walk.roots);
     std::size_t owned = 0;
     for (TrackRow& track : walk.library.Tracks()) {
-        if (track.isGone) continue;
+        if (track.isGone || !track.isOwn) continue;
         ++owned;
         if (track.number.Value() != 0) continue;
         missing.tracks.push_back({&track, walk.library.AlbumOf(track)});
@@ -97,7 +97,7 @@ MissingMusic FindMissingMusic(Walk& walk) {
         doubts.Look(track.soundFile);
     }
     for (AlbumRow& album : walk.library.Albums()) {
-        if (!album.isGone && album.count.Value() == 0) missing.albums.push_back(&album);
+        if (album.isOwn && !album.isGone && album.count.Value() == 0) missing.albums.push_back(&album);
     }
     missing.planned.outOf = owned;
     missing.planned.doubt = doubts.Clause();

@@ -75,7 +75,6 @@ void RefreshDatabase(Run& run) {
     NoteLooseFiles(run);
     RefreshDatabaseFolders(walk);
     run.counts.leftOut = run.leftOut.Total();
-    run.numbersOfTags.clear();
     const bool isSwept = absentKnown && Sweep(walk, absent);
     if (!isSwept) TakeBackNumbers(walk, steps);
     steps.Try(3, [&] { walk.library.Save(); });

@@ -92,7 +92,7 @@ class Keeping {
         std::map<std::string, TrackSet> unsettled;
         for (TrackRow& track : library_.Tracks()) {
             const AlbumRow* const album = track.isGone ? nullptr : library_.AlbumOf(track);
-            if (album == nullptr || (track.number.Value() != 0 && album->count.Value() != 0))
+            if (album == nullptr || !track.isOwn || (track.number.Value() != 0 && album->count.Value() != 0))
                 continue;
             const std::optional<std::size_t> folder = unlisted_.FolderOf(track.soundFile);
             if (!folder) continue;
@@ -113,7 +113,7 @@ class Keeping {
 
     void KeepAlbums() {
         for (AlbumRow& album : library_.Albums()) {
-            if (album.isGone) continue;
+            if (album.isGone || !album.isOwn) continue;
             const auto kept = kept_.find(LowerCase(album.cdjid));
             if (const std::int32_t seen = album.count.Value(); seen != 0) {
                 if (kept != kept_.end()) album.count.Set(seen + kept->second);
@@ -161,7 +161,7 @@ std::unordered_set<std::string> AlbumsBelow(Library& library,
         unlistedFolders.push_back({folder, "", ""});
     const UnlistedRows unlisted(unlistedFolders);
     for (const TrackRow& track : library.Tracks()) {
-        if (!unlisted.FolderOf(track.soundFile)) continue;
+        if (!track.isOwn || !unlisted.FolderOf(track.soundFile)) continue;
         if (const AlbumRow* const album = library.AlbumOf(track))
             albums.insert(AlbumKey(album->artist, album->title));
     }
@@ -170,18 +170,18 @@ std::unordered_set<std::string> AlbumsBelow(Library& library,
 
 void GiveBackAll(Library& library) {
     for (AlbumRow& album : library.Albums()) {
-        if (!album.isNew) album.count.GiveBack();
+        if (album.isOwn && !album.isNew) album.count.GiveBack();
     }
     std::map<std::string, TrackSet> newcomers;
     for (TrackRow& track : library.Tracks()) {
-        if (track.isGone) continue;
+        if (track.isGone || !track.isOwn) continue;
         if (track.isNew) {
             newcomers[track.cdjid].insert(&track);
             continue;
         }
         track.number.GiveBack();
-        if (track.cdjid == track.cdjidBefore) continue;
-        const FieldValue home{"CDJID", track.cdjidBefore};
+        if (track.cdjidBefore.IsNull() || track.cdjid == track.cdjidBefore.Text()) continue;
+        const FieldValue home{"CDJID", track.cdjidBefore.Text()};
         library.Change(track, std::span(&home, 1));
     }
     for (const auto& [cdjid, tracks] : newcomers)

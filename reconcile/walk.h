@@ -26,7 +26,7 @@ struct Walk {
     explicit Walk(Run& theRun);
 
     Run& run;
-    Library library;  ///< with all counts and numbers set aside until the walk has been there
+    Library& library;  ///< with all counts and numbers set aside until the walk has been there
     CdjidSequence sequence;
     std::vector<WalkedRoot> roots;         ///< the run's library folders, each once
     std::vector<UnlistedFolder> unlisted;  ///< what could not be visited

@@ -18,6 +18,30 @@ constexpr std::array RowCounts{
 Run::Run(Host& hostObject, Files& fileSystem, Clock& runClock, Window& runWindow)
     : host(hostObject), files(fileSystem), clock(runClock), window(runWindow) {}
 
+template <typename Table>
+Table& Run::Loaded(std::unique_ptr<Table>& table) {
+    if (!table) table = std::make_unique<Table>(*connection);
+    return *table;
+}
+
+Library& Run::TheLibrary() {
+    return Loaded(library_);
+}
+
+DownloadTable& Run::TheDownloadTable() {
+    return Loaded(downloadTable_);
+}
+
+PlaylistTable& Run::ThePlaylistTable() {
+    return Loaded(playlistTable_);
+}
+
+void Run::ForgetTables() {
+    library_.reset();
+    downloadTable_.reset();
+    playlistTable_.reset();
+}
+
 void Run::ShowItem(std::string_view item) {
     form.aItem = item;
     ProcessEvents();

@@ -9,6 +9,9 @@
 #include <unordered_map>
 #include <vector>
 
+#include "library/download_table.h"
+#include "library/library.h"
+#include "library/playlist_table.h"
 #include "platform/clock.h"
 #include "platform/database.h"
 #include "platform/files.h"
@@ -78,6 +81,14 @@ class Run {
     /// The library database; set by `main`.
     std::unique_ptr<Connection> connection;
 
+    /// Tables of that database that are worked on in memory, each read when it is first asked for;
+    /// from then on nothing else may change them. Throw Failure.
+    Library& TheLibrary();
+    DownloadTable& TheDownloadTable();
+    PlaylistTable& ThePlaylistTable();
+    /// They are read anew when they are asked for again.
+    void ForgetTables();
+
     /// Genre names by ID3 genre number; "" where the database has none.
     std::array<std::string, 256> GenreNames;
 
@@ -94,10 +105,6 @@ class Run {
     /// The playlist working set, made anew where a phase starts with an empty one.
     PlaylistEntries playlistEntries;
 
-    /// Numbers that the comparison of tags has found for tracks, by `Tracks.ID`: the folder walk
-    /// lets them stay.
-    std::unordered_map<std::int64_t, std::int32_t> numbersOfTags;
-
     /// Seeded once, when the run starts.
     RandomNumbers random;
 
@@ -110,7 +117,7 @@ class Run {
     /// What the phase does next consists of this many steps; 0 where that is not known.
     void StartCounting(std::size_t total);
 
-    /// The same with as many steps as a statement behind "SELECT ... FROM" has rows.
+    /// The same with as many steps as "SELECT ... FROM" has rows with this behind it: one table.
     void StartCountingRows(std::string_view from);
 
     /// One of these steps is done.
@@ -139,6 +146,12 @@ class Run {
     RunReport Report() const;
 
   private:
+    template <typename Table>
+    Table& Loaded(std::unique_ptr<Table>& table);
+
+    std::unique_ptr<Library> library_;
+    std::unique_ptr<DownloadTable> downloadTable_;
+    std::unique_ptr<PlaylistTable> playlistTable_;
     RunCounts savedCounts_;
     Removals::Gone savedTracks_;
 };

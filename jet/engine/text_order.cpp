@@ -8,7 +8,7 @@
 #include "jet/dialect/token.h"
 #include "jet/storage/index/index_key.h"
 
-namespace jet::engine {
+namespace jet {
 
 namespace {
 
@@ -114,21 +114,7 @@ std::string FoldCase(std::string_view text) {
     return MapCharacters(text, AppendFolded);
 }
 
-std::string ToLower(std::string_view text) {
-    if (IsAscii(text)) return MapAscii(text, Lower);
-    return MapCharacters(text, [](std::string& mapped, utf8proc_int32_t character) {
-        AppendCharacter(mapped, utf8proc_tolower(character));
-    });
-}
-
-std::string ToUpper(std::string_view text) {
-    if (IsAscii(text)) return MapAscii(text, Upper);
-    return MapCharacters(text, [](std::string& mapped, utf8proc_int32_t character) {
-        AppendCharacter(mapped, utf8proc_toupper(character));
-    });
-}
-
-int CompareIgnoringCase(std::string_view left, std::string_view right) {
+int CompareTexts(std::string_view left, std::string_view right) {
     static const Ranks orderOfAscii = MakeRanks();
     const std::size_t common = std::min(left.size(), right.size());
     std::size_t at = 0;
@@ -144,6 +130,22 @@ int CompareIgnoringCase(std::string_view left, std::string_view right) {
         if (a != 0 && b != 0 && a != b) return a < b ? -1 : 1;
     }
     return CompareFolded(FoldCase(left), FoldCase(right));
+}
+
+namespace engine {
+
+std::string ToLower(std::string_view text) {
+    if (IsAscii(text)) return MapAscii(text, Lower);
+    return MapCharacters(text, [](std::string& mapped, utf8proc_int32_t character) {
+        AppendCharacter(mapped, utf8proc_tolower(character));
+    });
+}
+
+std::string ToUpper(std::string_view text) {
+    if (IsAscii(text)) return MapAscii(text, Upper);
+    return MapCharacters(text, [](std::string& mapped, utf8proc_int32_t character) {
+        AppendCharacter(mapped, utf8proc_toupper(character));
+    });
 }
 
 std::string SuffixKey(std::string_view text) {
@@ -173,4 +175,6 @@ bool MatchesPattern(std::string_view text, std::string_view pattern) {
     }
 }
 
-}  // namespace jet::engine
+}  // namespace engine
+
+}  // namespace jet

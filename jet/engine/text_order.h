@@ -3,16 +3,12 @@
 #include <string>
 #include <string_view>
 
+#include "jet/text.h"
+
 namespace jet::engine {
 
-/// The text with all differences of letter case removed. Bytes that are no UTF-8 stay.
-std::string FoldCase(std::string_view text);
 std::string ToLower(std::string_view text);
 std::string ToUpper(std::string_view text);
-
-/// How the database sorts texts, made strict: zero exactly when the texts differ in nothing but
-/// letter case.
-int CompareIgnoringCase(std::string_view left, std::string_view right);
 
 /// The folded text backwards, byte by byte. Texts with the same end have keys with the same
 /// beginning, so that an ordered index finds them.

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "jet/database.h"
+#include "jet/text.h"
 #include "platform/basic_text.h"
 #include "platform/failure.h"
 #include "platform/portable/jet_values.h"
@@ -122,6 +123,11 @@ class JetConnection : public Connection {
                             });
         });
     }
+    Value Read(std::string_view table, RowKey row, std::string_view field) override {
+        return Translated([&] {
+            return FromJet(database_->Read(table, static_cast<std::int64_t>(row), field), field);
+        });
+    }
     AddedRow Insert(std::string_view table, std::span<const FieldValue> fields) override {
         const jet::Database::AddedRow added =
             Translated([&] { return database_->Insert(table, FieldsToJet(fields)); });
@@ -133,6 +139,13 @@ class JetConnection : public Connection {
     }
     void Delete(std::string_view table, RowKey row) override {
         Translated([&] { database_->Delete(table, static_cast<std::int64_t>(row)); });
+    }
+    std::int64_t NextNumber(std::string_view table) const override {
+        return Translated([&] { return database_->NextNumber(table); });
+    }
+    std::string FoldText(std::string_view text) const override { return jet::FoldCase(text); }
+    int CompareTexts(std::string_view left, std::string_view right) const override {
+        return jet::CompareTexts(left, right);
     }
     void Flush() override {
         Translated([&] { database_->Flush(); });

@@ -47,22 +47,22 @@ TEST(TextOrder, IsThatOfIndexKeysWithTiesBrokenByTheFoldedText) {
     const std::vector<std::string> texts = RandomTexts();
     for (const std::string& left : texts)
         for (const std::string& right : texts)
-            ASSERT_EQ(Sign(CompareIgnoringCase(left, right)), PlainOrder(left, right))
+            ASSERT_EQ(Sign(CompareTexts(left, right)), PlainOrder(left, right))
                 << '"' << left << "\" and \"" << right << '"';
 }
 
 TEST(TextOrder, IsZeroExactlyForTextsThatDifferInLetterCaseOnly) {
-    EXPECT_EQ(CompareIgnoringCase("Abc", "aBC"), 0);
-    EXPECT_EQ(CompareIgnoringCase("\xC3\x84", "\xC3\xA4"), 0);
-    EXPECT_NE(CompareIgnoringCase("a", "a "), 0);
-    EXPECT_NE(CompareIgnoringCase("ab", "a-b"), 0);
-    EXPECT_NE(CompareIgnoringCase("\xC3\x84", "A"), 0);
+    EXPECT_EQ(CompareTexts("Abc", "aBC"), 0);
+    EXPECT_EQ(CompareTexts("\xC3\x84", "\xC3\xA4"), 0);
+    EXPECT_NE(CompareTexts("a", "a "), 0);
+    EXPECT_NE(CompareTexts("ab", "a-b"), 0);
+    EXPECT_NE(CompareTexts("\xC3\x84", "A"), 0);
 }
 
 TEST(TextOrder, SortsAsTheDatabaseDoes) {
     std::vector<std::string> names = {"_x", "co-op", "Coop", "COP", "10", "9", "", "\xC3\xA4", "b"};
     std::sort(names.begin(), names.end(), [](const std::string& a, const std::string& b) {
-        return CompareIgnoringCase(a, b) < 0;
+        return CompareTexts(a, b) < 0;
     });
     const std::vector<std::string> expected = {"",  "_x",   "10",    "9",  "\xC3\xA4",
                                                "b", "Coop", "co-op", "COP"};

@@ -109,6 +109,12 @@ class FakeConnection : public Connection {
             visit(RowKey{key}, values);
         }
     }
+    Value Read(std::string_view, RowKey, std::string_view) override { return Null{}; }
+    std::int64_t NextNumber(std::string_view) const override { return 1; }
+    std::string FoldText(std::string_view text) const override { return LowerCase(text); }
+    int CompareTexts(std::string_view left, std::string_view right) const override {
+        return LowerCase(left).compare(LowerCase(right));
+    }
     AddedRow Insert(std::string_view table, std::span<const FieldValue>) override {
         database_.calls_.Note("Insert " + std::string(table));
         return {};

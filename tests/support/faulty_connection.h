@@ -47,6 +47,16 @@ class FaultyConnection : public Connection {
     std::unique_ptr<RecordSet> OpenTable(std::string_view table) override;
     void Scan(std::string_view table, std::span<const std::string_view> fields,
               const VisitRow& visit) override;
+    Value Read(std::string_view table, RowKey row, std::string_view field) override {
+        return real_->Read(table, row, field);
+    }
+    std::int64_t NextNumber(std::string_view table) const override {
+        return real_->NextNumber(table);
+    }
+    std::string FoldText(std::string_view text) const override { return real_->FoldText(text); }
+    int CompareTexts(std::string_view left, std::string_view right) const override {
+        return real_->CompareTexts(left, right);
+    }
     AddedRow Insert(std::string_view table, std::span<const FieldValue> fields) override;
     void Update(std::string_view table, RowKey row, std::span<const FieldValue> fields) override;
     void Delete(std::string_view table, RowKey row) override;

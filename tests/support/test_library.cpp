@@ -31,6 +31,7 @@ TestLibrary::TestLibrary() {
 }
 
 void TestLibrary::ReopenDatabase() {
+    run.ForgetTables();
     run.connection.reset();
     auto connection = std::make_unique<FaultyConnection>(OpenDatabase(DatabaseFile()));
     database_ = connection.get();
@@ -82,6 +83,7 @@ std::vector<std::string> TestLibrary::Tracks() {
 }
 
 std::string TestLibrary::DatabaseBytes() {
+    run.ForgetTables();
     run.connection.reset();
     std::ifstream file(DatabaseFile(), std::ios::binary);
     std::string bytes{std::istreambuf_iterator<char>(file), {}};
@@ -90,6 +92,7 @@ std::string TestLibrary::DatabaseBytes() {
 }
 
 std::string TestLibrary::Faults() {
+    run.ForgetTables();
     run.connection.reset();
     return StructuralFaults(DatabaseFile());
 }

@@ -32,7 +32,11 @@ class TestLibrary {
     void Reconcile();
 
     std::vector<std::string> Rows(std::string_view sql);
-    std::int64_t Execute(std::string_view sql) { return Database().Execute(sql); }
+    /// As another program would between two runs: the run reads its tables anew.
+    std::int64_t Execute(std::string_view sql) {
+        run.ForgetTables();
+        return Database().Execute(sql);
+    }
     FaultyConnection& Database() { return *database_; }
     std::filesystem::path DatabaseFile() const { return folder_.Path() / "jukebox.mdb"; }
 

@@ -1,0 +1,111 @@
+#include "library/download_table.h"
+
+#include <array>
+#include <variant>
+
+namespace quillon {
+namespace {
+
+constexpr std::string_view Table = "Spinner";
+
+bool IsTrue(const Value& value) {
+    if (const bool* const answer = std::get_if<bool>(&value)) return *answer;
+    return NumberOf(value).value_or(0) != 0;
+}
+
+void Take(SongRow& song, const FieldValue& field) {
+    if (field.name == "Artist") song.artist = RowText(field.value);
+    if (field.name == "Album") song.album = RowText(field.value);
+    if (field.name == "Song") song.song = RowText(field.value);
+    if (field.name == "Genre") song.genre = RowText(field.value);
+    if (field.name == "Exclude") song.isExcluded = IsTrue(field.value);
+}
+
+bool HasAllNames(const SongRow& song) {
+    return !song.artist.IsNull() && !song.album.IsNull() && !song.song.IsNull();
+}
+
+}  // namespace
+
+DownloadTable::DownloadTable(Connection& connection) : connection_(connection), rules_(connection) {
+    constexpr std::array<std::string_view, 6> Fields{"ID",   "Artist", "Album",
+                                                     "Song", "Genre",  "Exclude"};
+    connection_.Scan(Table, Fields, [this](RowKey key, std::span<const Value> row) {
+        songs_.push_back({.key = key,
+                          .id = SongId{NumberOf(row[0]).value_or(0)},
+                          .artist = RowText(row[1]),
+                          .album = RowText(row[2]),
+                          .song = RowText(row[3]),
+                          .genre = RowText(row[4]),
+                          .isExcluded = IsTrue(row[5])});
+        List(static_cast<std::uint32_t>(songs_.size() - 1));
+    });
+}
+
+std::uint32_t DownloadTable::HashOfNames(std::string_view artist, std::string_view album,
+                                         std::string_view song) const {
+    return rules_.Hash(song, rules_.Hash(album, rules_.Hash(artist)));
+}
+
+/// Of songs with the same names, and of an artist's songs, the first one is all that is looked for.
+void DownloadTable::List(std::uint32_t place) {
+    const SongRow& song = songs_[place];
+    if (song.artist.IsNull()) return;
+    if (FirstOf(song.artist) == nullptr) firstByArtist_.Add(rules_.Hash(song.artist), place);
+    if (HasAllNames(song) && Find(song.artist, song.album, song.song) == nullptr)
+        byNames_.Add(HashOfNames(song.artist, song.album, song.song), place);
+}
+
+const SongRow* DownloadTable::Find(std::string_view artist, std::string_view album,
+                                   std::string_view song) const {
+    const SongRow* found = nullptr;
+    byNames_.ForEach(HashOfNames(artist, album, song), [&](RowIndex::Row row) {
+        const SongRow& known = songs_[row];
+        if (rules_.AreEqual(known.song, song) && rules_.AreEqual(known.album, album) &&
+            rules_.AreEqual(known.artist, artist))
+            found = &known;
+    });
+    return found;
+}
+
+const SongRow* DownloadTable::FirstOf(std::string_view artist) const {
+    const SongRow* found = nullptr;
+    firstByArtist_.ForEach(rules_.Hash(artist), [&](RowIndex::Row row) {
+        if (rules_.AreEqual(songs_[row].artist, artist)) found = &songs_[row];
+    });
+    return found;
+}
+
+Value DownloadTable::Read(const SongRow& song, std::string_view field) const {
+    return connection_.Read(Table, song.key, field);
+}
+
+SongId DownloadTable::NextId() const {
+    return SongId{connection_.NextNumber(Table)};
+}
+
+SongRow& DownloadTable::Add(std::span<const FieldValue> fields) {
+    const AddedRow added = connection_.Insert(Table, fields);
+    SongRow& song = songs_.emplace_back();
+    song.key = added.key;
+    song.id = SongId{added.number};
+    for (const FieldValue& field : fields)
+        Take(song, field);
+    List(static_cast<std::uint32_t>(songs_.size() - 1));
+    return song;
+}
+
+void DownloadTable::SetLink(SongRow& song, const std::string& fileName) {
+    Change(song, {"FileName", fileName});
+}
+
+void DownloadTable::SetGenre(SongRow& song, const std::string& genre) {
+    Change(song, {"Genre", genre});
+}
+
+void DownloadTable::Change(SongRow& song, const FieldValue& field) {
+    connection_.Update(Table, song.key, std::span(&field, 1));
+    Take(song, field);
+}
+
+}  // namespace quillon
