@@ -1,5 +1,6 @@
 #include "download/populate_spinner_tracks.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <string>
@@ -28,6 +29,14 @@ struct Song {
         return {{{"Artist", album.artist}, {"Album", album.title}, {"Song", track.title}}};
     }
 };
+
+/// Whether all names are there and can be looked up.
+bool IsNamed(const Song& song) {
+    const auto isFit = [](const auto& field) {
+        return !field.second.IsNull() && field.second.Text().find('"') == std::string::npos;
+    };
+    return std::ranges::all_of(song.Names(), isFit);
+}
 
 /// A name that is missing leaves a comparison with nothing, which is no criterion; that is told
 /// here, where the song can be named. Such a song must not be added: it would never be found again
@@ -136,14 +145,11 @@ void PopulateSpinnerTracks(Run& run) {
             for (const TrackRow* const track : library.TracksOf(album.cdjid)) {
                 const Song song{album, *track};
                 run.ProcessEvents();
-                bool known = false;
-                const auto look = [&] {
-                    RequireNames(song);
-                    known = additions.HasAlready(song);
-                };
-                steps.Concerning(NameOf(song));
-                if (steps.Try(2, look) && !known) steps.Try(4, [&] { additions.Add(song); });
                 run.CountDone();
+                if (IsNamed(song) && additions.HasAlready(song)) continue;
+                steps.Concerning(NameOf(song));
+                if (steps.Try(2, [&] { RequireNames(song); }))
+                    steps.Try(4, [&] { additions.Add(song); });
             }
         }
     });

@@ -13,11 +13,11 @@ bool IsTrue(const Value& value) {
     return NumberOf(value).value_or(0) != 0;
 }
 
-void Take(SongRow& song, const FieldValue& field) {
-    if (field.name == "Artist") song.artist = RowText(field.value);
-    if (field.name == "Album") song.album = RowText(field.value);
+void Take(SongRow& song, const FieldValue& field, SharedTexts& texts) {
+    if (field.name == "Artist") song.artist = texts.Keep(field.value);
+    if (field.name == "Album") song.album = texts.Keep(field.value);
+    if (field.name == "Genre") song.genre = texts.Keep(field.value);
     if (field.name == "Song") song.song = RowText(field.value);
-    if (field.name == "Genre") song.genre = RowText(field.value);
     if (field.name == "Exclude") song.isExcluded = IsTrue(field.value);
 }
 
@@ -33,10 +33,10 @@ DownloadTable::DownloadTable(Connection& connection) : connection_(connection), 
     connection_.Scan(Table, Fields, [this](RowKey key, std::span<const Value> row) {
         songs_.push_back({.key = key,
                           .id = SongId{NumberOf(row[0]).value_or(0)},
-                          .artist = RowText(row[1]),
-                          .album = RowText(row[2]),
+                          .artist = texts_.Keep(row[1]),
+                          .album = texts_.Keep(row[2]),
+                          .genre = texts_.Keep(row[4]),
                           .song = RowText(row[3]),
-                          .genre = RowText(row[4]),
                           .isExcluded = IsTrue(row[5])});
         List(static_cast<std::uint32_t>(songs_.size() - 1));
     });
@@ -90,7 +90,7 @@ SongRow& DownloadTable::Add(std::span<const FieldValue> fields) {
     song.key = added.key;
     song.id = SongId{added.number};
     for (const FieldValue& field : fields)
-        Take(song, field);
+        Take(song, field, texts_);
     List(static_cast<std::uint32_t>(songs_.size() - 1));
     return song;
 }
@@ -105,7 +105,7 @@ void DownloadTable::SetGenre(SongRow& song, const std::string& genre) {
 
 void DownloadTable::Change(SongRow& song, const FieldValue& field) {
     connection_.Update(Table, song.key, std::span(&field, 1));
-    Take(song, field);
+    Take(song, field, texts_);
 }
 
 }  // namespace quillon

@@ -50,6 +50,7 @@ class DownloadTable {
 
     Connection& connection_;
     TextRules rules_;
+    SharedTexts texts_;
     std::deque<SongRow> songs_;
     RowIndex byNames_, firstByArtist_;
 };

@@ -56,13 +56,13 @@ void Take(AlbumRow& album, const FieldValue& field) {
     if (field.name == "Player") album.isOwn = NumberOf(field.value) == OwnPlayer;
 }
 
-void Take(TrackRow& track, const FieldValue& field) {
+void Take(TrackRow& track, const FieldValue& field, SharedTexts& texts) {
     if (field.name == "CDJID") {
         if (track.cdjidBefore.IsNull()) track.cdjidBefore = track.cdjid;
-        track.cdjid = RowText(field.value);
+        track.cdjid = texts.Keep(field.value);
     }
     if (field.name == "Title") track.title = RowText(field.value);
-    if (field.name == "Artist") track.artist = RowText(field.value);
+    if (field.name == "Artist") track.artist = texts.Keep(field.value);
     if (field.name == "SoundFile") track.soundFile = RowText(field.value);
     if (field.name == "Track") track.number = MarkableNumber::OfNewRow(NumberOf(field.value));
     if (field.name == "Minutes") track.minutes = NumberOf(field.value);
@@ -119,10 +119,10 @@ Library::Library(Connection& connection) : connection_(connection), rules_(conne
             TrackRow{.place = static_cast<std::uint32_t>(tracks_.size()),
                      .key = key,
                      .id = TrackId{NumberOf(row[0]).value_or(0)},
-                     .cdjid = RowText(row[1]),
                      .title = RowText(row[3]),
-                     .artist = RowText(row[4]),
                      .soundFile = RowText(row[5]),
+                     .cdjid = texts_.Keep(row[1]),
+                     .artist = texts_.Keep(row[4]),
                      .number = MarkableNumber(NumberOf(row[2])),
                      .minutes = NumberOf(row[6]),
                      .seconds = NumberOf(row[7]),
@@ -249,7 +249,7 @@ TrackRow& Library::AddTrack(std::span<const FieldValue> fields) {
     track.id = TrackId{added.number};
     track.isNew = true;
     for (const FieldValue& field : fields)
-        Take(track, field);
+        Take(track, field, texts_);
     track.isOwn = AlbumOf(track) != nullptr;
     List(track);
     return track;
@@ -265,7 +265,7 @@ void Library::Change(AlbumRow& album, std::span<const FieldValue> fields) {
 void Library::Change(TrackRow& track, std::span<const FieldValue> fields) {
     connection_.Update(TrackTable, track.key, fields);
     for (const FieldValue& field : fields)
-        Take(track, field);
+        Take(track, field, texts_);
     track.isOwn = AlbumOf(track) != nullptr;
     List(track);
 }

@@ -74,6 +74,7 @@ class Library {
 
     Connection& connection_;
     TextRules rules_;
+    SharedTexts texts_;
     std::deque<AlbumRow> albums_;
     std::deque<TrackRow> tracks_;
     RowIndex albumsByName_, albumsByCdjid_, tracksByFile_, tracksByCdjid_, tracksById_;

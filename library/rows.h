@@ -2,11 +2,9 @@
 
 #include <cstdint>
 #include <optional>
-#include <string>
-#include <string_view>
-#include <utility>
-#include <variant>
 
+#include "library/row_text.h"
+#include "library/shared_texts.h"
 #include "platform/database.h"
 
 namespace quillon {
@@ -15,28 +13,6 @@ namespace quillon {
 enum class AlbumId : std::int64_t {};
 enum class TrackId : std::int64_t {};
 enum class SongId : std::int64_t {};
-
-/// A text of a row. Null reads as the empty text, and is not the same.
-class RowText {
-  public:
-    RowText() = default;
-    /// Null unless the value is a text.
-    explicit RowText(const Value& value) {
-        if (const auto* const text = std::get_if<std::string>(&value)) *this = RowText(*text);
-    }
-    explicit RowText(std::string text) : text_(std::move(text)), isNull_(false) {}
-
-    bool IsNull() const { return isNull_; }
-    bool IsEmpty() const { return text_.empty(); }
-    const std::string& Text() const { return text_; }
-    operator const std::string&() const { return text_; }       // NOLINT: reads as a text
-    operator std::string_view() const { return text_; }         // NOLINT: likewise
-    friend bool operator==(const RowText& row, std::string_view text) { return row.text_ == text; }
-
-  private:
-    std::string text_;
-    bool isNull_ = true;
-};
 
 /// A count or number as a row holds it; nothing stands for Null.
 using RowNumber = std::optional<std::int32_t>;
@@ -100,8 +76,9 @@ struct TrackRow {
     std::uint32_t place = 0;  ///< among the rows in memory
     RowKey key{};
     TrackId id{};
-    RowText cdjid, title, artist, soundFile;
-    RowText cdjidBefore = {};  ///< of the album that it was in when the run began; Null: the same
+    RowText title, soundFile;
+    SharedText cdjid, artist;
+    SharedText cdjidBefore = {};  ///< of the album that it was in when the run began; Null: this
     MarkableNumber number;  ///< `Track`
     RowNumber tagNumber = {};  ///< what the comparison of tags has found for it
     RowNumber minutes, seconds;
@@ -114,7 +91,8 @@ struct TrackRow {
 struct SongRow {
     RowKey key{};
     SongId id{};
-    RowText artist, album, song, genre;
+    SharedText artist, album, genre;
+    RowText song;
     bool isExcluded = false;
 };
 

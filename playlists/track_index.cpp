@@ -67,6 +67,11 @@ bool TrackIndex::HasAlbum(std::string_view cdjid) const {
     return isThere;
 }
 
+const TrackRow* TrackIndex::FindId(std::int32_t id) const {
+    const TrackRow* const track = library_.FindTrack(TrackId{id});
+    return track != nullptr && IsListed(*track) ? track : nullptr;
+}
+
 const TrackRow* TrackIndex::FindPlace(std::string_view cdjid, std::int32_t number) const {
     const TextRules& rules = library_.Rules();
     const TrackRow* found = nullptr;

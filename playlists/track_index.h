@@ -42,7 +42,7 @@ class TrackIndex {
     /// The first track of the album with this number; null when there is none.
     const TrackRow* FindPlace(std::string_view cdjid, std::int32_t number) const;
     /// Null when no track has this `ID`.
-    const TrackRow* FindId(std::int32_t id) const { return library_.FindTrack(TrackId{id}); }
+    const TrackRow* FindId(std::int32_t id) const;
 
     /// Calls visit(track) for the first track at each place.
     template <typename Visit>

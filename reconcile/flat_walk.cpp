@@ -40,8 +40,10 @@ class FlatWalk {
         for (const std::string& root : unlistedRoots)
             walk_.unlisted.push_back({root, "", ""});
         HideAlbumsBelow(walk_, unlistedRoots);
-        for (const Group& group : Counted(run_, groups_))
+        for (const Group& group : Counted(run_, groups_)) {
             RefreshAlbum(group);
+            SaveNowAndThen(walk_);
+        }
     }
 
   private:

@@ -11,6 +11,7 @@ namespace quillon {
 
 Walk::Walk(Run& theRun) : run(theRun), library(theRun.TheLibrary()), sequence(theRun) {
     library.MarkAll();
+    savedAt = run.clock.Now();
     std::unordered_set<std::string> seen;
     for (const FolderEntry& folder : run.LibraryFolders) {
         if (seen.insert(UpperCase(folder.path)).second) roots.push_back({folder.path});

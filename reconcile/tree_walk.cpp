@@ -54,6 +54,7 @@ class TreeWalk {
                 const auto artist = artists_.find(UpperCase(name));
                 if (artist == artists_.end()) continue;
                 RefreshArtist(artist->first, artist->second);
+                SaveNowAndThen(walk_);
                 artists_.erase(artist);
             }
         }

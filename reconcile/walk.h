@@ -35,6 +35,8 @@ struct Walk {
     /// Numbers handed out now would be those of the missing songs.
     std::unordered_set<std::string> hidden;
 
+    DateTime savedAt;  ///< when counts and numbers were written last
+
     /// How many albums and tracks count as changed for nothing but their count or number, which
     /// return to what they were when nothing is swept in the end.
     std::size_t recounted = 0, renumbered = 0;

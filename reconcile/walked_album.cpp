@@ -8,6 +8,7 @@
 #include "reconcile/album.h"
 #include "reconcile/tracks.h"
 #include "run/sound_files.h"
+#include "run/steps.h"
 
 namespace quillon {
 namespace {
@@ -35,6 +36,14 @@ void ProcessAlbum(Walk& walk, Album album, FileList files) {
         if (std::none_of(files.begin(), files.end(), HoldsQuote)) return;
     }
     ProcessTracks(walk, album, files);
+}
+
+void SaveNowAndThen(Walk& walk) {
+    constexpr double Pause = 5.0 / (24 * 60 * 60);
+    const DateTime now = walk.run.clock.Now();
+    if (now.days < walk.savedAt.days + Pause) return;
+    walk.savedAt = now;
+    Steps(walk.run, "RefreshDatabase").Try(3, [&walk] { walk.library.Save(); });
 }
 
 bool HideAlbumsOf(Walk& walk, const std::vector<std::string>& unseen) {

@@ -158,7 +158,7 @@ void FolderLister::NoteUnseen(int error, const std::string& path) {
 /// The database and every path in it take names that differ in letter case alone for one.
 void FolderLister::LeaveOutTwins(const WindowsPath& shown, std::vector<FileEntry>& files) {
     const auto isTwin = [&](const FileEntry& left, const FileEntry& right) {
-        if (UpperCase(left.name) != UpperCase(right.name)) return false;
+        if (!EqualIgnoringCase(left.name, right.name)) return false;
         LeaveOut("its name differs in letter case alone from that of another file", shown,
                  right.name);
         return true;

@@ -11,15 +11,30 @@ std::int64_t FloorDivide(std::int64_t value, std::int64_t by) {
     return value / by - (value % by < 0 ? 1 : 0);
 }
 
+/// Seconds by which local time is ahead.
+std::int64_t AskSystem(std::time_t moment) {
+    std::tm local{};
+    return localtime_r(&moment, &local) == nullptr ? 0 : local.tm_gmtoff;
+}
+
 }  // namespace
 
-DateTime LocalTime::Of(std::time_t moment) {
-    const auto [offset, isNew] = offsets_.try_emplace(FloorDivide(moment, QuarterHour));
-    if (isNew) {
-        std::tm local{};
-        if (localtime_r(&moment, &local) != nullptr) offset->second = local.tm_gmtoff;
+std::int64_t LocalTime::OffsetAt(std::int64_t moment) {
+    const std::int64_t day = FloorDivide(moment, SecondsADay);
+    const auto [ofDay, isNewDay] = ofDays_.try_emplace(day);
+    if (isNewDay) {
+        const std::int64_t begin = AskSystem(day * SecondsADay);
+        if (begin == AskSystem((day + 1) * SecondsADay)) ofDay->second = begin;
     }
-    const std::int64_t seconds = moment + offset->second;
+    if (ofDay->second) return *ofDay->second;
+    const std::int64_t quarter = FloorDivide(moment, QuarterHour);
+    const auto [ofQuarter, isNew] = ofQuarterHours_.try_emplace(quarter);
+    if (isNew) ofQuarter->second = AskSystem(moment);
+    return ofQuarter->second;
+}
+
+DateTime LocalTime::Of(std::time_t moment) {
+    const std::int64_t seconds = moment + OffsetAt(moment);
     const std::int64_t day = FloorDivide(seconds, SecondsADay);
     const double fraction =
         static_cast<double>(seconds - day * SecondsADay) / static_cast<double>(SecondsADay);

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <ctime>
+#include <optional>
 #include <unordered_map>
 
 #include "platform/date_time.h"
@@ -14,9 +15,12 @@ class LocalTime {
     DateTime Of(std::time_t moment);
 
   private:
-    // Time zones change their offset at full quarters of an hour; asking the system for each file
-    // would cost more than listing it.
-    std::unordered_map<std::int64_t, std::int64_t> offsets_;
+    std::int64_t OffsetAt(std::int64_t moment);
+
+    // Asking the system for each file would cost more than listing it. Most days have one offset;
+    // on the others it changes at a full quarter of an hour.
+    std::unordered_map<std::int64_t, std::optional<std::int64_t>> ofDays_;
+    std::unordered_map<std::int64_t, std::int64_t> ofQuarterHours_;
 };
 
 }  // namespace quillon

@@ -2,12 +2,10 @@
 
 #include <ctime>
 
-#include "platform/portable/local_time.h"
-
 namespace quillon {
 
 DateTime SystemClock::Now() const {
-    return LocalTime{}.Of(std::time(nullptr));
+    return localTime_.Of(std::time(nullptr));
 }
 
 std::uint32_t SystemClock::Nanoseconds() const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/clock.h"
+#include "platform/portable/local_time.h"
 
 namespace quillon {
 
@@ -9,6 +10,9 @@ class SystemClock : public Clock {
   public:
     DateTime Now() const override;
     std::uint32_t Nanoseconds() const override;
+
+  private:
+    mutable LocalTime localTime_;
 };
 
 }  // namespace quillon

@@ -35,6 +35,19 @@ def changes_below(calls, place):
     return [str(call) for call in calls if call.kind == "changing" and call.path.startswith(place)]
 
 
+def songs(calls):
+    """What was done to songs of the library."""
+    return [call for call in calls
+            if call.path.startswith("disk/") and call.path.lower().endswith(".mp3")]
+
+
+def most_listed(calls):
+    """How often that folder was listed that was listed most, of those below the library's root."""
+    listings = Counter(call.path for call in calls if call.name == "closedir")
+    return max((times for path, times in listings.items()
+                if path.startswith("disk/Music/")), default=0)
+
+
 def a_folder_is_copied_with_one_flush(workshop, counts):
     baseline = workshop.baseline("pla-to-m3u")
     lists = len(list((baseline.library.host / "M3u").iterdir()))
@@ -60,6 +73,19 @@ def a_library_that_has_not_changed_is_not_written_to(workshop, counts):
     counts.expect("changes of music", [], changes_below(calls, "disk/"))
     syncs = sum(syncs_by_place(calls).values())
     counts.expect(f"{syncs} flushes are few", True, 0 < syncs <= MOST_SYNCS)
+    counts.expect("songs opened", [], [str(call) for call in songs(calls)
+                                       if call.name.startswith("open")])
+    counts.expect("listings of an artist's or album's folder", 1, most_listed(calls))
+
+
+def new_music_is_read_once(workshop, counts):
+    calls = workshop.baseline("reconcile").calls
+    opened = Counter(call.path for call in songs(calls) if call.name.startswith("open"))
+    read = Counter(call.path for call in songs(calls) if "read" in call.name)
+    counts.expect("new songs are there", True, len(opened) > 0)
+    counts.expect("most openings of a new song", 1, max(opened.values(), default=0))
+    counts.expect("most readings of a new song", 1, max(read.values(), default=0))
+    counts.expect("listings of an artist's or album's folder", 1, most_listed(calls))
 
 
 def main():
@@ -70,6 +96,7 @@ def main():
         workshop = Workshop(program, library, folder)
         a_folder_is_copied_with_one_flush(workshop, counts)
         a_library_that_has_not_changed_is_not_written_to(workshop, counts)
+        new_music_is_read_once(workshop, counts)
     finally:
         shutil.rmtree(folder)
     print(f"{counts.failed} counts are other than they should be")

@@ -15,6 +15,8 @@ using ::testing::UnorderedElementsAre;
 
 class PopulateGenreTest : public ::testing::Test {
   protected:
+    PopulateGenreTest() { library.run.settings.ID3Reconcile = true; }
+
     void AddRow(const std::string& song, const std::string& genre, const std::string& fileName) {
         library.Execute(
             "INSERT INTO Spinner (Artist, Album, Song, Genre, FileName) VALUES ('A', "
@@ -96,8 +98,17 @@ TEST_F(PopulateGenreTest, GoesOnBehindARowThatCannotBeStored) {
     EXPECT_THAT(Genres(), ElementsAre("Null", "Rock"));
 }
 
+TEST_F(PopulateGenreTest, KeepsNoDictionaryThatNoComparisonOfTagsAsks) {
+    library.run.settings.ID3Reconcile = false;
+    AddRow("One", "'Folk'", "'x'");
+    AddRow("Two", "Null", "'000-Rock-000.rm'");
+    PopulateGenre(library.run);
+    EXPECT_THAT(library.run.GenreDictionary, IsEmpty());
+    EXPECT_THAT(Genres(), ElementsAre("Folk", "Rock"));
+}
+
 TEST_F(PopulateGenreTest, LogsATableThatCannotBeOpened) {
-    library.Database().Refuse("OpenTable Spinner");
+    library.Database().Refuse("Scan Spinner");
     PopulateGenre(library.run);
     EXPECT_THAT(library.host.log, ElementsAre("Quillon: PopulateGenre: Line 0 refused"));
 }

@@ -67,7 +67,7 @@ TEST_F(GetID3InfoTest, PrefersTheLengthOfTheTrackToThatOfTheDownload) {
     EXPECT_EQ(Build().record, "TAG|Dawn|Alder|First Light||Length='200'|||Rock");
     AddTrack(4, 3, 5);
     EXPECT_EQ(Build().record, "TAG|Dawn|Alder|First Light||Length='185'||4|Rock");
-    EXPECT_EQ(library.Database().Count("SELECT Length"), 1U);
+    EXPECT_EQ(library.Database().Count("Read Spinner"), 1U);
 }
 
 TEST_F(GetID3InfoTest, TakesLengthsAbove32767Seconds) {
@@ -173,8 +173,8 @@ TEST_F(GetID3InfoTest, KeepsATextInOtherLettersThanTheCodePageHas) {
 
 TEST_F(GetID3InfoTest, LogsEachLookUpThatFailsAndGoesOn) {
     present[TagYear] = "1999";
-    library.Database().Refuse("FROM Albums INNER JOIN Tracks");
-    library.Database().Refuse("FROM Spinner");
+    library.Database().Refuse("Scan Tracks");
+    library.Database().Refuse("Scan Spinner");
     EXPECT_EQ(Build().record, "TAG|Dawn|Alder|First Light|1999||||");
     const std::string end = " refused (" + std::string(Path) + ")";
     EXPECT_THAT(library.host.log, ElementsAre("Quillon: GetID3Info Management Line 1" + end,

@@ -78,7 +78,7 @@ TEST_F(TrackInfoTest, IsEmptyForAFileWithoutRow) {
 }
 
 TEST_F(TrackInfoTest, LogsAFailureWithTheFile) {
-    library.Database().Refuse("SELECT Tracks.ID");
+    library.Database().Refuse("Scan Tracks");
     EXPECT_EQ(InfoOf(First), "|");
     EXPECT_THAT(library.host.log,
                 ElementsAre("Quillon: Get ID3 Track Info Error: Line 1 refused (" +
@@ -98,7 +98,7 @@ TEST_F(TrackInfoTest, GenreIsThatOfTheFirstRowOfTheSong) {
 }
 
 TEST_F(TrackInfoTest, LogsAFailureToFindAGenre) {
-    library.Database().Refuse("FROM Spinner");
+    library.Database().Refuse("Scan Spinner");
     EXPECT_EQ(GetID3Genre(library.run, "Alder", "First Light", "Dawn"), "");
     EXPECT_THAT(library.host.log,
                 ElementsAre("Quillon: Get ID3 Genre Error: Line 1 refused (Alder\\First "

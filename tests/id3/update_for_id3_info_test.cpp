@@ -14,8 +14,7 @@ class UpdateForID3InfoTest : public VerifyTest {
     UpdateForID3InfoTest() { AddRow("Alder - Dawn.mp3", "Dawn"); }
 
     void Update() {
-        const auto tracks = library.run.connection->OpenTable("Tracks");
-        UpdateForID3Info(library.run, *tracks, file);
+        UpdateForID3Info(library.run, file);
         TakeNumbers();
     }
 

@@ -45,10 +45,10 @@ class VerifyTest : public ::testing::Test {
     void Verify() { VerifyID3Tags(library.run); }
     /// Gives the rows the numbers of their tags, as the folder walk does.
     void TakeNumbers() {
-        for (const auto& [id, number] : library.run.numbersOfTags) {
-            library.Execute("UPDATE Tracks SET Track=" + std::to_string(number) +
-                            " WHERE ID=" + std::to_string(id));
+        for (TrackRow& track : library.run.TheLibrary().Tracks()) {
+            if (track.tagNumber) track.number.Set(track.tagNumber);
         }
+        library.run.TheLibrary().Save();
     }
     /// The log without what tells of renames and removals.
     std::vector<std::string> Trouble() const {

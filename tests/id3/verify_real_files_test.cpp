@@ -136,7 +136,7 @@ TEST_F(VerifyRealFilesTest, InAFolderThatMayNotBeWrittenKeepTheirNamesAndRows) {
 TEST_F(VerifyRealFilesTest, OfWhichOneShrinksAfterItWasReadGoOn) {
     AddFile("1.mp3", "Dusk");
     AddFile("2.mp3", "Noon");
-    library.Database().BeforeStatement("SELECT Tracks.ID, Tracks.SoundFile", [this] {
+    library.Database().BeforeStatement("Flush", [this] {
         fs::resize_file(library.Music("Alder/First Light/2.mp3"), 5);
     });
     Reconcile();

@@ -33,7 +33,7 @@ class LibraryTest : public ::testing::Test {
     static std::vector<std::string> Files(Library& library) {
         std::vector<std::string> files;
         for (const TrackRow& track : library.Tracks()) {
-            if (!track.isGone) files.push_back(track.soundFile);
+            if (track.isOwn && !track.isGone) files.push_back(track.soundFile);
         }
         return files;
     }
@@ -45,10 +45,11 @@ class LibraryTest : public ::testing::Test {
     support::TestLibrary shelf;
 };
 
-TEST_F(LibraryTest, HoldsTheToolsOwnAlbumsAndTheirTracks) {
+TEST_F(LibraryTest, TellsTheToolsOwnAlbumsAndTheirTracksFromOthers) {
     Library library(Database());
-    ASSERT_EQ(library.Albums().size(), 2U);
+    ASSERT_EQ(library.Albums().size(), 3U);
     EXPECT_EQ(library.Albums()[1].artist, "Brook");
+    EXPECT_FALSE(library.Albums()[2].isOwn);
     EXPECT_THAT(Files(library), ElementsAre(R"(D:\Music\Alder\First Light\Dawn.mp3)",
                                             R"(D:\Music\Alder\First Light\Noon.mp3)",
                                             R"(D:\Music\Brook\Stones\Dawn.mp3)"));
@@ -65,7 +66,7 @@ TEST_F(LibraryTest, FindsRowsWithoutLetterCaseAndWhateverStandsBeforeTheDrive) {
     EXPECT_EQ(library.FindTrack(R"(D:\Music\Alder\First Light\oon.mp3)"), nullptr);
     EXPECT_EQ(library.FindTrack(R"(E:\Alder\First Light\Noon.mp3)"), nullptr);
     EXPECT_EQ(library.AlbumOf(*library.FindTrack(TrackId{3}))->title, "Stones");
-    EXPECT_EQ(library.FindTrack(TrackId{4}), nullptr) << "a disc's";
+    EXPECT_EQ(library.FindTrack(R"(D:\Disc\Dawn.mp3)"), nullptr) << "a disc's";
     EXPECT_EQ(library.TracksOf("a0").size(), 2U);
 }
 
@@ -141,7 +142,7 @@ TEST_F(LibraryTest, KeepsARowAsItIsWhereAChangeIsRefused) {
     EXPECT_EQ(track.title, "Noon");
     EXPECT_THAT(shelf.Rows("SELECT Title FROM Tracks WHERE ID=2"), ElementsAre("Noon"));
     EXPECT_THROW(library.AddTrack(fields), Failure);
-    EXPECT_EQ(library.Tracks().size(), 3U);
+    EXPECT_EQ(library.Tracks().size(), 5U);
 }
 
 }  // namespace

@@ -138,7 +138,7 @@ TEST_F(CaptureTest, KnowsAGeneratedFileWhateverTheSpellingOfItsFolder) {
 TEST_F(CaptureTest, CapturesGeneratedFilesLikeOthersWhereTheirRowsCannotBeRead) {
     AddPlaylistRow("Genre", "True, False");
     run().settings.GenrePlaylist = true;
-    library.Database().Refuse("FROM Playlists");
+    library.Database().Refuse("Scan Playlists");
     CapturePlaylists(run());
     EXPECT_THAT(Captured(), ElementsAre("Genre.pla A0 0 1"));
     EXPECT_THAT(library.host.log, ElementsAre("Quillon: Capture Playlists Error: Line 1 refused"));
@@ -201,10 +201,12 @@ TEST_F(CaptureTest, LeavesTheDatabaseAloneWhereItLiesAmongThePlaylists) {
 /// What a phase costs grows with the entries, not with entries times tracks.
 TEST_F(CaptureTest, AsksTheDatabaseNothingForAnEntry) {
     AddList("Mine.pla", {"A0 0"});
+    run().ForgetTables();
     library.Database().ForgetStatements();
     CapturePlaylists(run());
     const std::size_t few = library.Database().Count("");
     AddList("Mine.pla", std::vector<std::string>(1000, "A0 0"));
+    run().ForgetTables();
     library.Database().ForgetStatements();
     CapturePlaylists(run());
     EXPECT_EQ(library.Database().Count(""), few);

@@ -9,15 +9,15 @@ namespace {
 using TrackIndexTest = PlaylistTest;
 
 TEST_F(TrackIndexTest, FindsTracksByPlaceAndByKey) {
-    const TrackIndex tracks(*run().connection);
+    const TrackIndex tracks(run().TheLibrary());
     ASSERT_NE(tracks.FindPlace("B0", 2), nullptr);
-    EXPECT_EQ(tracks.FindPlace("B0", 2)->id, 5);
-    EXPECT_EQ(tracks.FindPlace("B0", 2)->traits.soundFile, Fingerprint(R"(\Music\B0\Five.mp3)"));
+    EXPECT_EQ(IdOf(*tracks.FindPlace("B0", 2)), 5);
+    EXPECT_EQ(TraitsOf(*tracks.FindPlace("B0", 2)).soundFile, Fingerprint(R"(\Music\B0\Five.mp3)"));
     EXPECT_EQ(tracks.FindPlace("B0", 4), nullptr);
     EXPECT_EQ(tracks.FindPlace("C0", 1), nullptr);
     ASSERT_NE(tracks.FindId(6), nullptr);
-    EXPECT_EQ(tracks.FindId(6)->number, 3);
-    EXPECT_EQ(tracks.Cdjid(*tracks.FindId(6)), "B0");
+    EXPECT_EQ(PlaceOf(*tracks.FindId(6)), 3);
+    EXPECT_EQ(tracks.FindId(6)->cdjid, "B0");
     EXPECT_EQ(tracks.FindId(7), nullptr);
     EXPECT_TRUE(tracks.HasAlbum("A0"));
     EXPECT_FALSE(tracks.HasAlbum("A"));
@@ -26,9 +26,9 @@ TEST_F(TrackIndexTest, FindsTracksByPlaceAndByKey) {
 
 TEST_F(TrackIndexTest, KnowsARowAgainByItsFileOrItsOrigin) {
     library.Execute("UPDATE Tracks SET DateAdded=#1/2/2026# WHERE ID=5");
-    const SongTraits before = TrackIndex(*run().connection).FindId(5)->traits;
+    const SongTraits before = TraitsOf(*TrackIndex(run().TheLibrary()).FindId(5));
     const auto fitsNow = [&] {
-        return TrackIndex(*run().connection).FindId(5)->traits.Fit(before);
+        return TraitsOf(*TrackIndex(run().TheLibrary()).FindId(5)).Fit(before);
     };
     library.Execute(R"(UPDATE Tracks SET SoundFile='\\server\share\Music\B0\Five.mp3' WHERE ID=5)");
     EXPECT_TRUE(fitsNow()) << "another drive";
@@ -42,36 +42,38 @@ TEST_F(TrackIndexTest, KnowsARowAgainByItsFileOrItsOrigin) {
 }
 
 TEST_F(TrackIndexTest, ComparesWithoutLetterCase) {
-    EXPECT_EQ(TrackIndex(*run().connection).FindPlace("b0", 2)->id, 5);
+    EXPECT_EQ(IdOf(*TrackIndex(run().TheLibrary()).FindPlace("b0", 2)), 5);
 }
 
 TEST_F(TrackIndexTest, GivesAPlaceThatIsTakenTwiceToTheFirstRow) {
     library.AddTrackRow("B0", 2, TestFile("B0", "Other"), "Other");
-    EXPECT_EQ(TrackIndex(*run().connection).FindPlace("B0", 2)->id, 5);
+    EXPECT_EQ(IdOf(*TrackIndex(run().TheLibrary()).FindPlace("B0", 2)), 5);
 }
 
 TEST_F(TrackIndexTest, LeavesOutRowsOfNoAlbumAndKnowsThoseWithoutNumber) {
     library.Execute("INSERT INTO Tracks (Title, Track) VALUES ('Homeless', 1)");
     library.Execute("INSERT INTO Tracks (Title, CDJID) VALUES ('Uncounted', 'B0')");
-    const TrackIndex tracks(*run().connection);
+    const TrackIndex tracks(run().TheLibrary());
     EXPECT_EQ(tracks.FindId(7), nullptr);
     ASSERT_NE(tracks.FindId(8), nullptr);
-    EXPECT_EQ(tracks.FindId(8)->number, 0);
+    EXPECT_EQ(PlaceOf(*tracks.FindId(8)), 0);
 }
 
 TEST_F(TrackIndexTest, IsEmptyWhereThereAreNoTracks) {
-    EXPECT_FALSE(TrackIndex(*run().connection).IsEmpty());
+    EXPECT_FALSE(TrackIndex(run().TheLibrary()).IsEmpty());
     library.Execute("DELETE * FROM Tracks");
-    EXPECT_TRUE(TrackIndex(*run().connection).IsEmpty());
+    EXPECT_TRUE(TrackIndex(run().TheLibrary()).IsEmpty());
 }
 
 /// The look-ups of a phase must not ask the database at all.
 TEST_F(TrackIndexTest, AsksTheDatabaseOnce) {
     library.Database().ForgetStatements();
-    const TrackIndex tracks(*run().connection);
+    const TrackIndex tracks(run().TheLibrary());
     for (int i = 0; i < 100; ++i)
         tracks.FindPlace("B0", i);
-    EXPECT_EQ(library.Database().Count(""), 1U);
+    EXPECT_EQ(library.Database().Count("Scan Albums"), 1U);
+    EXPECT_EQ(library.Database().Count("Scan Tracks"), 1U);
+    EXPECT_EQ(library.Database().Count(""), 2U);
 }
 
 }  // namespace

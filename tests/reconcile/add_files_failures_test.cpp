@@ -248,7 +248,7 @@ TEST_F(AddingFailsTest, ForAnAlbumThatHoldsAllTheFilesItsCountCanTell) {
 
 TEST_F(AddingFailsTest, ForAnAlbumThatGetsNoIdentifier) {
     AddNew("1.mp3", TagOf("One", "Artist", "Album"));
-    library.Database().Refuse("Max(Albums.CDJID)");
+    library.Database().Refuse("Scan Albums");
     Add();
     EXPECT_THAT(Log(), ElementsAre(R"(Quillon: GetNextCDJID Error: Line 0 refused (Artist\Album))",
                                    "Quillon: AddFile Line 4 No identifier for album Album "

@@ -95,8 +95,10 @@ TEST_F(ProcessOneAlbumTest, LogsATitleThatDoesNotFitAndGoesOnWithTheNextAlbum) {
 }
 
 TEST_F(ProcessOneAlbumTest, MakesNoRowWithoutAnIdentifier) {
-    library.Database().Refuse("SELECT Max(Albums.CDJID)");
-    EXPECT_EQ(Process("Artist", "Title", 4), "00000000");
+    Walk walk(library.run);
+    for (int number = 0; number < 10000; ++number)
+        walk.sequence.Taken(walk.sequence.GetNextCDJID());
+    EXPECT_EQ(ProcessOneAlbum(walk, "Artist", "Title", 4), "00000000");
     EXPECT_THAT(library.Albums(), IsEmpty());
 }
 

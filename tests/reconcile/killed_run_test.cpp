@@ -45,7 +45,7 @@ class KilledRunTest : public ::testing::Test {
         const std::size_t statements = undisturbed.Database().Count("");
         const auto after = undisturbed.State();
         const auto numbersAfter = undisturbed.Rows(Numbers);
-        ASSERT_GT(statements, 15U);
+        ASSERT_GT(statements, 10U);
 
         for (std::size_t n = 1; n <= statements; n += step) {
             support::RealLibrary library;

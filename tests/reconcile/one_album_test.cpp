@@ -193,13 +193,22 @@ TEST_F(AlbumWithoutIdentifierTest, GetsNoRowsWhereThereIsNoneToBeHad) {
     library.Execute(
         "INSERT INTO Albums (Artist, Title, Tracks, Player) VALUES "
         "('Red', 'One', 2, 1001)");
-    library.Database().Refuse("Max(Albums.CDJID)");
+    const auto discs = library.run.connection->OpenTable("Albums");
+    for (int number = 0; number < 10000; ++number) {
+        const std::string digits = std::to_string(10000 + number).substr(1);
+        if (digits == "0041") continue;
+        discs->AddNew();
+        discs->Set("CDJID", "252E671073EC" + digits);
+        discs->Set("Player", std::int64_t{2});
+        discs->Update();
+    }
     library.Reconcile();
     EXPECT_THAT(library.Rows("SELECT SoundFile FROM Tracks"),
                 ElementsAre(R"(D:\Music\Blue\One\a.mp3)"));
-    EXPECT_THAT(library.Albums(), ElementsAre("Blue|One|1", "Red|One|2"));
+    EXPECT_THAT(library.Rows("SELECT Artist, Tracks FROM Albums WHERE Player=1001 ORDER BY Artist"),
+                ElementsAre("Blue|1", "Red|2"));
     EXPECT_THAT(library.host.log,
-                ElementsAre(R"(Quillon: GetNextCDJID Error: Line 0 refused (Red\One))"));
+                ElementsAre(::testing::HasSubstr("so the album is left out (Red\\One)")));
 }
 
 TEST_F(AlbumWithoutIdentifierTest, IsSweptLikeAnyOtherWhenItsFilesAreGone) {

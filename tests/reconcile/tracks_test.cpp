@@ -297,7 +297,7 @@ TEST_F(ProcessTracksAloneTest, TellsOfNumbersThatNoFileTook) {
 TEST_F(ProcessTracksAloneTest, KeepsAKnownNumberInRange) {
     library.AddTrackRow("252E671073EC0001", 1, R"(D:\Music\A\B\a.mp3)");
     // As the comparison of tags tells it.
-    library.run.numbersOfTags[1] = 2;
+    library.run.TheLibrary().FindTrack(TrackId{1})->tagNumber = 2;
     album.trackCount = 2;
     Process({R"(A\B\a.mp3)", R"(A\B\b.mp3)"});
     EXPECT_THAT(library.Tracks(), ElementsAre(R"(A\B\a.mp3|a|2)", R"(A\B\b.mp3|b|1)"));

@@ -14,7 +14,8 @@ namespace quillon::support {
 
 /// A database that notes its statements and refuses those that a test names. What a table cursor
 /// does counts as a statement, too: "Filter Tracks ID=5", "AddNew Tracks", "Update Tracks"; so does
-/// what is done by row: "Scan Tracks", "Insert Tracks", "Update Tracks", "Delete Tracks".
+/// what is done by row: "Scan Tracks", "Read Tracks", "Insert Tracks", "Update Tracks",
+/// "Delete Tracks".
 class FaultyConnection : public Connection {
   public:
     explicit FaultyConnection(std::unique_ptr<Connection> real) : real_(std::move(real)) {}
@@ -48,6 +49,7 @@ class FaultyConnection : public Connection {
     void Scan(std::string_view table, std::span<const std::string_view> fields,
               const VisitRow& visit) override;
     Value Read(std::string_view table, RowKey row, std::string_view field) override {
+        Note("Read " + std::string(table));
         return real_->Read(table, row, field);
     }
     std::int64_t NextNumber(std::string_view table) const override {

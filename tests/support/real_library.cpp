@@ -85,12 +85,14 @@ void RealLibrary::AddFile(const std::string& path, int minutes) {
 }
 
 void RealLibrary::OpenDatabase() {
+    run.ForgetTables();
     auto connection = std::make_unique<FaultyConnection>(support::OpenDatabase(DatabaseFile()));
     database_ = connection.get();
     run.connection = std::move(connection);
 }
 
 void RealLibrary::Reconcile() {
+    run.ForgetTables();
     RemoveDuplicates(run);
     RefreshDatabase(run);
 }

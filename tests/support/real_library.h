@@ -32,7 +32,10 @@ class RealLibrary {
     void AddFile(const std::string& path, int minutes = 0);
 
     void OpenDatabase();
-    void CloseDatabase() { run.connection.reset(); }
+    void CloseDatabase() {
+        run.ForgetTables();
+        run.connection.reset();
+    }
     FaultyConnection& Database() { return *database_; }
 
     /// Gives back what a killed run has marked, as the driver does; then marks, walks and sweeps.

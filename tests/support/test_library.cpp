@@ -47,6 +47,7 @@ void TestLibrary::AddFile(const std::string& path, const Tag& tag, int minutes) 
 }
 
 void TestLibrary::Reconcile() {
+    run.ForgetTables();
     RemoveDuplicates(run);
     RefreshDatabase(run);
 }

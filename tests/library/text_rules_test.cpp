@@ -1,0 +1,70 @@
+#include "library/text_rules.h"
+
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+#include "platform/basic_text.h"
+#include "tests/support/test_library.h"
+
+namespace quillon {
+namespace {
+
+class TextRulesTest : public ::testing::Test {
+  protected:
+    /// Whether the database's own statements take two texts for one.
+    bool AreEqualInDatabase(const std::string& one, const std::string& other) {
+        library.Execute("DELETE * FROM SpinnerArtist");
+        const auto rows = library.run.connection->OpenTable("SpinnerArtist");
+        rows->AddNew();
+        rows->Set("Artist", one);
+        rows->Update();
+        return !library.run.connection
+                    ->Query("SELECT ID FROM SpinnerArtist WHERE Artist='" +
+                            Replace(other, "'", "''") + "'")
+                    ->IsEmpty();
+    }
+
+    support::TestLibrary library;
+    TextRules rules{*library.run.connection};
+    const std::vector<std::string> texts{
+        "",          "a",         "A",         "Abcdefgh",  "aBCDEFGH", "ABCDEFGHI",
+        "abcdefgh!", "ABCDEFGH1", "[abcdefg]", "{abcdefg}", "@abcdefg", "`abcdefg",
+        "straße",    "STRASSE",   "STRAßE",    "Émile",     "éMILE",    "Emile",
+        "\u212Aelvin", "kelvin",  "Ёлка",      "ёЛКА",      "İstanbul", "istanbul",
+        "it's",      "IT'S",      "a\u0301",   "á"};
+};
+
+TEST_F(TextRulesTest, TellTextsApartAsStatementsDo) {
+    for (const std::string& one : texts) {
+        for (const std::string& other : texts) {
+            const bool areEqual = AreEqualInDatabase(one, other);
+            EXPECT_EQ(rules.AreEqual(one, other), areEqual) << one << ", " << other;
+            EXPECT_TRUE(!areEqual || rules.Hash(one) == rules.Hash(other)) << one << ", " << other;
+        }
+    }
+}
+
+TEST_F(TextRulesTest, KnowTheEndOfATextAsLikeDoes) {
+    EXPECT_TRUE(rules.EndsWith(R"(file:D:\Music\a.mp3)", R"(d:\MUSIC\A.mp3)"));
+    EXPECT_TRUE(rules.EndsWith(R"(D:\Music\Émile.mp3)", R"(\éMILE.MP3)"));
+    EXPECT_TRUE(rules.EndsWith("a", ""));
+    EXPECT_FALSE(rules.EndsWith("a.mp3", R"(D:\a.mp3)"));
+    EXPECT_FALSE(rules.EndsWith("Emile", "émile"));
+}
+
+TEST_F(TextRulesTest, HashATextByWhatIsInFrontOfItToo) {
+    EXPECT_NE(rules.Hash("b", rules.Hash("a")), rules.Hash("a", rules.Hash("b")));
+    EXPECT_NE(rules.Hash("b", rules.Hash("a")), rules.Hash("ab"));
+    EXPECT_EQ(rules.Hash("B", rules.Hash("A")), rules.Hash("b", rules.Hash("a")));
+}
+
+TEST_F(TextRulesTest, SortAsTheDatabaseDoes) {
+    EXPECT_TRUE(rules.ComesBefore("a-b", "aC"));
+    EXPECT_TRUE(rules.ComesBefore("Émile", "Ende"));
+    EXPECT_FALSE(rules.ComesBefore("abc", "ABC"));
+    EXPECT_FALSE(rules.ComesBefore("ABC", "abc"));
+}
+
+}  // namespace
+}  // namespace quillon
