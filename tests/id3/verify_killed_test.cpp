@@ -37,6 +37,7 @@ class VerifyKilledTest : public ::testing::Test {
         library.Reconcile();
         library.Database().Execute("UPDATE Tracks SET TimesPlayed = ID * 10, Track = Track + 10");
         library.Database().Flush();
+        library.run.ForgetTables();
     }
 
     static void Reconcile(support::RealLibrary& library) {
@@ -60,9 +61,9 @@ TEST_F(VerifyKilledTest, LosesNoRowAndEndsLikeAnUndisturbedRun) {
     const auto songs = undisturbed.Rows(Songs);
     const auto numbersAfter = undisturbed.Rows(Numbers);
     ASSERT_EQ(songs.size(), 5U);
-    ASSERT_GT(statements, 40U);
+    ASSERT_GT(statements, 15U);
 
-    for (std::size_t n = 1; n <= statements; n += 2) {
+    for (std::size_t n = 1; n <= statements; ++n) {
         support::RealLibrary library;
         Prepare(library);
         library.CloseDatabase();
