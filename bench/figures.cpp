@@ -10,8 +10,9 @@ namespace quillon::bench {
 
 std::optional<std::size_t> SizeFrom(std::string_view text) {
     std::size_t size = 0;
-    const char* const last = text.data() + text.size();
-    const auto [end, error] = std::from_chars(text.data(), last, size);
+    const char* const first = text.data();
+    const char* const last = first + text.size();
+    const auto [end, error] = std::from_chars(first, last, size);
     if (error != std::errc() || end != last || size == 0) return std::nullopt;
     return size;
 }

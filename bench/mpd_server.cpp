@@ -25,9 +25,15 @@ const sockaddr* AsAddress(const sockaddr_in& address) {
     return reinterpret_cast<const sockaddr*>(&address);
 }
 
+int NewSocket() {
+    const int descriptor = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    if (descriptor < 0) throw std::runtime_error("no socket can be made");
+    return descriptor;
+}
+
 /// A port that nobody listens on.
 unsigned short FreePort() {
-    const int listener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    const int listener = NewSocket();
     sockaddr_in address = Loopback(0);
     socklen_t size = sizeof address;
     const bool known = bind(listener, AsAddress(address), size) == 0 &&
@@ -66,7 +72,7 @@ void MpdServer::Connect(unsigned short port) {
     constexpr std::chrono::milliseconds Pause{50};
     const sockaddr_in address = Loopback(port);
     for (int trial = 0; trial < Trials; ++trial) {
-        socket_ = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+        socket_ = NewSocket();
         if (connect(socket_, AsAddress(address), sizeof address) == 0) return Greet();
         close(socket_);
         socket_ = -1;

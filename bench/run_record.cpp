@@ -59,6 +59,7 @@ std::vector<PhaseTime> MedianPhases(const std::vector<std::vector<PhaseTime>>& r
     std::vector<PhaseTime> medians = runs.front();
     for (std::size_t i = 0; i < medians.size(); ++i) {
         std::vector<double> seconds;
+        seconds.reserve(runs.size());
         for (const std::vector<PhaseTime>& run : runs)
             seconds.push_back(run.at(i).seconds);
         medians[i].seconds = Median(seconds);

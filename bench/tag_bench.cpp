@@ -73,10 +73,7 @@ void Print(const std::string& what, const Usage& used, double walk) {
 
 void Measure(std::size_t tracks) {
     const Stage stage(tracks);
-    stage.Execute(
-        "INSERT INTO Spinner (Artist, Album, Song, Genre, Length) SELECT Albums.Artist, "
-        "Albums.Title, Tracks.Title, 'Jazz', 0 "
-        "FROM Albums INNER JOIN Tracks ON Albums.CDJID = Tracks.CDJID");
+    stage.Execute("UPDATE Spinner SET Genre = 'Jazz', Length = 0");
     const double walk = SecondsOfWalk(stage);
     std::cout << fmt::format("{} tracks with a difference each; bare walk {:.3f} s\n", tracks,
                              walk);

@@ -6,16 +6,15 @@
 #include <atomic>
 #include <cerrno>
 #include <climits>
-#include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
+#include <fstream>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <set>
 #include <string_view>
 #include <unistd.h>
-
-#include "tests/faults/preload/lasting.h"
 
 namespace quillon::counts {
 namespace {
@@ -25,9 +24,9 @@ constexpr std::array<const char*, PlaceCount> PlaceNames = {
 constexpr off_t PageSize = 4096;
 
 // Counted before anything of this library is ready, and by all threads.
-std::atomic<std::uint64_t> Allocations, AllocatedBytes, Syncs, OpenedFolders;
-std::array<std::atomic<std::uint64_t>, PlaceCount> Opened;
-thread_local bool Nested = false;
+std::atomic<std::uint64_t> allocations, allocatedBytes, syncs, openedFolders;
+std::array<std::atomic<std::uint64_t>, PlaceCount> opened;
+thread_local bool nested = false;
 
 struct Written {
     std::uint64_t bytes = 0;
@@ -41,7 +40,9 @@ struct Files {
 };
 
 Files& TheFiles() {
-    return faults::Lasting<Files>();
+    // Never destroyed: the program may write files until its very end.
+    static Files* const files = std::make_unique<Files>().release();
+    return *files;
 }
 
 bool EndsIn(const std::string& path, std::string_view end) {
@@ -64,16 +65,12 @@ bool IsFile(const std::string& path) {
     return path.starts_with('/') && !path.starts_with("/dev/") && !path.starts_with("/proc/");
 }
 
-void Print(std::FILE* out, const char* what, std::uint64_t count) {
-    std::fprintf(out, "%s %llu\n", what, static_cast<unsigned long long>(count));
+std::string NameIn(Place place, std::string_view what) {
+    std::string name = PlaceNames[static_cast<std::size_t>(place)];
+    return (name += '.') += what;
 }
 
-void PrintOf(std::FILE* out, Place place, const char* what, std::uint64_t count) {
-    const std::string name = PlaceNames[static_cast<std::size_t>(place)];
-    Print(out, (name + '.' + what).c_str(), count);
-}
-
-void PrintFiles(std::FILE* out) {
+void TellFiles(std::ostream& out) {
     std::array<Written, PlaceCount> sums;
     std::array<std::uint64_t, PlaceCount> files{};
     for (const auto& [path, written] : TheFiles().byPath) {
@@ -84,12 +81,12 @@ void PrintFiles(std::FILE* out) {
     }
     for (std::size_t i = 0; i < PlaceCount; ++i) {
         const auto place = static_cast<Place>(i);
-        PrintOf(out, place, "opened", Opened[i]);
-        PrintOf(out, place, "written-files", files[i]);
-        PrintOf(out, place, "written-bytes", sums[i].bytes);
+        out << NameIn(place, "opened ") << opened[i] << '\n'
+            << NameIn(place, "written-files ") << files[i] << '\n'
+            << NameIn(place, "written-bytes ") << sums[i].bytes << '\n';
     }
-    PrintOf(out, Place::Database, "written-pages",
-            sums[static_cast<std::size_t>(Place::Database)].pages.size());
+    out << NameIn(Place::Database, "written-pages ")
+        << sums[static_cast<std::size_t>(Place::Database)].pages.size() << '\n';
 }
 
 /// The end of the program is the end of counting.
@@ -97,14 +94,10 @@ __attribute__((destructor)) void Tell() {
     const Uncounted own;
     const char* const name = std::getenv("QUILLON_COUNTS");
     if (name == nullptr) return;
-    std::FILE* const out = std::fopen(name, "w");
-    if (out == nullptr) return;
-    Print(out, "allocations", Allocations);
-    Print(out, "allocated-bytes", AllocatedBytes);
-    Print(out, "syncs", Syncs);
-    Print(out, "opened-folders", OpenedFolders);
-    PrintFiles(out);
-    std::fclose(out);
+    std::ofstream out(name);
+    out << "allocations " << allocations << "\nallocated-bytes " << allocatedBytes << "\nsyncs "
+        << syncs << "\nopened-folders " << openedFolders << '\n';
+    TellFiles(out);
 }
 
 }  // namespace
@@ -120,46 +113,46 @@ Place PlaceOf(const std::string& path) {
     return Place::Other;
 }
 
-Uncounted::Uncounted() : before_(Nested) {
-    Nested = true;
+Uncounted::Uncounted() : before_(nested) {
+    nested = true;
 }
 
 Uncounted::~Uncounted() {
-    Nested = before_;
+    nested = before_;
 }
 
 bool Uncounted::IsNested() {
-    return Nested;
+    return nested;
 }
 
 void CountAllocation(std::size_t bytes) {
-    if (Nested) return;
-    ++Allocations;
-    AllocatedBytes += bytes;
+    if (nested) return;
+    ++allocations;
+    allocatedBytes += bytes;
 }
 
 void CountSync() {
-    ++Syncs;
+    ++syncs;
 }
 
 void CountOpened(int folder, const char* path, int flags) {
-    if (Nested) return;
+    if (nested) return;
     const int error = errno;
     const Uncounted own;
     if ((flags & O_DIRECTORY) != 0) {
-        ++OpenedFolders;
+        ++openedFolders;
     } else if (folder != AT_FDCWD || IsFile(path) || path[0] != '/') {
-        ++Opened[static_cast<std::size_t>(PlaceOf(path))];
+        ++opened[static_cast<std::size_t>(PlaceOf(path))];
     }
     errno = error;
 }
 
 void CountOpenedFolder() {
-    ++OpenedFolders;
+    ++openedFolders;
 }
 
 void CountWritten(int descriptor, ssize_t bytes, off_t offset) {
-    if (Nested || bytes <= 0) return;
+    if (nested || bytes <= 0) return;
     const int error = errno;
     const Uncounted own;
     const std::string path = PathOf(descriptor);

@@ -14,6 +14,7 @@ inline bool TakesMode(int flags) {
 }  // namespace quillon::faults
 
 /// The mode behind the flags, where there is one.
+// NOLINTBEGIN(bugprone-macro-parentheses)
 #define QUILLON_MODE_AFTER_FLAGS(mode)                               \
     mode_t mode = 0;                                                 \
     if (quillon::faults::TakesMode(flags)) {                         \
@@ -22,3 +23,4 @@ inline bool TakesMode(int flags) {
         mode = static_cast<mode_t>(va_arg(arguments, unsigned int)); \
         va_end(arguments);                                           \
     }
+// NOLINTEND(bugprone-macro-parentheses)
