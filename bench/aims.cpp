@@ -74,9 +74,9 @@ void AddGrowthAims(std::vector<Aim>& aims, const Figures& f) {
 }
 
 void AddMemoryAims(std::vector<Aim>& aims, const Figures& f) {
-    const std::size_t peak =
-        std::max({f.fresh.processor.peakMemory, f.unchanged.processor.peakMemory,
-                  f.tags.processor.peakMemory});
+    std::size_t peak = 0;
+    for (const NamedWay& named : Ways)
+        peak = std::max(peak, (f.*named.way).processor.peakMemory);
     aims.push_back(MemoryAtMost("12 an album", f.plan.tracks, peak));
     for (const SizeFigures& size : f.growth) {
         aims.push_back(MemoryAtMost("54 an album", size.tracks,

@@ -195,9 +195,8 @@ void Main() {
     const auto growth = [&](double Times::* time) {
         return GrowthExponent(all[0].*time, all[1].*time, sizes[0], sizes[1]);
     };
-    std::cout << fmt::format("growth   {:>10.2f} {:>12.2f} {:>12.2f}\n\n",
-                             growth(&Times::capture), growth(&Times::unchanged),
-                             growth(&Times::repair));
+    std::cout << fmt::format("growth   {:>10.2f} {:>12.2f} {:>12.2f}\n\n", growth(&Times::capture),
+                             growth(&Times::unchanged), growth(&Times::repair));
     const double creation = MeasureCreation(stage);
     std::cout << fmt::format("{} artists, {} genres: {} playlists made in {:.2f} s\n", Artists,
                              Genres, stage.run.counts.playlistsWritten, creation);

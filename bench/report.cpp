@@ -96,9 +96,8 @@ std::string TimeTable(const Figures& f) {
                         Memory(series)});
     };
     add("Bare walk", f.walk);
-    add("New", f.fresh.processor);
-    add("Unchanged", f.unchanged.processor);
-    add("Unchanged, tags compared", f.tags.processor);
+    for (const NamedWay& named : Ways)
+        add(named.name, (f.*named.way).processor);
     if (f.mpdFresh) {
         add("MPD, new", *f.mpdFresh);
         add("MPD, unchanged", *f.mpdUnchanged);
@@ -157,13 +156,22 @@ std::string SecondsOf(const std::vector<PhaseTime>& phases, const std::string& n
     return found == phases.end() ? "" : Seconds(found->seconds);
 }
 
+/// A column for each way of running.
+Row HeaderOfWays(std::string first) {
+    Row row{std::move(first)};
+    for (const NamedWay& named : Ways)
+        row.emplace_back(named.name);
+    return row;
+}
+
 std::string PhaseTable(const Figures& f) {
-    std::vector<Row> rows{{"Processor time", "New", "Unchanged", "Unchanged, tags compared"}};
+    std::vector<Row> rows{HeaderOfWays("Processor time")};
     // The comparison of tags is a phase that the others do not have.
     for (const PhaseTime& phase : f.tags.phases) {
-        rows.push_back({phase.name, SecondsOf(f.fresh.phases, phase.name),
-                        SecondsOf(f.unchanged.phases, phase.name),
-                        SecondsOf(f.tags.phases, phase.name)});
+        Row row{phase.name};
+        for (const NamedWay& named : Ways)
+            row.push_back(SecondsOf((f.*named.way).phases, phase.name));
+        rows.push_back(row);
     }
     return "### Time by phase\n\n" + Table(rows) + "The end of a run counts to its last phase.\n\n";
 }
@@ -188,14 +196,14 @@ std::string CountTable(const Figures& f) {
         Counted{"Backup files written", "backup.written-files"},
         Counted{"Backup bytes written", "backup.written-bytes"},
         Counted{"Log bytes written", "log.written-bytes"},
+        Counted{"Temporary bytes written", "temporary.written-bytes"},
         Counted{"Other bytes written", "other.written-bytes"},
     };
-    std::vector<Row> rows{
-        {"Counted, one run each", "New", "Unchanged", "Unchanged, tags compared"}};
+    std::vector<Row> rows{HeaderOfWays("Counted, one run each")};
     for (const Counted& line : Lines) {
         Row row{line.what};
-        for (const WayOfRunning* const way : {&f.fresh, &f.unchanged, &f.tags})
-            row.push_back(fmt::format("{}", way->counts[line.name]));
+        for (const NamedWay& named : Ways)
+            row.push_back(fmt::format("{}", (f.*named.way).counts[line.name]));
         rows.push_back(row);
     }
     return "### Allocations, syncs, pages and files\n\n" + Table(rows);

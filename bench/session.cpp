@@ -29,20 +29,31 @@ void Tell(const std::string& what) {
     std::cerr << what << std::endl;
 }
 
-enum class Tags { Ignored, Compared };
+enum class Tags { Ignored, Compared, Equal };
 
-std::unique_ptr<HostFolder> NewHost(const Plan& plan, const MusicTree& music,
-                                    Tags tags = Tags::Ignored) {
+std::unique_ptr<HostFolder> NewHost(const Plan& plan, const MusicTree& music) {
     auto host = std::make_unique<HostFolder>(plan.program, music.Root());
     host->AddCovers(music.Root());
-    if (tags == Tags::Compared) host->Set("ID3Reconcile", "1");
     return host;
+}
+
+/// Genres are known to the tags alone until a run takes them into the database.
+void TakeTagsIntoDatabase(const HostFolder& host) {
+    host.Run();
+    host.Set("Reconcile", "0");
+    host.Set("ID3Update", "1");
+    host.Run();
+    host.Set("ID3Update", "0");
+    host.Set("Reconcile", "1");
 }
 
 std::unique_ptr<HostFolder> SettledHost(const Plan& plan, const MusicTree& music,
                                         Tags tags = Tags::Ignored) {
-    auto host = NewHost(plan, music, tags);
-    for (int i = 0; i < RunsToSettle; ++i)
+    auto host = NewHost(plan, music);
+    if (tags != Tags::Ignored) host->Set("ID3Reconcile", "1");
+    host->Run();
+    if (tags == Tags::Equal) TakeTagsIntoDatabase(*host);
+    for (int i = 1; i < RunsToSettle; ++i)
         host->Run();
     return host;
 }
@@ -58,40 +69,42 @@ class RatioStage {
         : plan_(plan),
           music_(plan.tracks, FileNames::ByArtist),
           unchanged_(SettledHost(plan, music_)),
-          tags_(SettledHost(plan, music_, Tags::Compared)) {
+          tags_(SettledHost(plan, music_, Tags::Compared)),
+          equalTags_(SettledHost(plan, music_, Tags::Equal)) {
         sync();
         AddWalk(warmUp_, music_);
     }
 
-    /// Everything once, each kind of run behind a walk.
+    /// Everything once, each way behind a walk.
     void Round(Figures& figures) {
-        AddWalk(figures.walk, music_);
-        figures.fresh.processor.Add(NewHost(plan_, music_)->Run());
-        AddWalk(figures.walk, music_);
-        figures.unchanged.processor.Add(unchanged_->Run());
-        AddWalk(figures.walk, music_);
-        figures.tags.processor.Add(tags_->Run());
+        for (const NamedWay& named : Ways) {
+            AddWalk(figures.walk, music_);
+            (figures.*named.way).processor.Add(HostOf(named)->Run());
+        }
         if (mpd_) AskMpd(figures);
     }
 
     void Look(Figures& figures) const {
-        figures.fresh.counts = CountedRun(*NewHost(plan_, music_));
-        figures.unchanged.counts = CountedRun(*unchanged_);
-        figures.tags.counts = CountedRun(*tags_);
-        std::vector<std::vector<PhaseTime>> fresh, unchanged, tags;
-        for (std::size_t i = 0; i < PhaseRounds; ++i) {
-            fresh.push_back(RunByPhase(*NewHost(plan_, music_)));
-            unchanged.push_back(RunByPhase(*unchanged_));
-            tags.push_back(RunByPhase(*tags_));
+        for (const NamedWay& named : Ways) {
+            WayOfRunning& way = figures.*named.way;
+            way.counts = CountedRun(*HostOf(named));
+            std::vector<std::vector<PhaseTime>> runs;
+            for (std::size_t i = 0; i < PhaseRounds; ++i)
+                runs.push_back(RunByPhase(*HostOf(named)));
+            way.phases = MedianPhases(runs);
         }
-        figures.fresh.phases = MedianPhases(fresh);
-        figures.unchanged.phases = MedianPhases(unchanged);
-        figures.tags.phases = MedianPhases(tags);
     }
 
     std::string Database() const { return unchanged_->Database().string(); }
 
   private:
+    /// A new library needs a new one each time.
+    std::shared_ptr<const HostFolder> HostOf(const NamedWay& named) const {
+        if (named.way == &Figures::fresh) return NewHost(plan_, music_);
+        if (named.way == &Figures::unchanged) return unchanged_;
+        return named.way == &Figures::tags ? tags_ : equalTags_;
+    }
+
     void AskMpd(Figures& figures) const {
         MpdServer server(*mpd_, music_.Root());
         if (!figures.mpdFresh) {
@@ -104,7 +117,7 @@ class RatioStage {
 
     const Plan& plan_;
     MusicTree music_;
-    std::unique_ptr<HostFolder> unchanged_, tags_;
+    std::shared_ptr<const HostFolder> unchanged_, tags_, equalTags_;
     std::optional<std::string> mpd_ = InstalledProgram("mpd");
     Series warmUp_;
 };

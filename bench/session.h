@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <optional>
 #include <string>
@@ -48,13 +49,26 @@ struct SizeFigures {
 struct Figures {
     Plan plan;
     Series walk;
-    WayOfRunning fresh, unchanged, tags;
+    WayOfRunning fresh, unchanged;
+    WayOfRunning tags;       ///< compared; the genre of each track is another in the database
+    WayOfRunning equalTags;  ///< compared; all is the same
     std::optional<Series> mpdFresh, mpdUnchanged;  ///< where it is installed
     std::optional<Pair> query;                     ///< the same with mdb-sql
     std::size_t addedFiles = 0;
     Pair adding;  ///< seconds that pass: nearly all of them are waiting for the disk
     std::vector<SizeFigures> growth;
     double minutes = 0;  ///< that the session has taken
+};
+
+struct NamedWay {
+    const char* name;
+    WayOfRunning Figures::* way;
+};
+inline constexpr std::array Ways{
+    NamedWay{.name = "New", .way = &Figures::fresh},
+    NamedWay{.name = "Unchanged", .way = &Figures::unchanged},
+    NamedWay{.name = "Unchanged, tags compared", .way = &Figures::tags},
+    NamedWay{.name = "Tags compared and equal", .way = &Figures::equalTags},
 };
 
 /// Makes all measurements; tells on the error output which one it is at.

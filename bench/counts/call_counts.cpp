@@ -20,7 +20,7 @@ namespace quillon::counts {
 namespace {
 
 constexpr std::array<const char*, PlaceCount> PlaceNames = {
-    "database", "journal", "snapshot", "playlist", "backup", "music", "log", "other"};
+    "database", "journal", "snapshot", "playlist", "backup", "music", "log", "temporary", "other"};
 constexpr off_t PageSize = 4096;
 
 // Counted before anything of this library is ready, and by all threads.
@@ -103,6 +103,7 @@ __attribute__((destructor)) void Tell() {
 }  // namespace
 
 Place PlaceOf(const std::string& path) {
+    if (EndsIn(path, " (deleted)")) return Place::Temporary;
     if (Holds(path, "_Copy Dated_")) return Place::Backup;
     if (EndsIn(path, ".mdb")) return Place::Database;
     if (EndsIn(path, ".mdb.journal")) return Place::Journal;

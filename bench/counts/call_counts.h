@@ -16,9 +16,10 @@ enum class Place : std::size_t {
     Backup,  ///< a dated copy, or a file in one
     Music,
     Log,
+    Temporary,  ///< a file that has no name any more, so it goes with the process
     Other,
 };
-constexpr std::size_t PlaceCount = 8;
+constexpr std::size_t PlaceCount = 9;
 
 Place PlaceOf(const std::string& path);
 

@@ -33,6 +33,11 @@ for name, size in (('x.mdb.playlists', 3), ('x.mdb.journal', 4), ('h.log', 5), (
     f = os.open(name, os.O_WRONLY | os.O_CREAT)
     os.writev(f, [bytes(size)])
 """
+NAMELESS = """import os
+f = os.open('x.mdb', os.O_RDWR | os.O_CREAT)
+os.unlink('x.mdb')
+os.write(f, b'12345678')
+"""
 MUSIC = """import os
 os.mkdir('folder')
 for i in range(3):
@@ -78,6 +83,7 @@ def main():
                   playlist__written_files=0, other__written_files=0)
     trials.expect(BESIDE, snapshot__written_bytes=3, journal__written_bytes=4,
                   log__written_bytes=5, other__written_bytes=6, database__written_bytes=0)
+    trials.expect(NAMELESS, temporary__written_bytes=8, database__written_bytes=0)
     trials.expect(MUSIC, music__opened=3, opened_folders=2)
     few, many = (trials.counts(ALLOCATIONS.format(count)) for count in (10, 20))
     if many["allocated-bytes"] - few["allocated-bytes"] < 10_000_000:
