@@ -89,6 +89,7 @@ class RatioStage {
             WayOfRunning& way = figures.*named.way;
             way.counts = CountedRun(*HostOf(named));
             std::vector<std::vector<PhaseTime>> runs;
+            runs.reserve(PhaseRounds);
             for (std::size_t i = 0; i < PhaseRounds; ++i)
                 runs.push_back(RunByPhase(*HostOf(named)));
             way.phases = MedianPhases(runs);
