@@ -1,7 +1,6 @@
 // Measures what a face costs a run: the same unchanged library is reconciled with plain lines into
 // nowhere, on a terminal screen and in a window, in turn.
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdlib>
 #include <fmt/format.h>
@@ -9,15 +8,18 @@
 #include <span>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
-#include "bench/reconcile_stage.h"
-#include "bench/sizes.h"
+#include "bench/figures.h"
+#include "bench/host_folder.h"
 
 namespace {
 
 using quillon::bench::FileNames;
-using quillon::bench::ReconcileStage;
+using quillon::bench::HostFolder;
+using quillon::bench::Median;
+using quillon::bench::MusicTree;
 using quillon::bench::Surroundings;
 using quillon::bench::Usage;
 
@@ -47,13 +49,6 @@ std::vector<Face> Faces() {
             {.view = "window", .surroundings = {.environment = DisplayToDrawOn()}}};
 }
 
-/// The one in the middle.
-double Median(std::vector<double> values) {
-    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-    std::ranges::nth_element(values, middle);
-    return *middle;
-}
-
 /// What an unchanged run takes and what a face adds to it, in processor seconds.
 struct Cost {
     double whole;
@@ -64,14 +59,17 @@ struct Cost {
 /// than a face costs: so a run is compared with the first face's of the same round, and the
 /// median of the rounds counts.
 std::vector<Cost> Costs(const std::vector<Face>& faces, std::size_t tracks) {
-    const ReconcileStage stage(QUILLON_PROGRAM, tracks, FileNames::ByNumber);
+    const MusicTree music(tracks, FileNames::ByNumber);
+    const HostFolder host(QUILLON_PROGRAM, music.Root());
+    for (const std::string_view lists : {"ArtistPlaylist", "GenrePlaylist"})
+        host.Set(lists, "0");
     // A new library, then one whose tracks get the numbers that they keep.
-    stage.Reconcile();
-    stage.Reconcile();
+    host.Run();
+    host.Run();
     std::vector<std::vector<double>> whole(faces.size()), beyondFirst(faces.size());
     for (int round = 0; round < Rounds; ++round) {
         for (std::size_t k = 0; k < faces.size(); ++k) {
-            whole[k].push_back(stage.Reconcile(faces[k].view, faces[k].surroundings).processor);
+            whole[k].push_back(host.Run(faces[k].surroundings, faces[k].view).processor);
             beyondFirst[k].push_back(whole[k].back() - whole[0].back());
         }
     }

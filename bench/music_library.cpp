@@ -128,7 +128,8 @@ void WalkFolder(int parent, const char* name, WalkResult& result) {
 
 }  // namespace
 
-void MakeLibrary(const fs::path& root, std::size_t tracks, FileNames names) {
+void MakeLibrary(const fs::path& root, std::size_t tracks, FileNames names,
+                 std::size_t tracksAnAlbum) {
     std::mt19937 random(static_cast<std::mt19937::result_type>(tracks));
     std::size_t made = 0;
     for (std::size_t artist = 1; made < tracks; ++artist) {
@@ -137,7 +138,8 @@ void MakeLibrary(const fs::path& root, std::size_t tracks, FileNames names) {
             const std::string albumName = fmt::format("{} {}", RandomName(random, 3), album);
             const fs::path folder = root / artistName / albumName;
             fs::create_directories(folder);
-            const std::size_t wanted = 6 + random() % 13;
+            const std::size_t wanted =
+                tracksAnAlbum == VariedAlbums ? 6 + random() % 13 : tracksAnAlbum;
             for (unsigned track = 1; track <= wanted && made < tracks; ++track, ++made) {
                 std::string title = RandomName(random, 1 + random() % 4);
                 const bool byArtist = names == FileNames::ByArtist;

@@ -10,9 +10,13 @@ namespace quillon::bench {
 /// in their album, which the comparison of tags leaves as they are.
 enum class FileNames { ByNumber, ByArtist };
 
+/// Albums of six to eighteen tracks.
+constexpr std::size_t VariedAlbums = 0;
+
 /// Makes a library of small MP3 files in the tree layout below `root`: the same files, names, tags
 /// and times for the same number of tracks, everywhere.
-void MakeLibrary(const std::filesystem::path& root, std::size_t tracks, FileNames names);
+void MakeLibrary(const std::filesystem::path& root, std::size_t tracks, FileNames names,
+                 std::size_t tracksAnAlbum = VariedAlbums);
 
 /// What a walk has seen; the sum of bytes keeps the compiler from leaving the reading out.
 struct WalkResult {

@@ -2,7 +2,6 @@
 // and once with nothing left to do, and how the time grows with the size.
 
 #include <array>
-#include <cmath>
 #include <cstddef>
 #include <ctime>
 #include <filesystem>
@@ -19,8 +18,8 @@
 
 #include "app/jukebox_database.h"
 #include "app/local_host.h"
+#include "bench/figures.h"
 #include "bench/no_window.h"
-#include "bench/sizes.h"
 #include "covers/refresh_album_covers.h"
 #include "download/populate_spinner_artist.h"
 #include "download/populate_spinner_tracks.h"
@@ -159,9 +158,8 @@ int Main(std::span<char*> arguments) {
         for (const Seconds& seconds : all)
             line += fmt::format("{:>10.3f} s", seconds[i]);
         if (sizes.size() > 1) {
-            line += fmt::format("{:>18.2f}", std::log(all.back()[i] / all.front()[i]) /
-                                                 std::log(static_cast<double>(sizes.back()) /
-                                                          static_cast<double>(sizes.front())));
+            line += fmt::format("{:>18.2f}", GrowthExponent(all.front()[i], all.back()[i],
+                                                            sizes.front(), sizes.back()));
         }
         std::cout << line << '\n';
     }

@@ -1,28 +1,25 @@
 // Measures how long the album picker mode takes and how that grows with the library.
 
-#include <charconv>
-#include <chrono>
-#include <cmath>
 #include <cstddef>
 #include <filesystem>
 #include <fmt/format.h>
 #include <fstream>
 #include <iostream>
 #include <span>
-#include <stdexcept>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "app/jukebox_database.h"
 #include "bench/child_process.h"
+#include "bench/figures.h"
 #include "jet/database.h"
 #include "tests/outside/temporary_folder.h"
 
 namespace {
 
 namespace fs = std::filesystem;
-using quillon::bench::RunProcess;
+using quillon::bench::Megabyte;
+using quillon::bench::RunToSuccess;
 using quillon::bench::Usage;
 
 constexpr std::size_t TracksAnAlbum = 12;
@@ -40,17 +37,13 @@ class Stage {
     }
 
     /// Runs the picker with those albums that have so many tracks.
-    Usage Build(const std::string& program, int leastTracks) const {
+    Usage Build(int leastTracks) const {
         std::ofstream(folder_ / "Quillon.ini")
             << "[NPFrame]\nNirvis_CDJ_DB=D:\\jukebox.mdb\nAlbumPicker=1\n"
                "AlbumCoverFolder=D:\\Covers\\\nPickerMinimum="
             << leastTracks << '\n';
-        const Usage used =
-            RunProcess({program, "run", "--host", folder_.string(), "--view", "plain"});
-        if (used.exitStatus != 0) {
-            throw std::runtime_error(fmt::format("the run ends with {}", used.exitStatus));
-        }
-        return used;
+        return RunToSuccess(
+            {QUILLON_PROGRAM, "run", "--host", folder_.string(), "--view", "plain"});
     }
 
     /// Bytes of all pages.
@@ -96,12 +89,12 @@ struct Figures {
     std::uintmax_t pageBytes = 0;
 };
 
-Figures Measure(const std::string& program, std::size_t albums) {
+Figures Measure(std::size_t albums) {
     const Stage stage(albums);
     Figures figures{.albums = albums, .none = {}, .first = {}, .again = {}, .pageBytes = 0};
-    figures.none = stage.Build(program, static_cast<int>(TracksAnAlbum) + 1);
-    figures.first = stage.Build(program, 1);
-    figures.again = stage.Build(program, 1);
+    figures.none = stage.Build(static_cast<int>(TracksAnAlbum) + 1);
+    figures.first = stage.Build(1);
+    figures.again = stage.Build(1);
     figures.pageBytes = stage.PageBytes();
     return figures;
 }
@@ -111,7 +104,6 @@ std::string Times(const Usage& usage) {
 }
 
 void Print(const Figures& figures) {
-    constexpr double Megabyte = 1024.0 * 1024.0;
     std::cout << fmt::format("{:>8} {} {} {} {:>7.1f} MB {:>7.1f} MB", figures.albums,
                              Times(figures.none), Times(figures.first), Times(figures.again),
                              static_cast<double>(figures.pageBytes) / Megabyte,
@@ -123,9 +115,8 @@ void Print(const Figures& figures) {
 /// page and cover is flushed to the disk by itself, and how long that takes is the disk's affair.
 bool JudgeGrowth(const char* what, const Figures& small, const Figures& large,
                  Usage Figures::* run) {
-    const double growth =
-        std::log((large.*run).processor / (small.*run).processor) /
-        std::log(static_cast<double>(large.albums) / static_cast<double>(small.albums));
+    const double growth = quillon::bench::GrowthExponent(
+        (small.*run).processor, (large.*run).processor, small.albums, large.albums);
     const bool met = growth <= SteepestGrowth;
     std::cout << fmt::format("growth exponent, {}, {} to {} albums: {:.2f}, aim {:.2f}, {}\n", what,
                              small.albums, large.albums, growth, SteepestGrowth,
@@ -134,25 +125,14 @@ bool JudgeGrowth(const char* what, const Figures& small, const Figures& large,
 }
 
 int Main(std::span<char*> arguments) {
-    std::string program = QUILLON_PROGRAM;
-    std::vector<std::size_t> sizes;
-    for (const std::string_view argument : arguments.subspan(1)) {
-        std::size_t size = 0;
-        const auto parsed =
-            std::from_chars(argument.data(), argument.data() + argument.size(), size);
-        if (parsed.ec != std::errc() || size == 0) {
-            program = argument;
-        } else {
-            sizes.push_back(size);
-        }
-    }
-    if (sizes.empty()) sizes = {1'000, 10'000};
+    const std::vector<std::size_t> sizes =
+        quillon::bench::SizesFrom(arguments, "picker_bench [ALBUMS...]", {1'000, 10'000});
     std::cout << fmt::format("{:>8} {:>20} {:>20} {:>20} {:>10} {:>10}\n", "albums",
                              "no album, processor", "first, processor", "again, processor", "pages",
                              "peak");
     std::vector<Figures> all;
     for (const std::size_t size : sizes) {
-        all.push_back(Measure(program, size));
+        all.push_back(Measure(size));
         Print(all.back());
     }
     bool met = true;

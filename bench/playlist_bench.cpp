@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cmath>
 #include <cstddef>
 #include <filesystem>
 #include <fmt/format.h>
@@ -18,6 +17,7 @@
 #include <vector>
 
 #include "app/jukebox_database.h"
+#include "bench/figures.h"
 #include "bench/no_window.h"
 #include "platform/portable/jet_database.h"
 #include "platform/portable/path_resolver.h"
@@ -146,14 +146,14 @@ double Seconds(const std::function<void()>& work) {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
-struct Figures {
+struct Times {
     double capture = 0, unchanged = 0, repair = 0;  ///< seconds
 };
 
-Figures MeasureRepair(Stage& stage, std::size_t lists) {
+Times MeasureRepair(Stage& stage, std::size_t lists) {
     Run& run = stage.run;
     run.settings.GenrePlaylist = run.settings.ArtistPlaylist = false;
-    Figures figures;
+    Times figures;
     stage.MakeLists(lists);
     BuildORsRecordset(run);
     CapturePlaylists(run);
@@ -184,21 +184,19 @@ void Main() {
     std::cout << fmt::format("{} tracks; lists of {} entries\n\n{:>8} {:>10} {:>12} {:>12} {:>9}\n",
                              Tracks, EntriesAList, "lists", "capture", "all right", "all repaired",
                              "peak MB");
-    std::vector<Figures> all;
+    std::vector<Times> all;
     const std::vector<std::size_t> sizes{1'000, 10'000};
     for (const std::size_t lists : sizes) {
-        const Figures f = MeasureRepair(stage, lists);
+        const Times f = MeasureRepair(stage, lists);
         all.push_back(f);
         std::cout << fmt::format("{:>8} {:>8.2f} s {:>10.2f} s {:>10.2f} s {:>9.0f}\n", lists,
                                  f.capture, f.unchanged, f.repair, PeakMegabytes());
     }
-    const auto growth = [&](double Figures::* time) {
-        return std::log(all[1].*time / all[0].*time) /
-               std::log(static_cast<double>(sizes[1]) / static_cast<double>(sizes[0]));
+    const auto growth = [&](double Times::* time) {
+        return GrowthExponent(all[0].*time, all[1].*time, sizes[0], sizes[1]);
     };
-    std::cout << fmt::format("growth   {:>10.2f} {:>12.2f} {:>12.2f}\n\n",
-                             growth(&Figures::capture), growth(&Figures::unchanged),
-                             growth(&Figures::repair));
+    std::cout << fmt::format("growth   {:>10.2f} {:>12.2f} {:>12.2f}\n\n", growth(&Times::capture),
+                             growth(&Times::unchanged), growth(&Times::repair));
     const double creation = MeasureCreation(stage);
     std::cout << fmt::format("{} artists, {} genres: {} playlists made in {:.2f} s\n", Artists,
                              Genres, stage.run.counts.playlistsWritten, creation);

@@ -3,56 +3,50 @@
 
 #include <chrono>
 #include <cstddef>
-#include <cstdlib>
 #include <filesystem>
 #include <fmt/format.h>
-#include <fstream>
 #include <iostream>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
-#include "bench/child_process.h"
-#include "bench/music_library.h"
-#include "tests/outside/temporary_folder.h"
+#include "bench/figures.h"
+#include "bench/host_folder.h"
 
 namespace {
 
-namespace fs = std::filesystem;
 using quillon::bench::RunToSuccess;
 using quillon::bench::Usage;
 
-/// A host folder with a library that the database knows, in a folder of its own.
+/// A library that the database knows.
 class Stage {
   public:
-    explicit Stage(std::size_t tracks) {
-        fs::create_directories(Data());
-        quillon::bench::MakeLibrary(Music(), tracks, quillon::bench::FileNames::ByArtist);
-        std::ofstream(folder_ / "host.ini") << "[Plugins]\nQuillon=1\n[Drives]\nD=disk\n";
-        RunToSuccess({QUILLON_PROGRAM, "db", "create", Database()});
-        RunMode("Reconcile=1\nID3Reconcile=0\n");
+    explicit Stage(std::size_t tracks)
+        : music_(tracks, quillon::bench::FileNames::ByArtist),
+          host_(QUILLON_PROGRAM, music_.Root()) {
+        for (const std::string_view lists : {"ArtistPlaylist", "GenrePlaylist"})
+            host_.Set(lists, "0");
+        host_.Run();
+        host_.Set("Reconcile", "0");
     }
 
-    fs::path Music() const { return folder_ / "disk" / "Music"; }
+    std::filesystem::path Music() const { return music_.Root(); }
 
     void Execute(const std::string& sql) const {
-        RunToSuccess({QUILLON_PROGRAM, "db", "exec", Database(), sql});
+        RunToSuccess({QUILLON_PROGRAM, "db", "exec", host_.Database().string(), sql});
     }
 
-    Usage RunMode(const std::string& settings) const {
-        std::ofstream(folder_ / "Quillon.ini")
-            << "[NPFrame]\nLibraryRoot=D:\\Music\nNirvis_CDJ_DB=D:\\Data\\jukebox.mdb\n"
-            << settings;
-        return RunToSuccess(
-            {QUILLON_PROGRAM, "run", "--host", folder_.string(), "--view", "plain"});
+    Usage RunMode(std::string_view mode) const {
+        host_.Set(mode, "1");
+        const Usage used = host_.Run();
+        host_.Set(mode, "0");
+        return used;
     }
 
   private:
-    fs::path Data() const { return folder_ / "disk" / "Data"; }
-    std::string Database() const { return (Data() / "jukebox.mdb").string(); }
-
-    outside::TemporaryFolder made_;
-    fs::path folder_ = made_.Path();
+    quillon::bench::MusicTree music_;
+    quillon::bench::HostFolder host_;
 };
 
 double SecondsOfWalk(const Stage& stage) {
@@ -72,38 +66,34 @@ std::string InsertDifferences(const std::string& field, const std::string& tagVa
 }
 
 void Print(const std::string& what, const Usage& used, double walk) {
-    constexpr double Megabyte = 1024.0 * 1024.0;
     std::cout << fmt::format("{:<34} {:>8.3f} s {:>7.1f}x {:>7.1f} MB\n", what, used.seconds,
-                             used.seconds / walk, static_cast<double>(used.peakMemory) / Megabyte);
+                             used.seconds / walk,
+                             static_cast<double>(used.peakMemory) / quillon::bench::Megabyte);
 }
 
 void Measure(std::size_t tracks) {
     const Stage stage(tracks);
-    stage.Execute(
-        "INSERT INTO Spinner (Artist, Album, Song, Genre, Length) SELECT Albums.Artist, "
-        "Albums.Title, Tracks.Title, 'Jazz', 0 "
-        "FROM Albums INNER JOIN Tracks ON Albums.CDJID = Tracks.CDJID");
+    stage.Execute("UPDATE Spinner SET Genre = 'Jazz', Length = 0");
     const double walk = SecondsOfWalk(stage);
     std::cout << fmt::format("{} tracks with a difference each; bare walk {:.3f} s\n", tracks,
                              walk);
     stage.Execute(InsertDifferences("Genre", "Rock"));
-    Print("ID3Write, every tag changes", stage.RunMode("ID3Write=1\n"), walk);
-    Print("ID3Write, every tag is right", stage.RunMode("ID3Write=1\n"), walk);
-    Print("ID3Update, genres change", stage.RunMode("ID3Update=1\n"), walk);
+    Print("ID3Write, every tag changes", stage.RunMode("ID3Write"), walk);
+    Print("ID3Write, every tag is right", stage.RunMode("ID3Write"), walk);
+    Print("ID3Update, genres change", stage.RunMode("ID3Update"), walk);
     stage.Execute("DELETE * FROM SpinnerID3Differences");
     stage.Execute(InsertDifferences("Comment", "Length=77"));
-    Print("ID3Update, lengths change", stage.RunMode("ID3Update=1\n"), walk);
-    Print("ID3Update, lengths are right", stage.RunMode("ID3Update=1\n"), walk);
+    Print("ID3Update, lengths change", stage.RunMode("ID3Update"), walk);
+    Print("ID3Update, lengths are right", stage.RunMode("ID3Update"), walk);
 }
 
 }  // namespace
 
 int main(int count, char** arguments) {
     try {
-        const std::span<char*> sizes = std::span(arguments, static_cast<std::size_t>(count));
-        for (const char* const size : sizes.subspan(1))
-            Measure(std::stoul(size));
-        if (count == 1) Measure(100'000);
+        for (const std::size_t tracks : quillon::bench::SizesFrom(
+                 {arguments, static_cast<std::size_t>(count)}, "tag_bench [TRACKS...]", {100'000}))
+            Measure(tracks);
         return 0;
     } catch (const std::exception& error) {
         std::cerr << "tag_bench: " << error.what() << '\n';

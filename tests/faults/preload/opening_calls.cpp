@@ -1,7 +1,6 @@
 // The C library's calls that open files: reading ones, or changing ones where they may make or
 // empty a file.
 
-#include <cstdarg>
 #include <cstdio>
 #include <fcntl.h>
 #include <string>
@@ -9,15 +8,12 @@
 #include <sys/types.h>
 
 #include "tests/faults/preload/next_call.h"
+#include "tests/faults/preload/open_mode.h"
 #include "tests/faults/preload/trial_paths.h"
 #include "tests/faults/preload/unsynced_files.h"
 
 namespace quillon::faults {
 namespace {
-
-bool TakesMode(int flags) {
-    return (flags & O_CREAT) != 0 || (flags & O_TMPFILE) == O_TMPFILE;
-}
 
 /// `open` carries the call out.
 template <typename OpenCall>
@@ -43,16 +39,6 @@ FILE* OpenStream(const char* name, const char* path, const char* mode,
 }  // namespace quillon::faults
 
 using namespace quillon::faults;  // NOLINT(google-build-using-namespace)
-
-/// The mode behind the flags, where there is one.
-#define QUILLON_MODE_AFTER_FLAGS(mode)                               \
-    mode_t mode = 0;                                                 \
-    if (TakesMode(flags)) {                                          \
-        va_list arguments;                                           \
-        va_start(arguments, flags);                                  \
-        mode = static_cast<mode_t>(va_arg(arguments, unsigned int)); \
-        va_end(arguments);                                           \
-    }
 
 // The names are the C library's.
 // NOLINTBEGIN(readability-identifier-naming,cert-dcl50-cpp)

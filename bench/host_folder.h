@@ -1,0 +1,50 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+#include "bench/child_process.h"
+#include "bench/music_library.h"
+#include "tests/outside/temporary_folder.h"
+
+namespace quillon::bench {
+
+/// A library of music in a folder of its own, for as many host folders as there are.
+class MusicTree {
+  public:
+    MusicTree(std::size_t tracks, FileNames names, std::size_t tracksAnAlbum = VariedAlbums);
+
+    std::size_t Tracks() const { return tracks_; }
+    std::filesystem::path Root() const { return folder_.Path() / "Music"; }
+
+    /// Processor time of a bare walk over the files. Throws when there are more or fewer.
+    double SecondsOfWalk() const;
+
+  private:
+    std::size_t tracks_;
+    outside::TemporaryFolder folder_;
+};
+
+/// A host folder as `quillon init` makes it, with all its default settings and an empty database.
+class HostFolder {
+  public:
+    HostFolder(std::string program, const std::filesystem::path& music);
+
+    std::filesystem::path Path() const { return folder_.Path() / "host"; }
+    std::filesystem::path Database() const { return Path() / "jukebox.mdb"; }
+
+    void Set(std::string_view key, std::string_view value) const;
+    /// An image for each album of the music.
+    void AddCovers(const std::filesystem::path& music) const;
+
+    /// One run, shown by this face. Throws when it does not end with 0. What it leaves for people
+    /// goes: dated copies would fill the disk.
+    Usage Run(const Surroundings& surroundings = {}, const std::string& view = "plain") const;
+
+  private:
+    std::string program_;
+    outside::TemporaryFolder folder_;
+};
+
+}  // namespace quillon::bench
