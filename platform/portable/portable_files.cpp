@@ -69,8 +69,13 @@ int Open(const std::string& local, int access) {
     return open(local.c_str(), access | O_CLOEXEC | O_NONBLOCK);
 }
 
+struct OpenedFile {
+    FileHandle handle;
+    std::uint64_t size;
+};
+
 /// Opens a file as it is written where it exists so, which is the rule, with no other call.
-FileHandle OpenFile(PathResolver& resolver, const WindowsPath& path, int access = O_RDONLY) {
+OpenedFile OpenWithSize(PathResolver& resolver, const WindowsPath& path, int access = O_RDONLY) {
     int descriptor = Open(resolver.Exact(path), access);
     if (descriptor < 0 && (errno == ENOENT || errno == ENOTDIR)) {
         descriptor = Open(resolver.Local(path), access);
@@ -78,9 +83,13 @@ FileHandle OpenFile(PathResolver& resolver, const WindowsPath& path, int access 
     const std::string shown = path.Text();
     if (descriptor < 0) throw SystemFailure(errno, shown, FailureNumber::FileNotFound);
     FileHandle file(descriptor, shown);
-    const mode_t mode = file.Facts().st_mode;
-    if (!S_ISREG(mode)) throw NoFileFailure(mode, shown);
-    return file;
+    const struct stat facts = file.Facts();
+    if (!S_ISREG(facts.st_mode)) throw NoFileFailure(facts.st_mode, shown);
+    return {std::move(file), static_cast<std::uint64_t>(facts.st_size)};
+}
+
+FileHandle OpenFile(PathResolver& resolver, const WindowsPath& path, int access = O_RDONLY) {
+    return OpenWithSize(resolver, path, access).handle;
 }
 
 /// The parts of a path; nothing for a text that is no path.
@@ -192,8 +201,13 @@ FolderNames PortableFiles::NamesIn(std::string_view folder) try {
 
 FileEntry PortableFiles::GetFile(std::string_view path) {
     const WindowsPath parsed = ParseWindowsPath(path);
-    const std::string local = resolver_.Local(parsed);
-    const std::optional<struct stat> facts = FactsOf(local);
+    // Most paths are as they are written: one look is enough then.
+    std::string local = resolver_.Exact(parsed);
+    std::optional<struct stat> facts = FactsOf(local);
+    if (!facts) {
+        local = resolver_.Local(parsed);
+        facts = FactsOf(local);
+    }
     if (!facts) throw SystemFailure(errno, parsed.Text(), FailureNumber::FileNotFound);
     if (!S_ISREG(facts->st_mode)) throw Failure(FailureNumber::FileNotFound, parsed.Text());
     const std::string name(NameIn(local));
@@ -369,7 +383,8 @@ std::unique_ptr<TextWriter> PortableFiles::CreateText(std::string_view path,
 }
 
 std::unique_ptr<BinaryReader> PortableFiles::OpenBinary(std::string_view path) {
-    return std::make_unique<PositionedReader>(OpenFile(resolver_, ParseWindowsPath(path)));
+    OpenedFile file = OpenWithSize(resolver_, ParseWindowsPath(path));
+    return std::make_unique<PositionedReader>(std::move(file.handle), file.size);
 }
 
 void PortableFiles::WriteEnd(std::string_view path, const FileEnd& seen, std::uint64_t position,

@@ -85,16 +85,31 @@ bool AnsiTextWriter::CloseIf(const std::function<bool()>& isWanted) {
     return true;
 }
 
-PositionedReader::PositionedReader(FileHandle file)
-    : file_(std::move(file)), size_(static_cast<std::uint64_t>(file_.Facts().st_size)) {}
-
 std::vector<std::uint8_t> PositionedReader::Read(std::size_t count) {
     if (position_ >= size_) return {};
-    std::vector<std::uint8_t> bytes(
-        static_cast<std::size_t>(std::min<std::uint64_t>(count, size_ - position_)));
-    bytes.resize(file_.ReadAt(position_, bytes));
-    position_ += bytes.size();
-    return bytes;
+    const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(count, size_ - position_));
+    const bool isAhead =
+        position_ >= aheadFrom_ && position_ + wanted <= aheadFrom_ + ahead_.size();
+    if (!isAhead) ReadAhead(wanted);
+    const auto begin = ahead_.begin() + static_cast<std::ptrdiff_t>(position_ - aheadFrom_);
+    const auto there = std::min(wanted, static_cast<std::size_t>(ahead_.end() - begin));
+    position_ += there;
+    return {begin, begin + static_cast<std::ptrdiff_t>(there)};
+}
+
+void PositionedReader::ReadAhead(std::size_t count) {
+    constexpr std::uint64_t SmallPiece = 512;
+    ahead_.resize(static_cast<std::size_t>(
+        std::max<std::uint64_t>(count, std::min(SmallPiece, size_ - position_))));
+    aheadFrom_ = position_;
+    std::size_t there = 0;
+    try {
+        there = file_.ReadAt(position_, ahead_);
+    } catch (...) {
+        ahead_.clear();
+        throw;
+    }
+    ahead_.resize(there);
 }
 
 }  // namespace quillon

@@ -53,16 +53,22 @@ class AnsiTextWriter : public TextWriter {
 /// Reads bytes without a file position in the operating system.
 class PositionedReader : public BinaryReader {
   public:
-    explicit PositionedReader(FileHandle file);
+    PositionedReader(FileHandle file, std::uint64_t size) : file_(std::move(file)), size_(size) {}
 
     std::uint64_t Size() const override { return size_; }
     void SetPosition(std::uint64_t position) override { position_ = position; }
     std::vector<std::uint8_t> Read(std::size_t count) override;
 
   private:
+    void ReadAhead(std::size_t count);
+
     FileHandle file_;
     std::uint64_t size_;
     std::uint64_t position_ = 0;
+    // Tags are read field by field, and a call of the system for each would take longer than all
+    // else.
+    std::vector<std::uint8_t> ahead_;
+    std::uint64_t aheadFrom_ = 0;
 };
 
 }  // namespace quillon

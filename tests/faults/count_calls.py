@@ -56,8 +56,8 @@ def a_folder_is_copied_with_one_flush(workshop, counts):
     counts.expect(f"flushes of a copy with {lists} lists", 1 if lists > 1 else None, found)
 
 
-def a_library_that_has_not_changed_is_not_written_to(workshop, counts):
-    library = workshop.baseline("reconcile").library.copy_to(workshop.folder / "settled")
+def a_library_that_has_not_changed_is_not_written_to(workshop, baseline, counts):
+    library = baseline.library.copy_to(workshop.folder / "settled")
     for number in range(RUNS_TO_SETTLE):
         library.run(environment(library.folder, number, workshop.preload))
     record = workshop.folder / "record"
@@ -78,8 +78,8 @@ def a_library_that_has_not_changed_is_not_written_to(workshop, counts):
     counts.expect("listings of an artist's or album's folder", 1, most_listed(calls))
 
 
-def new_music_is_read_once(workshop, counts):
-    calls = workshop.baseline("reconcile").calls
+def new_music_is_read_once(baseline, counts):
+    calls = baseline.calls
     opened = Counter(call.path for call in songs(calls) if call.name.startswith("open"))
     read = Counter(call.path for call in songs(calls) if "read" in call.name)
     counts.expect("new songs are there", True, len(opened) > 0)
@@ -95,8 +95,9 @@ def main():
     try:
         workshop = Workshop(program, library, folder)
         a_folder_is_copied_with_one_flush(workshop, counts)
-        a_library_that_has_not_changed_is_not_written_to(workshop, counts)
-        new_music_is_read_once(workshop, counts)
+        baseline = workshop.baseline("reconcile")
+        a_library_that_has_not_changed_is_not_written_to(workshop, baseline, counts)
+        new_music_is_read_once(baseline, counts)
     finally:
         shutil.rmtree(folder)
     print(f"{counts.failed} counts are other than they should be")
