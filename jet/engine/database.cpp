@@ -55,7 +55,7 @@ std::unique_ptr<RecordSet> Database::OpenTable(std::string_view table) {
 
 void Database::Scan(std::string_view table, std::span<const std::string_view> fields,
                     const std::function<void(RowKey, std::span<Value>)>& visit) {
-    const engine::MirrorTable& scanned = implementation_->session->UnloadedTable(table);
+    const engine::MirrorTable& scanned = implementation_->session->Table(table);
     std::vector<std::size_t> columns;
     for (const std::string_view field : fields)
         columns.push_back(scanned.Column(field));
@@ -64,7 +64,7 @@ void Database::Scan(std::string_view table, std::span<const std::string_view> fi
 
 Database::AddedRow Database::Insert(std::string_view table, std::span<const Field> fields) {
     engine::Session& session = *implementation_->session;
-    engine::MirrorTable& target = session.UnloadedTable(table);
+    engine::MirrorTable& target = session.Table(table);
     storage::Row row(target.Definition().columns.size());
     for (const Field& field : fields)
         row[target.Column(field.name)] = field.value;
@@ -77,7 +77,7 @@ Database::AddedRow Database::Insert(std::string_view table, std::span<const Fiel
 
 void Database::Update(std::string_view table, RowKey row, std::span<const Field> fields) {
     engine::Session& session = *implementation_->session;
-    engine::MirrorTable& target = session.UnloadedTable(table);
+    engine::MirrorTable& target = session.Table(table);
     std::vector<storage::FieldChange> changes;
     for (const Field& field : fields) {
         const std::size_t column = target.Column(field.name);
@@ -91,7 +91,7 @@ void Database::Update(std::string_view table, RowKey row, std::span<const Field>
 
 void Database::Delete(std::string_view table, RowKey row) {
     engine::Session& session = *implementation_->session;
-    engine::MirrorTable& target = session.UnloadedTable(table);
+    engine::MirrorTable& target = session.Table(table);
     session.BeforeChange(target);
     target.Delete(row);
     session.AfterChange();
@@ -106,6 +106,10 @@ std::vector<TableDefinition> Database::Tables() const {
 
 const std::vector<DamagedTable>& Database::Damaged() const {
     return implementation_->session->Damaged();
+}
+
+void Database::SetInterruption(std::function<bool()> wanted) {
+    implementation_->session->SetInterruption(std::move(wanted));
 }
 
 void Database::Flush() {

@@ -27,6 +27,8 @@ class Selection {
     void Sort(std::string_view order);
 
     const std::shared_ptr<Plan>& CurrentPlan() const { return plan_; }
+    /// What the statement looks at, as Start() loads it.
+    void Load() const { session_.Load(*plan_, literals_); }
     /// The statement, ready for its first step.
     StatementLease Start() const { return session_.Start(*plan_, literals_); }
 

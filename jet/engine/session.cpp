@@ -4,6 +4,7 @@
 
 #include "jet/dialect/names.h"
 #include "jet/engine/functions.h"
+#include "jet/engine/wanted_number.h"
 #include "jet/engine/text_order.h"
 #include "jet/engine/transfer.h"
 #include "jet/verify/check_pages.h"
@@ -38,6 +39,19 @@ void BindParameter(Statement& statement, int number, const dialect::Parameter& p
     // No UTF-8 has this byte: it ends the range of keys that begin like this one.
     if (parameter.form == Form::SuffixTo) key.push_back('\xFF');
     statement.BindBytes(number, key);
+}
+
+/// Whether the rows that can meet a statement's conditions were loaded by their key. Rows of the
+/// copy that are none of them do no harm: the statement passes them over.
+bool LoadByKey(const dialect::TableUse& use, MirrorTable& table,
+               const std::vector<dialect::Literal>& literals) {
+    return std::ranges::any_of(use.keys, [&](const dialect::KeyCondition& key) {
+        const WantedNumber wanted = NumberEqualTo(use.definition->columns[key.column].type,
+                                                  literals[key.literal], key.negated);
+        if (wanted.kind == WantedNumber::Kind::None) return true;
+        return wanted.kind == WantedNumber::Kind::One &&
+               table.LoadRowsWith(key.column, wanted.number);
+    });
 }
 
 }  // namespace
@@ -104,12 +118,6 @@ void Session::RequireSound(std::string_view table) const {
 }
 
 MirrorTable& Session::Table(std::string_view name) {
-    MirrorTable& table = UnloadedTable(name);
-    table.Load();
-    return table;
-}
-
-MirrorTable& Session::UnloadedTable(std::string_view name) {
     RequireSound(name);
     for (const auto& table : tables_) {
         if (dialect::SameName(table->Definition().name, name)) return *table;
@@ -140,7 +148,20 @@ void Session::LookAfterIndexes(Plan& plan) {
     advisor_.PrepareEntry(plan.translation.tables, plan.tables);
 }
 
+void Session::Load(Plan& plan, const std::vector<dialect::Literal>& literals) {
+    if (plan.isLoaded) return;
+    const std::vector<dialect::TableUse>& uses = plan.translation.tables;
+    for (std::size_t i = 0; i < uses.size(); ++i) {
+        MirrorTable& table = *plan.tables[i];
+        if (!uses[i].isRead || table.Has(uses[i].columns)) continue;
+        if (uses.size() == 1 && LoadByKey(uses[i], table, literals)) return;
+        table.Load(uses[i].columns);
+    }
+    plan.isLoaded = true;
+}
+
 StatementLease Session::Start(Plan& plan, const std::vector<dialect::Literal>& literals) {
+    Load(plan, literals);
     LookAfterIndexes(plan);
     StatementLease statement = statements_.Take(plan.translation.sql);
     const auto& parameters = plan.translation.parameters;

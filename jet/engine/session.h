@@ -25,6 +25,7 @@ struct Plan {
     dialect::Translation translation;
     std::vector<MirrorTable*> tables;  ///< as in translation.tables
     std::uint64_t generation = 0;      ///< of its tables when their indexes were last looked at
+    bool isLoaded = false;             ///< the copies of its tables have all that it looks at
 };
 
 /// Rows still to be fetched from a running statement. A change to one of its tables could disturb
@@ -44,18 +45,25 @@ class Session {
     const std::vector<std::unique_ptr<MirrorTable>>& Tables() const { return tables_; }
     /// Tables that are not in good order.
     const std::vector<DamagedTable>& Damaged() const { return damaged_; }
-    /// Error(NotFound) if there is no such table, Error(Damaged); its rows are loaded.
+    /// Error(NotFound) if there is no such table, Error(Damaged).
     MirrorTable& Table(std::string_view name);
-    /// The same without its rows.
-    MirrorTable& UnloadedTable(std::string_view name);
     const dialect::Catalog& Catalog() const { return catalog_; }
 
     /// The plan for this signature; `translate` is called when there is none yet.
     std::shared_ptr<Plan> FindPlan(const std::string& signature,
                                    const std::function<dialect::Translation()>& translate);
 
-    /// The plan's statement with its parameters bound, before its first step.
+    /// Loads what the plan looks at with these literals.
+    void Load(Plan& plan, const std::vector<dialect::Literal>& literals);
+    /// Loads, too; the plan's statement with its parameters bound, before its first step.
     StatementLease Start(Plan& plan, const std::vector<dialect::Literal>& literals);
+
+    /// A step that the interruption may end, see Sqlite.
+    bool Step(Statement& statement) { return sqlite_.StepInterruptibly(statement); }
+    void SetInterruption(std::function<bool()> wanted) {
+        sqlite_.SetInterruption(std::move(wanted));
+    }
+    void CheckInterruption() const { sqlite_.CheckInterruption(); }
 
     StatementCache& Statements() { return statements_; }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <span>
 #include <string>
@@ -55,10 +56,24 @@ class Sqlite {
     void Execute(const std::string& sql);
     sqlite3* Handle() const { return handle_.get(); }
 
+    /// From now on `wanted`, which must not throw, is asked now and then whether the statement
+    /// under way is to end. Empty: it never is.
+    void SetInterruption(std::function<bool()> wanted);
+    /// Error(Interrupted) if the statement under way is to end.
+    void CheckInterruption() const;
+    /// Statement::Step(), which the interruption may end with Error(Interrupted). All other steps
+    /// come to their end: what undoes or follows a change must not stop half-way.
+    bool StepInterruptibly(Statement& statement);
+
   private:
     struct Close {
         void operator()(sqlite3* database) const noexcept;
     };
+    struct Interruption {
+        std::function<bool()> wanted;
+        bool listening = false;
+    };
+    std::unique_ptr<Interruption> interruption_;
     std::unique_ptr<sqlite3, Close> handle_;
 };
 
