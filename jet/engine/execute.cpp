@@ -122,8 +122,9 @@ std::int64_t RunUpdate(Session& session, Plan& plan, StatementLease statement) {
 std::int64_t Execute(Session& session, std::string_view sql) {
     const dialect::TokenList tokens = dialect::Tokenize(sql);
     const std::string_view verb = tokens.tokens.front().text;
-    const std::shared_ptr<Plan> plan = session.FindPlan(
-        "execute " + Signature(tokens), [&] { return Translate(tokens, session.Catalog()); });
+    const std::string signature = Signature(tokens, "execute ");
+    std::shared_ptr<Plan> plan = session.FindPlan(signature);
+    if (!plan) plan = session.AddPlan(signature, Translate(tokens, session.Catalog()));
     StatementLease statement = session.Start(*plan, tokens.literals);
     const auto run = dialect::SameName(verb, "insert")   ? RunInsert
                      : dialect::SameName(verb, "delete") ? RunDelete

@@ -34,6 +34,8 @@ class Selection {
 
   private:
     void Choose(const std::string& filter, const std::string& order);
+    std::shared_ptr<Plan> FindPlan(const std::string& signature, const dialect::TokenList& filter,
+                                   const dialect::TokenList& order) const;
 
     Session& session_;
     std::string sql_, filter_, order_;

@@ -125,11 +125,16 @@ MirrorTable& Session::Table(std::string_view name) {
     throw Error(ErrorKind::NotFound, "Cannot find the table '" + std::string(name) + "'");
 }
 
-std::shared_ptr<Plan> Session::FindPlan(const std::string& signature,
-                                        const std::function<dialect::Translation()>& translate) {
-    if (const auto found = plans_.find(signature); found != plans_.end()) return found->second;
+std::shared_ptr<Plan> Session::FindPlan(const std::string& signature) const {
+    const auto found = plans_.find(signature);
+    return found == plans_.end() ? nullptr : found->second;
+}
+
+std::shared_ptr<Plan> Session::AddPlan(const std::string& signature,
+                                       dialect::Translation translation) {
     auto plan = std::make_shared<Plan>();
-    plan->translation = translate();
+    plan->translation = std::move(translation);
+    plan->statements = statements_.HomeOf(plan->translation.sql);
     for (const dialect::TableUse& use : plan->translation.tables)
         plan->tables.push_back(&Table(use.definition->name));
     if (plans_.size() >= MostPlans) plans_.clear();
@@ -137,7 +142,11 @@ std::shared_ptr<Plan> Session::FindPlan(const std::string& signature,
     return plan;
 }
 
+/// An index takes as long as some twenty scans. A statement over one table is a scan; one that is
+/// not run again and again needs no index.
 void Session::LookAfterIndexes(Plan& plan) {
+    constexpr std::int64_t ScansWithoutIndex = 3;
+    if (plan.tables.size() == 1 && ++plan.starts <= ScansWithoutIndex) return;
     std::uint64_t generation = 1;
     for (const MirrorTable* table : plan.tables)
         generation += table->Generation();
@@ -163,7 +172,7 @@ void Session::Load(Plan& plan, const std::vector<dialect::Literal>& literals) {
 StatementLease Session::Start(Plan& plan, const std::vector<dialect::Literal>& literals) {
     Load(plan, literals);
     LookAfterIndexes(plan);
-    StatementLease statement = statements_.Take(plan.translation.sql);
+    StatementLease statement = statements_.Take(plan.translation.sql, plan.statements);
     const auto& parameters = plan.translation.parameters;
     for (std::size_t i = 0; i < parameters.size(); ++i) {
         BindParameter(*statement, static_cast<int>(i + 1), parameters[i],

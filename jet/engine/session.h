@@ -25,6 +25,8 @@ struct Plan {
     dialect::Translation translation;
     std::vector<MirrorTable*> tables;  ///< as in translation.tables
     std::uint64_t generation = 0;      ///< of its tables when their indexes were last looked at
+    StatementLease::Home statements;   ///< compiled and idle
+    std::int64_t starts = 0;
     bool isLoaded = false;             ///< the copies of its tables have all that it looks at
 };
 
@@ -49,9 +51,9 @@ class Session {
     MirrorTable& Table(std::string_view name);
     const dialect::Catalog& Catalog() const { return catalog_; }
 
-    /// The plan for this signature; `translate` is called when there is none yet.
-    std::shared_ptr<Plan> FindPlan(const std::string& signature,
-                                   const std::function<dialect::Translation()>& translate);
+    /// The plan that was added with this signature; null if there is none.
+    std::shared_ptr<Plan> FindPlan(const std::string& signature) const;
+    std::shared_ptr<Plan> AddPlan(const std::string& signature, dialect::Translation translation);
 
     /// Loads what the plan looks at with these literals.
     void Load(Plan& plan, const std::vector<dialect::Literal>& literals);
