@@ -106,6 +106,10 @@ class Database {
     /// Makes all changes so far durable.
     void Flush();
 
+    /// Closes the database without the changes that are not durable yet: those since the last
+    /// Flush() or, where they took longer, since a group of them reached the disk.
+    void Discard();
+
   private:
     class Implementation;
     explicit Database(std::unique_ptr<Implementation> implementation);

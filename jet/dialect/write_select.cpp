@@ -56,6 +56,7 @@ std::string Translator::WriteStoredTable(const Source& source, Scope& scope) {
 std::string Translator::WriteSource(const Source& source, Scope& scope) {
     if (source.kind == Source::Kind::Table) return WriteStoredTable(source, scope);
     if (source.kind == Source::Kind::Query) {
+        result_.joinsQueries = true;
         Instance instance;
         instance.name = source.alias;
         const std::string query = WriteSelect(*source.query, nullptr, true, instance.columns);

@@ -112,6 +112,10 @@ void Database::SetInterruption(std::function<bool()> wanted) {
     implementation_->session->SetInterruption(std::move(wanted));
 }
 
+void Database::Discard() {
+    implementation_->session->Discard();
+}
+
 void Database::Flush() {
     implementation_->session->Flush();
 }

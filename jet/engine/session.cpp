@@ -172,6 +172,8 @@ void Session::Load(Plan& plan, const std::vector<dialect::Literal>& literals) {
 StatementLease Session::Start(Plan& plan, const std::vector<dialect::Literal>& literals) {
     Load(plan, literals);
     LookAfterIndexes(plan);
+    // The advisor has made those that a join of stored tables needs.
+    sqlite_.LetStatementsMakeIndexes(plan.translation.joinsQueries);
     StatementLease statement = statements_.Take(plan.translation.sql, plan.statements);
     const auto& parameters = plan.translation.parameters;
     for (std::size_t i = 0; i < parameters.size(); ++i) {
@@ -193,6 +195,11 @@ void Session::BeforeChange(const MirrorTable& table) {
 
 void Session::Flush() {
     if (mode_ == OpenMode::ReadWrite) file_->Commit();
+}
+
+void Session::Discard() {
+    if (file_) file_->Discard();
+    Close();
 }
 
 void Session::Close() {

@@ -78,6 +78,8 @@ class Session {
     void AfterChange() { file_->CommitIfDue(); }
     void Flush();
 
+    /// Gives the file up as it was after the last Flush().
+    void Discard();
     /// Commits and gives the file up. Record sets can still read what is in memory.
     void Close();
 

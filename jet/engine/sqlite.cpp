@@ -144,6 +144,12 @@ void Sqlite::Execute(const std::string& sql) {
     if (code != SQLITE_OK) Fail(handle_.get(), code);
 }
 
+void Sqlite::LetStatementsMakeIndexes(bool yes) {
+    if (yes == statementsMakeIndexes_) return;
+    statementsMakeIndexes_ = yes;
+    Execute(yes ? "PRAGMA automatic_index=ON" : "PRAGMA automatic_index=OFF");
+}
+
 void Sqlite::SetInterruption(std::function<bool()> wanted) {
     interruption_->wanted = std::move(wanted);
     const auto ask = [](void* context) {

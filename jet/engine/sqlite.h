@@ -56,6 +56,11 @@ class Sqlite {
     void Execute(const std::string& sql);
     sqlite3* Handle() const { return handle_.get(); }
 
+    /// Whether statements that begin from now on may make indexes for themselves. With one of those
+    /// the rows of a join come in no order and are sorted before the first of them is seen, which is
+    /// for ever where each row of a table meets all of another.
+    void LetStatementsMakeIndexes(bool yes);
+
     /// From now on `wanted`, which must not throw, is asked now and then whether the statement
     /// under way is to end. Empty: it never is.
     void SetInterruption(std::function<bool()> wanted);
@@ -74,6 +79,7 @@ class Sqlite {
         bool listening = false;
     };
     std::unique_ptr<Interruption> interruption_;
+    bool statementsMakeIndexes_ = true;
     std::unique_ptr<sqlite3, Close> handle_;
 };
 
