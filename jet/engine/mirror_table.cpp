@@ -110,9 +110,8 @@ bool MirrorTable::IsHeld(std::size_t column) const {
 }
 
 bool MirrorTable::Has(std::span<const std::size_t> columns) const {
-    return hasAllRows_ && std::ranges::all_of(columns, [this](std::size_t column) {
-               return IsHeld(column);
-           });
+    return hasAllRows_ &&
+           std::ranges::all_of(columns, [this](std::size_t column) { return IsHeld(column); });
 }
 
 void MirrorTable::Load(std::span<const std::size_t> columns) {
@@ -172,8 +171,8 @@ std::int64_t MirrorTable::CopyScan(std::span<const std::size_t> columns, const s
 void MirrorTable::DropAllButSingleRows() {
     std::vector<RowKey> dropped;
     {
-        const std::string sql = "SELECT " + QuotedName(KeyColumn) + " FROM " +
-                                dialect::TableName(definition_.name);
+        const std::string sql =
+            "SELECT " + QuotedName(KeyColumn) + " FROM " + dialect::TableName(definition_.name);
         StatementLease keys = statements_.Take(sql);
         while (keys->Step())
             if (!single_.contains(keys->Integer(0))) dropped.push_back(keys->Integer(0));

@@ -98,13 +98,13 @@ class MirrorTable {
     storage::Table* stored_;  ///< null after Detach()
     TableDefinition definition_;
     std::vector<dialect::ValueKind> kinds_;
-    std::string insertSql_;               ///< of a row with the columns that the copy has
+    std::string insertSql_;  ///< of a row with the columns that the copy has
     std::string deleteSql_, updateStart_;
     std::optional<std::size_t> autoNumber_;
     bool hasAllRows_ = false;
-    std::vector<std::size_t> columns_;     ///< that the copy has
-    std::unordered_set<RowKey> single_;    ///< the rows of a copy that does not have all
-    std::int64_t lookups_ = 0;             ///< by LoadRowsWith
+    std::vector<std::size_t> columns_;   ///< that the copy has
+    std::unordered_set<RowKey> single_;  ///< the rows of a copy that does not have all
+    std::int64_t lookups_ = 0;           ///< by LoadRowsWith
     std::int64_t rows_ = 0;
     std::int64_t nextGenerationAt_ = 0;
     std::uint64_t changes_ = 0, deletions_ = 0, generation_ = 0;

@@ -52,8 +52,14 @@ void Selection::Choose(const std::string& filter, const std::string& order) {
         const TokenList filterTokens = TokensOf(filter);
         const TokenList orderTokens = TokensOf(order);
         std::string signature = signature_;
-        if (!filterTokens.tokens.empty()) signature += Signature(filterTokens, "\x1d" "filter ");
-        if (!orderTokens.tokens.empty()) signature += Signature(orderTokens, "\x1d" "order ");
+        if (!filterTokens.tokens.empty())
+            signature += Signature(filterTokens,
+                                   "\x1d"
+                                   "filter ");
+        if (!orderTokens.tokens.empty())
+            signature += Signature(orderTokens,
+                                   "\x1d"
+                                   "order ");
         plan_ = FindPlan(signature, filterTokens, orderTokens);
         literals_ = tokens_.literals;
         literals_.insert(literals_.end(), filterTokens.literals.begin(),

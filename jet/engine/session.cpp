@@ -4,9 +4,9 @@
 
 #include "jet/dialect/names.h"
 #include "jet/engine/functions.h"
-#include "jet/engine/wanted_number.h"
 #include "jet/engine/text_order.h"
 #include "jet/engine/transfer.h"
+#include "jet/engine/wanted_number.h"
 #include "jet/verify/check_pages.h"
 
 namespace jet::engine {
@@ -56,10 +56,11 @@ bool LoadByKey(const dialect::TableUse& use, MirrorTable& table,
 
 }  // namespace
 
-Session::Session(const std::filesystem::path& path, OpenMode mode, const NeededTables& needed)
+Session::Session(const std::filesystem::path& path, OpenMode mode, const NeededTables& needed,
+                 const std::shared_ptr<storage::FileSystem>& files)
     : mode_(mode),
       file_(storage::DatabaseFile::Open(
-          path, StorageMode(mode),
+          path, StorageMode(mode), files,
           {.needs = [&](std::string_view table) { return needed.Include(table); },
            .inspect =
                [&](storage::PageStore& pages) {

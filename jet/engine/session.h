@@ -17,6 +17,7 @@
 #include "jet/engine/mirror_table.h"
 #include "jet/engine/statement_cache.h"
 #include "jet/storage/database_file.h"
+#include "jet/storage/file_system.h"
 
 namespace jet::engine {
 
@@ -27,7 +28,7 @@ struct Plan {
     std::uint64_t generation = 0;      ///< of its tables when their indexes were last looked at
     StatementLease::Home statements;   ///< compiled and idle
     std::int64_t starts = 0;
-    bool isLoaded = false;             ///< the copies of its tables have all that it looks at
+    bool isLoaded = false;  ///< the copies of its tables have all that it looks at
 };
 
 /// Rows still to be fetched from a running statement. A change to one of its tables could disturb
@@ -42,7 +43,8 @@ class RowStream {
 /// An open database: the file, its copy in memory, and everything prepared so far.
 class Session {
   public:
-    Session(const std::filesystem::path& path, OpenMode mode, const NeededTables& needed);
+    Session(const std::filesystem::path& path, OpenMode mode, const NeededTables& needed,
+            const std::shared_ptr<storage::FileSystem>& files = storage::RealFileSystem());
 
     const std::vector<std::unique_ptr<MirrorTable>>& Tables() const { return tables_; }
     /// Tables that are not in good order.

@@ -43,8 +43,7 @@ bool TableIndex::IsTaken(const IndexKey& key) const {
     return unique_ && !key.allNull && tree_.ContainsKey(key.bytes);
 }
 
-std::optional<std::vector<RowId>> TableIndex::RowsWith(const Value& first,
-                                                       std::size_t most) const {
+std::optional<std::vector<RowId>> TableIndex::RowsWith(const Value& first, std::size_t most) const {
     Bytes start;
     AppendKey(start, first, parts_.front().type, parts_.front().scale, parts_.front().ascending);
     std::vector<RowId> rows;
