@@ -1,7 +1,6 @@
 #include "jet/engine/mirror_table.h"
 
 #include <algorithm>
-#include <iterator>
 
 #include "jet/dialect/names.h"
 #include "jet/dialect/translate.h"
@@ -143,13 +142,17 @@ void MirrorTable::AddRows(std::span<const std::size_t> columns) {
     CountRow();
 }
 
+/// Whoever asks for more columns time and again shall not have the table read as often.
 void MirrorTable::AddColumns(std::span<const std::size_t> columns) {
     std::vector<std::size_t> lacking;
-    std::ranges::copy_if(columns, std::back_inserter(lacking),
-                         [this](std::size_t column) { return !IsHeld(column); });
+    for (std::size_t column = 0; column < kinds_.size(); ++column) {
+        const bool wanted = completed_ || std::ranges::find(columns, column) != columns.end();
+        if (wanted && !IsHeld(column)) lacking.push_back(column);
+    }
     CopyScan(lacking, UpdateSql(lacking));
     columns_.insert(columns_.end(), lacking.begin(), lacking.end());
     insertSql_ = InsertSql(columns_);
+    completed_ = true;
     ++changes_;
 }
 

@@ -25,8 +25,9 @@ constexpr std::int64_t SmallTable = 32;
 /// here: first into the storage, which may refuse, then into the copy.
 ///
 /// The copy holds what statements have needed. At first that are single rows, each with all of its
-/// columns; from the first statement on that needs more of them, it is all rows with those columns
-/// that any statement has asked for. A column that the copy lacks is Null in it.
+/// columns; from the first statement on that needs more of them, it is all rows with the columns
+/// that it asks for. More columns are added once, after that all at once. A column that the copy
+/// lacks is Null in it.
 class MirrorTable {
   public:
     /// Makes the copy's table, empty; nothing is owned.
@@ -102,6 +103,7 @@ class MirrorTable {
     std::string deleteSql_, updateStart_;
     std::optional<std::size_t> autoNumber_;
     bool hasAllRows_ = false;
+    bool completed_ = false;             ///< columns have been added
     std::vector<std::size_t> columns_;   ///< that the copy has
     std::unordered_set<RowKey> single_;  ///< the rows of a copy that does not have all
     std::int64_t lookups_ = 0;           ///< by LoadRowsWith

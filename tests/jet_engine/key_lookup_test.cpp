@@ -114,12 +114,12 @@ TEST_F(CountedLookup, ReadsTheLeafOfTheIndexAndThePageOfTheRow) {
 
 TEST_F(CountedLookup, GivesWayToTheWholeTableWhereManyRowsAreAskedFor) {
     EXPECT_GT(ReadsFor("SELECT Count(*) FROM T WHERE Small = 5"), 30U);
-    engine::MirrorTable& table = session_->Table("T");
+    const engine::MirrorTable& table = session_->Table("T");
     EXPECT_EQ(table.RowCount(), 4000);
 }
 
 TEST_F(CountedLookup, GivesWayToTheWholeTableAfterManyLookups) {
-    engine::MirrorTable& table = session_->Table("T");
+    const engine::MirrorTable& table = session_->Table("T");
     for (int id = 1; id <= 250; ++id)
         EXPECT_NE(Rows("SELECT ID FROM T WHERE ID = " + std::to_string(id)), "");
     EXPECT_EQ(table.RowCount(), 250);

@@ -112,6 +112,15 @@ TEST_F(Copy, HoldsTheColumnsThatWereAskedForAndNoOthers) {
     EXPECT_EQ(Held("count(Large)"), "0");
 }
 
+TEST_F(Copy, TakesAllColumnsRatherThanHaveTheTableReadTimeAndAgain) {
+    copy_.Load(Columns({0}));
+    copy_.Load(Columns({1}));
+    EXPECT_FALSE(copy_.Has(Columns({2})));
+    copy_.Load(Columns({2}));
+    EXPECT_TRUE(copy_.Has(Columns({0, 1, 2, 3, 4, 5, 6})));
+    EXPECT_EQ(Held("count(Plain)"), "300");
+}
+
 TEST_F(Copy, HoldsSingleRowsWholeUntilAllAreThere) {
     EXPECT_TRUE(copy_.LoadRowsWith(0, 7));
     EXPECT_EQ(copy_.RowCount(), 1);
