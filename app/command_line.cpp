@@ -73,12 +73,17 @@ constexpr const char* CreateFooter = R"(Example:
 
 constexpr const char* QueryFooter =
     R"(The database is not changed. Dates are shown as 2006-02-03T08:00:00, Null as <null> (JSON: null).
+Ctrl-C or SIGTERM ends a statement that takes long; the exit status is 3 then.
 
 Examples:
   quillon db query cdj.mdb "SELECT Artist, Title, Tracks FROM Albums WHERE Player=1001"
   quillon db query cdj.mdb "SELECT * FROM Tracks" --json > tracks.jsonl)";
 
-constexpr const char* ExecFooter = R"(Example:
+constexpr const char* ExecFooter =
+    R"(All rows are changed or none. Ctrl-C or SIGTERM ends a statement that takes long; it has changed
+nothing then, and the exit status is 3.
+
+Example:
   quillon db exec cdj.mdb "UPDATE Albums SET Rating1=5 WHERE Artist='Nina Simone'")";
 
 constexpr const char* DbCheckFooter =

@@ -30,9 +30,11 @@ struct DamagedTable {
 
 /// A Jet 4 `.mdb` database with its SQL: the public face of this library.
 ///
-/// Every row is held in memory while the database is open; each change is written through to the
-/// file's pages, which reach the disk in groups (at the latest every second, on Flush() and on
-/// closing) so that a crash leaves a whole file.
+/// A table's rows are held in memory from the first statement on that looks at them, with those of
+/// their columns that statements name; a row that a statement names by a number which an index of
+/// the file finds comes alone. Each change is written through to the file's pages, which reach the
+/// disk in groups (at the latest every second, on Flush() and on closing) so that a crash leaves a
+/// whole file.
 ///
 /// Opening for writing looks the whole file over, as CheckFile does, before anything is written: a
 /// file that contradicts itself is refused as it is, since changes would make it worse.
@@ -101,8 +103,18 @@ class Database {
     /// Tables that are not in good order, as far as opening has looked at them.
     const std::vector<DamagedTable>& Damaged() const;
 
+    /// From now on `wanted`, which must not throw, is asked many times a second while a statement
+    /// runs, the reading of its tables and the walk over its rows included. Where it says yes, the
+    /// statement ends with Error(Interrupted): every row is as it was before, and all can go on. An
+    /// empty function takes it back.
+    void SetInterruption(std::function<bool()> wanted);
+
     /// Makes all changes so far durable.
     void Flush();
+
+    /// Closes the database without the changes that are not durable yet: those since the last
+    /// Flush() or, where they took longer, since a group of them reached the disk.
+    void Discard();
 
   private:
     class Implementation;

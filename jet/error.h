@@ -22,6 +22,7 @@ enum class ErrorKind {
     Duplicate,     ///< a unique index already holds the value
     Required,      ///< a field that needs a value got Null
     NoCurrentRow,  ///< the record set stands at its beginning or end
+    Interrupted,   ///< the statement was ended before its time, as was asked for
     NotSupported,  ///< valid, but beyond what this library does
 };
 

@@ -1,5 +1,7 @@
 #include "app/commands/db_command.h"
 
+#include <csignal>
+#include <filesystem>
 #include <fmt/format.h>
 #include <ostream>
 #include <string>
@@ -8,6 +10,7 @@
 #include "app/checks/journal_remark.h"
 #include "app/display_text.h"
 #include "app/jukebox_database.h"
+#include "app/signals.h"
 #include "app/table_printer.h"
 #include "app/value_text.h"
 #include "jet/check.h"
@@ -63,6 +66,32 @@ void PrintJson(jet::RecordSet& rows, std::ostream& out) {
     }
 }
 
+constexpr int InterruptedStatus = 3;
+
+/// Opens the database for a statement, which `work` runs. Ctrl-C, SIGTERM and a terminal that
+/// closes end it; what it has begun to change is forgotten. The exit status.
+template <typename Work>
+int RunStatement(const std::filesystem::path& file, jet::OpenMode mode, Console console,
+                 Work work) {
+    struct sigaction pipe{};
+    sigaction(SIGPIPE, nullptr, &pipe);
+    const AbortSignals signals;
+    // Who reads the rows may stop reading, which ends a query like any other filter.
+    sigaction(SIGPIPE, &pipe, nullptr);
+    jet::Database database = jet::Database::Open(file, mode, jet::NeededTables::None());
+    database.SetInterruption([] { return AbortSignals::AbortRequested(); });
+    try {
+        work(database);
+        return DoneStatus;
+    } catch (const jet::Error& error) {
+        database.Discard();
+        if (error.Kind() != jet::ErrorKind::Interrupted) throw;
+        console.out.flush();
+        console.err << "quillon: " << error.what() << "; it changed nothing\n";
+        return InterruptedStatus;
+    }
+}
+
 }  // namespace
 
 int DbCreate(const DbCreateRequest& request, Console console) {
@@ -73,24 +102,24 @@ int DbCreate(const DbCreateRequest& request, Console console) {
 }
 
 int DbQuery(const DbQueryRequest& request, Console console) {
-    jet::Database database =
-        jet::Database::Open(request.file, jet::OpenMode::ReadOnly, jet::NeededTables::None());
-    const auto rows = database.Query(request.sql);
-    if (request.json) {
-        PrintJson(*rows, console.out);
-    } else {
-        PrintTable(*rows, console.out);
-    }
-    return DoneStatus;
+    return RunStatement(request.file, jet::OpenMode::ReadOnly, console,
+                        [&](jet::Database& database) {
+                            const auto rows = database.Query(request.sql);
+                            if (request.json) {
+                                PrintJson(*rows, console.out);
+                            } else {
+                                PrintTable(*rows, console.out);
+                            }
+                        });
 }
 
 int DbExec(const DbExecRequest& request, Console console) {
-    jet::Database database =
-        jet::Database::Open(request.file, jet::OpenMode::ReadWrite, jet::NeededTables::None());
-    const std::int64_t rows = database.Execute(request.sql);
-    database.Flush();
-    console.out << fmt::format("{} row{}\n", rows, rows == 1 ? "" : "s");
-    return DoneStatus;
+    return RunStatement(request.file, jet::OpenMode::ReadWrite, console,
+                        [&](jet::Database& database) {
+                            const std::int64_t rows = database.Execute(request.sql);
+                            database.Flush();
+                            console.out << fmt::format("{} row{}\n", rows, rows == 1 ? "" : "s");
+                        });
 }
 
 int DbCheck(const DbCheckRequest& request, Console console) {

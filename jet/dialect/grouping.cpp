@@ -16,6 +16,11 @@ void SplitConjuncts(const Expression& condition, std::vector<const Expression*>&
     }
 }
 
+void Note(std::vector<std::size_t>& columns, std::size_t column) {
+    if (std::find(columns.begin(), columns.end(), column) == columns.end())
+        columns.push_back(column);
+}
+
 }  // namespace
 
 bool IsGrouped(const Select& select) {
@@ -161,22 +166,53 @@ bool Translator::Mentions(const Expression& expression, const Instance& instance
     return found;
 }
 
+void Translator::NoteColumn(std::size_t table, std::size_t column) {
+    Note(result_.tables[table].columns, column);
+}
+
 void Translator::NoteEquality(const Expression& column, const Expression& other,
                               const Scope& scope) {
     if (column.kind != Kind::Column) return;
     const Target target = Resolve(column, Context{&scope});
     if (target.scope != &scope || !target.instance || !target.instance->definition) return;
     if (Mentions(other, *target.instance, scope)) return;
-    const auto note = [&target](std::vector<std::size_t>& columns) {
-        if (std::find(columns.begin(), columns.end(), target.column) == columns.end())
-            columns.push_back(target.column);
-    };
     TableUse& use = result_.tables[target.instance->use];
-    note(use.equalColumns);
+    Note(use.columns, target.column);
+    Note(use.equalColumns, target.column);
     const bool joined =
         std::any_of(scope.instances.begin(), scope.instances.end(),
                     [&](const Instance& instance) { return Mentions(other, instance, scope); });
-    if (!joined) note(use.valueColumns);
+    if (!joined) Note(use.valueColumns, target.column);
+}
+
+/// Rows that do not meet the condition take no part in a query over one table, whatever else it
+/// asks. The condition of an outer join is another matter: it comes with more than one table.
+void Translator::NoteKey(const Expression& column, const Expression& value,
+                         const Context& context) {
+    if (column.kind != Kind::Column) return;
+    const bool negated = value.kind == Kind::Negative;
+    const Expression& number = negated ? value.operands[0] : value;
+    if (number.kind != Kind::Parameter && number.kind != Kind::Number) return;
+    Target target = Resolve(column, context);
+    if (target.output && target.output->value.kind == Kind::Column) {
+        Context inner = context;
+        inner.outputsFirst = inner.outputsAllowed = false;
+        target = Resolve(target.output->value, inner);
+    }
+    if (target.scope != context.scope || !target.instance || !target.instance->definition) return;
+    result_.tables[target.instance->use].keys.push_back(
+        {.column = target.column, .literal = number.literal, .negated = negated});
+}
+
+void Translator::NoteKeys(const Expression& condition, const Context& context) {
+    if (context.scope->instances.size() != 1) return;
+    std::vector<const Expression*> conjuncts;
+    SplitConjuncts(condition, conjuncts);
+    for (const Expression* conjunct : conjuncts) {
+        if (conjunct->kind != Kind::Operator || conjunct->name != "=") continue;
+        NoteKey(conjunct->operands[0], conjunct->operands[1], context);
+        NoteKey(conjunct->operands[1], conjunct->operands[0], context);
+    }
 }
 
 void Translator::NoteEqualities(const Expression& condition, const Scope& scope) {

@@ -202,10 +202,11 @@ bool IsParameter(const TokenList& list, std::size_t token) {
     }
 }
 
-std::string Signature(const TokenList& list) {
+std::string Signature(const TokenList& list, std::string_view purpose) {
     static constexpr char Separator = '\x1f';
     std::string signature;
     signature.reserve(256);
+    signature.append(purpose);
     for (std::size_t i = 0; i < list.tokens.size(); ++i) {
         const Token& token = list.tokens[i];
         if (IsParameter(list, i)) {

@@ -48,8 +48,8 @@ TokenList Tokenize(std::string_view statement);
 bool IsParameter(const TokenList& list, std::size_t token);
 
 /// Two statements with the same signature differ in nothing but the values of their parameters, so
-/// that one compiled form serves both.
-std::string Signature(const TokenList& list);
+/// that one compiled form serves both. It begins with `purpose`.
+std::string Signature(const TokenList& list, std::string_view purpose = {});
 
 /// A `Like` pattern that means "ends with the rest of the pattern": it begins with a percent sign,
 /// goes on, and does not end with one. Percent signs after the first stand for themselves.

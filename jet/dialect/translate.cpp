@@ -51,6 +51,7 @@ Translation TranslateKeys(const Select& select, const Catalog& catalog) {
                                                      "' is computed: rows with it cannot be "
                                                      "changed through a record set");
         }
+        translator.NoteColumn(column.source->table, column.source->column);
         result.columns.push_back(std::move(column));
     }
     for (const Instance& instance : scope.instances) {
@@ -127,7 +128,9 @@ Translation TranslateInsert(const Insert& insert, const Catalog& catalog) {
         throw Error(ErrorKind::NotFound, "Cannot find the output table '" + insert.table + "'");
     Translation result = TranslateQuery(*insert.query, catalog);
     result.keyTables.push_back(result.tables.size());
-    result.tables.push_back({definition, {}, {}, {}, {}});
+    result.tables.emplace_back();
+    result.tables.back().definition = definition;
+    result.tables.back().isRead = false;
     UpdateTarget target;
     target.table = result.keyTables.front();
     const std::size_t count =

@@ -17,9 +17,20 @@ namespace jet::dialect {
 /// outlive the translation.
 using Catalog = std::function<const TableDefinition*(std::string_view)>;
 
+/// A condition that every row must meet to count: the column equals a number written in the
+/// statement.
+struct KeyCondition {
+    std::size_t column = 0;
+    std::size_t literal = 0;
+    bool negated = false;  ///< a minus sign stands before the number
+};
+
 /// A table of the statement, subqueries included, and what would speed up finding its rows.
 struct TableUse {
     const TableDefinition* definition = nullptr;
+    bool isRead = true;                      ///< false: rows are added to it, none is looked at
+    std::vector<std::size_t> columns;        ///< whose values the statement looks at
+    std::vector<KeyCondition> keys;          ///< of a table that is its FROM's only one
     std::vector<std::size_t> equalColumns;   ///< compared for equality with something else
     std::vector<std::size_t> valueColumns;   ///< those of them that need no other table's rows
     std::vector<std::size_t> suffixColumns;  ///< looked up by the end of their text
@@ -71,6 +82,7 @@ struct Translation {
     std::vector<TableUse> tables;
     std::vector<std::size_t> keyTables;  ///< of keys: position in `tables` of each
     std::vector<UpdateTarget> targets;   ///< of an UPDATE or INSERT
+    bool joinsQueries = false;           ///< a FROM has a subquery, over which no index can be made
 };
 
 /// No field of a Jet table can have this name.

@@ -87,6 +87,8 @@ class Translator {
     void ExpandOutputs(const Select& select, Scope& scope) const;
 
     Translation& Result() { return result_; }
+    /// The statement looks at this column's values.
+    void NoteColumn(std::size_t table, std::size_t column);
 
   private:
     std::string WriteSource(const Source& source, Scope& scope);
@@ -107,6 +109,8 @@ class Translator {
     bool SameExpression(const Expression& left, const Expression& right, const Scope& scope) const;
     void NoteEqualities(const Expression& condition, const Scope& scope);
     void NoteEquality(const Expression& column, const Expression& other, const Scope& scope);
+    void NoteKeys(const Expression& condition, const Context& context);
+    void NoteKey(const Expression& column, const Expression& value, const Context& context);
     bool Mentions(const Expression& expression, const Instance& instance, const Scope& scope) const;
 
     Written WriteParameter(const Expression& expression);

@@ -140,6 +140,7 @@ Written Translator::WriteColumn(const Expression& expression, const Context& con
         return written;
     }
     const Instance& instance = *target.instance;
+    if (instance.definition) NoteColumn(instance.use, target.column);
     const ResultColumn& column = instance.columns[target.column];
     const std::string name =
         instance.definition ? column.name : "c" + std::to_string(target.column);

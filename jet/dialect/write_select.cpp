@@ -46,7 +46,8 @@ std::string Translator::WriteStoredTable(const Source& source, Scope& scope) {
         instance.columns.push_back(
             {column.name, KindOf(column.type), FieldSource{instance.use, i}});
     }
-    result_.tables.push_back({definition, {}, {}, {}, {}});
+    result_.tables.emplace_back();
+    result_.tables.back().definition = definition;
     const std::string sql = TableName(definition->name) + " AS " + instance.alias;
     scope.instances.push_back(std::move(instance));
     return sql;
@@ -55,6 +56,7 @@ std::string Translator::WriteStoredTable(const Source& source, Scope& scope) {
 std::string Translator::WriteSource(const Source& source, Scope& scope) {
     if (source.kind == Source::Kind::Table) return WriteStoredTable(source, scope);
     if (source.kind == Source::Kind::Query) {
+        result_.joinsQueries = true;
         Instance instance;
         instance.name = source.alias;
         const std::string query = WriteSelect(*source.query, nullptr, true, instance.columns);
@@ -98,6 +100,7 @@ std::string Translator::WriteWhere(const std::optional<Expression>& where, const
     Context context{&scope};
     context.groupKey = true;
     NoteEqualities(*where, scope);
+    NoteKeys(*where, context);
     return " WHERE (" + Condition(*where, context) + ")";
 }
 
@@ -116,6 +119,7 @@ Translator::Parts Translator::WriteParts(const Select& select, Scope& scope, boo
     for (const Expression* condition : early) {
         rows.outputsFirst = select.filter && condition == &*select.filter;
         NoteEqualities(*condition, scope);
+        NoteKeys(*condition, rows);
         parts.where +=
             (parts.where.empty() ? " WHERE (" : " AND (") + Condition(*condition, rows) + ")";
     }

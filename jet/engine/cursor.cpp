@@ -22,6 +22,7 @@ Cursor::Cursor(std::shared_ptr<Session> session, std::string sql)
         sources_.push_back(
             {static_cast<std::size_t>(slot - keyTables.begin()), field.source->column});
     }
+    selection_.Load();
 }
 
 void Cursor::Restart() {
@@ -189,6 +190,7 @@ void Cursor::InsertRow() {
         row[sources_[field].column] = value;
     session_->BeforeChange(table);
     place_->keys.assign(1, table.Insert(std::move(row)));
+    table.Hold(place_->keys.front());
     if (place_->rows) place_->position = place_->rows->Append(place_->keys);
     place_->standing = Standing::OnRow;
 }
@@ -231,11 +233,13 @@ void Cursor::Delete() {
 
 void Cursor::Filter(std::string_view criterion) {
     selection_.Filter(criterion);
+    selection_.Load();
     Restart();
 }
 
 void Cursor::Sort(std::string_view order) {
     selection_.Sort(order);
+    selection_.Load();
     Restart();
 }
 

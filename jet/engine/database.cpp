@@ -55,7 +55,7 @@ std::unique_ptr<RecordSet> Database::OpenTable(std::string_view table) {
 
 void Database::Scan(std::string_view table, std::span<const std::string_view> fields,
                     const std::function<void(RowKey, std::span<Value>)>& visit) {
-    const engine::MirrorTable& scanned = implementation_->session->UnloadedTable(table);
+    const engine::MirrorTable& scanned = implementation_->session->Table(table);
     std::vector<std::size_t> columns;
     for (const std::string_view field : fields)
         columns.push_back(scanned.Column(field));
@@ -73,7 +73,7 @@ std::int64_t Database::NextNumber(std::string_view table) const {
 
 Database::AddedRow Database::Insert(std::string_view table, std::span<const Field> fields) {
     engine::Session& session = *implementation_->session;
-    engine::MirrorTable& target = session.UnloadedTable(table);
+    engine::MirrorTable& target = session.Table(table);
     storage::Row row(target.Definition().columns.size());
     for (const Field& field : fields)
         row[target.Column(field.name)] = field.value;
@@ -86,7 +86,7 @@ Database::AddedRow Database::Insert(std::string_view table, std::span<const Fiel
 
 void Database::Update(std::string_view table, RowKey row, std::span<const Field> fields) {
     engine::Session& session = *implementation_->session;
-    engine::MirrorTable& target = session.UnloadedTable(table);
+    engine::MirrorTable& target = session.Table(table);
     std::vector<storage::FieldChange> changes;
     for (const Field& field : fields) {
         const std::size_t column = target.Column(field.name);
@@ -100,7 +100,7 @@ void Database::Update(std::string_view table, RowKey row, std::span<const Field>
 
 void Database::Delete(std::string_view table, RowKey row) {
     engine::Session& session = *implementation_->session;
-    engine::MirrorTable& target = session.UnloadedTable(table);
+    engine::MirrorTable& target = session.Table(table);
     session.BeforeChange(target);
     target.Delete(row);
     session.AfterChange();
@@ -115,6 +115,14 @@ std::vector<TableDefinition> Database::Tables() const {
 
 const std::vector<DamagedTable>& Database::Damaged() const {
     return implementation_->session->Damaged();
+}
+
+void Database::SetInterruption(std::function<bool()> wanted) {
+    implementation_->session->SetInterruption(std::move(wanted));
+}
+
+void Database::Discard() {
+    implementation_->session->Discard();
 }
 
 void Database::Flush() {

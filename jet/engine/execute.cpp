@@ -31,7 +31,7 @@ std::int64_t RunInsert(Session& session, Plan& plan, StatementLease statement) {
     const dialect::UpdateTarget& target = plan.translation.targets.front();
     MirrorTable& table = *plan.tables[target.table];
     std::vector<storage::Row> rows;
-    while (statement->Step()) {
+    while (session.Step(*statement)) {
         storage::Row row(table.Definition().columns.size());
         for (const auto& assignment : target.assignments)
             row[assignment.column] = ReadColumn(*statement, plan.translation, assignment.value);
@@ -40,8 +40,10 @@ std::int64_t RunInsert(Session& session, Plan& plan, StatementLease statement) {
     statement->Reset();
     session.BeforeChange(table);
     ChangeGroup group;
-    for (storage::Row& row : rows)
+    for (storage::Row& row : rows) {
+        session.CheckInterruption();
         group.Insert(table, std::move(row));
+    }
     group.Keep();
     return static_cast<std::int64_t>(rows.size());
 }
@@ -49,15 +51,17 @@ std::int64_t RunInsert(Session& session, Plan& plan, StatementLease statement) {
 std::int64_t RunDelete(Session& session, Plan& plan, StatementLease statement) {
     MirrorTable& table = *plan.tables[plan.translation.keyTables.front()];
     std::vector<RowKey> keys;
-    while (statement->Step())
+    while (session.Step(*statement))
         keys.push_back(statement->Integer(0));
     // Keys of an outer join's missing rows are Null.
     std::erase(keys, RowKey{0});
     statement->Reset();
     session.BeforeChange(table);
     ChangeGroup group;
-    for (const RowKey key : keys)
+    for (const RowKey key : keys) {
+        session.CheckInterruption();
         group.Delete(table, key);
+    }
     group.Keep();
     return static_cast<std::int64_t>(keys.size());
 }
@@ -94,7 +98,7 @@ RowUpdate ReadUpdate(const Plan& plan, const dialect::UpdateTarget& target,
 std::int64_t RunUpdate(Session& session, Plan& plan, StatementLease statement) {
     std::vector<RowUpdate> updates;
     std::int64_t count = 0;
-    while (statement->Step()) {
+    while (session.Step(*statement)) {
         ++count;
         for (const dialect::UpdateTarget& target : plan.translation.targets) {
             RowUpdate update = ReadUpdate(plan, target, *statement);
@@ -105,8 +109,10 @@ std::int64_t RunUpdate(Session& session, Plan& plan, StatementLease statement) {
     for (const dialect::UpdateTarget& target : plan.translation.targets)
         session.BeforeChange(*plan.tables[target.table]);
     ChangeGroup group;
-    for (RowUpdate& update : updates)
+    for (RowUpdate& update : updates) {
+        session.CheckInterruption();
         group.Update(*update.table, update.key, update.changes, std::move(update.old));
+    }
     group.Keep();
     return count;
 }
@@ -116,8 +122,9 @@ std::int64_t RunUpdate(Session& session, Plan& plan, StatementLease statement) {
 std::int64_t Execute(Session& session, std::string_view sql) {
     const dialect::TokenList tokens = dialect::Tokenize(sql);
     const std::string_view verb = tokens.tokens.front().text;
-    const std::shared_ptr<Plan> plan = session.FindPlan(
-        "execute " + Signature(tokens), [&] { return Translate(tokens, session.Catalog()); });
+    const std::string signature = Signature(tokens, "execute ");
+    std::shared_ptr<Plan> plan = session.FindPlan(signature);
+    if (!plan) plan = session.AddPlan(signature, Translate(tokens, session.Catalog()));
     StatementLease statement = session.Start(*plan, tokens.literals);
     const auto run = dialect::SameName(verb, "insert")   ? RunInsert
                      : dialect::SameName(verb, "delete") ? RunDelete

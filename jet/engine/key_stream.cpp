@@ -26,9 +26,10 @@ void KeyStream::Stop() noexcept {
     statement_.reset();
 }
 
-bool KeyStream::FetchOne() {
+bool KeyStream::FetchOne(bool interruptible) {
     if (!statement_) return false;
-    if (!(*statement_)->Step()) {
+    Statement& statement = **statement_;
+    if (!(interruptible ? session_.Step(statement) : statement.Step())) {
         Stop();
         return false;
     }
@@ -39,7 +40,7 @@ bool KeyStream::FetchOne() {
 
 bool KeyStream::Has(std::size_t row) {
     while (row >= keys_.size() / width_)
-        if (!FetchOne()) return false;
+        if (!FetchOne(true)) return false;
     return true;
 }
 
@@ -54,7 +55,7 @@ bool KeyStream::Reads(const MirrorTable& table) const {
 }
 
 void KeyStream::Drain() {
-    while (FetchOne())
+    while (FetchOne(false))
         continue;
 }
 

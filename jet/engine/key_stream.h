@@ -33,7 +33,7 @@ class KeyStream final : public RowStream {
     void Drain() override;
 
   private:
-    bool FetchOne();
+    bool FetchOne(bool interruptible);
     void Stop() noexcept;
 
     Session& session_;

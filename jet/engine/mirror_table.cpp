@@ -38,6 +38,10 @@ std::string_view Declaration(ValueKind kind) {
     return " BLOB";
 }
 
+/// A table is loaded once there were look-ups for one in so many of its rows: by then they have
+/// cost about as much as that.
+constexpr std::int64_t RowsForEachLookup = 16;
+
 bool IsFloating(ColumnType type) {
     return type == ColumnType::Single || type == ColumnType::Double;
 }
@@ -46,24 +50,42 @@ bool IsFloating(ColumnType type) {
 
 MirrorTable::MirrorTable(Sqlite& sqlite, StatementCache& statements, storage::Table& stored)
     : sqlite_(sqlite), statements_(statements), stored_(&stored), definition_(stored.Definition()) {
-    const TableDefinition& definition = definition_;
-    const std::string name = dialect::TableName(definition.name);
+    const std::string name = dialect::TableName(definition_.name);
     const std::string key = QuotedName(KeyColumn);
     std::string create = "CREATE TABLE " + name + "(" + key + " INTEGER PRIMARY KEY";
-    insertSql_ = "INSERT INTO " + name + " VALUES(?1";
-    for (std::size_t i = 0; i < definition.columns.size(); ++i) {
-        const ColumnDefinition& column = definition.columns[i];
+    for (std::size_t i = 0; i < definition_.columns.size(); ++i) {
+        const ColumnDefinition& column = definition_.columns[i];
         kinds_.push_back(dialect::KindOf(column.type));
         create += "," + QuotedName(column.name);
         create += IsFloating(column.type) ? std::string_view(" REAL") : Declaration(kinds_.back());
-        insertSql_ += ",?" + std::to_string(i + 2);
         if (column.autoNumber) autoNumber_ = i;
+        columns_.push_back(i);
     }
-    insertSql_ += ")";
+    insertSql_ = InsertSql(columns_);
     deleteSql_ = "DELETE FROM " + name + " WHERE " + key + "=?1";
     updateStart_ = "UPDATE " + name + " SET ";
     sqlite_.Execute(create + ")");
     nextGenerationAt_ = SmallTable;
+}
+
+/// A row that is there already has more columns than this one.
+std::string MirrorTable::InsertSql(std::span<const std::size_t> columns) const {
+    std::string names = QuotedName(KeyColumn), values = "?1";
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        names += "," + QuotedName(definition_.columns[columns[i]].name);
+        values += ",?" + std::to_string(i + 2);
+    }
+    return "INSERT OR IGNORE INTO " + dialect::TableName(definition_.name) + "(" + names +
+           ") VALUES(" + values + ")";
+}
+
+std::string MirrorTable::UpdateSql(std::span<const std::size_t> columns) const {
+    std::string sql = updateStart_;
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        if (i > 0) sql += ',';
+        sql += QuotedName(definition_.columns[columns[i]].name) + "=?" + std::to_string(i + 2);
+    }
+    return sql + " WHERE " + QuotedName(KeyColumn) + "=?1";
 }
 
 std::size_t MirrorTable::Column(std::string_view name) const {
@@ -82,25 +104,113 @@ void MirrorTable::Scan(std::span<const std::size_t> columns,
         columns, [&visit](RowId row, std::span<Value> values) { visit(row.AsInteger(), values); });
 }
 
-void MirrorTable::Load() {
-    if (loaded_) return;
+bool MirrorTable::IsHeld(std::size_t column) const {
+    return std::ranges::find(columns_, column) != columns_.end();
+}
+
+bool MirrorTable::Has(std::span<const std::size_t> columns) const {
+    return hasAllRows_ &&
+           std::ranges::all_of(columns, [this](std::size_t column) { return IsHeld(column); });
+}
+
+void MirrorTable::Load(std::span<const std::size_t> columns) {
+    if (Has(columns)) return;
     RequireAttached();
     sqlite_.Execute("BEGIN");
     try {
-        StatementLease insert = statements_.Take(insertSql_);
-        stored_->Scan([&](RowId row, storage::Row&& values) {
-            InsertCopy(*insert, row.AsInteger(), values);
-            ++rows_;
-        });
+        if (hasAllRows_) {
+            AddColumns(columns);
+        } else {
+            AddRows(columns);
+        }
     } catch (...) {
+        if (!hasAllRows_) DropAllButSingleRows();
         sqlite_.Execute("COMMIT");
-        sqlite_.Execute("DELETE FROM " + dialect::TableName(Definition().name));
-        rows_ = 0;
         throw;
     }
     sqlite_.Execute("COMMIT");
-    loaded_ = true;
+}
+
+void MirrorTable::AddRows(std::span<const std::size_t> columns) {
+    const std::string sql = InsertSql(columns);
+    const std::int64_t rows = CopyScan(columns, sql);
+    columns_.assign(columns.begin(), columns.end());
+    insertSql_ = sql;
+    hasAllRows_ = true;
+    single_.clear();
+    rows_ = rows;
     CountRow();
+}
+
+/// Whoever asks for more columns time and again shall not have the table read as often.
+void MirrorTable::AddColumns(std::span<const std::size_t> columns) {
+    std::vector<std::size_t> lacking;
+    for (std::size_t column = 0; column < kinds_.size(); ++column) {
+        const bool wanted = completed_ || std::ranges::find(columns, column) != columns.end();
+        if (wanted && !IsHeld(column)) lacking.push_back(column);
+    }
+    CopyScan(lacking, UpdateSql(lacking));
+    columns_.insert(columns_.end(), lacking.begin(), lacking.end());
+    insertSql_ = InsertSql(columns_);
+    completed_ = true;
+    ++changes_;
+}
+
+/// Runs a statement for each row of the file; how many there are.
+std::int64_t MirrorTable::CopyScan(std::span<const std::size_t> columns, const std::string& sql) {
+    constexpr std::int64_t RowsBetweenQuestions = 256;
+    std::int64_t rows = 0;
+    StatementLease copy = statements_.Take(sql);
+    stored_->ScanColumns(columns, [&](RowId row, std::span<Value> values) {
+        if (rows++ % RowsBetweenQuestions == 0) sqlite_.CheckInterruption();
+        copy->Bind(1, row.AsInteger());
+        for (std::size_t i = 0; i < values.size(); ++i)
+            BindValue(*copy, static_cast<int>(i + 2), values[i]);
+        copy->Run();
+    });
+    return rows;
+}
+
+void MirrorTable::DropAllButSingleRows() {
+    std::vector<RowKey> dropped;
+    {
+        const std::string sql =
+            "SELECT " + QuotedName(KeyColumn) + " FROM " + dialect::TableName(definition_.name);
+        StatementLease keys = statements_.Take(sql);
+        while (keys->Step())
+            if (!single_.contains(keys->Integer(0))) dropped.push_back(keys->Integer(0));
+    }
+    StatementLease remove = statements_.Take(deleteSql_);
+    for (const RowKey key : dropped) {
+        remove->Bind(1, key);
+        remove->Run();
+    }
+}
+
+bool MirrorTable::LoadRowsWith(std::size_t column, std::int64_t number) {
+    if (hasAllRows_) return false;
+    RequireAttached();
+    const std::int64_t most = stored_->RowCount() / RowsForEachLookup;
+    const std::int64_t room = most - std::ssize(single_);
+    if (++lookups_ > most || room <= 0) return false;
+    try {
+        const auto rows =
+            stored_->FindByIndex(column, Value(number), static_cast<std::size_t>(room));
+        if (!rows) return false;
+        for (const RowId row : *rows)
+            Hold(row.AsInteger());
+        return true;
+    } catch (const Error& error) {
+        // An index that contradicts the table or itself: the rows can be read without it.
+        if (error.Kind() != ErrorKind::Damaged && error.Kind() != ErrorKind::NotFound) throw;
+        return false;
+    }
+}
+
+void MirrorTable::Hold(RowKey key) {
+    if (hasAllRows_ || single_.contains(key)) return;
+    InsertCopy(key, Read(key));
+    single_.insert(key);
 }
 
 /// Indexes are thought over each time a table has doubled.
@@ -110,11 +220,14 @@ void MirrorTable::CountRow() {
     nextGenerationAt_ = rows_ * 2;
 }
 
-void MirrorTable::InsertCopy(Statement& insert, RowKey key, std::span<const Value> values) {
-    insert.Bind(1, key);
-    for (std::size_t i = 0; i < values.size(); ++i)
-        BindValue(insert, static_cast<int>(i + 2), values[i]);
-    insert.Run();
+void MirrorTable::InsertCopy(RowKey key, std::span<const Value> row) {
+    StatementLease insert = statements_.Take(insertSql_);
+    insert->Bind(1, key);
+    for (std::size_t i = 0; i < columns_.size(); ++i)
+        BindValue(*insert, static_cast<int>(i + 2), row[columns_[i]]);
+    insert->Run();
+    ++rows_;
+    CountRow();
 }
 
 storage::Row MirrorTable::Read(RowKey key) const {
@@ -145,13 +258,10 @@ RowKey MirrorTable::Insert(storage::Row values, std::int64_t* number) {
     if (number != nullptr) *number = inserted.autoNumber.value_or(0);
     const RowKey key = inserted.row.AsInteger();
     ++changes_;
-    if (!loaded_) return key;
+    if (!hasAllRows_) return key;
     if (autoNumber_ && inserted.autoNumber)
         values[*autoNumber_] = std::int64_t{*inserted.autoNumber};
-    StatementLease insert = statements_.Take(insertSql_);
-    InsertCopy(*insert, key, values);
-    ++rows_;
-    CountRow();
+    InsertCopy(key, values);
     return key;
 }
 
@@ -159,18 +269,19 @@ void MirrorTable::Update(RowKey key, std::span<const storage::FieldChange> chang
     if (changes.empty()) return;
     stored_->Update(RowId::FromInteger(key), changes);
     ++changes_;
-    if (!loaded_) return;
-    std::string sql = updateStart_;
-    for (std::size_t i = 0; i < changes.size(); ++i) {
-        if (i > 0) sql += ',';
-        sql += QuotedName(Definition().columns[changes[i].column].name);
-        sql += "=?" + std::to_string(i + 2);
+    if (!hasAllRows_ && !single_.contains(key)) return;
+    std::vector<std::size_t> columns;
+    std::vector<const Value*> values;
+    for (const storage::FieldChange& change : changes) {
+        if (!IsHeld(change.column)) continue;
+        columns.push_back(change.column);
+        values.push_back(&change.value);
     }
-    sql += " WHERE \"[row]\"=?1";
-    StatementLease update = statements_.Take(sql);
+    if (columns.empty()) return;
+    StatementLease update = statements_.Take(UpdateSql(columns));
     update->Bind(1, key);
-    for (std::size_t i = 0; i < changes.size(); ++i)
-        BindValue(*update, static_cast<int>(i + 2), changes[i].value);
+    for (std::size_t i = 0; i < values.size(); ++i)
+        BindValue(*update, static_cast<int>(i + 2), *values[i]);
     update->Run();
 }
 
@@ -178,7 +289,7 @@ void MirrorTable::Delete(RowKey key) {
     stored_->Delete(RowId::FromInteger(key));
     ++changes_;
     ++deletions_;
-    if (!loaded_) return;
+    if (!hasAllRows_ && single_.erase(key) == 0) return;
     StatementLease remove = statements_.Take(deleteSql_);
     remove->Bind(1, key);
     remove->Run();

@@ -6,6 +6,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 #include "jet/dialect/functions.h"
@@ -22,6 +23,11 @@ constexpr std::int64_t SmallTable = 32;
 
 /// A stored table together with its copy in the in-memory database. All changes to rows go through
 /// here: first into the storage, which may refuse, then into the copy.
+///
+/// The copy holds what statements have needed. At first that are single rows, each with all of its
+/// columns; from the first statement on that needs more of them, it is all rows with the columns
+/// that it asks for. More columns are added once, after that all at once. A column that the copy
+/// lacks is Null in it.
 class MirrorTable {
   public:
     /// Makes the copy's table, empty; nothing is owned.
@@ -37,12 +43,22 @@ class MirrorTable {
     void Scan(std::span<const std::size_t> columns,
               const std::function<void(RowKey, std::span<Value>)>& visit) const;
 
-    /// Fills the copy on the first call.
-    void Load();
+    /// Whether the copy has all rows with these columns.
+    bool Has(std::span<const std::size_t> columns) const;
+    /// Adds to the copy what it lacks of all rows with these columns. Error(Interrupted) leaves it
+    /// as it was.
+    void Load(std::span<const std::size_t> columns);
+    /// Adds the rows that have this number in a column to a copy that does not have all rows yet;
+    /// they come by an index of the file. False where there is none, or where the copy should
+    /// rather have all rows: there are many of these, or many have been asked for already.
+    bool LoadRowsWith(std::size_t column, std::int64_t number);
+    /// Makes sure that a row of the table is in the copy.
+    void Hold(RowKey key);
 
     /// The file is being closed: the copy can still be read, nothing can be changed.
     void Detach() noexcept { stored_ = nullptr; }
 
+    /// Rows in the copy.
     std::int64_t RowCount() const { return rows_; }
     /// Differs whenever a row may have changed.
     std::uint64_t Changes() const { return changes_; }
@@ -67,7 +83,14 @@ class MirrorTable {
     void RequireWritable() const;
 
   private:
-    void InsertCopy(Statement& insert, RowKey key, std::span<const Value> values);
+    std::string InsertSql(std::span<const std::size_t> columns) const;
+    std::string UpdateSql(std::span<const std::size_t> columns) const;
+    void AddRows(std::span<const std::size_t> columns);
+    void AddColumns(std::span<const std::size_t> columns);
+    std::int64_t CopyScan(std::span<const std::size_t> columns, const std::string& sql);
+    void DropAllButSingleRows();
+    bool IsHeld(std::size_t column) const;
+    void InsertCopy(RowKey key, std::span<const Value> row);
     void CountRow();
     void RequireAttached() const;
 
@@ -76,9 +99,14 @@ class MirrorTable {
     storage::Table* stored_;  ///< null after Detach()
     TableDefinition definition_;
     std::vector<dialect::ValueKind> kinds_;
-    std::string insertSql_, deleteSql_, updateStart_;
+    std::string insertSql_;  ///< of a row with the columns that the copy has
+    std::string deleteSql_, updateStart_;
     std::optional<std::size_t> autoNumber_;
-    bool loaded_ = false;
+    bool hasAllRows_ = false;
+    bool completed_ = false;             ///< columns have been added
+    std::vector<std::size_t> columns_;   ///< that the copy has
+    std::unordered_set<RowKey> single_;  ///< the rows of a copy that does not have all
+    std::int64_t lookups_ = 0;           ///< by LoadRowsWith
     std::int64_t rows_ = 0;
     std::int64_t nextGenerationAt_ = 0;
     std::uint64_t changes_ = 0, deletions_ = 0, generation_ = 0;

@@ -35,7 +35,7 @@ void QueryResult::Run() {
     Stop();
     kept_.clear();
     statement_.emplace(selection_.Start());
-    onRow_ = (*statement_)->Step();
+    onRow_ = session_->Step(**statement_);
     empty_ = !onRow_;
     first_ = true;
     if (onRow_) {
@@ -82,7 +82,7 @@ void QueryResult::MoveNext() {
     if (!onRow_) FailNoRow();
     first_ = false;
     if (statement_) {
-        onRow_ = (*statement_)->Step();
+        onRow_ = session_->Step(**statement_);
         if (!onRow_) Stop();
     } else {
         kept_.pop_front();

@@ -8,8 +8,13 @@ namespace {
 
 using dialect::TokenList;
 
-bool IsEmpty(const TokenList& list) {
-    return list.tokens.size() == 1;
+/// Without tokens where there is nothing but blanks.
+TokenList TokensOf(const std::string& text) {
+    TokenList list;
+    if (text.empty()) return list;
+    list = dialect::Tokenize(text);
+    if (list.tokens.size() == 1) list.tokens.clear();  // the end
+    return list;
 }
 
 dialect::Select ParseSelect(const TokenList& tokens) {
@@ -27,7 +32,7 @@ Selection::Selection(Session& session, std::string sql, Yields yields)
       sql_(std::move(sql)),
       yields_(yields),
       tokens_(dialect::Tokenize(sql_)),
-      signature_((yields == Yields::Keys ? "keys " : "values ") + Signature(tokens_)) {
+      signature_(Signature(tokens_, yields == Yields::Keys ? "keys " : "values ")) {
     Choose("", "");
 }
 
@@ -40,38 +45,47 @@ void Selection::Sort(std::string_view order) {
 }
 
 void Selection::Choose(const std::string& filter, const std::string& order) {
-    const TokenList filterTokens = dialect::Tokenize(filter);
-    const TokenList orderTokens = dialect::Tokenize(order);
-    std::string signature = signature_;
-    if (!IsEmpty(filterTokens))
-        signature +=
-            "\x1d"
-            "filter " +
-            Signature(filterTokens);
-    if (!IsEmpty(orderTokens))
-        signature +=
-            "\x1d"
-            "order " +
-            Signature(orderTokens);
-    plan_ = session_.FindPlan(signature, [&] {
-        std::optional<dialect::Expression> criterion;
-        if (!IsEmpty(filterTokens))
-            criterion = dialect::ParseCriterion(filterTokens, tokens_.literals.size());
-        std::vector<dialect::OrderItem> items;
-        if (!IsEmpty(orderTokens)) items = dialect::ParseOrder(orderTokens);
-        const dialect::Select select =
-            Compose(ParseSelect(tokens_), std::move(criterion), std::move(items));
-        if (yields_ == Yields::Values) return TranslateQuery(select, session_.Catalog());
-        if (!HasRowKeys(select)) {
-            throw Error(ErrorKind::NotSupported,
-                        "Rows of this query stand for no stored rows and cannot be changed");
-        }
-        return TranslateKeys(select, session_.Catalog());
-    });
-    literals_ = tokens_.literals;
-    literals_.insert(literals_.end(), filterTokens.literals.begin(), filterTokens.literals.end());
+    if (filter.empty() && order.empty()) {
+        plan_ = FindPlan(signature_, {}, {});
+        literals_ = tokens_.literals;
+    } else {
+        const TokenList filterTokens = TokensOf(filter);
+        const TokenList orderTokens = TokensOf(order);
+        std::string signature = signature_;
+        if (!filterTokens.tokens.empty())
+            signature += Signature(filterTokens,
+                                   "\x1d"
+                                   "filter ");
+        if (!orderTokens.tokens.empty())
+            signature += Signature(orderTokens,
+                                   "\x1d"
+                                   "order ");
+        plan_ = FindPlan(signature, filterTokens, orderTokens);
+        literals_ = tokens_.literals;
+        literals_.insert(literals_.end(), filterTokens.literals.begin(),
+                         filterTokens.literals.end());
+    }
     filter_ = filter;
     order_ = order;
+}
+
+std::shared_ptr<Plan> Selection::FindPlan(const std::string& signature, const TokenList& filter,
+                                          const TokenList& order) const {
+    if (auto plan = session_.FindPlan(signature)) return plan;
+    std::optional<dialect::Expression> criterion;
+    if (!filter.tokens.empty())
+        criterion = dialect::ParseCriterion(filter, tokens_.literals.size());
+    std::vector<dialect::OrderItem> items;
+    if (!order.tokens.empty()) items = dialect::ParseOrder(order);
+    const dialect::Select select =
+        Compose(ParseSelect(tokens_), std::move(criterion), std::move(items));
+    if (yields_ == Yields::Values)
+        return session_.AddPlan(signature, TranslateQuery(select, session_.Catalog()));
+    if (!HasRowKeys(select)) {
+        throw Error(ErrorKind::NotSupported,
+                    "Rows of this query stand for no stored rows and cannot be changed");
+    }
+    return session_.AddPlan(signature, TranslateKeys(select, session_.Catalog()));
 }
 
 }  // namespace jet::engine

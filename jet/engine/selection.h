@@ -27,11 +27,15 @@ class Selection {
     void Sort(std::string_view order);
 
     const std::shared_ptr<Plan>& CurrentPlan() const { return plan_; }
+    /// What the statement looks at, as Start() loads it.
+    void Load() const { session_.Load(*plan_, literals_); }
     /// The statement, ready for its first step.
     StatementLease Start() const { return session_.Start(*plan_, literals_); }
 
   private:
     void Choose(const std::string& filter, const std::string& order);
+    std::shared_ptr<Plan> FindPlan(const std::string& signature, const dialect::TokenList& filter,
+                                   const dialect::TokenList& order) const;
 
     Session& session_;
     std::string sql_, filter_, order_;

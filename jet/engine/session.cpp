@@ -6,6 +6,7 @@
 #include "jet/engine/functions.h"
 #include "jet/engine/text_order.h"
 #include "jet/engine/transfer.h"
+#include "jet/engine/wanted_number.h"
 #include "jet/verify/check_pages.h"
 
 namespace jet::engine {
@@ -40,12 +41,26 @@ void BindParameter(Statement& statement, int number, const dialect::Parameter& p
     statement.BindBytes(number, key);
 }
 
+/// Whether the rows that can meet a statement's conditions were loaded by their key. Rows of the
+/// copy that are none of them do no harm: the statement passes them over.
+bool LoadByKey(const dialect::TableUse& use, MirrorTable& table,
+               const std::vector<dialect::Literal>& literals) {
+    return std::ranges::any_of(use.keys, [&](const dialect::KeyCondition& key) {
+        const WantedNumber wanted = NumberEqualTo(use.definition->columns[key.column].type,
+                                                  literals[key.literal], key.negated);
+        if (wanted.kind == WantedNumber::Kind::None) return true;
+        return wanted.kind == WantedNumber::Kind::One &&
+               table.LoadRowsWith(key.column, wanted.number);
+    });
+}
+
 }  // namespace
 
-Session::Session(const std::filesystem::path& path, OpenMode mode, const NeededTables& needed)
+Session::Session(const std::filesystem::path& path, OpenMode mode, const NeededTables& needed,
+                 const std::shared_ptr<storage::FileSystem>& files)
     : mode_(mode),
       file_(storage::DatabaseFile::Open(
-          path, StorageMode(mode),
+          path, StorageMode(mode), files,
           {.needs = [&](std::string_view table) { return needed.Include(table); },
            .inspect =
                [&](storage::PageStore& pages) {
@@ -104,12 +119,6 @@ void Session::RequireSound(std::string_view table) const {
 }
 
 MirrorTable& Session::Table(std::string_view name) {
-    MirrorTable& table = UnloadedTable(name);
-    table.Load();
-    return table;
-}
-
-MirrorTable& Session::UnloadedTable(std::string_view name) {
     RequireSound(name);
     for (const auto& table : tables_) {
         if (dialect::SameName(table->Definition().name, name)) return *table;
@@ -117,11 +126,16 @@ MirrorTable& Session::UnloadedTable(std::string_view name) {
     throw Error(ErrorKind::NotFound, "Cannot find the table '" + std::string(name) + "'");
 }
 
-std::shared_ptr<Plan> Session::FindPlan(const std::string& signature,
-                                        const std::function<dialect::Translation()>& translate) {
-    if (const auto found = plans_.find(signature); found != plans_.end()) return found->second;
+std::shared_ptr<Plan> Session::FindPlan(const std::string& signature) const {
+    const auto found = plans_.find(signature);
+    return found == plans_.end() ? nullptr : found->second;
+}
+
+std::shared_ptr<Plan> Session::AddPlan(const std::string& signature,
+                                       dialect::Translation translation) {
     auto plan = std::make_shared<Plan>();
-    plan->translation = translate();
+    plan->translation = std::move(translation);
+    plan->statements = statements_.HomeOf(plan->translation.sql);
     for (const dialect::TableUse& use : plan->translation.tables)
         plan->tables.push_back(&Table(use.definition->name));
     if (plans_.size() >= MostPlans) plans_.clear();
@@ -129,7 +143,11 @@ std::shared_ptr<Plan> Session::FindPlan(const std::string& signature,
     return plan;
 }
 
+/// An index takes as long as some twenty scans. A statement over one table is a scan; one that is
+/// not run again and again needs no index.
 void Session::LookAfterIndexes(Plan& plan) {
+    constexpr std::int64_t ScansWithoutIndex = 3;
+    if (plan.tables.size() == 1 && ++plan.starts <= ScansWithoutIndex) return;
     std::uint64_t generation = 1;
     for (const MirrorTable* table : plan.tables)
         generation += table->Generation();
@@ -140,9 +158,24 @@ void Session::LookAfterIndexes(Plan& plan) {
     advisor_.PrepareEntry(plan.translation.tables, plan.tables);
 }
 
+void Session::Load(Plan& plan, const std::vector<dialect::Literal>& literals) {
+    if (plan.isLoaded) return;
+    const std::vector<dialect::TableUse>& uses = plan.translation.tables;
+    for (std::size_t i = 0; i < uses.size(); ++i) {
+        MirrorTable& table = *plan.tables[i];
+        if (!uses[i].isRead || table.Has(uses[i].columns)) continue;
+        if (uses.size() == 1 && LoadByKey(uses[i], table, literals)) return;
+        table.Load(uses[i].columns);
+    }
+    plan.isLoaded = true;
+}
+
 StatementLease Session::Start(Plan& plan, const std::vector<dialect::Literal>& literals) {
+    Load(plan, literals);
     LookAfterIndexes(plan);
-    StatementLease statement = statements_.Take(plan.translation.sql);
+    // The advisor has made those that a join of stored tables needs.
+    sqlite_.LetStatementsMakeIndexes(plan.translation.joinsQueries);
+    StatementLease statement = statements_.Take(plan.translation.sql, plan.statements);
     const auto& parameters = plan.translation.parameters;
     for (std::size_t i = 0; i < parameters.size(); ++i) {
         BindParameter(*statement, static_cast<int>(i + 1), parameters[i],
@@ -163,6 +196,11 @@ void Session::BeforeChange(const MirrorTable& table) {
 
 void Session::Flush() {
     if (mode_ == OpenMode::ReadWrite) file_->Commit();
+}
+
+void Session::Discard() {
+    if (file_) file_->Discard();
+    Close();
 }
 
 void Session::Close() {

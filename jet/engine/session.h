@@ -17,6 +17,7 @@
 #include "jet/engine/mirror_table.h"
 #include "jet/engine/statement_cache.h"
 #include "jet/storage/database_file.h"
+#include "jet/storage/file_system.h"
 
 namespace jet::engine {
 
@@ -25,6 +26,9 @@ struct Plan {
     dialect::Translation translation;
     std::vector<MirrorTable*> tables;  ///< as in translation.tables
     std::uint64_t generation = 0;      ///< of its tables when their indexes were last looked at
+    StatementLease::Home statements;   ///< compiled and idle
+    std::int64_t starts = 0;
+    bool isLoaded = false;  ///< the copies of its tables have all that it looks at
 };
 
 /// Rows still to be fetched from a running statement. A change to one of its tables could disturb
@@ -39,23 +43,31 @@ class RowStream {
 /// An open database: the file, its copy in memory, and everything prepared so far.
 class Session {
   public:
-    Session(const std::filesystem::path& path, OpenMode mode, const NeededTables& needed);
+    Session(const std::filesystem::path& path, OpenMode mode, const NeededTables& needed,
+            const std::shared_ptr<storage::FileSystem>& files = storage::RealFileSystem());
 
     const std::vector<std::unique_ptr<MirrorTable>>& Tables() const { return tables_; }
     /// Tables that are not in good order.
     const std::vector<DamagedTable>& Damaged() const { return damaged_; }
-    /// Error(NotFound) if there is no such table, Error(Damaged); its rows are loaded.
+    /// Error(NotFound) if there is no such table, Error(Damaged).
     MirrorTable& Table(std::string_view name);
-    /// The same without its rows.
-    MirrorTable& UnloadedTable(std::string_view name);
     const dialect::Catalog& Catalog() const { return catalog_; }
 
-    /// The plan for this signature; `translate` is called when there is none yet.
-    std::shared_ptr<Plan> FindPlan(const std::string& signature,
-                                   const std::function<dialect::Translation()>& translate);
+    /// The plan that was added with this signature; null if there is none.
+    std::shared_ptr<Plan> FindPlan(const std::string& signature) const;
+    std::shared_ptr<Plan> AddPlan(const std::string& signature, dialect::Translation translation);
 
-    /// The plan's statement with its parameters bound, before its first step.
+    /// Loads what the plan looks at with these literals.
+    void Load(Plan& plan, const std::vector<dialect::Literal>& literals);
+    /// Loads, too; the plan's statement with its parameters bound, before its first step.
     StatementLease Start(Plan& plan, const std::vector<dialect::Literal>& literals);
+
+    /// A step that the interruption may end, see Sqlite.
+    bool Step(Statement& statement) { return sqlite_.StepInterruptibly(statement); }
+    void SetInterruption(std::function<bool()> wanted) {
+        sqlite_.SetInterruption(std::move(wanted));
+    }
+    void CheckInterruption() const { sqlite_.CheckInterruption(); }
 
     StatementCache& Statements() { return statements_; }
 
@@ -68,6 +80,8 @@ class Session {
     void AfterChange() { file_->CommitIfDue(); }
     void Flush();
 
+    /// Gives the file up as it was after the last Flush().
+    void Discard();
     /// Commits and gives the file up. Record sets can still read what is in memory.
     void Close();
 

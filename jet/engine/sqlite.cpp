@@ -2,6 +2,7 @@
 
 #include <new>
 #include <sqlite3.h>
+#include <utility>
 
 #include "jet/error.h"
 
@@ -14,6 +15,13 @@ namespace {
     const ErrorKind kind = code == SQLITE_ERROR ? ErrorKind::NotSupported : ErrorKind::Io;
     throw Error(kind, std::string("The statement cannot be executed: ") + sqlite3_errmsg(database));
 }
+
+[[noreturn]] void FailInterrupted() {
+    throw Error(ErrorKind::Interrupted, "The statement was interrupted");
+}
+
+/// Steps of SQLite's machine between two questions whether to go on: some tenths of a millisecond.
+constexpr int StepsBetweenQuestions = 10000;
 
 /// SQLite counts its memory under a lock that all databases of the process share. Nobody asks for
 /// the count, and the lock costs a twentieth of a run once the process has a second thread, as a
@@ -72,6 +80,7 @@ bool Statement::Step() {
     const std::string message = sqlite3_errmsg(database);
     Reset();
     if (code == SQLITE_NOMEM) throw std::bad_alloc();
+    if (code == SQLITE_INTERRUPT) FailInterrupted();
     throw Error(ErrorKind::NotSupported, "The statement cannot be executed: " + message);
 }
 
@@ -117,7 +126,7 @@ std::string_view Statement::Text(int column) const {
     return {static_cast<const char*>(data), static_cast<std::size_t>(size)};
 }
 
-Sqlite::Sqlite() {
+Sqlite::Sqlite() : interruption_(std::make_unique<Interruption>()) {
     DoWithoutMemoryStatistics();
     sqlite3* handle = nullptr;
     const int flags =
@@ -133,6 +142,38 @@ Sqlite::Sqlite() {
 void Sqlite::Execute(const std::string& sql) {
     const int code = sqlite3_exec(handle_.get(), sql.c_str(), nullptr, nullptr, nullptr);
     if (code != SQLITE_OK) Fail(handle_.get(), code);
+}
+
+void Sqlite::LetStatementsMakeIndexes(bool yes) {
+    if (yes == statementsMakeIndexes_) return;
+    statementsMakeIndexes_ = yes;
+    Execute(yes ? "PRAGMA automatic_index=ON" : "PRAGMA automatic_index=OFF");
+}
+
+void Sqlite::SetInterruption(std::function<bool()> wanted) {
+    interruption_->wanted = std::move(wanted);
+    const auto ask = [](void* context) {
+        const auto& interruption = *static_cast<const Interruption*>(context);
+        return interruption.listening && interruption.wanted() ? 1 : 0;
+    };
+    sqlite3_progress_handler(handle_.get(), interruption_->wanted ? StepsBetweenQuestions : 0, ask,
+                             interruption_.get());
+}
+
+void Sqlite::CheckInterruption() const {
+    if (interruption_->wanted && interruption_->wanted()) FailInterrupted();
+}
+
+bool Sqlite::StepInterruptibly(Statement& statement) {
+    struct Listening {
+        explicit Listening(bool& flag) : on(flag) { on = true; }
+        Listening(const Listening&) = delete;
+        Listening& operator=(const Listening&) = delete;
+        ~Listening() { on = false; }
+        bool& on;
+    };
+    const Listening listening(interruption_->listening);
+    return statement.Step();
 }
 
 void Sqlite::Close::operator()(sqlite3* database) const noexcept {

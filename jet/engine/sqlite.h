@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <span>
 #include <string>
@@ -55,10 +56,30 @@ class Sqlite {
     void Execute(const std::string& sql);
     sqlite3* Handle() const { return handle_.get(); }
 
+    /// Whether statements that begin from now on may make indexes for themselves. With one of those
+    /// the rows of a join come in no order and are sorted before the first of them is seen, which
+    /// is for ever where each row of a table meets all of another.
+    void LetStatementsMakeIndexes(bool yes);
+
+    /// From now on `wanted`, which must not throw, is asked now and then whether the statement
+    /// under way is to end. Empty: it never is.
+    void SetInterruption(std::function<bool()> wanted);
+    /// Error(Interrupted) if the statement under way is to end.
+    void CheckInterruption() const;
+    /// Statement::Step(), which the interruption may end with Error(Interrupted). All other steps
+    /// come to their end: what undoes or follows a change must not stop half-way.
+    bool StepInterruptibly(Statement& statement);
+
   private:
     struct Close {
         void operator()(sqlite3* database) const noexcept;
     };
+    struct Interruption {
+        std::function<bool()> wanted;
+        bool listening = false;
+    };
+    std::unique_ptr<Interruption> interruption_;
+    bool statementsMakeIndexes_ = true;
     std::unique_ptr<sqlite3, Close> handle_;
 };
 

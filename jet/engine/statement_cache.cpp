@@ -19,13 +19,16 @@ StatementLease::~StatementLease() {
     }
 }
 
-StatementLease StatementCache::Take(const std::string& sql) {
+StatementLease::Home StatementCache::HomeOf(const std::string& sql) {
     auto found = idle_.find(sql);
     if (found == idle_.end()) {
         if (idle_.size() >= MostTexts) idle_.clear();
         found = idle_.emplace(sql, std::make_shared<std::vector<Statement>>()).first;
     }
-    const StatementLease::Home& home = found->second;
+    return found->second;
+}
+
+StatementLease StatementCache::Take(const std::string& sql, const StatementLease::Home& home) {
     if (home->empty()) return {Statement(sqlite_.Handle(), sql), home};
     Statement statement = std::move(home->back());
     home->pop_back();

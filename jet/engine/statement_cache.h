@@ -41,7 +41,11 @@ class StatementCache {
   public:
     explicit StatementCache(Sqlite& sqlite) : sqlite_(sqlite) {}
 
-    StatementLease Take(const std::string& sql);
+    StatementLease Take(const std::string& sql) { return Take(sql, HomeOf(sql)); }
+
+    /// Where statements of this SQL are while nobody uses them, for those who ask often.
+    StatementLease::Home HomeOf(const std::string& sql);
+    StatementLease Take(const std::string& sql, const StatementLease::Home& home);
 
   private:
     Sqlite& sqlite_;

@@ -49,6 +49,7 @@ class DatabaseFile::Implementation {
     }
 
     ~Implementation() {
+        if (discarded_) return;
         try {
             pages_->Commit();
         } catch (const Error&) {
@@ -80,6 +81,7 @@ class DatabaseFile::Implementation {
     }
 
     void Commit() { pages_->Commit(); }
+    void Discard() { discarded_ = true; }
 
     void CommitIfDue() {
         const std::size_t waiting = pages_->ChangedPages();
@@ -117,6 +119,7 @@ class DatabaseFile::Implementation {
 
     std::optional<LockFile> lock_;  // the last to go
     std::unique_ptr<Pager> pages_;
+    bool discarded_ = false;
     struct ByName {
         bool operator()(const std::string& a, const std::string& b) const {
             return CompareTexts(a, b) < 0;
@@ -192,6 +195,10 @@ Table& DatabaseFile::OpenTable(std::string_view name) {
 
 void DatabaseFile::Commit() {
     implementation_->Commit();
+}
+
+void DatabaseFile::Discard() {
+    implementation_->Discard();
 }
 
 void DatabaseFile::CommitIfDue() {

@@ -83,6 +83,9 @@ class DatabaseFile {
     /// waiting. Cheap: callers call it after each change.
     void CommitIfDue();
 
+    /// Forgets the changes since the last commit. Nothing but the end of this object may follow.
+    void Discard();
+
   private:
     class Implementation;
     explicit DatabaseFile(std::unique_ptr<Implementation> implementation);

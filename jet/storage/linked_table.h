@@ -2,6 +2,7 @@
 
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "jet/error.h"
 #include "jet/storage/table_implementation.h"
@@ -27,6 +28,10 @@ class LinkedTable final : public TableImplementation {
         Refuse();
     }
     Row Read(RowId /*row*/) const override { Refuse(); }
+    std::optional<std::vector<RowId>> FindByIndex(std::size_t /*column*/, const Value& /*value*/,
+                                                  std::size_t /*most*/) const override {
+        Refuse();
+    }
     Table::Inserted Insert(std::span<const Value> /*values*/) override { Refuse(); }
     void Update(RowId /*row*/, std::span<const FieldChange> /*changes*/) override { Refuse(); }
     void Delete(RowId /*row*/) override { Refuse(); }

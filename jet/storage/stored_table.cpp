@@ -117,6 +117,13 @@ Row StoredTable::Read(RowId row) const {
     return DecodeRow(stored.bytes);
 }
 
+std::optional<std::vector<RowId>> StoredTable::FindByIndex(std::size_t column, const Value& value,
+                                                           std::size_t most) const {
+    for (const auto& index : Current().indexes)
+        if (index->Columns().front() == column) return index->RowsWith(value, most);
+    return std::nullopt;
+}
+
 Value StoredTable::ReadColumn(RowId row, std::size_t column) const {
     const auto stored = Current().rows.Read(row);
     return Decode(RowReader(stored.bytes, Current().layout), column);

@@ -29,6 +29,8 @@ class StoredTable final : public TableImplementation {
     void ScanColumns(std::span<const std::size_t> columns,
                      const Table::VisitColumns& visit) const override;
     Row Read(RowId row) const override;
+    std::optional<std::vector<RowId>> FindByIndex(std::size_t column, const Value& value,
+                                                  std::size_t most) const override;
     Table::Inserted Insert(std::span<const Value> values) override;
     void Update(RowId row, std::span<const FieldChange> changes) override;
     void Delete(RowId row) override;

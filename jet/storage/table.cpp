@@ -33,6 +33,12 @@ Row Table::Read(RowId row) const {
     return NamingFile(implementation_->File(), [&] { return implementation_->Read(row); });
 }
 
+std::optional<std::vector<RowId>> Table::FindByIndex(std::size_t column, const Value& value,
+                                                     std::size_t most) const {
+    return NamingFile(implementation_->File(),
+                      [&] { return implementation_->FindByIndex(column, value, most); });
+}
+
 Table::Inserted Table::Insert(std::span<const Value> values) {
     return NamingFile(implementation_->File(), [&] { return implementation_->Insert(values); });
 }

@@ -53,6 +53,12 @@ class Table {
     /// One row. Throws Error(NotFound) if there is none.
     Row Read(RowId row) const;
 
+    /// Rows that have this value, which is not Null and of the column's type, in the column, in the
+    /// order of an index that begins with the column. None where there is no such index, or where
+    /// they are more than `most`.
+    std::optional<std::vector<RowId>> FindByIndex(std::size_t column, const Value& value,
+                                                  std::size_t most) const;
+
     /// What Insert made.
     struct Inserted {
         RowId row;

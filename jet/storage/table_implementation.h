@@ -4,6 +4,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "jet/storage/table.h"
 
@@ -20,6 +21,8 @@ class TableImplementation {
     virtual void ScanColumns(std::span<const std::size_t> columns,
                              const Table::VisitColumns& visit) const = 0;
     virtual Row Read(RowId row) const = 0;
+    virtual std::optional<std::vector<RowId>> FindByIndex(std::size_t column, const Value& value,
+                                                          std::size_t most) const = 0;
     virtual Table::Inserted Insert(std::span<const Value> values) = 0;
     virtual void Update(RowId row, std::span<const FieldChange> changes) = 0;
     virtual void Delete(RowId row) = 0;

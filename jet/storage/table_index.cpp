@@ -43,6 +43,18 @@ bool TableIndex::IsTaken(const IndexKey& key) const {
     return unique_ && !key.allNull && tree_.ContainsKey(key.bytes);
 }
 
+std::optional<std::vector<RowId>> TableIndex::RowsWith(const Value& first, std::size_t most) const {
+    Bytes start;
+    AppendKey(start, first, parts_.front().type, parts_.front().scale, parts_.front().ascending);
+    std::vector<RowId> rows;
+    tree_.RowsWith(start, [&](RowId row) {
+        rows.push_back(row);
+        return rows.size() <= most;
+    });
+    if (rows.size() > most) return std::nullopt;
+    return rows;
+}
+
 bool TableIndex::Insert(const IndexKey& key, RowId row) {
     if (!Lists(key)) return false;
     const bool mustBeNew = unique_ && !key.allNull;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -37,6 +38,10 @@ class TableIndex final : private IndexPageListener {
     bool RefusesNulls() const { return refusesNulls_; }
     /// Whether the key must not be there twice and already is there.
     bool IsTaken(const IndexKey& key) const;
+
+    /// Rows that have this value, which is not Null, in the index's first column. None where they
+    /// are more than `most`.
+    std::optional<std::vector<RowId>> RowsWith(const Value& first, std::size_t most) const;
 
     /// Adds an entry; a key that IsTaken() must not be given. Returns whether the index did not
     /// have the key before.

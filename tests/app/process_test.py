@@ -277,6 +277,41 @@ def signals_abort_and_a_second_one_ends_at_once(work):
     expect("tracks in the end", '{"N":2000}\n', counted.stdout)
 
 
+def signals_end_a_statement_that_changed_nothing(work):
+    host = host_folder(work, albums=20)
+    expect("a run", 0, call("run", "--host", host, "--quiet").returncode)
+    database = Path(host, "jukebox.mdb")
+    before = database.read_bytes()
+    each_meets_each = "Tracks AS a, Tracks AS b, Tracks AS c, Tracks AS d WHERE a.ID+b.ID+c.ID=-d.ID"
+    for words in (["query", str(database), f"SELECT Count(*) FROM {each_meets_each}"],
+                  ["exec", str(database), "UPDATE Tracks SET Title='x' WHERE EXISTS "
+                                          f"(SELECT a.ID FROM {each_meets_each})"]):
+        for number in (signal.SIGINT, signal.SIGTERM):
+            program = subprocess.Popen([PROGRAM, "db", *words], stdout=subprocess.PIPE,
+                                       stderr=subprocess.PIPE, text=True)
+            wait_until_it_listens(program)
+            program.send_signal(number)
+            out, err = program.communicate(timeout=TIME_LIMIT)
+            expect(f"status of {words[0]}", 3, program.returncode)
+            expect("output", "", out)
+            expect("the reason", "quillon: The statement was interrupted; it changed nothing\n", err)
+            expect("bytes of the database", True, database.read_bytes() == before)
+    expect("a reader that has enough ends a query", "-13\n", shell(
+        '{ "$Q" db query "$DB" --json "SELECT a.ID FROM Tracks AS a, Tracks AS b, Tracks AS c";'
+        ' echo "-$(($? - 128))" >&2; } | head -n 1', DB=str(database)).stderr)
+
+
+def wait_until_it_listens(program):
+    """Until the process has a handler for SIGTERM."""
+    until = time.monotonic() + TIME_LIMIT
+    while time.monotonic() < until:
+        caught = re.search(r"SigCgt:\s*(\w+)", Path(f"/proc/{program.pid}/status").read_text())
+        if caught and int(caught[1], 16) >> (signal.SIGTERM - 1) & 1:
+            return
+        time.sleep(0.01)
+    raise Failed("the program never listened to signals")
+
+
 def main():
     failures = 0
     for story in (streams_are_kept_apart, closed_streams_never_reach_the_database,
@@ -287,7 +322,8 @@ def main():
                   a_file_size_limit_is_a_full_disk, huge_text_files_are_named_in_plain_words,
                   the_host_folder_is_found,
                   auto_writes_plain_lines_into_a_pipe,
-                  signals_abort_and_a_second_one_ends_at_once):
+                  signals_abort_and_a_second_one_ends_at_once,
+                  signals_end_a_statement_that_changed_nothing):
         name = story.__name__.replace("_", " ")
         with tempfile.TemporaryDirectory(prefix="quillon-process-") as folder:
             try:

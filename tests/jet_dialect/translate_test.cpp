@@ -1,5 +1,6 @@
 #include "jet/dialect/translate.h"
 
+#include <algorithm>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -164,6 +165,63 @@ TEST(Translate, LeavesADeletionFromAJoinWithoutItsTableAlone) {
     EXPECT_THAT(Fault("DELETE * FROM Albums INNER JOIN Tracks ON Albums.ID=Tracks.Album",
                       ErrorKind::Syntax),
                 HasSubstr("must name the table"));
+}
+
+/// The columns that a statement looks at in its only table, in their order there.
+std::vector<std::size_t> ColumnsOf(std::string_view text) {
+    std::vector<std::size_t> columns = Translate(text).tables.at(0).columns;
+    std::sort(columns.begin(), columns.end());
+    return columns;
+}
+
+TEST(Translate, TellsWhichColumnsTheStatementLooksAt) {
+    EXPECT_THAT(ColumnsOf("SELECT * FROM Tracks"), ElementsAre(0, 1, 2, 3, 4));
+    EXPECT_THAT(ColumnsOf("SELECT Count(*) FROM Tracks"), ElementsAre());
+    EXPECT_THAT(ColumnsOf("SELECT Title FROM Tracks WHERE Album = 3"), ElementsAre(1, 2));
+    EXPECT_THAT(ColumnsOf("SELECT First(Title) AS t FROM Tracks GROUP BY Never HAVING Max(ID) > 2"),
+                ElementsAre(0, 2, 4));
+    EXPECT_THAT(ColumnsOf("SELECT ID FROM Tracks WHERE File Like '%x.mp3' ORDER BY Title"),
+                ElementsAre(0, 2, 3));
+    EXPECT_THAT(ColumnsOf("SELECT Max(ID) FROM Tracks GROUP BY Title HAVING Title = 'a'"),
+                ElementsAre(0, 2));
+    EXPECT_THAT(ColumnsOf("UPDATE Tracks SET Title = File WHERE ID = 1"), ElementsAre(0, 2, 3));
+    EXPECT_THAT(ColumnsOf("DELETE * FROM Tracks WHERE Never"), ElementsAre(4));
+    const Translation insert = Translate("INSERT INTO Tracks (Title) VALUES ('x')");
+    EXPECT_FALSE(insert.tables.at(0).isRead);
+    const Translation join =
+        Translate("SELECT a.Title FROM Albums AS a INNER JOIN Tracks AS t ON a.ID = t.Album");
+    EXPECT_THAT(join.tables.at(0).columns, ::testing::UnorderedElementsAre(0, 1));
+    EXPECT_THAT(join.tables.at(1).columns, ElementsAre(1));
+}
+
+/// Columns that each row must equal a number in, and the number.
+std::string KeysOf(const std::string& condition) {
+    const std::string text = "SELECT Title, Album AS Renamed FROM Tracks WHERE " + condition;
+    std::string shown;
+    const std::vector<Literal> literals = Tokenize(text).literals;
+    const Translation translation = Translate(text);
+    for (const KeyCondition& key : translation.tables.at(0).keys) {
+        const auto* number = std::get_if<std::int64_t>(&literals.at(key.literal));
+        shown += std::to_string(key.column) + (key.negated ? "=-" : "=") +
+                 (number ? std::to_string(*number) : "?") + " ";
+    }
+    return shown;
+}
+
+TEST(Translate, TellsWhichNumbersARowMustHaveToCount) {
+    EXPECT_EQ(KeysOf("ID = 5"), "0=5 ");
+    EXPECT_EQ(KeysOf("5 = Tracks.ID"), "0=5 ");
+    EXPECT_EQ(KeysOf("(ID) = (-5)"), "0=-5 ");
+    EXPECT_EQ(KeysOf("Title = 'x' AND (Never AND Album = 7) AND ID = 9"), "2=? 1=7 0=9 ");
+    EXPECT_EQ(KeysOf("Renamed = 7"), "1=7 ");
+    for (const char* const other :
+         {"ID = 5 OR Album = 7", "NOT (ID = 5)", "ID <> 5", "ID = Album", "ID = 5 + 1", "ID >= 5",
+          "ID + 1 = 5", "(ID = 5) = True", "ID IN (5)", "IIf(ID = 5, True, False)"})
+        EXPECT_EQ(KeysOf(other), "") << other;
+    // A row without a partner counts though it does not meet the condition of an outer join.
+    const Translation outer =
+        Translate("SELECT t.ID FROM Tracks AS t LEFT JOIN (SELECT 1 AS n) AS x ON t.ID = 5");
+    EXPECT_TRUE(outer.tables.at(0).keys.empty());
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "jet/engine/index_advisor.h"
 
+#include <array>
 #include <gtest/gtest.h>
 
 #include "jet/engine/functions.h"
@@ -12,7 +13,7 @@ namespace {
 /// A table of songs whose artists a test names, and the plan of a look-up by artist.
 class IndexAdvisorTest : public ::testing::Test {
   protected:
-    IndexAdvisorTest() { songs_.Load(); }
+    IndexAdvisorTest() { songs_.Load(std::array<std::size_t, 2>{0, 1}); }
 
     void AddSongs(const std::string& artist, int count) {
         for (int i = 0; i < count; ++i)

@@ -203,6 +203,21 @@ bool IndexTree::ContainsKey(std::span<const std::uint8_t> key) const {
     return false;
 }
 
+void IndexTree::RowsWith(std::span<const std::uint8_t> start,
+                         const std::function<bool(RowId row)>& visit) const {
+    auto [leaf, place] = Descend(start).back();
+    for (PageNumber visited = 0; leaf != 0; ++visited) {
+        if (visited > pages_.PageCount()) ThrowDamagedTree(root_, "goes in circles");
+        const auto page = Read(leaf);
+        const IndexPageView view(*page, leaf, definition_);
+        if (!view.IsLeaf()) ThrowDamagedTree(root_, "has a node among its leaves");
+        for (; place < view.Count(); ++place)
+            if (!view.BeginsWith(place, start) || !visit(view.Row(place))) return;
+        leaf = view.Next();
+        place = 0;
+    }
+}
+
 void IndexTree::ForEach(
     const std::function<void(std::span<const std::uint8_t> key, RowId row)>& visit) const {
     PageNumber leaf = Descend({}).back().page;

@@ -51,6 +51,11 @@ class IndexTree {
     /// Whether any entry has exactly this key.
     bool ContainsKey(std::span<const std::uint8_t> key) const;
 
+    /// Calls `visit` for the row of each entry whose key begins with these bytes, in order, until
+    /// it returns false. The index must not be changed meanwhile.
+    void RowsWith(std::span<const std::uint8_t> start,
+                  const std::function<bool(RowId row)>& visit) const;
+
     /// All entries in order. The index must not be changed meanwhile.
     void ForEach(
         const std::function<void(std::span<const std::uint8_t> key, RowId row)>& visit) const;
