@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::size_t CacheBytes = std::size_t{16} << 20;
 constexpr std::size_t MaxUnchanged = CacheBytes / PageSize;
-constexpr std::uint64_t MaxFileSize = std::uint64_t{2} << 30;
+constexpr std::uint64_t MaxFileSize = std::uint64_t{Pager::MostPages} * PageSize;
 
 }  // namespace
 

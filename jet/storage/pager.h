@@ -18,6 +18,14 @@
 
 namespace jet::storage {
 
+/// Somebody who puts changes off.
+class DeferredChanges {
+  public:
+    virtual ~DeferredChanges() = default;
+    /// Makes them, since a commit is near.
+    virtual void MakeNow() = 0;
+};
+
 /// The pages of a database file on disk, with a bounded cache of unchanged pages.
 ///
 /// Changed pages stay in memory until Commit() brings all of them into the file as one group: a
@@ -26,6 +34,9 @@ namespace jet::storage {
 /// what leads to the journal where the file has several names.
 class Pager final : public PageStore {
   public:
+    /// Those of a file of 2 GB, the largest that a database can be.
+    static constexpr PageNumber MostPages = (PageNumber{2} << 30) / PageSize;
+
     /// Opens the file, through symbolic links, and where it may be written keeps others from
     /// writing it. The pages of a journal that waits are taken from it, in memory.
     /// Error(InUse) where somebody else writes the file; Error(NotSupported) where that, or a
@@ -45,6 +56,10 @@ class Pager final : public PageStore {
     /// Carries out the journal that waits and removes what commits have left that did not come to
     /// their end. Happens before the first change at the latest.
     void Recover();
+
+    /// Has `deferred` make its changes before each commit.
+    void Add(DeferredChanges& deferred) { deferred_.push_back(&deferred); }
+    void Remove(DeferredChanges& deferred) noexcept { std::erase(deferred_, &deferred); }
 
     /// Makes all changes durable. On failure nothing is lost: the changes stay in memory, the file
     /// (with its journal) is whole, and Commit() may be called again. Error(Changed), before
@@ -137,6 +152,7 @@ class Pager final : public PageStore {
     std::unordered_map<PageNumber, Frames::iterator> frames_;
     std::chrono::steady_clock::time_point oldestChange_;
     GlobalMap globalMap_;
+    std::vector<DeferredChanges*> deferred_;
 
     std::uint64_t change_ = 0;  ///< number of the latest Change
     bool inChange_ = false;

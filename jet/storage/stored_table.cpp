@@ -36,6 +36,8 @@ StoredTable::StoredTable(Pager& pages, std::string name, PageNumber definition,
                          std::span<const std::string> requiredColumns)
     : pages_(pages), page_(definition) {
     definition_ = DefinitionOf(Current().layout, std::move(name), requiredColumns);
+    waiting_.resize(Current().indexes.size());
+    pages_.Add(*this);
 }
 
 StoredTable::Parts& StoredTable::Current() const {

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "jet/storage/index/entry_batch.h"
 #include "jet/storage/pager.h"
 #include "jet/storage/row_coding.h"
 #include "jet/storage/table_implementation.h"
@@ -16,12 +17,19 @@
 namespace jet::storage {
 
 /// A table whose rows are in this file.
-class StoredTable final : public TableImplementation {
+///
+/// A new row is on its page at once; its index entries wait, to be put into the indexes in order
+/// and leaf by leaf when there are many of them, or before somebody needs them there.
+class StoredTable final : public TableImplementation, private DeferredChanges {
   public:
     /// Reads the definition that starts on page `definition`. `requiredColumns` names the columns
     /// that refuse Null. `pages` must outlive this object.
     StoredTable(Pager& pages, std::string name, PageNumber definition,
                 std::span<const std::string> requiredColumns);
+
+    StoredTable(const StoredTable&) = delete;
+    StoredTable& operator=(const StoredTable&) = delete;
+    ~StoredTable() override { pages_.Remove(*this); }
 
     const TableDefinition& Definition() const override { return definition_; }
     std::optional<std::string> ReadOnlyReason() const override;
@@ -81,7 +89,11 @@ class StoredTable final : public TableImplementation {
     std::vector<KeyChange> KeyChanges(const RowReader& old,
                                       const std::vector<std::optional<Value>>& changes) const;
 
-    void CheckKey(const TableIndex& index, std::size_t number, const IndexKey& key) const;
+    void CheckKey(std::size_t index, const IndexKey& key);
+    bool IsTaken(std::size_t index, const IndexKey& key);
+    bool EntriesMayWait() const;
+    void MakeNow() override;
+    void PutWaitingEntries(std::size_t index);
     std::string IndexName(std::size_t realIndex) const;
 
     std::optional<std::int32_t> HandOutNumber(Row& values) const;
@@ -97,6 +109,7 @@ class StoredTable final : public TableImplementation {
     PageNumber page_;
     TableDefinition definition_;
     mutable std::unique_ptr<Parts> parts_;
+    std::vector<EntryBatch> waiting_;  ///< new entries, by index
 };
 
 }  // namespace jet::storage

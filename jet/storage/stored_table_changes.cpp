@@ -6,6 +6,7 @@
 #include "jet/error.h"
 #include "jet/storage/damaged.h"
 #include "jet/storage/format/values.h"
+#include "jet/storage/index/index_page.h"
 #include "jet/storage/long_values.h"
 #include "jet/storage/map_pages.h"
 #include "jet/storage/stored_table.h"
@@ -14,6 +15,9 @@
 namespace jet::storage {
 
 namespace {
+
+/// Entries of one index that wait at most.
+constexpr std::size_t MostWaiting = 50000;
 
 /// Yes/No fields know no Null.
 Value Normalized(const Value& value, const ColumnDefinition& column) {
@@ -61,8 +65,11 @@ Table::Inserted StoredTable::Insert(std::span<const Value> given) {
     std::vector<IndexKey> keys;
     for (std::size_t i = 0; i < Current().indexes.size(); ++i) {
         keys.push_back(Current().indexes[i]->KeyOf(values));
-        CheckKey(*Current().indexes[i], i, keys.back());
+        CheckKey(i, keys.back());
+        if (waiting_[i].Count() >= MostWaiting || !EntriesMayWait()) PutWaitingEntries(i);
+        waiting_[i].Reserve(keys.back().bytes);
     }
+    const bool wait = EntriesMayWait();
     Undoably([&] {
         Parts& parts = Current();
         for (std::size_t i = 0; i < values.size(); ++i)
@@ -71,11 +78,12 @@ Table::Inserted StoredTable::Insert(std::span<const Value> given) {
         for (std::size_t i = 0; i < values.size(); ++i)
             SetField(draft, i, values[i]);
         inserted.row = parts.rows.Add(Assemble(draft));
-        for (std::size_t i = 0; i < keys.size(); ++i) {
-            ChangeKey({i, std::nullopt, std::move(keys[i])}, inserted.row);
-        }
+        for (std::size_t i = 0; i < keys.size() && !wait; ++i)
+            ChangeKey({i, std::nullopt, keys[i]}, inserted.row);
         parts.counters.SetRows(parts.counters.Rows() + 1);
     });
+    for (std::size_t i = 0; i < keys.size() && wait; ++i)
+        if (Current().indexes[i]->Lists(keys[i])) waiting_[i].Add(keys[i].bytes, inserted.row);
     return inserted;
 }
 
@@ -92,7 +100,8 @@ void StoredTable::Update(RowId row, std::span<const FieldChange> changes) {
     }
     const auto keyChanges = KeyChanges(reader, newValues);
     for (const auto& change : keyChanges) {
-        if (change.after) CheckKey(*Current().indexes[change.index], change.index, *change.after);
+        PutWaitingEntries(change.index);
+        if (change.after) CheckKey(change.index, *change.after);
     }
     Undoably([&] {
         Parts& parts = Current();
@@ -126,6 +135,7 @@ void StoredTable::Delete(RowId row) {
     RequireChangeable();
     const auto stored = Current().rows.Read(row);
     const Bytes old(stored.bytes.begin(), stored.bytes.end());
+    MakeNow();
     Undoably([&] {
         Parts& parts = Current();
         const RowReader reader(old, parts.layout);
@@ -192,15 +202,52 @@ std::vector<StoredTable::KeyChange> StoredTable::KeyChanges(
     return keyChanges;
 }
 
-void StoredTable::CheckKey(const TableIndex& index, std::size_t number, const IndexKey& key) const {
-    if (index.RefusesNulls() && key.anyNull) {
-        throw Error(ErrorKind::Required, "Index " + IndexName(number) + " of table " +
+void StoredTable::CheckKey(std::size_t index, const IndexKey& key) {
+    const TableIndex& checked = *Current().indexes[index];
+    if (checked.RefusesNulls() && key.anyNull) {
+        throw Error(ErrorKind::Required, "Index " + IndexName(index) + " of table " +
                                              definition_.name + " needs a value in each field.");
     }
-    if (index.IsTaken(key)) {
+    if (checked.Lists(key)) CheckLength(key.bytes);
+    if (checked.MustBeUnique(key) && IsTaken(index, key)) {
         throw Error(ErrorKind::Duplicate, "Table " + definition_.name +
                                               " already has a row with this value in index " +
-                                              IndexName(number) + ".");
+                                              IndexName(index) + ".");
+    }
+}
+
+bool StoredTable::IsTaken(std::size_t index, const IndexKey& key) {
+    // Behind all entries that wait, as a new auto-number is, only the tree is left to be asked.
+    const EntryBatch& waiting = waiting_[index];
+    if (!waiting.IsEmpty() &&
+        (!waiting.CameInOrder() || CompareBytes(key.bytes, waiting.LastKey()) <= 0))
+        PutWaitingEntries(index);
+    return Current().indexes[index]->Has(key);
+}
+
+/// Not where the file comes near to its largest size: the row for whose entries there is no page
+/// must be the one that is refused.
+bool StoredTable::EntriesMayWait() const {
+    constexpr PageNumber EnoughPages = 4 * MostWaiting;
+    return Pager::MostPages - pages_.PageCount() > EnoughPages;
+}
+
+void StoredTable::MakeNow() {
+    for (std::size_t i = 0; i < waiting_.size(); ++i)
+        PutWaitingEntries(i);
+}
+
+void StoredTable::PutWaitingEntries(std::size_t index) {
+    EntryBatch& waiting = waiting_[index];
+    waiting.Sort();
+    while (!waiting.IsEmpty()) {
+        std::size_t done = 0;
+        Undoably([&] {
+            const auto inserted = Current().indexes[index]->Insert(waiting);
+            Current().counters.CountNewKeys(index, inserted.newKeys);
+            done = inserted.entries;
+        });
+        waiting.DropFirst(done);
     }
 }
 
@@ -208,7 +255,10 @@ void StoredTable::ChangeKey(const KeyChange& change, RowId row) {
     Parts& parts = Current();
     TableIndex& index = *parts.indexes[change.index];
     if (change.before) index.Remove(*change.before, row);
-    if (change.after && index.Insert(*change.after, row)) parts.counters.CountNewKey(change.index);
+    if (!change.after || !index.Lists(*change.after)) return;
+    EntryBatch single;
+    single.Add(change.after->bytes, row);
+    parts.counters.CountNewKeys(change.index, index.Insert(single).newKeys);
 }
 
 std::int32_t StoredTable::NextAutoNumber() const {

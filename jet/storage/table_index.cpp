@@ -39,19 +39,20 @@ IndexKey TableIndex::KeyOf(std::span<const Value> row) const {
     return key;
 }
 
-bool TableIndex::IsTaken(const IndexKey& key) const {
-    return unique_ && !key.allNull && tree_.ContainsKey(key.bytes);
+/// New rows mostly have a greater key than all others, which takes no look into the tree.
+bool TableIndex::Has(const IndexKey& key) {
+    if (!greatestKey_) greatestKey_ = std::make_unique<std::optional<Bytes>>(tree_.GreatestKey());
+    return *greatestKey_ && key.bytes <= **greatestKey_ && tree_.ContainsKey(key.bytes);
 }
 
-bool TableIndex::Insert(const IndexKey& key, RowId row) {
-    if (!Lists(key)) return false;
-    const bool mustBeNew = unique_ && !key.allNull;
-    const bool isNew = mustBeNew || !tree_.ContainsKey(key.bytes);
-    tree_.Insert(key.bytes, row);
-    return isNew;
+IndexTree::Inserted TableIndex::Insert(const EntryBatch& batch) {
+    constexpr std::size_t MostLeaves = 64;
+    greatestKey_.reset();
+    return tree_.Insert(batch, MostLeaves);
 }
 
 void TableIndex::Remove(const IndexKey& key, RowId row) {
+    greatestKey_.reset();
     if (Lists(key)) tree_.Remove(key.bytes, row);
 }
 

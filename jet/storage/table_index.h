@@ -1,5 +1,7 @@
 #pragma once
 
+#include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -35,12 +37,14 @@ class TableIndex final : private IndexPageListener {
     /// Whether a row with this key has an entry at all.
     bool Lists(const IndexKey& key) const { return !(ignoresNulls_ && key.allNull); }
     bool RefusesNulls() const { return refusesNulls_; }
-    /// Whether the key must not be there twice and already is there.
-    bool IsTaken(const IndexKey& key) const;
+    /// Whether the key must not be there twice.
+    bool MustBeUnique(const IndexKey& key) const { return unique_ && !key.allNull; }
+    /// Whether a key that must not be there twice is there.
+    bool Has(const IndexKey& key);
 
-    /// Adds an entry; a key that IsTaken() must not be given. Returns whether the index did not
-    /// have the key before.
-    bool Insert(const IndexKey& key, RowId row);
+    /// Adds the first entries of a sorted batch; not all at once, so that a change of pages that
+    /// is undone does not become too large.
+    IndexTree::Inserted Insert(const EntryBatch& batch);
     void Remove(const IndexKey& key, RowId row);
 
   private:
@@ -58,6 +62,8 @@ class TableIndex final : private IndexPageListener {
     std::vector<std::size_t> columns_;
     std::vector<Part> parts_;
     bool unique_, ignoresNulls_, refusesNulls_;
+    /// The tree's own; not known where it is null.
+    std::unique_ptr<std::optional<Bytes>> greatestKey_;
 };
 
 }  // namespace jet::storage

@@ -114,8 +114,8 @@ class TableCounters {
     std::int32_t AutoNumber() const;
     std::int32_t AutoNumberStep() const;
     void SetAutoNumber(std::int32_t value);
-    /// Counts a key that its index did not have before.
-    void CountNewKey(std::size_t realIndex);
+    /// Counts keys that their index did not have before.
+    void CountNewKeys(std::size_t realIndex, std::size_t count);
 
   private:
     PageStore& pages_;
