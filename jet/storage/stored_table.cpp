@@ -26,7 +26,8 @@ bool IsGeneralLegacyOrder(const ColumnLayout& column) {
 StoredTable::Parts::Parts(Pager& pages, PageNumber definition)
     : layout(ReadTableLayout(pages, definition)),
       rows(pages, definition, layout.owned, layout.free),
-      counters(pages, definition) {
+      counters(pages, definition),
+      draft(layout) {
     for (std::size_t i = 0; i < layout.realIndexes.size(); ++i) {
         indexes.push_back(std::make_unique<TableIndex>(pages, layout, i));
     }
@@ -34,18 +35,15 @@ StoredTable::Parts::Parts(Pager& pages, PageNumber definition)
 
 StoredTable::StoredTable(Pager& pages, std::string name, PageNumber definition,
                          std::span<const std::string> requiredColumns)
-    : pages_(pages), page_(definition) {
+    : pages_(pages), page_(definition), file_(pages.Path().string()) {
     definition_ = DefinitionOf(Current().layout, std::move(name), requiredColumns);
+    readOnlyReason_ = FindReadOnlyReason();
     waiting_.resize(Current().indexes.size());
+    newKeys_.resize(waiting_.size());
     pages_.Add(*this);
 }
 
-StoredTable::Parts& StoredTable::Current() const {
-    if (!parts_) parts_ = std::make_unique<Parts>(pages_, page_);
-    return *parts_;
-}
-
-std::optional<std::string> StoredTable::ReadOnlyReason() const {
+std::optional<std::string> StoredTable::FindReadOnlyReason() const {
     const TableLayout& layout = Current().layout;
     for (const auto& column : layout.columns) {
         if (!column.IsKnownType()) {

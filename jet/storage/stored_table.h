@@ -32,7 +32,7 @@ class StoredTable final : public TableImplementation, private DeferredChanges {
     ~StoredTable() override { pages_.Remove(*this); }
 
     const TableDefinition& Definition() const override { return definition_; }
-    std::optional<std::string> ReadOnlyReason() const override;
+    std::optional<std::string> ReadOnlyReason() const override { return readOnlyReason_; }
     void Scan(const std::function<void(RowId, Row&&)>& visit) const override;
     void ScanColumns(std::span<const std::size_t> columns,
                      const Table::VisitColumns& visit) const override;
@@ -42,7 +42,7 @@ class StoredTable final : public TableImplementation, private DeferredChanges {
     void Delete(RowId row) override;
     std::uint32_t RowCount() const override;
     std::int32_t NextAutoNumber() const override;
-    std::string File() const override { return pages_.Path().string(); }
+    const std::string& File() const override { return file_; }
 
     /// One column of one row.
     Value ReadColumn(RowId row, std::size_t column) const;
@@ -61,13 +61,7 @@ class StoredTable final : public TableImplementation, private DeferredChanges {
         TableCounters counters;
         std::vector<std::unique_ptr<TableIndex>> indexes;
         std::map<std::size_t, RowPages> longPages;  ///< by column, made on first use
-    };
-
-    /// A row under construction.
-    struct Draft {
-        explicit Draft(std::size_t columns) : fields(columns), bytes(columns) {}
-        std::vector<FieldBytes> fields;
-        std::vector<Bytes> bytes;  ///< holds what new `fields` point to
+        RowDraft draft;
     };
 
     /// A row's keys in one index before and after a change.
@@ -76,7 +70,11 @@ class StoredTable final : public TableImplementation, private DeferredChanges {
         std::optional<IndexKey> before, after;
     };
 
-    Parts& Current() const;
+    Parts& Current() const {
+        if (!parts_) parts_ = std::make_unique<Parts>(pages_, page_);
+        return *parts_;
+    }
+    std::optional<std::string> FindReadOnlyReason() const;
     void RequireChangeable() const;
     /// Runs a change as a whole: where it throws, every page is as it was.
     template <typename Action>
@@ -96,20 +94,21 @@ class StoredTable final : public TableImplementation, private DeferredChanges {
     void PutWaitingEntries(std::size_t index);
     std::string IndexName(std::size_t realIndex) const;
 
-    std::optional<std::int32_t> HandOutNumber(Row& values) const;
     void RaiseAutoNumber(std::size_t column, const Value& value);
-    void SetField(Draft& draft, std::size_t column, const Value& value);
-    void SetBytes(Draft& draft, std::size_t column, Bytes bytes);
-    Bytes Assemble(Draft& draft);
-    bool MoveLongestOut(Draft& draft);
+    void SetField(std::size_t column, const Value& value);
+    const Bytes& Assemble();
+    bool MoveLongestOut();
     RowPages& LongPages(std::size_t column);
     void ChangeKey(const KeyChange& change, RowId row);
 
     Pager& pages_;
     PageNumber page_;
+    std::string file_;
     TableDefinition definition_;
+    std::optional<std::string> readOnlyReason_;
     mutable std::unique_ptr<Parts> parts_;
     std::vector<EntryBatch> waiting_;  ///< new entries, by index
+    std::vector<IndexKey> newKeys_;    ///< of the row that is being added, by index
 };
 
 }  // namespace jet::storage

@@ -27,7 +27,7 @@ class TableImplementation {
     virtual std::int32_t NextAutoNumber() const = 0;
 
     /// The file that the table is in.
-    virtual std::string File() const = 0;
+    virtual const std::string& File() const = 0;
 };
 
 }  // namespace jet::storage

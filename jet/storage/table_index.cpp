@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "jet/storage/index/index_key.h"
-
 namespace jet::storage {
 
 TableIndex::TableIndex(PageStore& pages, const TableLayout& layout, std::size_t realIndex)
@@ -27,15 +25,7 @@ bool TableIndex::Uses(std::size_t column) const {
 
 IndexKey TableIndex::KeyOf(std::span<const Value> row) const {
     IndexKey key;
-    for (std::size_t i = 0; i < parts_.size(); ++i) {
-        const Value& value = row[columns_[i]];
-        if (IsNull(value)) {
-            key.anyNull = true;
-        } else {
-            key.allNull = false;
-        }
-        AppendKey(key.bytes, value, parts_[i].type, parts_[i].scale, parts_[i].ascending);
-    }
+    KeyOf([row](std::size_t column) -> const Value& { return row[column]; }, key);
     return key;
 }
 

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "jet/storage/index/index_key.h"
 #include "jet/storage/index/index_tree.h"
 #include "jet/storage/table_layout.h"
 #include "jet/storage/usage_map.h"
@@ -32,7 +33,19 @@ class TableIndex final : private IndexPageListener {
     const std::vector<std::size_t>& Columns() const { return columns_; }
     bool Uses(std::size_t column) const;
 
-    /// The key of a row, of which only the index's columns are looked at.
+    /// The key of a row; `valueOf` gives a column's value, and is asked for the index's columns.
+    template <typename ValueOf>
+    void KeyOf(ValueOf valueOf, IndexKey& key) const {
+        key.bytes.clear();
+        key.anyNull = false;
+        key.allNull = true;
+        for (std::size_t i = 0; i < parts_.size(); ++i) {
+            const Value& value = valueOf(columns_[i]);
+            key.anyNull = key.anyNull || IsNull(value);
+            key.allNull = key.allNull && IsNull(value);
+            AppendKey(key.bytes, value, parts_[i].type, parts_[i].scale, parts_[i].ascending);
+        }
+    }
     IndexKey KeyOf(std::span<const Value> row) const;
     /// Whether a row with this key has an entry at all.
     bool Lists(const IndexKey& key) const { return !(ignoresNulls_ && key.allNull); }

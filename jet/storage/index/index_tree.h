@@ -92,9 +92,9 @@ class IndexTree {
     EntryBytes GreatestBelow(PageNumber page);
 
     Inserted InsertIntoLeaf(const EntryBatch& batch, std::size_t first);
-    std::size_t Merge(std::vector<EntryBytes>& entries, const EntryBatch& batch, std::size_t first,
-                      std::size_t count) const;
-    bool IsNewKey(std::span<const EntryBytes> before, EntryBytes entry,
+    std::size_t Merge(const IndexPageView& leaf, std::vector<EntryBytes>& entries,
+                      const EntryBatch& batch, std::size_t first, std::size_t count) const;
+    bool IsNewKey(const IndexPageView& leaf, std::span<const EntryBytes> before, EntryBytes entry,
                   std::span<const EntryBytes> behind) const;
 
     void Rewrite(const Path& path, std::size_t level, IndexPageContent content,

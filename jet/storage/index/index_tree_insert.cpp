@@ -60,7 +60,7 @@ IndexTree::Inserted IndexTree::InsertIntoLeaf(const EntryBatch& batch, std::size
         }
     }
     IndexPageContent content = IndexPageContent::From(view, memory_);
-    const std::size_t newKeys = Merge(content.entries, batch, first, count);
+    const std::size_t newKeys = Merge(view, content.entries, batch, first, count);
     const EntryBytes last = content.entries.back();
     const bool newLast = last.data() == batch.At(first + count - 1).data();
     // Rows that come in the order of the index shall fill its pages.
@@ -71,8 +71,8 @@ IndexTree::Inserted IndexTree::InsertIntoLeaf(const EntryBatch& batch, std::size
 }
 
 /// Puts entries of a batch among those of a leaf, all in order. Returns how many keys are new.
-std::size_t IndexTree::Merge(std::vector<EntryBytes>& entries, const EntryBatch& batch,
-                             std::size_t first, std::size_t count) const {
+std::size_t IndexTree::Merge(const IndexPageView& leaf, std::vector<EntryBytes>& entries,
+                             const EntryBatch& batch, std::size_t first, std::size_t count) const {
     std::vector<EntryBytes> merged;
     merged.reserve(entries.size() + count);
     std::size_t newKeys = 0;
@@ -86,7 +86,7 @@ std::size_t IndexTree::Merge(std::vector<EntryBytes>& entries, const EntryBatch&
             ThrowDamaged("holds a new row already");
         merged.insert(merged.end(), old, place);
         old = place;
-        if (IsNewKey(merged, entry, {old, entries.end()})) ++newKeys;
+        if (IsNewKey(leaf, merged, entry, {old, entries.end()})) ++newKeys;
         merged.push_back(entry);
     }
     merged.insert(merged.end(), old, entries.end());
@@ -94,16 +94,17 @@ std::size_t IndexTree::Merge(std::vector<EntryBytes>& entries, const EntryBatch&
     return newKeys;
 }
 
-/// Whether no other entry has the key of this one, between those of its leaf.
-bool IndexTree::IsNewKey(std::span<const EntryBytes> before, EntryBytes entry,
-                         std::span<const EntryBytes> behind) const {
+/// Whether no other entry has the key of this one, which comes between those of the leaf.
+bool IndexTree::IsNewKey(const IndexPageView& leaf, std::span<const EntryBytes> before,
+                         EntryBytes entry, std::span<const EntryBytes> behind) const {
     const auto hasKey = [key = KeyOf(entry)](EntryBytes other) {
         return std::ranges::equal(KeyOf(other), key);
     };
     if (!before.empty() && hasKey(before.back())) return false;
     if (!behind.empty() && hasKey(behind.front())) return false;
-    // At the ends of a leaf the next entry is on another one.
-    return (!before.empty() && !behind.empty()) || !ContainsKey(KeyOf(entry));
+    const bool mayBeElsewhere =
+        (before.empty() && leaf.Previous() != 0) || (behind.empty() && leaf.Next() != 0);
+    return !mayBeElsewhere || !ContainsKey(KeyOf(entry));
 }
 
 }  // namespace jet::storage

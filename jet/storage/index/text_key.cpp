@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <optional>
 
@@ -138,7 +139,7 @@ std::optional<std::string_view> CountingPart(std::string_view utf8) {
 
 Bytes TextKey(std::string_view utf8) {
     Bytes key;
-    AppendTextKey(key, ToUtf16(utf8));
+    AppendTextKey(key, utf8);
     return key;
 }
 
@@ -189,6 +190,32 @@ void AppendTextKey(Bytes& key, std::u16string_view text) {
         unprintables.AppendTo(key);
     }
     key.push_back(0);
+}
+
+bool AppendPlainTextKey(Bytes& key, std::string_view units) {
+    const SortTable& table = SortTable::Get();
+    units = units.substr(0, LongestTextInKey);
+    units = units.substr(0, units.find_last_not_of(' ') + 1);
+    const std::size_t start = key.size();
+    key.resize(start + units.size() + 2);
+    bool plain = true;
+    for (std::size_t i = 0; i < units.size(); ++i) {
+        const std::uint8_t letter = table.SimpleLetter(units[i]);
+        key[start + i] = letter;
+        plain = plain && letter != 0;
+    }
+    key[start + units.size()] = SectionEnd;
+    if (!plain) key.resize(start);
+    return plain;
+}
+
+void AppendTextKey(Bytes& key, std::string_view utf8) {
+    if (AppendPlainTextKey(key, utf8)) return;
+    std::array<char16_t, LongestTextInKey> units;
+    std::size_t count = 0;
+    for (Utf16Reader reader(utf8); count < units.size() && !reader.AtEnd();)
+        units[count++] = reader.Next();
+    AppendTextKey(key, std::u16string_view(units.data(), count));
 }
 
 int CompareTexts(std::string_view left, std::string_view right) {
