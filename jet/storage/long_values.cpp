@@ -81,16 +81,18 @@ void ForEachPiece(PageStore& pages, const LongField& field,
 
 }  // namespace
 
-Bytes ReadLongValue(PageStore& pages, std::span<const std::uint8_t> field) {
+std::optional<std::span<const std::uint8_t>> DataInRow(std::span<const std::uint8_t> field) {
     const LongField parsed = Parse(field);
-    if (parsed.kind == Kind::Inline) {
-        const auto data = field.subspan(std::min(field.size(), LongFieldHeader));
-        if (parsed.length > data.size())
-            ThrowDamaged("a long value is shorter than its field says");
-        return Bytes(data.begin(), data.begin() + static_cast<std::ptrdiff_t>(parsed.length));
-    }
+    if (parsed.kind != Kind::Inline) return std::nullopt;
+    const auto data = field.subspan(std::min(field.size(), LongFieldHeader));
+    if (parsed.length > data.size()) ThrowDamaged("a long value is shorter than its field says");
+    return data.first(parsed.length);
+}
+
+Bytes ReadLongValue(PageStore& pages, std::span<const std::uint8_t> field) {
+    if (const auto inRow = DataInRow(field)) return {inRow->begin(), inRow->end()};
     Bytes data;
-    ForEachPiece(pages, parsed,
+    ForEachPiece(pages, Parse(field),
                  [&data](RowId, std::span<const std::uint8_t> piece) { Append(data, piece); });
     return data;
 }

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <span>
 
 #include "jet/storage/row_pages.h"
@@ -16,6 +17,9 @@ constexpr std::size_t LongestInline = 64;
 
 /// The data that a long field stands for. `length` bytes at most; contradictions are Damaged.
 Bytes ReadLongValue(PageStore& pages, std::span<const std::uint8_t> field);
+
+/// The same where the row itself holds it; none where it lies elsewhere.
+std::optional<std::span<const std::uint8_t>> DataInRow(std::span<const std::uint8_t> field);
 
 /// The data's length without reading it.
 std::size_t LongValueLength(std::span<const std::uint8_t> field);

@@ -7,7 +7,6 @@
 #include <memory>
 #include <optional>
 #include <span>
-#include <unordered_map>
 #include <vector>
 
 #include "jet/storage/file_system.h"
@@ -91,13 +90,15 @@ class Pager final : public PageStore {
     };
 
   private:
+    struct Frame;
+    using Frames = std::list<Frame>;
     struct Frame {
         PageNumber number = 0;
         std::shared_ptr<Page> page;
         bool changed = false;
         std::uint64_t savedFor = 0;  ///< the Change that knows the content before it
+        Frames::iterator place = {};
     };
-    using Frames = std::list<Frame>;
     /// A page as it was before the current Change.
     struct Before {
         PageNumber number;
@@ -105,6 +106,10 @@ class Pager final : public PageStore {
         std::unique_ptr<Page> content;
     };
 
+    /// The page's frame, if it is in memory.
+    Frame* FindFrame(PageNumber number) const {
+        return number < frames_.size() ? frames_[number] : nullptr;
+    }
     Frame& Fetch(PageNumber number);
     Frame& AddFrame(Frames& frames, PageNumber number, std::shared_ptr<Page> page);
     void DropFrame(PageNumber number);
@@ -149,7 +154,7 @@ class Pager final : public PageStore {
     std::vector<std::uint64_t> sums_;  ///< of the pages on the disk; 0: not known
     PageNumber pageCount_ = 0;
     Frames unchanged_, changed_;  ///< most recently used first
-    std::unordered_map<PageNumber, Frames::iterator> frames_;
+    std::vector<Frame*> frames_;  ///< by page number
     std::chrono::steady_clock::time_point oldestChange_;
     GlobalMap globalMap_;
     std::vector<DeferredChanges*> deferred_;

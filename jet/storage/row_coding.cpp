@@ -115,19 +115,21 @@ const Bytes& RowDraft::Build() {
     return row_;
 }
 
-Value DecodeField(const ColumnLayout& column, std::span<const std::uint8_t> bytes) {
-    if (!column.IsKnownType()) return Bytes(bytes.begin(), bytes.end());
-    switch (const ColumnType type = column.Type()) {
-        case ColumnType::Text:
-            return DecodeText(bytes);
-        case ColumnType::Binary:
-            return Bytes(bytes.begin(), bytes.end());
-        default:
-            if (bytes.size() != FixedSize(type)) {
-                ThrowDamaged("column " + column.name + " holds " + std::to_string(bytes.size()) +
-                             " bytes");
-            }
-            return DecodeScalar(bytes, type, column.scale);
+void DecodeText(std::span<const std::uint8_t> bytes, Value& value) {
+    auto* text = std::get_if<std::string>(&value);
+    DecodeText(bytes, text != nullptr ? *text : value.emplace<std::string>());
+}
+
+void DecodeField(const ColumnLayout& column, std::span<const std::uint8_t> bytes, Value& value) {
+    const ColumnType type = column.Type();
+    if (!column.IsKnownType() || type == ColumnType::Binary) {
+        value = Bytes(bytes.begin(), bytes.end());
+    } else if (type == ColumnType::Text) {
+        DecodeText(bytes, value);
+    } else if (bytes.size() != FixedSize(type)) {
+        ThrowDamaged("column " + column.name + " holds " + std::to_string(bytes.size()) + " bytes");
+    } else {
+        value = DecodeScalar(bytes, type, column.scale);
     }
 }
 

@@ -79,8 +79,11 @@ class RowDraft {
     Bytes data_, row_;
 };
 
-/// The value that a column's stored bytes mean. Not for Booleans and long values.
-Value DecodeField(const ColumnLayout& column, std::span<const std::uint8_t> bytes);
+/// Puts the value that a column's stored bytes mean in the place of another, whose memory is used
+/// again. Not for Booleans and long values.
+void DecodeField(const ColumnLayout& column, std::span<const std::uint8_t> bytes, Value& value);
+/// The same for the data of texts.
+void DecodeText(std::span<const std::uint8_t> bytes, Value& value);
 /// Appends the bytes of a value that was checked before. Not for Null, Booleans and long values.
 void AppendField(Bytes& bytes, const ColumnLayout& column, const Value& value);
 

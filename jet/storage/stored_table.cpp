@@ -76,14 +76,28 @@ void StoredTable::CheckExtent() const {
 }
 
 Value StoredTable::Decode(const RowReader& reader, std::size_t position) const {
-    const ColumnLayout& column = Current().layout.columns[position];
-    if (column.Type() == ColumnType::Boolean) return reader.Bit(column);
+    Value value;
+    Decode(reader, Current().layout.columns[position], value);
+    return value;
+}
+
+void StoredTable::Decode(const RowReader& reader, const ColumnLayout& column, Value& value) const {
+    if (column.Type() == ColumnType::Boolean) {
+        value = reader.Bit(column);
+        return;
+    }
     const auto field = reader.Field(column);
-    if (!field) return Null{};
-    if (!column.IsLong()) return DecodeField(column, *field);
-    Bytes data = ReadLongValue(pages_, *field);
-    if (column.Type() == ColumnType::Memo) return DecodeText(data);
-    return data;
+    if (!field) {
+        value = Null{};
+    } else if (!column.IsLong()) {
+        DecodeField(column, *field, value);
+    } else if (column.Type() != ColumnType::Memo) {
+        value = ReadLongValue(pages_, *field);
+    } else if (const auto inRow = DataInRow(*field)) {
+        DecodeText(*inRow, value);
+    } else {
+        DecodeText(ReadLongValue(pages_, *field), value);
+    }
 }
 
 Row StoredTable::DecodeRow(std::span<const std::uint8_t> bytes) const {
@@ -103,11 +117,14 @@ void StoredTable::Scan(const std::function<void(RowId, Row&&)>& visit) const {
 void StoredTable::ScanColumns(std::span<const std::size_t> columns,
                               const Table::VisitColumns& visit) const {
     const Parts& parts = Current();
+    std::vector<const ColumnLayout*> layouts;
+    for (const std::size_t column : columns)
+        layouts.push_back(&parts.layout.columns[column]);
     std::vector<Value> values(columns.size());
     parts.rows.ForEach([&](RowId id, std::span<const std::uint8_t> bytes) {
         const RowReader reader(bytes, parts.layout);
-        for (std::size_t i = 0; i < columns.size(); ++i)
-            values[i] = Decode(reader, columns[i]);
+        for (std::size_t i = 0; i < layouts.size(); ++i)
+            Decode(reader, *layouts[i], values[i]);
         visit(id, values);
     });
 }

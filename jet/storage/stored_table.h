@@ -81,6 +81,7 @@ class StoredTable final : public TableImplementation, private DeferredChanges {
     void Undoably(Action action);
 
     Value Decode(const RowReader& reader, std::size_t column) const;
+    void Decode(const RowReader& reader, const ColumnLayout& column, Value& value) const;
     Row DecodeRow(std::span<const std::uint8_t> bytes) const;
     std::vector<std::optional<Value>> EffectiveChanges(const RowReader& old,
                                                        std::span<const FieldChange> changes) const;

@@ -88,17 +88,38 @@ Bytes EncodeCompressed(std::u16string_view text) {
     return bytes;
 }
 
-bool IsAscii(std::string_view text) {
-    constexpr std::uint64_t HighBits = 0x8080808080808080;
-    std::uint64_t found = 0;
+std::string_view TextOf(std::span<const std::uint8_t> bytes) {
+    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
+
+/// Whether all bytes are those of ASCII characters other than zero.
+bool IsPlainAscii(std::string_view text) {
+    constexpr std::uint64_t Ones = 0x0101010101010101, HighBits = 0x8080808080808080;
+    std::uint64_t others = 0, word = 0;
     std::size_t i = 0;
-    for (std::uint64_t word = 0; text.size() - i >= sizeof(word); i += sizeof(word)) {
+    for (; text.size() - i >= sizeof(word); i += sizeof(word)) {
         std::memcpy(&word, text.data() + i, sizeof(word));
-        found |= word;
+        others |= (word - Ones) | word;
     }
     for (; i < text.size(); ++i)
-        found |= static_cast<unsigned char>(text[i]);
-    return (found & HighBits) == 0;
+        others |= text[i] <= 0 ? HighBits : 0;
+    return (others & HighBits) == 0;
+}
+
+/// Puts the UTF-8 of units of one byte each into `text`.
+void WidenOneByteUnits(std::string_view units, std::string& text) {
+    text.resize(2 * units.size());
+    std::size_t size = 0;
+    for (const char unit : units) {
+        const auto byte = static_cast<unsigned char>(unit);
+        if (byte < 0x80) {
+            text[size++] = unit;
+        } else {
+            text[size++] = static_cast<char>(0xC0 | byte >> 6);
+            text[size++] = static_cast<char>(0x80 | (byte & 0x3F));
+        }
+    }
+    text.resize(size);
 }
 
 /// Hands out the units of either form until one is refused.
@@ -147,12 +168,6 @@ void AppendText(Bytes& bytes, std::string_view utf8, bool mayCompress, bool isMe
     bytes.insert(bytes.end(), encoded.begin(), encoded.end());
 }
 
-std::optional<std::string_view> OneByteUnits(std::span<const std::uint8_t> bytes) {
-    if (!IsCompressedText(bytes) || std::memchr(bytes.data(), 0, bytes.size()) != nullptr)
-        return std::nullopt;
-    return std::string_view(reinterpret_cast<const char*>(bytes.data()) + 2, bytes.size() - 2);
-}
-
 std::string DecodeText(std::span<const std::uint8_t> bytes) {
     std::string text;
     DecodeText(bytes, text);
@@ -160,10 +175,13 @@ std::string DecodeText(std::span<const std::uint8_t> bytes) {
 }
 
 void DecodeText(std::span<const std::uint8_t> bytes, std::string& text) {
-    const auto units = OneByteUnits(bytes);
-    if (units && IsAscii(*units)) {
-        text.assign(*units);
-        return;
+    if (IsCompressedText(bytes)) {
+        const auto units = TextOf(bytes.subspan(2));
+        if (IsPlainAscii(units)) {
+            text.assign(units);
+            return;
+        }
+        if (units.find('\0') == std::string_view::npos) return WidenOneByteUnits(units, text);
     }
     Utf8Writer writer(std::move(text));
     writer.Reserve(bytes.size());
@@ -175,7 +193,9 @@ void DecodeText(std::span<const std::uint8_t> bytes, std::string& text) {
 }
 
 std::size_t DecodeUnits(std::span<const std::uint8_t> bytes, std::span<char16_t> units) {
-    if (OneByteUnits(bytes) && bytes.size() - 2 <= units.size()) {
+    // The usual form: compressed, one byte for each unit.
+    if (IsCompressedText(bytes) && bytes.size() - 2 <= units.size() &&
+        std::memchr(bytes.data(), 0, bytes.size()) == nullptr) {
         std::copy(bytes.begin() + 2, bytes.end(), units.begin());
         return bytes.size() - 2;
     }

@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -24,9 +23,6 @@ Bytes EncodeText(std::u16string_view text, bool mayCompress, bool isMemo);
 void AppendText(Bytes& bytes, std::string_view utf8, bool mayCompress, bool isMemo);
 /// Which form it is.
 bool IsCompressedText(std::span<const std::uint8_t> bytes);
-/// The one byte of each unit, where a text is of the compressed form and has no other units: most
-/// are so. None otherwise.
-std::optional<std::string_view> OneByteUnits(std::span<const std::uint8_t> bytes);
 /// Reads either form. Never fails: whatever the bytes are, they are some text.
 std::string DecodeText(std::span<const std::uint8_t> bytes);
 /// The same, put into `text`, whose memory is used again.

@@ -143,8 +143,7 @@ void AppendStoredKey(Bytes& key, std::span<const std::uint8_t> stored, ColumnTyp
         case ColumnType::Memo: {
             key.push_back(ValueMarker(ascending));
             const std::size_t start = key.size();
-            const auto plain = OneByteUnits(stored);
-            if (!plain || !AppendPlainTextKey(key, *plain)) {
+            if (!IsCompressedText(stored) || !AppendPlainTextKey(key, stored.subspan(2))) {
                 std::array<char16_t, LongestTextInKey> units;
                 const std::size_t count = DecodeUnits(stored, units);
                 AppendTextKey(key, std::u16string_view(units.data(), count));

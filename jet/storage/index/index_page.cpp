@@ -55,9 +55,8 @@ void StoreFreeBytes(Page& page, std::size_t used) {
 }  // namespace
 
 void AppendRow(Bytes& entry, RowId row) {
-    for (int shift = 16; shift >= 0; shift -= 8)
-        entry.push_back(static_cast<std::uint8_t>(row.page >> shift));
-    entry.push_back(row.slot);
+    const auto bytes = ChildBytes(row.page << 8 | row.slot);
+    entry.insert(entry.end(), bytes.begin(), bytes.end());
 }
 
 std::array<std::uint8_t, 4> ChildBytes(PageNumber child) {

@@ -192,15 +192,16 @@ void AppendTextKey(Bytes& key, std::u16string_view text) {
     key.push_back(0);
 }
 
-bool AppendPlainTextKey(Bytes& key, std::string_view units) {
+bool AppendPlainTextKey(Bytes& key, std::span<const std::uint8_t> text) {
     const SortTable& table = SortTable::Get();
-    units = units.substr(0, LongestTextInKey);
-    units = units.substr(0, units.find_last_not_of(' ') + 1);
+    auto units = text.first(std::min(text.size(), LongestTextInKey));
+    while (!units.empty() && units.back() == ' ')
+        units = units.first(units.size() - 1);
     const std::size_t start = key.size();
     key.resize(start + units.size() + 2);
     bool plain = true;
     for (std::size_t i = 0; i < units.size(); ++i) {
-        const std::uint8_t letter = table.SimpleLetter(units[i]);
+        const std::uint8_t letter = table.SimpleLetter(static_cast<char>(units[i]));
         key[start + i] = letter;
         plain = plain && letter != 0;
     }
@@ -210,7 +211,8 @@ bool AppendPlainTextKey(Bytes& key, std::string_view units) {
 }
 
 void AppendTextKey(Bytes& key, std::string_view utf8) {
-    if (AppendPlainTextKey(key, utf8)) return;
+    if (AppendPlainTextKey(key, {reinterpret_cast<const std::uint8_t*>(utf8.data()), utf8.size()}))
+        return;
     std::array<char16_t, LongestTextInKey> units;
     std::size_t count = 0;
     for (Utf16Reader reader(utf8); count < units.size() && !reader.AtEnd();)
