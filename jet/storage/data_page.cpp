@@ -28,30 +28,18 @@ void UpdateFreeBytes(Page& page, std::size_t count, std::size_t lowestRow) {
 
 }  // namespace
 
-DataPageView::DataPageView(const Page& page, PageNumber number)
-    : page_(page), number_(number), count_(Load<std::uint16_t>(page, CountOffset)) {
-    if (page[0] != static_cast<std::uint8_t>(PageType::Data)) {
-        ThrowDamaged("page " + std::to_string(number) + " is not a data page");
-    }
-    if (count_ > MaxSlots + 1) {
-        ThrowDamaged("page " + std::to_string(number) + " claims " + std::to_string(count_) +
-                     " rows");
-    }
+void DataPageView::ThrowNoDataPage() const {
+    const std::string page = "page " + std::to_string(number_);
+    if (page_[0] != static_cast<std::uint8_t>(PageType::Data))
+        ThrowDamaged(page + " is not a data page");
+    ThrowDamaged(page + " claims " + std::to_string(count_) + " rows");
 }
 
-Slot DataPageView::At(std::size_t slot) const {
-    if (slot >= count_) {
+void DataPageView::ThrowNoRow(std::size_t slot) const {
+    if (slot >= count_)
         ThrowDamaged("page " + std::to_string(number_) + " has no row " + std::to_string(slot));
-    }
-    const auto word = Load<std::uint16_t>(page_, WordOffset(slot));
-    const std::size_t start = word & OffsetMask;
-    const std::size_t end =
-        slot == 0 ? PageSize : Load<std::uint16_t>(page_, WordOffset(slot - 1)) & OffsetMask;
-    if (start > end || end > PageSize || start < WordOffset(count_)) {
-        ThrowDamaged("row " + std::to_string(slot) + " of page " + std::to_string(number_) +
-                     " lies outside its place");
-    }
-    return {start, end, (word & MovedFlag) != 0, (word & HiddenFlag) != 0};
+    ThrowDamaged("row " + std::to_string(slot) + " of page " + std::to_string(number_) +
+                 " lies outside its place");
 }
 
 std::size_t DataPageView::FreeBytes() const {

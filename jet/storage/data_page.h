@@ -29,11 +29,23 @@ struct Slot {
 class DataPageView {
   public:
     /// `number` is for messages; the page must outlive the view.
-    DataPageView(const Page& page, PageNumber number);
+    DataPageView(const Page& page, PageNumber number)
+        : page_(page), number_(number), count_(Load<std::uint16_t>(page, CountOffset)) {
+        if (page[0] != static_cast<std::uint8_t>(PageType::Data) || count_ > MaxSlots + 1)
+            ThrowNoDataPage();
+    }
 
     std::uint32_t Owner() const { return Load<std::uint32_t>(page_, 4); }
     std::size_t SlotCount() const { return count_; }
-    Slot At(std::size_t slot) const;
+    Slot At(std::size_t slot) const {
+        const std::size_t word = slot < count_ ? WordOf(slot) : 0;
+        const std::size_t start = word & OffsetMask;
+        const std::size_t end = slot == 0 ? PageSize : WordOf(slot - 1) & OffsetMask;
+        if (slot >= count_ || start > end || end > PageSize ||
+            start < DataPageHeaderSize + count_ * SlotWordSize)
+            ThrowNoRow(slot);
+        return {start, end, (word & MovedFlag) != 0, (word & HiddenFlag) != 0};
+    }
     std::span<const std::uint8_t> BytesOf(const Slot& slot) const {
         return std::span(page_).subspan(slot.start, slot.Size());
     }
@@ -44,6 +56,14 @@ class DataPageView {
     std::size_t RoomFor(std::size_t slot) const;
 
   private:
+    static constexpr std::size_t CountOffset = 12;
+    static constexpr unsigned OffsetMask = 0x1FFF, MovedFlag = 0x4000, HiddenFlag = 0x8000;
+
+    std::size_t WordOf(std::size_t slot) const {
+        return Load<std::uint16_t>(page_, DataPageHeaderSize + slot * SlotWordSize);
+    }
+    [[noreturn]] void ThrowNoDataPage() const;
+    [[noreturn]] void ThrowNoRow(std::size_t slot) const;
     std::size_t FreeBytes() const;
 
     const Page& page_;

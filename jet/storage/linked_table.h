@@ -37,7 +37,7 @@ class LinkedTable final : public TableImplementation {
     void Delete(RowId /*row*/) override { Refuse(); }
     std::uint32_t RowCount() const override { Refuse(); }
     std::int32_t NextAutoNumber() const override { Refuse(); }
-    std::string File() const override { return file_; }
+    const std::string& File() const override { return file_; }
 
   private:
     [[noreturn]] void Refuse() const {

@@ -1,6 +1,7 @@
 #include "jet/storage/long_values.h"
 
 #include <algorithm>
+#include <array>
 #include <functional>
 #include <vector>
 
@@ -36,12 +37,13 @@ LongField Parse(std::span<const std::uint8_t> field) {
     return {word & LengthMask, static_cast<Kind>(kind), Load<std::uint32_t>(field, 4)};
 }
 
-Bytes MakeField(std::size_t length, Kind kind, std::uint32_t pointer) {
-    Bytes field;
-    Append(field, static_cast<std::uint32_t>(length) | static_cast<std::uint32_t>(kind)
-                                                           << KindShift);
-    Append(field, pointer);
-    AppendZeros(field, LongFieldHeader - field.size());
+using FieldHeader = std::array<std::uint8_t, LongFieldHeader>;
+
+FieldHeader MakeField(std::size_t length, Kind kind, std::uint32_t pointer) {
+    FieldHeader field{};
+    Store(std::span(field), 0,
+          static_cast<std::uint32_t>(length) | static_cast<std::uint32_t>(kind) << KindShift);
+    Store(std::span(field), 4, pointer);
     return field;
 }
 
@@ -79,16 +81,18 @@ void ForEachPiece(PageStore& pages, const LongField& field,
 
 }  // namespace
 
-Bytes ReadLongValue(PageStore& pages, std::span<const std::uint8_t> field) {
+std::optional<std::span<const std::uint8_t>> DataInRow(std::span<const std::uint8_t> field) {
     const LongField parsed = Parse(field);
-    if (parsed.kind == Kind::Inline) {
-        const auto data = field.subspan(std::min(field.size(), LongFieldHeader));
-        if (parsed.length > data.size())
-            ThrowDamaged("a long value is shorter than its field says");
-        return Bytes(data.begin(), data.begin() + static_cast<std::ptrdiff_t>(parsed.length));
-    }
+    if (parsed.kind != Kind::Inline) return std::nullopt;
+    const auto data = field.subspan(std::min(field.size(), LongFieldHeader));
+    if (parsed.length > data.size()) ThrowDamaged("a long value is shorter than its field says");
+    return data.first(parsed.length);
+}
+
+Bytes ReadLongValue(PageStore& pages, std::span<const std::uint8_t> field) {
+    if (const auto inRow = DataInRow(field)) return {inRow->begin(), inRow->end()};
     Bytes data;
-    ForEachPiece(pages, parsed,
+    ForEachPiece(pages, Parse(field),
                  [&data](RowId, std::span<const std::uint8_t> piece) { Append(data, piece); });
     return data;
 }
@@ -101,13 +105,12 @@ bool IsOutsideRow(std::span<const std::uint8_t> field) {
     return Parse(field).kind != Kind::Inline;
 }
 
-Bytes InlineLongField(std::span<const std::uint8_t> data) {
-    Bytes field = MakeField(data.size(), Kind::Inline, 0);
-    Append(field, data);
-    return field;
+void MakeInline(std::span<std::uint8_t> field) {
+    std::ranges::copy(MakeField(field.size() - LongFieldHeader, Kind::Inline, 0), field.begin());
 }
 
-Bytes StoreLongValue(RowPages& pages, std::span<const std::uint8_t> data) {
+std::array<std::uint8_t, LongFieldHeader> StoreLongValue(RowPages& pages,
+                                                         std::span<const std::uint8_t> data) {
     if (data.size() > LengthMask) {
         throw Error(ErrorKind::TooLong, "The value is longer than a database can hold.");
     }

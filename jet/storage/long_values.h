@@ -1,6 +1,8 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
+#include <optional>
 #include <span>
 
 #include "jet/storage/row_pages.h"
@@ -16,14 +18,18 @@ constexpr std::size_t LongestInline = 64;
 /// The data that a long field stands for. `length` bytes at most; contradictions are Damaged.
 Bytes ReadLongValue(PageStore& pages, std::span<const std::uint8_t> field);
 
+/// The same where the row itself holds it; none where it lies elsewhere.
+std::optional<std::span<const std::uint8_t>> DataInRow(std::span<const std::uint8_t> field);
+
 /// The data's length without reading it.
 std::size_t LongValueLength(std::span<const std::uint8_t> field);
 
-/// The field for data kept in the row itself.
-Bytes InlineLongField(std::span<const std::uint8_t> data);
+/// Fills in the header of a field whose data, kept in the row itself, stands behind it.
+void MakeInline(std::span<std::uint8_t> field);
 
 /// Stores data outside the row and returns the field that names it.
-Bytes StoreLongValue(RowPages& pages, std::span<const std::uint8_t> data);
+std::array<std::uint8_t, LongFieldHeader> StoreLongValue(RowPages& pages,
+                                                         std::span<const std::uint8_t> data);
 
 /// Removes data that lies outside the row.
 void RemoveLongValue(RowPages& pages, std::span<const std::uint8_t> field);

@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::size_t CacheBytes = std::size_t{16} << 20;
 constexpr std::size_t MaxUnchanged = CacheBytes / PageSize;
-constexpr std::uint64_t MaxFileSize = std::uint64_t{2} << 30;
+constexpr std::uint64_t MaxFileSize = std::uint64_t{Pager::MostPages} * PageSize;
 
 }  // namespace
 
@@ -91,17 +91,16 @@ PageNumber Pager::Append() {
 }
 
 Pager::Frame& Pager::Fetch(PageNumber number) {
-    if (const auto found = frames_.find(number); found != frames_.end()) {
-        const auto frame = found->second;
+    if (Frame* const frame = FindFrame(number)) {
         Frames& list = frame->changed ? changed_ : unchanged_;
-        list.splice(list.begin(), list, frame);
+        list.splice(list.begin(), list, frame->place);
         return *frame;
     }
     if (number >= pageCount_) {
         ThrowDamaged("it ends too early: page " + std::to_string(number) +
                      " is in use, but there are " + std::to_string(pageCount_) + " pages");
     }
-    auto page = std::make_shared<Page>();
+    auto page = std::make_shared_for_overwrite<Page>();
     if (file_->ReadAt(std::uint64_t{number} * PageSize, *page) != PageSize) {
         throw Error(ErrorKind::Io, "Cannot read " + path_.string() + ": page " +
                                        std::to_string(number) + " has vanished.");
@@ -117,24 +116,26 @@ void Pager::ShrinkCache() {
 }
 
 Pager::Frame& Pager::AddFrame(Frames& frames, PageNumber number, std::shared_ptr<Page> page) {
-    frames.push_front({number, std::move(page)});
-    frames_[number] = frames.begin();
-    return frames.front();
+    if (number >= frames_.size()) frames_.resize(std::max<std::size_t>(number + 1, pageCount_));
+    Frame& frame = frames.emplace_front(Frame{.number = number, .page = std::move(page)});
+    frame.place = frames.begin();
+    frames_[number] = &frame;
+    return frame;
 }
 
 void Pager::DropFrame(PageNumber number) {
-    const auto found = frames_.find(number);
-    if (found == frames_.end()) return;
-    Frames& list = found->second->changed ? changed_ : unchanged_;
-    list.erase(found->second);
-    frames_.erase(found);
+    Frame* const frame = FindFrame(number);
+    if (frame == nullptr) return;
+    frames_[number] = nullptr;
+    Frames& list = frame->changed ? changed_ : unchanged_;
+    list.erase(frame->place);
 }
 
 void Pager::MarkChanged(Frame& frame) {
     if (frame.changed) return;
     if (changed_.empty()) oldestChange_ = std::chrono::steady_clock::now();
     frame.changed = true;
-    changed_.splice(changed_.begin(), unchanged_, frames_.at(frame.number));
+    changed_.splice(changed_.begin(), unchanged_, frame.place);
 }
 
 void Pager::Save(Frame& frame) {
@@ -153,11 +154,11 @@ void Pager::Save(Frame& frame) {
 
 void Pager::Undo() {
     for (auto& before : before_) {
-        Frame& frame = *frames_.at(before.number);
+        Frame& frame = *FindFrame(before.number);
         *frame.page = *before.content;
         if (frame.changed && !before.changed) {
             frame.changed = false;
-            unchanged_.splice(unchanged_.begin(), changed_, frames_.at(before.number));
+            unchanged_.splice(unchanged_.begin(), changed_, frame.place);
         }
     }
     for (PageNumber page = pageCountBefore_; page < pageCount_; ++page)

@@ -7,7 +7,6 @@
 #include <memory>
 #include <optional>
 #include <span>
-#include <unordered_map>
 #include <vector>
 
 #include "jet/storage/file_system.h"
@@ -18,6 +17,14 @@
 
 namespace jet::storage {
 
+/// Somebody who puts changes off.
+class DeferredChanges {
+  public:
+    virtual ~DeferredChanges() = default;
+    /// Makes them, since a commit is near.
+    virtual void MakeNow() = 0;
+};
+
 /// The pages of a database file on disk, with a bounded cache of unchanged pages.
 ///
 /// Changed pages stay in memory until Commit() brings all of them into the file as one group: a
@@ -26,6 +33,9 @@ namespace jet::storage {
 /// what leads to the journal where the file has several names.
 class Pager final : public PageStore {
   public:
+    /// Those of a file of 2 GB, the largest that a database can be.
+    static constexpr PageNumber MostPages = (PageNumber{2} << 30) / PageSize;
+
     /// Opens the file, through symbolic links, and where it may be written keeps others from
     /// writing it. The pages of a journal that waits are taken from it, in memory.
     /// Error(InUse) where somebody else writes the file; Error(NotSupported) where that, or a
@@ -45,6 +55,10 @@ class Pager final : public PageStore {
     /// Carries out the journal that waits and removes what commits have left that did not come to
     /// their end. Happens before the first change at the latest.
     void Recover();
+
+    /// Has `deferred` make its changes before each commit.
+    void Add(DeferredChanges& deferred) { deferred_.push_back(&deferred); }
+    void Remove(DeferredChanges& deferred) noexcept { std::erase(deferred_, &deferred); }
 
     /// Makes all changes durable. On failure nothing is lost: the changes stay in memory, the file
     /// (with its journal) is whole, and Commit() may be called again. Error(Changed), before
@@ -76,13 +90,15 @@ class Pager final : public PageStore {
     };
 
   private:
+    struct Frame;
+    using Frames = std::list<Frame>;
     struct Frame {
         PageNumber number = 0;
         std::shared_ptr<Page> page;
         bool changed = false;
         std::uint64_t savedFor = 0;  ///< the Change that knows the content before it
+        Frames::iterator place = {};
     };
-    using Frames = std::list<Frame>;
     /// A page as it was before the current Change.
     struct Before {
         PageNumber number;
@@ -90,6 +106,10 @@ class Pager final : public PageStore {
         std::unique_ptr<Page> content;
     };
 
+    /// The page's frame, if it is in memory.
+    Frame* FindFrame(PageNumber number) const {
+        return number < frames_.size() ? frames_[number] : nullptr;
+    }
     Frame& Fetch(PageNumber number);
     Frame& AddFrame(Frames& frames, PageNumber number, std::shared_ptr<Page> page);
     void DropFrame(PageNumber number);
@@ -134,9 +154,10 @@ class Pager final : public PageStore {
     std::vector<std::uint64_t> sums_;  ///< of the pages on the disk; 0: not known
     PageNumber pageCount_ = 0;
     Frames unchanged_, changed_;  ///< most recently used first
-    std::unordered_map<PageNumber, Frames::iterator> frames_;
+    std::vector<Frame*> frames_;  ///< by page number
     std::chrono::steady_clock::time_point oldestChange_;
     GlobalMap globalMap_;
+    std::vector<DeferredChanges*> deferred_;
 
     std::uint64_t change_ = 0;  ///< number of the latest Change
     bool inChange_ = false;

@@ -30,6 +30,8 @@ void RemoveQuietly(FileSystem& files, const std::filesystem::path& path) {
 void Pager::Commit() {
     // What a journal has brought is not a change, as long as it has not been carried out.
     if (!recovered_ || changed_.empty()) return;
+    for (DeferredChanges* deferred : deferred_)
+        deferred->MakeNow();
     RequireSameFile();
     RequireSameContent();
     const CommitCounters before = CountersOnDisk(*file_, path_);

@@ -59,81 +59,90 @@ std::optional<std::span<const std::uint8_t>> RowReader::Field(const ColumnLayout
     return row_.subspan(start, end - start);
 }
 
-Bytes BuildRow(const TableLayout& layout, std::span<const FieldBytes> fields) {
-    const bool hasVariables = layout.variableColumnsEver != 0;
-    std::size_t fixedSize = layout.FixedPartSize();
+RowDraft::RowDraft(const TableLayout& layout)
+    : layout_(layout),
+      fixedSize_(layout.FixedPartSize()),
+      slots_(layout.variableColumnsEver, layout.columns.size()),
+      fields_(layout.columns.size()) {
     const std::size_t tail = MaskSize(layout.columnsEver);
-    if (!hasVariables && CountSize + fixedSize + tail < SmallestRow) {
-        fixedSize = SmallestRow - CountSize - tail;
-    }
-    std::size_t variableSize = 0;
-    std::vector<const FieldBytes*> slots(layout.variableColumnsEver, nullptr);
-    for (std::size_t i = 0; i < fields.size(); ++i) {
+    if (layout.variableColumnsEver == 0 && CountSize + fixedSize_ + tail < SmallestRow)
+        fixedSize_ = SmallestRow - CountSize - tail;
+    for (std::size_t i = 0; i < layout.columns.size(); ++i) {
         const ColumnLayout& column = layout.columns[i];
         // Whatever its flags say, a Yes/No column is a bit of the mask.
         if (column.fixed || column.Type() == ColumnType::Boolean) continue;
-        if (column.slot >= slots.size()) ThrowDamaged("a column has no place in the variable part");
-        slots[column.slot] = &fields[i];
-        variableSize += fields[i].bytes.size();
+        if (column.slot >= slots_.size())
+            ThrowDamaged("a column has no place in the variable part");
+        slots_[column.slot] = i;
     }
+}
 
-    Bytes row;
-    row.reserve(CountSize + fixedSize + variableSize + (slots.size() + 2) * OffsetSize + tail);
-    Append(row, layout.columnsEver);
-    row.resize(CountSize + fixedSize);
-    for (std::size_t i = 0; i < fields.size(); ++i) {
-        const ColumnLayout& column = layout.columns[i];
-        if (!column.fixed || fields[i].bytes.empty()) continue;
-        std::copy(fields[i].bytes.begin(), fields[i].bytes.end(),
-                  row.begin() + static_cast<std::ptrdiff_t>(CountSize + column.fixedOffset));
+void RowDraft::Clear() {
+    std::ranges::fill(fields_, Place());
+    data_.clear();
+}
+
+const Bytes& RowDraft::Build() {
+    if (!allHavePlaces_) ThrowDamaged("a column has no place in the variable part");
+    row_.clear();
+    Append(row_, layout_.columnsEver);
+    AppendZeros(row_, fixedSize_);
+    for (std::size_t i = 0; i < fields_.size(); ++i) {
+        const ColumnLayout& column = layout_.columns[i];
+        if (!column.fixed) continue;
+        std::ranges::copy(
+            Field(i), row_.begin() + static_cast<std::ptrdiff_t>(CountSize + column.fixedOffset));
     }
-    if (hasVariables) {
-        std::vector<std::uint16_t> offsets;
-        offsets.reserve(slots.size() + 1);
-        for (const FieldBytes* field : slots) {
-            offsets.push_back(static_cast<std::uint16_t>(row.size()));
-            if (field != nullptr) Append(row, field->bytes);
+    if (layout_.variableColumnsEver != 0) {
+        for (const std::size_t column : slots_)
+            if (column < fields_.size()) Append(row_, Field(column));
+        // Where each starts, the last one first, behind where that ends.
+        std::size_t end = row_.size();
+        Append(row_, static_cast<std::uint16_t>(end));
+        for (std::size_t slot = slots_.size(); slot-- > 0;) {
+            if (slots_[slot] < fields_.size()) end -= fields_[slots_[slot]].size;
+            Append(row_, static_cast<std::uint16_t>(end));
         }
-        offsets.push_back(static_cast<std::uint16_t>(row.size()));
-        std::for_each(offsets.rbegin(), offsets.rend(), [&](auto offset) { Append(row, offset); });
-        Append(row, layout.variableColumnsEver);
+        Append(row_, layout_.variableColumnsEver);
     }
-    const std::size_t mask = row.size();
-    AppendZeros(row, tail);
-    for (std::size_t i = 0; i < fields.size(); ++i) {
-        if (!fields[i].present) continue;
-        const unsigned number = layout.columns[i].number;
-        row[mask + number / 8] |= static_cast<std::uint8_t>(1U << number % 8);
+    const std::size_t mask = row_.size();
+    AppendZeros(row_, MaskSize(layout_.columnsEver));
+    for (std::size_t i = 0; i < fields_.size(); ++i) {
+        if (!fields_[i].present) continue;
+        const unsigned number = layout_.columns[i].number;
+        row_[mask + number / 8] |= static_cast<std::uint8_t>(1U << number % 8);
     }
-    return row;
+    return row_;
 }
 
-Value DecodeField(const ColumnLayout& column, std::span<const std::uint8_t> bytes) {
-    if (!column.IsKnownType()) return Bytes(bytes.begin(), bytes.end());
-    switch (const ColumnType type = column.Type()) {
-        case ColumnType::Text:
-            return DecodeText(bytes);
-        case ColumnType::Binary:
-            return Bytes(bytes.begin(), bytes.end());
-        default:
-            if (bytes.size() != FixedSize(type)) {
-                ThrowDamaged("column " + column.name + " holds " + std::to_string(bytes.size()) +
-                             " bytes");
-            }
-            return DecodeScalar(bytes, type, column.scale);
+void DecodeText(std::span<const std::uint8_t> bytes, Value& value) {
+    auto* text = std::get_if<std::string>(&value);
+    DecodeText(bytes, text != nullptr ? *text : value.emplace<std::string>());
+}
+
+void DecodeField(const ColumnLayout& column, std::span<const std::uint8_t> bytes, Value& value) {
+    const ColumnType type = column.Type();
+    if (!column.IsKnownType() || type == ColumnType::Binary) {
+        value = Bytes(bytes.begin(), bytes.end());
+    } else if (type == ColumnType::Text) {
+        DecodeText(bytes, value);
+    } else if (bytes.size() != FixedSize(type)) {
+        ThrowDamaged("column " + column.name + " holds " + std::to_string(bytes.size()) + " bytes");
+    } else {
+        value = DecodeScalar(bytes, type, column.scale);
     }
 }
 
-Bytes EncodeField(const ColumnLayout& column, const Value& value) {
-    if (column.Type() != ColumnType::Text) return EncodeScalar(value, column.Type(), column.scale);
-    const std::u16string text = ToUtf16(std::get<std::string>(value));
-    if (!column.fixed) return EncodeText(text, column.compressed, false);
-    Bytes bytes = EncodeText(text, false, false);
+void AppendField(Bytes& bytes, const ColumnLayout& column, const Value& value) {
+    if (column.Type() != ColumnType::Text)
+        return AppendScalar(bytes, value, column.Type(), column.scale);
+    const std::size_t start = bytes.size();
+    AppendText(bytes, std::get<std::string>(value), column.compressed && !column.fixed, false);
+    if (!column.fixed) return;
     // Texts of fixed length are filled with blanks.
-    while (bytes.size() + sizeof(char16_t) <= column.length)
+    while (bytes.size() - start + sizeof(char16_t) <= column.length)
         Append(bytes, u' ');
-    bytes.resize(column.length);
-    return bytes;
+    bytes.resize(start + column.length);
 }
 
 }  // namespace jet::storage

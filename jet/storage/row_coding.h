@@ -36,19 +36,55 @@ class RowReader {
     std::size_t dataEnd_ = 0;        ///< where the fixed and variable data must end
 };
 
-/// What to store in one column: the bytes, or nothing for Null. A Boolean that is true is present
-/// and has no bytes.
-struct FieldBytes {
-    bool present = false;
-    std::span<const std::uint8_t> bytes;
+/// A row under construction. Its memory is used for one row after the other.
+class RowDraft {
+  public:
+    /// `layout` must outlive this object.
+    explicit RowDraft(const TableLayout& layout);
+
+    /// Starts a new row: all columns are Null.
+    void Clear();
+    /// A Boolean, or a column with a value: `append` adds the bytes to those that it is given.
+    void SetBit(std::size_t column, bool value) { fields_[column].present = value; }
+    template <typename AppendValue>
+    void Set(std::size_t column, AppendValue append) {
+        const std::size_t start = data_.size();
+        append(data_);
+        fields_[column] = {true, start, data_.size() - start};
+    }
+    void SetBytes(std::size_t column, std::span<const std::uint8_t> bytes) {
+        Set(column, [bytes](Bytes& data) { data.insert(data.end(), bytes.begin(), bytes.end()); });
+    }
+
+    /// What a column was set to; nothing for Null.
+    bool IsSet(std::size_t column) const { return fields_[column].present; }
+    std::span<const std::uint8_t> Field(std::size_t column) const {
+        return std::span(data_).subspan(fields_[column].start, fields_[column].size);
+    }
+
+    /// Puts the row together; it stays until the next call.
+    const Bytes& Build();
+
+  private:
+    struct Place {
+        bool present = false;
+        std::size_t start = 0, size = 0;
+    };
+
+    const TableLayout& layout_;
+    std::size_t fixedSize_;
+    std::vector<std::size_t> slots_;  ///< the columns of the variable part, in its order
+    bool allHavePlaces_ = true;
+    std::vector<Place> fields_;
+    Bytes data_, row_;
 };
 
-/// Puts a row together; `fields` belong to `layout.columns`.
-Bytes BuildRow(const TableLayout& layout, std::span<const FieldBytes> fields);
-
-/// The value that a column's stored bytes mean. Not for Booleans and long values.
-Value DecodeField(const ColumnLayout& column, std::span<const std::uint8_t> bytes);
-/// The bytes of a value that was checked before. Not for Null, Booleans and long values.
-Bytes EncodeField(const ColumnLayout& column, const Value& value);
+/// Puts the value that a column's stored bytes mean in the place of another, whose memory is used
+/// again. Not for Booleans and long values.
+void DecodeField(const ColumnLayout& column, std::span<const std::uint8_t> bytes, Value& value);
+/// The same for the data of texts.
+void DecodeText(std::span<const std::uint8_t> bytes, Value& value);
+/// Appends the bytes of a value that was checked before. Not for Null, Booleans and long values.
+void AppendField(Bytes& bytes, const ColumnLayout& column, const Value& value);
 
 }  // namespace jet::storage

@@ -26,7 +26,8 @@ bool IsGeneralLegacyOrder(const ColumnLayout& column) {
 StoredTable::Parts::Parts(Pager& pages, PageNumber definition)
     : layout(ReadTableLayout(pages, definition)),
       rows(pages, definition, layout.owned, layout.free),
-      counters(pages, definition) {
+      counters(pages, definition),
+      draft(layout) {
     for (std::size_t i = 0; i < layout.realIndexes.size(); ++i) {
         indexes.push_back(std::make_unique<TableIndex>(pages, layout, i));
     }
@@ -34,16 +35,15 @@ StoredTable::Parts::Parts(Pager& pages, PageNumber definition)
 
 StoredTable::StoredTable(Pager& pages, std::string name, PageNumber definition,
                          std::span<const std::string> requiredColumns)
-    : pages_(pages), page_(definition) {
+    : pages_(pages), page_(definition), file_(pages.Path().string()) {
     definition_ = DefinitionOf(Current().layout, std::move(name), requiredColumns);
+    readOnlyReason_ = FindReadOnlyReason();
+    waiting_.resize(Current().indexes.size());
+    newKeys_.resize(waiting_.size());
+    pages_.Add(*this);
 }
 
-StoredTable::Parts& StoredTable::Current() const {
-    if (!parts_) parts_ = std::make_unique<Parts>(pages_, page_);
-    return *parts_;
-}
-
-std::optional<std::string> StoredTable::ReadOnlyReason() const {
+std::optional<std::string> StoredTable::FindReadOnlyReason() const {
     const TableLayout& layout = Current().layout;
     for (const auto& column : layout.columns) {
         if (!column.IsKnownType()) {
@@ -76,14 +76,28 @@ void StoredTable::CheckExtent() const {
 }
 
 Value StoredTable::Decode(const RowReader& reader, std::size_t position) const {
-    const ColumnLayout& column = Current().layout.columns[position];
-    if (column.Type() == ColumnType::Boolean) return reader.Bit(column);
+    Value value;
+    Decode(reader, Current().layout.columns[position], value);
+    return value;
+}
+
+void StoredTable::Decode(const RowReader& reader, const ColumnLayout& column, Value& value) const {
+    if (column.Type() == ColumnType::Boolean) {
+        value = reader.Bit(column);
+        return;
+    }
     const auto field = reader.Field(column);
-    if (!field) return Null{};
-    if (!column.IsLong()) return DecodeField(column, *field);
-    Bytes data = ReadLongValue(pages_, *field);
-    if (column.Type() == ColumnType::Memo) return DecodeText(data);
-    return data;
+    if (!field) {
+        value = Null{};
+    } else if (!column.IsLong()) {
+        DecodeField(column, *field, value);
+    } else if (column.Type() != ColumnType::Memo) {
+        value = ReadLongValue(pages_, *field);
+    } else if (const auto inRow = DataInRow(*field)) {
+        DecodeText(*inRow, value);
+    } else {
+        DecodeText(ReadLongValue(pages_, *field), value);
+    }
 }
 
 Row StoredTable::DecodeRow(std::span<const std::uint8_t> bytes) const {
@@ -103,11 +117,14 @@ void StoredTable::Scan(const std::function<void(RowId, Row&&)>& visit) const {
 void StoredTable::ScanColumns(std::span<const std::size_t> columns,
                               const Table::VisitColumns& visit) const {
     const Parts& parts = Current();
+    std::vector<const ColumnLayout*> layouts;
+    for (const std::size_t column : columns)
+        layouts.push_back(&parts.layout.columns[column]);
     std::vector<Value> values(columns.size());
     parts.rows.ForEach([&](RowId id, std::span<const std::uint8_t> bytes) {
         const RowReader reader(bytes, parts.layout);
-        for (std::size_t i = 0; i < columns.size(); ++i)
-            values[i] = Decode(reader, columns[i]);
+        for (std::size_t i = 0; i < layouts.size(); ++i)
+            Decode(reader, *layouts[i], values[i]);
         visit(id, values);
     });
 }
@@ -118,9 +135,12 @@ Row StoredTable::Read(RowId row) const {
 }
 
 std::optional<std::vector<RowId>> StoredTable::FindByIndex(std::size_t column, const Value& value,
-                                                           std::size_t most) const {
-    for (const auto& index : Current().indexes)
-        if (index->Columns().front() == column) return index->RowsWith(value, most);
+                                                           std::size_t most) {
+    for (std::size_t i = 0; i < Current().indexes.size(); ++i) {
+        if (Current().indexes[i]->Columns().front() != column) continue;
+        PutWaitingEntries(i);
+        return Current().indexes[i]->RowsWith(value, most);
+    }
     return std::nullopt;
 }
 

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "jet/storage/index/entry_batch.h"
 #include "jet/storage/pager.h"
 #include "jet/storage/row_coding.h"
 #include "jet/storage/table_implementation.h"
@@ -16,27 +17,34 @@
 namespace jet::storage {
 
 /// A table whose rows are in this file.
-class StoredTable final : public TableImplementation {
+///
+/// A new row is on its page at once; its index entries wait, to be put into the indexes in order
+/// and leaf by leaf when there are many of them, or before somebody needs them there.
+class StoredTable final : public TableImplementation, private DeferredChanges {
   public:
     /// Reads the definition that starts on page `definition`. `requiredColumns` names the columns
     /// that refuse Null. `pages` must outlive this object.
     StoredTable(Pager& pages, std::string name, PageNumber definition,
                 std::span<const std::string> requiredColumns);
 
+    StoredTable(const StoredTable&) = delete;
+    StoredTable& operator=(const StoredTable&) = delete;
+    ~StoredTable() override { pages_.Remove(*this); }
+
     const TableDefinition& Definition() const override { return definition_; }
-    std::optional<std::string> ReadOnlyReason() const override;
+    std::optional<std::string> ReadOnlyReason() const override { return readOnlyReason_; }
     void Scan(const std::function<void(RowId, Row&&)>& visit) const override;
     void ScanColumns(std::span<const std::size_t> columns,
                      const Table::VisitColumns& visit) const override;
     Row Read(RowId row) const override;
     std::optional<std::vector<RowId>> FindByIndex(std::size_t column, const Value& value,
-                                                  std::size_t most) const override;
+                                                  std::size_t most) override;
     Table::Inserted Insert(std::span<const Value> values) override;
     void Update(RowId row, std::span<const FieldChange> changes) override;
     void Delete(RowId row) override;
     std::uint32_t RowCount() const override;
     std::int32_t NextAutoNumber() const override;
-    std::string File() const override { return pages_.Path().string(); }
+    const std::string& File() const override { return file_; }
 
     /// One column of one row.
     Value ReadColumn(RowId row, std::size_t column) const;
@@ -55,13 +63,7 @@ class StoredTable final : public TableImplementation {
         TableCounters counters;
         std::vector<std::unique_ptr<TableIndex>> indexes;
         std::map<std::size_t, RowPages> longPages;  ///< by column, made on first use
-    };
-
-    /// A row under construction.
-    struct Draft {
-        explicit Draft(std::size_t columns) : fields(columns), bytes(columns) {}
-        std::vector<FieldBytes> fields;
-        std::vector<Bytes> bytes;  ///< holds what new `fields` point to
+        RowDraft draft;
     };
 
     /// A row's keys in one index before and after a change.
@@ -70,35 +72,46 @@ class StoredTable final : public TableImplementation {
         std::optional<IndexKey> before, after;
     };
 
-    Parts& Current() const;
+    Parts& Current() const {
+        if (!parts_) parts_ = std::make_unique<Parts>(pages_, page_);
+        return *parts_;
+    }
+    std::optional<std::string> FindReadOnlyReason() const;
     void RequireChangeable() const;
     /// Runs a change as a whole: where it throws, every page is as it was.
     template <typename Action>
     void Undoably(Action action);
 
     Value Decode(const RowReader& reader, std::size_t column) const;
+    void Decode(const RowReader& reader, const ColumnLayout& column, Value& value) const;
     Row DecodeRow(std::span<const std::uint8_t> bytes) const;
     std::vector<std::optional<Value>> EffectiveChanges(const RowReader& old,
                                                        std::span<const FieldChange> changes) const;
     std::vector<KeyChange> KeyChanges(const RowReader& old,
                                       const std::vector<std::optional<Value>>& changes) const;
 
-    void CheckKey(const TableIndex& index, std::size_t number, const IndexKey& key) const;
+    void CheckKey(std::size_t index, const IndexKey& key);
+    bool IsTaken(std::size_t index, const IndexKey& key);
+    bool EntriesMayWait() const;
+    void MakeNow() override;
+    void PutWaitingEntries(std::size_t index);
     std::string IndexName(std::size_t realIndex) const;
 
-    std::optional<std::int32_t> HandOutNumber(Row& values) const;
     void RaiseAutoNumber(std::size_t column, const Value& value);
-    void SetField(Draft& draft, std::size_t column, const Value& value);
-    void SetBytes(Draft& draft, std::size_t column, Bytes bytes);
-    Bytes Assemble(Draft& draft);
-    bool MoveLongestOut(Draft& draft);
+    void SetField(std::size_t column, const Value& value);
+    const Bytes& Assemble();
+    bool MoveLongestOut();
     RowPages& LongPages(std::size_t column);
     void ChangeKey(const KeyChange& change, RowId row);
 
     Pager& pages_;
     PageNumber page_;
+    std::string file_;
     TableDefinition definition_;
+    std::optional<std::string> readOnlyReason_;
     mutable std::unique_ptr<Parts> parts_;
+    std::vector<EntryBatch> waiting_;  ///< new entries, by index
+    std::vector<IndexKey> newKeys_;    ///< of the row that is being added, by index
 };
 
 }  // namespace jet::storage

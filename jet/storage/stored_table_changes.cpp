@@ -4,8 +4,10 @@
 #include <utility>
 
 #include "jet/error.h"
+#include "jet/storage/bytes.h"
 #include "jet/storage/damaged.h"
 #include "jet/storage/format/values.h"
+#include "jet/storage/index/index_page.h"
 #include "jet/storage/long_values.h"
 #include "jet/storage/map_pages.h"
 #include "jet/storage/stored_table.h"
@@ -14,6 +16,9 @@
 namespace jet::storage {
 
 namespace {
+
+/// Entries of one index that wait at most.
+constexpr std::size_t MostWaiting = 50000;
 
 /// Yes/No fields know no Null.
 Value Normalized(const Value& value, const ColumnDefinition& column) {
@@ -44,38 +49,49 @@ void StoredTable::Undoably(Action action) {
 
 Table::Inserted StoredTable::Insert(std::span<const Value> given) {
     RequireChangeable();
-    if (given.size() != definition_.columns.size()) {
+    const auto& columns = definition_.columns;
+    if (given.size() != columns.size()) {
         throw Error(ErrorKind::TypeMismatch, "A row of table " + definition_.name + " has " +
-                                                 std::to_string(definition_.columns.size()) +
-                                                 " values, not " + std::to_string(given.size()) +
-                                                 ".");
+                                                 std::to_string(columns.size()) + " values, not " +
+                                                 std::to_string(given.size()) + ".");
     }
-    Row values;
-    values.reserve(given.size());
-    for (std::size_t i = 0; i < given.size(); ++i) {
-        values.push_back(Normalized(given[i], definition_.columns[i]));
-        CheckValue(values.back(), definition_.columns[i], definition_.name);
-    }
+    const Value no = false;
+    Value number;
+    const auto valueOf = [&](std::size_t column) -> const Value& {
+        if (!IsNull(given[column])) return given[column];
+        return columns[column].autoNumber                    ? number
+               : columns[column].type == ColumnType::Boolean ? no
+                                                             : given[column];
+    };
     Table::Inserted inserted;
-    inserted.autoNumber = HandOutNumber(values);
-    std::vector<IndexKey> keys;
-    for (std::size_t i = 0; i < Current().indexes.size(); ++i) {
-        keys.push_back(Current().indexes[i]->KeyOf(values));
-        CheckKey(*Current().indexes[i], i, keys.back());
+    for (std::size_t i = 0; i < given.size(); ++i) {
+        CheckValue(valueOf(i), columns[i], definition_.name);
+        if (!columns[i].autoNumber) continue;
+        if (IsNull(given[i])) number = std::int64_t{NextAutoNumber()};
+        inserted.autoNumber = static_cast<std::int32_t>(std::get<std::int64_t>(valueOf(i)));
     }
+    for (std::size_t i = 0; i < newKeys_.size(); ++i) {
+        Current().indexes[i]->KeyOf(valueOf, newKeys_[i]);
+        CheckKey(i, newKeys_[i]);
+        if (waiting_[i].Count() >= MostWaiting || !EntriesMayWait()) PutWaitingEntries(i);
+        waiting_[i].Reserve(newKeys_[i].bytes);
+    }
+    const bool wait = EntriesMayWait();
     Undoably([&] {
         Parts& parts = Current();
-        for (std::size_t i = 0; i < values.size(); ++i)
-            RaiseAutoNumber(i, values[i]);
-        Draft draft(values.size());
-        for (std::size_t i = 0; i < values.size(); ++i)
-            SetField(draft, i, values[i]);
-        inserted.row = parts.rows.Add(Assemble(draft));
-        for (std::size_t i = 0; i < keys.size(); ++i) {
-            ChangeKey({i, std::nullopt, std::move(keys[i])}, inserted.row);
+        parts.draft.Clear();
+        for (std::size_t i = 0; i < given.size(); ++i) {
+            RaiseAutoNumber(i, valueOf(i));
+            SetField(i, valueOf(i));
         }
+        inserted.row = parts.rows.Add(Assemble());
+        for (std::size_t i = 0; i < newKeys_.size() && !wait; ++i)
+            ChangeKey({i, std::nullopt, newKeys_[i]}, inserted.row);
         parts.counters.SetRows(parts.counters.Rows() + 1);
     });
+    for (std::size_t i = 0; i < newKeys_.size() && wait; ++i)
+        if (Current().indexes[i]->Lists(newKeys_[i]))
+            waiting_[i].Add(newKeys_[i].bytes, inserted.row);
     return inserted;
 }
 
@@ -92,31 +108,32 @@ void StoredTable::Update(RowId row, std::span<const FieldChange> changes) {
     }
     const auto keyChanges = KeyChanges(reader, newValues);
     for (const auto& change : keyChanges) {
-        if (change.after) CheckKey(*Current().indexes[change.index], change.index, *change.after);
+        PutWaitingEntries(change.index);
+        if (change.after) CheckKey(change.index, *change.after);
     }
     Undoably([&] {
         Parts& parts = Current();
-        Draft draft(newValues.size());
+        RowDraft& draft = parts.draft;
+        draft.Clear();
         std::vector<std::pair<std::size_t, Bytes>> obsolete;
         for (std::size_t i = 0; i < newValues.size(); ++i) {
             const ColumnLayout& column = parts.layout.columns[i];
             const auto field =
                 column.Type() == ColumnType::Boolean ? std::nullopt : reader.Field(column);
             if (!newValues[i]) {
-                if (field) draft.fields[i] = {true, *field};
-                if (column.Type() == ColumnType::Boolean)
-                    draft.fields[i].present = reader.Bit(column);
+                if (field) draft.SetBytes(i, *field);
+                if (column.Type() == ColumnType::Boolean) draft.SetBit(i, reader.Bit(column));
                 continue;
             }
             if (field && column.IsLong() && IsOutsideRow(*field)) {
                 obsolete.emplace_back(i, Bytes(field->begin(), field->end()));
             }
-            SetField(draft, i, *newValues[i]);
+            SetField(i, *newValues[i]);
             RaiseAutoNumber(i, *newValues[i]);
         }
         for (const auto& [column, field] : obsolete)
             RemoveLongValue(LongPages(column), field);
-        parts.rows.Replace(row, Assemble(draft));
+        parts.rows.Replace(row, Assemble());
         for (const auto& change : keyChanges)
             ChangeKey(change, row);
     });
@@ -126,6 +143,7 @@ void StoredTable::Delete(RowId row) {
     RequireChangeable();
     const auto stored = Current().rows.Read(row);
     const Bytes old(stored.bytes.begin(), stored.bytes.end());
+    MakeNow();
     Undoably([&] {
         Parts& parts = Current();
         const RowReader reader(old, parts.layout);
@@ -192,15 +210,52 @@ std::vector<StoredTable::KeyChange> StoredTable::KeyChanges(
     return keyChanges;
 }
 
-void StoredTable::CheckKey(const TableIndex& index, std::size_t number, const IndexKey& key) const {
-    if (index.RefusesNulls() && key.anyNull) {
-        throw Error(ErrorKind::Required, "Index " + IndexName(number) + " of table " +
+void StoredTable::CheckKey(std::size_t index, const IndexKey& key) {
+    const TableIndex& checked = *Current().indexes[index];
+    if (checked.RefusesNulls() && key.anyNull) {
+        throw Error(ErrorKind::Required, "Index " + IndexName(index) + " of table " +
                                              definition_.name + " needs a value in each field.");
     }
-    if (index.IsTaken(key)) {
+    if (checked.Lists(key)) CheckLength(key.bytes);
+    if (checked.MustBeUnique(key) && IsTaken(index, key)) {
         throw Error(ErrorKind::Duplicate, "Table " + definition_.name +
                                               " already has a row with this value in index " +
-                                              IndexName(number) + ".");
+                                              IndexName(index) + ".");
+    }
+}
+
+bool StoredTable::IsTaken(std::size_t index, const IndexKey& key) {
+    // Behind all entries that wait, as a new auto-number is, only the tree is left to be asked.
+    const EntryBatch& waiting = waiting_[index];
+    if (!waiting.IsEmpty() &&
+        (!waiting.CameInOrder() || CompareBytes(key.bytes, waiting.LastKey()) <= 0))
+        PutWaitingEntries(index);
+    return Current().indexes[index]->Has(key);
+}
+
+/// Not where the file comes near to its largest size: the row for whose entries there is no page
+/// must be the one that is refused.
+bool StoredTable::EntriesMayWait() const {
+    constexpr PageNumber EnoughPages = 4 * MostWaiting;
+    return Pager::MostPages - pages_.PageCount() > EnoughPages;
+}
+
+void StoredTable::MakeNow() {
+    for (std::size_t i = 0; i < waiting_.size(); ++i)
+        PutWaitingEntries(i);
+}
+
+void StoredTable::PutWaitingEntries(std::size_t index) {
+    EntryBatch& waiting = waiting_[index];
+    waiting.Sort();
+    while (!waiting.IsEmpty()) {
+        std::size_t done = 0;
+        Undoably([&] {
+            const auto inserted = Current().indexes[index]->Insert(waiting);
+            Current().counters.CountNewKeys(index, inserted.newKeys);
+            done = inserted.entries;
+        });
+        waiting.DropFirst(done);
     }
 }
 
@@ -208,7 +263,10 @@ void StoredTable::ChangeKey(const KeyChange& change, RowId row) {
     Parts& parts = Current();
     TableIndex& index = *parts.indexes[change.index];
     if (change.before) index.Remove(*change.before, row);
-    if (change.after && index.Insert(*change.after, row)) parts.counters.CountNewKey(change.index);
+    if (!change.after || !index.Lists(*change.after)) return;
+    EntryBatch single;
+    single.Add(change.after->bytes, row);
+    parts.counters.CountNewKeys(change.index, index.Insert(single).newKeys);
 }
 
 std::int32_t StoredTable::NextAutoNumber() const {
@@ -222,17 +280,6 @@ std::int32_t StoredTable::NextAutoNumber() const {
     return static_cast<std::int32_t>(next);
 }
 
-/// Puts the next number into an auto-number column that got none.
-std::optional<std::int32_t> StoredTable::HandOutNumber(Row& values) const {
-    std::optional<std::int32_t> number;
-    for (std::size_t i = 0; i < values.size(); ++i) {
-        if (!definition_.columns[i].autoNumber) continue;
-        if (IsNull(values[i])) values[i] = std::int64_t{NextAutoNumber()};
-        number = static_cast<std::int32_t>(std::get<std::int64_t>(values[i]));
-    }
-    return number;
-}
-
 void StoredTable::RaiseAutoNumber(std::size_t column, const Value& value) {
     if (!definition_.columns[column].autoNumber) return;
     const auto number = static_cast<std::int32_t>(std::get<std::int64_t>(value));
@@ -242,60 +289,57 @@ void StoredTable::RaiseAutoNumber(std::size_t column, const Value& value) {
     if (upwards ? number > last : number < last) counters.SetAutoNumber(number);
 }
 
-void StoredTable::SetBytes(Draft& draft, std::size_t column, Bytes bytes) {
-    draft.bytes[column] = std::move(bytes);
-    draft.fields[column] = {true, draft.bytes[column]};
-}
-
-void StoredTable::SetField(Draft& draft, std::size_t position, const Value& value) {
-    const ColumnLayout& column = Current().layout.columns[position];
+void StoredTable::SetField(std::size_t position, const Value& value) {
+    Parts& parts = Current();
+    const ColumnLayout& column = parts.layout.columns[position];
     if (IsNull(value)) return;
     if (column.Type() == ColumnType::Boolean) {
-        draft.fields[position].present = std::get<bool>(value);
+        parts.draft.SetBit(position, std::get<bool>(value));
         return;
     }
-    if (!column.IsLong()) {
-        SetBytes(draft, position, EncodeField(column, value));
-        return;
-    }
-    const Bytes data =
-        column.Type() == ColumnType::Memo
-            ? EncodeText(ToUtf16(std::get<std::string>(value)), column.compressed, true)
-            : std::get<Bytes>(value);
-    SetBytes(draft, position,
-             data.size() <= LongestInline ? InlineLongField(data)
-                                          : StoreLongValue(LongPages(position), data));
+    parts.draft.Set(position, [&](Bytes& bytes) {
+        if (!column.IsLong()) return AppendField(bytes, column, value);
+        const std::size_t start = bytes.size();
+        AppendZeros(bytes, LongFieldHeader);
+        if (column.Type() == ColumnType::Memo) {
+            AppendText(bytes, std::get<std::string>(value), column.compressed, true);
+        } else {
+            Append(bytes, std::get<Bytes>(value));
+        }
+        const auto field = std::span(bytes).subspan(start);
+        if (field.size() <= LongFieldHeader + LongestInline) return MakeInline(field);
+        std::ranges::copy(StoreLongValue(LongPages(position), field.subspan(LongFieldHeader)),
+                          field.begin());
+        bytes.resize(start + LongFieldHeader);
+    });
 }
 
-Bytes StoredTable::Assemble(Draft& draft) {
-    const TableLayout& layout = Current().layout;
-    Bytes row = BuildRow(layout, draft.fields);
-    while (row.size() > LargestRow) {
-        if (!MoveLongestOut(draft)) {
-            throw Error(ErrorKind::TooLong, "The row is too long for table " + definition_.name +
-                                                ": its fields take " + std::to_string(row.size()) +
-                                                " bytes of at most " + std::to_string(LargestRow) +
-                                                ".");
-        }
-        row = BuildRow(layout, draft.fields);
+const Bytes& StoredTable::Assemble() {
+    while (true) {
+        const Bytes& row = Current().draft.Build();
+        if (row.size() <= LargestRow) return row;
+        if (MoveLongestOut()) continue;
+        throw Error(ErrorKind::TooLong, "The row is too long for table " + definition_.name +
+                                            ": its fields take " + std::to_string(row.size()) +
+                                            " bytes of at most " + std::to_string(LargestRow) +
+                                            ".");
     }
-    return row;
 }
 
 /// Stores the largest long value that is in the row outside of it; false if there is none.
-bool StoredTable::MoveLongestOut(Draft& draft) {
-    const TableLayout& layout = Current().layout;
-    std::size_t longest = draft.fields.size(), size = LongFieldHeader;
-    for (std::size_t i = 0; i < draft.fields.size(); ++i) {
-        const FieldBytes& field = draft.fields[i];
-        if (!layout.columns[i].IsLong() || !field.present || field.bytes.size() <= size) continue;
-        if (IsOutsideRow(field.bytes)) continue;
+bool StoredTable::MoveLongestOut() {
+    Parts& parts = Current();
+    const auto& columns = parts.layout.columns;
+    std::size_t longest = columns.size(), size = LongFieldHeader;
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        const auto field = parts.draft.Field(i);
+        if (!columns[i].IsLong() || field.size() <= size || IsOutsideRow(field)) continue;
         longest = i;
-        size = field.bytes.size();
+        size = field.size();
     }
-    if (longest == draft.fields.size()) return false;
-    const Bytes data = ReadLongValue(pages_, draft.fields[longest].bytes);
-    SetBytes(draft, longest, StoreLongValue(LongPages(longest), data));
+    if (longest == columns.size()) return false;
+    const Bytes data = ReadLongValue(pages_, parts.draft.Field(longest));
+    parts.draft.SetBytes(longest, StoreLongValue(LongPages(longest), data));
     return true;
 }
 

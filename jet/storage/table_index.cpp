@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "jet/storage/index/index_key.h"
-
 namespace jet::storage {
 
 TableIndex::TableIndex(PageStore& pages, const TableLayout& layout, std::size_t realIndex)
@@ -27,20 +25,14 @@ bool TableIndex::Uses(std::size_t column) const {
 
 IndexKey TableIndex::KeyOf(std::span<const Value> row) const {
     IndexKey key;
-    for (std::size_t i = 0; i < parts_.size(); ++i) {
-        const Value& value = row[columns_[i]];
-        if (IsNull(value)) {
-            key.anyNull = true;
-        } else {
-            key.allNull = false;
-        }
-        AppendKey(key.bytes, value, parts_[i].type, parts_[i].scale, parts_[i].ascending);
-    }
+    KeyOf([row](std::size_t column) -> const Value& { return row[column]; }, key);
     return key;
 }
 
-bool TableIndex::IsTaken(const IndexKey& key) const {
-    return unique_ && !key.allNull && tree_.ContainsKey(key.bytes);
+/// New rows mostly have a greater key than all others, which takes no look into the tree.
+bool TableIndex::Has(const IndexKey& key) {
+    if (!greatestKey_) greatestKey_ = std::make_unique<std::optional<Bytes>>(tree_.GreatestKey());
+    return *greatestKey_ && key.bytes <= **greatestKey_ && tree_.ContainsKey(key.bytes);
 }
 
 std::optional<std::vector<RowId>> TableIndex::RowsWith(const Value& first, std::size_t most) const {
@@ -55,15 +47,14 @@ std::optional<std::vector<RowId>> TableIndex::RowsWith(const Value& first, std::
     return rows;
 }
 
-bool TableIndex::Insert(const IndexKey& key, RowId row) {
-    if (!Lists(key)) return false;
-    const bool mustBeNew = unique_ && !key.allNull;
-    const bool isNew = mustBeNew || !tree_.ContainsKey(key.bytes);
-    tree_.Insert(key.bytes, row);
-    return isNew;
+IndexTree::Inserted TableIndex::Insert(const EntryBatch& batch) {
+    constexpr std::size_t MostLeaves = 64;
+    greatestKey_.reset();
+    return tree_.Insert(batch, MostLeaves);
 }
 
 void TableIndex::Remove(const IndexKey& key, RowId row) {
+    greatestKey_.reset();
     if (Lists(key)) tree_.Remove(key.bytes, row);
 }
 

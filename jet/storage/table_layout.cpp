@@ -150,17 +150,6 @@ void CheckReferences(const TableLayout& layout, const std::string& what) {
 
 }  // namespace
 
-bool ColumnLayout::IsKnownType() const {
-    return (typeCode >= static_cast<std::uint8_t>(ColumnType::Boolean) &&
-            typeCode <= static_cast<std::uint8_t>(ColumnType::Memo)) ||
-           typeCode == static_cast<std::uint8_t>(ColumnType::Guid) ||
-           typeCode == static_cast<std::uint8_t>(ColumnType::Decimal);
-}
-
-ColumnType ColumnLayout::Type() const {
-    return IsKnownType() ? static_cast<ColumnType>(typeCode) : ColumnType::Binary;
-}
-
 std::size_t ColumnLayout::StoredSize() const {
     const std::size_t size = IsKnownType() ? FixedSize(Type()) : 0;
     return size != 0 ? size : length;

@@ -33,8 +33,15 @@ struct ColumnLayout {
     static constexpr std::uint8_t FixedFlag = 0x01, AlwaysFlag = 0x02, AutoNumberFlag = 0x04;
 
     /// Whether jet::ColumnType has the type. Values of other types are passed on as Bytes.
-    bool IsKnownType() const;
-    ColumnType Type() const;
+    bool IsKnownType() const {
+        return (typeCode >= static_cast<std::uint8_t>(ColumnType::Boolean) &&
+                typeCode <= static_cast<std::uint8_t>(ColumnType::Memo)) ||
+               typeCode == static_cast<std::uint8_t>(ColumnType::Guid) ||
+               typeCode == static_cast<std::uint8_t>(ColumnType::Decimal);
+    }
+    ColumnType Type() const {
+        return IsKnownType() ? static_cast<ColumnType>(typeCode) : ColumnType::Binary;
+    }
     bool IsLong() const { return Type() == ColumnType::Memo || Type() == ColumnType::Ole; }
     bool IsText() const { return Type() == ColumnType::Memo || Type() == ColumnType::Text; }
     /// Bytes that the value takes in the fixed part of a row.
@@ -114,8 +121,8 @@ class TableCounters {
     std::int32_t AutoNumber() const;
     std::int32_t AutoNumberStep() const;
     void SetAutoNumber(std::int32_t value);
-    /// Counts a key that its index did not have before.
-    void CountNewKey(std::size_t realIndex);
+    /// Counts keys that their index did not have before.
+    void CountNewKeys(std::size_t realIndex, std::size_t count);
 
   private:
     PageStore& pages_;

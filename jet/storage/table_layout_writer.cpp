@@ -194,10 +194,12 @@ void TableCounters::SetAutoNumber(std::int32_t value) {
     Store(std::span(pages_.Modify(definition_)), AutoNumberOffset, value);
 }
 
-void TableCounters::CountNewKey(std::size_t realIndex) {
+void TableCounters::CountNewKeys(std::size_t realIndex, std::size_t count) {
+    if (count == 0) return;
     Page& page = pages_.Modify(definition_);
     const std::size_t offset = HeaderSize + realIndex * StatisticsSize + DistinctKeysOffset;
-    Store(std::span(page), offset, Load<std::uint32_t>(page, offset) + 1);
+    Store(std::span(page), offset,
+          Load<std::uint32_t>(page, offset) + static_cast<std::uint32_t>(count));
 }
 
 }  // namespace jet::storage

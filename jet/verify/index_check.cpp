@@ -112,7 +112,7 @@ void IndexCheck::CheckLinks(const std::vector<Neighbours>& level) {
 
 /// The last entry and this one change places: no memory is asked for.
 void IndexCheck::MeetEntry() {
-    if (!lastEntry_.empty() && !std::ranges::lexicographical_compare(lastEntry_, entry_))
+    if (!lastEntry_.empty() && storage::CompareBytes(lastEntry_, entry_) >= 0)
         findings_.Fault(where_, "entries are out of order");
     met_.Add(index_.keysAreKnown ? std::span<const std::uint8_t>(entry_)
                                  : std::span<const std::uint8_t>(entry_).last(RowSize));

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <optional>
 #include <span>
-#include <string>
+#include <string_view>
 
 #include "jet/storage/format/page.h"
 #include "jet/verify/shape.h"
@@ -19,7 +19,7 @@ class RowView {
     }
 
     /// What is wrong with the row's structure; empty where it can be read.
-    const std::string& Fault() const { return fault_; }
+    std::string_view Fault() const { return fault_; }
 
     /// A Boolean column's content, or whether another column is not Null.
     bool IsSet(const Column& column) const {
@@ -40,6 +40,9 @@ class RowView {
         return bytes_.subspan(start, VariableStart(column.slot + 1U) - start);
     }
 
+    /// Whether all fixed values up to this place among them are there.
+    bool HasFixedPart(std::size_t end) const { return CountSize + end <= fixedEnd_; }
+
   private:
     static constexpr std::size_t CountSize = 2, WordSize = 2;
 
@@ -50,7 +53,7 @@ class RowView {
 
     std::span<const std::uint8_t> bytes_;
     const Shape& shape_;
-    std::string fault_;
+    std::string_view fault_;
     std::size_t columns_ = 0;  ///< columns when the row was written
     std::size_t maskStart_ = 0;
     std::size_t variables_ = 0;  ///< variable columns when the row was written

@@ -31,7 +31,17 @@ TableData::TableData(const Shape& shape, Pages& pages, UsageMaps& maps, Findings
       maps_(maps),
       findings_(findings),
       where_("table " + shape.name),
-      wanted_(shape.indexes.size()) {}
+      wanted_(shape.indexes.size()) {
+    for (const Column& column : shape.columns) {
+        if (column.type == ColumnType::Boolean) continue;
+        if (column.fixed && !column.autoNumber && column.size == column.length) {
+            fixedEnd_ = std::max<std::size_t>(fixedEnd_, column.offset + column.length);
+        } else {
+            varying_.push_back(&column);
+        }
+        all_.push_back(&column);
+    }
+}
 
 void TableData::Check(bool countIsExact) {
     ClaimPages();
@@ -147,19 +157,19 @@ RowBytes TableData::Find(RowId row) {
 void TableData::CheckRow(RowId id, std::span<const std::uint8_t> bytes) {
     const RowView row(bytes, shape_);
     if (!row.Fault().empty()) {
-        findings_.Fault(Where() + " row " + Place(id), row.Fault());
+        findings_.Fault(Where() + " row " + Place(id), std::string(row.Fault()));
         return;
     }
     collecting_ = true;
-    for (const Column& column : shape_.columns) {
-        if (column.type == ColumnType::Boolean) continue;
-        const auto field = row.Field(column);
+    // Where there is room for all values of fixed size, nothing can be wrong with them.
+    for (const Column* column : row.HasFixedPart(fixedEnd_) ? varying_ : all_) {
+        const auto field = row.Field(*column);
         if (field) {
-            CheckField(id, column, *field);
-            if (column.autoNumber) CheckAutoNumber(column, *field);
-        } else if (row.IsSet(column)) {
+            CheckField(id, *column, *field);
+            if (column->autoNumber) CheckAutoNumber(*column, *field);
+        } else if (row.IsSet(*column)) {
             findings_.Fault(Where() + " row " + Place(id),
-                            "column " + column.name + " has no room for its value");
+                            "column " + column->name + " has no room for its value");
         }
     }
     collecting_ = false;
@@ -176,7 +186,7 @@ void TableData::AddWanted(RowId id, const RowView& row) {
     for (std::size_t i = 0; i < shape_.indexes.size(); ++i) {
         const Index& index = shape_.indexes[i];
         WantedEntries& wanted = wanted_[i];
-        wanted.hasNull = wanted.hasNull || AnyNull(shape_, index, row);
+        wanted.hasNull = wanted.hasNull || (index.required && AnyNull(shape_, index, row));
         if (index.ignoresNulls && AllNull(shape_, index, row)) continue;
         entry_.clear();
         // A value that makes no sense was told of already. Its index will not agree.

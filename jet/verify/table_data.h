@@ -33,7 +33,7 @@ bool AnyNull(const Shape& shape, const Index& index, const RowView& row);
 /// What the rows of a table make of one of its indexes.
 struct WantedEntries {
     IndexEntries entries;
-    bool hasNull = false;  ///< a row has Null in one of the columns
+    bool hasNull = false;  ///< a row has Null in one of the columns of an index that refuses it
 };
 
 /// Checks the data pages of one table, its rows and its long values, and reads rows for whoever
@@ -84,8 +84,11 @@ class TableData {
     UsageMaps& maps_;
     Findings& findings_;
     std::string where_;
-    std::vector<WantedEntries> wanted_;  ///< by index
-    Bytes entry_;                        ///< in the making
+    std::vector<const Column*> all_;      ///< but Booleans
+    std::vector<const Column*> varying_;  ///< of these, whose values must be looked at
+    std::size_t fixedEnd_ = 0;            ///< where the values of the others end
+    std::vector<WantedEntries> wanted_;   ///< by index
+    Bytes entry_;                         ///< in the making
     std::vector<storage::PageNumber> owned_;
     std::vector<storage::RowId> rows_;
     std::map<storage::RowId, storage::RowId> homes_;  ///< of moved content: the place that names it

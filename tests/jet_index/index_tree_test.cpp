@@ -4,67 +4,17 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <random>
-#include <set>
 
 #include "jet/error.h"
 #include "jet/storage/index/index_key.h"
-#include "tests/jet_index/memory_pages.h"
-#include "tests/jet_index/tree_faults.h"
+#include "tests/jet_index/modelled_tree.h"
 
 namespace jet::storage {
+
+using test::ModelledTree;
+using test::RowNumber;
+
 namespace {
-
-constexpr PageNumber Definition = 7;
-
-/// An index beside a model of what it must hold.
-class Model {
-  public:
-    Model() : root_(MakeRoot()), tree_(pages_, listed_, root_, Definition) {}
-
-    void Insert(const Bytes& key, RowId row) {
-        tree_.Insert(key, row);
-        entries_.emplace(key, row);
-    }
-
-    void Remove(const Bytes& key, RowId row) {
-        tree_.Remove(key, row);
-        entries_.erase({key, row});
-    }
-
-    /// Compares everything; `what` is for the message.
-    test::TreeShape Check(const char* what) {
-        test::TreeShape shape = test::ReadTree(pages_, root_, Definition);
-        EXPECT_THAT(shape.faults, testing::IsEmpty()) << what;
-        std::vector<Entry> found;
-        tree_.ForEach([&found](std::span<const std::uint8_t> key, RowId row) {
-            found.emplace_back(Bytes(key.begin(), key.end()), row);
-        });
-        EXPECT_TRUE(std::ranges::equal(found, entries_)) << what;
-        EXPECT_EQ(shape.entries, entries_.size()) << what;
-        std::set<PageNumber> inTree(shape.pages.begin(), shape.pages.end());
-        EXPECT_EQ(inTree, listed_.Pages()) << what;
-        inTree.insert(root_);
-        EXPECT_EQ(inTree, pages_.InUse()) << what;
-        return shape;
-    }
-
-    using Entry = std::pair<Bytes, RowId>;
-    const std::set<Entry>& Entries() const { return entries_; }
-    IndexTree& Tree() { return tree_; }
-
-  private:
-    PageNumber MakeRoot() {
-        const PageNumber root = pages_.Allocate();
-        IndexTree::MakeEmpty(pages_.Modify(root), Definition);
-        return root;
-    }
-
-    test::MemoryPages pages_;
-    test::ListedPages listed_;
-    PageNumber root_;
-    IndexTree tree_;
-    std::set<Entry> entries_;
-};
 
 Bytes NumberKey(std::int64_t number) {
     Bytes key;
@@ -78,21 +28,17 @@ Bytes TextKey(const std::u16string& text) {
     return key;
 }
 
-RowId Row(std::uint32_t number) {
-    return {.page = 100 + number / 50, .slot = static_cast<std::uint8_t>(number % 50)};
-}
-
 TEST(IndexTree, OfNothingHoldsNothing) {
-    Model model;
+    ModelledTree model;
     EXPECT_FALSE(model.Tree().ContainsKey(NumberKey(1)));
-    EXPECT_THROW(model.Tree().Remove(NumberKey(1), Row(1)), Error);
+    EXPECT_THROW(model.Tree().Remove(NumberKey(1), RowNumber(1)), Error);
     EXPECT_EQ(model.Check("empty").entries, 0U);
 }
 
 TEST(IndexTree, FillsItsPagesWhenRowsComeInOrder) {
-    Model model;
+    ModelledTree model;
     for (std::uint32_t i = 0; i < 30000; ++i)
-        model.Insert(NumberKey(i), Row(i));
+        model.Insert(NumberKey(i), RowNumber(i));
     const test::TreeShape shape = model.Check("ascending");
     EXPECT_EQ(shape.entries, 30000U);
     // Nine bytes an entry, or less where a page leaves out what the keys begin with.
@@ -100,30 +46,30 @@ TEST(IndexTree, FillsItsPagesWhenRowsComeInOrder) {
 }
 
 TEST(IndexTree, TakesRowsInDescendingOrder) {
-    Model model;
+    ModelledTree model;
     for (std::uint32_t i = 20000; i-- > 0;)
-        model.Insert(NumberKey(i), Row(i));
+        model.Insert(NumberKey(i), RowNumber(i));
     EXPECT_EQ(model.Check("descending").entries, 20000U);
 }
 
 TEST(IndexTree, TellsRowsWithTheSameKeyApart) {
-    Model model;
+    ModelledTree model;
     const Bytes key = TextKey(u"Various Artists");
     for (std::uint32_t i = 0; i < 5000; ++i)
-        model.Insert(key, Row(i * 7919 % 5000));
+        model.Insert(key, RowNumber(i * 7919 % 5000));
     EXPECT_TRUE(model.Tree().ContainsKey(key));
     model.Check("filled");
     for (std::uint32_t i = 0; i < 5000; i += 2)
-        model.Remove(key, Row(i));
+        model.Remove(key, RowNumber(i));
     EXPECT_EQ(model.Check("every other removed").entries, 2500U);
-    EXPECT_THROW(model.Tree().Remove(key, Row(0)), Error);
-    EXPECT_THROW(model.Tree().Insert(key, Row(1)), Error);
+    EXPECT_THROW(model.Tree().Remove(key, RowNumber(0)), Error);
+    EXPECT_THROW(model.Tree().Insert(key, RowNumber(1)), Error);
 }
 
 TEST(IndexTree, FindsAKeyOnlyAsAWhole) {
-    Model model;
+    ModelledTree model;
     const Bytes key = NumberKey(0x01020304);
-    model.Insert(key, Row(3));
+    model.Insert(key, RowNumber(3));
     EXPECT_TRUE(model.Tree().ContainsKey(key));
     EXPECT_FALSE(model.Tree().ContainsKey(std::span(key).first(4)));
     Bytes longer = key;
@@ -132,45 +78,45 @@ TEST(IndexTree, FindsAKeyOnlyAsAWhole) {
 }
 
 TEST(IndexTree, LeavesOutACommonBeginningWhereThatSavesASplit) {
-    Model model;
+    ModelledTree model;
     const std::u16string folder = u"\\\\nas\\music\\A Rather Long Artist Name\\An Album\\";
     for (std::uint32_t i = 0; i < 2000; ++i)
         model.Insert(
             TextKey(folder + std::u16string(1 + i % 5, static_cast<char16_t>(u'a' + i % 26))),
-            Row(i));
+            RowNumber(i));
     EXPECT_GT(model.Check("long prefix").compressedPages, 0U);
     // A key without the prefix, in front of all others and behind them.
-    model.Insert(TextKey(u"1"), Row(5000));
-    model.Insert(TextKey(u"zzz"), Row(5001));
+    model.Insert(TextKey(u"1"), RowNumber(5000));
+    model.Insert(TextKey(u"zzz"), RowNumber(5001));
     model.Check("foreign keys");
-    const std::vector<Model::Entry> all(model.Entries().begin(), model.Entries().end());
+    const std::vector<ModelledTree::Entry> all(model.Entries().begin(), model.Entries().end());
     for (const auto& [key, row] : all)
         model.Remove(key, row);
     EXPECT_EQ(model.Check("all removed").levels, 1U);
 }
 
 TEST(IndexTree, RefusesAKeyThatAPageCannotHoldTwice) {
-    Model model;
-    EXPECT_THROW(model.Tree().Insert(Bytes(LongestKey + 1), Row(1)), Error);
-    model.Insert(Bytes(LongestKey, 1), Row(1));
-    model.Insert(Bytes(LongestKey, 2), Row(2));
-    model.Insert(Bytes(LongestKey, 3), Row(3));
+    ModelledTree model;
+    EXPECT_THROW(model.Tree().Insert(Bytes(LongestKey + 1), RowNumber(1)), Error);
+    model.Insert(Bytes(LongestKey, 1), RowNumber(1));
+    model.Insert(Bytes(LongestKey, 2), RowNumber(2));
+    model.Insert(Bytes(LongestKey, 3), RowNumber(3));
     model.Check("greatest keys");
 }
 
 TEST(IndexTree, BecomesALeafAgainWhenEmptied) {
-    Model model;
+    ModelledTree model;
     for (std::uint32_t i = 0; i < 3000; ++i)
-        model.Insert(NumberKey(i), Row(i));
+        model.Insert(NumberKey(i), RowNumber(i));
     for (std::uint32_t i = 0; i < 3000; ++i)
-        model.Remove(NumberKey(i), Row(i));
+        model.Remove(NumberKey(i), RowNumber(i));
     test::TreeShape shape = model.Check("emptied from the front");
     EXPECT_EQ(shape.levels, 1U);
     EXPECT_THAT(shape.pages, testing::IsEmpty());
     for (std::uint32_t i = 0; i < 3000; ++i)
-        model.Insert(NumberKey(i), Row(i));
+        model.Insert(NumberKey(i), RowNumber(i));
     for (std::uint32_t i = 3000; i-- > 0;)
-        model.Remove(NumberKey(i), Row(i));
+        model.Remove(NumberKey(i), RowNumber(i));
     shape = model.Check("emptied from the back");
     EXPECT_EQ(shape.levels, 1U);
 }
@@ -187,7 +133,7 @@ class RandomOperations : public testing::TestWithParam<RandomCase> {};
 TEST_P(RandomOperations, KeepTheTreeEqualToItsModel) {
     const RandomCase& size = GetParam();
     std::mt19937 random(42);
-    Model model;
+    ModelledTree model;
     std::uniform_int_distribution<std::size_t> length(size.shortest, size.longest);
     std::uniform_int_distribution<std::size_t> letter(0, size.alphabet - 1);
     const auto makeKey = [&] {
@@ -197,13 +143,13 @@ TEST_P(RandomOperations, KeepTheTreeEqualToItsModel) {
         key.insert(key.end(), {1, 0});
         return key;
     };
-    std::vector<Model::Entry> present;
+    std::vector<ModelledTree::Entry> present;
     std::size_t deepest = 0;
     for (int i = 0; i < size.operations; ++i) {
         // Phases of growing and of shrinking, down to nothing.
         const bool growing = i / (size.operations / 4) % 2 == 0;
         if (present.empty() || random() % 10 < (growing ? 8U : 1U)) {
-            Model::Entry entry{makeKey(), Row(static_cast<std::uint32_t>(i))};
+            ModelledTree::Entry entry{makeKey(), RowNumber(static_cast<std::uint32_t>(i))};
             model.Insert(entry.first, entry.second);
             present.push_back(std::move(entry));
         } else {

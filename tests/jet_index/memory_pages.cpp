@@ -26,6 +26,7 @@ std::shared_ptr<const Page> MemoryPages::Read(PageNumber page) {
 
 Page& MemoryPages::Modify(PageNumber page) {
     if (page >= pages_.size()) throw Error(ErrorKind::Damaged, "There is no such page.");
+    ++modifications_;
     return *pages_[page];
 }
 

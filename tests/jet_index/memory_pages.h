@@ -26,10 +26,13 @@ class MemoryPages : public storage::PageStore {
 
     /// Pages allocated and not freed.
     const std::set<storage::PageNumber>& InUse() const { return inUse_; }
+    /// How often Modify() was called.
+    std::size_t Modifications() const { return modifications_; }
 
   private:
     std::vector<std::shared_ptr<storage::Page>> pages_;
     std::set<storage::PageNumber> inUse_, free_;
+    std::size_t modifications_ = 0;
 };
 
 /// Remembers which pages an index says it has.

@@ -1,10 +1,12 @@
 #include "jet/storage/format/values.h"
 
+#include <algorithm>
 #include <cmath>
 #include <gtest/gtest.h>
 #include <random>
 
 #include "jet/error.h"
+#include "jet/storage/index/index_key.h"
 
 namespace jet::storage {
 namespace {
@@ -93,6 +95,82 @@ TEST(TextCoding, IsUndoneByReading) {
         for (char16_t& unit : text)
             unit = static_cast<char16_t>(random() % range);
         ASSERT_EQ(DecodeText(EncodeText(text, true, i % 3 == 0)), ToUtf8(text));
+    }
+}
+
+/// Texts of ASCII, of Latin-1, of others, and ones that are no UTF-8.
+std::vector<std::string> AwkwardTexts() {
+    std::vector<std::string> texts{"",
+                                   "a",
+                                   "ab",
+                                   "abc",
+                                   "it's",
+                                   "a-b c",
+                                   "Caf\xC3\xA9",
+                                   "\xC2\x80\xC3\xBF.",
+                                   "\xC2",
+                                   "\xC3(",
+                                   "abc\xC2",
+                                   "\xEF\xBB\xBF"
+                                   "abc",
+                                   "\xFF\xFE",
+                                   std::string("a\0b", 3),
+                                   "abc   ",
+                                   "\xE3\x80\x80x",
+                                   std::string(2000, 'x'),
+                                   std::string(300, ' '),
+                                   std::string(254, 'y') + "\xC3\xA9z",
+                                   "\xF0\x9F\x8E\xB5!"};
+    std::mt19937 random(8);
+    for (int i = 0; i < 2000; ++i) {
+        std::string& text = texts.emplace_back();
+        for (std::size_t n = random() % 12; n > 0; --n)
+            text += random() % 4 != 0 ? static_cast<char>('a' + random() % 26)
+                                      : static_cast<char>(random());
+    }
+    return texts;
+}
+
+TEST(TextCoding, OfUtf8IsThatOfItsUnits) {
+    for (const std::string& text : AwkwardTexts())
+        for (const bool mayCompress : {false, true})
+            for (const bool isMemo : {false, true}) {
+                Bytes bytes{7};
+                AppendText(bytes, text, mayCompress, isMemo);
+                Bytes expected = EncodeText(ToUtf16(text), mayCompress, isMemo);
+                expected.insert(expected.begin(), 7);
+                ASSERT_EQ(bytes, expected) << text;
+            }
+}
+
+TEST(TextCoding, DecodesIntoATextThatIsThere) {
+    std::string reused = "what was there before";
+    for (const std::string& text : AwkwardTexts()) {
+        const Bytes bytes = EncodeText(ToUtf16(text), text.size() % 2 == 0, false);
+        DecodeText(bytes, reused);
+        ASSERT_EQ(reused, DecodeText(bytes));
+        ASSERT_EQ(ToUtf16(reused), ToUtf16(ToUtf8(ToUtf16(reused))));
+    }
+}
+
+TEST(TextKeys, OfUtf8AndOfStoredTextsAreThoseOfTheirUnits) {
+    for (const std::string& text : AwkwardTexts()) {
+        for (const bool ascending : {true, false}) {
+            Bytes expected{static_cast<std::uint8_t>(ascending ? 0x7F : 0x80)};
+            AppendTextKey(expected, std::u16string_view(ToUtf16(text)));
+            if (!ascending) {
+                std::transform(expected.begin() + 1, expected.end(), expected.begin() + 1,
+                               [](std::uint8_t byte) { return static_cast<std::uint8_t>(~byte); });
+                expected.push_back(0);
+            }
+            Bytes key, stored;
+            AppendKey(key, text, ColumnType::Text, 0, ascending);
+            ASSERT_EQ(key, expected) << text;
+            const Bytes bytes = EncodeText(ToUtf16(text), true, false);
+            if (DecodeText(bytes) != ToUtf8(ToUtf16(text))) continue;  // a byte order mark is lost
+            AppendStoredKey(stored, bytes, ColumnType::Text, 0, ascending);
+            ASSERT_EQ(stored, expected) << text;
+        }
     }
 }
 

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include "jet/storage/format/page.h"
 #include "jet/storage/format/utf16.h"
@@ -15,7 +16,10 @@ namespace {
 
 constexpr char16_t ByteOrderMark = 0xFEFF;
 constexpr std::size_t ShortestCompressed = 3;
-constexpr std::size_t LongestCompressedMemo = 1024;
+
+constexpr std::size_t LongestCompressed(bool isMemo) {
+    return isMemo ? 1024 : static_cast<std::size_t>(-1);
+}
 
 /// A unit that one byte stands for in the compressed form.
 bool IsOneByte(char16_t unit) {
@@ -30,6 +34,32 @@ bool IsTwoBytes(char16_t unit) {
 void AppendPlain(Bytes& bytes, char16_t unit) {
     bytes.push_back(static_cast<std::uint8_t>(unit & 0xFF));
     bytes.push_back(static_cast<std::uint8_t>(unit >> 8));
+}
+
+/// Most texts can be written byte by byte. False, and nothing appended, where one cannot.
+bool AppendOneByteUnits(Bytes& bytes, std::string_view utf8, std::size_t longest) {
+    const std::size_t start = bytes.size();
+    bytes.resize(start + 2 + utf8.size());
+    bytes[start] = 0xFF;
+    bytes[start + 1] = 0xFE;
+    const std::size_t begin = start + 2;
+    std::size_t end = begin;
+    bool fits = true;
+    for (std::size_t i = 0; fits && i < utf8.size(); ++i) {
+        const auto byte = static_cast<std::uint8_t>(utf8[i]);
+        const auto next = i + 1 < utf8.size() ? static_cast<std::uint8_t>(utf8[i + 1]) : 0;
+        if (byte > 0 && byte < 0x80) {
+            bytes[end++] = byte;
+        } else if ((byte == 0xC2 || byte == 0xC3) && (next & 0xC0) == 0x80) {
+            bytes[end++] = static_cast<std::uint8_t>(byte << 6 | (next & 0x3F));
+            ++i;
+        } else {
+            fits = false;
+        }
+    }
+    fits = fits && end - begin >= ShortestCompressed && end - begin <= longest;
+    bytes.resize(fits ? end : start);
+    return fits;
 }
 
 Bytes EncodePlain(std::u16string_view text) {
@@ -56,6 +86,40 @@ Bytes EncodeCompressed(std::u16string_view text) {
         }
     }
     return bytes;
+}
+
+std::string_view TextOf(std::span<const std::uint8_t> bytes) {
+    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
+
+/// Whether all bytes are those of ASCII characters other than zero.
+bool IsPlainAscii(std::string_view text) {
+    constexpr std::uint64_t Ones = 0x0101010101010101, HighBits = 0x8080808080808080;
+    std::uint64_t others = 0, word = 0;
+    std::size_t i = 0;
+    for (; text.size() - i >= sizeof(word); i += sizeof(word)) {
+        std::memcpy(&word, text.data() + i, sizeof(word));
+        others |= (word - Ones) | word;
+    }
+    for (; i < text.size(); ++i)
+        others |= text[i] <= 0 ? HighBits : 0;
+    return (others & HighBits) == 0;
+}
+
+/// Puts the UTF-8 of units of one byte each into `text`.
+void WidenOneByteUnits(std::string_view units, std::string& text) {
+    text.resize(2 * units.size());
+    std::size_t size = 0;
+    for (const char unit : units) {
+        const auto byte = static_cast<unsigned char>(unit);
+        if (byte < 0x80) {
+            text[size++] = unit;
+        } else {
+            text[size++] = static_cast<char>(0xC0 | byte >> 6);
+            text[size++] = static_cast<char>(0x80 | (byte & 0x3F));
+        }
+    }
+    text.resize(size);
 }
 
 /// Hands out the units of either form until one is refused.
@@ -87,7 +151,7 @@ void ForEachUnit(std::span<const std::uint8_t> bytes, Visit visit) {
 
 Bytes EncodeText(std::u16string_view text, bool mayCompress, bool isMemo) {
     if (mayCompress && text.size() >= ShortestCompressed &&
-        (!isMemo || text.size() <= LongestCompressedMemo) && std::ranges::all_of(text, IsOneByte))
+        text.size() <= LongestCompressed(isMemo) && std::ranges::all_of(text, IsOneByte))
         return EncodeCompressed(text);
     // A plain value that begins with the byte order mark would be read as a compressed one.
     if (text.starts_with(ByteOrderMark)) {
@@ -98,14 +162,34 @@ Bytes EncodeText(std::u16string_view text, bool mayCompress, bool isMemo) {
     return EncodePlain(text);
 }
 
+void AppendText(Bytes& bytes, std::string_view utf8, bool mayCompress, bool isMemo) {
+    if (mayCompress && AppendOneByteUnits(bytes, utf8, LongestCompressed(isMemo))) return;
+    const Bytes encoded = EncodeText(ToUtf16(utf8), mayCompress, isMemo);
+    bytes.insert(bytes.end(), encoded.begin(), encoded.end());
+}
+
 std::string DecodeText(std::span<const std::uint8_t> bytes) {
-    Utf8Writer writer;
+    std::string text;
+    DecodeText(bytes, text);
+    return text;
+}
+
+void DecodeText(std::span<const std::uint8_t> bytes, std::string& text) {
+    if (IsCompressedText(bytes)) {
+        const auto units = TextOf(bytes.subspan(2));
+        if (IsPlainAscii(units)) {
+            text.assign(units);
+            return;
+        }
+        if (units.find('\0') == std::string_view::npos) return WidenOneByteUnits(units, text);
+    }
+    Utf8Writer writer(std::move(text));
     writer.Reserve(bytes.size());
     ForEachUnit(bytes, [&writer](char16_t unit) {
         writer.Append(unit);
         return true;
     });
-    return writer.Take();
+    text = writer.Take();
 }
 
 std::size_t DecodeUnits(std::span<const std::uint8_t> bytes, std::span<char16_t> units) {

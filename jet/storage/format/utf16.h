@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace jet::storage {
 
@@ -34,6 +35,10 @@ class Utf16Reader {
 /// Collects UTF-16 units as UTF-8; a surrogate without its partner becomes a three-byte sequence.
 class Utf8Writer {
   public:
+    Utf8Writer() = default;
+    /// Uses the memory of `old`, whose content goes.
+    explicit Utf8Writer(std::string&& old) : text_(std::move(old)) { text_.clear(); }
+
     void Append(char16_t unit) {
         if (unit < 0x80 && highSurrogate_ == 0) {
             text_.push_back(static_cast<char>(unit));

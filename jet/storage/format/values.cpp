@@ -12,21 +12,18 @@ namespace jet::storage {
 namespace {
 
 template <typename T>
-Bytes StoredAs(T value) {
-    Bytes bytes(sizeof(T));
-    Store(bytes, 0, value);
-    return bytes;
+void AppendAs(Bytes& bytes, T value) {
+    bytes.resize(bytes.size() + sizeof(T));
+    Store(std::span(bytes), bytes.size() - sizeof(T), value);
 }
 
 constexpr std::size_t DecimalSize = 17;
 constexpr std::uint8_t NegativeDecimal = 0x80;
 
-Bytes EncodeDecimal(const Decimal& decimal) {
-    Bytes bytes(DecimalSize);
-    bytes[0] = decimal.negative ? NegativeDecimal : 0;
-    for (std::size_t word = 0; word < decimal.magnitude.size(); ++word)
-        Store(bytes, 1 + 4 * word, decimal.magnitude[word]);
-    return bytes;
+void AppendDecimal(Bytes& bytes, const Decimal& decimal) {
+    bytes.push_back(decimal.negative ? NegativeDecimal : 0);
+    for (const std::uint32_t word : decimal.magnitude)
+        AppendAs(bytes, word);
 }
 
 Decimal DecodeDecimal(std::span<const std::uint8_t> bytes, std::uint8_t scale) {
@@ -86,11 +83,11 @@ const T& As(const Value& value) {
 }
 
 template <typename T>
-Bytes EncodeInteger(const Value& value) {
+void AppendInteger(Bytes& bytes, const Value& value) {
     const std::int64_t number = As<std::int64_t>(value);
     if (number < std::numeric_limits<T>::min() || number > std::numeric_limits<T>::max())
         throw Error(ErrorKind::Overflow, "The number is out of its field's range.");
-    return StoredAs(static_cast<T>(number));
+    AppendAs(bytes, static_cast<T>(number));
 }
 
 /// A double that is too great would become an infinity.
@@ -114,30 +111,34 @@ Decimal Rescale(const Decimal& decimal, std::uint8_t scale) {
     return result;
 }
 
-Bytes EncodeScalar(const Value& value, ColumnType type, std::uint8_t decimalScale) {
+void AppendScalar(Bytes& bytes, const Value& value, ColumnType type, std::uint8_t decimalScale) {
     switch (type) {
         case ColumnType::Byte:
-            return EncodeInteger<std::uint8_t>(value);
+            return AppendInteger<std::uint8_t>(bytes, value);
         case ColumnType::Integer:
-            return EncodeInteger<std::int16_t>(value);
+            return AppendInteger<std::int16_t>(bytes, value);
         case ColumnType::Long:
-            return EncodeInteger<std::int32_t>(value);
+            return AppendInteger<std::int32_t>(bytes, value);
         case ColumnType::Currency:
-            return StoredAs(As<Currency>(value).tenThousandths);
+            return AppendAs(bytes, As<Currency>(value).tenThousandths);
         case ColumnType::Single:
-            return StoredAs(ToSingle(As<double>(value)));
+            return AppendAs(bytes, ToSingle(As<double>(value)));
         case ColumnType::Double:
-            return StoredAs(As<double>(value));
+            return AppendAs(bytes, As<double>(value));
         case ColumnType::Date:
-            return StoredAs(As<Date>(value).days);
-        case ColumnType::Binary:
-            return As<Bytes>(value);
+            return AppendAs(bytes, As<Date>(value).days);
+        case ColumnType::Binary: {
+            const Bytes& content = As<Bytes>(value);
+            bytes.insert(bytes.end(), content.begin(), content.end());
+            return;
+        }
         case ColumnType::Guid: {
             const auto swapped = SwapGuidGroups(As<Guid>(value).bytes);
-            return {swapped.begin(), swapped.end()};
+            bytes.insert(bytes.end(), swapped.begin(), swapped.end());
+            return;
         }
         case ColumnType::Decimal:
-            return EncodeDecimal(Rescale(As<Decimal>(value), decimalScale));
+            return AppendDecimal(bytes, Rescale(As<Decimal>(value), decimalScale));
         case ColumnType::Boolean:
         case ColumnType::Text:
         case ColumnType::Ole:
@@ -145,6 +146,12 @@ Bytes EncodeScalar(const Value& value, ColumnType type, std::uint8_t decimalScal
             break;
     }
     RefuseType();
+}
+
+Bytes EncodeScalar(const Value& value, ColumnType type, std::uint8_t decimalScale) {
+    Bytes bytes;
+    AppendScalar(bytes, value, type, decimalScale);
+    return bytes;
 }
 
 Value DecodeScalar(std::span<const std::uint8_t> bytes, ColumnType type,

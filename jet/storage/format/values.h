@@ -19,11 +19,14 @@ std::string ToUtf8(std::u16string_view utf16);
 /// A Text or Memo value's bytes: plain UTF-16LE, or the compressed form where `mayCompress` (the
 /// column's flag) and the text allow it.
 Bytes EncodeText(std::u16string_view text, bool mayCompress, bool isMemo);
+/// The same for UTF-8, behind what `bytes` holds.
+void AppendText(Bytes& bytes, std::string_view utf8, bool mayCompress, bool isMemo);
 /// Which form it is.
 bool IsCompressedText(std::span<const std::uint8_t> bytes);
 /// Reads either form. Never fails: whatever the bytes are, they are some text.
 std::string DecodeText(std::span<const std::uint8_t> bytes);
-
+/// The same, put into `text`, whose memory is used again.
+void DecodeText(std::span<const std::uint8_t> bytes, std::string& text);
 /// The text's UTF-16 units, from its beginning on as many as there is room for; how many these are.
 std::size_t DecodeUnits(std::span<const std::uint8_t> bytes, std::span<char16_t> units);
 /// How many units the text has.
@@ -33,6 +36,8 @@ std::size_t CountUnits(std::span<const std::uint8_t> bytes);
 /// Ole). Error(TypeMismatch) unless the value has the alternative that jet::Value documents for
 /// `type`; Error(Overflow) if it is out of the type's range.
 Bytes EncodeScalar(const Value& value, ColumnType type, std::uint8_t decimalScale);
+/// The same behind what `bytes` holds.
+void AppendScalar(Bytes& bytes, const Value& value, ColumnType type, std::uint8_t decimalScale);
 /// The reverse; `bytes` has the type's full size.
 Value DecodeScalar(std::span<const std::uint8_t> bytes, ColumnType type, std::uint8_t decimalScale);
 

@@ -24,27 +24,6 @@ void Invert(std::span<std::uint8_t> bytes) {
         byte = static_cast<std::uint8_t>(~byte);
 }
 
-void AppendReversed(Bytes& key, std::span<const std::uint8_t> bytes) {
-    key.insert(key.end(), bytes.rbegin(), bytes.rend());
-}
-
-/// Big-endian two's complement with the sign turned, so that negative numbers come first.
-void AppendSigned(Bytes& key, std::span<const std::uint8_t> stored) {
-    const std::size_t start = key.size();
-    AppendReversed(key, stored);
-    key[start] ^= 0x80;
-}
-
-void AppendFloating(Bytes& key, std::span<const std::uint8_t> stored) {
-    const std::size_t start = key.size();
-    AppendReversed(key, stored);
-    if ((key[start] & 0x80) != 0) {
-        Invert(std::span(key).subspan(start));
-    } else {
-        key[start] ^= 0x80;
-    }
-}
-
 /// In both directions the sign byte of a Decimal is FF or 00; which bytes are inverted differs.
 void AppendDecimal(Bytes& key, const Decimal& decimal, bool ascending) {
     key.push_back(decimal.negative ? 0x00 : 0xFF);
@@ -74,26 +53,25 @@ void AppendGroups(Bytes& key, std::span<const std::uint8_t> data, bool ascending
     }
 }
 
-void AppendText(Bytes& key, std::u16string_view text, bool ascending) {
-    const std::size_t start = key.size();
-    AppendTextKey(key, text);
+/// A text's key has been appended behind `start`.
+void FinishText(Bytes& key, std::size_t start, bool ascending) {
     if (ascending) return;
     Invert(std::span(key).subspan(start));
     key.push_back(0);
 }
 
-void AppendNumber(Bytes& key, std::span<const std::uint8_t> stored, ColumnType type,
-                  bool ascending) {
-    const std::size_t start = key.size();
-    if (type == ColumnType::Byte) {
-        key.push_back(stored[0]);
-    } else if (type == ColumnType::Single || type == ColumnType::Double ||
-               type == ColumnType::Date) {
-        AppendFloating(key, stored);
-    } else {
-        AppendSigned(key, stored);
+/// Makes the stored bytes of a number those of its key: big-endian, the sign turned so that
+/// negative numbers come first; of floating-point numbers below zero all bits are turned.
+void TurnNumber(std::span<std::uint8_t> bytes, ColumnType type, bool ascending) {
+    std::ranges::reverse(bytes);
+    const bool isFloating =
+        type == ColumnType::Single || type == ColumnType::Double || type == ColumnType::Date;
+    if (isFloating && (bytes[0] & 0x80) != 0) {
+        Invert(bytes);
+    } else if (type != ColumnType::Byte) {
+        bytes[0] ^= 0x80;
     }
-    if (!ascending) Invert(std::span(key).subspan(start));
+    if (!ascending) Invert(bytes);
 }
 
 template <typename T>
@@ -113,6 +91,7 @@ void AppendKey(Bytes& key, const Value& value, ColumnType type, std::uint8_t dec
         return;
     }
     key.push_back(ValueMarker(ascending));
+    const std::size_t start = key.size();
     switch (type) {
         case ColumnType::Boolean:
             key.push_back(As<bool>(value) == ascending ? 0x00 : 0xFF);
@@ -124,7 +103,8 @@ void AppendKey(Bytes& key, const Value& value, ColumnType type, std::uint8_t dec
         case ColumnType::Single:
         case ColumnType::Double:
         case ColumnType::Date:
-            AppendNumber(key, EncodeScalar(value, type, 0), type, ascending);
+            AppendScalar(key, value, type, 0);
+            TurnNumber(std::span(key).subspan(start), type, ascending);
             break;
         case ColumnType::Decimal:
             AppendDecimal(key, Rescale(As<Decimal>(value), decimalScale), ascending);
@@ -137,7 +117,8 @@ void AppendKey(Bytes& key, const Value& value, ColumnType type, std::uint8_t dec
             break;
         case ColumnType::Text:
         case ColumnType::Memo:
-            AppendText(key, ToUtf16(As<std::string>(value)), ascending);
+            AppendTextKey(key, std::string_view(As<std::string>(value)));
+            FinishText(key, start, ascending);
             break;
         case ColumnType::Ole:
             throw Error(ErrorKind::NotSupported, "A field of this type cannot be indexed.");
@@ -155,14 +136,19 @@ void AppendStoredKey(Bytes& key, std::span<const std::uint8_t> stored, ColumnTyp
         case ColumnType::Double:
         case ColumnType::Date:
             key.push_back(ValueMarker(ascending));
-            AppendNumber(key, stored, type, ascending);
+            key.insert(key.end(), stored.begin(), stored.end());
+            TurnNumber(std::span(key).last(stored.size()), type, ascending);
             break;
         case ColumnType::Text:
         case ColumnType::Memo: {
-            std::array<char16_t, LongestTextInKey> units;
-            const std::size_t count = DecodeUnits(stored, units);
             key.push_back(ValueMarker(ascending));
-            AppendText(key, {units.data(), count}, ascending);
+            const std::size_t start = key.size();
+            if (!IsCompressedText(stored) || !AppendPlainTextKey(key, stored.subspan(2))) {
+                std::array<char16_t, LongestTextInKey> units;
+                const std::size_t count = DecodeUnits(stored, units);
+                AppendTextKey(key, std::u16string_view(units.data(), count));
+            }
+            FinishText(key, start, ascending);
             break;
         }
         default:

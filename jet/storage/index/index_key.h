@@ -32,6 +32,11 @@ constexpr std::size_t LongestTextInKey = 255;
 /// (language 1033, version 0): letter case and trailing blanks do not count, accents decide after
 /// the letters, apostrophe and hyphen last.
 void AppendTextKey(Bytes& key, std::u16string_view text);
+/// The same for UTF-8.
+void AppendTextKey(Bytes& key, std::string_view utf8);
+/// The same for a text of ASCII characters that are a letter of one byte and nothing else each;
+/// false, and nothing is appended, for any other.
+bool AppendPlainTextKey(Bytes& key, std::span<const std::uint8_t> text);
 
 /// Compares two UTF-8 texts as the database orders them: negative, zero or positive. Zero means
 /// that their keys are equal.

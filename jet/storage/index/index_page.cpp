@@ -15,7 +15,6 @@ constexpr std::size_t FreeBytesOffset = 2;
 constexpr std::size_t PrefixOffset = 24;
 constexpr std::size_t MaskOffset = 27;
 constexpr std::size_t EntriesOffset = 480;
-constexpr std::size_t RowSize = 4;
 constexpr std::size_t ChildSize = 4;
 constexpr std::size_t ShortestKey = 1;
 
@@ -24,13 +23,6 @@ constexpr std::size_t MaskBits = EntryRoom + 1;
 
 [[noreturn]] void ThrowDamagedPage(PageNumber number, const char* what) {
     throw Error(ErrorKind::Damaged, "Index page " + std::to_string(number) + " " + what + ".");
-}
-
-std::strong_ordering Compare(std::span<const std::uint8_t> left,
-                             std::span<const std::uint8_t> right) {
-    const std::size_t common = std::min(left.size(), right.size());
-    const int order = common == 0 ? 0 : std::memcmp(left.data(), right.data(), common);
-    return order != 0 ? order <=> 0 : left.size() <=> right.size();
 }
 
 std::uint32_t LoadBigEndian(std::span<const std::uint8_t> bytes) {
@@ -49,6 +41,13 @@ void ClearMask(Page& page) {
     std::fill(page.begin() + MaskOffset, page.begin() + EntriesOffset, std::uint8_t{0});
 }
 
+/// How many bytes are the same at the beginning, up to `most`.
+std::size_t CommonLength(EntryBytes left, EntryBytes right, std::size_t most) {
+    const auto end = left.begin() + static_cast<std::ptrdiff_t>(most);
+    return static_cast<std::size_t>(std::mismatch(left.begin(), end, right.begin()).first -
+                                    left.begin());
+}
+
 void StoreFreeBytes(Page& page, std::size_t used) {
     Store(page, FreeBytesOffset, static_cast<std::uint16_t>(EntryRoom - used));
 }
@@ -56,14 +55,20 @@ void StoreFreeBytes(Page& page, std::size_t used) {
 }  // namespace
 
 void AppendRow(Bytes& entry, RowId row) {
-    for (int shift = 16; shift >= 0; shift -= 8)
-        entry.push_back(static_cast<std::uint8_t>(row.page >> shift));
-    entry.push_back(row.slot);
+    const auto bytes = ChildBytes(row.page << 8 | row.slot);
+    entry.insert(entry.end(), bytes.begin(), bytes.end());
 }
 
-void AppendChild(Bytes& entry, PageNumber child) {
-    for (int shift = 24; shift >= 0; shift -= 8)
-        entry.push_back(static_cast<std::uint8_t>(child >> shift));
+std::array<std::uint8_t, 4> ChildBytes(PageNumber child) {
+    return {static_cast<std::uint8_t>(child >> 24), static_cast<std::uint8_t>(child >> 16),
+            static_cast<std::uint8_t>(child >> 8), static_cast<std::uint8_t>(child)};
+}
+
+std::strong_ordering CompareBytes(std::span<const std::uint8_t> left,
+                                  std::span<const std::uint8_t> right) {
+    const std::size_t common = std::min(left.size(), right.size());
+    const int order = common == 0 ? 0 : std::memcmp(left.data(), right.data(), common);
+    return order != 0 ? order <=> 0 : left.size() <=> right.size();
 }
 
 // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): ends_ is filled as far as it is read
@@ -77,7 +82,7 @@ IndexPageView::IndexPageView(const Page& page, PageNumber number, PageNumber def
         ThrowDamagedPage(number, "belongs to another table");
     prefix_ = Load<std::uint16_t>(page_, PrefixOffset);
     ReadEnds(number);
-    const std::size_t shortest = ShortestKey + RowSize + SuffixSize();
+    const std::size_t shortest = ShortestKey + EntryRowSize + SuffixSize();
     if (count_ != 0) {
         if (ends_[0] < shortest || prefix_ > ends_[0] - SuffixSize())
             ThrowDamagedPage(number, "has an impossible first entry");
@@ -112,15 +117,15 @@ std::span<const std::uint8_t> IndexPageView::Prefix() const {
 std::size_t IndexPageView::LowerBound(std::span<const std::uint8_t> bytes) const {
     if (count_ == 0) return 0;
     const auto first = Stored(0);
-    if (Compare(first.first(first.size() - SuffixSize()), bytes) >= 0) return 0;
+    if (CompareBytes(first.first(first.size() - SuffixSize()), bytes) >= 0) return 0;
     const auto head = bytes.first(std::min(prefix_, bytes.size()));
-    if (Compare(Prefix(), head) < 0) return count_;
+    if (CompareBytes(Prefix(), head) < 0) return count_;
     const auto rest = bytes.subspan(head.size());
     std::size_t low = 1, high = count_;
     while (low < high) {
         const std::size_t middle = (low + high) / 2;
         const auto stored = Stored(middle);
-        if (Compare(stored.first(stored.size() - SuffixSize()), rest) < 0) {
+        if (CompareBytes(stored.first(stored.size() - SuffixSize()), rest) < 0) {
             low = middle + 1;
         } else {
             high = middle;
@@ -159,7 +164,7 @@ Bytes IndexPageView::KeyAndRow(std::size_t i) const {
 
 RowId IndexPageView::Row(std::size_t i) const {
     const Bytes entry = KeyAndRow(i);
-    const std::uint32_t pointer = LoadBigEndian(std::span(entry).last(RowSize));
+    const std::uint32_t pointer = LoadBigEndian(std::span(entry).last(EntryRowSize));
     return {.page = pointer >> 8, .slot = static_cast<std::uint8_t>(pointer & 0xFF)};
 }
 
@@ -213,32 +218,51 @@ void IndexPageView::RemoveFrom(Page& page, std::size_t i) const {
     StoreFreeBytes(page, used - size);
 }
 
-IndexPageContent IndexPageContent::From(const IndexPageView& view) {
-    IndexPageContent content{.leaf = view.IsLeaf(),
-                             .height = view.Height(),
-                             .previous = view.Previous(),
-                             .next = view.Next(),
-                             .tail = view.Tail(),
-                             .entries = {}};
-    content.entries.reserve(view.Count() + 2);
-    for (std::size_t i = 0; i < view.Count(); ++i)
-        content.entries.push_back(view.Entry(i));
-    return content;
+std::vector<EntryBytes> IndexPageView::Entries(EntryMemory& memory) const {
+    std::vector<EntryBytes> entries;
+    entries.reserve(count_ + 2);
+    const auto bytes = memory.Take(UsedBytes() + (count_ == 0 ? 0 : prefix_ * (count_ - 1)));
+    auto end = bytes.begin();
+    for (std::size_t i = 0; i < count_; ++i) {
+        const auto start = end;
+        if (i != 0) end = std::ranges::copy(Prefix(), end).out;
+        end = std::ranges::copy(Stored(i), end).out;
+        entries.emplace_back(start, end);
+    }
+    return entries;
+}
+
+IndexPageContent IndexPageContent::From(const IndexPageView& view, EntryMemory& memory) {
+    return {.leaf = view.IsLeaf(),
+            .height = view.Height(),
+            .previous = view.Previous(),
+            .next = view.Next(),
+            .tail = view.Tail(),
+            .entries = view.Entries(memory)};
+}
+
+/// The prefix is a part of the key alone: a row or child may not be cut in two.
+std::size_t IndexPageContent::KeySize(std::size_t i) const {
+    return entries[i].size() - EntryRowSize - (leaf ? 0 : ChildSize);
 }
 
 std::size_t IndexPageContent::PrefixLength(std::size_t first, std::size_t last) const {
     if (last - first < 2) return 0;
-    // The prefix is a part of the key alone: a row or child may not be cut in two.
-    const std::size_t behindKey = RowSize + (leaf ? 0 : ChildSize);
-    const Bytes& least = entries[first];
-    auto length = static_cast<std::ptrdiff_t>(least.size() - behindKey);
-    for (std::size_t i = first + 1; i < last; ++i) {
-        length = std::min(length, static_cast<std::ptrdiff_t>(entries[i].size() - behindKey));
-        const auto [difference, other] =
-            std::mismatch(least.begin(), least.begin() + length, entries[i].begin());
-        length = difference - least.begin();
+    std::size_t length = KeySize(first);
+    for (std::size_t i = first + 1; i < last; ++i)
+        length = CommonLength(entries[first], entries[i], std::min(length, KeySize(i)));
+    return length;
+}
+
+/// The end of as many entries as a page can hold, but one at least.
+std::size_t IndexPageContent::EndOfFullPage(std::size_t first) const {
+    std::size_t size = entries[first].size(), prefix = KeySize(first), end = first + 1;
+    for (; end < entries.size(); ++end) {
+        size += entries[end].size();
+        prefix = CommonLength(entries[first], entries[end], std::min(prefix, KeySize(end)));
+        if (size > EntryRoom && size - prefix * (end - first) > EntryRoom) break;
     }
-    return static_cast<std::size_t>(length);
+    return end;
 }
 
 std::size_t IndexPageContent::Size(std::size_t first, std::size_t last) const {
@@ -267,10 +291,11 @@ std::vector<std::size_t> IndexPageContent::Cuts(bool ascending) const {
     if (Fits(0, count)) return cuts;
     if (ascending) {
         // The last part of a node keeps an entry beside its tail.
-        cuts.push_back(count - 1);
-    } else {
-        cuts.push_back(BalancedCut(0, count));
+        for (std::size_t end = EndOfFullPage(0); end < count; end = EndOfFullPage(end))
+            cuts.push_back(end);
+        return cuts;
     }
+    cuts.push_back(BalancedCut(0, count));
     // A part that does not fit is cut again; each cut makes parts smaller, so this ends.
     for (std::size_t part = 0; part <= cuts.size();) {
         const std::size_t first = part == 0 ? 0 : cuts[part - 1];
@@ -297,8 +322,8 @@ void IndexPageContent::WriteTo(Page& page, PageNumber definition) const {
     Store(page, PrefixOffset, static_cast<std::uint16_t>(prefix));
     page[26] = height;
     std::size_t end = 0;
-    for (const Bytes& entry : entries) {
-        const auto stored = std::span(entry).subspan(end == 0 ? 0 : prefix);
+    for (const EntryBytes entry : entries) {
+        const auto stored = entry.subspan(end == 0 ? 0 : prefix);
         std::ranges::copy(stored, page.begin() + static_cast<std::ptrdiff_t>(EntriesOffset + end));
         end += stored.size();
         SetEnd(page, end);

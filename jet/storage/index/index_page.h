@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -8,6 +9,7 @@
 #include <vector>
 
 #include "jet/storage/format/page.h"
+#include "jet/storage/index/entry_batch.h"
 #include "jet/value.h"
 
 namespace jet::storage {
@@ -18,8 +20,12 @@ constexpr std::size_t EntryRoom = 3616;
 /// Appends what stands behind a key on a leaf page, big-endian: page and slot of the row.
 void AppendRow(Bytes& entry, RowId row);
 
-/// The same for the page number of a child, which ends an entry of a node page.
-void AppendChild(Bytes& entry, PageNumber child);
+/// The page number of a child as it ends an entry of a node page, likewise.
+std::array<std::uint8_t, 4> ChildBytes(PageNumber child);
+
+/// The order of entries and keys: that of unsigned byte strings.
+std::strong_ordering CompareBytes(std::span<const std::uint8_t> left,
+                                  std::span<const std::uint8_t> right);
 
 /// A checked look at one page of an index. An entry is, on a leaf, key and row; on a node, the
 /// last entry of a child (so also key and row) and the child's page number. The last child of a
@@ -51,6 +57,8 @@ class IndexPageView {
     Bytes Entry(std::size_t i) const;
     /// The same, put into `bytes`.
     void CopyEntry(std::size_t i, Bytes& bytes) const;
+    /// All entries in full, copied into `memory`.
+    std::vector<EntryBytes> Entries(EntryMemory& memory) const;
     /// Key and row of entry `i`, without the child of a node's entry.
     Bytes KeyAndRow(std::size_t i) const;
     /// The row that entry `i` names.
@@ -86,14 +94,16 @@ class IndexPageView {
     std::array<std::uint16_t, EntryRoom> ends_;  // only the first count_ are set
 };
 
-/// An index page taken apart, for changes that do more than move bytes.
+/// An index page taken apart, for changes that do more than move bytes. The entries' bytes are
+/// kept by somebody else.
 struct IndexPageContent {
     bool leaf = true;
     std::uint8_t height = 0;  ///< levels of pages below
     PageNumber previous = 0, next = 0, tail = 0;
-    std::vector<Bytes> entries;  ///< in full
+    std::vector<EntryBytes> entries;  ///< in full
 
-    static IndexPageContent From(const IndexPageView& view);
+    /// Copies of the page's entries, kept in `memory`.
+    static IndexPageContent From(const IndexPageView& view, EntryMemory& memory);
 
     /// Fills `page`; a prefix is left out of the entries only where they would not fit otherwise.
     /// They must fit.
@@ -103,11 +113,13 @@ struct IndexPageContent {
     bool Fits(std::size_t first, std::size_t last) const;
 
     /// Where to cut the entries so that each part fits a page; empty if they fit one. Parts take
-    /// about the same room, or, if `ascending`, all go into the first but the last one.
+    /// about the same room, or, if `ascending`, as many entries as they can hold.
     std::vector<std::size_t> Cuts(bool ascending) const;
 
   private:
+    std::size_t KeySize(std::size_t i) const;
     std::size_t PrefixLength(std::size_t first, std::size_t last) const;
+    std::size_t EndOfFullPage(std::size_t first) const;
     std::size_t Size(std::size_t first, std::size_t last) const;
     std::size_t BalancedCut(std::size_t first, std::size_t last) const;
 };

@@ -9,18 +9,6 @@
 
 namespace jet::storage {
 
-/// One page on the way from the root to a leaf.
-struct IndexTree::Step {
-    PageNumber page = 0;
-    std::size_t child = 0;  ///< on a node: which child the way goes on to; on a leaf: the place
-};
-
-/// A page that a node is to name in front of the child on the path.
-struct IndexTree::NewChild {
-    Bytes greatest;  ///< key and row of its last entry
-    PageNumber page = 0;
-};
-
 namespace {
 
 /// Deeper than any tree that a 2 GB file can hold; a longer way down goes in circles.
@@ -29,29 +17,12 @@ constexpr std::size_t DeepestTree = 32;
 constexpr std::size_t PreviousOffset = 12;
 constexpr std::size_t NextOffset = 16;
 
-[[noreturn]] void ThrowDamagedTree(PageNumber root, const char* what) {
-    throw Error(ErrorKind::Damaged, "The index at page " + std::to_string(root) + " " + what + ".");
-}
-
-Bytes MakeEntry(std::span<const std::uint8_t> key, RowId row) {
-    Bytes entry;
-    entry.reserve(key.size() + 4);
-    entry.assign(key.begin(), key.end());
-    AppendRow(entry, row);
-    return entry;
-}
-
-Bytes WithChild(Bytes entry, PageNumber child) {
-    AppendChild(entry, child);
-    return entry;
-}
-
 /// Takes the child's number off a node's entry.
-PageNumber CutChild(Bytes& entry) {
+PageNumber CutChild(EntryBytes& entry) {
     PageNumber child = 0;
-    for (const std::uint8_t byte : std::span(entry).last(4))
+    for (const std::uint8_t byte : entry.last(4))
         child = child << 8 | byte;
-    entry.erase(entry.end() - 4, entry.end());
+    entry = entry.first(entry.size() - 4);
     return child;
 }
 
@@ -65,7 +36,7 @@ void MakeTail(IndexPageContent& node) {
 /// The first child of a node.
 PageNumber FirstChild(const IndexPageContent& node) {
     if (node.entries.empty()) return node.tail;
-    Bytes first = node.entries.front();
+    EntryBytes first = node.entries.front();
     return CutChild(first);
 }
 
@@ -93,12 +64,17 @@ IndexTree::IndexTree(PageStore& pages, IndexPageListener& listener, PageNumber r
                      PageNumber definition)
     : pages_(pages), listener_(listener), root_(root), definition_(definition) {}
 
+void IndexTree::ThrowDamaged(const char* what) const {
+    throw Error(ErrorKind::Damaged,
+                "The index at page " + std::to_string(root_) + " " + what + ".");
+}
+
 void IndexTree::MakeEmpty(Page& root, PageNumber definition) {
     IndexPageContent{}.WriteTo(root, definition);
 }
 
 std::shared_ptr<const Page> IndexTree::Read(PageNumber page) const {
-    if (page == 0) ThrowDamagedTree(root_, "names a page that cannot be");
+    if (page == 0) ThrowDamaged("names a page that cannot be");
     return pages_.Read(page);
 }
 
@@ -114,7 +90,8 @@ PageNumber IndexTree::Take() {
     return page;
 }
 
-IndexTree::Path IndexTree::Descend(std::span<const std::uint8_t> bytes) const {
+/// `greatest`: the greatest entry that belongs on the leaf, where a node above names one.
+IndexTree::Path IndexTree::Descend(EntryBytes bytes, std::optional<Bytes>* greatest) const {
     Path path;
     PageNumber page = root_;
     while (true) {
@@ -125,65 +102,57 @@ IndexTree::Path IndexTree::Descend(std::span<const std::uint8_t> bytes) const {
             path.push_back({page, place});
             return path;
         }
-        if (view.ChildCount() == 0) ThrowDamagedTree(root_, "has a node without children");
+        if (view.ChildCount() == 0) ThrowDamaged("has a node without children");
+        if (greatest != nullptr && place < view.Count()) *greatest = view.KeyAndRow(place);
         place = std::min(place, view.ChildCount() - 1);
         path.push_back({page, place});
-        if (path.size() == DeepestTree) ThrowDamagedTree(root_, "is too deep");
+        if (path.size() == DeepestTree) ThrowDamaged("is too deep");
         page = view.Child(place);
     }
 }
 
-Bytes IndexTree::GreatestBelow(PageNumber page) const {
+EntryBytes IndexTree::GreatestBelow(PageNumber page) {
     for (std::size_t depth = 0; depth < DeepestTree; ++depth) {
         const auto content = Read(page);
         const IndexPageView view(*content, page, definition_);
         if (view.IsLeaf()) {
-            if (view.Count() == 0) ThrowDamagedTree(root_, "has an empty page");
-            return view.KeyAndRow(view.Count() - 1);
+            if (view.Count() == 0) ThrowDamaged("has an empty page");
+            return memory_.Join(view.KeyAndRow(view.Count() - 1));
         }
-        if (view.ChildCount() == 0) ThrowDamagedTree(root_, "has a node without children");
+        if (view.ChildCount() == 0) ThrowDamaged("has a node without children");
         page = view.Child(view.ChildCount() - 1);
     }
-    ThrowDamagedTree(root_, "is too deep");
+    ThrowDamaged("is too deep");
 }
 
-void IndexTree::Insert(std::span<const std::uint8_t> key, RowId row) {
-    if (key.size() > LongestKey)
-        throw Error(ErrorKind::TooLong, "The indexed values of a row are too long together.");
-    const Bytes entry = MakeEntry(key, row);
-    const Path path = Descend(entry);
-    const auto [leaf, place] = path.back();
+std::optional<Bytes> IndexTree::GreatestKey() const {
+    // No key begins with such a byte and goes on like this.
+    const auto [leaf, place] = Descend(Bytes(LongestKey, 0xFF)).back();
     const auto page = Read(leaf);
     const IndexPageView view(*page, leaf, definition_);
-    const bool last = place == view.Count();
-    if (!last && view.IsEntry(place, entry)) ThrowDamagedTree(root_, "holds a new row already");
-
-    const std::optional<Bytes> newGreatest = last ? std::optional(entry) : std::nullopt;
-    if (view.InsertInto(pages_.Modify(leaf), place, entry)) {
-        if (last) UpdateParent(path, path.size() - 1, {}, newGreatest, false);
-        return;
-    }
-    IndexPageContent content = IndexPageContent::From(view);
-    content.entries.insert(content.entries.begin() + static_cast<std::ptrdiff_t>(place), entry);
-    // Rows that come in the order of the index shall fill its pages.
-    const bool ascending = last && view.Next() == 0;
-    Rewrite(path, path.size() - 1, std::move(content), newGreatest, ascending);
+    if (view.Count() == 0) return std::nullopt;
+    Bytes entry = view.KeyAndRow(view.Count() - 1);
+    entry.resize(entry.size() - EntryRowSize);
+    return entry;
 }
 
 void IndexTree::Remove(std::span<const std::uint8_t> key, RowId row) {
-    const Bytes entry = MakeEntry(key, row);
+    memory_.Clear();
+    Bytes rowBytes;
+    AppendRow(rowBytes, row);
+    const EntryBytes entry = memory_.Join(key, rowBytes);
     const Path path = Descend(entry);
     const auto [leaf, place] = path.back();
     const auto page = Read(leaf);
     const IndexPageView view(*page, leaf, definition_);
     if (place == view.Count() || !view.IsEntry(place, entry))
-        ThrowDamagedTree(root_, "has no entry for a row that it should hold");
+        ThrowDamaged("has no entry for a row that it should hold");
     if (view.Count() == 1) {
         RemovePage(path, path.size() - 1);
         return;
     }
-    std::optional<Bytes> newGreatest;
-    if (place + 1 == view.Count()) newGreatest = view.KeyAndRow(place - 1);
+    std::optional<EntryBytes> newGreatest;
+    if (place + 1 == view.Count()) newGreatest = memory_.Join(view.KeyAndRow(place - 1));
     view.RemoveFrom(pages_.Modify(leaf), place);
     UpdateParent(path, path.size() - 1, {}, newGreatest, false);
 }
@@ -191,12 +160,13 @@ void IndexTree::Remove(std::span<const std::uint8_t> key, RowId row) {
 bool IndexTree::ContainsKey(std::span<const std::uint8_t> key) const {
     auto [leaf, place] = Descend(key).back();
     for (PageNumber visited = 0; leaf != 0; ++visited) {
-        if (visited > pages_.PageCount()) ThrowDamagedTree(root_, "goes in circles");
+        if (visited > pages_.PageCount()) ThrowDamaged("goes in circles");
         const auto page = Read(leaf);
         const IndexPageView view(*page, leaf, definition_);
-        if (!view.IsLeaf()) ThrowDamagedTree(root_, "has a node among its leaves");
+        if (!view.IsLeaf()) ThrowDamaged("has a node among its leaves");
         if (place < view.Count())
-            return view.BeginsWith(place, key) && view.KeyAndRow(place).size() == key.size() + 4;
+            return view.BeginsWith(place, key) &&
+                   view.KeyAndRow(place).size() == key.size() + EntryRowSize;
         leaf = view.Next();
         place = 0;
     }
@@ -222,20 +192,20 @@ void IndexTree::ForEach(
     const std::function<void(std::span<const std::uint8_t> key, RowId row)>& visit) const {
     PageNumber leaf = Descend({}).back().page;
     for (PageNumber visited = 0; leaf != 0; ++visited) {
-        if (visited > pages_.PageCount()) ThrowDamagedTree(root_, "goes in circles");
+        if (visited > pages_.PageCount()) ThrowDamaged("goes in circles");
         const auto page = Read(leaf);
         const IndexPageView view(*page, leaf, definition_);
-        if (!view.IsLeaf()) ThrowDamagedTree(root_, "has a node among its leaves");
+        if (!view.IsLeaf()) ThrowDamaged("has a node among its leaves");
         for (std::size_t i = 0; i < view.Count(); ++i) {
             const Bytes entry = view.KeyAndRow(i);
-            visit(std::span(entry).first(entry.size() - 4), view.Row(i));
+            visit(std::span(entry).first(entry.size() - EntryRowSize), view.Row(i));
         }
         leaf = view.Next();
     }
 }
 
 void IndexTree::Rewrite(const Path& path, std::size_t level, IndexPageContent content,
-                        const std::optional<Bytes>& newGreatest, bool ascending) {
+                        const std::optional<EntryBytes>& newGreatest, bool ascending) {
     MakeTail(content);
     const std::vector<std::size_t> cuts = content.Cuts(ascending);
     if (!cuts.empty()) {
@@ -250,8 +220,8 @@ void IndexTree::Rewrite(const Path& path, std::size_t level, IndexPageContent co
 /// its parent, entry or tail, stays what it is. Of a root, the last part moves too: the root then
 /// names all parts.
 void IndexTree::Split(const Path& path, std::size_t level, IndexPageContent content,
-                      const std::vector<std::size_t>& cuts, const std::optional<Bytes>& newGreatest,
-                      bool ascending) {
+                      const std::vector<std::size_t>& cuts,
+                      const std::optional<EntryBytes>& newGreatest, bool ascending) {
     const bool isRoot = level == 0;
     if (isRoot) content.previous = content.next = 0;
     const bool leaf = content.leaf;
@@ -260,12 +230,12 @@ void IndexTree::Split(const Path& path, std::size_t level, IndexPageContent cont
     std::vector<IndexPageContent> parts = Divide(std::move(content), cuts);
     std::vector<NewChild> added;
     for (std::size_t i = 0; i + 1 < parts.size(); ++i) {
-        Bytes greatest = parts[i].entries.back();
+        EntryBytes greatest = parts[i].entries.back();
         if (!leaf) {
             SeparateChildren(CutChild(greatest), FirstChild(parts[i + 1]));
             MakeTail(parts[i]);
         }
-        added.push_back({std::move(greatest), Take()});
+        added.push_back({greatest, Take()});
     }
     const PageNumber lastPage = isRoot ? Take() : path[level].page;
     for (std::size_t i = 0; i < parts.size(); ++i) {
@@ -285,15 +255,15 @@ void IndexTree::Split(const Path& path, std::size_t level, IndexPageContent cont
                           .height = static_cast<std::uint8_t>(height + 1),
                           .tail = lastPage,
                           .entries = {}};
-    for (NewChild& child : added)
-        root.entries.push_back(WithChild(std::move(child.greatest), child.page));
+    for (const NewChild& child : added)
+        root.entries.push_back(memory_.Join(child.greatest, ChildBytes(child.page)));
     Rewrite(path, 0, std::move(root), std::nullopt, ascending);
 }
 
 /// Tells the parent of the page at `level` about pages in front of it and about its new greatest
 /// entry (none: it is what it was), as far up as somebody has it written down.
 void IndexTree::UpdateParent(const Path& path, std::size_t level, std::span<const NewChild> added,
-                             const std::optional<Bytes>& newGreatest, bool ascending) {
+                             const std::optional<EntryBytes>& newGreatest, bool ascending) {
     if (level == 0 || (added.empty() && !newGreatest)) return;
     const auto [parent, place] = path[level - 1];
     const auto page = Read(parent);
@@ -304,11 +274,12 @@ void IndexTree::UpdateParent(const Path& path, std::size_t level, std::span<cons
         UpdateParent(path, level - 1, {}, newGreatest, ascending);
         return;
     }
-    IndexPageContent content = IndexPageContent::From(view);
-    if (newGreatest && !isTail) content.entries[place] = WithChild(*newGreatest, path[level].page);
-    std::vector<Bytes> entries;
+    IndexPageContent content = IndexPageContent::From(view, memory_);
+    if (newGreatest && !isTail)
+        content.entries[place] = memory_.Join(*newGreatest, ChildBytes(path[level].page));
+    std::vector<EntryBytes> entries;
     for (const NewChild& child : added)
-        entries.push_back(WithChild(child.greatest, child.page));
+        entries.push_back(memory_.Join(child.greatest, ChildBytes(child.page)));
     content.entries.insert(content.entries.begin() + static_cast<std::ptrdiff_t>(place),
                            entries.begin(), entries.end());
     Rewrite(path, level - 1, std::move(content), isLast ? newGreatest : std::nullopt, ascending);
@@ -328,7 +299,7 @@ void IndexTree::RemovePage(const Path& path, std::size_t level) {
         RemovePage(path, level - 1);
         return;
     }
-    IndexPageContent content = IndexPageContent::From(view);
+    IndexPageContent content = IndexPageContent::From(view, memory_);
     const bool wasLast = place + 1 == view.ChildCount();
     if (place == content.entries.size()) {
         content.tail = 0;
@@ -337,10 +308,11 @@ void IndexTree::RemovePage(const Path& path, std::size_t level) {
     }
     if (content.entries.empty()) {
         // An only child has an entry.
-        content.entries.push_back(WithChild(GreatestBelow(content.tail), content.tail));
+        content.entries.push_back(
+            memory_.Join(GreatestBelow(content.tail), ChildBytes(content.tail)));
         content.tail = 0;
     }
-    std::optional<Bytes> newGreatest;
+    std::optional<EntryBytes> newGreatest;
     if (wasLast) {
         newGreatest = content.entries.back();
         CutChild(*newGreatest);

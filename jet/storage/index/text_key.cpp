@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <optional>
 
@@ -138,7 +139,7 @@ std::optional<std::string_view> CountingPart(std::string_view utf8) {
 
 Bytes TextKey(std::string_view utf8) {
     Bytes key;
-    AppendTextKey(key, ToUtf16(utf8));
+    AppendTextKey(key, utf8);
     return key;
 }
 
@@ -189,6 +190,34 @@ void AppendTextKey(Bytes& key, std::u16string_view text) {
         unprintables.AppendTo(key);
     }
     key.push_back(0);
+}
+
+bool AppendPlainTextKey(Bytes& key, std::span<const std::uint8_t> text) {
+    const SortTable& table = SortTable::Get();
+    auto units = text.first(std::min(text.size(), LongestTextInKey));
+    while (!units.empty() && units.back() == ' ')
+        units = units.first(units.size() - 1);
+    const std::size_t start = key.size();
+    key.resize(start + units.size() + 2);
+    bool plain = true;
+    for (std::size_t i = 0; i < units.size(); ++i) {
+        const std::uint8_t letter = table.SimpleLetter(static_cast<char>(units[i]));
+        key[start + i] = letter;
+        plain = plain && letter != 0;
+    }
+    key[start + units.size()] = SectionEnd;
+    if (!plain) key.resize(start);
+    return plain;
+}
+
+void AppendTextKey(Bytes& key, std::string_view utf8) {
+    if (AppendPlainTextKey(key, {reinterpret_cast<const std::uint8_t*>(utf8.data()), utf8.size()}))
+        return;
+    std::array<char16_t, LongestTextInKey> units;
+    std::size_t count = 0;
+    for (Utf16Reader reader(utf8); count < units.size() && !reader.AtEnd();)
+        units[count++] = reader.Next();
+    AppendTextKey(key, std::u16string_view(units.data(), count));
 }
 
 int CompareTexts(std::string_view left, std::string_view right) {
