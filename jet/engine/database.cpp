@@ -63,12 +63,12 @@ void Database::Scan(std::string_view table, std::span<const std::string_view> fi
 }
 
 Value Database::Read(std::string_view table, RowKey row, std::string_view field) {
-    const engine::MirrorTable& source = implementation_->session->UnloadedTable(table);
+    const engine::MirrorTable& source = implementation_->session->Table(table);
     return source.Read(row)[source.Column(field)];
 }
 
 std::int64_t Database::NextNumber(std::string_view table) const {
-    return implementation_->session->UnloadedTable(table).NextAutoNumber();
+    return implementation_->session->Table(table).NextAutoNumber();
 }
 
 Database::AddedRow Database::Insert(std::string_view table, std::span<const Field> fields) {

@@ -177,10 +177,10 @@ void IndexTree::RowsWith(std::span<const std::uint8_t> start,
                          const std::function<bool(RowId row)>& visit) const {
     auto [leaf, place] = Descend(start).back();
     for (PageNumber visited = 0; leaf != 0; ++visited) {
-        if (visited > pages_.PageCount()) ThrowDamagedTree(root_, "goes in circles");
+        if (visited > pages_.PageCount()) ThrowDamaged("goes in circles");
         const auto page = Read(leaf);
         const IndexPageView view(*page, leaf, definition_);
-        if (!view.IsLeaf()) ThrowDamagedTree(root_, "has a node among its leaves");
+        if (!view.IsLeaf()) ThrowDamaged("has a node among its leaves");
         for (; place < view.Count(); ++place)
             if (!view.BeginsWith(place, start) || !visit(view.Row(place))) return;
         leaf = view.Next();
