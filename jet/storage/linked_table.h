@@ -29,7 +29,7 @@ class LinkedTable final : public TableImplementation {
     }
     Row Read(RowId /*row*/) const override { Refuse(); }
     std::optional<std::vector<RowId>> FindByIndex(std::size_t /*column*/, const Value& /*value*/,
-                                                  std::size_t /*most*/) const override {
+                                                  std::size_t /*most*/) override {
         Refuse();
     }
     Table::Inserted Insert(std::span<const Value> /*values*/) override { Refuse(); }

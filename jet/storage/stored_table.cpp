@@ -118,7 +118,7 @@ Row StoredTable::Read(RowId row) const {
 }
 
 std::optional<std::vector<RowId>> StoredTable::FindByIndex(std::size_t column, const Value& value,
-                                                           std::size_t most) const {
+                                                           std::size_t most) {
     for (const auto& index : Current().indexes)
         if (index->Columns().front() == column) return index->RowsWith(value, most);
     return std::nullopt;

@@ -30,7 +30,7 @@ class StoredTable final : public TableImplementation {
                      const Table::VisitColumns& visit) const override;
     Row Read(RowId row) const override;
     std::optional<std::vector<RowId>> FindByIndex(std::size_t column, const Value& value,
-                                                  std::size_t most) const override;
+                                                  std::size_t most) override;
     Table::Inserted Insert(std::span<const Value> values) override;
     void Update(RowId row, std::span<const FieldChange> changes) override;
     void Delete(RowId row) override;

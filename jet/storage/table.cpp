@@ -34,7 +34,7 @@ Row Table::Read(RowId row) const {
 }
 
 std::optional<std::vector<RowId>> Table::FindByIndex(std::size_t column, const Value& value,
-                                                     std::size_t most) const {
+                                                     std::size_t most) {
     return NamingFile(implementation_->File(),
                       [&] { return implementation_->FindByIndex(column, value, most); });
 }

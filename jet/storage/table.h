@@ -57,7 +57,7 @@ class Table {
     /// order of an index that begins with the column. None where there is no such index, or where
     /// they are more than `most`.
     std::optional<std::vector<RowId>> FindByIndex(std::size_t column, const Value& value,
-                                                  std::size_t most) const;
+                                                  std::size_t most);
 
     /// What Insert made.
     struct Inserted {

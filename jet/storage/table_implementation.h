@@ -22,7 +22,7 @@ class TableImplementation {
                              const Table::VisitColumns& visit) const = 0;
     virtual Row Read(RowId row) const = 0;
     virtual std::optional<std::vector<RowId>> FindByIndex(std::size_t column, const Value& value,
-                                                          std::size_t most) const = 0;
+                                                          std::size_t most) = 0;
     virtual Table::Inserted Insert(std::span<const Value> values) = 0;
     virtual void Update(RowId row, std::span<const FieldChange> changes) = 0;
     virtual void Delete(RowId row) = 0;
