@@ -31,37 +31,42 @@ const std::vector<std::string>& Literals() {
     return literals;
 }
 
-std::vector<std::string> StatementsWith(const std::string& condition) {
-    return {"SELECT * FROM T WHERE " + condition,
-            "SELECT Count(*), Max(Large), First(Name) FROM T WHERE " + condition,
-            "SELECT Name, Plain FROM T WHERE Plain < 5 AND " + condition + " ORDER BY Name, Real",
-            "SELECT x.Name FROM T AS x WHERE NOT (Plain = 3) AND (" + condition + ")",
-            "SELECT TOP 3 ID, Real FROM T WHERE " + condition,
-            "SELECT Small, Count(*) FROM T GROUP BY Small, Large HAVING " + condition,
-            "SELECT Max(Plain) FROM T GROUP BY Middle HAVING " + condition,
-            "SELECT n, (SELECT Count(*) FROM T WHERE " + condition + ") FROM (SELECT 5 AS n) AS b",
-            // Not of all rows of these is the condition true.
-            "SELECT a.ID FROM T AS a LEFT JOIN (SELECT 5 AS n) AS b ON a." + condition,
-            "SELECT DISTINCT Plain FROM T WHERE " + condition + " OR Plain = 1"};
+/// Of those in a group, none looks at a row of which the condition is not true, or all may.
+std::vector<std::vector<std::string>> StatementsWith(const std::string& condition) {
+    return {
+        {"SELECT * FROM T WHERE " + condition,
+         "SELECT Count(*), Max(Large), First(Name) FROM T WHERE " + condition,
+         "SELECT Name, Plain FROM T WHERE Plain < 5 AND " + condition + " ORDER BY Name, Real",
+         "SELECT x.Name FROM T AS x WHERE NOT (Plain = 3) AND (" + condition + ")",
+         "SELECT TOP 3 ID, Real FROM T WHERE " + condition,
+         "SELECT n, (SELECT Count(*) FROM T WHERE " + condition + ") FROM (SELECT 5 AS n) AS b"},
+        {"SELECT Small, Count(*) FROM T GROUP BY Small, Large HAVING " + condition},
+        {"SELECT Max(Plain) FROM T GROUP BY Middle HAVING " + condition},
+        {"SELECT ID, (SELECT Count(*) FROM T) FROM T WHERE " + condition},
+        {"SELECT a.ID, b.ID FROM T AS a INNER JOIN T AS b ON a.Plain = b.Small WHERE a." +
+         condition},
+        {"SELECT a.ID FROM T AS a LEFT JOIN (SELECT 5 AS n) AS b ON a." + condition},
+        {"SELECT DISTINCT Plain FROM T WHERE " + condition + " OR Plain = 1"}};
 }
 
 TEST(KeyLookup, FindsTheSameRowsAsALookAtAllOfThem) {
     const NumberTable table(400);
     Database all = table.Open(OpenMode::ReadOnly);
-    ASSERT_EQ(Rows(*all.Query("SELECT Count(*) FROM T")), "400");
     Rows(all, "SELECT * FROM T");
     std::size_t found = 0;
     for (const char* const column : {"ID", "Small", "Middle", "Large", "Plain", "Real", "Name"}) {
         for (const std::string& literal : Literals()) {
-            // Rows that one statement has fetched are there for the next: they must do no harm.
-            Database few = table.Open(OpenMode::ReadOnly);
-            for (const std::string& query : StatementsWith(column + (" = " + literal))) {
-                const std::string expected = Outcome(all, query);
-                EXPECT_EQ(Outcome(few, query), expected) << query;
-                if (!expected.empty()) ++found;
+            auto groups = StatementsWith(column + (" = " + literal));
+            groups.push_back({"SELECT * FROM T WHERE " + literal + " = " + column});
+            for (const auto& queries : groups) {
+                // Rows that one statement has fetched are there for the next: they must do no harm.
+                Database few = table.Open(OpenMode::ReadOnly);
+                for (const std::string& query : queries) {
+                    const std::string expected = Outcome(all, query);
+                    EXPECT_EQ(Outcome(few, query), expected) << query;
+                    if (!expected.empty()) ++found;
+                }
             }
-            const std::string turned = "SELECT * FROM T WHERE " + literal + " = " + column;
-            EXPECT_EQ(Outcome(few, turned), Outcome(all, turned)) << turned;
         }
     }
     EXPECT_GT(found, 500U);

@@ -41,13 +41,22 @@ NumberTable::NumberTable(int rows) {
         return values[random() % values.size()];
     };
     const auto whole = [](std::int64_t number) { return Value(number); };
+    // Few enough rows of a number for the index to be used, often more than one.
+    const auto seldom = [&](const std::vector<Value>& values, std::int64_t from, std::int64_t to) {
+        const std::int64_t any = from + static_cast<std::int64_t>(random()) % (to - from + 1);
+        return random() % 4 == 0 ? pick(values) : whole(any);
+    };
     for (int i = 0; i < rows; ++i) {
         const std::array fields{
-            Database::Field{"Small", pick({whole(0), whole(1), whole(5), whole(255), Null{}})},
-            Database::Field{"Middle", pick({whole(-32768), whole(-5), whole(0), whole(5),
-                                            whole(32767), Null{}})},
-            Database::Field{"Large", pick({whole(-2147483648), whole(-5), whole(0), whole(5),
-                                           whole(40000), whole(2147483647), Null{}})},
+            Database::Field{
+                "Small",
+                seldom({whole(0), whole(1), whole(5), whole(5), whole(255), Null{}}, 10, 200)},
+            Database::Field{"Middle", seldom({whole(-32768), whole(-5), whole(0), whole(5),
+                                              whole(32767), Null{}},
+                                             -200, 200)},
+            Database::Field{"Large", seldom({whole(-2147483648), whole(-5), whole(0), whole(5),
+                                             whole(40000), whole(2147483647), Null{}},
+                                            -700, 700)},
             Database::Field{"Plain", whole(static_cast<std::int64_t>(random() % 7))},
             Database::Field{"Real",
                             pick({Value(0.0), Value(-0.0), Value(5.0), Value(5.5), Null{}})},
