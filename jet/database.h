@@ -31,8 +31,8 @@ struct DamagedTable {
 /// A Jet 4 `.mdb` database with its SQL: the public face of this library.
 ///
 /// Every row is held in memory while the database is open; each change is written through to the
-/// file's pages, which reach the disk in groups (at the latest every second, on Flush() and on
-/// closing) so that a crash leaves a whole file.
+/// file's pages, which reach the disk in groups (after a second, or a few while rows change in
+/// great numbers, on Flush() and on closing) so that a crash leaves a whole file.
 ///
 /// Opening for writing looks the whole file over, as CheckFile does, before anything is written: a
 /// file that contradicts itself is refused as it is, since changes would make it worse.
