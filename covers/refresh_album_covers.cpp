@@ -11,8 +11,8 @@
 
 #include "covers/scan_covers.h"
 #include "database/sql.h"
-#include "platform/basic_text.h"
 #include "library/library.h"
+#include "platform/basic_text.h"
 #include "run/counted.h"
 #include "run/log.h"
 #include "run/run.h"

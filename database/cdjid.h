@@ -31,9 +31,9 @@ class CdjidSequence {
 
     Run& run_;
     bool asked_ = false;
-    std::optional<std::string> highest_;  ///< nothing: no album carries the prefix yet
+    std::optional<std::string> highest_;     ///< nothing: no album carries the prefix yet
     std::unordered_set<std::string> taken_;  ///< by this sequence, in lower case
-    int lowest_ = 0;  ///< no lower number is free
+    int lowest_ = 0;                         ///< no lower number is free
 };
 
 /// The next identifier for a single new album.

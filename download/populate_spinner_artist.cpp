@@ -24,9 +24,7 @@ class ArtistNames {
     explicit ArtistNames(const Connection& connection) : connection_(connection) {}
 
     /// Whether it was not there yet.
-    bool Add(std::string_view artist) {
-        return names_.insert(connection_.FoldText(artist)).second;
-    }
+    bool Add(std::string_view artist) { return names_.insert(connection_.FoldText(artist)).second; }
 
   private:
     const Connection& connection_;

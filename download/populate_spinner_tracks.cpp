@@ -87,12 +87,13 @@ class Additions {
         const SongId expected = table_.NextId();
         // The number is there before the row is: so no run that is killed leaves a row without its
         // link.
-        SongRow& row = table_.Add(FieldsOf(run_.clock.Now(), {.link = LinkOf(expected),
-                                                              .artist = song.album.artist,
-                                                              .album = song.album.title,
-                                                              .song = song.track.title,
-                                                              .length = LengthOf(song.track),
-                                                              .genre = GenreOf(song.album.artist)}));
+        SongRow& row =
+            table_.Add(FieldsOf(run_.clock.Now(), {.link = LinkOf(expected),
+                                                   .artist = song.album.artist,
+                                                   .album = song.album.title,
+                                                   .song = song.track.title,
+                                                   .length = LengthOf(song.track),
+                                                   .genre = GenreOf(song.album.artist)}));
         // A database may number its rows only when they are stored.
         if (row.id != expected) table_.SetLink(row, LinkOf(row.id));
         ++run_.counts.songsAdded;

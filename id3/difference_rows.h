@@ -1,6 +1,5 @@
 #pragma once
 
-#include <memory>
 #include <string_view>
 
 #include "id3/tag_comparison.h"
@@ -11,7 +10,7 @@ namespace quillon {
 /// Appends to the difference table. All rows of a run carry the same time.
 class DifferenceRows {
   public:
-    /// Throws Failure when the table cannot be opened.
+    /// Throws Failure when the table cannot be used: else each file would tell it anew.
     DifferenceRows(Connection& connection, DateTime updateTime);
 
     /// Adds a row for a file; `song` is its title. Throws Failure; nothing of the row stays then.
@@ -19,7 +18,7 @@ class DifferenceRows {
              const TagDifference& difference);
 
   private:
-    std::unique_ptr<RecordSet> table_;
+    Connection& connection_;
     DateTime updateTime_;
 };
 

@@ -19,8 +19,8 @@ TrackInfo GetID3TrackInfo(Run& run, std::string_view path, std::string_view newP
     steps.Concerning(std::string(path));
     steps.Try(1, [&] {
         Library& library = run.TheLibrary();
-        const TrackRow* const row = newPath.empty() ? library.FindTrack(path)
-                                                    : FindRowToRename(library, path, newPath);
+        const TrackRow* const row =
+            newPath.empty() ? library.FindTrack(path) : FindRowToRename(library, path, newPath);
         if (row == nullptr) return;
         info.track = std::to_string(row->number.Truth().value_or(0));
         if (const auto length = LengthOf(*row)) info.seconds = std::to_string(*length);

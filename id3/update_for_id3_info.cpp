@@ -45,8 +45,7 @@ void UpdateForID3Info(Run& run, const ComparedFile& file) {
         if (number > 0) row->tagNumber = number;
         changes = WantedChanges(*row, file);
     });
-    if (!changes.empty())
-        steps.Try(ChangeStep, [&] { run.TheLibrary().Change(*row, changes); });
+    if (!changes.empty()) steps.Try(ChangeStep, [&] { run.TheLibrary().Change(*row, changes); });
 }
 
 }  // namespace quillon

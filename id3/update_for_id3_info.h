@@ -17,9 +17,10 @@ struct ComparedFile {
 };
 
 /// Brings a file's row among the owned tracks in line with its tag: sound file and title after a
-/// rename, track number, length. The row is found by the file's path alone: names may be those of a disc or of a file beside it, and a number above 0
-/// keeps a row from the sweep. A length that is known stays until someone decides between the two.
-/// Without such a row nothing is done. Failures are logged with "Update for ID3 Info Error:".
+/// rename, track number, length. The row is found by the file's path alone: names may be those of a
+/// disc or of a file beside it, and a number above 0 keeps a row from the sweep. A length that is
+/// known stays until someone decides between the two. Without such a row nothing is done. Failures
+/// are logged with "Update for ID3 Info Error:".
 void UpdateForID3Info(Run& run, const ComparedFile& file);
 
 }  // namespace quillon

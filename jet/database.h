@@ -33,8 +33,8 @@ struct DamagedTable {
 /// A table's rows are held in memory from the first statement on that looks at them, with those of
 /// their columns that statements name; a row that a statement names by a number which an index of
 /// the file finds comes alone. Each change is written through to the file's pages, which reach the
-/// disk in groups (at the latest every second, on Flush() and on closing) so that a crash leaves a
-/// whole file.
+/// disk in groups (after a second, or a few while rows change in great numbers, on Flush() and on
+/// closing) so that a crash leaves a whole file.
 ///
 /// Opening for writing looks the whole file over, as CheckFile does, before anything is written: a
 /// file that contradicts itself is refused as it is, since changes would make it worse.

@@ -38,7 +38,8 @@ std::string_view PathKey(std::string_view path) {
 }
 
 bool HasStart(std::string_view path) {
-    return path.find(":\\") != std::string_view::npos || path.find("\\\\") != std::string_view::npos;
+    return path.find(":\\") != std::string_view::npos ||
+           path.find("\\\\") != std::string_view::npos;
 }
 
 std::uint32_t HashOfId(TrackId id) {
@@ -115,18 +116,18 @@ Library::Library(Connection& connection) : connection_(connection), rules_(conne
     constexpr std::array<std::string_view, 9> TrackFields{
         "ID", "CDJID", "Track", "Title", "Artist", "SoundFile", "Minutes", "Seconds", "DateAdded"};
     connection_.Scan(TrackTable, TrackFields, [this](RowKey key, std::span<const Value> row) {
-        TrackRow& track = tracks_.emplace_back(
-            TrackRow{.place = static_cast<std::uint32_t>(tracks_.size()),
-                     .key = key,
-                     .id = TrackId{NumberOf(row[0]).value_or(0)},
-                     .title = RowText(row[3]),
-                     .soundFile = RowText(row[5]),
-                     .cdjid = texts_.Keep(row[1]),
-                     .artist = texts_.Keep(row[4]),
-                     .number = MarkableNumber(NumberOf(row[2])),
-                     .minutes = NumberOf(row[6]),
-                     .seconds = NumberOf(row[7]),
-                     .added = DateOf(row[8])});
+        TrackRow& track =
+            tracks_.emplace_back(TrackRow{.place = static_cast<std::uint32_t>(tracks_.size()),
+                                          .key = key,
+                                          .id = TrackId{NumberOf(row[0]).value_or(0)},
+                                          .title = RowText(row[3]),
+                                          .soundFile = RowText(row[5]),
+                                          .cdjid = texts_.Keep(row[1]),
+                                          .artist = texts_.Keep(row[4]),
+                                          .number = MarkableNumber(NumberOf(row[2])),
+                                          .minutes = NumberOf(row[6]),
+                                          .seconds = NumberOf(row[7]),
+                                          .added = DateOf(row[8])});
         track.isOwn = AlbumOf(track) != nullptr;
         List(track);
     });

@@ -22,8 +22,8 @@ class RowText {
     bool IsNull() const { return isNull_; }
     bool IsEmpty() const { return text_.empty(); }
     const std::string& Text() const { return text_; }
-    operator const std::string&() const { return text_; }       // NOLINT: reads as a text
-    operator std::string_view() const { return text_; }         // NOLINT: likewise
+    operator const std::string&() const { return text_; }  // NOLINT: reads as a text
+    operator std::string_view() const { return text_; }    // NOLINT: likewise
     friend bool operator==(const RowText& row, std::string_view text) { return row.text_ == text; }
 
   private:

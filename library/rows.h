@@ -79,11 +79,11 @@ struct TrackRow {
     RowText title, soundFile;
     SharedText cdjid, artist;
     SharedText cdjidBefore = {};  ///< of the album that it was in when the run began; Null: this
-    MarkableNumber number;  ///< `Track`
-    RowNumber tagNumber = {};  ///< what the comparison of tags has found for it
+    MarkableNumber number;        ///< `Track`
+    RowNumber tagNumber = {};     ///< what the comparison of tags has found for it
     RowNumber minutes, seconds;
     std::optional<DateTime> added;  ///< `DateAdded`
-    bool isOwn = false;    ///< of an album of the tool's
+    bool isOwn = false;             ///< of an album of the tool's
     bool isNew = false, isGone = false;
 };
 

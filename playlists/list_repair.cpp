@@ -87,8 +87,8 @@ class Repairing {
     }
 
     /// The line at its song's present position.
-    std::string Followed(const std::string& line, const PlaFields& fields,
-                         const TrackRow& track, bool isTwin) {
+    std::string Followed(const std::string& line, const PlaFields& fields, const TrackRow& track,
+                         bool isTwin) {
         const std::string_view album = track.cdjid;
         const bool isElsewhere = !EqualIgnoringCase(fields.cdjid, album);
         // The line keeps its album: a list belongs to the albums it was made from. A song that has

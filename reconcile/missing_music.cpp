@@ -78,7 +78,8 @@ void TellWhatIsGone(Run& run, const MissingMusic& missing, bool albumsAreGone) {
     }
     for (const MissingMusic::Track& track : missing.tracks) {
         if (told.contains(track.album)) continue;
-        WriteLog(run, LogSource, "Track removed, its file was not found: " + track.row->soundFile.Text());
+        WriteLog(run, LogSource,
+                 "Track removed, its file was not found: " + track.row->soundFile.Text());
     }
 }
 
@@ -97,7 +98,8 @@ MissingMusic FindMissingMusic(Walk& walk) {
         doubts.Look(track.soundFile);
     }
     for (AlbumRow& album : walk.library.Albums()) {
-        if (album.isOwn && !album.isGone && album.count.Value() == 0) missing.albums.push_back(&album);
+        if (album.isOwn && !album.isGone && album.count.Value() == 0)
+            missing.albums.push_back(&album);
     }
     missing.planned.outOf = owned;
     missing.planned.doubt = doubts.Clause();

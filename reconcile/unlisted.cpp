@@ -92,7 +92,8 @@ class Keeping {
         std::map<std::string, TrackSet> unsettled;
         for (TrackRow& track : library_.Tracks()) {
             const AlbumRow* const album = track.isGone ? nullptr : library_.AlbumOf(track);
-            if (album == nullptr || !track.isOwn || (track.number.Value() != 0 && album->count.Value() != 0))
+            if (album == nullptr || !track.isOwn ||
+                (track.number.Value() != 0 && album->count.Value() != 0))
                 continue;
             const std::optional<std::size_t> folder = unlisted_.FolderOf(track.soundFile);
             if (!folder) continue;

@@ -8,9 +8,8 @@ namespace jet::engine {
 namespace {
 
 int Collate(void*, int leftSize, const void* left, int rightSize, const void* right) {
-    return CompareTexts(
-        {static_cast<const char*>(left), static_cast<std::size_t>(leftSize)},
-        {static_cast<const char*>(right), static_cast<std::size_t>(rightSize)});
+    return CompareTexts({static_cast<const char*>(left), static_cast<std::size_t>(leftSize)},
+                        {static_cast<const char*>(right), static_cast<std::size_t>(rightSize)});
 }
 
 }  // namespace

@@ -26,6 +26,9 @@ namespace jet::storage {
 namespace {
 
 constexpr std::chrono::seconds LongestWait{1};
+/// Where many rows change, each group writes most pages of the indexes anew: fewer groups, then.
+constexpr std::chrono::seconds LongestWaitOfMany{4};
+constexpr std::size_t ManyChangedPages = 100;
 /// 16 MB of changed pages are committed without waiting.
 constexpr std::size_t MostChangedPages = 4096;
 
@@ -87,7 +90,8 @@ class DatabaseFile::Implementation {
         const std::size_t waiting = pages_->ChangedPages();
         if (waiting == 0) return;
         const auto age = std::chrono::steady_clock::now() - pages_->OldestChange();
-        if (age > LongestWait || waiting >= MostChangedPages) pages_->Commit();
+        const auto longest = waiting < ManyChangedPages ? LongestWait : LongestWaitOfMany;
+        if (age > longest || waiting >= MostChangedPages) pages_->Commit();
     }
 
   private:

@@ -79,8 +79,9 @@ class DatabaseFile {
     /// Makes the changes so far durable. A change made by a Table call is never split.
     void Commit();
 
-    /// Commits when the oldest uncommitted change is more than a second old or many pages are
-    /// waiting. Cheap: callers call it after each change.
+    /// Commits when the oldest uncommitted change is more than a second old, some seconds while
+    /// rows change in great numbers, or many pages are waiting. Cheap: callers call it after each
+    /// change.
     void CommitIfDue();
 
     /// Forgets the changes since the last commit. Nothing but the end of this object may follow.

@@ -85,16 +85,21 @@ void RowPages::NoteRoom(PageNumber page, bool mayJoin) {
     const std::size_t room = DataPageView(*pages_.Read(page), page).RoomForNew();
     const auto known = roomOf_.find(page);
     if (known == roomOf_.end() && (!mayJoin || !owned_.Contains(page))) return;
-    if (known != roomOf_.end()) {
-        byRoom_.erase({known->second, page});
-        roomOf_.erase(known);
-        if (room < LeastUsefulRoom) free_.Remove(page);
-    } else if (room >= LeastUsefulRoom) {
+    if (known == roomOf_.end()) {
+        if (room < LeastUsefulRoom) return;
         free_.Add(page);
+        byRoom_.emplace(room, page);
+        roomOf_.emplace(page, room);
+        return;
     }
-    if (room < LeastUsefulRoom) return;
-    byRoom_.emplace(room, page);
-    roomOf_.emplace(page, room);
+    auto place = byRoom_.extract({known->second, page});
+    if (room < LeastUsefulRoom) {
+        free_.Remove(page);
+        roomOf_.erase(known);
+        return;
+    }
+    place.value().first = known->second = room;
+    byRoom_.insert(std::move(place));
 }
 
 /// The fullest page that fits, else a new one.

@@ -41,6 +41,10 @@ TableData::TableData(const Shape& shape, Pages& pages, UsageMaps& maps, Findings
         }
         all_.push_back(&column);
     }
+    std::size_t parts = 0;
+    for (const Index& index : shape.indexes)
+        parts += index.parts.size();
+    lastKeys_.resize(parts);
 }
 
 void TableData::Check(bool countIsExact) {
@@ -183,18 +187,36 @@ void TableData::CheckAutoNumber(const Column& column, std::span<const std::uint8
 }
 
 void TableData::AddWanted(RowId id, const RowView& row) {
+    auto last = lastKeys_.begin();
     for (std::size_t i = 0; i < shape_.indexes.size(); ++i) {
         const Index& index = shape_.indexes[i];
         WantedEntries& wanted = wanted_[i];
+        const auto lastOfIndex = last;
+        last += static_cast<std::ptrdiff_t>(index.parts.size());
         wanted.hasNull = wanted.hasNull || (index.required && AnyNull(shape_, index, row));
         if (index.ignoresNulls && AllNull(shape_, index, row)) continue;
         entry_.clear();
-        // A value that makes no sense was told of already. Its index will not agree.
-        for (const IndexPart& part : index.parts)
-            if (index.keysAreKnown) AppendKey(entry_, row, part);
+        for (std::size_t part = 0; part < index.parts.size() && index.keysAreKnown; ++part)
+            AppendWantedKey(row, index.parts[part], lastOfIndex[static_cast<std::ptrdiff_t>(part)]);
         storage::AppendRow(entry_, id);
         wanted.entries.Add(entry_);
     }
+}
+
+/// Rows that lie beside each other often have the same texts: artist, album.
+void TableData::AppendWantedKey(const RowView& row, const IndexPart& part, LastKey& last) {
+    const Column& column = shape_.columns[part.column];
+    const auto field = column.type == ColumnType::Text ? row.Field(column) : std::nullopt;
+    if (field && !last.key.empty() && std::ranges::equal(*field, last.field)) {
+        entry_.insert(entry_.end(), last.key.begin(), last.key.end());
+        return;
+    }
+    const auto start = static_cast<std::ptrdiff_t>(entry_.size());
+    // A value that makes no sense was told of already. Its index will not agree.
+    AppendKey(entry_, row, part);
+    if (!field) return;
+    last.field.assign(field->begin(), field->end());
+    last.key.assign(entry_.begin() + start, entry_.end());
 }
 
 bool TableData::AppendKey(Bytes& key, const RowView& row, const IndexPart& part) {

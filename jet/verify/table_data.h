@@ -65,6 +65,11 @@ class TableData {
     const std::string& Where() const { return where_; }
 
   private:
+    /// What the key of a text was made from, and where it came out.
+    struct LastKey {
+        Bytes field, key;
+    };
+
     void ClaimPages();
     void ClaimLongPages();
     void CheckPage(storage::PageNumber page);
@@ -75,6 +80,7 @@ class TableData {
     /// What is wrong with a column's bytes; empty where nothing is.
     std::string FaultOfField(const Column& column, std::span<const std::uint8_t> bytes);
     void AddWanted(storage::RowId id, const RowView& row);
+    void AppendWantedKey(const RowView& row, const IndexPart& part, LastKey& last);
     std::optional<Bytes> ReadLongValue(const Column& column, std::span<const std::uint8_t> field,
                                        std::string& fault);
     std::optional<RowBytes> LongRow(storage::RowId id, std::string& fault);
@@ -88,6 +94,7 @@ class TableData {
     std::vector<const Column*> varying_;  ///< of these, whose values must be looked at
     std::size_t fixedEnd_ = 0;            ///< where the values of the others end
     std::vector<WantedEntries> wanted_;   ///< by index
+    std::vector<LastKey> lastKeys_;       ///< of each part of each index
     Bytes entry_;                         ///< in the making
     std::vector<storage::PageNumber> owned_;
     std::vector<storage::RowId> rows_;

@@ -136,9 +136,8 @@ TEST_F(VerifyRealFilesTest, InAFolderThatMayNotBeWrittenKeepTheirNamesAndRows) {
 TEST_F(VerifyRealFilesTest, OfWhichOneShrinksAfterItWasReadGoOn) {
     AddFile("1.mp3", "Dusk");
     AddFile("2.mp3", "Noon");
-    library.Database().BeforeStatement("Flush", [this] {
-        fs::resize_file(library.Music("Alder/First Light/2.mp3"), 5);
-    });
+    library.Database().BeforeStatement(
+        "Flush", [this] { fs::resize_file(library.Music("Alder/First Light/2.mp3"), 5); });
     Reconcile();
     EXPECT_THAT(Names(), ElementsAre("Alder - Dusk.mp3", "Alder - Noon.mp3"));
     EXPECT_EQ(fs::file_size(library.Music("Alder/First Light/Alder - Noon.mp3")), 5U);

@@ -173,7 +173,7 @@ TEST_F(VerifyTagsTest, LogsFoldersThatCannotBeListedAndGoesOn) {
 
 TEST_F(VerifyTagsTest, LogsATableThatCannotBeOpened) {
     AddFile("Alder - Dawn.mp3", TagOf("x"));
-    library.Database().Refuse("OpenTable SpinnerID3Differences");
+    library.Database().Refuse("Scan SpinnerID3Differences");
     Verify();
     EXPECT_THAT(library.host.log, ElementsAre("Quillon: VerifyID3TagsFolder Line 1 refused"));
     EXPECT_THAT(library.calls.Of({"OpenBinary"}), IsEmpty());

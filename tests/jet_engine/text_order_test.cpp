@@ -61,9 +61,8 @@ TEST(TextOrder, IsZeroExactlyForTextsThatDifferInLetterCaseOnly) {
 
 TEST(TextOrder, SortsAsTheDatabaseDoes) {
     std::vector<std::string> names = {"_x", "co-op", "Coop", "COP", "10", "9", "", "\xC3\xA4", "b"};
-    std::sort(names.begin(), names.end(), [](const std::string& a, const std::string& b) {
-        return CompareTexts(a, b) < 0;
-    });
+    std::sort(names.begin(), names.end(),
+              [](const std::string& a, const std::string& b) { return CompareTexts(a, b) < 0; });
     const std::vector<std::string> expected = {"",  "_x",   "10",    "9",  "\xC3\xA4",
                                                "b", "Coop", "co-op", "COP"};
     EXPECT_EQ(names, expected);

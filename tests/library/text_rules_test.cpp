@@ -28,11 +28,10 @@ class TextRulesTest : public ::testing::Test {
     support::TestLibrary library;
     TextRules rules{*library.run.connection};
     const std::vector<std::string> texts{
-        "",          "a",         "A",         "Abcdefgh",  "aBCDEFGH", "ABCDEFGHI",
-        "abcdefgh!", "ABCDEFGH1", "[abcdefg]", "{abcdefg}", "@abcdefg", "`abcdefg",
-        "straße",    "STRASSE",   "STRAßE",    "Émile",     "éMILE",    "Emile",
-        "\u212Aelvin", "kelvin",  "Ёлка",      "ёЛКА",      "İstanbul", "istanbul",
-        "it's",      "IT'S",      "a\u0301",   "á"};
+        "",          "a",         "A",         "Abcdefgh", "aBCDEFGH",    "ABCDEFGHI", "abcdefgh!",
+        "ABCDEFGH1", "[abcdefg]", "{abcdefg}", "@abcdefg", "`abcdefg",    "straße",    "STRASSE",
+        "STRAßE",    "Émile",     "éMILE",     "Emile",    "\u212Aelvin", "kelvin",    "Ёлка",
+        "ёЛКА",      "İstanbul",  "istanbul",  "it's",     "IT'S",        "a\u0301",   "á"};
 };
 
 TEST_F(TextRulesTest, TellTextsApartAsStatementsDo) {

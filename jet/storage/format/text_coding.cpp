@@ -163,7 +163,14 @@ Bytes EncodeText(std::u16string_view text, bool mayCompress, bool isMemo) {
 }
 
 void AppendText(Bytes& bytes, std::string_view utf8, bool mayCompress, bool isMemo) {
-    if (mayCompress && AppendOneByteUnits(bytes, utf8, LongestCompressed(isMemo))) return;
+    const std::size_t longest = LongestCompressed(isMemo);
+    if (mayCompress && utf8.size() >= ShortestCompressed && utf8.size() <= longest &&
+        IsPlainAscii(utf8)) {
+        bytes.insert(bytes.end(), {0xFF, 0xFE});
+        bytes.insert(bytes.end(), utf8.begin(), utf8.end());
+        return;
+    }
+    if (mayCompress && AppendOneByteUnits(bytes, utf8, longest)) return;
     const Bytes encoded = EncodeText(ToUtf16(utf8), mayCompress, isMemo);
     bytes.insert(bytes.end(), encoded.begin(), encoded.end());
 }

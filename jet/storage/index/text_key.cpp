@@ -199,13 +199,13 @@ bool AppendPlainTextKey(Bytes& key, std::span<const std::uint8_t> text) {
         units = units.first(units.size() - 1);
     const std::size_t start = key.size();
     key.resize(start + units.size() + 2);
+    std::uint8_t* const letters = key.data() + start;
     bool plain = true;
     for (std::size_t i = 0; i < units.size(); ++i) {
-        const std::uint8_t letter = table.SimpleLetter(static_cast<char>(units[i]));
-        key[start + i] = letter;
-        plain = plain && letter != 0;
+        letters[i] = table.SimpleLetter(static_cast<char>(units[i]));
+        plain &= letters[i] != 0;
     }
-    key[start + units.size()] = SectionEnd;
+    letters[units.size()] = SectionEnd;
     if (!plain) key.resize(start);
     return plain;
 }
