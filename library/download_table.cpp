@@ -44,14 +44,22 @@ DownloadTable::DownloadTable(Connection& connection) : connection_(connection), 
 
 std::uint32_t DownloadTable::HashOfNames(std::string_view artist, std::string_view album,
                                          std::string_view song) const {
-    return rules_.Hash(song, rules_.Hash(album, rules_.Hash(artist)));
+    if (!last_.isKnown || last_.album != album || last_.artist != artist) {
+        last_ = {.artist = std::string(artist),
+                 .album = std::string(album),
+                 .hash = rules_.Hash(album, rules_.Hash(artist)),
+                 .isKnown = true};
+    }
+    return rules_.Hash(song, last_.hash);
 }
 
 /// Of songs with the same names, and of an artist's songs, the first one is all that is looked for.
 void DownloadTable::List(std::uint32_t place) {
     const SongRow& song = songs_[place];
     if (song.artist.IsNull()) return;
-    if (FirstOf(song.artist) == nullptr) firstByArtist_.Add(rules_.Hash(song.artist), place);
+    const bool isOfLast = place > 0 && songs_[place - 1].artist.IsSameAs(song.artist);
+    if (!isOfLast && FirstOf(song.artist) == nullptr)
+        firstByArtist_.Add(rules_.Hash(song.artist), place);
     if (HasAllNames(song) && Find(song.artist, song.album, song.song) == nullptr)
         byNames_.Add(HashOfNames(song.artist, song.album, song.song), place);
 }

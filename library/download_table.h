@@ -48,9 +48,17 @@ class DownloadTable {
     void List(std::uint32_t place);
     void Change(SongRow& song, const FieldValue& field);
 
+    /// The names that were hashed last: songs of one album mostly follow each other.
+    struct Hashed {
+        std::string artist, album;
+        std::uint32_t hash = 0;
+        bool isKnown = false;
+    };
+
     Connection& connection_;
     TextRules rules_;
     SharedTexts texts_;
+    mutable Hashed last_;
     std::deque<SongRow> songs_;
     RowIndex byNames_, firstByArtist_;
 };

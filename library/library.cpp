@@ -144,7 +144,12 @@ void Library::List(const AlbumRow& album) {
 
 void Library::List(const TrackRow& track) {
     tracksByFile_.Add(rules_.Hash(PathKey(track.soundFile)), track.place);
-    tracksByCdjid_.Add(rules_.Hash(track.cdjid), track.place);
+    // Tracks of one album mostly follow each other.
+    if (!lastListed_.IsSameAs(track.cdjid) || track.cdjid.IsNull()) {
+        lastListed_ = track.cdjid;
+        lastHash_ = rules_.Hash(track.cdjid);
+    }
+    tracksByCdjid_.Add(lastHash_, track.place);
     tracksById_.Add(HashOfId(track.id), track.place);
 }
 

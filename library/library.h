@@ -77,6 +77,8 @@ class Library {
     SharedTexts texts_;
     std::deque<AlbumRow> albums_;
     std::deque<TrackRow> tracks_;
+    SharedText lastListed_;  ///< a track's identifier, and its hash
+    std::uint32_t lastHash_ = 0;
     RowIndex albumsByName_, albumsByCdjid_, tracksByFile_, tracksByCdjid_, tracksById_;
 };
 

@@ -18,6 +18,8 @@ class SharedText {
     bool IsNull() const { return Kept().IsNull(); }
     bool IsEmpty() const { return Kept().IsEmpty(); }
     const std::string& Text() const { return Kept().Text(); }
+    /// Whether both are one spelling of the same SharedTexts; a look at no letter.
+    bool IsSameAs(const SharedText& other) const { return kept_ == other.kept_; }
     operator const std::string&() const { return Text(); }  // NOLINT: reads as a text
     operator std::string_view() const { return Text(); }    // NOLINT: likewise
     friend bool operator==(const SharedText& row, std::string_view text) {

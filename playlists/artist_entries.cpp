@@ -47,8 +47,14 @@ template <typename Row>
 class ByArtist {
   public:
     ByArtist(std::deque<Row>& rows, const TextRules& rules) : rows_(rows), rules_(rules) {
-        for (std::size_t i = rows.size(); i-- > 0;)
-            index_.Add(rules.Hash(rows[i].artist), static_cast<RowIndex::Row>(i));
+        std::uint32_t hash = 0;
+        for (std::size_t i = rows.size(); i-- > 0;) {
+            // Rows of one artist mostly follow each other.
+            const bool isSame =
+                i + 1 < rows.size() && rows[i + 1].artist.Text() == rows[i].artist.Text();
+            if (!isSame) hash = rules.Hash(rows[i].artist);
+            index_.Add(hash, static_cast<RowIndex::Row>(i));
+        }
     }
 
     template <typename Visit>

@@ -36,14 +36,18 @@ std::string MapAscii(std::string_view text, char (*map)(char)) {
     return mapped;
 }
 
-/// Applies `append` to each character; bytes that are none are copied.
+/// Applies `append` to each character beyond ASCII; bytes that are none are copied.
 template <typename Append>
-std::string MapCharacters(std::string_view text, const Append& append) {
+std::string MapCharacters(std::string_view text, char (*mapAscii)(char), const Append& append) {
     std::string mapped;
     mapped.reserve(text.size());
     const auto* at = reinterpret_cast<const utf8proc_uint8_t*>(text.data());
     const auto* const end = at + text.size();
     while (at < end) {
+        if (*at < 0x80) {
+            mapped.push_back(mapAscii(static_cast<char>(*at++)));
+            continue;
+        }
         utf8proc_int32_t character = 0;
         const utf8proc_ssize_t length = utf8proc_iterate(at, end - at, &character);
         if (length > 0) {
@@ -133,7 +137,7 @@ int CompareFolded(const std::string& left, const std::string& right) {
 
 std::string FoldCase(std::string_view text) {
     if (IsAscii(text)) return MapAscii(text, Lower);
-    return MapCharacters(text, AppendFolded);
+    return MapCharacters(text, Lower, AppendFolded);
 }
 
 int CompareTexts(std::string_view left, std::string_view right) {
@@ -158,14 +162,14 @@ namespace engine {
 
 std::string ToLower(std::string_view text) {
     if (IsAscii(text)) return MapAscii(text, Lower);
-    return MapCharacters(text, [](std::string& mapped, utf8proc_int32_t character) {
+    return MapCharacters(text, Lower, [](std::string& mapped, utf8proc_int32_t character) {
         AppendCharacter(mapped, utf8proc_tolower(character));
     });
 }
 
 std::string ToUpper(std::string_view text) {
     if (IsAscii(text)) return MapAscii(text, Upper);
-    return MapCharacters(text, [](std::string& mapped, utf8proc_int32_t character) {
+    return MapCharacters(text, Upper, [](std::string& mapped, utf8proc_int32_t character) {
         AppendCharacter(mapped, utf8proc_toupper(character));
     });
 }

@@ -8,7 +8,7 @@ from collections import Counter
 from pathlib import Path
 
 from library import temporary_folder
-from points import calls_in, place_of
+from points import READING_PARTS, calls_in, place_of
 from trial import Workshop, environment
 
 SYNCS = ("fsync", "fdatasync", "syncfs")
@@ -81,7 +81,7 @@ def a_library_that_has_not_changed_is_not_written_to(workshop, baseline, counts)
 def new_music_is_read_once(baseline, counts):
     calls = baseline.calls
     opened = Counter(call.path for call in songs(calls) if call.name.startswith("open"))
-    read = Counter(call.path for call in songs(calls) if "read" in call.name)
+    read = Counter(call.path for call in songs(calls) if call.name in READING_PARTS)
     counts.expect("new songs are there", True, len(opened) > 0)
     counts.expect("most openings of a new song", 1, max(opened.values(), default=0))
     counts.expect("most readings of a new song", 1, max(read.values(), default=0))
