@@ -1,17 +1,11 @@
 #include "library/download_table.h"
 
 #include <array>
-#include <variant>
 
 namespace quillon {
 namespace {
 
-constexpr std::string_view Table = "Spinner";
-
-bool IsTrue(const Value& value) {
-    if (const bool* const answer = std::get_if<bool>(&value)) return *answer;
-    return NumberOf(value).value_or(0) != 0;
-}
+constexpr std::string_view SpinnerTable = "Spinner";
 
 void Take(SongRow& song, const FieldValue& field, SharedTexts& texts) {
     if (field.name == "Artist") song.artist = texts.Keep(field.value);
@@ -30,7 +24,7 @@ bool HasAllNames(const SongRow& song) {
 DownloadTable::DownloadTable(Connection& connection) : connection_(connection), rules_(connection) {
     constexpr std::array<std::string_view, 6> Fields{"ID",   "Artist", "Album",
                                                      "Song", "Genre",  "Exclude"};
-    connection_.Scan(Table, Fields, [this](RowKey key, std::span<const Value> row) {
+    connection_.Scan(SpinnerTable, Fields, [this](RowKey key, std::span<const Value> row) {
         songs_.push_back({.key = key,
                           .id = SongId{NumberOf(row[0]).value_or(0)},
                           .artist = texts_.Keep(row[1]),
@@ -85,15 +79,15 @@ const SongRow* DownloadTable::FirstOf(std::string_view artist) const {
 }
 
 Value DownloadTable::Read(const SongRow& song, std::string_view field) const {
-    return connection_.Read(Table, song.key, field);
+    return connection_.Read(SpinnerTable, song.key, field);
 }
 
 SongId DownloadTable::NextId() const {
-    return SongId{connection_.NextNumber(Table)};
+    return SongId{connection_.NextNumber(SpinnerTable)};
 }
 
 SongRow& DownloadTable::Add(std::span<const FieldValue> fields) {
-    const AddedRow added = connection_.Insert(Table, fields);
+    const AddedRow added = connection_.Insert(SpinnerTable, fields);
     SongRow& song = songs_.emplace_back();
     song.key = added.key;
     song.id = SongId{added.number};
@@ -112,7 +106,7 @@ void DownloadTable::SetGenre(SongRow& song, const std::string& genre) {
 }
 
 void DownloadTable::Change(SongRow& song, const FieldValue& field) {
-    connection_.Update(Table, song.key, std::span(&field, 1));
+    connection_.Update(SpinnerTable, song.key, std::span(&field, 1));
     Take(song, field, texts_);
 }
 

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <string>
 #include <utility>
 #include <variant>
@@ -89,14 +88,6 @@ Row* First(Row* one, Row* other) {
 }
 
 }  // namespace
-
-RowNumber NumberOf(const Value& value) {
-    if (const auto* const number = std::get_if<std::int64_t>(&value))
-        return static_cast<std::int32_t>(*number);
-    if (const auto* const number = std::get_if<double>(&value))
-        return static_cast<std::int32_t>(std::lround(*number));
-    return std::nullopt;
-}
 
 Library::Library(Connection& connection) : connection_(connection), rules_(connection) {
     constexpr std::array<std::string_view, 7> AlbumFields{"ID",     "CDJID",  "Artist",   "Title",

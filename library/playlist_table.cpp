@@ -1,17 +1,11 @@
 #include "library/playlist_table.h"
 
 #include <array>
-#include <variant>
 
 namespace quillon {
 namespace {
 
-constexpr std::string_view Table = "Playlists";
-
-bool IsTrue(const Value& value) {
-    const bool* const answer = std::get_if<bool>(&value);
-    return answer != nullptr && *answer;
-}
+constexpr std::string_view PlaylistsTable = "Playlists";
 
 void Take(PlaylistRow& row, const FieldValue& field) {
     if (field.name == "FilePath") row.folder = RowText(field.value);
@@ -26,7 +20,7 @@ void Take(PlaylistRow& row, const FieldValue& field) {
 PlaylistTable::PlaylistTable(Connection& connection) : connection_(connection), rules_(connection) {
     constexpr std::array<std::string_view, 5> Fields{"FilePath", "Filename", "Type", "AutoGenre",
                                                      "AutoArtist"};
-    connection_.Scan(Table, Fields, [this](RowKey key, std::span<const Value> row) {
+    connection_.Scan(PlaylistsTable, Fields, [this](RowKey key, std::span<const Value> row) {
         rows_.push_back({.key = key,
                          .folder = RowText(row[0]),
                          .name = RowText(row[1]),
@@ -57,7 +51,7 @@ PlaylistRow* PlaylistTable::Find(std::string_view folder, std::string_view name)
 }
 
 void PlaylistTable::Add(std::span<const FieldValue> fields) {
-    const AddedRow added = connection_.Insert(Table, fields);
+    const AddedRow added = connection_.Insert(PlaylistsTable, fields);
     PlaylistRow& row = rows_.emplace_back();
     row.key = added.key;
     for (const FieldValue& field : fields)
@@ -66,7 +60,7 @@ void PlaylistTable::Add(std::span<const FieldValue> fields) {
 }
 
 void PlaylistTable::Change(PlaylistRow& row, const FieldValue& field) {
-    connection_.Update(Table, row.key, std::span(&field, 1));
+    connection_.Update(PlaylistsTable, row.key, std::span(&field, 1));
     Take(row, field);
 }
 

@@ -20,6 +20,9 @@ using RowNumber = std::optional<std::int32_t>;
 /// Nothing unless the value is a number.
 RowNumber NumberOf(const Value& value);
 
+/// Whether the value is a yes, or a number other than 0.
+bool IsTrue(const Value& value);
+
 /// A number of a row that a reconciliation sets aside until it has seen what the row stands for.
 /// That state is never written: what is marked keeps in the file what it had.
 class MarkableNumber {
