@@ -8,16 +8,17 @@
 namespace quillon {
 namespace {
 
-/// Eight characters at once.
+/// Eight bytes at once.
 using Block = std::uint64_t;
 constexpr std::size_t BlockSize = sizeof(Block);
-constexpr Block HighBits = 0x8080808080808080U;
 
 constexpr Block Repeated(unsigned char byte) {
     return Block{byte} * 0x0101010101010101U;
 }
 
-/// The next characters of a text, with zeros behind its end.
+constexpr Block HighBits = Repeated(0x80);
+
+/// The next bytes of a text, with zeros behind its end.
 Block Take(std::string_view& text) {
     Block block = 0;
     const std::size_t size = std::min(text.size(), BlockSize);
@@ -41,11 +42,33 @@ bool IsAscii(std::string_view text) {
     return (all & HighBits) == 0;
 }
 
-std::uint32_t HashFolded(std::string_view text, std::uint32_t seed) {
-    constexpr Block Odd = 0x9E3779B97F4A7C15U;
+/// Whether letters of the two cases differ in this one bit of a byte alone, as in ASCII and in the
+/// letters of Western Europe, or there are none, as in the scripts of East Asia. A character that
+/// is several without case is none of these.
+bool DiffersInCaseBitAlone(std::string_view text) {
+    constexpr unsigned char Western = 0xC3, SharpS = 0x9F;
+    for (std::size_t at = 0; at < text.size();) {
+        const auto first = static_cast<unsigned char>(text[at]);
+        const bool isEastern = (first >= 0xE3 && first <= 0xE9) || (first >= 0xEB && first <= 0xED);
+        if (first < 0x80) {
+            ++at;
+        } else if (first == Western && at + 1 < text.size() &&
+                   static_cast<unsigned char>(text[at + 1]) != SharpS) {
+            at += 2;
+        } else if (isEastern && at + 2 < text.size()) {
+            at += 3;
+        } else {
+            return false;
+        }
+    }
+    return true;
+}
+
+std::uint32_t HashWithoutCaseBit(std::string_view text, std::uint32_t seed) {
+    constexpr Block Odd = 0x9E3779B97F4A7C15U, CaseBits = Repeated(0x20);
     Block hash = (Block{seed} << 32U | text.size()) * Odd;
     while (!text.empty()) {
-        hash = (hash ^ Lower(Take(text))) * Odd;
+        hash = (hash ^ (Take(text) | CaseBits)) * Odd;
         hash ^= hash >> 29U;
     }
     return static_cast<std::uint32_t>(hash ^ hash >> 32U);
@@ -62,7 +85,8 @@ bool AreEqualInAscii(std::string_view left, std::string_view right) {
 }  // namespace
 
 std::uint32_t TextRules::Hash(std::string_view text, std::uint32_t seed) const {
-    return IsAscii(text) ? HashFolded(text, seed) : HashFolded(connection_.FoldText(text), seed);
+    return DiffersInCaseBitAlone(text) ? HashWithoutCaseBit(text, seed)
+                                       : HashWithoutCaseBit(connection_.FoldText(text), seed);
 }
 
 bool TextRules::AreEqual(std::string_view left, std::string_view right) const {

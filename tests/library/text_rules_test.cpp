@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "platform/basic_text.h"
+#include "platform/utf8.h"
 #include "tests/support/test_library.h"
 
 namespace quillon {
@@ -42,6 +43,23 @@ TEST_F(TextRulesTest, TellTextsApartAsStatementsDo) {
             EXPECT_TRUE(!areEqual || rules.Hash(one) == rules.Hash(other)) << one << ", " << other;
         }
     }
+}
+
+TEST_F(TextRulesTest, GiveEveryCharacterTheHashOfItsOtherCase) {
+    for (char32_t code = 1; code < 0x11000; ++code) {
+        if (code >= 0xD800 && code < 0xE000) continue;
+        std::string text("x");
+        AppendUtf8(text, code);
+        text += 'y';
+        const std::string folded = library.run.connection->FoldText(text);
+        ASSERT_EQ(rules.Hash(text), rules.Hash(folded)) << text;
+        ASSERT_EQ(rules.Hash(text), rules.Hash(UpperCase(text))) << text;
+    }
+}
+
+TEST_F(TextRulesTest, HashBytesThatAreNoTextToo) {
+    for (const char* const bytes : {"\xC3", "a\xE4", "a\xE4\xB8", "\x80", "\xFF\xFE"})
+        EXPECT_EQ(rules.Hash(bytes), rules.Hash(library.run.connection->FoldText(bytes))) << bytes;
 }
 
 TEST_F(TextRulesTest, KnowTheEndOfATextAsLikeDoes) {
