@@ -66,6 +66,7 @@ std::vector<std::string> NamesOf(const std::vector<SharedIdentifier>& shared) {
 
 std::vector<std::string> NamesOf(const std::vector<Fileless>& tracks) {
     std::vector<std::string> names;
+    names.reserve(tracks.size());
     for (const Fileless& fileless : tracks)
         names.push_back(fileless.name);
     return names;

@@ -37,9 +37,9 @@ void PopulateGenre(Run& run) {
         DownloadTable& table = run.TheDownloadTable();
         for (SongRow& row : table.Songs()) {
             if (!row.genre.IsNull() && !isAskedFor) continue;
-            std::string genre =
+            const std::string genre =
                 row.genre.IsNull() ? DeriveGenre(table, row, steps) : row.genre.Text();
-            if (isAskedFor) run.GenreDictionary.try_emplace(JoinedNames(row), std::move(genre));
+            if (isAskedFor) run.GenreDictionary.try_emplace(JoinedNames(row), genre);
         }
     });
 }

@@ -25,7 +25,7 @@ class Counted {
       public:
         using Inner = decltype(std::begin(std::declval<std::remove_reference_t<List>&>()));
 
-        Iterator(Run& run, Inner inner) : run_(&run), inner_(std::move(inner)) {}
+        Iterator(Run& run, const Inner& inner) : run_(&run), inner_(inner) {}
         decltype(auto) operator*() const { return *inner_; }
         Iterator& operator++() {
             ++inner_;

@@ -69,13 +69,10 @@ int Open(const std::string& local, int access) {
     return open(local.c_str(), access | O_CLOEXEC | O_NONBLOCK);
 }
 
-struct OpenedFile {
-    FileHandle handle;
-    std::uint64_t size;
-};
-
-/// Opens a file as it is written where it exists so, which is the rule, with no other call.
-OpenedFile OpenWithSize(PathResolver& resolver, const WindowsPath& path, int access = O_RDONLY) {
+/// Opens a file as it is written where it exists so, which is the rule, with no other call. With
+/// its size.
+std::pair<FileHandle, std::uint64_t> OpenWithSize(PathResolver& resolver, const WindowsPath& path,
+                                                  int access = O_RDONLY) {
     int descriptor = Open(resolver.Exact(path), access);
     if (descriptor < 0 && (errno == ENOENT || errno == ENOTDIR)) {
         descriptor = Open(resolver.Local(path), access);
@@ -89,7 +86,7 @@ OpenedFile OpenWithSize(PathResolver& resolver, const WindowsPath& path, int acc
 }
 
 FileHandle OpenFile(PathResolver& resolver, const WindowsPath& path, int access = O_RDONLY) {
-    return OpenWithSize(resolver, path, access).handle;
+    return OpenWithSize(resolver, path, access).first;
 }
 
 /// The parts of a path; nothing for a text that is no path.
@@ -383,8 +380,8 @@ std::unique_ptr<TextWriter> PortableFiles::CreateText(std::string_view path,
 }
 
 std::unique_ptr<BinaryReader> PortableFiles::OpenBinary(std::string_view path) {
-    OpenedFile file = OpenWithSize(resolver_, ParseWindowsPath(path));
-    return std::make_unique<PositionedReader>(std::move(file.handle), file.size);
+    auto [file, size] = OpenWithSize(resolver_, ParseWindowsPath(path));
+    return std::make_unique<PositionedReader>(std::move(file), size);
 }
 
 void PortableFiles::WriteEnd(std::string_view path, const FileEnd& seen, std::uint64_t position,

@@ -16,8 +16,8 @@ class SavingTest : public ::testing::Test {
     SavingTest() {
         for (const std::string artist : {"Ann", "Bob", "Cee"}) {
             library.AddFile(artist + R"(\One\a.mp3)");
-            library.AddAlbumRow("252E671073EC000" + std::to_string(++albums), artist, "One", 1);
-            library.AddTrackRow("252E671073EC000" + std::to_string(albums), 7,
+            library.AddAlbumRow("252E671073EC000" + std::to_string(++albums_), artist, "One", 1);
+            library.AddTrackRow("252E671073EC000" + std::to_string(albums_), 7,
                                 R"(D:\Music\)" + artist + R"(\One\a.mp3)", "a");
         }
         library.Execute("UPDATE Tracks SET Artist='Ann' WHERE ID=1");
@@ -43,7 +43,7 @@ class SavingTest : public ::testing::Test {
     std::map<std::string, std::size_t> written;  ///< tracks, by artist
 
   private:
-    int albums = 0;
+    int albums_ = 0;
 };
 
 TEST_F(SavingTest, HappensEveryFewSecondsOfALongWalk) {
