@@ -57,8 +57,11 @@ Usage HostFolder::Run(const Surroundings& surroundings, const std::string& view)
         RunToSuccess({program_, "run", "--host", Path().string(), "--view", view}, surroundings);
     std::vector<fs::path> left{Path() / "host.log"};
     for (const fs::directory_entry& entry : fs::directory_iterator(Path())) {
-        if (entry.path().filename().string().find("_Copy Dated_") != std::string::npos)
-            left.push_back(entry.path());
+        const bool isCopy =
+            entry.path().filename().string().find("_Copy Dated_") != std::string::npos;
+        // Folders stay: where thousands of files have just been deleted, some file systems take
+        // seconds to make as many new ones.
+        if (isCopy && entry.is_regular_file()) left.push_back(entry.path());
     }
     for (const fs::path& path : left)
         fs::remove_all(path);
