@@ -81,6 +81,18 @@ std::vector<Row*> InOrder(std::vector<Row*> rows) {
     return rows;
 }
 
+/// The wanted ones among the rows that an index has for a hash.
+template <typename Row, typename IsWanted>
+std::vector<Row*> RowsWith(const RowIndex& index, std::uint32_t hash, std::deque<Row>& rows,
+                           IsWanted isWanted) {
+    std::vector<Row*> found;
+    index.ForEach(hash, [&](RowIndex::Row place) {
+        Row& row = rows[place];
+        if (!row.isGone && isWanted(row)) found.push_back(&row);
+    });
+    return InOrder(std::move(found));
+}
+
 /// Of two rows that are wanted the one that comes first in the file.
 template <typename Row>
 Row* First(Row* one, Row* other) {
@@ -166,12 +178,8 @@ AlbumRow* Library::FindAlbum(std::string_view artist, std::string_view title) {
 }
 
 std::vector<AlbumRow*> Library::AlbumsNamed(std::string_view artist, std::string_view title) {
-    std::vector<AlbumRow*> albums;
-    albumsByName_.ForEach(HashOfNames(artist, title), [&](RowIndex::Row row) {
-        AlbumRow& album = albums_[row];
-        if (!album.isGone && HasNames(album, artist, title)) albums.push_back(&album);
-    });
-    return InOrder(std::move(albums));
+    return RowsWith(albumsByName_, HashOfNames(artist, title), albums_,
+                    [&](const AlbumRow& album) { return HasNames(album, artist, title); });
 }
 
 AlbumRow* Library::AlbumWith(std::string_view cdjid) {
@@ -182,13 +190,9 @@ AlbumRow* Library::AlbumWith(std::string_view cdjid) {
 }
 
 std::vector<AlbumRow*> Library::AlbumsWith(std::string_view cdjid) {
-    std::vector<AlbumRow*> albums;
-    albumsByCdjid_.ForEach(rules_.Hash(cdjid), [&](RowIndex::Row row) {
-        AlbumRow& album = albums_[row];
-        const bool isWanted = !album.isGone && !album.cdjid.IsNull();
-        if (isWanted && rules_.AreEqual(album.cdjid, cdjid)) albums.push_back(&album);
+    return RowsWith(albumsByCdjid_, rules_.Hash(cdjid), albums_, [&](const AlbumRow& album) {
+        return !album.cdjid.IsNull() && rules_.AreEqual(album.cdjid, cdjid);
     });
-    return InOrder(std::move(albums));
 }
 
 TrackRow* Library::FindTrack(std::string_view path) {
@@ -216,13 +220,9 @@ TrackRow* Library::FindTrack(TrackId id) {
 }
 
 std::vector<TrackRow*> Library::TracksOf(std::string_view cdjid) {
-    std::vector<TrackRow*> tracks;
-    tracksByCdjid_.ForEach(rules_.Hash(cdjid), [&](RowIndex::Row row) {
-        TrackRow& track = tracks_[row];
-        const bool isWanted = !track.isGone && !track.cdjid.IsNull();
-        if (isWanted && rules_.AreEqual(track.cdjid, cdjid)) tracks.push_back(&track);
+    return RowsWith(tracksByCdjid_, rules_.Hash(cdjid), tracks_, [&](const TrackRow& track) {
+        return !track.cdjid.IsNull() && rules_.AreEqual(track.cdjid, cdjid);
     });
-    return InOrder(std::move(tracks));
 }
 
 AlbumRow& Library::AddAlbum(std::span<const FieldValue> fields) {
