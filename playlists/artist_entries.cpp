@@ -7,6 +7,7 @@
 #include <deque>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "platform/basic_text.h"
@@ -32,8 +33,11 @@ bool IsVarious(std::string_view artist) {
 /// The artists of whom the first row has a genre, in the database's order.
 std::vector<GenreArtist> DownloadArtists(DownloadTable& table) {
     std::vector<GenreArtist> artists;
+    bool isNamelessKnown = false;
     for (const SongRow& song : table.Songs()) {
-        const bool isFirst = !song.artist.IsNull() && table.FirstOf(song.artist) == &song;
+        // Songs without an artist stand together for one whose name is empty.
+        const bool isFirst = song.artist.IsNull() ? !std::exchange(isNamelessKnown, true)
+                                                  : table.FirstOf(song.artist) == &song;
         if (isFirst && !song.genre.IsNull()) artists.push_back({song.artist, song.genre});
     }
     std::ranges::sort(artists, [&table](const GenreArtist& one, const GenreArtist& other) {

@@ -361,6 +361,15 @@ TEST_F(CreateTest, LeavesOutTracksOfNoAlbum) {
                             "the new playlists: 2 (the first is Ann - Two)"));
 }
 
+TEST_F(CreateTest, TakesSongsWithoutAnArtistForThoseOfAnEmptyName) {
+    library.Execute("INSERT INTO Spinner (Song, Genre) VALUES ('x', 'Folk')");
+    library.Execute("INSERT INTO Spinner (Song, Genre) VALUES ('y', 'Jazz')");
+    library.Execute("UPDATE Tracks SET Artist='' WHERE Title='One'");
+    Create();
+    EXPECT_THAT(Lists(), ElementsAre("Folk.pla"));
+    EXPECT_THAT(Lines("Folk.pla"), ElementsAre("A0 0"));
+}
+
 TEST_F(CreateTest, ReadsEachTableOnceForAllArtists) {
     AddSpinner("Ann", "One", "Folk");
     AddSpinner("Bob", "Four", "Folk");
