@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "platform/date_time.h"
+#include "platform/failure.h"
 
 namespace quillon {
 
@@ -85,6 +86,23 @@ class TextWriter {
     virtual bool CloseIf(const std::function<bool()>& isWanted) = 0;
 };
 
+/// Files that are written one after the other and take their names in groups, whole, so that the
+/// disk is waited for once a group and not for each file. What has no name yet when the object is
+/// destroyed leaves nothing behind.
+class TextBatch {
+  public:
+    /// Told of each file, in the order in which they were written, when it has its name, or why it
+    /// could not get it.
+    using Done = std::function<void(const Failure* failure)>;
+
+    virtual ~TextBatch() = default;
+    /// Writes a whole file; replaces the one of that name, if there is one. Failure: as of
+    /// CreateText() and its writer, and then the file is not among those told of.
+    virtual void Write(std::string_view path, std::string_view bytes) = 0;
+    /// Gives those that wait their names.
+    virtual void Close() = 0;
+};
+
 /// Bytes of a file, read from any position.
 class BinaryReader {
   public:
@@ -157,8 +175,9 @@ class Files {
     virtual std::unique_ptr<TextReader> OpenText(std::string_view path) = 0;
     /// Replaces the file of that name, if there is one, when the writer is closed.
     virtual std::unique_ptr<TextWriter> CreateText(std::string_view path) = 0;
-    /// The same for a file that is the program's own: a symbolic link of that name may have been
-    /// put there by anybody and is not followed. Failure: PermissionDenied for a link.
+    virtual std::unique_ptr<TextBatch> CreateTexts(TextBatch::Done done) = 0;
+    /// As CreateText(), for a file that is the program's own: a symbolic link of that name may have
+    /// been put there by anybody and is not followed. Failure: PermissionDenied for a link.
     virtual std::unique_ptr<TextWriter> CreateOwnText(std::string_view path) = 0;
     virtual std::unique_ptr<BinaryReader> OpenBinary(std::string_view path) = 0;
 

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <deque>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -31,8 +33,15 @@ namespace {
 class Threshold {
   public:
     explicit Threshold(Run& run) : least_(run.settings.ArtistThreshold) {
+        const TrackRow* last = nullptr;
+        std::int64_t* count = nullptr;
         for (const TrackRow& track : run.TheLibrary().Tracks()) {
-            if (!track.isGone) ++counts_[LowerCase(track.artist)];
+            if (track.isGone) continue;
+            // Tracks of one artist mostly follow each other.
+            if (last == nullptr || !last->artist.IsSameAs(track.artist))
+                count = &counts_[LowerCase(track.artist)];
+            last = &track;
+            ++*count;
         }
     }
 
@@ -107,6 +116,71 @@ bool PlanArtistsByAlbum(Run& run, GeneratedLists& lists) {
 /// More failures in a row come from a full disk, or a folder where nothing may be written.
 constexpr std::size_t MostFailures = 10;
 
+/// The files of one family's lists. Those that are not as they are to be are written in groups.
+class ListFiles {
+  public:
+    ListFiles(Run& run, Steps& steps, MadeLists& made)
+        : run_(run),
+          steps_(steps),
+          made_(made),
+          batch_(run.files.CreateTexts([this](const Failure* failure) { Done(failure); })) {}
+
+    /// Brings a file to these bytes. Failure: it cannot be read or written.
+    void Bring(const std::string& path, const std::string& bytes, const GeneratedList& list) {
+        if (HoldsJust(run_.files, path, bytes)) {
+            failures_ = 0;
+            return;
+        }
+        waiting_.push_back({&list, path});
+        batch_->Write(path, bytes);
+    }
+
+    void Failed(const GeneratedList& list) {
+        // Of what could not even be written nobody will be told.
+        if (!waiting_.empty() && waiting_.back().list == &list) waiting_.pop_back();
+        made_.Failed(list);
+        ++failures_;
+    }
+
+    /// Failure: too many have failed, one after the other.
+    void RequireSuccess() const {
+        if (failures_ < MostFailures) return;
+        steps_.Concerning({});
+        throw Failure::Described(
+            FailureNumber::PathFileAccess,
+            std::to_string(failures_) +
+                " lists in a row could not be made, so the others are not tried");
+    }
+
+    void Close() { batch_->Close(); }
+
+  private:
+    struct Waiting {
+        const GeneratedList* list;
+        std::string path;
+    };
+
+    void Done(const Failure* failure) {
+        const Waiting done = std::move(waiting_.front());
+        waiting_.pop_front();
+        if (failure == nullptr) {
+            ++run_.counts.playlistsWritten;
+            failures_ = 0;
+            return;
+        }
+        steps_.Concerning(done.path);
+        steps_.Try(0, [&] { throw Failure(*failure); });
+        Failed(*done.list);
+    }
+
+    Run& run_;
+    Steps& steps_;
+    MadeLists& made_;
+    std::deque<Waiting> waiting_;  ///< written and without its name as yet
+    std::size_t failures_ = 0;     ///< in a row
+    std::unique_ptr<TextBatch> batch_;
+};
+
 class Creation {
   public:
     Creation(Run& run, Steps& steps) : run_(run), steps_(steps) {}
@@ -165,24 +239,17 @@ class Creation {
     void MakeAll(std::string_view item, const GeneratedLists& lists) {
         run_.ShowItem(item);
         TellNameless(lists);
-        std::size_t failures = 0;  // in a row
+        ListFiles files(run_, steps_, made_);
         for (const GeneratedList& list : Counted(run_, lists.All())) {
             if (lists.Family() == GeneratedBy::Artist && list.name == list.stem)
                 run_.ShowItem("3. Create Artist Playlist - " + list.of);
             const std::string path =
                 run_.settings.PlayListPath + list.name + std::string(PlaExtension);
             steps_.Concerning(path);
-            const bool isMade = steps_.Try(0, [&] { Make(lists, list, path); });
-            if (!isMade) made_.Failed(list);
-            failures = isMade ? 0 : failures + 1;
-            if (failures == MostFailures) {
-                steps_.Concerning({});
-                throw Failure::Described(FailureNumber::PathFileAccess,
-                                         std::to_string(failures) +
-                                             " lists in a row could not be made, so the others "
-                                             "are not tried");
-            }
+            if (!steps_.Try(0, [&] { Make(lists, list, path, files); })) files.Failed(list);
+            files.RequireSuccess();
         }
+        files.Close();
         steps_.Concerning({});
         made_.Complete(lists.Family());
     }
@@ -197,7 +264,8 @@ class Creation {
         }
     }
 
-    void Make(const GeneratedLists& lists, const GeneratedList& list, const std::string& path) {
+    void Make(const GeneratedLists& lists, const GeneratedList& list, const std::string& path,
+              ListFiles& files) {
         RecordPlaylist(run_, list.name, lists.Family());
         if (last_.at(LowerCase(list.name)) != &list) {
             WriteLog(run_, LogSource,
@@ -205,7 +273,7 @@ class Creation {
                          ": another one of this run has the same name");
             return;
         }
-        if (WriteIfOther(run_.files, path, lists.Text(list))) ++run_.counts.playlistsWritten;
+        files.Bring(path, lists.Text(list), list);
     }
 
     Run& run_;

@@ -50,11 +50,14 @@ std::vector<std::string_view> LinesOf(std::string_view playlist) {
     return lines;
 }
 
+bool HoldsJust(Files& files, std::string_view path, std::string_view bytes) {
+    if (!files.FileExists(path)) return false;
+    const std::unique_ptr<BinaryReader> present = files.OpenBinary(path);
+    return present->Size() == bytes.size() && ReadAll(*present, path) == bytes;
+}
+
 bool WriteIfOther(Files& files, std::string_view path, std::string_view bytes) {
-    if (files.FileExists(path)) {
-        const std::unique_ptr<BinaryReader> present = files.OpenBinary(path);
-        if (present->Size() == bytes.size() && ReadAll(*present, path) == bytes) return false;
-    }
+    if (HoldsJust(files, path, bytes)) return false;
     const std::unique_ptr<TextWriter> file = files.CreateText(path);
     file->WriteBytes(bytes);
     file->Close();

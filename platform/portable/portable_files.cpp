@@ -19,6 +19,7 @@
 #include "platform/portable/streams.h"
 #include "platform/portable/system_failure.h"
 #include "platform/portable/temporary_entry.h"
+#include "platform/portable/text_batch.h"
 
 namespace quillon {
 namespace {
@@ -58,10 +59,6 @@ std::pair<WindowsPath, std::string> FolderAndName(const WindowsPath& path) {
     const std::size_t slash = path.rest.rfind('/');
     if (slash == std::string::npos) return {{path.root, ""}, path.rest};
     return {{path.root, path.rest.substr(0, slash)}, path.rest.substr(slash + 1)};
-}
-
-std::string Sibling(const std::string& localPath, std::string_view name) {
-    return FolderOf(localPath) + std::string(name);
 }
 
 int Open(const std::string& local, int access) {
@@ -240,9 +237,8 @@ void PortableFiles::CopyFolder(std::string_view from, std::string_view to) {
     if (target.rest.empty() || FactsOf(local))
         throw Failure(FailureNumber::FileAlreadyExists, target.Text());
     // A copy into the folder's own inside would never end.
-    if (IsInside(FolderOf(local), resolver_.Local(source))) {
+    if (IsInside(FolderOf(local), resolver_.Local(source)))
         throw Failure(FailureNumber::PermissionDenied, target.Text());
-    }
     RemoveLeftoversOnce(FolderOf(local));
     SafeFolder copy(local, target.Text());
     CopyInto(copy, source.Text(), "", target.Text());
@@ -325,7 +321,7 @@ void PortableFiles::MoveFile(std::string_view from, std::string_view to) {
     if (!FileExists(from)) throw Failure(FailureNumber::FileNotFound, source.Text());
     if (newPath == oldPath) {
         // The same file in the target's spelling: a change of letter case, or nothing at all.
-        newPath = Sibling(oldPath, FolderAndName(target).second);
+        newPath = FolderOf(oldPath) + FolderAndName(target).second;
         if (newPath != oldPath && rename(oldPath.c_str(), newPath.c_str()) != 0) {
             throw SystemFailure(errno, target.Text());
         }
@@ -362,21 +358,24 @@ std::unique_ptr<TextReader> PortableFiles::OpenText(std::string_view path) {
     return std::make_unique<AnsiTextReader>(OpenFile(resolver_, ParseWindowsPath(path)));
 }
 
-std::unique_ptr<TextWriter> PortableFiles::CreateText(std::string_view path) {
-    return CreateText(path, SafeFile::Existing::Replace);
-}
-
-std::unique_ptr<TextWriter> PortableFiles::CreateOwnText(std::string_view path) {
-    return CreateText(path, SafeFile::Existing::ReplaceOwn);
+std::string PortableFiles::LocalToWrite(const WindowsPath& path) {
+    std::string local = resolver_.Local(path);
+    RemoveLeftoversOnce(FolderOf(local));
+    return local;
 }
 
 std::unique_ptr<TextWriter> PortableFiles::CreateText(std::string_view path,
                                                       SafeFile::Existing existing) {
     const WindowsPath parsed = ParseWindowsPath(path);
-    const std::string local = resolver_.Local(parsed);
-    RemoveLeftoversOnce(FolderOf(local));
+    const std::string local = LocalToWrite(parsed);
     return std::make_unique<AnsiTextWriter>(local, parsed.Text(), existing,
                                             [this, local] { resolver_.Index().Added(local); });
+}
+
+std::unique_ptr<TextBatch> PortableFiles::CreateTexts(TextBatch::Done done) {
+    return std::make_unique<PortableTextBatch>(
+        [this](const WindowsPath& path) { return LocalToWrite(path); },
+        [this](const std::string& local) { resolver_.Index().Added(local); }, std::move(done));
 }
 
 std::unique_ptr<BinaryReader> PortableFiles::OpenBinary(std::string_view path) {

@@ -50,8 +50,13 @@ class PortableFiles : public Files {
     void MoveFile(std::string_view from, std::string_view to) override;
     void MoveFolder(std::string_view from, std::string_view to) override;
     std::unique_ptr<TextReader> OpenText(std::string_view path) override;
-    std::unique_ptr<TextWriter> CreateText(std::string_view path) override;
-    std::unique_ptr<TextWriter> CreateOwnText(std::string_view path) override;
+    std::unique_ptr<TextWriter> CreateText(std::string_view path) override {
+        return CreateText(path, SafeFile::Existing::Replace);
+    }
+    std::unique_ptr<TextWriter> CreateOwnText(std::string_view path) override {
+        return CreateText(path, SafeFile::Existing::ReplaceOwn);
+    }
+    std::unique_ptr<TextBatch> CreateTexts(TextBatch::Done done) override;
     std::unique_ptr<BinaryReader> OpenBinary(std::string_view path) override;
     void RemoveUnfinished(std::string_view folder) override;
     void WriteEnd(std::string_view path, const FileEnd& seen, std::uint64_t position,
@@ -61,6 +66,8 @@ class PortableFiles : public Files {
     /// Removes, before the first file is written into a folder (local path), the unfinished files
     /// that killed runs have left there.
     void RemoveLeftoversOnce(const std::string& folder);
+    /// The local path of a file that is going to be written.
+    std::string LocalToWrite(const WindowsPath& path);
     void CopyInto(SafeFolder& copy, const std::string& from, const std::string& inner,
                   const std::string& shown);
     std::unique_ptr<TextWriter> CreateText(std::string_view path, SafeFile::Existing existing);

@@ -26,11 +26,11 @@ std::string BehindLinks(const std::string& path) {
 }  // namespace
 
 SafeFile::SafeFile(const std::string& target, std::string_view shownPath, Existing existing,
-                   mode_t mode)
+                   mode_t mode, unsigned number)
     : target_(existing == Existing::Replace ? BehindLinks(target) : target),
       shownPath_(shownPath),
       existing_(existing),
-      draft_(Create(mode)) {}
+      draft_(Create(mode, number)) {}
 
 /// Refuses what must not be replaced.
 void SafeFile::RefuseOthers() const {
@@ -41,13 +41,13 @@ void SafeFile::RefuseOthers() const {
         throw NoFileFailure(facts.st_mode, shownPath_);
 }
 
-TemporaryEntry SafeFile::Create(mode_t mode) const {
+TemporaryEntry SafeFile::Create(mode_t mode, unsigned number) const {
     RefuseOthers();
     const std::optional<struct stat> old = FactsOf(target_);
     if (old && !S_ISREG(old->st_mode)) throw NoFileFailure(old->st_mode, shownPath_);
     if (old && faccessat(AT_FDCWD, target_.c_str(), W_OK, AT_EACCESS) != 0)
         throw SystemFailure(errno, shownPath_);
-    TemporaryEntry draft = MakeTemporaryFile(FolderOf(target_), shownPath_, mode);
+    TemporaryEntry draft = MakeTemporaryFile(FolderOf(target_), shownPath_, mode, number);
     if (old) {
         const int descriptor = draft.handle.Descriptor();
         // Only the super-user may give a file away; for everyone else it is theirs already.
@@ -62,21 +62,31 @@ SafeFile::~SafeFile() {
 }
 
 void SafeFile::Sync() {
+    if (isSynced_) return;
     if (fsync(draft_.handle.Descriptor()) != 0) throw SystemFailure(errno, shownPath_);
+    isSynced_ = true;
+}
+
+void SafeFile::SyncFileSystem() const {
+    if (syncfs(draft_.handle.Descriptor()) != 0) throw SystemFailure(errno, shownPath_);
 }
 
 void SafeFile::Commit() {
     Sync();
-    Rename();
-    committed_ = true;
-    SyncFolder(FolderOf(target_));
+    TakeName();
+    SyncFolder(Folder());
 }
 
-void SafeFile::Rename() const {
+std::string SafeFile::Folder() const {
+    return FolderOf(target_);
+}
+
+void SafeFile::TakeName() {
     const int error = existing_ == Existing::Refuse ? RenameToFreeName(draft_.path, target_)
                       : rename(draft_.path.c_str(), target_.c_str()) == 0 ? 0
                                                                           : errno;
     if (error != 0) throw SystemFailure(error, shownPath_);
+    committed_ = true;
 }
 
 }  // namespace quillon

@@ -24,18 +24,25 @@ class SafeFile {
     };
 
     /// `target` is the local path, `shownPath` the Windows path for failures. A replaced file's
-    /// owner and mode stay. `mode` is that of a new file, before the process's mask. Failure:
+    /// owner and mode stay. `mode` is that of a new file, before the process's mask; `number` as of
+    /// MakeTemporaryFile(). Failure:
     /// PathNotFound without the folder, PermissionDenied for anything of that name that is no file
     /// or write-protected, FileAlreadyExists.
     SafeFile(const std::string& target, std::string_view shownPath, Existing existing,
-             mode_t mode = 0666);
+             mode_t mode = 0666, unsigned number = 0);
     SafeFile(const SafeFile&) = delete;
     SafeFile& operator=(const SafeFile&) = delete;
     ~SafeFile();
 
-    void Write(std::string_view bytes) { draft_.handle.Write(bytes); }
+    void Write(std::string_view bytes) {
+        isSynced_ = false;
+        draft_.handle.Write(bytes);
+    }
     /// Writes all that is in another file.
-    void WriteFrom(const FileHandle& source) { draft_.handle.WriteFrom(source); }
+    void WriteFrom(const FileHandle& source) {
+        isSynced_ = false;
+        draft_.handle.WriteFrom(source);
+    }
     /// The modification time that the file is to have.
     void SetModified(const std::timespec& modified) { draft_.handle.SetModified(modified); }
     /// Waits until what was written is on the disk.
@@ -43,16 +50,22 @@ class SafeFile {
     /// Failure: DiskFull and the like; then the name still belongs to what it did before.
     void Commit();
 
+    /// The parts of Commit(), for files that are committed together: Sync() or SyncFileSystem()
+    /// for all of them, TakeName() for each, SyncFolder() of each folder.
+    void SyncFileSystem() const;
+    void TakeName();
+    /// Where the file is, a local path with the slash at its end.
+    std::string Folder() const;
+
   private:
-    TemporaryEntry Create(mode_t mode) const;
+    TemporaryEntry Create(mode_t mode, unsigned number) const;
     void RefuseOthers() const;
-    void Rename() const;
 
     std::string target_;
     std::string shownPath_;
     Existing existing_;
     TemporaryEntry draft_;
-    bool committed_ = false;
+    bool isSynced_ = false, committed_ = false;
 };
 
 }  // namespace quillon

@@ -35,10 +35,11 @@ int OpenNewFolder(const char* path) {
 
 /// `make(path)` gives the descriptor of a new entry, or -1 with errno set.
 template <typename Make>
-TemporaryEntry MakeEntry(const std::string& folder, std::string_view shownPath, Make make) {
+TemporaryEntry MakeEntry(const std::string& folder, std::string_view shownPath, unsigned number,
+                         Make make) {
     const std::string beginning =
         folder + std::string(NameBeginning) + std::to_string(getpid()) + '-';
-    for (unsigned number = 0;; ++number) {
+    for (;; ++number) {
         std::string path = beginning + std::to_string(number) + std::string(NameEnd);
         const int descriptor = make(path.c_str());
         if (descriptor < 0 && errno != EEXIST) throw SystemFailure(errno, shownPath);
@@ -60,15 +61,15 @@ bool IsAbandoned(int descriptor, const std::string& path) {
 
 }  // namespace
 
-TemporaryEntry MakeTemporaryFile(const std::string& folder, std::string_view shownPath,
-                                 mode_t mode) {
-    return MakeEntry(folder, shownPath, [mode](const char* path) {
+TemporaryEntry MakeTemporaryFile(const std::string& folder, std::string_view shownPath, mode_t mode,
+                                 unsigned number) {
+    return MakeEntry(folder, shownPath, number, [mode](const char* path) {
         return open(path, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
     });
 }
 
 TemporaryEntry MakeTemporaryFolder(const std::string& folder, std::string_view shownPath) {
-    return MakeEntry(folder, shownPath, OpenNewFolder);
+    return MakeEntry(folder, shownPath, 0, OpenNewFolder);
 }
 
 bool IsTemporaryName(std::string_view name) {

@@ -18,9 +18,10 @@ struct TemporaryEntry {
 };
 
 /// Makes an empty file, or a folder, with a free temporary name in a folder (local path, with the
-/// slash at its end). `shownPath` is the Windows path for failures.
-TemporaryEntry MakeTemporaryFile(const std::string& folder, std::string_view shownPath,
-                                 mode_t mode);
+/// slash at its end). `shownPath` is the Windows path for failures. Who makes many files at once
+/// gives each another `number`, so that they need not be tried for a free name.
+TemporaryEntry MakeTemporaryFile(const std::string& folder, std::string_view shownPath, mode_t mode,
+                                 unsigned number = 0);
 TemporaryEntry MakeTemporaryFolder(const std::string& folder, std::string_view shownPath);
 
 /// Whether a name is one of those.

@@ -298,6 +298,19 @@ TEST_F(CreateTest, CostsOneListThatCannotBeWritten) {
                             R"((D:\Lists\Jazz.pla))"));
 }
 
+TEST_F(CreateTest, CostsOneListThatCannotGetItsName) {
+    AddSpinner("Ann", "One", "Folk");
+    AddSpinner("Bob", "Four", "Jazz");
+    library.calls.Refuse(R"(Name D:\Lists\Jazz.pla)", FailureNumber::PermissionDenied,
+                         R"(D:\Lists\Jazz.pla)");
+    Create();
+    EXPECT_THAT(Lists(), ElementsAre("Ann.pla", "Bob.pla", "Folk.pla"));
+    EXPECT_EQ(library.run.counts.playlistsWritten, 3);
+    EXPECT_THAT(library.host.log,
+                ElementsAre("Quillon: Generate New Playlists Error: Line 0 Permission denied: "
+                            R"(D:\Lists\Jazz.pla)"));
+}
+
 /// As with a full disk, which would have a line for each of thousands.
 TEST_F(CreateTest, EndsBehindTenListsInARowThatCannotBeMade) {
     for (int i = 0; i < 12; ++i) {

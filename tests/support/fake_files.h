@@ -193,6 +193,10 @@ class FakeFiles : public Files {
         return CreateText(path);
     }
 
+    std::unique_ptr<TextBatch> CreateTexts(TextBatch::Done done) override {
+        return std::make_unique<Batch>(*this, std::move(done));
+    }
+
     std::unique_ptr<BinaryReader> OpenBinary(std::string_view path) override {
         calls_.Note("OpenBinary " + std::string(path));
         if (beforeOpenBinary) beforeOpenBinary(path);
@@ -261,6 +265,32 @@ class FakeFiles : public Files {
         FakeFiles& files_;
         std::string path_;
         std::string text_;
+    };
+
+    /// All files of a batch get their names when it is closed.
+    class Batch : public TextBatch {
+      public:
+        Batch(FakeFiles& files, Done done) : files_(files), done_(std::move(done)) {}
+        void Write(std::string_view path, std::string_view bytes) override {
+            files_.calls_.Note("CreateText " + std::string(path));
+            waiting_.emplace_back(path, bytes);
+        }
+        void Close() override {
+            for (const auto& [path, bytes] : std::exchange(waiting_, {})) {
+                try {
+                    files_.calls_.Note("Name " + path);
+                    files_.AddFile(path, bytes);
+                    done_(nullptr);
+                } catch (const Failure& failure) {
+                    done_(&failure);
+                }
+            }
+        }
+
+      private:
+        FakeFiles& files_;
+        Done done_;
+        std::vector<std::pair<std::string, std::string>> waiting_;
     };
 
     class Bytes : public BinaryReader {

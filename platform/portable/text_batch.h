@@ -1,0 +1,41 @@
+#pragma once
+
+#include <deque>
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "platform/files.h"
+#include "platform/portable/safe_file.h"
+#include "platform/portable/windows_path.h"
+
+namespace quillon {
+
+/// Writes files under temporary names. When so many wait that the process must not hold more open,
+/// or at the end, their file system is flushed once and they take their names.
+class PortableTextBatch : public TextBatch {
+  public:
+    /// `localOf` finds a file's local path and makes its folder ready; `added` is told the local
+    /// path of a file that has its name.
+    PortableTextBatch(std::function<std::string(const WindowsPath&)> localOf,
+                      std::function<void(const std::string&)> added, Done done);
+
+    void Write(std::string_view path, std::string_view bytes) override;
+    void Close() override;
+
+  private:
+    struct Waiting {
+        Waiting(const std::string& path, const WindowsPath& shown, unsigned number)
+            : local(path), file(path, shown.Text(), SafeFile::Existing::Replace, 0666, number) {}
+
+        std::string local;
+        SafeFile file;
+    };
+
+    std::function<std::string(const WindowsPath&)> localOf_;
+    std::function<void(const std::string&)> added_;
+    Done done_;
+    std::deque<Waiting> waiting_;
+};
+
+}  // namespace quillon
