@@ -25,9 +25,16 @@ std::optional<DateTime> DateOf(const Value& value) {
 /// Where the path begins in a stored one, in front of which something may stand: at the last drive
 /// or the last two backslashes. 0 where there is neither.
 std::size_t StartOfPath(std::string_view stored) {
-    const std::size_t drive = stored.rfind(":\\"), share = stored.rfind("\\\\");
-    const std::size_t ofDrive = drive == std::string_view::npos || drive == 0 ? 0 : drive - 1;
-    return std::max(ofDrive, share == std::string_view::npos ? 0 : share);
+    for (std::size_t end = stored.size(); end > 0;) {
+        // A search for two characters costs far more.
+        const std::size_t backslash = stored.substr(0, end).rfind('\\');
+        if (backslash == std::string_view::npos || backslash == 0) return 0;
+        const char before = stored[backslash - 1];
+        if (before == '\\') return backslash - 1;
+        if (before == ':' && backslash >= 2) return backslash - 2;
+        end = backslash;
+    }
+    return 0;
 }
 
 /// The part by which paths are looked up: stored ones that end in a path with a drive or share

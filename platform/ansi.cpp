@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "platform/ascii.h"
 #include "platform/utf8.h"
 
 namespace quillon {
@@ -51,9 +52,9 @@ std::string AnsiToUtf8(std::string_view bytes) {
 }
 
 std::string Utf8ToAnsi(std::string_view text) {
-    std::string bytes;
+    std::string bytes(text.substr(0, ascii::PrefixLength(text)));
     bytes.reserve(text.size());
-    for (std::size_t at = 0; at < text.size();) {
+    for (std::size_t at = bytes.size(); at < text.size();) {
         const Utf8Character character = DecodeUtf8(text, at);
         bytes += character.wellFormed ? ByteOf(character.code).value_or('?') : '?';
         at += character.length;
@@ -62,9 +63,9 @@ std::string Utf8ToAnsi(std::string_view text) {
 }
 
 std::optional<std::string> Utf8ToAnsiExactly(std::string_view text) {
-    std::string bytes;
+    std::string bytes(text.substr(0, ascii::PrefixLength(text)));
     bytes.reserve(text.size());
-    for (std::size_t at = 0; at < text.size();) {
+    for (std::size_t at = bytes.size(); at < text.size();) {
         const Utf8Character character = DecodeUtf8(text, at);
         const std::optional<char> byte = ByteOf(character.code);
         if (!character.wellFormed || !byte) return std::nullopt;
@@ -75,7 +76,7 @@ std::optional<std::string> Utf8ToAnsiExactly(std::string_view text) {
 }
 
 bool IsValidUtf8(std::string_view bytes) {
-    for (std::size_t at = 0; at < bytes.size();) {
+    for (std::size_t at = ascii::PrefixLength(bytes); at < bytes.size();) {
         const Utf8Character character = DecodeUtf8(bytes, at);
         if (!character.wellFormed) return false;
         at += character.length;
@@ -96,8 +97,8 @@ std::string ToValidUtf8(std::string_view bytes) {
 }
 
 std::size_t Utf16Length(std::string_view text) {
-    std::size_t units = 0;
-    for (std::size_t at = 0; at < text.size();) {
+    std::size_t units = ascii::PrefixLength(text);
+    for (std::size_t at = units; at < text.size();) {
         const Utf8Character character = DecodeUtf8(text, at);
         units += character.code > 0xFFFF ? 2 : 1;
         at += character.length;

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <utf8proc.h>
 
+#include "platform/ascii.h"
 #include "platform/utf8.h"
 
 namespace quillon {
@@ -60,20 +62,19 @@ char32_t Upper(char32_t code) {
     return code < CommonLetters::Count ? CommonLetters::Get().upper[code] : ComputedUpper(code);
 }
 
-char AsciiLower(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
-}
-
-char AsciiUpper(char c) {
-    return c >= 'a' && c <= 'z' ? static_cast<char>(c - ('a' - 'A')) : c;
-}
-
 /// Every character replaced; bytes that are none stay.
-template <char (*ChangeAscii)(char), char32_t (*Change)(char32_t)>
+template <ascii::Block (*ChangeBlock)(ascii::Block), char (*ChangeAscii)(char),
+          char32_t (*Change)(char32_t)>
 std::string ChangeEach(std::string_view text) {
     std::string result(text);
     std::size_t at = 0;
-    for (; at < text.size() && static_cast<unsigned char>(text[at]) < 0x80; ++at)
+    for (; at + ascii::BlockSize <= text.size(); at += ascii::BlockSize) {
+        const ascii::Block block = ascii::BlockAt(text.data() + at);
+        if ((block & ascii::HighBits) != 0) break;
+        const ascii::Block changed = ChangeBlock(block);
+        std::memcpy(result.data() + at, &changed, ascii::BlockSize);
+    }
+    for (; at < text.size() && ascii::IsAscii(text[at]); ++at)
         result[at] = ChangeAscii(text[at]);
     result.resize(at);
     while (at < text.size()) {
@@ -105,13 +106,20 @@ char32_t UnitOrder(char32_t code) {
 
 /// Below, at or above zero as left comes before, with or behind right, whatever their case.
 int CompareIgnoringCase(std::string_view left, std::string_view right) {
-    std::size_t l = 0;
-    std::size_t r = 0;
+    // Most characters of most names are the same, and ASCII.
+    std::size_t same = 0;
+    for (; same + ascii::BlockSize <= std::min(left.size(), right.size());
+         same += ascii::BlockSize) {
+        const ascii::Block l = ascii::BlockAt(left.data() + same);
+        const ascii::Block r = ascii::BlockAt(right.data() + same);
+        if (((l | r) & ascii::HighBits) != 0 || ascii::Upper(l) != ascii::Upper(r)) break;
+    }
+    std::size_t l = same;
+    std::size_t r = same;
     while (l < left.size() && r < right.size()) {
-        // Most characters of most names are the same; only characters below 0x80 are one byte.
-        if (left[l] == right[r] && static_cast<unsigned char>(left[l]) < 0x80) {
-            ++l;
-            ++r;
+        if (ascii::IsAscii(left[l]) && ascii::IsAscii(right[r])) {
+            const char leftLetter = ascii::Upper(left[l++]), rightLetter = ascii::Upper(right[r++]);
+            if (leftLetter != rightLetter) return leftLetter < rightLetter ? -1 : 1;
             continue;
         }
         const char32_t leftCode = NextUpper(left, l);
@@ -125,11 +133,11 @@ int CompareIgnoringCase(std::string_view left, std::string_view right) {
 }  // namespace
 
 std::string LowerCase(std::string_view text) {
-    return ChangeEach<AsciiLower, Lower>(text);
+    return ChangeEach<ascii::Lower, ascii::Lower, Lower>(text);
 }
 
 std::string UpperCase(std::string_view text) {
-    return ChangeEach<AsciiUpper, Upper>(text);
+    return ChangeEach<ascii::Upper, ascii::Upper, Upper>(text);
 }
 
 bool EqualIgnoringCase(std::string_view left, std::string_view right) {

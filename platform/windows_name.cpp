@@ -1,40 +1,33 @@
 #include "platform/windows_name.h"
 
+#include <algorithm>
+#include <array>
+
 #include "platform/ansi.h"
+#include "platform/ascii.h"
 
 namespace quillon {
 namespace {
 
 constexpr std::size_t LongestName = 255;  // UTF-16 units
 
-/// Whether a character can be in no name at all.
-bool IsRefused(char character) {
-    switch (character) {
-        case '<':
-        case '>':
-        case ':':
-        case '"':
-        case '/':
-        case '\\':
-        case '|':
-        case '?':
-        case '*':
-            return true;
-        default:
-            return static_cast<unsigned char>(character) < 0x20;
-    }
-}
+/// Whether a character, by its byte, can be in no name at all.
+constexpr std::array<bool, 256> IsRefused = [] {
+    std::array<bool, 256> refused{};
+    std::fill_n(refused.begin(), ' ', true);
+    for (const char character : std::string_view("<>:\"/\\|?*"))
+        refused.at(static_cast<unsigned char>(character)) = true;
+    return refused;
+}();
 
 }  // namespace
 
 bool IsWindowsName(std::string_view name) {
     if (name.empty() || name.back() == '.' || name.back() == ' ') return false;
-    bool isAscii = true;
     for (const char character : name) {
-        if (IsRefused(character)) return false;
-        isAscii = isAscii && static_cast<unsigned char>(character) < 0x80;
+        if (IsRefused[static_cast<unsigned char>(character)]) return false;
     }
-    if (isAscii) return name.size() <= LongestName;
+    if (ascii::IsAscii(name)) return name.size() <= LongestName;
     return IsValidUtf8(name) && Utf16Length(name) <= LongestName;
 }
 

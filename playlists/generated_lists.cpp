@@ -56,11 +56,10 @@ std::string GeneratedLists::Text(const GeneratedList& list) const {
     for (std::size_t at = list.begin; at < list.end; ++at) {
         const Line& line = lines_[at];
         const std::string_view cdjid = cdjids_.Text(line.cdjid);
-        text +=
-            Utf8ToAnsi(line.track == WholeAlbum ? PlaAlbumLine(cdjid) : PlaLine(cdjid, line.track));
+        text += line.track == WholeAlbum ? PlaAlbumLine(cdjid) : PlaLine(cdjid, line.track);
         text += PlaylistLineEnd;
     }
-    return text;
+    return Utf8ToAnsi(text);
 }
 
 }  // namespace quillon

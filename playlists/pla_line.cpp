@@ -31,7 +31,13 @@ std::optional<std::int32_t> WholeIndex(std::string_view index) {
 }
 
 std::string PlaLine(std::string_view cdjid, std::int64_t track) {
-    return std::string(cdjid) + ' ' + std::to_string(track - 1);
+    std::string line;
+    const std::string index = std::to_string(track - 1);
+    line.reserve(cdjid.size() + 1 + index.size());
+    line += cdjid;
+    line += ' ';
+    line += index;
+    return line;
 }
 
 std::string PlaAlbumLine(std::string_view cdjid) {

@@ -30,6 +30,7 @@ class TextPool {
   private:
     std::deque<std::string> texts_;                    ///< never moves what it holds
     std::unordered_map<std::string, Number> numbers_;  ///< by text in lower case
+    Number last_ = 0;                                  ///< the one that was added last
 };
 
 }  // namespace quillon

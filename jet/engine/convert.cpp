@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <limits>
+#include <utility>
 
 #include "jet/dialect/date_text.h"
 #include "jet/dialect/names.h"
@@ -106,8 +107,8 @@ Value ToDate(const ColumnDefinition& column, const Value& value) {
     return Date{days};
 }
 
-std::string FieldText(const ColumnDefinition& column, const Value& value) {
-    if (const auto* text = std::get_if<std::string>(&value)) return *text;
+std::string FieldText(const ColumnDefinition& column, Value&& value) {
+    if (auto* text = std::get_if<std::string>(&value)) return std::move(*text);
     if (const auto* integer = std::get_if<std::int64_t>(&value)) return std::to_string(*integer);
     if (const auto* truth = std::get_if<bool>(&value)) return *truth ? "True" : "False";
     if (const auto* date = std::get_if<Date>(&value)) return dialect::DateText(date->days);
@@ -122,8 +123,8 @@ bool IsAscii(const std::string& text) {
     return true;
 }
 
-Value ToText(const ColumnDefinition& column, const Value& value) {
-    std::string text = FieldText(column, value);
+Value ToText(const ColumnDefinition& column, Value&& value) {
+    std::string text = FieldText(column, std::move(value));
     std::size_t units = text.size();
     if (!IsAscii(text)) {
         // The storage keeps UTF-16: what comes back later must be what is seen now.
@@ -153,7 +154,7 @@ Value ToGuid(const ColumnDefinition& column, const Value& value) {
 
 }  // namespace
 
-Value ConvertToField(const ColumnDefinition& column, const Value& value) {
+Value ConvertToField(const ColumnDefinition& column, Value value) {
     if (IsNull(value)) {
         if (column.type == ColumnType::Boolean) return false;
         return value;
@@ -181,7 +182,7 @@ Value ConvertToField(const ColumnDefinition& column, const Value& value) {
             return ToBytes(column, value);
         case ColumnType::Text:
         case ColumnType::Memo:
-            return ToText(column, value);
+            return ToText(column, std::move(value));
         case ColumnType::Guid:
             return ToGuid(column, value);
         case ColumnType::Decimal:

@@ -90,6 +90,11 @@ std::string MirrorTable::UpdateSql(std::span<const std::size_t> columns) const {
 
 std::size_t MirrorTable::Column(std::string_view name) const {
     const std::vector<ColumnDefinition>& columns = definition_.columns;
+    // Who writes many rows names the fields as they are, and a look at the letters' case for each
+    // would take longer than the row.
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        if (columns[i].name == name) return i;
+    }
     for (std::size_t i = 0; i < columns.size(); ++i) {
         if (dialect::SameName(columns[i].name, name)) return i;
     }
@@ -253,7 +258,7 @@ void MirrorTable::RequireWritable() const {
 
 RowKey MirrorTable::Insert(storage::Row values, std::int64_t* number) {
     for (std::size_t i = 0; i < values.size(); ++i)
-        values[i] = ConvertToField(Definition().columns[i], values[i]);
+        values[i] = ConvertToField(Definition().columns[i], std::move(values[i]));
     const storage::Table::Inserted inserted = stored_->Insert(values);
     if (number != nullptr) *number = inserted.autoNumber.value_or(0);
     const RowKey key = inserted.row.AsInteger();

@@ -1,7 +1,7 @@
 #include "platform/portable/file_handle.h"
 
-#include <array>
 #include <cerrno>
+#include <memory>
 #include <unistd.h>
 
 #include "platform/portable/system_failure.h"
@@ -44,9 +44,11 @@ void FileHandle::WriteFrom(const FileHandle& source) const {
     // The kernel copies, where it can for these two files, without a way through this process.
     while (copy_file_range(source.descriptor_, &position, descriptor_, nullptr, AtATime, 0) > 0) {
     }
-    std::array<std::uint8_t, 65536> buffer{};
-    while (const std::size_t length = source.ReadAt(static_cast<std::uint64_t>(position), buffer)) {
-        Write({reinterpret_cast<const char*>(buffer.data()), length});
+    constexpr std::size_t BufferSize = 65536;
+    const auto buffer = std::make_unique_for_overwrite<std::uint8_t[]>(BufferSize);
+    while (const std::size_t length = source.ReadAt(static_cast<std::uint64_t>(position),
+                                                    std::span(buffer.get(), BufferSize))) {
+        Write({reinterpret_cast<const char*>(buffer.get()), length});
         position += static_cast<off_t>(length);
     }
 }

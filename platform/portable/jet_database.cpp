@@ -118,7 +118,7 @@ class JetConnection : public Connection {
             database_->Scan(table, fields,
                             [&](jet::Database::RowKey key, std::span<jet::Value> row) {
                                 for (std::size_t i = 0; i < row.size(); ++i)
-                                    values[i] = FromJet(std::move(row[i]), fields[i]);
+                                    ExchangeFromJet(row[i], fields[i], values[i]);
                                 visit(RowKey{key}, values);
                             });
         });

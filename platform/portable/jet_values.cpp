@@ -65,8 +65,14 @@ Value FromJet(const jet::Value& value, std::string_view field) {
     return std::visit(FromJetValue{field}, value);
 }
 
-Value FromJet(jet::Value&& value, std::string_view field) {
-    return std::visit(FromJetValue{field}, std::move(value));
+void ExchangeFromJet(jet::Value& value, std::string_view field, Value& into) {
+    auto* const text = std::get_if<std::string>(&value);
+    auto* const earlier = std::get_if<std::string>(&into);
+    if (text != nullptr && earlier != nullptr) {
+        text->swap(*earlier);
+    } else {
+        into = std::visit(FromJetValue{field}, std::move(value));
+    }
 }
 
 jet::Value ToJet(const Value& value) {

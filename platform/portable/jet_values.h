@@ -11,7 +11,9 @@ namespace quillon {
 /// double, a Guid becomes its text in braces. Failure: TypeMismatch for binary content, which the
 /// interface does not carry.
 Value FromJet(const jet::Value& value, std::string_view field);
-Value FromJet(jet::Value&& value, std::string_view field);
+/// The same for one of many values: what it leaves in the engine's one is good for the next text,
+/// so that not each takes memory anew.
+void ExchangeFromJet(jet::Value& value, std::string_view field, Value& into);
 
 /// And back; nothing is lost.
 jet::Value ToJet(const Value& value);

@@ -1,0 +1,91 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <string_view>
+
+/// Plain ASCII, which nearly all texts are made of, eight bytes at once.
+namespace quillon::ascii {
+
+using Block = std::uint64_t;
+constexpr std::size_t BlockSize = sizeof(Block);
+
+constexpr Block Repeated(unsigned char byte) {
+    return Block{byte} * 0x0101010101010101U;
+}
+
+/// Set in the bytes that are no ASCII.
+constexpr Block HighBits = Repeated(0x80);
+
+/// The eight bytes from there on.
+inline Block BlockAt(const char* bytes) {
+    Block block = 0;
+    std::memcpy(&block, bytes, BlockSize);
+    return block;
+}
+
+/// The next bytes of a text, which they leave, with zeros behind its end.
+inline Block TakeBlock(std::string_view& text) {
+    Block block = 0;
+    if (text.size() >= BlockSize) {
+        block = BlockAt(text.data());
+        text.remove_prefix(BlockSize);
+        return block;
+    }
+    std::memcpy(&block, text.data(), text.size());
+    text = {};
+    return block;
+}
+
+/// Set in the bytes that are letters of this case; bytes that are no ASCII are none.
+constexpr Block LettersFrom(Block block, char first, char last) {
+    const Block low = block & ~HighBits;
+    const Block atLeastFirst = low + Repeated(static_cast<unsigned char>(0x80 - first));
+    const Block beyondLast = low + Repeated(static_cast<unsigned char>(0x7F - last));
+    return (atLeastFirst ^ beyondLast) & ~block & HighBits;
+}
+
+/// Capitals made small, or small letters made capitals; other bytes stay.
+constexpr Block Lower(Block block) {
+    return block | LettersFrom(block, 'A', 'Z') >> 2U;
+}
+constexpr Block Upper(Block block) {
+    return block & ~(LettersFrom(block, 'a', 'z') >> 2U);
+}
+
+constexpr char Lower(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
+}
+constexpr char Upper(char c) {
+    return c >= 'a' && c <= 'z' ? static_cast<char>(c - ('a' - 'A')) : c;
+}
+
+constexpr bool IsAscii(char c) {
+    return static_cast<unsigned char>(c) < 0x80;
+}
+
+/// How many bytes stand before the first that is no ASCII.
+inline std::size_t PrefixLength(std::string_view text) {
+    std::size_t at = 0;
+    while (at + BlockSize <= text.size() && (BlockAt(text.data() + at) & HighBits) == 0)
+        at += BlockSize;
+    while (at < text.size() && IsAscii(text[at]))
+        ++at;
+    return at;
+}
+
+inline bool IsAscii(std::string_view text) {
+    return PrefixLength(text) == text.size();
+}
+
+/// Whether two ASCII texts are equal but for letter case.
+inline bool EqualIgnoringCase(std::string_view left, std::string_view right) {
+    if (left.size() != right.size()) return false;
+    while (!left.empty()) {
+        if (Lower(TakeBlock(left)) != Lower(TakeBlock(right))) return false;
+    }
+    return true;
+}
+
+}  // namespace quillon::ascii
