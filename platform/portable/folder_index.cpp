@@ -92,6 +92,12 @@ void FolderIndex::Added(const std::string& path) {
     if (ReadStamp(folder, found->second.stamp) != 0) listings_.erase(found);
 }
 
+void FolderIndex::MadeBeside(const std::string& path) {
+    const auto found = listings_.find(FolderAndName(path).first);
+    if (found == listings_.end()) return;
+    if (ReadStamp(found->first, found->second.stamp) != 0) listings_.erase(found);
+}
+
 void FolderIndex::Removed(const std::string& path) {
     std::erase_if(listings_, [below = path + '/', &path](const auto& listing) {
         return listing.first == path || listing.first.starts_with(below);

@@ -22,6 +22,8 @@ class FolderIndex {
     /// folder may stand for everything that was below it.
     void Added(const std::string& path);
     void Removed(const std::string& path);
+    /// It has made something beside this path that no look-up is to find.
+    void MadeBeside(const std::string& path);
 
   private:
     /// What changes when entries of a folder do.

@@ -374,8 +374,8 @@ std::unique_ptr<TextWriter> PortableFiles::CreateText(std::string_view path,
 
 std::unique_ptr<TextBatch> PortableFiles::CreateTexts(TextBatch::Done done) {
     return std::make_unique<PortableTextBatch>(
-        [this](const WindowsPath& path) { return LocalToWrite(path); },
-        [this](const std::string& local) { resolver_.Index().Added(local); }, std::move(done));
+        [this](const WindowsPath& path) { return LocalToWrite(path); }, resolver_.Index(),
+        std::move(done));
 }
 
 std::unique_ptr<BinaryReader> PortableFiles::OpenBinary(std::string_view path) {

@@ -27,13 +27,15 @@ std::optional<Failure> FailureOf(Work work) {
 }  // namespace
 
 PortableTextBatch::PortableTextBatch(std::function<std::string(const WindowsPath&)> localOf,
-                                     std::function<void(const std::string&)> added, Done done)
-    : localOf_(std::move(localOf)), added_(std::move(added)), done_(std::move(done)) {}
+                                     FolderIndex& index, Done done)
+    : localOf_(std::move(localOf)), index_(index), done_(std::move(done)) {}
 
 void PortableTextBatch::Write(std::string_view path, std::string_view bytes) {
     const WindowsPath parsed = ParseWindowsPath(path);
     const std::string local = localOf_(parsed);
     Waiting& waiting = waiting_.emplace_back(local, parsed, static_cast<unsigned>(waiting_.size()));
+    // Else the next look at the folder would read it anew.
+    index_.MadeBeside(local);
     const std::optional<Failure> failure = FailureOf([&] { waiting.file.Write(bytes); });
     if (failure) {
         waiting_.pop_back();
@@ -52,7 +54,7 @@ void PortableTextBatch::Close() {
     for (Waiting& waiting : waiting_) {
         std::optional<Failure> failure = folders.at(waiting.file.Folder());
         if (!failure) failure = FailureOf([&] { waiting.file.TakeName(); });
-        if (!failure) added_(waiting.local);
+        if (!failure) index_.Added(waiting.local);
         done_(failure ? &*failure : nullptr);
     }
     for (const auto& [folder, failure] : folders) {

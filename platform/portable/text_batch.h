@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "platform/files.h"
+#include "platform/portable/folder_index.h"
 #include "platform/portable/safe_file.h"
 #include "platform/portable/windows_path.h"
 
@@ -15,10 +16,10 @@ namespace quillon {
 /// or at the end, their file system is flushed once and they take their names.
 class PortableTextBatch : public TextBatch {
   public:
-    /// `localOf` finds a file's local path and makes its folder ready; `added` is told the local
-    /// path of a file that has its name.
-    PortableTextBatch(std::function<std::string(const WindowsPath&)> localOf,
-                      std::function<void(const std::string&)> added, Done done);
+    /// `localOf` finds a file's local path and makes its folder ready; the index, which must
+    /// outlive this object, is told of the files.
+    PortableTextBatch(std::function<std::string(const WindowsPath&)> localOf, FolderIndex& index,
+                      Done done);
 
     void Write(std::string_view path, std::string_view bytes) override;
     void Close() override;
@@ -33,7 +34,7 @@ class PortableTextBatch : public TextBatch {
     };
 
     std::function<std::string(const WindowsPath&)> localOf_;
-    std::function<void(const std::string&)> added_;
+    FolderIndex& index_;
     Done done_;
     std::deque<Waiting> waiting_;
 };
