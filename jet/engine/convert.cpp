@@ -10,7 +10,7 @@
 #include "jet/engine/guid_text.h"
 #include "jet/engine/number_text.h"
 #include "jet/error.h"
-#include "jet/storage/format/values.h"
+#include "jet/storage/format/utf16.h"
 
 namespace jet::engine {
 
@@ -128,9 +128,12 @@ Value ToText(const ColumnDefinition& column, Value&& value) {
     std::size_t units = text.size();
     if (!IsAscii(text)) {
         // The storage keeps UTF-16: what comes back later must be what is seen now.
-        const std::u16string wide = storage::ToUtf16(text);
-        units = wide.size();
-        text = storage::ToUtf8(wide);
+        storage::Utf8Writer kept;
+        kept.Reserve(text.size());
+        units = 0;
+        for (storage::Utf16Reader reader(text); !reader.AtEnd(); ++units)
+            kept.Append(reader.Next());
+        text = kept.Take();
     }
     if (column.type == ColumnType::Text && column.size > 0 && units > column.size)
         FailLength(column);
