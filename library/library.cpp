@@ -160,7 +160,14 @@ void Library::List(const TrackRow& track) {
         lastHash_ = rules_.Hash(track.cdjid);
     }
     tracksByCdjid_.Add(lastHash_, track.place);
-    tracksById_.Add(HashOfId(track.id), track.place);
+    if (areIdsListed_) tracksById_.Add(HashOfId(track.id), track.place);
+}
+
+/// Most runs ask for no track by its key.
+void Library::ListIds() {
+    if (std::exchange(areIdsListed_, true)) return;
+    for (const TrackRow& track : tracks_)
+        tracksById_.Add(HashOfId(track.id), track.place);
 }
 
 template <typename IsWanted>
@@ -218,6 +225,7 @@ TrackRow* Library::FindTrack(std::string_view path) {
 }
 
 TrackRow* Library::FindTrack(TrackId id) {
+    ListIds();
     TrackRow* first = nullptr;
     tracksById_.ForEach(HashOfId(id), [&](RowIndex::Row row) {
         TrackRow& track = tracks_[row];

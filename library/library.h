@@ -71,6 +71,7 @@ class Library {
     std::uint32_t HashOfNames(std::string_view artist, std::string_view title) const;
     void List(const AlbumRow& album);
     void List(const TrackRow& track);
+    void ListIds();
 
     Connection& connection_;
     TextRules rules_;
@@ -79,6 +80,7 @@ class Library {
     std::deque<TrackRow> tracks_;
     SharedText lastListed_;  ///< a track's identifier, and its hash
     std::uint32_t lastHash_ = 0;
+    bool areIdsListed_ = false;
     RowIndex albumsByName_, albumsByCdjid_, tracksByFile_, tracksByCdjid_, tracksById_;
 };
 
