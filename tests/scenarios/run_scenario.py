@@ -4,13 +4,12 @@
 import difflib
 import os
 import re
-import subprocess
 import sys
 from datetime import datetime
 from pathlib import Path
 
 import scenario_file
-from stage import NOBODY, Failed, Stage
+from stage import NOBODY, SANITIZED, Failed, Stage, output_of
 
 import sound_files
 
@@ -78,9 +77,8 @@ def set_the_scene(stage, run):
     for line in run.lines("before/rows"):
         stage.execute(line)
     if "before/commands" in run:
-        subprocess.run(["bash", "-euo", "pipefail", "-c", run.sections["before/commands"].text()],
-                       cwd=stage.work, check=True, stdin=subprocess.DEVNULL,
-                       env=dict(os.environ, QUILLON=str(stage.program)))
+        output_of(["bash", "-euo", "pipefail", "-c", run.sections["before/commands"].text()],
+                  stage.work, environment={"QUILLON": str(stage.program)})
 
 
 def shown(value):
@@ -219,7 +217,7 @@ def hand_over(stage):
 def state(stage, kind):
     """What must not change, by the words of "after/unchanged"."""
     if kind == "rows":
-        return stage.all_rows()
+        return None if SANITIZED else stage.all_rows()
     if kind == "database file":
         return stage.database.read_bytes() if stage.database.exists() else None
     return all_music(stage) if kind == "music" else contents_of(stage.web)
@@ -285,7 +283,7 @@ def confirm_outcome(stage, run, checks, before, told):
     checks.at("after/removed files", compare_removed, stage, run)
     checks.section("after/tags", compare_tags, stage)
     checks.section("after/contents", compare_contents, stage)
-    for table in run.tables():
+    for table in run.tables() if not SANITIZED else []:
         checks.section(f"after/rows of {table}", compare_table, stage, table)
     for kind, content in before.items():
         if state(stage, kind) != content:

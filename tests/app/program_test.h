@@ -1,9 +1,7 @@
 #pragma once
 
 #include <filesystem>
-#include <fstream>
 #include <gtest/gtest.h>
-#include <iterator>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -13,30 +11,21 @@
 
 namespace quillon {
 
-/// A folder of its own for each test, removed at its end.
-class TemporaryFolder : public testing::Test {
+/// Calls of the program and a folder for what they work on.
+class ProgramTest : public testing::Test {
   protected:
     std::filesystem::path Path(const std::string& name) const { return folder_ / name; }
-
     std::filesystem::path MakeFolder(const std::string& name) const {
-        std::filesystem::create_directories(folder_ / name);
-        return folder_ / name;
+        return folder_.MakeFolder(name);
     }
-
     void Write(const std::string& name, const std::string& text) const {
-        std::ofstream(folder_ / name, std::ios::binary) << text;
+        folder_.MakeFile(name, text);
     }
-
-    std::string Read(const std::string& name) const {
-        std::ifstream file(folder_ / name, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
-
-    const std::filesystem::path& Folder() const { return folder_; }
+    std::string Read(const std::string& name) const { return folder_.Content(name); }
+    const std::filesystem::path& Folder() const { return folder_.Path(); }
 
   private:
-    outside::TemporaryFolder made_;
-    std::filesystem::path folder_ = std::filesystem::canonical(made_.Path());
+    outside::TemporaryFolder folder_;
 };
 
 /// What a call of the program gave back.
