@@ -22,7 +22,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::size_t TagSize = 128;
-constexpr std::size_t AlbumsPerArtist = 4;
+constexpr std::size_t AlbumsEach = 4;
 constexpr std::size_t FrameSize = 104;
 constexpr std::time_t FirstTime = 1'500'000'000;
 constexpr unsigned TimeSpan = 200'000'000;
@@ -134,7 +134,7 @@ void MakeLibrary(const fs::path& root, std::size_t tracks, FileNames names,
     std::size_t made = 0;
     for (std::size_t artist = 1; made < tracks; ++artist) {
         const std::string artistName = fmt::format("{} {}", RandomName(random, 2), artist);
-        for (std::size_t album = 1; album <= AlbumsPerArtist && made < tracks; ++album) {
+        for (std::size_t album = 1; album <= AlbumsEach && made < tracks; ++album) {
             const std::string albumName = fmt::format("{} {}", RandomName(random, 3), album);
             const fs::path folder = root / artistName / albumName;
             fs::create_directories(folder);

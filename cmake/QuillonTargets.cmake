@@ -23,6 +23,15 @@ if(QUILLON_LIBFUZZER)
     target_compile_options(quillon_build_kind INTERFACE -fsanitize=fuzzer-no-link)
 endif()
 
+# How many files of a test program are compiled at once. Static analysis builds nothing and may take all
+# of them, as most of its time goes into the headers that they share.
+set(quillon_tests_at_once 8)
+if(QUILLON_ANALYSE)
+    set(CMAKE_UNITY_BUILD ON)
+    set(CMAKE_UNITY_BUILD_BATCH_SIZE 10)
+    set(quillon_tests_at_once 0)
+endif()
+
 # quillon_library(NAME SOURCES ... [USES ...] [PRIVATELY_USES ...])
 # A static library; USES are targets whose headers its own headers include.
 function(quillon_library name)
@@ -50,12 +59,35 @@ function(quillon_test name)
     # What is tested is optimised in the release build; tests only need to compile fast.
     target_compile_options(${name} PRIVATE -O0)
     # GoogleTest's templates are most of what a test file costs; several files share them.
-    set_target_properties(${name} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 8)
+    set_target_properties(${name} PROPERTIES
+        UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE ${quillon_tests_at_once})
     if(QUILLON_SANITIZE)
         # A process for each case would spend more time on starting than on its work.
         add_test(NAME ${name} COMMAND ${name})
         set_tests_properties(${name} PROPERTIES TIMEOUT 900)
     else()
         gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
+    endif()
+endfunction()
+
+# quillon_script_test(NAME SCRIPT [ARGUMENTS ...] [TIMEOUT SECONDS] [COST N] [RELEASE_ONLY])
+# A test written in Python. COST says which are long: they begin first, so that the others run beside
+# them. RELEASE_ONLY: nothing of ours runs in it that another test does not run under the sanitizers.
+function(quillon_script_test name script)
+    cmake_parse_arguments(ARG "RELEASE_ONLY" "TIMEOUT;COST" "ARGUMENTS" ${ARGN})
+    if(ARG_RELEASE_ONLY AND QUILLON_SANITIZE)
+        return()
+    endif()
+    add_test(NAME ${name}
+        COMMAND ${QUILLON_PYTHON} ${CMAKE_CURRENT_SOURCE_DIR}/${script} ${ARG_ARGUMENTS})
+    if(NOT ARG_TIMEOUT)
+        set(ARG_TIMEOUT 600)
+    endif()
+    set_tests_properties(${name} PROPERTIES TIMEOUT ${ARG_TIMEOUT})
+    if(ARG_COST)
+        set_tests_properties(${name} PROPERTIES COST ${ARG_COST})
+    endif()
+    if(QUILLON_SANITIZE)
+        set_tests_properties(${name} PROPERTIES ENVIRONMENT QUILLON_SANITIZED=1)
     endif()
 endfunction()

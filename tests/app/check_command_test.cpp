@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/app/check_fixture.h"
-#include "tests/platform/child_process.h"
+#include "tests/outside/child_process.h"
 
 namespace quillon {
 namespace {
@@ -116,7 +116,7 @@ TEST_F(CheckCommand, KnowsWhatTheAccountMayNotWrite) {
                             (geteuid() == 0 ? fs::perms::none : fs::perms::owner_write),
                         fs::perm_options::remove);
     }
-    const std::string problems = AsOrdinaryUser([this] { return Problems(); });
+    const std::string problems = outside::AsOrdinaryUser([this] { return Problems(); });
     EXPECT_TRUE(Has(problems, "host.log cannot be written by this account")) << problems;
     EXPECT_TRUE(Has(problems, "jukebox.mdb is read-only for this account")) << problems;
     EXPECT_TRUE(Has(problems, "folder " + Path("shelf").string() + " is read-only")) << problems;
@@ -128,10 +128,10 @@ TEST_F(CheckCommand, KnowsWhatTheAccountMayNotWrite) {
     Set("PlaylistsOnly", "1");
     fs::permissions(Path("shelf/Playlists"), fs::perms::owner_read | fs::perms::owner_exec |
                                                  fs::perms::others_read | fs::perms::others_exec);
-    const std::string playlists = AsOrdinaryUser([this] { return Problems(); });
+    const std::string playlists = outside::AsOrdinaryUser([this] { return Problems(); });
     EXPECT_TRUE(Has(playlists, "Folder PlayListPath (H:\\Playlists\\) cannot be written"))
         << playlists;
-    EXPECT_TRUE(Has(AsOrdinaryUser([this] { return Section(Check().out, "Folders"); }),
+    EXPECT_TRUE(Has(outside::AsOrdinaryUser([this] { return Section(Check().out, "Folders"); }),
                     "PlayListPath      read-only"));
 }
 

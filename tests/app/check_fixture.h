@@ -4,12 +4,12 @@
 #include <string_view>
 #include <vector>
 
-#include "tests/app/temporary_folder.h"
+#include "tests/app/program_test.h"
 
 namespace quillon {
 
 /// A host folder as `init` makes it, to be spoiled and checked.
-class CheckFixture : public TemporaryFolder {
+class CheckFixture : public ProgramTest {
   protected:
     CheckFixture() {
         MakeFolder("Music/Alder/First Light");

@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/app/check_fixture.h"
-#include "tests/platform/child_process.h"
+#include "tests/outside/child_process.h"
 
 namespace quillon {
 namespace {
@@ -71,7 +71,7 @@ TEST_F(CheckFolders, AListOfLibraryFoldersThatCannotBeReadStopsEveryRun) {
     Write("Music/more.txt", "D:\\Elsewhere\r\n");
     fs::permissions(Folder(), fs::perms::others_all, fs::perm_options::add);
     fs::permissions(Path("Music/more.txt"), fs::perms::none);
-    const std::string problems = AsOrdinaryUser([this] { return Problems(); });
+    const std::string problems = outside::AsOrdinaryUser([this] { return Problems(); });
     EXPECT_TRUE(Has(problems, "The library folders cannot be found out")) << problems;
     EXPECT_TRUE(Has(problems, "D:\\Music\\more.txt")) << problems;
 }

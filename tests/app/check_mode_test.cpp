@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/app/check_fixture.h"
+#include "tests/outside/child_process.h"
 
 namespace quillon {
 namespace {
@@ -124,7 +125,7 @@ TEST_F(CheckMode, NamesWhatCannotBeReadAndSoNotBackedUp) {
     fs::permissions(Path("shelf/Playlists/Sub"), fs::perms::all);
     Write("shelf/Playlists/Sub/Closed.pla", "x");
     fs::permissions(Path("shelf/Playlists/Sub/Closed.pla"), fs::perms::none);
-    const std::string problems = AsOrdinaryUser([this] { return Problems(); });
+    const std::string problems = outside::AsOrdinaryUser([this] { return Problems(); });
     EXPECT_EQ(problems, "  - " + Path("shelf/Playlists/Sub/Closed.pla").string() +
                             " cannot be read by this account, so it cannot be backed up, and no "
                             "run starts without that. Give it the right to.");

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <gtest/gtest.h>
 #include <iostream>
 #include <map>
@@ -10,7 +11,7 @@
 #include "app/database_needs.h"
 #include "jet/check.h"
 #include "jet/storage/database_file.h"
-#include "tests/app/temporary_folder.h"
+#include "tests/app/program_test.h"
 #include "tests/outside/command.h"
 #include "tests/outside/mutants.h"
 #include "tests/support/sound_file.h"
@@ -28,7 +29,7 @@ std::uint32_t MutantCount(std::uint32_t usual) {
     return wanted == nullptr ? usual : static_cast<std::uint32_t>(std::stoul(wanted));
 }
 
-class DamagedDatabase : public TemporaryFolder {
+class DamagedDatabase : public ProgramTest {
   protected:
     DamagedDatabase() {
         for (const char* const album : {"Abba/Arrival", "Abba/Gold", "Blur/Blur", "Cream/Wheels"}) {

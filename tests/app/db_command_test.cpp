@@ -4,12 +4,12 @@
 
 #include "jet/database.h"
 #include "tests/app/pending_journal.h"
-#include "tests/app/temporary_folder.h"
+#include "tests/app/program_test.h"
 
 namespace quillon {
 namespace {
 
-class DbCommand : public TemporaryFolder {
+class DbCommand : public ProgramTest {
   protected:
     std::string File() const { return Path("cdj.mdb").string(); }
     ProgramResult Db(const std::string& action, const std::vector<std::string>& more = {}) const {

@@ -4,14 +4,14 @@
 
 #include "app/jukebox_database.h"
 #include "jet/database.h"
-#include "tests/app/temporary_folder.h"
+#include "tests/app/program_test.h"
 
 namespace quillon {
 namespace {
 
 namespace fs = std::filesystem;
 
-class InitCommand : public TemporaryFolder {
+class InitCommand : public ProgramTest {
   protected:
     ProgramResult Init(const std::vector<std::string>& more) const {
         std::vector<std::string> words{"init", Path("shelf").string()};

@@ -9,7 +9,7 @@
 #include "app/genre_names.h"
 #include "jet/check.h"
 #include "jet/database.h"
-#include "tests/app/temporary_folder.h"
+#include "tests/app/program_test.h"
 #include "tests/outside/shared_folder.h"
 
 namespace quillon {
@@ -32,7 +32,7 @@ std::string IndexText(const TableDefinition& table, const jet::IndexDefinition& 
     return text;
 }
 
-using JukeboxDatabase = TemporaryFolder;
+using JukeboxDatabase = ProgramTest;
 
 TEST_F(JukeboxDatabase, IsWholeAndHasTheSevenTables) {
     CreateJukeboxDatabase(Path("new.mdb"));

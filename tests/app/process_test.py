@@ -6,29 +6,28 @@ import os
 import re
 import resource
 import signal
-import subprocess
 import sys
 import tempfile
 import time
 from pathlib import Path
 
+sys.dont_write_bytecode = True
+sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "outside"))
+
+import processes
+from processes import Failed, start, told_by
+
 PROGRAM = sys.argv[1]
 TIME_LIMIT = 120
 
 
-class Failed(Exception):
-    """What was expected did not come true; the text says what."""
-
-
 def call(*arguments, **options):
-    return subprocess.run([PROGRAM, *arguments], capture_output=True, text=True, check=False,
-                          timeout=TIME_LIMIT, **options)
+    return processes.call([PROGRAM, *arguments], **options)
 
 
 def shell(command, **variables):
     """Runs a shell command in which "$Q" is the program."""
-    return subprocess.run(["sh", "-c", command], capture_output=True, text=True, check=False,
-                          timeout=TIME_LIMIT, env=dict(os.environ, Q=PROGRAM, **variables))
+    return processes.call(["sh", "-c", command], environment=dict(Q=PROGRAM, **variables))
 
 
 def expect(what, expected, actual):
@@ -86,8 +85,7 @@ def a_reader_that_does_not_read_holds_no_run_back(work):
     except BlockingIOError:
         pass
     os.set_blocking(writer, True)
-    done = subprocess.run([PROGRAM, "run", "--host", host, "--view", "plain"], check=False,
-                          stdin=subprocess.DEVNULL, stdout=writer, timeout=TIME_LIMIT)
+    done = call("run", "--host", host, "--view", "plain", stdout=writer)
     expect("status of the run", 0, done.returncode)
     expect("the pipe of others still waits for its reader", True, os.get_blocking(writer))
     os.close(writer)
@@ -240,25 +238,23 @@ def the_host_folder_is_found(work):
 
 def auto_writes_plain_lines_into_a_pipe(work):
     host = host_folder(work)
-    done = call("run", "--host", host, stdin=subprocess.DEVNULL)
+    done = call("run", "--host", host)
     expect("phases", True, "\n4. Add Folder Tracks to Library\n" in done.stdout)
     expect("no escape sequences", False, "\x1b" in done.stdout)
     summary = done.stdout.splitlines()[-1]
     expect("summary", True, "Albums: 1 added" in summary and "Tracks: 5 added" in summary)
-    done = call("run", "--host", host, "--view", "terminal", stdin=subprocess.DEVNULL)
+    done = call("run", "--host", host, "--view", "terminal")
     expect("status without a terminal", 2, done.returncode)
 
 
 def signalled(host, signals, before=()):
     """A run that gets these signals as soon as its first line is there; its exit status."""
-    run = subprocess.Popen([*before, PROGRAM, "run", "--host", host, "--view", "plain"],
-                           stdin=subprocess.DEVNULL, stdout=subprocess.PIPE)
+    run = start([*before, PROGRAM, "run", "--host", host, "--view", "plain"])
     run.stdout.readline()
     for number in signals:
         run.send_signal(number)
         time.sleep(0.002)
-    run.communicate(timeout=TIME_LIMIT)
-    return run.returncode
+    return told_by(run).returncode
 
 
 def signals_abort_and_a_second_one_ends_at_once(work):
@@ -287,12 +283,11 @@ def signals_end_a_statement_that_changed_nothing(work):
                   ["exec", str(database), "UPDATE Tracks SET Title='x' WHERE EXISTS "
                                           f"(SELECT a.ID FROM {each_meets_each})"]):
         for number in (signal.SIGINT, signal.SIGTERM):
-            program = subprocess.Popen([PROGRAM, "db", *words], stdout=subprocess.PIPE,
-                                       stderr=subprocess.PIPE, text=True)
+            program = start([PROGRAM, "db", *words])
             wait_until_it_listens(program)
             program.send_signal(number)
-            out, err = program.communicate(timeout=TIME_LIMIT)
-            expect(f"status of {words[0]}", 3, program.returncode)
+            status, out, err = told_by(program)
+            expect(f"status of {words[0]}", 3, status)
             expect("output", "", out)
             expect("the reason", "quillon: The statement was interrupted; it changed nothing\n", err)
             expect("bytes of the database", True, database.read_bytes() == before)

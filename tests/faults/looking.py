@@ -4,7 +4,6 @@ name, sound files by what is to be heard."""
 import hashlib
 import os
 import re
-import subprocess
 from collections import OrderedDict
 from pathlib import Path
 
@@ -12,7 +11,9 @@ from library import TAG_SIZE, song_in, without_tag
 
 import song_lists
 import sound_files
-from stage import CHECKER, exported
+import readers
+from processes import call
+from readers import exported
 
 TABLES = ("Albums", "Tracks", "Spinner", "SpinnerArtist", "Playlists", "SpinnerID3Differences")
 # What the household has told the database, and what only the jukebox software knows.
@@ -59,13 +60,9 @@ def tables_of(database):
 @Remembered
 def faults_of(database, program):
     """What the program and, where it is at hand, the structural checker say against a file."""
-    checkers = [[program, "db", "check"]] + ([[CHECKER]] if CHECKER.exists() else [])
-    told = ""
-    for checker in checkers:
-        result = subprocess.run([*checker, database], capture_output=True, text=True, check=False)
-        if result.returncode != 0:
-            told += f"{' '.join(map(str, checker))}: {result.stdout}{result.stderr}"
-    return told
+    status, output, errors = call([program, "db", "check", database])
+    told = f"quillon db check: {output}{errors}" if status != 0 else ""
+    return told + (readers.faults_of(database) if readers.checker_at_hand() else "")
 
 
 def is_backup(path):

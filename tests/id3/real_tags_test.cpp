@@ -7,11 +7,10 @@
 #include <iterator>
 #include <string>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <thread>
-#include <unistd.h>
 
 #include "id3/write_id3.h"
+#include "tests/outside/child_process.h"
 #include "tests/support/real_library.h"
 #include "tests/support/sound_file.h"
 
@@ -141,14 +140,13 @@ TEST_F(RealTagsTest, AreOldOrNewAfterAKillAtAnyMoment) {
     for (int number = 0; number < Count; ++number)
         AddSong(number);
     for (int moment = 0; moment < 25; ++moment) {
-        const pid_t child = fork();
-        if (child == 0) {
+        outside::ChildProcess child([&] {
             WriteID3(library.run);
-            _exit(0);
-        }
+            return 0;
+        });
         std::this_thread::sleep_for(std::chrono::microseconds(500 * moment));
-        kill(child, SIGKILL);
-        waitpid(child, nullptr, 0);
+        child.Kill();
+        child.Wait();
         WholeFiles(Count);
     }
     WriteID3(library.run);

@@ -7,7 +7,7 @@ namespace jet::testing {
 
 namespace {
 
-std::string Text(RecordSet& rows, const char* field) {
+std::string TextOf(RecordSet& rows, const char* field) {
     return Show(rows.Get(field));
 }
 
@@ -27,14 +27,14 @@ TEST(Cursor, StandsOnTheFirstRowInStorageOrder) {
     SampleDatabase database;
     const auto tracks = database->OpenTable("tracks");
     EXPECT_FALSE(tracks->IsEmpty());
-    EXPECT_EQ(Text(*tracks, "Title"), "Sky");
+    EXPECT_EQ(TextOf(*tracks, "Title"), "Sky");
     std::string titles;
     for (; !tracks->IsEof(); tracks->MoveNext())
-        titles += Text(*tracks, "title") + " ";
+        titles += TextOf(*tracks, "title") + " ";
     EXPECT_EQ(titles, "Sky Sea Rose Rust Disc 1 ");
     EXPECT_FALSE(tracks->IsBof());
     tracks->MoveFirst();
-    EXPECT_EQ(Text(*tracks, "Title"), "Sky");
+    EXPECT_EQ(TextOf(*tracks, "Title"), "Sky");
 }
 
 TEST(Cursor, OfAnEmptyTableIsAtBothEnds) {
@@ -55,12 +55,12 @@ TEST(Cursor, FilterShowsOnlyMatchingRowsUntilItIsEmptied) {
     tracks->Filter("ID=4");
     EXPECT_EQ(Rows(*tracks).substr(0, 7), "4|252E6");
     tracks->Filter("CDJID='252E671073EC0001' AND Track=1");
-    EXPECT_EQ(Text(*tracks, "Title"), "Sea");
+    EXPECT_EQ(TextOf(*tracks, "Title"), "Sea");
     tracks->Filter("ID=99");
     EXPECT_TRUE(tracks->IsEmpty());
     tracks->Filter("ID <> 0");
     tracks->Filter("");
-    EXPECT_EQ(Text(*tracks, "ID"), "1");
+    EXPECT_EQ(TextOf(*tracks, "ID"), "1");
 }
 
 TEST(Cursor, FilterTakesQuotedTextsOfBothKindsAndNumbersAsText) {
@@ -68,11 +68,11 @@ TEST(Cursor, FilterTakesQuotedTextsOfBothKindsAndNumbersAsText) {
     database.Execute("UPDATE Tracks SET Title = \"Ann's\" WHERE ID = 1");
     const auto tracks = database->OpenTable("Tracks");
     tracks->Filter("Title='Ann''s'");
-    EXPECT_EQ(Text(*tracks, "ID"), "1");
+    EXPECT_EQ(TextOf(*tracks, "ID"), "1");
     tracks->Filter("Title <>\"\"");
-    EXPECT_EQ(Text(*tracks, "ID"), "1");
+    EXPECT_EQ(TextOf(*tracks, "ID"), "1");
     tracks->Filter("Track='2'");
-    EXPECT_EQ(Text(*tracks, "ID"), "1");
+    EXPECT_EQ(TextOf(*tracks, "ID"), "1");
 }
 
 TEST(Cursor, FaultyFilterLeavesTheOldOne) {
@@ -83,7 +83,7 @@ TEST(Cursor, FaultyFilterLeavesTheOldOne) {
     EXPECT_EQ(KindOfErrorIn([&] { tracks->Filter("ID="); }, &message), ErrorKind::Syntax);
     EXPECT_EQ(KindOfErrorIn([&] { tracks->Filter("Nonsense=1"); }, &message), ErrorKind::NotFound);
     EXPECT_THAT(message, ::testing::HasSubstr("'Nonsense'"));
-    EXPECT_EQ(Text(*tracks, "ID"), "4");
+    EXPECT_EQ(TextOf(*tracks, "ID"), "4");
 }
 
 TEST(Cursor, SortOrdersTheRowsAndKeepsTheFilter) {
@@ -93,7 +93,7 @@ TEST(Cursor, SortOrdersTheRowsAndKeepsTheFilter) {
     tracks->Sort("Artist desc, Track asc");
     std::string ids;
     for (; !tracks->IsEof(); tracks->MoveNext())
-        ids += Text(*tracks, "ID") + " ";
+        ids += TextOf(*tracks, "ID") + " ";
     EXPECT_EQ(ids, "5 4 2 1 ");
 }
 
@@ -106,7 +106,7 @@ TEST(Cursor, UpdateStoresWhatWasSet) {
     tracks->Set("Seconds", 3.5);
     tracks->Set("NeverPlay", true);
     tracks->Set("DateAdded", Date{46341.25});
-    EXPECT_EQ(Text(*tracks, "Track"), "12") << "the edit buffer shows";
+    EXPECT_EQ(TextOf(*tracks, "Track"), "12") << "the edit buffer shows";
     EXPECT_EQ(database.Rows("SELECT Track FROM Tracks WHERE ID=3"), "0") << "nothing stored yet";
     tracks->Update();
     const std::string expected = "12|2|4|True|#11/15/2026 6:00:00 AM#";
@@ -143,12 +143,12 @@ TEST(Cursor, AddNewMakesARowThatBecomesTheCurrentOneWithItsNumber) {
     const auto tracks = database->OpenTable("Tracks");
     tracks->Filter("ID=2");
     tracks->AddNew();
-    EXPECT_EQ(Text(*tracks, "Title"), "Null");
-    EXPECT_EQ(Text(*tracks, "NeverPlay"), "False");
+    EXPECT_EQ(TextOf(*tracks, "Title"), "Null");
+    EXPECT_EQ(TextOf(*tracks, "NeverPlay"), "False");
     tracks->Set("Title", std::string("New"));
     tracks->Update();
-    EXPECT_EQ(Text(*tracks, "ID"), "6");
-    EXPECT_EQ(Text(*tracks, "Title"), "New");
+    EXPECT_EQ(TextOf(*tracks, "ID"), "6");
+    EXPECT_EQ(TextOf(*tracks, "Title"), "New");
     tracks->Set("Title", std::string("Newer"));
     tracks->Update();
     EXPECT_EQ(database.Rows("SELECT Title FROM Tracks WHERE ID=6"), "Newer");
@@ -161,8 +161,8 @@ TEST(Cursor, NewRowShowsItsNumberBeforeItIsStored) {
     SampleDatabase database;
     const auto tracks = database->OpenTable("Tracks");
     tracks->AddNew();
-    EXPECT_EQ(Text(*tracks, "ID"), "6");
-    tracks->Set("Title", "Number " + Text(*tracks, "ID"));
+    EXPECT_EQ(TextOf(*tracks, "ID"), "6");
+    tracks->Set("Title", "Number " + TextOf(*tracks, "ID"));
     tracks->Update();
     EXPECT_EQ(database.Rows("SELECT ID, Title FROM Tracks WHERE ID=6"), "6|Number 6");
 }
@@ -171,20 +171,20 @@ TEST(Cursor, NumberShownGoesToTheRowThatIsStoredFirst) {
     SampleDatabase database;
     const auto tracks = database->OpenTable("Tracks");
     tracks->AddNew();
-    EXPECT_EQ(Text(*tracks, "ID"), "6");
+    EXPECT_EQ(TextOf(*tracks, "ID"), "6");
     tracks->CancelUpdate();
     tracks->AddNew();
-    EXPECT_EQ(Text(*tracks, "ID"), "6");
+    EXPECT_EQ(TextOf(*tracks, "ID"), "6");
     database.Execute("INSERT INTO Tracks (Title) VALUES ('Quicker')");
     tracks->Update();
-    EXPECT_EQ(Text(*tracks, "ID"), "7");
+    EXPECT_EQ(TextOf(*tracks, "ID"), "7");
     EXPECT_EQ(database.Rows("SELECT Title FROM Tracks WHERE ID=6"), "Quicker");
 }
 
 TEST(Cursor, AddNewDuringAWalkPutsTheRowAtTheEnd) {
     SampleDatabase database;
     const auto genres = database->OpenTable("SpinnerGenre");
-    EXPECT_EQ(Text(*genres, "Genre"), "Blues");
+    EXPECT_EQ(TextOf(*genres, "Genre"), "Blues");
     genres->AddNew();
     genres->Set("Genre", std::string("Polka"));
     genres->Update();
@@ -198,20 +198,20 @@ TEST(Cursor, CancelUpdateAndMovingForgetTheEdit) {
     tracks->Set("Title", std::string("x"));
     tracks->CancelUpdate();
     tracks->Update();
-    EXPECT_EQ(Text(*tracks, "Title"), "Sky");
+    EXPECT_EQ(TextOf(*tracks, "Title"), "Sky");
     tracks->AddNew();
     tracks->Set("Title", std::string("half"));
     tracks->Filter("ID=1");
     tracks->Update();
     EXPECT_EQ(database.Rows("SELECT Count(*) FROM Tracks"), "5");
-    EXPECT_EQ(Text(*tracks, "Title"), "Sky");
+    EXPECT_EQ(TextOf(*tracks, "Title"), "Sky");
 }
 
 TEST(Cursor, DeleteLeavesTheWalkGoingOn) {
     SampleDatabase database;
     const auto tracks = database->OpenTable("Tracks");
     for (; !tracks->IsEof(); tracks->MoveNext())
-        if (Text(*tracks, "Artist") != "Bob") {
+        if (TextOf(*tracks, "Artist") != "Bob") {
             tracks->Delete();
             EXPECT_EQ(KindOfErrorIn([&] { tracks->Get("ID"); }), ErrorKind::NoCurrentRow);
         }
@@ -223,20 +223,20 @@ TEST(Cursor, DeleteLeavesTheWalkGoingOn) {
 TEST(Cursor, SkipsRowsThatAStatementDeletedMeanwhile) {
     SampleDatabase database;
     const auto tracks = database->OpenTable("Tracks");
-    EXPECT_EQ(Text(*tracks, "ID"), "1");
+    EXPECT_EQ(TextOf(*tracks, "ID"), "1");
     database.Execute("DELETE * FROM Tracks WHERE ID <= 3");
     EXPECT_EQ(KindOfErrorIn([&] { tracks->Set("Track", std::int64_t{1}); }),
               ErrorKind::NoCurrentRow);
     tracks->MoveNext();
-    EXPECT_EQ(Text(*tracks, "ID"), "4");
+    EXPECT_EQ(TextOf(*tracks, "ID"), "4");
 }
 
 TEST(Cursor, SeesWhatAStatementChangedInItsRow) {
     SampleDatabase database;
     const auto tracks = database->OpenTable("Tracks");
-    EXPECT_EQ(Text(*tracks, "Title"), "Sky");
+    EXPECT_EQ(TextOf(*tracks, "Title"), "Sky");
     database.Execute("UPDATE Tracks SET Title='Cloud' WHERE ID=1");
-    EXPECT_EQ(Text(*tracks, "Title"), "Cloud");
+    EXPECT_EQ(TextOf(*tracks, "Title"), "Cloud");
 }
 
 TEST(UpdatableQuery, ChangesTheTableThatTheColumnBelongsTo) {
@@ -270,7 +270,7 @@ TEST(UpdatableQuery, KeepsADeletedRowsNeighbours) {
     const auto rows = database->OpenUpdatable("SELECT * FROM Tracks WHERE Artist='Bob'");
     rows->Delete();
     rows->MoveNext();
-    EXPECT_EQ(Text(*rows, "Title"), "Rust");
+    EXPECT_EQ(TextOf(*rows, "Title"), "Rust");
     EXPECT_EQ(database.Rows("SELECT ID FROM Tracks"), "1\n2\n4\n5");
 }
 
@@ -288,8 +288,8 @@ TEST(Query, IsNotDisturbedByChangesDuringItsWalk) {
     const auto tracks = database->OpenTable("Tracks");
     std::string seen;
     for (; !rows->IsEof(); rows->MoveNext()) {
-        seen += Text(*rows, "ID") + " ";
-        tracks->Filter("ID=" + Text(*rows, "ID"));
+        seen += TextOf(*rows, "ID") + " ";
+        tracks->Filter("ID=" + TextOf(*rows, "ID"));
         if (seen.size() < 3) database.Execute("DELETE * FROM Tracks WHERE ID > 3");
         tracks->AddNew();
         tracks->Set("Title", std::string("more"));
@@ -313,7 +313,7 @@ TEST(Query, TakesFilterAndSortOnGroups) {
     rows->Sort("Artist desc");
     EXPECT_EQ(Rows(*rows), "Bob|2\nAnn|2");
     rows->MoveFirst();
-    EXPECT_EQ(Text(*rows, "Artist"), "Bob");
+    EXPECT_EQ(TextOf(*rows, "Artist"), "Bob");
 }
 
 TEST(Query, TellsFieldsOfTheSameNameApart) {
@@ -322,8 +322,8 @@ TEST(Query, TellsFieldsOfTheSameNameApart) {
         "SELECT Albums.Title, Tracks.Title, Tracks.ID FROM Albums INNER JOIN Tracks ON "
         "Albums.CDJID = Tracks.CDJID");
     EXPECT_EQ(rows->FieldName(1), "Tracks.Title");
-    EXPECT_EQ(Text(*rows, "tracks.title"), "Sky");
-    EXPECT_EQ(Text(*rows, "Title"), "Blue");
+    EXPECT_EQ(TextOf(*rows, "tracks.title"), "Sky");
+    EXPECT_EQ(TextOf(*rows, "Title"), "Blue");
     EXPECT_EQ(rows->FieldName(2), "ID");
 }
 

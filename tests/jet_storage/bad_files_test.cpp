@@ -43,7 +43,7 @@ class BadFiles : public testing::Test {
                 EXPECT_NE(what.find(path_.string()), std::string::npos) << what;
                 EXPECT_EQ(what.back(), '.') << what;
             }
-            EXPECT_FALSE(std::filesystem::exists(folder_.File("bad.ldb")));
+            EXPECT_FALSE(std::filesystem::exists(folder_ / "bad.ldb"));
         }
     }
 
@@ -54,7 +54,7 @@ class BadFiles : public testing::Test {
     }
 
     TemporaryFolder folder_;
-    std::filesystem::path path_ = folder_.File("bad.mdb");
+    std::filesystem::path path_ = folder_ / "bad.mdb";
     std::string content_;
 };
 
@@ -121,11 +121,11 @@ TEST_F(BadFiles, CreateRefusesAnExistingFile) {
 TEST_F(BadFiles, CreateLeavesNothingWhereItFails) {
     TableDefinition table = TracksTable();
     table.columns.push_back(table.columns.front());
-    const auto path = folder_.File("never.mdb");
+    const auto path = folder_ / "never.mdb";
     EXPECT_THROW(DatabaseFile::Create(path, std::vector<TableDefinition>{table}), Error);
     EXPECT_FALSE(std::filesystem::exists(path));
     EXPECT_FALSE(std::filesystem::exists(path.string() + ".new"));
-    EXPECT_THROW(DatabaseFile::Create(folder_.File("no/such/folder.mdb"), BothTables()), Error);
+    EXPECT_THROW(DatabaseFile::Create(folder_ / "no/such/folder.mdb", BothTables()), Error);
 }
 
 /// Does everything that can be done with a file; any of it may end with an Error.
@@ -203,7 +203,7 @@ TEST_F(BadFiles, ExchangedPagesNeverDoWorseThanAnError) {
 
 TEST(ALeftJournal, IsDiscardedWhenItIsIncompleteOrOfAnotherState) {
     const TemporaryFolder folder;
-    const auto path = folder.File("j.mdb");
+    const auto path = folder / "j.mdb";
     DatabaseFile::Create(path, BothTables());
     const std::string empty = ReadFile(path);
     const auto journal = path.string() + ".journal";

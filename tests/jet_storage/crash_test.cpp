@@ -3,10 +3,8 @@
 #include <gtest/gtest.h>
 #include <map>
 #include <set>
-#include <signal.h>
 #include <sys/wait.h>
 #include <thread>
-#include <unistd.h>
 #include <vector>
 
 #include "jet/error.h"
@@ -15,6 +13,7 @@
 #include "tests/jet_storage/random_rows.h"
 #include "tests/jet_storage/schemas.h"
 #include "tests/jet_storage/test_files.h"
+#include "tests/outside/child_process.h"
 
 namespace jet::storage::test {
 
@@ -27,7 +26,7 @@ constexpr std::size_t Commits = 3, ChangesPerCommit = 12, CheckedRounds = 7;
 
 /// A database with some rows.
 std::filesystem::path MakeDatabase(const TemporaryFolder& folder) {
-    const auto path = folder.File("start.mdb");
+    const auto path = folder / "start.mdb";
     DatabaseFile::Create(path, BothTables());
     auto file = DatabaseFile::Open(path, OpenMode::ReadWrite);
     ModelledTable model(file.OpenTable("Tracks"), 1);
@@ -76,7 +75,7 @@ void ExpectStateOfSomeCommit(const std::filesystem::path& path, const std::vecto
 TEST(PowerLossAtAnyMoment, LeavesTheStateOfSomeCommit) {
     const TemporaryFolder folder;
     const auto start = MakeDatabase(folder);
-    const auto path = folder.File("work.mdb");
+    const auto path = folder / "work.mdb";
     const State before = StateOf(start, OpenMode::ReadOnly);
     bool reached = true;
     for (std::size_t moment = 0; reached; ++moment) {
@@ -103,7 +102,7 @@ TEST(PowerLossAtAnyMoment, LeavesTheStateOfSomeCommit) {
 TEST(AFailedCommit, CanBeRepeated) {
     const TemporaryFolder folder;
     const auto start = MakeDatabase(folder);
-    const auto path = folder.File("work.mdb");
+    const auto path = folder / "work.mdb";
     bool reached = true;
     for (std::size_t moment = 0; reached; ++moment) {
         std::filesystem::copy_file(start, path, std::filesystem::copy_options::overwrite_existing);
@@ -136,7 +135,7 @@ TEST(AFailedCommit, CanBeRepeated) {
 TEST(AFailedCommit, FollowedByPowerLossInTheNextKeepsAWholeFile) {
     const TemporaryFolder folder;
     const auto start = MakeDatabase(folder);
-    const auto path = folder.File("work.mdb");
+    const auto path = folder / "work.mdb";
     for (std::size_t first = 0; first < 12; first += 2) {
         bool reached = true;
         for (std::size_t second = 0; reached; ++second) {
@@ -194,16 +193,12 @@ TEST(AKilledProcess, LeavesTheRowsOfItsLastCommitInOrder) {
     const std::vector<TableDefinition> tables{TracksTable()};
     std::size_t most = 0;
     for (int round = 0; round < 25; ++round) {
-        const auto path = folder.File("killed" + std::to_string(round) + ".mdb");
+        const auto path = folder / ("killed" + std::to_string(round) + ".mdb");
         DatabaseFile::Create(path, tables);
-        const pid_t child = fork();
-        ASSERT_GE(child, 0);
-        if (child == 0) InsertUntilKilled(path);
+        outside::ChildProcess child([&path]() -> int { InsertUntilKilled(path); });
         std::this_thread::sleep_for(std::chrono::microseconds(3000 + round * 7001));
-        kill(child, SIGKILL);
-        int status = 0;
-        waitpid(child, &status, 0);
-        ASSERT_TRUE(WIFSIGNALED(status));
+        child.Kill();
+        ASSERT_TRUE(WIFSIGNALED(child.Wait()));
 
         const State readOnly = StateOf(path, OpenMode::ReadOnly);
         const State rows = StateOf(path, OpenMode::ReadWrite);

@@ -59,7 +59,7 @@ std::vector<std::string> SortedLines(const std::string& text) {
 
 TEST(ANewFile, HasTheTablesThatWereWanted) {
     const TemporaryFolder folder;
-    const auto path = folder.File("new.mdb");
+    const auto path = folder / "new.mdb";
     DatabaseFile::Create(path, BothTables());
     auto file = DatabaseFile::Open(path, OpenMode::ReadOnly);
     EXPECT_EQ(file.TableNames(), (std::vector<std::string>{"Every type", "Tracks"}));
@@ -77,7 +77,7 @@ TEST(ANewFile, HasTheTablesThatWereWanted) {
 
 TEST(ANewFile, MayHaveNoTables) {
     const TemporaryFolder folder;
-    const auto path = folder.File("none.mdb");
+    const auto path = folder / "none.mdb";
     DatabaseFile::Create(path, {});
     EXPECT_EQ(std::filesystem::file_size(path), 16 * PageSize);
     EXPECT_TRUE(DatabaseFile::Open(path, OpenMode::ReadWrite).TableNames().empty());
@@ -96,7 +96,7 @@ TEST(ANewFile, MayHaveDefinitionsOfSeveralPagesAndManyMaps) {
                                  .columns = {{i * 4 + 1, true}, {i * 4 + 2, false}}});
     }
     const TemporaryFolder folder;
-    const auto path = folder.File("many.mdb");
+    const auto path = folder / "many.mdb";
     DatabaseFile::Create(path, std::vector<TableDefinition>{table});
     auto file = DatabaseFile::Open(path, OpenMode::ReadWrite);
     ExpectSame(file.OpenTable("Many").Definition(), table);
@@ -116,7 +116,7 @@ TEST(ANewFile, IndexesOfTheSameFieldsShareOneTree) {
     table.columns = {{.name = "A", .type = ColumnType::Long}};
     table.indexes = {{.name = "Z", .columns = {{0, true}}}, {.name = "B", .columns = {{0, true}}}};
     const TemporaryFolder folder;
-    const auto path = folder.File("shared.mdb");
+    const auto path = folder / "shared.mdb";
     DatabaseFile::Create(path, std::vector<TableDefinition>{table});
     auto file = DatabaseFile::Open(path, OpenMode::ReadWrite);
     const auto& indexes = file.OpenTable("Shared").Definition().indexes;
@@ -136,7 +136,7 @@ TEST(ANewFile, IsReadAlikeByAnotherProgram) {
                      {.name = "Valid", .type = ColumnType::Boolean}};
     table.indexes = {{.name = "PrimaryKey", .columns = {{0, true}}, .primary = true}};
     const TemporaryFolder folder;
-    const auto path = folder.File("plain.mdb");
+    const auto path = folder / "plain.mdb";
     DatabaseFile::Create(path, std::vector<TableDefinition>{table});
     auto file = DatabaseFile::Open(path, OpenMode::ReadWrite);
     std::string expected = "ID,Name,Notes,Valid\n";
@@ -166,7 +166,7 @@ TEST(ANewTable, IsRefusedWhereTheFormatCannotHoldIt) {
         TableDefinition table = TracksTable();
         change(table);
         try {
-            DatabaseFile::Create(folder.File("x.mdb"), std::vector<TableDefinition>{table});
+            DatabaseFile::Create(folder / "x.mdb", std::vector<TableDefinition>{table});
             return false;
         } catch (const Error& error) {
             return error.Kind() == ErrorKind::NotSupported;

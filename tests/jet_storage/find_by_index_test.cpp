@@ -36,7 +36,7 @@ TableDefinition Shelf() {
 
 TEST(FindByIndex, FindsTheRowsOfAScan) {
     const TemporaryFolder folder;
-    const auto path = folder.File("shelf.mdb");
+    const auto path = folder / "shelf.mdb";
     DatabaseFile::Create(path, std::vector{Shelf()});
     auto file = DatabaseFile::Open(path, OpenMode::ReadWrite);
     Table& table = file.OpenTable("Shelf");
@@ -78,7 +78,7 @@ TEST(FindByIndex, FindsTheRowsOfAScan) {
 
 TEST(FindByIndex, FollowsChangesThatAreNotCommitted) {
     const TemporaryFolder folder;
-    const auto path = folder.File("shelf.mdb");
+    const auto path = folder / "shelf.mdb";
     DatabaseFile::Create(path, std::vector{Shelf()});
     auto file = DatabaseFile::Open(path, OpenMode::ReadWrite);
     Table& table = file.OpenTable("Shelf");
@@ -95,7 +95,7 @@ TEST(FindByIndex, FollowsChangesThatAreNotCommitted) {
 
 TEST(Discarding, LeavesTheFileAsTheLastCommitLeftIt) {
     const TemporaryFolder folder;
-    const auto path = folder.File("shelf.mdb");
+    const auto path = folder / "shelf.mdb";
     DatabaseFile::Create(path, std::vector{Shelf()});
     {
         auto file = DatabaseFile::Open(path, OpenMode::ReadWrite);

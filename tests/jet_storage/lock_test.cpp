@@ -49,8 +49,8 @@ class Locks : public testing::Test {
     }
 
     TemporaryFolder folder_;
-    std::filesystem::path path_ = folder_.File("shared.mdb");
-    std::filesystem::path lock_ = folder_.File("shared.ldb");
+    std::filesystem::path path_ = folder_ / "shared.mdb";
+    std::filesystem::path lock_ = folder_ / "shared.ldb";
 };
 
 TEST_F(Locks, AreTakenForWritingAndGivenUpAtTheEnd) {

@@ -70,7 +70,7 @@ TEST_P(RandomChanges, LeaveAWholeFileWithTheRightRows) {
 
 TEST(RandomChangesToANewFile, LeaveAWholeFileWithTheRightRows) {
     const TemporaryFolder folder;
-    const auto path = folder.File("new.mdb");
+    const auto path = folder / "new.mdb";
     DatabaseFile::Create(path, BothTables());
     EXPECT_EQ(FaultsOf(path, true), "");
     ChangeEverything(path, 6, 600, true);
@@ -78,7 +78,7 @@ TEST(RandomChangesToANewFile, LeaveAWholeFileWithTheRightRows) {
 
 TEST(DeletingAllRows, LeavesAWholeFileThatTakesRowsAgain) {
     const TemporaryFolder folder;
-    const auto path = folder.File("new.mdb");
+    const auto path = folder / "new.mdb";
     DatabaseFile::Create(path, BothTables());
     auto file = DatabaseFile::Open(path, OpenMode::ReadWrite);
     std::uintmax_t sizeBefore = 0;

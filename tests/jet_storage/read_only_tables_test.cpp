@@ -55,7 +55,7 @@ class ReadOnlyTables : public testing::Test {
     }
 
     TemporaryFolder folder_;
-    std::filesystem::path path_ = folder_.File("t.mdb");
+    std::filesystem::path path_ = folder_ / "t.mdb";
     std::map<RowId, Row> rows_;
 };
 

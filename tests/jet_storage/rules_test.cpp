@@ -56,7 +56,7 @@ class TableRules : public testing::Test {
     }
 
     TemporaryFolder folder_;
-    std::filesystem::path path_ = folder_.File("rules.mdb");
+    std::filesystem::path path_ = folder_ / "rules.mdb";
     std::optional<DatabaseFile> file_;
 };
 
@@ -219,7 +219,7 @@ TEST_F(TableRules, APrimaryKeyRefusesNull) {
     table.name = "Keyed";
     table.columns = {{.name = "Key", .type = ColumnType::Text, .size = 10}};
     table.indexes = {{.name = "PrimaryKey", .columns = {{0, true}}, .primary = true}};
-    const auto path = folder_.File("keyed.mdb");
+    const auto path = folder_ / "keyed.mdb";
     DatabaseFile::Create(path, std::vector<TableDefinition>{table});
     auto file = DatabaseFile::Open(path, OpenMode::ReadWrite);
     Table& keyed = file.OpenTable("KEYED");
@@ -292,7 +292,7 @@ TEST_F(TableRules, ARowThatIsTooLongIsRefused) {
             {.name = "T" + std::to_string(i), .type = ColumnType::Text, .size = 255});
     }
     table.columns.push_back({.name = "M", .type = ColumnType::Memo});
-    const auto path = folder_.File("wide.mdb");
+    const auto path = folder_ / "wide.mdb";
     DatabaseFile::Create(path, std::vector<TableDefinition>{table});
     auto file = DatabaseFile::Open(path, OpenMode::ReadWrite);
     Table& wide = file.OpenTable("Wide");
@@ -338,7 +338,7 @@ TEST_F(TableRules, ReadOnlyRefusesChanges) {
 
 TEST(ALargeFile, KeepsItsMapsAndRows) {
     const TemporaryFolder folder;
-    const auto path = folder.File("large.mdb");
+    const auto path = folder / "large.mdb";
     DatabaseFile::Create(path, std::vector<TableDefinition>{TracksTable()});
     auto file = DatabaseFile::Open(path, OpenMode::ReadWrite);
     Table& table = file.OpenTable("Tracks");
@@ -362,7 +362,7 @@ TEST(ALargeFile, KeepsItsMapsAndRows) {
 
 TEST(AHugeFile, ChangesToMapsOfMapsBeyond32736Pages) {
     const TemporaryFolder folder;
-    const auto path = folder.File("huge.mdb");
+    const auto path = folder / "huge.mdb";
     TableDefinition definition;
     definition.name = "Blobs";
     definition.columns = {{.name = "ID", .type = ColumnType::Long, .autoNumber = true},

@@ -2,6 +2,7 @@
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <map>
+#include <memory>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
@@ -14,6 +15,7 @@
 #include "tests/jet_storage/random_rows.h"
 #include "tests/jet_storage/schemas.h"
 #include "tests/jet_storage/test_files.h"
+#include "tests/outside/child_process.h"
 
 namespace jet::storage::test {
 
@@ -31,7 +33,7 @@ Rows TracksIn(const fs::path& path, OpenMode mode) {
 class SeveralNames : public testing::Test {
   protected:
     SeveralNames() {
-        fs::create_directory(folder_.File("other"));
+        fs::create_directory(folder_ / "other");
         DatabaseFile::Create(name_, BothTables());
         fs::create_hard_link(name_, hardLink_);
         fs::create_symlink(name_, symbolicLink_);
@@ -74,9 +76,9 @@ class SeveralNames : public testing::Test {
     }
 
     TemporaryFolder folder_;
-    fs::path name_ = folder_.File("name.mdb");
-    fs::path hardLink_ = folder_.File("other/hard.mdb");
-    fs::path symbolicLink_ = folder_.File("other/soft.mdb");
+    fs::path name_ = folder_ / "name.mdb";
+    fs::path hardLink_ = folder_ / "other/hard.mdb";
+    fs::path symbolicLink_ = folder_ / "other/soft.mdb";
     Rows before_, after_;
 };
 
@@ -95,12 +97,12 @@ TEST_F(SeveralNames, HaveOneLock) {
 
 TEST_F(SeveralNames, OfASymbolicLinkHaveTheLockFileBesideTheFileItself) {
     const auto file = DatabaseFile::Open(symbolicLink_, OpenMode::ReadWrite);
-    EXPECT_TRUE(fs::exists(folder_.File("name.ldb")));
-    EXPECT_EQ(LookAtLock(symbolicLink_).file, folder_.File("name.ldb"));
+    EXPECT_TRUE(fs::exists(folder_ / "name.ldb"));
+    EXPECT_EQ(LookAtLock(symbolicLink_).file, folder_ / "name.ldb");
 }
 
 /// Adds rows one by one, each in an opening of its own, waiting while others have the file.
-[[noreturn]] void InsertThrough(const fs::path& path, int rows) {
+int InsertThrough(const fs::path& path, int rows) {
     for (int done = 0; done < rows;) {
         try {
             auto file = DatabaseFile::Open(path, OpenMode::ReadWrite);
@@ -111,25 +113,22 @@ TEST_F(SeveralNames, OfASymbolicLinkHaveTheLockFileBesideTheFileItself) {
             file.Commit();
             ++done;
         } catch (const Error& error) {
-            if (error.Kind() != ErrorKind::InUse) _exit(1);
+            if (error.Kind() != ErrorKind::InUse) return 1;
             usleep(200);
         }
     }
-    _exit(0);
+    return 0;
 }
 
 TEST_F(SeveralNames, TakeInsertsOfSeveralProgramsAtOnceWithoutHarm) {
     constexpr int RowsEach = 40;
-    std::vector<pid_t> children;
+    std::vector<std::unique_ptr<outside::ChildProcess>> children;
     for (const fs::path& path : {name_, hardLink_, symbolicLink_}) {
-        const pid_t child = fork();
-        ASSERT_GE(child, 0);
-        if (child == 0) InsertThrough(path, RowsEach);
-        children.push_back(child);
+        children.push_back(std::make_unique<outside::ChildProcess>(
+            [path] { return InsertThrough(path, RowsEach); }));
     }
-    for (const pid_t child : children) {
-        int status = 0;
-        waitpid(child, &status, 0);
+    for (const auto& child : children) {
+        const int status = child->Wait();
         EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
     }
     EXPECT_EQ(TracksIn(name_, OpenMode::ReadOnly).size(), 3U * RowsEach);
@@ -177,7 +176,7 @@ TEST_F(SeveralNames, AreRefusedWhereTheJournalOfAnotherNameIsMissing) {
         reached = CutOff(std::make_shared<FaultyFileSystem>(1), hardLink_, moment);
         const JournalState journal = LookAtJournal(name_);
         if (journal.kind == JournalState::Kind::Waits) {
-            const fs::path away = folder_.File("away");
+            const fs::path away = folder_ / "away";
             const std::string cutOff = ReadFile(name_);
             fs::rename(journal.file, away);
             ExpectKind(ErrorKind::Damaged, name_, hardLink_.string() + ".journal, is missing");
@@ -209,7 +208,7 @@ TEST_F(SeveralNames, AreNotWrittenWhereNeitherLockNorJournalFollowsTheFile) {
 }
 
 TEST_F(SeveralNames, LeaveACopyOfTheFileAlone) {
-    const fs::path copy = folder_.File("copy.mdb");
+    const fs::path copy = folder_ / "copy.mdb";
     bool reached = true, waited = false;
     const std::string start = ReadFile(name_);
     for (std::size_t moment = 0; reached; ++moment) {

@@ -48,14 +48,14 @@ class StrangeFiles : public testing::Test {
     fs::path Beside(const std::string& ending) const { return path_.string() + ending; }
 
     TemporaryFolder folder_;
-    fs::path path_ = folder_.File("d.mdb");
+    fs::path path_ = folder_ / "d.mdb";
     std::string content_;
 };
 
 TEST_F(StrangeFiles, NothingIsWrittenThroughASymbolicLinkInTheNameOfASidecar) {
-    const fs::path precious = folder_.File("precious");
+    const fs::path precious = folder_ / "precious";
     for (const fs::path& sidecar :
-         {Beside(".journal"), Beside(".journal-new"), folder_.File("d.ldb")}) {
+         {Beside(".journal"), Beside(".journal-new"), (folder_ / "d.ldb")}) {
         for (const std::string content : {"", "precious"}) {
             WriteFile(precious, content);
             fs::create_symlink(precious, sidecar);
@@ -76,7 +76,7 @@ TEST_F(StrangeFiles, NothingIsWrittenThroughASymbolicLinkInTheNameOfASidecar) {
 }
 
 TEST_F(StrangeFiles, NothingIsWrittenThroughASymbolicLinkToMakeADatabase) {
-    const fs::path made = folder_.File("made.mdb"), precious = folder_.File("precious");
+    const fs::path made = folder_ / "made.mdb", precious = folder_ / "precious";
     WriteFile(precious, "precious");
     for (const std::string ending : {"", ".new", ".journal", ".new.journal"}) {
         const fs::path sidecar = made.string() + ending;
@@ -86,13 +86,13 @@ TEST_F(StrangeFiles, NothingIsWrittenThroughASymbolicLinkToMakeADatabase) {
         EXPECT_TRUE(fs::is_symlink(sidecar));
         fs::remove(sidecar);
     }
-    fs::create_symlink(folder_.File("nowhere"), made);
+    fs::create_symlink(folder_ / "nowhere", made);
     Refusal(ErrorKind::Io, [&] { DatabaseFile::Create(made, BothTables()); });
-    EXPECT_FALSE(fs::exists(folder_.File("nowhere")));
+    EXPECT_FALSE(fs::exists(folder_ / "nowhere"));
 }
 
 TEST_F(StrangeFiles, AnotherHardLinkToASidecarKeepsItsContent) {
-    const fs::path precious = folder_.File("precious");
+    const fs::path precious = folder_ / "precious";
     WriteFile(precious, "precious");
     fs::create_hard_link(precious, Beside(".journal-new"));
     {
@@ -101,14 +101,14 @@ TEST_F(StrangeFiles, AnotherHardLinkToASidecarKeepsItsContent) {
         file.Commit();
     }
     EXPECT_EQ(ReadFile(precious), "precious");
-    fs::create_hard_link(precious, folder_.File("d.ldb"));
+    fs::create_hard_link(precious, folder_ / "d.ldb");
     Refusal(ErrorKind::InUse, [&] { DatabaseFile::Open(path_, OpenMode::ReadWrite); });
     EXPECT_EQ(ReadFile(precious), "precious");
 }
 
 TEST_F(StrangeFiles, AFifoOrFolderInTheNameOfASidecarIsRefusedAtOnce) {
     for (const fs::path& sidecar :
-         {Beside(".journal"), Beside(".journal-new"), folder_.File("d.ldb")}) {
+         {Beside(".journal"), Beside(".journal-new"), (folder_ / "d.ldb")}) {
         ASSERT_EQ(mkfifo(sidecar.c_str(), 0600), 0);
         std::string what =
             Refusal(ErrorKind::Io, [&] { DatabaseFile::Open(path_, OpenMode::ReadWrite); });
@@ -130,7 +130,7 @@ TEST_F(StrangeFiles, AFifoOrFolderInTheNameOfASidecarIsRefusedAtOnce) {
 }
 
 TEST_F(StrangeFiles, AFifoDeviceOrFolderAsDatabaseIsRefusedAtOnce) {
-    const fs::path fifo = folder_.File("fifo.mdb"), link = folder_.File("link.mdb");
+    const fs::path fifo = folder_ / "fifo.mdb", link = folder_ / "link.mdb";
     ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
     fs::create_symlink("/dev/zero", link);
     for (const OpenMode mode : {OpenMode::ReadOnly, OpenMode::ReadWrite}) {
@@ -142,7 +142,7 @@ TEST_F(StrangeFiles, AFifoDeviceOrFolderAsDatabaseIsRefusedAtOnce) {
         EXPECT_NE(open(folder_.Path()).find("is a folder and not"), std::string::npos);
     }
     EXPECT_FALSE(fs::exists("/dev/zero.ldb"));
-    EXPECT_FALSE(fs::exists(folder_.File("fifo.ldb")));
+    EXPECT_FALSE(fs::exists(folder_ / "fifo.ldb"));
 }
 
 TEST_F(StrangeFiles, AJournalOfADatabaseThatIsGoneIsNotGivenToANewOne) {
@@ -157,7 +157,7 @@ TEST_F(StrangeFiles, AJournalOfADatabaseThatIsGoneIsNotGivenToANewOne) {
 
 TEST_F(StrangeFiles, WhatAKilledCreationHasLeftDoesNotGetIntoTheNextOne) {
     // The journal of a creation fits the beginning of every other one.
-    const fs::path made = folder_.File("made.mdb");
+    const fs::path made = folder_ / "made.mdb";
     std::size_t left = 0;
     bool reached = true;
     for (std::size_t moment = 0; reached; ++moment) {
@@ -180,11 +180,11 @@ TEST_F(StrangeFiles, WhatAKilledCreationHasLeftDoesNotGetIntoTheNextOne) {
 }
 
 TEST_F(StrangeFiles, HalfAnEntryInTheLockFileIsSomebodys) {
-    WriteFile(folder_.File("d.ldb"), "OFFICE");
+    WriteFile(folder_ / "d.ldb", "OFFICE");
     const std::string what =
         Refusal(ErrorKind::InUse, [&] { DatabaseFile::Open(path_, OpenMode::ReadWrite); });
     EXPECT_NE(what.find("seems to be in use by OFFICE"), std::string::npos) << what;
-    EXPECT_EQ(ReadFile(folder_.File("d.ldb")), "OFFICE");
+    EXPECT_EQ(ReadFile(folder_ / "d.ldb"), "OFFICE");
 }
 
 /// A database that is open and has changes, while something happens to its file.
@@ -216,7 +216,7 @@ class OpenDatabase : public StrangeFiles {
 };
 
 TEST_F(OpenDatabase, ThatIsReplacedIsNotWrittenAnyMore) {
-    const fs::path old = folder_.File("old.mdb"), other = folder_.File("other.mdb");
+    const fs::path old = folder_ / "old.mdb", other = folder_ / "other.mdb";
     fs::create_hard_link(path_, old);
     WriteFile(other, content_);
     fs::rename(other, path_);
@@ -226,7 +226,7 @@ TEST_F(OpenDatabase, ThatIsReplacedIsNotWrittenAnyMore) {
 }
 
 TEST_F(OpenDatabase, ThatIsRemovedOrRenamedIsNotWrittenAnyMore) {
-    const fs::path old = folder_.File("old.mdb");
+    const fs::path old = folder_ / "old.mdb";
     fs::rename(path_, old);
     ExpectNoCommit(" has been removed or renamed while it was open");
     EXPECT_EQ(ReadFile(old), committed_);
@@ -261,7 +261,7 @@ TEST_F(OpenDatabase, MayGetAnotherTime) {
 }
 
 TEST_F(OpenDatabase, IsTheOneThatItsNameLedTo) {
-    const fs::path link = folder_.File("link.mdb"), other = folder_.File("other.mdb");
+    const fs::path link = folder_ / "link.mdb", other = folder_ / "other.mdb";
     WriteFile(other, content_);
     fs::create_symlink(other, link);
     auto file = DatabaseFile::Open(link, OpenMode::ReadWrite);
@@ -276,7 +276,7 @@ TEST_F(OpenDatabase, IsTheOneThatItsNameLedTo) {
 
 TEST(AFailingLook, NeverHidesAJournal) {
     const TemporaryFolder folder;
-    const auto path = folder.File("d.mdb");
+    const auto path = folder / "d.mdb";
     DatabaseFile::Create(path, BothTables());
     const std::string start = ReadFile(path);
     struct State {
@@ -337,7 +337,7 @@ TEST(AFailingLook, NeverHidesAJournal) {
 
 TEST(AFailingLook, InACommitLosesNothing) {
     const TemporaryFolder folder;
-    const auto path = folder.File("d.mdb");
+    const auto path = folder / "d.mdb";
     DatabaseFile::Create(path, BothTables());
     bool failed = true;
     std::size_t failures = 0;

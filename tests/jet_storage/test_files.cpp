@@ -13,14 +13,6 @@
 
 namespace jet::storage::test {
 
-std::filesystem::path TemporaryFolder::CopyOf(const std::filesystem::path& original) const {
-    const auto copy = Path() / original.filename();
-    std::filesystem::copy_file(original, copy, std::filesystem::copy_options::overwrite_existing);
-    std::filesystem::permissions(copy, std::filesystem::perms::owner_write,
-                                 std::filesystem::perm_options::add);
-    return copy;
-}
-
 std::vector<std::filesystem::path> DescribedDatabases() {
     std::vector<std::filesystem::path> databases = outside::SampleDatabases();
     std::erase_if(databases, [](std::filesystem::path rows) {

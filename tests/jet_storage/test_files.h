@@ -8,13 +8,7 @@
 
 namespace jet::storage::test {
 
-/// A folder that is removed with everything in it when the test ends.
-class TemporaryFolder : public outside::TemporaryFolder {
-  public:
-    std::filesystem::path File(const std::string& name) const { return Path() / name; }
-    /// A writable copy of a file.
-    std::filesystem::path CopyOf(const std::filesystem::path& original) const;
-};
+using outside::TemporaryFolder;
 
 /// All test databases with a description of their rows beside them.
 std::vector<std::filesystem::path> DescribedDatabases();

@@ -62,7 +62,7 @@ class WaitingEntries : public testing::Test {
     }
 
     TemporaryFolder folder_;
-    std::filesystem::path path_ = folder_.File("waiting.mdb");
+    std::filesystem::path path_ = folder_ / "waiting.mdb";
     std::optional<DatabaseFile> file_;
     std::vector<RowId> ids_;
 };
@@ -105,7 +105,7 @@ TEST_F(WaitingEntries, StayWhenAChangeAmongThemIsUndone) {
             {.name = "T" + std::to_string(i), .type = ColumnType::Text, .size = 255});
     wide.columns.push_back({.name = "M", .type = ColumnType::Memo});
     wide.indexes = {{.name = "First", .columns = {{0, true}}}};
-    const auto path = folder_.File("wide.mdb");
+    const auto path = folder_ / "wide.mdb";
     DatabaseFile::Create(path, std::vector<TableDefinition>{wide});
     auto file = DatabaseFile::Open(path, OpenMode::ReadWrite);
     Table& table = file.OpenTable("Wide");
@@ -146,7 +146,7 @@ TEST_F(WaitingEntries, ChangeWithTheRowsThatAreUpdated) {
 
 TEST_F(WaitingEntries, OfRowsInAnyOrderMakeAWholeFile) {
     for (const int step : {1, -1, 7919}) {
-        const auto path = folder_.File("order.mdb");
+        const auto path = folder_ / "order.mdb";
         std::filesystem::remove(path);
         DatabaseFile::Create(path, BothTables());
         auto file = DatabaseFile::Open(path, OpenMode::ReadWrite);
@@ -170,7 +170,7 @@ std::string CountersOfTracks(const std::filesystem::path& path) {
 }
 
 TEST_F(WaitingEntries, AreCountedAsThoseThatDoNotWait) {
-    const auto other = folder_.File("other.mdb");
+    const auto other = folder_ / "other.mdb";
     std::filesystem::copy_file(path_, other);
     auto committing = DatabaseFile::Open(other, OpenMode::ReadWrite);
     for (int i = 0; i < 600; ++i) {
@@ -204,7 +204,7 @@ TEST_F(WaitingEntries, SurviveACommitThatFailsAtAnyWrite) {
     file_.reset();
     bool reached = true;
     for (std::size_t moment = 0; reached; ++moment) {
-        const auto path = folder_.File("failing.mdb");
+        const auto path = folder_ / "failing.mdb";
         std::filesystem::copy_file(path_, path, std::filesystem::copy_options::overwrite_existing);
         const auto files = std::make_shared<FaultyFileSystem>(1);
         auto file = DatabaseFile::Open(path, OpenMode::ReadWrite, files);
@@ -233,7 +233,7 @@ TEST_F(WaitingEntries, AreThereOrNotWithTheirRowsAfterPowerLossAtAnyWrite) {
     file_.reset();
     bool reached = true;
     for (std::size_t moment = 0; reached; ++moment) {
-        const auto path = folder_.File("lost.mdb");
+        const auto path = folder_ / "lost.mdb";
         std::filesystem::copy_file(path_, path, std::filesystem::copy_options::overwrite_existing);
         const auto files =
             std::make_shared<FaultyFileSystem>(static_cast<std::uint32_t>(moment) + 77);

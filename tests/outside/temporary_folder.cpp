@@ -1,8 +1,10 @@
 #include "tests/outside/temporary_folder.h"
 
 #include <cerrno>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
 #include <stdlib.h>  // mkdtemp is POSIX, not in <cstdlib>
-#include <string>
 #include <system_error>
 
 namespace outside {
@@ -13,7 +15,7 @@ TemporaryFolder::TemporaryFolder() {
     std::string pattern = fs::temp_directory_path() / "quillon-XXXXXX";
     if (::mkdtemp(pattern.data()) == nullptr)
         throw std::system_error(errno, std::generic_category(), pattern);
-    path_ = pattern;
+    path_ = fs::canonical(pattern);
 }
 
 TemporaryFolder::~TemporaryFolder() {
@@ -24,6 +26,40 @@ TemporaryFolder::~TemporaryFolder() {
             fs::permissions(entry->path(), fs::perms::owner_all, fs::perm_options::add, ignored);
     }
     fs::remove_all(path_, ignored);
+}
+
+fs::path TemporaryFolder::MakeFolder(std::string_view name) const {
+    fs::create_directories(path_ / name);
+    return path_ / name;
+}
+
+fs::path TemporaryFolder::MakeFile(std::string_view name, std::string_view content) const {
+    fs::path file = path_ / name;
+    fs::create_directories(file.parent_path());
+    std::ofstream(file, std::ios::binary) << content;
+    return file;
+}
+
+fs::path TemporaryFolder::CopyOf(const fs::path& original) const {
+    fs::path copy = path_ / original.filename();
+    fs::copy_file(original, copy, fs::copy_options::overwrite_existing);
+    fs::permissions(copy, fs::perms::owner_write, fs::perm_options::add);
+    return copy;
+}
+
+std::string TemporaryFolder::Content(std::string_view name) const {
+    std::ifstream file(path_ / name, std::ios::binary);
+    if (!file) throw std::runtime_error("no file " + std::string(name));
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+bool TemporaryFolder::Exists(std::string_view name) const {
+    return fs::exists(fs::symlink_status(path_ / name));
+}
+
+std::size_t TemporaryFolder::Count(std::string_view name) const {
+    const fs::directory_iterator entries(path_ / name);
+    return static_cast<std::size_t>(std::distance(begin(entries), end(entries)));
 }
 
 }  // namespace outside

@@ -1,7 +1,7 @@
 #include <filesystem>
 #include <sys/stat.h>
 
-#include "tests/platform/child_process.h"
+#include "tests/outside/child_process.h"
 #include "tests/platform/files_fixture.h"
 
 namespace quillon {
@@ -96,8 +96,9 @@ TEST_F(CopyFolderTest, DoesNotCopyAFolderIntoItself) {
 TEST_F(CopyFolderTest, LeavesNothingWhenTheDiskIsFull) {
     folder_.MakeFile("Lists/a.pla", "small");
     folder_.MakeFile("Lists/Sub/b.pla", std::string(100'000, 'b'));
-    EXPECT_EQ(WithFilesUpTo(50'000, [&] { return FailureOfCopy("D:\\Lists", "D:\\Copy"); }),
-              "Disk full: D:\\Copy\\Sub\\b.pla");
+    EXPECT_EQ(
+        outside::WithFilesUpTo(50'000, [&] { return FailureOfCopy("D:\\Lists", "D:\\Copy"); }),
+        "Disk full: D:\\Copy\\Sub\\b.pla");
     EXPECT_EQ(folder_.Count(), 1U);
 }
 
@@ -107,7 +108,7 @@ TEST_F(CopyFolderTest, LeavesNothingWhenAFileCannotBeRead) {
     chmod((folder_ / "Lists/b.pla").c_str(), 0);
     chmod((folder_ / "Lists").c_str(), 0755);
     chmod(folder_.Path().c_str(), 0777);
-    EXPECT_EQ(AsOrdinaryUser([&] { return FailureOfCopy("D:\\Lists", "D:\\Copy"); }),
+    EXPECT_EQ(outside::AsOrdinaryUser([&] { return FailureOfCopy("D:\\Lists", "D:\\Copy"); }),
               "Permission denied: D:\\Lists\\b.pla");
     EXPECT_EQ(folder_.Count(), 1U);
 }

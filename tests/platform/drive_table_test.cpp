@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/platform/temporary_folder.h"
+#include "tests/platform/failure_of.h"
 
 namespace quillon {
 namespace {

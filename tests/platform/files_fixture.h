@@ -5,7 +5,8 @@
 #include <vector>
 
 #include "platform/portable/portable_files.h"
-#include "tests/platform/temporary_folder.h"
+#include "tests/outside/temporary_folder.h"
+#include "tests/platform/failure_of.h"
 
 namespace quillon {
 
@@ -17,7 +18,7 @@ class FilesTest : public testing::Test {
           files_(resolver_,
                  [this](LogKind, const std::string& message) { notes_.push_back(message); }) {}
 
-    static DriveTable Drives(const TemporaryFolder& folder) {
+    static DriveTable Drives(const outside::TemporaryFolder& folder) {
         DriveTable drives(folder.Path());
         drives.Map("D", folder.Path());
         return drives;
@@ -37,7 +38,7 @@ class FilesTest : public testing::Test {
     }
 
     using Names = std::vector<std::string>;
-    TemporaryFolder folder_;
+    outside::TemporaryFolder folder_;
     PathResolver resolver_;
     std::vector<std::string> notes_;
     PortableFiles files_;

@@ -5,8 +5,9 @@
 #include <sys/stat.h>
 
 #include "platform/portable/path_resolver.h"
-#include "tests/platform/child_process.h"
-#include "tests/platform/temporary_folder.h"
+#include "tests/outside/child_process.h"
+#include "tests/outside/temporary_folder.h"
+#include "tests/platform/failure_of.h"
 
 namespace quillon {
 namespace {
@@ -20,7 +21,7 @@ class HostFolderTest : public testing::Test {
   protected:
     HostFolder Host() { return {folder_.Path(), clock_}; }
 
-    TemporaryFolder folder_;
+    outside::TemporaryFolder folder_;
     FixedClock clock_;
 };
 
@@ -58,7 +59,7 @@ TEST_F(HostFolderTest, SaysWhenSettingsMayNotBeRead) {
     chmod(folder_.Path().c_str(), 0755);
     chmod((folder_ / "Quillon.ini").c_str(), 0);
     HostFolder host = Host();
-    EXPECT_EQ(AsOrdinaryUser([&] {
+    EXPECT_EQ(outside::AsOrdinaryUser([&] {
                   return FailureOf([&] { host.GetINISetting("a", "x", "", "Quillon.ini"); });
               }),
               "Permission denied: " + (folder_ / "Quillon.ini").string());
@@ -168,13 +169,13 @@ TEST_F(HostFolderTest, ARecordThatWasCutShortDoesNotSpoilTheNextOne) {
     const auto write = [&host](const char* message) {
         return FailureOf([&] { host.WriteLog("Quillon", message); });
     };
-    EXPECT_EQ(WithFilesUpTo(first.size() + 10,
-                            [&] {
-                                std::string told = write("one") + '|';
-                                told += write("two") + '|';
-                                LetFilesGrow();
-                                return told + write("three");
-                            }),
+    EXPECT_EQ(outside::WithFilesUpTo(first.size() + 10,
+                                     [&] {
+                                         std::string told = write("one") + '|';
+                                         told += write("two") + '|';
+                                         outside::LetFilesGrow();
+                                         return told + write("three");
+                                     }),
               "|Disk full: " + (folder_ / "host.log").string() + "|");
     EXPECT_EQ(folder_.Content("host.log"), first + start.substr(0, 10) + "\n" + start + "three\n");
 }

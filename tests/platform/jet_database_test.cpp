@@ -7,7 +7,8 @@
 
 #include "jet/database.h"
 #include "platform/portable/jet_values.h"
-#include "tests/platform/temporary_folder.h"
+#include "tests/outside/temporary_folder.h"
+#include "tests/platform/failure_of.h"
 
 namespace quillon {
 namespace {
@@ -79,7 +80,7 @@ class JetDatabaseTest : public testing::Test {
         jet::Database::Create(folder_ / "Cdj.mdb", std::span(&songs, 1));
     }
 
-    static DriveTable Drives(const TemporaryFolder& folder) {
+    static DriveTable Drives(const outside::TemporaryFolder& folder) {
         DriveTable drives(folder.Path());
         drives.Map("D", folder.Path());
         return drives;
@@ -88,7 +89,7 @@ class JetDatabaseTest : public testing::Test {
         return provider_.Open(Prefix + path);
     }
 
-    TemporaryFolder folder_;
+    outside::TemporaryFolder folder_;
     PathResolver resolver_;
     JetDatabaseProvider provider_;
 };

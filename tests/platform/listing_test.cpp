@@ -6,7 +6,7 @@
 
 #include "platform/basic_text.h"
 #include "platform/portable/local_time.h"
-#include "tests/platform/child_process.h"
+#include "tests/outside/child_process.h"
 #include "tests/platform/files_fixture.h"
 
 namespace quillon {
@@ -118,10 +118,10 @@ TEST_F(ListingTest, NobodyCanTellWhatAClosedFolderHolds) {
     folder_.MakeFile("M/Closed/x.mp3");
     chmod(folder_.Path().c_str(), 0755);
     chmod((folder_ / "M/Closed").c_str(), 0);
-    EXPECT_EQ(AsOrdinaryUser(
+    EXPECT_EQ(outside::AsOrdinaryUser(
                   [&] { return FailureOf([&] { files_.FileExists("D:\\M\\Closed\\x.mp3"); }); }),
               "Permission denied: D:\\M\\Closed\\x.mp3");
-    EXPECT_NE(AsOrdinaryUser(
+    EXPECT_NE(outside::AsOrdinaryUser(
                   [&] { return FailureOf([&] { files_.FileExists("D:\\M\\Closed\\X.mp3"); }); }),
               "");
     chmod((folder_ / "M/Closed").c_str(), 0755);
@@ -141,7 +141,7 @@ TEST_F(ListingTest, DoesNotEnterAFolderInsideItself) {
 }
 
 TEST_F(ListingTest, ALinkAboveTheMappedFolderEndsAtTheMappedFolder) {
-    const TemporaryFolder above;
+    const outside::TemporaryFolder above;
     above.MakeFile("Music/Artist/x.mp3");
     above.MakeFolder("Other");
     std::filesystem::create_directory_symlink(above.Path(), above / "Music/Above");
@@ -179,10 +179,12 @@ TEST_F(ListingTest, SaysWhenAFolderMayNotBeRead) {
     folder_.MakeFile("M/Closed/x.mp3");
     chmod(folder_.Path().c_str(), 0755);
     chmod((folder_ / "M/Closed").c_str(), 0);
-    EXPECT_EQ(AsOrdinaryUser([&] { return FailureOf([&] { files_.FilesIn("D:\\M\\Closed"); }); }),
+    EXPECT_EQ(outside::AsOrdinaryUser(
+                  [&] { return FailureOf([&] { files_.FilesIn("D:\\M\\Closed"); }); }),
               "Permission denied: D:\\M\\Closed");
     chmod((folder_ / "M/Closed").c_str(), 0744);
-    EXPECT_EQ(AsOrdinaryUser([&] { return FailureOf([&] { files_.FilesIn("D:\\M\\Closed"); }); }),
+    EXPECT_EQ(outside::AsOrdinaryUser(
+                  [&] { return FailureOf([&] { files_.FilesIn("D:\\M\\Closed"); }); }),
               "Permission denied: D:\\M\\Closed\\x.mp3");
     chmod((folder_ / "M/Closed").c_str(), 0755);
 }

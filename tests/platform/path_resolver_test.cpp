@@ -3,7 +3,8 @@
 #include <chrono>
 #include <gtest/gtest.h>
 
-#include "tests/platform/temporary_folder.h"
+#include "tests/outside/temporary_folder.h"
+#include "tests/platform/failure_of.h"
 
 namespace quillon {
 namespace {
@@ -12,7 +13,7 @@ class PathResolverTest : public testing::Test {
   protected:
     PathResolverTest() : resolver_(Drives(folder_)) {}
 
-    static DriveTable Drives(const TemporaryFolder& folder) {
+    static DriveTable Drives(const outside::TemporaryFolder& folder) {
         DriveTable drives(folder.Path());
         drives.Map("D", folder.Path());
         return drives;
@@ -25,7 +26,7 @@ class PathResolverTest : public testing::Test {
         return local.substr(root.size());
     }
 
-    TemporaryFolder folder_;
+    outside::TemporaryFolder folder_;
     PathResolver resolver_;
 };
 
@@ -68,7 +69,7 @@ TEST_F(PathResolverTest, SeesWhatOthersChangeMeanwhile) {
 }
 
 TEST_F(PathResolverTest, FollowsTheUsersLinks) {
-    const TemporaryFolder elsewhere;
+    const outside::TemporaryFolder elsewhere;
     elsewhere.MakeFile("Deep/x.mp3");
     std::filesystem::create_directory_symlink(elsewhere.Path(), folder_ / "Link");
     EXPECT_EQ(Local("D:\\link\\deep\\X.mp3"), "/Link/Deep/x.mp3");
@@ -104,7 +105,7 @@ TEST_F(PathResolverTest, ThousandsOfNamesInOneFolder) {
 }
 
 TEST(FolderIndex, KnowsWhatThisProcessChanged) {
-    const TemporaryFolder folder;
+    const outside::TemporaryFolder folder;
     folder.MakeFile("One");
     FolderIndex index;
     const std::string path = folder.Path().string();
@@ -118,7 +119,7 @@ TEST(FolderIndex, KnowsWhatThisProcessChanged) {
 }
 
 TEST(FolderIndex, FindsTheTwinThatIsLeft) {
-    const TemporaryFolder folder;
+    const outside::TemporaryFolder folder;
     folder.MakeFile("a");
     folder.MakeFile("A");
     FolderIndex index;
@@ -130,7 +131,7 @@ TEST(FolderIndex, FindsTheTwinThatIsLeft) {
 }
 
 TEST(FolderIndex, FindsNothingInWhatIsNoFolder) {
-    const TemporaryFolder folder;
+    const outside::TemporaryFolder folder;
     folder.MakeFile("file");
     FolderIndex index;
     EXPECT_EQ(index.Find((folder / "file").string(), "x"), "");
@@ -138,7 +139,7 @@ TEST(FolderIndex, FindsNothingInWhatIsNoFolder) {
 }
 
 TEST(FolderIndex, ManyFoldersAreFoundAgain) {
-    const TemporaryFolder folder;
+    const outside::TemporaryFolder folder;
     FolderIndex index;
     for (int round = 0; round < 2; ++round) {
         for (int i = 0; i < 200; ++i) {

@@ -4,7 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "tests/platform/child_process.h"
+#include "tests/outside/child_process.h"
 #include "tests/platform/files_fixture.h"
 
 namespace quillon {
@@ -124,8 +124,8 @@ TEST_F(CopyTest, FullDiskLeavesNothingBehind) {
     folder_.MakeFile("a", std::string(100'000, 'a'));
     folder_.MakeFile("b", "old");
     EXPECT_EQ(
-        WithFilesUpTo(50'000,
-                      [&] { return FailureOf([&] { files_.CopyFile("D:\\a", "D:\\b", true); }); }),
+        outside::WithFilesUpTo(
+            50'000, [&] { return FailureOf([&] { files_.CopyFile("D:\\a", "D:\\b", true); }); }),
         "Disk full: D:\\b");
     EXPECT_EQ(folder_.Content("b"), "old");
     EXPECT_EQ(folder_.Count(), 2U);
@@ -217,7 +217,8 @@ TEST_F(DiscardTest, RemovesWriteProtectedFiles) {
     chmod(folder_.Path().c_str(), 0755);
     chmod((folder_ / "M").c_str(), 0777);
     chmod((folder_ / "M/new.mp3").c_str(), 0444);
-    EXPECT_EQ(AsOrdinaryUser([&] { return FailureOf([&] { files_.Discard("D:\\M\\new.mp3"); }); }),
+    EXPECT_EQ(outside::AsOrdinaryUser(
+                  [&] { return FailureOf([&] { files_.Discard("D:\\M\\new.mp3"); }); }),
               "");
     EXPECT_FALSE(folder_.Exists("M/new.mp3"));
 }
@@ -241,7 +242,7 @@ TEST_F(DeleteTest, KeepsWhatIsWriteProtected) {
     chmod((folder_ / "M/keep.pla").c_str(), 0444);
     chmod((folder_ / "N").c_str(), 0555);
     chmod((folder_ / "N/closed.pla").c_str(), 0666);
-    EXPECT_EQ(AsOrdinaryUser([&] {
+    EXPECT_EQ(outside::AsOrdinaryUser([&] {
                   return FailureOf([&] { files_.DeleteFile("D:\\M\\keep.pla"); }) + '\n' +
                          FailureOf([&] { files_.DeleteFile("D:\\N\\closed.pla"); }) + '\n' +
                          FailureOf([&] { files_.CreateText("D:\\M\\keep.pla"); }) + '\n' +

@@ -1,7 +1,7 @@
 #include <filesystem>
 #include <sys/stat.h>
 
-#include "tests/platform/child_process.h"
+#include "tests/outside/child_process.h"
 #include "tests/platform/files_fixture.h"
 
 namespace quillon {
@@ -53,7 +53,8 @@ TEST_F(DeleteFolderTest, RemovesNothingWhenAFileIsWriteProtected) {
     chmod((folder_ / "Pages").c_str(), 0777);
     chmod((folder_ / "Pages/Sub").c_str(), 0777);
     chmod((folder_ / "Pages/Sub/kept.asp").c_str(), 0444);
-    EXPECT_EQ(AsOrdinaryUser([&] { return FailureOf([&] { files_.DeleteFolder("D:\\Pages"); }); }),
+    EXPECT_EQ(outside::AsOrdinaryUser(
+                  [&] { return FailureOf([&] { files_.DeleteFolder("D:\\Pages"); }); }),
               "Permission denied: D:\\Pages");
     EXPECT_TRUE(folder_.Exists("Pages/a.asp"));
     EXPECT_TRUE(folder_.Exists("Pages/Sub/kept.asp"));
@@ -65,7 +66,7 @@ TEST_F(DeleteFolderTest, RemovesNothingWhereFoldersMayNotBeRemoved) {
     chmod((folder_ / "Closed").c_str(), 0755);
     chmod((folder_ / "Closed/Pages").c_str(), 0777);
     chmod((folder_ / "Closed/Pages/a.asp").c_str(), 0666);
-    EXPECT_EQ(AsOrdinaryUser(
+    EXPECT_EQ(outside::AsOrdinaryUser(
                   [&] { return FailureOf([&] { files_.DeleteFolder("D:\\Closed\\Pages"); }); }),
               "Permission denied: D:\\Closed\\Pages");
     EXPECT_TRUE(folder_.Exists("Closed/Pages/a.asp"));

@@ -5,7 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "tests/platform/child_process.h"
+#include "tests/outside/child_process.h"
 #include "tests/platform/files_fixture.h"
 
 namespace quillon {
@@ -93,7 +93,7 @@ TEST_F(RemovedFilesTest, AWriteProtectedFileStays) {
     chmod(folder_.Path().c_str(), 0777);
     chmod((folder_ / "Music/A").c_str(), 0777);
     chmod((folder_ / "Music/A/Song.mp3").c_str(), 0444);
-    EXPECT_EQ(AsOrdinaryUser(
+    EXPECT_EQ(outside::AsOrdinaryUser(
                   [&] { return FailureOf([&] { files_.DeleteFile("D:\\Music\\A\\Song.mp3"); }); }),
               "Permission denied: D:\\Music\\A\\Song.mp3");
     EXPECT_TRUE(folder_.Exists("Music/A/Song.mp3"));
@@ -141,7 +141,7 @@ TEST_F(RemovedFilesElsewhereTest, AFullDiskLeavesTheFileWhereItIs) {
     struct stat here{}, there{};
     stat(folder_.Path().c_str(), &here);
     if (stat("/dev/shm", &there) != 0 || here.st_dev == there.st_dev) return;
-    const std::string told = WithFilesUpTo(
+    const std::string told = outside::WithFilesUpTo(
         3, [&] { return FailureOf([&] { files_.DeleteFile("D:\\Music\\A\\Song.mp3"); }); });
     EXPECT_EQ(told,
               "Disk full: D:\\Music\\A\\Song.mp3 (to be kept in " + elsewhere_.string() + ")");

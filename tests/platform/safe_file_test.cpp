@@ -7,13 +7,14 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "tests/platform/temporary_folder.h"
+#include "tests/outside/temporary_folder.h"
+#include "tests/platform/failure_of.h"
 
 namespace quillon {
 namespace {
 
 TEST(SafeFile, TakesItsNameInCommit) {
-    const TemporaryFolder folder;
+    const outside::TemporaryFolder folder;
     SafeFile file((folder / "a").string(), "D:\\a", SafeFile::Existing::Refuse);
     file.Write("x");
     EXPECT_FALSE(folder.Exists("a"));
@@ -23,7 +24,7 @@ TEST(SafeFile, TakesItsNameInCommit) {
 }
 
 TEST(SafeFile, DoesNotReplaceAFileThatAppearedMeanwhile) {
-    const TemporaryFolder folder;
+    const outside::TemporaryFolder folder;
     {
         SafeFile file((folder / "a").string(), "D:\\a", SafeFile::Existing::Refuse);
         folder.MakeFile("a", "other");
@@ -34,7 +35,7 @@ TEST(SafeFile, DoesNotReplaceAFileThatAppearedMeanwhile) {
 }
 
 TEST(SafeFile, SaysWhenTheFolderIsGone) {
-    const TemporaryFolder folder;
+    const outside::TemporaryFolder folder;
     folder.MakeFolder("sub");
     SafeFile file((folder / "sub/a").string(), "D:\\sub\\a", SafeFile::Existing::Replace);
     std::filesystem::remove_all(folder / "sub");
@@ -42,7 +43,7 @@ TEST(SafeFile, SaysWhenTheFolderIsGone) {
 }
 
 TEST(SafeFile, KeepsModeAndLinkOfAReplacedFile) {
-    const TemporaryFolder folder;
+    const outside::TemporaryFolder folder;
     folder.MakeFile("real/a", "old");
     chmod((folder / "real/a").c_str(), 0640);
     std::filesystem::create_symlink("real/a", folder / "link");
@@ -58,7 +59,7 @@ TEST(SafeFile, KeepsModeAndLinkOfAReplacedFile) {
 }
 
 TEST(SafeFile, ReplacesALinkThatLeadsNowhere) {
-    const TemporaryFolder folder;
+    const outside::TemporaryFolder folder;
     std::filesystem::create_symlink("nowhere", folder / "link");
     SafeFile file((folder / "link").string(), "D:\\link", SafeFile::Existing::Replace);
     file.Write("new");
@@ -68,7 +69,7 @@ TEST(SafeFile, ReplacesALinkThatLeadsNowhere) {
 }
 
 TEST(SafeFile, TargetMayHaveTheLongestName) {
-    const TemporaryFolder folder;
+    const outside::TemporaryFolder folder;
     const std::string longest(255, 'x');
     SafeFile file((folder / longest).string(), longest, SafeFile::Existing::Refuse);
     file.Commit();
@@ -76,7 +77,7 @@ TEST(SafeFile, TargetMayHaveTheLongestName) {
 }
 
 TEST(SafeFile, OfTheProgramsOwnFilesFollowsNoLink) {
-    const TemporaryFolder folder;
+    const outside::TemporaryFolder folder;
     folder.MakeFile("real", "another's");
     std::filesystem::create_symlink("real", folder / "link");
     std::filesystem::create_symlink("nowhere", folder / "dangling");
@@ -93,7 +94,7 @@ TEST(SafeFile, OfTheProgramsOwnFilesFollowsNoLink) {
 }
 
 TEST(SafeFile, OfTheProgramsOwnFilesReplacesALinkThatAppearedMeanwhileAndNotItsTarget) {
-    const TemporaryFolder folder;
+    const outside::TemporaryFolder folder;
     folder.MakeFile("real", "another's");
     SafeFile file((folder / "own").string(), "D:\\own", SafeFile::Existing::ReplaceOwn);
     file.Write("new");
@@ -104,7 +105,7 @@ TEST(SafeFile, OfTheProgramsOwnFilesReplacesALinkThatAppearedMeanwhileAndNotItsT
 }
 
 TEST(SafeFile, RefusesALinkWhereNothingMayBeReplaced) {
-    const TemporaryFolder folder;
+    const outside::TemporaryFolder folder;
     std::filesystem::create_symlink("nowhere", folder / "link");
     EXPECT_EQ(FailureOf([&] {
                   const SafeFile file((folder / "link").string(), "D:\\link",
@@ -114,7 +115,7 @@ TEST(SafeFile, RefusesALinkWhereNothingMayBeReplaced) {
 }
 
 TEST(SafeFile, SaysWhatStandsInItsPlace) {
-    const TemporaryFolder folder;
+    const outside::TemporaryFolder folder;
     folder.MakeFolder("folder");
     ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0666), 0);
     for (const std::string name : {"folder", "pipe"}) {

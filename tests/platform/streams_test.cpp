@@ -1,7 +1,7 @@
 #include <filesystem>
 #include <limits>
 
-#include "tests/platform/child_process.h"
+#include "tests/outside/child_process.h"
 #include "tests/platform/files_fixture.h"
 
 namespace quillon {
@@ -135,14 +135,14 @@ TEST_F(TextWriterTest, WritesNothingAfterClose) {
 
 TEST_F(TextWriterTest, AFullDiskKeepsTheOldFile) {
     folder_.MakeFile("a.txt", "old");
-    EXPECT_EQ(WithFilesUpTo(1000,
-                            [&] {
-                                return FailureOf([&] {
-                                    const auto writer = files_.CreateText("D:\\a.txt");
-                                    writer->Write(std::string(5000, 'x'));
-                                    writer->Close();
-                                });
-                            }),
+    EXPECT_EQ(outside::WithFilesUpTo(1000,
+                                     [&] {
+                                         return FailureOf([&] {
+                                             const auto writer = files_.CreateText("D:\\a.txt");
+                                             writer->Write(std::string(5000, 'x'));
+                                             writer->Close();
+                                         });
+                                     }),
               "Disk full: D:\\a.txt");
     EXPECT_EQ(folder_.Content("a.txt"), "old");
     EXPECT_EQ(folder_.Count(), 1U);

@@ -4,12 +4,12 @@
 #include <csignal>
 #include <filesystem>
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
 
 #include "platform/portable/safe_file.h"
 #include "platform/portable/safe_folder.h"
+#include "tests/outside/child_process.h"
 #include "tests/platform/files_fixture.h"
 
 namespace quillon {
@@ -18,13 +18,11 @@ namespace {
 /// Does something in a process that is killed then.
 template <typename Action>
 void Killed(Action action) {
-    const pid_t child = fork();
-    if (child == 0) {
+    outside::ChildProcess child([&]() -> int {
         action();
-        kill(getpid(), SIGKILL);
-    }
-    int status = 0;
-    waitpid(child, &status, 0);
+        return kill(getpid(), SIGKILL);
+    });
+    child.Wait();
 }
 
 class TemporaryEntryTest : public FilesTest {

@@ -5,7 +5,7 @@
 #include <unistd.h>
 
 #include "platform/failure.h"
-#include "tests/platform/child_process.h"
+#include "tests/outside/child_process.h"
 #include "tests/platform/files_fixture.h"
 
 namespace quillon {
@@ -122,7 +122,8 @@ TEST_F(WriteEndTest, RefusesAPathThatWindowsCannotHold) {
 
 TEST_F(WriteEndTest, LeavesAWriteProtectedFileAlone) {
     chmod((folder_ / "x.mp3").c_str(), 0444);
-    EXPECT_EQ(AsOrdinaryUser([&] { return WhatFails("END"); }), "Permission denied: D:\\x.mp3");
+    EXPECT_EQ(outside::AsOrdinaryUser([&] { return WhatFails("END"); }),
+              "Permission denied: D:\\x.mp3");
     EXPECT_EQ(Content(), "audio and end");
 }
 
@@ -131,15 +132,15 @@ TEST_F(WriteEndTest, LeavesAFileAloneWhoseTimeItCouldNotKeep) {
     // super-user runs this.
     chmod((folder_ / "x.mp3").c_str(), 0666);
     const bool isAnothers = geteuid() == 0;
-    EXPECT_EQ(AsOrdinaryUser([&] { return WhatFails("END"); }),
+    EXPECT_EQ(outside::AsOrdinaryUser([&] { return WhatFails("END"); }),
               isAnothers ? "Permission denied: D:\\x.mp3" : "");
     EXPECT_EQ(Content(), isAnothers ? "audio and end" : "audio and END");
 }
 
 TEST_F(WriteEndTest, TakesBackWhatItAppendedToAFullDisk) {
     SetModified(1'234'567'890, 5);
-    for (const rlim_t room : {13U, 14U, 17U}) {
-        EXPECT_EQ(WithFilesUpTo(room, [&] { return WhatFails(" more", 13); }),
+    for (const std::size_t room : {13U, 14U, 17U}) {
+        EXPECT_EQ(outside::WithFilesUpTo(room, [&] { return WhatFails(" more", 13); }),
                   "Disk full: D:\\x.mp3");
         EXPECT_EQ(Content(), "audio and end");
         EXPECT_EQ(Facts().st_mtim.tv_sec, 1'234'567'890);
@@ -148,8 +149,8 @@ TEST_F(WriteEndTest, TakesBackWhatItAppendedToAFullDisk) {
 }
 
 TEST_F(WriteEndTest, GivesTheOldBytesBackWhenTheDiskFillsMidway) {
-    for (const rlim_t room : {10U, 11U, 13U, 15U}) {
-        EXPECT_EQ(WithFilesUpTo(room, [&] { return WhatFails("NEW END"); }),
+    for (const std::size_t room : {10U, 11U, 13U, 15U}) {
+        EXPECT_EQ(outside::WithFilesUpTo(room, [&] { return WhatFails("NEW END"); }),
                   "Disk full: D:\\x.mp3");
         EXPECT_EQ(Content(), "audio and end");
     }

@@ -1,17 +1,22 @@
 """Reconciles a copy of a prepared jukebox database with a folder tree made from its own rows.
 
-usage: reconcile_real_database.py QUILLON SHARED NAME
+usage: reconcile_real_database.py QUILLON NAME
 
 Some files of the tree are left out and some are added, then `quillon run` is called three times.
 What must hold afterwards is checked with an independent reader of the database.
 """
 import collections
-import json
 import os
 import shutil
-import subprocess
 import sys
 import tempfile
+from pathlib import Path
+
+sys.dont_write_bytecode = True
+sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "outside"))
+
+import readers
+from processes import call
 
 OWNED = 1001
 
@@ -24,20 +29,21 @@ def fail(text):
 class Database:
     """Reads a database with the structural checker's own dump."""
 
-    def __init__(self, checker, path):
-        self.checker, self.path = checker, path
+    def __init__(self, path):
+        self.path = path
+        self.tables = readers.dumped(path)
 
     def check(self):
-        done = subprocess.run([sys.executable, self.checker, self.path], capture_output=True, text=True)
-        if done.returncode != 0:
-            fail("structure: " + done.stdout[:2000])
+        """Looks at the whole file, and reads all of its rows anew."""
+        if faults := readers.faults_of(self.path):
+            fail("structure: " + faults[:2000])
+        self.tables = readers.dumped(self.path)
 
     def rows(self, table):
-        done = subprocess.run([sys.executable, self.checker, "--dump", self.path, table],
-                              capture_output=True, text=True, check=True)
+        """By identifier; whoever asks may keep them."""
         result = {}
-        for line in done.stdout.splitlines():
-            row = json.loads(line)
+        for row in self.tables.get(table, []):
+            row = dict(row)
             row.pop("_table", None)
             where = row.pop("_row", None)
             result[row.get("ID", where)] = row
@@ -172,22 +178,21 @@ def check_downloads(albums, tracks, before, database):
 
 
 def run(quillon, host, expected):
-    done = subprocess.run([quillon, "run", "--host", host, "--view", "plain"], capture_output=True,
-                          text=True, stdin=subprocess.DEVNULL)
-    if done.returncode not in expected:
-        fail(f"exit status {done.returncode}:\n{done.stdout[-3000:]}\n{done.stderr[-3000:]}")
+    status, output, errors = call([quillon, "run", "--host", host, "--view", "plain"])
+    if status not in expected:
+        fail(f"exit status {status}:\n{output[-3000:]}\n{errors[-3000:]}")
 
 
 def main():
-    quillon, shared, name = sys.argv[1:]
+    quillon, name = sys.argv[1:]
     with tempfile.TemporaryDirectory() as work:
         music, data = os.path.join(work, "d", "Music"), os.path.join(work, "e")
         os.makedirs(music)
         os.makedirs(data)
         path = os.path.join(data, "cdj.mdb")
-        shutil.copyfile(os.path.join(shared, "fixtures", "library", name + ".mdb"), path)
+        shutil.copyfile(readers.SHARED / "fixtures" / "library" / f"{name}.mdb", path)
         os.chmod(path, 0o644)
-        database = Database(os.path.join(shared, "mdb", "mdbcheck"), path)
+        database = Database(path)
         before = {table: database.rows(table)
                   for table in ("Albums", "Tracks", "Playlists", "SpinnerGenre", "Spinner",
                                 "SpinnerArtist")}

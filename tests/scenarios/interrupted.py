@@ -14,7 +14,7 @@ import sys
 import time
 from pathlib import Path
 
-from stage import CHECKER, Failed, Stage, confirm_whole
+from stage import Failed, Stage, confirm_whole
 
 import song_lists
 import sound_files
@@ -180,8 +180,7 @@ class Interrupted:
         self.half_written += Path(f"{self.stage.database}.journal").exists()
         self.stage.execute("DELETE * FROM SpinnerID3Differences")
         self.stage.tool("db", "check", str(self.stage.database))
-        if CHECKER.exists():
-            confirm_whole(self.stage.database)
+        confirm_whole(self.stage.database)
         if moment % 2 == 0:
             self.library_away()
         self.ends_like_the_others()

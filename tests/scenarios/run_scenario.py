@@ -1,39 +1,25 @@
 #!/usr/bin/env python3
-"""run_scenario.py PROGRAM FOLDER   plays one scenario; README.md tells how a folder is read."""
+"""run_scenario.py PROGRAM FILE   plays one scenario; README.md tells how the file is read."""
 
 import difflib
 import os
 import re
-import subprocess
 import sys
 from datetime import datetime
 from pathlib import Path
 
-from stage import NOBODY, Failed, Stage
+import scenario_file
+from stage import NOBODY, SANITIZED, Failed, Stage, output_of
 
 import sound_files
 
 DEFAULT_TIME = datetime(2020, 1, 1).timestamp()
 
 
-def lines_of(file):
-    """Lines that say something; "#" in the first column begins a remark."""
-    if not file.exists():
-        return []
-    return [line for line in file.read_text("utf-8").splitlines()
-            if line.strip() and not line.startswith("#")]
-
-
 def local_path(stage, text):
     """A path below the disk; \\xHH stands for one byte of a name."""
-    raw = re.sub(rb"\\x([0-9A-F]{2})", lambda match: bytes([int(match[1], 16)]),
-                 text.strip().encode("utf-8"))
+    raw = scenario_file.bytes_of(text.strip(), "utf-8")
     return os.fsdecode(os.fsencode(stage.disk) + b"/" + raw)
-
-
-def text_of(lines):
-    """Lines with "; " between them; a ";" at the end stands for the last line end."""
-    return lines.replace("; ", "\r\n").removesuffix(";") + ("\r\n" if lines.endswith(";") else "")
 
 
 def make_file(stage, line):
@@ -53,7 +39,7 @@ def make_file(stage, line):
         return
     modified = time_of(date)
     if what.startswith("lines: "):
-        content = text_of(what[7:]).encode("cp1252")
+        content = scenario_file.lines_content(what[7:])
     elif what.startswith("bytes: "):
         content = b"x" * int(what[7:])
     else:
@@ -78,21 +64,21 @@ def tagged_sound(what):
     return content
 
 
-def set_the_scene(stage, before):
-    for line in lines_of(before / "settings.ini"):
+def set_the_scene(stage, run):
+    for line in run.lines("settings"):
         key, value = line.split("=", 1)
         stage.settings[key] = value
     stage.write_settings()
-    if (before / "host.ini").exists():
+    if "host settings" in run:
         with open(stage.host / "host.ini", "a", encoding="utf-8") as host:
-            host.write((before / "host.ini").read_text("utf-8"))
-    for line in lines_of(before / "files.txt"):
+            host.write("\n" + run.sections["host settings"].text())
+    for line in run.lines("before/files"):
         make_file(stage, line)
-    for line in lines_of(before / "rows.sql"):
+    for line in run.lines("before/rows"):
         stage.execute(line)
-    if (before / "prepare.sh").exists():
-        subprocess.run(["bash", "-euo", "pipefail", before / "prepare.sh"], cwd=stage.work,
-                       check=True, env=dict(os.environ, QUILLON=str(stage.program)))
+    if "before/commands" in run:
+        output_of(["bash", "-euo", "pipefail", "-c", run.sections["before/commands"].text()],
+                  stage.work, environment={"QUILLON": str(stage.program)})
 
 
 def shown(value):
@@ -101,74 +87,83 @@ def shown(value):
     return '""' if value == "" else str(value)
 
 
-def table_rows(file):
-    """The first line names the fields, the others hold a row each, with " | " between values."""
-    header, *rows = [[cell.strip() for cell in line.split(" | ")] for line in lines_of(file)]
-    return header, rows
-
-
 def compare(what, expected, actual):
     if expected != actual:
         difference = difflib.unified_diff(expected, actual, "expected", "actual", lineterm="", n=9)
-        raise Failed(f"{what}:\n" + "\n".join(difference))
+        raise Failed(f"{what} not as expected (\"-\" is missing, \"+\" is new):\n" +
+                     "\n".join(difference))
 
 
-def compare_table(stage, file):
-    fields, expected = table_rows(file)
+def compare_table(stage, table, lines):
+    """The first line names the fields, the others hold a row each, with " | " between values."""
+    fields, *expected = [[cell.strip() for cell in line.split(" | ")] for line in lines]
     select = ", ".join(f"[{field}]" for field in fields)
-    rows = stage.query(f"SELECT {select} FROM [{file.stem}]")
+    rows = stage.query(f"SELECT {select} FROM [{table}]")
     actual = [[shown(row[field]) for field in fields] for row in rows]
-    compare(f"rows of {file.stem}", sorted(" | ".join(row) for row in expected),
+    compare(f"rows of {table}", sorted(" | ".join(row) for row in expected),
             sorted(" | ".join(row) for row in actual))
 
 
-def compare_log(stage, after, already):
+def compare_log(run, messages):
     """Exact messages in order, or some of them."""
-    messages = stage.log_messages()[already:]
-    if (after / "log-has.txt").exists():
-        compare_texts("log", after / "log-has.txt", "\n".join(messages))
+    if "after/log has" in run:
+        compare_texts("log", run.lines("after/log has"), "\n".join(messages))
     else:
-        compare("log", lines_of(after / "log.txt"), messages)
+        compare("log", run.lines("after/log"), messages)
 
 
-def compare_tree(stage, folder, file):
+def compare_tree(stage, folder, expected, what):
     actual = []
     for path in folder.rglob("*"):
         name = stage.neutral(os.fsencode(path.relative_to(folder)).decode("utf-8", "replace"))
         actual.append(name + "/" if path.is_dir() else name)
-    compare(file.stem, sorted(lines_of(file)), sorted(actual))
+    compare(what, sorted(expected), sorted(actual))
 
 
 def contents_of(folder):
     return {path: path.read_bytes() for path in folder.rglob("*") if path.is_file()}
 
 
-def compare_csv(stage, file):
+def compare_report(stage, expected):
     """The reconciliation file, byte for byte but for the time that begins each line."""
     written = (stage.host / "Data" / "Quillon" / "QuillonReconcile.csv").read_bytes()
     lines = [re.sub(r"^[0-9/]+( [0-9:]+ [AP]M)?,", "TIME,", line)
              for line in written.decode("cp1252").split("\r\n")]
-    compare("reconciliation file", lines_of(file) + [""], lines)
+    compare("reconciliation file", [*expected, ""], lines)
 
 
-def compare_removed(stage, file):
+def compare_removed(stage, run):
     """The files that were moved to HOST/Removed instead of being deleted."""
     actual = [stage.neutral(path.relative_to(stage.host).as_posix())
               for path in (stage.host / "Removed").rglob("*") if not path.is_dir()]
-    compare("removed files", sorted(lines_of(file)), sorted(actual))
+    if "after/removed files" in run:
+        compare("removed files", sorted(run.lines("after/removed files")), sorted(actual))
+    elif (stage.host / "Removed").exists():
+        raise Failed("music was removed:\n" + "\n".join(sorted(actual)))
 
 
-def compare_tags(stage, file):
-    """Lines as in the files.txt of before: each file's bytes are those, and so is its time."""
-    for line in lines_of(file):
+def tag_lines(content):
+    """The fields of the tag that ends a file, each with all its bytes."""
+    tag = content[-128:]
+    if tag[:3] != b"TAG":
+        return ["no tag"]
+    ends = {"song": (3, 33), "artist": (33, 63), "album": (63, 93), "year": (93, 97),
+            "comment and track": (97, 127), "genre": (127, 128)}
+    return [f"{name}={scenario_file.written_bytes(tag[start:end])}"
+            for name, (start, end) in ends.items()]
+
+
+def compare_tags(stage, lines):
+    """Lines as in "before/files": each file's bytes are those, and so is its time."""
+    for line in lines:
         parts = [part.strip() for part in re.split(r" \|(?= |$)", line)] + ["", ""]
         path = local_path(stage, parts[0])
         with open(path, "rb") as stream:
             content = stream.read()
         expected = tagged_sound(parts[2])
-        compare(f"last 128 bytes of {parts[0]}", [repr(expected[-128:])], [repr(content[-128:])])
+        compare(f"tag of {parts[0]}", tag_lines(expected), tag_lines(content))
         if content != expected:
-            raise Failed(f"{parts[0]} has changed before its tag")
+            raise Failed(f"{parts[0]} changed in front of its tag")
         compare(f"time of {parts[0]}", [str(time_of(parts[1]))], [str(os.stat(path).st_mtime)])
 
 
@@ -178,31 +173,32 @@ def all_music(stage):
             for path in (stage.disk / "Music").rglob("*") if path.is_file()}
 
 
-def compare_contents(stage, file):
-    """PATH | LINES, as in files.txt."""
-    for line in lines_of(file):
+def compare_contents(stage, lines):
+    """PATH | LINES, as in "before/files"."""
+    for line in lines:
         path, text = line.split(" | ", 1)
-        content = Path(local_path(stage, path)).read_bytes().decode("cp1252")
-        compare(path, text_of(text).splitlines(True), content.splitlines(True))
+        expected = scenario_file.lines_content(text)
+        actual = Path(local_path(stage, path)).read_bytes()
+        compare(path, scenario_file.written_lines(expected), scenario_file.written_lines(actual))
+        if expected != actual:
+            raise Failed(f"{path} has other bytes: {actual!r}")
 
 
-def compare_texts(what, file, actual):
+def compare_texts(what, lines, actual):
     """Each line must occur, in this order."""
     rest = actual
-    for line in lines_of(file):
+    for line in lines:
         _, found, rest = rest.partition(line)
         if not found:
             raise Failed(f"{what} lacks \"{line}\" (or has it elsewhere):\n{actual}")
 
 
-def compare_check(stage, file, unprivileged):
+def compare_check(stage, lines, unprivileged):
     """The first line is the exit status of "quillon check", each further one occurs in what it
     tells, in this order; how that is broken into lines does not count."""
-    if not file.exists():
-        return
     status, output, errors = stage.call("check", "--host", str(stage.host),
                                         unprivileged=unprivileged)
-    expected, *sentences = lines_of(file)
+    expected, *sentences = lines
     compare("exit status of check", [expected], [str(status)])
     rest = " ".join((output + errors).split())
     for sentence in sentences:
@@ -211,83 +207,103 @@ def compare_check(stage, file, unprivileged):
             raise Failed(f"check lacks \"{sentence}\" (or has it elsewhere):\n{output}{errors}")
 
 
-def play(stage, before, after):
-    set_the_scene(stage, before)
+def hand_over(stage):
+    """Everything on the stage belongs to another account then."""
+    for folder, folders, files in os.walk(stage.work):
+        for name in [".", *folders, *files]:
+            os.chown(os.path.join(folder, name), NOBODY, NOBODY, follow_symlinks=False)
+
+
+def state(stage, kind):
+    """What must not change, by the words of "after/unchanged"."""
+    if kind == "rows":
+        return None if SANITIZED else stage.all_rows()
+    if kind == "database file":
+        return stage.database.read_bytes() if stage.database.exists() else None
+    return all_music(stage) if kind == "music" else contents_of(stage.web)
+
+
+class Checks:
+    """Compares one section after the other; a failure names the line of the file that has it."""
+
+    def __init__(self, run):
+        self.run = run
+
+    def section(self, name, comparison, *arguments):
+        """Where the run has that section; its lines come last."""
+        if name in self.run:
+            self.at(name, comparison, *arguments, self.run.lines(name))
+
+    def at(self, name, comparison, *arguments):
+        try:
+            comparison(*arguments)
+        except Failed as failure:
+            raise Failed(f"{self.run.place(name)}: {failure}") from None
+
+
+def play(stage, run):
+    set_the_scene(stage, run)
     already = len(stage.log_messages())
-    unprivileged = (before / "as-another-account").exists()
+    unprivileged = "account" in run
     if unprivileged and os.geteuid() == 0:
-        for folder, folders, files in os.walk(stage.work):
-            for name in [".", *folders, *files]:
-                os.chown(os.path.join(folder, name), NOBODY, NOBODY, follow_symlinks=False)
-    for folder in lines_of(before / "unreadable.txt"):
-        os.chmod(local_path(stage, folder), 0)
-    file_before = stage.database.read_bytes() if stage.database.exists() else None
-    untouched = (after / "database-untouched").exists()
-    unchanged = (after / "rows-unchanged").exists()
-    rows_before = stage.all_rows() if unchanged else None
-    web_before = contents_of(stage.web)
-    music_before = all_music(stage) if (after / "music-untouched").exists() else None
+        hand_over(stage)
+    closed = [local_path(stage, folder) for folder in run.lines("before/unreadable")]
+    for folder in closed:
+        os.chmod(folder, 0)
+    before = {kind: state(stage, kind) for kind in run.lines("after/unchanged")}
 
-    compare_check(stage, before / "check.txt", unprivileged)
-    status, output, errors = stage.reconcile(*lines_of(before / "arguments.txt"),
-                                             unprivileged=unprivileged)
+    checks = Checks(run)
+    if "check" in run:
+        checks.at("check", compare_check, stage, run.lines("check"), unprivileged)
+    status, output, errors = stage.reconcile(*run.lines("arguments"), unprivileged=unprivileged)
 
-    for folder in lines_of(before / "unreadable.txt"):
-        os.chmod(local_path(stage, folder), 0o755)
-    told = f"\nstandard output:\n{output}\nstandard error:\n{errors}"
+    for folder in closed:
+        os.chmod(folder, 0o755)
     try:
-        compare("exit status", lines_of(after / "exit.txt") or ["0"], [str(status)])
-        compare_log(stage, after, already)
-        compare_texts("standard output", after / "output.txt", output)
-        compare_texts("standard error", after / "errors.txt", errors)
-        if (after / "files.txt").exists():
-            compare_tree(stage, stage.disk, after / "files.txt")
-        if (after / "web.txt").exists():
-            compare_tree(stage, stage.web, after / "web.txt")
-        if (after / "web-unchanged").exists() and contents_of(stage.web) != web_before:
-            raise Failed("some file of the web server is not as it was")
-        if (after / "csv.txt").exists():
-            compare_csv(stage, after / "csv.txt")
-        if (after / "removed.txt").exists():
-            compare_removed(stage, after / "removed.txt")
-        elif (stage.host / "Removed").exists():
-            raise Failed("music was removed")
-        compare_tags(stage, after / "tags.txt")
-        if music_before is not None and all_music(stage) != music_before:
-            raise Failed("some file of the library is not as it was")
-        compare_contents(stage, after / "contents.txt")
-        if untouched:
-            content = stage.database.read_bytes() if stage.database.exists() else None
-            if content != file_before:
-                raise Failed("the database file is not as it was")
-            return
-        for file in sorted(after.glob("*.txt")):
-            if file.stem[0].isupper():
-                compare_table(stage, file)
-        if unchanged and stage.all_rows() != rows_before:
-            raise Failed("some rows are not as they were")
-        told_of = lines_of(after / "log.txt") + lines_of(after / "log-has.txt")
-        braked = any("Nothing is removed" in line for line in told_of)
-        stage.confirm_database(unrepaired=braked)
+        checks.at("after/exit status", compare, "exit status",
+                  run.lines("after/exit status") or ["0"], [str(status)])
+        log = "after/log has" if "after/log has" in run else "after/log"
+        checks.at(log, compare_log, run, stage.log_messages()[already:])
+        confirm_outcome(stage, run, checks, before, (output, errors))
     except Failed as failure:
+        told = f"\nstandard output:\n{output}\nstandard error:\n{errors}"
         raise Failed(f"{failure}{told}") from None
 
 
+def confirm_outcome(stage, run, checks, before, told):
+    """Everything but exit status and log."""
+    output, errors = told
+    checks.section("after/output", lambda lines: compare_texts("standard output", lines, output))
+    checks.section("after/errors", lambda lines: compare_texts("standard error", lines, errors))
+    for folder, name in ((stage.disk, "files"), (stage.web, "web")):
+        checks.section(f"after/{name}",
+                       lambda lines, folder=folder, name=name:
+                       compare_tree(stage, folder, lines, name))
+    checks.section("after/reconciliation file", compare_report, stage)
+    checks.at("after/removed files", compare_removed, stage, run)
+    checks.section("after/tags", compare_tags, stage)
+    checks.section("after/contents", compare_contents, stage)
+    for table in run.tables() if not SANITIZED else []:
+        checks.section(f"after/rows of {table}", compare_table, stage, table)
+    for kind, content in before.items():
+        if state(stage, kind) != content:
+            raise Failed(f"{run.place('after/unchanged')}: the {kind} changed")
+    if "database file" not in before:
+        told_of = run.lines("after/log") + run.lines("after/log has")
+        stage.confirm_database(unrepaired=any("Nothing is removed" in line for line in told_of))
+
+
 def main():
-    program, folder = sys.argv[1], Path(sys.argv[2]).resolve()
-    names = [""] + [f"-{number}" for number in range(2, 10)]
-    runs = [name for name in names if (folder / f"after{name}").is_dir()]
-    if not runs:
-        print(f"{folder} has no folder \"after\"")
+    program, file = sys.argv[1], Path(sys.argv[2])
+    try:
+        runs = scenario_file.read(file)
+        with Stage(program) as stage:
+            for run in runs:
+                play(stage, run)
+    except (Failed, scenario_file.Misread) as failure:
+        print(failure)
         return 1
-    with Stage(program) as stage:
-        for name in runs:
-            try:
-                play(stage, folder / f"before{name}", folder / f"after{name}")
-            except Failed as failure:
-                print(f"{folder.name}, after{name}: {failure}")
-                return 1
-    print(f"{folder.name}: as expected after {len(runs)} run(s)")
+    print(f"{file.stem}: as expected after {len(runs)} run(s)")
     return 0
 
 

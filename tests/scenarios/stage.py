@@ -1,22 +1,20 @@
 """A stage for whole-program tests: a host folder and a disk in a temporary folder, the program run
 as a process, and independent readers that confirm what it wrote."""
 
-import csv
-import io
 import json
 import os
 import re
 import shutil
-import subprocess
 import sys
 import tempfile
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[2]
-SHARED = Path(os.environ.get("QUILLON_SHARED", ROOT.parent / "shared"))
-CHECKER = SHARED / "mdb" / "mdbcheck"
 sys.dont_write_bytecode = True
-sys.path.insert(0, str(ROOT / "demo"))
+sys.path[:0] = [str(ROOT / "demo"), str(ROOT / "tests" / "outside")]
+
+from processes import Failed, output_of, start, told_by  # noqa: E402
+from readers import checker_at_hand, dumped, exported, faults_of  # noqa: E402
 
 BASE_SETTINGS = {
     "LibraryRoot": r"D:\Music",
@@ -29,11 +27,9 @@ BASE_SETTINGS = {
     "GenrePlaylist": "0",
 }
 NOBODY = 65534
-TIME_LIMIT = 240
-
-
-class Failed(Exception):
-    """What was expected did not come true; the text says what."""
+# The sanitizers look at the memory of the program. What that writes is what every other build writes:
+# nothing that a process of its own would have to read is compared under them.
+SANITIZED = "QUILLON_SANITIZED" in os.environ
 
 
 class Stage:
@@ -73,7 +69,7 @@ class Stage:
         """The program as a process, in the stage's folder."""
         if unprivileged and os.geteuid() == 0:
             options.update(user=NOBODY, group=NOBODY, extra_groups=[])
-        return start([str(self.program), *arguments], self.work, **options)
+        return start([self.program, *arguments], self.work, **options)
 
     def call(self, *arguments, **options):
         """Runs the program to its end: exit status, standard output, standard error."""
@@ -81,10 +77,7 @@ class Stage:
 
     def tool(self, *arguments):
         """Runs the program where it must succeed; its output."""
-        status, output, errors = self.call(*arguments)
-        if status != 0:
-            raise Failed(f"quillon {' '.join(arguments)}: exit status {status}\n{output}{errors}")
-        return output
+        return output_of([self.program, *arguments], self.work)
 
     def reconcile(self, *arguments, **options):
         return self.call("run", "--host", str(self.host), "--view", "plain", *arguments, **options)
@@ -117,16 +110,9 @@ class Stage:
     def confirm_database(self, unrepaired=False):
         """Asks every other reader at hand whether the file is whole and says the same. A run that
         has repaired no playlist may leave what it had captured of them."""
-        rows = self.all_rows()
-        for table in TABLES:
-            confirm_same_rows(table, rows[table], self.exported(table), "mdb-export")
         self.tool("db", "check", str(self.database))
-        if CHECKER.exists():
-            confirm_whole(self.database)
-            theirs = dumped(self.database)
-            for table in TABLES:
-                confirm_same_rows(table, rows[table], theirs.get(table, []), "mdbcheck",
-                                  null="(Null)")
+        if not SANITIZED:
+            self.confirm_rows()
         leftovers = {".journal", ".ldb"} | (set() if unrepaired else {".playlists"})
         for leftover in self.disk.iterdir():
             if leftover.suffix in leftovers:
@@ -135,31 +121,16 @@ class Stage:
     def exported(self, table):
         return exported(self.database, table)
 
-
-def start(command, folder, environment=None, **options):
-    """A program as a process in a folder, with further variables of its environment."""
-    variables = dict(os.environ, LC_ALL="C.UTF-8", **(environment or {}))
-    variables.pop("QUILLON_HOST", None)
-    return subprocess.Popen(command, cwd=folder, stdin=subprocess.DEVNULL, env=variables,
-                            stdout=subprocess.PIPE, stderr=subprocess.PIPE, **options)
-
-
-def told_by(process, time_limit=TIME_LIMIT):
-    """Waits for a process: exit status, standard output, standard error."""
-    try:
-        output, errors = process.communicate(timeout=time_limit)
-    except subprocess.TimeoutExpired:
-        process.kill()
-        process.communicate()
-        raise Failed(f"{' '.join(map(str, process.args))} did not end") from None
-    return process.returncode, output.decode("utf-8"), errors.decode("utf-8")
-
-
-def exported(database, table, *options):
-    """The rows of a table as mdb-export prints them."""
-    result = subprocess.run(["mdb-export", *options, database, table], check=True,
-                            capture_output=True, env=dict(os.environ, LC_ALL="C.UTF-8"))
-    return list(csv.DictReader(io.StringIO(result.stdout.decode("utf-8"), newline="")))
+    def confirm_rows(self):
+        rows = self.all_rows()
+        for table in TABLES:
+            confirm_same_rows(table, rows[table], self.exported(table), "mdb-export")
+        confirm_whole(self.database)
+        if checker_at_hand():
+            theirs = dumped(self.database)
+            for table in TABLES:
+                confirm_same_rows(table, rows[table], theirs.get(table, []), "mdbcheck",
+                                  null="(Null)")
 
 
 TABLES = ("Albums", "Tracks", "Playlists", "Spinner", "SpinnerArtist", "SpinnerGenre",
@@ -173,19 +144,8 @@ DATES_AND_SWITCHES = {"DateAdded", "DateReleased", "DateLastPlayed", "DownLoadTi
 
 def confirm_whole(database):
     """The structural checker's word, where it is at hand."""
-    result = subprocess.run([CHECKER, database], capture_output=True, text=True, check=False)
-    if result.returncode != 0:
-        raise Failed(f"mdbcheck finds faults:\n{result.stdout}{result.stderr}")
-
-
-def dumped(database):
-    """The rows of every table that has any, as the structural checker reads them."""
-    result = subprocess.run([CHECKER, "--dump", database], check=True, capture_output=True)
-    tables = {}
-    for line in result.stdout.decode("utf-8").splitlines():
-        row = json.loads(line)
-        tables.setdefault(row["_table"], []).append(row)
-    return tables
+    if checker_at_hand() and (faults := faults_of(database)):
+        raise Failed(faults)
 
 
 def confirm_same_rows(table, own, others, reader, null=""):

@@ -3,7 +3,12 @@
 import re
 import signal
 import socket
-import subprocess
+import sys
+from pathlib import Path
+
+sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "outside"))
+
+from processes import start, told_by
 
 TIME_LIMIT = 60
 
@@ -15,8 +20,7 @@ class Server:
         self._command = [str(program), "serve", "--host", str(host), "--port", str(port)]
 
     def __enter__(self):
-        self.process = subprocess.Popen(self._command, stdin=subprocess.DEVNULL,
-                                        stdout=subprocess.PIPE, text=True)
+        self.process = start(self._command, stderr=None, text=True)
         self.greeting = self.process.stdout.readline()
         found = re.search(r"http://127\.0\.0\.1:(\d+)/$", self.greeting.rstrip("\n"))
         if not found:
@@ -34,13 +38,7 @@ class Server:
     def stop(self, number=signal.SIGTERM):
         """Ends it; its exit status."""
         self.process.send_signal(number)
-        try:
-            self.process.communicate(timeout=TIME_LIMIT)
-        except subprocess.TimeoutExpired:
-            self.process.kill()
-            self.process.communicate()
-            raise
-        return self.process.returncode
+        return told_by(self.process, TIME_LIMIT).returncode
 
     def connect(self):
         return socket.create_connection(("127.0.0.1", self.port), timeout=TIME_LIMIT)

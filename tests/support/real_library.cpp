@@ -2,11 +2,9 @@
 
 #include <algorithm>
 #include <csignal>
-#include <exception>
 #include <fcntl.h>
 #include <fstream>
 #include <gtest/gtest.h>
-#include <iostream>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -14,6 +12,7 @@
 #include "app/jukebox_database.h"
 #include "database/remove_duplicates.h"
 #include "reconcile/refresh_database.h"
+#include "tests/outside/child_process.h"
 #include "tests/support/database_rows.h"
 #include "tests/support/open_database.h"
 #include "tests/support/sound_file.h"
@@ -31,21 +30,13 @@ DriveTable Drives(const fs::path& folder) {
     return drives;
 }
 
-/// Runs work in a forked process; the status it ended with.
+/// Runs work in a process of its own; the status it ended with.
 int StatusOf(const std::function<void()>& work) {
-    const ::pid_t child = ::fork();
-    if (child == 0) {
-        try {
-            work();
-        } catch (const std::exception& failure) {
-            std::cerr << "in the child process: " << failure.what() << std::endl;
-            ::_exit(2);
-        }
-        ::_exit(::testing::Test::HasFailure() ? 1 : 0);
-    }
-    int status = 0;
-    ::waitpid(child, &status, 0);
-    return status;
+    outside::ChildProcess child([&] {
+        work();
+        return ::testing::Test::HasFailure() ? 1 : 0;
+    });
+    return child.Wait();
 }
 
 }  // namespace

@@ -1,1 +1,0 @@
-echo 'M=../disk/Music' >> host/host.ini

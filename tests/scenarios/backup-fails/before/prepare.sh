@@ -1,1 +1,0 @@
-chmod 000 disk/Lists/Closed.pla

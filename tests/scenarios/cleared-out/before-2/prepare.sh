@@ -1,1 +1,0 @@
-rm -r disk/Music/Alder

@@ -1,1 +1,0 @@
-truncate -s $((20 * 4096)) disk/jukebox.mdb

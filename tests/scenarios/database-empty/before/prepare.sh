@@ -1,1 +1,0 @@
-: > disk/jukebox.mdb

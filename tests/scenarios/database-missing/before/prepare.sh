@@ -1,1 +1,0 @@
-rm disk/jukebox.mdb

@@ -1,1 +1,0 @@
-printf "%08192d" 7 > disk/jukebox.mdb

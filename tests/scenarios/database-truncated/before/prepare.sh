@@ -1,1 +1,0 @@
-truncate -s 100000 disk/jukebox.mdb

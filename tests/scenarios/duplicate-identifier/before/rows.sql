@@ -1,8 +1,0 @@
-INSERT INTO Albums (CDJID, Title, Artist, Player, Tracks) VALUES ("252E671073EC0010", "First Light", "Alder", 1001, 1)
-INSERT INTO Albums (CDJID, Title, Artist, Player, Tracks) VALUES ("252E671073EC0010", "Second Light", "Alder", 1001, 1)
-INSERT INTO Albums (CDJID, Title, Artist, Player, Tracks) VALUES ("C70A5B0F", "A disc", "Somebody", 1, 12)
-INSERT INTO Albums (CDJID, Title, Artist, Player, Tracks) VALUES ("C70A5B0F", "A file", "Somebody", 1001, 1)
-INSERT INTO Albums (CDJID, Title, Artist, Player, Tracks) VALUES ("252E671073EC0007", "Quiet", "Birch", 1001, 1)
-INSERT INTO Tracks (CDJID, Track, Title, Artist, SoundFile) VALUES ("252E671073EC0010", 1, "Dawn", "Alder", "D:\Music\Alder\First Light\01 - Dawn.mp3")
-INSERT INTO Tracks (CDJID, Track, Title, Artist, SoundFile) VALUES ("C70A5B0F", 1, "Opening", "Somebody", Null)
-INSERT INTO Tracks (CDJID, Track, Title, Artist, SoundFile) VALUES ("252E671073EC0007", 1, "Hush", "Birch", "D:\Music\Birch\Quiet\01 - Hush.mp3")

@@ -1,2 +1,0 @@
-mv disk/Music away
-mkdir disk/Music

@@ -1,2 +1,0 @@
-rmdir disk/Music
-mv away disk/Music

@@ -1,5 +1,0 @@
-INSERT INTO Albums (CDJID, ImageFile) VALUES ("A1", "D:\a.jpg")
-INSERT INTO Tracks (CDJID, SoundFile) VALUES ("A1", "D:\a.mp3")
-INSERT INTO Tracks (CDJID, SoundFile) VALUES ("A1", "D:\xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx.mp3")
-INSERT INTO Tracks (CDJID, SoundFile) VALUES ("A1", "D:\c.mp3")
-INSERT INTO Playlists (Type, FilePath) VALUES ("pla", "E:\Lists\")

@@ -1,5 +1,0 @@
-INSERT INTO Albums (CDJID, Title, Artist, Player, Tracks, Position) VALUES ("A10B0C0D", "First Light", "Alder", 1, 2, 17)
-INSERT INTO Albums (CDJID, Title, Artist, Player, Tracks, Position) VALUES ("A10B0C0E", "Silence", "Birch", 2, 0, 18)
-INSERT INTO Tracks (CDJID, Track, Title, Artist, SoundFile) VALUES ("A10B0C0D", 0, "Dawn", "Alder", "D:\Music\Alder\First Light\01 - Dawn.mp3")
-INSERT INTO Tracks (CDJID, Track, Title, Artist, SoundFile) VALUES ("A10B0C0D", 2, "Noon", "Alder", Null)
-INSERT INTO Tracks (CDJID, Track, Title, Artist, SoundFile) VALUES ("nowhere", 0, "An orphan", "Cedar", "")

@@ -1,2 +1,0 @@
-rm disk/jukebox.mdb.playlists
-mkfifo disk/jukebox.mdb.playlists

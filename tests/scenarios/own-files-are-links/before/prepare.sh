@@ -1,2 +1,0 @@
-printf precious > disk/precious.txt
-ln -s precious.txt disk/jukebox.mdb.playlists

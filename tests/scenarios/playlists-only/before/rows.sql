@@ -1,8 +1,0 @@
-INSERT INTO Albums (CDJID, Artist, Title, Player, Tracks) VALUES ("252E671073EC0001", "Alder", "First Light", 1001, 3)
-INSERT INTO Albums (CDJID, Artist, Title, Player, Tracks) VALUES ("252E671073EC0002", "Birch", "Shouting", 1001, 1)
-INSERT INTO Tracks (CDJID, Track, Title, Artist, SoundFile) VALUES ("252E671073EC0001", 1, "Dawn", "Alder", "D:\Music\Alder\First Light\01 - Dawn.mp3")
-INSERT INTO Tracks (CDJID, Track, Title, Artist, SoundFile) VALUES ("252E671073EC0001", 2, "Noon", "Alder", "D:\Music\Alder\First Light\02 - Noon.mp3")
-INSERT INTO Tracks (CDJID, Track, Title, Artist, SoundFile) VALUES ("252E671073EC0001", 3, "Dusk", "Alder", "D:\Music\Alder\First Light\03 - Dusk.mp3")
-INSERT INTO Tracks (CDJID, Track, Title, Artist, SoundFile) VALUES ("252E671073EC0002", 1, "One", "Birch", "D:\Music\Birch\Shouting\01 - One.mp3")
-INSERT INTO Spinner (Artist, Song, Genre, Exclude) VALUES ("Alder", "Dawn", "Rock & Roll", 0)
-INSERT INTO Spinner (Artist, Song, Genre, Exclude) VALUES ("Birch", "One", "Rock & Roll", -1)

@@ -1,5 +1,0 @@
-INSERT INTO Albums (CDJID, Title, Artist, Player, Tracks) VALUES ("252E671073EC0001", "First Light", "Alder", 1001, 4)
-INSERT INTO Tracks (CDJID, Track, Title, Artist, SoundFile) VALUES ("252E671073EC0001", 1, "Dawn", "Alder", "D:\Music\Alder\First Light\01 - Dawn.mp3")
-INSERT INTO Tracks (CDJID, Track, Title, Artist, SoundFile) VALUES ("252E671073EC0001", 2, "Noon", "Alder", "D:\Music\Alder\First Light\02 - Noon.mp3")
-INSERT INTO Tracks (CDJID, Track, Title, Artist, SoundFile) VALUES ("252E671073EC0001", 3, "No file", "Alder", Null)
-INSERT INTO Tracks (CDJID, Track, Title, Artist, SoundFile) VALUES ("252E671073EC0001", 4, "Empty file", "Alder", "")

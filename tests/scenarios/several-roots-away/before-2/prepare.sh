@@ -1,2 +1,0 @@
-mv disk/Music/Jazz away
-mkdir disk/Music/Jazz

@@ -1,1 +1,0 @@
-rmdir disk/Elsewhere

@@ -1,2 +1,0 @@
-mv away disk/Elsewhere
-mv disk/Music/more.txt away

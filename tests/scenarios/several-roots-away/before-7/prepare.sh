@@ -1,1 +1,0 @@
-mv away disk/Music/more.txt

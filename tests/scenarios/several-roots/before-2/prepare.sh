@@ -1,2 +1,0 @@
-mv disk/Elsewhere away
-rm -r disk/Music/Jazz/Birch

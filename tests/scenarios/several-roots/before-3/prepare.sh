@@ -1,1 +1,0 @@
-printf '\n[Safety]\nBrake=0\n' >> host/host.ini

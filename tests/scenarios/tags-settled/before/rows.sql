@@ -1,7 +1,0 @@
-INSERT INTO Albums (CDJID, Title, Artist, Player, Tracks) VALUES ("252E671073EC0001", "First Light", "Alder", 1001, 4)
-INSERT INTO Tracks (CDJID, Track, Title, Artist, Minutes, Seconds, TimesPlayed, SoundFile) VALUES ("252E671073EC0001", 1, "Dawn", "Alder", 3, 5, 10, "D:\Music\Alder\First Light\Alder - Dawn.mp3")
-INSERT INTO Tracks (CDJID, Track, Title, Artist, Minutes, Seconds, TimesPlayed, SoundFile) VALUES ("252E671073EC0001", 2, "Noon", "Alder", 4, 0, 20, "D:\Music\Alder\First Light\Alder - Noon.mp3")
-INSERT INTO Tracks (CDJID, Track, Title, Artist, Minutes, Seconds, TimesPlayed, SoundFile) VALUES ("252E671073EC0001", 3, "Dusk", "Alder", -1, -1, 30, "D:\Music\Alder\First Light\Alder - Dusk.mp3")
-INSERT INTO Tracks (CDJID, Track, Title, Artist, Minutes, Seconds, TimesPlayed, SoundFile) VALUES ("252E671073EC0001", 4, "Old", "Alder", -1, -1, 40, "D:\Music\Alder\First Light\Alder - Old.mp3")
-INSERT INTO Spinner (Artist, Album, Song, Genre, FileName) VALUES ("Alder", "First Light", "Dawn", "Rock", "rtsp://host/spinlinks/000-Rock-000.rm")
-INSERT INTO Spinner (Artist, Album, Song, Genre, FileName) VALUES ("Alder", "First Light", "Dusk", "Porch Folk", "rtsp://host/spinlinks/000-Porch Folk-000.rm")

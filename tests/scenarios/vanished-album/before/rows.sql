@@ -1,7 +1,0 @@
-INSERT INTO Albums (CDJID, Title, Artist, Player, Tracks, TimesPlayed) VALUES ("252E671073EC0001", "First Light", "Alder", 1001, 1, 7)
-INSERT INTO Albums (CDJID, Title, Artist, Player, Tracks) VALUES ("252E671073EC0002", "Second Light", "Alder", 1001, 2)
-INSERT INTO Albums (CDJID, Title, Artist, Player, Tracks) VALUES ("252E671073EC0003", "Only pictures", "Birch", 1001, 1)
-INSERT INTO Tracks (CDJID, Track, Title, Artist, SoundFile, TimesPlayed) VALUES ("252E671073EC0001", 1, "Dawn", "Alder", "D:\Music\Alder\First Light\01 - Dawn.mp3", 5)
-INSERT INTO Tracks (CDJID, Track, Title, Artist, SoundFile) VALUES ("252E671073EC0002", 1, "Dusk", "Alder", "D:\Music\Alder\Second Light\01 - Dusk.mp3")
-INSERT INTO Tracks (CDJID, Track, Title, Artist, SoundFile) VALUES ("252E671073EC0002", 2, "Night", "Alder", "D:\Music\Alder\Second Light\02 - Night.mp3")
-INSERT INTO Tracks (CDJID, Track, Title, Artist, SoundFile) VALUES ("252E671073EC0003", 1, "Gone", "Birch", "D:\Music\Birch\Only pictures\01 - Gone.mp3")

@@ -1,6 +1,0 @@
-INSERT INTO Albums (CDJID, Title, Artist, Player, Tracks) VALUES ("252E671073EC0001", "First Light", "Alder", 1001, 5)
-INSERT INTO Tracks (CDJID, Track, Title, Artist, Minutes, Seconds, TimesPlayed, SoundFile) VALUES ("252E671073EC0001", 1, "Dawn", "Alder", -1, -1, 10, "D:\Music\Alder\First Light\Alder - Dawn.mp3")
-INSERT INTO Tracks (CDJID, Track, Title, Artist, Minutes, Seconds, TimesPlayed, SoundFile) VALUES ("252E671073EC0001", 2, "Dusk", "Alder", -1, -1, 20, "D:\Music\Alder\First Light\Alder - Dusk.mp3")
-INSERT INTO Tracks (CDJID, Track, Title, Artist, Minutes, Seconds, TimesPlayed, SoundFile) VALUES ("252E671073EC0001", 3, "One", "Alder", -1, -1, 30, "D:\Music\Alder\First Light\Alder - One.mp3")
-INSERT INTO Tracks (CDJID, Track, Title, Artist, Minutes, Seconds, TimesPlayed, SoundFile) VALUES ("252E671073EC0001", 4, "Two", "Alder", -1, -1, 40, "D:\Music\Alder\First Light\Alder - Two.mp3")
-INSERT INTO Tracks (CDJID, Track, Title, Artist, Minutes, Seconds, TimesPlayed, SoundFile) VALUES ("252E671073EC0001", 5, "Three", "Alder", -1, -1, 50, "D:\Music\Alder\First Light\Alder - Three.mp3")

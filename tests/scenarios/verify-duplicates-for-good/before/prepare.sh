@@ -1,1 +1,0 @@
-printf '\n[Removed]\nKeep=no\n' >> host/host.ini

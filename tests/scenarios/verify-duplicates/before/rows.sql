@@ -1,6 +1,0 @@
-INSERT INTO Albums (CDJID, Title, Artist, Player, Tracks) VALUES ("252E671073EC0001", "First Light", "Alder", 1001, 5)
-INSERT INTO Tracks (CDJID, Track, Title, Artist, Minutes, Seconds, TimesPlayed, SoundFile) VALUES ("252E671073EC0001", 1, "Dawn [live]", "Alder", -1, -1, 10, "D:\Music\Alder\First Light\Alder - Dawn [live].mp3")
-INSERT INTO Tracks (CDJID, Track, Title, Artist, Minutes, Seconds, TimesPlayed, SoundFile) VALUES ("252E671073EC0001", 2, "Noon (live)", "Alder", -1, -1, 20, "D:\Music\Alder\First Light\Alder - Noon (live).mp3")
-INSERT INTO Tracks (CDJID, Track, Title, Artist, Minutes, Seconds, TimesPlayed, SoundFile) VALUES ("252E671073EC0001", 3, "Noon [live]", "Alder", -1, -1, 30, "D:\Music\Alder\First Light\Alder - Noon [live].mp3")
-INSERT INTO Tracks (CDJID, Track, Title, Artist, Minutes, Seconds, TimesPlayed, SoundFile) VALUES ("252E671073EC0001", 4, "Dusk", "Alder", -1, -1, 40, "D:\Music\Alder\First Light\Alder - Dusk.mp3")
-INSERT INTO Tracks (CDJID, Track, Title, Artist, Minutes, Seconds, TimesPlayed, SoundFile) VALUES ("252E671073EC0001", 5, "Dusk", "Alder", -1, -1, 50, "D:\Music\Alder\First Light\07 - Dusk.mp3")

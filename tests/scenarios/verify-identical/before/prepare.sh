@@ -1,1 +1,0 @@
-printf '\n[Removed]\nOnlyIdentical=1\n' >> host/host.ini

@@ -1,5 +1,0 @@
-INSERT INTO Albums (CDJID, Title, Artist, Player, Tracks) VALUES ("252E671073EC0001", "First Light", "Alder", 1001, 4)
-INSERT INTO Tracks (CDJID, Track, Title, Artist, Minutes, Seconds, TimesPlayed, SoundFile) VALUES ("252E671073EC0001", 1, "x", "Alder", -1, -1, 10, "D:\Music\Alder\First Light\Alder - Dusk.mp3")
-INSERT INTO Tracks (CDJID, Track, Title, Artist, Minutes, Seconds, TimesPlayed, SoundFile) VALUES ("252E671073EC0001", 2, "x", "Alder", -1, -1, 20, "D:\Music\Alder\First Light\02 - Dusk.mp3")
-INSERT INTO Tracks (CDJID, Track, Title, Artist, Minutes, Seconds, TimesPlayed, SoundFile) VALUES ("252E671073EC0001", 3, "x", "Alder", -1, -1, 30, "D:\Music\Alder\First Light\03 - Dusk (live).mp3")
-INSERT INTO Tracks (CDJID, Track, Title, Artist, Minutes, Seconds, TimesPlayed, SoundFile) VALUES ("252E671073EC0001", 4, "x", "Alder", -1, -1, 40, "D:\Music\Alder\First Light\Tape.mp3")

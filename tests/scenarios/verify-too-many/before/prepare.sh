@@ -1,1 +1,0 @@
-printf '\n[Safety]\nMaxRemovedFiles=1\n' >> host/host.ini

@@ -1,7 +1,0 @@
-INSERT INTO Albums (CDJID, Title, Artist, Player, Tracks) VALUES ("252E671073EC0001", "First Light", "Alder", 1001, 2)
-INSERT INTO Albums (CDJID, Title, Artist, Player, Tracks) VALUES ("252E671073EC0002", "Bark", "Birch", 1001, 3)
-INSERT INTO Tracks (CDJID, Track, Title, Artist, Minutes, Seconds, TimesPlayed, SoundFile) VALUES ("252E671073EC0001", 1, "x", "x", -1, -1, 10, "D:\Music\Alder\First Light\Alder - Dusk.mp3")
-INSERT INTO Tracks (CDJID, Track, Title, Artist, Minutes, Seconds, TimesPlayed, SoundFile) VALUES ("252E671073EC0001", 2, "x", "x", -1, -1, 20, "D:\Music\Alder\First Light\2.mp3")
-INSERT INTO Tracks (CDJID, Track, Title, Artist, Minutes, Seconds, TimesPlayed, SoundFile) VALUES ("252E671073EC0002", 3, "x", "x", -1, -1, 30, "D:\Music\Birch\Bark\Birch - Leaf.mp3")
-INSERT INTO Tracks (CDJID, Track, Title, Artist, Minutes, Seconds, TimesPlayed, SoundFile) VALUES ("252E671073EC0002", 4, "x", "x", -1, -1, 40, "D:\Music\Birch\Bark\3.mp3")
-INSERT INTO Tracks (CDJID, Track, Title, Artist, Minutes, Seconds, TimesPlayed, SoundFile) VALUES ("252E671073EC0002", 5, "x", "x", -1, -1, 50, "D:\Music\Birch\Bark\4.mp3")
