@@ -68,12 +68,22 @@ char AsciiUpper(char c) {
     return c >= 'a' && c <= 'z' ? static_cast<char>(c - ('a' - 'A')) : c;
 }
 
+bool IsAscii(char c) {
+    return static_cast<unsigned char>(c) < 0x80;
+}
+
+/// In lower case where it is a character; with a mark where it is none.
+char32_t LowerOf(const Utf8Character& character) {
+    constexpr char32_t NoCharacter = 0x80000000;
+    return character.wellFormed ? Lower(character.code) : character.code | NoCharacter;
+}
+
 /// Every character replaced; bytes that are none stay.
 template <char (*ChangeAscii)(char), char32_t (*Change)(char32_t)>
 std::string ChangeEach(std::string_view text) {
     std::string result(text);
     std::size_t at = 0;
-    for (; at < text.size() && static_cast<unsigned char>(text[at]) < 0x80; ++at)
+    for (; at < text.size() && IsAscii(text[at]); ++at)
         result[at] = ChangeAscii(text[at]);
     result.resize(at);
     while (at < text.size()) {
@@ -109,7 +119,7 @@ int CompareIgnoringCase(std::string_view left, std::string_view right) {
     std::size_t r = 0;
     while (l < left.size() && r < right.size()) {
         // Most characters of most names are the same; only characters below 0x80 are one byte.
-        if (left[l] == right[r] && static_cast<unsigned char>(left[l]) < 0x80) {
+        if (left[l] == right[r] && IsAscii(left[l])) {
             ++l;
             ++r;
             continue;
@@ -134,6 +144,24 @@ std::string UpperCase(std::string_view text) {
 
 bool EqualIgnoringCase(std::string_view left, std::string_view right) {
     return CompareIgnoringCase(left, right) == 0;
+}
+
+std::optional<std::size_t> BeginningIn(std::string_view text, std::string_view beginning) {
+    std::size_t at = 0;
+    for (std::size_t i = 0; i < beginning.size();) {
+        if (at >= text.size()) return std::nullopt;
+        if (IsAscii(text[at]) && IsAscii(beginning[i])) {
+            if (AsciiLower(text[at]) != AsciiLower(beginning[i])) return std::nullopt;
+            ++at;
+            ++i;
+            continue;
+        }
+        const Utf8Character left = DecodeUtf8(text, at), right = DecodeUtf8(beginning, i);
+        if (LowerOf(left) != LowerOf(right)) return std::nullopt;
+        at += left.length;
+        i += right.length;
+    }
+    return at;
 }
 
 bool WindowsNameLess(std::string_view left, std::string_view right) {

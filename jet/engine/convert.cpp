@@ -190,4 +190,12 @@ Value ConvertToField(const ColumnDefinition& column, const Value& value) {
     FailType(column);
 }
 
+void ConvertInPlace(const ColumnDefinition& column, Value& value) {
+    const bool isText = column.type == ColumnType::Text || column.type == ColumnType::Memo;
+    const auto* const text = isText ? std::get_if<std::string>(&value) : nullptr;
+    const bool isLimited = column.type == ColumnType::Text && column.size > 0;
+    if (text != nullptr && IsAscii(*text) && (!isLimited || text->size() <= column.size)) return;
+    value = ConvertToField(column, value);
+}
+
 }  // namespace jet::engine

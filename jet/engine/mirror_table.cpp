@@ -251,9 +251,9 @@ void MirrorTable::RequireWritable() const {
     }
 }
 
-RowKey MirrorTable::Insert(storage::Row values, std::int64_t* number) {
+RowKey MirrorTable::Insert(std::span<Value> values, std::int64_t* number) {
     for (std::size_t i = 0; i < values.size(); ++i)
-        values[i] = ConvertToField(Definition().columns[i], values[i]);
+        ConvertInPlace(definition_.columns[i], values[i]);
     const storage::Table::Inserted inserted = stored_->Insert(values);
     if (number != nullptr) *number = inserted.autoNumber.value_or(0);
     const RowKey key = inserted.row.AsInteger();
