@@ -87,7 +87,6 @@ RunOutcome LibraryForm::main() {
     });
     run_.ForgetTables();
     run_.connection.reset();
-    run_.GenreDictionary.clear();
     run_.playlistEntries = {};
     return outcome;
 }

@@ -5,12 +5,8 @@
 #include <unordered_map>
 #include <utility>
 
-#include "id3/difference_fields.h"
-#include "id3/song_title.h"
+#include "id3/file_names.h"
 #include "id3/tag_comparison.h"
-#include "id3/tag_reader.h"
-#include "id3/temporary_name.h"
-#include "id3/verify_steps.h"
 #include "platform/basic_text.h"
 #include "platform/failure.h"
 #include "platform/windows_name.h"
@@ -18,6 +14,7 @@
 #include "run/run.h"
 #include "run/sound_files.h"
 #include "run/steps.h"
+#include "tags/tag_reader.h"
 
 namespace quillon {
 namespace {
@@ -46,11 +43,14 @@ class Planner {
     Planner(Run& run, Steps& steps, AlbumPlan& plan) : run_(run), steps_(steps), plan_(plan) {}
 
     void Plan() {
-        List();
-        for (PlannedFile& file : plan_.files) {
+        for (const FileEntry& file : List())
+            Add(file);
+        // In most albums all names are right.
+        if (std::all_of(plan_.files.begin(), plan_.files.end(),
+                        [this](const PlannedFile& file) { return IsContent(file); }))
+            return;
+        for (const PlannedFile& file : plan_.files)
             places_.emplace(LowerCase(file.name), &file - plan_.files.data());
-            wishes_.push_back(Wish(file));
-        }
         // Brackets come first: whoever gets a name by them has it when titles are compared.
         for (std::size_t i = 0; i < plan_.files.size(); ++i)
             AskForPlainName(i);
@@ -75,31 +75,42 @@ class Planner {
     };
     using Standing = Wanted::Standing;
 
-    void List() {
+    /// The folder's sound files.
+    std::vector<FileEntry> List() {
         steps_.Concerning(plan_.folder.path);
         Listing<FileEntry> found;
-        if (!steps_.Try(FilesStep, [&] { found = run_.files.FilesIn(plan_.folder.path); })) return;
+        if (!steps_.Try(FilesStep, [&] { found = run_.files.FilesIn(plan_.folder.path); }))
+            return {};
         // A name that is out of sight may be one that a file here would get.
-        if (std::any_of(found.unseen.begin(), found.unseen.end(), IsSoundFile)) return;
-        for (FileEntry& file : found) {
-            if (!IsSoundFile(file.name)) continue;
-            PlannedFile& planned = plan_.files.emplace_back();
-            planned.plainName = PlainName(file.name);
-            planned.name = std::move(file.name);
-        }
+        if (std::any_of(found.unseen.begin(), found.unseen.end(), IsSoundFile)) return {};
+        std::erase_if(found.entries, [](const FileEntry& file) { return !IsSoundFile(file.name); });
+        return std::move(found.entries);
+    }
+
+    void Add(const FileEntry& file) {
+        PlannedFile& planned = plan_.files.emplace_back();
+        planned.name = file.name;
+        planned.path = file.path;
+        planned.plainName = PlainName(file.name);
+        planned.title = SongTitle(planned.plainName, plan_.artist);
+        steps_.Concerning(file.path);
+        wishes_.push_back(ReadTag(planned, file)
+                              ? Wish(planned)
+                              : Wanted{.standing = Standing::Unknown, .name = file.name});
+    }
+
+    /// Whether its name stays, whatever others there are.
+    bool IsContent(const PlannedFile& file) const {
+        const Wanted& wanted = wishes_[static_cast<std::size_t>(&file - plan_.files.data())];
+        return wanted.standing != Standing::Leaves && file.plainName == file.name;
     }
 
     Wanted Wish(PlannedFile& file) {
-        const std::string path = plan_.PathOf(file.name);
-        steps_.Concerning(path);
         Wanted wanted{.standing = Standing::Leaves, .name = file.plainName};
         if (file.plainName == file.name) wanted.standing = Standing::IsRight;
-        if (!ReadTag(file, path)) return {.standing = Standing::Unknown, .name = file.name};
-        if (file.tag.empty() || !TitleDiffers(file.tag, SongTitle(file.plainName, plan_.artist))) {
-            return wanted;
-        }
+        if (!file.tag.IsThere() || !TitleDiffers(file.tag, file.title)) return wanted;
         std::string title;
-        if (!steps_.Try(TitleStep, [&] { title = FileTitle(file.tag[TagSong]); })) {
+        if (!steps_.Try(TitleStep, [&] { title = FileTitle(file.tag.song); })) {
             if (wanted.standing == Standing::IsRight) wanted.standing = Standing::IsStuck;
             return wanted;
         }
@@ -118,14 +129,12 @@ class Planner {
     }
 
     /// Whether it is known what the tag says, be it that there is none.
-    bool ReadTag(PlannedFile& file, const std::string& path) {
-        const std::optional<std::string> record = ReadWholeID3(run_, path);
-        if (!record) return false;
-        std::vector<std::string> pieces = Split(*record, "|");
-        if (pieces.empty()) return true;
+    bool ReadTag(PlannedFile& planned, const FileEntry& file) {
+        std::optional<Tag> tag = ReadID3(run_, file);
+        if (!tag) return false;
         // Of what a "|" in a field makes of a record nobody knows which field a piece is.
-        const bool isClear = steps_.Try(CompareStep, [&] { RequireClearRecord(pieces); });
-        if (isClear) file.tag = std::move(pieces);
+        const bool isClear = steps_.Try(CompareStep, [&] { RequireClearRecord(*tag); });
+        if (isClear) planned.tag = *std::move(tag);
         return isClear;
     }
 

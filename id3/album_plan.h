@@ -6,11 +6,15 @@
 #include <vector>
 
 #include "platform/files.h"
+#include "tags/tag.h"
 
 namespace quillon {
 
 class Run;
 class Steps;
+
+/// The numbers that failures of the comparison of tags are logged with.
+constexpr int FilesStep = 3, BracketStep = 4, CompareStep = 5, RowStep = 6, TitleStep = 7;
 
 /// What becomes of a sound file's name in a comparison of tags.
 enum class Fate {
@@ -22,9 +26,10 @@ enum class Fate {
 /// A sound file of an album folder, and what its name and its tag ask for.
 struct PlannedFile {
     std::string name;       ///< at present
+    std::string path;       ///< likewise
     std::string plainName;  ///< the one to compare by: with round brackets, not a temporary one
-    /// Pieces of the tag record; none where there is no tag or it could not be read.
-    std::vector<std::string> tag;
+    std::string title;      ///< of the song by that name
+    Tag tag;                ///< none where there is no tag, or it could not be read
     std::optional<std::string> tagTitle;  ///< for its name, where the tag has another title
 
     Fate fate = Fate::Stays;

@@ -1,16 +1,14 @@
 #include "id3/album_tags.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <optional>
 #include <utility>
 
 #include "id3/album_plan.h"
-#include "id3/difference_fields.h"
-#include "id3/song_title.h"
+#include "id3/file_names.h"
 #include "id3/tag_comparison.h"
-#include "id3/track_info.h"
-#include "id3/update_for_id3_info.h"
-#include "id3/verify_steps.h"
+#include "id3/track_of_file.h"
 #include "run/log.h"
 
 namespace quillon {
@@ -23,9 +21,9 @@ class AlbumTags {
 
     void Verify() {
         for (std::size_t i = 0; i < files_.size(); ++i) {
-            files_[i].compared.path = plan_.PathOf(plan_.files[i].name);
+            files_[i].compared.path = plan_.files[i].path;
             walk_.steps.Concerning(files_[i].compared.path);
-            if (!plan_.files[i].tag.empty()) walk_.steps.Try(CompareStep, [&] { Compare(i); });
+            if (plan_.files[i].tag.IsThere()) walk_.steps.Try(CompareStep, [&] { Compare(i); });
         }
         Rename();
         AlbumRest rest;
@@ -37,39 +35,39 @@ class AlbumTags {
   private:
     struct File {
         ComparedFile compared;
+        TrackRow* row = nullptr;                 ///< as long as no path has changed
         std::optional<std::size_t> rename = {};  ///< its number
         bool isRenamed = false;
     };
 
-    ExpectedTag Expected(const std::string& song, const std::string& track) const {
-        ExpectedTag expected;
-        expected[TagMarker] = "TAG";
-        expected[TagSong] = song;
-        expected[TagArtist] = plan_.artist;
-        expected[TagAlbum] = plan_.folder.name;
-        expected[TagTrack] = track;
-        const auto& genres = walk_.run.GenreDictionary;
-        const auto genre = genres.find(plan_.artist + plan_.folder.name + song);
-        if (genre != genres.end()) expected[TagGenre] = genre->second;
-        return expected;
+    /// Valid as long as the arguments.
+    ExpectedTag Expected(std::string_view song, std::string_view track) const {
+        const std::string& artist = plan_.artist;
+        const std::string& album = plan_.folder.name;
+        return {.song = song,
+                .artist = artist,
+                .album = album,
+                .track = track,
+                .genre = walk_.run.GenreDictionary.Find(artist, album, song)};
     }
 
     /// Notes what disagrees. A file that has only brackets for a name of its own will have gone.
     void Compare(std::size_t i) {
         const PlannedFile& file = plan_.files[i];
         ComparedFile& compared = files_[i].compared;
-        const std::string song = SongTitle(file.plainName, plan_.artist);
         const bool isRenamed = file.fate == Fate::IsRenamed;
         const TrackInfo info = GetID3TrackInfo(
             walk_.run, compared.path, isRenamed ? plan_.PathOf(file.newName) : std::string());
-        const TagComparison tag = CompareTag(file.tag, Expected(song, info.track), info.seconds);
+        const TagComparison tag =
+            CompareTag(file.tag, Expected(file.title, info.track), info.seconds);
+        files_[i].row = info.row;
         compared.track = tag.track;
         compared.seconds = tag.seconds;
         compared.newTitle = file.tagTitle;
         if (file.byBrackets) return;
         for (const TagDifference& difference : tag.differences) {
             walk_.steps.Try(RowStep, [&] {
-                walk_.differences.Add(plan_.artist, plan_.folder.name, song, difference);
+                walk_.differences.Add(plan_.artist, plan_.folder.name, file.title, difference);
             });
         }
     }
@@ -87,8 +85,11 @@ class AlbumTags {
             files_[i].rename =
                 renames.Add(files_[i].compared.path, plan_.PathOf(file.newName), TitleOf(file));
         }
+        if (std::ranges::none_of(files_, [](const File& file) { return file.rename.has_value(); }))
+            return;
         renames.Commit();
         for (File& file : files_) {
+            file.row = nullptr;
             if (!file.rename) continue;
             file.compared.path = renames.PathOf(*file.rename);
             file.isRenamed = renames.IsDone(*file.rename);
@@ -122,7 +123,7 @@ class AlbumTags {
         }
         TellIfBlocked(file);
         if (!files_[i].isRenamed) compared.newTitle.reset();
-        if (!file.tag.empty()) UpdateForID3Info(walk_.run, compared);
+        if (file.tag.IsThere()) UpdateForID3Info(walk_.run, compared, files_[i].row);
     }
 
     void TellIfBlocked(const PlannedFile& file) {

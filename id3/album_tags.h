@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "id3/difference_rows.h"
+#include "id3/difference_table.h"
 #include "id3/duplicate_files.h"
 #include "platform/files.h"
 #include "run/run.h"

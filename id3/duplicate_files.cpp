@@ -7,9 +7,9 @@
 #include <string_view>
 #include <utility>
 
+#include "id3/album_plan.h"
 #include "id3/same_sound.h"
-#include "id3/sound_file_row.h"
-#include "id3/verify_steps.h"
+#include "id3/track_of_file.h"
 #include "platform/files.h"
 #include "platform/host.h"
 #include "run/log.h"

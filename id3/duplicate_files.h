@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "id3/renames.h"
-#include "id3/update_for_id3_info.h"
+#include "id3/track_of_file.h"
 #include "run/run.h"
 
 namespace quillon {

@@ -11,15 +11,15 @@
 #include <utility>
 
 #include "database/sql.h"
-#include "id3/difference_fields.h"
-#include "id3/length_text.h"
-#include "id3/sound_file_row.h"
+#include "id3/track_of_file.h"
 #include "platform/basic_text.h"
 #include "platform/database.h"
 #include "platform/failure.h"
 #include "run/log.h"
 #include "run/run.h"
 #include "run/steps.h"
+#include "tags/length_text.h"
+#include "tags/tag.h"
 
 namespace quillon {
 namespace {
@@ -53,7 +53,7 @@ std::unique_ptr<RecordSet> TracksOf(Run& run, const Difference& difference) {
 
 /// The value of a track as a difference row has it.
 std::string ExpectedValue(const RecordSet& track, const Difference& difference) {
-    if (difference.field == TagLabels[TagTrack]) return track.Text("Track");
+    if (difference.field == TagLabel::Track) return track.Text("Track");
     const auto length = LengthOf(track.Integer("Minutes"), track.Integer("Seconds"));
     return LengthDifference(length ? std::to_string(*length) : "");
 }
@@ -144,11 +144,11 @@ void UpdateTrackNumber(Run& run, const Difference& difference) {
 
 /// Song, Artist and Album are names, and nothing else is known.
 void Apply(Run& run, const Difference& difference) {
-    if (difference.field == TagLabels[TagComment]) {
+    if (difference.field == TagLabel::Comment) {
         UpdateLength(run, difference);
-    } else if (difference.field == TagLabels[TagGenre]) {
+    } else if (difference.field == TagLabel::Genre) {
         UpdateGenre(run, difference);
-    } else if (difference.field == TagLabels[TagTrack]) {
+    } else if (difference.field == TagLabel::Track) {
         UpdateTrackNumber(run, difference);
     }
 }

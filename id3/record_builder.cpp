@@ -1,18 +1,16 @@
 #include "id3/record_builder.h"
 
 #include <cstdint>
-#include <initializer_list>
+#include <utility>
 
-#include "id3/difference_fields.h"
-#include "id3/genre_in_file_name.h"
-#include "id3/length_text.h"
-#include "id3/sound_file_row.h"
+#include "id3/song_genre.h"
 #include "id3/tag_agreement.h"
+#include "id3/track_of_file.h"
 #include "platform/ansi.h"
 #include "platform/basic_text.h"
-#include "run/fast_string.h"
 #include "run/run.h"
 #include "run/steps.h"
+#include "tags/length_text.h"
 
 namespace quillon {
 namespace {
@@ -25,13 +23,6 @@ struct SongFacts {
     std::string seconds;
     std::string genre;
 };
-
-std::string Joined(std::initializer_list<std::string_view> parts) {
-    FastString text;
-    for (const std::string_view part : parts)
-        text.Add(part);
-    return text.value();
-}
 
 /// A track of these names, of an own album before any other.
 const TrackRow* TrackOfNames(Library& library, const SongNames& names) {
@@ -80,40 +71,42 @@ void ReadGenre(Run& run, const SongNames& names, SongFacts& facts) {
                       : row->genre.Text();
 }
 
-/// The tag's text where it says more than the name can, else the name.
-std::string TextFor(std::size_t piece, const std::string& present, const std::string& name) {
+/// Whether a tag's text stays because it says more than the name of a file or folder can.
+bool SaysMore(std::string_view present, std::string_view name) {
     const std::string_view value = Trim(present);
     // A "|" would shift what is behind it.
-    if (value.empty() || value.find('|') != std::string_view::npos) return name;
-    const bool saysMore = HoldsMoreThanNames(value) || !Utf8ToAnsiExactly(name);
-    if (saysMore && TagAgreesWithName(value, name)) return present;
-    const bool isInner =
-        piece == TagSong && TagAgreesWithTitle(value, name) && !TagAgreesWithName(value, name);
-    return isInner ? present : name;
+    if (value.empty() || value.find('|') != std::string_view::npos) return false;
+    return (HoldsMoreThanNames(value) || !Utf8ToAnsiExactly(name)) &&
+           TagAgreesWithName(value, name);
+}
+
+/// The same of a title, which may be the inner one of the file's name.
+bool TitleSaysMore(std::string_view present, std::string_view name) {
+    const std::string_view value = Trim(present);
+    if (SaysMore(present, name)) return true;
+    if (value.empty() || value.find('|') != std::string_view::npos) return false;
+    return TagAgreesWithTitle(value, name) && !TagAgreesWithName(value, name);
 }
 
 }  // namespace
 
-BuiltRecord GetID3Info(Run& run, std::string_view path, const SongNames& names,
-                       const std::array<std::string, 9>& present) {
+BuiltTag GetID3Info(Run& run, std::string_view path, const SongNames& names, const Tag& present) {
     Steps steps(run, "GetID3Info Management");
-    steps.Concerning(std::string(path));
+    steps.Concerning(path);
     SongFacts facts;
     steps.Try(1, [&] { ReadTrackRow(run, path, names, facts); });
     if (facts.seconds.empty()) steps.Try(2, [&] { ReadLength(run, names, facts); });
     steps.Try(3, [&] { ReadGenre(run, names, facts); });
     const bool lengthKnown = !facts.seconds.empty(), trackKnown = !facts.track.empty();
-    const std::string comment =
-        lengthKnown ? CommentWithLength(present[TagComment], facts.seconds) : present[TagComment];
-    const std::string& track = trackKnown ? facts.track : present[TagTrack];
-    const auto text = [&present](std::size_t piece, const std::string& name) {
-        return TextFor(piece, present[piece], name);
-    };
-    return {.record = Joined({"TAG|", text(TagSong, names.song), "|", text(TagArtist, names.artist),
-                              "|", text(TagAlbum, names.album), "|", present[TagYear], "|", comment,
-                              "||", track, "|", facts.genre}),
-            .lengthKnown = lengthKnown,
-            .trackKnown = trackKnown};
+    Tag tag = present;
+    tag.marker = "TAG";
+    if (!TitleSaysMore(present.song, names.song)) tag.song = names.song;
+    if (!SaysMore(present.artist, names.artist)) tag.artist = names.artist;
+    if (!SaysMore(present.album, names.album)) tag.album = names.album;
+    if (lengthKnown) tag.comment = CommentWithLength(present.comment, facts.seconds);
+    if (trackKnown) tag.track = facts.track;
+    tag.genre = facts.genre;
+    return {.tag = std::move(tag), .lengthKnown = lengthKnown, .trackKnown = trackKnown};
 }
 
 }  // namespace quillon

@@ -3,9 +3,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "id3/song_title.h"
-#include "id3/sound_file_row.h"
-#include "id3/temporary_name.h"
+#include "id3/file_names.h"
+#include "id3/track_of_file.h"
 #include "platform/basic_text.h"
 #include "platform/files.h"
 #include "run/log.h"

@@ -21,7 +21,7 @@ namespace quillon {
 /// changes, durably, and then the file. So at any moment a row has the path of its own file or one
 /// that no file has: a run that is killed leaves files that the next one renames again, and never a
 /// row to another song. Where names are exchanged in a circle, one file gets a temporary one
-/// (id3/temporary_name.h).
+/// (id3/file_names.h).
 class Renames {
   public:
     enum class RowTitle {

@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "id3/tag_record.h"
 #include "platform/basic_text.h"
 #include "platform/failure.h"
+#include "tags/tag.h"
 
 namespace quillon {
 namespace {

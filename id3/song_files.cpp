@@ -1,6 +1,6 @@
 #include "id3/song_files.h"
 
-#include "id3/song_title.h"
+#include "id3/file_names.h"
 #include "platform/basic_text.h"
 #include "run/run.h"
 #include "run/sound_files.h"

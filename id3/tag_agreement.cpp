@@ -1,7 +1,6 @@
 #include "id3/tag_agreement.h"
 
 #include <algorithm>
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -13,8 +12,7 @@ namespace quillon {
 namespace {
 
 bool ShareTheirBeginning(std::string_view left, std::string_view right) {
-    const std::string a = LowerCase(left), b = LowerCase(right);
-    return a.starts_with(b) || b.starts_with(a);
+    return BeginningIn(left, right) || BeginningIn(right, left);
 }
 
 /// Without what no name can hold, as people would write it. Much of what NoNasties removes can
@@ -28,7 +26,8 @@ std::string AsName(std::string_view value) {
 }
 
 /// Whether the value fits as it is or as a name may have it.
-bool FitsAsName(std::string_view value, const std::function<bool(std::string_view)>& fits) {
+template <typename Fits>
+bool FitsAsName(std::string_view value, const Fits& fits) {
     if (fits(value)) return true;
     for (const std::string& name : {NoNasties(value), AsName(value)}) {
         const std::string_view trimmed = Trim(name);
@@ -65,9 +64,10 @@ std::vector<std::string> InnerTitles(std::string_view title) {
 }  // namespace
 
 bool TagAgrees(std::string_view value, std::string_view expected) {
-    return ShareTheirBeginning(value, expected) ||
-           ShareTheirBeginning(value, AnsiToUtf8(Utf8ToAnsi(expected))) ||
-           ShareTheirBeginning(AnsiToUtf8(value), expected);
+    if (ShareTheirBeginning(value, expected)) return true;
+    // Texts of ASCII are the same in the code page.
+    return (!IsAscii(expected) && ShareTheirBeginning(value, AnsiToUtf8(Utf8ToAnsi(expected)))) ||
+           (!IsAscii(value) && ShareTheirBeginning(AnsiToUtf8(value), expected));
 }
 
 bool TagAgreesWithName(std::string_view value, std::string_view name) {

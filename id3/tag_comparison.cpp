@@ -1,14 +1,14 @@
 #include "id3/tag_comparison.h"
 
+#include <array>
 #include <cmath>
 #include <cstdint>
 #include <optional>
 
-#include "id3/difference_fields.h"
-#include "id3/length_text.h"
 #include "id3/tag_agreement.h"
 #include "platform/basic_text.h"
 #include "platform/failure.h"
+#include "tags/length_text.h"
 
 namespace quillon {
 namespace {
@@ -19,71 +19,81 @@ constexpr double TooFarApart = 3;
 /// The number of seconds that a tag tells; what is no number stays as it is, to be seen.
 std::string TagSeconds(std::string_view comment) {
     constexpr double Largest = 1e15;
-    std::string text = LengthInComment(comment).value_or("");
-    const std::optional<double> number = ToNumber(text);
-    if (!number || std::abs(*number) > Largest) return text;
+    const std::optional<LengthMark> length = LengthInComment(comment);
+    if (!length) return "";
+    const std::optional<double> number = ToNumber(length->seconds);
+    if (!number || std::abs(*number) > Largest) return std::string(length->seconds);
     return std::to_string(static_cast<std::int64_t>(std::nearbyint(*number)));
 }
 
 bool LengthsDisagree(std::string_view tag, std::string_view database) {
+    if (tag == database) return false;
     const std::optional<double> ofTag = ToNumber(tag), ofDatabase = ToNumber(database);
     if (ofTag && ofDatabase) return std::abs(*ofTag - *ofDatabase) >= TooFarApart;
-    return tag != database;
+    return true;
 }
 
-bool Agrees(std::size_t piece, std::string_view value, std::string_view expected) {
-    switch (piece) {
-        case TagSong:
-            return TagAgreesWithTitle(value, expected);
-        case TagArtist:
-        case TagAlbum:
-            return TagAgreesWithName(value, expected);
-        default:
-            return TagAgrees(value, expected);
-    }
+using Agreement = bool (*)(std::string_view value, std::string_view expected);
+
+/// A field that is compared with what is expected of it.
+struct ComparedField {
+    std::string_view label;
+    std::string_view value;
+    std::string_view expected;
+    Agreement agrees;
+};
+
+std::array<ComparedField, 6> ComparedFields(const Tag& tag, const ExpectedTag& expected) {
+    return {{{TagLabel::Marker, tag.marker, "TAG", TagAgrees},
+             {TagLabel::Song, tag.song, expected.song, TagAgreesWithTitle},
+             {TagLabel::Artist, tag.artist, expected.artist, TagAgreesWithName},
+             {TagLabel::Album, tag.album, expected.album, TagAgreesWithName},
+             {TagLabel::Track, tag.track, expected.track, TagAgrees},
+             {TagLabel::Genre, tag.genre, expected.genre, TagAgrees}}};
 }
 
 }  // namespace
 
-bool TitleDiffers(std::span<const std::string> pieces, std::string_view title) {
-    const std::string_view value = Trim(pieces[TagSong]);
+bool TitleDiffers(const Tag& tag, std::string_view title) {
+    const std::string_view value = Trim(tag.song);
     return !value.empty() && !title.empty() && !TagAgreesWithTitle(value, title);
 }
 
-void RequireClearRecord(std::span<const std::string> pieces) {
-    if (pieces.size() <= RecordPieces) return;
+void RequireClearRecord(const Tag& tag) {
+    const std::size_t pieces = PiecesOf(tag);
+    if (pieces == TagFields.size()) return;
+    // One more stands behind the record's last "|".
     throw Failure(FailureNumber::SubscriptOutOfRange,
-                  "tag record of " + std::to_string(pieces.size()) + " pieces");
+                  "tag record of " + std::to_string(pieces + 1) + " pieces");
 }
 
-TagComparison CompareTag(std::span<const std::string> pieces, const ExpectedTag& expected,
+TagComparison CompareTag(const Tag& tag, const ExpectedTag& expected,
                          std::string_view databaseSeconds) {
-    RequireClearRecord(pieces);
+    RequireClearRecord(tag);
     TagComparison result;
     bool differs = false;
-    for (std::size_t piece = 0; piece < pieces.size(); ++piece) {
-        if (expected[piece].empty()) continue;
-        const std::string_view value = Trim(pieces[piece]);
-        if (value.empty() || Agrees(piece, value, expected[piece])) continue;
+    for (const ComparedField& field : ComparedFields(tag, expected)) {
+        if (field.expected.empty()) continue;
+        const std::string_view value = Trim(field.value);
+        if (value.empty() || field.agrees(value, field.expected)) continue;
         differs = true;
-        if (piece == TagSong) result.titleDiffers = true;
+        if (field.label == TagLabel::Song) result.titleDiffers = true;
         // Numbers are the library's own affair: they are handed out by the age of the files.
-        if (piece == TagTrack) continue;
+        if (field.label == TagLabel::Track) continue;
         result.differences.push_back(
-            {std::string(TagLabels.at(piece)), std::string(value), expected[piece]});
+            {field.label, std::string(value), std::string(field.expected)});
     }
 
-    const std::string seconds = TagSeconds(pieces[TagComment]);
-    if (LengthsDisagree(seconds, databaseSeconds)) {
+    result.seconds = TagSeconds(tag.comment);
+    if (LengthsDisagree(result.seconds, databaseSeconds)) {
         differs = true;
-        result.differences.push_back({std::string(TagLabels[TagComment]), LengthDifference(seconds),
+        result.differences.push_back({TagLabel::Comment, LengthDifference(result.seconds),
                                       LengthDifference(databaseSeconds)});
     }
-    result.seconds = seconds;
 
-    result.track = pieces[TagTrack];
+    result.track = tag.track;
     if (differs && result.track.empty()) {
-        result.differences.push_back({std::string(TrackNumberMissing), "", ""});
+        result.differences.push_back({TagLabel::TrackNumberMissing, "", ""});
         result.track = "-1";
     }
     return result;

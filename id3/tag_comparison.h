@@ -1,23 +1,21 @@
 #pragma once
 
-#include <array>
-#include <cstddef>
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "tags/tag.h"
+
 namespace quillon {
 
-/// Pieces of a whole tag record that is split at "|"; the last one is empty.
-constexpr std::size_t RecordPieces = 10;
-
-/// What a file's tag should hold, by the places of the record; "" where nothing is expected.
-using ExpectedTag = std::array<std::string, RecordPieces>;
+/// What a file's tag should hold beside its marker; "" where nothing is expected.
+struct ExpectedTag {
+    std::string_view song, artist, album, track, genre;
+};
 
 /// One row for the difference table.
 struct TagDifference {
-    std::string field;
+    std::string_view field;  ///< a label, or TrackNumberMissing
     std::string tagValue;
     std::string expected;
 
@@ -32,16 +30,15 @@ struct TagComparison {
     std::string seconds;  ///< the tag's length
 };
 
-/// Whether the title of a record, whose pieces these are, is another one than that in the file's
-/// name.
-bool TitleDiffers(std::span<const std::string> pieces, std::string_view title);
+/// Whether a tag's title is another one than that in the file's name.
+bool TitleDiffers(const Tag& tag, std::string_view title);
 
-/// Failure: SubscriptOutOfRange for a record of too many pieces, which a "|" inside a field makes:
+/// Failure: SubscriptOutOfRange for a tag with a "|" in a field, whose record has too many pieces:
 /// none of them can be told from its neighbours then.
-void RequireClearRecord(std::span<const std::string> pieces);
+void RequireClearRecord(const Tag& tag);
 
-/// Compares a clear record's pieces with what is expected. Lengths in seconds may differ by two.
-TagComparison CompareTag(std::span<const std::string> pieces, const ExpectedTag& expected,
+/// Compares a tag with what is expected. Lengths in seconds may differ by two. Failure as above.
+TagComparison CompareTag(const Tag& tag, const ExpectedTag& expected,
                          std::string_view databaseSeconds);
 
 }  // namespace quillon

@@ -4,13 +4,50 @@
 #include <string>
 #include <utility>
 
+#include "id3/album_plan.h"
 #include "id3/album_tags.h"
-#include "id3/visit_albums.h"
+#include "id3/same_sound.h"
+#include "run/counted.h"
+#include "run/excluded_artists.h"
 #include "run/log.h"
 #include "run/run.h"
 #include "run/steps.h"
 
 namespace quillon {
+namespace {
+
+constexpr int ListStep = 2, SoundStep = 7;
+
+std::vector<FolderEntry> SubFolders(Run& run, Steps& steps, const FolderEntry& folder) {
+    Listing<FolderEntry> folders;
+    steps.Concerning(folder.path);
+    steps.Try(ListStep, [&] { folders = run.files.SubFolders(folder.path); });
+    // What could not be looked at stays as it is; the adapter has told of it.
+    return std::move(folders.entries);
+}
+
+/// Goes through the album folders below one folder of the library in the tree layout, artist by
+/// artist, which it shows and counts; stops at the next artist after an abort. Artists of the
+/// exclude list are left out. Folders that cannot be listed are logged through `steps`.
+template <typename Visit>
+void VisitAlbums(Run& run, Steps& steps, const FolderEntry& root, const Visit& visit) {
+    const ExcludedArtists excluded(run);
+    int counter = 0;
+    for (const FolderEntry& artist : Counted(run, SubFolders(run, steps, root))) {
+        run.ShowItem(std::to_string(++counter) + ". Verify ID3 for Artist " + artist.name);
+        if (run.AbortRequested) return;
+        if (excluded.Contains(artist.name)) continue;
+        for (const FolderEntry& album : SubFolders(run, steps, artist))
+            visit(artist.name, album);
+    }
+}
+
+/// The path that the file has now whose duplicate another one is.
+std::string PathOfTwin(const AlbumPlan& plan, const PlannedFile& file) {
+    return plan.PathOf(file.twin ? plan.files[*file.twin].name : file.newName);
+}
+
+}  // namespace
 
 void VerifyID3TagsFolder(Run& run, const FolderEntry& root, DateTime updateTime,
                          std::vector<AlbumRest>& rests) {
@@ -44,6 +81,33 @@ void VerifyID3Tags(Run& run) {
         }
         if (!run.AbortRequested) RemoveDuplicateFiles(run, std::move(rests));
     });
+}
+
+TagChanges CountTagChanges(Run& run) {
+    Steps steps(run, "VerifyID3TagsFolder");
+    const bool onlyIdentical = OnlyIdenticalAreRemoved(run.host);
+    TagChanges changes;
+    const auto goes = [&](const AlbumPlan& plan, const PlannedFile& file) {
+        const std::string path = plan.PathOf(file.name);
+        bool mayGo = false;
+        steps.Concerning(path);
+        steps.Try(SoundStep, [&] {
+            const std::string twin = PathOfTwin(plan, file);
+            mayGo = !run.files.IsSameFile(path, twin) &&
+                    (!onlyIdentical || HaveSameSound(run.files, path, twin));
+        });
+        return mayGo;
+    };
+    for (const FolderEntry& root : run.LibraryFolders) {
+        VisitAlbums(run, steps, root, [&](const std::string& artist, const FolderEntry& album) {
+            const AlbumPlan plan = PlanAlbum(run, steps, artist, album);
+            for (const PlannedFile& file : plan.files) {
+                if (file.fate == Fate::IsRenamed) ++changes.renames;
+                if (file.fate == Fate::IsDuplicate && goes(plan, file)) ++changes.removals;
+            }
+        });
+    }
+    return changes;
 }
 
 }  // namespace quillon

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <vector>
 
 #include "id3/duplicate_files.h"
@@ -23,5 +24,15 @@ void VerifyID3Tags(Run& run);
 /// and what albums leave to the end into `rests`. Failures are logged with "VerifyID3TagsFolder".
 void VerifyID3TagsFolder(Run& run, const FolderEntry& root, DateTime updateTime,
                          std::vector<AlbumRest>& rests);
+
+/// What a comparison of tags would do to the library's files.
+struct TagChanges {
+    std::size_t renames = 0;
+    std::size_t removals = 0;  ///< duplicates; those that the run's limits would keep included
+};
+
+/// Looks at every tag as VerifyID3Tags does and changes nothing. The database is not asked. What
+/// fails is logged.
+TagChanges CountTagChanges(Run& run);
 
 }  // namespace quillon

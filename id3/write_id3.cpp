@@ -6,17 +6,16 @@
 #include <numeric>
 
 #include "database/sql.h"
-#include "id3/difference_fields.h"
+#include "id3/file_names.h"
 #include "id3/record_builder.h"
-#include "id3/song_title.h"
-#include "id3/tag_record.h"
-#include "id3/tag_writer.h"
 #include "platform/database.h"
 #include "platform/failure.h"
 #include "run/log.h"
 #include "run/name_cleaning.h"
 #include "run/run.h"
 #include "run/steps.h"
+#include "tags/tag_reader.h"
+#include "tags/tag_writer.h"
 
 namespace quillon {
 namespace {
@@ -26,8 +25,8 @@ constexpr std::string_view Progress = "1. Writing ID3 for Artist: & artist.name"
 
 /// The labels of Year and Ver are missing: the database has nothing for them.
 constexpr std::array WritableFields{
-    TagLabels[TagMarker],  TagLabels[TagSong],  TagLabels[TagArtist], TagLabels[TagAlbum],
-    TagLabels[TagComment], TagLabels[TagTrack], TagLabels[TagGenre],  TrackNumberMissing};
+    TagLabel::Marker,  TagLabel::Song,  TagLabel::Artist, TagLabel::Album,
+    TagLabel::Comment, TagLabel::Track, TagLabel::Genre,  TagLabel::TrackNumberMissing};
 
 /// What the rows of one song ask for.
 struct Differences {
@@ -47,9 +46,9 @@ Differences ReadDifferences(Run& run, const SongNames& names) {
         if (std::find(WritableFields.begin(), WritableFields.end(), field) == WritableFields.end())
             continue;
         differences.any = true;
-        differences.length |= field == TagLabels[TagComment];
-        differences.missingTrack |= field == TrackNumberMissing;
-        if (field == TagLabels[TagSong]) differences.tagTitle = rows->Text("ID3Value");
+        differences.length |= field == TagLabel::Comment;
+        differences.missingTrack |= field == TagLabel::TrackNumberMissing;
+        if (field == TagLabel::Song) differences.tagTitle = rows->Text("ID3Value");
     }
     return differences;
 }
@@ -61,13 +60,12 @@ void Note(Run& run, const std::string& what, const std::string& path) {
 void WriteFile(Run& run, const std::string& path, const SongNames& names,
                const Differences& differences) {
     const FileEnd end = ReadTagEnd(run.files, path);
-    std::array<std::string, 9> present;
-    if (end.size > TagSize) present = TagTexts(end.bytes);
-    const BuiltRecord built = GetID3Info(run, path, names, present);
+    const Tag present = end.size > TagSize ? TagIn(end.bytes) : Tag();
+    const BuiltTag built = GetID3Info(run, path, names, present);
     if (differences.length && !built.lengthKnown) Note(run, "length", path);
-    const bool noTrack = !built.trackKnown && present[TagTrack].empty();
+    const bool noTrack = !built.trackKnown && present.track.empty();
     if (differences.missingTrack && noTrack) Note(run, "track number", path);
-    WriteTag(run, path, end, built.record);
+    WriteTag(run, path, end, built.tag);
 }
 
 /// One song's files, whatever has become of their names.

@@ -94,6 +94,15 @@ class Database {
     /// statements are; a refused change leaves the row as it was. Fields of a new row that are not
     /// named are Null; of those named twice the last counts.
     AddedRow Insert(std::string_view table, std::span<const Field> fields);
+    /// The same for a great number of rows of the same fields.
+    class Inserter {
+      public:
+        virtual ~Inserter() = default;
+        /// `values` are those of the fields in their order; what they hold afterwards is undefined.
+        virtual AddedRow Insert(std::span<Value> values) = 0;
+    };
+    std::unique_ptr<Inserter> OpenInserter(std::string_view table,
+                                           std::span<const std::string_view> fields);
     void Update(std::string_view table, RowKey row, std::span<const Field> fields);
     void Delete(std::string_view table, RowKey row);
 

@@ -75,6 +75,11 @@ std::optional<std::string> Utf8ToAnsiExactly(std::string_view text) {
     return bytes;
 }
 
+bool IsAscii(std::string_view bytes) {
+    return std::all_of(bytes.begin(), bytes.end(),
+                       [](char byte) { return static_cast<unsigned char>(byte) < FirstSpecial; });
+}
+
 bool IsValidUtf8(std::string_view bytes) {
     for (std::size_t at = ascii::PrefixLength(bytes); at < bytes.size();) {
         const Utf8Character character = DecodeUtf8(bytes, at);

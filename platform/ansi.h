@@ -22,6 +22,9 @@ std::string Utf8ToAnsi(std::string_view text);
 /// ANSI bytes of a UTF-8 text, or nothing when a character has none.
 std::optional<std::string> Utf8ToAnsiExactly(std::string_view text);
 
+/// Whether all bytes stand for the same characters in UTF-8 and in the code page.
+bool IsAscii(std::string_view bytes);
+
 /// Whether the bytes are well-formed UTF-8 (shortest forms, no surrogates).
 bool IsValidUtf8(std::string_view bytes);
 

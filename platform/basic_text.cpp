@@ -62,6 +62,12 @@ char32_t Upper(char32_t code) {
     return code < CommonLetters::Count ? CommonLetters::Get().upper[code] : ComputedUpper(code);
 }
 
+/// In lower case where it is a character; with a mark where it is none.
+char32_t LowerOf(const Utf8Character& character) {
+    constexpr char32_t NoCharacter = 0x80000000;
+    return character.wellFormed ? Lower(character.code) : character.code | NoCharacter;
+}
+
 /// Every character replaced; bytes that are none stay.
 template <ascii::Block (*ChangeBlock)(ascii::Block), char (*ChangeAscii)(char),
           char32_t (*Change)(char32_t)>
@@ -142,6 +148,24 @@ std::string UpperCase(std::string_view text) {
 
 bool EqualIgnoringCase(std::string_view left, std::string_view right) {
     return CompareIgnoringCase(left, right) == 0;
+}
+
+std::optional<std::size_t> BeginningIn(std::string_view text, std::string_view beginning) {
+    std::size_t at = 0;
+    for (std::size_t i = 0; i < beginning.size();) {
+        if (at >= text.size()) return std::nullopt;
+        if (ascii::IsAscii(text[at]) && ascii::IsAscii(beginning[i])) {
+            if (ascii::Lower(text[at]) != ascii::Lower(beginning[i])) return std::nullopt;
+            ++at;
+            ++i;
+            continue;
+        }
+        const Utf8Character left = DecodeUtf8(text, at), right = DecodeUtf8(beginning, i);
+        if (LowerOf(left) != LowerOf(right)) return std::nullopt;
+        at += left.length;
+        i += right.length;
+    }
+    return at;
 }
 
 bool WindowsNameLess(std::string_view left, std::string_view right) {

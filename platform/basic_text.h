@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -17,6 +18,10 @@ std::string UpperCase(std::string_view text);
 
 /// Whether two texts are equal when letter case does not count.
 bool EqualIgnoringCase(std::string_view left, std::string_view right);
+
+/// How many bytes at the beginning of a text say this, letter case aside; nothing where it begins
+/// with something else.
+std::optional<std::size_t> BeginningIn(std::string_view text, std::string_view beginning);
 
 /// Orders names as a Windows volume lists them: by the UTF-16 units of their upper case. Names that
 /// differ in letter case alone are ordered by code, so that every order is the only one.

@@ -74,6 +74,15 @@ struct AddedRow {
     std::int64_t number = 0;  ///< in the auto-number field, where there is one
 };
 
+/// Adds a great number of rows to a table.
+class RowInserter {
+  public:
+    virtual ~RowInserter() = default;
+    /// `values` are those of the fields in their order. Throws Failure; then nothing of the row
+    /// stays.
+    virtual AddedRow Insert(std::span<const Value> values) = 0;
+};
+
 /// The open database.
 class Connection {
   public:
@@ -96,6 +105,9 @@ class Connection {
     virtual Value Read(std::string_view table, RowKey row, std::string_view field) = 0;
     /// Fields of a new row that are not named are Null.
     virtual AddedRow Insert(std::string_view table, std::span<const FieldValue> fields) = 0;
+    /// The same for many rows with these fields.
+    virtual std::unique_ptr<RowInserter> OpenInserter(std::string_view table,
+                                                      std::span<const std::string_view> fields) = 0;
     /// A refused change leaves the row as it was.
     virtual void Update(std::string_view table, RowKey row, std::span<const FieldValue> fields) = 0;
     virtual void Delete(std::string_view table, RowKey row) = 0;

@@ -8,7 +8,6 @@
 #include "database/move_to_id.h"
 #include "database/spinner_rows.h"
 #include "database/sql.h"
-#include "id3/tag_reader.h"
 #include "platform/basic_text.h"
 #include "platform/clock.h"
 #include "platform/failure.h"
@@ -20,6 +19,7 @@
 #include "run/paths.h"
 #include "run/run.h"
 #include "run/steps.h"
+#include "tags/tag_reader.h"
 
 namespace quillon {
 namespace {
@@ -120,14 +120,13 @@ void Addition::Describe(std::string_view artist, std::string_view album) {
     file_.artist = artist;
     file_.album = album;
     file_.title = TitleInPath(path_);
-    const std::optional<std::string> record =
-        ReadWholeID3(run_, path_, [](std::uint8_t number) { return std::to_string(number); });
-    if (!record) {
+    const std::optional<Tag> tag = ReadID3(run_, path_, GenreAs::Number);
+    if (!tag) {
         throw Failure::Described(
             FailureNumber::PathFileAccess,
             "Not added, since nobody knows without its tag where it belongs: " + path_);
     }
-    ReadTagInto(file_, *record, [this](std::string_view number) {
+    ReadTagInto(file_, *tag, [this](std::string_view number) {
         return GenreOfNumber(*run_.connection, number);
     });
     // What was taken from a folder's name cannot be a file's.

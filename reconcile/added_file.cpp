@@ -2,9 +2,7 @@
 
 #include <algorithm>
 #include <cctype>
-#include <vector>
 
-#include "id3/difference_fields.h"
 #include "platform/basic_text.h"
 #include "platform/failure.h"
 #include "platform/windows_name.h"
@@ -27,8 +25,8 @@ std::string WithoutEnding(std::string_view text) {
     }
 }
 
-void ReplaceByPiece(std::string& text, std::string_view piece) {
-    if (const std::string_view known = Trim(piece); !known.empty()) text = known;
+void ReplaceByField(std::string& text, std::string_view field) {
+    if (const std::string_view known = Trim(field); !known.empty()) text = known;
 }
 
 /// Dots and blanks alone would make a file that is hard to see and a row without a name.
@@ -54,18 +52,15 @@ std::string TitleInName(std::string_view path) {
     return WithoutEnding(Trim(path.substr(path.rfind('\\') + 1)));
 }
 
-void ReadTagInto(AddedFile& file, std::string_view record, const FindGenre& findGenre) {
-    const std::vector<std::string> pieces = Split(record, "|");
-    if (pieces.size() > TagAlbum) {
-        ReplaceByPiece(file.artist, pieces[TagArtist]);
-        ReplaceByPiece(file.album, pieces[TagAlbum]);
-        ReplaceByPiece(file.title, pieces[TagSong]);
-    }
-    if (pieces.size() > TagGenre) {
-        if (IsNumeric(pieces[TagTrack])) file.track = ToInteger(pieces[TagTrack]);
-        if (std::string genre = findGenre(pieces[TagGenre]); !genre.empty())
-            file.genre = std::move(genre);
-    }
+void ReadTagInto(AddedFile& file, const Tag& tag, const FindGenre& findGenre) {
+    if (!tag.IsThere()) return;
+    const Tag recorded = AsRecorded(tag);
+    ReplaceByField(file.artist, recorded.artist);
+    ReplaceByField(file.album, recorded.album);
+    ReplaceByField(file.title, recorded.song);
+    if (IsNumeric(recorded.track)) file.track = ToInteger(recorded.track);
+    if (std::string genre = findGenre(recorded.genre); !genre.empty())
+        file.genre = std::move(genre);
 }
 
 void RequireFileNames(const AddedFile& file, std::string_view path) {

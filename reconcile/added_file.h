@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "tags/tag.h"
+
 namespace quillon {
 
 /// What a file that comes into the library is taken for.
@@ -26,13 +28,14 @@ std::string TitleInPath(std::string_view path);
 /// The title of such a file when its tag has none either: its name without ".mp3".
 std::string TitleInName(std::string_view path);
 
-/// The name that SpinnerGenre has for a genre's number, given as the tag record holds it; "" when
-/// it has no row. Failure for a text that is no number.
+/// The name that SpinnerGenre has for a genre's number, given in digits as the tag holds it; ""
+/// when it has no row. Failure for a text that is no number.
 using FindGenre = std::function<std::string(std::string_view number)>;
 
-/// Replaces what the tag knows better. Blanks around a text are padding and do not count; a text of
-/// nothing else is none. Failure: a track number beyond 16 bits, and what `findGenre` throws.
-void ReadTagInto(AddedFile& file, std::string_view record, const FindGenre& findGenre);
+/// Replaces what the tag, whose genre is told by its number, knows better. Blanks around a text are
+/// padding and do not count; a text of nothing else is none. A "|" in a text shifts what is behind
+/// it. Failure: a track number beyond 16 bits, and what `findGenre` throws.
+void ReadTagInto(AddedFile& file, const Tag& tag, const FindGenre& findGenre);
 
 /// Failure (BadFileName, naming what is wrong) when the artist or the album cannot be a folder's
 /// name or the title cannot be a file's.

@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <iterator>
 #include <limits>
+#include <utility>
 
 #include "platform/failure.h"
 #include "run/sound_files.h"
+#include "tags/length_text.h"
 
 namespace quillon {
 namespace {
@@ -19,6 +21,13 @@ void SortByDate(FileList& files) {
 }
 
 }  // namespace
+
+TrackTag TrackTagOf(Tag tag) {
+    const Tag recorded = AsRecorded(std::move(tag));
+    const std::optional<LengthMark> length = LengthInComment(recorded.comment);
+    const bool isWhole = length && length->isClosed;
+    return {.number = recorded.track, .seconds = std::string(isWhole ? length->seconds : "")};
+}
 
 std::int16_t FileCount(std::size_t files) {
     if (files > std::numeric_limits<std::int16_t>::max())
@@ -41,12 +50,9 @@ void Merge(FileList& files, FileList others) {
     std::inplace_merge(files.begin(), files.begin() + middle, files.end(), IsOlder);
 }
 
-FileList ProcessFlatTracks(std::span<const FileEntry> files) {
-    FileList list;
-    for (const FileEntry& file : files)
-        list.push_back({.Name = file.path, .FileDate = file.modified});
-    SortByDate(list);
-    return list;
+FileList ProcessFlatTracks(FileList files) {
+    SortByDate(files);
+    return files;
 }
 
 }  // namespace quillon

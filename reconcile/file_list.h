@@ -9,16 +9,25 @@
 
 #include "platform/date_time.h"
 #include "platform/files.h"
+#include "tags/tag.h"
 
 namespace quillon {
+
+/// What a track takes from its file's tag, as it stands there; "" where that says nothing.
+struct TrackTag {
+    std::string number;
+    std::string seconds;  ///< the length that the comment says between two marks
+};
+
+/// A "|" in a tag's text shifts what is behind it; whatever then stands in a place is taken.
+TrackTag TrackTagOf(Tag tag);
 
 /// A sound file of the album in hand.
 struct ListedFile {
     std::string Name;     ///< full path
     DateTime FileDate;    ///< last modified
     std::int64_t ID = 0;  ///< its row in `Tracks` while that waits for a number, else 0
-    bool IsTagRead = false;
-    std::optional<std::int16_t> TagNumber = {};  ///< once the tag is read, and has one
+    std::optional<TrackTag> Tag = {};  ///< once it is read
 };
 
 /// The sound files of one album, oldest first; files of one age in the order of their folder.
@@ -34,6 +43,6 @@ FileList ProcessAlbumTracks(std::span<const FileEntry> albumFolder);
 void Merge(FileList& files, FileList others);
 
 /// The files of one album of the flat layout.
-FileList ProcessFlatTracks(std::span<const FileEntry> files);
+FileList ProcessFlatTracks(FileList files);
 
 }  // namespace quillon

@@ -1,7 +1,5 @@
 #include "reconcile/flat.h"
 
-#include "reconcile/file_list.h"
-
 namespace quillon {
 
 std::int16_t Flat::Size() const {

@@ -2,9 +2,9 @@
 
 #include <cstdint>
 #include <string>
-#include <vector>
+#include <utility>
 
-#include "platform/files.h"
+#include "reconcile/file_list.h"
 
 namespace quillon {
 
@@ -19,8 +19,8 @@ class Flat {
     void cdjid(std::string value) { cdjid_ = std::move(value); }
     const std::string& cdjid() const { return cdjid_; }
 
-    void Add(FileEntry file) { files_.push_back(std::move(file)); }
-    const std::vector<FileEntry>& GetNames() const { return files_; }
+    void Add(ListedFile file) { files_.push_back(std::move(file)); }
+    const FileList& GetNames() const { return files_; }
 
     /// Number of files. Failure: Overflow above 32767.
     std::int16_t Size() const;
@@ -31,7 +31,7 @@ class Flat {
     void TrackNumber(std::int16_t ignored);
 
   private:
-    std::vector<FileEntry> files_;
+    FileList files_;
     std::string cdjid_;
     std::int16_t trackNumber_ = 0;
 };

@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "database/album_key.h"
-#include "id3/tag_reader.h"
 #include "platform/basic_text.h"
 #include "reconcile/file_list.h"
 #include "reconcile/flat.h"
@@ -19,6 +18,7 @@
 #include "run/counted.h"
 #include "run/sound_files.h"
 #include "run/steps.h"
+#include "tags/tag_reader.h"
 
 namespace quillon {
 namespace {
@@ -67,23 +67,19 @@ class FlatWalk {
     /// An album's title is cut at an "_" of its own; albums of existing databases are named so.
     void Add(FileEntry file) {
         std::string artist = file.name.substr(0, file.name.find(FlatSeparator));
-        const std::optional<std::string> record = ReadWholeID3(run_, file.path);
-        if (!record) {
+        std::optional<Tag> tag = ReadID3(run_, file);
+        if (!tag) {
             // Without its tag it would move to another album.
             HideAlbumsOf(walk_, {file.path});
             return;
         }
-        std::string title = AlbumIn(*record);
+        std::string title = tag->IsThere() ? AsRecorded(*tag).album : "Unknown";
         title.resize(std::min(title.find(FlatSeparator), title.size()));
         const auto [place, isNew] = places_.try_emplace(AlbumKey(artist, title), groups_.size());
         if (isNew) groups_.push_back({std::move(artist), std::move(title), Flat()});
-        groups_[place->second].files.Add(std::move(file));
-    }
-
-    static std::string AlbumIn(const std::string& record) {
-        constexpr std::size_t AlbumPiece = 3;
-        std::vector<std::string> pieces = Split(record, "|");
-        return pieces.size() > AlbumPiece ? std::move(pieces[AlbumPiece]) : "Unknown";
+        groups_[place->second].files.Add({.Name = std::move(file.path),
+                                          .FileDate = file.modified,
+                                          .Tag = TrackTagOf(*std::move(tag))});
     }
 
     void RefreshAlbum(const Group& group) {

@@ -2,7 +2,7 @@
 
 #include <optional>
 
-#include "id3/temporary_name.h"
+#include "id3/file_names.h"
 #include "platform/basic_text.h"
 
 namespace quillon {

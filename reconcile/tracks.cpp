@@ -2,28 +2,36 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <limits>
 #include <numeric>
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <unordered_set>
 #include <vector>
 
 #include "database/schema.h"
 #include "database/sql.h"
-#include "id3/tag_reader.h"
+#include "platform/basic_text.h"
 #include "platform/clock.h"
 #include "reconcile/new_rows.h"
 #include "reconcile/number_order.h"
 #include "reconcile/track_name.h"
-#include "reconcile/track_tag.h"
 #include "run/log.h"
 #include "run/steps.h"
+#include "tags/tag_reader.h"
 
 namespace quillon {
 namespace {
 
 constexpr std::int64_t NoNumber = -1;
+
+/// Nothing for what is no number. Failure: Overflow beyond 16 bits.
+std::optional<std::int64_t> IntegerIn(std::string_view text) {
+    if (!IsNumeric(text)) return std::nullopt;
+    return ToInteger(text);
+}
 
 /// The numbers 1 to N and which of them are taken.
 class NumbersTaken {
@@ -133,9 +141,11 @@ class AlbumTracks {
     }
 
     std::optional<std::int64_t> TagNumber(ListedFile& file) {
-        if (!file.IsTagRead) file.TagNumber = ReadTrackNumber(ReadID3(run_, file.Name));
-        file.IsTagRead = true;
-        return file.TagNumber;
+        constexpr double Most = std::numeric_limits<std::int16_t>::max();
+        if (!file.Tag) file.Tag = TrackTagOf(ReadID3(run_, file.Name).value_or(Tag()));
+        const std::optional<double> number = ToNumber(file.Tag->number);
+        if (!number || *number < 0 || *number > Most) return std::nullopt;
+        return ToInteger(file.Tag->number);
     }
 
     void GiveNumber(const ListedFile& file, std::optional<std::int64_t> number) {
@@ -164,16 +174,18 @@ class AlbumTracks {
     TrackRow* AddRow(ListedFile& file) {
         constexpr std::int64_t UnknownLength = -1;
         const std::string& path = file.Name;
-        const std::optional<std::string> record = ReadWholeID3(run_, path);
-        if (!record) return nullptr;
-        const TrackTag tag = ReadTrackTag(*record);
-        file.IsTagRead = true;
-        file.TagNumber = tag.track;
+        if (!file.Tag) {
+            std::optional<Tag> tag = ReadID3(run_, path);
+            if (!tag) return nullptr;
+            file.Tag = TrackTagOf(*std::move(tag));
+        }
+        const std::optional<std::int64_t> number = IntegerIn(file.Tag->number);
+        const std::optional<std::int64_t> length = IntegerIn(file.Tag->seconds);
         TrackRow& row = library_.AddTrack(FieldsOf(
             run_.clock.Now(), NewTrack{.cdjid = album_.cdjid,
-                                       .minutes = tag.length ? *tag.length / 60 : UnknownLength,
-                                       .seconds = tag.length ? *tag.length % 60 : UnknownLength,
-                                       .number = tag.track.value_or(NoNumber),
+                                       .minutes = length ? *length / 60 : UnknownLength,
+                                       .seconds = length ? *length % 60 : UnknownLength,
+                                       .number = number.value_or(NoNumber),
                                        .title = GetTrackName(path, run_.settings.FlatStructure),
                                        .artist = album_.artist,
                                        .soundFile = path,

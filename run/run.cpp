@@ -37,6 +37,7 @@ PlaylistTable& Run::ThePlaylistTable() {
 }
 
 void Run::ForgetTables() {
+    GenreDictionary.Clear();
     library_.reset();
     downloadTable_.reset();
     playlistTable_.reset();

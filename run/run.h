@@ -6,7 +6,6 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include "library/download_table.h"
@@ -17,6 +16,7 @@
 #include "platform/files.h"
 #include "platform/host.h"
 #include "platform/window.h"
+#include "run/genre_dictionary.h"
 #include "run/left_out.h"
 #include "run/playlist_entries.h"
 #include "run/random_numbers.h"
@@ -86,7 +86,8 @@ class Run {
     Library& TheLibrary();
     DownloadTable& TheDownloadTable();
     PlaylistTable& ThePlaylistTable();
-    /// They are read anew when they are asked for again.
+    /// They are read anew when they are asked for again. The genre dictionary, which is made of
+    /// them, becomes empty.
     void ForgetTables();
 
     /// Genre names by ID3 genre number; "" where the database has none.
@@ -99,8 +100,8 @@ class Run {
     std::vector<std::string> ExcludeList;
     bool ExcludeEmpty = true;
 
-    /// Genre of each download-table song by artist, album and song joined with nothing between.
-    std::unordered_map<std::string, std::string> GenreDictionary;
+    /// Of the download table's songs, where the comparison of tags is to ask for them.
+    quillon::GenreDictionary GenreDictionary;
 
     /// The playlist working set, made anew where a phase starts with an empty one.
     PlaylistEntries playlistEntries;

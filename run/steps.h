@@ -2,6 +2,7 @@
 
 #include <exception>
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace quillon {
@@ -45,7 +46,7 @@ class Steps {
     }
 
     /// Names what the following steps work on: descriptions that do not name it get it behind them.
-    void Concerning(std::string subject) { subject_ = std::move(subject); }
+    void Concerning(std::string_view subject) { subject_ = subject; }
 
     /// Ends what is logged of the following steps with these words, what to do for instance.
     void Advising(std::string advice) { advice_ = std::move(advice); }

@@ -6,7 +6,7 @@
 #include "app/removed_music.h"
 #include "driver/library_folders.h"
 #include "driver/modes.h"
-#include "id3/tag_changes.h"
+#include "id3/verify_tags.h"
 #include "platform/failure.h"
 #include "run/excluded_artists.h"
 #include "run/run.h"

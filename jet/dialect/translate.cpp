@@ -119,6 +119,7 @@ Translation TranslateDelete(const Delete& deletion, const Catalog& catalog) {
                  " ORDER BY 1";
     result.columns.push_back({"", ValueKind::Number, std::nullopt});
     result.keyTables.push_back(instance.use);
+    result.ofAllRows = !joined && !deletion.where;
     return std::move(result);
 }
 

@@ -82,6 +82,7 @@ struct Translation {
     std::vector<TableUse> tables;
     std::vector<std::size_t> keyTables;  ///< of keys: position in `tables` of each
     std::vector<UpdateTarget> targets;   ///< of an UPDATE or INSERT
+    bool ofAllRows = false;              ///< of a DELETE: all rows of its only table
     bool joinsQueries = false;           ///< a FROM has a subquery, over which no index can be made
 };
 

@@ -34,13 +34,13 @@ void ChangeGroup::Undo(Done& done) {
             done.table->Update(done.key, done.old);
             break;
         case Done::Kind::Deleted:
-            done.table->Insert(std::move(done.row));
+            done.table->Insert(done.row);
             break;
     }
 }
 
 RowKey ChangeGroup::Insert(MirrorTable& table, storage::Row values) {
-    const RowKey key = table.Insert(std::move(values));
+    const RowKey key = table.Insert(values);
     done_.push_back({Done::Kind::Inserted, &table, key, {}, {}});
     return key;
 }

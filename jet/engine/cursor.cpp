@@ -189,7 +189,7 @@ void Cursor::InsertRow() {
     for (const auto& [field, value] : pending_)
         row[sources_[field].column] = value;
     session_->BeforeChange(table);
-    place_->keys.assign(1, table.Insert(std::move(row)));
+    place_->keys.assign(1, table.Insert(row));
     table.Hold(place_->keys.front());
     if (place_->rows) place_->position = place_->rows->Append(place_->keys);
     place_->standing = Standing::OnRow;

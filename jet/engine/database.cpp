@@ -1,5 +1,8 @@
 #include "jet/database.h"
 
+#include <algorithm>
+#include <utility>
+
 #include "jet/engine/convert.h"
 #include "jet/engine/cursor.h"
 #include "jet/engine/execute.h"
@@ -7,6 +10,44 @@
 #include "jet/engine/session.h"
 
 namespace jet {
+
+namespace {
+
+/// Holds the session, too, so that it fails and no more where the database has been closed.
+class TableInserter : public Database::Inserter {
+  public:
+    TableInserter(std::shared_ptr<engine::Session> session, std::string_view table,
+                  std::span<const std::string_view> fields)
+        : session_(std::move(session)),
+          table_(session_->Table(table)),
+          row_(table_.Definition().columns.size()) {
+        for (const std::string_view field : fields)
+            columns_.push_back(table_.Column(field));
+        for (std::size_t i = 0; i < row_.size(); ++i)
+            if (std::ranges::find(columns_, i) == columns_.end()) others_.push_back(i);
+    }
+
+    Database::AddedRow Insert(std::span<Value> values) override {
+        for (const std::size_t column : others_)
+            row_[column] = Null{};
+        // Texts change places, so that none is copied and their room is used again.
+        for (std::size_t i = 0; i < columns_.size(); ++i)
+            std::swap(row_[columns_[i]], values[i]);
+        session_->BeforeChange(table_);
+        Database::AddedRow added;
+        added.key = table_.Insert(row_, &added.number);
+        session_->AfterChange();
+        return added;
+    }
+
+  private:
+    std::shared_ptr<engine::Session> session_;
+    engine::MirrorTable& table_;
+    std::vector<std::size_t> columns_, others_;
+    storage::Row row_;
+};
+
+}  // namespace
 
 /// Record sets hold the session too: they can be read, and let go, after the file is closed.
 class Database::Implementation {
@@ -79,9 +120,14 @@ Database::AddedRow Database::Insert(std::string_view table, std::span<const Fiel
         row[target.Column(field.name)] = field.value;
     session.BeforeChange(target);
     AddedRow added;
-    added.key = target.Insert(std::move(row), &added.number);
+    added.key = target.Insert(row, &added.number);
     session.AfterChange();
     return added;
+}
+
+std::unique_ptr<Database::Inserter> Database::OpenInserter(
+    std::string_view table, std::span<const std::string_view> fields) {
+    return std::make_unique<TableInserter>(implementation_->session, table, fields);
 }
 
 void Database::Update(std::string_view table, RowKey row, std::span<const Field> fields) {

@@ -66,6 +66,24 @@ std::int64_t RunDelete(Session& session, Plan& plan, StatementLease statement) {
     return static_cast<std::int64_t>(keys.size());
 }
 
+/// All rows of a table, which need not be in memory for that.
+std::int64_t DeleteAllRows(Session& session, MirrorTable& table) {
+    std::vector<RowKey> keys;
+    table.Scan({}, [&](RowKey key, std::span<Value>) {
+        session.CheckInterruption();
+        keys.push_back(key);
+    });
+    session.BeforeChange(table);
+    ChangeGroup group;
+    for (const RowKey key : keys) {
+        session.CheckInterruption();
+        group.Delete(table, key);
+    }
+    group.Keep();
+    session.AfterChange();
+    return static_cast<std::int64_t>(keys.size());
+}
+
 /// What an UPDATE does to one row.
 struct RowUpdate {
     MirrorTable* table = nullptr;
@@ -125,6 +143,8 @@ std::int64_t Execute(Session& session, std::string_view sql) {
     const std::string signature = Signature(tokens, "execute ");
     std::shared_ptr<Plan> plan = session.FindPlan(signature);
     if (!plan) plan = session.AddPlan(signature, Translate(tokens, session.Catalog()));
+    if (plan->translation.ofAllRows)
+        return DeleteAllRows(session, *plan->tables[plan->translation.keyTables.front()]);
     StatementLease statement = session.Start(*plan, tokens.literals);
     const auto run = dialect::SameName(verb, "insert")   ? RunInsert
                      : dialect::SameName(verb, "delete") ? RunDelete

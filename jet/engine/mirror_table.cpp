@@ -256,7 +256,7 @@ void MirrorTable::RequireWritable() const {
     }
 }
 
-RowKey MirrorTable::Insert(storage::Row values, std::int64_t* number) {
+RowKey MirrorTable::Insert(std::span<Value> values, std::int64_t* number) {
     for (std::size_t i = 0; i < values.size(); ++i)
         values[i] = ConvertToField(Definition().columns[i], std::move(values[i]));
     const storage::Table::Inserted inserted = stored_->Insert(values);

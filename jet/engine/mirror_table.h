@@ -72,9 +72,13 @@ class MirrorTable {
     /// The number that the next row gets in the auto-number column.
     std::int64_t NextAutoNumber() const;
 
-    /// Values are converted to the fields' types, with the errors of ConvertToField.
+    /// Values are converted to the fields' types where they stand, with the errors of
+    /// ConvertToField.
     /// The row's number in the auto-number column stands in `number`, where there is one.
-    RowKey Insert(storage::Row values, std::int64_t* number = nullptr);
+    RowKey Insert(std::span<Value> values, std::int64_t* number = nullptr);
+    RowKey Insert(storage::Row&& values, std::int64_t* number = nullptr) {
+        return Insert(std::span<Value>(values), number);
+    }
     /// Writes the changes, whose values are converted already.
     void Update(RowKey key, std::span<const storage::FieldChange> changes);
     void Delete(RowKey key);

@@ -95,6 +95,25 @@ class JetRecordSet : public RecordSet {
     std::unique_ptr<jet::RecordSet> rows_;
 };
 
+class JetRowInserter : public RowInserter {
+  public:
+    JetRowInserter(SharedDatabase database, std::unique_ptr<jet::Database::Inserter> rows)
+        : database_(std::move(database)), rows_(std::move(rows)) {}
+
+    AddedRow Insert(std::span<const Value> values) override {
+        row_.resize(values.size());
+        for (std::size_t i = 0; i < values.size(); ++i)
+            ToJet(values[i], row_[i]);
+        const jet::Database::AddedRow added = Translated([&] { return rows_->Insert(row_); });
+        return {.key = RowKey{added.key}, .number = added.number};
+    }
+
+  private:
+    SharedDatabase database_;
+    std::unique_ptr<jet::Database::Inserter> rows_;
+    std::vector<jet::Value> row_;
+};
+
 class JetConnection : public Connection {
   public:
     explicit JetConnection(SharedDatabase database) : database_(std::move(database)) {}
@@ -132,6 +151,11 @@ class JetConnection : public Connection {
         const jet::Database::AddedRow added =
             Translated([&] { return database_->Insert(table, FieldsToJet(fields)); });
         return {.key = RowKey{added.key}, .number = added.number};
+    }
+    std::unique_ptr<RowInserter> OpenInserter(std::string_view table,
+                                              std::span<const std::string_view> fields) override {
+        return std::make_unique<JetRowInserter>(
+            database_, Translated([&] { return database_->OpenInserter(table, fields); }));
     }
     void Update(std::string_view table, RowKey row, std::span<const FieldValue> fields) override {
         Translated(

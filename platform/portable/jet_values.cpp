@@ -79,4 +79,14 @@ jet::Value ToJet(const Value& value) {
     return std::visit(ToJetValue{}, value);
 }
 
+void ToJet(const Value& value, jet::Value& converted) {
+    const auto* const text = std::get_if<std::string>(&value);
+    auto* const room = std::get_if<std::string>(&converted);
+    if (text != nullptr && room != nullptr) {
+        *room = *text;
+    } else {
+        converted = ToJet(value);
+    }
+}
+
 }  // namespace quillon

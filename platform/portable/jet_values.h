@@ -17,5 +17,7 @@ void ExchangeFromJet(jet::Value& value, std::string_view field, Value& into);
 
 /// And back; nothing is lost.
 jet::Value ToJet(const Value& value);
+/// The same, with the room that a text there has.
+void ToJet(const Value& value, jet::Value& converted);
 
 }  // namespace quillon

@@ -8,10 +8,8 @@
 namespace quillon {
 namespace {
 
-constexpr std::string_view Separators = "\\/";
-
 bool IsSeparator(char character) {
-    return Separators.find(character) != std::string_view::npos;
+    return character == '\\' || character == '/';
 }
 
 bool IsLetter(char character) {
@@ -20,10 +18,10 @@ bool IsLetter(char character) {
 
 /// Takes the next component off the text; empty when there is none.
 std::string_view TakeComponent(std::string_view& text) {
-    text.remove_prefix(std::min(text.find_first_not_of(Separators), text.size()));
-    const std::string_view component = text.substr(0, text.find_first_of(Separators));
-    text.remove_prefix(component.size());
-    return component;
+    const auto* const begin = std::find_if_not(text.begin(), text.end(), IsSeparator);
+    const auto* const end = std::find_if(begin, text.end(), IsSeparator);
+    text = {end, text.end()};
+    return {begin, end};
 }
 
 bool IsShare(std::string_view path) {

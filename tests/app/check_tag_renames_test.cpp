@@ -17,7 +17,7 @@ class CheckTagRenames : public CheckFixture {
         fs::create_directories(Path("Music/Podcasts/Day"));
     }
     void AddSong(const std::string& name, const std::string& title, const std::string& more = "") {
-        support::Tag tag;
+        support::RawTag tag;
         tag.song = title;
         Write("Music/" + name, more + support::SoundFile(tag));
     }

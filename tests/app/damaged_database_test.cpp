@@ -36,7 +36,7 @@ class DamagedDatabase : public ProgramTest {
             const fs::path folder = MakeFolder("Music/" + std::string(album));
             for (int track = 1; track <= 9; ++track) {
                 const std::string song = "Song " + std::to_string(track);
-                support::Tag tag;
+                support::RawTag tag;
                 tag.song = song;
                 std::ofstream(folder / ("0" + std::to_string(track) + " - " + song + ".mp3"))
                     << support::SoundFile(tag);

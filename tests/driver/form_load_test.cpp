@@ -251,13 +251,15 @@ TEST_F(FormLoad, SeedsTheRandomNumbersFromTheClockOnce) {
 }
 
 TEST_F(FormLoad, ReleasesConnectionDictionaryAndWorkingSet) {
-    Note(&Procedures::PopulateGenre, "PopulateGenre",
-         [](Run& context) { context.GenreDictionary["ABS"] = "Rock"; });
+    Note(&Procedures::PopulateGenre, "PopulateGenre", [](Run& context) {
+        static const SongRow song;
+        context.GenreDictionary.Add(song, "Rock");
+    });
     Note(&Procedures::BuildORsRecordset, "BuildORsRecordset",
          [](Run& context) { context.playlistEntries.Add({.ID = 1}); });
     Load();
     EXPECT_EQ(run.connection, nullptr);
-    EXPECT_TRUE(run.GenreDictionary.empty());
+    EXPECT_EQ(run.GenreDictionary.Size(), 0U);
     EXPECT_EQ(run.playlistEntries.Count(), 0U);
 }
 

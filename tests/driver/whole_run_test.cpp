@@ -84,7 +84,7 @@ class WholeRun : public ::testing::Test {
                  const std::string& song) const {
         const fs::path path = Disk() / "Music" / artist / album;
         fs::create_directories(path);
-        support::Tag tag;
+        support::RawTag tag;
         tag.song = song;
         tag.artist = artist;
         tag.album = album;

@@ -1,6 +1,6 @@
-#include "id3/genre_in_file_name.h"
-
 #include <gtest/gtest.h>
+
+#include "id3/song_genre.h"
 
 namespace quillon {
 namespace {

@@ -18,7 +18,7 @@ namespace quillon {
 namespace {
 
 namespace fs = std::filesystem;
-using support::Tag;
+using support::RawTag;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
@@ -35,7 +35,7 @@ class RealTagsTest : public ::testing::Test {
     }
     static std::string TagOf(const std::string& song, const std::string& artist,
                              const std::string& album) {
-        Tag tag;
+        RawTag tag;
         tag.song = song;
         tag.artist = artist;
         tag.album = album;

@@ -1,8 +1,7 @@
-#include "id3/reconcile_table.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "id3/difference_table.h"
 #include "tests/support/test_library.h"
 
 namespace quillon {

@@ -1,11 +1,9 @@
 #include "id3/record_builder.h"
 
-#include <array>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <string>
 
-#include "id3/difference_fields.h"
 #include "tests/support/test_library.h"
 
 namespace quillon {
@@ -32,47 +30,48 @@ class GetID3InfoTest : public ::testing::Test {
             genre + ", " + std::to_string(length) + ", \"" + link + "\")");
     }
 
-    BuiltRecord Build() { return GetID3Info(library.run, Path, names, present); }
+    BuiltTag Build() { return GetID3Info(library.run, Path, names, present); }
+    std::string Record() { return TagRecord(Build().tag); }
 
     static constexpr const char* Path = R"(D:\Music\Alder\First Light\Alder - Dawn.mp3)";
     SongNames names{.artist = "Alder", .album = "First Light", .song = "Dawn"};
 
     support::TestLibrary library;
-    std::array<std::string, 9> present;
+    Tag present;
 };
 
-TEST_F(GetID3InfoTest, MakesNinePiecesWithoutABarAtTheEnd) {
+TEST_F(GetID3InfoTest, MakesAWholeTag) {
     AddTrack(4, 3, 5);
     AddDownload("\"Rock\"", 0);
-    EXPECT_EQ(Build().record, "TAG|Dawn|Alder|First Light||Length='185'||4|Rock");
+    EXPECT_EQ(Record(), "TAG|Dawn|Alder|First Light||Length='185'||4|Rock|");
 }
 
 TEST_F(GetID3InfoTest, KeepsWhatOnlyTheTagKnows) {
-    present[TagYear] = "1999";
-    present[TagComment] = "a comment";
-    present[TagTrack] = "9";
-    EXPECT_EQ(Build().record, "TAG|Dawn|Alder|First Light|1999|a comment||9|");
+    present.year = "1999";
+    present.comment = "a comment";
+    present.track = "9";
+    EXPECT_EQ(Record(), "TAG|Dawn|Alder|First Light|1999|a comment||9||");
     EXPECT_FALSE(Build().lengthKnown);
     EXPECT_FALSE(Build().trackKnown);
 }
 
 TEST_F(GetID3InfoTest, KeepsALengthThatTheDatabaseDoesNotKnow) {
     AddTrack(4, -1, -1);
-    present[TagComment] = "Length='99'";
-    EXPECT_EQ(Build().record, "TAG|Dawn|Alder|First Light||Length='99'||4|");
+    present.comment = "Length='99'";
+    EXPECT_EQ(Record(), "TAG|Dawn|Alder|First Light||Length='99'||4||");
 }
 
 TEST_F(GetID3InfoTest, PrefersTheLengthOfTheTrackToThatOfTheDownload) {
     AddDownload("\"Rock\"", 200);
-    EXPECT_EQ(Build().record, "TAG|Dawn|Alder|First Light||Length='200'|||Rock");
+    EXPECT_EQ(Record(), "TAG|Dawn|Alder|First Light||Length='200'|||Rock|");
     AddTrack(4, 3, 5);
-    EXPECT_EQ(Build().record, "TAG|Dawn|Alder|First Light||Length='185'||4|Rock");
+    EXPECT_EQ(Record(), "TAG|Dawn|Alder|First Light||Length='185'||4|Rock|");
     EXPECT_EQ(library.Database().Count("Read Spinner"), 1U);
 }
 
 TEST_F(GetID3InfoTest, TakesLengthsAbove32767Seconds) {
     AddTrack(4, 600, 7);
-    EXPECT_EQ(Build().record, "TAG|Dawn|Alder|First Light||Length='36007'||4|");
+    EXPECT_EQ(Record(), "TAG|Dawn|Alder|First Light||Length='36007'||4||");
 }
 
 TEST_F(GetID3InfoTest, TakesNoLengthThatIsNone) {
@@ -87,28 +86,28 @@ TEST_F(GetID3InfoTest, TakesNoLengthThatIsNone) {
 
 TEST_F(GetID3InfoTest, TakesNoNumberThatATagCannotHold) {
     AddTrack(0, 3, 5);
-    present[TagTrack] = "9";
+    present.track = "9";
     for (const char* number : {"0", "-1", "256", "Null"}) {
         library.Execute("UPDATE Tracks SET Track = " + std::string(number));
-        EXPECT_EQ(Build().record, "TAG|Dawn|Alder|First Light||Length='185'||9|") << number;
+        EXPECT_EQ(Record(), "TAG|Dawn|Alder|First Light||Length='185'||9||") << number;
     }
     library.Execute("UPDATE Tracks SET Track = 255");
-    EXPECT_EQ(Build().record, "TAG|Dawn|Alder|First Light||Length='185'||255|");
+    EXPECT_EQ(Record(), "TAG|Dawn|Alder|First Light||Length='185'||255||");
 }
 
 TEST_F(GetID3InfoTest, TakesTheGenreOfTheRowBeforeThatOfItsLink) {
     AddDownload("\"Rock\"", 0, "rtsp://host/spinlinks/000-Jazz-000.rm");
-    EXPECT_EQ(Build().record, "TAG|Dawn|Alder|First Light|||||Rock");
+    EXPECT_EQ(Record(), "TAG|Dawn|Alder|First Light|||||Rock|");
 }
 
 TEST_F(GetID3InfoTest, TakesTheGenreOfTheLinkWhereTheRowHasNone) {
     AddDownload("Null", 0, "rtsp://host/spinlinks/000-Jazz-000.rm");
-    EXPECT_EQ(Build().record, "TAG|Dawn|Alder|First Light|||||Jazz");
+    EXPECT_EQ(Record(), "TAG|Dawn|Alder|First Light|||||Jazz|");
 }
 
 TEST_F(GetID3InfoTest, TakesNoGenreWhereTheRowsIsAnEmptyText) {
     AddDownload("\"\"", 0, "rtsp://host/spinlinks/000-Jazz-000.rm");
-    EXPECT_EQ(Build().record, "TAG|Dawn|Alder|First Light|||||");
+    EXPECT_EQ(Record(), "TAG|Dawn|Alder|First Light||||||");
 }
 
 TEST_F(GetID3InfoTest, TakesOnlyRowsOfTheSameAlbum) {
@@ -119,14 +118,14 @@ TEST_F(GetID3InfoTest, TakesOnlyRowsOfTheSameAlbum) {
     library.Execute(
         "INSERT INTO Spinner (Artist, Album, Song, Genre, Length) VALUES (\"Alder\", "
         "\"Second Light\", \"Dawn\", \"Jazz\", 5)");
-    EXPECT_EQ(Build().record, "TAG|Dawn|Alder|First Light|||||");
+    EXPECT_EQ(Record(), "TAG|Dawn|Alder|First Light||||||");
 }
 
 TEST_F(GetID3InfoTest, TakesNumberAndLengthOfTheFilesOwnRow) {
     AddTrack(4, 3, 5);
     library.AddTrackRow("252E671073EC0001", 6, Path, "Some title");
     library.Execute("UPDATE Tracks SET Minutes = 2, Seconds = 0 WHERE Track = 6");
-    EXPECT_EQ(Build().record, "TAG|Dawn|Alder|First Light||Length='120'||6|");
+    EXPECT_EQ(Record(), "TAG|Dawn|Alder|First Light||Length='120'||6||");
 }
 
 TEST_F(GetID3InfoTest, TakesAnOwnedRowBeforeThatOfADisc) {
@@ -134,48 +133,48 @@ TEST_F(GetID3InfoTest, TakesAnOwnedRowBeforeThatOfADisc) {
     library.Execute(
         "INSERT INTO Tracks (CDJID, Track, Title, Minutes, Seconds) VALUES "
         "(\"DISC\", 9, \"Dawn\", 9, 9)");
-    EXPECT_EQ(Build().record, "TAG|Dawn|Alder|First Light||Length='549'||9|");
+    EXPECT_EQ(Record(), "TAG|Dawn|Alder|First Light||Length='549'||9||");
     AddTrack(4, 3, 5);
-    EXPECT_EQ(Build().record, "TAG|Dawn|Alder|First Light||Length='185'||4|");
+    EXPECT_EQ(Record(), "TAG|Dawn|Alder|First Light||Length='185'||4||");
 }
 
 TEST_F(GetID3InfoTest, KeepsATextThatSaysMoreThanTheNameCan) {
     names = {.artist = "AC-DC", .album = "Act 1 Dawn", .song = "Who Me (live)"};
-    present[TagSong] = "Who? Me [live]";
-    present[TagArtist] = "AC/DC";
-    present[TagAlbum] = "Act 1: Dawn";
-    EXPECT_EQ(Build().record, "TAG|Who? Me [live]|AC/DC|Act 1: Dawn|||||");
+    present.song = "Who? Me [live]";
+    present.artist = "AC/DC";
+    present.album = "Act 1: Dawn";
+    EXPECT_EQ(Record(), "TAG|Who? Me [live]|AC/DC|Act 1: Dawn||||||");
 }
 
 TEST_F(GetID3InfoTest, ReplacesATextThatSaysSomethingElse) {
     names.artist = "AC-DC";
-    present[TagSong] = "Who? Me [live]";
-    present[TagArtist] = "AC/DS";
-    present[TagAlbum] = "first light";
-    EXPECT_EQ(Build().record, "TAG|Dawn|AC-DC|First Light|||||");
+    present.song = "Who? Me [live]";
+    present.artist = "AC/DS";
+    present.album = "first light";
+    EXPECT_EQ(Record(), "TAG|Dawn|AC-DC|First Light||||||");
 }
 
 TEST_F(GetID3InfoTest, KeepsATitleToWhichTheNameAddsANumber) {
     names.song = "01 - A title that no tag can hold";
-    present[TagSong] = "A title that no tag";
-    EXPECT_EQ(Build().record, "TAG|A title that no tag|Alder|First Light|||||");
-    present[TagSong] = "Something else";
-    EXPECT_EQ(Build().record, "TAG|01 - A title that no tag can hold|Alder|First Light|||||");
+    present.song = "A title that no tag";
+    EXPECT_EQ(Record(), "TAG|A title that no tag|Alder|First Light||||||");
+    present.song = "Something else";
+    EXPECT_EQ(Record(), "TAG|01 - A title that no tag can hold|Alder|First Light||||||");
 }
 
 TEST_F(GetID3InfoTest, KeepsATextInOtherLettersThanTheCodePageHas) {
     names.song = "初恋 その一";
     names.artist = "ёлка";
-    present[TagSong] = "初恋";
-    present[TagArtist] = "Ёлка";
-    EXPECT_EQ(Build().record, "TAG|初恋|Ёлка|First Light|||||");
+    present.song = "初恋";
+    present.artist = "Ёлка";
+    EXPECT_EQ(Record(), "TAG|初恋|Ёлка|First Light||||||");
 }
 
 TEST_F(GetID3InfoTest, LogsEachLookUpThatFailsAndGoesOn) {
-    present[TagYear] = "1999";
+    present.year = "1999";
     library.Database().Refuse("Scan Tracks");
     library.Database().Refuse("Scan Spinner");
-    EXPECT_EQ(Build().record, "TAG|Dawn|Alder|First Light|1999||||");
+    EXPECT_EQ(Record(), "TAG|Dawn|Alder|First Light|1999|||||");
     const std::string end = " refused (" + std::string(Path) + ")";
     EXPECT_THAT(library.host.log, ElementsAre("Quillon: GetID3Info Management Line 1" + end,
                                               "Quillon: GetID3Info Management Line 2" + end,

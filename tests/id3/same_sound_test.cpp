@@ -18,7 +18,7 @@ class HaveSameSoundTest : public ::testing::Test {
         return HaveSameSound(world.files, "D:\\a.mp3", "D:\\b.mp3");
     }
     static std::string Tag(const std::string& song) {
-        support::Tag tag;
+        support::RawTag tag;
         tag.song = song;
         return support::TagBytes(tag);
     }

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "id3/tag_reader.h"
 #include "id3/write_id3.h"
+#include "tags/tag_reader.h"
 #include "tests/support/test_library.h"
 
 namespace quillon {
@@ -31,7 +31,7 @@ class StoreID3Test : public ::testing::Test {
                         std::to_string(minutes) + ", " + std::to_string(seconds) + ")");
     }
 
-    static support::Tag OldTag() {
+    static support::RawTag OldTag() {
         return {.marker = "TAG",
                 .song = "Dusk",
                 .artist = "Adler",
@@ -42,7 +42,7 @@ class StoreID3Test : public ::testing::Test {
                 .genre = 40};
     }
 
-    void AddFile(const std::string& path, const support::Tag& tag = OldTag()) {
+    void AddFile(const std::string& path, const support::RawTag& tag = OldTag()) {
         library.AddFile(path, tag, 5);
     }
 
@@ -58,7 +58,8 @@ class StoreID3Test : public ::testing::Test {
 
     void Write() { WriteID3(library.run); }
     std::string Record(const std::string& path = File) {
-        return ReadID3(library.run, std::string(support::TestLibrary::Root) + path);
+        const auto tag = ReadID3(library.run, std::string(support::TestLibrary::Root) + path);
+        return tag ? TagRecord(*tag) : "";
     }
     std::vector<std::string> Writes() { return library.calls.Of({"WriteEnd"}); }
     const std::vector<std::string>& Log() { return library.host.log; }

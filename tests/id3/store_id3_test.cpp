@@ -9,8 +9,8 @@
 namespace quillon {
 namespace {
 
+using support::RawTag;
 using support::SoundFile;
-using support::Tag;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
@@ -251,7 +251,7 @@ TEST_F(StoreID3Test, LogsAFileThatCannotBeReadOrWrittenAndGoesOn) {
 }
 
 TEST_F(StoreID3Test, LogsABarInWhatIsKeptAndLeavesTheFileAlone) {
-    Tag tag = OldTag();
+    RawTag tag = OldTag();
     tag.comment = "this | that";
     AddFile(File, tag);
     AddDifference("Album");
@@ -263,7 +263,7 @@ TEST_F(StoreID3Test, LogsABarInWhatIsKeptAndLeavesTheFileAlone) {
 }
 
 TEST_F(StoreID3Test, DoesNotMindABarInATitleThatIsReplaced) {
-    Tag tag = OldTag();
+    RawTag tag = OldTag();
     tag.song = "Da|wn";
     tag.artist = "|";
     AddFile(File, tag);
@@ -321,7 +321,7 @@ TEST_F(StoreID3Test, WritesATagToAFileThatHasLostItsOwn) {
 // What the database does not know.
 
 TEST_F(StoreID3Test, SaysWhichDifferencesTheDatabaseHasNothingFor) {
-    Tag tag = OldTag();
+    RawTag tag = OldTag();
     tag.track = 0;
     tag.comment = "Length='99'";
     AddFile(R"(Alder\First Light\Alder - Eve.mp3)", tag);

@@ -8,7 +8,7 @@
 namespace quillon {
 namespace {
 
-using support::Tag;
+using support::RawTag;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
@@ -20,7 +20,7 @@ TEST_F(StoreID3Test, NeverWritesTheArtistIntoTheTitle) {
 }
 
 TEST_F(StoreID3Test, LeavesATextThatNoNameCanHold) {
-    Tag tag = OldTag();
+    RawTag tag = OldTag();
     tag.artist = "AC/DC";
     tag.song = "Who? [live]";
     const std::string path = R"(AC-DC\First Light\AC-DC - Who (live).mp3)";
@@ -31,7 +31,7 @@ TEST_F(StoreID3Test, LeavesATextThatNoNameCanHold) {
 }
 
 TEST_F(StoreID3Test, LeavesTextsInUtf8ThatSayTheSame) {
-    Tag tag = OldTag();
+    RawTag tag = OldTag();
     tag.song = "初恋";
     tag.artist = "Fr\u00FChling";
     const std::string path = "Fr\u00FChling\\First Light\\初恋.mp3";

@@ -3,9 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "id3/difference_fields.h"
-#include "platform/basic_text.h"
 #include "platform/failure.h"
+#include "tests/support/tag_records.h"
 
 namespace quillon {
 namespace {
@@ -18,23 +17,21 @@ using ::testing::IsEmpty;
 class CompareTagTest : public ::testing::Test {
   protected:
     CompareTagTest() {
-        expected[TagMarker] = "TAG";
-        expected[TagSong] = "Dawn";
-        expected[TagArtist] = "Alder";
-        expected[TagAlbum] = "First Light";
-        expected[TagTrack] = "7";
-        expected[TagGenre] = "Folk";
+        expected = {.song = "Dawn",
+                    .artist = "Alder",
+                    .album = "First Light",
+                    .track = "7",
+                    .genre = "Folk"};
     }
 
-    TagComparison Compare() { return CompareTag(pieces, expected, seconds); }
+    TagComparison Compare() { return CompareTag(tag, expected, seconds); }
 
-    std::vector<TagDifference> With(TagPiece piece, const std::string& value) {
-        pieces[piece] = value;
+    std::vector<TagDifference> With(std::string Tag::* field, const std::string& value) {
+        tag.*field = value;
         return Compare().differences;
     }
 
-    std::vector<std::string> pieces{"TAG", "Dawn", "Alder", "First Light", "1999",
-                                    "",    "",     "7",     "Folk",        ""};
+    Tag tag = support::TagOfRecord("TAG|Dawn|Alder|First Light|1999|||7|Folk");
     ExpectedTag expected;
     std::string seconds;
 };
@@ -47,27 +44,28 @@ TEST_F(CompareTagTest, FindsNothingWhereAllAgrees) {
 }
 
 TEST_F(CompareTagTest, TakesATitleThatTheTagCutsShortForTheSame) {
-    expected[TagSong] = "A title that is longer than thirty characters";
-    EXPECT_THAT(With(TagSong, "A title that is longer than th"), IsEmpty());
+    expected.song = "A title that is longer than thirty characters";
+    EXPECT_THAT(With(&Tag::song, "A title that is longer than th"), IsEmpty());
 }
 
 TEST_F(CompareTagTest, TakesATagThatGoesOnBehindTheExpectedTextForTheSame) {
-    EXPECT_THAT(With(TagSong, "Dawn (live)"), IsEmpty());
+    EXPECT_THAT(With(&Tag::song, "Dawn (live)"), IsEmpty());
 }
 
 TEST_F(CompareTagTest, IgnoresLetterCase) {
-    EXPECT_THAT(With(TagArtist, "ALDER"), IsEmpty());
-    expected[TagArtist] = "\xC3\x96lvindr";
-    EXPECT_THAT(With(TagArtist, "\xC3\xB6LVINDR"), IsEmpty());
-    EXPECT_THAT(With(TagMarker, "tag"), IsEmpty());
+    EXPECT_THAT(With(&Tag::artist, "ALDER"), IsEmpty());
+    expected.artist = "\xC3\x96lvindr";
+    EXPECT_THAT(With(&Tag::artist, "\xC3\xB6LVINDR"), IsEmpty());
+    EXPECT_THAT(With(&Tag::marker, "tag"), IsEmpty());
 }
 
 TEST_F(CompareTagTest, NotesAnArtistThatDiffersInALetter) {
-    EXPECT_THAT(With(TagArtist, "Aldes"), ElementsAre(TagDifference{"Artist", "Aldes", "Alder"}));
+    EXPECT_THAT(With(&Tag::artist, "Aldes"),
+                ElementsAre(TagDifference{"Artist", "Aldes", "Alder"}));
 }
 
 TEST_F(CompareTagTest, NotesEachFieldUnderItsLabelInTheOrderOfTheTag) {
-    pieces = {"TAG", "a", "b", "c", "1", "", "", "7", "e", ""};
+    tag = support::TagOfRecord("TAG|a|b|c|1|||7|e");
     EXPECT_THAT(Compare().differences, ElementsAre(TagDifference{"Song", "a", "Dawn"},
                                                    TagDifference{"Artist", "b", "Alder"},
                                                    TagDifference{"Album", "c", "First Light"},
@@ -75,74 +73,76 @@ TEST_F(CompareTagTest, NotesEachFieldUnderItsLabelInTheOrderOfTheTag) {
 }
 
 TEST_F(CompareTagTest, TrimsTheTagsValueAndNotesItSo) {
-    EXPECT_THAT(With(TagSong, "  Dawn  "), IsEmpty());
-    EXPECT_THAT(With(TagSong, "  Dusk  "), ElementsAre(TagDifference{"Song", "Dusk", "Dawn"}));
+    EXPECT_THAT(With(&Tag::song, "  Dawn  "), IsEmpty());
+    EXPECT_THAT(With(&Tag::song, "  Dusk  "), ElementsAre(TagDifference{"Song", "Dusk", "Dawn"}));
 }
 
 TEST_F(CompareTagTest, DoesNotCompareAnEmptyValue) {
-    EXPECT_THAT(With(TagSong, ""), IsEmpty());
-    EXPECT_THAT(With(TagArtist, "   "), IsEmpty());
+    EXPECT_THAT(With(&Tag::song, ""), IsEmpty());
+    EXPECT_THAT(With(&Tag::artist, "   "), IsEmpty());
 }
 
 TEST_F(CompareTagTest, DoesNotCompareWhereNothingIsExpected) {
-    expected[TagGenre] = "";
-    EXPECT_THAT(With(TagGenre, "Rock"), IsEmpty());
-    EXPECT_THAT(With(TagYear, "1066"), IsEmpty());
-    EXPECT_THAT(With(TagVer, "x"), IsEmpty());
+    expected.genre = "";
+    EXPECT_THAT(With(&Tag::genre, "Rock"), IsEmpty());
+    EXPECT_THAT(With(&Tag::year, "1066"), IsEmpty());
+    EXPECT_THAT(With(&Tag::ver, "x"), IsEmpty());
 }
 
 TEST_F(CompareTagTest, SaysWhenTheTitleDiffers) {
     EXPECT_FALSE(Compare().titleDiffers);
-    pieces[TagArtist] = "x";
+    tag.artist = "x";
     EXPECT_FALSE(Compare().titleDiffers);
-    pieces[TagSong] = "Dusk";
+    tag.song = "Dusk";
     EXPECT_TRUE(Compare().titleDiffers);
 }
 
 TEST_F(CompareTagTest, NeverNotesATrackNumberThatDisagrees) {
-    pieces[TagTrack] = "3";
+    tag.track = "3";
     const TagComparison comparison = Compare();
     EXPECT_THAT(comparison.differences, IsEmpty());
     EXPECT_EQ(comparison.track, "3");
 }
 
 TEST_F(CompareTagTest, NotesAMissingTrackNumberOfATagThatDiffersOnly) {
-    pieces[TagTrack] = "";
+    tag.track = "";
     EXPECT_THAT(Compare().differences, IsEmpty());
     EXPECT_EQ(Compare().track, "");
-    EXPECT_THAT(With(TagArtist, "x"), ElementsAre(TagDifference{"Artist", "x", "Alder"},
-                                                  TagDifference{"Track Number Missing", "", ""}));
+    EXPECT_THAT(With(&Tag::artist, "x"),
+                ElementsAre(TagDifference{"Artist", "x", "Alder"},
+                            TagDifference{"Track Number Missing", "", ""}));
     EXPECT_EQ(Compare().track, "-1");
 }
 
 // What the code page of tags lacks is "?" in each of them; a file must not lose its name to that.
 TEST_F(CompareTagTest, TakesCharactersThatNoTagCanHoldForQuestionMarks) {
-    expected[TagSong] = "P\xC5\x99\x65h\xC3\xA1\xC5\x88ka";
-    EXPECT_THAT(With(TagSong, "P?eh\xC3\xA1?ka"), IsEmpty());
+    expected.song = "P\xC5\x99\x65h\xC3\xA1\xC5\x88ka";
+    EXPECT_THAT(With(&Tag::song, "P?eh\xC3\xA1?ka"), IsEmpty());
     EXPECT_FALSE(Compare().titleDiffers);
-    EXPECT_EQ(With(TagSong, "Prehanka").size(), 1U);
+    EXPECT_EQ(With(&Tag::song, "Prehanka").size(), 1U);
 }
 
-TEST_F(CompareTagTest, FailsForARecordOfMoreThanTenPieces) {
-    pieces.emplace_back("");
+TEST_F(CompareTagTest, FailsForATagWithABarInAField) {
+    tag.artist = "Al|der";
     try {
         Compare();
         FAIL() << "no failure";
     } catch (const Failure& failure) {
         EXPECT_EQ(failure.Number(), FailureNumber::SubscriptOutOfRange);
+        EXPECT_THAT(failure.what(), ::testing::HasSubstr("tag record of 11 pieces"));
     }
 }
 
 class LengthTest : public CompareTagTest {
   protected:
     std::vector<std::string> Lengths(const std::string& comment, const std::string& database) {
-        pieces[TagComment] = comment;
+        tag.comment = comment;
         seconds = database;
         const TagComparison comparison = Compare();
         used = comparison.seconds;
         std::vector<std::string> texts;
         for (const TagDifference& difference : comparison.differences)
-            texts.push_back(difference.field + ": " + difference.tagValue + " " +
+            texts.push_back(std::string(difference.field) + ": " + difference.tagValue + " " +
                             difference.expected);
         return texts;
     }
@@ -202,7 +202,7 @@ TEST_F(LengthTest, OfTheTagIsGiven) {
 }
 
 TEST_F(LengthTest, ThatDisagreesMakesTheTagDiffer) {
-    pieces[TagTrack] = "";
+    tag.track = "";
     EXPECT_THAT(Lengths("Length='184'", "180"),
                 ElementsAre("Comment: Length=184 Length=180", "Track Number Missing:  "));
 }

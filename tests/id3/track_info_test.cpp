@@ -1,8 +1,8 @@
-#include "id3/track_info.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "id3/song_genre.h"
+#include "id3/track_of_file.h"
 #include "tests/support/test_library.h"
 
 namespace quillon {

@@ -1,11 +1,10 @@
-#include "id3/update_for_id3_info.h"
-
+#include "id3/track_of_file.h"
 #include "tests/id3/verify_fixture.h"
 
 namespace quillon {
 namespace {
 
-using support::Tag;
+using support::RawTag;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
@@ -148,7 +147,7 @@ TEST_F(UpdateForID3InfoTest, LogsFailuresWithTheFile) {
 }
 
 TEST_F(UpdateForID3InfoTest, KeepsTheLengthOfTheDatabaseAndFillsInAnUnknownOne) {
-    Tag tag = TagOf("Dawn");
+    RawTag tag = TagOf("Dawn");
     tag.comment = "Length='184'";
     AddFile("Alder - Dawn.mp3", tag);
     Verify();

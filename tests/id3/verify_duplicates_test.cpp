@@ -7,7 +7,7 @@
 namespace quillon {
 namespace {
 
-using support::Tag;
+using support::RawTag;
 using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
@@ -116,7 +116,7 @@ TEST_F(VerifyDuplicatesTest, StayWhereTheOtherFileHasVanished) {
 class IdenticalDuplicatesTest : public VerifyDuplicatesTest {
   protected:
     IdenticalDuplicatesTest() { library.host.Set("OnlyIdentical", "1"); }
-    void AddOtherSound(const std::string& name, const std::string& title, const Tag& tag) {
+    void AddOtherSound(const std::string& name, const std::string& title, const RawTag& tag) {
         library.files.AddFile(PathOf(name), "another sound" + support::SoundFile(tag));
         AddRow(name, title);
     }

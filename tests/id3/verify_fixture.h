@@ -17,8 +17,8 @@ class VerifyTest : public ::testing::Test {
   protected:
     VerifyTest() { library.AddAlbumRow(Cdjid, "Alder", "First Light", 1); }
 
-    static support::Tag TagOf(const std::string& song, std::uint8_t track = 1) {
-        support::Tag tag;
+    static support::RawTag TagOf(const std::string& song, std::uint8_t track = 1) {
+        support::RawTag tag;
         tag.song = song;
         tag.artist = "Alder";
         tag.album = "First Light";
@@ -26,12 +26,12 @@ class VerifyTest : public ::testing::Test {
         return tag;
     }
 
-    void AddFile(const std::string& name, const support::Tag& tag) {
+    void AddFile(const std::string& name, const support::RawTag& tag) {
         library.AddFile(Album + name, tag);
     }
 
     /// A file and its row, with plays to be lost.
-    void AddTrack(const std::string& name, const std::string& title, const support::Tag& tag) {
+    void AddTrack(const std::string& name, const std::string& title, const support::RawTag& tag) {
         AddFile(name, tag);
         AddRow(name, title);
     }

@@ -22,7 +22,7 @@ class VerifyKilledTest : public ::testing::Test {
   protected:
     static void AddFile(support::RealLibrary& library, const std::string& name,
                         const std::string& song, std::uint8_t track) {
-        support::Tag tag;
+        support::RawTag tag;
         tag.song = song;
         tag.track = track;
         library.AddFile(name, support::SoundFile(tag), track);
@@ -90,7 +90,7 @@ class VerifyChainsKilledTest : public ::testing::Test {
   protected:
     static void AddSong(support::RealLibrary& library, const std::string& title,
                         const std::string& tagTitle, std::uint8_t number) {
-        support::Tag tag;
+        support::RawTag tag;
         tag.song = tagTitle;
         tag.track = number;
         library.AddFile("Alder\\One\\Alder - " + title + ".mp3", support::SoundFile(tag), number);

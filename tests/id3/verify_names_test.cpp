@@ -4,7 +4,7 @@
 namespace quillon {
 namespace {
 
-using support::Tag;
+using support::RawTag;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
@@ -28,7 +28,7 @@ TEST_F(VerifyNamesTest, MayHaveTheArtistInOtherLetterCase) {
 }
 
 TEST_F(VerifyNamesTest, LackCharactersThatTagsHave) {
-    Tag tag = TagOf("Who? Me [live]");
+    RawTag tag = TagOf("Who? Me [live]");
     tag.artist = "AC/DC";
     tag.album = "Act 1: Dawn";
     library.AddFile(R"(AC-DC\Act 1 Dawn\AC-DC - Who Me (live).mp3)", tag);

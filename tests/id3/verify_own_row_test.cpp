@@ -5,15 +5,15 @@
 namespace quillon {
 namespace {
 
-using support::Tag;
+using support::RawTag;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 class VerifyOwnRowTest : public VerifyTest {
   protected:
-    static Tag LongTag(const std::string& song, const std::string& seconds,
-                       std::uint8_t track = 1) {
-        Tag tag = TagOf(song, track);
+    static RawTag LongTag(const std::string& song, const std::string& seconds,
+                          std::uint8_t track = 1) {
+        RawTag tag = TagOf(song, track);
         tag.comment = "Length='" + seconds + "'";
         return tag;
     }

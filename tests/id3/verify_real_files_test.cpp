@@ -19,15 +19,15 @@ namespace quillon {
 namespace {
 
 namespace fs = std::filesystem;
-using support::Tag;
+using support::RawTag;
 using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
 class VerifyRealFilesTest : public ::testing::Test {
   protected:
-    static Tag TagOf(const std::string& song) {
-        Tag tag;
+    static RawTag TagOf(const std::string& song) {
+        RawTag tag;
         tag.song = song;
         tag.track = 1;
         return tag;

@@ -4,7 +4,7 @@
 namespace quillon {
 namespace {
 
-using support::Tag;
+using support::RawTag;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
@@ -29,7 +29,7 @@ TEST_F(VerifyRenamesTest, PutTheArtistBeforeATitle) {
 }
 
 TEST_F(VerifyRenamesTest, LeaveAFileWhoseOtherFieldsDiffer) {
-    Tag tag = TagOf("Dawn");
+    RawTag tag = TagOf("Dawn");
     tag.artist = "x";
     AddTrack("Dawn.mp3", "Dawn", tag);
     Verify();

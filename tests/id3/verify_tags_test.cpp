@@ -4,7 +4,7 @@
 namespace quillon {
 namespace {
 
-using support::Tag;
+using support::RawTag;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::StartsWith;
@@ -20,7 +20,7 @@ TEST_F(VerifyTagsTest, NotesNothingWhereTagNamesAndDatabaseAgree) {
 }
 
 TEST_F(VerifyTagsTest, NotesEveryValueOfADifference) {
-    Tag tag = TagOf("Dawn");
+    RawTag tag = TagOf("Dawn");
     tag.artist = "  Aldes ";
     AddTrack("Alder - Dawn.mp3", "Dawn", tag);
     Verify();
@@ -45,7 +45,7 @@ TEST_F(VerifyTagsTest, TakesATitleCutAtThirtyCharactersForTheSame) {
 }
 
 TEST_F(VerifyTagsTest, ComparesTheLengthWithTheDatabase) {
-    Tag tag = TagOf("Dawn");
+    RawTag tag = TagOf("Dawn");
     tag.comment = "Length='181'";
     AddTrack("Alder - Dawn.mp3", "Dawn", tag);
     tag = TagOf("Noon");
@@ -58,8 +58,10 @@ TEST_F(VerifyTagsTest, ComparesTheLengthWithTheDatabase) {
 
 TEST_F(VerifyTagsTest, TakesTheGenreFromTheDictionary) {
     library.run.GenreNames[17] = "Rock";
-    library.run.GenreDictionary["AlderFirst LightDawn"] = "Folk";
-    Tag tag = TagOf("Dawn");
+    SongRow dawn;
+    dawn.song = RowText(std::string("AlderFirst LightDawn"));
+    library.run.GenreDictionary.Add(dawn, "Folk");
+    RawTag tag = TagOf("Dawn");
     tag.genre = 17;
     AddFile("Alder - Dawn.mp3", tag);
     tag.song = "Noon";
@@ -69,7 +71,7 @@ TEST_F(VerifyTagsTest, TakesTheGenreFromTheDictionary) {
 }
 
 TEST_F(VerifyTagsTest, NotesAMissingTrackNumberOfADifferingTag) {
-    Tag tag = TagOf("Dawn", 0);
+    RawTag tag = TagOf("Dawn", 0);
     tag.album = "Last Light";
     AddFile("Alder - Dawn.mp3", tag);
     AddFile("Alder - Noon.mp3", TagOf("Noon", 0));
@@ -127,7 +129,7 @@ TEST_F(VerifyTagsTest, LeavesOutExcludedArtistsButCountsThem) {
 }
 
 TEST_F(VerifyTagsTest, StopsAtTheNextArtistAfterAnAbort) {
-    Tag other = TagOf("x");
+    RawTag other = TagOf("x");
     other.artist = "y";
     AddFile("Alder - Dawn.mp3", TagOf("x"));
     library.AddFile(R"(Birch\Bark\z.mp3)", other);
@@ -173,14 +175,14 @@ TEST_F(VerifyTagsTest, LogsFoldersThatCannotBeListedAndGoesOn) {
 
 TEST_F(VerifyTagsTest, LogsATableThatCannotBeOpened) {
     AddFile("Alder - Dawn.mp3", TagOf("x"));
-    library.Database().Refuse("Scan SpinnerID3Differences");
+    library.Database().Refuse("OpenInserter SpinnerID3Differences");
     Verify();
     EXPECT_THAT(library.host.log, ElementsAre("Quillon: VerifyID3TagsFolder Line 1 refused"));
     EXPECT_THAT(library.calls.Of({"OpenBinary"}), IsEmpty());
 }
 
 TEST_F(VerifyTagsTest, LogsARowThatCannotBeStoredWithItsFileAndGoesOn) {
-    Tag tag = TagOf("Dawn", 0);
+    RawTag tag = TagOf("Dawn", 0);
     tag.artist = "b";
     tag.album = "c";
     AddFile("Alder - Dawn.mp3", tag);
@@ -194,7 +196,7 @@ TEST_F(VerifyTagsTest, LogsARowThatCannotBeStoredWithItsFileAndGoesOn) {
 
 // A bar shifts all that is behind it; a title or a number from the wrong place would do harm.
 TEST_F(VerifyTagsTest, DoesNotCompareARecordWithABarInAField) {
-    const Tag tag = TagOf("Other|wise");
+    const RawTag tag = TagOf("Other|wise");
     AddTrack("Alder - Dawn.mp3", "Dawn", tag);
     AddFile("Alder - Noon.mp3", TagOf("Moon"));
     Verify();
@@ -226,7 +228,7 @@ TEST_F(VerifyTagsTest, GoesOnBehindAFileThatVanishedSinceItWasListed) {
     };
     Verify();
     ASSERT_EQ(Trouble().size(), 1U);
-    EXPECT_THAT(Trouble()[0], StartsWith("Quillon: Read ID3 File Error: Line 2 File not "
+    EXPECT_THAT(Trouble()[0], StartsWith("Quillon: Read ID3 File Error: Line 3 File not "
                                          "found"));
     EXPECT_THAT(Names(), ElementsAre("Alder - x.mp3"));
 }

@@ -44,6 +44,28 @@ TEST(PartialCopy, FollowsChangesOfColumnsThatItLacks) {
     EXPECT_EQ(Rows(database, "SELECT * FROM T"), expected);
 }
 
+TEST(PartialCopy, IsNotMadeToDeleteAllRows) {
+    const NumberTable table(300);
+    {
+        engine::Session session(table.Path(), OpenMode::ReadWrite, {});
+        EXPECT_EQ(engine::Execute(session, "DELETE * FROM T"), 300);
+        EXPECT_FALSE(session.Table("T").Has({}));
+        EXPECT_EQ(engine::Execute(session, "DELETE * FROM T"), 0);
+        session.Close();
+    }
+    EXPECT_EQ(StructuralFaults(table.Path()), "");
+    Database database = table.Open();
+    EXPECT_EQ(Rows(database, "SELECT Count(*) FROM T"), "0");
+}
+
+TEST(PartialCopy, LosesAllItsRowsToADeleteOfAll) {
+    const NumberTable table(300);
+    Database database = table.Open();
+    Rows(database, "SELECT Plain FROM T");
+    EXPECT_EQ(database.Execute("DELETE * FROM T"), 300);
+    EXPECT_EQ(Rows(database, "SELECT Count(*) FROM T"), "0");
+}
+
 TEST(PartialCopy, ServesRecordSetsThatChangeRows) {
     const NumberTable table(300);
     Database database = table.Open();

@@ -73,6 +73,42 @@ TEST(RowsByKey, AreTheSameForStatements) {
     }
 }
 
+/// Whether statements have loaded the table before or not.
+TEST(RowsByKey, AreAddedInGreatNumbersAsOneByOne) {
+    for (const bool isLoaded : {false, true}) {
+        SampleDatabase database;
+        if (isLoaded) database.Rows("SELECT * FROM Tracks");
+        constexpr std::array<std::string_view, 2> Fields{"TITLE", "Track"};
+        const auto inserter = database->OpenInserter("tracks", Fields);
+        std::array<Value, 2> values;
+        std::int64_t last = 0;
+        for (std::int64_t number = 1; number <= 300; ++number) {
+            values[0] = "Many " + std::to_string(number);
+            values[1] = number % 2 == 0 ? Value(number) : Value(Null{});
+            const Database::AddedRow added = inserter->Insert(values);
+            EXPECT_GT(added.number, last);
+            last = added.number;
+        }
+        values = {std::string(300, 'x'), std::int64_t{1}};
+        EXPECT_EQ(KindOf([&] { inserter->Insert(values); }), ErrorKind::TooLong);
+        EXPECT_EQ(database.Rows("SELECT Title, Track FROM Tracks WHERE ID=" + std::to_string(last)),
+                  "Many 300|300");
+        EXPECT_EQ(database.Rows("SELECT Count(*) FROM Tracks WHERE Title Like 'Many%'"), "300");
+        EXPECT_EQ(
+            database.Rows("SELECT Count(*) FROM Tracks WHERE Title Like 'Many%' AND Track Is Null"),
+            "150");
+        database.Close();
+        EXPECT_EQ(StructuralFaults(database.Path()), "");
+    }
+}
+
+TEST(RowsByKey, AreNotAddedToATableOrFieldThatIsNotThere) {
+    SampleDatabase database;
+    constexpr std::array<std::string_view, 1> Fields{"Nothing"};
+    EXPECT_EQ(KindOf([&] { database->OpenInserter("Tracks", Fields); }), ErrorKind::NotFound);
+    EXPECT_EQ(KindOf([&] { database->OpenInserter("Nowhere", {}); }), ErrorKind::NotFound);
+}
+
 TEST(RowsByKey, AreRefusedWhatStatementsAreRefused) {
     SampleDatabase database;
     std::vector<Database::RowKey> keys;

@@ -21,6 +21,21 @@ TEST(LetterCase, LeavesLettersWhoseOtherCaseBelongsToAnother) {
     }
 }
 
+TEST(BeginningIn, CountsTheBytesThatSayIt) {
+    EXPECT_EQ(BeginningIn("Alder - Dawn", "ALDER"), 5U);
+    EXPECT_EQ(BeginningIn("Ölvindr", "öl"), 3U);
+    EXPECT_EQ(BeginningIn("Ⱥx", "ⱥ"), 2U) << "whose small form takes three bytes";
+    EXPECT_EQ(BeginningIn("anything", ""), 0U);
+}
+
+TEST(BeginningIn, IsNoneInATextThatBeginsOtherwise) {
+    EXPECT_EQ(BeginningIn("Alder", "Alders"), std::nullopt);
+    EXPECT_EQ(BeginningIn("Alder", "Elder"), std::nullopt);
+    EXPECT_EQ(BeginningIn("o", "ö"), std::nullopt);
+    EXPECT_EQ(BeginningIn("ä", "\xE4"), std::nullopt);
+    EXPECT_EQ(BeginningIn("", "a"), std::nullopt);
+}
+
 TEST(LetterCase, LeavesBytesThatAreNoText) {
     EXPECT_EQ(UpperCase("a\xFFz\xC3"), "A\xFFZ\xC3");
     EXPECT_EQ(LowerCase("\xED\xA0\x80"

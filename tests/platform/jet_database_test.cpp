@@ -1,5 +1,6 @@
 #include "platform/portable/jet_database.h"
 
+#include <array>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
@@ -117,6 +118,26 @@ TEST_F(JetDatabaseTest, ChangesAndReadsRows) {
     EXPECT_EQ(rows->Get("Owned"), Value(true));
     rows->MoveNext();
     EXPECT_TRUE(rows->IsEof());
+}
+
+TEST_F(JetDatabaseTest, AddsManyRowsOfTheSameFields) {
+    const std::unique_ptr<Connection> connection = Open();
+    constexpr std::array<std::string_view, 3> Fields{"Number", "Title", "Added"};
+    const std::unique_ptr<RowInserter> songs = connection->OpenInserter("Songs", Fields);
+    const std::string longTitle = "a title that is longer than a short one";
+    songs->Insert(std::array<Value, 3>{std::int64_t{1}, longTitle, MakeDateTime(2026, 11, 15, 12)});
+    songs->Insert(std::array<Value, 3>{Null{}, std::string("Two"), Null{}});
+    songs->Insert(std::array<Value, 3>{std::int64_t{3}, Null{}, Null{}});
+    const std::unique_ptr<RecordSet> rows = connection->Query("SELECT * FROM Songs");
+    EXPECT_EQ(rows->Text("Title"), longTitle);
+    EXPECT_EQ(rows->Get("Added"), Value(MakeDateTime(2026, 11, 15, 12)));
+    rows->MoveNext();
+    EXPECT_EQ(rows->Text("Title"), "Two");
+    EXPECT_TRUE(IsNull(rows->Get("Number")));
+    EXPECT_TRUE(IsNull(rows->Get("Added")));
+    rows->MoveNext();
+    EXPECT_TRUE(IsNull(rows->Get("Title")));
+    EXPECT_EQ(rows->Integer("Number"), 3);
 }
 
 TEST_F(JetDatabaseTest, RecordSetsFilterSortAndDelete) {

@@ -42,7 +42,7 @@ class AddingFailsTest : public AddingTest {
     }
 
     /// Adds a file whose tag has these names; it must leave no trace but one line of the log.
-    void ExpectRefused(const support::Tag& tag) {
+    void ExpectRefused(const support::RawTag& tag) {
         SCOPED_TRACE(tag.artist + "|" + tag.album + "|" + tag.song);
         AddNew("1 - x.mp3", tag);
         AddImage("front.jpg");

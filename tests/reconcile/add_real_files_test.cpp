@@ -45,7 +45,7 @@ class Shelf : public support::RealLibrary {
     }
     void AddSong(const std::string& path, const std::string& song, const std::string& artist,
                  const std::string& album, std::uint8_t track) const {
-        support::Tag tag;
+        support::RawTag tag;
         tag.song = song;
         tag.artist = artist;
         tag.album = album;

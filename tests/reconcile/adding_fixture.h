@@ -20,10 +20,10 @@ class AddingTest : public ::testing::Test {
         library.calls.Forget();
     }
 
-    static support::Tag TagOf(const std::string& song, const std::string& artist,
-                              const std::string& album, std::uint8_t track = 0,
-                              std::uint8_t genre = 17) {
-        support::Tag tag;
+    static support::RawTag TagOf(const std::string& song, const std::string& artist,
+                                 const std::string& album, std::uint8_t track = 0,
+                                 std::uint8_t genre = 17) {
+        support::RawTag tag;
         tag.song = song;
         tag.artist = artist;
         tag.album = album;
@@ -35,7 +35,7 @@ class AddingTest : public ::testing::Test {
     void AddNew(const std::string& path) {
         library.files.AddFile(R"(D:\New\)" + path, support::UntaggedSoundFile());
     }
-    void AddNew(const std::string& path, const support::Tag& tag) {
+    void AddNew(const std::string& path, const support::RawTag& tag) {
         library.files.AddFile(R"(D:\New\)" + path, support::SoundFile(tag));
     }
     void AddImage(const std::string& path, const std::string& bytes = "image") {

@@ -7,7 +7,7 @@
 namespace quillon {
 namespace {
 
-using support::Tag;
+using support::RawTag;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
@@ -65,8 +65,8 @@ TEST(OrderOfOneAge, IsByTagAndThenByNameWhereATagNumberIsThereTwice) {
 /// A library that was copied without its times.
 class EqualAgesTest : public ::testing::Test {
   protected:
-    static Tag TrackTag(std::uint8_t track) {
-        Tag tag;
+    static RawTag TrackTag(std::uint8_t track) {
+        RawTag tag;
         tag.track = track;
         return tag;
     }

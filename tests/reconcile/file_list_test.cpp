@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/failure.h"
+#include "tests/support/tag_records.h"
 
 namespace quillon {
 namespace {
@@ -38,8 +39,28 @@ TEST(ProcessAlbumTracks, KeepsTheFoldersOrderAmongFilesOfOneAge) {
 }
 
 TEST(ProcessFlatTracks, ListsAllFilesOfTheGroupOldestFirst) {
-    const std::vector<FileEntry> group{File("A_1.mp3", 2), File("A_2.mp3", 1)};
+    const FileList group{{.Name = R"(D:\A_1.mp3)", .FileDate = {2}},
+                         {.Name = R"(D:\A_2.mp3)", .FileDate = {1}}};
     EXPECT_THAT(Names(ProcessFlatTracks(group)), ElementsAre(R"(D:\A_2.mp3)", R"(D:\A_1.mp3)"));
+}
+
+TEST(TrackTagOf, TakesNumberAndLength) {
+    const TrackTag tag = TrackTagOf(support::TagOfRecord("TAG|a|b|c|1999|x Length='245' y||7|"));
+    EXPECT_EQ(tag.number, "7");
+    EXPECT_EQ(tag.seconds, "245");
+}
+
+TEST(TrackTagOf, TakesNoLengthThatTheFieldMayHaveCut) {
+    EXPECT_EQ(TrackTagOf(support::TagOfRecord("TAG|a|b|c|1999|Length='245||7|")).seconds, "");
+    EXPECT_EQ(TrackTagOf(support::TagOfRecord("TAG|a|b|c|1999|a comment|||")).seconds, "");
+    EXPECT_EQ(TrackTagOf(Tag()).number, "");
+}
+
+TEST(TrackTagOf, TakesWhatABarHasShiftedIntoThePlace) {
+    Tag tag = support::TagOfRecord("TAG|song|a|b|1999|Length='9'||7|Rock|");
+    tag.song = "so|n|g";
+    EXPECT_EQ(TrackTagOf(tag).number, "Length='9'");
+    EXPECT_EQ(TrackTagOf(tag).seconds, "");
 }
 
 TEST(FileCount, OverflowsBeyond16Bits) {

@@ -6,13 +6,13 @@
 namespace quillon {
 namespace {
 
-using support::Tag;
+using support::RawTag;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::StartsWith;
 
-Tag OfAlbum(const std::string& album) {
-    Tag tag;
+RawTag OfAlbum(const std::string& album) {
+    RawTag tag;
     tag.album = album;
     return tag;
 }
@@ -124,9 +124,23 @@ TEST_F(FlatLayoutTest, KeepsAllRowsOfAFolderThatCannotBeListed) {
     EXPECT_EQ(library.Tracks(), tracks);
 }
 
+TEST_F(FlatLayoutTest, ReadsTheTagOfEachFileOnce) {
+    RawTag tag = OfAlbum("One");
+    tag.track = 2;
+    tag.comment = "Length='245'";
+    library.AddFile("Red_a.mp3", tag);
+    tag.track = 1;
+    library.AddFile("Red_b.mp3", tag);
+    library.Reconcile();
+    EXPECT_THAT(library.calls.Of({"OpenBinary"}), ElementsAre(R"(OpenBinary D:\Music\Red_a.mp3)",
+                                                              R"(OpenBinary D:\Music\Red_b.mp3)"));
+    EXPECT_THAT(library.Tracks(), ElementsAre("Red_a.mp3|a|2", "Red_b.mp3|b|1"));
+    EXPECT_THAT(library.Rows("SELECT Minutes, Seconds FROM Tracks"), ElementsAre("4|5", "4|5"));
+}
+
 TEST_F(FlatLayoutTest, TheThirdRunChangesNothing) {
     for (int i = 0; i < 9; ++i) {
-        Tag tag = OfAlbum(i % 2 == 0 ? "Even" : "Odd");
+        RawTag tag = OfAlbum(i % 2 == 0 ? "Even" : "Odd");
         tag.track = static_cast<std::uint8_t>(9 - i);
         library.AddFile("Artist_" + std::to_string(i) + ".mp3", tag, i);
     }

@@ -17,11 +17,11 @@ TEST(Flat, BeginsWithoutFilesIdentifierOrNumber) {
 
 TEST(Flat, CollectsFilesInTheirOrder) {
     Flat flat;
-    flat.Add({.path = R"(D:\b)", .name = "b", .size = 1, .modified = {}});
-    flat.Add({.path = R"(D:\a)", .name = "a", .size = 1, .modified = {}});
+    flat.Add({.Name = R"(D:\b)", .FileDate = {}});
+    flat.Add({.Name = R"(D:\a)", .FileDate = {}});
     ASSERT_EQ(flat.Size(), 2);
-    EXPECT_EQ(flat.GetNames()[0].name, "b");
-    EXPECT_EQ(flat.GetNames()[1].name, "a");
+    EXPECT_EQ(flat.GetNames()[0].Name, R"(D:\b)");
+    EXPECT_EQ(flat.GetNames()[1].Name, R"(D:\a)");
     flat.Class_Initialize();
     EXPECT_EQ(flat.Size(), 0);
 }

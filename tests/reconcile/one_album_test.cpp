@@ -8,7 +8,7 @@
 namespace quillon {
 namespace {
 
-using support::Tag;
+using support::RawTag;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
@@ -75,7 +75,7 @@ TEST_F(OneAlbumTest, LiesInALibraryFolderThatIsNamedTwice) {
 
 TEST_F(OneAlbumTest, ComesFromFlatTagsThatDifferInLetterCaseAlone) {
     library.run.settings.FlatStructure = true;
-    Tag one;
+    RawTag one;
     one.album = "One";
     library.AddFile("Red_a.mp3", one, 1);
     library.AddFile("Red_b.mp3", one, 2);
@@ -88,7 +88,7 @@ TEST_F(OneAlbumTest, ComesFromFlatTagsThatDifferInLetterCaseAlone) {
 
 TEST_F(OneAlbumTest, ComesFromFlatTagsThatAreCutAtTheSamePlace) {
     library.run.settings.FlatStructure = true;
-    Tag tag;
+    RawTag tag;
     tag.album = "X_Y";
     library.AddFile("A_a.mp3", tag);
     tag.album = "X_Z";
@@ -99,7 +99,7 @@ TEST_F(OneAlbumTest, ComesFromFlatTagsThatAreCutAtTheSamePlace) {
 
 TEST_F(OneAlbumTest, LiesFlatInSeveralLibraryFolders) {
     library.run.settings.FlatStructure = true;
-    Tag one;
+    RawTag one;
     one.album = "One";
     library.AddFile(R"(Rock\Red_a.mp3)", one, 2);
     library.AddFile(R"(Jazz\Red_b.mp3)", one, 1);

@@ -6,7 +6,7 @@
 namespace quillon {
 namespace {
 
-using support::Tag;
+using support::RawTag;
 using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
@@ -177,8 +177,8 @@ class FlatOutOfSightTest : public OutOfSightTest {
         ShuffleNumbers();
     }
 
-    static Tag OfAlbum(const std::string& album) {
-        Tag tag;
+    static RawTag OfAlbum(const std::string& album) {
+        RawTag tag;
         tag.album = album;
         return tag;
     }

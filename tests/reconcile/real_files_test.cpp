@@ -28,7 +28,7 @@ class RealFilesTest : public ::testing::Test {
 };
 
 TEST_F(RealFilesTest, BecomeAlbumsAndTracksThatOtherReadersFind) {
-    support::Tag tag;
+    support::RawTag tag;
     tag.track = 1;
     tag.comment = "Length='61'";
     library.AddFile(R"(Björk's\100% #1 [live]\01 - Jóga.mp3)", support::SoundFile(tag));
@@ -59,7 +59,7 @@ TEST_F(RealFilesTest, OfAnyLengthAreTracks) {
 }
 
 TEST_F(RealFilesTest, KeepTheirNumbersByAgeFromTheSecondRunOn) {
-    support::Tag tag;
+    support::RawTag tag;
     for (int i = 0; i < 6; ++i) {
         tag.track = static_cast<std::uint8_t>(i + 1);
         library.AddFile("A\\B\\" + std::to_string(i) + ".mp3", support::SoundFile(tag), 60 - i);

@@ -8,13 +8,13 @@
 namespace quillon {
 namespace {
 
-using support::Tag;
+using support::RawTag;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::StartsWith;
 
-Tag TrackTag(std::uint8_t track, const std::string& comment = "") {
-    Tag tag;
+RawTag TrackTag(std::uint8_t track, const std::string& comment = "") {
+    RawTag tag;
     tag.track = track;
     tag.comment = comment;
     return tag;
@@ -245,7 +245,7 @@ TEST_F(ProcessTracksTest, DoesNotReadTagsOfKnownFiles) {
 }
 
 TEST_F(ProcessTracksTest, TakesWhatABarInATagHasShifted) {
-    Tag tag = TrackTag(2);
+    RawTag tag = TrackTag(2);
     tag.song = "so|ng";
     tag.comment = "7";
     library.AddFile(R"(A\B\a.mp3)", tag, 0);

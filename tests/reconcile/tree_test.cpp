@@ -171,7 +171,7 @@ TEST_F(TreeTest, TakesFoldersThatDifferInLetterCaseAloneForOneAlbum) {
 }
 
 TEST_F(TreeTest, OfTwoIdenticalLibrariesTheSecondRunNumbersByAgeAndTheThirdChangesNothing) {
-    support::Tag tag;
+    support::RawTag tag;
     for (int album = 0; album < 4; ++album) {
         for (int track = 0; track < 5; ++track) {
             tag.track = static_cast<std::uint8_t>(track + 1);

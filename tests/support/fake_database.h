@@ -119,6 +119,10 @@ class FakeConnection : public Connection {
         database_.calls_.Note("Insert " + std::string(table));
         return {};
     }
+    std::unique_ptr<RowInserter> OpenInserter(std::string_view table,
+                                              std::span<const std::string_view>) override {
+        throw Failure(FailureNumber::Database, "no rows are added to " + std::string(table));
+    }
     void Update(std::string_view table, RowKey, std::span<const FieldValue>) override {
         database_.calls_.Note("Update " + std::string(table));
     }

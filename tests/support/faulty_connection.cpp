@@ -51,6 +51,29 @@ class FaultyCursor : public RecordSet {
     std::unique_ptr<RecordSet> real_;
 };
 
+class FaultyInserter : public RowInserter {
+  public:
+    FaultyInserter(FaultyConnection& connection, std::string_view table,
+                   std::span<const std::string_view> fields, std::unique_ptr<RowInserter> real)
+        : connection_(connection),
+          table_(table),
+          fields_(fields.begin(), fields.end()),
+          real_(std::move(real)) {}
+
+    AddedRow Insert(std::span<const Value> values) override {
+        connection_.Note("Insert " + table_);
+        for (std::size_t i = 0; i < values.size(); ++i)
+            connection_.RequireAllowed(fields_[i], values[i]);
+        return real_->Insert(values);
+    }
+
+  private:
+    FaultyConnection& connection_;
+    std::string table_;
+    std::vector<std::string> fields_;
+    std::unique_ptr<RowInserter> real_;
+};
+
 std::size_t FaultyConnection::Count(std::string_view text) const {
     std::size_t count = 0;
     for (const std::string& statement : statements_)
@@ -89,6 +112,13 @@ AddedRow FaultyConnection::Insert(std::string_view table, std::span<const FieldV
     for (const FieldValue& field : fields)
         RequireAllowed(field.name, field.value);
     return real_->Insert(table, fields);
+}
+
+std::unique_ptr<RowInserter> FaultyConnection::OpenInserter(
+    std::string_view table, std::span<const std::string_view> fields) {
+    Note("OpenInserter " + std::string(table));
+    return std::make_unique<FaultyInserter>(*this, table, fields,
+                                            real_->OpenInserter(table, fields));
 }
 
 void FaultyConnection::Update(std::string_view table, RowKey row,

@@ -14,8 +14,8 @@ namespace quillon::support {
 
 /// A database that notes its statements and refuses those that a test names. What a table cursor
 /// does counts as a statement, too: "Filter Tracks ID=5", "AddNew Tracks", "Update Tracks"; so does
-/// what is done by row: "Scan Tracks", "Read Tracks", "Insert Tracks", "Update Tracks",
-/// "Delete Tracks".
+/// what is done by row: "Scan Tracks", "Read Tracks", "OpenInserter Tracks", "Insert Tracks",
+/// "Update Tracks", "Delete Tracks".
 class FaultyConnection : public Connection {
   public:
     explicit FaultyConnection(std::unique_ptr<Connection> real) : real_(std::move(real)) {}
@@ -60,12 +60,15 @@ class FaultyConnection : public Connection {
         return real_->CompareTexts(left, right);
     }
     AddedRow Insert(std::string_view table, std::span<const FieldValue> fields) override;
+    std::unique_ptr<RowInserter> OpenInserter(std::string_view table,
+                                              std::span<const std::string_view> fields) override;
     void Update(std::string_view table, RowKey row, std::span<const FieldValue> fields) override;
     void Delete(std::string_view table, RowKey row) override;
     void Flush() override;
 
   private:
     friend class FaultyCursor;
+    friend class FaultyInserter;
     void Note(std::string_view statement);
     void RequireAllowed(std::string_view field, const Value& value) const;
 

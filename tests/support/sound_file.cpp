@@ -10,7 +10,7 @@ std::string Padded(std::string text, std::size_t length) {
 
 }  // namespace
 
-std::string TagBytes(const Tag& tag) {
+std::string TagBytes(const RawTag& tag) {
     std::string bytes = Padded(tag.marker, 3) + Padded(tag.song, 30) + Padded(tag.artist, 30) +
                         Padded(tag.album, 30) + Padded(tag.year, 4);
     if (tag.track > 0) {
@@ -21,7 +21,7 @@ std::string TagBytes(const Tag& tag) {
     return bytes + static_cast<char>(tag.genre);
 }
 
-std::string SoundFile(const Tag& tag) {
+std::string SoundFile(const RawTag& tag) {
     return UntaggedSoundFile() + TagBytes(tag);
 }
 

@@ -9,7 +9,7 @@ namespace quillon::support {
 
 /// What a test puts into an ID3 version 1 tag. All texts are bytes of the ANSI code page, padded
 /// with zero bytes; longer ones are cut.
-struct Tag {
+struct RawTag {
     std::string marker = "TAG";
     std::string song;
     std::string artist;
@@ -21,10 +21,10 @@ struct Tag {
 };
 
 /// The tag's 128 bytes.
-std::string TagBytes(const Tag& tag);
+std::string TagBytes(const RawTag& tag);
 
 /// The bytes of a sound file that ends with the tag.
-std::string SoundFile(const Tag& tag);
+std::string SoundFile(const RawTag& tag);
 
 /// The bytes of a sound file without a tag.
 std::string UntaggedSoundFile();

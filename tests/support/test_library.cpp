@@ -42,7 +42,7 @@ void TestLibrary::AddFile(const std::string& path, int minutes) {
     files.AddFile(Root + path, UntaggedSoundFile(), MinutesOld(minutes));
 }
 
-void TestLibrary::AddFile(const std::string& path, const Tag& tag, int minutes) {
+void TestLibrary::AddFile(const std::string& path, const RawTag& tag, int minutes) {
     files.AddFile(Root + path, SoundFile(tag), MinutesOld(minutes));
 }
 

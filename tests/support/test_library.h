@@ -24,7 +24,7 @@ class TestLibrary {
 
     /// Adds a sound file below the root, `minutes` younger than a fixed time.
     void AddFile(const std::string& path, int minutes = 0);
-    void AddFile(const std::string& path, const Tag& tag, int minutes = 0);
+    void AddFile(const std::string& path, const RawTag& tag, int minutes = 0);
     void AddFolder(const std::string& path) { files.AddFolder(Root + path); }
     void RemoveFile(const std::string& path) { files.DeleteFile(Root + path); }
 

@@ -1,0 +1,93 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace quillon {
+
+/// Bytes of an ID3 version 1 tag, which ends the file.
+constexpr std::size_t TagSize = 128;
+
+/// What a file's ID3 version 1 tag says, each field as it stands there: blanks that fill a field
+/// belong to it. All fields are empty where there is no tag.
+struct Tag {
+    std::string marker;  ///< "TAG" in any letter case
+    std::string song, artist, album, year, comment;
+    std::string ver = {};  ///< nothing is ever read into it
+    std::string track;     ///< decimal digits; "" without a number
+    std::string genre;     ///< a name
+
+    bool IsThere() const { return !marker.empty(); }
+    bool operator==(const Tag&) const = default;
+};
+
+/// Labels of the fields as `SpinnerID3Differences.Field` holds them.
+namespace TagLabel {
+constexpr std::string_view Marker = "Tag", Song = "Song", Artist = "Artist", Album = "Album",
+                           Year = "Year", Comment = "Comment", Ver = "Ver", Track = "Track",
+                           Genre = "Genre";
+/// That of the row that tells of a tag without a track number.
+constexpr std::string_view TrackNumberMissing = "Track Number Missing";
+}  // namespace TagLabel
+
+/// One of the fields, and how many bytes it takes in a tag of version 1.1.
+struct TagField {
+    std::string_view label;
+    std::size_t length;
+    std::string Tag::* text;
+};
+
+/// In the order of the tag. Ver is the zero byte between comment and track number.
+constexpr std::array<TagField, 9> TagFields{{{TagLabel::Marker, 3, &Tag::marker},
+                                             {TagLabel::Song, 30, &Tag::song},
+                                             {TagLabel::Artist, 30, &Tag::artist},
+                                             {TagLabel::Album, 30, &Tag::album},
+                                             {TagLabel::Year, 4, &Tag::year},
+                                             {TagLabel::Comment, 28, &Tag::comment},
+                                             {TagLabel::Ver, 1, &Tag::ver},
+                                             {TagLabel::Track, 1, &Tag::track},
+                                             {TagLabel::Genre, 1, &Tag::genre}}};
+
+/// The tag record: the nine fields, each with a "|" behind it; "" for no tag.
+std::string TagRecord(const Tag& tag);
+
+/// How many pieces with a "|" behind them its record has: nine, and one more for each "|" in a
+/// field.
+std::size_t PiecesOf(const Tag& tag);
+
+/// The tag as its record tells it. Nothing is escaped there: a "|" in a field shifts what is behind
+/// it, and what comes behind the ninth piece is lost.
+Tag AsRecorded(Tag tag);
+
+/// Text of a field's bytes: zero bytes are dropped wherever they stand, blanks stay. Bytes that are
+/// well-formed UTF-8 with a character beyond ASCII are read as that, since many encoders write it;
+/// a character that the end of the field has cut is left out. All others are characters of the ANSI
+/// code page.
+std::string ConvertTheBinary(std::span<const std::uint8_t> bytes);
+
+/// Whether a field's bytes are read as UTF-8.
+bool IsUtf8Field(std::span<const std::uint8_t> bytes);
+
+/// Whether the text reaches the field's end, where more of it may have been cut off. Some programs
+/// keep a last zero byte.
+bool IsFullField(std::span<const std::uint8_t> bytes);
+
+/// The bytes of a text field in a tag's 128 bytes: song, artist, album, year or comment, which is
+/// shorter where a track number follows it.
+std::span<const std::uint8_t> BytesOfField(std::span<const std::uint8_t> tag,
+                                           std::string Tag::* field);
+
+/// The number of the genre in a tag's 128 bytes.
+inline std::uint8_t GenreNumberIn(std::span<const std::uint8_t> tag) {
+    return tag.back();
+}
+
+/// What the last bytes of a file say; no tag when they are none. The genre, which needs a name, is
+/// left empty.
+Tag TagIn(std::span<const std::uint8_t> bytes);
+
+}  // namespace quillon

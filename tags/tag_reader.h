@@ -1,0 +1,33 @@
+#pragma once
+
+#include <optional>
+#include <string_view>
+
+#include "platform/files.h"
+#include "tags/tag.h"
+
+namespace quillon {
+
+class Run;
+
+/// What a tag's genre is told by.
+enum class GenreAs {
+    Name,    ///< the one that the run has read for its number; "" where there is none
+    Number,  ///< in decimal digits
+};
+
+/// A file's ID3 version 1 tag; nothing where it could not be read. Never throws: a failure is
+/// logged with "Read ID3 File Error:".
+std::optional<Tag> ReadID3(Run& run, std::string_view path, GenreAs genre = GenreAs::Name);
+
+/// The same for a file that has just been listed, which need not be looked at again.
+std::optional<Tag> ReadID3(Run& run, const FileEntry& file);
+
+/// The end of a file, as far as a tag may lie there. Throws Failure.
+FileEnd ReadTagEnd(Files& files, std::string_view path);
+
+/// The tag in the end of the file of this path: what ReadID3 gives, but with the genre by the name
+/// that SpinnerGenre has now. Failures are logged as those of ReadID3.
+Tag ReadTag(Run& run, std::string_view path, const FileEnd& end);
+
+}  // namespace quillon

@@ -1,0 +1,52 @@
+// tag_tool write|read   The project's own tag routines for a script: each line of standard input is
+// a local path, for "write" with a tab and a record behind it. "write" answers each line with
+// "written" or "refused", "read" with the path's record.
+
+#include <algorithm>
+#include <iostream>
+#include <string>
+#include <string_view>
+
+#include "tags/tag_reader.h"
+#include "tags/tag_writer.h"
+#include "tests/support/real_library.h"
+#include "tests/support/tag_records.h"
+
+namespace {
+
+std::string WindowsPath(std::string localPath) {
+    std::replace(localPath.begin(), localPath.end(), '/', '\\');
+    return "Z:" + localPath;
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+    const std::string_view what = count == 2 ? arguments[1] : "";
+    if (what != "read" && what != "write") {
+        std::cerr << "usage: tag_tool write|read\n";
+        return 2;
+    }
+    quillon::support::RealLibrary library;
+    const auto genres = library.run.connection->Query("SELECT GenreID, Genre FROM SpinnerGenre");
+    for (; !genres->IsEof(); genres->MoveNext())
+        library.run.GenreNames.at(static_cast<std::size_t>(genres->Integer("GenreID"))) =
+            genres->Text("Genre");
+    for (std::string line; std::getline(std::cin, line);) {
+        const std::size_t tab = std::min(line.find('\t'), line.size());
+        const std::string path = WindowsPath(line.substr(0, tab));
+        if (what == "read") {
+            const auto tag = quillon::ReadID3(library.run, path);
+            std::cout << (tag ? quillon::TagRecord(*tag) : "") << '\n';
+        } else {
+            const std::string record = line.substr(std::min(tab + 1, line.size()));
+            std::cout << (quillon::WriteTag(library.run, path,
+                                            quillon::support::TagOfRecord(record))
+                              ? "written\n"
+                              : "refused\n");
+        }
+    }
+    for (const std::string& message : library.host.log)
+        std::cerr << message << '\n';
+    return 0;
+}
