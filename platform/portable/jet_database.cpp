@@ -101,14 +101,22 @@ class JetRowInserter : public RowInserter {
         : database_(std::move(database)), rows_(std::move(rows)) {}
 
     AddedRow Insert(std::span<const Value> values) override {
-        row_.resize(values.size());
-        for (std::size_t i = 0; i < values.size(); ++i)
-            ToJet(values[i], row_[i]);
+        return Insert(values, [](const Value& value) -> const Value& { return value; });
+    }
+
+    AddedRow Insert(std::span<const FieldValue> fields) {
+        return Insert(fields, [](const FieldValue& field) -> const Value& { return field.value; });
+    }
+
+  private:
+    AddedRow Insert(auto fields, auto valueOf) {
+        row_.resize(fields.size());
+        for (std::size_t i = 0; i < fields.size(); ++i)
+            ToJet(valueOf(fields[i]), row_[i]);
         const jet::Database::AddedRow added = Translated([&] { return rows_->Insert(row_); });
         return {.key = RowKey{added.key}, .number = added.number};
     }
 
-  private:
     SharedDatabase database_;
     std::unique_ptr<jet::Database::Inserter> rows_;
     std::vector<jet::Value> row_;
@@ -119,6 +127,7 @@ class JetConnection : public Connection {
     explicit JetConnection(SharedDatabase database) : database_(std::move(database)) {}
 
     std::int64_t Execute(std::string_view sql) override {
+        inserters_.clear();  // it may make other tables
         return Translated([&] { return database_->Execute(sql); });
     }
     std::unique_ptr<RecordSet> Query(std::string_view sql) override {
@@ -148,9 +157,7 @@ class JetConnection : public Connection {
         });
     }
     AddedRow Insert(std::string_view table, std::span<const FieldValue> fields) override {
-        const jet::Database::AddedRow added =
-            Translated([&] { return database_->Insert(table, FieldsToJet(fields)); });
-        return {.key = RowKey{added.key}, .number = added.number};
+        return InserterFor(table, fields).Insert(fields);
     }
     std::unique_ptr<RowInserter> OpenInserter(std::string_view table,
                                               std::span<const std::string_view> fields) override {
@@ -176,12 +183,46 @@ class JetConnection : public Connection {
     }
 
   private:
+    /// What adds rows of these fields, by the names of table and fields.
+    struct KnownInserter {
+        std::string table;
+        std::vector<std::string> fields;
+        std::unique_ptr<JetRowInserter> rows;
+
+        bool IsFor(std::string_view otherTable, std::span<const FieldValue> otherFields) const {
+            const auto isSame = [](const std::string& name, const FieldValue& field) {
+                return name == field.name;
+            };
+            return table == otherTable && std::ranges::equal(fields, otherFields, isSame);
+        }
+    };
+
+    /// Rows are added by the thousand, and finding table and fields by name takes as long as adding
+    /// one.
+    JetRowInserter& InserterFor(std::string_view table, std::span<const FieldValue> fields) {
+        constexpr std::size_t MostKnown = 16;
+        for (const KnownInserter& known : inserters_) {
+            if (known.IsFor(table, fields)) return *known.rows;
+        }
+        std::vector<std::string_view> names;
+        for (const FieldValue& field : fields)
+            names.push_back(field.name);
+        auto rows = std::make_unique<JetRowInserter>(
+            database_, Translated([&] { return database_->OpenInserter(table, names); }));
+        if (inserters_.size() >= MostKnown) inserters_.clear();
+        inserters_.push_back({std::string(table),
+                              std::vector<std::string>(names.begin(), names.end()),
+                              std::move(rows)});
+        return *inserters_.back().rows;
+    }
+
     template <typename Opening>
     std::unique_ptr<RecordSet> Rows(Opening opening) {
         return std::make_unique<JetRecordSet>(database_, Translated(opening));
     }
 
     SharedDatabase database_;
+    std::vector<KnownInserter> inserters_;
 };
 
 /// Takes a value off the text, up to the semicolon that ends it; in quotes, which are doubled where

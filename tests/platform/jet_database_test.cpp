@@ -124,7 +124,7 @@ TEST_F(JetDatabaseTest, AddsManyRowsOfTheSameFields) {
     const std::unique_ptr<Connection> connection = Open();
     constexpr std::array<std::string_view, 3> Fields{"Number", "Title", "Added"};
     const std::unique_ptr<RowInserter> songs = connection->OpenInserter("Songs", Fields);
-    const std::string longTitle = "a title that is longer than a short one";
+    const std::string longTitle = "a title of nineteen";
     songs->Insert(std::array<Value, 3>{std::int64_t{1}, longTitle, MakeDateTime(2026, 11, 15, 12)});
     songs->Insert(std::array<Value, 3>{Null{}, std::string("Two"), Null{}});
     songs->Insert(std::array<Value, 3>{std::int64_t{3}, Null{}, Null{}});
