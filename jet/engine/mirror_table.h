@@ -55,6 +55,9 @@ class MirrorTable {
     /// Makes sure that a row of the table is in the copy.
     void Hold(RowKey key);
 
+    /// The table's indexes have become others.
+    void ReadDefinition() { definition_ = stored_->Definition(); }
+
     /// The file is being closed: the copy can still be read, nothing can be changed.
     void Detach() noexcept { stored_ = nullptr; }
 
