@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "app/db_grammar.h"
 #include "app/usage/help_text.h"
 #include "app/usage/usage_problem.h"
 #include "app/version.h"
@@ -51,9 +52,6 @@ constexpr const char* HelpFooter = R"(Examples:
   quillon help run
   quillon help db query)";
 
-constexpr const char* DbFooter = R"(Example:
-  quillon db query ~/shelf/jukebox.mdb "SELECT Artist, Title FROM Albums")";
-
 constexpr const char* InitFooter =
     R"(DIR gets Quillon.ini (every setting, explained), host.ini (the drive table), folders for playlists,
 covers and data and, without --database, the new database jukebox.mdb. Nothing that exists is
@@ -82,41 +80,6 @@ Examples:
   quillon serve --host ~/shelf
   quillon serve --host ~/shelf --port 0    any port that is free)";
 
-constexpr const char* CreateFooter = R"(Example:
-  quillon db create ~/shelf/jukebox.mdb)";
-
-constexpr const char* QueryFooter =
-    R"(The database is not changed. Dates are shown as 2006-02-03T08:00:00, Null as <null> (JSON: null).
-Ctrl-C or SIGTERM ends a statement that takes long; the exit status is 3 then.
-
-Examples:
-  quillon db query cdj.mdb "SELECT Artist, Title, Tracks FROM Albums WHERE Player=1001"
-  quillon db query cdj.mdb "SELECT * FROM Tracks" --json > tracks.jsonl)";
-
-constexpr const char* ExecFooter =
-    R"(All rows are changed or none. Ctrl-C or SIGTERM ends a statement that takes long; it has changed
-nothing then, and the exit status is 3.
-
-Example:
-  quillon db exec cdj.mdb "UPDATE Albums SET Rating1=5 WHERE Artist='Nina Simone'")";
-
-constexpr const char* DbCheckFooter =
-    R"(Reads the whole file without changing it and compares everything that is stored twice. Exit status
-0 when the file is whole, 1 when it has faults, 2 when it cannot be opened. A journal that a program
-has left which was cut off while it wrote is read as a part of the file, and named.
-
-Example:
-  quillon db check cdj.mdb)";
-
-constexpr const char* DbRecoverFooter =
-    R"(A program that is cut off while it writes leaves a journal, FILE.journal. Until it is carried out,
-other programs see the file half written. This carries it out and does nothing else; the next run would
-do it, too. Exit status 0 when it is done or there is nothing to do, 2 when the journal is not complete
-or not this database's, or the database is in use.
-
-Example:
-  quillon db recover cdj.mdb)";
-
 /// The grammar and the places its values go to.
 class Grammar {
   public:
@@ -132,7 +95,6 @@ class Grammar {
         check_->footer(CheckFooter);
         AddHostOption(*check_);
         DefineServe();
-        DefineDb();
         help_->footer(HelpFooter);
         help_->add_option("COMMAND", helpWords_, "The command, such as run or db query");
     }
@@ -190,8 +152,7 @@ class Grammar {
 
     void AddRunOptions(CLI::App& command) {
         AddHostOption(command);
-        AddChoice(command, "--view", view_, ViewNames,
-                  "What the run shows (default: auto)");
+        AddChoice(command, "--view", view_, ViewNames, "What the run shows (default: auto)");
         command.add_flag("--quiet", quiet_,
                          "Print only errors, what was removed and a summary; for cron");
         command.add_flag("--allow-removals", allowRemovals_,
@@ -260,32 +221,6 @@ class Grammar {
             ->type_name("N");
     }
 
-    void DefineDb() {
-        db_->require_subcommand(1);
-        db_->footer(DbFooter);
-        create_->footer(CreateFooter);
-        AddFile(*create_, createRequest_.file, "The file to make; it must not exist");
-        query_->footer(QueryFooter);
-        AddFile(*query_, queryRequest_.file, "The .mdb file");
-        query_->add_option("SQL", queryRequest_.sql, "A SELECT statement")
-            ->required()
-            ->type_name("");
-        query_->add_flag("--json", queryRequest_.json, "One JSON object a line instead of a table");
-        exec_->footer(ExecFooter);
-        AddFile(*exec_, execRequest_.file, "The .mdb file");
-        exec_->add_option("SQL", execRequest_.sql, "An INSERT, UPDATE or DELETE statement")
-            ->required()
-            ->type_name("");
-        dbCheck_->footer(DbCheckFooter);
-        AddFile(*dbCheck_, dbCheckRequest_.file, "The .mdb file");
-        recover_->footer(DbRecoverFooter);
-        AddFile(*recover_, recoverRequest_.file, "The .mdb file");
-    }
-
-    static void AddFile(CLI::App& command, std::filesystem::path& file, const char* description) {
-        command.add_option("FILE", file, description)->required()->type_name("");
-    }
-
     void RefuseRunOptionsOfOtherCommands() const {
         const auto chosen = app_.get_subcommands();
         if (chosen.empty() || chosen.front() == run_) return;
@@ -312,28 +247,18 @@ class Grammar {
         if (init_->parsed()) return initRequest_;
         if (check_->parsed()) return CheckRequest{HostFolder()};
         if (serve_->parsed()) return ServeRequest{HostFolder(), serveRequest_.port};
-        if (create_->parsed()) return createRequest_;
-        if (query_->parsed()) return queryRequest_;
-        if (exec_->parsed()) return execRequest_;
-        if (dbCheck_->parsed()) return dbCheckRequest_;
-        if (recover_->parsed()) return recoverRequest_;
+        if (const auto chosen = db_.Chosen()) return *chosen;
         return RunRequest{HostFolder(), quiet_ ? ViewKind::Plain : view_, quiet_, allowRemovals_};
     }
 
     CLI::App app_{"Keeps MP3 folders, a jukebox database, tags and playlists consistent",
                   "quillon"};
-    CLI::App* run_ = app_.add_subcommand("run", "Run what Quillon.ini asks for; the default command");
+    CLI::App* run_ =
+        app_.add_subcommand("run", "Run what Quillon.ini asks for; the default command");
     CLI::App* init_ = app_.add_subcommand("init", "Make a host folder");
     CLI::App* check_ = app_.add_subcommand("check", "Show what a run would do; change nothing");
     CLI::App* serve_ = app_.add_subcommand("serve", "Show the album picker in a browser");
-    CLI::App* db_ = app_.add_subcommand("db", "Work on a database file from the shell");
-    CLI::App* create_ = db_->add_subcommand("create", "Make a new jukebox database");
-    CLI::App* query_ = db_->add_subcommand("query", "Show the rows of a SELECT");
-    CLI::App* exec_ = db_->add_subcommand("exec", "Run a statement that changes rows");
-    CLI::App* dbCheck_ = db_->add_subcommand("check", "Check the structure of a file");
-    CLI::App* recover_ =
-        db_->add_subcommand("recover", "Complete a file with the journal that was left for it");
-
+    DbGrammar db_{*app_.add_subcommand("db", "Work on a database file from the shell")};
     CLI::App* help_ = app_.add_subcommand("help", "Show the help of a command");
 
     std::vector<std::string> helpWords_;
@@ -342,11 +267,6 @@ class Grammar {
     bool quiet_ = false, allowRemovals_ = false;
     InitRequest initRequest_;
     ServeRequest serveRequest_;
-    DbCreateRequest createRequest_;
-    DbQueryRequest queryRequest_;
-    DbExecRequest execRequest_;
-    DbCheckRequest dbCheckRequest_;
-    DbRecoverRequest recoverRequest_;
 };
 
 }  // namespace

@@ -37,8 +37,27 @@ struct DamagedTable {
 /// disk in groups (after a second, or a few while rows change in great numbers, on Flush() and on
 /// closing) so that a crash leaves a whole file.
 ///
-/// Opening for writing looks the whole file over, as CheckFile does, before anything is written: a
-/// file that contradicts itself is refused as it is, since changes would make it worse.
+/// What is safe:
+///
+/// - One writer. Opening for writing takes the database for this process: an `.ldb` file beside it,
+///   as Access makes one, and a lock on the file itself. A database that Access or another program
+///   has open is refused with Error(InUse). Readers need no lock and keep nobody off; what they see
+///   is the file as it was when its pages were read, so a reader beside a writer can meet
+///   contradictions, Error(Damaged), and then opens it again.
+/// - A crash, of the program or the machine. Changed pages first go to a journal, `FILE.journal`,
+///   which is complete on the disk before the file is touched. The next opening for writing carries
+///   it out; opening for reading reads through it. Until then other programs see the file half
+///   written: RecoverDatabase() does nothing but that. What belongs together goes into a
+///   Transaction.
+/// - A damaged file. Opening for writing looks the whole file over, as CheckFile does, before
+///   anything is written: a file that contradicts itself is refused as it is, since changes would
+///   make it worse.
+/// - What it does not understand. Refused are files of other versions (Access 97, .accdb), files
+///   with a password or encoded pages, and changes to tables with types or sort orders that it does
+///   not know. Linked tables, queries, forms and relationships are not looked at and stay as they
+///   are; rules that are kept in relationships and in validation texts are not checked.
+/// - Threads. A database and its record sets belong to one thread at a time. Different databases
+///   may be used by different threads.
 class Database {
   public:
     /// Errors name the file and what is wrong with it. A table that is not needed and not in good
@@ -97,6 +116,9 @@ class Database {
     /// One field of a row, likewise.
     Value Read(std::string_view table, RowKey row, std::string_view field);
 
+    /// How many rows a table has.
+    std::size_t RowCount(std::string_view table) const;
+
     /// The number that the next row gets in the auto-number column.
     std::int64_t NextNumber(std::string_view table) const;
 
@@ -109,6 +131,8 @@ class Database {
 
     /// Definitions of all user tables, by name.
     std::vector<TableDefinition> Tables() const;
+    /// That of one table; Error(NotFound).
+    TableDefinition TableNamed(std::string_view name) const;
 
     /// Make or remove a table or an index. Durable when they return, or with the transaction that
     /// they are part of; one that fails leaves the file as it was, but ends the transaction, which

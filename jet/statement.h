@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "jet/schema.h"
 #include "jet/value.h"
 
 namespace jet {
@@ -18,6 +19,15 @@ struct ScriptStatement {
 /// The statements of a text, which semicolons end; the last one may do without. Lines that begin
 /// with two hyphens are comments between statements. The views refer to the text.
 std::vector<ScriptStatement> SplitScript(std::string_view script);
+
+/// A column's type as CREATE TABLE names it: "TEXT(50)", "COUNTER".
+std::string SqlType(const ColumnDefinition& column);
+
+/// A name between brackets, as statements take any name.
+std::string SqlName(std::string_view name);
+
+/// The statements that make a table of this shape: CREATE TABLE, and CREATE INDEX for each index.
+std::vector<std::string> CreateStatements(const TableDefinition& table);
 
 /// Whether the statement yields rows, that is, begins with SELECT.
 bool IsQuery(std::string_view sql);

@@ -91,30 +91,32 @@ std::string BashCompletion(const CommandDescription& program) {
     const std::string valueCases = ValueCases(commands);
 
     std::string script(Head);
-    script += "    for ((i = 1; i < COMP_CWORD; i++)); do\n"
-              "        [[ ${COMP_WORDS[i]} == = ]] && continue\n"
-              "        if [[ $value ]]; then\n"
-              "            value=\n"
-              "            continue\n"
-              "        fi\n"
-              "        case \"$command ${COMP_WORDS[i]}\" in\n";
+    script +=
+        "    for ((i = 1; i < COMP_CWORD; i++)); do\n"
+        "        [[ ${COMP_WORDS[i]} == = ]] && continue\n"
+        "        if [[ $value ]]; then\n"
+        "            value=\n"
+        "            continue\n"
+        "        fi\n"
+        "        case \"$command ${COMP_WORDS[i]}\" in\n";
     script += fmt::format("            {}) command+=\" ${{COMP_WORDS[i]}}\" ;;\n",
                           fmt::join(names, " | \\\n                "));
     script += valueCases;
-    script += "            *' -'*) ;;\n"
-              "            *) ((taken++)) ;;\n"
-              "        esac\n"
-              "    done\n"
-              "    words= kind=\n"
-              "    if [[ $value ]]; then\n"
-              "        case \"$command $previous\" in\n" +
-              valueCases +
-              "        esac\n"
-              "    else\n"
-              "        case $command in\n" +
-              CommandCases(commands) +
-              "        esac\n"
-              "    fi\n";
+    script +=
+        "            *' -'*) ;;\n"
+        "            *) ((taken++)) ;;\n"
+        "        esac\n"
+        "    done\n"
+        "    words= kind=\n"
+        "    if [[ $value ]]; then\n"
+        "        case \"$command $previous\" in\n" +
+        valueCases +
+        "        esac\n"
+        "    else\n"
+        "        case $command in\n" +
+        CommandCases(commands) +
+        "        esac\n"
+        "    fi\n";
     return script.append(Tail.substr(1));
 }
 

@@ -44,8 +44,8 @@ std::string Examples(const CommandDescription& command) {
 }
 
 std::string CommandText(const CommandDescription& command) {
-    std::string text = fmt::format(".SS {}\n{}.\n", RoffText(UsageLine(command)),
-                                   RoffText(command.summary));
+    std::string text =
+        fmt::format(".SS {}\n{}.\n", RoffText(UsageLine(command)), RoffText(command.summary));
     for (const std::string& paragraph : command.paragraphs)
         text += ".PP\n" + RoffText(paragraph) + '\n';
     for (const OptionDescription& argument : command.arguments)
@@ -67,9 +67,9 @@ void AddCommands(const CommandDescription& command, std::string& text) {
 
 void AddSynopsis(const CommandDescription& command, std::string& text) {
     const auto argument = [](const OptionDescription& one) {
-        return one.required ? Italic(one.names.front())
-                            : fmt::format("[{}{}]", Italic(one.names.front()),
-                                          one.repeats ? "..." : "");
+        return one.required
+                   ? Italic(one.names.front())
+                   : fmt::format("[{}{}]", Italic(one.names.front()), one.repeats ? "..." : "");
     };
     if (!command.needsCommand) {
         text += ".br\n" + Bold(command.name) + " [" + Italic("OPTIONS") + ']';

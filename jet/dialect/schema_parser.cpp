@@ -79,6 +79,13 @@ void MakePrimary(IndexDefinition& index) {
 
 }  // namespace
 
+std::string_view TypeNameOf(ColumnType type) {
+    const auto* const found =
+        std::find_if(TypeNames.begin(), TypeNames.end(),
+                     [type](const TypeName& name) { return name.type == type; });
+    return found == TypeNames.end() ? "" : found->name;
+}
+
 Statement SchemaParser::ParseCreate() {
     if (reader_.TakeWord("table")) return ParseTable();
     const bool unique = reader_.TakeWord("unique");

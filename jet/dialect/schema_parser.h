@@ -8,6 +8,9 @@
 
 namespace jet::dialect {
 
+/// The first name that CREATE TABLE has for a type, in small letters.
+std::string_view TypeNameOf(ColumnType type);
+
 /// Parses statements that make and remove tables and indexes.
 class SchemaParser {
   public:

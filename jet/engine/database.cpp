@@ -108,6 +108,10 @@ Value Database::Read(std::string_view table, RowKey row, std::string_view field)
     return source.Read(row)[source.Column(field)];
 }
 
+std::size_t Database::RowCount(std::string_view table) const {
+    return implementation_->session->Table(table).StoredRows();
+}
+
 std::int64_t Database::NextNumber(std::string_view table) const {
     return implementation_->session->Table(table).NextAutoNumber();
 }
@@ -152,6 +156,10 @@ std::vector<TableDefinition> Database::Tables() const {
     for (const auto& table : implementation_->session->Tables())
         definitions.push_back(table->Definition());
     return definitions;
+}
+
+TableDefinition Database::TableNamed(std::string_view name) const {
+    return implementation_->session->Table(name).Definition();
 }
 
 const std::vector<DamagedTable>& Database::Damaged() const {

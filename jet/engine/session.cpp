@@ -52,7 +52,7 @@ Session::Session(const std::filesystem::path& path, OpenMode mode, const NeededT
     : mode_(mode),
       file_(storage::DatabaseFile::Open(
           path, StorageMode(mode), files,
-          {.needs = [&](std::string_view table) { return needed.Include(table); },
+          {.needs = [needed](std::string_view table) { return needed.Include(table); },
            .inspect =
                [&](storage::PageStore& pages) {
                    if (mode == OpenMode::ReadWrite) Inspect(pages, path.string(), needed);
@@ -68,17 +68,16 @@ Session::Session(const std::filesystem::path& path, OpenMode mode, const NeededT
     };
 }
 
-/// A new copy, which has nothing yet; the one before is kept for record sets that know of it.
+/// A new copy, which has nothing yet. The one before stays for record sets that read it.
 void Session::MakeCopy() {
-    const std::uint64_t number = copy_ ? copy_->number + 1 : 0;
-    auto copy = std::make_unique<Copy>(number);
+    auto copy = std::make_shared<Copy>();
     RegisterFunctions(copy->sqlite);
     copy->sqlite.SetInterruption(interruption_);
     for (const std::string& name : file_->TableNames()) {
         copy->tables.push_back(
             std::make_unique<MirrorTable>(copy->sqlite, copy->statements, file_->OpenTable(name)));
     }
-    if (copy_) oldCopies_.push_back(std::move(copy_));
+    if (copy_) copy_->plans.clear();
     copy_ = std::move(copy);
 }
 
@@ -140,7 +139,7 @@ std::shared_ptr<Plan> Session::AddPlan(const std::string& signature,
                                        dialect::Translation translation) {
     auto plan = std::make_shared<Plan>();
     plan->translation = std::move(translation);
-    plan->copy = copy_->number;
+    plan->copy = copy_;
     plan->statements = copy_->statements.HomeOf(plan->translation.sql);
     for (const dialect::TableUse& use : plan->translation.tables)
         plan->tables.push_back(&Table(use.definition->name));
@@ -165,7 +164,7 @@ void Session::LookAfterIndexes(Plan& plan) {
 }
 
 void Session::RequireCurrent(const Plan& plan) const {
-    if (plan.copy == copy_->number) return;
+    if (plan.copy == copy_) return;
     throw Error(ErrorKind::NotSupported,
                 "The tables have changed since this was opened: open it again");
 }

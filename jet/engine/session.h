@@ -21,15 +21,17 @@
 
 namespace jet::engine {
 
+struct Copy;
+
 /// A statement ready to be run any number of times.
 struct Plan {
+    std::shared_ptr<Copy> copy;  ///< that it was made for, and that lives as long
     dialect::Translation translation;
     std::vector<MirrorTable*> tables;  ///< as in translation.tables
     std::uint64_t generation = 0;      ///< of its tables when their indexes were last looked at
     StatementLease::Home statements;   ///< compiled and idle
     std::int64_t starts = 0;
-    bool isLoaded = false;   ///< the copies of its tables have all that it looks at
-    std::uint64_t copy = 0;  ///< of which copy its tables are
+    bool isLoaded = false;  ///< the copies of its tables have all that it looks at
 };
 
 /// Rows still to be fetched from a running statement. A change to one of its tables could disturb
@@ -43,10 +45,8 @@ class RowStream {
 
 /// What is held in memory of a database: the copy of its tables, and everything prepared so far.
 struct Copy {
-    explicit Copy(std::uint64_t itsNumber)
-        : number(itsNumber), statements(sqlite), advisor(sqlite, statements) {}
+    Copy() : statements(sqlite), advisor(sqlite, statements) {}
 
-    std::uint64_t number;
     Sqlite sqlite;
     StatementCache statements;
     std::vector<std::unique_ptr<MirrorTable>> tables;
@@ -59,6 +59,11 @@ class Session {
   public:
     Session(const std::filesystem::path& path, OpenMode mode, const NeededTables& needed,
             const std::shared_ptr<storage::FileSystem>& files = storage::RealFileSystem());
+
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+    /// Plans and their copy hold each other.
+    ~Session() { copy_->plans.clear(); }
 
     const std::vector<std::unique_ptr<MirrorTable>>& Tables() const { return copy_->tables; }
     /// Tables that are not in good order.
@@ -130,8 +135,7 @@ class Session {
     std::vector<DamagedTable> damaged_;
     std::optional<storage::DatabaseFile> file_;  ///< empty once closed
     std::function<bool()> interruption_;
-    std::unique_ptr<Copy> copy_;
-    std::vector<std::unique_ptr<Copy>> oldCopies_;  ///< of which record sets may know
+    std::shared_ptr<Copy> copy_;
     dialect::Catalog catalog_;
     std::vector<RowStream*> streams_;
     bool inTransaction_ = false;

@@ -89,16 +89,51 @@ void CatalogWriter::AddTable(const std::string& name, PageNumber definition, Byt
 /// The ids of the user Admin and of the group Users differ in their first byte, whatever the mask
 /// that the database keeps them under.
 Bytes CatalogWriter::OwnerOfDatabase() const {
+    const Value owner = FieldOf(ThisDatabase, "Owner");
+    const auto* bytes = std::get_if<Bytes>(&owner);
+    return bytes && !bytes->empty() ? *bytes : Stored(SecurityId::Admin);
+}
+
+Value CatalogWriter::FieldOf(std::int32_t id, std::string_view column, RowId* place) const {
     const TableDefinition& definition = objects_.Definition();
     const std::size_t columns[] = {definition.FindColumn("Id").value(),
-                                   definition.FindColumn("Owner").value()};
-    Bytes owner;
-    objects_.ScanColumns(columns, [&](RowId, std::span<Value> values) {
-        const auto* id = std::get_if<std::int64_t>(&values[0]);
-        const auto* bytes = std::get_if<Bytes>(&values[1]);
-        if (id && bytes && *id == ThisDatabase) owner = *bytes;
+                                   definition.FindColumn(column).value()};
+    Value value;
+    objects_.ScanColumns(columns, [&](RowId row, std::span<Value> values) {
+        const auto* known = std::get_if<std::int64_t>(values.data());
+        if (!known || *known != id) return;
+        value = values[1];
+        if (place) *place = row;
     });
-    return owner.empty() ? Stored(SecurityId::Admin) : owner;
+    return value;
+}
+
+std::vector<std::int16_t> CatalogWriter::ObjectTypes() const {
+    const std::size_t columns[] = {objects_.Definition().FindColumn("Type").value()};
+    std::vector<std::int16_t> types;
+    objects_.ScanColumns(columns, [&](RowId, std::span<Value> values) {
+        if (const auto* type = std::get_if<std::int64_t>(values.data()))
+            types.push_back(static_cast<std::int16_t>(*type));
+    });
+    return types;
+}
+
+Bytes CatalogWriter::PropertiesOf(PageNumber table) const {
+    const Value properties = FieldOf(static_cast<std::int32_t>(table), "LvProp");
+    const auto* bytes = std::get_if<Bytes>(&properties);
+    return bytes ? *bytes : Bytes();
+}
+
+Bytes CatalogWriter::PropertiesOfDatabase() const {
+    return PropertiesOf(ThisDatabase);
+}
+
+void CatalogWriter::SetPropertiesOfDatabase(const Bytes& properties) {
+    if (properties.empty()) return;
+    RowId row;
+    FieldOf(ThisDatabase, "Id", &row);
+    const FieldChange change[] = {{objects_.Definition().FindColumn("LvProp").value(), properties}};
+    objects_.Update(row, change);
 }
 
 bool CatalogWriter::HasTableOrQuery(std::string_view name) const {

@@ -41,6 +41,13 @@ class CatalogWriter {
     /// it, and who may do what with them.
     void AddSystemObjects();
 
+    /// The types of all objects, as the catalog numbers them.
+    std::vector<std::int16_t> ObjectTypes() const;
+    /// What the database, or a table, is described with beyond its definition; empty if nothing.
+    Bytes PropertiesOfDatabase() const;
+    Bytes PropertiesOf(PageNumber table) const;
+    void SetPropertiesOfDatabase(const Bytes& properties);
+
     /// Whether a table or a query has this name; they share one set of names.
     bool HasTableOrQuery(std::string_view name) const;
 
@@ -51,6 +58,8 @@ class CatalogWriter {
 
   private:
     Bytes OwnerOfDatabase() const;
+    /// A field of the object with this id, which should be there; and the object's row.
+    Value FieldOf(std::int32_t id, std::string_view column, RowId* place = nullptr) const;
     void RemoveRows(StoredTable& table, std::string_view column, std::int32_t object);
     StoredTable objects_, permissions_;
 };

@@ -12,6 +12,7 @@
 #include "jet/error.h"
 #include "jet/storage/catalog.h"
 #include "jet/storage/catalog_writer.h"
+#include "jet/storage/compaction.h"
 #include "jet/storage/creation.h"
 #include "jet/storage/definitions.h"
 #include "jet/storage/file_system.h"
@@ -45,6 +46,7 @@ class DatabaseFile::Implementation {
         const auto real = files->Resolve(path);
         CheckHeaderOf(*files, real);
         if (mode == OpenMode::ReadWrite) lock_.emplace(real);
+        files_ = files;
         openPages_ = [=] {
             auto pages = std::make_unique<Pager>(files, path, mode == OpenMode::ReadWrite);
             if (pages->Path() == real) return pages;
@@ -102,6 +104,13 @@ class DatabaseFile::Implementation {
         pages_ = std::move(pages);
         NamingFile(pages_->Path().string(), [&] { LoadTables(); });
         pages_->Recover();
+    }
+
+    std::size_t WriteCompacted(const std::filesystem::path& to) {
+        Commit();
+        return NamingFile(pages_->Path().string(), [&] {
+            return storage::WriteCompacted(*pages_, ReadCatalog(*pages_), files_, to);
+        });
     }
 
     Table& CreateTable(const TableDefinition& definition) {
@@ -231,6 +240,7 @@ class DatabaseFile::Implementation {
     }
 
     std::optional<LockFile> lock_;  // the last to go
+    std::shared_ptr<FileSystem> files_;
     std::function<std::unique_ptr<Pager>()> openPages_;
     std::function<bool(std::string_view)> needs_;
     std::unique_ptr<Pager> pages_;
@@ -328,6 +338,10 @@ void DatabaseFile::CreateIndex(std::string_view table, const IndexDefinition& in
 
 void DatabaseFile::DropIndex(std::string_view table, std::string_view index) {
     implementation_->DropIndex(std::string(table), index);
+}
+
+std::size_t DatabaseFile::WriteCompacted(const std::filesystem::path& to) {
+    return implementation_->WriteCompacted(to);
 }
 
 void DatabaseFile::Revert() {

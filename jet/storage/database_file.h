@@ -84,6 +84,9 @@ class DatabaseFile {
     void CreateIndex(std::string_view table, const IndexDefinition& index);
     void DropIndex(std::string_view table, std::string_view index);
 
+    /// Writes a fresh copy with all tables, see WriteCompacted() in compaction.h.
+    std::size_t WriteCompacted(const std::filesystem::path& to);
+
     /// Takes all back since the last commit, by opening the file anew under the same lock. The
     /// objects of all tables end their life. After an error all that follows fails.
     void Revert();

@@ -131,6 +131,7 @@ class TableCounters {
     std::int32_t AutoNumber() const;
     std::int32_t AutoNumberStep() const;
     void SetAutoNumber(std::int32_t value);
+    void SetAutoNumber(std::int32_t value, std::int32_t step);
     /// Counts keys that their index did not have before.
     void CountNewKeys(std::size_t realIndex, std::size_t count);
 

@@ -212,6 +212,11 @@ void TableCounters::SetAutoNumber(std::int32_t value) {
     Store(std::span(pages_.Modify(definition_)), AutoNumberOffset, value);
 }
 
+void TableCounters::SetAutoNumber(std::int32_t value, std::int32_t step) {
+    SetAutoNumber(value);
+    Store(std::span(pages_.Modify(definition_)), AutoNumberStepOffset, step);
+}
+
 void TableCounters::CountNewKeys(std::size_t realIndex, std::size_t count) {
     if (count == 0) return;
     Page& page = pages_.Modify(definition_);

@@ -149,8 +149,26 @@ TEST(CommandLine, DbKnowsFourActions) {
     const auto query = std::get<DbQueryRequest>(Parse({"db", "query", "a.mdb", "SELECT 1"}));
     EXPECT_EQ(query.file, "a.mdb");
     EXPECT_EQ(query.sql, "SELECT 1");
-    EXPECT_FALSE(query.json);
-    EXPECT_TRUE(std::get<DbQueryRequest>(Parse({"db", "query", "--json", "a.mdb", "SELECT"})).json);
+    EXPECT_EQ(query.format, RowFormat::Table);
+    EXPECT_EQ(std::get<DbQueryRequest>(Parse({"db", "query", "--json", "a.mdb", "SELECT"})).format,
+              RowFormat::Json);
+    const auto piped = std::get<DbQueryRequest>(
+        Parse({"db", "query", "a.mdb", "--csv", "--param", "a=1", "--param", "b"}));
+    EXPECT_EQ(piped.format, RowFormat::Csv);
+    EXPECT_EQ(piped.sql, std::nullopt);
+    EXPECT_EQ(piped.parameters, (std::vector<std::string>{"a=1", "b"}));
+    EXPECT_TRUE(std::get<DbCreateRequest>(Parse({"db", "create", "--empty", "a.mdb"})).empty);
+    EXPECT_EQ(std::get<DbSchemaRequest>(Parse({"db", "schema", "a.mdb"})).table, "");
+    EXPECT_EQ(std::get<DbSchemaRequest>(Parse({"db", "schema", "a.mdb", "T"})).table, "T");
+    const auto imported = std::get<DbImportRequest>(
+        Parse({"db", "import", "a.mdb", "T", "x.csv", "--separator", ";", "--no-header"}));
+    EXPECT_EQ(imported.data, "x.csv");
+    EXPECT_EQ(imported.separator, ";");
+    EXPECT_FALSE(imported.hasHeader);
+    EXPECT_EQ(std::get<DbExportRequest>(Parse({"db", "export", "a.mdb", "T"})).format,
+              RowFormat::Csv);
+    EXPECT_EQ(std::get<DbTablesRequest>(Parse({"db", "tables", "a.mdb"})).file, "a.mdb");
+    EXPECT_EQ(std::get<DbCompactRequest>(Parse({"db", "compact", "a.mdb"})).file, "a.mdb");
     EXPECT_TRUE(std::get<DbQueryRequest>(Parse({"db", "query", "a.mdb", "SELECT", "--json"})).json);
     const auto exec = std::get<DbExecRequest>(Parse({"db", "exec", "a.mdb", "DELETE * FROM T"}));
     EXPECT_EQ(exec.sql, "DELETE * FROM T");
@@ -285,8 +303,7 @@ TEST(CommandLine, AFolderWithoutHostIsToldHowToBeNamed) {
     EXPECT_EQ(UsageError({"run", "shelf"}),
               "quillon: 'quillon run' takes no argument 'shelf'; name the host folder with "
               "--host: quillon run --host shelf\nTry 'quillon run --help'.\n");
-    EXPECT_NE(UsageError({"check", "shelf"}).find("quillon check --host shelf"),
-              std::string::npos);
+    EXPECT_NE(UsageError({"check", "shelf"}).find("quillon check --host shelf"), std::string::npos);
     EXPECT_NE(UsageError({"~/shelf"}).find("--host ~/shelf"), std::string::npos);
 }
 
