@@ -15,8 +15,8 @@ struct TypeName {
 
 /// The names that Access SQL knows, and those of SQL that mean the same.
 constexpr auto TypeNames = std::to_array<TypeName>({
-    {"bit", ColumnType::Boolean},
     {"yesno", ColumnType::Boolean},
+    {"bit", ColumnType::Boolean},
     {"boolean", ColumnType::Boolean},
     {"logical", ColumnType::Boolean},
     {"byte", ColumnType::Byte},
