@@ -169,7 +169,8 @@ TEST(CommandLine, DbKnowsFourActions) {
               RowFormat::Csv);
     EXPECT_EQ(std::get<DbTablesRequest>(Parse({"db", "tables", "a.mdb"})).file, "a.mdb");
     EXPECT_EQ(std::get<DbCompactRequest>(Parse({"db", "compact", "a.mdb"})).file, "a.mdb");
-    EXPECT_TRUE(std::get<DbQueryRequest>(Parse({"db", "query", "a.mdb", "SELECT", "--json"})).json);
+    EXPECT_EQ(std::get<DbQueryRequest>(Parse({"db", "query", "a.mdb", "SELECT", "--json"})).format,
+              RowFormat::Json);
     const auto exec = std::get<DbExecRequest>(Parse({"db", "exec", "a.mdb", "DELETE * FROM T"}));
     EXPECT_EQ(exec.sql, "DELETE * FROM T");
     EXPECT_EQ(std::get<DbCheckRequest>(Parse({"db", "check", "a.mdb"})).file, "a.mdb");
