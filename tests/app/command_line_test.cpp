@@ -187,8 +187,8 @@ TEST(CommandLine, AUsageErrorNamesWhatIsWrongAndHowToLearnMore) {
               "quillon: --music is required\nTry 'quillon init --help'.\n");
     EXPECT_EQ(UsageError({"init", "--music", "m"}),
               "quillon: DIR is required\nTry 'quillon init --help'.\n");
-    EXPECT_EQ(UsageError({"db", "query", "a.mdb"}),
-              "quillon: SQL is required\nTry 'quillon db query --help'.\n");
+    EXPECT_EQ(UsageError({"db", "import", "a.mdb", "T"}),
+              "quillon: DATA is required\nTry 'quillon db import --help'.\n");
     EXPECT_NE(UsageError({"db"}).find("Try 'quillon db --help'."), std::string::npos);
     EXPECT_NE(UsageError({"frobnicate"}).find("frobnicate"), std::string::npos);
     EXPECT_NE(UsageError({"run", "--dry"}).find("--dry"), std::string::npos);
