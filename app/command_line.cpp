@@ -5,8 +5,13 @@
 #include <fmt/format.h>
 #include <map>
 #include <string>
+#include <vector>
 
+#include "app/db_grammar.h"
+#include "app/usage/help_text.h"
+#include "app/usage/usage_problem.h"
 #include "app/version.h"
+#include "driver/nearest_name.h"
 
 namespace quillon {
 namespace {
@@ -18,27 +23,34 @@ const std::map<std::string, ViewKind> ViewNames{{"auto", ViewKind::Auto},
 const std::map<std::string, LibraryLayout> LayoutNames{{"tree", LibraryLayout::Tree},
                                                        {"flat", LibraryLayout::Flat}};
 
-constexpr const char* ProgramFooter = R"(A first library:
-  quillon init ~/shelf --music ~/Music    a host folder with settings and a new database
-  quillon check --host ~/shelf            what a run would do, and what stands in its way
-  quillon run --host ~/shelf              the run
+constexpr const char* ProgramFooter =
+    R"(Exit status: 0 done, 1 done but errors were logged, 2 nothing ran, 3 aborted.
 
-Exit status: 0 done, 1 done but errors were logged, 2 nothing ran, 3 aborted.)";
+A first library:
+  quillon init ~/shelf --music ~/Music    a host folder, a new database
+  quillon check --host ~/shelf            what a run would do
+  quillon run --host ~/shelf              the run
+  quillon help run                        all about runs)";
 
 constexpr const char* RunFooter =
-    R"(What a run does is chosen by the settings in Quillon.ini. Ctrl-C, SIGTERM, Abort in the window and, on
-the terminal screen, the key a abort it, and so does a terminal that closes, unless nohup started the
-run. A second signal ends it at once.
+    R"(The settings in Quillon.ini choose what a run does. To abort it, press Ctrl-C, the key a on the
+terminal screen, or Abort in the window, or send SIGTERM. Closing the terminal aborts it, too, unless
+nohup started the run. A second signal ends it at once.
 
-The brake: a run that would remove a lot, or all of a folder without any music, removes nothing, says
-so and ends with status 1. The cause is mostly a drive that is not mounted. When you have cleared out
-on purpose, --allow-removals lets it through once. [Safety] in host.ini has the limits.
+The brake: a run that would remove a lot, or everything in a folder that has no music left, removes
+nothing, says so and ends with status 1. The usual cause is a drive that is not mounted. If you have
+deleted music on purpose, --allow-removals lets the removals through once. The limits are in section
+[Safety] of host.ini.
 
 Examples:
   quillon run --host ~/shelf
   quillon run --host /srv/shelf --view plain >> /var/log/shelf.log
-  quillon run --host /srv/shelf --quiet    in a crontab: a mail with errors, losses and a summary
+  quillon run --host /srv/shelf --quiet    in a crontab: errors, losses and a summary by mail
   quillon run --host ~/shelf --allow-removals    after you have deleted half of the music)";
+
+constexpr const char* HelpFooter = R"(Examples:
+  quillon help run
+  quillon help db query)";
 
 constexpr const char* InitFooter =
     R"(DIR gets Quillon.ini (every setting, explained), host.ini (the drive table), folders for playlists,
@@ -68,46 +80,12 @@ Examples:
   quillon serve --host ~/shelf
   quillon serve --host ~/shelf --port 0    any port that is free)";
 
-constexpr const char* CreateFooter = R"(Example:
-  quillon db create ~/shelf/jukebox.mdb)";
-
-constexpr const char* QueryFooter =
-    R"(The database is not changed. Dates are shown as 2006-02-03T08:00:00, Null as <null> (JSON: null).
-Ctrl-C or SIGTERM ends a statement that takes long; the exit status is 3 then.
-
-Examples:
-  quillon db query cdj.mdb "SELECT Artist, Title, Tracks FROM Albums WHERE Player=1001"
-  quillon db query cdj.mdb "SELECT * FROM Tracks" --json > tracks.jsonl)";
-
-constexpr const char* ExecFooter =
-    R"(All rows are changed or none. Ctrl-C or SIGTERM ends a statement that takes long; it has changed
-nothing then, and the exit status is 3.
-
-Example:
-  quillon db exec cdj.mdb "UPDATE Albums SET Rating1=5 WHERE Artist='Nina Simone'")";
-
-constexpr const char* DbCheckFooter =
-    R"(Reads the whole file without changing it and compares everything that is stored twice. Exit status
-0 when the file is whole, 1 when it has faults, 2 when it cannot be opened. A journal that a program
-has left which was cut off while it wrote is read as a part of the file, and named.
-
-Example:
-  quillon db check cdj.mdb)";
-
-constexpr const char* DbRecoverFooter =
-    R"(A program that is cut off while it writes leaves a journal, FILE.journal. Until it is carried out,
-other programs see the file half written. This carries it out and does nothing else; the next run would
-do it, too. Exit status 0 when it is done or there is nothing to do, 2 when the journal is not complete
-or not this database's, or the database is in use.
-
-Example:
-  quillon db recover cdj.mdb)";
-
 /// The grammar and the places its values go to.
 class Grammar {
   public:
     Grammar() {
-        app_.set_version_flag("--version", fmt::format("quillon {}", ProgramVersion));
+        app_.set_version_flag("--version", fmt::format("quillon {}", ProgramVersion),
+                              "Print the version and exit");
         app_.require_subcommand(0, 1);
         app_.footer(ProgramFooter);
         AddRunOptions(app_);
@@ -117,8 +95,11 @@ class Grammar {
         check_->footer(CheckFooter);
         AddHostOption(*check_);
         DefineServe();
-        DefineDb();
+        help_->footer(HelpFooter);
+        help_->add_option("COMMAND", helpWords_, "The command, such as run or db query");
     }
+
+    CommandDescription Description() const { return Describe(app_); }
 
     Request Parse(std::span<const char* const> arguments) {
         try {
@@ -128,15 +109,40 @@ class Grammar {
         } catch (const CLI::CallForVersion& version) {
             return TextAnswer{fmt::format("{}\n", version.what())};
         } catch (const CLI::Success&) {
-            return TextAnswer{app_.help()};
+            return Help();
         } catch (const CLI::ParseError& error) {
-            return TextAnswer{fmt::format("quillon: {}\nTry '{} --help'.\n", error.what(), Name()),
-                              true};
+            return UsageError(AskedCommand(app_), UsageProblem(app_, Description(), error));
         }
-        return Chosen();
+        return help_->parsed() ? HelpOn(helpWords_) : Chosen();
     }
 
   private:
+    static TextAnswer UsageError(const std::string& command, const std::string& problem) {
+        return {fmt::format("quillon: {}\nTry '{} --help'.\n", problem, command), true};
+    }
+
+    /// The help that an option has asked for. A command that does not exist has none.
+    TextAnswer Help() const {
+        const CommandDescription program = Description();
+        const CommandDescription* const asked = FindCommand(program, AskedCommand(app_));
+        const std::string unknown = FindLeftOver(app_).word;
+        if (!unknown.empty() && !unknown.starts_with('-') && !asked->commands.empty())
+            return UsageError(asked->name, UnexpectedWord(program, *asked, unknown));
+        return {HelpText(*asked)};
+    }
+
+    TextAnswer HelpOn(const std::vector<std::string>& words) const {
+        const CommandDescription program = Description();
+        const CommandDescription* asked = &program;
+        for (const std::string& word : words) {
+            const auto* const below = FindCommand(program, asked->name + ' ' + word);
+            if (below == nullptr)
+                return UsageError(asked->name, UnexpectedWord(program, *asked, word));
+            asked = below;
+        }
+        return {HelpText(*asked)};
+    }
+
     void AddHostOption(CLI::App& command) {
         command
             .add_option("--host", host_,
@@ -146,13 +152,11 @@ class Grammar {
 
     void AddRunOptions(CLI::App& command) {
         AddHostOption(command);
-        AddChoice(command, "--view", view_, ViewNames,
-                  "What the run shows: auto, window, terminal or plain (default: auto)");
-        command.add_flag(
-            "--quiet", quiet_,
-            "Tells errors, what went away and a summary alone, in plain lines; for cron");
+        AddChoice(command, "--view", view_, ViewNames, "What the run shows (default: auto)");
+        command.add_flag("--quiet", quiet_,
+                         "Print only errors, what was removed and a summary; for cron");
         command.add_flag("--allow-removals", allowRemovals_,
-                         "Lets this run remove more than [Safety] in host.ini allows");
+                         "Let this run remove more than [Safety] in host.ini allows");
     }
 
     /// An option whose values are words.
@@ -162,19 +166,28 @@ class Grammar {
                           const std::string& description) {
         const auto choose = [name, &value, &choices](const CLI::results_t& results) {
             const auto found = choices.find(results.front());
-            if (found == choices.end()) throw CLI::ValidationError(name, Expected(choices));
+            if (found == choices.end())
+                throw CLI::ValidationError(name, Expected(choices, results.front()));
             value = found->second;
             return true;
         };
-        command.add_option(name, choose, description)->type_name("WORD");
+        std::string words;
+        for (const auto& choice : choices)
+            words += (words.empty() ? "" : "|") + choice.first;
+        command.add_option(name, choose, description)->type_name(words);
     }
 
     template <typename Value>
-    static std::string Expected(const std::map<std::string, Value>& choices) {
+    static std::string Expected(const std::map<std::string, Value>& choices,
+                                const std::string& given) {
         std::string text = "expected one of";
-        for (const auto& choice : choices)
+        std::vector<std::string_view> words;
+        for (const auto& choice : choices) {
             text += ' ' + choice.first;
-        return text;
+            words.push_back(choice.first);
+        }
+        const std::string_view meant = NearestName(given, words);
+        return meant.empty() ? text : fmt::format("{}; did you mean {}?", text, meant);
     }
 
     void DefineInit() {
@@ -190,7 +203,7 @@ class Grammar {
                          "An existing .mdb file to use where it is (default: a new one in DIR)")
             ->type_name("FILE");
         AddChoice(*init_, "--layout", initRequest_.layout, LayoutNames,
-                  "How albums lie there: tree or flat (default: tree)");
+                  "How albums are stored there (default: tree)");
     }
 
     void DefineServe() {
@@ -200,57 +213,28 @@ class Grammar {
             ->add_option(
                 "--port", serveRequest_.port,
                 fmt::format("Port to listen on, 0 for any (default: {})", serveRequest_.port))
-            ->check(CLI::Range(0, 65535))
+            ->check([](const std::string& text) {
+                std::string port = text;
+                const bool isPort = CLI::Range(0, 65535)(port).empty();
+                return std::string(isPort ? "" : "expected a number from 0 to 65535");
+            })
             ->type_name("N");
-    }
-
-    void DefineDb() {
-        db_->require_subcommand(1);
-        create_->footer(CreateFooter);
-        AddFile(*create_, createRequest_.file, "The file to make; it must not exist");
-        query_->footer(QueryFooter);
-        AddFile(*query_, queryRequest_.file, "The .mdb file");
-        query_->add_option("SQL", queryRequest_.sql, "A SELECT statement")
-            ->required()
-            ->type_name("");
-        query_->add_flag("--json", queryRequest_.json, "One JSON object a line instead of a table");
-        exec_->footer(ExecFooter);
-        AddFile(*exec_, execRequest_.file, "The .mdb file");
-        exec_->add_option("SQL", execRequest_.sql, "An INSERT, UPDATE or DELETE statement")
-            ->required()
-            ->type_name("");
-        dbCheck_->footer(DbCheckFooter);
-        AddFile(*dbCheck_, dbCheckRequest_.file, "The .mdb file");
-        recover_->footer(DbRecoverFooter);
-        AddFile(*recover_, recoverRequest_.file, "The .mdb file");
-    }
-
-    static void AddFile(CLI::App& command, std::filesystem::path& file, const char* description) {
-        command.add_option("FILE", file, description)->required()->type_name("");
     }
 
     void RefuseRunOptionsOfOtherCommands() const {
         const auto chosen = app_.get_subcommands();
         if (chosen.empty() || chosen.front() == run_) return;
         for (const char* const option : {"--view", "--quiet", "--allow-removals"}) {
-            if (app_.count(option) > 0) throw CLI::ExtrasError({option});
+            if (app_.count(option) == 0) continue;
+            const CommandDescription program = Description();
+            const CommandDescription* const asked = FindCommand(program, AskedCommand(app_));
+            throw CLI::ValidationError(UnexpectedWord(program, *asked, option));
         }
     }
 
     void RefuseQuietScreens() const {
         if (!quiet_ || view_ == ViewKind::Auto || view_ == ViewKind::Plain) return;
         throw CLI::ValidationError("--quiet", "goes with plain lines only; leave --view out");
-    }
-
-    /// The command as it is called: "quillon db query".
-    std::string Name() const {
-        std::string name = "quillon";
-        const CLI::App* command = &app_;
-        while (!command->get_subcommands().empty()) {
-            command = command->get_subcommands().front();
-            name += ' ' + command->get_name();
-        }
-        return name;
     }
 
     std::filesystem::path HostFolder() const {
@@ -263,44 +247,36 @@ class Grammar {
         if (init_->parsed()) return initRequest_;
         if (check_->parsed()) return CheckRequest{HostFolder()};
         if (serve_->parsed()) return ServeRequest{HostFolder(), serveRequest_.port};
-        if (create_->parsed()) return createRequest_;
-        if (query_->parsed()) return queryRequest_;
-        if (exec_->parsed()) return execRequest_;
-        if (dbCheck_->parsed()) return dbCheckRequest_;
-        if (recover_->parsed()) return recoverRequest_;
+        if (const auto chosen = db_.Chosen()) return *chosen;
         return RunRequest{HostFolder(), quiet_ ? ViewKind::Plain : view_, quiet_, allowRemovals_};
     }
 
-    CLI::App app_{"Keeps MP3 folders, a jukebox database, tags and playlists consistent.",
+    CLI::App app_{"Keeps MP3 folders, a jukebox database, tags and playlists consistent",
                   "quillon"};
-    CLI::App* run_ = app_.add_subcommand("run", "The run; also what happens without a command");
+    CLI::App* run_ =
+        app_.add_subcommand("run", "Run what Quillon.ini asks for; the default command");
     CLI::App* init_ = app_.add_subcommand("init", "Make a host folder");
-    CLI::App* check_ = app_.add_subcommand("check", "Tell what a run would do; change nothing");
+    CLI::App* check_ = app_.add_subcommand("check", "Show what a run would do; change nothing");
     CLI::App* serve_ = app_.add_subcommand("serve", "Show the album picker in a browser");
-    CLI::App* db_ = app_.add_subcommand("db", "Work on a database file from the shell");
-    CLI::App* create_ = db_->add_subcommand("create", "Make a new jukebox database");
-    CLI::App* query_ = db_->add_subcommand("query", "Show the rows of a SELECT");
-    CLI::App* exec_ = db_->add_subcommand("exec", "Run a statement that changes rows");
-    CLI::App* dbCheck_ = db_->add_subcommand("check", "Check the structure of a file");
-    CLI::App* recover_ =
-        db_->add_subcommand("recover", "Complete a file with the journal that was left for it");
+    DbGrammar db_{*app_.add_subcommand("db", "Work on a database file from the shell")};
+    CLI::App* help_ = app_.add_subcommand("help", "Show the help of a command");
 
+    std::vector<std::string> helpWords_;
     std::filesystem::path host_;
     ViewKind view_ = ViewKind::Auto;
     bool quiet_ = false, allowRemovals_ = false;
     InitRequest initRequest_;
     ServeRequest serveRequest_;
-    DbCreateRequest createRequest_;
-    DbQueryRequest queryRequest_;
-    DbExecRequest execRequest_;
-    DbCheckRequest dbCheckRequest_;
-    DbRecoverRequest recoverRequest_;
 };
 
 }  // namespace
 
 Request ParseCommandLine(std::span<const char* const> arguments) {
     return Grammar().Parse(arguments);
+}
+
+CommandDescription DescribeCommandLine() {
+    return Grammar().Description();
 }
 
 }  // namespace quillon

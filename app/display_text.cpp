@@ -136,6 +136,27 @@ std::string OneLine(std::string_view text) {
     return line;
 }
 
+std::vector<std::string> WrapWords(std::string_view text, std::size_t columns) {
+    std::vector<std::string> lines;
+    std::string line;
+    bool hasWord = false;
+    while (!text.empty()) {
+        const std::size_t end = std::min(text.find(' '), text.size());
+        const std::string_view word = text.substr(0, end);
+        text.remove_prefix(std::min(end + 1, text.size()));
+        if (hasWord && DisplayColumns(line) + 1 + DisplayColumns(word) > columns) {
+            lines.push_back(std::move(line));
+            line.clear();
+            hasWord = false;
+        }
+        if (hasWord) line += ' ';
+        line += word;
+        hasWord = true;
+    }
+    if (hasWord) lines.push_back(std::move(line));
+    return lines;
+}
+
 std::string ElapsedText(std::chrono::seconds elapsed) {
     const auto seconds = elapsed.count();
     return fmt::format("{}:{:02}:{:02}", seconds / 3600, seconds / 60 % 60, seconds % 60);

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 /// Texts for people's eyes: terminal columns instead of bytes, and nothing in them that a terminal
 /// could take for a command.
@@ -23,6 +24,10 @@ std::string ShortenMiddle(std::string_view text, std::size_t columns);
 /// The text with every control character replaced by a blank, so that names and values from
 /// outside cannot move the cursor or end a line. Bytes that are no UTF-8 become U+FFFD.
 std::string OneLine(std::string_view text);
+
+/// The text in lines of at most `columns` columns, broken at blanks. A word that is longer than a
+/// line stays whole: it is a path or a command, and those get copied.
+std::vector<std::string> WrapWords(std::string_view text, std::size_t columns);
 
 /// Hours, minutes and seconds: "0:00:12".
 std::string ElapsedText(std::chrono::seconds elapsed);

@@ -30,6 +30,11 @@ struct Dispatcher {
     int operator()(const CheckRequest& request) const { return Check(request, console); }
     int operator()(const ServeRequest& request) const { return Serve(request, console); }
     int operator()(const DbCreateRequest& request) const { return DbCreate(request, console); }
+    int operator()(const DbTablesRequest& request) const { return DbTables(request, console); }
+    int operator()(const DbSchemaRequest& request) const { return DbSchema(request, console); }
+    int operator()(const DbImportRequest& request) const { return DbImport(request, console); }
+    int operator()(const DbExportRequest& request) const { return DbExport(request, console); }
+    int operator()(const DbCompactRequest& request) const { return DbCompact(request, console); }
     int operator()(const DbQueryRequest& request) const { return DbQuery(request, console); }
     int operator()(const DbExecRequest& request) const { return DbExec(request, console); }
     int operator()(const DbCheckRequest& request) const { return DbCheck(request, console); }

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <variant>
+#include <vector>
 
 namespace quillon {
 
@@ -40,22 +41,62 @@ struct ServeRequest {
     int port = 8777;  ///< 0: any that is free
 };
 
+/// How rows are shown: a table, CSV with a line of names, or a JSON object a line.
+enum class RowFormat { Table, Csv, Json };
+
 /// `quillon db create`
 struct DbCreateRequest {
     std::filesystem::path file;
+    bool empty = false;  ///< without any tables
+};
+
+/// `quillon db tables`
+struct DbTablesRequest {
+    std::filesystem::path file;
+    RowFormat format = RowFormat::Table;
+};
+
+/// `quillon db schema`
+struct DbSchemaRequest {
+    std::filesystem::path file;
+    std::string table;  ///< "": all
+    bool sql = false;   ///< as the statements that make them
 };
 
 /// `quillon db query`
 struct DbQueryRequest {
     std::filesystem::path file;
-    std::string sql;
-    bool json = false;  ///< one object a line instead of a table
+    std::optional<std::string> sql;  ///< none or "-": from standard input
+    RowFormat format = RowFormat::Table;
+    std::vector<std::string> parameters;  ///< "name=value"
 };
 
 /// `quillon db exec`
 struct DbExecRequest {
     std::filesystem::path file;
-    std::string sql;
+    std::optional<std::string> sql;       ///< none or "-": from standard input
+    std::vector<std::string> parameters;  ///< "name=value"
+};
+
+/// `quillon db import`
+struct DbImportRequest {
+    std::filesystem::path file;
+    std::string table;
+    std::filesystem::path data;  ///< "-": standard input
+    std::string separator = ",";
+    bool hasHeader = true;  ///< the first line names the fields
+};
+
+/// `quillon db export`
+struct DbExportRequest {
+    std::filesystem::path file;
+    std::string table;
+    RowFormat format = RowFormat::Csv;
+};
+
+/// `quillon db compact`
+struct DbCompactRequest {
+    std::filesystem::path file;
 };
 
 /// `quillon db check`
@@ -77,6 +118,7 @@ struct TextAnswer {
 /// Everything that a command line can ask for.
 using Request =
     std::variant<TextAnswer, RunRequest, InitRequest, CheckRequest, ServeRequest, DbCreateRequest,
-                 DbQueryRequest, DbExecRequest, DbCheckRequest, DbRecoverRequest>;
+                 DbTablesRequest, DbSchemaRequest, DbQueryRequest, DbExecRequest, DbImportRequest,
+                 DbExportRequest, DbCompactRequest, DbCheckRequest, DbRecoverRequest>;
 
 }  // namespace quillon

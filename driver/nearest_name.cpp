@@ -11,16 +11,20 @@
 namespace quillon {
 namespace {
 
-/// How many letters have to be put in, taken out or replaced to get from one text to the other.
+/// How many letters have to be put in, taken out, replaced or swapped with their neighbour to get
+/// from one text to the other.
 std::size_t Distance(std::string_view left, std::string_view right) {
-    std::vector<std::size_t> row(right.size() + 1);
+    std::vector<std::size_t> beforeLast, last, row(right.size() + 1);
     std::iota(row.begin(), row.end(), 0U);
-    for (std::size_t i = 0; i < left.size(); ++i) {
-        std::size_t diagonal = std::exchange(row[0], i + 1);
-        for (std::size_t j = 0; j < right.size(); ++j) {
-            const std::size_t replaced = diagonal + (left[i] == right[j] ? 0 : 1);
-            diagonal = row[j + 1];
-            row[j + 1] = std::min({replaced, diagonal + 1, row[j] + 1});
+    for (std::size_t i = 1; i <= left.size(); ++i) {
+        beforeLast = std::exchange(last, row);
+        row[0] = i;
+        for (std::size_t j = 1; j <= right.size(); ++j) {
+            const std::size_t replaced = last[j - 1] + (left[i - 1] == right[j - 1] ? 0 : 1);
+            row[j] = std::min({replaced, last[j] + 1, row[j - 1] + 1});
+            const bool swapped =
+                i > 1 && j > 1 && left[i - 1] == right[j - 2] && left[i - 2] == right[j - 1];
+            if (swapped) row[j] = std::min(row[j], beforeLast[j - 2] + 1);
         }
     }
     return row.back();

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <initializer_list>
 #include <memory>
 #include <span>
 #include <string>
@@ -36,8 +37,27 @@ struct DamagedTable {
 /// disk in groups (after a second, or a few while rows change in great numbers, on Flush() and on
 /// closing) so that a crash leaves a whole file.
 ///
-/// Opening for writing looks the whole file over, as CheckFile does, before anything is written: a
-/// file that contradicts itself is refused as it is, since changes would make it worse.
+/// What is safe:
+///
+/// - One writer. Opening for writing takes the database for this process: an `.ldb` file beside it,
+///   as Access makes one, and a lock on the file itself. A database that Access or another program
+///   has open is refused with Error(InUse). Readers need no lock and keep nobody off; what they see
+///   is the file as it was when its pages were read, so a reader beside a writer can meet
+///   contradictions, Error(Damaged), and then opens it again.
+/// - A crash, of the program or the machine. Changed pages first go to a journal, `FILE.journal`,
+///   which is complete on the disk before the file is touched. The next opening for writing carries
+///   it out; opening for reading reads through it. Until then other programs see the file half
+///   written: RecoverDatabase() does nothing but that. What belongs together goes into a
+///   Transaction.
+/// - A damaged file. Opening for writing looks the whole file over, as CheckFile does, before
+///   anything is written: a file that contradicts itself is refused as it is, since changes would
+///   make it worse.
+/// - What it does not understand. Refused are files of other versions (Access 97, .accdb), files
+///   with a password or encoded pages, and changes to tables with types or sort orders that it does
+///   not know. Linked tables, queries, forms and relationships are not looked at and stay as they
+///   are; rules that are kept in relationships and in validation texts are not checked.
+/// - Threads. A database and its record sets belong to one thread at a time. Different databases
+///   may be used by different threads.
 class Database {
   public:
     /// Errors name the file and what is wrong with it. A table that is not needed and not in good
@@ -52,16 +72,28 @@ class Database {
     Database& operator=(Database&&) noexcept;
     ~Database();
 
+    /// Values for the parameters of a statement, written `:name` there. They need no quotes and are
+    /// never taken for SQL.
+    using Parameters = std::span<const NamedValue>;
+
     /// Runs INSERT, UPDATE or DELETE; the number of rows it concerned. A statement that fails
-    /// leaves every row as it was.
-    std::int64_t Execute(std::string_view sql);
+    /// leaves every row as it was. CREATE TABLE, CREATE INDEX and DROP are run, too, and concern no
+    /// rows; see CreateTable() and its neighbours.
+    std::int64_t Execute(std::string_view sql, Parameters parameters = {});
+    std::int64_t Execute(std::string_view sql, std::initializer_list<NamedValue> parameters) {
+        return Execute(sql, Parameters(parameters.begin(), parameters.size()));
+    }
 
     /// Runs a SELECT; a forward, read-only result.
-    std::unique_ptr<RecordSet> Query(std::string_view sql);
+    std::unique_ptr<RecordSet> Query(std::string_view sql, Parameters parameters = {});
+    std::unique_ptr<RecordSet> Query(std::string_view sql,
+                                     std::initializer_list<NamedValue> parameters) {
+        return Query(sql, Parameters(parameters.begin(), parameters.size()));
+    }
 
     /// Runs a SELECT whose rows may be changed through the result: plain columns of one table, or
     /// of a join of which the changed columns belong to one table.
-    std::unique_ptr<RecordSet> OpenUpdatable(std::string_view sql);
+    std::unique_ptr<RecordSet> OpenUpdatable(std::string_view sql, Parameters parameters = {});
 
     /// A cursor over a whole table.
     std::unique_ptr<RecordSet> OpenTable(std::string_view table);
@@ -69,10 +101,7 @@ class Database {
     /// Names a row of a table while the database is open, whatever changes.
     using RowKey = std::int64_t;
     /// A field of a row, and what it is to hold.
-    struct Field {
-        std::string_view name;
-        Value value;
-    };
+    using Field = NamedValue;
     struct AddedRow {
         RowKey key = 0;
         std::int64_t number = 0;  ///< in the auto-number column, where there is one
@@ -86,6 +115,9 @@ class Database {
 
     /// One field of a row, likewise.
     Value Read(std::string_view table, RowKey row, std::string_view field);
+
+    /// How many rows a table has.
+    std::size_t RowCount(std::string_view table) const;
 
     /// The number that the next row gets in the auto-number column.
     std::int64_t NextNumber(std::string_view table) const;
@@ -108,6 +140,18 @@ class Database {
 
     /// Definitions of all user tables, by name.
     std::vector<TableDefinition> Tables() const;
+    /// That of one table; Error(NotFound).
+    TableDefinition TableNamed(std::string_view name) const;
+
+    /// Make or remove a table or an index. Durable when they return, or with the transaction that
+    /// they are part of; one that fails leaves the file as it was, but ends the transaction, which
+    /// is taken back. Error(NotSupported) says what the format does not allow, Error(Duplicate,
+    /// Required) which rule of a new index the rows do not keep. Record sets of OpenUpdatable() and
+    /// OpenTable() must be opened again after DropTable().
+    void CreateTable(const TableDefinition& definition);
+    void DropTable(std::string_view name);
+    void CreateIndex(std::string_view table, const IndexDefinition& index);
+    void DropIndex(std::string_view table, std::string_view index);
 
     /// Tables that are not in good order, as far as opening has looked at them.
     const std::vector<DamagedTable>& Damaged() const;
@@ -126,9 +170,39 @@ class Database {
     void Discard();
 
   private:
+    friend class Transaction;
     class Implementation;
     explicit Database(std::unique_ptr<Implementation> implementation);
     std::unique_ptr<Implementation> implementation_;
+};
+
+/// Changes that become durable together or not at all, whatever happens to the program or the
+/// machine meanwhile. One at a time in a database. Changed pages stay in memory until its end.
+///
+///     jet::Transaction transaction(database);
+///     database.Execute("UPDATE Accounts SET Amount=Amount-5 WHERE ID=1");
+///     database.Execute("UPDATE Accounts SET Amount=Amount+5 WHERE ID=2");
+///     transaction.Commit();
+class Transaction {
+  public:
+    /// Makes durable what was changed before. `database` must outlive this object, and not be
+    /// moved from meanwhile.
+    explicit Transaction(Database& database);
+    Transaction(const Transaction&) = delete;
+    Transaction& operator=(const Transaction&) = delete;
+    /// Takes all back, unless Commit() has been called. Record sets of OpenUpdatable() and
+    /// OpenTable() must be opened again then.
+    ~Transaction();
+
+    /// Error(NotSupported) where a change to a table or an index has failed, which has taken all
+    /// back already.
+    void Commit();
+    /// As the end of this object's life, but tells what fails.
+    void Rollback();
+
+  private:
+    Database& database_;
+    bool open_ = true;
 };
 
 }  // namespace jet

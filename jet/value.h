@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <variant>
 #include <vector>
 
@@ -50,6 +51,12 @@ using Bytes = std::vector<std::uint8_t>;
 /// form, so that every stored text survives a round trip), Binary and OLE are Bytes.
 using Value = std::variant<Null, bool, std::int64_t, double, Date, Currency, Decimal, Guid, Bytes,
                            std::string>;
+
+/// A value for a name: a field of a row, or a parameter of a statement.
+struct NamedValue {
+    std::string_view name;
+    Value value;
+};
 
 inline bool IsNull(const Value& value) {
     return std::holds_alternative<Null>(value);

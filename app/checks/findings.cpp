@@ -1,6 +1,5 @@
 #include "app/checks/findings.h"
 
-#include <algorithm>
 #include <ostream>
 #include <string_view>
 
@@ -17,24 +16,12 @@ std::string Sentence(std::string text) {
     return text;
 }
 
-/// A word that is longer than a line stays whole: it is a path, and paths get copied.
 void TellWrapped(std::string_view text, std::ostream& out) {
-    std::string line(Bullet);
-    bool hasWord = false;
-    while (!text.empty()) {
-        const std::size_t end = std::min(text.find(' '), text.size());
-        const std::string_view word = text.substr(0, end);
-        text.remove_prefix(std::min(end + 1, text.size()));
-        if (hasWord && DisplayColumns(line) + 1 + DisplayColumns(word) > LineColumns) {
-            out << line << '\n';
-            line = Indent;
-            hasWord = false;
-        }
-        if (hasWord) line += ' ';
-        line += word;
-        hasWord = true;
+    std::string_view lead = Bullet;
+    for (const std::string& line : WrapWords(text, LineColumns - Indent.size())) {
+        out << lead << line << '\n';
+        lead = Indent;
     }
-    out << line << '\n';
 }
 
 void Tell(std::string_view title, const std::vector<std::string>& findings, std::ostream& out) {

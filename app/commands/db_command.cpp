@@ -1,100 +1,102 @@
 #include "app/commands/db_command.h"
 
-#include <csignal>
-#include <filesystem>
 #include <fmt/format.h>
-#include <ostream>
+#include <iostream>
+#include <iterator>
+#include <optional>
 #include <string>
+#include <unistd.h>
 #include <vector>
 
 #include "app/checks/journal_remark.h"
+#include "app/commands/database_work.h"
+#include "app/commands/row_output.h"
 #include "app/display_text.h"
 #include "app/jukebox_database.h"
-#include "app/signals.h"
-#include "app/table_printer.h"
 #include "app/value_text.h"
 #include "jet/check.h"
-#include "jet/database.h"
+#include "jet/compact.h"
 #include "jet/journal.h"
+#include "jet/statement.h"
+#include "platform/basic_text.h"
 
 namespace quillon {
 namespace {
 
-std::vector<std::string> FieldNames(const jet::RecordSet& rows) {
-    std::vector<std::string> names;
-    names.reserve(rows.FieldCount());
-    for (std::size_t i = 0; i < rows.FieldCount(); ++i)
-        names.push_back(rows.FieldName(i));
-    return names;
+/// The statements of a command: what stands on its line, or what comes by standard input.
+std::string StatementsOf(const std::optional<std::string>& sql, const char* what) {
+    if (sql && *sql != "-") return *sql;
+    if (!sql && isatty(STDIN_FILENO) != 0) {
+        throw CommandError(fmt::format(
+            "there is no statement; put {} behind FILE, or pass it on standard input", what));
+    }
+    return {std::istreambuf_iterator<char>(std::cin), {}};
 }
 
-bool IsNumber(const jet::Value& value) {
-    return std::holds_alternative<std::int64_t>(value) || std::holds_alternative<double>(value) ||
-           std::holds_alternative<jet::Currency>(value) ||
-           std::holds_alternative<jet::Decimal>(value);
+/// "#...#" is a date, as in statements.
+jet::Value ParameterValue(std::string_view text) {
+    if (text.size() < 3 || !text.starts_with('#') || !text.ends_with('#')) return std::string(text);
+    if (const auto date = ParseIsoDate(text.substr(1, text.size() - 2))) return *date;
+    throw CommandError(
+        fmt::format("{} is no date; write it as #2006-02-03# or "
+                    "#2006-02-03 08:00:00#",
+                    text));
 }
 
-void PrintTable(jet::RecordSet& rows, std::ostream& out) {
-    const std::vector<std::string> names = FieldNames(rows);
-    TablePrinter table(out, names);
-    for (; !rows.IsEof(); rows.MoveNext()) {
-        std::vector<TableCell> cells;
-        cells.reserve(names.size());
-        for (std::size_t i = 0; i < names.size(); ++i) {
-            const jet::Value value = rows.Get(i);
-            cells.push_back({ValueText(value), IsNumber(value), jet::IsNull(value)});
+std::vector<jet::NamedValue> ParametersOf(const std::vector<std::string>& given) {
+    std::vector<jet::NamedValue> parameters;
+    for (const std::string& word : given) {
+        const std::size_t equals = word.find('=');
+        const std::string_view name = std::string_view(word).substr(0, equals);
+        if (name.empty()) throw CommandError(fmt::format("--param {}: expected NAME=VALUE", word));
+        parameters.push_back(
+            {name, equals == std::string::npos
+                       ? jet::Value(jet::Null{})
+                       : ParameterValue(std::string_view(word).substr(equals + 1))});
+    }
+    return parameters;
+}
+
+void TellHints(std::string_view sql, std::span<const jet::NamedValue> parameters, Console console) {
+    console.out.flush();
+    for (const std::string& hint : jet::HintsFor(sql, parameters))
+        console.err << "quillon: hint: " << OneLine(hint) << '\n';
+}
+
+/// CREATE and DROP concern no rows.
+bool IsAboutRows(std::string_view sql) {
+    const std::string verb(OneLine(sql.substr(0, sql.find_first_of(" \t\r\n"))));
+    return !EqualIgnoringCase(verb, "create") && !EqualIgnoringCase(verb, "drop");
+}
+
+std::string Counted(std::size_t count, const char* what) {
+    return fmt::format("{} {}{}", count, what, count == 1 ? "" : "s");
+}
+
+/// Runs them; an error says in which line of several it is.
+std::int64_t RunScript(jet::Database& database, std::span<const jet::ScriptStatement> statements,
+                       std::span<const jet::NamedValue> parameters) {
+    std::int64_t rows = 0;
+    for (const jet::ScriptStatement& statement : statements) {
+        try {
+            rows += database.Execute(statement.text, parameters);
+        } catch (const jet::Error& error) {
+            if (statements.size() == 1) throw;
+            throw jet::Error(error.Kind(), fmt::format("Line {}: {}; nothing was changed",
+                                                       statement.line, Clause(error)));
         }
-        table.AddRow(std::move(cells));
     }
-    table.Finish();
-}
-
-void PrintJson(jet::RecordSet& rows, std::ostream& out) {
-    std::vector<std::string> keys;
-    for (const std::string& name : FieldNames(rows))
-        keys.push_back(JsonString(name) + ':');
-    std::string line;
-    for (; !rows.IsEof(); rows.MoveNext()) {
-        line = "{";
-        for (std::size_t i = 0; i < keys.size(); ++i) {
-            if (i > 0) line += ',';
-            line += keys[i];
-            line += JsonValue(rows.Get(i));
-        }
-        line += "}\n";
-        out << line;
-    }
-}
-
-constexpr int InterruptedStatus = 3;
-
-/// Opens the database for a statement, which `work` runs. Ctrl-C, SIGTERM and a terminal that
-/// closes end it; what it has begun to change is forgotten. The exit status.
-template <typename Work>
-int RunStatement(const std::filesystem::path& file, jet::OpenMode mode, Console console,
-                 Work work) {
-    struct sigaction pipe{};
-    sigaction(SIGPIPE, nullptr, &pipe);
-    const AbortSignals signals;
-    // Who reads the rows may stop reading, which ends a query like any other filter.
-    sigaction(SIGPIPE, &pipe, nullptr);
-    jet::Database database = jet::Database::Open(file, mode, jet::NeededTables::None());
-    database.SetInterruption([] { return AbortSignals::AbortRequested(); });
-    try {
-        work(database);
-        return DoneStatus;
-    } catch (const jet::Error& error) {
-        database.Discard();
-        if (error.Kind() != jet::ErrorKind::Interrupted) throw;
-        console.out.flush();
-        console.err << "quillon: " << error.what() << "; it changed nothing\n";
-        return InterruptedStatus;
-    }
+    return rows;
 }
 
 }  // namespace
 
 int DbCreate(const DbCreateRequest& request, Console console) {
+    if (request.empty) {
+        jet::Database::Create(request.file, {});
+        console.out << fmt::format("{}: a new database without tables\n", request.file.string());
+        return DoneStatus;
+    }
     CreateJukeboxDatabase(request.file);
     console.out << fmt::format("{}: a new jukebox database with {} tables\n", request.file.string(),
                                JukeboxTables().size());
@@ -102,24 +104,43 @@ int DbCreate(const DbCreateRequest& request, Console console) {
 }
 
 int DbQuery(const DbQueryRequest& request, Console console) {
-    return RunStatement(request.file, jet::OpenMode::ReadOnly, console,
-                        [&](jet::Database& database) {
-                            const auto rows = database.Query(request.sql);
-                            if (request.json) {
-                                PrintJson(*rows, console.out);
-                            } else {
-                                PrintTable(*rows, console.out);
-                            }
-                        });
+    const auto parameters = ParametersOf(request.parameters);
+    const std::string sql = StatementsOf(request.sql, "a SELECT");
+    return WorkOnDatabase(
+        request.file, jet::OpenMode::ReadOnly, console, [&](jet::Database& database) {
+            WriteRows(*database.Query(sql, parameters), request.format, console.out);
+            TellHints(sql, parameters, console);
+        });
 }
 
 int DbExec(const DbExecRequest& request, Console console) {
-    return RunStatement(request.file, jet::OpenMode::ReadWrite, console,
-                        [&](jet::Database& database) {
-                            const std::int64_t rows = database.Execute(request.sql);
-                            database.Flush();
-                            console.out << fmt::format("{} row{}\n", rows, rows == 1 ? "" : "s");
-                        });
+    const auto parameters = ParametersOf(request.parameters);
+    const std::string script = StatementsOf(request.sql, "a statement");
+    const auto statements = jet::SplitScript(script);
+    if (statements.empty()) throw CommandError("there is no statement");
+    return WorkOnDatabase(
+        request.file, jet::OpenMode::ReadWrite, console, [&](jet::Database& database) {
+            jet::Transaction transaction(database);
+            const auto rows = static_cast<std::size_t>(RunScript(database, statements, parameters));
+            transaction.Commit();
+            if (statements.size() > 1) {
+                console.out << Counted(statements.size(), "statement") << ", ";
+            } else if (!IsAboutRows(statements.front().text)) {
+                console.out << "done\n";
+                return;
+            }
+            console.out << Counted(rows, "row") << '\n';
+            for (const jet::ScriptStatement& statement : statements)
+                TellHints(statement.text, parameters, console);
+        });
+}
+
+int DbCompact(const DbCompactRequest& request, Console console) {
+    const jet::Compacted done = jet::CompactDatabase(request.file);
+    console.out << fmt::format("{}: {} bytes, {} before; the file as it was is {}\n",
+                               OneLine(request.file.string()), done.size, done.sizeBefore,
+                               OneLine(done.kept.string()));
+    return DoneStatus;
 }
 
 int DbCheck(const DbCheckRequest& request, Console console) {

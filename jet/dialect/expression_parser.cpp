@@ -239,6 +239,7 @@ Expression ExpressionParser::ParseOperand() {
         case Token::Kind::Text:
         case Token::Kind::Number:
         case Token::Kind::Date:
+        case Token::Kind::Parameter:
             return ParseLiteral();
         case Token::Kind::Symbol:
             if (token.text == "(") return ParseParenthesis();
@@ -301,8 +302,7 @@ Expression ExpressionParser::ParseLiteral() {
     Expression node = Node(parameter ? Kind::Parameter : Kind::Number, token.place);
     node.literal = firstLiteral_ + token.literal;
     if (!parameter) node.name = std::string(token.text);
-    if (token.kind == Token::Kind::Text) node.literalType = Expression::LiteralType::Text;
-    if (token.kind == Token::Kind::Date) node.literalType = Expression::LiteralType::Date;
+    node.literalKind = KindOf(reader_.List().literals[token.literal]);
     return node;
 }
 

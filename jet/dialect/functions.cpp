@@ -96,6 +96,22 @@ ValueKind KindOf(ColumnType type) {
     return ValueKind::Any;
 }
 
+ValueKind KindOf(const Value& value) {
+    struct Kinds {
+        ValueKind operator()(Null) const { return ValueKind::Any; }
+        ValueKind operator()(bool) const { return ValueKind::Boolean; }
+        ValueKind operator()(std::int64_t) const { return ValueKind::Number; }
+        ValueKind operator()(double) const { return ValueKind::Number; }
+        ValueKind operator()(Date) const { return ValueKind::Date; }
+        ValueKind operator()(Currency) const { return ValueKind::Currency; }
+        ValueKind operator()(const Decimal&) const { return ValueKind::Decimal; }
+        ValueKind operator()(const Guid&) const { return ValueKind::Guid; }
+        ValueKind operator()(const Bytes&) const { return ValueKind::Binary; }
+        ValueKind operator()(const std::string&) const { return ValueKind::Text; }
+    };
+    return std::visit(Kinds{}, value);
+}
+
 const FunctionRule* FindFunction(std::string_view name, std::size_t arguments) {
     const auto found = std::find_if(Rules.begin(), Rules.end(), [&](const FunctionRule& rule) {
         return rule.arguments == arguments && SameName(rule.name, name);

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "jet/schema.h"
+#include "jet/value.h"
 
 namespace jet::dialect {
 
@@ -22,6 +23,8 @@ enum class ValueKind {
 
 /// The kind of a column's values.
 ValueKind KindOf(ColumnType type);
+/// The kind of a value; Any for Null.
+ValueKind KindOf(const Value& value);
 
 /// A function of Access SQL and what stands for it in the executed SQL.
 struct FunctionRule {

@@ -1,6 +1,9 @@
 #include "jet/dialect/parser.h"
 
+#include <utility>
+
 #include "jet/dialect/expression_parser.h"
+#include "jet/dialect/schema_parser.h"
 
 namespace jet::dialect {
 
@@ -37,10 +40,44 @@ class Parser {
         if (reader_.TakeWord("update")) return ParseUpdate();
         if (reader_.TakeWord("delete")) return ParseDelete();
         if (reader_.TakeWord("insert")) return ParseInsert();
-        reader_.Fail("a statement begins with SELECT, INSERT, UPDATE or DELETE");
+        if (reader_.TakeWord("create")) return SchemaParser(reader_, expressions_).ParseCreate();
+        if (reader_.TakeWord("drop")) return SchemaParser(reader_, expressions_).ParseDrop();
+        reader_.Fail("a statement begins with SELECT, INSERT, UPDATE, DELETE, CREATE or DROP");
     }
 
+    /// A SELECT, or several with UNION between them. The latter become a query over their rows, so
+    /// that ORDER BY, Filter and Sort mean those.
     Select ParseSelect() {
+        Select first = ParseOneSelect();
+        std::vector<UnionPart> parts;
+        while (reader_.TakeWord("union")) {
+            if (parts.empty()) parts.push_back({std::make_shared<Select>(std::move(first)), true});
+            if (parts.size() == MostParts) reader_.Fail("there are too many parts of a UNION");
+            const bool all = reader_.TakeWord("all");
+            if (parts.back().query->top || !parts.back().query->orderBy.empty())
+                reader_.Fail("only the last SELECT of a UNION may have ORDER BY, and none TOP");
+            parts.push_back({std::make_shared<Select>(ParseOneSelect()), all});
+        }
+        return parts.empty() ? std::move(first) : OverUnion(std::move(parts));
+    }
+
+    Select OverUnion(std::vector<UnionPart> parts) const {
+        Select last = *parts.back().query;
+        if (last.top) reader_.Fail("no SELECT of a UNION may have TOP");
+        Select whole;
+        whole.orderBy = std::exchange(last.orderBy, {});
+        parts.back().query = std::make_shared<const Select>(std::move(last));
+        Source source;
+        source.kind = Source::Kind::Union;
+        source.parts = std::move(parts);
+        whole.from.push_back(std::move(source));
+        Expression star;
+        star.kind = Expression::Kind::Star;
+        whole.items.push_back({std::move(star), ""});
+        return whole;
+    }
+
+    Select ParseOneSelect() {
         Select select;
         reader_.ExpectWord("select");
         while (true) {
@@ -239,6 +276,7 @@ class Parser {
     }
 
     static constexpr int MostParentheses = 100;
+    static constexpr std::size_t MostParts = 400;
 
     TokenReader reader_;
     ExpressionParser expressions_;

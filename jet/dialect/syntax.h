@@ -8,6 +8,8 @@
 #include <variant>
 #include <vector>
 
+#include "jet/dialect/functions.h"
+
 namespace jet::dialect {
 
 struct Select;
@@ -40,20 +42,26 @@ struct Expression {
     std::vector<Expression> operands;
     std::shared_ptr<const Select> query;
     std::size_t literal = 0;
-    enum class LiteralType { Number, Date, Text };
-    LiteralType literalType = LiteralType::Number;
+    ValueKind literalKind = ValueKind::Number;
     std::size_t place = 0;  ///< column in the statement, from 0
     bool negated = false;   ///< NOT LIKE, NOT IN, NOT BETWEEN, IS NOT NULL
     bool suffix = false;
 };
 
+/// One SELECT of a UNION.
+struct UnionPart {
+    std::shared_ptr<const Select> query;
+    bool all = false;  ///< UNION ALL stands before it: rows that are there already come again
+};
+
 /// Something to select from.
 struct Source {
-    enum class Kind { Table, Query, InnerJoin, LeftJoin, RightJoin };
+    enum class Kind { Table, Query, Union, InnerJoin, LeftJoin, RightJoin };
     Kind kind = Kind::Table;
     std::string name;                     ///< Table
     std::string alias;                    ///< Table and Query; empty if there is none
     std::shared_ptr<const Select> query;  ///< Query
+    std::vector<UnionPart> parts;         ///< Union
     std::vector<Source> sides;            ///< joins: left and right
     std::optional<Expression> condition;  ///< joins
     std::size_t place = 0;
@@ -105,6 +113,28 @@ struct Insert {
     std::shared_ptr<const Select> query;  ///< the values: a SELECT, without FROM for VALUES (...)
 };
 
-using Statement = std::variant<Select, Update, Delete, Insert>;
+/// CREATE TABLE
+struct CreateTable {
+    TableDefinition definition;
+};
+
+/// CREATE INDEX: fields by name, since only the table knows their positions.
+struct CreateIndex {
+    struct Field {
+        std::string name;
+        bool ascending = true;
+    };
+    std::string table;
+    IndexDefinition definition;  ///< without its columns
+    std::vector<Field> fields;
+};
+
+/// DROP TABLE, or DROP INDEX where an index is named.
+struct Drop {
+    std::string table;
+    std::string index;
+};
+
+using Statement = std::variant<Select, Update, Delete, Insert, CreateTable, CreateIndex, Drop>;
 
 }  // namespace jet::dialect

@@ -1,5 +1,6 @@
 #include "jet/dialect/token.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 
@@ -23,9 +24,15 @@ bool ContinuesName(char c) {
     return StartsName(c) || IsDigit(c) || c == '$';
 }
 
+/// What is left of 16 MB of text when it is cut up takes some hundred MB.
+constexpr std::size_t LongestStatement = std::size_t{16} << 20;
+
 class Cutter {
   public:
-    explicit Cutter(std::string_view text) : text_(text) { list_.tokens.reserve(16); }
+    Cutter(std::string_view text, std::span<const NamedValue> parameters)
+        : text_(text), parameters_(parameters) {
+        list_.tokens.reserve(16);
+    }
 
     TokenList Cut() {
         while (SkipBlanks(), at_ < text_.size())
@@ -67,6 +74,8 @@ class Cutter {
             CutName('`');
         } else if (c == '#') {
             CutDate();
+        } else if (c == ':' && StartsName(Peek(1))) {
+            CutParameter();
         } else {
             CutSymbol();
         }
@@ -149,6 +158,20 @@ class Cutter {
         at_ = end + 1;
     }
 
+    void CutParameter() {
+        const std::size_t from = ++at_;
+        while (at_ < text_.size() && ContinuesName(text_[at_]))
+            ++at_;
+        const std::string_view name = text_.substr(from, at_ - from);
+        const auto given = std::ranges::find_if(parameters_, [name](const NamedValue& parameter) {
+            return SameName(parameter.name, name);
+        });
+        if (given == parameters_.end())
+            throw SyntaxError(from - 1, text_.substr(from - 1, name.size() + 1),
+                              "this parameter has no value");
+        AddLiteral(Add(Token::Kind::Parameter, from, name.size()), given->value);
+    }
+
     void CutSymbol() {
         static constexpr std::array<std::string_view, 4> Pairs = {"<>", "<=", ">=", "!="};
         for (const std::string_view pair : Pairs) {
@@ -165,6 +188,7 @@ class Cutter {
     }
 
     std::string_view text_;
+    std::span<const NamedValue> parameters_;
     std::size_t at_ = 0;
     TokenList list_;
 };
@@ -186,14 +210,19 @@ bool IsInsertOfValues(const TokenList& list) {
 
 }  // namespace
 
-TokenList Tokenize(std::string_view statement) {
-    return Cutter(statement).Cut();
+TokenList Tokenize(std::string_view statement, std::span<const NamedValue> parameters) {
+    if (statement.size() > LongestStatement) {
+        throw Error(ErrorKind::TooLong, "The statement has " + std::to_string(statement.size()) +
+                                            " bytes; at most 16 MB are possible");
+    }
+    return Cutter(statement, parameters).Cut();
 }
 
 bool IsParameter(const TokenList& list, std::size_t token) {
     switch (list.tokens[token].kind) {
         case Token::Kind::Text:
         case Token::Kind::Date:
+        case Token::Kind::Parameter:
             return true;
         case Token::Kind::Number:
             return token > 0 && (IsComparison(list.tokens[token - 1]) || IsInsertOfValues(list));
@@ -209,7 +238,11 @@ std::string Signature(const TokenList& list, std::string_view purpose) {
     signature.append(purpose);
     for (std::size_t i = 0; i < list.tokens.size(); ++i) {
         const Token& token = list.tokens[i];
-        if (IsParameter(list, i)) {
+        if (token.kind == Token::Kind::Parameter) {
+            // What a value is decides what is done with it.
+            signature.push_back('\x03');
+            signature.push_back(static_cast<char>('A' + list.literals[token.literal].index()));
+        } else if (IsParameter(list, i)) {
             const auto* text = std::get_if<std::string>(&list.literals[token.literal]);
             const bool suffix = text && i > 0 && SameName(list.tokens[i - 1].text, "like") &&
                                 IsSuffixPattern(*text);

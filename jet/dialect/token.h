@@ -2,17 +2,17 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
-#include <variant>
 #include <vector>
 
 #include "jet/value.h"
 
 namespace jet::dialect {
 
-/// A value written in a statement.
-using Literal = std::variant<std::int64_t, double, Date, std::string>;
+/// A value written in a statement or handed to it.
+using Literal = Value;
 
 /// The smallest part of a statement.
 struct Token {
@@ -21,14 +21,15 @@ struct Token {
         Name,  ///< a name between brackets or back-quotes
         Text,  ///< a text between single or double quotes
         Number,
-        Date,    ///< between # signs
-        Symbol,  ///< an operator or punctuation, `<>` and the like as one
+        Date,       ///< between # signs
+        Parameter,  ///< `:name`, whose value is handed to the statement
+        Symbol,     ///< an operator or punctuation, `<>` and the like as one
         End,
     };
     Kind kind = Kind::End;
     std::string_view text;    ///< as written, without brackets or quotes
     std::size_t place = 0;    ///< column in the statement, from 0
-    std::size_t literal = 0;  ///< Text, Number and Date: position in TokenList::literals
+    std::size_t literal = 0;  ///< Text to Parameter: position in TokenList::literals
 };
 
 /// A statement cut into tokens; the last one is Kind::End. The tokens refer to the statement's
@@ -39,11 +40,13 @@ struct TokenList {
 };
 
 /// Cuts a statement, criterion or sort order into tokens. Throws Error(Syntax) with the place of a
-/// text, name or date that has no end, or of a character that starts no token.
-TokenList Tokenize(std::string_view statement);
+/// text, name or date that has no end, of a character that starts no token, or of a parameter that
+/// is not among those given. Error(TooLong) for a statement of more than 16 MB.
+TokenList Tokenize(std::string_view statement, std::span<const NamedValue> parameters = {});
 
 /// Whether a number stands where its value may differ between two runs of the same compiled
-/// statement: behind a comparison, or in the list of values of an INSERT. Every text and date does.
+/// statement: behind a comparison, or in the list of values of an INSERT. Every text, date and
+/// parameter does.
 /// Other numbers (`Left(x, 4)`, `TOP 5`, `ORDER BY 2`) are part of the statement itself.
 bool IsParameter(const TokenList& list, std::size_t token);
 

@@ -11,7 +11,7 @@ namespace jet::dialect {
 namespace {
 
 bool HasQuery(const Source& source) {
-    return source.kind == Source::Kind::Query ||
+    return source.kind == Source::Kind::Query || source.kind == Source::Kind::Union ||
            std::any_of(source.sides.begin(), source.sides.end(), HasQuery);
 }
 
@@ -65,6 +65,7 @@ Translation TranslateKeys(const Select& select, const Catalog& catalog) {
 Translation TranslateUpdate(const Update& update, const Catalog& catalog) {
     Translator translator(catalog);
     Translation& result = translator.Result();
+    result.kind = Translation::Kind::Update;
     Scope scope;
     const std::string from = translator.WriteFrom({update.target}, scope);
     const std::string where = translator.WriteWhere(update.where, scope);
@@ -103,6 +104,7 @@ Translation TranslateUpdate(const Update& update, const Catalog& catalog) {
 Translation TranslateDelete(const Delete& deletion, const Catalog& catalog) {
     Translator translator(catalog);
     Translation& result = translator.Result();
+    result.kind = Translation::Kind::Delete;
     Scope scope;
     const std::string from = translator.WriteFrom(deletion.from, scope);
     if (deletion.table.empty() && scope.instances.size() > 1) {
@@ -128,6 +130,7 @@ Translation TranslateInsert(const Insert& insert, const Catalog& catalog) {
     if (!definition)
         throw Error(ErrorKind::NotFound, "Cannot find the output table '" + insert.table + "'");
     Translation result = TranslateQuery(*insert.query, catalog);
+    result.kind = Translation::Kind::Insert;
     result.keyTables.push_back(result.tables.size());
     result.tables.emplace_back();
     result.tables.back().definition = definition;

@@ -76,6 +76,8 @@ struct UpdateTarget {
 /// Each stored table is expected there under its own name (TableName()) with its columns and, as
 /// integer primary key, KeyColumn: the row's place in the storage. Texts have the collation "jet".
 struct Translation {
+    enum class Kind { Query, Insert, Update, Delete };
+    Kind kind = Kind::Query;
     std::string sql;
     std::vector<Parameter> parameters;  ///< of ?1, ?2 and so on
     std::vector<ResultColumn> columns;

@@ -93,6 +93,7 @@ class Translator {
   private:
     std::string WriteSource(const Source& source, Scope& scope);
     std::string WriteStoredTable(const Source& source, Scope& scope);
+    std::string WriteUnion(const Source& source, Scope& scope);
     std::string WriteOrder(const Select& select, const Scope& scope,
                            const std::vector<std::string>& groupKeys, bool outermost);
     void SplitHaving(const Select& select, const Scope& scope,

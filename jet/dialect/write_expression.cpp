@@ -125,9 +125,7 @@ std::string Translator::BindParameter(Parameter::Form form, std::size_t literal)
 }
 
 Written Translator::WriteParameter(const Expression& expression) {
-    static constexpr ValueKind Kinds[] = {ValueKind::Number, ValueKind::Date, ValueKind::Text};
-    return Plain(BindParameter(Parameter::Form::Value, expression.literal),
-                 Kinds[static_cast<std::size_t>(expression.literalType)]);
+    return Plain(BindParameter(Parameter::Form::Value, expression.literal), expression.literalKind);
 }
 
 Written Translator::WriteColumn(const Expression& expression, const Context& context) {

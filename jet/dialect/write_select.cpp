@@ -15,6 +15,24 @@ std::string Joined(const std::vector<std::string>& parts, std::string_view separ
     return text;
 }
 
+bool IsNumeric(ValueKind kind) {
+    return kind == ValueKind::Boolean || kind == ValueKind::Number || kind == ValueKind::Currency ||
+           kind == ValueKind::Decimal;
+}
+
+/// What values of both kinds become where they meet in one column of a UNION.
+ValueKind CommonKind(ValueKind left, ValueKind right) {
+    if (left == right || right == ValueKind::Any) return left;
+    if (left == ValueKind::Any) return right;
+    if (IsNumeric(left) && IsNumeric(right)) return ValueKind::Number;
+    return ValueKind::Text;
+}
+
+std::string AsKind(const std::string& value, ValueKind kind, ValueKind wanted) {
+    if (kind == wanted || kind == ValueKind::Any || wanted != ValueKind::Text) return value;
+    return (kind == ValueKind::Date ? "jet_date_text(" : "jet_text(") + value + ")";
+}
+
 }  // namespace
 
 std::string QuotedName(std::string_view name) {
@@ -53,7 +71,61 @@ std::string Translator::WriteStoredTable(const Source& source, Scope& scope) {
     return sql;
 }
 
+/// The parts stand in subqueries of their own, each with its order; without a limit SQLite would
+/// feel free to leave that out. Rows of UNION come in the order of their values, those of UNION ALL
+/// part by part.
+std::string Translator::WriteUnion(const Source& source, Scope& scope) {
+    result_.joinsQueries = true;
+    std::vector<std::string> queries;
+    std::vector<std::vector<ResultColumn>> columns(source.parts.size());
+    for (std::size_t i = 0; i < source.parts.size(); ++i) {
+        queries.push_back(WriteSelect(*source.parts[i].query, nullptr, true, columns[i]));
+        if (columns[i].size() != columns.front().size()) {
+            throw Error(ErrorKind::Syntax,
+                        "The SELECTs of a UNION must have the same number of "
+                        "fields: the first has " +
+                            std::to_string(columns.front().size()) + ", another " +
+                            std::to_string(columns[i].size()));
+        }
+    }
+    Instance instance;
+    instance.name = source.alias;
+    instance.columns = columns.front();
+    for (std::size_t column = 0; column < instance.columns.size(); ++column) {
+        instance.columns[column].source.reset();
+        for (const auto& part : columns)
+            instance.columns[column].kind =
+                CommonKind(instance.columns[column].kind, part[column].kind);
+    }
+    std::string sql;
+    bool sorted = false;
+    for (std::size_t i = 0; i < queries.size(); ++i) {
+        std::vector<std::string> values;
+        for (std::size_t column = 0; column < instance.columns.size(); ++column) {
+            const std::string name = "c" + std::to_string(column);
+            const ValueKind wanted = instance.columns[column].kind;
+            values.push_back(AsKind(name, columns[i][column].kind, wanted) +
+                             (wanted == ValueKind::Text ? " COLLATE jet AS " : " AS ") + name);
+        }
+        if (i > 0) {
+            sql += source.parts[i].all ? " UNION ALL " : " UNION ";
+            sorted = !source.parts[i].all;
+        }
+        sql += "SELECT " + Joined(values, ",") + " FROM (" + queries[i] + " LIMIT -1)";
+    }
+    if (sorted) {
+        std::vector<std::string> order;
+        for (std::size_t column = 0; column < instance.columns.size(); ++column)
+            order.push_back(std::to_string(column + 1));
+        sql += " ORDER BY " + Joined(order, ",");
+    }
+    instance.alias = "s" + std::to_string(aliases_++);
+    scope.instances.push_back(instance);
+    return "(" + sql + " LIMIT -1) AS " + instance.alias;
+}
+
 std::string Translator::WriteSource(const Source& source, Scope& scope) {
+    if (source.kind == Source::Kind::Union) return WriteUnion(source, scope);
     if (source.kind == Source::Kind::Table) return WriteStoredTable(source, scope);
     if (source.kind == Source::Kind::Query) {
         result_.joinsQueries = true;

@@ -78,8 +78,14 @@ Decimal ToDecimal(const ColumnDefinition& column, const Value& value, std::uint8
                   std::uint8_t scale) {
     const double real = ToReal(column, value);  // refuses what is no number
     const auto* decimal = std::get_if<Decimal>(&value);
-    const std::string text = decimal ? DecimalText(*decimal) : FixedText(real);
-    const auto converted = ParseDecimal(text, precision, scale);
+    const auto* written = std::get_if<std::string>(&value);
+    std::optional<Decimal> converted;
+    // More digits than a floating-point number has.
+    if (written) converted = ParseDecimal(*written, precision, scale);
+    if (!converted) {
+        const std::string text = decimal ? DecimalText(*decimal) : FixedText(real);
+        converted = ParseDecimal(text, precision, scale);
+    }
     if (!converted) FailRange(column, NumberText(real));
     return *converted;
 }

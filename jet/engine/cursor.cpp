@@ -8,9 +8,10 @@
 
 namespace jet::engine {
 
-Cursor::Cursor(std::shared_ptr<Session> session, std::string sql)
+Cursor::Cursor(std::shared_ptr<Session> session, std::string sql,
+               std::span<const NamedValue> parameters)
     : session_(std::move(session)),
-      selection_(*session_, std::move(sql), Selection::Yields::Keys),
+      selection_(*session_, std::move(sql), Selection::Yields::Keys, parameters),
       fields_(selection_.CurrentPlan()->translation.columns),
       place_(std::make_unique<Place>()) {
     const Plan& plan = *selection_.CurrentPlan();

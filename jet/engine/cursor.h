@@ -15,7 +15,8 @@ namespace jet::engine {
 /// before the first question about a row.
 class Cursor final : public RecordSet {
   public:
-    Cursor(std::shared_ptr<Session> session, std::string sql);
+    Cursor(std::shared_ptr<Session> session, std::string sql,
+           std::span<const NamedValue> parameters = {});
 
     bool IsBof() const override;
     bool IsEof() const override;

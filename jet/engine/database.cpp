@@ -76,16 +76,55 @@ void Database::Create(const std::filesystem::path& path, std::span<const TableDe
     storage::DatabaseFile::Create(path, tables);
 }
 
-std::int64_t Database::Execute(std::string_view sql) {
-    return engine::Execute(*implementation_->session, sql);
+std::int64_t Database::Execute(std::string_view sql, Parameters parameters) {
+    return engine::Execute(*implementation_->session, sql, parameters);
 }
 
-std::unique_ptr<RecordSet> Database::Query(std::string_view sql) {
-    return std::make_unique<engine::QueryResult>(implementation_->session, std::string(sql));
+std::unique_ptr<RecordSet> Database::Query(std::string_view sql, Parameters parameters) {
+    return std::make_unique<engine::QueryResult>(implementation_->session, std::string(sql),
+                                                 parameters);
 }
 
-std::unique_ptr<RecordSet> Database::OpenUpdatable(std::string_view sql) {
-    return std::make_unique<engine::Cursor>(implementation_->session, std::string(sql));
+std::unique_ptr<RecordSet> Database::OpenUpdatable(std::string_view sql, Parameters parameters) {
+    return std::make_unique<engine::Cursor>(implementation_->session, std::string(sql), parameters);
+}
+
+void Database::CreateTable(const TableDefinition& definition) {
+    implementation_->session->CreateTable(definition);
+}
+
+void Database::DropTable(std::string_view name) {
+    implementation_->session->DropTable(name);
+}
+
+void Database::CreateIndex(std::string_view table, const IndexDefinition& index) {
+    implementation_->session->CreateIndex(table, index);
+}
+
+void Database::DropIndex(std::string_view table, std::string_view index) {
+    implementation_->session->DropIndex(table, index);
+}
+
+Transaction::Transaction(Database& database) : database_(database) {
+    database_.implementation_->session->Begin();
+}
+
+Transaction::~Transaction() {
+    try {
+        Rollback();
+    } catch (const Error&) {
+        // Nobody to tell; nothing of it can reach the file any more.
+        return;
+    }
+}
+
+void Transaction::Commit() {
+    database_.implementation_->session->Commit();
+    open_ = false;
+}
+
+void Transaction::Rollback() {
+    if (std::exchange(open_, false)) database_.implementation_->session->Rollback();
 }
 
 std::unique_ptr<RecordSet> Database::OpenTable(std::string_view table) {
@@ -106,6 +145,10 @@ void Database::Scan(std::string_view table, std::span<const std::string_view> fi
 Value Database::Read(std::string_view table, RowKey row, std::string_view field) {
     const engine::MirrorTable& source = implementation_->session->Table(table);
     return source.Read(row)[source.Column(field)];
+}
+
+std::size_t Database::RowCount(std::string_view table) const {
+    return implementation_->session->Table(table).StoredRows();
 }
 
 std::int64_t Database::NextNumber(std::string_view table) const {
@@ -157,6 +200,10 @@ std::vector<TableDefinition> Database::Tables() const {
     for (const auto& table : implementation_->session->Tables())
         definitions.push_back(table->Definition());
     return definitions;
+}
+
+TableDefinition Database::TableNamed(std::string_view name) const {
+    return implementation_->session->Table(name).Definition();
 }
 
 const std::vector<DamagedTable>& Database::Damaged() const {

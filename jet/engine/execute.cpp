@@ -1,6 +1,5 @@
 #include "jet/engine/execute.h"
 
-#include "jet/dialect/names.h"
 #include "jet/dialect/parser.h"
 #include "jet/engine/change_group.h"
 #include "jet/engine/convert.h"
@@ -12,8 +11,7 @@ namespace {
 
 using dialect::Translation;
 
-Translation Translate(const dialect::TokenList& tokens, const dialect::Catalog& catalog) {
-    const dialect::Statement statement = dialect::ParseStatement(tokens);
+Translation Translate(const dialect::Statement& statement, const dialect::Catalog& catalog) {
     if (const auto* update = std::get_if<dialect::Update>(&statement))
         return TranslateUpdate(*update, catalog);
     if (const auto* deletion = std::get_if<dialect::Delete>(&statement))
@@ -21,6 +19,32 @@ Translation Translate(const dialect::TokenList& tokens, const dialect::Catalog& 
     if (const auto* insert = std::get_if<dialect::Insert>(&statement))
         return TranslateInsert(*insert, catalog);
     throw Error(ErrorKind::Syntax, "A SELECT changes nothing: it is a query");
+}
+
+void MakeIndex(Session& session, const dialect::CreateIndex& create) {
+    const MirrorTable& table = session.Table(create.table);
+    IndexDefinition index = create.definition;
+    for (const dialect::CreateIndex::Field& field : create.fields)
+        index.columns.push_back({table.Column(field.name), field.ascending});
+    session.CreateIndex(create.table, index);
+}
+
+/// Makes or removes a table or an index; false where the statement is of another kind.
+bool ChangeSchema(Session& session, const dialect::Statement& statement) {
+    if (const auto* table = std::get_if<dialect::CreateTable>(&statement)) {
+        session.CreateTable(table->definition);
+    } else if (const auto* index = std::get_if<dialect::CreateIndex>(&statement)) {
+        MakeIndex(session, *index);
+    } else if (const auto* drop = std::get_if<dialect::Drop>(&statement)) {
+        if (drop->index.empty()) {
+            session.DropTable(drop->table);
+        } else {
+            session.DropIndex(drop->table, drop->index);
+        }
+    } else {
+        return false;
+    }
+    return true;
 }
 
 Value ReadColumn(const Statement& statement, const Translation& translation, std::size_t column) {
@@ -137,17 +161,22 @@ std::int64_t RunUpdate(Session& session, Plan& plan, StatementLease statement) {
 
 }  // namespace
 
-std::int64_t Execute(Session& session, std::string_view sql) {
-    const dialect::TokenList tokens = dialect::Tokenize(sql);
-    const std::string_view verb = tokens.tokens.front().text;
+std::int64_t Execute(Session& session, std::string_view sql,
+                     std::span<const NamedValue> parameters) {
+    const dialect::TokenList tokens = dialect::Tokenize(sql, parameters);
     const std::string signature = Signature(tokens, "execute ");
     std::shared_ptr<Plan> plan = session.FindPlan(signature);
-    if (!plan) plan = session.AddPlan(signature, Translate(tokens, session.Catalog()));
+    if (!plan) {
+        const dialect::Statement statement = dialect::ParseStatement(tokens);
+        if (ChangeSchema(session, statement)) return 0;
+        plan = session.AddPlan(signature, Translate(statement, session.Catalog()));
+    }
     if (plan->translation.ofAllRows)
         return DeleteAllRows(session, *plan->tables[plan->translation.keyTables.front()]);
     StatementLease statement = session.Start(*plan, tokens.literals);
-    const auto run = dialect::SameName(verb, "insert")   ? RunInsert
-                     : dialect::SameName(verb, "delete") ? RunDelete
+    const auto kind = plan->translation.kind;
+    const auto run = kind == Translation::Kind::Insert   ? RunInsert
+                     : kind == Translation::Kind::Delete ? RunDelete
                                                          : RunUpdate;
     const std::int64_t count = run(session, *plan, std::move(statement));
     session.AfterChange();

@@ -236,6 +236,7 @@ void MirrorTable::InsertCopy(RowKey key, std::span<const Value> row) {
 }
 
 storage::Row MirrorTable::Read(RowKey key) const {
+    RequireAttached();
     return stored_->Read(RowId::FromInteger(key));
 }
 

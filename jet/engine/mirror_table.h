@@ -55,9 +55,17 @@ class MirrorTable {
     /// Makes sure that a row of the table is in the copy.
     void Hold(RowKey key);
 
+    /// The table's indexes have become others.
+    void ReadDefinition() { definition_ = stored_->Definition(); }
+
     /// The file is being closed: the copy can still be read, nothing can be changed.
     void Detach() noexcept { stored_ = nullptr; }
 
+    /// Rows in the file.
+    std::size_t StoredRows() const {
+        RequireAttached();
+        return stored_->RowCount();
+    }
     /// Rows in the copy.
     std::int64_t RowCount() const { return rows_; }
     /// Differs whenever a row may have changed.

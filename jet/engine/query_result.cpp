@@ -21,9 +21,10 @@ namespace {
 
 }  // namespace
 
-QueryResult::QueryResult(std::shared_ptr<Session> session, std::string sql)
+QueryResult::QueryResult(std::shared_ptr<Session> session, std::string sql,
+                         std::span<const NamedValue> parameters)
     : session_(std::move(session)),
-      selection_(*session_, std::move(sql), Selection::Yields::Values) {
+      selection_(*session_, std::move(sql), Selection::Yields::Values, parameters) {
     Run();
 }
 

@@ -12,7 +12,8 @@ namespace jet::engine {
 /// change to one of their tables would disturb them.
 class QueryResult final : public RecordSet, private RowStream {
   public:
-    QueryResult(std::shared_ptr<Session> session, std::string sql);
+    QueryResult(std::shared_ptr<Session> session, std::string sql,
+                std::span<const NamedValue> parameters = {});
     QueryResult(const QueryResult&) = delete;
     QueryResult& operator=(const QueryResult&) = delete;
     ~QueryResult() override;

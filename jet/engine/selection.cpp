@@ -27,11 +27,12 @@ dialect::Select ParseSelect(const TokenList& tokens) {
 
 }  // namespace
 
-Selection::Selection(Session& session, std::string sql, Yields yields)
+Selection::Selection(Session& session, std::string sql, Yields yields,
+                     std::span<const NamedValue> parameters)
     : session_(session),
       sql_(std::move(sql)),
       yields_(yields),
-      tokens_(dialect::Tokenize(sql_)),
+      tokens_(dialect::Tokenize(sql_, parameters)),
       signature_(Signature(tokens_, yields == Yields::Keys ? "keys " : "values ")) {
     Choose("", "");
 }

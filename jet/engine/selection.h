@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,7 +19,8 @@ class Selection {
     };
 
     /// Errors of the statement are thrown here.
-    Selection(Session& session, std::string sql, Yields yields);
+    Selection(Session& session, std::string sql, Yields yields,
+              std::span<const NamedValue> parameters = {});
     Selection(const Selection&) = delete;  // the tokens refer to the text
     Selection& operator=(const Selection&) = delete;
 

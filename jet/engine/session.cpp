@@ -19,20 +19,11 @@ storage::OpenMode StorageMode(OpenMode mode) {
     return mode == OpenMode::ReadOnly ? storage::OpenMode::ReadOnly : storage::OpenMode::ReadWrite;
 }
 
-struct LiteralBinder {
-    Statement& statement;
-    int parameter;
-    void operator()(std::int64_t value) const { statement.Bind(parameter, value); }
-    void operator()(double value) const { statement.Bind(parameter, value); }
-    void operator()(Date value) const { statement.Bind(parameter, value.days); }
-    void operator()(const std::string& value) const { statement.BindText(parameter, value); }
-};
-
 void BindParameter(Statement& statement, int number, const dialect::Parameter& parameter,
                    const dialect::Literal& literal) {
     using Form = dialect::Parameter::Form;
     if (parameter.form == Form::Value) {
-        std::visit(LiteralBinder{statement, number}, literal);
+        BindValue(statement, number, literal);
         return;
     }
     std::string key = SuffixKey(std::string_view(std::get<std::string>(literal)).substr(1));
@@ -61,25 +52,38 @@ Session::Session(const std::filesystem::path& path, OpenMode mode, const NeededT
     : mode_(mode),
       file_(storage::DatabaseFile::Open(
           path, StorageMode(mode), files,
-          {.needs = [&](std::string_view table) { return needed.Include(table); },
+          {.needs = [needed](std::string_view table) { return needed.Include(table); },
            .inspect =
                [&](storage::PageStore& pages) {
                    if (mode == OpenMode::ReadWrite) Inspect(pages, path.string(), needed);
-               }})),
-      statements_(sqlite_),
-      advisor_(sqlite_, statements_) {
-    RegisterFunctions(sqlite_);
+               }})) {
     for (const storage::UnreadableTable& table : file_->Unreadable())
         LeaveOut(table.name, table.reason);
-    for (const std::string& name : file_->TableNames())
-        tables_.push_back(
-            std::make_unique<MirrorTable>(sqlite_, statements_, file_->OpenTable(name)));
+    MakeCopy();
     catalog_ = [this](std::string_view name) -> const TableDefinition* {
         RequireSound(name);
-        for (const auto& table : tables_)
+        for (const auto& table : copy_->tables)
             if (dialect::SameName(table->Definition().name, name)) return &table->Definition();
         return nullptr;
     };
+}
+
+/// A new copy, which has nothing yet. The one before stays for record sets that read it.
+void Session::MakeCopy() {
+    auto copy = std::make_shared<Copy>();
+    RegisterFunctions(copy->sqlite);
+    copy->sqlite.SetInterruption(interruption_);
+    for (const std::string& name : file_->TableNames()) {
+        copy->tables.push_back(
+            std::make_unique<MirrorTable>(copy->sqlite, copy->statements, file_->OpenTable(name)));
+    }
+    if (copy_) copy_->plans.clear();
+    copy_ = std::move(copy);
+}
+
+void Session::SetInterruption(std::function<bool()> wanted) {
+    interruption_ = wanted;
+    copy_->sqlite.SetInterruption(std::move(wanted));
 }
 
 void Session::Inspect(storage::PageStore& pages, const std::string& file,
@@ -120,26 +124,27 @@ void Session::RequireSound(std::string_view table) const {
 
 MirrorTable& Session::Table(std::string_view name) {
     RequireSound(name);
-    for (const auto& table : tables_) {
+    for (const auto& table : copy_->tables) {
         if (dialect::SameName(table->Definition().name, name)) return *table;
     }
     throw Error(ErrorKind::NotFound, "Cannot find the table '" + std::string(name) + "'");
 }
 
 std::shared_ptr<Plan> Session::FindPlan(const std::string& signature) const {
-    const auto found = plans_.find(signature);
-    return found == plans_.end() ? nullptr : found->second;
+    const auto found = copy_->plans.find(signature);
+    return found == copy_->plans.end() ? nullptr : found->second;
 }
 
 std::shared_ptr<Plan> Session::AddPlan(const std::string& signature,
                                        dialect::Translation translation) {
     auto plan = std::make_shared<Plan>();
     plan->translation = std::move(translation);
-    plan->statements = statements_.HomeOf(plan->translation.sql);
+    plan->copy = copy_;
+    plan->statements = copy_->statements.HomeOf(plan->translation.sql);
     for (const dialect::TableUse& use : plan->translation.tables)
         plan->tables.push_back(&Table(use.definition->name));
-    if (plans_.size() >= MostPlans) plans_.clear();
-    plans_.emplace(signature, plan);
+    if (copy_->plans.size() >= MostPlans) copy_->plans.clear();
+    copy_->plans.emplace(signature, plan);
     return plan;
 }
 
@@ -154,11 +159,18 @@ void Session::LookAfterIndexes(Plan& plan) {
     if (plan.generation == generation) return;
     plan.generation = generation;
     for (std::size_t i = 0; i < plan.tables.size(); ++i)
-        advisor_.Prepare(plan.translation.tables[i], *plan.tables[i]);
-    advisor_.PrepareEntry(plan.translation.tables, plan.tables);
+        copy_->advisor.Prepare(plan.translation.tables[i], *plan.tables[i]);
+    copy_->advisor.PrepareEntry(plan.translation.tables, plan.tables);
+}
+
+void Session::RequireCurrent(const Plan& plan) const {
+    if (plan.copy == copy_) return;
+    throw Error(ErrorKind::NotSupported,
+                "The tables have changed since this was opened: open it again");
 }
 
 void Session::Load(Plan& plan, const std::vector<dialect::Literal>& literals) {
+    RequireCurrent(plan);
     if (plan.isLoaded) return;
     const std::vector<dialect::TableUse>& uses = plan.translation.tables;
     for (std::size_t i = 0; i < uses.size(); ++i) {
@@ -174,8 +186,8 @@ StatementLease Session::Start(Plan& plan, const std::vector<dialect::Literal>& l
     Load(plan, literals);
     LookAfterIndexes(plan);
     // The advisor has made those that a join of stored tables needs.
-    sqlite_.LetStatementsMakeIndexes(plan.translation.joinsQueries);
-    StatementLease statement = statements_.Take(plan.translation.sql, plan.statements);
+    copy_->sqlite.LetStatementsMakeIndexes(plan.translation.joinsQueries);
+    StatementLease statement = copy_->statements.Take(plan.translation.sql, plan.statements);
     const auto& parameters = plan.translation.parameters;
     for (std::size_t i = 0; i < parameters.size(); ++i) {
         BindParameter(*statement, static_cast<int>(i + 1), parameters[i],
@@ -194,8 +206,90 @@ void Session::BeforeChange(const MirrorTable& table) {
         if (stream->Reads(table)) stream->Drain();
 }
 
+void Session::DrainAll() {
+    const std::vector<RowStream*> streams = streams_;
+    for (RowStream* stream : streams)
+        stream->Drain();
+}
+
 void Session::Flush() {
+    if (inTransaction_) {
+        throw Error(ErrorKind::NotSupported,
+                    "A transaction is open: its end makes the changes durable");
+    }
     if (mode_ == OpenMode::ReadWrite) file_->Commit();
+}
+
+void Session::Begin() {
+    if (mode_ == OpenMode::ReadOnly)
+        throw Error(ErrorKind::ReadOnly, "The database was opened for reading only");
+    Flush();
+    inTransaction_ = true;
+}
+
+void Session::Commit() {
+    if (!inTransaction_)
+        throw Error(ErrorKind::NotSupported, "There is no transaction that could be completed");
+    file_->Commit();
+    inTransaction_ = false;
+}
+
+void Session::Rollback() {
+    if (!inTransaction_) return;
+    DrainAll();
+    inTransaction_ = false;
+    for (const auto& table : copy_->tables)
+        table->Detach();
+    file_->Revert();
+    MakeCopy();
+}
+
+template <typename Change>
+void Session::ChangeSchema(Change change) {
+    const bool own = !inTransaction_;
+    if (own) Begin();
+    DrainAll();
+    try {
+        change();
+        if (own) Commit();
+    } catch (...) {
+        Rollback();
+        throw;
+    }
+}
+
+void Session::CreateTable(const TableDefinition& definition) {
+    ChangeSchema([&] {
+        storage::Table& table = file_->CreateTable(definition);
+        copy_->tables.push_back(
+            std::make_unique<MirrorTable>(copy_->sqlite, copy_->statements, table));
+    });
+}
+
+void Session::DropTable(std::string_view name) {
+    const std::string dropped = Table(name).Definition().name;
+    ChangeSchema([&] {
+        for (const auto& table : copy_->tables)
+            table->Detach();
+        file_->DropTable(dropped);
+        MakeCopy();
+    });
+}
+
+void Session::CreateIndex(std::string_view table, const IndexDefinition& index) {
+    const std::string name = Table(table).Definition().name;
+    ChangeSchema([&] {
+        file_->CreateIndex(name, index);
+        Table(name).ReadDefinition();
+    });
+}
+
+void Session::DropIndex(std::string_view table, std::string_view index) {
+    const std::string name = Table(table).Definition().name;
+    ChangeSchema([&] {
+        file_->DropIndex(name, index);
+        Table(name).ReadDefinition();
+    });
 }
 
 void Session::Discard() {
@@ -204,7 +298,8 @@ void Session::Discard() {
 }
 
 void Session::Close() {
-    for (const auto& table : tables_)
+    if (inTransaction_ && file_) file_->Discard();
+    for (const auto& table : copy_->tables)
         table->Detach();
     // The file's own end commits once more and gives up the lock, whatever happens here.
     const std::optional<storage::DatabaseFile> closing = std::exchange(file_, std::nullopt);

@@ -21,8 +21,11 @@
 
 namespace jet::engine {
 
+struct Copy;
+
 /// A statement ready to be run any number of times.
 struct Plan {
+    std::shared_ptr<Copy> copy;  ///< that it was made for, and that lives as long
     dialect::Translation translation;
     std::vector<MirrorTable*> tables;  ///< as in translation.tables
     std::uint64_t generation = 0;      ///< of its tables when their indexes were last looked at
@@ -40,13 +43,29 @@ class RowStream {
     virtual void Drain() = 0;
 };
 
-/// An open database: the file, its copy in memory, and everything prepared so far.
+/// What is held in memory of a database: the copy of its tables, and everything prepared so far.
+struct Copy {
+    Copy() : statements(sqlite), advisor(sqlite, statements) {}
+
+    Sqlite sqlite;
+    StatementCache statements;
+    std::vector<std::unique_ptr<MirrorTable>> tables;
+    IndexAdvisor advisor;
+    std::unordered_map<std::string, std::shared_ptr<Plan>> plans;
+};
+
+/// An open database: the file, its copy in memory, and the transaction under way.
 class Session {
   public:
     Session(const std::filesystem::path& path, OpenMode mode, const NeededTables& needed,
             const std::shared_ptr<storage::FileSystem>& files = storage::RealFileSystem());
 
-    const std::vector<std::unique_ptr<MirrorTable>>& Tables() const { return tables_; }
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+    /// Plans and their copy hold each other.
+    ~Session() { copy_->plans.clear(); }
+
+    const std::vector<std::unique_ptr<MirrorTable>>& Tables() const { return copy_->tables; }
     /// Tables that are not in good order.
     const std::vector<DamagedTable>& Damaged() const { return damaged_; }
     /// Error(NotFound) if there is no such table, Error(Damaged).
@@ -63,13 +82,11 @@ class Session {
     StatementLease Start(Plan& plan, const std::vector<dialect::Literal>& literals);
 
     /// A step that the interruption may end, see Sqlite.
-    bool Step(Statement& statement) { return sqlite_.StepInterruptibly(statement); }
-    void SetInterruption(std::function<bool()> wanted) {
-        sqlite_.SetInterruption(std::move(wanted));
-    }
-    void CheckInterruption() const { sqlite_.CheckInterruption(); }
+    bool Step(Statement& statement) { return copy_->sqlite.StepInterruptibly(statement); }
+    void SetInterruption(std::function<bool()> wanted);
+    void CheckInterruption() const { copy_->sqlite.CheckInterruption(); }
 
-    StatementCache& Statements() { return statements_; }
+    StatementCache& Statements() { return copy_->statements; }
 
     void Register(RowStream& stream) { streams_.push_back(&stream); }
     void Unregister(RowStream& stream) noexcept { std::erase(streams_, &stream); }
@@ -77,8 +94,26 @@ class Session {
     /// To be called before rows of the table are changed. Error(ReadOnly) if they must not be.
     void BeforeChange(const MirrorTable& table);
     /// To be called after each statement or record-set change.
-    void AfterChange() { file_->CommitIfDue(); }
+    void AfterChange() {
+        if (!inTransaction_) file_->CommitIfDue();
+    }
     void Flush();
+
+    /// A transaction: what happens until its end becomes durable as a whole, or is taken back as a
+    /// whole. One at a time: Error(NotSupported).
+    void Begin();
+    void Commit();
+    /// Record sets that are open go on with the rows they have fetched; those of OpenUpdatable and
+    /// OpenTable must be opened again.
+    void Rollback();
+    bool IsInTransaction() const { return inTransaction_; }
+
+    /// Changes to tables and indexes, each a transaction of its own where there is none. One that
+    /// fails while the file is being changed takes back the whole transaction.
+    void CreateTable(const TableDefinition& definition);
+    void DropTable(std::string_view name);
+    void CreateIndex(std::string_view table, const IndexDefinition& index);
+    void DropIndex(std::string_view table, std::string_view index);
 
     /// Gives the file up as it was after the last Flush().
     void Discard();
@@ -86,6 +121,11 @@ class Session {
     void Close();
 
   private:
+    template <typename Change>
+    void ChangeSchema(Change change);
+    void MakeCopy();
+    void DrainAll();
+    void RequireCurrent(const Plan& plan) const;
     void LookAfterIndexes(Plan& plan);
     void Inspect(storage::PageStore& pages, const std::string& file, const NeededTables& needed);
     void LeaveOut(const std::string& table, const std::string& reason);
@@ -94,13 +134,11 @@ class Session {
     OpenMode mode_;
     std::vector<DamagedTable> damaged_;
     std::optional<storage::DatabaseFile> file_;  ///< empty once closed
-    Sqlite sqlite_;
-    StatementCache statements_;
-    std::vector<std::unique_ptr<MirrorTable>> tables_;
+    std::function<bool()> interruption_;
+    std::shared_ptr<Copy> copy_;
     dialect::Catalog catalog_;
-    IndexAdvisor advisor_;
-    std::unordered_map<std::string, std::shared_ptr<Plan>> plans_;
     std::vector<RowStream*> streams_;
+    bool inTransaction_ = false;
 };
 
 }  // namespace jet::engine

@@ -7,14 +7,10 @@
 #include "jet/storage/catalog.h"
 #include "jet/storage/catalog_writer.h"
 #include "jet/storage/data_page.h"
-#include "jet/storage/definitions.h"
 #include "jet/storage/header.h"
-#include "jet/storage/index/index_tree.h"
-#include "jet/storage/map_pages.h"
+#include "jet/storage/new_table.h"
 #include "jet/storage/pager.h"
-#include "jet/storage/properties.h"
 #include "jet/storage/system_tables.h"
-#include "jet/storage/usage_map.h"
 
 namespace jet::storage {
 
@@ -47,23 +43,6 @@ void WriteFirstPages(File& file) {
     }
 }
 
-/// Gives a layout its maps and index roots and writes it.
-void WriteTable(PageStore& pages, MapPages& maps, TableLayout& layout) {
-    layout.owned = maps.Add();
-    layout.free = maps.Add();
-    for (auto& column : layout.longColumns) {
-        column.owned = maps.Add();
-        column.free = maps.Add();
-    }
-    for (auto& index : layout.realIndexes) {
-        index.map = maps.Add();
-        index.root = pages.Allocate();
-        IndexTree::MakeEmpty(pages.Modify(index.root), layout.Page());
-        UsageMap(pages, index.map).Add(index.root);
-    }
-    WriteTableLayout(pages, layout);
-}
-
 void WriteSystemTables(Pager& pages) {
     MakeDataPage(pages.Modify(SystemMapPage), 0);
     MapPages maps(pages, SystemMapPage);
@@ -84,13 +63,8 @@ void WriteNewDatabase(const std::shared_ptr<FileSystem>& files, const std::files
     WriteSystemTables(pages);
     CatalogWriter catalog(pages);
     catalog.AddSystemObjects();
-    for (const TableDefinition& table : tables) {
-        TableLayout layout = LayoutOf(table);
-        layout.pages = {pages.Allocate()};
-        MapPages maps(pages);
-        WriteTable(pages, maps, layout);
-        catalog.AddTable(table.name, layout.Page(), PropertiesOf(table));
-    }
+    for (const TableDefinition& table : tables)
+        AddTable(pages, catalog, table);
     pages.Commit();
 }
 

@@ -11,14 +11,19 @@
 
 #include "jet/error.h"
 #include "jet/storage/catalog.h"
+#include "jet/storage/catalog_writer.h"
+#include "jet/storage/compaction.h"
 #include "jet/storage/creation.h"
+#include "jet/storage/definitions.h"
 #include "jet/storage/file_system.h"
 #include "jet/storage/header.h"
 #include "jet/storage/index/index_key.h"
 #include "jet/storage/linked_table.h"
 #include "jet/storage/lock_file.h"
 #include "jet/storage/named_errors.h"
+#include "jet/storage/new_table.h"
 #include "jet/storage/pager.h"
+#include "jet/storage/schema_changes.h"
 #include "jet/storage/stored_table.h"
 
 namespace jet::storage {
@@ -41,18 +46,22 @@ class DatabaseFile::Implementation {
         const auto real = files->Resolve(path);
         CheckHeaderOf(*files, real);
         if (mode == OpenMode::ReadWrite) lock_.emplace(real);
-        pages_ = std::make_unique<Pager>(files, path, mode == OpenMode::ReadWrite);
-        if (pages_->Path() != real) {
+        files_ = files;
+        openPages_ = [=] {
+            auto pages = std::make_unique<Pager>(files, path, mode == OpenMode::ReadWrite);
+            if (pages->Path() == real) return pages;
             throw Error(ErrorKind::Changed,
                         path.string() + " leads to another file than a moment ago.");
-        }
-        NamingFile(real.string(), [&] { LoadTables(conditions.needs); });
+        };
+        needs_ = conditions.needs;
+        pages_ = openPages_();
+        NamingFile(real.string(), [&] { LoadTables(); });
         if (conditions.inspect) conditions.inspect(*pages_);
         pages_->Recover();
     }
 
     ~Implementation() {
-        if (discarded_) return;
+        if (discarded_ || !pages_) return;
         try {
             pages_->Commit();
         } catch (const Error&) {
@@ -83,11 +92,73 @@ class DatabaseFile::Implementation {
         return found->second;
     }
 
-    void Commit() { pages_->Commit(); }
+    void Commit() { Pages().Commit(); }
     void Discard() { discarded_ = true; }
 
+    void Revert() {
+        tables_.clear();
+        stored_.clear();
+        catalog_.reset();
+        pages_.reset();
+        auto pages = openPages_();
+        pages_ = std::move(pages);
+        NamingFile(pages_->Path().string(), [&] { LoadTables(); });
+        pages_->Recover();
+    }
+
+    std::size_t WriteCompacted(const std::filesystem::path& to) {
+        Commit();
+        return NamingFile(pages_->Path().string(), [&] {
+            return storage::WriteCompacted(*pages_, ReadCatalog(*pages_), files_, to);
+        });
+    }
+
+    Table& CreateTable(const TableDefinition& definition) {
+        static_cast<void>(LayoutOf(definition));
+        if (Catalog().HasTableOrQuery(definition.name)) {
+            throw Error(ErrorKind::NotSupported, "Table " + definition.name +
+                                                     " cannot be made: a table or query of this "
+                                                     "name is there already.");
+        }
+        return NamingFile(pages_->Path().string(), [&]() -> Table& {
+            CatalogEntry entry;
+            entry.name = definition.name;
+            entry.definition = AddTable(*pages_, Catalog(), definition);
+            for (const ColumnDefinition& column : definition.columns)
+                if (column.required) entry.requiredColumns.push_back(column.name);
+            LoadTable(entry);
+            return tables_.at(entry.name);
+        });
+    }
+
+    void DropTable(const std::string& name) {
+        OpenStored& table = Stored(name);
+        RequireNoRelationship(Pages(), table.page, name);
+        NamingFile(pages_->Path().string(), [&] {
+            const PageNumber page = table.page;
+            tables_.erase(name);
+            stored_.erase(name);
+            Catalog().RemoveTable(page);
+            FreeTable(*pages_, page);
+        });
+    }
+
+    void CreateIndex(const std::string& name, const IndexDefinition& index) {
+        ChangeIndexes(name, [&](const StoredTable& table, PageNumber page) {
+            TableDefinition wanted = table.Definition();
+            wanted.indexes.push_back(index);
+            AddIndex(*pages_, page, wanted);
+        });
+    }
+
+    void DropIndex(const std::string& name, std::string_view index) {
+        ChangeIndexes(name, [&](const StoredTable&, PageNumber page) {
+            RemoveIndex(*pages_, page, name, index);
+        });
+    }
+
     void CommitIfDue() {
-        const std::size_t waiting = pages_->ChangedPages();
+        const std::size_t waiting = Pages().ChangedPages();
         if (waiting == 0) return;
         const auto age = std::chrono::steady_clock::now() - pages_->OldestChange();
         const auto longest = waiting < ManyChangedPages ? LongestWait : LongestWaitOfMany;
@@ -95,12 +166,57 @@ class DatabaseFile::Implementation {
     }
 
   private:
-    void LoadTables(const std::function<bool(std::string_view)>& needs) {
+    struct OpenStored {
+        StoredTable* table;
+        PageNumber page;
+        std::vector<std::string> required;
+    };
+
+    Pager& Pages() {
+        if (!pages_) throw Error(ErrorKind::Io, "The database could not be opened again");
+        return *pages_;
+    }
+
+    CatalogWriter& Catalog() {
+        if (!catalog_) catalog_ = std::make_unique<CatalogWriter>(Pages());
+        return *catalog_;
+    }
+
+    OpenStored& Stored(const std::string& name) {
+        const auto found = stored_.find(name);
+        if (found == stored_.end()) static_cast<void>(OpenTable(name).RowCount());
+        if (found == stored_.end()) {
+            throw Error(ErrorKind::NotSupported, "Table " + name + " is not in this file.");
+        }
+        return found->second;
+    }
+
+    /// The table's object goes on with the new definition.
+    template <typename Change>
+    void ChangeIndexes(const std::string& name, Change change) {
+        OpenStored& open = Stored(name);
+        if (const auto reason = open.table->ReadOnlyReason()) {
+            throw Error(ErrorKind::NotSupported,
+                        "Table " + name + " cannot be changed: " + *reason + ".");
+        }
+        NamingFile(pages_->Path().string(), [&] {
+            open.table->MakeNow();
+            const std::string ownName = open.table->Definition().name;
+            change(*open.table, open.page);
+            auto changed =
+                std::make_unique<StoredTable>(*pages_, ownName, open.page, open.required);
+            open.table = changed.get();
+            tables_.at(name) = Table(std::move(changed));
+        });
+    }
+
+    void LoadTables() {
+        unreadable_.clear();
         for (const CatalogEntry& entry : ReadCatalog(*pages_)) {
             try {
                 LoadTable(entry);
             } catch (const Error& error) {
-                if (error.Kind() != ErrorKind::Damaged || !needs || needs(entry.name)) throw;
+                if (error.Kind() != ErrorKind::Damaged || !needs_ || needs_(entry.name)) throw;
                 unreadable_.push_back({entry.name, error.what()});
             }
         }
@@ -116,13 +232,19 @@ class DatabaseFile::Implementation {
             auto stored = std::make_unique<StoredTable>(*pages_, entry.name, entry.definition,
                                                         entry.requiredColumns);
             stored->CheckExtent();
+            stored_.insert_or_assign(
+                entry.name, OpenStored{stored.get(), entry.definition, entry.requiredColumns});
             table = std::move(stored);
         }
         tables_.emplace(entry.name, Table(std::move(table)));
     }
 
     std::optional<LockFile> lock_;  // the last to go
+    std::shared_ptr<FileSystem> files_;
+    std::function<std::unique_ptr<Pager>()> openPages_;
+    std::function<bool(std::string_view)> needs_;
     std::unique_ptr<Pager> pages_;
+    std::unique_ptr<CatalogWriter> catalog_;
     bool discarded_ = false;
     struct ByName {
         bool operator()(const std::string& a, const std::string& b) const {
@@ -131,6 +253,7 @@ class DatabaseFile::Implementation {
     };
 
     std::map<std::string, Table, ByName> tables_;
+    std::map<std::string, OpenStored, ByName> stored_;  ///< those of them that are in the file
     std::set<std::string, ByName> linked_;
     std::vector<UnreadableTable> unreadable_;
 };
@@ -199,6 +322,30 @@ Table& DatabaseFile::OpenTable(std::string_view name) {
 
 void DatabaseFile::Commit() {
     implementation_->Commit();
+}
+
+Table& DatabaseFile::CreateTable(const TableDefinition& definition) {
+    return implementation_->CreateTable(definition);
+}
+
+void DatabaseFile::DropTable(std::string_view name) {
+    implementation_->DropTable(std::string(name));
+}
+
+void DatabaseFile::CreateIndex(std::string_view table, const IndexDefinition& index) {
+    implementation_->CreateIndex(std::string(table), index);
+}
+
+void DatabaseFile::DropIndex(std::string_view table, std::string_view index) {
+    implementation_->DropIndex(std::string(table), index);
+}
+
+std::size_t DatabaseFile::WriteCompacted(const std::filesystem::path& to) {
+    return implementation_->WriteCompacted(to);
+}
+
+void DatabaseFile::Revert() {
+    implementation_->Revert();
 }
 
 void DatabaseFile::Discard() {

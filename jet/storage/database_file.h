@@ -76,6 +76,21 @@ class DatabaseFile {
     /// reference stays valid as long as this object; asking again gives the same object.
     Table& OpenTable(std::string_view name);
 
+    /// Changes to the list of tables and indexes. Error(NotSupported) says what the format or this
+    /// library does not allow; nothing has changed then. After any other error Revert() must
+    /// follow. DropTable() ends the life of the table's object.
+    Table& CreateTable(const TableDefinition& definition);
+    void DropTable(std::string_view name);
+    void CreateIndex(std::string_view table, const IndexDefinition& index);
+    void DropIndex(std::string_view table, std::string_view index);
+
+    /// Writes a fresh copy with all tables, see WriteCompacted() in compaction.h.
+    std::size_t WriteCompacted(const std::filesystem::path& to);
+
+    /// Takes all back since the last commit, by opening the file anew under the same lock. The
+    /// objects of all tables end their life. After an error all that follows fails.
+    void Revert();
+
     /// Makes the changes so far durable. A change made by a Table call is never split.
     void Commit();
 

@@ -9,6 +9,9 @@ namespace jet::storage::definition_format {
 constexpr std::size_t PageHeaderSize = 8, FreeBytesOffset = 2, NextPageOffset = 4;
 constexpr std::size_t LengthOffset = 0x08, RowCountOffset = 0x10, AutoNumberOffset = 0x14,
                       AutoNumberStepOffset = 0x18, TableTypeOffset = 0x28, HeaderSize = 0x3F;
+constexpr std::size_t LogicalCountOffset = 0x2F, RealCountOffset = 0x33;
+constexpr std::size_t ColumnSize = 25, RealIndexSize = 52, LogicalIndexSize = 28,
+                      LogicalRealOffset = 8;
 constexpr std::size_t StatisticsSize = 12, DistinctKeysOffset = 4;
 constexpr std::size_t IndexParts = 10, LongColumnSize = 10;
 constexpr std::uint8_t SystemTable = 0x53, UserTable = 0x4E;

@@ -35,16 +35,15 @@ ColumnDefinition ColumnDefinitionOf(const ColumnLayout& layout,
 
 class Refusal {
   public:
-    explicit Refusal(const TableDefinition& table) : table_(table) {}
+    explicit Refusal(std::string what) : what_(std::move(what)) {}
     void Unless(bool holds, const std::string& reason) const {
         if (!holds) {
-            throw Error(ErrorKind::NotSupported,
-                        "Table " + table_.name + " cannot be made: " + reason + ".");
+            throw Error(ErrorKind::NotSupported, what_ + " cannot be made: " + reason + ".");
         }
     }
 
   private:
-    const TableDefinition& table_;
+    std::string what_;
 };
 
 bool IsName(const std::string& name) {
@@ -87,30 +86,44 @@ void CheckColumn(const ColumnDefinition& column, const Refusal& refuse) {
                   field + " is an auto-number but not a Long");
 }
 
+void CheckIndex(const TableDefinition& definition, const IndexDefinition& index,
+                const Refusal& refuse) {
+    const std::string name = "index " + index.name;
+    refuse.Unless(IsName(index.name), "\"" + index.name + "\" is not a name for an index");
+    refuse.Unless(!index.columns.empty() && index.columns.size() <= MostIndexParts,
+                  name + " has no fields or more than ten");
+    for (auto part = index.columns.begin(); part != index.columns.end(); ++part) {
+        refuse.Unless(part->column < definition.columns.size() &&
+                          definition.columns[part->column].type != ColumnType::Ole,
+                      name + " is on a field that cannot be indexed");
+        refuse.Unless(std::none_of(index.columns.begin(), part,
+                                   [&](const auto& other) { return other.column == part->column; }),
+                      name + " has a field twice");
+    }
+}
+
+void CheckIndexesTogether(const TableDefinition& definition, const Refusal& refuse) {
+    refuse.Unless(HaveDistinctNames(definition.indexes), "two indexes have one name");
+    refuse.Unless(definition.indexes.size() <= MostIndexes, "it has more than 32 indexes");
+    refuse.Unless(std::count_if(definition.indexes.begin(), definition.indexes.end(),
+                                [](const auto& index) { return index.primary; }) <= 1,
+                  "it has two primary keys");
+}
+
 void Check(const TableDefinition& definition) {
-    const Refusal refuse(definition);
+    const Refusal refuse("Table " + definition.name);
     refuse.Unless(IsName(definition.name), "that is not a name for a table");
     refuse.Unless(!definition.columns.empty() && definition.columns.size() <= MostColumns,
                   "it has no fields or more than 255");
     refuse.Unless(HaveDistinctNames(definition.columns), "two fields have one name");
-    refuse.Unless(HaveDistinctNames(definition.indexes), "two indexes have one name");
-    refuse.Unless(definition.indexes.size() <= MostIndexes, "it has more than 32 indexes");
     for (const auto& column : definition.columns)
         CheckColumn(column, refuse);
     refuse.Unless(std::count_if(definition.columns.begin(), definition.columns.end(),
                                 [](const auto& column) { return column.autoNumber; }) <= 1,
                   "it has two auto-numbers");
-    for (const auto& index : definition.indexes) {
-        const std::string name = "index " + index.name;
-        refuse.Unless(IsName(index.name), "\"" + index.name + "\" is not a name for an index");
-        refuse.Unless(!index.columns.empty() && index.columns.size() <= MostIndexParts,
-                      name + " has no fields or more than ten");
-        for (const auto& part : index.columns) {
-            refuse.Unless(part.column < definition.columns.size() &&
-                              definition.columns[part.column].type != ColumnType::Ole,
-                          name + " is on a field that cannot be indexed");
-        }
-    }
+    for (const auto& index : definition.indexes)
+        CheckIndex(definition, index, refuse);
+    CheckIndexesTogether(definition, refuse);
 }
 
 std::uint16_t LengthOf(const ColumnDefinition& column) {
@@ -165,6 +178,8 @@ void PlaceColumns(const TableDefinition& definition, TableLayout& layout) {
     layout.variableColumnsEver = slot;
 }
 
+}  // namespace
+
 RealIndexLayout RealIndexOf(const IndexDefinition& wanted) {
     RealIndexLayout index;
     for (const auto& part : wanted.columns) {
@@ -176,6 +191,8 @@ RealIndexLayout RealIndexOf(const IndexDefinition& wanted) {
     if (wanted.ignoreNulls) index.flags |= RealIndexLayout::IgnoreNullsFlag;
     return index;
 }
+
+namespace {
 
 void PlaceIndexes(const TableDefinition& definition, TableLayout& layout) {
     for (const IndexDefinition& wanted : definition.indexes) {
@@ -220,6 +237,13 @@ TableDefinition DefinitionOf(const TableLayout& layout, std::string name,
         definition.indexes.push_back(std::move(index));
     }
     return definition;
+}
+
+void CheckLastIndex(const TableDefinition& definition) {
+    const IndexDefinition& index = definition.indexes.back();
+    const Refusal refuse("Index " + index.name + " of table " + definition.name);
+    CheckIndex(definition, index, refuse);
+    CheckIndexesTogether(definition, refuse);
 }
 
 TableLayout LayoutOf(const TableDefinition& definition) {

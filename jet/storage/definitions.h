@@ -13,6 +13,10 @@ namespace jet::storage {
 TableDefinition DefinitionOf(const TableLayout& layout, std::string name,
                              std::span<const std::string> requiredColumns);
 
+/// Error(NotSupported) where the last index of a table cannot be made.
+void CheckLastIndex(const TableDefinition& definition);
+RealIndexLayout RealIndexOf(const IndexDefinition& wanted);
+
 /// The layout of a new table: everything but pages and maps. Error(NotSupported) says what in the
 /// definition the format does not allow.
 TableLayout LayoutOf(const TableDefinition& definition);

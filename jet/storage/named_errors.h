@@ -8,7 +8,7 @@ namespace jet::storage {
 
 /// Calls `action`; a contradiction found deep in the file's structures gets the file's name.
 template <typename Action>
-auto NamingFile(const std::string& file, Action action) {
+decltype(auto) NamingFile(const std::string& file, Action action) {
     try {
         return action();
     } catch (const Error& error) {

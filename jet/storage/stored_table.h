@@ -46,6 +46,9 @@ class StoredTable final : public TableImplementation, private DeferredChanges {
     std::int32_t NextAutoNumber() const override;
     const std::string& File() const override { return file_; }
 
+    /// Puts the index entries that wait where they belong.
+    void MakeNow() override;
+
     /// One column of one row.
     Value ReadColumn(RowId row, std::size_t column) const;
 
@@ -93,7 +96,6 @@ class StoredTable final : public TableImplementation, private DeferredChanges {
     void CheckKey(std::size_t index, const IndexKey& key);
     bool IsTaken(std::size_t index, const IndexKey& key);
     bool EntriesMayWait() const;
-    void MakeNow() override;
     void PutWaitingEntries(std::size_t index);
     std::string IndexName(std::size_t realIndex) const;
 

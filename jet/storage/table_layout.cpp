@@ -171,6 +171,11 @@ std::size_t TableLayout::FixedPartSize() const {
     return size;
 }
 
+Bytes ReadDefinition(PageStore& pages, PageNumber page) {
+    TableLayout layout;
+    return ReadBytes(pages, page, layout);
+}
+
 TableLayout ReadTableLayout(PageStore& pages, PageNumber page) {
     const std::string what = "the table definition on page " + std::to_string(page);
     TableLayout layout;

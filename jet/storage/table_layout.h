@@ -106,6 +106,16 @@ TableLayout ReadTableLayout(PageStore& pages, PageNumber page);
 /// pages where needed.
 void WriteTableLayout(PageStore& pages, TableLayout& layout);
 
+/// A definition as one run of bytes, in the way that it stands on its pages.
+Bytes ReadDefinition(PageStore& pages, PageNumber page);
+/// Writes such bytes to the definition's pages, taking further ones or giving back what is left.
+void WriteDefinition(PageStore& pages, std::vector<PageNumber>& places,
+                     std::span<const std::uint8_t> bytes);
+
+/// What tells of one index in a definition.
+Bytes RealIndexBytes(const RealIndexLayout& index);
+Bytes LogicalIndexBytes(const LogicalIndexLayout& index);
+
 /// Stores the maps of one of `layout.longColumns`, after they were made.
 void StoreLongColumnMaps(PageStore& pages, const TableLayout& layout, std::size_t longColumn);
 
@@ -121,6 +131,7 @@ class TableCounters {
     std::int32_t AutoNumber() const;
     std::int32_t AutoNumberStep() const;
     void SetAutoNumber(std::int32_t value);
+    void SetAutoNumber(std::int32_t value, std::int32_t step);
     /// Counts keys that their index did not have before.
     void CountNewKeys(std::size_t realIndex, std::size_t count);
 

@@ -140,14 +140,32 @@ void StoreBytes(PageStore& pages, const TableLayout& layout, std::size_t offset,
 
 }  // namespace
 
+Bytes RealIndexBytes(const RealIndexLayout& index) {
+    Bytes bytes;
+    AppendRealIndex(bytes, index);
+    return bytes;
+}
+
+Bytes LogicalIndexBytes(const LogicalIndexLayout& index) {
+    Bytes bytes;
+    AppendLogicalIndex(bytes, index);
+    return bytes;
+}
+
 void WriteTableLayout(PageStore& pages, TableLayout& layout) {
-    const Bytes bytes = Definition(layout);
+    WriteDefinition(pages, layout.pages, Definition(layout));
+}
+
+void WriteDefinition(PageStore& pages, std::vector<PageNumber>& places,
+                     std::span<const std::uint8_t> bytes) {
     const std::size_t content = bytes.size() - PageHeaderSize;
     const std::size_t pageCount = (content + BytesPerPage - 1) / BytesPerPage;
-    while (layout.pages.size() < pageCount)
-        layout.pages.push_back(pages.Allocate());
+    while (places.size() < pageCount)
+        places.push_back(pages.Allocate());
+    for (; places.size() > pageCount; places.pop_back())
+        pages.Free(places.back());
     for (std::size_t i = 0; i < pageCount; ++i) {
-        Page& page = pages.Modify(layout.pages[i]);
+        Page& page = pages.Modify(places[i]);
         const std::size_t start = i * BytesPerPage;
         const std::size_t size = std::min(BytesPerPage, content - start);
         const bool last = i + 1 == pageCount;
@@ -158,8 +176,8 @@ void WriteTableLayout(PageStore& pages, TableLayout& layout) {
         Store(
             std::span(page), FreeBytesOffset,
             static_cast<std::uint16_t>(last && left > PageHeaderSize ? left - PageHeaderSize : 0));
-        Store(std::span(page), NextPageOffset, last ? PageNumber{0} : layout.pages[i + 1]);
-        const auto part = std::span(bytes).subspan(PageHeaderSize + start, size);
+        Store(std::span(page), NextPageOffset, last ? PageNumber{0} : places[i + 1]);
+        const auto part = bytes.subspan(PageHeaderSize + start, size);
         std::copy(part.begin(), part.end(), page.begin() + PageHeaderSize);
     }
 }
@@ -192,6 +210,11 @@ std::int32_t TableCounters::AutoNumberStep() const {
 
 void TableCounters::SetAutoNumber(std::int32_t value) {
     Store(std::span(pages_.Modify(definition_)), AutoNumberOffset, value);
+}
+
+void TableCounters::SetAutoNumber(std::int32_t value, std::int32_t step) {
+    SetAutoNumber(value);
+    Store(std::span(pages_.Modify(definition_)), AutoNumberStepOffset, step);
 }
 
 void TableCounters::CountNewKeys(std::size_t realIndex, std::size_t count) {

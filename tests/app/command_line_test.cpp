@@ -1,8 +1,11 @@
 #include "app/command_line.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <optional>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -146,9 +149,28 @@ TEST(CommandLine, DbKnowsFourActions) {
     const auto query = std::get<DbQueryRequest>(Parse({"db", "query", "a.mdb", "SELECT 1"}));
     EXPECT_EQ(query.file, "a.mdb");
     EXPECT_EQ(query.sql, "SELECT 1");
-    EXPECT_FALSE(query.json);
-    EXPECT_TRUE(std::get<DbQueryRequest>(Parse({"db", "query", "--json", "a.mdb", "SELECT"})).json);
-    EXPECT_TRUE(std::get<DbQueryRequest>(Parse({"db", "query", "a.mdb", "SELECT", "--json"})).json);
+    EXPECT_EQ(query.format, RowFormat::Table);
+    EXPECT_EQ(std::get<DbQueryRequest>(Parse({"db", "query", "--json", "a.mdb", "SELECT"})).format,
+              RowFormat::Json);
+    const auto piped = std::get<DbQueryRequest>(
+        Parse({"db", "query", "a.mdb", "--csv", "--param", "a=1", "--param", "b"}));
+    EXPECT_EQ(piped.format, RowFormat::Csv);
+    EXPECT_EQ(piped.sql, std::nullopt);
+    EXPECT_EQ(piped.parameters, (std::vector<std::string>{"a=1", "b"}));
+    EXPECT_TRUE(std::get<DbCreateRequest>(Parse({"db", "create", "--empty", "a.mdb"})).empty);
+    EXPECT_EQ(std::get<DbSchemaRequest>(Parse({"db", "schema", "a.mdb"})).table, "");
+    EXPECT_EQ(std::get<DbSchemaRequest>(Parse({"db", "schema", "a.mdb", "T"})).table, "T");
+    const auto imported = std::get<DbImportRequest>(
+        Parse({"db", "import", "a.mdb", "T", "x.csv", "--separator", ";", "--no-header"}));
+    EXPECT_EQ(imported.data, "x.csv");
+    EXPECT_EQ(imported.separator, ";");
+    EXPECT_FALSE(imported.hasHeader);
+    EXPECT_EQ(std::get<DbExportRequest>(Parse({"db", "export", "a.mdb", "T"})).format,
+              RowFormat::Csv);
+    EXPECT_EQ(std::get<DbTablesRequest>(Parse({"db", "tables", "a.mdb"})).file, "a.mdb");
+    EXPECT_EQ(std::get<DbCompactRequest>(Parse({"db", "compact", "a.mdb"})).file, "a.mdb");
+    EXPECT_EQ(std::get<DbQueryRequest>(Parse({"db", "query", "a.mdb", "SELECT", "--json"})).format,
+              RowFormat::Json);
     const auto exec = std::get<DbExecRequest>(Parse({"db", "exec", "a.mdb", "DELETE * FROM T"}));
     EXPECT_EQ(exec.sql, "DELETE * FROM T");
     EXPECT_EQ(std::get<DbCheckRequest>(Parse({"db", "check", "a.mdb"})).file, "a.mdb");
@@ -165,8 +187,8 @@ TEST(CommandLine, AUsageErrorNamesWhatIsWrongAndHowToLearnMore) {
               "quillon: --music is required\nTry 'quillon init --help'.\n");
     EXPECT_EQ(UsageError({"init", "--music", "m"}),
               "quillon: DIR is required\nTry 'quillon init --help'.\n");
-    EXPECT_EQ(UsageError({"db", "query", "a.mdb"}),
-              "quillon: SQL is required\nTry 'quillon db query --help'.\n");
+    EXPECT_EQ(UsageError({"db", "import", "a.mdb", "T"}),
+              "quillon: DATA is required\nTry 'quillon db import --help'.\n");
     EXPECT_NE(UsageError({"db"}).find("Try 'quillon db --help'."), std::string::npos);
     EXPECT_NE(UsageError({"frobnicate"}).find("frobnicate"), std::string::npos);
     EXPECT_NE(UsageError({"run", "--dry"}).find("--dry"), std::string::npos);
@@ -181,24 +203,144 @@ TEST(CommandLine, ViewsAndQuietnessBelongToRunsAlone) {
     EXPECT_NE(UsageError({"check", "--view", "plain"}).find("--view"), std::string::npos);
 }
 
+/// The command and all below it.
+std::vector<CommandDescription> AllOf(const CommandDescription& command) {
+    std::vector<CommandDescription> all{command};
+    for (const CommandDescription& below : command.commands)
+        for (const CommandDescription& one : AllOf(below))
+            all.push_back(one);
+    return all;
+}
+
+std::vector<std::string> WordsOf(const std::string& name) {
+    std::istringstream words(name);
+    return {std::istream_iterator<std::string>(words), {}};
+}
+
+/// What the program answers to the words of a command's name and one more.
+std::string HelpOf(const CommandDescription& command, const char* more, bool first = false) {
+    const std::vector<std::string> words = WordsOf(command.name);
+    std::vector<const char*> arguments;
+    for (std::size_t i = 1; i < words.size(); ++i)
+        arguments.push_back(words[i].c_str());
+    arguments.insert(first ? arguments.begin() : arguments.end(), more);
+    return Help(arguments);
+}
+
 TEST(CommandLine, EveryCommandHasHelpWithAnExample) {
-    const std::vector<std::vector<const char*>> commands{{},
-                                                         {"run"},
-                                                         {"init"},
-                                                         {"check"},
-                                                         {"serve"},
-                                                         {"db", "create"},
-                                                         {"db", "query"},
-                                                         {"db", "exec"},
-                                                         {"db", "check"}};
-    for (std::vector<const char*> command : commands) {
-        std::string example = "\n  quillon";
-        for (const char* const word : command)
-            example += std::string(" ") + word;
-        command.push_back("--help");
-        EXPECT_NE(Help(command).find(example), std::string::npos) << Help(command);
+    const std::vector<CommandDescription> all = AllOf(DescribeCommandLine());
+    ASSERT_GE(all.size(), 12U);
+    for (const CommandDescription& command : all) {
+        const std::string help = HelpOf(command, "--help");
+        EXPECT_NE(help.find("\n  " + command.name + ' '), std::string::npos) << help;
+        EXPECT_NE(help.find("Usage: " + command.name + ' '), std::string::npos) << help;
     }
     EXPECT_NE(Help({"db", "--help"}).find("query"), std::string::npos);
+}
+
+TEST(CommandLine, HelpFitsInEightyColumnsButForExamplesToCopy) {
+    for (const CommandDescription& command : AllOf(DescribeCommandLine())) {
+        std::istringstream help(HelpOf(command, "--help"));
+        for (std::string line; std::getline(help, line);) {
+            const bool isExample = line.starts_with("  quillon ");
+            EXPECT_TRUE(isExample || line.size() <= 80) << line;
+        }
+    }
+}
+
+TEST(CommandLine, HelpBeforeACommandIsHelpBehindIt) {
+    for (const CommandDescription& command : AllOf(DescribeCommandLine()))
+        EXPECT_EQ(HelpOf(command, "help", true), HelpOf(command, "--help")) << command.name;
+    EXPECT_NE(Help({"help", "run"}).find("Usage: quillon run"), std::string::npos);
+    EXPECT_EQ(UsageError({"help", "rum"}),
+              "quillon: there is no command 'rum'; did you mean 'run'?\nTry 'quillon --help'.\n");
+    EXPECT_EQ(UsageError({"help", "db", "qury"}),
+              "quillon: 'quillon db' has no command 'qury'; did you mean 'query'?\n"
+              "Try 'quillon db --help'.\n");
+    EXPECT_EQ(UsageError({"rum", "--help"}), UsageError({"help", "rum"}));
+}
+
+TEST(CommandLine, SuggestsTheNearestCommand) {
+    const auto meant = [](const char* word) {
+        const std::string error = UsageError({word});
+        const std::size_t start = error.find("did you mean '");
+        return start == std::string::npos ? error : error.substr(start, error.find('?') - start);
+    };
+    EXPECT_EQ(meant("rum"), "did you mean 'run'");
+    EXPECT_EQ(meant("chekc"), "did you mean 'check'");
+    EXPECT_EQ(meant("Init"), "did you mean 'init'");
+    EXPECT_EQ(meant("ser"), "did you mean 'serve'");
+    EXPECT_EQ(meant("frobnicate"),
+              "quillon: there is no command 'frobnicate'; the commands are run, init, check, "
+              "serve, db and help. A host folder is named with --host frobnicate\n"
+              "Try 'quillon --help'.\n");
+    EXPECT_EQ(UsageError({"db"}).find("quillon: 'quillon db' needs a command: "), 0U);
+}
+
+TEST(CommandLine, SuggestsTheNearestOption) {
+    EXPECT_EQ(UsageError({"run", "--quite"}),
+              "quillon: 'quillon run' has no option --quite; did you mean '--quiet'?\n"
+              "Try 'quillon run --help'.\n");
+    EXPECT_EQ(UsageError({"--hots", "x"}),
+              "quillon: 'quillon' has no option --hots; did you mean '--host'?\n"
+              "Try 'quillon --help'.\n");
+    EXPECT_EQ(UsageError({"init", "shelf", "--musci=x"}),
+              "quillon: 'quillon init' has no option --musci; did you mean '--music'?\n"
+              "Try 'quillon init --help'.\n");
+    EXPECT_EQ(UsageError({"run", "--allow"}),
+              "quillon: 'quillon run' has no option --allow; did you mean '--allow-removals'?\n"
+              "Try 'quillon run --help'.\n");
+    EXPECT_EQ(UsageError({"run", "-x"}),
+              "quillon: 'quillon run' has no option -x\nTry 'quillon run --help'.\n");
+    EXPECT_EQ(UsageError({"check", "--quiet"}),
+              "quillon: 'quillon check' has no option --quiet; 'quillon run' has\n"
+              "Try 'quillon check --help'.\n");
+    EXPECT_EQ(UsageError({"run", "--view", "terminl"}),
+              "quillon: --view: expected one of auto plain terminal window; did you mean "
+              "terminal?\nTry 'quillon run --help'.\n");
+}
+
+TEST(CommandLine, AFolderWithoutHostIsToldHowToBeNamed) {
+    EXPECT_EQ(UsageError({"run", "shelf"}),
+              "quillon: 'quillon run' takes no argument 'shelf'; name the host folder with "
+              "--host: quillon run --host shelf\nTry 'quillon run --help'.\n");
+    EXPECT_NE(UsageError({"check", "shelf"}).find("quillon check --host shelf"), std::string::npos);
+    EXPECT_NE(UsageError({"~/shelf"}).find("--host ~/shelf"), std::string::npos);
+}
+
+TEST(CommandLine, TellsWhatIsWrongWithArgumentsAndValues) {
+    EXPECT_EQ(UsageError({"run", "check"}),
+              "quillon: 'quillon run' and 'quillon check' are two commands; give one at a time\n"
+              "Try 'quillon run --help'.\n");
+    EXPECT_EQ(UsageError({"db", "query", "a.mdb", "SELECT", "*"}),
+              "quillon: '*' is one argument too many for 'quillon db query'; an argument with "
+              "blanks needs quotes\nTry 'quillon db query --help'.\n");
+    EXPECT_EQ(UsageError({"run", "--host"}),
+              "quillon: --host needs a value: --host DIR\nTry 'quillon run --help'.\n");
+    EXPECT_EQ(UsageError({"run", "--host", "a", "--host", "b"}),
+              "quillon: --host may be given only once\nTry 'quillon run --help'.\n");
+    EXPECT_EQ(UsageError({"serve", "--port", "70000"}),
+              "quillon: --port: expected a number from 0 to 65535\n"
+              "Try 'quillon serve --help'.\n");
+}
+
+TEST(CommandLine, DescribesItselfAsData) {
+    const CommandDescription program = DescribeCommandLine();
+    const CommandDescription* const init = FindCommand(program, "quillon init");
+    ASSERT_NE(init, nullptr);
+    EXPECT_EQ(init->Word(), "init");
+    EXPECT_EQ(UsageLine(*init), "quillon init [OPTIONS] --music FOLDER DIR");
+    const auto layout = std::ranges::find_if(init->options, [](const OptionDescription& option) {
+        return option.names.back() == "--layout";
+    });
+    ASSERT_NE(layout, init->options.end());
+    EXPECT_EQ(layout->choices, (std::vector<std::string>{"flat", "tree"}));
+    ASSERT_EQ(init->examples.size(), 2U);
+    EXPECT_EQ(init->examples[0].line, "quillon init ~/shelf --music ~/Music");
+    const CommandDescription* const run = FindCommand(program, "quillon run");
+    ASSERT_NE(run, nullptr);
+    EXPECT_EQ(run->examples.back().remark, "after you have deleted half of the music");
+    EXPECT_EQ(FindCommand(program, "quillon rum"), nullptr);
 }
 
 TEST(CommandLine, TellsItsVersion) {

@@ -92,6 +92,15 @@ TEST(OneLine, MarksBytesThatAreNoUtf8) {
     EXPECT_EQ(OneLine("a\xFFz"), "a\xEF\xBF\xBDz");
 }
 
+TEST(WrapWords, BreaksAtBlanksAndKeepsLongWordsWhole) {
+    EXPECT_EQ(WrapWords("a run that removes", 8),
+              (std::vector<std::string>{"a run", "that", "removes"}));
+    EXPECT_EQ(WrapWords("see /srv/music/of/all now", 6),
+              (std::vector<std::string>{"see", "/srv/music/of/all", "now"}));
+    EXPECT_EQ(WrapWords("eight ä", 7), (std::vector<std::string>{"eight ä"}));
+    EXPECT_EQ(WrapWords("", 7), std::vector<std::string>());
+}
+
 TEST(ElapsedText, ShowsHoursMinutesAndSeconds) {
     EXPECT_EQ(ElapsedText(std::chrono::seconds(0)), "0:00:00");
     EXPECT_EQ(ElapsedText(std::chrono::seconds(12)), "0:00:12");

@@ -16,6 +16,14 @@ TEST(NearestName, IsTheOneThatTheFewestLettersTellApart) {
     EXPECT_EQ(NearestName("AddFile", Names), "AddFiles");
 }
 
+TEST(NearestName, TakesTwoSwappedLettersForOneSlip) {
+    constexpr std::array<std::string_view, 2> Commands{"check", "db"};
+    EXPECT_EQ(NearestName("chekc", Commands), "check");
+    EXPECT_EQ(NearestName("bd", Commands), "db");
+    EXPECT_EQ(NearestName("hceck", Commands), "check");
+    EXPECT_EQ(NearestName("hcekc", Commands), "");
+}
+
 TEST(NearestName, IsEmptyWhereNothingIsNear) {
     constexpr std::array<std::string_view, 2> Names{"ID3Write", "AddFiles"};
     EXPECT_EQ(NearestName("Colour", Names), "");

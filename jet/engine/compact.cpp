@@ -1,0 +1,108 @@
+#include "jet/compact.h"
+
+#include <sys/stat.h>
+#include <system_error>
+#include <unistd.h>
+
+#include "jet/check.h"
+#include "jet/error.h"
+#include "jet/storage/database_file.h"
+#include "jet/storage/file_system.h"
+#include "jet/storage/pending_journal.h"
+#include "jet/verify/check_pages.h"
+
+namespace jet {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// The unfinished copy; gone with this object unless it has been given its name.
+class Copy {
+  public:
+    explicit Copy(fs::path path) : path_(std::move(path)) { Remove(); }
+    Copy(const Copy&) = delete;
+    Copy& operator=(const Copy&) = delete;
+    ~Copy() { Remove(); }
+    const fs::path& Path() const { return path_; }
+
+  private:
+    void Remove() const {
+        std::error_code ignored;
+        fs::remove(path_, ignored);
+        fs::remove(storage::JournalPathFor(path_), ignored);
+    }
+    fs::path path_;
+};
+
+void RequireWhole(const CheckReport& report, const fs::path& file) {
+    if (report.faults.empty()) return;
+    throw Error(ErrorKind::Damaged, file.string() + " is damaged: " + report.faults.front().text +
+                                        ". Nothing was changed.");
+}
+
+/// "cdj.before-compact.mdb", with a number where that is taken.
+fs::path NameToKeep(const fs::path& file) {
+    for (int number = 1;; ++number) {
+        std::string name = file.stem().string() + ".before-compact";
+        if (number > 1) name += "-" + std::to_string(number);
+        fs::path kept = file.parent_path() / (name + file.extension().string());
+        if (!fs::exists(fs::symlink_status(kept))) return kept;
+    }
+}
+
+[[noreturn]] void FailToSwap(const fs::path& file, const std::error_code& reason) {
+    throw Error(ErrorKind::Io, file.string() + " cannot be replaced: " + reason.message());
+}
+
+/// Whoever may read and write the file may read and write the copy.
+void CopyAccess(const fs::path& from, const fs::path& to) {
+    struct stat facts{};
+    if (stat(from.c_str(), &facts) != 0 || chmod(to.c_str(), facts.st_mode & 07777) != 0)
+        FailToSwap(from, std::error_code(errno, std::generic_category()));
+    // Only root may give files away; the copy belongs to whom runs this, then.
+    [[maybe_unused]] const int given = chown(to.c_str(), facts.st_uid, facts.st_gid);
+}
+
+/// With a second name for the file as it was there is always one of its own. Some file systems
+/// have no second names.
+void Swap(const fs::path& file, const fs::path& copy, const fs::path& kept) {
+    std::error_code failed;
+    fs::create_hard_link(file, kept, failed);
+    if (failed) {
+        fs::rename(file, kept, failed);
+        if (failed) FailToSwap(file, failed);
+    }
+    fs::rename(copy, file, failed);
+    if (!failed) return;
+    std::error_code ignored;
+    fs::rename(kept, file, ignored);
+    FailToSwap(file, failed);
+}
+
+}  // namespace
+
+Compacted CompactDatabase(const fs::path& database) {
+    const auto files = storage::RealFileSystem();
+    const fs::path real = files->Resolve(database);
+    const auto inspect = [&](storage::PageStore& pages) {
+        RequireWhole(verify::CheckPages(pages), real);
+    };
+    auto file = storage::DatabaseFile::Open(real, storage::OpenMode::ReadWrite,
+                                            {.needs = {}, .inspect = inspect});
+    const Copy copy(real.string() + ".compact");
+    Compacted done;
+    done.tables = file.TableNames().size();
+    done.rows = file.WriteCompacted(copy.Path());
+    RequireWhole(CheckFile(copy.Path()), copy.Path());
+    CopyAccess(real, copy.Path());
+    done.sizeBefore = fs::file_size(real);
+    done.size = fs::file_size(copy.Path());
+    done.kept = NameToKeep(real);
+    Swap(real, copy.Path(), done.kept);
+    files->SyncFolderOf(real);
+    file.Discard();
+    return done;
+}
+
+}  // namespace jet

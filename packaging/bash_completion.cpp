@@ -1,0 +1,123 @@
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include "packaging/completion_words.h"
+#include "packaging/completions.h"
+
+namespace quillon {
+namespace {
+
+constexpr std::string_view Head = R"(# Completion of the commands of quillon in bash.
+_quillon()
+{
+    local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
+    local command=quillon words= kind= taken=0 value= i
+    COMPREPLY=()
+    # "--option=value" comes as three words.
+    if [[ $current == = ]]; then
+        current=
+    elif [[ $previous == = ]]; then
+        previous=${COMP_WORDS[COMP_CWORD - 2]}
+    fi
+)";
+
+constexpr std::string_view Tail = R"(
+    case $kind in
+        folder) compopt -o dirnames ;;
+        file) compopt -o default ;;
+    esac
+    COMPREPLY=($(compgen -W "$words" -- "$current"))
+}
+complete -F _quillon quillon
+)";
+
+std::string_view KindWord(WordKind kind) {
+    if (kind == WordKind::Folder) return "folder";
+    return kind == WordKind::File ? "file" : "";
+}
+
+/// Options that take the next word, as patterns: "quillon run --host".
+std::string ValueCases(const std::vector<const CommandDescription*>& commands) {
+    std::string cases;
+    for (const CommandDescription* const command : commands) {
+        for (const OptionDescription& option : command->options) {
+            if (option.value.empty()) continue;
+            std::vector<std::string> patterns;
+            for (const std::string& name : option.names)
+                patterns.push_back(fmt::format("'{} {}'", command->name, name));
+            cases += fmt::format("            {}) words='{}' kind={} value=yes ;;\n",
+                                 fmt::join(patterns, " | "), fmt::join(option.choices, " "),
+                                 KindWord(KindOf(option)));
+        }
+    }
+    return cases;
+}
+
+/// What each command offers where no option waits for its value.
+std::string CommandCases(const std::vector<const CommandDescription*>& commands) {
+    std::string cases;
+    for (const CommandDescription* const command : commands) {
+        std::vector<std::string_view> options, below;
+        for (const OptionDescription& option : command->options)
+            for (const std::string& name : option.names)
+                options.push_back(name);
+        for (const CommandDescription& one : command->commands)
+            below.push_back(one.Word());
+        cases += fmt::format("            '{}{}')\n", command->name, "");
+        if (!options.empty())
+            cases += fmt::format("                [[ $current == -* ]] && words='{}'\n",
+                                 fmt::join(options, " "));
+        if (!below.empty())
+            cases += fmt::format("                [[ $current == -* ]] || words='{}'\n",
+                                 fmt::join(below, " "));
+        for (std::size_t i = 0; i < command->arguments.size(); ++i) {
+            const std::string_view kind = KindWord(KindOf(command->arguments[i]));
+            if (kind.empty()) continue;
+            cases += fmt::format("                [[ $taken == {} ]] && kind={}\n", i, kind);
+        }
+        cases += "                ;;\n";
+    }
+    return cases;
+}
+
+}  // namespace
+
+std::string BashCompletion(const CommandDescription& program) {
+    const CommandDescription typed = AsTyped(program);
+    const std::vector<const CommandDescription*> commands = AllCommands(typed);
+    std::vector<std::string> names;
+    for (const CommandDescription* const command : commands)
+        if (command != &typed) names.push_back('\'' + command->name + '\'');
+    const std::string valueCases = ValueCases(commands);
+
+    std::string script(Head);
+    script +=
+        "    for ((i = 1; i < COMP_CWORD; i++)); do\n"
+        "        [[ ${COMP_WORDS[i]} == = ]] && continue\n"
+        "        if [[ $value ]]; then\n"
+        "            value=\n"
+        "            continue\n"
+        "        fi\n"
+        "        case \"$command ${COMP_WORDS[i]}\" in\n";
+    script += fmt::format("            {}) command+=\" ${{COMP_WORDS[i]}}\" ;;\n",
+                          fmt::join(names, " | \\\n                "));
+    script += valueCases;
+    script +=
+        "            *' -'*) ;;\n"
+        "            *) ((taken++)) ;;\n"
+        "        esac\n"
+        "    done\n"
+        "    words= kind=\n"
+        "    if [[ $value ]]; then\n"
+        "        case \"$command $previous\" in\n" +
+        valueCases +
+        "        esac\n"
+        "    else\n"
+        "        case $command in\n" +
+        CommandCases(commands) +
+        "        esac\n"
+        "    fi\n";
+    return script.append(Tail.substr(1));
+}
+
+}  // namespace quillon
