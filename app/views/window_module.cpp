@@ -27,7 +27,7 @@ FoundMaker LoadModule(const fs::path& file) {
     if (module == nullptr) {
         const char* const reason = dlerror();
         return {nullptr, fmt::format("the desktop window cannot be loaded ({}); install the "
-                                     "packages of the group [window]",
+                                     "package quillon-window or what it needs",
                                      reason == nullptr ? file.string() : reason)};
     }
     void* const maker = dlsym(module, WindowMakerName);
@@ -57,8 +57,8 @@ WindowOffer OpenWindow(const std::vector<fs::path>& places) {
     });
     if (file == places.end()) {
         return {nullptr,
-                "there is no desktop window in this installation; install the packages of the "
-                "group [window] (scripts/install-packages.sh window) and build it anew"};
+                "there is no desktop window in this installation; install the package "
+                "quillon-window, or build the program where Qt 6 is installed"};
     }
     const auto [maker, notLoaded] = LoadModule(*file);
     if (maker == nullptr) return {nullptr, notLoaded};
