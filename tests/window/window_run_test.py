@@ -197,7 +197,7 @@ def without_a_display_nothing_runs_and_the_message_says_why():
                 "Could not find the Qt platform plugin")
         (library.work / Path(MODULE).name).unlink()
         refused(library, desktop.environment(), "there is no desktop window in this installation",
-                "scripts/install-packages.sh window")
+                "install the package quillon-window")
         gone = desktop.environment()
         shutil.copy2(MODULE, library.work / Path(MODULE).name)
         desktop.end()
