@@ -62,7 +62,7 @@ Artist_Song.mp3 are side by side.
 
 Examples:
   quillon init ~/shelf --music ~/Music
-  quillon init /srv/shelf --music /srv/music --database /srv/jukebox/cdj.mdb --layout flat)";
+  quillon init /srv/shelf --music /srv/music --database cdj.mdb --layout flat)";
 
 constexpr const char* CheckFooter =
     R"(The report has every setting with the value that a run would use, the folders, the database with
@@ -190,8 +190,7 @@ class Grammar {
 
     void AddRunOptions(CLI::App& command) {
         AddHostOption(command);
-        AddChoice(command, "--view", view_, ViewNames,
-                  "What the run shows (default: auto)");
+        AddChoice(command, "--view", view_, ViewNames, "What the run shows (default: auto)");
         command.add_flag("--quiet", quiet_,
                          "Print only errors, what was removed and a summary; for cron");
         command.add_flag("--allow-removals", allowRemovals_,
@@ -322,7 +321,8 @@ class Grammar {
 
     CLI::App app_{"Keeps MP3 folders, a jukebox database, tags and playlists consistent",
                   "quillon"};
-    CLI::App* run_ = app_.add_subcommand("run", "Run what Quillon.ini asks for; the default command");
+    CLI::App* run_ =
+        app_.add_subcommand("run", "Run what Quillon.ini asks for; the default command");
     CLI::App* init_ = app_.add_subcommand("init", "Make a host folder");
     CLI::App* check_ = app_.add_subcommand("check", "Show what a run would do; change nothing");
     CLI::App* serve_ = app_.add_subcommand("serve", "Show the album picker in a browser");

@@ -22,8 +22,8 @@ std::size_t Distance(std::string_view left, std::string_view right) {
         for (std::size_t j = 1; j <= right.size(); ++j) {
             const std::size_t replaced = last[j - 1] + (left[i - 1] == right[j - 1] ? 0 : 1);
             row[j] = std::min({replaced, last[j] + 1, row[j - 1] + 1});
-            const bool swapped = i > 1 && j > 1 && left[i - 1] == right[j - 2] &&
-                                 left[i - 2] == right[j - 1];
+            const bool swapped =
+                i > 1 && j > 1 && left[i - 1] == right[j - 2] && left[i - 2] == right[j - 1];
             if (swapped) row[j] = std::min(row[j], beforeLast[j - 2] + 1);
         }
     }

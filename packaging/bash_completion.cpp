@@ -79,27 +79,30 @@ std::string BashCompletion(const CommandDescription& program) {
         if (command != &typed) names.push_back('\'' + command->name + '\'');
 
     std::string script(Head);
-    script += "    for ((i = 1; i < COMP_CWORD; i++)); do\n"
-              "        [[ ${COMP_WORDS[i]} == = ]] && continue\n"
-              "        if [[ $value ]]; then\n"
-              "            value=\n"
-              "            continue\n"
-              "        fi\n"
-              "        case \"$command ${COMP_WORDS[i]}\" in\n";
+    script +=
+        "    for ((i = 1; i < COMP_CWORD; i++)); do\n"
+        "        [[ ${COMP_WORDS[i]} == = ]] && continue\n"
+        "        if [[ $value ]]; then\n"
+        "            value=\n"
+        "            continue\n"
+        "        fi\n"
+        "        case \"$command ${COMP_WORDS[i]}\" in\n";
     script += fmt::format("            {}) command+=\" ${{COMP_WORDS[i]}}\" ;;\n",
                           fmt::join(names, " | \\\n                "));
     script += ValueCases(commands);
-    script += "            *' -'*) ;;\n"
-              "            *) ((taken++)) ;;\n"
-              "        esac\n"
-              "    done\n"
-              "    if [[ ! $value ]]; then\n"
-              "        words= kind=\n"
-              "        case $command in\n";
+    script +=
+        "            *' -'*) ;;\n"
+        "            *) ((taken++)) ;;\n"
+        "        esac\n"
+        "    done\n"
+        "    if [[ ! $value ]]; then\n"
+        "        words= kind=\n"
+        "        case $command in\n";
     for (const CommandDescription* const command : commands)
         script += CommandCase(*command);
-    script += "        esac\n"
-              "    fi\n";
+    script +=
+        "        esac\n"
+        "    fi\n";
     return script.append(Tail);
 }
 

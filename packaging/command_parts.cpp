@@ -30,8 +30,7 @@ std::string Forms(const OptionDescription& option, bool isArgument) {
 }
 
 std::string Entry(const OptionDescription& option, bool isArgument) {
-    const std::string help =
-        option.help + (option.required && !isArgument ? ". Required." : ".");
+    const std::string help = option.help + (option.required && !isArgument ? ". Required." : ".");
     return fmt::format(".TP\n{}\n{}", Forms(option, isArgument), RoffParagraph(help));
 }
 
@@ -68,9 +67,9 @@ void AddCommands(const CommandDescription& command, std::string& text) {
 
 void AddSynopsis(const CommandDescription& command, std::string& text) {
     const auto argument = [](const OptionDescription& one) {
-        return one.required ? Italic(one.names.front())
-                            : fmt::format("[{}{}]", Italic(one.names.front()),
-                                          one.repeats ? "..." : "");
+        return one.required
+                   ? Italic(one.names.front())
+                   : fmt::format("[{}{}]", Italic(one.names.front()), one.repeats ? "..." : "");
     };
     if (!command.needsCommand) {
         if (!text.empty()) text += ".br\n";

@@ -18,15 +18,18 @@ std::string LineFor(const CommandDescription& command) {
 
 std::string WordsOf(const OptionDescription& option) {
     switch (KindOf(option)) {
-        case WordKind::Folder: return " -x -a '(__fish_complete_directories)'";
-        case WordKind::File: return " -r -F";
+        case WordKind::Folder:
+            return " -x -a '(__fish_complete_directories)'";
+        case WordKind::File:
+            return " -r -F";
         case WordKind::Choice: {
             std::string words;
             for (const std::string& choice : option.choices)
                 words += (words.empty() ? "" : " ") + choice;
             return " -x -a " + InQuotes(words);
         }
-        default: return option.value.empty() ? "" : " -x";
+        default:
+            return option.value.empty() ? "" : " -x";
     }
 }
 

@@ -10,13 +10,20 @@ namespace {
 
 std::string_view Escaped(char character) {
     switch (character) {
-        case '\\': return "\\e";
-        case '-': return "\\-";
-        case '\'': return "\\(aq";
-        case '`': return "\\(ga";
-        case '^': return "\\(ha";
-        case '~': return "\\(ti";
-        default: return "";
+        case '\\':
+            return "\\e";
+        case '-':
+            return "\\-";
+        case '\'':
+            return "\\(aq";
+        case '`':
+            return "\\(ga";
+        case '^':
+            return "\\(ha";
+        case '~':
+            return "\\(ti";
+        default:
+            return "";
     }
 }
 

@@ -11,14 +11,22 @@ namespace {
 
 std::string_view TypeOf(SettingKind kind) {
     switch (kind) {
-        case SettingKind::Text: return "text";
-        case SettingKind::Path: return "path";
-        case SettingKind::Folder: return "folder";
-        case SettingKind::WebPath: return "web path";
-        case SettingKind::StrictBoolean: return "strict yes or no";
-        case SettingKind::StrictInteger: return "strict number";
-        case SettingKind::Integer: return "number";
-        case SettingKind::Boolean: return "yes or no";
+        case SettingKind::Text:
+            return "text";
+        case SettingKind::Path:
+            return "path";
+        case SettingKind::Folder:
+            return "folder";
+        case SettingKind::WebPath:
+            return "web path";
+        case SettingKind::StrictBoolean:
+            return "strict yes or no";
+        case SettingKind::StrictInteger:
+            return "strict number";
+        case SettingKind::Integer:
+            return "number";
+        case SettingKind::Boolean:
+            return "yes or no";
     }
     return "";
 }
@@ -29,9 +37,8 @@ const SettingDefinition& DefinitionOf(std::string_view key) {
 
 std::string SettingText(const SettingExplanation& setting) {
     const SettingDefinition& definition = DefinitionOf(setting.key);
-    const std::string fallback = definition.fallback.empty()
-                                     ? "empty"
-                                     : "\\fB" + RoffText(definition.fallback) + "\\fR";
+    const std::string fallback =
+        definition.fallback.empty() ? "empty" : "\\fB" + RoffText(definition.fallback) + "\\fR";
     return fmt::format(".TP\n\\fB{}\\fR (\\fI{}\\fR, default: {})\n{}", RoffText(setting.key),
                        TypeOf(definition.kind), fallback, RoffParagraph(setting.text));
 }

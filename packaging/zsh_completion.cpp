@@ -18,15 +18,18 @@ std::string Plain(std::string_view text) {
 
 std::string Action(const OptionDescription& option) {
     switch (KindOf(option)) {
-        case WordKind::Folder: return "_files -/";
-        case WordKind::File: return "_files";
+        case WordKind::Folder:
+            return "_files -/";
+        case WordKind::File:
+            return "_files";
         case WordKind::Choice: {
             std::string words;
             for (const std::string& choice : option.choices)
                 words += (words.empty() ? "" : " ") + choice;
             return '(' + words + ')';
         }
-        default: return " ";
+        default:
+            return " ";
     }
 }
 
@@ -58,23 +61,26 @@ std::string ArgumentLine(const OptionDescription& argument) {
 /// The function of a command that has others below it: the first word is looked at, the rest is
 /// left to the function of that command.
 std::string GroupPart(const CommandDescription& command) {
-    std::string text = " \\\n        ': :->command' '*:: :->rest'\n"
-                       "    case $state in\n"
-                       "        command)\n"
-                       "            local -a commands=(\n";
+    std::string text =
+        " \\\n        ': :->command' '*:: :->rest'\n"
+        "    case $state in\n"
+        "        command)\n"
+        "            local -a commands=(\n";
     for (const CommandDescription& below : command.commands)
         text += "                " +
                 Quoted(fmt::format("{}:{}", below.Word(), Plain(below.summary)), Quote) + '\n';
-    text += "            )\n"
-            "            _describe command commands\n"
-            "            ;;\n"
-            "        rest)\n"
-            "            case $words[1] in\n";
+    text +=
+        "            )\n"
+        "            _describe command commands\n"
+        "            ;;\n"
+        "        rest)\n"
+        "            case $words[1] in\n";
     for (const CommandDescription& below : command.commands)
         text += fmt::format("                {}) {} ;;\n", below.Word(), FunctionName(below));
-    return text + "            esac\n"
-                  "            ;;\n"
-                  "    esac\n";
+    return text +
+           "            esac\n"
+           "            ;;\n"
+           "    esac\n";
 }
 
 std::string Function(const CommandDescription& command) {

@@ -85,15 +85,16 @@ std::string UnknownCommand(const CommandDescription& command, std::string_view w
     return text;
 }
 
-std::string UnexpectedArgument(const CommandDescription& program,
-                               const CommandDescription& command, std::string_view word) {
+std::string UnexpectedArgument(const CommandDescription& program, const CommandDescription& command,
+                               std::string_view word) {
     if (FindCommand(program, fmt::format("{} {}", program.name, word)) != nullptr)
         return fmt::format("'{}' and '{} {}' are two commands; give one at a time", command.name,
                            program.name, word);
     if (!command.arguments.empty())
-        return fmt::format("'{}' is one argument too many for '{}'; an argument with blanks needs "
-                           "quotes",
-                           word, command.name);
+        return fmt::format(
+            "'{}' is one argument too many for '{}'; an argument with blanks needs "
+            "quotes",
+            word, command.name);
     std::string text = fmt::format("'{}' takes no argument '{}'", command.name, word);
     if (HasOption(command, "--host"))
         text += fmt::format("; name the host folder with --host: {} --host {}", command.name, word);

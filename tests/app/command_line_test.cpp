@@ -285,8 +285,7 @@ TEST(CommandLine, AFolderWithoutHostIsToldHowToBeNamed) {
     EXPECT_EQ(UsageError({"run", "shelf"}),
               "quillon: 'quillon run' takes no argument 'shelf'; name the host folder with "
               "--host: quillon run --host shelf\nTry 'quillon run --help'.\n");
-    EXPECT_NE(UsageError({"check", "shelf"}).find("quillon check --host shelf"),
-              std::string::npos);
+    EXPECT_NE(UsageError({"check", "shelf"}).find("quillon check --host shelf"), std::string::npos);
     EXPECT_NE(UsageError({"~/shelf"}).find("--host ~/shelf"), std::string::npos);
 }
 

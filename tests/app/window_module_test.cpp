@@ -30,8 +30,8 @@ TEST_F(WindowModule, MayLieBesideTheProgramOrInTheInstallation) {
     ASSERT_EQ(places.size(), 2U);
     const fs::path program = fs::read_symlink("/proc/self/exe").parent_path();
     EXPECT_EQ(places[0], program / "quillon-window.so");
-    EXPECT_TRUE(places[1].lexically_normal().string().ends_with(
-        "/quillon/modules/quillon-window.so"));
+    EXPECT_TRUE(
+        places[1].lexically_normal().string().ends_with("/quillon/modules/quillon-window.so"));
     EXPECT_TRUE(places[1].is_absolute());
 }
 

@@ -2,12 +2,10 @@
 
 import os
 import re
-import shutil
 import subprocess
 from pathlib import Path
 
 TIME_LIMIT = 300
-# What a package of this project may ask for besides other packages' libraries is named by it.
 STATUS = Path("/var/lib/dpkg/status")
 
 
@@ -81,7 +79,7 @@ class CleanRoot:
              ).write_text("/.\n")
 
     def dpkg(self, *arguments):
-        command = ["dpkg", f"--root={self.folder}", *arguments]
+        command = ["dpkg", "--log=/dev/null", f"--root={self.folder}", *arguments]
         if os.geteuid() != 0:
             command = ["fakeroot", *command]
         path = os.environ.get("PATH", "") + ":/usr/local/sbin:/usr/sbin:/sbin"
@@ -93,6 +91,3 @@ class CleanRoot:
                                r"|diversions.*|statoverride.*|info/format))?$|var(/(log|cache).*)?$")
         entries = (str(path.relative_to(self.folder)) for path in self.folder.rglob("*"))
         return sorted(entry for entry in entries if not rewritten.match(entry))
-
-    def remove_all(self):
-        shutil.rmtree(self.folder)

@@ -72,6 +72,16 @@ def dependencies_are_named(packages):
             expect("Qt in what the program needs", False, "libqt6" in depends)
 
 
+def the_window_does_not_come_without_the_program(packages, work):
+    window, = (package for package in packages if package.name.startswith("quillon-window"))
+    try:
+        CleanRoot(work / "without", [window]).dpkg("--install", window)
+    except Failed as failure:
+        expect_in("why", "quillon-window depends on quillon (=", str(failure))
+    else:
+        raise Failed("the window's package is content without the program's")
+
+
 def an_installation_from_source_has_the_same_files(packages, work):
     packed = set()
     for package in packages:
@@ -261,6 +271,7 @@ def main():
                sorted(package.name.split("_")[0] for package in packages))
         tell(lintian_finds_no_fault, packages)
         tell(dependencies_are_named, packages)
+        tell(the_window_does_not_come_without_the_program, packages, work)
         tell(an_installation_from_source_has_the_same_files, packages, work)
 
         root = CleanRoot(work / "root", packages)

@@ -14,6 +14,7 @@ namespace {
 
 using testing::HasSubstr;
 using testing::Not;
+using testing::StartsWith;
 
 /// A program with one command of each kind.
 CommandDescription SmallProgram() {
@@ -69,9 +70,10 @@ TEST(CommandParts, TellEachCommandWithItsOptionsAndExamples) {
 TEST(CommandParts, LeaveNoCommandOfTheProgramOut) {
     const CommandDescription program = DescribeCommandLine();
     const auto parts = CommandParts(program);
+    EXPECT_THAT(parts.at("COMMANDS"), StartsWith(".SS quillon run "));
     for (const CommandDescription* const command : AllCommands(program)) {
         if (command == &program || command->needsCommand) continue;
-        EXPECT_THAT(parts.at("COMMANDS"), HasSubstr("\n.SS " + RoffText(command->name) + ' '));
+        EXPECT_THAT(parts.at("COMMANDS"), HasSubstr(".SS " + RoffText(command->name) + ' '));
         for (const OptionDescription& option : command->options)
             EXPECT_THAT(parts.at("COMMANDS") + parts.at("OPTIONS"),
                         HasSubstr(RoffText(option.names.back())));
@@ -81,10 +83,12 @@ TEST(CommandParts, LeaveNoCommandOfTheProgramOut) {
 TEST(SettingParts, TellEverySettingWithItsTypeAndDefault) {
     const auto parts = SettingParts();
     for (const SettingDefinition& setting : SettingDefinitions())
-        EXPECT_THAT(parts.at("SETTINGS"), HasSubstr("\n\\fB" + std::string(setting.key) + "\\fR (\\fI"));
+        EXPECT_THAT(parts.at("SETTINGS"),
+                    HasSubstr("\n\\fB" + std::string(setting.key) + "\\fR (\\fI"));
     EXPECT_THAT(parts.at("SETTINGS"),
                 HasSubstr("\\fBImagesWide\\fR (\\fIstrict number\\fR, default: \\fB5\\fR)"));
-    EXPECT_THAT(parts.at("SETTINGS"), HasSubstr("\\fBLibraryRoot\\fR (\\fIpath\\fR, default: empty)"));
+    EXPECT_THAT(parts.at("SETTINGS"),
+                HasSubstr("\\fBLibraryRoot\\fR (\\fIpath\\fR, default: empty)"));
     EXPECT_EQ(parts.at("MaxRemovedPlaylists"), "5");
 }
 
@@ -121,7 +125,8 @@ TEST(Completions, OfferCommandsOptionsAndTheirValues) {
     EXPECT_THAT(zsh, HasSubstr("'(-m --mode)--mode=[How]:fast|slow:(fast slow)'"));
     EXPECT_THAT(zsh, HasSubstr("':FILE:_files'"));
     const std::string fish = FishCompletion(program);
-    EXPECT_THAT(fish, HasSubstr("'__quillon_is quillon show' -s m -l mode -x -a 'fast slow' -d 'How'"));
+    EXPECT_THAT(fish,
+                HasSubstr("'__quillon_is quillon show' -s m -l mode -x -a 'fast slow' -d 'How'"));
     EXPECT_THAT(fish, HasSubstr("-a show -d 'Show it\\'s [all]: now'"));
     EXPECT_THAT(fish, Not(HasSubstr("help help")));
 }
