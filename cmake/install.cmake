@@ -31,6 +31,8 @@ install(FILES ${files}/quillon@.service ${files}/quillon@.timer DESTINATION lib/
 
 install(FILES ${files}/logrotate.conf DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples
     COMPONENT program)
+install(FILES ${PROJECT_SOURCE_DIR}/CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR}
+    COMPONENT program OPTIONAL)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs/manual DESTINATION ${CMAKE_INSTALL_DOCDIR}
     COMPONENT program FILES_MATCHING PATTERN "*.md")
 

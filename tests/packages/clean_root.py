@@ -79,7 +79,8 @@ class CleanRoot:
              ).write_text("/.\n")
 
     def dpkg(self, *arguments):
-        command = ["dpkg", "--log=/dev/null", f"--root={self.folder}", *arguments]
+        # Some systems are set up to leave manual pages and documents out.
+        command = ["dpkg", "--log=/dev/null", "--path-include=*", f"--root={self.folder}", *arguments]
         if os.geteuid() != 0:
             command = ["fakeroot", *command]
         path = os.environ.get("PATH", "") + ":/usr/local/sbin:/usr/sbin:/sbin"
