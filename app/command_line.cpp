@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "app/usage/describe_grammar.h"
 #include "app/usage/help_text.h"
 #include "app/usage/usage_problem.h"
 #include "app/version.h"
