@@ -5,7 +5,7 @@ import re
 import subprocess
 from pathlib import Path
 
-TIME_LIMIT = 300
+TIME_LIMIT = 600
 STATUS = Path("/var/lib/dpkg/status")
 
 
