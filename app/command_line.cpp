@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "app/db_grammar.h"
+#include "app/usage/describe_grammar.h"
 #include "app/usage/help_text.h"
 #include "app/usage/usage_problem.h"
 #include "app/version.h"
@@ -55,26 +56,26 @@ constexpr const char* HelpFooter = R"(Examples:
 constexpr const char* InitFooter =
     R"(DIR gets Quillon.ini (every setting, explained), host.ini (the drive table), folders for playlists,
 covers and data and, without --database, the new database jukebox.mdb. Nothing that exists is
-overwritten. Layout tree: artist folders that hold album folders; flat: files named
-Artist_Song.mp3 side by side.
+overwritten. With the layout tree, artist folders hold album folders; with flat, files named
+Artist_Song.mp3 are side by side.
 
 Examples:
   quillon init ~/shelf --music ~/Music
-  quillon init /srv/shelf --music /srv/music --database /srv/jukebox/cdj.mdb --layout flat)";
+  quillon init /srv/shelf --music /srv/music --database cdj.mdb --layout flat)";
 
 constexpr const char* CheckFooter =
-    R"(Changes nothing. Tells every setting with the value a run would use, the folders, the database with
-its tables and fields, the mode that would run with its phases and backups, and then what stands in
-the way (Problems) or looks odd (Worth a look), with what to do about each. The last line is the
-verdict. Exit status 0 when a run could start and do what it is for, else 2.
+    R"(The report has every setting with the value that a run would use, the folders, the database with
+its tables and fields, and the mode that would run with its phases and backups. At the end it lists
+what would prevent a run (Problems) and what looks odd (Worth a look), with what to do about each. The
+last line is the verdict. Exit status 0 when a run could start and do what it is for, else 2.
 
 Example:
   quillon check --host ~/shelf)";
 
 constexpr const char* ServeFooter =
-    R"(Shows what a run with AlbumPicker=1 has made below HTML in the host folder, in a browser on this
-computer; no other computer can connect. The player's page only lists what it was asked for. Changes
-nothing. Ctrl-C or SIGTERM ends it.
+    R"(The pages are those that a run with AlbumPicker=1 has made below HTML in the host folder. Only
+browsers on this computer can connect. The player's page lists what it was asked for and plays
+nothing. Nothing is changed. Ctrl-C or SIGTERM ends it.
 
 Examples:
   quillon serve --host ~/shelf

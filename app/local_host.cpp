@@ -36,7 +36,8 @@ std::vector<std::string_view> MissingFiles(const std::filesystem::path& folder) 
 
 /// The folder itself, once it has been found to hold what a host folder holds.
 std::filesystem::path CheckedFolder(const std::filesystem::path& folder) {
-    const std::string hint = "; 'quillon init' makes a host folder, --host names one";
+    const std::string hint =
+        "; 'quillon init' makes a host folder, --host or QUILLON_HOST names one";
     std::error_code ignored;
     if (!std::filesystem::is_directory(folder, ignored))
         throw CommandError(fmt::format("{} is no folder{}", folder.string(), hint));

@@ -12,6 +12,8 @@
 #include "app/commands/serve_command.h"
 #include "app/display_text.h"
 #include "app/standard_descriptors.h"
+#include "app/views/view_choice.h"
+#include "app/views/window_module.h"
 #include "platform/failure.h"
 
 namespace quillon {
@@ -25,7 +27,19 @@ struct Dispatcher {
         (answer.usageError ? console.err : console.out) << answer.text;
         return answer.usageError ? RefusedStatus : DoneStatus;
     }
-    int operator()(const RunRequest& request) const { return RunLibrary(request); }
+    /// Who has started a run from a menu sees neither output nor errors.
+    int operator()(const RunRequest& request) const {
+        try {
+            return RunLibrary(request);
+        } catch (const std::exception& error) {
+            const Surroundings surroundings = LookAround();
+            const bool wantsWindow =
+                ViewsToTry(request.view, surroundings).front() == ViewKind::Window;
+            if (wantsWindow && IsLaunchersChild(surroundings))
+                TellOnDesktop(OneLine(DescriptionOf(error)));
+            throw;
+        }
+    }
     int operator()(const InitRequest& request) const { return Init(request, console); }
     int operator()(const CheckRequest& request) const { return Check(request, console); }
     int operator()(const ServeRequest& request) const { return Serve(request, console); }

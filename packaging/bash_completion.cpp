@@ -10,19 +10,12 @@ namespace {
 constexpr std::string_view Head = R"(# Completion of the commands of quillon in bash.
 _quillon()
 {
-    local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
-    local command=quillon words= kind= taken=0 value= i
-    COMPREPLY=()
+    local current=${COMP_WORDS[COMP_CWORD]} command=quillon words= kind= value= taken=0 i
     # "--option=value" comes as three words.
-    if [[ $current == = ]]; then
-        current=
-    elif [[ $previous == = ]]; then
-        previous=${COMP_WORDS[COMP_CWORD - 2]}
-    fi
+    [[ $current == = ]] && current=
 )";
 
-constexpr std::string_view Tail = R"(
-    case $kind in
+constexpr std::string_view Tail = R"(    case $kind in
         folder) compopt -o dirnames ;;
         file) compopt -o default ;;
     esac
@@ -43,6 +36,7 @@ std::string ValueCases(const std::vector<const CommandDescription*>& commands) {
         for (const OptionDescription& option : command->options) {
             if (option.value.empty()) continue;
             std::vector<std::string> patterns;
+            patterns.reserve(option.names.size());
             for (const std::string& name : option.names)
                 patterns.push_back(fmt::format("'{} {}'", command->name, name));
             cases += fmt::format("            {}) words='{}' kind={} value=yes ;;\n",
@@ -53,31 +47,27 @@ std::string ValueCases(const std::vector<const CommandDescription*>& commands) {
     return cases;
 }
 
-/// What each command offers where no option waits for its value.
-std::string CommandCases(const std::vector<const CommandDescription*>& commands) {
-    std::string cases;
-    for (const CommandDescription* const command : commands) {
-        std::vector<std::string_view> options, below;
-        for (const OptionDescription& option : command->options)
-            for (const std::string& name : option.names)
-                options.push_back(name);
-        for (const CommandDescription& one : command->commands)
-            below.push_back(one.Word());
-        cases += fmt::format("            '{}{}')\n", command->name, "");
-        if (!options.empty())
-            cases += fmt::format("                [[ $current == -* ]] && words='{}'\n",
-                                 fmt::join(options, " "));
-        if (!below.empty())
-            cases += fmt::format("                [[ $current == -* ]] || words='{}'\n",
-                                 fmt::join(below, " "));
-        for (std::size_t i = 0; i < command->arguments.size(); ++i) {
-            const std::string_view kind = KindWord(KindOf(command->arguments[i]));
-            if (kind.empty()) continue;
-            cases += fmt::format("                [[ $taken == {} ]] && kind={}\n", i, kind);
-        }
-        cases += "                ;;\n";
+std::string WordsLine(std::string_view test, const std::vector<std::string_view>& words) {
+    if (words.empty()) return "";
+    return fmt::format("                [[ $current {} -* ]] && words='{}'\n", test,
+                       fmt::join(words, " "));
+}
+
+/// What a command offers where no option waits for its value.
+std::string CommandCase(const CommandDescription& command) {
+    std::vector<std::string_view> options, below;
+    for (const OptionDescription& option : command.options)
+        options.insert(options.end(), option.names.begin(), option.names.end());
+    for (const CommandDescription& one : command.commands)
+        below.push_back(one.Word());
+    std::string lines = WordsLine("==", options) + WordsLine("!=", below);
+    for (std::size_t i = 0; i < command.arguments.size(); ++i) {
+        const std::string_view kind = KindWord(KindOf(command.arguments[i]));
+        if (kind.empty()) continue;
+        lines += fmt::format("                [[ $taken == {} ]] && kind={}\n", i, kind);
     }
-    return cases;
+    if (lines.empty()) return "";
+    return fmt::format("            '{}')\n{}                ;;\n", command.name, lines);
 }
 
 }  // namespace
@@ -88,7 +78,6 @@ std::string BashCompletion(const CommandDescription& program) {
     std::vector<std::string> names;
     for (const CommandDescription* const command : commands)
         if (command != &typed) names.push_back('\'' + command->name + '\'');
-    const std::string valueCases = ValueCases(commands);
 
     std::string script(Head);
     script +=
@@ -101,23 +90,21 @@ std::string BashCompletion(const CommandDescription& program) {
         "        case \"$command ${COMP_WORDS[i]}\" in\n";
     script += fmt::format("            {}) command+=\" ${{COMP_WORDS[i]}}\" ;;\n",
                           fmt::join(names, " | \\\n                "));
-    script += valueCases;
+    script += ValueCases(commands);
     script +=
         "            *' -'*) ;;\n"
         "            *) ((taken++)) ;;\n"
         "        esac\n"
         "    done\n"
-        "    words= kind=\n"
-        "    if [[ $value ]]; then\n"
-        "        case \"$command $previous\" in\n" +
-        valueCases +
-        "        esac\n"
-        "    else\n"
-        "        case $command in\n" +
-        CommandCases(commands) +
+        "    if [[ ! $value ]]; then\n"
+        "        words= kind=\n"
+        "        case $command in\n";
+    for (const CommandDescription* const command : commands)
+        script += CommandCase(*command);
+    script +=
         "        esac\n"
         "    fi\n";
-    return script.append(Tail.substr(1));
+    return script.append(Tail);
 }
 
 }  // namespace quillon

@@ -30,8 +30,8 @@ std::string Forms(const OptionDescription& option, bool isArgument) {
 }
 
 std::string Entry(const OptionDescription& option, bool isArgument) {
-    return fmt::format(".TP\n{}\n{}.{}\n", Forms(option, isArgument), RoffText(option.help),
-                       option.required && !isArgument ? " Required." : "");
+    const std::string help = option.help + (option.required && !isArgument ? ". Required." : ".");
+    return fmt::format(".TP\n{}\n{}", Forms(option, isArgument), RoffParagraph(help));
 }
 
 std::string Examples(const CommandDescription& command) {
@@ -44,10 +44,10 @@ std::string Examples(const CommandDescription& command) {
 }
 
 std::string CommandText(const CommandDescription& command) {
-    std::string text =
-        fmt::format(".SS {}\n{}.\n", RoffText(UsageLine(command)), RoffText(command.summary));
+    std::string text = fmt::format(".SS {}\n{}", RoffText(UsageLine(command)),
+                                   RoffParagraph(command.summary + '.'));
     for (const std::string& paragraph : command.paragraphs)
-        text += ".PP\n" + RoffText(paragraph) + '\n';
+        text += ".PP\n" + RoffParagraph(paragraph);
     for (const OptionDescription& argument : command.arguments)
         text += Entry(argument, true);
     for (const OptionDescription& option : command.options)
@@ -72,7 +72,8 @@ void AddSynopsis(const CommandDescription& command, std::string& text) {
                    : fmt::format("[{}{}]", Italic(one.names.front()), one.repeats ? "..." : "");
     };
     if (!command.needsCommand) {
-        text += ".br\n" + Bold(command.name) + " [" + Italic("OPTIONS") + ']';
+        if (!text.empty()) text += ".br\n";
+        text += Bold(command.name) + " [" + Italic("OPTIONS") + ']';
         for (const OptionDescription& option : command.options)
             if (option.required) text += ' ' + Forms(option, false);
         for (const OptionDescription& one : command.arguments)

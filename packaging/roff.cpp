@@ -3,6 +3,8 @@
 #include <fmt/format.h>
 #include <stdexcept>
 
+#include "app/display_text.h"
+
 namespace quillon {
 namespace {
 
@@ -42,16 +44,30 @@ std::string RoffText(std::string_view text) {
     return roff;
 }
 
+std::string RoffParagraph(std::string_view text) {
+    constexpr std::size_t LineColumns = 72;
+    std::string lines;
+    for (const std::string& line : WrapWords(text, LineColumns))
+        lines += RoffText(line) + '\n';
+    return lines;
+}
+
 std::string FillFrame(std::string_view frame, const std::map<std::string, std::string>& values) {
+    constexpr std::string_view Letters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
     std::string page;
     for (;;) {
         const std::size_t start = frame.find('@');
         page += frame.substr(0, start);
         if (start == std::string_view::npos) return page;
-        const std::size_t end = frame.find('@', start + 1);
-        const std::string name(frame.substr(start + 1, end - start - 1));
+        frame.remove_prefix(start + 1);
+        const std::size_t end = frame.find_first_not_of(Letters);
+        if (end == 0 || end == std::string_view::npos || frame[end] != '@') {
+            page += '@';
+            continue;
+        }
+        const std::string name(frame.substr(0, end));
         const auto value = values.find(name);
-        if (end == std::string_view::npos || value == values.end())
+        if (value == values.end())
             throw std::runtime_error(fmt::format("the frame of the page asks for @{}@", name));
         page += value->second;
         frame.remove_prefix(end + 1);

@@ -39,8 +39,8 @@ std::string SettingText(const SettingExplanation& setting) {
     const SettingDefinition& definition = DefinitionOf(setting.key);
     const std::string fallback =
         definition.fallback.empty() ? "empty" : "\\fB" + RoffText(definition.fallback) + "\\fR";
-    return fmt::format(".TP\n\\fB{}\\fR (\\fI{}\\fR, default: {})\n{}\n", RoffText(setting.key),
-                       TypeOf(definition.kind), fallback, RoffText(setting.text));
+    return fmt::format(".TP\n\\fB{}\\fR (\\fI{}\\fR, default: {})\n{}", RoffText(setting.key),
+                       TypeOf(definition.kind), fallback, RoffParagraph(setting.text));
 }
 
 }  // namespace

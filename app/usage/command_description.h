@@ -4,10 +4,6 @@
 #include <string_view>
 #include <vector>
 
-namespace CLI {
-class App;
-}
-
 /// The command line as data. Help, manual page and completions are made of this and of nothing
 /// else, so that they cannot tell different stories.
 namespace quillon {
@@ -43,10 +39,6 @@ struct CommandDescription {
     /// The last word of the name.
     std::string_view Word() const;
 };
-
-/// What the grammar knows of a command and of those below it. A block of the footer that has a
-/// title and indented lines below it is the examples; the remark on one stands behind four blanks.
-CommandDescription Describe(const CLI::App& command);
 
 /// An option as it is written: "-h, --help" or "--host DIR".
 std::string OptionForms(const OptionDescription& option);

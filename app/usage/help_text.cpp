@@ -46,6 +46,7 @@ std::string Meaning(const OptionDescription& option) {
 
 std::vector<Entry> EntriesOf(const std::vector<OptionDescription>& options) {
     std::vector<Entry> entries;
+    entries.reserve(options.size());
     for (const OptionDescription& option : options)
         entries.push_back({OptionForms(option), Meaning(option)});
     return entries;
@@ -82,6 +83,7 @@ std::string HelpText(const CommandDescription& command) {
         text += line + '\n';
     text += "\nUsage: " + UsageLine(command) + '\n';
     std::vector<Entry> commands;
+    commands.reserve(command.commands.size());
     for (const CommandDescription& below : command.commands)
         commands.push_back({std::string(below.Word()), below.summary});
     AddList(text, "Commands", commands);

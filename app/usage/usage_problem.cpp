@@ -1,6 +1,5 @@
 #include "app/usage/usage_problem.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <fmt/format.h>
 

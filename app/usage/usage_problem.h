@@ -1,14 +1,10 @@
 #pragma once
 
+#include <CLI/CLI.hpp>
 #include <string>
 #include <string_view>
 
 #include "app/usage/command_description.h"
-
-namespace CLI {
-class App;
-class ParseError;
-}  // namespace CLI
 
 namespace quillon {
 

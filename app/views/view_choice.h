@@ -20,4 +20,7 @@ Surroundings LookAround();
 /// the choice was left to the program.
 std::vector<ViewKind> ViewsToTry(ViewKind asked, const Surroundings& surroundings);
 
+/// Whether a desktop's menu or icon has started this process, so that nobody sees its output.
+bool IsLaunchersChild(const Surroundings& surroundings);
+
 }  // namespace quillon

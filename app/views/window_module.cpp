@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <dlfcn.h>
 #include <fmt/format.h>
+#include <optional>
 #include <system_error>
 
 #include "app/version.h"
@@ -15,25 +16,38 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// The maker inside the module, or why there is none.
-struct FoundMaker {
+/// What the module exports, or why there is none.
+struct Module {
     WindowMaker maker = nullptr;
+    MessageTeller teller = nullptr;
     std::string whyNot;
 };
 
-FoundMaker LoadModule(const fs::path& file) {
+Module LoadModule(const fs::path& file) {
     // Never unloaded: the desktop's libraries leave things behind that point into them.
     void* const module = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
     if (module == nullptr) {
         const char* const reason = dlerror();
-        return {nullptr, fmt::format("the desktop window cannot be loaded ({}); install the "
-                                     "packages of the group [window]",
-                                     reason == nullptr ? file.string() : reason)};
+        return {nullptr, nullptr,
+                fmt::format("the desktop window cannot be loaded ({}); install the package "
+                            "quillon-window or what it needs",
+                            reason == nullptr ? file.string() : reason)};
     }
     void* const maker = dlsym(module, WindowMakerName);
     if (maker == nullptr)
-        return {nullptr, fmt::format("{} is not this program's desktop window", file.string())};
-    return {reinterpret_cast<WindowMaker>(maker), ""};
+        return {nullptr, nullptr,
+                fmt::format("{} is not this program's desktop window", file.string())};
+    void* const teller = dlsym(module, MessageTellerName);
+    return {reinterpret_cast<WindowMaker>(maker), reinterpret_cast<MessageTeller>(teller), ""};
+}
+
+/// The module from the first place that has it.
+std::optional<fs::path> FindModule(const std::vector<fs::path>& places) {
+    const auto file = std::ranges::find_if(places, [](const fs::path& place) {
+        std::error_code error;
+        return fs::exists(place, error);
+    });
+    return file == places.end() ? std::nullopt : std::optional(*file);
 }
 
 std::unique_ptr<Window> Make(WindowMaker maker) {
@@ -51,22 +65,28 @@ std::vector<fs::path> WindowModulePlaces() {
 }
 
 WindowOffer OpenWindow(const std::vector<fs::path>& places) {
-    const auto file = std::find_if(places.begin(), places.end(), [](const fs::path& place) {
-        std::error_code error;
-        return fs::exists(place, error);
-    });
-    if (file == places.end()) {
+    const std::optional<fs::path> file = FindModule(places);
+    if (!file) {
         return {nullptr,
-                "there is no desktop window in this installation; install the packages of the "
-                "group [window] (scripts/install-packages.sh window) and build it anew"};
+                "there is no desktop window in this installation; install the package "
+                "quillon-window, or build the program where Qt 6 is installed"};
     }
-    const auto [maker, notLoaded] = LoadModule(*file);
-    if (maker == nullptr) return {nullptr, notLoaded};
-    if (std::string reason = WhyNoDisplay([maker = maker] { Make(maker); }); !reason.empty())
+    const Module module = LoadModule(*file);
+    if (module.maker == nullptr) return {nullptr, module.whyNot};
+    if (std::string reason = WhyNoDisplay([&module] { Make(module.maker); }); !reason.empty())
         return {nullptr, std::move(reason)};
-    std::unique_ptr<Window> window = Make(maker);
+    std::unique_ptr<Window> window = Make(module.maker);
     if (window != nullptr) return {std::move(window), ""};
     return {nullptr, fmt::format("{} belongs to another build of this program", file->string())};
+}
+
+void TellOnDesktop(const std::string& message, const std::vector<fs::path>& places) {
+    const std::optional<fs::path> file = FindModule(places);
+    if (!file) return;
+    const Module module = LoadModule(*file);
+    if (module.teller == nullptr || !WhyNoDisplay([&module] { Make(module.maker); }).empty())
+        return;
+    module.teller(message.c_str());
 }
 
 }  // namespace quillon

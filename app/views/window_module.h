@@ -22,4 +22,9 @@ std::vector<std::filesystem::path> WindowModulePlaces();
 /// opened, and opens the window's. Whatever stands in the way is told, nothing is thrown.
 WindowOffer OpenWindow(const std::vector<std::filesystem::path>& places = WindowModulePlaces());
 
+/// Shows a message on the desktop until it has been read. Where there is no module or no display,
+/// nothing happens.
+void TellOnDesktop(const std::string& message,
+                   const std::vector<std::filesystem::path>& places = WindowModulePlaces());
+
 }  // namespace quillon

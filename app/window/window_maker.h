@@ -13,7 +13,11 @@ namespace quillon {
 /// Ends the process when no display can be opened.
 using WindowMaker = Window* (*)(const char* version, std::size_t stateSize);
 
-/// The name by which the module exports its `WindowMaker`.
+/// Shows a message until the person has read it. Ends the process when no display can be opened.
+using MessageTeller = void (*)(const char* message);
+
+/// The names by which the module exports these.
 constexpr const char* WindowMakerName = "QuillonMakeWindow";
+constexpr const char* MessageTellerName = "QuillonTellMessage";
 
 }  // namespace quillon

@@ -11,7 +11,7 @@ from pathlib import Path
 sys.dont_write_bytecode = True
 sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "scenarios"))
 
-from desktop import Desktop, NoWindow
+from desktop import Desktop, NoWindow, PATIENCE
 from stage import Failed, Stage, confirm_whole
 
 import sample_library
@@ -196,7 +196,7 @@ def without_a_display_nothing_runs_and_the_message_says_why():
                 "Could not find the Qt platform plugin")
         (library.work / Path(MODULE).name).unlink()
         refused(library, desktop.environment(), "there is no desktop window in this installation",
-                "scripts/install-packages.sh window")
+                "install the package quillon-window")
         gone = desktop.environment()
         shutil.copy2(MODULE, library.work / Path(MODULE).name)
         desktop.end()
@@ -230,9 +230,31 @@ def auto_takes_the_window_when_a_launcher_has_started_it():
         expect("complaints", "", errors)
 
 
+def a_start_from_a_menu_that_fails_says_so_on_the_desktop():
+    with Desktop() as desktop, Library(1) as library:
+        (library.host / "Quillon.ini").unlink()
+        process = library.start_run(desktop.environment(GIO_LAUNCHED_DESKTOP_FILE="shelf.desktop"))
+        box, deadline = "", time.monotonic() + PATIENCE
+        while not box and process.poll() is None and time.monotonic() < deadline:
+            box = desktop.tool("search", "--onlyvisible", "--name", "^Quillon Shelfkeeper$")
+            time.sleep(0.05)
+        if not box:
+            raise Failed(f"no message: {library.finish(process)}")
+        desktop.tool("windowfocus", box)
+        desktop.tool("key", "Return")
+        status, _, errors = library.finish(process)
+        expect("status", 2, status)
+        expect_in("errors", "has no Quillon.ini", errors)
+        # Who has a shell reads it there.
+        status, _, errors = library.run_with(desktop.environment())
+        expect("status without a launcher", 2, status)
+        expect_in("errors without a launcher", "has no Quillon.ini", errors)
+
+
 def main():
     failures = 0
-    for story in (a_run_shows_its_window_and_closes_it_at_its_end,
+    for story in (a_start_from_a_menu_that_fails_says_so_on_the_desktop,
+                  a_run_shows_its_window_and_closes_it_at_its_end,
                   a_click_a_signal_and_the_end_of_the_desktop_stop_a_run_in_order,
                   without_a_display_nothing_runs_and_the_message_says_why,
                   a_window_without_a_screen_is_one_too,
