@@ -39,7 +39,7 @@ std::filesystem::path CheckedFolder(const std::filesystem::path& folder) {
     const std::string hint = "; 'quillon init' makes a host folder, --host names one";
     std::error_code ignored;
     if (!std::filesystem::is_directory(folder, ignored))
-        throw CommandError(fmt::format("{} is no folder{}", folder.string(), hint));
+        throw CommandError(fmt::format("{} is not a folder{}", folder.string(), hint));
     const std::vector<std::string_view> missing = MissingFiles(folder);
     if (!missing.empty()) {
         throw CommandError(fmt::format(
