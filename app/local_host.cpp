@@ -40,7 +40,7 @@ std::filesystem::path CheckedFolder(const std::filesystem::path& folder) {
         "; 'quillon init' makes a host folder, --host or QUILLON_HOST names one";
     std::error_code ignored;
     if (!std::filesystem::is_directory(folder, ignored))
-        throw CommandError(fmt::format("{} is no folder{}", folder.string(), hint));
+        throw CommandError(fmt::format("{} is not a folder{}", folder.string(), hint));
     const std::vector<std::string_view> missing = MissingFiles(folder);
     if (!missing.empty()) {
         throw CommandError(fmt::format(

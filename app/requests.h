@@ -8,7 +8,7 @@
 
 namespace quillon {
 
-/// Which face a run shows.
+/// Which user interface a run shows.
 enum class ViewKind { Auto, Window, Terminal, Plain };
 
 /// How albums lie in the music folder: folders of folders, or files side by side.

@@ -28,8 +28,7 @@ constexpr std::array WhatToRun{
 
 constexpr std::array Library{
     SettingExplanation{"LibraryRoot",
-                       "Root folder of the music. Empty: whatever needs the music "
-                       "folder does not run."},
+                       "Root folder of the music. If empty, nothing that needs the music runs."},
     SettingExplanation{"FlatStructure",
                        "0: artist folders that hold album folders. 1: files named "
                        "Artist_Song.mp3 side by side."},
@@ -63,10 +62,10 @@ constexpr std::array PlaylistFiles{
     SettingExplanation{"GenrePlaylist", "Make a playlist for each genre."},
     SettingExplanation{"ArtistThreshold", "The fewest tracks for which an artist gets a playlist."},
     SettingExplanation{"MaxPlaylistLength",
-                       "Above this many tracks a made playlist is split into parts."},
+                       "A generated playlist with more tracks than this is split into parts."},
     SettingExplanation{"PlaylistByAlbumOption",
                        "1: artist playlists name whole albums instead of tracks."},
-    SettingExplanation{"RandomizePlaylist", "Shuffle the playlists that are made."},
+    SettingExplanation{"RandomizePlaylist", "Shuffle the generated playlists."},
 };
 
 constexpr std::array CoversAndPicker{
@@ -89,8 +88,8 @@ constexpr std::array Groups{
 
 constexpr std::string_view Head =
     "; Settings of the library maintenance. Each run reads them once, at its start, and never\n"
-    "; writes them. Yes and no are 1 and 0. Paths are Windows paths; host.ini tells which local\n"
-    "; folder a drive letter stands for.\n"
+    "; writes them. Yes and no are 1 and 0. Paths are Windows paths; host.ini says which local\n; "
+    "folder a drive letter stands for.\n"
     ";\n"
     "; A run does one thing: the first of ID3Update, AddFiles, ID3Write, AlbumPicker, PlaToM3u,\n"
     "; MakeRemote, M3uToPla and Reconcile that is on. The first three need LibraryRoot.\n"

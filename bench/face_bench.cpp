@@ -1,4 +1,4 @@
-// Measures what a face costs a run: the same unchanged library is reconciled with plain lines into
+// Measures what a view costs a run: the same unchanged library is reconciled with plain lines into
 // nowhere, on a terminal screen and in a window, in turn.
 
 #include <cstddef>
@@ -49,14 +49,14 @@ std::vector<Face> Faces() {
             {.view = "window", .surroundings = {.environment = DisplayToDrawOn()}}};
 }
 
-/// What an unchanged run takes and what a face adds to it, in processor seconds.
+/// What an unchanged run takes and what a view adds to it, in processor seconds.
 struct Cost {
     double whole;
     double beyondFirst;
 };
 
-/// The cost of each face, beyond that of the first. A machine is now faster, now slower, by more
-/// than a face costs: so a run is compared with the first face's of the same round, and the
+/// The cost of each view, beyond that of the first. A machine is now faster, now slower, by more
+/// than a view costs: so a run is compared with that of the first view in the same round, and the
 /// median of the rounds counts.
 std::vector<Cost> Costs(const std::vector<Face>& faces, std::size_t tracks) {
     const MusicTree music(tracks, FileNames::ByNumber);

@@ -38,7 +38,7 @@ class HostFolder {
     /// An image for each album of the music.
     void AddCovers(const std::filesystem::path& music) const;
 
-    /// One run, shown by this face. Throws when it does not end with 0. What it leaves for people
+    /// One run, shown in this view. Throws when it does not end with 0. What it leaves for people
     /// goes: dated copies would fill the disk.
     Usage Run(const Surroundings& surroundings = {}, const std::string& view = "plain") const;
 

@@ -7,7 +7,7 @@ namespace quillon {
 class Run;
 struct PickerLocations;
 
-/// The album picker mode: makes all pages anew below the host's web folder. The new set takes the
+/// The album picker mode: makes all pages again below the host's web folder. The new set takes the
 /// old one's place only when it is complete; after a failure or an abort the old one stays.
 void BuildAlbumPicker(Run& run);
 

@@ -57,7 +57,7 @@ class CoverCopier {
     }
 
   private:
-    /// Pages are made without it, too, but covers that are out of sight are told.
+    /// Pages are made without it, too, but covers that are out of sight are reported.
     void RequireCoverFolder() const {
         const std::string& folder = run_.settings.AlbumCoverFolder;
         if (folder.empty() || folder == "\\" || run_.files.FolderExists(folder)) return;

@@ -23,7 +23,7 @@ class PickerPages {
 
     std::size_t PageCount() const { return layout_.Pages(albums_.albums.size()); }
 
-    /// Thumbnails of all albums. `leastTracks` is told to the reader.
+    /// Thumbnails of all albums. `leastTracks` is shown to the reader.
     std::string Index(int leastTracks) const;
 
     /// The albums of a page, counted from 1.

@@ -83,7 +83,7 @@ struct CoverTitle {
     std::string artist, album;
 };
 
-/// Of several separators the first one counts: more titles than artists have one in their name.
+/// If there are several separators, the first one is used: more titles than artists contain one.
 std::optional<CoverTitle> ReadCoverTitle(std::string_view name) {
     constexpr std::string_view Separator = " - ";
     constexpr std::size_t ExtensionLength = 4;

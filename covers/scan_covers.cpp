@@ -29,7 +29,7 @@ void RequireFolder(Run& run, const std::string& folder) {
     if (!run.files.FolderExists(folder)) throw Failure(FailureNumber::PathNotFound, folder);
 }
 
-/// All JPEG images come first: so a GIF image of the same name is told to be superfluous, wherever
+/// All JPEG images come first: so a GIF image of the same name is reported as superfluous, wherever
 /// the folder's order has it.
 void AddCoverFolder(Run& run, const std::string& folder, CoverSet& covers) {
     RequireFolder(run, folder);
@@ -45,8 +45,8 @@ void AddCoverFolder(Run& run, const std::string& folder, CoverSet& covers) {
     }
 }
 
-/// Here a GIF image stands beside a JPEG image of its name: whoever keeps covers with the albums
-/// has both pointed at in the database.
+/// Here a GIF image stands beside a JPEG image of its name: people who keep covers with the albums
+/// have both in the database.
 void AddLibraryTree(Run& run, const std::string& reservedFolder, CoverSet& covers) {
     RequireFolder(run, run.settings.LibraryRoot);
     const auto noteUnseen = [&covers](const auto& listing) {

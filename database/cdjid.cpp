@@ -52,7 +52,7 @@ std::string CdjidSequence::GetNextCDJID(std::string_view album) {
 std::string CdjidSequence::Next() {
     if (!highest_) return WithNumber(1);
     const std::string next = After(*highest_);
-    // One above all others is nobody's.
+    // One above all others is free.
     const bool isAbove = LowerCase(*highest_) < LowerCase(next);
     return isAbove || !IsInUse(next) ? next : LowestFree();
 }

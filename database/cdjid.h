@@ -16,8 +16,8 @@ class CdjidSequence {
   public:
     explicit CdjidSequence(Run& run) : run_(run) {}
 
-    /// The next identifier; the same one again until Taken() is told of it. "" after a failure,
-    /// which is logged with the album that it is for; that all are in use is one.
+    /// The next identifier; the same one again until Taken() is called for it. "" after a failure,
+    /// which is logged with its album; running out of numbers is one.
     std::string GetNextCDJID(std::string_view album = {});
 
     /// An album row with this identifier has been stored.

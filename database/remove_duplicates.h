@@ -13,8 +13,7 @@ class Run;
 
 /// Removes what cannot be reconciled: all rows of an identifier that several albums carry, and
 /// owned tracks without a sound file. Each statement's failure is logged and the next one runs.
-/// (That all rows count as not yet found from now on is the folder walk's affair, which keeps it in
-/// memory.)
+/// (Marking all rows as not yet found is left to the folder walk, which does so in memory.)
 void RemoveDuplicates(Run& run);
 
 }  // namespace quillon

@@ -70,7 +70,7 @@ class SnapshotLine {
     }
     std::string Text();
 
-    /// For whoever finds that the words make no sense.
+    /// Call it when the words make no sense.
     void Damaged() { well_ = false; }
     bool ReadWell() const { return well_ && rest_.empty(); }
 

@@ -10,8 +10,8 @@ namespace quillon {
 /// it is a Failure here, as the statement would be one in the database.
 std::string Quoted(std::string_view value);
 
-/// Refuses a value that no such statement could hold, where none is needed any more: rows that were
-/// told by it so far are to be told by it still.
+/// Refuses a value that no such statement could hold, even where no statement is used any more:
+/// rows that failed in it before are still to be reported.
 void RefuseQuote(std::string_view value);
 
 /// A text value between single quotes for record-set filters; apostrophes inside are doubled, so

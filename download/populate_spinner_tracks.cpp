@@ -20,7 +20,7 @@
 namespace quillon {
 namespace {
 
-/// A track under the names by which its song is told from others.
+/// A track with the names that identify its song.
 struct Song {
     const AlbumRow& album;
     const TrackRow& track;
@@ -38,9 +38,9 @@ bool IsNamed(const Song& song) {
     return std::ranges::all_of(song.Names(), isFit);
 }
 
-/// A name that is missing leaves a comparison with nothing, which is no criterion; that is told
-/// here, where the song can be named. Such a song must not be added: it would never be found again
-/// and come anew in each run. Nor must one that no statement could hold.
+/// A missing name gives no criterion to search by, which is reported here, where the song can be
+/// named. Such a song must not be added: it would never be found again and would be added in each
+/// run. Nor must one that no statement could hold.
 void RequireNames(const Song& song) {
     bool complete = true;
     for (const auto& [field, name] : song.Names()) {

@@ -23,7 +23,7 @@ class IniTool {
     IniTool(Files& files, Host& host) : files_(files), host_(host) {}
 
     /// Forgets what it held and reads a file; one that does not exist reads as empty. With
-    /// diagnostics the host's log tells of a missing file and of lines that are no entries.
+    /// diagnostics the host's log names a missing file and lines that are no entries.
     /// Failure: DuplicateKey for a section that stands twice in the file.
     void Load(std::string_view fileName, Diagnostics diagnostics = Diagnostics::Off);
 
@@ -31,7 +31,7 @@ class IniTool {
     std::string Read(std::string_view section, std::string_view key,
                      std::string_view fallback) const;
 
-    /// Takes an entry out; nothing happens when there is none.
+    /// Removes an entry; does nothing when there is none.
     void Remove(std::string_view section, std::string_view key);
 
     /// The names of the sections as written, in the order of the file.
@@ -40,8 +40,8 @@ class IniTool {
     /// Takes every entry out.
     void Clear();
 
-    /// Writes the file last loaded anew. Failure, before the file is touched: a section of more
-    /// than 100 characters, a key of more than 65 or a value of more than 255.
+    /// Rewrites the file that was loaded last. Failure, before the file is touched: a section of
+    /// more than 100 characters, a key of more than 65 or a value of more than 255.
     void Save() const;
 
     /// Writes every key with its item as a preformatted block of a web page.

@@ -81,7 +81,7 @@ RunOutcome LibraryForm::main() {
         procedures_.PopulateGenre(run_);
         if (mode != nullptr) outcome = UpdateDatabase(*mode);
     });
-    // Asked for here, because a connection that is let go has nobody to tell a failure to.
+    // Done here, because a connection that is being closed cannot report a failure.
     steps.Try(0, [&] {
         if (run_.connection) run_.Flush();
     });

@@ -5,7 +5,7 @@
 
 namespace quillon {
 
-/// The name that a misspelt one is most likely meant to be: one that few letters tell from it,
+/// The name that a misspelt one is most likely meant to be: one that differs in few letters,
 /// letter case not counting. Empty when none is near.
 std::string_view NearestName(std::string_view misspelt, std::span<const std::string_view> names);
 

@@ -46,7 +46,7 @@ struct SettingDefinition {
 std::span<const SettingDefinition> SettingDefinitions();
 
 /// Reads every setting through the host. `PlaylistsOnly` switches `Reconcile` on here, so that
-/// whoever reads the settings sees the same mode. Failure: a strict setting whose text does not
+/// every reader of the settings sees the same mode. Failure: a strict setting whose text does not
 /// convert; the description names key and text ("Type mismatch: ImagesWide=abc").
 Settings ReadSettings(Host& host);
 
@@ -75,7 +75,7 @@ struct SettingsReport {
     bool readable = true;                  ///< whether a run could start with them
 };
 
-/// Reads every setting as a run does, but goes on behind one that cannot be read.
+/// Reads every setting as a run does, but goes on after one that cannot be read.
 SettingsReport InspectSettings(Host& host);
 
 }  // namespace quillon

@@ -14,8 +14,8 @@ namespace quillon {
 namespace {
 
 constexpr std::string_view StopsHere =
-    "The run ends here, before it changes the library: what would make good for an interruption "
-    "cannot be kept. The next run goes on";
+    "The run ends here, before it changes the library: what is needed to recover from an "
+    "interruption cannot be saved. The next run goes on";
 
 /// What a reconciliation keeps beside the database while it works.
 std::string OwnFile(const Settings& settings) {
@@ -123,8 +123,8 @@ bool LibraryForm::MakeBackups(const BackupPlan& plan) {
     bool made = true;
     if (plan.database) {
         made = isMade(TimeStampBackup(run_, settings.Nirvis_CDJ_DB));
-        // What an interrupted run has left beside it goes along: the one is only whole with the
-        // other.
+        // What an interrupted run has left beside it is copied, too: neither is complete without
+        // the other.
         const std::string own = OwnFile(settings);
         if (made && run_.files.FileExists(own)) made = isMade(TimeStampBackup(run_, own));
     }

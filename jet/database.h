@@ -29,7 +29,7 @@ struct DamagedTable {
     std::string reason;
 };
 
-/// A Jet 4 `.mdb` database with its SQL: the public face of this library.
+/// A Jet 4 `.mdb` database with its SQL: the public interface of this library.
 ///
 /// A table's rows are held in memory from the first statement on that looks at them, with those of
 /// their columns that statements name; a row that a statement names by a number which an index of

@@ -15,9 +15,8 @@ namespace quillon {
 /// All albums and tracks of the database, read once. Texts are compared as the database does,
 /// without letter case, and the first row is the first in the file.
 ///
-/// What a row says in words is written as soon as it changes, so that what the database refuses is
-/// refused where it happens. Counts and numbers are written by Save(): only those that are others
-/// than in the file.
+/// Texts are written as soon as they change, so that a refusal is reported where it happens. Counts
+/// and numbers are written by Save(), and only those that differ from the file.
 class Library {
   public:
     /// Throws Failure. The connection must outlive this object.

@@ -7,8 +7,8 @@
 namespace quillon {
 
 /// Finds the rows of somebody else's table by the hash of a key that many may share. It does not
-/// know the keys: whoever asks compares them. So a row whose key changes is just added again, and
-/// one that goes away is passed over.
+/// know the keys: the caller compares them. So a row whose key changes is just added again, and
+/// one that is removed is skipped.
 class RowIndex {
   public:
     using Row = std::uint32_t;

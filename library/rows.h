@@ -51,7 +51,7 @@ class MarkableNumber {
         isMarked_ = false;
     }
     /// What it was when the run began.
-    void GiveBack() { Set(before_); }
+    void Restore() { Set(before_); }
 
     /// What the file is to hold.
     RowNumber Truth() const { return isMarked_ ? before_ : present_; }

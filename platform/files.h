@@ -34,11 +34,12 @@ struct Listing {
 
     /// Paths of entries that are there but could not be looked at: the disk failed, or a link leads
     /// to where nothing is at present. Each may be a file or a folder. What they stand for is not
-    /// gone, so nobody may act as if it were. The adapter tells each as an error, once.
+    /// gone, and must not be treated as if it were. The adapter reports each as an error, once.
     std::vector<std::string> unseen;
 
     /// Names of the other kind's entries beside them: of files beside folders, of folders beside
-    /// files. Nobody has looked at those, so they cost nothing; folders behind links are missing.
+    /// files. Those have not been looked at, so they cost nothing; folders behind links are
+    /// missing.
     std::vector<std::string> others;
 
     auto begin() { return entries.begin(); }
@@ -109,13 +110,13 @@ class BinaryReader {
     virtual ~BinaryReader() = default;
     virtual std::uint64_t Size() const = 0;
     virtual void SetPosition(std::uint64_t position) = 0;
-    /// Up to `count` bytes from the position on, which moves behind them; fewer only at the end.
+    /// Up to `count` bytes from the position on, which moves past them; fewer only at the end.
     virtual std::vector<std::uint8_t> Read(std::size_t count) = 0;
 };
 
 /// The file system in Windows terms: paths are `D:\Music\x.mp3` or `\\server\share\x.mp3`, names
 /// compare without letter case, listings come in name order. Every operation throws Failure in the
-/// runtime's wording with the path behind it. A path with a component that Windows cannot hold is
+/// runtime's wording, followed by the path. A path with a component that Windows cannot hold is
 /// refused (BadFileName) before anything is touched; a drive or share that is not there, or a
 /// missing folder on the way, is PathNotFound; a missing file FileNotFound.
 class Files {

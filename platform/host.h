@@ -25,7 +25,7 @@ class Host {
                                       std::string_view fallback, std::string_view file) = 0;
 
     /// The lines of a section as they stand, without comments and empty ones: of all sections of
-    /// that name, and whether they say anything or not. For whoever looks for what was meant.
+    /// that name, and whether they say anything or not. For finding out what was meant.
     virtual std::vector<std::string> GetINILines(std::string_view section,
                                                  std::string_view file) = 0;
 

@@ -16,13 +16,13 @@ struct PhaseIndicator {
 
 constexpr std::size_t PhaseCount = 17;
 
-/// How far the running phase has come. Only a total that is known is told.
+/// How far the running phase has come. Only a total that is known is given.
 struct PhaseProgress {
     std::size_t done = 0;
     std::size_t total = 0;  ///< 0: not known
 };
 
-/// What a record of the log tells.
+/// What kind of record of the log it is.
 enum class LogKind { Information, Error };
 
 /// What the one window shows. The driver and the phases change it; a view draws it.
@@ -39,8 +39,8 @@ struct FormState {
 constexpr std::string_view FormCaption = "Library Consistency Management";
 constexpr std::string_view ReconcileCaption = "Reconcille Library vs Database";
 
-/// A face of the run: a desktop window, a terminal screen or plain lines. Views may draw as seldom
-/// as they like; every call returns at once.
+/// A user interface of the run: a desktop window, a terminal screen or plain lines. Views may draw
+/// as seldom as they like; every call returns at once.
 class Window {
   public:
     virtual ~Window() = default;

@@ -15,7 +15,8 @@ enum class ArtistEntries {
 /// artist, genre, album, number (-1 for a whole album) and sort key. An artist whose first track is
 /// excluded there is left out. Tracks without a number or without an album's identifier cannot be
 /// named in a playlist; they are left out, too, and counted in the log. An artist whose music
-/// cannot be read is logged, and costs the others nothing; whether there was none. Throws Failure.
+/// cannot be read is logged, and does not affect the others; whether there was none. Throws
+/// Failure.
 bool ReadArtistEntries(Run& run, Steps& steps, ArtistEntries kind);
 
 }  // namespace quillon

@@ -269,7 +269,7 @@ class CaptureExisting {
 
     void Write(SnapshotContent content) {
         run_.isSecured &= steps_.Try(6, [&] { WritePlaylistSnapshot(run_, tracks_, content); });
-        // Songs may become others while the library changes; then it is written anew.
+        // Songs may be replaced by others while the library changes; then it is written again.
         run_.playlistEntries.OnKeep([&run = run_, earlier = earlier_, kept = std::move(content)] {
             WritePlaylistSnapshot(run, TrackIndex(run.TheLibrary()), kept);
         });

@@ -136,9 +136,9 @@ void PlaToM3u(Run& run, const FileEntry& file) {
         if (EqualIgnoringCase(target, file.path)) {
             WriteLog(run, LogSource, "PlaToM3u: " + file.path + " would be replaced by itself");
         } else if (!MayReplace(run, file, target)) {
-            LogError(
-                run, LogSource,
-                "PlaToM3u: " + target + " is no playlist, so " + file.path + " is not converted");
+            LogError(run, LogSource,
+                     "PlaToM3u: " + target + " is not a playlist, so " + file.path +
+                         " is not converted");
         } else {
             WriteM3u(run, target, *songs);
         }

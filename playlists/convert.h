@@ -11,8 +11,8 @@ void aPlaToM3u_Click(Run& run);
 
 /// Converts one playlist. One without entries makes no file; another list of the name is replaced.
 /// Songs whose paths the ANSI code page lacks are left out, with a line in the log; a file in UTF-8
-/// beside it, `.m3u8`, then has all songs. A failure is logged and costs the entry it is about, or
-/// the file that cannot be read or written.
+/// beside it, `.m3u8`, then has all songs. A failure is logged and affects only the entry it is
+/// about, or the file that cannot be read or written.
 void PlaToM3u(Run& run, const FileEntry& file);
 
 /// The opposite direction is a mode without work, on purpose: playlists for other players are made

@@ -45,7 +45,7 @@ class Threshold {
         }
     }
 
-    /// An artist without tracks is none to ask for, however low the threshold.
+    /// An artist without tracks gets no list, however low the threshold.
     bool IsReachedBy(std::string_view artist) const {
         const auto found = counts_.find(LowerCase(artist));
         return found != counts_.end() && found->second >= least_;
@@ -259,7 +259,7 @@ class Creation {
             const bool isNothingLeft = NoPlaylistNasties(name).empty();
             WriteLog(run_, LogSource,
                      "No playlist for " + name +
-                         (isNothingLeft ? ": nothing of the name can be in a file's name"
+                         (isNothingLeft ? ": a file's name can hold no character of it"
                                         : ": no file can have that name"));
         }
     }
@@ -270,7 +270,7 @@ class Creation {
         if (last_.at(LowerCase(list.name)) != &list) {
             WriteLog(run_, LogSource,
                      "No playlist " + path + " for " + list.of +
-                         ": another one of this run has the same name");
+                         ": another list of this run has the same name");
             return;
         }
         files.Bring(path, lists.Text(list), list);

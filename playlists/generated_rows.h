@@ -10,7 +10,7 @@ namespace quillon {
 class Run;
 
 /// A row of the table `Playlists` for a file that a generator has made which is switched on: this
-/// run makes the file anew, or has no use for it any more.
+/// run generates the file again, or no longer needs it.
 struct GeneratedRow {
     std::string folder;  ///< `PlayListPath` where it is that folder, by whatever name
     std::string name;    ///< the file's, with extension

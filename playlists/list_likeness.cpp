@@ -41,7 +41,7 @@ std::string Beginning(Files& files, const FileEntry& file) {
     return {bytes.begin(), bytes.end()};
 }
 
-/// The entry that a line holds and nothing besides; more exacting than those who read lists.
+/// The entry of a line that holds nothing else; stricter than the readers of lists.
 std::optional<PlaFields> PlainEntry(std::string_view line) {
     const std::optional<PlaFields> fields = ExactlyTwoFields(Trim(line));
     if (!fields) return std::nullopt;

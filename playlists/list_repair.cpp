@@ -29,7 +29,7 @@ class Repairing {
 
     RepairedList All(std::string_view text) {
         const std::vector<std::string_view> lines = LinesOf(text);
-        // The header is nobody's business, whatever it says.
+        // The header is kept, whatever it says.
         if (!lines.empty()) Keep(std::string(lines.front()));
         for (std::size_t i = 1; i < lines.size(); ++i) {
             if (std::optional<std::string> kept = Checked(lines[i])) {

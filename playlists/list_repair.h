@@ -13,7 +13,7 @@ class TrackIndex;
 struct RepairedList {
     std::vector<std::string> lines;     ///< bytes, the header first
     std::vector<std::string> messages;  ///< what is to be logged of it
-    bool isChanged = false;             ///< whether the lines are others than the file's
+    bool isChanged = false;             ///< whether the lines differ from the file's
 
     /// Nothing but a header is left.
     bool IsEmpty() const { return lines.size() < 2; }

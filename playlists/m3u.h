@@ -33,7 +33,7 @@ std::string M3uName(std::string_view name);
 std::string M3u8Name(std::string_view m3uName);
 
 /// Appends one song; `track` is its number in the database. A song that is not there, or has no
-/// sound file, is none. A failure is logged.
+/// sound file, is left out. A failure is logged.
 void WriteM3uTrack(Run& run, std::vector<M3uSong>& songs, std::string_view cdjid,
                    std::string_view track);
 

@@ -23,7 +23,7 @@ struct PlaFields {
 
 /// The first two of at least two fields, of which either may be empty: blanks separate, so two in a
 /// row have an empty field between them. Nothing for a line without a blank. What stands behind
-/// does not count here, though it does for whoever converts.
+/// does not count here, though it does for the conversion.
 std::optional<PlaFields> FirstTwoFields(std::string_view line);
 
 /// The fields of a line that has exactly two, neither empty.

@@ -11,11 +11,11 @@ namespace quillon {
 class Run;
 class Steps;
 
-/// Whether the folder of the setting `PlayListPath` is there. Failure where nobody can tell.
+/// Whether the folder of the setting `PlayListPath` is there. Failure where that is unknown.
 bool PlaylistFolderExists(Run& run);
 
 /// Whether two settings or fields name the same folder, by whatever drive or link; false where
-/// either is not there. Failure where nobody can tell.
+/// either is not there. Failure where that is unknown.
 bool IsSameFolder(Files& files, std::string_view one, std::string_view other);
 
 /// Whether a file of this name is a playlist by its name alone. The companions that some systems

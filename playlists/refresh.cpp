@@ -47,7 +47,7 @@ class Refreshing {
     }
 
   private:
-    /// A folder whose lists have been captured does not go away by itself.
+    /// A folder whose lists have been captured does not disappear by itself.
     bool FolderIsThere() const {
         if (PlaylistFolderExists(run_)) return true;
         if (entries_.ReadCount() == 0 && !entries_.HasUnread()) return false;
@@ -132,7 +132,8 @@ class Refreshing {
     }
 
     /// Whoever has changed the list may have written it by the old numbers or by the new ones.
-    /// Nobody can tell, so it stays, and what no longer names the song that it named is told.
+    /// That cannot be determined, so the list stays, and entries that no longer name the same song
+    /// are reported.
     void TellChanged(const FileEntry& file, std::string_view text) {
         const std::string told =
             "Playlist " + file.name + " was changed by another program during this run";
@@ -142,7 +143,7 @@ class Refreshing {
         } else {
             LogError(run_, LogSource,
                      told + ", and is left as it is; entries that named other songs before: " +
-                         moved + ". Choose these anew where they are wrong");
+                         moved + ". Choose them again where they are wrong");
         }
     }
 

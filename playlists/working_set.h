@@ -6,7 +6,7 @@ namespace quillon {
 
 class Run;
 
-/// Makes the run's playlist working set anew, empty.
+/// Replaces the run's playlist working set by an empty one.
 void BuildORsRecordset(Run& run);
 
 /// Writes every entry of the working set into the host's log: "ORs ", then the caption and the

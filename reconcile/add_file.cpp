@@ -129,7 +129,7 @@ void Addition::Describe(std::string_view artist, std::string_view album) {
     ReadTagInto(file_, *tag, [this](std::string_view number) {
         return GenreOfNumber(*run_.connection, number);
     });
-    // What was taken from a folder's name cannot be a file's.
+    // A title taken from a folder's name cannot be the file's.
     if (file_.title.find('\\') != std::string::npos && file_.title == TitleInPath(path_))
         file_.title = TitleInName(path_);
     RequireFileNames(file_, path_);
@@ -187,7 +187,7 @@ void Addition::AddArtist() {
     UndoRow(*adding_.spinnerArtist);
 }
 
-/// Music is worth more than its picture: without one it comes in all the same. Always true.
+/// Music matters more than its picture: if need be it is added without one. Always true.
 bool Addition::TryCover() {
     const bool isWanted = !cover_.empty() && run_.settings.AlbumCoverFolder != NoFolder &&
                           !adding_.refusedCovers.contains(CoverTarget());
@@ -196,7 +196,7 @@ bool Addition::TryCover() {
     if (steps_.Try(5, [&] { GiveCover(coverBack); })) {
         takeBack_.Append(coverBack);
     } else {
-        // Once an album is enough for the log.
+        // One line of the log for each album is enough.
         adding_.refusedCovers.insert(CoverTarget());
         steps_.Try(7, [this] { albums_.CancelUpdate(); });
         coverBack.Run(steps_, 7);

@@ -39,7 +39,7 @@ std::string FindCover(const Listing<FileEntry>& files) {
     return found == files.end() ? "" : found->path;
 }
 
-/// Adds what is below the source. What cannot be looked at costs the rest nothing.
+/// Adds what is below the source. What cannot be looked at does not affect the rest.
 class AddingWalk {
   public:
     AddingWalk(Adding& adding, Steps& steps) : adding_(adding), run_(adding.run), steps_(steps) {}

@@ -9,7 +9,7 @@
 
 namespace quillon {
 
-/// What a file that comes into the library is taken for.
+/// What is known about a file that is added to the library.
 struct AddedFile {
     std::string artist;
     std::string album;

@@ -32,7 +32,7 @@ struct Adding {
 
 /// Copies one sound file into the library and makes its rows: whole or not at all. `artist` and
 /// `album` are taken where the file's tag has none; `cover` is the path of the image that becomes
-/// the cover of an album without one, "" when there is none; a cover that cannot be had does not
+/// the cover of an album without one, "" when there is none; a cover that cannot be copied does not
 /// keep the file out. A file that the library has already is passed over. Failures are logged.
 void AddFile(Adding& adding, std::string_view artist, std::string_view album, std::string_view path,
              std::string_view cover);

@@ -13,8 +13,8 @@
 namespace quillon {
 namespace {
 
-/// Gives the album an identifier. Without one its tracks would be nobody's and come anew in each
-/// run. Returns it, "" when there is none to be had, which is logged.
+/// Gives the album an identifier. Without one its tracks would have no album and be added again in
+/// each run. Returns it, "" when there is none to be had, which is logged.
 std::string GiveIdentifier(Walk& walk, AlbumRow& row, const std::string& album) {
     std::string cdjid = walk.sequence.GetNextCDJID(album);
     if (cdjid.empty()) return "";

@@ -123,7 +123,7 @@ void SweepMissingMusic(Walk& walk, const MissingMusic& missing) {
     const bool tracksAreGone = DeleteMissingTracks(walk, missing);
     const bool albumsAreGone = steps.TryAs("Refresh Database Track=0 Query", 3, [&] {
         for (AlbumRow* const album : missing.albums) {
-            // Its tracks could not be removed, and would be nobody's.
+            // Its tracks could not be removed, and would have no album.
             if (!tracksAreGone && !walk.library.TracksOf(album->cdjid).empty()) continue;
             walk.library.Remove(*album);
             ++run.counts.albumsRemoved;

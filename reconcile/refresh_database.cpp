@@ -40,14 +40,14 @@ bool Sweep(Walk& walk, const std::vector<std::string>& absent) {
     return true;
 }
 
-/// All rows have the counts and numbers again that they had, since playlists name songs by them.
+/// Restores all counts and numbers, since playlists name songs by them.
 void TakeBackNumbers(Walk& walk, Steps& steps) {
     RunCounts& counts = walk.run.counts;
     counts.albumsChanged -= walk.recounted;
     counts.albumsUnchanged += walk.recounted;
     counts.tracksChanged -= walk.renumbered;
     counts.tracksUnchanged += walk.renumbered;
-    steps.Try(3, [&walk] { GiveBackAll(walk.library); });
+    steps.Try(3, [&walk] { RestoreAll(walk.library); });
 }
 
 }  // namespace

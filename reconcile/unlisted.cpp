@@ -103,7 +103,7 @@ class Keeping {
             // reach. Where the walk has been, the album has its count again.
             const bool isKnown = !track.isNew && track.number.Before() != RowNumber(0);
             const std::int32_t present = track.number.Value();
-            if (isKnown) track.number.GiveBack();
+            if (isKnown) track.number.Restore();
             // Where the walk has been, it has handed out numbers to the files that it saw.
             const bool isShared = album->count.Value() != 0;
             if (isShared || (!isKnown && present <= 0)) unsettled[track.cdjid].insert(&track);
@@ -127,7 +127,7 @@ class Keeping {
                 continue;
             }
             if (isCountKnown) {
-                album.count.GiveBack();
+                album.count.Restore();
             } else {
                 album.count.Set(kept == kept_.end() ? 1 : kept->second);
             }
@@ -169,9 +169,9 @@ std::unordered_set<std::string> AlbumsBelow(Library& library,
     return albums;
 }
 
-void GiveBackAll(Library& library) {
+void RestoreAll(Library& library) {
     for (AlbumRow& album : library.Albums()) {
-        if (album.isOwn && !album.isNew) album.count.GiveBack();
+        if (album.isOwn && !album.isNew) album.count.Restore();
     }
     std::map<std::string, TrackSet> newcomers;
     for (TrackRow& track : library.Tracks()) {
@@ -180,7 +180,7 @@ void GiveBackAll(Library& library) {
             newcomers[track.cdjid].insert(&track);
             continue;
         }
-        track.number.GiveBack();
+        track.number.Restore();
         if (track.cdjidBefore.IsNull() || track.cdjid == track.cdjidBefore.Text()) continue;
         const FieldValue home{"CDJID", track.cdjidBefore.Text()};
         library.Change(track, std::span(&home, 1));

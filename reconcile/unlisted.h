@@ -17,7 +17,7 @@ struct UnlistedFolder {
     std::string album;   ///< album folder's name; "" when the whole artist could not be listed
 };
 
-/// Gives back the counts and numbers of what is still set aside below these folders, so that the
+/// Restores the counts and numbers of what is still set aside below these folders, so that the
 /// sweeps leave it alone; what was 0 before gets a free number. All folders of a run come at once:
 /// what an album lacks is added to the count that the walk gave it. Returns how many tracks that
 /// concerned below each of them; of folders inside each other the inner one counts.
@@ -27,9 +27,9 @@ std::vector<std::size_t> KeepBelow(Library& library, const std::vector<UnlistedF
 std::unordered_set<std::string> AlbumsBelow(Library& library,
                                             const std::vector<std::string>& folders);
 
-/// Gives every row its count, its number and its album of the beginning back, where the walk has
+/// Restores the count, number and album that every row had at the beginning, where the walk has
 /// changed them, too. Those that the walk has made stay; their numbers yield where they would now
 /// be taken twice within an album. Failure: what the database refuses.
-void GiveBackAll(Library& library);
+void RestoreAll(Library& library);
 
 }  // namespace quillon

@@ -10,7 +10,7 @@
 namespace quillon {
 
 /// A list whose elements are the steps that the phase does next: announces how many there are, and
-/// each as done when the loop goes on behind it. A temporary list is kept, any other must outlive
+/// each as done when the loop goes on after it. A temporary list is kept, any other must outlive
 /// this object.
 ///
 ///     for (const FileEntry& file : Counted(run, run.files.FilesIn(folder)))

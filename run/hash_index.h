@@ -12,7 +12,7 @@ std::uint32_t MixedHash(std::uint64_t first, std::uint64_t second = 0);
 
 /// Finds rows of somebody else's table by the hash of a key. Made for tables of a million rows: it
 /// takes 8 bytes a slot, at most three quarters of the slots are in use, and it does not know the
-/// keys; whoever asks compares them.
+/// keys; the caller compares them.
 class HashIndex {
   public:
     using Row = std::uint32_t;

@@ -13,7 +13,7 @@ namespace quillon {
 /// [Download] Host: the machine that the stream links of the download table name.
 std::string DownloadHost(Host& host);
 
-/// The link of a song in the download table; `middle` is what tells it from others.
+/// The link of a song in the download table; `middle` distinguishes it from others.
 std::string StreamLink(std::string_view downloadHost, std::string_view middle);
 
 /// [Covers]: whether covers are looked for in the album folders, too.

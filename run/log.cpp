@@ -11,16 +11,16 @@ namespace {
 
 constexpr std::size_t MostLostErrors = 10;
 
-/// The log is where failures are told; when it fails itself, only the faces are left to tell it,
-/// and once is enough: a full disk refuses every record.
+/// The log is where failures are reported; when it fails itself, only the views are left to report
+/// it, and once is enough: a full disk refuses every record.
 void NoteLost(Run& run, LogKind kind, std::string_view source, std::string_view message,
               const std::exception& failure) {
     LostRecords& lost = run.lostRecords;
     if (run.counts.recordsLost++ == 0) {
         lost.reason = DescriptionOf(failure);
-        run.window.LogWritten(
-            LogKind::Error, source,
-            "The log cannot be written: " + lost.reason + ". What it lacks is told here alone");
+        run.window.LogWritten(LogKind::Error, source,
+                              "The log cannot be written: " + lost.reason +
+                                  ". What is missing from it is only shown here");
     }
     if (kind != LogKind::Error || lost.errors.size() >= MostLostErrors) return;
     lost.errors.push_back(std::string(source).append(": ").append(message));

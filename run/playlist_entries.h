@@ -83,7 +83,7 @@ class PlaylistEntries {
     /// The entries of a playlist have all been added; its file had this content.
     void NoteRead(std::string_view playlist, const PlaylistContent& content);
     /// The content that was noted; nothing of a playlist that was not read, and of which the set
-    /// knows nothing: nobody may conclude anything from finding no entry of it.
+    /// knows nothing: that it has no entry means nothing.
     std::optional<PlaylistContent> ContentOf(std::string_view playlist) const;
     std::size_t ReadCount() const { return contents_.size(); }
 
@@ -92,7 +92,7 @@ class PlaylistEntries {
     bool IsUnread(std::string_view playlist) const { return IsIn(unread_, playlist); }
     bool HasUnread() const { return !unread_.empty(); }
 
-    /// The playlist is one that this run makes anew, whatever it held.
+    /// The playlist is one that this run generates again, whatever it held.
     void NoteMadeAnew(std::string_view playlist);
     bool IsMadeAnew(std::string_view playlist) const { return IsIn(madeAnew_, playlist); }
 

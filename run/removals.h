@@ -12,7 +12,7 @@ class Host;
 class Run;
 
 /// How much a run may remove before it takes a fault for the cause: [Safety] of the host's settings
-/// file. A drive that is not mounted is an empty folder, and nobody should lose ratings over one.
+/// file. A drive that is not mounted is an empty folder, and must not cost anybody ratings.
 struct SafetyLimits {
     bool Brake = true;
     std::int32_t MaxRemovedTracks = 50;   ///< with the next: the brake trips where both are passed
@@ -24,7 +24,7 @@ struct SafetyLimits {
 /// What is not there or is no number has the value above.
 SafetyLimits ReadSafetyLimits(Host& host);
 
-/// What of the user's can go away in a run.
+/// What a run can remove that belongs to the user.
 enum class Removable { Tracks, MusicFiles, Playlists };
 constexpr std::array Removables{Removable::Tracks, Removable::MusicFiles, Removable::Playlists};
 
@@ -41,13 +41,13 @@ struct PlannedRemoval {
     std::string doubt = {};
 };
 
-/// The one door through which rows of tracks, music files and playlists go away. A phase asks it
-/// once for all that it would remove, before it removes any of it, and tells it what has gone.
+/// The only way in which rows of tracks, music files and playlists are removed. A phase asks once
+/// for everything it would remove, before it removes any of it, and reports what it has removed.
 class Removals {
   public:
     static constexpr std::size_t MostNames = 10;
 
-    /// What went, for the person who reads the summary.
+    /// What was removed, for the summary.
     struct Gone {
         std::size_t count = 0;
         std::vector<std::string> names;  ///< the first ones, at most MostNames

@@ -54,10 +54,10 @@ struct RunReport {
     bool braked = false;     ///< whether something would have gone, and the brake held
 };
 
-/// What is told elsewhere because the host's log does not take it.
+/// What is reported elsewhere because the host's log does not take it.
 struct LostRecords {
     std::string reason;               ///< why the first one was lost; "" while none was
-    std::vector<std::string> errors;  ///< the first few that tell of errors
+    std::vector<std::string> errors;  ///< the first few that are errors
 };
 
 /// The run-wide objects, made once and passed by reference to every phase. Phases read settings
@@ -86,8 +86,8 @@ class Run {
     Library& TheLibrary();
     DownloadTable& TheDownloadTable();
     PlaylistTable& ThePlaylistTable();
-    /// They are read anew when they are asked for again. The genre dictionary, which is made of
-    /// them, becomes empty.
+    /// They are read again at the next request. The genre dictionary, which is made of them, becomes
+    /// empty.
     void ForgetTables();
 
     /// Genre names by ID3 genre number; "" where the database has none.
@@ -103,7 +103,7 @@ class Run {
     /// Of the download table's songs, where the comparison of tags is to ask for them.
     quillon::GenreDictionary GenreDictionary;
 
-    /// The playlist working set, made anew where a phase starts with an empty one.
+    /// The playlist working set; replaced where a phase starts with an empty one.
     PlaylistEntries playlistEntries;
 
     /// Seeded once, when the run starts.
@@ -137,7 +137,7 @@ class Run {
     /// The music that the walk had no place for, as far as it came.
     LeftOut leftOut;
 
-    /// What may go away, and what has gone.
+    /// What may be removed, and what has been.
     Removals removals;
 
     /// Makes the database's changes durable. What was counted of rows has happened only then: the

@@ -45,7 +45,7 @@ class Steps {
         }
     }
 
-    /// Names what the following steps work on: descriptions that do not name it get it behind them.
+    /// Names what the following steps work on: it is appended to descriptions that do not name it.
     void Concerning(std::string_view subject) { subject_ = subject; }
 
     /// Ends what is logged of the following steps with these words, what to do for instance.

@@ -101,10 +101,10 @@ class Backups {
             return SizeText(size);
         }
         if (const fs::path unreadable = FirstUnreadable(*local); !unreadable.empty()) {
-            findings_.Problem(fmt::format(
-                "{} cannot be read by this account, so it cannot be backed up, and no run starts "
-                "without that. Give it the right to",
-                unreadable.string()));
+            findings_.Problem(
+                fmt::format("{} cannot be read by this account, so it cannot be backed up, and no "
+                            "run starts without a backup. Give it the right to read there",
+                            unreadable.string()));
         }
         CheckPlace(original, local->parent_path(), size);
         return SizeText(size);
@@ -134,8 +134,7 @@ class Backups {
         if (!IsWritable(parent)) {
             findings_.Problem(
                 fmt::format("{} cannot be backed up, because this account may not write to {}, and "
-                            "no run starts "
-                            "without that. Give it the right to",
+                            "no run starts without a backup. Give it the right to write there",
                             original, parent.string()));
         }
         struct stat facts{};

@@ -100,7 +100,7 @@ void FindMissing(const std::vector<jet::TableDefinition>& tables, Findings& find
     if (!text.empty()) {
         findings.Problem(text +
                          ". Name the jukebox's own database in Nirvis_CDJ_DB, or complete "
-                         "this one; 'quillon db create FILE' shows what a whole one has");
+                         "this one; 'quillon db create FILE' makes a complete one to compare with");
     }
 }
 
@@ -130,8 +130,8 @@ void CheckLock(const fs::path& path, Findings& findings) {
 void CheckWritable(const fs::path& path, Findings& findings) {
     if (!IsWritable(path)) {
         findings.Problem(
-            fmt::format("The database {} is read-only for this account, and no run "
-                        "opens it so. Give it the right to write",
+            fmt::format("The database {} is read-only for this account, and a run has to write to "
+                        "it. Give it the right to",
                         path.string()));
     }
     // Behind a symbolic link a run makes files in both folders.
@@ -151,7 +151,7 @@ void CheckWritable(const fs::path& path, Findings& findings) {
 std::string_view Advice(jet::ErrorKind kind) {
     switch (kind) {
         case jet::ErrorKind::Damaged:
-            return " Put a backup in its place; 'quillon db check' tells more";
+            return " Put a backup in its place; 'quillon db check' says more";
         case jet::ErrorKind::NotADatabase:
             return " Name the jukebox's database in Nirvis_CDJ_DB";
         case jet::ErrorKind::Encrypted:
@@ -177,14 +177,14 @@ void CheckWhole(const fs::path& path, Findings& findings) {
     };
     if (!serious.empty()) {
         findings.Problem(
-            fmt::format("The database is damaged, and a run refuses it as it is: {}. Put a backup "
-                        "in its place; 'quillon db check {}' tells all",
+            fmt::format("The database is damaged, and a run refuses it: {}. Put a backup "
+                        "in its place; 'quillon db check {}' lists all faults",
                         told(serious), path.string()));
     }
     if (!others.empty()) {
         findings.Caution(
             fmt::format("A table that no run needs is damaged. It is left as it is: {}. 'quillon "
-                        "db check {}' tells all",
+                        "db check {}' lists all faults",
                         told(others), path.string()));
     }
 }
@@ -222,7 +222,7 @@ void CheckDatabase(LocalHost& local, const Settings& settings, std::ostream& out
     }
     const fs::path path = local.resolver.Local(shown);
     out << fmt::format("  {}\n  {}\n", OneLine(shown), OneLine(path.string()));
-    // What cannot be looked up, or is no file, is told by whoever tries to open it.
+    // What cannot be looked up, or is not a file, is reported when it is opened.
     std::error_code unknown;
     if (fs::status(path, unknown).type() == fs::file_type::not_found) {
         out << "  is not there\n";

@@ -10,7 +10,7 @@ namespace quillon {
 /// What a check has found wrong, gathered from all its sections and told together at the end: each
 /// finding says what is wrong, what that means for a run and what to do.
 struct Findings {
-    std::vector<std::string> problems;  ///< a run could not start, or not do what it is for
+    std::vector<std::string> problems;  ///< a run could not start, or could not do its work
     std::vector<std::string> cautions;  ///< a run could start, but look at this before
 
     void Problem(std::string text) { problems.push_back(std::move(text)); }

@@ -120,20 +120,20 @@ std::string Objection(const NamedFolder& folder, Standing standing) {
             return "";
         case Standing::NoPath:
             return name +
-                   " is no path below a drive that [Drives] in host.ini maps. Correct one of "
-                   "the two";
+                   " is not on a drive that [Drives] in host.ini maps. Correct the path or the "
+                   "drive";
         case Standing::Missing:
             if (folder.use.isMade) return "";
             return name + " is not there. Make it, mount it or correct the path";
         case Standing::NoFolder:
-            return name + " is not there: what has this name is no folder";
+            return name + " is not a folder";
         case Standing::Unreadable:
-            return name + " cannot be read by this account. Give it the right to";
+            return name + " cannot be read by this account. Give it the right to read there";
         case Standing::WriteProtected:
             if (!folder.use.isWritten) return "";
             return name +
-                   " cannot be written by this account, and the run writes there. Give it "
-                   "the right to";
+                   " cannot be written by this account, and the run writes there. Give it the "
+                   "right to write there";
         case Standing::There:
             break;
     }
@@ -162,7 +162,7 @@ void CheckSource(Files& files, const Settings& settings, Findings& findings) {
                                                       : "holds the library";
     findings.Add(IsMode(settings, &Settings::AddFiles),
                  fmt::format("FromFilesPath ({}) {} ({}): AddFiles would copy the library into "
-                             "itself, and so does nothing. Name another folder",
+                             "itself and therefore does nothing. Name another folder",
                              source, how, root));
 }
 
@@ -215,8 +215,8 @@ void CheckLibraryFolders(Files& files, const Settings& settings, Findings& findi
                     root));
 } catch (const Failure& failure) {
     findings.Problem(
-        fmt::format("The library folders cannot be found out, and no run starts "
-                    "without: {}. Give this account the right to read there",
+        fmt::format("The library folders cannot be determined, and no run starts without them: {}. "
+                    "Give this account the right to read there",
                     failure.what()));
 }
 

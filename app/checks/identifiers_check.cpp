@@ -11,7 +11,7 @@
 namespace quillon {
 namespace {
 
-/// There are ten thousand: the last hundred are worth a word.
+/// There are ten thousand; the last hundred deserve a warning.
 constexpr std::size_t ManyIdentifiers = 9900;
 
 std::size_t CountRows(jet::Database& database, const std::string& query) {
@@ -40,8 +40,8 @@ void CheckIdentifiers(jet::Database& database, Findings& findings) {
                                         CdjidPrefix));
     if (inUse >= ManyIdentifiers) {
         findings.Caution(fmt::format(
-            "{} of the 10,000 identifiers for albums are in use. When all are, a run leaves new "
-            "albums out. Albums that are gone for good give theirs back",
+            "{} of the 10,000 identifiers for albums are in use. When all are in use, a run leaves "
+            "new albums out. Deleting albums that are gone for good frees theirs",
             inUse));
     }
 }

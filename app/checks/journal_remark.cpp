@@ -18,9 +18,10 @@ std::string JournalRemark(const std::filesystem::path& database, const jet::Jour
     }
     if (journal.kind == Kind::Waits) {
         return fmt::format(
-            "A program was cut off while it wrote the database, and the journal {} waits to be "
-            "carried out. What is said here is of the file with it; other programs see the file "
-            "without it, half written perhaps. 'quillon db recover {}' completes the file, and so "
+            "A program was cut off while it wrote the database, and the journal {} has not been "
+            "carried out yet. What is said here is about the file with the journal; other programs "
+            "see the file without it, perhaps half written. 'quillon db recover {}' completes the "
+            "file, and so "
             "does the next run. Leave the journal where it is until then",
             file, database.string());
     }

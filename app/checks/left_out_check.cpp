@@ -16,7 +16,7 @@
 namespace quillon {
 namespace {
 
-/// What cannot be listed is told of elsewhere.
+/// What cannot be listed is reported elsewhere.
 Listing<FolderEntry> SubFolders(Files& files, const std::string& folder) try {
     return files.SubFolders(folder);
 } catch (const Failure&) {
@@ -101,8 +101,8 @@ void CheckLeftOut(Files& files, const Settings& settings, Findings& findings) {
         "{} left out, since the layout has no place for {}: {}. {}",
         found.Total() == 1 ? "1 music file is" : fmt::format("{} music files are", found.Total()),
         found.Total() == 1 ? "it" : "them", text,
-        isFlat ? "MP3 files named Artist_Title.mp3, directly in the library folder, come in"
-               : "MP3 files directly in an album folder (Artist\\Album\\Song.mp3) come in"));
+        isFlat ? "Only MP3 files named Artist_Title.mp3, directly in the library folder, are added"
+               : "Only MP3 files directly in an album folder (Artist\\Album\\Song.mp3) are added"));
 }
 
 }  // namespace quillon

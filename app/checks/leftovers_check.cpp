@@ -14,7 +14,8 @@ struct Leftover {
 };
 
 constexpr std::array Leftovers{
-    Leftover{".playlists", "the next reconciliation takes from it which songs the playlists named"},
+    Leftover{".playlists",
+             "from it the next reconciliation learns which songs the playlists named"},
 };
 
 }  // namespace
@@ -27,11 +28,10 @@ void CheckLeftovers(const std::filesystem::path& database, bool reconciles, Find
         const std::filesystem::file_status status = std::filesystem::symlink_status(path, ignored);
         if (!std::filesystem::exists(status)) continue;
         if (!std::filesystem::is_regular_file(status)) {
-            findings.Add(
-                reconciles,
-                fmt::format("{} is no file, and a run keeps one of its own there, through no "
-                            "link: no reconciliation starts. Remove it",
-                            path.string()));
+            findings.Add(reconciles,
+                         fmt::format("{} is not a regular file. A reconciliation keeps a file of "
+                                     "its own there and follows no link, so none starts. Remove it",
+                                     path.string()));
             continue;
         }
         findings.Caution(

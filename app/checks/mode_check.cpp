@@ -74,7 +74,7 @@ void CheckMode(PathResolver& resolver, const Settings& settings, std::ostream& o
         KeysOfModes(settings, [&](const Mode& other) { return !other.Applies(settings); });
     if (!needing.empty()) {
         findings.Add(mode == nullptr,
-                     fmt::format("{} needs LibraryRoot, which is empty, and is passed over. Set "
+                     fmt::format("{} needs LibraryRoot, which is empty, and is skipped. Set "
                                  "LibraryRoot to the folder of the music",
                                  needing));
     }
@@ -82,8 +82,7 @@ void CheckMode(PathResolver& resolver, const Settings& settings, std::ostream& o
         out << "  nothing\n";
         if (needing.empty())
             findings.Problem(
-                "No mode is chosen, so a run does nothing. Set Reconcile=1, for "
-                "instance");
+                "No mode is chosen, so a run does nothing. Set Reconcile=1, for example");
         return;
     }
     out << fmt::format("  {}{}\n", mode->what,

@@ -184,15 +184,16 @@ class MusicCheck {
     void FindOutsiders() {
         if (outside_ == 0 || places_.empty()) return;
         const std::string run =
-            isBraked_ ? "A run takes them for missing, and the brake then keeps all rows"
+            isBraked_ ? "A run takes them for missing, and then the brake keeps all rows"
                       : "A run would remove them";
         findings_.Add(
             inside_ == 0,
-            fmt::format("{} in none of the library folders ({} for one). {}. Look at LibraryRoot{} "
-                        "and at [Drives] in host.ini; if that music is gone for good, run once "
-                        "with --allow-removals",
-                        Tracks(outside_), outsider_, run,
-                        settings_.LibraryDepthOption ? " and its .txt files" : ""));
+            fmt::format(
+                "{} in none of the library folders (for example {}). {}. Check LibraryRoot{} and "
+                "[Drives] in host.ini; if that music is gone for good, run once "
+                "with --allow-removals",
+                Tracks(outside_), outsider_, run,
+                settings_.LibraryDepthOption ? " and its .txt files" : ""));
     }
 
     Files& files_;
@@ -222,7 +223,7 @@ void CheckMusic(LocalHost& local, const Settings& settings,
     if (WalksLibrary(settings)) check.Find();
     if (settings.AddFiles) check.FindBeforeAdding();
 } catch (const Failure&) {
-    // What cannot be listed is told of with the folders.
+    // What cannot be listed is reported with the folders.
     out << '\n';
 }
 

@@ -11,7 +11,7 @@
 namespace quillon {
 namespace {
 
-/// A wrong root may be a whole disk: nobody waits for that.
+/// A wrong root may be a whole disk, which would take too long.
 constexpr std::size_t MostFolders = 20'000;
 /// How far below the songs' place others are looked for.
 constexpr std::size_t FurtherDown = 4;

@@ -41,7 +41,7 @@ void CheckPlaylists(LocalHost& local, const Settings& settings,
         "once with --allow-removals, or empty the setting",
         folder, NumberOf(count, Removable::Playlists)));
 } catch (const Failure&) {
-    return;  // what cannot be listed is told of with the folders
+    return;  // what cannot be listed is reported with the folders
 }
 
 }  // namespace quillon

@@ -33,19 +33,20 @@ void FindOddLimit(const LimitKey& key, std::string_view text, const SafetyLimits
                   Findings& findings) {
     const std::int32_t value = limits.*key.member;
     if (ToNumber(text) == value) return;
-    findings.Caution(fmt::format(
-        "{} in [{}] of {} is \"{}\", which is no whole number from 0 on, and counts as {}. Write "
-        "one, or delete the line for {}",
-        key.name, Section, HostSettingsFile, text, value, SafetyLimits().*key.member));
+    findings.Caution(
+        fmt::format("{} in [{}] of {} is \"{}\", which is not a whole number of 0 or more and "
+                    "counts as {}. Correct it, or delete the line to get {}",
+                    key.name, Section, HostSettingsFile, text, value, SafetyLimits().*key.member));
 }
 
 void FindOddBrake(std::string_view text, bool isOn, Findings& findings) {
     if (!isOn) {
-        findings.Caution(fmt::format(
-            "The brake on loss is off ({}={} in [{}] of {}): where a drive is not mounted, a run "
-            "removes all that was on it, play counts, ratings and playlists included. Write 1; "
-            "'quillon run --allow-removals' switches it off for one run",
-            BrakeKey, text, Section, HostSettingsFile));
+        findings.Caution(
+            fmt::format("The brake on loss is off ({}={} in [{}] of {}): if a drive is not "
+                        "mounted, a run removes everything that was on it, including play counts, "
+                        "ratings and playlists. Write 1; "
+                        "'quillon run --allow-removals' switches it off for one run",
+                        BrakeKey, text, Section, HostSettingsFile));
     } else if (!IsSwitchedOn(text)) {
         findings.Caution(
             fmt::format("{} in [{}] of {} is \"{}\", which is neither yes nor no; the brake is on. "

@@ -27,12 +27,12 @@ bool IsNumber(SettingKind kind) {
 std::string Oddity(const SettingReading& reading) {
     if (reading.remark.empty()) return "";
     if (!IsNumber(DefinitionOf(reading).kind)) return "not 0 or 1";
-    return IsNumeric(reading.text) ? "out of range" : "no number";
+    return IsNumeric(reading.text) ? "out of range" : "not a number";
 }
 
 /// The same for the table, with the text where the value is another one.
 std::string Remark(const SettingReading& reading, const Settings& settings) {
-    constexpr std::size_t Widest = 18;
+    constexpr std::size_t Widest = 21;
     const bool isReconcile =
         DefinitionOf(reading).member == SettingDefinition::Member(&Settings::Reconcile);
     if (isReconcile && settings.PlaylistsOnly) return "on: PlaylistsOnly";
@@ -46,7 +46,7 @@ void FindOddity(const SettingReading& reading, Findings& findings) {
     if (oddity.empty()) return;
     const SettingDefinition& definition = DefinitionOf(reading);
     const std::string advice =
-        fmt::format("Write {}, or delete the line for the default {}",
+        fmt::format("Write {}, or delete the line to get the default {}",
                     IsNumber(definition.kind) ? "a whole number from -32768 to 32767" : "0 or 1",
                     definition.fallback);
     const std::string effect =
@@ -87,8 +87,8 @@ void CheckHostSettings(Host& host, std::ostream& out, Findings& findings) {
     line("Covers ReservedFolder", covers.ReservedFolder);
     if (downloadHost.find('-') != std::string::npos) {
         findings.Caution(fmt::format(
-            "Host {} of [Download] in {} has a hyphen: a piece of it becomes the genre of songs "
-            "whose artist is in the download table. Choose a name without one",
+            "Host {} of [Download] in {} has a hyphen: a part of it becomes the genre of songs "
+            "whose artist is in the download table. Choose a name without a hyphen",
             downloadHost, HostSettingsFile));
     }
 }

@@ -52,11 +52,11 @@ void CheckPlaylistLength(const Settings& settings, Findings& findings) {
     if (settings.MaxPlaylistLength == 0) {
         findings.Caution(
             "MaxPlaylistLength=0: each track of a genre or artist gets a playlist file of its own. "
-            "Write the length wanted, 100 for instance");
+            "Write the length you want, for example 100");
     } else if (settings.MaxPlaylistLength < 0) {
         findings.Caution(fmt::format(
             "MaxPlaylistLength={}: the first playlist of each genre or artist stays empty and each "
-            "track gets a file of its own behind it. Write the length wanted, 100 for instance",
+            "track gets a file of its own after it. Write the length you want, for example 100",
             settings.MaxPlaylistLength));
     }
 }

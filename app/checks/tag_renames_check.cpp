@@ -71,7 +71,8 @@ std::string BrakeText(const TagChanges& changes, Host& host) {
     const auto most = static_cast<std::size_t>(limits.MaxRemovedFiles);
     if (!limits.Brake || changes.removals <= most) return "";
     return fmt::format(
-        ". More duplicates than MaxRemovedFiles={} go only with --allow-removals; else none does",
+        ". More duplicates than MaxRemovedFiles={} are only removed with --allow-removals; "
+        "otherwise none is",
         most);
 }
 
@@ -93,8 +94,8 @@ void CheckTagRenames(LocalHost& local, const Settings& settings, Findings& findi
                     "meant, set ID3Reconcile=0",
                     deeds, BrakeText(changes, local.host)));
 } catch (const Failure& failure) {
-    findings.Caution(fmt::format("What the comparison of tags would rename cannot be found out: {}",
-                                 failure.what()));
+    findings.Caution(fmt::format(
+        "What the comparison of tags would rename cannot be determined: {}", failure.what()));
 }
 
 }  // namespace quillon

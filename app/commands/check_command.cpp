@@ -40,7 +40,7 @@ void TellRemovedMusic(HostFolder& host, std::ostream& out, Findings& findings) {
     const bool byTitle =
         IsSwitchedOff(host.GetINISetting("Removed", "OnlyIdentical", "0", HostSettingsFile));
     out << fmt::format("Duplicates       {}\n",
-                       byTitle ? "files of one title, OnlyIdentical is off"
+                       byTitle ? "files with the same title (OnlyIdentical is off)"
                                : "only files with the same sound, byte for byte");
     if (!setting.understood) {
         findings.Caution(fmt::format(
@@ -63,7 +63,7 @@ void CheckLog(const HostFolder& host, std::ostream& out, Findings& findings) {
     if (canWrite) return;
     findings.Problem(
         fmt::format("The log {} cannot be written{}, so nobody would learn what a run does. {}",
-                    log.string(), isFile ? " by this account" : " because it is no file",
+                    log.string(), isFile ? " by this account" : " because it is not a file",
                     isFile ? "Give it the right to" : "Remove what has its name"));
 }
 
@@ -76,7 +76,7 @@ void TellVerdict(const Findings& findings, std::ostream& out) {
         out << fmt::format("\nNo run could do its work: {}.\n",
                            counted(findings.problems.size(), "problem"));
     } else if (!findings.cautions.empty()) {
-        out << fmt::format("\nA run could start; {} before.\n",
+        out << fmt::format("\nA run could start; {} first.\n",
                            counted(findings.cautions.size(), "thing") +
                                (findings.cautions.size() == 1 ? " is" : " are") + " worth a look");
     } else {

@@ -44,10 +44,9 @@ struct Plan {
 
 std::string WindowsPathIn(const DriveTable& drives, const fs::path& path) {
     if (auto windowsPath = drives.WindowsPathOf(path)) return *windowsPath;
-    throw CommandError(
-        fmt::format("a name in {} is none that Windows can hold, so the database cannot name what "
-                    "lies there",
-                    path.string()));
+    throw CommandError(fmt::format(
+        "a name in {} is not possible on Windows, so the database cannot refer to what is there",
+        path.string()));
 }
 
 /// The music first: its paths are those that the database keeps.
@@ -115,10 +114,12 @@ void RefuseToOverwrite(const Plan& plan) {
         throw CommandError("nothing is overwritten, and this exists already: " + existing);
 }
 
-/// A value that an INI file gives back as it is: blanks at the ends and quotes around it would go.
+/// A value that can be read back unchanged from an INI file: blanks at the ends and quotes around
+/// it would be lost.
 std::string IniValue(const std::string& value) {
     if (value.find_first_of("\r\n") != std::string::npos)
-        throw CommandError(fmt::format("a line end in a path cannot be a setting: {}", value));
+        throw CommandError(
+            fmt::format("a path with a line break cannot be written to the settings: {}", value));
     const bool plain = value.empty() || (value.front() != ' ' && value.back() != ' ' &&
                                          value.front() != '"' && value.front() != '\'');
     return plain ? value : '"' + value + '"';
@@ -132,7 +133,7 @@ std::string SettingsText(const Plan& plan) {
                              {"LibraryRoot", IniValue(plan.libraryRoot)},
                              {"FlatStructure", plan.layout == LibraryLayout::Flat ? "1" : "0"},
                              {"Nirvis_CDJ_DB", IniValue(plan.databasePath)},
-                             // It renames and removes files, which nobody should meet unasked.
+                             // It renames and removes files, which must not happen unasked.
                              {"ID3Reconcile", "0"},
                              {"PlayListPath", inHost("Playlists")},
                              {"PlayListPath2", inHost("M3u")},
@@ -276,8 +277,8 @@ void Tell(const Plan& plan, std::ostream& out) {
     if (plan.unreachableMusic)
         out << fmt::format(
             "\nCaution: the database has its tracks in {}. A reconciliation would remove them and "
-            "add\nthose in {} as new. To keep them, give the music folder the same "
-            "name and make\nthe host folder anew.\n",
+            "add\nthose in {} as new. To keep them, give the music folder the same name and "
+            "make\nthe host folder again.\n",
             *plan.unreachableMusic, plan.libraryRoot);
     out << fmt::format("\nNext:\n  quillon check --host {}\n  quillon run --host {}\n", host, host);
 }

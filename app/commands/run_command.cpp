@@ -34,7 +34,7 @@ int RunLibrary(const RunRequest& request) {
     run.removals.allAllowed = request.allowRemovals;
     RemovedFiles removed(RemovedMusicFolder(local.host), local.clock);
     removed.RemoveUnfinished();
-    // Asked for now: a failure behind the run would look as if nothing had run.
+    // Asked for now: a failure after the run would look as if nothing had run.
     const bool keepsRemoved = ReadRemovedMusicSetting(local.host).keep;
     if (keepsRemoved) local.files.OnDelete(KeepRemovedMusic(run, local.host, removed));
     local.files.ClearUnfinished();

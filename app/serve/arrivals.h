@@ -14,8 +14,9 @@ struct Arrival {
 };
 
 /// Where connections wait until the head of their request has arrived in whole. All of them
-/// together take one thread, so clients that say little or nothing keep nobody waiting. Who has not
-/// said it all in time is let go, and so is who has waited longest when there are too many.
+/// together take one thread, so clients that send little or nothing do not keep others waiting. A
+/// client that has not sent its whole request in time is disconnected, and so is the one that has
+/// waited longest when there are too many.
 class Arrivals {
   public:
     /// Called on a thread of this object for each connection whose head is there, or whose client

@@ -25,7 +25,8 @@ class SlowClients {
 };
 
 /// The rest of a connection whose request has arrived: a client that does not send or take its part
-/// in time, or that is one too many of the slow ones, is given up. Closes the socket when it goes.
+/// in time, or that is one too many of the slow ones, is disconnected. Closes the socket when it is
+/// destroyed.
 class ClientStream : public httplib::Stream {
   public:
     /// `slow` must outlive the stream.

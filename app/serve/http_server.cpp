@@ -93,7 +93,7 @@ class AcceptingServer : public httplib::Server {
     std::function<void(socket_t)> accepted_;
 };
 
-/// Does at once what it is given: a connection is only passed on.
+/// Runs its task at once: a connection is only passed on.
 class NoQueue : public httplib::TaskQueue {
   public:
     void enqueue(std::function<void()> fn) override { fn(); }

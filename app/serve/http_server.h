@@ -8,7 +8,7 @@
 namespace quillon {
 
 /// Answers requests on the loopback address 127.0.0.1, which other computers cannot reach, from
-/// when it is made until it goes. Each connection carries one request.
+/// when it is made until it is destroyed. Each connection carries one request.
 class HttpServer {
   public:
     /// Called from several threads at a time.

@@ -105,7 +105,7 @@ Preview::Preview(const Site& site, const Clock& clock)
 
 WebResponse Preview::Answer(const WebRequest& request) {
     if (request.hosts.size() != 1 || !IsLoopbackHost(request.hosts.front()))
-        return Message(403, "Refused", "This server answers to localhost and 127.0.0.1 alone.");
+        return Message(403, "Refused", "This server only answers to localhost and 127.0.0.1.");
     if (request.method != "GET" && request.method != "HEAD") {
         WebResponse response = Message(405, "Refused", "Pages here can only be read.");
         response.headers.emplace_back("Allow", "GET, HEAD");

@@ -14,7 +14,7 @@
 
 namespace quillon {
 
-/// A file of the site, open for reading. It stays the same file when its folder is made anew.
+/// A file of the site, open for reading. It stays the same file when its folder is replaced.
 struct SiteFile {
     std::shared_ptr<const FileHandle> handle;
     std::string name;  ///< without its folder, as it is written on the disk

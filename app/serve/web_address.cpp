@@ -24,7 +24,7 @@ std::optional<char> EscapedByte(std::string_view text, std::size_t position) {
     return static_cast<char>(high * 16 + low);
 }
 
-/// Nothing for a text with an escape that is none.
+/// Nothing for a text with an invalid escape.
 std::optional<std::string> DecodePath(std::string_view text) {
     std::string decoded;
     for (std::size_t i = 0; i < text.size(); ++i) {

@@ -13,7 +13,7 @@ namespace quillon {
 class QueryValues {
   public:
     QueryValues() = default;
-    /// Escapes that are none stand for themselves. Values of pages in the ANSI code page come as
+    /// Invalid escapes are taken literally. Values of pages in the ANSI code page come as
     /// ANSI bytes; all are UTF-8 here.
     explicit QueryValues(std::string_view query);
 

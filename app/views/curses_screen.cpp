@@ -129,7 +129,7 @@ class CursesScreen::Implementation {
 
     void TakeTerminal() {
         if (drawn_) {
-            // The screen was left without curses knowing. After its own end it begins anew.
+            // The screen was left without curses knowing. After its own end it starts again.
             endwin();
             output_.Take();
             waiting_.clear();

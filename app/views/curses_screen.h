@@ -10,7 +10,7 @@ namespace quillon {
 
 /// The terminal of this process as a screen of lines. Nothing here waits for the terminal: a screen
 /// that has not taken the picture before gets the next one later. The terminal is taken with the
-/// first picture and given back as it was by the destructor and by whatever suspends or ends the
+/// first frame and restored by the destructor and by whatever suspends or ends the
 /// process; while the process is in the background nothing is drawn.
 class CursesScreen {
   public:

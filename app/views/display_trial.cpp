@@ -111,7 +111,7 @@ std::string WhyNoDisplay(const std::function<void()>& open, std::chrono::millise
     Descriptor writer(ends[1]);
     const Descriptor messages(memfd_create("display-trial", MFD_CLOEXEC));
     const pid_t trial = piped && messages.Number() >= 0 ? fork() : -1;
-    if (trial < 0) return "the display cannot be tried out";
+    if (trial < 0) return "the display cannot be tested";
     if (trial == 0) Try(open, messages);
     writer.Close();
     const bool ended = IsClosedWithin(patience, reader.Number());

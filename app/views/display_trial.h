@@ -10,7 +10,7 @@ namespace quillon {
 constexpr std::chrono::milliseconds DisplayPatience{10000};
 
 /// Why no window can be opened on the display that the environment names; "" when one can. Tries
-/// `open` in a process of its own, because it may end its process or hang when it fails. To be
+/// `open` in a separate process, because it may end its process or hang when it fails. To be
 /// called while this process has one thread.
 std::string WhyNoDisplay(const std::function<void()>& open,
                          std::chrono::milliseconds patience = DisplayPatience);

@@ -8,7 +8,7 @@
 
 namespace quillon {
 
-/// Lines on a file descriptor, each written at once. A reader that goes away or that does not keep
+/// Lines on a file descriptor, each written at once. A reader that disappears or does not keep
 /// up never ends a run or holds it back: what cannot be written now waits in a bounded buffer.
 /// What does not fit there is left out, and a line says so as soon as there is room again.
 class LineOutput {

@@ -22,7 +22,7 @@ struct Offer {
 
 Offer MakeTerminalView(const Surroundings& surroundings) {
     Offer offer{nullptr,
-                "--view terminal: input and output are no terminal that can show a screen; use "
+                "--view terminal: input and output are not a terminal that can show a screen; use "
                 "plain"};
     if (surroundings.inputIsTerminal && surroundings.outputIsTerminal)
         offer.view = TerminalView::Make();

@@ -7,9 +7,9 @@
 
 namespace quillon {
 
-/// The face that was asked for; auto takes the terminal screen where there is a terminal, the
+/// The view that was asked for; auto takes the terminal screen where there is a terminal, the
 /// window where a desktop has started the run, else plain lines. Quiet ones if so wished.
-/// CommandError for a face that cannot be shown.
+/// CommandError for a view that cannot be shown.
 std::unique_ptr<View> MakeView(ViewKind kind, bool quiet);
 
 }  // namespace quillon

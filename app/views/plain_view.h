@@ -10,7 +10,7 @@ namespace quillon {
 /// How much plain lines tell: all that happens, or what a person has to know of.
 enum class PlainDetail { Everything, ErrorsAndSummary };
 
-/// The face for cron and logs: a line for each phase that starts and for each log record, what went
+/// The view for cron and logs: a line for each phase that starts and for each log record, what went
 /// away, and a line that sums up.
 class PlainView : public View {
   public:

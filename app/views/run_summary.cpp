@@ -16,8 +16,8 @@ constexpr std::size_t LeastRecordColumns = 12;
 constexpr const char* NothingWasChanged = "No album, track, file, playlist or tag was changed.";
 constexpr const char* BrakeHeld = "The brake held, host.log tells what would have gone.";
 constexpr const char* NotAllSaved =
-    "Not all could be saved in the database; what is not certain is not counted.";
-constexpr const char* SeeCheck = "'quillon check' tells what stands in the way.";
+    "Not everything could be saved in the database; what is not certain is not counted.";
+constexpr const char* SeeCheck = "'quillon check' says what is in the way.";
 
 /// A number of things that something happened to, with the words around it.
 struct Happening {
@@ -151,7 +151,7 @@ std::string Outcome(const RunSummary& summary) {
     return fmt::format("Done in {}; {}", elapsed, errors);
 }
 
-/// The same for a narrow place: where the errors are told is worth more than the duration.
+/// The same for a narrow place: where to find the errors matters more than the duration.
 std::string ShortOutcome(const RunSummary& summary) {
     const char* const word = summary.outcome == RunOutcome::Aborted ? "Aborted" : "Done";
     return fmt::format("{}; {}", word, Errors(summary));

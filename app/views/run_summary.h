@@ -23,12 +23,13 @@ struct RunSummary {
 };
 
 /// What ends every run, in three lines: outcome, duration and errors; albums and tracks; all else.
-/// Of what was counted only what occurred is told.
+/// Counts of zero are left out.
 std::vector<std::string> SummaryLines(const RunSummary& summary);
 
 /// The same for a place of so many columns: each line fits, and the first one tells `record`, the
 /// message of the log that says most about the end, as far as there is room. Where not all albums
-/// and tracks fit, what was left unchanged is left out first; all else takes the lines it needs.
+/// and tracks fit, what was left unchanged is left out first; everything else takes the lines it
+/// needs.
 std::vector<std::string> SummaryLines(const RunSummary& summary, std::string_view record,
                                       std::size_t columns);
 

@@ -6,7 +6,7 @@
 namespace quillon {
 
 /// The modes of the terminal on the standard input, and what brings it back from a screen. While
-/// the terminal is taken it is given back, from inside a signal handler if need be, by whatever
+/// the terminal is taken it is restored, from inside a signal handler if need be, by whatever
 /// suspends or ends the process: Ctrl-Z, a crash, a second abort signal. One object at a time.
 class TerminalRescue {
   public:

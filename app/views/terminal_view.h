@@ -12,9 +12,9 @@ namespace quillon {
 
 class CursesScreen;
 
-/// The face on a terminal: the phases with the running one marked and how far it has come, the
+/// The view on a terminal: the phases with the running one marked and how far it has come, the
 /// current item, the latest error, the elapsed time, the latest records of the log. Key `a` is the
-/// Abort button. The screen is given back when the window closes, whatever ends it; then a few
+/// Abort button. The screen is restored when the window closes, whatever ends it; then a few
 /// lines tell what went away and sum up.
 class TerminalView : public View {
   public:

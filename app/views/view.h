@@ -5,7 +5,7 @@
 
 namespace quillon {
 
-/// A face of the run that also tells at the end what the run did.
+/// A user interface of the run that also summarises it at the end.
 class View : public Window {
   public:
     /// Called once, after Unload().

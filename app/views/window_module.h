@@ -19,7 +19,7 @@ struct WindowOffer {
 std::vector<std::filesystem::path> WindowModulePlaces();
 
 /// Loads the module from the first of these places that has it, makes sure that a display can be
-/// opened, and opens the window's. Whatever stands in the way is told, nothing is thrown.
+/// opened, and opens the window's. Whatever is in the way is returned as a text; nothing is thrown.
 WindowOffer OpenWindow(const std::vector<std::filesystem::path>& places = WindowModulePlaces());
 
 /// Shows a message on the desktop until it has been read. Where there is no module or no display,

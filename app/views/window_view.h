@@ -7,7 +7,7 @@
 
 namespace quillon {
 
-/// The face on a desktop. Records of the log and the summary also go, as plain lines, to the
+/// The view on a desktop. Records of the log and the summary also go, as plain lines, to the
 /// program that has started this one: the window is gone when the run has ended.
 class WindowView : public View {
   public:

@@ -26,9 +26,9 @@ constexpr int AbortedStatus = 3;
 // What runs at a process's end receives no context, so what it has to know lives here.
 bool qtIsAtWork = false;
 
-/// Qt ends the process when the display goes away while it draws. What that leaves is what a second
-/// Abort signal leaves, a whole database, and the next run puts the rest right; so the status is
-/// the same.
+/// Qt ends the process when the display disappears while it draws. What that leaves is what a
+/// second Abort signal leaves, a whole database, and the next run puts the rest right; so the
+/// status is the same.
 extern "C" void EndAsAborted() {
     if (qtIsAtWork) _exit(AbortedStatus);
 }
@@ -43,7 +43,7 @@ DesktopWindow::DesktopWindow() {
 
 void DesktopWindow::OpenDisplay() {
     // Qt takes over the person's locale for the whole process. The run reads and writes numbers for
-    // files, which must look the same whatever the face.
+    // files, which must look the same in every view.
     const std::string locale = std::setlocale(LC_ALL, nullptr);
     application_ = std::make_unique<QApplication>(argumentCount_, arguments_);
     std::setlocale(LC_ALL, locale.c_str());

@@ -28,7 +28,7 @@ constexpr int UsualWidth = 100;
 
 constexpr const char* AbortCaption = "&Abort";
 constexpr const char* AbortingCaption = "Aborting";
-constexpr const char* AbortingRemark = "Abort was heard; the run stops after the current step.";
+constexpr const char* AbortingRemark = "Aborting; the run stops after the current step.";
 
 QLabel* MakeLabel(QWidget* parent, const QString& name) {
     auto* const label = MakeChild<QLabel>(parent);

@@ -31,7 +31,8 @@ namespace jet::storage {
 namespace {
 
 constexpr std::chrono::seconds LongestWait{1};
-/// Where many rows change, each group writes most pages of the indexes anew: fewer groups, then.
+/// Where many rows change, each group rewrites most pages of the indexes, so there are fewer
+/// groups.
 constexpr std::chrono::seconds LongestWaitOfMany{4};
 constexpr std::size_t ManyChangedPages = 100;
 /// 16 MB of changed pages are committed without waiting.
@@ -65,7 +66,7 @@ class DatabaseFile::Implementation {
         try {
             pages_->Commit();
         } catch (const Error&) {
-            // A destructor has nobody to tell; what the last commit left is whole.
+            // A destructor cannot report a failure; what the last commit left is whole.
             return;
         }
     }

@@ -94,7 +94,7 @@ std::string Objection(const std::filesystem::path& database, LockResult lock,
                       const std::vector<Entry>& entries) {
     if (lock == LockResult::Held)
         return database.string() + " is in use by " + Machines(entries) + ".";
-    // Without locks nobody can tell whether an entry is alive.
+    // Without locks it cannot be known whether an entry is alive.
     const bool mayTakeOver = lock == LockResult::Taken
                                  ? std::all_of(entries.begin(), entries.end(),
                                                [](const Entry& entry) { return entry.isOurs; })

@@ -68,7 +68,7 @@ LockResult TakeLock(const Descriptor& file, ByteRange range, const std::filesyst
 LockResult ProbeLock(const Descriptor& file, ByteRange range, const std::filesystem::path& path);
 
 /// Where a database file itself is locked by whoever writes it: behind the end of any database, so
-/// that the lock is in nobody's way.
+/// that the lock does not get in the way.
 constexpr ByteRange DatabaseLock{off_t{1} << 32, 1};
 
 }  // namespace jet::storage

@@ -212,7 +212,7 @@ void TableData::AppendWantedKey(const RowView& row, const IndexPart& part, LastK
         return;
     }
     const auto start = static_cast<std::ptrdiff_t>(entry_.size());
-    // A value that makes no sense was told of already. Its index will not agree.
+    // A value that makes no sense has been reported already. Its index will not agree.
     AppendKey(entry_, row, part);
     if (!field) return;
     last.field.assign(field->begin(), field->end());

@@ -72,7 +72,7 @@ void WriteFileEnd(const FileHandle& file, const FileEnd& seen, std::uint64_t pos
     }
     const Bytes old = LastBytes(file, seen.size, seen.size - position);
     const int descriptor = file.Descriptor();
-    // Only the file's owner may set its times. Whoever may not is told so before a byte is written:
+    // Only the file's owner may set its times. Others get a failure before a byte is written:
     // a file that seems new would change its place in the album.
     if (const int error = SetModified(descriptor, facts); error != 0) {
         throw SystemFailure(error, path);

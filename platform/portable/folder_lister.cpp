@@ -159,7 +159,7 @@ void FolderLister::NoteUnseen(int error, const std::string& path) {
 void FolderLister::LeaveOutTwins(const WindowsPath& shown, std::vector<FileEntry>& files) {
     const auto isTwin = [&](const FileEntry& left, const FileEntry& right) {
         if (!EqualIgnoringCase(left.name, right.name)) return false;
-        LeaveOut("its name differs in letter case alone from that of another file", shown,
+        LeaveOut("its name differs from that of another file only in letter case", shown,
                  right.name);
         return true;
     };

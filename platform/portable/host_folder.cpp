@@ -91,7 +91,8 @@ const IniFile& HostFolder::Read(std::string_view file) {
     if (facts.st_size > LargestSettingsFile) {
         throw Failure::Described(
             FailureNumber::Overflow,
-            path.string() + " is larger than 1 MB and so no settings file; correct or replace it");
+            path.string() +
+                " is larger than 1 MB, so it is not a settings file; correct or replace it");
     }
     const bool unchanged =
         known.inode == facts.st_ino && known.size == static_cast<std::uint64_t>(facts.st_size) &&

@@ -11,7 +11,7 @@ namespace quillon {
 
 /// A settings file as Windows reads it for a program: `[Section]` lines, `Key=Value` lines, lines
 /// that begin with ";" are comments. Letter case of names does not count; of sections or keys of
-/// one name the first alone counts. Blanks around names and values do not belong to them, nor does
+/// one name only the first is used. Blanks around names and values do not belong to them, nor does
 /// one pair of quotes around a value.
 ///
 /// The bytes may be UTF-16 with its mark, UTF-8 with or without its mark, or else ANSI.

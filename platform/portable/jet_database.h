@@ -33,7 +33,7 @@ struct DatabaseDemands {
     /// Tables that have to be in good order; a database is refused when one of them is not. Others
     /// are refused when they are asked for.
     std::vector<std::string> tables;
-    /// Is told of each other table that is not in good order.
+    /// Is called for each other table that is damaged.
     std::function<void(const std::string&)> note;
 };
 

@@ -37,7 +37,7 @@ std::string AnsiTextReader::ReadLine() {
         if (line.size() + (end - next_) > LongestLine) {
             throw Failure::Described(
                 FailureNumber::Overflow,
-                file_.ShownPath() + " has a line of more than 1 MB and is no text to read");
+                file_.ShownPath() + " has a line of more than 1 MB, so it is not a text file");
         }
         line.append(buffer_, next_, end - next_);
         ended = end < buffer_.size();
@@ -77,7 +77,7 @@ bool AnsiTextWriter::CloseIf(const std::function<bool()>& isWanted) {
     if (!open_) return true;
     open_ = false;
     file_.Write(buffer_);
-    // Waiting for the disk takes longer than all else: the question comes behind it.
+    // Waiting for the disk takes longest, so the question is asked after that.
     file_.Sync();
     if (!isWanted()) return false;
     file_.Commit();

@@ -49,7 +49,7 @@ TemporaryEntry MakeEntry(const std::string& folder, std::string_view shownPath, 
     }
 }
 
-/// Takes the lock of an entry that nobody works on. The path may mean another one by then, made
+/// Takes the lock of an entry that is not in use. The path may mean another one by then, made
 /// after ours was finished.
 bool IsAbandoned(int descriptor, const std::string& path) {
     struct stat facts{};

@@ -40,7 +40,7 @@ TEST_F(CheckCommand, TellsAllProblemsAtOnce) {
     EXPECT_EQ(Check().status, 2);
     const std::string problems = Problems();
     EXPECT_EQ(std::ranges::count(problems, '\n') + 1, 5) << problems;
-    EXPECT_TRUE(Has(problems, "ImagesHigh=abc is no number")) << problems;
+    EXPECT_TRUE(Has(problems, "ImagesHigh=abc is not a number")) << problems;
     EXPECT_TRUE(Has(problems, "PickerFormatOption=maybe is not 0 or 1")) << problems;
     EXPECT_TRUE(Has(problems, "nowhere.mdb is not there")) << problems;
     EXPECT_TRUE(Has(problems, "LibraryRoot (D:\\Nowhere) is not there")) << problems;
@@ -90,7 +90,8 @@ TEST_F(CheckCommand, TellsWhatCountsAsADuplicate) {
     for (const char* const line : {"OnlyIdentical=0", "; absent"}) {
         std::string changed = host;
         Write("shelf/host.ini", changed.replace(changed.find("\nOnlyIdentical=1") + 1, 15, line));
-        EXPECT_TRUE(Has(Check().out, "\nDuplicates       files of one title, OnlyIdentical is off"))
+        EXPECT_TRUE(
+            Has(Check().out, "\nDuplicates       files with the same title (OnlyIdentical is off)"))
             << line;
     }
 }
@@ -103,7 +104,7 @@ TEST_F(CheckCommand, NeedsALogThatCanBeWritten) {
     fs::remove(Path("shelf/host.log"));
     MakeFolder("shelf/host.log");
     EXPECT_EQ(Check().status, 2);
-    EXPECT_TRUE(Has(Problems(), "host.log cannot be written because it is no file"));
+    EXPECT_TRUE(Has(Problems(), "host.log cannot be written because it is not a file"));
 }
 
 TEST_F(CheckCommand, KnowsWhatTheAccountMayNotWrite) {

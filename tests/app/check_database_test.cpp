@@ -131,7 +131,7 @@ TEST_F(CheckDatabase, IsAProblemWhereARunWouldRefuseItAsDamaged) {
     SpoilRowCount("SpinnerGenre");
     EXPECT_EQ(Check().status, 2);
     EXPECT_TRUE(Has(Problems(),
-                    "a run refuses it as it is: table SpinnerGenre: the definition "
+                    "a run refuses it: table SpinnerGenre: the definition "
                     "counts 0 rows, there are 148"))
         << Problems();
     EXPECT_TRUE(Has(Problems(), "Put a backup in its place"));
@@ -199,8 +199,8 @@ TEST_F(CheckDatabase, WarnsWhenIdentifiersRunOut) {
     EXPECT_EQ(Cautions(), "");
     addAlbums(9899, 9900);
     EXPECT_TRUE(Has(Cautions(),
-                    "9900 of the 10,000 identifiers for albums are in use. When all "
-                    "are, a run leaves new albums out"));
+                    "9900 of the 10,000 identifiers for albums are in use. When all are in use, a "
+                    "run leaves new albums out"));
 }
 
 TEST_F(CheckDatabase, SeesThatItIsOpenElsewhere) {
@@ -237,7 +237,7 @@ TEST_F(CheckDatabase, TellsWhatTheNextRunDoesAboutLeftovers) {
     EXPECT_EQ(Check().status, 0);
     const std::string cautions = Cautions();
     EXPECT_TRUE(Has(cautions, "The journal " + database + ".journal is not complete"));
-    EXPECT_TRUE(Has(cautions, database + ".playlists: the next reconciliation takes from it"));
+    EXPECT_TRUE(Has(cautions, database + ".playlists: from it the next reconciliation learns"));
 }
 
 TEST_F(CheckDatabase, SaysThatNoReconciliationStartsWhereItCannotKeepItsOwnFiles) {
@@ -245,10 +245,13 @@ TEST_F(CheckDatabase, SaysThatNoReconciliationStartsWhereItCannotKeepItsOwnFiles
         const std::filesystem::path path = Path("shelf/jukebox.mdb" + ending);
         std::filesystem::create_symlink("elsewhere", path);
         EXPECT_EQ(Check().status, 2);
-        EXPECT_TRUE(Has(Problems(), path.string() + " is no file, and a run keeps one of its own"));
+        EXPECT_TRUE(
+            Has(Problems(),
+                path.string() +
+                    " is not a regular file. A reconciliation keeps a file of its own there"));
         Choose("AlbumPicker");
         EXPECT_EQ(Check().status, 0);
-        EXPECT_TRUE(Has(Cautions(), "no reconciliation starts. Remove it"));
+        EXPECT_TRUE(Has(Cautions(), "so none starts. Remove it"));
         Set("Reconcile", "1");
         Set("AlbumPicker", "0");
         std::filesystem::remove(path);

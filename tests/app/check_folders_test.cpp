@@ -38,7 +38,7 @@ TEST_F(CheckFolders, ReportsThoseThatAReconciliationCanDoWithout) {
     EXPECT_EQ(Check().status, 0);
     const std::string cautions = Cautions();
     EXPECT_TRUE(Has(cautions, "Folder AlbumCoverFolder (H:\\Covers\\) is not there. Make it"));
-    EXPECT_TRUE(Has(cautions, "Folder PlayListPath (Q:\\Lists\\) is no path below a drive"));
+    EXPECT_TRUE(Has(cautions, "Folder PlayListPath (Q:\\Lists\\) is not on a drive"));
     EXPECT_FALSE(Has(cautions, "Data"));
     Set("PlayListPath", "");
     EXPECT_TRUE(Has(Cautions(), "Folder PlayListPath is not set: no playlist can be kept or made"));
@@ -72,7 +72,7 @@ TEST_F(CheckFolders, AListOfLibraryFoldersThatCannotBeReadStopsEveryRun) {
     fs::permissions(Folder(), fs::perms::others_all, fs::perm_options::add);
     fs::permissions(Path("Music/more.txt"), fs::perms::none);
     const std::string problems = outside::AsOrdinaryUser([this] { return Problems(); });
-    EXPECT_TRUE(Has(problems, "The library folders cannot be found out")) << problems;
+    EXPECT_TRUE(Has(problems, "The library folders cannot be determined")) << problems;
     EXPECT_TRUE(Has(problems, "D:\\Music\\more.txt")) << problems;
 }
 
@@ -112,7 +112,7 @@ TEST_F(CheckFolders, TheAlbumPickerMakesItsFoldersAndNeedsNoMusic) {
     EXPECT_EQ(Check().status, 0);
     EXPECT_EQ(Cautions(), "");
     Write("shelf/HTML", "a file");
-    EXPECT_TRUE(Has(Problems(), "Folder HTML (H:\\HTML) is not there: what has this name"));
+    EXPECT_TRUE(Has(Problems(), "Folder HTML (H:\\HTML) is not a folder"));
 }
 
 TEST_F(CheckFolders, FindsASourceOfNewMusicThatOverlapsTheLibrary) {

@@ -35,8 +35,8 @@ TEST_F(CheckLeftOut, NamesWhatNoRunTakesInAndWhere) {
                     "5 music files are left out, since the layout has no place for them: 2 in "
                     "folders below album folders (D:\\Music\\Red\\One\\CD1), 2 in no album folder "
                     "(D:\\Music\\top.mp3, D:\\Music\\Red\\loose.mp3), 1 of another type than MP3 "
-                    "(D:\\Music\\Red\\One\\d.flac). MP3 files directly in an album folder "
-                    "(Artist\\Album\\Song.mp3) come in"));
+                    "(D:\\Music\\Red\\One\\d.flac). Only MP3 files directly in an album folder "
+                    "(Artist\\Album\\Song.mp3) are added"));
     EXPECT_EQ(Check().status, 0);
 }
 

@@ -71,7 +71,7 @@ TEST_F(CheckMode, NeedsALibraryForTheModesThatDo) {
     Choose("ID3Write");
     EXPECT_EQ(Check().status, 2);
     EXPECT_EQ(Problems(),
-              "  - ID3Write needs LibraryRoot, which is empty, and is passed over. Set LibraryRoot "
+              "  - ID3Write needs LibraryRoot, which is empty, and is skipped. Set LibraryRoot "
               "to the folder of the music.");
     Set("AlbumPicker", "1");
     EXPECT_EQ(Check().status, 0) << "there is something else to do";
@@ -128,7 +128,7 @@ TEST_F(CheckMode, NamesWhatCannotBeReadAndSoNotBackedUp) {
     const std::string problems = outside::AsOrdinaryUser([this] { return Problems(); });
     EXPECT_EQ(problems, "  - " + Path("shelf/Playlists/Sub/Closed.pla").string() +
                             " cannot be read by this account, so it cannot be backed up, and no "
-                            "run starts without that. Give it the right to.");
+                            "run starts without a backup. Give it the right to read there.");
 }
 
 TEST_F(CheckMode, SaysThatAWholeDriveCannotBeBackedUp) {

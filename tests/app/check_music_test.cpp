@@ -153,12 +153,13 @@ TEST_F(CheckMusic, SeesThatAListOfLibraryFoldersIsLost) {
     AddOwnedTracks({"D:\\Music\\Jazz\\Birch\\Quiet\\01 - Hush.mp3",
                     "D:\\Elsewhere\\Cedar\\Roots\\01 - Deep.mp3"});
     EXPECT_EQ(Check().status, 0);
-    EXPECT_EQ(Cautions(),
-              "  - 1 of the library's own tracks lies in none of the library folders "
-              "(D:\\Elsewhere\\Cedar\\Roots\\01 - Deep.mp3 for one). A run takes them for missing, "
-              "and the brake then keeps all rows. Look at LibraryRoot and its .txt files and at "
-              "[Drives] in host.ini; if that music is gone for good, run once with "
-              "--allow-removals.");
+    EXPECT_EQ(
+        Cautions(),
+        "  - 1 of the library's own tracks lies in none of the library folders "
+        "(for example D:\\Elsewhere\\Cedar\\Roots\\01 - Deep.mp3). A run takes them for missing, "
+        "and then the brake keeps all rows. Check LibraryRoot and its .txt files and [Drives] in "
+        "host.ini; if that music is gone for good, run once with "
+        "--allow-removals.");
 }
 
 TEST_F(CheckMusic, SeesThatTheDatabaseKnowsTheMusicByOtherPaths) {
@@ -166,7 +167,7 @@ TEST_F(CheckMusic, SeesThatTheDatabaseKnowsTheMusicByOtherPaths) {
     EXPECT_EQ(Check().status, 2);
     EXPECT_TRUE(Has(Problems(),
                     "1 of the library's own tracks lies in none of the library folders "
-                    "(E:\\Old\\A\\T\\x.mp3 for one)"));
+                    "(for example E:\\Old\\A\\T\\x.mp3)"));
     Execute("UPDATE Tracks SET SoundFile='d:\\MUSIC\\A\\T\\x.mp3'");
     EXPECT_EQ(Problems() + Cautions(), "") << "letter case does not count";
     Execute("UPDATE Tracks SET SoundFile=Null");

@@ -49,12 +49,12 @@ TEST_F(CheckSafety, FindsValuesThatAreNone) {
     EXPECT_EQ(Cautions(),
               "  - Brake in [Safety] of host.ini is \"perhaps\", which is neither yes nor no; the "
               "brake is on. Write 1 or 0.\n"
-              "  - MaxRemovedTracks in [Safety] of host.ini is \"many\", which is no whole number "
-              "from 0 on, and counts as 50. Write one, or delete the line for 50.\n"
-              "  - MaxRemovedPercent in [Safety] of host.ini is \"-3\", which is no whole number "
-              "from 0 on, and counts as 20. Write one, or delete the line for 20.\n"
-              "  - MaxRemovedFiles in [Safety] of host.ini is \"2.5\", which is no whole number "
-              "from 0 on, and counts as 2. Write one, or delete the line for 20.");
+              "  - MaxRemovedTracks in [Safety] of host.ini is \"many\", which is not a whole "
+              "number of 0 or more and counts as 50. Correct it, or delete the line to get 50.\n"
+              "  - MaxRemovedPercent in [Safety] of host.ini is \"-3\", which is not a whole "
+              "number of 0 or more and counts as 20. Correct it, or delete the line to get 20.\n"
+              "  - MaxRemovedFiles in [Safety] of host.ini is \"2.5\", which is not a whole number "
+              "of 0 or more and counts as 2. Correct it, or delete the line to get 20.");
 }
 
 TEST_F(CheckSafety, FindsNamesThatNothingReads) {

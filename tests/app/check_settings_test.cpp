@@ -45,27 +45,29 @@ TEST_F(CheckSettings, RemarksOnWhatCannotBeReadOrCountsAsSomethingElse) {
     Set("RandomizePlaylist", "yes");
     EXPECT_EQ(Check().status, 2);
     EXPECT_TRUE(
-        Has(Table(), "  ImagesHigh             abc                    file    no number\n"));
+        Has(Table(), "  ImagesHigh             abc                    file    not a number\n"));
+    EXPECT_TRUE(
+        Has(Table(),
+            "  ArtistThreshold        0                      file    not a number: a few …\n"));
     EXPECT_TRUE(Has(
-        Table(), "  ArtistThreshold        0                      file    no number: a few …\n"));
-    EXPECT_TRUE(Has(
-        Table(), "  MaxPlaylistLength      0                      file    out of range: 400…\n"));
+        Table(), "  MaxPlaylistLength      0                      file    out of range: 40000\n"));
     EXPECT_TRUE(
         Has(Table(), "  RandomizePlaylist      False                  file    not 0 or 1: yes"));
     EXPECT_EQ(Problems(),
-              "  - Setting ImagesHigh=abc is no number and no run starts with it. Write a whole "
-              "number from -32768 to 32767, or delete the line for the default 3.");
+              "  - Setting ImagesHigh=abc is not a number and no run starts with it. Write a whole "
+              "number from -32768 to 32767, or delete the line to get the default 3.");
 }
 
 TEST_F(CheckSettings, ASettingThatCountsAsSomethingElseIsNoProblem) {
     Set("ArtistThreshold", "abc");
     Set("RandomizePlaylist", "yes");
     EXPECT_EQ(Check().status, 0);
-    EXPECT_EQ(Cautions(),
-              "  - Setting ArtistThreshold=abc is no number and counts as 0. Write a whole number "
-              "from -32768 to 32767, or delete the line for the default 0.\n"
-              "  - Setting RandomizePlaylist=yes is not 0 or 1 and counts as False. Write 0 or 1, "
-              "or delete the line for the default 0.");
+    EXPECT_EQ(
+        Cautions(),
+        "  - Setting ArtistThreshold=abc is not a number and counts as 0. Write a whole number "
+        "from -32768 to 32767, or delete the line to get the default 0.\n"
+        "  - Setting RandomizePlaylist=yes is not 0 or 1 and counts as False. Write 0 or 1, "
+        "or delete the line to get the default 0.");
 }
 
 TEST_F(CheckSettings, TellsThatPlaylistsOnlySwitchesReconcileOn) {

@@ -90,8 +90,8 @@ TEST_F(CheckTagRenames, SaysWhenTheBrakeWouldKeepTheDuplicates) {
     AddSong("Alder/First Light/y.mp3", "Dusk");
     SetHost("Safety", "MaxRemovedFiles", "0");
     EXPECT_TRUE(Has(Finding(),
-                    "More duplicates than MaxRemovedFiles=0 go only with "
-                    "--allow-removals; else none does."));
+                    "More duplicates than MaxRemovedFiles=0 are only removed with "
+                    "--allow-removals; otherwise none is."));
 }
 
 TEST_F(CheckTagRenames, LeavesOutWhatARunLeavesOut) {

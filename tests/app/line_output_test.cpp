@@ -77,7 +77,7 @@ class NoFurtherFiles {
     rlimit before_{};
 };
 
-/// On a descriptor that cannot be opened anew, as that of another account's pipe.
+/// On a descriptor that cannot be opened again, as that of another account's pipe.
 LineOutput OnWhatIsNotOpenedAnew(int descriptor) {
     const NoFurtherFiles none;
     return LineOutput(descriptor);

@@ -159,7 +159,7 @@ def a_log_that_takes_nothing_neither_ends_nor_silences_a_run(work):
         expect("status", 1, done.returncode)
         told = [line for line in done.stdout.splitlines() if "log cannot be written" in line]
         expect("told in the face", [
-            f"   Quillon: The log cannot be written: Disk full: {log}. What it lacks is told here alone"],
+            f"   Quillon: The log cannot be written: Disk full: {log}. What is missing from it is only shown here"],
             told)
         expect("the errors all the same", True, "Path not found: Q:\\Nowhere" in done.stdout)
         expect("where they are told", True, re.search(

@@ -90,7 +90,7 @@ TEST(SummaryLines, SayWhatToDoWhereNothingRan) {
     const auto lines = SummaryLines(summary);
     EXPECT_EQ(lines[0], "Nothing ran; 1 error in host.log.");
     EXPECT_EQ(lines[1], "No album, track, file, playlist or tag was changed.");
-    EXPECT_EQ(lines[2], "'quillon check' tells what stands in the way.");
+    EXPECT_EQ(lines[2], "'quillon check' says what is in the way.");
 }
 
 TEST(SummaryLines, SayWhereErrorsAreToldThatTheLogDidNotTake) {
@@ -166,8 +166,8 @@ TEST(SummaryText, DoesNotSayThatNothingChangedWhereThatIsNotCertain) {
     summary.counts.errors = 1;
     summary.saved = false;
     EXPECT_EQ(SummaryText(summary),
-              "Done in 0:00:01; 1 error in host.log. Not all could be saved in the database; what "
-              "is not certain is not counted.");
+              "Done in 0:00:01; 1 error in host.log. Not everything could be saved in the "
+              "database; what is not certain is not counted.");
 }
 
 TEST(SummaryText, DoesNotSendToALogThatCouldNotBeWritten) {
@@ -212,7 +212,7 @@ TEST(SummaryText, SaysHowARunEnded) {
     EXPECT_TRUE(
         SummaryText({RunOutcome::Aborted, {}, seconds(5)}).starts_with("Aborted after 0:00:05; "));
     EXPECT_EQ(SummaryText({RunOutcome::NothingRan, {}, {}}),
-              "Nothing ran; no errors. 'quillon check' tells what stands in the way.");
+              "Nothing ran; no errors. 'quillon check' says what is in the way.");
 }
 
 TEST(SummaryLinesOfAWidth, TellTheLatestRecordAsFarAsThereIsRoom) {

@@ -50,7 +50,7 @@ TEST_F(WindowViewTest, RecordsGoToTheWindowAndToWhoStartedTheRunWithTheSummaryBe
     view->Summarize({RunOutcome::NothingRan, {}, {}});
     EXPECT_EQ(pipe.Waiting(),
               "   Quillon: ProcessTracks Line 4\n"
-              "Nothing ran; no errors. 'quillon check' tells what stands in the way.\n");
+              "Nothing ran; no errors. 'quillon check' says what is in the way.\n");
     EXPECT_EQ(window->logged.size(), 1U);
     EXPECT_EQ(window->logged[0].first, LogKind::Error);
 }

@@ -280,9 +280,10 @@ TEST_F(ReconcileMode, EndsBeforeItChangesWhatItCouldNotMakeGood) {
          [](Run& disturbed) { disturbed.isSecured = false; });
     EXPECT_EQ(Load(), RunOutcome::Completed);
     EXPECT_EQ(Calls({"Run"}).back(), "Run CapturePlaylists");
-    EXPECT_THAT(host.log, ElementsAre("Quillon: The run ends here, before it changes the library: "
-                                      "what would make good for an interruption cannot be kept. "
-                                      "The next run goes on"));
+    EXPECT_THAT(
+        host.log,
+        ElementsAre("Quillon: The run ends here, before it changes the library: what is needed to "
+                    "recover from an interruption cannot be saved. The next run goes on"));
 }
 
 }  // namespace

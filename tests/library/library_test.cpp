@@ -108,7 +108,7 @@ TEST_F(LibraryTest, WritesTheNumbersThatHaveChangedOnce) {
     EXPECT_EQ(shelf.Database().Count("Update Tracks"), 1U);
     EXPECT_EQ(shelf.Database().Count("Update Albums"), 1U);
     EXPECT_THAT(Numbers(), ElementsAre("A0|7", "A0|2", "B0|1", "DISC|1", "none|1"));
-    library.Tracks()[0].number.GiveBack();
+    library.Tracks()[0].number.Restore();
     library.Save();
     EXPECT_THAT(Numbers(), ElementsAre("A0|1", "A0|2", "B0|1", "DISC|1", "none|1"));
     EXPECT_EQ(shelf.Faults(), "");

@@ -186,7 +186,7 @@ TEST_F(HostFolderTest, ReadsNoSettingsFileThatIsNone) {
     HostFolder host = Host();
     EXPECT_EQ(FailureOf([&] { host.GetINISetting("A", "b", "", "some.ini"); }),
               (folder_ / "some.ini").string() +
-                  " is larger than 1 MB and so no settings file; correct or replace it");
+                  " is larger than 1 MB, so it is not a settings file; correct or replace it");
     EXPECT_EQ(
         FailureOf([&] { host.GetINISetting("A", "b", "", "pipe.ini"); }),
         "Permission denied: " + (folder_ / "pipe.ini").string() + " (this is a pipe and no file)");

@@ -60,7 +60,7 @@ TEST_F(TextReaderTest, RefusesALineThatNoTextHas) {
     std::filesystem::resize_file(folder_ / "c.pla", std::uintmax_t{1} << 36U);
     for (const std::string path : {"D:\\b.pla", "D:\\c.pla"}) {
         EXPECT_EQ(FailureOf([&] { files_.OpenText(path)->ReadLine(); }),
-                  path + " has a line of more than 1 MB and is no text to read");
+                  path + " has a line of more than 1 MB, so it is not a text file");
     }
 }
 

@@ -91,7 +91,7 @@ TEST_F(AwkwardFiles, MayBeginWithAUtf8Mark) {
     EXPECT_THAT(library.host.log, IsEmpty());
 }
 
-/// Both are no playlists: each line is told and dropped, and nothing is left of them.
+/// Both are no playlists: each line is logged and dropped, and nothing is left of them.
 TEST_F(AwkwardFiles, OfUtf16OrJunkHaveNoEntries) {
     std::string wide = "\xFF\xFE";
     for (const char letter : std::string("CDJ Playlist V1.1\r\nA0 0\r\n")) {

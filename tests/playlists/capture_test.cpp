@@ -104,7 +104,7 @@ TEST_F(CaptureTest, ShowsWhatItDoes) {
                             "Item 1. Capture Existing Playlists - Mine.pla"));
 }
 
-/// They are made anew later in the run, and stay until that has been done.
+/// They are generated again later in the run, and stay until that has been done.
 TEST_F(CaptureTest, LeavesOutTheFilesOfGeneratorsThatAreSwitchedOnAndDeletesNone) {
     AddPlaylistRow("Genre", "True, False");
     AddPlaylistRow("Artist", "False, True");

@@ -61,10 +61,9 @@ TEST_F(ChangedLists, AreErrorsWhereTheyHoldEntriesThatNamedOtherSongsBefore) {
     TurnRound();
     RefreshPlaylist(run());
     EXPECT_EQ(List("Mine.pla"), saved);
-    EXPECT_THAT(library.host.log,
-                ElementsAre(std::string(LeftAsItIs) +
-                            "; entries that named other songs before: A0 0, A0 2. Choose these "
-                            "anew where they are wrong"));
+    EXPECT_THAT(library.host.log, ElementsAre(std::string(LeftAsItIs) +
+                                              "; entries that named other songs before: A0 0, A0 "
+                                              "2. Choose them again where they are wrong"));
     EXPECT_EQ(run().counts.errors, 1U);
 }
 

@@ -302,7 +302,7 @@ TEST_F(ConvertTest, ReplacesNoOtherTextByAListOfItsName) {
     Convert();
     EXPECT_EQ(M3u("notes.txt"), "my notes");
     EXPECT_THAT(library.host.log,
-                ElementsAre(R"(Quillon: PlaToM3u: D:\M3u\notes.txt is no playlist, so )"
+                ElementsAre(R"(Quillon: PlaToM3u: D:\M3u\notes.txt is not a playlist, so )"
                             R"(D:\Lists\notes.txt is not converted)"));
     library.files.AddFile(R"(D:\M3u\notes.txt)", "#EXTM3U\r\n");
     Convert();

@@ -123,8 +123,9 @@ TEST_F(CreateTest, SkipsAListOfWhoseNameNothingIsLeft) {
     Create();
     EXPECT_THAT(Lists(), ElementsAre("Ann.pla", "Bob.pla", "Folk.pla"));
     EXPECT_THAT(Lines("Folk.pla"), SizeIs(3));
-    EXPECT_THAT(library.host.log, ElementsAre("Quillon: No playlist for ?*: nothing of the name "
-                                              "can be in a file's name"));
+    EXPECT_THAT(
+        library.host.log,
+        ElementsAre("Quillon: No playlist for ?*: a file's name can hold no character of it"));
 }
 
 TEST_F(CreateTest, SkipsAllPartsOfAListWithoutAName) {

@@ -179,7 +179,7 @@ TEST_F(RefreshTest, ReadsFilesOfAnyExtension) {
     EXPECT_THAT(Lines("notes.txt"), ElementsAre("A0 0"));
 }
 
-/// An entry keeps its album, so a song that has gone to another one is told and not followed.
+/// An entry keeps its album, so a song that has moved to another one is logged and not followed.
 TEST_F(RefreshTest, TellsOfASongThatIsOnAnotherAlbumNow) {
     AddList("Mine.pla", {"A0 2"});
     CapturePlaylists(run());

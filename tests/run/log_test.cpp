@@ -73,7 +73,7 @@ TEST_F(Log, TellsTheWindowOnceThatTheHostTakesNothingAndThenEveryRecord) {
     EXPECT_THAT(world.window.logged,
                 ElementsAre(std::pair(LogKind::Error,
                                       "Quillon: The log cannot be written: Disk full: host.log. "
-                                      "What it lacks is told here alone"),
+                                      "What is missing from it is only shown here"),
                             std::pair(LogKind::Information, "Quillon: one"),
                             std::pair(LogKind::Error, "Quillon: two"),
                             std::pair(LogKind::Error, "Quillon: three"),

@@ -32,7 +32,7 @@ class TestLibrary {
     void Reconcile();
 
     std::vector<std::string> Rows(std::string_view sql);
-    /// As another program would between two runs: the run reads its tables anew.
+    /// As another program would between two runs: the run reads its tables again.
     std::int64_t Execute(std::string_view sql) {
         run.ForgetTables();
         return Database().Execute(sql);

@@ -19,7 +19,7 @@ class AbortButton : public WindowFixture {
     void ExpectHeard() {
         EXPECT_FALSE(Button().isEnabled());
         EXPECT_EQ(Button().text(), "Aborting");
-        EXPECT_EQ(Remark(), "Abort was heard; the run stops after the current step.");
+        EXPECT_EQ(Remark(), "Aborting; the run stops after the current step.");
         EXPECT_TRUE(Desktop().isVisible()) << "it stays until the run has stopped";
     }
     void ExpectNotPressed() {
