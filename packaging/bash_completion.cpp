@@ -36,6 +36,7 @@ std::string ValueCases(const std::vector<const CommandDescription*>& commands) {
         for (const OptionDescription& option : command->options) {
             if (option.value.empty()) continue;
             std::vector<std::string> patterns;
+            patterns.reserve(option.names.size());
             for (const std::string& name : option.names)
                 patterns.push_back(fmt::format("'{} {}'", command->name, name));
             cases += fmt::format("            {}) words='{}' kind={} value=yes ;;\n",
