@@ -72,6 +72,7 @@ std::string UnknownOption(const CommandDescription& program, const CommandDescri
 
 std::string UnknownCommand(const CommandDescription& command, std::string_view word) {
     std::vector<std::string_view> names;
+    names.reserve(command.commands.size());
     for (const CommandDescription& below : command.commands)
         names.push_back(below.Word());
     std::string text = command.needsCommand
