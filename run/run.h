@@ -86,8 +86,8 @@ class Run {
     Library& TheLibrary();
     DownloadTable& TheDownloadTable();
     PlaylistTable& ThePlaylistTable();
-    /// They are read again at the next request. The genre dictionary, which is made of them, becomes
-    /// empty.
+    /// They are read again at the next request. The genre dictionary, which is made of them,
+    /// becomes empty.
     void ForgetTables();
 
     /// Genre names by ID3 genre number; "" where the database has none.

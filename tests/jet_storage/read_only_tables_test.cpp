@@ -80,7 +80,7 @@ TEST_F(ReadOnlyTables, ThatAreLinkedAreNotListedButExplained) {
                                         .name = "Elsewhere",
                                         .type = Linked,
                                         .flags = 0,
-                                        .owner = SecurityId::Admin,
+                                        .owner = Bytes{0x03, 0x01},
                                         .properties = {}});
         pages.Commit();
     }
