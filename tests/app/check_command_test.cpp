@@ -22,9 +22,9 @@ TEST_F(CheckCommand, FindsANewHostFolderReady) {
 
 TEST_F(CheckCommand, EndsWithAVerdictThatCountsWhatItFound) {
     Set("PickerMinimum", "0");
-    EXPECT_TRUE(Check().out.ends_with("\n\nA run could start; 1 thing is worth a look before.\n"));
+    EXPECT_TRUE(Check().out.ends_with("\n\nA run could start; 1 thing is worth a look first.\n"));
     Set("MaxPlaylistLength", "0");
-    EXPECT_TRUE(Check().out.ends_with("; 2 things are worth a look before.\n"));
+    EXPECT_TRUE(Check().out.ends_with("; 2 things are worth a look first.\n"));
     Set("Reconcile", "0");
     EXPECT_TRUE(Check().out.ends_with("\n\nNo run could do its work: 1 problem.\n"));
     Set("ImagesWide", "x");

@@ -160,7 +160,9 @@ TEST_F(CheckDatabase, SaysThatAJournalWaits) {
     LeaveJournal(Path("shelf/jukebox.mdb"));
     EXPECT_EQ(Check().status, 0);
     const std::string cautions = Cautions();
-    EXPECT_TRUE(Has(cautions, Path("shelf/jukebox.mdb").string() + ".journal waits")) << cautions;
+    EXPECT_TRUE(
+        Has(cautions, Path("shelf/jukebox.mdb").string() + ".journal has not been carried out yet"))
+        << cautions;
     EXPECT_TRUE(Has(cautions, "'quillon db recover " + Path("shelf/jukebox.mdb").string() + "'"));
     LeaveJournal(Path("shelf/jukebox.mdb"), 3);
     EXPECT_TRUE(Has(Cautions(), "was left for the database before that was replaced or changed"));

@@ -148,7 +148,7 @@ TEST_F(CreateTest, LetsGenresOfTheSameCleanNameShareAFile) {
     EXPECT_THAT(Playlists(), SizeIs(1));
     EXPECT_THAT(library.host.log,
                 ElementsAre(R"(Quillon: No playlist D:\Lists\RockAndRoll.pla for Rock & Roll: )"
-                            "another one of this run has the same name"));
+                            "another list of this run has the same name"));
 }
 
 /// One genre in two spellings would lose half of its entries to the same file.
