@@ -189,7 +189,7 @@ class MusicCheck {
         findings_.Add(
             inside_ == 0,
             fmt::format(
-                "{} in none of the library folders (for example {}). {}. Check LibraryRoot{} and "
+                "{} in none of the library folders ({} for one). {}. Check LibraryRoot{} and "
                 "[Drives] in host.ini; if that music is gone for good, run once "
                 "with --allow-removals",
                 Tracks(outside_), outsider_, run,

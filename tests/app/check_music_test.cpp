@@ -156,7 +156,7 @@ TEST_F(CheckMusic, SeesThatAListOfLibraryFoldersIsLost) {
     EXPECT_EQ(
         Cautions(),
         "  - 1 of the library's own tracks lies in none of the library folders "
-        "(for example D:\\Elsewhere\\Cedar\\Roots\\01 - Deep.mp3). A run takes them for missing, "
+        "(D:\\Elsewhere\\Cedar\\Roots\\01 - Deep.mp3 for one). A run takes them for missing, "
         "and then the brake keeps all rows. Check LibraryRoot and its .txt files and [Drives] in "
         "host.ini; if that music is gone for good, run once with "
         "--allow-removals.");
@@ -167,7 +167,7 @@ TEST_F(CheckMusic, SeesThatTheDatabaseKnowsTheMusicByOtherPaths) {
     EXPECT_EQ(Check().status, 2);
     EXPECT_TRUE(Has(Problems(),
                     "1 of the library's own tracks lies in none of the library folders "
-                    "(for example E:\\Old\\A\\T\\x.mp3)"));
+                    "(E:\\Old\\A\\T\\x.mp3 for one)"));
     Execute("UPDATE Tracks SET SoundFile='d:\\MUSIC\\A\\T\\x.mp3'");
     EXPECT_EQ(Problems() + Cautions(), "") << "letter case does not count";
     Execute("UPDATE Tracks SET SoundFile=Null");
@@ -199,7 +199,7 @@ TEST_F(CheckMusic, SeesARootThatIsALevelTooLow) {
     EXPECT_TRUE(Has(Problems(),
                     "LibraryRoot (D:\\Music\\Alder) has music only further up than a run looks for "
                     "it: D:\\Music\\Alder\\First Light\\01 - Dawn.mp3 for one"));
-    EXPECT_TRUE(Has(Cautions(), "(for example D:\\Music\\Birch\\Quiet\\01 - Hush.mp3)"));
+    EXPECT_TRUE(Has(Cautions(), "(D:\\Music\\Birch\\Quiet\\01 - Hush.mp3 for one)"));
 }
 
 TEST_F(CheckMusic, KnowsThatFlatMusicLiesInTheRootItself) {
