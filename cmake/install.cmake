@@ -31,8 +31,9 @@ install(FILES ${files}/quillon@.service ${files}/quillon@.timer DESTINATION lib/
 
 install(FILES ${files}/logrotate.conf DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples
     COMPONENT program)
+# It tells users what is new, which is what Debian calls news.
 install(FILES ${PROJECT_SOURCE_DIR}/CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR}
-    COMPONENT program OPTIONAL)
+    RENAME NEWS.md COMPONENT program)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs/manual DESTINATION ${CMAKE_INSTALL_DOCDIR}
     COMPONENT program FILES_MATCHING PATTERN "*.md")
 

@@ -14,7 +14,7 @@ using ::testing::HasSubstr;
 std::string Kinds(std::string_view statement) {
     std::string kinds;
     for (const Token& token : Tokenize(statement).tokens)
-        kinds += "wntods."[static_cast<std::size_t>(token.kind)];
+        kinds += "wntodps."[static_cast<std::size_t>(token.kind)];
     return kinds;
 }
 

@@ -68,7 +68,7 @@ TEST(Parse, NamesThePlaceOfAFault) {
     EXPECT_THAT(fault("SELECT * FROM Albums WHERE (ID=1"), HasSubstr("')' is expected"));
     EXPECT_THAT(fault("SELECT FROM Albums"), HasSubstr("near 'FROM'"));
     EXPECT_THAT(fault("SELECT ID FROM Albums WHERE Title=\"a\"b\""), HasSubstr("no end"));
-    EXPECT_THAT(fault("DROP TABLE Albums"), HasSubstr("SELECT, INSERT, UPDATE or DELETE"));
+    EXPECT_THAT(fault("ALTER TABLE Albums"), HasSubstr("SELECT, INSERT, UPDATE, DELETE"));
     EXPECT_THAT(fault("SELECT ID FROM Albums; SELECT 1"), HasSubstr("near 'SELECT'"));
     EXPECT_THAT(fault("SELECT Foo(ID) FROM Albums"), HasSubstr("undefined function"));
     EXPECT_THAT(fault("SELECT Left(Title) FROM Albums"), HasSubstr("number of arguments"));

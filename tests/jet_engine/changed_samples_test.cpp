@@ -1,5 +1,6 @@
 // Databases that another engine has made: their tables and indexes are changed, and they are
 // compacted.
+#include <algorithm>
 #include <filesystem>
 #include <gtest/gtest.h>
 
@@ -32,14 +33,18 @@ class ChangedSample : public ::testing::TestWithParam<fs::path> {
         }
     }
 
-    /// All rows of all tables, by table.
+    /// All rows of all tables, by table. Their indexes come in the order of names, as they do in a
+    /// packed copy.
     std::string Content() {
         Database database = Database::Open(file_, OpenMode::ReadOnly);
         std::string content;
         for (const TableDefinition& table : database.Tables()) {
             content += table.name + '\n';
-            for (const std::string& statement : CreateStatements(table))
-                content += statement + '\n';
+            std::vector<std::string> statements = CreateStatements(table);
+            std::ranges::sort(statements);
+            for (const std::string& statement : statements)
+                if (!statement.starts_with("CREATE INDEX [" + left_ + "]"))
+                    content += statement + '\n';
             content += Rows(database, "SELECT * FROM " + SqlName(table.name)) + '\n';
         }
         return content;
@@ -52,6 +57,7 @@ class ChangedSample : public ::testing::TestWithParam<fs::path> {
         return faults + outside::StructuralFaults(file_);
     }
 
+    std::string left_;  ///< the name of indexes that could not be dropped
     outside::TemporaryFolder folder_;
     fs::path file_ = folder_.Path() / "sample.mdb";
 };
@@ -87,6 +93,7 @@ TEST_P(ChangedSample, TakesANewTableAndIndexesAndGivesThemBack) {
                     database.DropIndex(table.name, index.name);
                 } catch (const Error& error) {
                     EXPECT_NE(std::string(error.what()).find("relationship"), std::string::npos);
+                    left_ = index.name;
                 }
             }
         }

@@ -160,7 +160,7 @@ def falls_back_where_there_is_no_screen(stage):
         terminal.confirm_given_back("status 0", r"Library Consistency Management, Version",
                                     r"\n4\. Add Folder Tracks to Library\n", r"Done in \d:")
     with terminals.Terminal(command + " --view terminal", kind="dumb", columns=120) as terminal:
-        terminal.confirm_given_back("status 2", "no terminal that can show a screen; use plain")
+        terminal.confirm_given_back("status 2", "not a terminal that can show a screen; use plain")
 
 
 def says_why_nothing_ran(stage):
