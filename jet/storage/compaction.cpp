@@ -97,6 +97,7 @@ class Copier {
     /// Rows that lack a value which was made obligatory later come along.
     std::size_t CopyRows(const StoredTable& table, PageNumber definition) {
         StoredTable copy(to_, table.Definition().name, definition, {});
+        copy.KeepOrder();
         table.Scan([&](RowId, Row&& row) {
             copy.Insert(row);
             if (to_.ChangedPages() >= MostPagesInMemory) to_.Commit();

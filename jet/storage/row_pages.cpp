@@ -29,7 +29,18 @@ Page& RowPages::Modify(PageNumber page) {
 }
 
 RowId RowPages::Add(std::span<const std::uint8_t> row, RowKind kind) {
-    const PageNumber number = PageWithRoom(row.size());
+    return AddTo(PageWithRoom(row.size()), row, kind);
+}
+
+RowId RowPages::Append(std::span<const std::uint8_t> row, RowKind kind) {
+    LearnRoom();
+    if (const auto pages = last_ ? std::vector<PageNumber>() : Pages(); !pages.empty())
+        last_ = pages.back();
+    if (!last_ || DataPageView(*Read(*last_), *last_).RoomForNew() < row.size()) last_ = NewPage();
+    return AddTo(*last_, row, kind);
+}
+
+RowId RowPages::AddTo(PageNumber number, std::span<const std::uint8_t> row, RowKind kind) {
     Page& page = Modify(number);
     const std::uint8_t slot = AddRow(page, number, row.size(), kind);
     const Slot place = DataPageView(page, number).At(slot);
@@ -65,6 +76,7 @@ void RowPages::Remove(RowId row) {
 
 void RowPages::Forget() {
     roomKnown_ = false;
+    last_.reset();
     byRoom_.clear();
     roomOf_.clear();
 }
@@ -108,6 +120,10 @@ PageNumber RowPages::PageWithRoom(std::size_t size) {
     if (const auto found = byRoom_.lower_bound({size, 0}); found != byRoom_.end()) {
         return found->second;
     }
+    return NewPage();
+}
+
+PageNumber RowPages::NewPage() {
     const PageNumber page = pages_.Allocate();
     MakeDataPage(pages_.Modify(page), owner_);
     owned_.Add(page);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <set>
 #include <span>
 #include <unordered_map>
@@ -32,6 +33,8 @@ class RowPages {
 
     /// Stores a row where there is room.
     RowId Add(std::span<const std::uint8_t> row, RowKind kind);
+    /// Stores a row behind all others.
+    RowId Append(std::span<const std::uint8_t> row, RowKind kind);
     /// Whether the row's page has room for another size of it.
     bool Fits(RowId row, std::size_t size) const;
     /// Gives a row other content; the caller has checked that it fits.
@@ -46,12 +49,15 @@ class RowPages {
   private:
     void LearnRoom();
     void NoteRoom(PageNumber page, bool mayJoin);
+    RowId AddTo(PageNumber number, std::span<const std::uint8_t> row, RowKind kind);
     PageNumber PageWithRoom(std::size_t size);
+    PageNumber NewPage();
     Page& Modify(PageNumber page);
 
     PageStore& pages_;
     std::uint32_t owner_;
     UsageMap owned_, free_;
+    std::optional<PageNumber> last_;  ///< where rows are appended
     bool roomKnown_ = false;
     /// The pages of the free map, by room and by number.
     std::set<std::pair<std::size_t, PageNumber>> byRoom_;

@@ -49,6 +49,10 @@ class StoredTable final : public TableImplementation, private DeferredChanges {
     /// Puts the index entries that wait where they belong.
     void MakeNow() override;
 
+    /// From now on rows are added behind all others, and not where there is room: the first of
+    /// several in the file stays the first in a copy.
+    void KeepOrder() { keepsOrder_ = true; }
+
     /// One column of one row.
     Value ReadColumn(RowId row, std::size_t column) const;
 
@@ -111,6 +115,7 @@ class StoredTable final : public TableImplementation, private DeferredChanges {
     std::string file_;
     TableDefinition definition_;
     std::optional<std::string> readOnlyReason_;
+    bool keepsOrder_ = false;
     mutable std::unique_ptr<Parts> parts_;
     std::vector<EntryBatch> waiting_;  ///< new entries, by index
     std::vector<IndexKey> newKeys_;    ///< of the row that is being added, by index

@@ -84,7 +84,8 @@ Table::Inserted StoredTable::Insert(std::span<const Value> given) {
             RaiseAutoNumber(i, valueOf(i));
             SetField(i, valueOf(i));
         }
-        inserted.row = parts.rows.Add(Assemble());
+        const Bytes& row = Assemble();
+        inserted.row = keepsOrder_ ? parts.rows.Append(row) : parts.rows.Add(row);
         for (std::size_t i = 0; i < newKeys_.size() && !wait; ++i)
             ChangeKey({i, std::nullopt, newKeys_[i]}, inserted.row);
         parts.counters.SetRows(parts.counters.Rows() + 1);

@@ -24,6 +24,9 @@ class TableRows {
     Stored Read(RowId row) const;
 
     RowId Add(std::span<const std::uint8_t> bytes) { return pages_.Add(bytes, RowKind::Home); }
+    RowId Append(std::span<const std::uint8_t> bytes) {
+        return pages_.Append(bytes, RowKind::Home);
+    }
     void Replace(RowId row, std::span<const std::uint8_t> bytes);
     void Remove(RowId row);
 
