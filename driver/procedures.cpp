@@ -1,6 +1,5 @@
 #include "driver/procedures.h"
 
-#include "covers/album_picker.h"
 #include "covers/refresh_album_covers.h"
 #include "database/remove_duplicates.h"
 #include "download/populate_spinner_artist.h"
@@ -10,6 +9,7 @@
 #include "id3/song_genre.h"
 #include "id3/verify_tags.h"
 #include "id3/write_id3.h"
+#include "picker/album_picker.h"
 #include "playlists/capture.h"
 #include "playlists/convert.h"
 #include "playlists/create.h"

@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-#include "covers/picker_locations.h"
+#include "picker/locations.h"
 #include "run/paths.h"
 #include "run/run.h"
 

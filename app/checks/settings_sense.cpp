@@ -5,11 +5,11 @@
 #include <vector>
 
 #include "app/checks/settings_check.h"
-#include "covers/picker_layout.h"
 #include "driver/misspelt_setting.h"
 #include "driver/modes.h"
 #include "driver/nearest_name.h"
 #include "driver/settings_reader.h"
+#include "picker/layout.h"
 #include "platform/basic_text.h"
 #include "platform/failure.h"
 

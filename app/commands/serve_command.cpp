@@ -8,8 +8,8 @@
 #include "app/serve/http_server.h"
 #include "app/serve/preview.h"
 #include "app/serve/stop_signals.h"
-#include "covers/picker_locations.h"
 #include "driver/settings_reader.h"
+#include "picker/locations.h"
 #include "platform/basic_text.h"
 #include "platform/failure.h"
 

@@ -5,7 +5,7 @@
 
 #include "app/serve/content_type.h"
 #include "app/serve/templates.h"
-#include "covers/picker_locations.h"
+#include "picker/locations.h"
 #include "platform/basic_text.h"
 #include "platform/date_time.h"
 

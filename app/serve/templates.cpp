@@ -4,7 +4,7 @@
 #include <array>
 #include <stdexcept>
 
-#include "covers/picker_html.h"
+#include "picker/html.h"
 #include "platform/ansi.h"
 
 namespace quillon {

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "picker/controls.h"
+
+namespace quillon {
+
+/// The controls as plain links.
+class PickerLinks : public PickerControls {
+  public:
+    std::string Album(const PickerAlbum& album) const override;
+    std::string Track(const PickerAlbum& album, const PickerTrack& track) const override;
+    std::string SavePlaylist() const override;
+    std::string Navigation(std::size_t page, std::size_t pageCount) const override;
+};
+
+}  // namespace quillon
