@@ -5,7 +5,7 @@
 
 #include "app/requests.h"
 
-namespace CLI {
+namespace CLI {  // NOLINT(readability-identifier-naming): the library's own
 class App;
 }
 

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "app/console.h"
-#include "app/database_needs.h"
+#include "jukebox/database_needs.h"
 #include "platform/basic_text.h"
 
 namespace quillon {

@@ -16,7 +16,6 @@
 #include <string_view>
 #include <vector>
 
-#include "app/jukebox_database.h"
 #include "app/local_host.h"
 #include "bench/figures.h"
 #include "bench/no_window.h"
@@ -24,6 +23,7 @@
 #include "download/populate_spinner_artist.h"
 #include "download/populate_spinner_tracks.h"
 #include "download/refresh_spinner.h"
+#include "jukebox/jukebox_database.h"
 #include "platform/database.h"
 #include "remote/make_remote.h"
 #include "run/run.h"

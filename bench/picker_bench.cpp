@@ -9,10 +9,10 @@
 #include <string>
 #include <vector>
 
-#include "app/jukebox_database.h"
 #include "bench/child_process.h"
 #include "bench/figures.h"
 #include "jet/database.h"
+#include "jukebox/jukebox_database.h"
 #include "tests/outside/temporary_folder.h"
 
 namespace {

@@ -16,9 +16,9 @@
 #include <sys/resource.h>
 #include <vector>
 
-#include "app/jukebox_database.h"
 #include "bench/figures.h"
 #include "bench/no_window.h"
+#include "jukebox/jukebox_database.h"
 #include "platform/portable/jet_database.h"
 #include "platform/portable/path_resolver.h"
 #include "platform/portable/portable_files.h"

@@ -53,7 +53,7 @@ std::unique_ptr<RecordSet> TracksOf(Run& run, const Difference& difference) {
 
 /// The value of a track as a difference row has it.
 std::string ExpectedValue(const RecordSet& track, const Difference& difference) {
-    if (difference.field == TagLabel::Track) return track.Text("Track");
+    if (difference.field == tag_label::Track) return track.Text("Track");
     const auto length = LengthOf(track.Integer("Minutes"), track.Integer("Seconds"));
     return LengthDifference(length ? std::to_string(*length) : "");
 }
@@ -144,11 +144,11 @@ void UpdateTrackNumber(Run& run, const Difference& difference) {
 
 /// Song, Artist and Album are names, and nothing else is known.
 void Apply(Run& run, const Difference& difference) {
-    if (difference.field == TagLabel::Comment) {
+    if (difference.field == tag_label::Comment) {
         UpdateLength(run, difference);
-    } else if (difference.field == TagLabel::Genre) {
+    } else if (difference.field == tag_label::Genre) {
         UpdateGenre(run, difference);
-    } else if (difference.field == TagLabel::Track) {
+    } else if (difference.field == tag_label::Track) {
         UpdateTrackNumber(run, difference);
     }
 }

@@ -44,12 +44,12 @@ struct ComparedField {
 };
 
 std::array<ComparedField, 6> ComparedFields(const Tag& tag, const ExpectedTag& expected) {
-    return {{{TagLabel::Marker, tag.marker, "TAG", TagAgrees},
-             {TagLabel::Song, tag.song, expected.song, TagAgreesWithTitle},
-             {TagLabel::Artist, tag.artist, expected.artist, TagAgreesWithName},
-             {TagLabel::Album, tag.album, expected.album, TagAgreesWithName},
-             {TagLabel::Track, tag.track, expected.track, TagAgrees},
-             {TagLabel::Genre, tag.genre, expected.genre, TagAgrees}}};
+    return {{{tag_label::Marker, tag.marker, "TAG", TagAgrees},
+             {tag_label::Song, tag.song, expected.song, TagAgreesWithTitle},
+             {tag_label::Artist, tag.artist, expected.artist, TagAgreesWithName},
+             {tag_label::Album, tag.album, expected.album, TagAgreesWithName},
+             {tag_label::Track, tag.track, expected.track, TagAgrees},
+             {tag_label::Genre, tag.genre, expected.genre, TagAgrees}}};
 }
 
 }  // namespace
@@ -77,9 +77,9 @@ TagComparison CompareTag(const Tag& tag, const ExpectedTag& expected,
         const std::string_view value = Trim(field.value);
         if (value.empty() || field.agrees(value, field.expected)) continue;
         differs = true;
-        if (field.label == TagLabel::Song) result.titleDiffers = true;
+        if (field.label == tag_label::Song) result.titleDiffers = true;
         // Numbers are the library's own affair: they are handed out by the age of the files.
-        if (field.label == TagLabel::Track) continue;
+        if (field.label == tag_label::Track) continue;
         result.differences.push_back(
             {field.label, std::string(value), std::string(field.expected)});
     }
@@ -87,13 +87,13 @@ TagComparison CompareTag(const Tag& tag, const ExpectedTag& expected,
     result.seconds = TagSeconds(tag.comment);
     if (LengthsDisagree(result.seconds, databaseSeconds)) {
         differs = true;
-        result.differences.push_back({TagLabel::Comment, LengthDifference(result.seconds),
+        result.differences.push_back({tag_label::Comment, LengthDifference(result.seconds),
                                       LengthDifference(databaseSeconds)});
     }
 
     result.track = tag.track;
     if (differs && result.track.empty()) {
-        result.differences.push_back({TagLabel::TrackNumberMissing, "", ""});
+        result.differences.push_back({tag_label::TrackNumberMissing, "", ""});
         result.track = "-1";
     }
     return result;

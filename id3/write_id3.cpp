@@ -25,8 +25,8 @@ constexpr std::string_view Progress = "1. Writing ID3 for Artist: & artist.name"
 
 /// The labels of Year and Ver are missing: the database has nothing for them.
 constexpr std::array WritableFields{
-    TagLabel::Marker,  TagLabel::Song,  TagLabel::Artist, TagLabel::Album,
-    TagLabel::Comment, TagLabel::Track, TagLabel::Genre,  TagLabel::TrackNumberMissing};
+    tag_label::Marker,  tag_label::Song,  tag_label::Artist, tag_label::Album,
+    tag_label::Comment, tag_label::Track, tag_label::Genre,  tag_label::TrackNumberMissing};
 
 /// What the rows of one song ask for.
 struct Differences {
@@ -46,9 +46,9 @@ Differences ReadDifferences(Run& run, const SongNames& names) {
         if (std::find(WritableFields.begin(), WritableFields.end(), field) == WritableFields.end())
             continue;
         differences.any = true;
-        differences.length |= field == TagLabel::Comment;
-        differences.missingTrack |= field == TagLabel::TrackNumberMissing;
-        if (field == TagLabel::Song) differences.tagTitle = rows->Text("ID3Value");
+        differences.length |= field == tag_label::Comment;
+        differences.missingTrack |= field == tag_label::TrackNumberMissing;
+        if (field == tag_label::Song) differences.tagTitle = rows->Text("ID3Value");
     }
     return differences;
 }

@@ -3,7 +3,7 @@
 #include <fmt/format.h>
 #include <stdexcept>
 
-#include "app/display_text.h"
+#include "app/text/display_text.h"
 
 namespace quillon {
 namespace {

@@ -18,10 +18,10 @@ constexpr Block Repeated(unsigned char byte) {
 /// Set in the bytes that are no ASCII.
 constexpr Block HighBits = Repeated(0x80);
 
-/// The eight bytes from there on.
-inline Block BlockAt(const char* bytes) {
+/// Eight bytes of a text, which has so many.
+inline Block BlockAt(std::string_view text, std::size_t at) {
     Block block = 0;
-    std::memcpy(&block, bytes, BlockSize);
+    std::memcpy(&block, &text[at], BlockSize);
     return block;
 }
 
@@ -29,11 +29,11 @@ inline Block BlockAt(const char* bytes) {
 inline Block TakeBlock(std::string_view& text) {
     Block block = 0;
     if (text.size() >= BlockSize) {
-        block = BlockAt(text.data());
+        block = BlockAt(text, 0);
         text.remove_prefix(BlockSize);
         return block;
     }
-    std::memcpy(&block, text.data(), text.size());
+    if (!text.empty()) std::memcpy(&block, &text[0], text.size());
     text = {};
     return block;
 }
@@ -68,7 +68,7 @@ constexpr bool IsAscii(char c) {
 /// How many bytes stand before the first that is no ASCII.
 inline std::size_t PrefixLength(std::string_view text) {
     std::size_t at = 0;
-    while (at + BlockSize <= text.size() && (BlockAt(text.data() + at) & HighBits) == 0)
+    while (at + BlockSize <= text.size() && (BlockAt(text, at) & HighBits) == 0)
         at += BlockSize;
     while (at < text.size() && IsAscii(text[at]))
         ++at;

@@ -75,7 +75,7 @@ std::string ChangeEach(std::string_view text) {
     std::string result(text);
     std::size_t at = 0;
     for (; at + ascii::BlockSize <= text.size(); at += ascii::BlockSize) {
-        const ascii::Block block = ascii::BlockAt(text.data() + at);
+        const ascii::Block block = ascii::BlockAt(text, at);
         if ((block & ascii::HighBits) != 0) break;
         const ascii::Block changed = ChangeBlock(block);
         std::memcpy(result.data() + at, &changed, ascii::BlockSize);
@@ -116,8 +116,8 @@ int CompareIgnoringCase(std::string_view left, std::string_view right) {
     std::size_t same = 0;
     for (; same + ascii::BlockSize <= std::min(left.size(), right.size());
          same += ascii::BlockSize) {
-        const ascii::Block l = ascii::BlockAt(left.data() + same);
-        const ascii::Block r = ascii::BlockAt(right.data() + same);
+        const ascii::Block l = ascii::BlockAt(left, same);
+        const ascii::Block r = ascii::BlockAt(right, same);
         if (((l | r) & ascii::HighBits) != 0 || ascii::Upper(l) != ascii::Upper(r)) break;
     }
     std::size_t l = same;

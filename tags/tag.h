@@ -26,13 +26,13 @@ struct Tag {
 };
 
 /// Labels of the fields as `SpinnerID3Differences.Field` holds them.
-namespace TagLabel {
+namespace tag_label {
 constexpr std::string_view Marker = "Tag", Song = "Song", Artist = "Artist", Album = "Album",
                            Year = "Year", Comment = "Comment", Ver = "Ver", Track = "Track",
                            Genre = "Genre";
 /// That of the row that tells of a tag without a track number.
 constexpr std::string_view TrackNumberMissing = "Track Number Missing";
-}  // namespace TagLabel
+}  // namespace tag_label
 
 /// One of the fields, and how many bytes it takes in a tag of version 1.1.
 struct TagField {
@@ -42,15 +42,15 @@ struct TagField {
 };
 
 /// In the order of the tag. Ver is the zero byte between comment and track number.
-constexpr std::array<TagField, 9> TagFields{{{TagLabel::Marker, 3, &Tag::marker},
-                                             {TagLabel::Song, 30, &Tag::song},
-                                             {TagLabel::Artist, 30, &Tag::artist},
-                                             {TagLabel::Album, 30, &Tag::album},
-                                             {TagLabel::Year, 4, &Tag::year},
-                                             {TagLabel::Comment, 28, &Tag::comment},
-                                             {TagLabel::Ver, 1, &Tag::ver},
-                                             {TagLabel::Track, 1, &Tag::track},
-                                             {TagLabel::Genre, 1, &Tag::genre}}};
+constexpr std::array<TagField, 9> TagFields{{{tag_label::Marker, 3, &Tag::marker},
+                                             {tag_label::Song, 30, &Tag::song},
+                                             {tag_label::Artist, 30, &Tag::artist},
+                                             {tag_label::Album, 30, &Tag::album},
+                                             {tag_label::Year, 4, &Tag::year},
+                                             {tag_label::Comment, 28, &Tag::comment},
+                                             {tag_label::Ver, 1, &Tag::ver},
+                                             {tag_label::Track, 1, &Tag::track},
+                                             {tag_label::Genre, 1, &Tag::genre}}};
 
 /// The tag record: the nine fields, each with a "|" behind it; "" for no tag.
 std::string TagRecord(const Tag& tag);

@@ -16,14 +16,14 @@
 #include "app/checks/music_check.h"
 #include "app/checks/playlists_check.h"
 #include "app/checks/writable.h"
-#include "app/database_needs.h"
-#include "app/display_text.h"
 #include "app/table_printer.h"
+#include "app/text/display_text.h"
 #include "database/schema.h"
 #include "driver/modes.h"
 #include "jet/check.h"
 #include "jet/database.h"
 #include "jet/lock.h"
+#include "jukebox/database_needs.h"
 #include "platform/failure.h"
 
 namespace quillon {

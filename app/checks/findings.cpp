@@ -3,7 +3,7 @@
 #include <ostream>
 #include <string_view>
 
-#include "app/display_text.h"
+#include "app/text/display_text.h"
 
 namespace quillon {
 namespace {

@@ -4,8 +4,8 @@
 #include <fmt/format.h>
 #include <ostream>
 
-#include "app/display_text.h"
 #include "app/table_printer.h"
+#include "app/text/display_text.h"
 #include "driver/settings_reader.h"
 #include "platform/basic_text.h"
 #include "run/host_settings.h"

@@ -14,9 +14,9 @@
 #include "app/checks/settings_check.h"
 #include "app/checks/tag_renames_check.h"
 #include "app/checks/writable.h"
-#include "app/display_text.h"
 #include "app/local_host.h"
 #include "app/removed_music.h"
+#include "app/text/display_text.h"
 
 namespace quillon {
 namespace {

@@ -11,13 +11,13 @@
 #include "app/checks/journal_remark.h"
 #include "app/commands/database_work.h"
 #include "app/commands/row_output.h"
-#include "app/display_text.h"
-#include "app/jukebox_database.h"
+#include "app/text/display_text.h"
 #include "app/value_text.h"
 #include "jet/check.h"
 #include "jet/compact.h"
 #include "jet/journal.h"
 #include "jet/statement.h"
+#include "jukebox/jukebox_database.h"
 #include "platform/basic_text.h"
 
 namespace quillon {

@@ -7,7 +7,7 @@
 #include "app/commands/database_work.h"
 #include "app/commands/db_command.h"
 #include "app/commands/row_output.h"
-#include "app/display_text.h"
+#include "app/text/display_text.h"
 #include "jet/statement.h"
 
 namespace quillon {
@@ -45,6 +45,7 @@ std::string RulesOf(const jet::TableDefinition& table, std::size_t column) {
 
 std::string FieldsOf(const jet::TableDefinition& table, const jet::IndexDefinition& index) {
     std::vector<std::string> fields;
+    fields.reserve(index.columns.size());
     for (const jet::IndexColumn& part : index.columns)
         fields.push_back(table.columns.at(part.column).name + (part.ascending ? "" : " DESC"));
     return Joined(fields);

@@ -7,7 +7,7 @@
 #include "app/commands/db_command.h"
 #include "app/commands/row_output.h"
 #include "app/csv.h"
-#include "app/display_text.h"
+#include "app/text/display_text.h"
 #include "app/value_text.h"
 #include "jet/statement.h"
 

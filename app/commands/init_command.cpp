@@ -11,11 +11,11 @@
 #include <system_error>
 #include <vector>
 
-#include "app/jukebox_database.h"
 #include "app/local_drives.h"
 #include "app/settings_file.h"
 #include "app/stored_music.h"
 #include "jet/database.h"
+#include "jukebox/jukebox_database.h"
 #include "platform/host.h"
 #include "run/removals.h"
 

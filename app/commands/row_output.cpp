@@ -70,6 +70,7 @@ void RowOutput::Finish() {
 
 void WriteRows(jet::RecordSet& rows, RowFormat format, std::ostream& out) {
     std::vector<std::string> names;
+    names.reserve(rows.FieldCount());
     for (std::size_t i = 0; i < rows.FieldCount(); ++i)
         names.push_back(rows.FieldName(i));
     RowOutput output(out, names, format);

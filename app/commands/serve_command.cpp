@@ -3,11 +3,11 @@
 #include <fmt/format.h>
 #include <ostream>
 
-#include "app/display_text.h"
 #include "app/local_host.h"
 #include "app/serve/http_server.h"
 #include "app/serve/preview.h"
 #include "app/serve/stop_signals.h"
+#include "app/text/display_text.h"
 #include "driver/settings_reader.h"
 #include "picker/locations.h"
 #include "platform/basic_text.h"

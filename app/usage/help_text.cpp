@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "app/display_text.h"
+#include "app/text/display_text.h"
 
 namespace quillon {
 namespace {

@@ -14,7 +14,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "app/display_text.h"
+#include "app/text/display_text.h"
 
 namespace quillon {
 namespace {

@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "app/display_text.h"
 #include "app/signals.h"
+#include "app/text/display_text.h"
 
 namespace quillon {
 

@@ -5,7 +5,7 @@
 #include <iterator>
 #include <utility>
 
-#include "app/display_text.h"
+#include "app/text/display_text.h"
 
 namespace quillon {
 namespace {

@@ -5,8 +5,8 @@
 #include <utility>
 #include <vector>
 
-#include "app/display_text.h"
 #include "app/signals.h"
+#include "app/text/display_text.h"
 #include "app/views/curses_screen.h"
 #include "app/views/line_output.h"
 

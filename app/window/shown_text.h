@@ -3,7 +3,7 @@
 #include <QString>
 #include <string_view>
 
-#include "app/display_text.h"
+#include "app/text/display_text.h"
 
 namespace quillon {
 

@@ -49,16 +49,17 @@ class Parser {
     /// that ORDER BY, Filter and Sort mean those.
     Select ParseSelect() {
         Select first = ParseOneSelect();
+        if (!reader_.IsWord("union")) return first;
         std::vector<UnionPart> parts;
+        parts.push_back({std::make_shared<Select>(std::move(first)), true});
         while (reader_.TakeWord("union")) {
-            if (parts.empty()) parts.push_back({std::make_shared<Select>(std::move(first)), true});
             if (parts.size() == MostParts) reader_.Fail("there are too many parts of a UNION");
             const bool all = reader_.TakeWord("all");
             if (parts.back().query->top || !parts.back().query->orderBy.empty())
                 reader_.Fail("only the last SELECT of a UNION may have ORDER BY, and none TOP");
             parts.push_back({std::make_shared<Select>(ParseOneSelect()), all});
         }
-        return parts.empty() ? std::move(first) : OverUnion(std::move(parts));
+        return OverUnion(std::move(parts));
     }
 
     Select OverUnion(std::vector<UnionPart> parts) const {

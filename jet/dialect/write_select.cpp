@@ -115,6 +115,7 @@ std::string Translator::WriteUnion(const Source& source, Scope& scope) {
     }
     if (sorted) {
         std::vector<std::string> order;
+        order.reserve(instance.columns.size());
         for (std::size_t column = 0; column < instance.columns.size(); ++column)
             order.push_back(std::to_string(column + 1));
         sql += " ORDER BY " + Joined(order, ",");

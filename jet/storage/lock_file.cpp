@@ -23,7 +23,7 @@ constexpr std::string_view UserName = "Quillon";
 /// Where the database engine's users hold their locks.
 constexpr ByteRange UserLocks{0x10000001, 255};
 
-using EntryBytes = std::array<char, EntrySize>;
+using LockEntry = std::array<char, EntrySize>;
 
 struct Entry {
     std::string machine, user;
@@ -44,8 +44,8 @@ std::string ThisMachine() {
     return std::string(name.data()).substr(0, NameSize - 1);
 }
 
-EntryBytes OurEntry() {
-    EntryBytes entry{};
+LockEntry OurEntry() {
+    LockEntry entry{};
     const std::string machine = ThisMachine();
     std::copy(machine.begin(), machine.end(), entry.begin());
     std::copy(UserName.begin(), UserName.end(), entry.begin() + NameSize);
@@ -53,9 +53,9 @@ EntryBytes OurEntry() {
 }
 
 std::vector<Entry> ReadEntries(const Descriptor& file, const std::filesystem::path& path) {
-    const EntryBytes ours = OurEntry();
+    const LockEntry ours = OurEntry();
     std::vector<Entry> entries;
-    EntryBytes bytes{};
+    LockEntry bytes{};
     for (std::size_t i = 0; i < MostEntries; ++i) {
         bytes.fill('\0');
         const auto count = Uninterrupted([&] {
@@ -111,7 +111,7 @@ bool IsAt(const Descriptor& file, const std::filesystem::path& path) {
 }
 
 void WriteEntry(const Descriptor& file, const std::filesystem::path& path) {
-    const EntryBytes entry = OurEntry();
+    const LockEntry entry = OurEntry();
     if (ftruncate(file.Number(), 0) != 0) ThrowSystemError("write", path, errno);
     const auto count = pwrite(file.Number(), entry.data(), entry.size(), 0);
     if (count < 0) ThrowSystemError("write", path, errno);

@@ -101,18 +101,18 @@ class JetRowInserter : public RowInserter {
         : database_(std::move(database)), rows_(std::move(rows)) {}
 
     AddedRow Insert(std::span<const Value> values) override {
-        return Insert(values, [](const Value& value) -> const Value& { return value; });
+        return Insert(values, [](const Value& value) { return &value; });
     }
 
     AddedRow Insert(std::span<const FieldValue> fields) {
-        return Insert(fields, [](const FieldValue& field) -> const Value& { return field.value; });
+        return Insert(fields, [](const FieldValue& field) { return &field.value; });
     }
 
   private:
     AddedRow Insert(auto fields, auto valueOf) {
         row_.resize(fields.size());
         for (std::size_t i = 0; i < fields.size(); ++i)
-            ToJet(valueOf(fields[i]), row_[i]);
+            ToJet(*valueOf(fields[i]), row_[i]);
         const jet::Database::AddedRow added = Translated([&] { return rows_->Insert(row_); });
         return {.key = RowKey{added.key}, .number = added.number};
     }

@@ -5,9 +5,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "app/jukebox_database.h"
 #include "jet/check.h"
 #include "jet/database.h"
+#include "jukebox/jukebox_database.h"
 #include "tests/app/check_fixture.h"
 #include "tests/app/pending_journal.h"
 

@@ -8,9 +8,9 @@
 #include <map>
 #include <optional>
 
-#include "app/database_needs.h"
 #include "jet/check.h"
 #include "jet/storage/database_file.h"
+#include "jukebox/database_needs.h"
 #include "tests/app/program_test.h"
 #include "tests/outside/command.h"
 #include "tests/outside/mutants.h"

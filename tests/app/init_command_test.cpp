@@ -2,8 +2,8 @@
 #include <filesystem>
 #include <gtest/gtest.h>
 
-#include "app/jukebox_database.h"
 #include "jet/database.h"
+#include "jukebox/jukebox_database.h"
 #include "tests/app/program_test.h"
 
 namespace quillon {

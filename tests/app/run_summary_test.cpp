@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "app/display_text.h"
+#include "app/text/display_text.h"
 
 namespace quillon {
 namespace {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <gtest/gtest.h>
 
-#include "app/display_text.h"
+#include "app/text/display_text.h"
 #include "driver/phase_captions.h"
 
 namespace quillon {

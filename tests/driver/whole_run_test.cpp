@@ -5,10 +5,10 @@
 #include <gtest/gtest.h>
 #include <sstream>
 
-#include "app/jukebox_database.h"
 #include "database/remove_duplicates.h"
 #include "driver/ini_tool.h"
 #include "driver/library_form.h"
+#include "jukebox/jukebox_database.h"
 #include "platform/portable/host_folder.h"
 #include "platform/portable/jet_database.h"
 #include "platform/portable/path_resolver.h"

@@ -26,7 +26,7 @@ std::string Faults(SampleDatabase& database) {
 }
 
 TableDefinition Definition(SampleDatabase& database, const std::string& table) {
-    for (TableDefinition& definition : database->Tables())
+    for (const TableDefinition& definition : database->Tables())
         if (definition.name == table) return definition;
     return {};
 }

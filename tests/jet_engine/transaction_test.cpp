@@ -35,7 +35,7 @@ TEST(Transaction, TakesAllOfItBackWhenItIsNot) {
     database->Flush();
     const std::string content = ContentOf(database.Path());
     {
-        Transaction transaction(database.Get());
+        const Transaction transaction(database.Get());
         database.Execute("DELETE * FROM Tracks WHERE Track=1");
         database.Execute("UPDATE Tracks SET Title='x'");
         database.Execute("INSERT INTO Tracks (Title) VALUES ('new')");
@@ -78,7 +78,7 @@ TEST(Transaction, LetsResultsThatAreOpenComeToTheirEnd) {
     const auto cursor = database->OpenTable("Tracks");
     EXPECT_EQ(Show(cursor->Get("Title")), "Sky");
     {
-        Transaction transaction(database.Get());
+        const Transaction transaction(database.Get());
         database.Execute("DELETE * FROM Tracks");
     }
     EXPECT_EQ(Rows(*rows), "Sky\nSea\nRose\nRust\nDisc 1");
@@ -89,7 +89,7 @@ TEST(Transaction, LetsResultsThatAreOpenComeToTheirEnd) {
 TEST(Transaction, IsTheOnlyOne) {
     SampleDatabase database;
     Transaction transaction(database.Get());
-    EXPECT_THROW(Transaction second(database.Get()), Error);
+    EXPECT_THROW(const Transaction second(database.Get()), Error);
     EXPECT_THROW(database->Flush(), Error);
     transaction.Rollback();
     const Transaction third(database.Get());
@@ -98,7 +98,7 @@ TEST(Transaction, IsTheOnlyOne) {
 TEST(Transaction, TakesBackTablesAndIndexesToo) {
     SampleDatabase database;
     {
-        Transaction transaction(database.Get());
+        const Transaction transaction(database.Get());
         database.Execute("DROP TABLE Tracks");
         database.Execute("CREATE TABLE Tracks (ID COUNTER PRIMARY KEY, Name TEXT(20))");
         database.Execute("INSERT INTO Tracks (Name) VALUES ('x')");

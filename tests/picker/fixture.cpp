@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "app/jukebox_database.h"
 #include "database/sql.h"
+#include "jukebox/jukebox_database.h"
 
 namespace quillon {
 namespace {

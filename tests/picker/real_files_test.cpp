@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <iterator>
 
-#include "app/jukebox_database.h"
+#include "jukebox/jukebox_database.h"
 #include "picker/album_picker.h"
 #include "picker/placeholder.h"
 #include "platform/portable/jet_database.h"

@@ -3,8 +3,8 @@
 #include <fstream>
 #include <gtest/gtest.h>
 
-#include "app/jukebox_database.h"
 #include "jet/database.h"
+#include "jukebox/jukebox_database.h"
 #include "tests/outside/temporary_folder.h"
 
 namespace quillon {

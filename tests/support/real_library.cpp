@@ -9,8 +9,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "app/jukebox_database.h"
 #include "database/remove_duplicates.h"
+#include "jukebox/jukebox_database.h"
 #include "reconcile/refresh_database.h"
 #include "tests/outside/child_process.h"
 #include "tests/support/database_rows.h"

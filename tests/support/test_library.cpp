@@ -4,9 +4,9 @@
 #include <iterator>
 #include <utility>
 
-#include "app/jukebox_database.h"
 #include "database/remove_duplicates.h"
 #include "database/sql.h"
+#include "jukebox/jukebox_database.h"
 #include "reconcile/refresh_database.h"
 #include "tests/support/database_rows.h"
 #include "tests/support/open_database.h"

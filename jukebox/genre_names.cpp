@@ -1,4 +1,4 @@
-#include "app/genre_names.h"
+#include "jukebox/genre_names.h"
 
 namespace quillon {
 

@@ -1,14 +1,14 @@
-#include "app/jukebox_database.h"
+#include "jukebox/jukebox_database.h"
 
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <map>
 #include <set>
 
-#include "app/database_needs.h"
-#include "app/genre_names.h"
 #include "jet/check.h"
 #include "jet/database.h"
+#include "jukebox/database_needs.h"
+#include "jukebox/genre_names.h"
 #include "tests/app/program_test.h"
 #include "tests/outside/shared_folder.h"
 

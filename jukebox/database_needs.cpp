@@ -1,10 +1,10 @@
-#include "app/database_needs.h"
+#include "jukebox/database_needs.h"
 
 #include <algorithm>
 #include <fmt/format.h>
 #include <string_view>
 
-#include "app/jukebox_database.h"
+#include "jukebox/jukebox_database.h"
 
 namespace quillon {
 namespace {

@@ -1,4 +1,4 @@
-#include "app/jukebox_database.h"
+#include "jukebox/jukebox_database.h"
 
 #include <initializer_list>
 #include <string>
@@ -6,8 +6,8 @@
 #include <system_error>
 #include <utility>
 
-#include "app/genre_names.h"
 #include "jet/database.h"
+#include "jukebox/genre_names.h"
 
 namespace quillon {
 namespace {
