@@ -16,7 +16,7 @@ namespace jet::storage {
 namespace {
 
 /// The extended attribute that holds a file's note.
-constexpr const char* NoteName = "user.quillon.journal";
+constexpr const char* NoteAttribute = "user.quillon.journal";
 
 class PosixFile final : public File {
   public:
@@ -70,7 +70,7 @@ class PosixFile final : public File {
     std::optional<std::string> Note() override {
         constexpr std::size_t LongestNote = 65536;  // of any extended attribute
         std::string text(LongestNote, '\0');
-        const auto size = fgetxattr(descriptor_.Number(), NoteName, text.data(), text.size());
+        const auto size = fgetxattr(descriptor_.Number(), NoteAttribute, text.data(), text.size());
         if (size < 0 && errno != ENODATA && errno != EOPNOTSUPP) Fail("read");
         if (size < 0) return std::nullopt;
         text.resize(static_cast<std::size_t>(size));
@@ -78,16 +78,16 @@ class PosixFile final : public File {
     }
 
     bool SetNote(const std::string& text) override {
-        const int result =
-            text.empty() ? fremovexattr(descriptor_.Number(), NoteName)
-                         : fsetxattr(descriptor_.Number(), NoteName, text.data(), text.size(), 0);
+        const int result = text.empty() ? fremovexattr(descriptor_.Number(), NoteAttribute)
+                                        : fsetxattr(descriptor_.Number(), NoteAttribute,
+                                                    text.data(), text.size(), 0);
         if (result == 0 || errno == ENODATA) return true;
         if (errno != EOPNOTSUPP) Fail("write");
         return false;
     }
 
     bool KeepsNotes() override {
-        const auto size = fgetxattr(descriptor_.Number(), NoteName, nullptr, 0);
+        const auto size = fgetxattr(descriptor_.Number(), NoteAttribute, nullptr, 0);
         if (size < 0 && errno != ENODATA && errno != EOPNOTSUPP) Fail("read");
         return size >= 0 || errno == ENODATA;
     }

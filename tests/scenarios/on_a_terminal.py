@@ -23,7 +23,7 @@ import sound_files
 sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "app"))
 import terminal as terminals  # noqa: E402
 
-ARTISTS, TRACKS, NEW_ARTISTS, ATTEMPTS = 40, 5, 800, 5
+ARTISTS, TRACKS, NEW_ARTISTS, ATTEMPTS = 40, 5, 400, 5
 # In front of the others, a file that is named in the log when its folder is looked at.
 MARKED_ARTIST, MARK = 5, "no: name.mp3"
 FIRST_DAY, DAY = 1500000000, 86400

@@ -18,7 +18,7 @@ import sample_library
 import sound_files
 
 PROGRAM, MODULE = sys.argv[1], sys.argv[2]
-ALBUMS, TRACKS = 900, 10
+ALBUMS, TRACKS = 600, 10
 TIME_LIMIT = 240
 LIST = "Old.pla"
 # As high as the window is at least when the phases have begun.
