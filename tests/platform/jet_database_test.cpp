@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <utility>
 #include <vector>
 
 #include "jet/database.h"
@@ -138,6 +139,22 @@ TEST_F(JetDatabaseTest, AddsManyRowsOfTheSameFields) {
     rows->MoveNext();
     EXPECT_TRUE(IsNull(rows->Get("Title")));
     EXPECT_EQ(rows->Integer("Number"), 3);
+}
+
+TEST_F(JetDatabaseTest, AddsRowsOfOtherFieldsInBetween) {
+    const std::unique_ptr<Connection> connection = Open();
+    const FieldValue title{"Title", std::string("One")}, number{"Number", std::int64_t{2}};
+    connection->Insert("Songs", std::array{title});
+    connection->Insert("Songs", std::array{number});
+    connection->Insert("Songs", std::array{number, title});
+    connection->Insert("Songs", std::array{title});
+    const std::unique_ptr<RecordSet> rows = connection->Query("SELECT * FROM Songs");
+    std::vector<std::pair<bool, bool>> filled;
+    for (; !rows->IsEof(); rows->MoveNext())
+        filled.emplace_back(!IsNull(rows->Get("Title")), !IsNull(rows->Get("Number")));
+    const std::vector<std::pair<bool, bool>> expected{
+        {true, false}, {false, true}, {true, true}, {true, false}};
+    EXPECT_EQ(filled, expected);
 }
 
 TEST_F(JetDatabaseTest, RecordSetsFilterSortAndDelete) {
