@@ -1,0 +1,14 @@
+#include "changes/change.h"
+
+namespace quillon {
+
+std::uint64_t ContentHash(std::string_view bytes) {
+    constexpr std::uint64_t Offset = 0xcbf29ce484222325;
+    constexpr std::uint64_t Prime = 0x100000001b3;
+    std::uint64_t hash = Offset;
+    for (const char byte : bytes)
+        hash = (hash ^ static_cast<unsigned char>(byte)) * Prime;
+    return hash;
+}
+
+}  // namespace quillon
