@@ -56,7 +56,7 @@ struct RowChange {
     /// change (Added: after it); of a table without one all fields.
     std::vector<std::pair<std::string, Value>> key;
     /// Changed: the fields that differ. Added (`before` is Null) and Removed (`after` is Null):
-    /// all.
+    /// those that are not Null.
     std::vector<FieldChange> fields;
     bool operator==(const RowChange&) const = default;
 };
