@@ -23,9 +23,9 @@ namespace quillon {
 /// Always the first record.
 struct RunStarted {
     std::string stamp;
-    std::string version;  ///< of the program
-    std::string mode;     ///< as `Mode::what`, "" until it is known; "undo" for one
-    std::string undoes;   ///< stamp of the run that an undo takes back; else ""
+    std::string version;      ///< of the program
+    std::string mode;         ///< as `Mode::what`, "" until it is known; "undo" for one
+    std::string undoes = {};  ///< stamp of the run that an undo takes back; else ""
     bool operator==(const RunStarted&) const = default;
 };
 
@@ -56,7 +56,7 @@ struct RowChange {
     /// change (Added: after it); of a table without one all fields.
     std::vector<std::pair<std::string, Value>> key;
     /// Changed: the fields that differ. Added (`before` is Null) and Removed (`after` is Null):
-    /// all.
+    /// those that are not Null.
     std::vector<FieldChange> fields;
     bool operator==(const RowChange&) const = default;
 };
@@ -68,11 +68,12 @@ struct RowsSaved {
 
 /// What a file held before or after a change.
 struct FileContent {
-    std::uint64_t size = 0;            ///< bytes
-    std::uint64_t hash = 0;            ///< `ContentHash` of all bytes
-    std::optional<std::string> bytes;  ///< of small files whose content matters: playlists, tags
-    std::string keptAs;                ///< where the old content lies: a path below the host folder
-    std::optional<DateTime> modified;  ///< the file's time, where an undo must bring it back
+    std::uint64_t size = 0;  ///< bytes
+    std::uint64_t hash = 0;  ///< `ContentHash` of all bytes
+    std::optional<std::string> bytes =
+        {};                   ///< of small files whose content matters: playlists, tags
+    std::string keptAs = {};  ///< where the old content lies: a path below the host folder
+    std::optional<DateTime> modified = {};  ///< the file's time, where an undo must bring it back
     bool operator==(const FileContent&) const = default;
 };
 
@@ -93,9 +94,9 @@ struct FileChange {
     std::uint64_t number = 0;  ///< counts a run's file changes from 1
     Kind kind = Kind::Written;
     std::string path;
-    std::string target;
+    std::string target = {};
     std::uint64_t position = 0;  ///< EndWritten: bytes from the file's start
-    std::optional<FileContent> before, after;
+    std::optional<FileContent> before = {}, after = {};
     bool operator==(const FileChange&) const = default;
 };
 
