@@ -67,7 +67,7 @@ class DatabaseFile::Implementation {
         if (discarded_ || !pages_) return;
         try {
             pages_->Commit();
-        } catch (const Error&) {
+        } catch (const std::exception&) {
             // A destructor cannot report a failure; what the last commit left is whole.
             return;
         }
@@ -95,6 +95,11 @@ class DatabaseFile::Implementation {
         return found->second;
     }
 
+    void SetObserver(RowObserver* observer) {
+        observer_ = observer;
+        Pages().SetObserver(observer);
+    }
+
     void Commit() { Pages().Commit(); }
     void Discard() { discarded_ = true; }
 
@@ -105,6 +110,7 @@ class DatabaseFile::Implementation {
         pages_.reset();
         auto pages = openPages_();
         pages_ = std::move(pages);
+        pages_->SetObserver(observer_);
         NamingFile(pages_->Path().string(), [&] { LoadTables(); });
         pages_->Recover();
     }
@@ -247,6 +253,7 @@ class DatabaseFile::Implementation {
     std::function<std::unique_ptr<Pager>()> openPages_;
     std::function<bool(std::string_view)> needs_;
     std::unique_ptr<Pager> pages_;
+    RowObserver* observer_ = nullptr;
     std::unique_ptr<CatalogWriter> catalog_;
     bool discarded_ = false;
     struct ByName {
@@ -321,6 +328,10 @@ const std::vector<UnreadableTable>& DatabaseFile::Unreadable() const {
 
 Table& DatabaseFile::OpenTable(std::string_view name) {
     return implementation_->OpenTable(name);
+}
+
+void DatabaseFile::SetObserver(RowObserver* observer) {
+    implementation_->SetObserver(observer);
 }
 
 void DatabaseFile::Commit() {
