@@ -12,16 +12,12 @@
 
 #include "jet/check.h"
 #include "jet/error.h"
+#include "jet/lock.h"
 #include "jet/record_set.h"
 #include "jet/schema.h"
 #include "jet/value.h"
 
 namespace jet {
-
-enum class OpenMode {
-    ReadOnly,   ///< statements that change rows are refused; the file is not touched
-    ReadWrite,  ///< takes the database for this process alone
-};
 
 /// A table that is not in good order.
 struct DamagedTable {

@@ -5,6 +5,12 @@
 
 namespace jet {
 
+/// How a database is opened.
+enum class OpenMode {
+    ReadOnly,   ///< nothing is written, not even a lock file; a journal is read through
+    ReadWrite,  ///< takes the database for this process: Error(InUse) where another has it
+};
+
 /// What the lock file beside a database means to whoever wants to open it for writing.
 struct LockState {
     enum class Kind {

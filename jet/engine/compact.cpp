@@ -88,8 +88,8 @@ Compacted CompactDatabase(const fs::path& database) {
     const auto inspect = [&](storage::PageStore& pages) {
         RequireWhole(verify::CheckPages(pages), real);
     };
-    auto file = storage::DatabaseFile::Open(real, storage::OpenMode::ReadWrite,
-                                            {.needs = {}, .inspect = inspect});
+    auto file =
+        storage::DatabaseFile::Open(real, OpenMode::ReadWrite, {.needs = {}, .inspect = inspect});
     const Copy copy(real.string() + ".compact");
     Compacted done;
     done.tables = file.TableNames().size();
