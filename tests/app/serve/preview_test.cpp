@@ -5,8 +5,8 @@
 
 #include "jet/database.h"
 #include "jukebox/jukebox_database.h"
-#include "tests/outside/temporary_folder.h"
 #include "tests/app/serve/has.h"
+#include "tests/outside/temporary_folder.h"
 #include "tests/support/fakes.h"
 
 namespace quillon {

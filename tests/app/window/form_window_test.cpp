@@ -10,8 +10,8 @@
 #include "app/window/window_maker.h"
 #include "driver/library_form.h"
 #include "driver/phase_captions.h"
-#include "tests/driver/form_fixture.h"
 #include "tests/app/window/window_fixture.h"
+#include "tests/driver/form_fixture.h"
 
 namespace quillon {
 namespace {

@@ -26,8 +26,7 @@ class ForeignDatabase : public ::testing::TestWithParam<std::filesystem::path> {
 TEST_P(ForeignDatabase, ShowsWhatIsStored) {
     std::vector<std::pair<std::string, std::vector<storage::Row>>> tables;
     try {
-        storage::DatabaseFile file =
-            storage::DatabaseFile::Open(GetParam(), OpenMode::ReadOnly);
+        storage::DatabaseFile file = storage::DatabaseFile::Open(GetParam(), OpenMode::ReadOnly);
         for (const std::string& name : file.TableNames()) {
             tables.emplace_back(name, std::vector<storage::Row>());
             file.OpenTable(name).Scan([&](storage::RowId, storage::Row&& row) {

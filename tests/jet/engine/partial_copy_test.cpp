@@ -115,8 +115,7 @@ class Copy : public ::testing::Test {
     }
 
     NumberTable table_{300};
-    storage::DatabaseFile file_ =
-        storage::DatabaseFile::Open(table_.Path(), OpenMode::ReadWrite);
+    storage::DatabaseFile file_ = storage::DatabaseFile::Open(table_.Path(), OpenMode::ReadWrite);
     engine::Sqlite sqlite_ = WithFunctions();
     engine::StatementCache statements_{sqlite_};
     MirrorTable copy_{sqlite_, statements_, file_.OpenTable("T")};

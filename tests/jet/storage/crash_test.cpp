@@ -197,7 +197,8 @@ TEST(AKilledProcess, LeavesTheRowsOfItsLastCommitInOrder) {
         const auto path = folder / ("killed" + std::to_string(round) + ".mdb");
         DatabaseFile::Create(path, tables);
         outside::ChildProcess child([&path]() -> int { InsertUntilKilled(path); });
-        std::this_thread::sleep_for(std::chrono::microseconds(3000 + static_cast<long>(round) * 7001));
+        std::this_thread::sleep_for(
+            std::chrono::microseconds(3000 + static_cast<long>(round) * 7001));
         child.Kill();
         ASSERT_TRUE(WIFSIGNALED(child.Wait()));
 
