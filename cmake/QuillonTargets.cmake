@@ -48,10 +48,14 @@ function(quillon_library name)
         PRIVATE quillon_build_kind ${ARG_PRIVATELY_USES})
 endfunction()
 
-# quillon_test(NAME SOURCES ... USES ...)
-# A GoogleTest program; CTest runs its cases one by one, under the sanitizers all at once.
+# quillon_test(NAME SOURCES ... USES ... [COST N])
+# A GoogleTest program; CTest runs its cases one by one, under the sanitizers all at once. There, COST
+# says how long it takes: the longest begin first.
 function(quillon_test name)
-    cmake_parse_arguments(ARG "" "" "SOURCES;USES" ${ARGN})
+    cmake_parse_arguments(ARG "" "COST" "SOURCES;USES" ${ARGN})
+    if(NOT ARG_COST)
+        set(ARG_COST 10)
+    endif()
     add_executable(${name} ${ARG_SOURCES})
     target_link_libraries(${name} PRIVATE quillon_options ${ARG_USES} GTest::gtest_main GTest::gmock)
     # What is tested is optimised in the release build; tests only need to compile fast.
@@ -60,7 +64,7 @@ function(quillon_test name)
     if(QUILLON_SANITIZE)
         # A process for each case would spend more time on starting than on its work.
         add_test(NAME ${name} COMMAND ${name})
-        set_tests_properties(${name} PROPERTIES TIMEOUT 900)
+        set_tests_properties(${name} PROPERTIES TIMEOUT 900 COST ${ARG_COST})
     else()
         gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
     endif()
