@@ -9,9 +9,9 @@
 namespace quillon {
 namespace {
 
-using Kind = FileChange::Kind;
+using ChangeKind = FileChange::Kind;
 
-FileChange ChangeOf(Kind kind, std::string_view path, std::string_view target = {}) {
+FileChange ChangeOf(ChangeKind kind, std::string_view path, std::string_view target = {}) {
     return {.kind = kind, .path = std::string(path), .target = std::string(target)};
 }
 
@@ -90,25 +90,25 @@ bool JournalledFiles::IsMadeByRun(std::string_view folder) const {
 }
 
 void JournalledFiles::CreateFolder(std::string_view path) {
-    records_.Do(ChangeOf(Kind::FolderMade, path), [&] { files_.CreateFolder(path); });
+    records_.Do(ChangeOf(ChangeKind::FolderMade, path), [&] { files_.CreateFolder(path); });
     madeFolders_.insert(KeyOf(path));
 }
 
 void JournalledFiles::CopyFile(std::string_view from, std::string_view to, bool overwrite) {
-    FileChange change = ChangeOf(Kind::Copied, from, to);
+    FileChange change = ChangeOf(ChangeKind::Copied, from, to);
     if (overwrite) change.before = ContentOf(to);
     change.after = LookOf(from);
     records_.Do(std::move(change), [&] { files_.CopyFile(from, to, overwrite); });
 }
 
 void JournalledFiles::CopyFolder(std::string_view from, std::string_view to) {
-    records_.Do(ChangeOf(Kind::FolderCopied, from, to), [&] { files_.CopyFolder(from, to); });
+    records_.Do(ChangeOf(ChangeKind::FolderCopied, from, to), [&] { files_.CopyFolder(from, to); });
     madeFolders_.insert(KeyOf(to));
 }
 
 void JournalledFiles::DeleteFile(std::string_view path) {
     if (IsScratch(path)) return files_.DeleteFile(path);
-    FileChange change = ChangeOf(Kind::Deleted, path);
+    FileChange change = ChangeOf(ChangeKind::Deleted, path);
     const auto place = keeping_.placeOfDeleted ? keeping_.placeOfDeleted(path) : std::nullopt;
     if (place) {
         change.before = LookOf(path);
@@ -120,7 +120,7 @@ void JournalledFiles::DeleteFile(std::string_view path) {
 }
 
 void JournalledFiles::DeleteFolder(std::string_view path) {
-    FileChange change = ChangeOf(Kind::FolderDeleted, path);
+    FileChange change = ChangeOf(ChangeKind::FolderDeleted, path);
     change.before.emplace();
     if (IsMadeByRun(path) || !files_.FolderExists(path)) {
         return records_.Do(std::move(change), [&] { files_.DeleteFolder(path); });
@@ -142,23 +142,23 @@ void JournalledFiles::MoveAway(std::string_view folder, const std::string& place
 }
 
 void JournalledFiles::Discard(std::string_view path) {
-    records_.Do(ChangeOf(Kind::Discarded, path), [&] { files_.Discard(path); });
+    records_.Do(ChangeOf(ChangeKind::Discarded, path), [&] { files_.Discard(path); });
     madeFolders_.erase(KeyOf(path));
 }
 
 void JournalledFiles::MoveFile(std::string_view from, std::string_view to) {
-    FileChange change = ChangeOf(Kind::Moved, from, to);
+    FileChange change = ChangeOf(ChangeKind::Moved, from, to);
     change.before = LookOf(from);
     records_.Do(std::move(change), [&] { files_.MoveFile(from, to); });
 }
 
 void JournalledFiles::MoveFolder(std::string_view from, std::string_view to) {
-    records_.Do(ChangeOf(Kind::FolderMoved, from, to), [&] { files_.MoveFolder(from, to); });
+    records_.Do(ChangeOf(ChangeKind::FolderMoved, from, to), [&] { files_.MoveFolder(from, to); });
     if (madeFolders_.erase(KeyOf(from)) > 0) madeFolders_.insert(KeyOf(to));
 }
 
 FileChange JournalledFiles::Written(std::string_view path, FileContent content) {
-    FileChange change = ChangeOf(Kind::Written, path);
+    FileChange change = ChangeOf(ChangeKind::Written, path);
     change.before = ContentOf(path);
     // Of what there was before it is enough to know that it is still the same.
     if (!change.before || change.before->hash == content.hash) content.bytes.reset();
@@ -194,7 +194,7 @@ std::unique_ptr<TextBatch> JournalledFiles::CreateTexts(TextBatch::Done done) {
 
 void JournalledFiles::WriteEnd(std::string_view path, const FileEnd& seen, std::uint64_t position,
                                std::span<const std::uint8_t> bytes) {
-    FileChange change = ChangeOf(Kind::EndWritten, path);
+    FileChange change = ChangeOf(ChangeKind::EndWritten, path);
     change.position = position;
     change.before = FileContent{.size = seen.size};
     change.after = FileContent{.size = std::max(seen.size, position + bytes.size()),

@@ -51,7 +51,7 @@ class Planner {
             return;
         for (const PlannedFile& file : plan_.files)
             places_.emplace(LowerCase(file.name), &file - plan_.files.data());
-        // Brackets come first: whoever gets a name by them has it when titles are compared.
+        // Brackets first: a name that a file gets by them is taken when titles are compared.
         for (std::size_t i = 0; i < plan_.files.size(); ++i)
             AskForPlainName(i);
         for (std::size_t i = 0; i < plan_.files.size(); ++i)
@@ -67,7 +67,7 @@ class Planner {
             IsRight,  ///< its name is what its tag says, or it has no tag
             Leaves,   ///< it wants another name
             IsStuck,  ///< its tag has another title, which no name can hold
-            Unknown,  ///< nobody can tell
+            Unknown,  ///< it cannot be determined
         };
         Standing standing = Standing::IsRight;
         std::string name = {};
@@ -132,7 +132,7 @@ class Planner {
     bool ReadTag(PlannedFile& planned, const FileEntry& file) {
         std::optional<Tag> tag = ReadID3(run_, file);
         if (!tag) return false;
-        // Of what a "|" in a field makes of a record nobody knows which field a piece is.
+        // After a "|" in a field, it is not known which piece of the record is which field.
         const bool isClear = steps_.Try(TagStep::Compare, [&] { RequireClearRecord(*tag); });
         if (isClear) planned.tag = *std::move(tag);
         return isClear;
@@ -153,7 +153,7 @@ class Planner {
             const Standing standing = wishes_[*holder].standing;
             if (standing == Standing::IsRight || standing == Standing::IsStuck)
                 return MakeDuplicate(i, file.plainName, holder, true);
-            // What leaves the name is another song; of what nobody knows, nothing is concluded.
+            // A file that gives up the name is another song; from an unknown one nothing follows.
             if (standing == Standing::Unknown) return Block(i);
         } else if (const std::optional<std::size_t> claim = ClaimOn(file.plainName)) {
             return MakeDuplicate(i, file.plainName, claim, true);
@@ -246,7 +246,7 @@ class Planner {
         if (isFree) claims_.emplace(LowerCase(file.plainName), i);
     }
 
-    /// The same where nobody can tell, of which the log knows.
+    /// The same where it cannot be determined, which has been logged.
     void LeaveAlone(std::size_t i) {
         Block(i);
         PlannedFile& file = plan_.files[i];
@@ -259,7 +259,7 @@ class Planner {
         bool changed = false;
         for (std::size_t i = 0; i < plan_.files.size(); ++i) {
             PlannedFile& file = plan_.files[i];
-            // Who waits for the name may wait in vain; the next run will know.
+            // A file that waits for the name may not get it; the next run decides.
             if (file.fate == Fate::IsDuplicate && file.twin &&
                 (plan_.files[*file.twin].waits ||
                  !EqualIgnoringCase(NameThen(*file.twin), file.newName))) {

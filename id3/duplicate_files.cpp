@@ -43,7 +43,7 @@ class DuplicateRemoval {
     }
 
   private:
-    /// A duplicate that nothing speaks for but the run's limits.
+    /// A duplicate that only the run's limits can still keep.
     struct Going {
         const DuplicateFile* duplicate;
         TrackRow* row = nullptr;
@@ -72,7 +72,7 @@ class DuplicateRemoval {
         return isKnown && objection.empty();
     }
 
-    /// Why the file is none that may go; "" where it may.
+    /// Why the file must stay; "" if it may be removed.
     std::string Objection(const DuplicateFile& duplicate, bool onlyIdentical) {
         const std::string& path = duplicate.file.path;
         const std::string twin(LastName(duplicate.twin));
@@ -132,7 +132,7 @@ class DuplicateRemoval {
         steps_.Try(TagStep::NameByTitle, [&] { SetSoundFile(*going.row, going.soundFile); });
     }
 
-    /// What is kept of the playlists says of all of them that they go.
+    /// The playlists' snapshot says that all of them are removed: it is written anew if some stay.
     void KeepIfAnyStays() {
         const auto hasGone = [](const Going& going) { return going.hasGone; };
         if (std::all_of(going_.begin(), going_.end(), hasGone)) return;

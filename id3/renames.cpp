@@ -52,7 +52,7 @@ const Renames::Rename* Renames::HolderOf(const std::string& path) const {
     return found == holders_.end() ? nullptr : &renames_[found->second];
 }
 
-/// Those that wait for nobody any more. Those that wait in vain are given up.
+/// Those that wait for no other file any more. Those that can never be renamed are given up.
 std::vector<std::size_t> Renames::Ready() {
     for (bool changed = true; changed;) {
         changed = false;

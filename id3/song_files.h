@@ -29,7 +29,7 @@ class SongFiles {
     /// Lists the library folders; `steps` logs those that cannot be listed, here and later.
     SongFiles(Run& run, Steps& steps);
 
-    /// Goes to an album; folders are listed again only when artist or album is another one.
+    /// Selects an album; folders are listed again only if the artist or album is a different one.
     void GoTo(std::string_view artist, std::string_view album);
 
     /// Files of the album whose title is this one, whatever the letter case, with the artist before

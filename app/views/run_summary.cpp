@@ -25,10 +25,6 @@ struct Happening {
     std::string words;
 };
 
-std::string Counted(std::size_t count, const char* word) {
-    return fmt::format("{} {}{}", count, word, count == 1 ? "" : "s");
-}
-
 /// "Albums: 2 added, 398 unchanged."; nothing where nothing happened.
 std::string Told(const char* what, const std::vector<Happening>& happenings) {
     std::string text;
@@ -91,7 +87,7 @@ std::vector<std::string> Remarks(const RunSummary& summary) {
     std::vector<std::string> sentences;
     if (summary.counts.leftOut > 0) {
         sentences.push_back(fmt::format("{} left out, see 'quillon check'.",
-                                        Counted(summary.counts.leftOut, "file")));
+                                        CountText(summary.counts.leftOut, "file")));
     }
     if (summary.braked) sentences.emplace_back(BrakeHeld);
     if (!summary.saved) sentences.emplace_back(NotAllSaved);
@@ -130,10 +126,10 @@ std::vector<std::string> InLines(const std::vector<std::string>& sentences, std:
 
 std::string Errors(const RunSummary& summary) {
     const auto& [count, lost] = std::pair(summary.counts.errors, summary.counts.recordsLost);
-    const std::string errors = count == 0 ? "no errors" : Counted(count, "error");
+    const std::string errors = count == 0 ? "no errors" : CountText(count, "error");
     if (lost == 0) return count == 0 ? errors : errors + " in host.log";
     return errors + (count == 0 ? "" : " on the error output") + ", host.log lacks " +
-           Counted(lost, "record");
+           CountText(lost, "record");
 }
 
 /// "Done in 0:01:02; 2 errors in host.log", without the full stop.
@@ -244,12 +240,12 @@ std::vector<std::string> LossLines(const RunSummary& summary, std::size_t column
 std::vector<std::string> LostRecordsLines(const LostRecords& lost, const RunCounts& counts) {
     if (counts.recordsLost == 0) return {};
     std::vector<std::string> lines{fmt::format("quillon: host.log lacks {}: {}.",
-                                               Counted(counts.recordsLost, "record"),
+                                               CountText(counts.recordsLost, "record"),
                                                OneLine(lost.reason))};
     for (const std::string& error : lost.errors)
         lines.push_back("   " + OneLine(error));
     if (counts.errors > lost.errors.size() && !lost.errors.empty())
-        lines.push_back(fmt::format("   and more, {} in all", Counted(counts.errors, "error")));
+        lines.push_back(fmt::format("   and more, {} in all", CountText(counts.errors, "error")));
     return lines;
 }
 

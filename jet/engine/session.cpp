@@ -15,18 +15,6 @@ namespace {
 
 constexpr std::size_t MostPlans = 1000;
 
-storage::OpenMode StorageMode(OpenMode mode) {
-    switch (mode) {
-        case OpenMode::ReadWrite:
-            return storage::OpenMode::ReadWrite;
-        case OpenMode::InMemory:
-            return storage::OpenMode::InMemory;
-        case OpenMode::ReadOnly:
-            break;
-    }
-    return storage::OpenMode::ReadOnly;
-}
-
 void BindParameter(Statement& statement, int number, const dialect::Parameter& parameter,
                    const dialect::Literal& literal) {
     using Form = dialect::Parameter::Form;
@@ -59,7 +47,7 @@ Session::Session(const std::filesystem::path& path, OpenMode mode, const NeededT
                  const std::shared_ptr<storage::FileSystem>& files)
     : mode_(mode),
       file_(storage::DatabaseFile::Open(
-          path, StorageMode(mode), files,
+          path, mode, files,
           {.needs = [needed](std::string_view table) { return needed.Include(table); },
            .inspect =
                [&](storage::PageStore& pages) {

@@ -14,14 +14,13 @@
 #include "jet/storage/catalog_writer.h"
 #include "jet/storage/compaction.h"
 #include "jet/storage/creation.h"
+#include "jet/storage/damaged.h"
 #include "jet/storage/definitions.h"
 #include "jet/storage/file_system.h"
 #include "jet/storage/header.h"
 #include "jet/storage/index/index_key.h"
 #include "jet/storage/linked_table.h"
 #include "jet/storage/lock_file.h"
-#include "jet/storage/named_errors.h"
-#include "jet/storage/new_table.h"
 #include "jet/storage/pager.h"
 #include "jet/storage/schema_changes.h"
 #include "jet/storage/scratch_files.h"
@@ -92,7 +91,7 @@ class DatabaseFile::Implementation {
             throw Error(ErrorKind::NotFound,
                         pages_->Path().string() + " has no table " + std::string(name) + ".");
         }
-        return found->second;
+        return *found->second;
     }
 
     void SetObserver(RowObserver* observer) {
@@ -136,7 +135,7 @@ class DatabaseFile::Implementation {
             for (const ColumnDefinition& column : definition.columns)
                 if (column.required) entry.requiredColumns.push_back(column.name);
             LoadTable(entry);
-            return tables_.at(entry.name);
+            return *tables_.at(entry.name);
         });
     }
 
@@ -182,7 +181,7 @@ class DatabaseFile::Implementation {
     };
 
     Pager& Pages() {
-        if (!pages_) throw Error(ErrorKind::Io, "The database could not be opened again");
+        if (!pages_) throw Error(ErrorKind::Io, "The database could not be opened again.");
         return *pages_;
     }
 
@@ -210,12 +209,8 @@ class DatabaseFile::Implementation {
         }
         NamingFile(pages_->Path().string(), [&] {
             open.table->MakeNow();
-            const std::string ownName = open.table->Definition().name;
             change(*open.table, open.page);
-            auto changed =
-                std::make_unique<StoredTable>(*pages_, ownName, open.page, open.required);
-            open.table = changed.get();
-            tables_.at(name) = Table(std::move(changed));
+            open.table->ReadDefinition(open.required);
         });
     }
 
@@ -232,7 +227,7 @@ class DatabaseFile::Implementation {
     }
 
     void LoadTable(const CatalogEntry& entry) {
-        std::unique_ptr<TableImplementation> table;
+        std::unique_ptr<Table> table;
         if (entry.isLinked) {
             table =
                 std::make_unique<LinkedTable>(pages_->Path().string(), entry.name, entry.linkedTo);
@@ -245,7 +240,7 @@ class DatabaseFile::Implementation {
                 entry.name, OpenStored{stored.get(), entry.definition, entry.requiredColumns});
             table = std::move(stored);
         }
-        tables_.emplace(entry.name, Table(std::move(table)));
+        tables_.emplace(entry.name, std::move(table));
     }
 
     std::optional<LockFile> lock_;  // the last to go
@@ -262,7 +257,7 @@ class DatabaseFile::Implementation {
         }
     };
 
-    std::map<std::string, Table, ByName> tables_;
+    std::map<std::string, std::unique_ptr<Table>, ByName> tables_;
     std::map<std::string, OpenStored, ByName> stored_;  ///< those of them that are in the file
     std::set<std::string, ByName> linked_;
     std::vector<UnreadableTable> unreadable_;

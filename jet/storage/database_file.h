@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "jet/lock.h"
 #include "jet/row_observer.h"
 #include "jet/schema.h"
 #include "jet/storage/table.h"
@@ -16,12 +17,6 @@ namespace jet::storage {
 
 class FileSystem;
 class PageStore;
-
-enum class OpenMode {
-    ReadOnly,  ///< nothing is written, not even a lock file; a pending journal is applied in memory
-    ReadWrite,  ///< takes the database for this process: fails with Error(InUse) if another has it
-    InMemory,   ///< as if for writing, but all changes stay in memory; no lock is asked for
-};
 
 /// What opening asks of a database beyond its being one.
 struct OpenConditions {

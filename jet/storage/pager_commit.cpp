@@ -69,10 +69,10 @@ void Pager::MarkUnchanged() {
 /// to another state of the file.
 void Pager::CountCommit() {
     Page& header = Modify(HeaderPage);
-    auto count = Load<std::uint16_t>(header, CommitCountersOffset);
+    auto count = Load<std::uint16_t>(header, header_format::CommitCountersOffset);
     // Zero would tell the database's own engine that a writer died here.
     if (++count == 0) count = 0x0100;
-    Store(std::span(header), CommitCountersOffset, count);
+    Store(std::span(header), header_format::CommitCountersOffset, count);
 }
 
 /// A commit that failed while it wrote into place has left its journal. That one must stay until

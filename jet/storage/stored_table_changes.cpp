@@ -9,7 +9,7 @@
 #include "jet/storage/format/values.h"
 #include "jet/storage/index/index_page.h"
 #include "jet/storage/long_values.h"
-#include "jet/storage/map_pages.h"
+#include "jet/storage/map_row.h"
 #include "jet/storage/stored_table.h"
 #include "jet/storage/value_check.h"
 
@@ -59,7 +59,19 @@ RowObserver* StoredTable::Observer() const {
     return definition_.name.starts_with("MSys") ? nullptr : pages_.Observer();
 }
 
-Table::Inserted StoredTable::Insert(std::span<const Value> given) {
+Table::Inserted StoredTable::Insert(std::span<const Value> values) {
+    return NamingFile(file_, [&] { return AddRow(values); });
+}
+
+void StoredTable::Update(RowId row, std::span<const FieldChange> changes) {
+    NamingFile(file_, [&] { ChangeRow(row, changes); });
+}
+
+void StoredTable::Delete(RowId row) {
+    NamingFile(file_, [&] { RemoveRow(row); });
+}
+
+Table::Inserted StoredTable::AddRow(std::span<const Value> given) {
     RequireChangeable();
     const auto& columns = definition_.columns;
     if (given.size() != columns.size()) {
@@ -114,7 +126,7 @@ Table::Inserted StoredTable::Insert(std::span<const Value> given) {
     return inserted;
 }
 
-void StoredTable::Update(RowId row, std::span<const FieldChange> changes) {
+void StoredTable::ChangeRow(RowId row, std::span<const FieldChange> changes) {
     RequireChangeable();
     const auto stored = Current().rows.Read(row);
     // A copy, as the page is about to change.
@@ -161,7 +173,7 @@ void StoredTable::Update(RowId row, std::span<const FieldChange> changes) {
     });
 }
 
-void StoredTable::Delete(RowId row) {
+void StoredTable::RemoveRow(RowId row) {
     RequireChangeable();
     const auto stored = Current().rows.Read(row);
     const Bytes old(stored.bytes.begin(), stored.bytes.end());
@@ -295,8 +307,10 @@ void StoredTable::ChangeKey(const KeyChange& change, RowId row) {
 }
 
 std::int32_t StoredTable::NextAutoNumber() const {
-    const TableCounters& counters = Current().counters;
-    const std::int64_t next = std::int64_t{counters.AutoNumber()} + counters.AutoNumberStep();
+    const std::int64_t next = NamingFile(file_, [&] {
+        const TableCounters& counters = Current().counters;
+        return std::int64_t{counters.AutoNumber()} + counters.AutoNumberStep();
+    });
     if (next > std::numeric_limits<std::int32_t>::max() ||
         next < std::numeric_limits<std::int32_t>::min()) {
         throw Error(ErrorKind::Overflow,
@@ -388,8 +402,8 @@ RowPages& StoredTable::LongPages(std::size_t column) {
         if (entry->free.page == 0) entry->free = mapPages.Add();
         StoreLongColumnMaps(pages_, parts.layout, static_cast<std::size_t>(entry - maps.begin()));
     }
-    const auto [pages, isNew] =
-        parts.longPages.try_emplace(column, pages_, LongValueOwner, entry->owned, entry->free);
+    const auto [pages, isNew] = parts.longPages.try_emplace(
+        column, pages_, data_page_format::LongValueOwner, entry->owned, entry->free);
     return pages->second;
 }
 
