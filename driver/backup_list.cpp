@@ -197,8 +197,8 @@ std::vector<BackupCopy> NewestCopies(Files& files, std::span<const BackupOrigina
             return left.original.part < right.original.part;
         return IsOlder(right, left);
     });
-    const auto others = std::ranges::unique(
-        copies, {}, [](const BackupCopy& copy) { return copy.original.part; });
+    const auto others =
+        std::ranges::unique(copies, {}, [](const BackupCopy& copy) { return copy.original.part; });
     copies.erase(others.begin(), others.end());
     return copies;
 }

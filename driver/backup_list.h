@@ -52,8 +52,8 @@ struct BackupMoment {
     std::vector<BackupCopy> copies;
     /// Copies of earlier moments that had the content of this one, so that none was made.
     std::vector<BackupCopy> shared;
-    std::string note;    ///< the file that names them; "" where all were copied
-    bool isWhole = true; ///< false: that file cannot be read, or names a copy that is gone
+    std::string note;     ///< the file that names them; "" where all were copied
+    bool isWhole = true;  ///< false: that file cannot be read, or names a copy that is gone
 
     /// The copy that has the content of a part; null where this backup has none.
     const BackupCopy* CopyOf(BackupPart part) const;

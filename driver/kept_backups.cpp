@@ -19,6 +19,8 @@
 namespace quillon {
 namespace {
 
+enum class KeepingStep { FindLastCopies = 1, Compare = 2, Name = 3, WriteNote = 4 };
+
 constexpr const char* Comparing =
     "it is copied once more. If the last copy of it cannot be read, remove that copy";
 constexpr const char* Removing =
@@ -50,17 +52,18 @@ std::vector<BackupCopy> UnchangedSince(Run& run, std::span<const BackupOriginal>
     Steps steps(run, "TimeStampBackup");
     steps.Advising(Comparing);
     std::vector<BackupCopy> newest;
-    steps.Try(1, [&] { newest = NewestCopies(run.files, originals, run.clock.Now()); });
+    steps.Try(KeepingStep::FindLastCopies,
+              [&] { newest = NewestCopies(run.files, originals, run.clock.Now()); });
     std::erase_if(newest, [&](const BackupCopy& copy) {
         const BackupOriginal& original = copy.original;
         bool isSame = false;
         steps.Concerning(original.path);
-        steps.Try(2, [&] {
+        steps.Try(KeepingStep::Compare, [&] {
             const bool isThere = original.isFolder ? run.files.FolderExists(original.path)
                                                    : run.files.FileExists(original.path);
-            isSame = isThere && (original.isFolder
-                                     ? HoldTheSame(run.files, original.path, copy.path)
-                                     : HaveSameBytes(run.files, original.path, copy.path));
+            isSame =
+                isThere && (original.isFolder ? HoldTheSame(run.files, original.path, copy.path)
+                                              : HaveSameBytes(run.files, original.path, copy.path));
         });
         return !isSame;
     });
@@ -175,10 +178,10 @@ bool BackUpWhatChanged(Run& run, const BackupPlan& plan) {
     Steps steps(run, "TimeStampBackup");
     std::string mark;
     std::vector<std::string> made;
-    bool succeeded = steps.Try(3, [&] { mark = FreeMark(run); }) &&
+    bool succeeded = steps.Try(KeepingStep::Name, [&] { mark = FreeMark(run); }) &&
                      CopyOriginals(run, originals, mark, made);
     if (succeeded && !made.empty() && !unchanged.empty()) {
-        succeeded = steps.Try(3, [&] {
+        succeeded = steps.Try(KeepingStep::WriteNote, [&] {
             made.push_back(WriteBackupNote(run.files, run.settings, mark, unchanged));
         });
     }
@@ -198,12 +201,12 @@ void RemoveOldBackups(Run& run, std::size_t newest) {
     Steps steps(run, "RemoveOldBackups");
     steps.Advising(Removing);
     std::size_t removed = 0;
-    steps.Try(0, [&] {
+    steps.Try([&] {
         const DateTime now = run.clock.Now();
         const std::vector<BackupMoment> backups = FindBackups(run.files, run.settings, now);
         const std::vector<bool> mayGo = MayGo(backups, newest, now);
         for (std::size_t i = backups.size(); i-- > 0;) {
-            if (mayGo[i] && steps.Try(0, [&] { RemoveBackup(run, backups[i]); })) ++removed;
+            if (mayGo[i] && steps.Try([&] { RemoveBackup(run, backups[i]); })) ++removed;
         }
     });
     if (removed == 0) return;

@@ -201,10 +201,11 @@ void CheckBackupKeeping(HostFolder& host, std::ostream& out, Findings& findings)
 void CheckHalfRestored(Files& files, const Settings& settings, Findings& findings) try {
     const std::string backup = UnfinishedRestore(files, settings.Nirvis_CDJ_DB);
     if (backup.empty()) return;
-    findings.Problem(fmt::format(
-        "The backup {} has been put back by half, and no run starts so. Complete that with 'quillon "
-        "restore {}'",
-        backup, backup));
+    findings.Problem(
+        fmt::format("The backup {} has been put back by half, and no run starts so. Complete that "
+                    "with 'quillon "
+                    "restore {}'",
+                    backup, backup));
 } catch (const Failure&) {
     // That nobody can look beside the database is told where the database is looked at.
 }
