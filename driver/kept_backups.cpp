@@ -19,7 +19,7 @@
 namespace quillon {
 namespace {
 
-enum class KeepingStep { FindCopies = 1, Compare = 2, Copy = 3 };
+enum class KeepingStep { FindLastCopies = 1, Compare = 2, Name = 3, WriteNote = 4 };
 
 constexpr const char* Comparing =
     "it is copied once more. If the last copy of it cannot be read, remove that copy";
@@ -52,7 +52,7 @@ std::vector<BackupCopy> UnchangedSince(Run& run, std::span<const BackupOriginal>
     Steps steps(run, "TimeStampBackup");
     steps.Advising(Comparing);
     std::vector<BackupCopy> newest;
-    steps.Try(KeepingStep::FindCopies,
+    steps.Try(KeepingStep::FindLastCopies,
               [&] { newest = NewestCopies(run.files, originals, run.clock.Now()); });
     std::erase_if(newest, [&](const BackupCopy& copy) {
         const BackupOriginal& original = copy.original;
@@ -178,10 +178,10 @@ bool BackUpWhatChanged(Run& run, std::span<const BackedUp> backedUp) {
     Steps steps(run, "TimeStampBackup");
     std::string mark;
     std::vector<std::string> made;
-    bool succeeded = steps.Try(KeepingStep::Copy, [&] { mark = FreeMark(run); }) &&
+    bool succeeded = steps.Try(KeepingStep::Name, [&] { mark = FreeMark(run); }) &&
                      CopyOriginals(run, originals, mark, made);
     if (succeeded && !made.empty() && !unchanged.empty()) {
-        succeeded = steps.Try(KeepingStep::Copy, [&] {
+        succeeded = steps.Try(KeepingStep::WriteNote, [&] {
             made.push_back(WriteBackupNote(run.files, run.settings, mark, unchanged));
         });
     }

@@ -18,7 +18,7 @@
 namespace quillon {
 namespace {
 
-enum class RestoreStep { BackUpNow = 1, PutBack = 2 };
+enum class RestoreStep { BackUp = 1, PutBack = 2 };
 
 constexpr const char* DoItAgain =
     "the backup is put back by half now. Put that right and restore it again, which completes it";
@@ -124,7 +124,7 @@ std::string UnfinishedRestore(Files& files, std::string_view database) {
 Restored RestoreBackup(Run& run, const BackupMoment& backup) {
     Restored restored;
     Steps steps(run, "RestoreBackup");
-    if (!steps.Try(RestoreStep::BackUpNow, [&] { restored.copyOfNow = BackUpAll(run); }))
+    if (!steps.Try(RestoreStep::BackUp, [&] { restored.copyOfNow = BackUpAll(run); }))
         return restored;
     if (restored.copyOfNow.empty()) return restored;
     steps.Advising(DoItAgain);

@@ -62,9 +62,9 @@ std::string NoSuchBackup(const std::vector<BackupMoment>& backups, const Restore
         names.push_back(backup.name);
     std::string text = fmt::format("there is no backup {}", request.backup);
     const std::string_view meant = NearestName(request.backup, names);
-    if (!meant.empty()) text += fmt::format("; did you mean {}?", meant);
     if (backups.empty()) return text + "; no run has made one yet";
-    return text + fmt::format(" 'quillon backups --host {}' lists those that there are", host);
+    text += meant.empty() ? "; " : fmt::format("; did you mean {}? ", meant);
+    return text + fmt::format("'quillon backups --host {}' lists those that there are", host);
 }
 
 /// Keeps other programs out of the database while it is replaced. One that cannot be opened at all
@@ -80,10 +80,7 @@ std::optional<jet::Database> TakeDatabase(const std::filesystem::path& path) {
 
 void TellPlan(LocalHost& local, const Settings& settings, const BackupMoment& backup,
               std::ostream& out) {
-    out << fmt::format(
-        "The backup {} was made on {}, {}. It would be put back:\n", backup.name,
-        SortableDateTimeText(backup.made),
-        AgeText(backup.made, local.clock.Now()) + (backup.made > local.clock.Now() ? "" : " ago"));
+    out << fmt::format("The backup of {} would be put back:\n", SortableDateTimeText(backup.made));
     for (const BackupOriginal& original : BackupOriginals(settings)) {
         if (original.part == BackupPart::Snapshot) continue;
         const BackupCopy* const copy = backup.CopyOf(original.part);

@@ -125,19 +125,20 @@ TEST_F(KeptBackups, AreTheLastThirtyAndThenOneAMonthForAYear) {
         world.files.AddFile(R"(D:\Data\cdj.mdb)", "rows of " + night, world.clock.now);
         world.files.AddFile(R"(C:\Lists\a.pla)", "list of " + night, world.clock.now);
     });
-    RunNights(800);
-    // The 800th night is 10 March 2028: 30 nights go back to 10 February, and a year to March 2027.
-    // One folder has not changed since the first night, whose backup stays for that.
+    RunNights(460);
+    // The last night is 5 April 2027: 30 nights go back to 7 March, and a year to April 2026. One
+    // folder has not changed since the first night, whose backup stays for that.
     EXPECT_EQ(CopiesOf(R"(C:\M3u)").size(), 1U);
     EXPECT_EQ(CopiesOfDatabase().size(), 30U + 12U + 1U);
     EXPECT_EQ(CopiesOfLists().size(), 30U + 12U + 1U);
     const auto backups = FindBackups(world.files, run.settings, world.clock.Now());
-    EXPECT_EQ(backups.front().name, "3102028_40000_AM");
-    EXPECT_EQ(backups[29].name, "2102028_40000_AM");
-    EXPECT_EQ(backups[30].name, "292028_40000_AM");
-    EXPECT_EQ(backups[31].name, "1312028_40000_AM");
-    EXPECT_EQ(backups[32].name, "12312027_40000_AM");
-    EXPECT_EQ(backups[40].name, "4302027_40000_AM");
+    ASSERT_EQ(backups.size(), 30U + 12U + 1U);
+    EXPECT_EQ(backups.front().name, "452027_40000_AM");
+    EXPECT_EQ(backups[29].name, "372027_40000_AM");
+    EXPECT_EQ(backups[30].name, "362027_40000_AM");
+    EXPECT_EQ(backups[31].name, "2282027_40000_AM");
+    EXPECT_EQ(backups[33].name, "12312026_40000_AM");
+    EXPECT_EQ(backups[41].name, "4302026_40000_AM");
     EXPECT_EQ(backups.back().name, "112026_40000_AM");
     for (const BackupMoment& backup : backups)
         EXPECT_TRUE(backup.isWhole) << backup.name;
