@@ -3,6 +3,7 @@
 #include "app/console.h"
 #include "app/removed_music.h"
 #include "app/version.h"
+#include "picker/folders.h"
 #include "platform/basic_text.h"
 #include "platform/failure.h"
 #include "playlists/playlist_snapshot.h"
@@ -62,7 +63,8 @@ RunRecording::RunRecording(LocalHost& local)
     local.databases.SetObserver(&rows_);
 }
 
-/// A run's snapshot of playlists is gone when the run has ended.
+/// A run's snapshot of playlists is gone when the run has ended. Pages in the making that a killed
+/// run has left are of no use to anybody.
 JournalledFiles::Keeping RunRecording::Keeping() {
     return {.folder = local_.host.GetAppPath() + R"(\Changes\)" + journal_->Stamp(),
             .shownFolder = "Changes/" + journal_->Stamp(),
@@ -72,7 +74,8 @@ JournalledFiles::Keeping RunRecording::Keeping() {
                 },
             .isScratch =
                 [this](std::string_view path) {
-                    return EqualIgnoringCase(path,
+                    return path.ends_with(DraftEnding) ||
+                           EqualIgnoringCase(path,
                                              PlaylistSnapshotPath(run_->settings.Nirvis_CDJ_DB));
                 }};
 }

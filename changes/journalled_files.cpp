@@ -122,7 +122,7 @@ void JournalledFiles::DeleteFile(std::string_view path) {
 void JournalledFiles::DeleteFolder(std::string_view path) {
     FileChange change = ChangeOf(ChangeKind::FolderDeleted, path);
     change.before.emplace();
-    if (IsMadeByRun(path) || !files_.FolderExists(path)) {
+    if (IsScratch(path) || IsMadeByRun(path) || !files_.FolderExists(path)) {
         return records_.Do(std::move(change), [&] { files_.DeleteFolder(path); });
     }
     const Place place = NewPlace(path);

@@ -29,7 +29,8 @@ class JournalledFiles : public Files {
         /// it is meant to be gone for good. Nothing for files that this does not concern: their
         /// content goes into the record or into the folder.
         std::function<std::optional<std::string>(std::string_view path)> placeOfDeleted = {};
-        /// Files of the run itself, which come and go with it, and are not recorded.
+        /// Files of the run itself, which come and go with it, and are not recorded. Folders of
+        /// that kind are deleted for good.
         std::function<bool(std::string_view path)> isScratch = {};
     };
 

@@ -232,6 +232,14 @@ TEST_F(JournalledFilesTest, DeletesForGoodAFolderThatTheRunItselfHasMade) {
     EXPECT_FALSE(files_.HasKept());
 }
 
+TEST_F(JournalledFilesTest, DeletesForGoodAScratchFolderOfAnEarlierRun) {
+    fake_.AddFile(R"(D:\pages.scratch\1.htm)", "page");
+    files_.DeleteFolder(R"(D:\pages.scratch)");
+    EXPECT_EQ(Only().before, FileContent{});
+    EXPECT_FALSE(files_.HasKept());
+    EXPECT_FALSE(fake_.FolderExists(R"(D:\pages.scratch)"));
+}
+
 TEST_F(JournalledFilesTest, RecordsWhatIsTakenBack) {
     files_.Discard(R"(D:\a.txt)");
     EXPECT_EQ(Only(), Numbered({.kind = Kind::Discarded, .path = R"(D:\a.txt)"}));

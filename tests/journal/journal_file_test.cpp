@@ -138,12 +138,7 @@ TEST_F(JournalFileTest, RefusesWhatIsToHappenOnAFullDiskAndStillTakesWhatHas) {
     journal.Note(RunStarted{.stamp = journal.Stamp(), .version = "1", .mode = ""});
     const FullDisk full(3'000'000);
     std::int64_t noted = 0;
-    EXPECT_THROW(
-        for (;; ++noted) {
-            journal.Note(Row(noted));
-            journal.MakeDurable();
-        },
-        Failure);
+    EXPECT_THROW(for (;; ++noted) journal.Note(Row(noted)), Failure);
     EXPECT_GT(noted, 1000);
     EXPECT_NE(journal.Trouble(), "");
     EXPECT_THROW(journal.Note(Rename()), Failure);
@@ -151,7 +146,8 @@ TEST_F(JournalFileTest, RefusesWhatIsToHappenOnAFullDiskAndStillTakesWhatHas) {
     journal.Note(FileChangeFailed{1, "full"});
     journal.Remark(RunEnded{.outcome = "failed", .status = 1});
     const std::vector<ChangeRecord> records = Read(journal.Stamp());
-    EXPECT_EQ(records.size(), static_cast<std::size_t>(noted) + 3);
+    EXPECT_LE(records.size(), static_cast<std::size_t>(noted) + 3) << "nothing behind a gap";
+    EXPECT_TRUE(std::holds_alternative<FileChangeFailed>(records.at(records.size() - 2)));
     EXPECT_TRUE(std::holds_alternative<RunEnded>(records.back()));
 }
 
