@@ -60,6 +60,9 @@ struct FolderNames {
 struct FileEnd {
     std::uint64_t size = 0;           ///< of the whole file, in bytes
     std::vector<std::uint8_t> bytes;  ///< the last ones of it
+
+    /// The writer knows whose bytes these are: what is not written over may be cut off.
+    bool mayBeCut = false;
 };
 
 /// Lines of an ANSI text file. Lines may end in CR LF or LF; the last one may lack its end.
@@ -186,8 +189,8 @@ class Files {
     /// that is not there or cannot be read has nothing to remove.
     virtual void RemoveUnfinished(std::string_view folder) = 0;
 
-    /// Writes bytes at a position so near to the end that they reach it or go beyond: a file never
-    /// gets shorter. In place, so links to it stay; all that lies before the position and the
+    /// Writes bytes at a position so near to the end that they reach it or go beyond: a file gets
+    /// shorter only where what was `seen` may be cut. In place, so links to it stay; all that lies before the position and the
     /// modification time stay as they are. When a write fails, what it has changed is put back.
     /// Failure, with nothing written: FileNotFound; PermissionDenied when the file is
     /// write-protected or its times could not be kept; PathFileAccess when it no longer has the

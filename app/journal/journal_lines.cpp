@@ -199,6 +199,7 @@ struct RecordJson {
         if (file.position != 0) json["position"] = file.position;
         if (file.before) json["before"] = ToJson(*file.before);
         if (file.after) json["after"] = ToJson(*file.after);
+        PutText(json, "takesBack", file.takesBack);
         return json;
     }
     Json operator()(const FileChangeFailed& failed) const {
@@ -238,7 +239,8 @@ FileChange FileChangeOf(const Json& json) {
             .target = TextAt(json, "target"),
             .position = json.value("position", std::uint64_t{0}),
             .before = ContentAt(json, "before"),
-            .after = ContentAt(json, "after")};
+            .after = ContentAt(json, "after"),
+            .takesBack = TextAt(json, "takesBack")};
 }
 
 ChangeRecord RecordOf(const Json& json) {

@@ -171,6 +171,19 @@ class JetConnection : public Connection {
     void Delete(std::string_view table, RowKey row) override {
         Translated([&] { database_->Delete(table, static_cast<std::int64_t>(row)); });
     }
+    void Together(const std::function<void()>& work) override {
+        // Inserters do not outlive rows that are taken back.
+        struct Forgetting {
+            std::vector<KnownInserter>& inserters;
+            ~Forgetting() { inserters.clear(); }
+        };
+        Translated([&] {
+            const Forgetting forgetting{inserters_};
+            jet::Transaction transaction(*database_);
+            work();
+            transaction.Commit();
+        });
+    }
     std::int64_t NextNumber(std::string_view table) const override {
         return Translated([&] { return database_->NextNumber(table); });
     }
