@@ -56,7 +56,7 @@ struct RowChange {
     /// change (Added: after it); of a table without one all fields.
     std::vector<std::pair<std::string, Value>> key;
     /// Changed: the fields that differ. Added (`before` is Null) and Removed (`after` is Null):
-    /// all.
+    /// those that are not Null.
     std::vector<FieldChange> fields;
     bool operator==(const RowChange&) const = default;
 };
@@ -69,10 +69,10 @@ struct RowsSaved {
 /// What a file held before or after a change.
 struct FileContent {
     std::uint64_t size = 0;  ///< bytes
-    std::uint64_t hash = 0;  ///< `ContentHash` of all bytes
+    std::uint64_t hash = 0;  ///< `ContentHash` of all bytes; 0: not known, a large file
     std::optional<std::string> bytes =
         {};                   ///< of small files whose content matters: playlists, tags
-    std::string keptAs = {};  ///< where the old content lies: a path below the host folder
+    std::string keptAs = {};  ///< where the old content lies, below the host folder, with slashes
     std::optional<DateTime> modified = {};  ///< the file's time, where an undo must bring it back
     bool operator==(const FileContent&) const = default;
 };
@@ -143,7 +143,9 @@ class ChangeSink {
     virtual void MakeDurable() = 0;
 };
 
-/// A hash to tell whether content is still the same (64-bit FNV-1a). Not for foes.
-std::uint64_t ContentHash(std::string_view bytes);
+/// A hash to tell whether content is still the same (64-bit FNV-1a). Not for foes. `before` is that
+/// of the bytes before these.
+constexpr std::uint64_t HashOfNothing = 0xcbf29ce484222325;
+std::uint64_t ContentHash(std::string_view bytes, std::uint64_t before = HashOfNothing);
 
 }  // namespace quillon

@@ -15,6 +15,8 @@
 namespace quillon {
 namespace {
 
+enum class RefreshSpinnerStep { RemoveVanished = 1, MergeRepeated = 2 };
+
 constexpr std::string_view RepeatedSongs =
     "SELECT Spinner.Artist, Spinner.Album, Spinner.Song, Spinner.ID, Spinner.Playcount FROM "
     "Spinner WHERE (((Spinner.Artist) In (SELECT [Artist] FROM [Spinner] As Tmp GROUP BY "
@@ -41,7 +43,7 @@ void RemoveVanishedSongs(Run& run, Steps& steps) {
     for (; !spinner->IsEof(); spinner->MoveNext()) {
         run.ProcessEvents();
         steps.Concerning(RowName(*spinner));
-        steps.Try(1, [&] {
+        steps.Try(RefreshSpinnerStep::RemoveVanished, [&] {
             if (!IsInLibrary(*run.connection, *spinner)) spinner->Delete();
         });
     }
@@ -85,8 +87,9 @@ void MergeRepeatedSongs(Run& run, Steps& steps) {
             continue;
         }
         steps.Concerning(row.artist + '\\' + row.album + '\\' + row.song);
-        const bool merged =
-            steps.Try(2, [&] { Merge(*spinner, kept.id, row.id, rows->Integer("Playcount")); });
+        const bool merged = steps.Try(RefreshSpinnerStep::MergeRepeated, [&] {
+            Merge(*spinner, kept.id, row.id, rows->Integer("Playcount"));
+        });
         if (!merged) spinner->CancelUpdate();
     }
 }
@@ -96,10 +99,10 @@ void MergeRepeatedSongs(Run& run, Steps& steps) {
 void RefreshSpinner(Run& run) {
     Steps steps(run, "Refresh Spinner Error:");
     run.ShowItem("1. Verify Download Tracks are in Database");
-    steps.Try(1, [&] { RemoveVanishedSongs(run, steps); });
+    steps.Try(RefreshSpinnerStep::RemoveVanished, [&] { RemoveVanishedSongs(run, steps); });
     run.ShowItem("2. Remove Download Track Duplicates");
     steps.Concerning({});
-    steps.Try(2, [&] { MergeRepeatedSongs(run, steps); });
+    steps.Try(RefreshSpinnerStep::MergeRepeated, [&] { MergeRepeatedSongs(run, steps); });
 }
 
 }  // namespace quillon

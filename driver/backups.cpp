@@ -12,6 +12,8 @@
 namespace quillon {
 namespace {
 
+enum class BackupStep { CopyFile = 3, CopyFolder = 5, RemoveCopy = 8 };
+
 constexpr const char* MakeRoom =
     "nothing was changed. A run makes this copy first: free some space, or give this account the "
     "right to read and write there, and run again";
@@ -56,7 +58,7 @@ Backup TimeStampBackup(Run& run, std::string_view file) {
     steps.Concerning(std::string(file));
     steps.Advising(MakeRoom);
     Backup backup;
-    backup.succeeded = steps.Try(3, [&] {
+    backup.succeeded = steps.Try(BackupStep::CopyFile, [&] {
         if (!run.files.FileExists(file)) return;
         const std::string copy = FreeCopyName(run, file);
         run.files.CopyFile(file, copy, false);
@@ -73,7 +75,7 @@ Backup TimeStampFolderBackup(Run& run, std::string_view folder) {
     steps.Concerning(source);
     steps.Advising(IsDriveRoot(folder) ? NameAFolder : MakeRoom);
     Backup backup;
-    backup.succeeded = steps.Try(5, [&] {
+    backup.succeeded = steps.Try(BackupStep::CopyFolder, [&] {
         if (source.empty() || !IsThere(run, source)) return;
         if (IsDriveRoot(folder)) {
             throw Failure::Described(FailureNumber::InvalidProcedureCall,
@@ -91,7 +93,7 @@ Backup TimeStampFolderBackup(Run& run, std::string_view folder) {
 void TakeBackupsBack(Run& run, const std::vector<std::string>& copies) {
     Steps steps(run, "TimeStampBackup");
     for (const std::string& copy : copies) {
-        steps.Try(8, [&] {
+        steps.Try(BackupStep::RemoveCopy, [&] {
             if (run.files.FolderExists(copy)) {
                 run.files.DeleteFolder(copy);
             } else {

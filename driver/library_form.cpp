@@ -46,7 +46,7 @@ LibraryForm::LibraryForm(Run& run, DatabaseProvider& databases, std::string_view
 RunOutcome LibraryForm::Form_Load() {
     RunOutcome outcome = RunOutcome::NothingRan;
     Steps steps(run_, "QuillonShelfkeeper Load");
-    steps.Try(0, [&] {
+    steps.Try([&] {
         run_.form.lblver = "Version " + version_;
         run_.settings = ReadSettings(run_.host);
         run_.removals.limits = ReadSafetyLimits(run_.host);
@@ -68,7 +68,7 @@ RunOutcome LibraryForm::Form_Load() {
 RunOutcome LibraryForm::main() {
     RunOutcome outcome = RunOutcome::NothingRan;
     Steps steps(run_, "QuillonShelfkeeper Main");
-    steps.Try(0, [&] {
+    steps.Try([&] {
         run_.connection = databases_.Open(LibraryConnectionString(run_.settings.Nirvis_CDJ_DB));
         run_.random.Seed(run_.clock.Now(), run_.clock.Nanoseconds());
         ReadGenreNames();
@@ -82,7 +82,7 @@ RunOutcome LibraryForm::main() {
         if (mode != nullptr) outcome = UpdateDatabase(*mode);
     });
     // Done here, because a connection that is being closed cannot report a failure.
-    steps.Try(0, [&] {
+    steps.Try([&] {
         if (run_.connection) run_.Flush();
     });
     run_.ForgetTables();

@@ -53,8 +53,7 @@ ReconcileScope LibraryForm::PrepareReconcile() {
         for (PhaseIndicator& indicator : aPhase)
             indicator.visible = true;
         if (!settings.ID3Reconcile) aPhase[2].visible = false;
-        updateSteps_.Try(0,
-                         [&] { run_.connection->Execute("DELETE * FROM SpinnerID3Differences"); });
+        updateSteps_.Try([&] { run_.connection->Execute("DELETE * FROM SpinnerID3Differences"); });
     }
     for (PhaseIndicator& indicator : aPhase)
         indicator.selected = false;
@@ -108,7 +107,7 @@ bool LibraryForm::RequireOwnPlaces(const Mode& mode) {
     steps.Advising(
         "nothing was changed. A run keeps a file of its own there: remove what has that name, or "
         "give this account the right to write there, and run again");
-    return steps.Try(0, [&] { run_.files.CreateOwnText(OwnFile(run_.settings)); });
+    return steps.Try([&] { run_.files.CreateOwnText(OwnFile(run_.settings)); });
 }
 
 /// The dated copies; false when one failed. They are made before anything writes to the database,
@@ -137,8 +136,8 @@ bool LibraryForm::MakeBackups(const BackupPlan& plan) {
 }
 
 void LibraryForm::Perform(const Procedures::Work& work) {
-    updateSteps_.Try(0, [&] { work(run_); });
-    updateSteps_.Try(0, [&] { run_.Flush(); });
+    updateSteps_.Try([&] { work(run_); });
+    updateSteps_.Try([&] { run_.Flush(); });
 }
 
 RunOutcome LibraryForm::Outcome() const {

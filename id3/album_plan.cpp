@@ -79,7 +79,7 @@ class Planner {
     std::vector<FileEntry> List() {
         steps_.Concerning(plan_.folder.path);
         Listing<FileEntry> found;
-        if (!steps_.Try(FilesStep, [&] { found = run_.files.FilesIn(plan_.folder.path); }))
+        if (!steps_.Try(TagStep::ListFiles, [&] { found = run_.files.FilesIn(plan_.folder.path); }))
             return {};
         // A name that is out of sight may be one that a file here would get.
         if (std::any_of(found.unseen.begin(), found.unseen.end(), IsSoundFile)) return {};
@@ -110,14 +110,14 @@ class Planner {
         if (file.plainName == file.name) wanted.standing = Standing::IsRight;
         if (!file.tag.IsThere() || !TitleDiffers(file.tag, file.title)) return wanted;
         std::string title;
-        if (!steps_.Try(TitleStep, [&] { title = FileTitle(file.tag.song); })) {
+        if (!steps_.Try(TagStep::NameByTitle, [&] { title = FileTitle(file.tag.song); })) {
             if (wanted.standing == Standing::IsRight) wanted.standing = Standing::IsStuck;
             return wanted;
         }
         std::string name = plan_.artist + " - " + title + ".mp3";
         // What differs are characters that no name can hold: it cannot come nearer to the tag.
         if (EqualIgnoringCase(name, file.plainName)) return wanted;
-        const bool canBe = steps_.Try(TitleStep, [&] {
+        const bool canBe = steps_.Try(TagStep::NameByTitle, [&] {
             if (!IsWindowsName(name)) throw Failure(FailureNumber::BadFileName, name);
         });
         if (!canBe) {
@@ -133,7 +133,7 @@ class Planner {
         std::optional<Tag> tag = ReadID3(run_, file);
         if (!tag) return false;
         // Of what a "|" in a field makes of a record nobody knows which field a piece is.
-        const bool isClear = steps_.Try(CompareStep, [&] { RequireClearRecord(*tag); });
+        const bool isClear = steps_.Try(TagStep::Compare, [&] { RequireClearRecord(*tag); });
         if (isClear) planned.tag = *std::move(tag);
         return isClear;
     }
@@ -158,7 +158,7 @@ class Planner {
         } else if (const std::optional<std::size_t> claim = ClaimOn(file.plainName)) {
             return MakeDuplicate(i, file.plainName, claim, true);
         } else {
-            const std::optional<bool> isThere = Exists(i, BracketStep, file.plainName);
+            const std::optional<bool> isThere = Exists(i, TagStep::RoundBrackets, file.plainName);
             if (!isThere) return LeaveAlone(i);
             if (*isThere) return MakeDuplicate(i, file.plainName, std::nullopt, true);
         }
@@ -185,7 +185,7 @@ class Planner {
         }
         if (claim) return yield(claim);
         if (!PlaceOf(wanted.name)) {
-            const std::optional<bool> isThere = Exists(i, TitleStep, wanted.name);
+            const std::optional<bool> isThere = Exists(i, TagStep::NameByTitle, wanted.name);
             if (!isThere) return LeaveAlone(i);
             if (*isThere) return yield(std::nullopt);
         }
@@ -194,7 +194,7 @@ class Planner {
 
     /// Whether there is a file of this name, which is not among those listed; nothing where nobody
     /// can tell, which is logged for the file that would have it.
-    std::optional<bool> Exists(std::size_t i, int step, const std::string& name) {
+    std::optional<bool> Exists(std::size_t i, TagStep step, const std::string& name) {
         steps_.Concerning(plan_.PathOf(plan_.files[i].name));
         bool isThere = false;
         const bool isKnown =
@@ -240,7 +240,7 @@ class Planner {
         file.twin.reset();
         const bool isOdd = file.plainName != file.name && wishes_[i].name != file.plainName;
         const bool isFree = isOdd && !PlaceOf(file.plainName) && !ClaimOn(file.plainName) &&
-                            !Exists(i, BracketStep, file.plainName).value_or(true);
+                            !Exists(i, TagStep::RoundBrackets, file.plainName).value_or(true);
         file.fate = isFree ? Fate::IsRenamed : Fate::Stays;
         file.newName = isFree ? file.plainName : wishes_[i].name;
         if (isFree) claims_.emplace(LowerCase(file.plainName), i);

@@ -13,8 +13,16 @@ namespace quillon {
 class Run;
 class Steps;
 
-/// The numbers that failures of the comparison of tags are logged with.
-constexpr int FilesStep = 3, BracketStep = 4, CompareStep = 5, RowStep = 6, TitleStep = 7;
+/// The steps of the comparison of tags in one library folder.
+enum class TagStep {
+    Open = 1,
+    ListFolders = 2,
+    ListFiles = 3,
+    RoundBrackets = 4,
+    Compare = 5,
+    NoteDifference = 6,
+    NameByTitle = 7,  ///< the names by the titles, and all that follows from them
+};
 
 /// What becomes of a sound file's name in a comparison of tags.
 enum class Fate {

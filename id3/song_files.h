@@ -12,6 +12,15 @@ namespace quillon {
 class Run;
 class Steps;
 
+/// The steps of writing tags.
+enum class StoreStep {
+    ReadSongs = 1,
+    ListFolder = 2,
+    ReadDifferences = 3,
+    FindFile = 4,
+    WriteTag = 5,
+};
+
 /// Finds the sound files of songs in the library folders, whichever of them they are in. Folders
 /// and files are only ever taken from listings, so no name in the database leads out of the
 /// library.

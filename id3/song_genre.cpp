@@ -7,6 +7,8 @@
 namespace quillon {
 namespace {
 
+enum class GenreStep { Find = 1, StoreDerived = 2 };
+
 constexpr std::string_view UnknownGenre = "other";
 
 std::string PathOf(std::string_view artist, std::string_view album, std::string_view song) {
@@ -23,7 +25,7 @@ std::string DeriveGenre(DownloadTable& table, SongRow& row, Steps& steps) {
     std::string genre = GenreInFileName(RowText(table.Read(row, "FileName")));
     if (genre.empty()) genre = UnknownGenre;
     steps.Concerning(JoinedNames(row));
-    steps.Try(2, [&] { table.SetGenre(row, genre); });
+    steps.Try(GenreStep::StoreDerived, [&] { table.SetGenre(row, genre); });
     steps.Concerning({});
     return genre;
 }
@@ -41,7 +43,7 @@ std::string GenreInFileName(std::string_view fileName) {
 
 void PopulateGenre(Run& run) {
     Steps steps(run, "PopulateGenre:");
-    steps.Try(0, [&] {
+    steps.Try([&] {
         // Only the comparison of tags asks the dictionary, and it may hold a million songs.
         const bool isAskedFor = run.settings.ID3Reconcile;
         DownloadTable& table = run.TheDownloadTable();
@@ -59,7 +61,7 @@ std::string GetID3Genre(Run& run, std::string_view artist, std::string_view albu
     std::string genre;
     Steps steps(run, "Get ID3 Genre Error:");
     steps.Concerning(PathOf(artist, album, song));
-    steps.Try(1, [&] {
+    steps.Try(GenreStep::Find, [&] {
         if (const SongRow* const row = run.TheDownloadTable().Find(artist, album, song))
             genre = row->genre;
     });

@@ -64,18 +64,19 @@ bool BuildcdjPages(Run& run, const PickerLocations& locations, std::string_view 
     Steps steps(run, "BuildcdjPages ");
     std::optional<PickerLayout> layout;
     PickerAlbums albums;
-    const auto goesOn = [&](int step, auto&& work) {
+    const auto goesOn = [&](PagesStep step, auto&& work) {
         return !run.AbortRequested && steps.Try(step, work) && !run.AbortRequested;
     };
-    return goesOn(4, [&] { layout.emplace(run.settings); }) &&
-           goesOn(2, [&] { albums = ReadPickerAlbums(run, *OpenOwnConnection(run)); }) &&
-           goesOn(3,
+    return goesOn(PagesStep::LayOut, [&] { layout.emplace(run.settings); }) &&
+           goesOn(PagesStep::ReadAlbums,
+                  [&] { albums = ReadPickerAlbums(run, *OpenOwnConnection(run)); }) &&
+           goesOn(PagesStep::CopyCovers,
                   [&] {
                       run.ShowItem("2. Copying Covers from Library to Web Server area");
                       if (run.AbortRequested) return;
                       CopyCovers(run, steps, locations.webCoverFolder, albums.albums);
                   }) &&
-           goesOn(5, [&] {
+           goesOn(PagesStep::WritePages, [&] {
                const auto controls = ControlsFor(run.settings);
                const PickerPages pages(*layout, *controls, albums, run.settings.coverPath);
                WriteText(run, folder, StylesheetName, PickerStylesheet());

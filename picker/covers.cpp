@@ -8,6 +8,7 @@
 #include <string>
 #include <unordered_map>
 
+#include "picker/album_picker.h"
 #include "picker/cover_names.h"
 #include "picker/folders.h"
 #include "picker/placeholder.h"
@@ -47,7 +48,7 @@ class CoverCopier {
             if (!sources.back().empty()) all.push_back(sources.back());
             isMissing |= sources.back().empty() && !album.imageFile.empty();
         }
-        if (isMissing) steps_.Try(3, [&] { RequireCoverFolder(); });
+        if (isMissing) steps_.Try(PagesStep::CopyCovers, [&] { RequireCoverFolder(); });
         CopyAll(CoverNames(folder_, all));
         for (std::size_t i = 0; i < albums.size(); ++i) {
             const auto found = copied_.find(LowerCase(sources[i]));
@@ -80,8 +81,9 @@ class CoverCopier {
         for (const CoverCopy& copy : Counted(run_, names.Copies())) {
             run_.ProcessEvents();
             if (run_.AbortRequested) return;
-            const bool done =
-                steps_.Try(3, [&] { CopyFile(copy.source, folder_ + copy.name, copy.contested); });
+            const bool done = steps_.Try(PagesStep::CopyCovers, [&] {
+                CopyFile(copy.source, folder_ + copy.name, copy.contested);
+            });
             if (done) copied_.emplace(LowerCase(copy.source), copy.name);
         }
     }
@@ -103,7 +105,7 @@ class CoverCopier {
     void ProvidePlaceholder() {
         const std::string own = run_.settings.AlbumCoverFolder + std::string(PlaceholderName);
         const std::string target = folder_ + std::string(PlaceholderName);
-        steps_.Try(3, [&] {
+        steps_.Try(PagesStep::CopyCovers, [&] {
             if (run_.files.FileExists(own)) {
                 CopyFile(own, target, false);
             } else if (!run_.files.FileExists(target)) {

@@ -72,10 +72,11 @@ class Addition {
 
     void Add(std::string_view artist, std::string_view album) {
         steps_.Concerning(path_);
-        const bool done = steps_.Try(1, [&] { Describe(artist, album); }) &&
-                          steps_.Try(2, [&] { LookUp(); }) && steps_.Try(3, [&] { Copy(); }) &&
-                          steps_.Try(4, [&] { FindOrAddAlbum(); }) && TryCover() &&
-                          steps_.Try(6, [&] { AddRows(); });
+        const bool done = steps_.Try(Step::Describe, [&] { Describe(artist, album); }) &&
+                          steps_.Try(Step::LookUp, [&] { LookUp(); }) &&
+                          steps_.Try(Step::Copy, [&] { Copy(); }) &&
+                          steps_.Try(Step::FindOrAddAlbum, [&] { FindOrAddAlbum(); }) &&
+                          TryCover() && steps_.Try(Step::AddRows, [&] { AddRows(); });
         if (done) {
             Settle();
         } else {
@@ -84,6 +85,16 @@ class Addition {
     }
 
   private:
+    enum class Step {
+        Describe = 1,
+        LookUp = 2,
+        Copy = 3,
+        FindOrAddAlbum = 4,
+        GiveCover = 5,
+        AddRows = 6,
+        Undo = 7,
+    };
+
     void Describe(std::string_view artist, std::string_view album);
     void LookUp();
     void Copy();
@@ -193,13 +204,13 @@ bool Addition::TryCover() {
                           !adding_.refusedCovers.contains(CoverTarget());
     if (!isWanted) return true;
     TakeBack coverBack;
-    if (steps_.Try(5, [&] { GiveCover(coverBack); })) {
+    if (steps_.Try(Step::GiveCover, [&] { GiveCover(coverBack); })) {
         takeBack_.Append(coverBack);
     } else {
         // One line of the log for each album is enough.
         adding_.refusedCovers.insert(CoverTarget());
-        steps_.Try(7, [this] { albums_.CancelUpdate(); });
-        coverBack.Run(steps_, 7);
+        steps_.Try(Step::Undo, [this] { albums_.CancelUpdate(); });
+        coverBack.Run(steps_, Step::Undo);
         isCoverCopied_ = isCoverGiven_ = false;
     }
     return true;
@@ -294,9 +305,9 @@ void Addition::Undo() {
     // Else the next row's values would join what is left of this one's.
     for (RecordSet* const table : {adding_.spinnerArtist.get(), adding_.spinner.get(),
                                    adding_.albums.get(), adding_.tracks.get()}) {
-        steps_.Try(7, [table] { table->CancelUpdate(); });
+        steps_.Try(Step::Undo, [table] { table->CancelUpdate(); });
     }
-    takeBack_.Run(steps_, 7);
+    takeBack_.Run(steps_, Step::Undo);
     adding_.cdjid.clear();
 }
 

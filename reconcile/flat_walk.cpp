@@ -35,7 +35,8 @@ class FlatWalk {
         std::vector<std::string> unlistedRoots;
         for (WalkedRoot& root : walk_.roots) {
             steps_.Concerning(root.path);
-            if (!steps_.Try(3, [&] { GroupFiles(root); })) unlistedRoots.push_back(root.path);
+            if (!steps_.Try(Step::GroupFiles, [&] { GroupFiles(root); }))
+                unlistedRoots.push_back(root.path);
         }
         for (const std::string& root : unlistedRoots)
             walk_.unlisted.push_back({root, "", ""});
@@ -47,6 +48,7 @@ class FlatWalk {
     }
 
   private:
+    enum class Step { GroupFiles = 3 };
     struct Group {
         std::string artist, title;
         Flat files;
@@ -86,7 +88,7 @@ class FlatWalk {
         Album album{.artist = group.artist, .title = group.title, .trackCount = 0, .cdjid = {}};
         FileList files = ProcessFlatTracks(group.files.GetNames());
         steps_.Concerning(group.artist + '\\' + group.title);
-        if (!steps_.Try(3, [&] { album.trackCount = group.files.Size(); })) {
+        if (!steps_.Try(Step::GroupFiles, [&] { album.trackCount = group.files.Size(); })) {
             for (const ListedFile& file : files)
                 walk_.unlisted.push_back({file.Name, album.artist, album.title});
             return;

@@ -108,7 +108,7 @@ MissingMusic FindMissingMusic(Walk& walk) {
 
 bool DeleteMissingTracks(Walk& walk, const MissingMusic& missing) {
     Steps steps(walk.run, "Delete Missing Tracks Error:");
-    return steps.Try(0, [&] {
+    return steps.Try([&] {
         for (const MissingMusic::Track& track : missing.tracks) {
             walk.library.Remove(*track.row);
             ++walk.run.counts.tracksRemoved;
@@ -121,14 +121,15 @@ void SweepMissingMusic(Walk& walk, const MissingMusic& missing) {
     Run& run = walk.run;
     Steps steps(run, "RefreshDatabase");
     const bool tracksAreGone = DeleteMissingTracks(walk, missing);
-    const bool albumsAreGone = steps.TryAs("Refresh Database Track=0 Query", 3, [&] {
-        for (AlbumRow* const album : missing.albums) {
-            // Its tracks could not be removed, and would have no album.
-            if (!tracksAreGone && !walk.library.TracksOf(album->cdjid).empty()) continue;
-            walk.library.Remove(*album);
-            ++run.counts.albumsRemoved;
-        }
-    });
+    const bool albumsAreGone =
+        steps.TryAs("Refresh Database Track=0 Query", RefreshStep::ChangeRows, [&] {
+            for (AlbumRow* const album : missing.albums) {
+                // Its tracks could not be removed, and would have no album.
+                if (!tracksAreGone && !walk.library.TracksOf(album->cdjid).empty()) continue;
+                walk.library.Remove(*album);
+                ++run.counts.albumsRemoved;
+            }
+        });
     if (tracksAreGone) TellWhatIsGone(run, missing, albumsAreGone);
 }
 

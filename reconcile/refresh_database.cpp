@@ -47,7 +47,7 @@ void TakeBackNumbers(Walk& walk, Steps& steps) {
     counts.albumsUnchanged += walk.recounted;
     counts.tracksChanged -= walk.renumbered;
     counts.tracksUnchanged += walk.renumbered;
-    steps.Try(3, [&walk] { RestoreAll(walk.library); });
+    steps.Try(RefreshStep::ChangeRows, [&walk] { RestoreAll(walk.library); });
 }
 
 }  // namespace
@@ -55,20 +55,22 @@ void TakeBackNumbers(Walk& walk, Steps& steps) {
 void RefreshDatabase(Run& run) {
     Steps steps(run, "RefreshDatabase");
     bool rootExists = false;
-    steps.Try(1, [&] { rootExists = run.files.FolderExists(run.settings.LibraryRoot); });
+    steps.Try(RefreshStep::Begin,
+              [&] { rootExists = run.files.FolderExists(run.settings.LibraryRoot); });
     // A root that appeared only after the start has no folders to walk: sweeping now would delete
     // every row of it.
     if (!rootExists || run.LibraryFolders.empty()) {
-        steps.Try(
-            1, [&] { LogError(run, LogSource, "RefreshDatabase, " + WhyNoLibraryFolders(run)); });
+        steps.Try(RefreshStep::Begin, [&] {
+            LogError(run, LogSource, "RefreshDatabase, " + WhyNoLibraryFolders(run));
+        });
         return;
     }
 
     std::optional<Walk> begun;
-    if (!steps.Try(1, [&] { begun.emplace(run); })) return;
+    if (!steps.Try(RefreshStep::Begin, [&] { begun.emplace(run); })) return;
     Walk& walk = *begun;
     std::vector<std::string> absent;
-    const bool absentKnown = steps.Try(2, [&] {
+    const bool absentKnown = steps.Try(RefreshStep::FindAbsentFolders, [&] {
         absent = AbsentLibraryFolders(run);
         HideAlbumsBelow(walk, absent);
     });
@@ -77,7 +79,7 @@ void RefreshDatabase(Run& run) {
     run.counts.leftOut = run.leftOut.Total();
     const bool isSwept = absentKnown && Sweep(walk, absent);
     if (!isSwept) TakeBackNumbers(walk, steps);
-    steps.Try(3, [&] { walk.library.Save(); });
+    steps.Try(RefreshStep::ChangeRows, [&] { walk.library.Save(); });
 }
 
 }  // namespace quillon

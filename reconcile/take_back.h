@@ -22,7 +22,8 @@ class TakeBack {
     }
 
     /// Undoes everything, what was done last first; a failure is logged and the rest goes on.
-    void Run(Steps& steps, int step) {
+    template <NamedStep Step>
+    void Run(Steps& steps, Step step) {
         for (; !works_.empty(); works_.pop_back())
             steps.Try(step, works_.back());
     }

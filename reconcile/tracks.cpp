@@ -71,15 +71,15 @@ class AlbumTracks {
     void Place(ListedFile& file) {
         steps_.Concerning(file.Name);
         TrackRow* row = nullptr;
-        if (!steps_.Try(1, [&] { row = FindRow(file.Name); })) return;
+        if (!steps_.Try(Step::FindRow, [&] { row = FindRow(file.Name); })) return;
         if (album_.cdjid == NoCdjid) return;  // no album to hold a row
         const bool isNew = row == nullptr;
         if (isNew) {
-            if (!steps_.Try(2, [&] { row = AddRow(file); }) || row == nullptr) return;
+            if (!steps_.Try(Step::AddRow, [&] { row = AddRow(file); }) || row == nullptr) return;
         } else {
             // A row that cannot take a value keeps the old one, and still gets its number: without
             // it the sweep would delete the row of a file that is there.
-            steps_.Try(3, [&] { ChangeRow(*row, file.Name); });
+            steps_.Try(Step::ChangeRow, [&] { ChangeRow(*row, file.Name); });
         }
         lastPlaced_ = row->soundFile;
         CheckNumber(*row, file, isNew);
@@ -111,6 +111,8 @@ class AlbumTracks {
     }
 
   private:
+    enum class Step { FindRow = 1, AddRow = 2, ChangeRow = 3 };
+
     /// The same for files of one age.
     void HandOutNumbersAmong(std::span<ListedFile* const> files) {
         std::vector<std::int64_t> free;

@@ -61,6 +61,8 @@ class TreeWalk {
     }
 
   private:
+    enum class Step { ListFolder = 2 };
+
     /// The names of the artist folders in each library folder. Those of one name come together in
     /// artists_.
     std::vector<std::vector<std::string>> ListRoots() {
@@ -129,10 +131,12 @@ class TreeWalk {
         for (const Folder& folder : folders) {
             bool seenWhole = false;
             steps_.Concerning(folder.entry.path);
-            const bool listed = steps_.Try(2, [&] { seenWhole = AddFiles(folder, files); });
+            const bool listed =
+                steps_.Try(Step::ListFolder, [&] { seenWhole = AddFiles(folder, files); });
             if (!listed || !seenWhole) return false;
         }
-        if (!steps_.Try(2, [&] { album.trackCount = FileCount(files.size()); })) return false;
+        if (!steps_.Try(Step::ListFolder, [&] { album.trackCount = FileCount(files.size()); }))
+            return false;
         ProcessAlbum(walk_, std::move(album), std::move(files));
         return true;
     }
@@ -161,7 +165,8 @@ class TreeWalk {
     /// The folders in a library folder or in an artist's; false when it cannot be listed.
     bool List(const std::string& folder, Listing<FolderEntry>& list) {
         steps_.Concerning(folder);
-        if (!steps_.Try(2, [&] { list = run_.files.SubFolders(folder); })) return false;
+        if (!steps_.Try(Step::ListFolder, [&] { list = run_.files.SubFolders(folder); }))
+            return false;
         leftOut_.NoteLoose(folder, list.others);
         return true;
     }

@@ -4,9 +4,11 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <concepts>
 #include <cstdlib>
 #include <nlohmann/json.hpp>
 #include <optional>
+#include <utility>
 
 #include "platform/failure.h"
 #include "platform/utf8.h"
@@ -14,7 +16,7 @@
 namespace quillon {
 namespace {
 
-using Json = nlohmann::ordered_json;
+using Json = nlohmann::ordered_json;  // members stay in the order of the line
 
 /// The names that an enumeration's values have in a journal, in their order.
 constexpr std::array<std::string_view, 3> RowKinds{"added", "changed", "removed"};
@@ -43,17 +45,229 @@ bool IsWellFormed(std::string_view text) {
     return true;
 }
 
-std::string HexText(std::string_view bytes) {
-    constexpr std::string_view Digits = "0123456789abcdef";
-    std::string text;
-    text.reserve(bytes.size() * 2);
-    for (const char byte : bytes) {
-        const auto value = static_cast<unsigned char>(byte);
-        text += Digits[value >> 4];
-        text += Digits[value & 15];
-    }
-    return text;
+/// What a JSON string can hold as it stands.
+bool IsPlain(char byte) {
+    const auto code = static_cast<unsigned char>(byte);
+    return code >= 0x20 && code < 0x80 && byte != '"' && byte != '\\';
 }
+
+/// "" outside the years that have a text.
+std::string ReadableDate(DateTime time) {
+    try {
+        return SortableDateTimeText(time);
+    } catch (const Failure&) {
+        return "";
+    }
+}
+
+/// Writes one line straight into a text: a first run has some hundred thousand of them.
+class LineWriter {
+  public:
+    explicit LineWriter(std::string& line) : line_(line) {}
+
+    void operator()(const RunStarted& run) {
+        Begin("run");
+        Member("stamp", run.stamp);
+        TextMember("version", run.version);
+        TextMember("mode", run.mode);
+        TextMember("undoes", run.undoes);
+        End();
+    }
+    void operator()(const ModeChosen& chosen) {
+        Begin("mode");
+        Member("mode", chosen.mode);
+        End();
+    }
+    void operator()(const PhaseStarted& phase) {
+        Begin("phase");
+        Member("name", phase.name);
+        Member("at", phase.at.count());
+        End();
+    }
+    void operator()(const RowChange& row) {
+        Begin("row");
+        Member("change", NameOf(row.kind, RowKinds));
+        Member("table", row.table);
+        Name("key");
+        Open();
+        for (const auto& [field, value] : row.key)
+            Member(field, value);
+        End();
+        Name("fields");
+        Open();
+        for (const FieldChange& field : row.fields)
+            Put(field, row.kind);
+        End();
+        End();
+    }
+    void operator()(RowsSaved) {
+        Begin("saved");
+        End();
+    }
+    void operator()(const FileChange& file) {
+        Begin("file");
+        Member("number", file.number);
+        Member("change", NameOf(file.kind, FileKinds));
+        Member("path", file.path);
+        TextMember("target", file.target);
+        if (file.position != 0) Member("position", file.position);
+        if (file.before) Member("before", *file.before);
+        if (file.after) Member("after", *file.after);
+        TextMember("takesBack", file.takesBack);
+        End();
+    }
+    void operator()(const FileChangeFailed& failed) {
+        Begin("failed");
+        Member("number", failed.number);
+        Member("reason", failed.reason);
+        End();
+    }
+    void operator()(const LogLine& line) {
+        Begin("log");
+        Member("error", line.isError);
+        Member("text", line.text);
+        End();
+    }
+    void operator()(const RunEnded& end) {
+        Begin("end");
+        Member("outcome", end.outcome);
+        Member("status", end.status);
+        Member("braked", end.braked);
+        Member("milliseconds", end.duration.count());
+        End();
+    }
+
+  private:
+    void Begin(std::string_view record) {
+        Open();
+        Member("record", record);
+    }
+    void Open() {
+        line_ += '{';
+        isFirst_ = true;
+    }
+    void End() {
+        line_ += '}';
+        isFirst_ = false;
+    }
+    void Name(std::string_view name) {
+        if (!isFirst_) line_ += ',';
+        isFirst_ = false;
+        Put(name);
+        line_ += ':';
+    }
+    template <typename Content>
+    void Member(std::string_view name, const Content& content) {
+        Name(name);
+        Put(content);
+    }
+    /// Left out where there is nothing to say.
+    void TextMember(std::string_view name, std::string_view text) {
+        if (!text.empty()) Member(name, text);
+    }
+
+    void Put(Null) { line_ += "null"; }
+    void Put(bool value) { line_ += value ? "true" : "false"; }
+    template <std::integral Number>
+    void Put(Number value) {
+        PutNumber(value);
+    }
+    /// Always with a mark of fractions, so that it comes back as what it was.
+    void Put(double value) {
+        if (!std::isfinite(value)) {
+            Open();
+            Member("number", std::string_view(std::isnan(value) ? "nan"
+                                              : value > 0       ? "inf"
+                                                                : "-inf"));
+            return End();
+        }
+        const std::size_t start = line_.size();
+        PutNumber(value);
+        if (line_.find_first_of(".e", start) == std::string::npos) line_ += ".0";
+    }
+    /// The readable form is for people only; the days are exact.
+    void Put(DateTime time) {
+        Open();
+        TextMember("date", ReadableDate(time));
+        Member("days", time.days);
+        End();
+    }
+    void Put(const std::string& text) { Put(std::string_view(text)); }
+    /// Text as such where JSON can hold it; all else by its bytes.
+    void Put(std::string_view text) {
+        if (std::ranges::all_of(text, IsPlain)) {
+            line_.append(1, '"').append(text) += '"';
+        } else if (IsWellFormed(text)) {
+            PutEscaped(text);
+        } else {
+            Open();
+            Name("bytes");
+            line_ += '"';
+            for (const char byte : text)
+                PutHex(static_cast<unsigned char>(byte));
+            line_ += '"';
+            End();
+        }
+    }
+    void Put(const Value& value) {
+        std::visit([this](const auto& content) { Put(content); }, value);
+    }
+    void Put(const FileContent& content) {
+        Open();
+        Member("size", content.size);
+        Name("hash");
+        line_ += '"';
+        PutNumber(content.hash, 16);
+        line_ += '"';
+        if (content.bytes) Member("content", *content.bytes);
+        TextMember("keptAs", content.keptAs);
+        if (content.modified) Member("modified", *content.modified);
+        End();
+    }
+
+    /// A row that comes or goes has one value a field, and no word on those that are Null.
+    void Put(const FieldChange& field, RowChange::Kind kind) {
+        if (kind == RowChange::Kind::Changed) {
+            Name(field.field);
+            Open();
+            Member("before", field.before);
+            Member("after", field.after);
+            return End();
+        }
+        const Value& value = kind == RowChange::Kind::Added ? field.after : field.before;
+        if (!IsNull(value)) Member(field.field, value);
+    }
+
+    template <typename Number, typename... Base>
+    void PutNumber(Number value, Base... base) {
+        std::array<char, 32> digits{};
+        const auto [end, ignored] =
+            std::to_chars(digits.data(), digits.data() + digits.size(), value, base...);
+        line_.append(digits.data(), end);
+    }
+    void PutEscaped(std::string_view text) {
+        line_ += '"';
+        for (const char byte : text) {
+            if (byte == '"' || byte == '\\') {
+                line_.append(1, '\\') += byte;
+            } else if (static_cast<unsigned char>(byte) < 0x20) {
+                line_ += "\\u00";
+                PutHex(static_cast<unsigned char>(byte));
+            } else {
+                line_ += byte;
+            }
+        }
+        line_ += '"';
+    }
+    void PutHex(unsigned char byte) {
+        constexpr std::string_view Digits = "0123456789abcdef";
+        line_ += Digits[byte >> 4];
+        line_ += Digits[byte & 15];
+    }
+
+    std::string& line_;
+    bool isFirst_ = true;
+};
 
 template <typename Number>
 Number FromHex(std::string_view digits) {
@@ -74,12 +288,6 @@ std::string BytesOfHex(std::string_view text) {
     return bytes;
 }
 
-/// Text as such where JSON can hold it; all else by its bytes.
-Json TextJson(std::string_view text) {
-    if (IsWellFormed(text)) return text;
-    return {{"bytes", HexText(text)}};
-}
-
 std::string TextOf(const Json& json) {
     if (json.is_object()) return BytesOfHex(json.at("bytes").get<std::string_view>());
     return json.get<std::string>();
@@ -90,40 +298,8 @@ std::string TextAt(const Json& json, const char* name) {
     return found == json.end() ? "" : TextOf(*found);
 }
 
-void PutText(Json& json, const char* name, std::string_view text) {
-    if (!text.empty()) json[name] = TextJson(text);
-}
-
-/// The readable form is for people only; the days are exact.
-Json DateJson(DateTime time) {
-    Json json;
-    try {
-        json["date"] = SortableDateTimeText(time);
-    } catch (const Failure&) {
-        json["date"] = nullptr;  // outside the years that have a text
-    }
-    json["days"] = time.days;
-    return json;
-}
-
 DateTime DateOf(const Json& json) {
     return {json.at("days").get<double>()};
-}
-
-struct ValueJson {
-    Json operator()(Null) const { return nullptr; }
-    Json operator()(bool value) const { return value; }
-    Json operator()(std::int64_t value) const { return value; }
-    Json operator()(double value) const {
-        if (std::isfinite(value)) return value;
-        return {{"number", std::isnan(value) ? "nan" : value > 0 ? "inf" : "-inf"}};
-    }
-    Json operator()(DateTime value) const { return DateJson(value); }
-    Json operator()(const std::string& value) const { return TextJson(value); }
-};
-
-Json ToJson(const Value& value) {
-    return std::visit(ValueJson(), value);
 }
 
 Value ValueOf(const Json& json) {
@@ -134,18 +310,6 @@ Value ValueOf(const Json& json) {
     if (json.contains("days")) return DateOf(json);
     if (json.contains("number")) return std::strtod(TextAt(json, "number").c_str(), nullptr);
     return TextOf(json);
-}
-
-Json ToJson(const FileContent& content) {
-    Json json{{"size", content.size}};
-    std::array<char, 16> digits{};
-    const auto [end, ignored] =
-        std::to_chars(digits.data(), digits.data() + digits.size(), content.hash, 16);
-    json["hash"] = std::string_view(digits.data(), end);
-    if (content.bytes) json["content"] = TextJson(*content.bytes);
-    PutText(json, "keptAs", content.keptAs);
-    if (content.modified) json["modified"] = DateJson(*content.modified);
-    return json;
 }
 
 std::optional<FileContent> ContentAt(const Json& json, const char* name) {
@@ -160,74 +324,27 @@ std::optional<FileContent> ContentAt(const Json& json, const char* name) {
     return content;
 }
 
-struct RecordJson {
-    Json operator()(const RunStarted& run) const {
-        Json json{{"record", "run"}, {"stamp", TextJson(run.stamp)}};
-        PutText(json, "version", run.version);
-        PutText(json, "mode", run.mode);
-        PutText(json, "undoes", run.undoes);
-        return json;
-    }
-    Json operator()(const ModeChosen& chosen) const {
-        return {{"record", "mode"}, {"mode", TextJson(chosen.mode)}};
-    }
-    Json operator()(const PhaseStarted& phase) const {
-        return {{"record", "phase"}, {"name", TextJson(phase.name)}, {"at", phase.at.count()}};
-    }
-    Json operator()(const RowChange& row) const {
-        Json json{{"record", "row"},
-                  {"change", NameOf(row.kind, RowKinds)},
-                  {"table", TextJson(row.table)}};
-        Json& key = json["key"] = Json::object();
-        for (const auto& [field, value] : row.key)
-            key[field] = ToJson(value);
-        Json& fields = json["fields"] = Json::object();
-        for (const FieldChange& field : row.fields) {
-            Json& change = fields[field.field] = Json::object();
-            if (row.kind != RowChange::Kind::Added) change["before"] = ToJson(field.before);
-            if (row.kind != RowChange::Kind::Removed) change["after"] = ToJson(field.after);
-        }
-        return json;
-    }
-    Json operator()(RowsSaved) const { return {{"record", "saved"}}; }
-    Json operator()(const FileChange& file) const {
-        Json json{{"record", "file"},
-                  {"number", file.number},
-                  {"change", NameOf(file.kind, FileKinds)},
-                  {"path", TextJson(file.path)}};
-        PutText(json, "target", file.target);
-        if (file.position != 0) json["position"] = file.position;
-        if (file.before) json["before"] = ToJson(*file.before);
-        if (file.after) json["after"] = ToJson(*file.after);
-        PutText(json, "takesBack", file.takesBack);
-        return json;
-    }
-    Json operator()(const FileChangeFailed& failed) const {
-        return {
-            {"record", "failed"}, {"number", failed.number}, {"reason", TextJson(failed.reason)}};
-    }
-    Json operator()(const LogLine& line) const {
-        return {{"record", "log"}, {"error", line.isError}, {"text", TextJson(line.text)}};
-    }
-    Json operator()(const RunEnded& end) const {
-        return {{"record", "end"},
-                {"outcome", TextJson(end.outcome)},
-                {"status", end.status},
-                {"braked", end.braked},
-                {"milliseconds", end.duration.count()}};
-    }
-};
+const Json& ObjectAt(const Json& json, const char* name) {
+    const Json& object = json.at(name);
+    if (!object.is_object()) throw DamagedLine(std::string(name) + " is no object");
+    return object;
+}
 
 RowChange RowChangeOf(const Json& json) {
     RowChange row;
     row.kind = KindNamed<RowChange::Kind>(json.at("change"), RowKinds);
     row.table = TextAt(json, "table");
-    for (const auto& [field, value] : json.at("key").items())
+    for (const auto& [field, value] : ObjectAt(json, "key").items())
         row.key.emplace_back(field, ValueOf(value));
-    for (const auto& [field, change] : json.at("fields").items()) {
-        row.fields.push_back({.field = field,
-                              .before = ValueOf(change.value("before", Json())),
-                              .after = ValueOf(change.value("after", Json()))});
+    for (const auto& [field, value] : ObjectAt(json, "fields").items()) {
+        FieldChange change{.field = field, .before = Null(), .after = Null()};
+        if (row.kind == RowChange::Kind::Changed) {
+            change.before = ValueOf(value.at("before"));
+            change.after = ValueOf(value.at("after"));
+        } else {
+            (row.kind == RowChange::Kind::Added ? change.after : change.before) = ValueOf(value);
+        }
+        row.fields.push_back(std::move(change));
     }
     return row;
 }
@@ -277,8 +394,14 @@ ChangeRecord RecordOf(const Json& json) {
 
 }  // namespace
 
+void AppendLine(std::string& lines, const ChangeRecord& record) {
+    std::visit(LineWriter(lines), record);
+}
+
 std::string ToLine(const ChangeRecord& record) {
-    return std::visit(RecordJson(), record).dump();
+    std::string line;
+    AppendLine(line, record);
+    return line;
 }
 
 ChangeRecord FromLine(std::string_view line) {

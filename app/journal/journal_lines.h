@@ -19,6 +19,9 @@ class DamagedLine : public std::runtime_error {
 /// no text stand as {"bytes": hexadecimal digits}, dates as {"date": readable, "days": exact}.
 std::string ToLine(const ChangeRecord& record);
 
+/// The same behind what is there already.
+void AppendLine(std::string& lines, const ChangeRecord& record);
+
 /// The record of such a line; names that it does not know are passed over. Throws DamagedLine.
 ChangeRecord FromLine(std::string_view line);
 

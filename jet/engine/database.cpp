@@ -214,6 +214,10 @@ void Database::SetInterruption(std::function<bool()> wanted) {
     implementation_->session->SetInterruption(std::move(wanted));
 }
 
+void Database::SetObserver(RowObserver* observer) {
+    implementation_->session->SetObserver(observer);
+}
+
 void Database::Discard() {
     implementation_->session->Discard();
 }

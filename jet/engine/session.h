@@ -98,6 +98,9 @@ class Session {
         if (!inTransaction_) file_->CommitIfDue();
     }
     void Flush();
+    void SetObserver(RowObserver* observer) {
+        if (file_) file_->SetObserver(observer);
+    }
 
     /// A transaction: what happens until its end becomes durable as a whole, or is taken back as a
     /// whole. One at a time: Error(NotSupported).

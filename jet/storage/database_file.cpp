@@ -65,7 +65,7 @@ class DatabaseFile::Implementation {
         if (discarded_ || !pages_) return;
         try {
             pages_->Commit();
-        } catch (const Error&) {
+        } catch (const std::exception&) {
             // A destructor cannot report a failure; what the last commit left is whole.
             return;
         }
@@ -93,6 +93,11 @@ class DatabaseFile::Implementation {
         return found->second;
     }
 
+    void SetObserver(RowObserver* observer) {
+        observer_ = observer;
+        Pages().SetObserver(observer);
+    }
+
     void Commit() { Pages().Commit(); }
     void Discard() { discarded_ = true; }
 
@@ -103,6 +108,7 @@ class DatabaseFile::Implementation {
         pages_.reset();
         auto pages = openPages_();
         pages_ = std::move(pages);
+        pages_->SetObserver(observer_);
         NamingFile(pages_->Path().string(), [&] { LoadTables(); });
         pages_->Recover();
     }
@@ -245,6 +251,7 @@ class DatabaseFile::Implementation {
     std::function<std::unique_ptr<Pager>()> openPages_;
     std::function<bool(std::string_view)> needs_;
     std::unique_ptr<Pager> pages_;
+    RowObserver* observer_ = nullptr;
     std::unique_ptr<CatalogWriter> catalog_;
     bool discarded_ = false;
     struct ByName {
@@ -319,6 +326,10 @@ const std::vector<UnreadableTable>& DatabaseFile::Unreadable() const {
 
 Table& DatabaseFile::OpenTable(std::string_view name) {
     return implementation_->OpenTable(name);
+}
+
+void DatabaseFile::SetObserver(RowObserver* observer) {
+    implementation_->SetObserver(observer);
 }
 
 void DatabaseFile::Commit() {

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "jet/row_observer.h"
 #include "jet/schema.h"
 #include "jet/storage/table.h"
 
@@ -90,6 +91,10 @@ class DatabaseFile {
     /// Takes all back since the last commit, by opening the file anew under the same lock. The
     /// objects of all tables end their life. After an error all that follows fails.
     void Revert();
+
+    /// Has changes of rows and commits told from now on; null: no more. The observer must outlive
+    /// this object or be taken back.
+    void SetObserver(RowObserver* observer);
 
     /// Makes the changes so far durable. A change made by a Table call is never split.
     void Commit();

@@ -34,6 +34,7 @@ void Pager::Commit() {
         deferred->MakeNow();
     RequireSameFile();
     RequireSameContent();
+    if (observer_ != nullptr) observer_->BeforeCommit();
     const CommitCounters before = CountersOnDisk(*file_, path_);
     CountCommit();
     const std::vector<JournalPage> pages = ChangedInOrder();
@@ -45,6 +46,7 @@ void Pager::Commit() {
     WriteIntoPlace(pages);
     ForgetJournal(JournalPath());
     MarkUnchanged();
+    if (observer_ != nullptr) observer_->AfterCommit();
 }
 
 std::vector<JournalPage> Pager::ChangedInOrder() const {

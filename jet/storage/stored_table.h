@@ -110,6 +110,9 @@ class StoredTable final : public TableImplementation, private DeferredChanges {
     RowPages& LongPages(std::size_t column);
     void ChangeKey(const KeyChange& change, RowId row);
 
+    /// Who is to be told of this table's rows; null: nobody.
+    RowObserver* Observer() const;
+
     Pager& pages_;
     PageNumber page_;
     std::string file_;

@@ -26,6 +26,13 @@ Value Normalized(const Value& value, const ColumnDefinition& column) {
     return value;
 }
 
+/// A row with its new values.
+Row After(Row row, const std::vector<std::optional<Value>>& newValues) {
+    for (std::size_t i = 0; i < row.size(); ++i)
+        if (newValues[i]) row[i] = *newValues[i];
+    return row;
+}
+
 }  // namespace
 
 void StoredTable::RequireChangeable() const {
@@ -45,6 +52,11 @@ void StoredTable::Undoably(Action action) {
         parts_.reset();
         throw;
     }
+}
+
+/// The catalog's own rows belong to the file.
+RowObserver* StoredTable::Observer() const {
+    return definition_.name.starts_with("MSys") ? nullptr : pages_.Observer();
 }
 
 Table::Inserted StoredTable::Insert(std::span<const Value> given) {
@@ -89,6 +101,12 @@ Table::Inserted StoredTable::Insert(std::span<const Value> given) {
         for (std::size_t i = 0; i < newKeys_.size() && !wait; ++i)
             ChangeKey({i, std::nullopt, newKeys_[i]}, inserted.row);
         parts.counters.SetRows(parts.counters.Rows() + 1);
+        if (RowObserver* const observer = Observer()) {
+            Row values;
+            for (std::size_t i = 0; i < given.size(); ++i)
+                values.push_back(valueOf(i));
+            observer->RowAdded(definition_, values);
+        }
     });
     for (std::size_t i = 0; i < newKeys_.size() && wait; ++i)
         if (Current().indexes[i]->Lists(newKeys_[i]))
@@ -108,6 +126,8 @@ void StoredTable::Update(RowId row, std::span<const FieldChange> changes) {
         return;
     }
     const auto keyChanges = KeyChanges(reader, newValues);
+    RowObserver* const told = Observer();
+    const Row before = told != nullptr ? DecodeRow(old) : Row();
     for (const auto& change : keyChanges) {
         PutWaitingEntries(change.index);
         if (change.after) CheckKey(change.index, *change.after);
@@ -137,6 +157,7 @@ void StoredTable::Update(RowId row, std::span<const FieldChange> changes) {
         parts.rows.Replace(row, Assemble());
         for (const auto& change : keyChanges)
             ChangeKey(change, row);
+        if (told != nullptr) told->RowChanged(definition_, before, After(before, newValues));
     });
 }
 
@@ -144,6 +165,8 @@ void StoredTable::Delete(RowId row) {
     RequireChangeable();
     const auto stored = Current().rows.Read(row);
     const Bytes old(stored.bytes.begin(), stored.bytes.end());
+    RowObserver* const told = Observer();
+    const Row whole = told != nullptr ? DecodeRow(old) : Row();
     MakeNow();
     Undoably([&] {
         Parts& parts = Current();
@@ -165,6 +188,7 @@ void StoredTable::Delete(RowId row) {
         parts.rows.Remove(row);
         const auto rows = parts.counters.Rows();
         if (rows != 0) parts.counters.SetRows(rows - 1);
+        if (told != nullptr) told->RowRemoved(definition_, whole);
     });
 }
 
