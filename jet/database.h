@@ -22,6 +22,10 @@ namespace jet {
 enum class OpenMode {
     ReadOnly,   ///< statements that change rows are refused; the file is not touched
     ReadWrite,  ///< takes the database for this process alone
+    /// As ReadWrite, and refused where the file may not be written, but nothing ever reaches the
+    /// disk: changes, transactions and what Flush() makes durable are seen through this object
+    /// alone and go with it. Others are not kept off, nor does it matter whether they have it open.
+    InMemory,
 };
 
 /// A table that is not in good order.

@@ -16,7 +16,15 @@ namespace {
 constexpr std::size_t MostPlans = 1000;
 
 storage::OpenMode StorageMode(OpenMode mode) {
-    return mode == OpenMode::ReadOnly ? storage::OpenMode::ReadOnly : storage::OpenMode::ReadWrite;
+    switch (mode) {
+        case OpenMode::ReadWrite:
+            return storage::OpenMode::ReadWrite;
+        case OpenMode::InMemory:
+            return storage::OpenMode::InMemory;
+        case OpenMode::ReadOnly:
+            break;
+    }
+    return storage::OpenMode::ReadOnly;
 }
 
 void BindParameter(Statement& statement, int number, const dialect::Parameter& parameter,
@@ -55,7 +63,7 @@ Session::Session(const std::filesystem::path& path, OpenMode mode, const NeededT
           {.needs = [needed](std::string_view table) { return needed.Include(table); },
            .inspect =
                [&](storage::PageStore& pages) {
-                   if (mode == OpenMode::ReadWrite) Inspect(pages, path.string(), needed);
+                   if (mode != OpenMode::ReadOnly) Inspect(pages, path.string(), needed);
                }})) {
     for (const storage::UnreadableTable& table : file_->Unreadable())
         LeaveOut(table.name, table.reason);
@@ -217,7 +225,7 @@ void Session::Flush() {
         throw Error(ErrorKind::NotSupported,
                     "A transaction is open: its end makes the changes durable");
     }
-    if (mode_ == OpenMode::ReadWrite) file_->Commit();
+    if (mode_ != OpenMode::ReadOnly) file_->Commit();
 }
 
 void Session::Begin() {

@@ -24,6 +24,7 @@
 #include "jet/storage/new_table.h"
 #include "jet/storage/pager.h"
 #include "jet/storage/schema_changes.h"
+#include "jet/storage/scratch_files.h"
 #include "jet/storage/stored_table.h"
 
 namespace jet::storage {
@@ -42,14 +43,15 @@ constexpr std::size_t MostChangedPages = 4096;
 
 class DatabaseFile::Implementation {
   public:
-    Implementation(const std::shared_ptr<FileSystem>& files, const std::filesystem::path& path,
+    Implementation(const std::shared_ptr<FileSystem>& given, const std::filesystem::path& path,
                    OpenMode mode, const OpenConditions& conditions) {
+        const auto files = mode == OpenMode::InMemory ? ScratchFiles(given) : given;
         const auto real = files->Resolve(path);
         CheckHeaderOf(*files, real);
         if (mode == OpenMode::ReadWrite) lock_.emplace(real);
         files_ = files;
         openPages_ = [=] {
-            auto pages = std::make_unique<Pager>(files, path, mode == OpenMode::ReadWrite);
+            auto pages = std::make_unique<Pager>(files, path, mode != OpenMode::ReadOnly);
             if (pages->Path() == real) return pages;
             throw Error(ErrorKind::Changed,
                         path.string() + " leads to another file than a moment ago.");

@@ -20,6 +20,7 @@ class PageStore;
 enum class OpenMode {
     ReadOnly,  ///< nothing is written, not even a lock file; a pending journal is applied in memory
     ReadWrite,  ///< takes the database for this process: fails with Error(InUse) if another has it
+    InMemory,   ///< as if for writing, but all changes stay in memory; no lock is asked for
 };
 
 /// What opening asks of a database beyond its being one.

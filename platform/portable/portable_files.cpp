@@ -10,6 +10,7 @@
 #include <unistd.h>
 #include <utility>
 
+#include "platform/ansi_text_reader.h"
 #include "platform/failure.h"
 #include "platform/portable/file_end.h"
 #include "platform/portable/file_handle.h"
@@ -355,7 +356,7 @@ void PortableFiles::MoveFolder(std::string_view from, std::string_view to) {
 }
 
 std::unique_ptr<TextReader> PortableFiles::OpenText(std::string_view path) {
-    return std::make_unique<AnsiTextReader>(OpenFile(resolver_, ParseWindowsPath(path)));
+    return std::make_unique<AnsiTextReader>(OpenBinary(path), ParseWindowsPath(path).Text());
 }
 
 std::string PortableFiles::LocalToWrite(const WindowsPath& path) {
