@@ -168,11 +168,10 @@ FileChange JournalledFiles::Written(std::string_view path, FileContent content) 
 std::unique_ptr<TextWriter> JournalledFiles::Journalled(std::unique_ptr<TextWriter> writer,
                                                         std::string_view path) {
     if (IsScratch(path)) return writer;
-    return std::make_unique<JournalledText>(
-        std::move(writer), records_,
-        [this, name = std::string(path)](FileContent content) {
-            return Written(name, std::move(content));
-        });
+    return std::make_unique<JournalledText>(std::move(writer), records_,
+                                            [this, name = std::string(path)](FileContent content) {
+                                                return Written(name, std::move(content));
+                                            });
 }
 
 std::unique_ptr<TextWriter> JournalledFiles::CreateText(std::string_view path) {

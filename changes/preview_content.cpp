@@ -25,9 +25,8 @@ class PreviewReader : public BinaryReader {
         // Nothing of what is behind where the file that is there has become shorter.
         if (position_ >= kept_ && bytes.size() < count) {
             const auto from = std::min<std::uint64_t>(position_ - kept_, added_->size());
-            const std::string_view rest =
-                std::string_view(*added_).substr(static_cast<std::size_t>(from),
-                                                 count - bytes.size());
+            const std::string_view rest = std::string_view(*added_).substr(
+                static_cast<std::size_t>(from), count - bytes.size());
             bytes.insert(bytes.end(), rest.begin(), rest.end());
             position_ += rest.size();
         }

@@ -116,8 +116,8 @@ void PreviewFiles::CopyFolder(std::string_view from, std::string_view to) {
     RequireFolderAround(target);
     RequireWritableAround(target);
     const Place place = tree_.Find(source);
-    std::unique_ptr<Node> copy = place.node != nullptr ? place.node->Copy()
-                                                       : std::make_unique<Node>();
+    std::unique_ptr<Node> copy =
+        place.node != nullptr ? place.node->Copy() : std::make_unique<Node>();
     copy->kind = Node::Kind::Folder;
     copy->ground = place.ground;
     copy->name = NameIn(target);
@@ -149,8 +149,7 @@ void PreviewFiles::Discard(std::string_view path) {
     if (HasFolder(parsed)) {
         const Listing<FileEntry> files = FilesIn(path);
         if (!files.empty() || !files.others.empty() || !files.unseen.empty()) {
-            throw Failure(FailureNumber::PathFileAccess,
-                          parsed.Text() + " (Directory not empty)");
+            throw Failure(FailureNumber::PathFileAccess, parsed.Text() + " (Directory not empty)");
         }
     }
     RequireWritableAround(parsed);

@@ -47,9 +47,8 @@ void ForEachNew(const PreviewNode& folder, Kind kind, Visit visit) {
 template <typename Entry>
 void ApplyChanges(const PreviewNode& folder, const WindowsPath& shown, Listing<Entry>& listing) {
     constexpr bool IsOfFiles = std::is_same_v<Entry, FileEntry>;
-    std::erase_if(listing.entries, [&](const Entry& entry) {
-        return ChangedChild(folder, entry.name) != nullptr;
-    });
+    std::erase_if(listing.entries,
+                  [&](const Entry& entry) { return ChangedChild(folder, entry.name) != nullptr; });
     std::erase_if(listing.unseen, [&](const std::string& path) {
         return ChangedChild(folder, LastNameOf(path)) != nullptr;
     });

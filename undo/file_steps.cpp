@@ -41,8 +41,7 @@ void CarryOut(std::span<FileStep> steps, FileUndo& undo, const Attempt& attempt,
               const std::function<void(const FileStep& step)>& beginning) {
     for (FileStep& step : steps) {
         beginning(step);
-        const std::string failure =
-            attempt([&] { step.outcome = undo.TakeBack(step.change); });
+        const std::string failure = attempt([&] { step.outcome = undo.TakeBack(step.change); });
         if (!failure.empty()) step.outcome = Outcome::Refusal(failure);
     }
 }

@@ -1,6 +1,9 @@
 #include "undo/history.h"
 
 #include <algorithm>
+#include <charconv>
+#include <unordered_map>
+#include <utility>
 
 namespace quillon {
 namespace {
@@ -15,6 +18,41 @@ std::unordered_set<std::uint64_t> FailedChanges(const std::vector<ChangeRecord>&
             failed.insert(one->number);
     return failed;
 }
+
+/// What the last change of an undo takes back: where the undo was cut off, that may be half done.
+std::string LastTaken(const std::vector<ChangeRecord>& records) {
+    for (std::size_t i = records.size(); i-- > 0;)
+        if (const auto* const change = std::get_if<FileChange>(&records[i]))
+            return change->takesBack;
+    return "";
+}
+
+/// How far undos have come with the changes of each run, which are taken back from the last to the
+/// first.
+class Reached {
+  public:
+    void Note(const std::string& name) {
+        const auto [run, number] = PartsOf(name);
+        const auto [known, isNew] = furthest_.try_emplace(run, number);
+        if (!isNew) known->second = std::min(known->second, number);
+    }
+    /// Whether one of them has gone on behind this change, and so has settled it.
+    bool IsBeyond(const std::string& name) const {
+        const auto [run, number] = PartsOf(name);
+        const auto known = furthest_.find(run);
+        return known != furthest_.end() && known->second < number;
+    }
+
+  private:
+    static std::pair<std::string, std::uint64_t> PartsOf(const std::string& name) {
+        const std::size_t mark = std::min(name.rfind('#'), name.size() - 1);
+        std::uint64_t number = 0;
+        std::from_chars(name.data() + mark + 1, name.data() + name.size(), number);
+        return {name.substr(0, mark), number};
+    }
+
+    std::unordered_map<std::string, std::uint64_t> furthest_;
+};
 
 }  // namespace
 
@@ -87,23 +125,26 @@ std::string ChangeName(std::string_view stamp, std::uint64_t number) {
 }
 
 ChangeNames TakenBack(std::span<const RecordedRun> undos) {
-    ChangeNames taken;
+    ChangeNames taken, unsure;
+    Reached reached;
     for (const RecordedRun& undo : undos) {
         const auto failed = FailedChanges(undo.records);
-        bool isLast = true;
-        std::string cutOff;  // what takes two changes may be half done
+        const std::string cutOff = undo.isWhole ? "" : LastTaken(undo.records);
+        const bool isOpen = !cutOff.empty() && !reached.IsBeyond(cutOff);
         for (std::size_t i = undo.records.size(); i-- > 0;) {
             const auto* const change = std::get_if<FileChange>(&undo.records[i]);
-            if (change == nullptr) continue;
-            if (isLast && !undo.isWhole) cutOff = change->takesBack;
-            isLast = false;
-            if (change->takesBack.empty() || change->takesBack == cutOff) continue;
-            if (failed.contains(change->number)) continue;
+            if (change == nullptr || change->takesBack.empty()) continue;
+            const std::string name = ChangeName(undo.stamp, change->number);
+            const std::string& back = change->takesBack;
+            if (isOpen && back == cutOff) unsure.insert(back);
+            if (unsure.contains(name)) unsure.insert(back);
+            reached.Note(back);
             // What a later undo has taken back is not taken back any more.
-            if (!taken.contains(ChangeName(undo.stamp, change->number)))
-                taken.insert(change->takesBack);
+            if (!failed.contains(change->number) && !taken.contains(name)) taken.insert(back);
         }
     }
+    for (const std::string& name : unsure)
+        taken.erase(name);
     return taken;
 }
 

@@ -83,10 +83,8 @@ NetRows::Entry& NetRows::EntryFor(const RowChange& change) {
 
     const RowState state{.exists = !isAdded, .key = change.key, .fields = {}};
     known.push_back(entries_.size());
-    entries_.push_back({.row = {.table = change.table,
-                                .before = state,
-                                .now = state,
-                                .saved = state}});
+    entries_.push_back(
+        {.row = {.table = change.table, .before = state, .now = state, .saved = state}});
     return entries_.back();
 }
 

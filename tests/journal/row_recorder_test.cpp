@@ -1,13 +1,14 @@
+#include "app/journal/row_recorder.h"
+
 #include <gtest/gtest.h>
 #include <stdexcept>
 
-#include "app/journal/row_recorder.h"
 #include "jet/database.h"
 #include "platform/failure.h"
 #include "platform/portable/jet_database.h"
 #include "platform/portable/path_resolver.h"
-#include "tests/support/record_list.h"
 #include "tests/outside/temporary_folder.h"
+#include "tests/support/record_list.h"
 
 namespace quillon {
 namespace {
@@ -17,8 +18,9 @@ class RowRecorderTest : public testing::Test {
     RowRecorderTest() : resolver_(Drives(folder_)), provider_(resolver_) {
         jet::Database::Create(folder_.Path() / "x.mdb", {});
         connection_ = Open();
-        connection_->Execute("CREATE TABLE Shelf (ID COUNTER PRIMARY KEY, Name TEXT(20), "
-                             "Picture OLEOBJECT)");
+        connection_->Execute(
+            "CREATE TABLE Shelf (ID COUNTER PRIMARY KEY, Name TEXT(20), "
+            "Picture OLEOBJECT)");
         connection_->Execute("CREATE TABLE Loose (Name TEXT(20), Number LONG)");
         connection_.reset();
         provider_.SetObserver(&recorder_);
@@ -49,8 +51,7 @@ TEST_F(RowRecorderTest, TellsOfAnAddedRowWhatItHoldsAndItsKey) {
               (RowChange{RowChange::Kind::Added,
                          "Shelf",
                          {{"ID", std::int64_t{1}}},
-                         {{"ID", Null{}, std::int64_t{1}},
-                          {"Name", Null{}, std::string("a")}}}));
+                         {{"ID", Null{}, std::int64_t{1}}, {"Name", Null{}, std::string("a")}}}));
 }
 
 TEST_F(RowRecorderTest, NamesAChangedRowByItsKeyBeforeTheChange) {
@@ -70,12 +71,12 @@ TEST_F(RowRecorderTest, NamesARowWithoutAPrimaryKeyByAllFields) {
     list_.records.clear();
     connection_->Execute("DELETE * FROM Loose");
     ASSERT_EQ(list_.records.size(), 1U);
-    EXPECT_EQ(std::get<RowChange>(list_.records[0]),
-              (RowChange{RowChange::Kind::Removed,
-                         "Loose",
-                         {{"Name", std::string("a")}, {"Number", std::int64_t{1}}},
-                         {{"Name", std::string("a"), Null{}},
-                          {"Number", std::int64_t{1}, Null{}}}}));
+    EXPECT_EQ(
+        std::get<RowChange>(list_.records[0]),
+        (RowChange{RowChange::Kind::Removed,
+                   "Loose",
+                   {{"Name", std::string("a")}, {"Number", std::int64_t{1}}},
+                   {{"Name", std::string("a"), Null{}}, {"Number", std::int64_t{1}, Null{}}}}));
 }
 
 TEST_F(RowRecorderTest, HasRecordsMadeDurableBeforeTheyAreSaved) {

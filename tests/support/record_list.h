@@ -23,8 +23,8 @@ class RecordList : public ChangeSink {
     }
 
     std::vector<ChangeRecord> records;
-    std::size_t durable = 0;  ///< how many of them are
-    bool full = false;        ///< nothing can be recorded
+    std::size_t durable = 0;                          ///< how many of them are
+    bool full = false;                                ///< nothing can be recorded
     std::function<void(const ChangeRecord&)> before;  ///< called before a record is taken
 };
 

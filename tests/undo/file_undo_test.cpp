@@ -1,5 +1,6 @@
 #include "undo/file_undo.h"
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <string>
@@ -280,14 +281,11 @@ TEST_F(FileUndoTest, BringsThePreviousSetOfPagesBack) {
     kept.keptAs = "Changes/now/1/Picker.old";
     const std::string picker = R"(D:\host\HTML\Picker)";
     const FileChange made{.kind = Kind::FolderMade, .path = picker + ".new"};
-    const FileChange page{.kind = Kind::Written,
-                          .path = picker + R"(.new\index.asp)",
-                          .after = Content("new")};
-    const FileChange away{
-        .kind = Kind::FolderMoved, .path = picker, .target = picker + ".old"};
+    const FileChange page{
+        .kind = Kind::Written, .path = picker + R"(.new\index.asp)", .after = Content("new")};
+    const FileChange away{.kind = Kind::FolderMoved, .path = picker, .target = picker + ".old"};
     const FileChange in{.kind = Kind::FolderMoved, .path = picker + ".new", .target = picker};
-    const FileChange gone{
-        .kind = Kind::FolderDeleted, .path = picker + ".old", .before = kept};
+    const FileChange gone{.kind = Kind::FolderDeleted, .path = picker + ".old", .before = kept};
     for (const FileChange* const change : {&gone, &in, &away, &page, &made})
         EXPECT_EQ(TakeBack(*change), Outcome{}) << change->path;
     EXPECT_EQ(folder_.Content("host/HTML/Picker/index.asp"), "old");
@@ -306,9 +304,8 @@ TEST_F(FileUndoTest, LeavesAFolderThatSomethingIsIn) {
 
 TEST_F(FileUndoTest, HasNothingToDoWhereTheRunItselfTookBack) {
     const FileChange discarded{.kind = Kind::Discarded, .path = R"(D:\a.mp3)"};
-    const FileChange made{.kind = Kind::FolderDeleted,
-                          .path = R"(D:\Picker.new)",
-                          .before = FileContent{}};
+    const FileChange made{
+        .kind = Kind::FolderDeleted, .path = R"(D:\Picker.new)", .before = FileContent{}};
     EXPECT_EQ(TakeBack(discarded).state, State::WasSo);
     EXPECT_EQ(TakeBack(made).state, State::WasSo);
     EXPECT_EQ(folder_.Count(), 0U);

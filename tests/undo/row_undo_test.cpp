@@ -17,8 +17,8 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-using Kind = RowChange::Kind;
-using State = Outcome::State;
+using RowKind = RowChange::Kind;
+
 using Records = std::vector<ChangeRecord>;
 
 std::string Tried(const std::function<void()>& work) {
@@ -48,13 +48,13 @@ std::vector<FieldChange> Whole(std::int64_t id, const std::string& title, bool i
     return fields;
 }
 RowChange Added(std::int64_t id, const std::string& title) {
-    return {.kind = Kind::Added,
+    return {.kind = RowKind::Added,
             .table = "Tracks",
             .key = {{"ID", id}},
             .fields = Whole(id, title, true)};
 }
 RowChange Removed(std::int64_t id, const std::string& title) {
-    return {.kind = Kind::Removed,
+    return {.kind = RowKind::Removed,
             .table = "Tracks",
             .key = {{"ID", id}},
             .fields = Whole(id, title, false)};
@@ -68,10 +68,10 @@ class RowUndoTest : public testing::Test {
     }
 
     void AddTrack(std::int64_t id, const std::string& title) {
-        connection_->Execute("INSERT INTO Tracks (ID, CDJID, Title, SoundFile, TimesPlayed) "
-                             "VALUES (" +
-                             std::to_string(id) + ", \"C1\", \"" + title + "\", \"D:\\" + title +
-                             "\", 7)");
+        connection_->Execute(
+            "INSERT INTO Tracks (ID, CDJID, Title, SoundFile, TimesPlayed) "
+            "VALUES (" +
+            std::to_string(id) + ", \"C1\", \"" + title + "\", \"D:\\" + title + "\", 7)");
     }
     std::vector<std::string> Tracks() {
         return support::Rows(*connection_,
@@ -79,10 +79,9 @@ class RowUndoTest : public testing::Test {
     }
 
     /// Takes runs back; the steps' outcomes.
-    std::vector<Outcome> Undo(const std::vector<Records>& runs,
-                              const RowUndo::StaysAt& stays = [](std::string_view) {
-                                  return false;
-                              }) {
+    std::vector<Outcome> Undo(
+        const std::vector<Records>& runs,
+        const RowUndo::StaysAt& stays = [](std::string_view) { return false; }) {
         NetRows net;
         for (const Records& run : runs)
             net.Add(run);
@@ -106,7 +105,7 @@ TEST_F(RowUndoTest, PutsChangedFieldsBackAndLeavesTheOthers) {
     const Records run{Changed(5, {{"Title", "dawn", "Dawn"}}), RowsSaved()};
     EXPECT_THAT(Undo({run}), ElementsAre(Outcome{}));
     EXPECT_THAT(Tracks(), ElementsAre("5|dawn|D:\\Dawn|9"));
-    EXPECT_THAT(Undo({run}), ElementsAre(Outcome{.state = State::WasSo}));
+    EXPECT_THAT(Undo({run}), ElementsAre(Outcome{.state = Outcome::State::WasSo}));
 }
 
 TEST_F(RowUndoTest, BringsRemovedRowsBackUnderTheirNumbers) {
@@ -115,7 +114,7 @@ TEST_F(RowUndoTest, BringsRemovedRowsBackUnderTheirNumbers) {
     EXPECT_THAT(Undo({run}), ElementsAre(Outcome{}));
     EXPECT_THAT(Tracks(), ElementsAre("5|Dawn|D:\\Dawn|7", "9|Later|D:\\Later|7"));
     EXPECT_EQ(connection_->NextNumber("Tracks"), 10);
-    EXPECT_THAT(Undo({run}), ElementsAre(Outcome{.state = State::WasSo}));
+    EXPECT_THAT(Undo({run}), ElementsAre(Outcome{.state = Outcome::State::WasSo}));
     connection_.reset();
     EXPECT_EQ(support::StructuralFaults(file_), "");
 }
@@ -125,7 +124,7 @@ TEST_F(RowUndoTest, RemovesAddedRows) {
     const Records run{Added(5, "Dawn"), RowsSaved()};
     EXPECT_THAT(Undo({run}), ElementsAre(Outcome{}));
     EXPECT_THAT(Tracks(), IsEmpty());
-    EXPECT_THAT(Undo({run}), ElementsAre(Outcome{.state = State::WasSo}));
+    EXPECT_THAT(Undo({run}), ElementsAre(Outcome{.state = Outcome::State::WasSo}));
 }
 
 TEST_F(RowUndoTest, RefusesWhatAnotherProgramHasChanged) {
@@ -136,13 +135,12 @@ TEST_F(RowUndoTest, RefusesWhatAnotherProgramHasChanged) {
     const Records run{Changed(5, {{"Title", "dawn", "Dawn"}}), Added(6, "Noon"),
                       Removed(7, "Morning"), Changed(8, {{"Title", "a", "b"}}), RowsSaved()};
     const std::vector<Outcome> outcomes = Undo({run});
-    EXPECT_THAT(outcomes,
-                ElementsAre(Outcome::Refusal("Title has been changed since, to \"Dusk\""),
-                            Outcome::Refusal("TimesPlayed has been changed since, to 8"),
-                            Outcome::Refusal("there is a row with its key again"),
-                            Outcome::Refusal("it has been removed since")));
-    EXPECT_THAT(Tracks(), ElementsAre("5|Dusk|D:\\Dusk|7", "6|Noon|D:\\Noon|8",
-                                      "7|Night|D:\\Night|7"));
+    EXPECT_THAT(outcomes, ElementsAre(Outcome::Refusal("Title has been changed since, to \"Dusk\""),
+                                      Outcome::Refusal("TimesPlayed has been changed since, to 8"),
+                                      Outcome::Refusal("there is a row with its key again"),
+                                      Outcome::Refusal("it has been removed since")));
+    EXPECT_THAT(Tracks(),
+                ElementsAre("5|Dusk|D:\\Dusk|7", "6|Noon|D:\\Noon|8", "7|Night|D:\\Night|7"));
 }
 
 TEST_F(RowUndoTest, TakesSeveralRunsTogether) {
@@ -156,8 +154,8 @@ TEST_F(RowUndoTest, TakesSeveralRunsTogether) {
                          RowsSaved()};
     connection_->Execute("UPDATE Tracks SET TimesPlayed=6 WHERE ID=6");
     EXPECT_THAT(Undo({first, second}), ElementsAre(Outcome{}, Outcome{}));
-    EXPECT_THAT(Tracks(), ElementsAre("4|gone|D:\\gone|7", "5|first|D:\\third|7",
-                                      "6|stays|D:\\stays|6"));
+    EXPECT_THAT(Tracks(),
+                ElementsAre("4|gone|D:\\gone|7", "5|first|D:\\third|7", "6|stays|D:\\stays|6"));
 }
 
 TEST_F(RowUndoTest, FollowsARowWhoseKeyChanges) {
@@ -166,15 +164,16 @@ TEST_F(RowUndoTest, FollowsARowWhoseKeyChanges) {
                       Changed(8, {{"Title", "dawn", "Dawn"}}), RowsSaved()};
     EXPECT_THAT(Undo({run}), ElementsAre(Outcome{}));
     EXPECT_THAT(Tracks(), ElementsAre("5|dawn|D:\\Dawn|7"));
-    EXPECT_THAT(Undo({run}), ElementsAre(Outcome{.state = State::WasSo}));
+    EXPECT_THAT(Undo({run}), ElementsAre(Outcome{.state = Outcome::State::WasSo}));
 }
 
 TEST_F(RowUndoTest, WaitsForAKeyThatBecomesFree) {
     AddTrack(6, "first");
     AddTrack(7, "second");
-    const Records run{Changed(6, {{"ID", std::int64_t{6}, std::int64_t{7}}, {"Title", "b", "second"}}),
-                      Changed(5, {{"ID", std::int64_t{5}, std::int64_t{6}}, {"Title", "a", "first"}}),
-                      RowsSaved()};
+    const Records run{
+        Changed(6, {{"ID", std::int64_t{6}, std::int64_t{7}}, {"Title", "b", "second"}}),
+        Changed(5, {{"ID", std::int64_t{5}, std::int64_t{6}}, {"Title", "a", "first"}}),
+        RowsSaved()};
     EXPECT_THAT(Undo({run}), ElementsAre(Outcome{}, Outcome{}));
     EXPECT_THAT(Tracks(), ElementsAre("5|a|D:\\first|7", "6|b|D:\\second|7"));
 }
@@ -210,17 +209,17 @@ TEST_F(RowUndoTest, LeavesRowsOfFilesThatStay) {
 }
 
 TEST_F(RowUndoTest, CountsEqualRowsOfATableWithoutAKey) {
-    const auto change = [](Kind kind, const char* text) {
+    const auto change = [](RowKind kind, const char* text) {
         RowChange row{.kind = kind, .table = "NoKey", .key = {{"Name", text}}, .fields = {}};
-        row.fields.push_back(kind == Kind::Added ? FieldChange{"Name", Null(), text}
-                                                 : FieldChange{"Name", text, Null()});
+        row.fields.push_back(kind == RowKind::Added ? FieldChange{"Name", Null(), text}
+                                                    : FieldChange{"Name", text, Null()});
         return row;
     };
     connection_->Execute("CREATE TABLE NoKey (Name TEXT(20))");
     for (int i = 0; i < 3; ++i)
         connection_->Execute("INSERT INTO NoKey (Name) VALUES (\"same\")");
-    const Records run{change(Kind::Added, "same"), change(Kind::Added, "same"),
-                      change(Kind::Removed, "gone"), RowsSaved()};
+    const Records run{change(RowKind::Added, "same"), change(RowKind::Added, "same"),
+                      change(RowKind::Removed, "gone"), RowsSaved()};
     EXPECT_THAT(Undo({run}), testing::Each(Outcome{}));
     EXPECT_THAT(support::Rows(*connection_, "SELECT Name FROM NoKey ORDER BY Name"),
                 ElementsAre("gone", "same"));
