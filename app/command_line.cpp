@@ -81,6 +81,25 @@ Examples:
   quillon serve --host ~/shelf
   quillon serve --host ~/shelf --port 0    any port that is free)";
 
+constexpr const char* BackupsFooter =
+    R"(A backup is what a run has copied before it changed anything: the database, the playlist folders or
+both. Its name is the time in the names of its copies. Keep in section [Backups] of host.ini says how
+many stay; without it all do.
+
+Examples:
+  quillon backups --host ~/shelf
+  quillon backups --host ~/shelf --json    a JSON object a line)";
+
+constexpr const char* RestoreFooter =
+    R"(Puts the database and the playlists of one backup back in their places, as they were before the run
+that made it. What is there now becomes a backup first, so a restore can be taken back in the same
+way. No other program may have the database open. Music files and tags are not part of a backup.
+
+Examples:
+  quillon backups --host ~/shelf                      the names of all backups
+  quillon restore 11212026_43001_AM --host ~/shelf    shows what it would do, and asks
+  quillon restore 11212026_43001_AM --host ~/shelf --yes)";
+
 /// The grammar and the places its values go to.
 class Grammar {
   public:
@@ -96,6 +115,7 @@ class Grammar {
         check_->footer(CheckFooter);
         AddHostOption(*check_);
         DefineServe();
+        DefineBackups();
         help_->footer(HelpFooter);
         help_->add_option("COMMAND", helpWords_, "The command, such as run or db query");
     }
@@ -222,6 +242,18 @@ class Grammar {
             ->type_name("N");
     }
 
+    void DefineBackups() {
+        backups_->footer(BackupsFooter);
+        AddHostOption(*backups_);
+        backups_->add_flag("--json", backupsRequest_.json, "Print a JSON object for each backup");
+        restore_->footer(RestoreFooter);
+        restore_->add_option("STAMP", restoreRequest_.backup, "The name of the backup")
+            ->required()
+            ->type_name("");
+        AddHostOption(*restore_);
+        restore_->add_flag("--yes", restoreRequest_.yes, "Do not ask; for scripts");
+    }
+
     void RefuseRunOptionsOfOtherCommands() const {
         const auto chosen = app_.get_subcommands();
         if (chosen.empty() || chosen.front() == run_) return;
@@ -248,6 +280,9 @@ class Grammar {
         if (init_->parsed()) return initRequest_;
         if (check_->parsed()) return CheckRequest{HostFolder()};
         if (serve_->parsed()) return ServeRequest{HostFolder(), serveRequest_.port};
+        if (backups_->parsed()) return BackupsRequest{HostFolder(), backupsRequest_.json};
+        if (restore_->parsed())
+            return RestoreRequest{HostFolder(), restoreRequest_.backup, restoreRequest_.yes};
         if (const auto chosen = db_.Chosen()) return *chosen;
         return RunRequest{HostFolder(), quiet_ ? ViewKind::Plain : view_, quiet_, allowRemovals_};
     }
@@ -259,6 +294,8 @@ class Grammar {
     CLI::App* init_ = app_.add_subcommand("init", "Make a host folder");
     CLI::App* check_ = app_.add_subcommand("check", "Show what a run would do; change nothing");
     CLI::App* serve_ = app_.add_subcommand("serve", "Show the album picker in a browser");
+    CLI::App* backups_ = app_.add_subcommand("backups", "List what runs have backed up");
+    CLI::App* restore_ = app_.add_subcommand("restore", "Put a backup back in its place");
     DbGrammar db_{*app_.add_subcommand("db", "Work on a database file from the shell")};
     CLI::App* help_ = app_.add_subcommand("help", "Show the help of a command");
 
@@ -268,6 +305,8 @@ class Grammar {
     bool quiet_ = false, allowRemovals_ = false;
     InitRequest initRequest_;
     ServeRequest serveRequest_;
+    BackupsRequest backupsRequest_;
+    RestoreRequest restoreRequest_;
 };
 
 }  // namespace

@@ -41,6 +41,19 @@ struct ServeRequest {
     int port = 8777;  ///< 0: any that is free
 };
 
+/// `quillon backups`
+struct BackupsRequest {
+    std::filesystem::path host;
+    bool json = false;  ///< a JSON object a line
+};
+
+/// `quillon restore`
+struct RestoreRequest {
+    std::filesystem::path host;
+    std::string backup;  ///< its name
+    bool yes = false;    ///< without asking
+};
+
 /// How rows are shown: a table, CSV with a line of names, or a JSON object a line.
 enum class RowFormat { Table, Csv, Json };
 
@@ -117,7 +130,7 @@ struct TextAnswer {
 
 /// Everything that a command line can ask for.
 using Request =
-    std::variant<TextAnswer, RunRequest, InitRequest, CheckRequest, ServeRequest, DbCreateRequest,
+    std::variant<TextAnswer, RunRequest, InitRequest, CheckRequest, ServeRequest, BackupsRequest, RestoreRequest, DbCreateRequest,
                  DbTablesRequest, DbSchemaRequest, DbQueryRequest, DbExecRequest, DbImportRequest,
                  DbExportRequest, DbCompactRequest, DbCheckRequest, DbRecoverRequest>;
 

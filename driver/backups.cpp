@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "driver/backup_names.h"
 #include "platform/basic_text.h"
 #include "platform/failure.h"
 #include "run/paths.h"
@@ -22,12 +23,15 @@ constexpr const char* NameAFolder =
 
 /// Copies of one second differ in a number behind the stamp.
 std::string FreeCopyName(Run& run, std::string_view original) {
-    const std::string stamped =
-        std::string(original) + "_Copy Dated_" + BackupStamp(run.clock.Now()) + "_";
-    std::string name = stamped;
+    const std::string stamp = BackupStamp(run.clock.Now());
+    std::string name = CopyName(original, stamp);
     for (int number = 2; run.files.FileExists(name) || run.files.FolderExists(name); ++number)
-        name = stamped + std::to_string(number) + "_";
+        name = CopyName(original, stamp + "_" + std::to_string(number));
     return name;
+}
+
+std::string CopyNameFor(Run& run, std::string_view original, std::string_view mark) {
+    return mark.empty() ? FreeCopyName(run, original) : CopyName(original, mark);
 }
 
 /// What is missing by itself and listed in its folder may be there again a moment later.
@@ -52,7 +56,7 @@ std::string BackupStamp(DateTime time) {
     return Replace(stamp, ",", "");
 }
 
-Backup TimeStampBackup(Run& run, std::string_view file) {
+Backup TimeStampBackup(Run& run, std::string_view file, std::string_view mark) {
     run.ShowItem("Making Backup for file " + std::string(file));
     Steps steps(run, "TimeStampBackup");
     steps.Concerning(std::string(file));
@@ -60,14 +64,14 @@ Backup TimeStampBackup(Run& run, std::string_view file) {
     Backup backup;
     backup.succeeded = steps.Try(BackupStep::CopyFile, [&] {
         if (!run.files.FileExists(file)) return;
-        const std::string copy = FreeCopyName(run, file);
+        const std::string copy = CopyNameFor(run, file, mark);
         run.files.CopyFile(file, copy, false);
         backup.copy = copy;
     });
     return backup;
 }
 
-Backup TimeStampFolderBackup(Run& run, std::string_view folder) {
+Backup TimeStampFolderBackup(Run& run, std::string_view folder, std::string_view mark) {
     run.ShowItem("Making Backup for Folder " + std::string(folder));
     if (folder.empty()) return {.succeeded = true, .copy = ""};
     const std::string source(folder.substr(0, folder.size() - 1));
@@ -83,7 +87,7 @@ Backup TimeStampFolderBackup(Run& run, std::string_view folder) {
                                          " is a whole drive, and the copy that a run makes first "
                                          "cannot lie beside it");
         }
-        const std::string copy = FreeCopyName(run, source);
+        const std::string copy = CopyNameFor(run, source, mark);
         run.files.CopyFolder(source, copy);
         backup.copy = copy;
     });

@@ -8,6 +8,7 @@
 #include "driver/library_folders.h"
 #include "driver/misspelt_setting.h"
 #include "driver/phase_captions.h"
+#include "driver/restore_backup.h"
 #include "driver/settings_reader.h"
 #include "platform/basic_text.h"
 #include "platform/failure.h"
@@ -56,10 +57,13 @@ RunOutcome LibraryForm::Form_Load() {
             return;
         }
         RefuseMisspeltSettings();
+        RefuseHalfRestored();
+        keeping_ = ReadBackupKeeping(run_.host);
         HideIndicators();
         ReadExcludeList(run_);
         run_.window.Show(run_.form);
         outcome = main();
+        RemoveOldCopies(outcome);
     });
     Release();
     return outcome;
@@ -100,6 +104,23 @@ void LibraryForm::RefuseMisspeltSettings() {
     const std::string objection = ObjectionToMisspeltSetting(run_.host, run_.settings);
     if (!objection.empty())
         throw Failure::Described(FailureNumber::InvalidProcedureCall, objection);
+}
+
+/// The playlists may be those of another database by now, and would be repaired after it.
+void LibraryForm::RefuseHalfRestored() {
+    const std::string backup = UnfinishedRestore(run_.files, run_.settings.Nirvis_CDJ_DB);
+    if (backup.empty()) return;
+    throw Failure::Described(FailureNumber::InvalidProcedureCall,
+                             "the backup " + backup +
+                                 " has been put back by half. Nothing was changed: complete that "
+                                 "with 'quillon restore " +
+                                 backup + "', and run again");
+}
+
+/// After a run that went well alone: after any other, old backups may be what somebody needs.
+void LibraryForm::RemoveOldCopies(RunOutcome outcome) {
+    if (keeping_.newest && outcome == RunOutcome::Completed && run_.counts.errors == 0)
+        RemoveOldBackups(run_, *keeping_.newest);
 }
 
 void LibraryForm::HideIndicators() {

@@ -3,6 +3,7 @@
 #include <string>
 #include <string_view>
 
+#include "driver/kept_backups.h"
 #include "driver/modes.h"
 #include "driver/procedures.h"
 #include "driver/reconcile_phases.h"
@@ -41,11 +42,13 @@ class LibraryForm {
 
   private:
     RunOutcome main();
+    void RemoveOldCopies(RunOutcome outcome);
     RunOutcome UpdateDatabase(const Mode& mode);
 
     // Start-up.
     bool PluginIsEnabled();
     void RefuseMisspeltSettings();
+    void RefuseHalfRestored();
     void HideIndicators();
     void ReadGenreNames();
     void Release();
@@ -68,6 +71,7 @@ class LibraryForm {
     DatabaseProvider& databases_;
     std::string version_;
     Procedures procedures_;
+    BackupKeeping keeping_;
     Steps updateSteps_;  ///< of `UpdateDatabase` and what it is made of
 };
 

@@ -113,6 +113,7 @@ bool LibraryForm::RequireOwnPlaces(const Mode& mode) {
 /// The dated copies; false when one failed. They are made before anything writes to the database,
 /// so that the file holds all there is.
 bool LibraryForm::MakeBackups(const BackupPlan& plan) {
+    if (keeping_.newest) return BackUpWhatChanged(run_, plan);
     const Settings& settings = run_.settings;
     std::vector<std::string> copies;
     const auto isMade = [&copies](const Backup& backup) {
