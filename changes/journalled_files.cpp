@@ -160,7 +160,8 @@ void JournalledFiles::MoveFolder(std::string_view from, std::string_view to) {
 FileChange JournalledFiles::Written(std::string_view path, FileContent content) {
     FileChange change = ChangeOf(Kind::Written, path);
     change.before = ContentOf(path);
-    if (!change.before) content.bytes.reset();
+    // Of what there was before it is enough to know that it is still the same.
+    if (!change.before || change.before->hash == content.hash) content.bytes.reset();
     change.after = std::move(content);
     return change;
 }

@@ -144,7 +144,8 @@ std::string Outcome(const RunSummary& summary) {
         case RunOutcome::NothingRan:
             return "Nothing ran; " + errors;
         case RunOutcome::Aborted:
-            return fmt::format("Aborted after {}; {}", elapsed, errors);
+            return fmt::format("{} after {}; {}", summary.stopped ? "Stopped" : "Aborted", elapsed,
+                               errors);
         case RunOutcome::Completed:
             break;
     }
@@ -153,7 +154,9 @@ std::string Outcome(const RunSummary& summary) {
 
 /// The same for a narrow place: where to find the errors matters more than the duration.
 std::string ShortOutcome(const RunSummary& summary) {
-    const char* const word = summary.outcome == RunOutcome::Aborted ? "Aborted" : "Done";
+    const char* const word = summary.outcome != RunOutcome::Aborted ? "Done"
+                             : summary.stopped                      ? "Stopped"
+                                                                    : "Aborted";
     return fmt::format("{}; {}", word, Errors(summary));
 }
 
@@ -255,11 +258,11 @@ int ExitStatus(const RunSummary& summary) {
         case RunOutcome::NothingRan:
             return 2;
         case RunOutcome::Aborted:
-            return 3;
+            return summary.stopped ? 1 : 3;
         case RunOutcome::Completed:
             break;
     }
-    return summary.counts.errors + summary.counts.recordsLost == 0 ? 0 : 1;
+    return summary.counts.errors + summary.counts.recordsLost == 0 && !summary.stopped ? 0 : 1;
 }
 
 }  // namespace quillon

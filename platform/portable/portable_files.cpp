@@ -209,6 +209,11 @@ FileEntry PortableFiles::GetFile(std::string_view path) {
     return lister_.MakeFileEntry(FolderAndName(parsed).first.Child(name), name, *facts);
 }
 
+WindowsPath PortableFiles::AsOnDisk(std::string_view path) {
+    const WindowsPath parsed = ParseWindowsPath(path);
+    return AsItIs(parsed, resolver_.Local(parsed));
+}
+
 void PortableFiles::CreateFolder(std::string_view path) {
     const WindowsPath parsed = ParseWindowsPath(path);
     const std::string local = resolver_.Local(parsed);

@@ -1,10 +1,11 @@
+#include "changes/journalled_files.h"
+
 #include <functional>
 #include <gtest/gtest.h>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "changes/journalled_files.h"
 #include "tests/support/fake_files.h"
 #include "tests/support/record_list.h"
 
@@ -40,10 +41,7 @@ class JournalledFilesTest : public testing::Test {
         return change;
     }
     static FileContent Content(const std::string& bytes, std::optional<DateTime> time = {}) {
-        return {.size = bytes.size(),
-                .hash = ContentHash(bytes),
-                .bytes = bytes,
-                .modified = time};
+        return {.size = bytes.size(), .hash = ContentHash(bytes), .bytes = bytes, .modified = time};
     }
 
     static constexpr DateTime Then{45000.25};
@@ -73,8 +71,7 @@ TEST_F(JournalledFilesTest, RecordsOfANewTextNoMoreThanWhatRecognisesIt) {
     EXPECT_TRUE(writer->CloseIf([] { return true; }));
     FileContent after = Content("new");
     after.bytes.reset();
-    EXPECT_EQ(Only(),
-              Numbered({.kind = Kind::Written, .path = R"(D:\b.txt)", .after = after}));
+    EXPECT_EQ(Only(), Numbered({.kind = Kind::Written, .path = R"(D:\b.txt)", .after = after}));
 }
 
 TEST_F(JournalledFilesTest, RecordsNothingOfATextThatIsNotWanted) {
@@ -92,9 +89,9 @@ TEST_F(JournalledFilesTest, KeepsALargeFileThatIsReplacedBesideTheJournal) {
     writer->WriteBytes(large + "y");
     writer->Close();
     const FileChange change = Only();
-    EXPECT_EQ(change.before, (FileContent{.size = large.size(),
-                                          .keptAs = "Changes/now/1/a.txt",
-                                          .modified = Then}));
+    EXPECT_EQ(
+        change.before,
+        (FileContent{.size = large.size(), .keptAs = "Changes/now/1/a.txt", .modified = Then}));
     EXPECT_EQ(change.after,
               (FileContent{.size = large.size() + 1, .hash = ContentHash(large + "y")}));
     EXPECT_EQ(fake_.Content(R"(H:\host\Changes\now\1\a.txt)"), large);
@@ -103,9 +100,8 @@ TEST_F(JournalledFilesTest, KeepsALargeFileThatIsReplacedBesideTheJournal) {
 
 TEST_F(JournalledFilesTest, RecordsEachTextOfABatch) {
     std::vector<bool> done;
-    const auto batch = files_.CreateTexts([&](const Failure* failure) {
-        done.push_back(failure == nullptr);
-    });
+    const auto batch =
+        files_.CreateTexts([&](const Failure* failure) { done.push_back(failure == nullptr); });
     batch->Write(R"(D:\a.txt)", "1");
     batch->Write(R"(D:\b.txt)", "2");
     calls_.Refuse(R"(Name D:\b.txt)", FailureNumber::PermissionDenied, "x");
@@ -179,9 +175,9 @@ TEST_F(JournalledFilesTest, RecordsARename) {
 
 TEST_F(JournalledFilesTest, RecordsTheContentOfADeletedFile) {
     files_.DeleteFile(R"(D:\a.txt)");
-    EXPECT_EQ(Only(), Numbered({.kind = Kind::Deleted,
-                                .path = R"(D:\a.txt)",
-                                .before = Content("old", Then)}));
+    EXPECT_EQ(
+        Only(),
+        Numbered({.kind = Kind::Deleted, .path = R"(D:\a.txt)", .before = Content("old", Then)}));
     EXPECT_FALSE(fake_.FileExists(R"(D:\a.txt)"));
 }
 
@@ -197,17 +193,14 @@ TEST_F(JournalledFilesTest, RecordsFoldersThatAreMadeCopiedAndMoved) {
     files_.CreateFolder(R"(D:\f)");
     files_.CopyFolder(R"(D:\f)", R"(D:\g)");
     files_.MoveFolder(R"(D:\g)", R"(D:\h)");
-    EXPECT_EQ(list_.records,
-              (std::vector<ChangeRecord>{
-                  FileChange{.number = 1, .kind = Kind::FolderMade, .path = R"(D:\f)"},
-                  FileChange{.number = 2,
-                             .kind = Kind::FolderCopied,
-                             .path = R"(D:\f)",
-                             .target = R"(D:\g)"},
-                  FileChange{.number = 3,
-                             .kind = Kind::FolderMoved,
-                             .path = R"(D:\g)",
-                             .target = R"(D:\h)"}}));
+    EXPECT_EQ(
+        list_.records,
+        (std::vector<ChangeRecord>{
+            FileChange{.number = 1, .kind = Kind::FolderMade, .path = R"(D:\f)"},
+            FileChange{
+                .number = 2, .kind = Kind::FolderCopied, .path = R"(D:\f)", .target = R"(D:\g)"},
+            FileChange{
+                .number = 3, .kind = Kind::FolderMoved, .path = R"(D:\g)", .target = R"(D:\h)"}}));
 }
 
 TEST_F(JournalledFilesTest, MovesADeletedFolderBesideTheJournal) {
@@ -222,7 +215,8 @@ TEST_F(JournalledFilesTest, MovesADeletedFolderBesideTheJournal) {
 
 TEST_F(JournalledFilesTest, CopiesADeletedFolderWhereItCannotBeMoved) {
     fake_.AddFile(R"(D:\pages\1.htm)", "page");
-    calls_.Refuse(R"(MoveFolder D:\pages -> H:\host\Changes\now\1\pages)", FailureNumber::PermissionDenied, "x");
+    calls_.Refuse(R"(MoveFolder D:\pages -> H:\host\Changes\now\1\pages)",
+                  FailureNumber::PermissionDenied, "x");
     files_.DeleteFolder(R"(D:\pages)");
     EXPECT_EQ(list_.records.size(), 1U);
     EXPECT_FALSE(fake_.FolderExists(R"(D:\pages)"));

@@ -52,8 +52,9 @@ class Listener : public RowObserver {
 class RowObserverTest : public ::testing::Test {
   protected:
     RowObserverTest() {
-        database_.Execute("CREATE TABLE Shelf (ID COUNTER PRIMARY KEY, Name TEXT(20) NOT NULL, "
-                          "Books LONG, Full YESNO)");
+        database_.Execute(
+            "CREATE TABLE Shelf (ID COUNTER PRIMARY KEY, Name TEXT(20) NOT NULL, "
+            "Books LONG, Full YESNO)");
         database_.Execute("INSERT INTO Shelf (Name, Books) VALUES ('a', 1)");
         database_.Execute("INSERT INTO Shelf (Name, Books) VALUES ('b', 2)");
         database_->Flush();
@@ -118,8 +119,8 @@ TEST_F(RowObserverTest, IsToldBeforeAndAfterChangesReachTheFile) {
     database_.Execute("DELETE * FROM Shelf WHERE ID=1");
     database_->Flush();
     database_->Flush();
-    EXPECT_EQ(listener_.told, (Told{"- Shelf ID=1 Name=a Books=1 Full=False", "before commit",
-                                    "after commit"}));
+    EXPECT_EQ(listener_.told,
+              (Told{"- Shelf ID=1 Name=a Books=1 Full=False", "before commit", "after commit"}));
 }
 
 TEST_F(RowObserverTest, IsNotToldOfACommitForATransactionThatIsTakenBack) {
@@ -167,8 +168,8 @@ TEST_F(RowObserverTest, KeepsChangesFromReachingTheFileTheEndOfTheDatabaseInclud
 TEST_F(RowObserverTest, IsNotToldOfTheCatalogsOwnRows) {
     database_.Execute("CREATE TABLE Other (ID LONG)");
     database_.Execute("DROP TABLE Other");
-    EXPECT_EQ(listener_.told, (Told{"before commit", "after commit", "before commit",
-                                    "after commit"}));
+    EXPECT_EQ(listener_.told,
+              (Told{"before commit", "after commit", "before commit", "after commit"}));
 }
 
 }  // namespace

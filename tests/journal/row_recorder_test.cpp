@@ -21,6 +21,7 @@ class RowRecorderTest : public testing::Test {
         connection_->Execute(
             "CREATE TABLE Shelf (ID COUNTER PRIMARY KEY, Name TEXT(20), "
             "Picture OLEOBJECT)");
+        connection_->Execute("CREATE TABLE Named (Code TEXT(9) PRIMARY KEY, Number LONG)");
         connection_->Execute("CREATE TABLE Loose (Name TEXT(20), Number LONG)");
         connection_.reset();
         provider_.SetObserver(&recorder_);
@@ -55,15 +56,15 @@ TEST_F(RowRecorderTest, TellsOfAnAddedRowWhatItHoldsAndItsKey) {
 }
 
 TEST_F(RowRecorderTest, NamesAChangedRowByItsKeyBeforeTheChange) {
-    connection_->Execute("INSERT INTO Shelf (Name) VALUES ('a')");
+    connection_->Execute("INSERT INTO Named (Code, Number) VALUES ('a', 1)");
     list_.records.clear();
-    connection_->Execute("UPDATE Shelf SET ID=9");
+    connection_->Execute("UPDATE Named SET Code='b'");
     ASSERT_EQ(list_.records.size(), 1U);
     EXPECT_EQ(std::get<RowChange>(list_.records[0]),
               (RowChange{RowChange::Kind::Changed,
-                         "Shelf",
-                         {{"ID", std::int64_t{1}}},
-                         {{"ID", std::int64_t{1}, std::int64_t{9}}}}));
+                         "Named",
+                         {{"Code", std::string("a")}},
+                         {{"Code", std::string("a"), std::string("b")}}}));
 }
 
 TEST_F(RowRecorderTest, NamesARowWithoutAPrimaryKeyByAllFields) {
