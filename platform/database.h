@@ -112,13 +112,6 @@ class Connection {
     virtual void Update(std::string_view table, RowKey row, std::span<const FieldValue> fields) = 0;
     virtual void Delete(std::string_view table, RowKey row) = 0;
 
-    /// Does something whose changes become durable together, when it returns, or not at all. Where
-    /// it throws they are taken back, and record sets must be opened again.
-    virtual void Together(const std::function<void()>& work) {
-        work();
-        Flush();
-    }
-
     /// The number that the next row gets in the auto-number field.
     virtual std::int64_t NextNumber(std::string_view table) const = 0;
 

@@ -60,9 +60,6 @@ struct FolderNames {
 struct FileEnd {
     std::uint64_t size = 0;           ///< of the whole file, in bytes
     std::vector<std::uint8_t> bytes;  ///< the last ones of it
-
-    /// The writer knows whose bytes these are: what is not written over may be cut off.
-    bool mayBeCut = false;
 };
 
 /// Lines of an ANSI text file. Lines may end in CR LF or LF; the last one may lack its end.
@@ -189,13 +186,13 @@ class Files {
     /// that is not there or cannot be read has nothing to remove.
     virtual void RemoveUnfinished(std::string_view folder) = 0;
 
-    /// Writes bytes at a position so near to the end that they reach it or go beyond: a file gets
-    /// shorter only where what was `seen` may be cut. In place, so links to it stay; all that lies
-    /// before the position and the modification time stay as they are. When a write fails, what it
-    /// has changed is put back. Failure, with nothing written: FileNotFound; PermissionDenied when
-    /// the file is write-protected or its times could not be kept; PathFileAccess when it no longer
-    /// has the size and the bytes that were `seen`; DiskFull; InvalidProcedureCall for a position
-    /// that would leave a gap or cut the file.
+    /// Writes bytes at a position so near to the end that they reach it or go beyond: a file never
+    /// gets shorter. In place, so links to it stay; all that lies before the position and the
+    /// modification time stay as they are. When a write fails, what it has changed is put back.
+    /// Failure, with nothing written: FileNotFound; PermissionDenied when the file is
+    /// write-protected or its times could not be kept; PathFileAccess when it no longer has the
+    /// size and the bytes that were `seen`; DiskFull; InvalidProcedureCall for a position that
+    /// would leave a gap or cut the file.
     virtual void WriteEnd(std::string_view path, const FileEnd& seen, std::uint64_t position,
                           std::span<const std::uint8_t> bytes) = 0;
 };

@@ -129,9 +129,19 @@ Outcome FileUndo::PutEndBack(const FileChange& change) {
     const std::vector<std::uint8_t> end = reader->Read(most);
     const std::string present(end.begin(), end.end());
     if (present == before) return WasSo;
-    if (present != after) return ChangedSince(change.path);
-    files_.WriteEnd(change.path, {.size = size, .bytes = end, .mayBeCut = true}, change.position,
-                    AsBytes(before));
+    const bool getsShorter = before.size() < after.size();
+    const bool isCut = getsShorter && present.empty();
+    if (present != after && !isCut) return ChangedSince(change.path);
+    // Bytes are only written up to the end or beyond, so the end goes first.
+    if (getsShorter && !isCut)
+        files_.WriteEnd(change.path, {.size = size, .bytes = end}, change.position, {});
+    if (getsShorter && !before.empty()) {
+        files_.WriteEnd(change.path, {.size = change.position, .bytes = {}}, change.position,
+                        AsBytes(before));
+    } else if (!getsShorter) {
+        files_.WriteEnd(change.path, {.size = size, .bytes = end}, change.position,
+                        AsBytes(before));
+    }
     return {};
 }
 

@@ -16,7 +16,7 @@ namespace quillon {
 struct PastRun {
     RunStarted started;
     std::optional<RunEnded> ended;  ///< nothing where it was killed, or is still going on
-    std::size_t changes = 0;        ///< of rows and files
+    std::size_t changes = 0;        ///< of rows and files of the library
 
     bool IsUndo() const { return !started.undoes.empty(); }
 };

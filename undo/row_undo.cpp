@@ -194,19 +194,17 @@ void RowUndo::LookAtTable(std::string_view table, const StaysAt& stays) {
 }
 
 void RowUndo::CarryOut(const Attempt& attempt) {
-    connection_.Together([&] {
-        // Keys that come back may be those of rows that go. A change that waits for another one's
-        // old key is tried again.
-        for (const Work work : {Work::Delete, Work::Update, Work::Insert}) {
-            std::vector<Step*> left;
-            for (Step& step : steps_)
-                if (step.work == work) left.push_back(&step);
-            for (std::size_t before = left.size() + 1; !left.empty() && left.size() < before;) {
-                before = left.size();
-                std::erase_if(left, [&](Step* step) { return Do(*step, attempt); });
-            }
+    // Keys that come back may be those of rows that go. A change that waits for another one's old
+    // key is tried again.
+    for (const Work work : {Work::Delete, Work::Update, Work::Insert}) {
+        std::vector<Step*> left;
+        for (Step& step : steps_)
+            if (step.work == work) left.push_back(&step);
+        for (std::size_t before = left.size() + 1; !left.empty() && left.size() < before;) {
+            before = left.size();
+            std::erase_if(left, [&](Step* step) { return Do(*step, attempt); });
         }
-    });
+    }
 }
 
 bool RowUndo::Do(Step& step, const Attempt& attempt) {

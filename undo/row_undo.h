@@ -36,7 +36,8 @@ class RowUndo {
 
     const std::vector<Step>& Steps() const { return steps_; }
 
-    /// Changes the rows, all that can be at once. The steps' outcomes tell of each.
+    /// Changes the rows, as many as can be. The steps' outcomes tell of each. Meant to be one group
+    /// of changes, which all become durable or none.
     void CarryOut(const Attempt& attempt);
 
   private:

@@ -36,7 +36,7 @@ JournalContent ReadJournal(const std::filesystem::path& file);
 /// The journals in a folder, the oldest first; none where there is no such folder.
 std::vector<std::filesystem::path> JournalsIn(const std::filesystem::path& folder);
 
-/// The run that a journal tells of, without a look at each of its changes. Failure: as above.
+/// The run that a journal tells of; of its changes those of the library count. Failure: as above.
 PastRun LookAtJournal(const std::filesystem::path& file);
 
 }  // namespace quillon

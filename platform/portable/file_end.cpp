@@ -70,7 +70,7 @@ void WriteFileEnd(const FileHandle& file, const FileEnd& seen, std::uint64_t pos
     const std::uint64_t size = position + bytes.size();
     const std::uint64_t unseen = seen.size - seen.bytes.size();
     const bool isCut = size < seen.size;
-    if (position > seen.size || (isCut && !(seen.mayBeCut && position >= unseen))) {
+    if (position > seen.size || (isCut && !(bytes.empty() && position >= unseen))) {
         throw Failure(FailureNumber::InvalidProcedureCall, path);
     }
     const Bytes old = LastBytes(file, seen.size, seen.size - position);

@@ -58,9 +58,9 @@ TEST_F(WriteEndTest, MayReachBeyondTheOldEnd) {
     EXPECT_EQ(Content(), "audio and END and more");
 }
 
-TEST_F(WriteEndTest, CutsOffWhatMayBeCutAndKeepsTheTime) {
+TEST_F(WriteEndTest, CutsOffWhatWasSeenAndKeepsTheTime) {
     SetModified(1700000000, 123456789);
-    files_.WriteEnd(Path, {.size = 13, .bytes = Bytes(" end"), .mayBeCut = true}, 9, {});
+    files_.WriteEnd(Path, {.size = 13, .bytes = Bytes(" end")}, 9, {});
     EXPECT_EQ(Content(), "audio and");
     EXPECT_EQ(Facts().st_mtim.tv_sec, 1700000000);
     EXPECT_EQ(Facts().st_mtim.tv_nsec, 123456789);
@@ -68,7 +68,7 @@ TEST_F(WriteEndTest, CutsOffWhatMayBeCutAndKeepsTheTime) {
 
 TEST_F(WriteEndTest, CutsNothingThatWasNotSeen) {
     const std::string refusal = FailureOf([&] {
-        files_.WriteEnd(Path, {.size = 13, .bytes = Bytes("end"), .mayBeCut = true}, 9, {});
+        files_.WriteEnd(Path, {.size = 13, .bytes = Bytes("end")}, 9, {});
     });
     EXPECT_THAT(refusal, testing::HasSubstr("Invalid procedure call"));
     EXPECT_EQ(Content(), "audio and end");
@@ -76,7 +76,7 @@ TEST_F(WriteEndTest, CutsNothingThatWasNotSeen) {
 
 TEST_F(WriteEndTest, CutsNothingOfAFileThatHasChanged) {
     const std::string refusal = FailureOf([&] {
-        files_.WriteEnd(Path, {.size = 13, .bytes = Bytes("END"), .mayBeCut = true}, 10, {});
+        files_.WriteEnd(Path, {.size = 13, .bytes = Bytes("END")}, 10, {});
     });
     EXPECT_THAT(refusal, testing::HasSubstr("it has changed meanwhile"));
     EXPECT_EQ(Content(), "audio and end");

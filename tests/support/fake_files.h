@@ -218,7 +218,7 @@ class FakeFiles : public Files {
             throw Failure(FailureNumber::PathFileAccess, std::string(path));
         }
         if (position > content.size() ||
-            (position + bytes.size() < content.size() && !seen.mayBeCut)) {
+            (position + bytes.size() < content.size() && !bytes.empty())) {
             throw Failure(FailureNumber::InvalidProcedureCall, std::string(path));
         }
         content.replace(position, std::string::npos, std::string(bytes.begin(), bytes.end()));

@@ -7,6 +7,7 @@
 
 #include "jukebox/jukebox_database.h"
 #include "platform/failure.h"
+#include "platform/portable/jet_database.h"
 #include "tests/outside/temporary_folder.h"
 #include "tests/support/database_rows.h"
 #include "tests/support/open_database.h"
@@ -87,7 +88,7 @@ class RowUndoTest : public testing::Test {
             net.Add(run);
         const std::vector<NetRow> rows = net.Take();
         RowUndo undo(*connection_, rows, stays);
-        undo.CarryOut(Tried);
+        JetDatabaseProvider::Together(*connection_, [&] { undo.CarryOut(Tried); });
         std::vector<Outcome> outcomes;
         for (const RowUndo::Step& step : undo.Steps())
             outcomes.push_back(step.outcome);
@@ -238,7 +239,8 @@ TEST_F(RowUndoTest, ChangesNothingWhenTheWholeIsCutOff) {
         if (++calls == 2) throw std::runtime_error("the disk is full");
         return std::string();
     };
-    EXPECT_THROW(undo.CarryOut(stopping), std::runtime_error);
+    const auto carryOut = [&] { undo.CarryOut(stopping); };
+    EXPECT_THROW(JetDatabaseProvider::Together(*connection_, carryOut), std::runtime_error);
     EXPECT_THAT(Tracks(), ElementsAre("5|Dawn|D:\\Dawn|7", "6|Noon|D:\\Noon|7"));
 }
 
