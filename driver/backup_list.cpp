@@ -41,6 +41,12 @@ std::string FolderOf(std::string_view path) {
     return std::string(path.substr(0, path.rfind('\\')));
 }
 
+BackupPart PartIn(const BackedUp& one) {
+    if (one.path == &Settings::Nirvis_CDJ_DB) return BackupPart::Database;
+    return one.path == &Settings::PlayListPath ? BackupPart::PlayListPath
+                                               : BackupPart::PlayListPath2;
+}
+
 DateTime LatestChangeIn(Files& files, const BackupCopy& copy) {
     if (!copy.original.isFolder) return files.GetFile(copy.path).modified;
     DateTime latest;
@@ -160,24 +166,22 @@ std::uint64_t SizeIn(Files& files, const std::string& folder) {
 
 }  // namespace
 
-std::vector<BackupOriginal> BackupOriginals(const Settings& settings, const BackupPlan& plan) {
+std::vector<BackupOriginal> BackupOriginals(const Settings& settings,
+                                            std::span<const BackedUp> backedUp) {
     std::vector<BackupOriginal> originals;
-    const auto add = [&originals](bool isWanted, BackupPart part, std::string path, bool isFolder) {
-        if (isFolder && !path.empty()) path.pop_back();
-        if (isWanted && !path.empty()) originals.push_back({part, std::move(path), isFolder});
-    };
-    const std::string& database = settings.Nirvis_CDJ_DB;
-    add(plan.database, BackupPart::Database, database, false);
-    add(plan.database && !database.empty(), BackupPart::Snapshot, PlaylistSnapshotPath(database),
-        false);
-    add(plan.playListPath, BackupPart::PlayListPath, settings.PlayListPath, true);
-    add(plan.playListPath2, BackupPart::PlayListPath2, settings.PlayListPath2, true);
+    for (const BackedUp& one : backedUp) {
+        std::string path = settings.*one.path;
+        if (path.empty()) continue;
+        if (one.isFolder) path.pop_back();
+        originals.push_back({PartIn(one), path, one.isFolder});
+        if (!one.isFolder)
+            originals.push_back({BackupPart::Snapshot, PlaylistSnapshotPath(path), false});
+    }
     return originals;
 }
 
 std::vector<BackupOriginal> BackupOriginals(const Settings& settings) {
-    return BackupOriginals(settings,
-                           {.database = true, .playListPath = true, .playListPath2 = true});
+    return BackupOriginals(settings, EverythingBackedUp);
 }
 
 const BackupCopy* BackupMoment::CopyOf(BackupPart part) const {
@@ -197,8 +201,8 @@ std::vector<BackupCopy> NewestCopies(Files& files, std::span<const BackupOrigina
             return left.original.part < right.original.part;
         return IsOlder(right, left);
     });
-    const auto others = std::ranges::unique(
-        copies, {}, [](const BackupCopy& copy) { return copy.original.part; });
+    const auto others =
+        std::ranges::unique(copies, {}, [](const BackupCopy& copy) { return copy.original.part; });
     copies.erase(others.begin(), others.end());
     return copies;
 }

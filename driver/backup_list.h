@@ -28,8 +28,9 @@ struct BackupOriginal {
     bool isFolder = false;
 };
 
-/// Those that the settings name and the plan has, in the order in which they are copied.
-std::vector<BackupOriginal> BackupOriginals(const Settings& settings, const BackupPlan& plan);
+/// Those of what a mode backs up that the settings name, in the order in which they are copied.
+std::vector<BackupOriginal> BackupOriginals(const Settings& settings,
+                                            std::span<const BackedUp> backedUp);
 /// All that the settings name.
 std::vector<BackupOriginal> BackupOriginals(const Settings& settings);
 
@@ -52,8 +53,8 @@ struct BackupMoment {
     std::vector<BackupCopy> copies;
     /// Copies of earlier moments that had the content of this one, so that none was made.
     std::vector<BackupCopy> shared;
-    std::string note;    ///< the file that names them; "" where all were copied
-    bool isWhole = true; ///< false: that file cannot be read, or names a copy that is gone
+    std::string note;     ///< the file that names them; "" where all were copied
+    bool isWhole = true;  ///< false: that file cannot be read, or names a copy that is gone
 
     /// The copy that has the content of a part; null where this backup has none.
     const BackupCopy* CopyOf(BackupPart part) const;

@@ -58,9 +58,9 @@ std::vector<BackupCopy> UnchangedSince(Run& run, std::span<const BackupOriginal>
         steps.Try(2, [&] {
             const bool isThere = original.isFolder ? run.files.FolderExists(original.path)
                                                    : run.files.FileExists(original.path);
-            isSame = isThere && (original.isFolder
-                                     ? HoldTheSame(run.files, original.path, copy.path)
-                                     : HaveSameBytes(run.files, original.path, copy.path));
+            isSame =
+                isThere && (original.isFolder ? HoldTheSame(run.files, original.path, copy.path)
+                                              : HaveSameBytes(run.files, original.path, copy.path));
         });
         return !isSame;
     });
@@ -168,19 +168,18 @@ std::vector<bool> BackupsThatStay(std::span<const DateTime> made, std::size_t ne
     return stays;
 }
 
-bool BackUpWhatChanged(Run& run, const BackupPlan& plan) {
-    std::vector<BackupOriginal> originals = BackupOriginals(run.settings, plan);
+bool BackUpWhatChanged(Run& run, std::span<const BackedUp> backedUp) {
+    std::vector<BackupOriginal> originals = BackupOriginals(run.settings, backedUp);
     const std::vector<BackupCopy> unchanged = UnchangedSince(run, originals);
     std::erase_if(originals, [&](const BackupOriginal& one) { return Has(unchanged, one); });
     Steps steps(run, "TimeStampBackup");
     std::string mark;
     std::vector<std::string> made;
-    bool succeeded = steps.Try(3, [&] { mark = FreeMark(run); }) &&
-                     CopyOriginals(run, originals, mark, made);
+    bool succeeded =
+        steps.Try(3, [&] { mark = FreeMark(run); }) && CopyOriginals(run, originals, mark, made);
     if (succeeded && !made.empty() && !unchanged.empty()) {
-        succeeded = steps.Try(3, [&] {
-            made.push_back(WriteBackupNote(run.files, run.settings, mark, unchanged));
-        });
+        succeeded = steps.Try(
+            3, [&] { made.push_back(WriteBackupNote(run.files, run.settings, mark, unchanged)); });
     }
     if (!succeeded) TakeBackupsBack(run, made);
     return succeeded;

@@ -13,7 +13,7 @@ namespace quillon {
 
 class Host;
 class Run;
-struct BackupPlan;
+struct BackedUp;
 
 /// Where [Backups] stands in the host's settings file, and its key.
 constexpr std::string_view BackupsSection = "Backups";
@@ -35,9 +35,10 @@ BackupKeeping ReadBackupKeeping(Host& host);
 /// last one of the others that is not older than a year.
 std::vector<bool> BackupsThatStay(std::span<const DateTime> made, std::size_t newest, DateTime now);
 
-/// Copies what the plan names, except what has the same content as its last copy; a note says which
-/// copies those are. False when something could not be copied: that is logged, and none is left.
-bool BackUpWhatChanged(Run& run, const BackupPlan& plan);
+/// Copies what a mode backs up, except what has the same content as its last copy; a note says
+/// which copies those are. False when something could not be copied: that is logged, and none is
+/// left.
+bool BackUpWhatChanged(Run& run, std::span<const BackedUp> backedUp);
 
 /// Copies all that there is of what backups are made of; the mark of the copies, "" when something
 /// could not be copied: that is logged, and none is left. Throws Failure.

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "driver/kept_backups.h"
 #include "driver/modes.h"
@@ -63,7 +65,8 @@ class LibraryForm {
     // What both kinds of modes need.
     bool StartIndicator(std::size_t index);
     bool RequireOwnPlaces(const Mode& mode);
-    bool MakeBackups(const BackupPlan& plan);
+    bool MakeBackups(std::span<const BackedUp> originals);
+    bool MakeBackup(const BackedUp& original, std::vector<std::string>& copies);
     void Perform(const Procedures::Work& work);
     RunOutcome Outcome() const;
 

@@ -10,6 +10,7 @@
 #include "driver/same_content.h"
 #include "platform/basic_text.h"
 #include "platform/failure.h"
+#include "playlists/playlist_snapshot.h"
 #include "run/log.h"
 #include "run/run.h"
 #include "run/steps.h"
@@ -89,7 +90,7 @@ void RestoreDatabase(Run& run, const BackupMoment& backup, const BackupCopy& cop
     PutJournalAside(run.files, copy.original.path, mark);
     run.files.CopyFile(copy.path, copy.original.path, true);
     const BackupCopy* const snapshot = backup.CopyOf(BackupPart::Snapshot);
-    const std::string own = BackupOriginals(run.settings, {.database = true}).back().path;
+    const std::string own = PlaylistSnapshotPath(copy.original.path);
     if (snapshot != nullptr) {
         run.files.CopyFile(snapshot->path, own, true);
     } else if (run.files.FileExists(own)) {

@@ -7,13 +7,9 @@
 namespace quillon {
 namespace {
 
-enum class GenreStep { Find = 1, StoreDerived = 2 };
+enum class GenreStep { StoreDerived = 2 };
 
 constexpr std::string_view UnknownGenre = "other";
-
-std::string PathOf(std::string_view artist, std::string_view album, std::string_view song) {
-    return std::string(artist).append("\\").append(album).append("\\").append(song);
-}
 
 /// A song's names with nothing between, as the dictionary knows it.
 std::string JoinedNames(const SongRow& row) {
@@ -54,18 +50,6 @@ void PopulateGenre(Run& run) {
             if (isAskedFor) run.GenreDictionary.Add(row, isDerived ? derived : row.genre.Text());
         }
     });
-}
-
-std::string GetID3Genre(Run& run, std::string_view artist, std::string_view album,
-                        std::string_view song) {
-    std::string genre;
-    Steps steps(run, "Get ID3 Genre Error:");
-    steps.Concerning(PathOf(artist, album, song));
-    steps.Try(GenreStep::Find, [&] {
-        if (const SongRow* const row = run.TheDownloadTable().Find(artist, album, song))
-            genre = row->genre;
-    });
-    return genre;
 }
 
 }  // namespace quillon

@@ -17,6 +17,7 @@
 #include "platform/failure.h"
 #include "platform/files.h"
 #include "run/counted.h"
+#include "run/paths.h"
 #include "run/run.h"
 #include "run/steps.h"
 
@@ -61,7 +62,7 @@ class CoverCopier {
     /// Pages are made without it, too, but covers that are out of sight are reported.
     void RequireCoverFolder() const {
         const std::string& folder = run_.settings.AlbumCoverFolder;
-        if (folder.empty() || folder == "\\" || run_.files.FolderExists(folder)) return;
+        if (!NamesFolder(folder) || run_.files.FolderExists(folder)) return;
         throw Failure(FailureNumber::PathNotFound, folder);
     }
 

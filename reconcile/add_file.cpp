@@ -4,6 +4,8 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "database/move_to_id.h"
 #include "database/spinner_rows.h"
@@ -14,7 +16,6 @@
 #include "reconcile/added_file.h"
 #include "reconcile/adding.h"
 #include "reconcile/new_rows.h"
-#include "reconcile/take_back.h"
 #include "run/host_settings.h"
 #include "run/paths.h"
 #include "run/run.h"
@@ -23,9 +24,6 @@
 
 namespace quillon {
 namespace {
-
-/// The folder setting's value when nothing was set: it gets its backslash all the same.
-constexpr std::string_view NoFolder = "\\";
 
 std::string GenreOfNumber(Connection& connection, std::string_view number) {
     // The number stands bare in the statement: a text (of a tag with a "|" in its title) would be
@@ -54,6 +52,30 @@ std::string FindAlbum(Connection& connection, const std::string& artist, const s
     const std::unique_ptr<RecordSet> owned = connection.Query(statement + " AND Player=1001");
     return owned->IsEmpty() ? first : owned->Text("CDJID");
 }
+
+/// How to undo what has been done for something that turns out not to be possible as a whole.
+class TakeBack {
+  public:
+    /// Notes how to undo what was done just now.
+    void Add(std::function<void()> work) { works_.push_back(std::move(work)); }
+
+    /// Takes over what another one has noted, as done after all of this.
+    void Append(TakeBack& other) {
+        for (std::function<void()>& work : other.works_)
+            works_.push_back(std::move(work));
+        other.works_.clear();
+    }
+
+    /// Undoes everything, what was done last first; a failure is logged and the rest goes on.
+    template <NamedStep Step>
+    void Run(Steps& steps, Step step) {
+        for (; !works_.empty(); works_.pop_back())
+            steps.Try(step, works_.back());
+    }
+
+  private:
+    std::vector<std::function<void()>> works_;
+};
 
 /// One file on its way into the library.
 ///
@@ -200,7 +222,7 @@ void Addition::AddArtist() {
 
 /// Music matters more than its picture: if need be it is added without one. Always true.
 bool Addition::TryCover() {
-    const bool isWanted = !cover_.empty() && run_.settings.AlbumCoverFolder != NoFolder &&
+    const bool isWanted = !cover_.empty() && NamesFolder(run_.settings.AlbumCoverFolder) &&
                           !adding_.refusedCovers.contains(CoverTarget());
     if (!isWanted) return true;
     TakeBack coverBack;

@@ -1,5 +1,3 @@
-#include "reconcile/flat_walk.h"
-
 #include <algorithm>
 #include <cstddef>
 #include <optional>
@@ -11,7 +9,7 @@
 #include "database/album_key.h"
 #include "platform/basic_text.h"
 #include "reconcile/file_list.h"
-#include "reconcile/flat.h"
+#include "reconcile/folder_walk.h"
 #include "reconcile/left_out_music.h"
 #include "reconcile/walk.h"
 #include "reconcile/walked_album.h"
@@ -51,7 +49,7 @@ class FlatWalk {
     enum class Step { GroupFiles = 3 };
     struct Group {
         std::string artist, title;
-        Flat files;
+        FileList files;
     };
 
     void GroupFiles(WalkedRoot& root) {
@@ -78,17 +76,18 @@ class FlatWalk {
         std::string title = tag->IsThere() ? AsRecorded(*tag).album : "Unknown";
         title.resize(std::min(title.find(FlatSeparator), title.size()));
         const auto [place, isNew] = places_.try_emplace(AlbumKey(artist, title), groups_.size());
-        if (isNew) groups_.push_back({std::move(artist), std::move(title), Flat()});
-        groups_[place->second].files.Add({.Name = std::move(file.path),
-                                          .FileDate = file.modified,
-                                          .Tag = TrackTagOf(*std::move(tag))});
+        if (isNew) groups_.push_back({std::move(artist), std::move(title), FileList()});
+        groups_[place->second].files.push_back({.Name = std::move(file.path),
+                                                .FileDate = file.modified,
+                                                .Tag = TrackTagOf(*std::move(tag))});
     }
 
     void RefreshAlbum(const Group& group) {
         Album album{.artist = group.artist, .title = group.title, .trackCount = 0, .cdjid = {}};
-        FileList files = ProcessFlatTracks(group.files.GetNames());
+        FileList files = ProcessFlatTracks(group.files);
         steps_.Concerning(group.artist + '\\' + group.title);
-        if (!steps_.Try(Step::GroupFiles, [&] { album.trackCount = group.files.Size(); })) {
+        if (!steps_.Try(Step::GroupFiles,
+                        [&] { album.trackCount = FileCount(group.files.size()); })) {
             for (const ListedFile& file : files)
                 walk_.unlisted.push_back({file.Name, album.artist, album.title});
             return;

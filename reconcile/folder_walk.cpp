@@ -3,8 +3,6 @@
 #include <unordered_set>
 
 #include "platform/basic_text.h"
-#include "reconcile/flat_walk.h"
-#include "reconcile/tree_walk.h"
 #include "reconcile/walk.h"
 
 namespace quillon {

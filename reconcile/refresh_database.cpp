@@ -12,13 +12,25 @@
 #include "reconcile/unlisted.h"
 #include "reconcile/walk.h"
 #include "reconcile/walked_album.h"
-#include "run/library_root.h"
 #include "run/log.h"
 #include "run/run.h"
 #include "run/steps.h"
 
 namespace quillon {
 namespace {
+
+/// Why there are no library folders to walk, for a log line: the root is not there, or it is and
+/// holds no folder to begin with. Throws Failure when that cannot be determined.
+std::string WhyNoLibraryFolders(Run& run) {
+    const std::string& root = run.settings.LibraryRoot;
+    const bool isThere = run.files.FolderExists(root);
+    // One that holds folders was not there when the run began.
+    if (!run.settings.LibraryDepthOption || !isThere || !run.files.SubFolders(root).empty())
+        return "No folder at library root " + root;
+    return "Library root " + root +
+           " holds neither a folder nor a .txt file that names one, and LibraryDepthOption=1 looks "
+           "for the music in those. Set it to 0, or name the folder above";
+}
 
 /// Where the root only holds the library folders, or lists of them, the walk does not see its
 /// files.

@@ -13,11 +13,11 @@
 
 #include "database/schema.h"
 #include "database/sql.h"
+#include "id3/file_names.h"
 #include "platform/basic_text.h"
 #include "platform/clock.h"
 #include "reconcile/new_rows.h"
 #include "reconcile/number_order.h"
-#include "reconcile/track_name.h"
 #include "run/log.h"
 #include "run/steps.h"
 #include "tags/tag_reader.h"
@@ -245,6 +245,19 @@ void ProcessTracks(Walk& walk, const Album& album, FileList& files) {
         tracks.Place(file);
     tracks.HandOutNumbers(files);
     tracks.LogMissingNumbers();
+}
+
+std::string GetTrackName(std::string_view givenPath, bool flatStructure) {
+    // A file that waits for its new name is still the song that it was.
+    const std::optional<std::string> before = NameBeforeRenaming(givenPath);
+    const std::string_view path = before ? std::string_view(*before) : givenPath;
+    constexpr std::string_view Dash = " - ", Ending = ".mp3";
+    const std::size_t separator = flatStructure ? path.rfind('_') : path.find(Dash);
+    if (separator != std::string_view::npos)
+        return Replace(path.substr(separator + (flatStructure ? 1 : Dash.size())), Ending, "");
+    const std::size_t backslash = path.rfind('\\');
+    if (backslash == std::string_view::npos) return std::string(path);
+    return Replace(path.substr(backslash + 1), Ending, "");
 }
 
 }  // namespace quillon

@@ -1,5 +1,3 @@
-#include "reconcile/tree_walk.h"
-
 #include <cstddef>
 #include <string>
 #include <unordered_map>
@@ -9,6 +7,7 @@
 
 #include "platform/basic_text.h"
 #include "reconcile/file_list.h"
+#include "reconcile/folder_walk.h"
 #include "reconcile/left_out_music.h"
 #include "reconcile/walk.h"
 #include "reconcile/walked_album.h"

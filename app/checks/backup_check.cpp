@@ -79,7 +79,7 @@ class Backups {
 
     /// Adds an original to the plan; how it stands.
     std::string Add(const std::string& original, bool isFolder) {
-        if (original.empty() || original == "\\") return "not set";
+        if (!NamesFolder(original)) return "not set";
         const std::optional<fs::path> local = Local(original);
         std::error_code ignored;
         const bool exists = local && (isFolder ? fs::is_directory(*local, ignored)
@@ -144,23 +144,14 @@ class Backups {
 
 }  // namespace
 
-void CheckBackups(PathResolver& resolver, const BackupPlan& plan, const Settings& settings,
-                  std::ostream& out, Findings& findings) {
-    struct Original {
-        bool isWanted;
-        const std::string& path;
-        bool isFolder;
-    };
-    const std::array<Original, 3> originals{{{plan.database, settings.Nirvis_CDJ_DB, false},
-                                             {plan.playListPath, settings.PlayListPath, true},
-                                             {plan.playListPath2, settings.PlayListPath2, true}}};
+void CheckBackups(PathResolver& resolver, std::span<const BackedUp> originals,
+                  const Settings& settings, std::ostream& out, Findings& findings) {
     Backups backups(resolver, findings);
     std::vector<std::vector<TableCell>> rows;
-    for (const Original& original : originals) {
-        if (!original.isWanted) continue;
-        const bool isSet = !original.path.empty() && original.path != "\\";
+    for (const BackedUp& original : originals) {
+        const std::string& path = settings.*original.path;
         rows.push_back(
-            {{backups.Add(original.path, original.isFolder)}, {isSet ? original.path : "(empty)"}});
+            {{backups.Add(path, original.isFolder)}, {NamesFolder(path) ? path : "(empty)"}});
     }
     if (rows.empty()) {
         out << "  Without backups\n";
@@ -201,10 +192,11 @@ void CheckBackupKeeping(HostFolder& host, std::ostream& out, Findings& findings)
 void CheckHalfRestored(Files& files, const Settings& settings, Findings& findings) try {
     const std::string backup = UnfinishedRestore(files, settings.Nirvis_CDJ_DB);
     if (backup.empty()) return;
-    findings.Problem(fmt::format(
-        "The backup {} has been put back by half, and no run starts so. Complete that with 'quillon "
-        "restore {}'",
-        backup, backup));
+    findings.Problem(
+        fmt::format("The backup {} has been put back by half, and no run starts so. Complete that "
+                    "with 'quillon "
+                    "restore {}'",
+                    backup, backup));
 } catch (const Failure&) {
     // That nobody can look beside the database is told where the database is looked at.
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <iosfwd>
+#include <span>
 
 #include "app/checks/findings.h"
 #include "driver/modes.h"
@@ -12,8 +13,8 @@
 namespace quillon {
 
 /// Tells of what a run would make dated copies first, and whether they have room.
-void CheckBackups(PathResolver& resolver, const BackupPlan& plan, const Settings& settings,
-                  std::ostream& out, Findings& findings);
+void CheckBackups(PathResolver& resolver, std::span<const BackedUp> originals,
+                  const Settings& settings, std::ostream& out, Findings& findings);
 
 /// Tells how many backups stay, and finds values of [Backups] in the host's settings file that are
 /// none.

@@ -94,8 +94,9 @@ void TellKeeping(LocalHost& local, const Settings& settings, std::ostream& out) 
     }
     const std::string unfinished = UnfinishedRestore(local.files, settings.Nirvis_CDJ_DB);
     if (!unfinished.empty()) {
-        out << fmt::format("A restore was cut short. 'quillon restore {} --host {}' completes it.\n",
-                           unfinished, OneLine(local.host.Folder().string()));
+        out << fmt::format(
+            "A restore was cut short. 'quillon restore {} --host {}' completes it.\n", unfinished,
+            OneLine(local.host.Folder().string()));
     }
 }
 

@@ -80,10 +80,10 @@ std::optional<jet::Database> TakeDatabase(const std::filesystem::path& path) {
 
 void TellPlan(LocalHost& local, const Settings& settings, const BackupMoment& backup,
               std::ostream& out) {
-    out << fmt::format("The backup {} was made on {}, {}. It would be put back:\n", backup.name,
-                       SortableDateTimeText(backup.made),
-                       AgeText(backup.made, local.clock.Now()) +
-                           (backup.made > local.clock.Now() ? "" : " ago"));
+    out << fmt::format(
+        "The backup {} was made on {}, {}. It would be put back:\n", backup.name,
+        SortableDateTimeText(backup.made),
+        AgeText(backup.made, local.clock.Now()) + (backup.made > local.clock.Now() ? "" : " ago"));
     for (const BackupOriginal& original : BackupOriginals(settings)) {
         if (original.part == BackupPart::Snapshot) continue;
         const BackupCopy* const copy = backup.CopyOf(original.part);

@@ -15,7 +15,6 @@
 #include "platform/portable/file_end.h"
 #include "platform/portable/file_handle.h"
 #include "platform/portable/local_file.h"
-#include "platform/portable/rename_file.h"
 #include "platform/portable/safe_file.h"
 #include "platform/portable/streams.h"
 #include "platform/portable/system_failure.h"

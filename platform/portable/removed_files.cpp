@@ -9,7 +9,7 @@
 
 #include "platform/basic_text.h"
 #include "platform/portable/file_handle.h"
-#include "platform/portable/rename_file.h"
+#include "platform/portable/local_file.h"
 #include "platform/portable/safe_file.h"
 #include "platform/portable/system_failure.h"
 #include "platform/portable/temporary_entry.h"

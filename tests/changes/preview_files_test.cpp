@@ -192,14 +192,12 @@ TEST_F(PreviewFilesTest, IsTheDiskWhileNothingWasDone) {
 TEST_F(PreviewFilesTest, RenamesFollowOneAnother) {
     const std::string gold = R"(D:\Music\Abba\Gold\)";
     Both("a free name", [&](Files& f) { f.MoveFile(gold + "01 One.mp3", gold + "03 x.mp3"); });
-    Both("the name that is free now", [&](Files& f) {
-        f.MoveFile(gold + "02 Two.mp3", gold + "01 One.mp3");
-    });
+    Both("the name that is free now",
+         [&](Files& f) { f.MoveFile(gold + "02 Two.mp3", gold + "01 One.mp3"); });
     Both("in a circle", [&](Files& f) { f.MoveFile(gold + "03 x.mp3", gold + "02 Two.mp3"); });
     Both("letter case", [&](Files& f) { f.MoveFile(gold + "02 two.mp3", gold + "02 TWO.mp3"); });
-    Both("the old name in another letter case", [&](Files& f) {
-        f.MoveFile(gold + "02 two.mp3", gold + "02 two.MP3");
-    });
+    Both("the old name in another letter case",
+         [&](Files& f) { f.MoveFile(gold + "02 two.mp3", gold + "02 two.MP3"); });
     Both("a taken name", [&](Files& f) { f.MoveFile(gold + "01 one.mp3", gold + "02 two.mp3"); });
     Both("nothing", [&](Files& f) { f.MoveFile(gold + "09.mp3", gold + "10.mp3"); });
     Both("into no folder", [&](Files& f) { f.MoveFile(gold + "01 One.mp3", R"(D:\No\x.mp3)"); });
@@ -211,16 +209,14 @@ TEST_F(PreviewFilesTest, TagsAreReadAsTheyWereWritten) {
     Both("over the old one", [&](Files& f) { WriteTag(f, one, 128, 0, 'a'); });
     Both("once more, longer", [&](Files& f) { WriteTag(f, one, 130, 20, 'b'); });
     Both("a copy", [&](Files& f) { f.CopyFile(one, R"(D:\Empty\copy.mp3)", false); });
-    Both("of which the original knows nothing", [&](Files& f) {
-        WriteTag(f, R"(D:\Empty\copy.mp3)", 4, 0, 'c');
-    });
+    Both("of which the original knows nothing",
+         [&](Files& f) { WriteTag(f, R"(D:\Empty\copy.mp3)", 4, 0, 'c'); });
     Both("behind the end of a renamed file", [&](Files& f) {
         f.MoveFile(R"(D:\Music\Abba\Gold\02 Two.mp3)", R"(D:\Music\x.mp3)");
         WriteTag(f, R"(D:\Music\x.mp3)", 0, 128, 'd');
     });
-    Both("of a file that has changed since", [&](Files& f) {
-        f.WriteEnd(one, {.size = 3, .bytes = {}}, 3, {});
-    });
+    Both("of a file that has changed since",
+         [&](Files& f) { f.WriteEnd(one, {.size = 3, .bytes = {}}, 3, {}); });
     Both("that would leave a gap", [&](Files& f) {
         const FileEnd seen{.size = f.GetFile(one).size, .bytes = {}};
         f.WriteEnd(one, seen, seen.size + 1, {});
@@ -311,14 +307,16 @@ TEST_F(PreviewFilesTest, KnowsWhichFilesAreOne) {
         WriteText(f, R"(D:\new.txt)", "new");
         // The comparison alone, of all pairs.
         std::string same;
-        const std::array<std::string, 7> paths{R"(D:\Empty\copy.mp3)", R"(D:\Empty\ONE.mp3)", one,
-                                               R"(D:\new.txt)", R"(D:\NEW.txt)",
-                                               R"(D:\Empty\Abba\cover.jpg)", R"(D:\Lists\a.pla)"};
+        const std::array<std::string, 7> paths{
+            R"(D:\Empty\copy.mp3)", R"(D:\Empty\ONE.mp3)", one,
+            R"(D:\new.txt)",        R"(D:\NEW.txt)",       R"(D:\Empty\Abba\cover.jpg)",
+            R"(D:\Lists\a.pla)"};
         for (const std::string& left : paths)
             for (const std::string& right : paths)
                 same += f.IsSameFile(left, right) ? '1' : '0';
-        const std::array<std::string, 6> folders{"D:\\", R"(D:\Empty)", R"(D:\Empty\Inner)",
-                                                 R"(D:\empty\ABBA\Gold)", R"(D:\Music)", R"(D:\No)"};
+        const std::array<std::string, 6> folders{
+            "D:\\",        R"(D:\Empty)", R"(D:\Empty\Inner)", R"(D:\empty\ABBA\Gold)",
+            R"(D:\Music)", R"(D:\No)"};
         for (const std::string& left : folders)
             for (const std::string& right : folders)
                 same += f.IsWithin(left, right) ? '1' : '0';

@@ -73,8 +73,7 @@ TEST_F(KeptBackups, AreReadAgainOnlyWhereSizesAreEqual) {
     world.files.AddFile(R"(C:\Lists\a.pla)", "longer");
     world.calls.Forget();
     RunNights(1);
-    EXPECT_THAT(Calls({"OpenBinary"}),
-                Each(HasSubstr(R"(C:\M3u)")));
+    EXPECT_THAT(Calls({"OpenBinary"}), Each(HasSubstr(R"(C:\M3u)")));
     EXPECT_EQ(CopiesOfDatabase().size(), 2U);
     EXPECT_EQ(CopiesOfLists().size(), 2U);
 }
@@ -148,9 +147,8 @@ TEST_F(KeptBackups, AreRemovedOnlyAfterARunWithoutErrors) {
     SetKeep("1");
     const std::string old = R"(D:\Data\cdj.mdb_Copy Dated_112020_40000_AM_)";
     world.files.AddFile(old, "ancient");
-    Note(&Procedures::RefreshPlaylist, "RefreshPlaylist", [](Run&) {
-        throw Failure(FailureNumber::DiskFull, "C:");
-    });
+    Note(&Procedures::RefreshPlaylist, "RefreshPlaylist",
+         [](Run&) { throw Failure(FailureNumber::DiskFull, "C:"); });
     RunNights(1);
     EXPECT_TRUE(world.files.FileExists(old));
     Note(&Procedures::RefreshPlaylist, "RefreshPlaylist",

@@ -3,9 +3,9 @@
 #include <gtest/gtest.h>
 
 #include "jet/engine/decimal_text.h"
-#include "jet/engine/guid_text.h"
 #include "jet/engine/number_text.h"
 #include "jet/error.h"
+#include "jet/guid_text.h"
 #include "tests/jet_engine/sample_database.h"
 
 namespace jet::engine {

@@ -1,4 +1,4 @@
-#include "download/refresh_spinner.h"
+#include "compat/refresh_spinner.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

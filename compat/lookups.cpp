@@ -1,15 +1,30 @@
-#include "playlists/working_set.h"
-
-#include <string>
+#include "compat/lookups.h"
 
 #include "run/log.h"
-#include "run/playlist_entries.h"
 #include "run/run.h"
+#include "run/steps.h"
 
 namespace quillon {
+namespace {
 
-void BuildORsRecordset(Run& run) {
-    run.playlistEntries = PlaylistEntries();
+enum class LookupStep { Find = 1 };
+
+std::string PathOf(std::string_view artist, std::string_view album, std::string_view song) {
+    return std::string(artist).append("\\").append(album).append("\\").append(song);
+}
+
+}  // namespace
+
+std::string GetID3Genre(Run& run, std::string_view artist, std::string_view album,
+                        std::string_view song) {
+    std::string genre;
+    Steps steps(run, "Get ID3 Genre Error:");
+    steps.Concerning(PathOf(artist, album, song));
+    steps.Try(LookupStep::Find, [&] {
+        if (const SongRow* const row = run.TheDownloadTable().Find(artist, album, song))
+            genre = row->genre;
+    });
+    return genre;
 }
 
 void showORs(Run& run, std::string_view caption) {

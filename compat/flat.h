@@ -8,6 +8,8 @@
 
 namespace quillon {
 
+/// Kept because other programs know the class by these members; the walk has a plain list of files.
+///
 /// The files of one album in the flat layout.
 class Flat {
   public:
@@ -26,8 +28,7 @@ class Flat {
     std::int16_t Size() const;
 
     std::int16_t TrackNumber() const { return trackNumber_; }
-    /// Stores what the getter returns, not its argument: the number is 0 for good. Nothing relies
-    /// on another one, and other programs know the class to behave like this.
+    /// Stores what the getter returns, not its argument: the number is 0 for good.
     void TrackNumber(std::int16_t ignored);
 
   private:

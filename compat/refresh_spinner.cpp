@@ -1,4 +1,4 @@
-#include "download/refresh_spinner.h"
+#include "compat/refresh_spinner.h"
 
 #include <cstdint>
 #include <memory>
@@ -50,11 +50,11 @@ void RemoveVanishedSongs(Run& run, Steps& steps) {
 }
 
 /// A row of the download table as the merging goes past it.
-struct SongRow {
+struct PassedRow {
     std::int64_t id = 0;
     std::string artist, album, song;
 
-    bool IsOfOneSongWith(const SongRow& other) const {
+    bool IsOfOneSongWith(const PassedRow& other) const {
         return EqualIgnoringCase(artist, other.artist) && EqualIgnoringCase(album, other.album) &&
                EqualIgnoringCase(song, other.song);
     }
@@ -77,11 +77,11 @@ void Merge(RecordSet& spinner, std::int64_t kept, std::int64_t repeated, std::in
 void MergeRepeatedSongs(Run& run, Steps& steps) {
     const std::unique_ptr<RecordSet> spinner = run.connection->OpenTable("Spinner");
     const std::unique_ptr<RecordSet> rows = run.connection->Query(RepeatedSongs);
-    SongRow kept;
+    PassedRow kept;
     for (; !rows->IsEof(); rows->MoveNext()) {
         run.ProcessEvents();
-        SongRow row{rows->Integer("ID"), rows->Text("Artist"), rows->Text("Album"),
-                    rows->Text("Song")};
+        PassedRow row{rows->Integer("ID"), rows->Text("Artist"), rows->Text("Album"),
+                      rows->Text("Song")};
         if (kept.id == 0 || !row.IsOfOneSongWith(kept)) {
             kept = std::move(row);
             continue;

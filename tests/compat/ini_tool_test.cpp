@@ -1,8 +1,12 @@
-#include "driver/ini_tool.h"
+#include "compat/ini_tool.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "platform/portable/host_folder.h"
+#include "platform/portable/path_resolver.h"
+#include "platform/portable/portable_files.h"
+#include "tests/outside/temporary_folder.h"
 #include "tests/support/fakes.h"
 
 namespace quillon {
@@ -189,6 +193,21 @@ TEST_F(IniToolTest, DumpsEveryKeyAndItem) {
     tool.DumpHashTable(*out);
     out->Close();
     EXPECT_EQ(world.files.Content("dump"), "<PRE>AB = Ab\r\nAB~X = 1\r\n</PRE>");
+}
+
+TEST(IniToolOnDisk, KeepsItsFileInTheCodePageOfTheHost) {
+    const outside::TemporaryFolder folder;
+    folder.MakeFile("some.ini", "[Place]\r\nname=Caf\xE9\r\nother=x\r\n");
+    fakes::FakeClock clock;
+    HostFolder host(folder.Path(), clock);
+    PathResolver resolver(host.Drives());
+    PortableFiles files(resolver, [](LogKind, const std::string&) {});
+    IniTool tool(files, host);
+    tool.Load(host.GetAppPath() + R"(\SOME.INI)");
+    EXPECT_EQ(tool.Read("place", "Name", ""), "Caf\u00e9");
+    tool.Remove("place", "other");
+    tool.Save();
+    EXPECT_EQ(folder.Content("some.ini"), "[PLACE]\r\nNAME=Caf\xE9\r\n");
 }
 
 }  // namespace

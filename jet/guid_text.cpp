@@ -1,8 +1,8 @@
-#include "jet/engine/guid_text.h"
+#include "jet/guid_text.h"
 
 #include <cstddef>
 
-namespace jet::engine {
+namespace jet {
 
 namespace {
 
@@ -45,4 +45,4 @@ std::optional<Guid> ParseGuid(std::string_view text) {
     return guid;
 }
 
-}  // namespace jet::engine
+}  // namespace jet

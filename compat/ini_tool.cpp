@@ -1,4 +1,4 @@
-#include "driver/ini_tool.h"
+#include "compat/ini_tool.h"
 
 #include <algorithm>
 #include <tuple>

@@ -1,4 +1,4 @@
-#include "reconcile/flat.h"
+#include "compat/flat.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "reconcile/flat.h"
+#include "compat/flat.h"
 
 namespace quillon {
 

@@ -10,6 +10,9 @@
 
 namespace quillon {
 
+/// Kept because its way of reading and writing is a format of its own that the system's description
+/// promises; runs read their settings through the host and write none.
+///
 /// A settings file held as a dictionary: read, looked up, changed and written back. Names of
 /// sections and keys count without letter case; a saved file has them in upper case and sorted,
 /// without the comments and blank lines it was read with.
