@@ -32,7 +32,7 @@ bool IsSame(const RowState& one, const RowState& other) {
 
 }  // namespace
 
-std::string RowText(std::string_view table,
+std::string KeyText(std::string_view table,
                     const std::vector<std::pair<std::string, Value>>& fields) {
     std::string text(table);
     for (const auto& [name, value] : fields)
@@ -54,10 +54,10 @@ void NetRows::Add(const std::vector<ChangeRecord>& records) {
 
 void NetRows::Note(const RowChange& change) {
     Entry& entry = EntryFor(change);
-    const std::string keyBefore = RowText(change.table, entry.row.now.key);
+    const std::string keyBefore = KeyText(change.table, entry.row.now.key);
     Apply(entry, change);
     const auto number = static_cast<std::size_t>(&entry - entries_.data());
-    const std::string keyNow = RowText(change.table, entry.row.now.key);
+    const std::string keyNow = KeyText(change.table, entry.row.now.key);
     if (keyNow != keyBefore) {
         std::erase(byKey_[keyBefore], number);
         byKey_[keyNow].push_back(number);
@@ -71,7 +71,7 @@ void NetRows::Note(const RowChange& change) {
 /// have happened to.
 NetRows::Entry& NetRows::EntryFor(const RowChange& change) {
     const bool isAdded = change.kind == RowChange::Kind::Added;
-    std::vector<std::size_t>& known = byKey_[RowText(change.table, change.key)];
+    std::vector<std::size_t>& known = byKey_[KeyText(change.table, change.key)];
     const auto fits = [&](std::size_t number) {
         const Entry& entry = entries_[number];
         // What an earlier run did not save may not have happened.

@@ -58,7 +58,7 @@ class NetRows {
 };
 
 /// A table and values of its fields as one text, which differs where any of them does.
-std::string RowText(std::string_view table,
+std::string KeyText(std::string_view table,
                     const std::vector<std::pair<std::string, Value>>& fields);
 
 }  // namespace quillon

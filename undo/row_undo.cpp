@@ -23,7 +23,7 @@ class PresentRows {
     };
 
     void Want(std::string_view table, const RowState& state) {
-        wanted_[RowText(table, state.key)];
+        wanted_[KeyText(table, state.key)];
         if (keyFields_.empty()) {
             for (const auto& [name, value] : state.key)
                 keyFields_.push_back(name);
@@ -47,7 +47,7 @@ class PresentRows {
         connection.Scan(table, fields, [&](RowKey row, std::span<const Value> values) {
             for (std::size_t i = 0; i < key.size(); ++i)
                 key[i].second = values[keyPlaces[i]];
-            const auto found = wanted_.find(RowText(table, key));
+            const auto found = wanted_.find(KeyText(table, key));
             if (found == wanted_.end()) return;
             Row& kept = found->second.emplace_back(Row{.key = row, .fields = {}});
             for (std::size_t i = 0; i < names.size(); ++i)
@@ -58,7 +58,7 @@ class PresentRows {
     /// The rows with a state's key that no other step is about.
     std::vector<Row*> With(std::string_view table, const RowState& state) {
         std::vector<Row*> free;
-        for (Row& row : wanted_[RowText(table, state.key)])
+        for (Row& row : wanted_[KeyText(table, state.key)])
             if (!row.isTaken) free.push_back(&row);
         return free;
     }
