@@ -29,7 +29,8 @@ constexpr const char* ProgramFooter =
 
 A first library:
   quillon init ~/shelf --music ~/Music    a host folder, a new database
-  quillon check --host ~/shelf            what a run would do
+  quillon check --host ~/shelf            whether a run could start
+  quillon preview --host ~/shelf          what it would change
   quillon run --host ~/shelf              the run
   quillon help run                        all about runs)";
 
@@ -48,6 +49,19 @@ Examples:
   quillon run --host /srv/shelf --view plain >> /var/log/shelf.log
   quillon run --host /srv/shelf --quiet    in a crontab: errors, losses and a summary by mail
   quillon run --host ~/shelf --allow-removals    after you have deleted half of the music)";
+
+constexpr const char* PreviewFooter =
+    R"(It does all that the run would do, on a copy in memory: no file, no row and no time of a file changes,
+and no log is written. What is shown is what a run would do now; when files change in between, it
+does other things. Values that depend on the moment (times, random numbers) are not announced.
+
+Exit status: 0 a run would change nothing, 1 it would change something, 2 that could not be found
+out.
+
+Examples:
+  quillon preview --host ~/shelf
+  quillon preview --host ~/shelf --allow-removals    what the brake would else hold back
+  quillon preview --host ~/shelf --json | jq 'select(.record == "file")')";
 
 constexpr const char* HelpFooter = R"(Examples:
   quillon help run
@@ -111,6 +125,7 @@ class Grammar {
         AddRunOptions(app_);
         run_->footer(RunFooter);
         AddRunOptions(*run_);
+        DefinePreview();
         DefineInit();
         check_->footer(CheckFooter);
         AddHostOption(*check_);
@@ -211,6 +226,14 @@ class Grammar {
         return meant.empty() ? text : fmt::format("{}; did you mean {}?", text, meant);
     }
 
+    void DefinePreview() {
+        preview_->footer(PreviewFooter);
+        AddHostOption(*preview_);
+        preview_->add_flag("--allow-removals", allowRemovals_,
+                           "Show what a run with this option would do");
+        preview_->add_flag("--json", previewsAsJson_, "Print a JSON object a line");
+    }
+
     void DefineInit() {
         init_->footer(InitFooter);
         init_->add_option("DIR", initRequest_.host, "The host folder to make")
@@ -277,6 +300,8 @@ class Grammar {
     }
 
     Request Chosen() const {
+        if (preview_->parsed())
+            return PreviewRequest{HostFolder(), allowRemovals_, previewsAsJson_};
         if (init_->parsed()) return initRequest_;
         if (check_->parsed()) return CheckRequest{HostFolder()};
         if (serve_->parsed()) return ServeRequest{HostFolder(), serveRequest_.port};
@@ -291,6 +316,8 @@ class Grammar {
                   "quillon"};
     CLI::App* run_ =
         app_.add_subcommand("run", "Run what Quillon.ini asks for; the default command");
+    CLI::App* preview_ =
+        app_.add_subcommand("preview", "Show all that a run would change; change nothing");
     CLI::App* init_ = app_.add_subcommand("init", "Make a host folder");
     CLI::App* check_ = app_.add_subcommand("check", "Show what a run would do; change nothing");
     CLI::App* serve_ = app_.add_subcommand("serve", "Show the album picker in a browser");
@@ -302,7 +329,7 @@ class Grammar {
     std::vector<std::string> helpWords_;
     std::filesystem::path host_;
     ViewKind view_ = ViewKind::Auto;
-    bool quiet_ = false, allowRemovals_ = false;
+    bool quiet_ = false, allowRemovals_ = false, previewsAsJson_ = false;
     InitRequest initRequest_;
     ServeRequest serveRequest_;
     BackupsRequest backupsRequest_;

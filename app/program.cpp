@@ -9,6 +9,7 @@
 #include "app/commands/check_command.h"
 #include "app/commands/db_command.h"
 #include "app/commands/init_command.h"
+#include "app/commands/preview_command.h"
 #include "app/commands/restore_command.h"
 #include "app/commands/run_command.h"
 #include "app/commands/serve_command.h"
@@ -42,6 +43,7 @@ struct Dispatcher {
             throw;
         }
     }
+    int operator()(const PreviewRequest& request) const { return PreviewRun(request, console); }
     int operator()(const InitRequest& request) const { return Init(request, console); }
     int operator()(const CheckRequest& request) const { return Check(request, console); }
     int operator()(const ServeRequest& request) const { return Serve(request, console); }

@@ -22,6 +22,13 @@ struct RunRequest {
     bool allowRemovals = false;  ///< the brake on loss is off for this run
 };
 
+/// `quillon preview`
+struct PreviewRequest {
+    std::filesystem::path host;
+    bool allowRemovals = false;  ///< as the run would be started
+    bool json = false;           ///< the records, a JSON object a line
+};
+
 /// `quillon init`
 struct InitRequest {
     std::filesystem::path host;
@@ -129,7 +136,7 @@ struct TextAnswer {
 };
 
 /// Everything that a command line can ask for.
-using Request = std::variant<TextAnswer, RunRequest, InitRequest, CheckRequest, ServeRequest,
+using Request = std::variant<TextAnswer, RunRequest, PreviewRequest, InitRequest, CheckRequest, ServeRequest,
                              BackupsRequest, RestoreRequest, DbCreateRequest, DbTablesRequest,
                              DbSchemaRequest, DbQueryRequest, DbExecRequest, DbImportRequest,
                              DbExportRequest, DbCompactRequest, DbCheckRequest, DbRecoverRequest>;

@@ -24,9 +24,8 @@ std::unique_ptr<JournalFile> StartJournal(LocalHost& local) {
     try {
         auto journal =
             std::make_unique<JournalFile>(ChangesFolder(local.host.Folder()), local.clock);
-        journal->Note(RunStarted{.stamp = journal->Stamp(),
-                                 .version = std::string(ProgramVersion),
-                                 .mode = ""});
+        journal->Note(RunStarted{
+            .stamp = journal->Stamp(), .version = std::string(ProgramVersion), .mode = ""});
         return journal;
     } catch (const Failure& failure) {
         const std::string message =

@@ -21,6 +21,15 @@ bool HasEnd(BinaryReader& file, const FileEnd& seen) {
 
 }  // namespace
 
+/// Of what is not there: a file on the way is none that could hold it.
+void PreviewFiles::RefuseMissing(const WindowsPath& path) {
+    for (WindowsPath above = path; !above.rest.empty();) {
+        above = FolderAround(above);
+        if (HasFile(above)) throw Failure(FailureNumber::PathNotFound, path.Text());
+    }
+    throw Failure(FailureNumber::FileNotFound, path.Text());
+}
+
 void PreviewFiles::RequireFolderAround(const WindowsPath& path) {
     if (path.rest.empty() || !HasFolder(FolderAround(path)))
         throw Failure(FailureNumber::PathNotFound, path.Text());
@@ -144,8 +153,7 @@ void PreviewFiles::DeleteFolder(std::string_view path) {
 
 void PreviewFiles::Discard(std::string_view path) {
     const WindowsPath parsed = ParseWindowsPath(path);
-    if (parsed.rest.empty() || !Has(parsed))
-        throw Failure(FailureNumber::FileNotFound, parsed.Text());
+    if (parsed.rest.empty() || !Has(parsed)) RefuseMissing(parsed);
     if (HasFolder(parsed)) {
         const Listing<FileEntry> files = FilesIn(path);
         if (!files.empty() || !files.others.empty() || !files.unseen.empty()) {
@@ -209,7 +217,7 @@ std::unique_ptr<TextReader> PreviewFiles::OpenText(std::string_view path) {
 std::unique_ptr<BinaryReader> PreviewFiles::OpenBinary(std::string_view path) {
     const WindowsPath parsed = ParseWindowsPath(path);
     const Place place = tree_.Find(parsed);
-    if (place.IsNothing()) throw Failure(FailureNumber::FileNotFound, parsed.Text());
+    if (place.IsNothing()) RefuseMissing(parsed);
     if (place.node == nullptr) return ground_.OpenBinary(place.ground);
     if (place.IsFile()) return place.node->content.Open(ground_);
     throw Failure(FailureNumber::PermissionDenied,
@@ -247,7 +255,7 @@ void PreviewFiles::WriteEnd(std::string_view path, const FileEnd& seen, std::uin
                             std::span<const std::uint8_t> bytes) {
     const WindowsPath parsed = ParseWindowsPath(path);
     const std::string shown = parsed.Text();
-    if (!HasFile(parsed)) throw Failure(FailureNumber::FileNotFound, shown);
+    if (!HasFile(parsed)) RefuseMissing(parsed);
     const Place place = tree_.Find(parsed);
     RequireWritable(place, parsed);
     if (!HasEnd(*OpenBinary(path), seen))

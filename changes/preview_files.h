@@ -65,6 +65,7 @@ class PreviewFiles : public Files {
     bool HasFile(const WindowsPath& path);
     bool Has(const WindowsPath& path) { return HasFile(path) || HasFolder(path); }
     /// Failures that stand for what the disk would say.
+    [[noreturn]] void RefuseMissing(const WindowsPath& path);
     void RequireFolderAround(const WindowsPath& path);
     void RequireFreeName(const WindowsPath& path);
     void RequireWritable(const Place& place, const WindowsPath& path) const;

@@ -124,16 +124,19 @@ bool PreviewFiles::IsSameFile(std::string_view path, std::string_view other) {
 
 bool PreviewFiles::IsWithin(std::string_view folder, std::string_view outer) {
     if (!FolderExists(folder) || !FolderExists(outer)) return false;
+    // Of folders that are where the disk has them, only the disk knows all their names.
+    const auto isInItsPlace = [this](const WindowsPath& path) {
+        return EqualIgnoringCase(tree_.Find(path).ground, path.Text());
+    };
     const WindowsPath wanted = ParseWindowsPath(outer);
-    const std::string outerGround = tree_.Find(wanted).ground;
     WindowsPath inner = ParseWindowsPath(folder);
-    while (true) {
-        if (EqualIgnoringCase(inner.Text(), wanted.Text())) return true;
-        const std::string ground = tree_.Find(inner).ground;
-        if (!ground.empty() && !outerGround.empty()) return ground_.IsWithin(ground, outerGround);
+    while (!EqualIgnoringCase(inner.Text(), wanted.Text())) {
+        if (isInItsPlace(inner) && isInItsPlace(wanted))
+            return ground_.IsWithin(inner.Text(), wanted.Text());
         if (inner.rest.empty()) return false;
         inner = FolderAround(inner);
     }
+    return true;
 }
 
 Listing<FolderEntry> PreviewFiles::SubFolders(std::string_view folder) {
@@ -166,8 +169,8 @@ FolderNames PreviewFiles::NamesIn(std::string_view folder) {
 FileEntry PreviewFiles::GetFile(std::string_view path) {
     const WindowsPath parsed = ParseWindowsPath(path);
     const Place place = tree_.Find(parsed);
-    if (place.IsNothing() || place.IsFolder())
-        throw Failure(FailureNumber::FileNotFound, parsed.Text());
+    if (place.IsNothing()) RefuseMissing(parsed);
+    if (place.IsFolder()) throw Failure(FailureNumber::FileNotFound, parsed.Text());
     const WindowsPath around = FolderAround(parsed);
     if (place.IsFile()) {
         const Node& node = *place.node;

@@ -19,6 +19,8 @@
 namespace quillon {
 namespace {
 
+enum class KeepingStep { FindCopies = 1, Compare = 2, Copy = 3 };
+
 constexpr const char* Comparing =
     "it is copied once more. If the last copy of it cannot be read, remove that copy";
 constexpr const char* Removing =
@@ -50,12 +52,13 @@ std::vector<BackupCopy> UnchangedSince(Run& run, std::span<const BackupOriginal>
     Steps steps(run, "TimeStampBackup");
     steps.Advising(Comparing);
     std::vector<BackupCopy> newest;
-    steps.Try(1, [&] { newest = NewestCopies(run.files, originals, run.clock.Now()); });
+    steps.Try(KeepingStep::FindCopies,
+              [&] { newest = NewestCopies(run.files, originals, run.clock.Now()); });
     std::erase_if(newest, [&](const BackupCopy& copy) {
         const BackupOriginal& original = copy.original;
         bool isSame = false;
         steps.Concerning(original.path);
-        steps.Try(2, [&] {
+        steps.Try(KeepingStep::Compare, [&] {
             const bool isThere = original.isFolder ? run.files.FolderExists(original.path)
                                                    : run.files.FileExists(original.path);
             isSame =
@@ -175,11 +178,12 @@ bool BackUpWhatChanged(Run& run, std::span<const BackedUp> backedUp) {
     Steps steps(run, "TimeStampBackup");
     std::string mark;
     std::vector<std::string> made;
-    bool succeeded =
-        steps.Try(3, [&] { mark = FreeMark(run); }) && CopyOriginals(run, originals, mark, made);
+    bool succeeded = steps.Try(KeepingStep::Copy, [&] { mark = FreeMark(run); }) &&
+                     CopyOriginals(run, originals, mark, made);
     if (succeeded && !made.empty() && !unchanged.empty()) {
-        succeeded = steps.Try(
-            3, [&] { made.push_back(WriteBackupNote(run.files, run.settings, mark, unchanged)); });
+        succeeded = steps.Try(KeepingStep::Copy, [&] {
+            made.push_back(WriteBackupNote(run.files, run.settings, mark, unchanged));
+        });
     }
     if (!succeeded) TakeBackupsBack(run, made);
     return succeeded;
@@ -197,12 +201,12 @@ void RemoveOldBackups(Run& run, std::size_t newest) {
     Steps steps(run, "RemoveOldBackups");
     steps.Advising(Removing);
     std::size_t removed = 0;
-    steps.Try(0, [&] {
+    steps.Try([&] {
         const DateTime now = run.clock.Now();
         const std::vector<BackupMoment> backups = FindBackups(run.files, run.settings, now);
         const std::vector<bool> mayGo = MayGo(backups, newest, now);
         for (std::size_t i = backups.size(); i-- > 0;) {
-            if (mayGo[i] && steps.Try(0, [&] { RemoveBackup(run, backups[i]); })) ++removed;
+            if (mayGo[i] && steps.Try([&] { RemoveBackup(run, backups[i]); })) ++removed;
         }
     });
     if (removed == 0) return;

@@ -18,6 +18,8 @@
 namespace quillon {
 namespace {
 
+enum class RestoreStep { BackUpNow = 1, PutBack = 2 };
+
 constexpr const char* DoItAgain =
     "the backup is put back by half now. Put that right and restore it again, which completes it";
 
@@ -122,10 +124,11 @@ std::string UnfinishedRestore(Files& files, std::string_view database) {
 Restored RestoreBackup(Run& run, const BackupMoment& backup) {
     Restored restored;
     Steps steps(run, "RestoreBackup");
-    if (!steps.Try(1, [&] { restored.copyOfNow = BackUpAll(run); })) return restored;
+    if (!steps.Try(RestoreStep::BackUpNow, [&] { restored.copyOfNow = BackUpAll(run); }))
+        return restored;
     if (restored.copyOfNow.empty()) return restored;
     steps.Advising(DoItAgain);
-    restored.succeeded = steps.Try(2, [&] {
+    restored.succeeded = steps.Try(RestoreStep::PutBack, [&] {
         MarkUnfinished(run, backup);
         if (const BackupCopy* const database = backup.CopyOf(BackupPart::Database))
             RestoreDatabase(run, backup, *database, restored.copyOfNow);

@@ -51,6 +51,10 @@ class JetDatabaseProvider : public DatabaseProvider {
     /// nobody. It must outlive them.
     void SetObserver(jet::RowObserver* observer) { observer_ = observer; }
 
+    /// Databases that are opened from now on keep all changes in memory, ask for no lock and never
+    /// touch their files.
+    void KeepInMemory() { keepsInMemory_ = true; }
+
     /// Failure: Database with the reason in words, or that of the path.
     std::unique_ptr<Connection> Open(std::string_view connectionString) override;
 
@@ -69,6 +73,7 @@ class JetDatabaseProvider : public DatabaseProvider {
     PathResolver& resolver_;
     DatabaseDemands demands_;
     jet::RowObserver* observer_ = nullptr;
+    bool keepsInMemory_ = false;
     std::map<FileIdentity, std::weak_ptr<jet::Database>> open_;
 };
 
