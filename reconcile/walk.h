@@ -14,6 +14,9 @@
 
 namespace quillon {
 
+class MovedMusic;
+class WaitingMusic;
+
 /// A library folder on the walk.
 struct WalkedRoot {
     std::string path;
@@ -24,6 +27,9 @@ struct WalkedRoot {
 struct Walk {
     /// Throws Failure when the library cannot be read.
     explicit Walk(Run& theRun);
+    ~Walk();
+    Walk(const Walk&) = delete;
+    Walk& operator=(const Walk&) = delete;
 
     Run& run;
     Library& library;  ///< with all counts and numbers set aside until the walk has been there
@@ -34,6 +40,9 @@ struct Walk {
     /// AlbumKey of the albums that have songs out of sight: all of their songs keep what they have.
     /// Numbers handed out now would be those of the missing songs.
     std::unordered_set<std::string> hidden;
+
+    std::unique_ptr<WaitingMusic> waiting;  ///< null where nothing waits for its files
+    std::unique_ptr<MovedMusic> moved;      ///< null where rows do not follow moved files
 
     DateTime savedAt;  ///< when counts and numbers were written last
 

@@ -10,6 +10,7 @@
 #include "app/checks/folders_check.h"
 #include "app/checks/left_out_check.h"
 #include "app/checks/mode_check.h"
+#include "app/checks/moved_music_check.h"
 #include "app/checks/safety_check.h"
 #include "app/checks/settings_check.h"
 #include "app/checks/tag_renames_check.h"
@@ -95,6 +96,7 @@ int Check(const CheckRequest& request, Console console) {
     CheckLog(local.host, out, findings);
     TellRemovedMusic(local.host, out, findings);
     CheckSafety(local.host, out, findings);
+    CheckMovedMusic(local.host, out, findings);
     TellDrives(local.host.Drives(), out);
     const Settings settings = CheckSettings(local.host, out, findings);
     CheckUnreadKeys(local.host, settings, findings);

@@ -211,7 +211,19 @@ std::string HostText(const Plan& plan) {
         "; first 30 letters.\n"
         "[Removed]\n"
         "Keep=1\n"
-        "OnlyIdentical=1\n";
+        "OnlyIdentical=1\n"
+        "\n"
+        "; 1: a song whose file was moved or renamed keeps its row, with play counts, ratings and "
+        "places in\n"
+        "; playlists. It is recognised by its sound. 0: it is removed, and added anew.\n"
+        "[Library]\n"
+        "FollowMovedFiles=1\n"
+        "\n"
+        "; For how many days a song whose file is gone keeps its row. If the file comes back "
+        "within them, all\n"
+        "; is as before. 0: the row is removed at once.\n"
+        "[Missing]\n"
+        "KeepDays=14\n";
     return text + SafetyText();
 }
 
