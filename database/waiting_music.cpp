@@ -126,8 +126,18 @@ std::vector<std::string> WaitingMusic::Playlists() const {
     return names;
 }
 
+void WaitingMusic::ForgetGone() {
+    const auto isGone = [this](TrackId id) { return run_.TheLibrary().FindTrack(id) == nullptr; };
+    std::erase_if(songs_, [&](const auto& song) { return isGone(song.first); });
+    std::erase_if(entries_, [&](auto& list) {
+        std::erase_if(list.second, [&](const WaitingEntry& entry) { return isGone(entry.song); });
+        return list.second.empty();
+    });
+}
+
 void WaitingMusic::Save() {
     if (!isChanged_) return;
+    ForgetGone();
     Library& library = run_.TheLibrary();
     if (songs_.empty() && entries_.empty()) {
         if (run_.files.FileExists(Path())) run_.files.DeleteFile(Path());
@@ -136,17 +146,14 @@ void WaitingMusic::Save() {
     }
     SnapshotWriter file(run_.files, Path(), Format);
     for (const auto& [id, song] : songs_) {
-        const TrackRow* const track = library.FindTrack(id);
-        if (track == nullptr) continue;
-        WriteRow(file.Line(SongKind), *track);
+        WriteRow(file.Line(SongKind), *library.FindTrack(id));
         file.Whole(song.number).Whole(std::llround(song.since.days * SecondsADay));
     }
     for (const auto& [name, entries] : entries_) {
         file.Line(ListKind).Text(name);
         for (const WaitingEntry& entry : entries) {
-            const TrackRow* const track = library.FindTrack(entry.song);
-            if (track == nullptr) continue;
-            WriteRow(file.Line(EntryKind).Whole(static_cast<std::int64_t>(entry.position)), *track);
+            WriteRow(file.Line(EntryKind).Whole(static_cast<std::int64_t>(entry.position)),
+                     *library.FindTrack(entry.song));
         }
     }
     file.Close();

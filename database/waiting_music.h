@@ -56,6 +56,7 @@ class WaitingMusic {
 
   private:
     void Read();
+    void ForgetGone();
     std::string Path() const;
 
     Run& run_;

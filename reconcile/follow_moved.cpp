@@ -265,6 +265,7 @@ class Following {
                                               FieldValue{"Title", held.title}};
         oldNames_[&album] = NameOf(album);
         library_.Change(album, names);
+        walk_.renamed.insert(album.id);
     }
 
     void MoveTrack(std::size_t lost) {
@@ -279,6 +280,7 @@ class Following {
             becomes_[lost].reset();
             return;
         }
+        walk_.followed.insert(row.id);
         const KnownSound* const known = sounds_.Of(row);
         if (print) {
             sounds_.Set(row, {.file = StateOf(file.Size, file.FileDate),

@@ -225,7 +225,7 @@ class AlbumTracks {
     void Settle(const TrackRow& row) {
         if (row.isNew) return;
         const bool same = row.number.Before() == row.number.Truth();
-        const bool isRenamed = changed_.contains(row.id);
+        const bool isRenamed = changed_.contains(row.id) || walk_.followed.contains(row.id);
         ++(same && !isRenamed ? run_.counts.tracksUnchanged : run_.counts.tracksChanged);
         if (!same && !isRenamed) ++walk_.renumbered;
     }

@@ -44,6 +44,10 @@ struct Walk {
     std::unique_ptr<WaitingMusic> waiting;  ///< null where nothing waits for its files
     std::unique_ptr<MovedMusic> moved;      ///< null where rows do not follow moved files
 
+    /// Rows that have got new paths or names because their music has moved.
+    std::unordered_set<TrackId> followed;
+    std::unordered_set<AlbumId> renamed;
+
     DateTime savedAt;  ///< when counts and numbers were written last
 
     /// How many albums and tracks count as changed for nothing but their count or number, which

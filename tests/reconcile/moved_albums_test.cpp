@@ -41,6 +41,8 @@ TEST_F(MovedAlbumsTest, KeepTheirRowsAndIdentifiersWhenTheyAreRenamed) {
                                    R"(D:\Music\Red\One -> D:\Music\Red\Three)"));
     EXPECT_EQ(library.run.counts.albumsAdded, 0U);
     EXPECT_EQ(library.run.counts.albumsRemoved, 0U);
+    EXPECT_EQ(library.run.counts.albumsChanged, 1U);
+    EXPECT_EQ(library.run.counts.tracksChanged, 3U);
 }
 
 TEST_F(MovedAlbumsTest, KeepTheirRowsWhenTheirArtistIsRenamed) {
