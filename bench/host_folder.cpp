@@ -27,15 +27,21 @@ double MusicTree::SecondsOfWalk() const {
 
 HostFolder::HostFolder(std::string program, const fs::path& music) : program_(std::move(program)) {
     RunToSuccess({program_, "init", Path().string(), "--music", music.string()});
+    // The aims are those of a run that reads no sounds.
+    Replace("host.ini", "\nFollowMovedFiles=", "0");
 }
 
 void HostFolder::Set(std::string_view key, std::string_view value) const {
-    const fs::path settings = Path() / "Quillon.ini";
+    Replace("Quillon.ini", fmt::format("\n{}=", key), value);
+}
+
+void HostFolder::Replace(std::string_view file, std::string_view begin,
+                         std::string_view value) const {
+    const fs::path settings = Path() / file;
     std::ifstream in(settings, std::ios::binary);
     std::string text{std::istreambuf_iterator<char>(in), {}};
-    const std::string begin = fmt::format("\n{}=", key);
     const std::size_t line = text.find(begin);
-    if (line == std::string::npos) throw std::runtime_error(fmt::format("no setting {}", key));
+    if (line == std::string::npos) throw std::runtime_error(fmt::format("no setting {}", begin));
     const std::size_t from = line + begin.size();
     text.replace(from, text.find_first_of("\r\n", from) - from, value);
     std::ofstream(settings, std::ios::binary) << text;

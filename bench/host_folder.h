@@ -26,7 +26,8 @@ class MusicTree {
     outside::TemporaryFolder folder_;
 };
 
-/// A host folder as `quillon init` makes it, with all its default settings and an empty database.
+/// A host folder as `quillon init` makes it, with an empty database; rows do not follow moved
+/// files.
 class HostFolder {
   public:
     HostFolder(std::string program, const std::filesystem::path& music);
@@ -43,6 +44,9 @@ class HostFolder {
     Usage Run(const Surroundings& surroundings = {}, const std::string& view = "plain") const;
 
   private:
+    /// Replaces what stands in a file of the host folder between a line's beginning and its end.
+    void Replace(std::string_view file, std::string_view begin, std::string_view value) const;
+
     std::string program_;
     outside::TemporaryFolder folder_;
 };

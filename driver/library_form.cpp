@@ -66,6 +66,7 @@ RunOutcome LibraryForm::Form_Load() {
         run_.form.lblver = "Version " + version_;
         run_.settings = ReadSettings(run_.host);
         run_.removals.limits = ReadSafetyLimits(run_.host);
+        run_.movedMusic = ReadMovedMusicSettings(run_.host);
         run_.LibraryFolders = BuildLibraryFolders(run_.files, run_.settings);
         if (!PluginIsEnabled()) {
             WriteLog(run_, LogSource, PluginMissing);

@@ -212,8 +212,10 @@ std::vector<AlbumRow*> Library::AlbumsWith(std::string_view cdjid) {
 TrackRow* Library::FindTrack(std::string_view path) {
     TrackRow* first = nullptr;
     const auto look = [&](TrackRow& track) {
-        if (track.isOwn && !track.isGone && rules_.EndsWith(track.soundFile, path))
-            first = First(first, &track);
+        if (!track.isOwn || track.isGone || !rules_.EndsWith(track.soundFile, path)) return;
+        // Another song may have got the name of a file that is missing.
+        const bool isOther = first != nullptr && first->isWaiting != track.isWaiting;
+        first = isOther ? (track.isWaiting ? first : &track) : First(first, &track);
     };
     if (HasStart(path)) {
         tracksByFile_.ForEach(rules_.Hash(PathKey(path)),

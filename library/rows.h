@@ -72,6 +72,7 @@ struct AlbumRow {
     MarkableNumber count;  ///< `Tracks`
     bool isOwn = false;    ///< the tool's, not another player's
     bool isNew = false, isGone = false;
+    bool isWaiting = false;  ///< all of its tracks wait for their files
 };
 
 /// A row of `Tracks`.
@@ -88,6 +89,7 @@ struct TrackRow {
     std::optional<DateTime> added;  ///< `DateAdded`
     bool isOwn = false;             ///< of an album of the tool's
     bool isNew = false, isGone = false;
+    bool isWaiting = false;  ///< for its file, which is gone; until then it has no number
 };
 
 /// A row of `Spinner`, the download table.

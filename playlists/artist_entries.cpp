@@ -72,7 +72,7 @@ class ByArtist {
 
   private:
     static bool IsGone(const SongRow&) { return false; }
-    static bool IsGone(const auto& row) { return row.isGone; }
+    static bool IsGone(const auto& row) { return row.isGone || row.isWaiting; }
 
     std::deque<Row>& rows_;
     const TextRules& rules_;

@@ -38,7 +38,8 @@ std::vector<std::string> TracksOf(Run& run, const PlaFields& fields) {
         run.connection->Query("SELECT Track FROM Tracks WHERE cdjid=" + FilterQuoted(fields.cdjid));
     for (; !rows->IsEof(); rows->MoveNext()) {
         std::string track = rows->Text("Track");
-        if (IsNumeric(track)) tracks.push_back(std::move(track));
+        const bool isWaiting = run.movedMusic.KeepDays > 0 && ToNumber(track) == 0.0;
+        if (IsNumeric(track) && !isWaiting) tracks.push_back(std::move(track));
     }
     return tracks;
 }

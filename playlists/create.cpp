@@ -36,7 +36,7 @@ class Threshold {
         const TrackRow* last = nullptr;
         std::int64_t* count = nullptr;
         for (const TrackRow& track : run.TheLibrary().Tracks()) {
-            if (track.isGone) continue;
+            if (track.isGone || track.isWaiting) continue;
             // Tracks of one artist mostly follow each other.
             if (last == nullptr || !last->artist.IsSameAs(track.artist))
                 count = &counts_[LowerCase(track.artist)];
@@ -61,7 +61,7 @@ class Threshold {
 std::vector<const AlbumRow*> AlbumsByArtist(Library& library) {
     std::vector<const AlbumRow*> albums;
     for (const AlbumRow& album : library.Albums()) {
-        if (!album.isGone && !album.artist.IsEmpty() && !album.cdjid.IsEmpty())
+        if (!album.isGone && !album.isWaiting && !album.artist.IsEmpty() && !album.cdjid.IsEmpty())
             albums.push_back(&album);
     }
     std::ranges::stable_sort(albums, [&](const AlbumRow* one, const AlbumRow* other) {

@@ -38,16 +38,25 @@ void WriteEntry(SnapshotWriter& file, const CapturedEntry& entry) {
         .Whole(entry.traits.origin);
 }
 
+/// A song that is about to move is known by its new path, and by where it comes from.
+SongTraits KeptTraits(const Run& run, std::int32_t id, SongTraits traits) {
+    if (const std::string* const path = run.playlistEntries.NewPathOf(id))
+        traits.soundFile = SoundFileTrait(*path);
+    return traits;
+}
+
 void WriteCaptured(SnapshotWriter& file, const Run& run, const TrackIndex& tracks,
                    const PlaylistRange& playlist) {
     WriteList(file, playlist.name, playlist.content);
     for (PlaylistEntries::Position at = playlist.begin; at < playlist.end; ++at) {
         const PlaylistEntry entry = run.playlistEntries.At(at);
         const TrackRow* const track = tracks.FindId(entry.ID);
-        WriteEntry(file, {.cdjid = std::string(entry.CDJID),
-                          .index = entry.Track,
-                          .id = entry.ID,
-                          .traits = track == nullptr ? SongTraits() : TraitsOf(*track)});
+        WriteEntry(file,
+                   {.cdjid = std::string(entry.CDJID),
+                    .index = entry.Track,
+                    .id = entry.ID,
+                    .traits = track == nullptr ? SongTraits()
+                                               : KeptTraits(run, entry.ID, TraitsOf(*track))});
     }
 }
 
@@ -62,6 +71,7 @@ void WriteKept(SnapshotWriter& file, const Run& run, const TrackIndex* tracks,
             entry.id = present;
             entry.traits = TraitsOf(*track);
         }
+        entry.traits = KeptTraits(run, entry.id, entry.traits);
         WriteEntry(file, entry);
     }
 }

@@ -1,14 +1,18 @@
 #include "playlists/refresh.h"
 
+#include <algorithm>
 #include <cstddef>
+#include <map>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_set>
 #include <utility>
 #include <vector>
 
+#include "database/waiting_music.h"
 #include "platform/ansi.h"
 #include "platform/basic_text.h"
 #include "platform/failure.h"
@@ -36,13 +40,17 @@ class Refreshing {
 
     void Perform() {
         if (tracks_.IsEmpty() || !FolderIsThere()) return;
+        if (run_.movedMusic.KeepDays > 0) waiting_.emplace(run_);
         for (const FileEntry& file : Counted(run_, FilesInPlaylistFolder(run_))) {
+            names_.insert(LowerCase(file.name));
             if (!entries_.ContentOf(file.name) && !HasPlaylistName(file.name)) continue;
             ForOne(file, [&] { Check(file); });
         }
         if (!run_.removals.Allow(run_, {.kind = Removable::Playlists, .names = goingAway_})) return;
+        if (waiting_) SecureWaiting();
         for (const FileEntry& file : toDo_)
             ForOne(file, [&] { Settle(file); });
+        if (waiting_) EndWaiting();
         EndSnapshot();
     }
 
@@ -63,6 +71,38 @@ class Refreshing {
         steps_.Concerning({});
     }
 
+    std::span<const WaitingEntry> WaitingIn(const FileEntry& file) const {
+        return waiting_ ? waiting_->EntriesOf(file.name) : std::span<const WaitingEntry>();
+    }
+
+    /// What is about to be taken out of lists is noted before that happens. What comes back stays
+    /// noted until it has: both at once is put right by the next run.
+    void SecureWaiting() {
+        for (const auto& [name, entries] : newWaiting_) {
+            std::vector<WaitingEntry> all = entries;
+            for (const WaitingEntry& entry : waiting_->EntriesOf(name)) {
+                if (std::ranges::find(all, entry.song, &WaitingEntry::song) == all.end())
+                    all.push_back(entry);
+            }
+            std::ranges::stable_sort(all, {}, &WaitingEntry::position);
+            oldWaiting_[name] = waiting_->EntriesOf(name);
+            waiting_->SetEntries(name, std::move(all));
+        }
+        waiting_->Save();
+    }
+
+    /// Lists that could not be settled keep what is noted for both versions of them.
+    void EndWaiting() {
+        for (auto& [name, entries] : newWaiting_) {
+            if (settled_.contains(name)) waiting_->SetEntries(name, std::move(entries));
+        }
+        for (const std::string& name : waiting_->Playlists()) {
+            const bool isGone = !names_.contains(name) && !entries_.HasUnread();
+            if (isGone || entries_.IsMadeAnew(name)) waiting_->SetEntries(name, {});
+        }
+        waiting_->Save();
+    }
+
     /// Finds out whether something is to be done.
     void Check(const FileEntry& file) {
         if (entries_.IsUnread(file.name) || entries_.IsMadeAnew(file.name)) return;
@@ -71,11 +111,13 @@ class Refreshing {
             toDo_.push_back(file);
             return;
         }
-        const RepairedList list = Repair(run_, tracks_, file.name, text);
+        RepairedList list = Repair(run_, tracks_, file.name, text, WaitingIn(file));
+        if (waiting_) newWaiting_[LowerCase(file.name)] = list.waiting;
         if (list.isChanged && list.IsEmpty()) goingAway_.push_back(file.path);
         if (list.isChanged || !list.messages.empty()) {
             toDo_.push_back(file);
         } else {
+            settled_.insert(LowerCase(file.name));
             Finished(file);
         }
     }
@@ -85,8 +127,15 @@ class Refreshing {
         const std::string text = ReadPlaylist(run_.files, file.path);
         const std::optional<PlaylistContent> captured = entries_.ContentOf(file.name);
         if (captured == ContentOf(text)) {
-            const RepairedList list = Repair(run_, tracks_, file.name, text);
-            if (!Store(file, list, *captured)) TellChanged(file, text);
+            const auto old = oldWaiting_.find(LowerCase(file.name));
+            const RepairedList list =
+                Repair(run_, tracks_, file.name, text,
+                       old == oldWaiting_.end() ? std::vector<WaitingEntry>() : old->second);
+            if (Store(file, list, *captured)) {
+                settled_.insert(LowerCase(file.name));
+            } else {
+                TellChanged(file, text);
+            }
         } else if (captured) {
             TellChanged(file, text);
         } else {
@@ -189,6 +238,10 @@ class Refreshing {
     PlaylistEntries& entries_;
     Steps& steps_;
     TrackIndex tracks_;
+    std::optional<WaitingMusic> waiting_;  ///< nothing where no music waits for its files
+    /// Entries that wait, by playlist in lower case: after this run, and before.
+    std::map<std::string, std::vector<WaitingEntry>> newWaiting_, oldWaiting_;
+    std::unordered_set<std::string> names_, settled_;  ///< of all lists, of those done; likewise
     std::vector<FileEntry> toDo_;
     std::vector<std::string> goingAway_;        ///< paths of lists with nothing left
     std::unordered_set<std::string> finished_;  ///< names in lower case

@@ -26,10 +26,15 @@ std::uint32_t PlaceHash(const TextRules& rules, std::string_view cdjid, std::int
 
 }  // namespace
 
+std::uint32_t SoundFileTrait(std::string_view path) {
+    path.remove_prefix(GetDrive(path).size());
+    return Fingerprint(path);
+}
+
 SongTraits TraitsOf(const TrackRow& track) {
     std::string_view path = track.soundFile;
     path.remove_prefix(GetDrive(path).size());
-    return {.soundFile = Fingerprint(path), .origin = OriginFingerprint(track, path)};
+    return {.soundFile = SoundFileTrait(path), .origin = OriginFingerprint(track, path)};
 }
 
 std::int32_t IdOf(const TrackRow& track) {

@@ -24,6 +24,9 @@ struct SongTraits {
 
 SongTraits TraitsOf(const TrackRow& track);
 
+/// The first of these for a path.
+std::uint32_t SoundFileTrait(std::string_view path);
+
 /// `Tracks.ID` and `Tracks.Track` as playlists have them; 0 where there is no number.
 std::int32_t IdOf(const TrackRow& track);
 std::int32_t PlaceOf(const TrackRow& track);

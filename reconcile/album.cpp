@@ -35,9 +35,9 @@ std::string UpdateAlbum(Walk& walk, AlbumRow& row, const std::string& album,
     row.count.Set(trackCount);
     if (trackCount > 0) {
         const bool same = row.count.Before() == RowNumber(trackCount);
-        const bool isUnchanged = same && hadIdentifier;
+        const bool isUnchanged = same && hadIdentifier && !walk.renamed.contains(row.id);
         ++(isUnchanged ? walk.run.counts.albumsUnchanged : walk.run.counts.albumsChanged);
-        if (!same && hadIdentifier) ++walk.recounted;
+        if (!same && hadIdentifier && !walk.renamed.contains(row.id)) ++walk.recounted;
     }
     return row.cdjid;
 }

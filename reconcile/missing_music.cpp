@@ -85,24 +85,33 @@ void TellWhatIsGone(Run& run, const MissingMusic& missing, bool albumsAreGone) {
 
 }  // namespace
 
+PlannedRemoval PlanRemoval(const Walk& walk, const std::vector<MissingMusic::Track>& tracks,
+                           std::size_t owned) {
+    PlannedRemoval planned;
+    Doubts doubts(walk.roots);
+    for (const MissingMusic::Track& track : tracks) {
+        planned.names.push_back(track.row->soundFile);
+        doubts.Look(track.row->soundFile);
+    }
+    planned.outOf = owned;
+    planned.doubt = doubts.Clause();
+    return planned;
+}
+
 MissingMusic FindMissingMusic(Walk& walk) {
     MissingMusic missing;
-    Doubts doubts(walk.roots);
     std::size_t owned = 0;
     for (TrackRow& track : walk.library.Tracks()) {
         if (track.isGone || !track.isOwn) continue;
         ++owned;
-        if (track.number.Value() != 0) continue;
-        missing.tracks.push_back({&track, walk.library.AlbumOf(track)});
-        missing.planned.names.push_back(track.soundFile);
-        doubts.Look(track.soundFile);
+        if (track.number.Value() == 0)
+            missing.tracks.push_back({&track, walk.library.AlbumOf(track)});
     }
     for (AlbumRow& album : walk.library.Albums()) {
         if (album.isOwn && !album.isGone && album.count.Value() == 0)
             missing.albums.push_back(&album);
     }
-    missing.planned.outOf = owned;
-    missing.planned.doubt = doubts.Clause();
+    missing.planned = PlanRemoval(walk, missing.tracks, owned);
     return missing;
 }
 

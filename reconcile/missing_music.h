@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <vector>
 
 #include "library/rows.h"
@@ -24,6 +25,10 @@ struct MissingMusic {
     /// none of the library folders.
     PlannedRemoval planned;
 };
+
+/// Tracks, of so many in all, as the brake wants to know of them.
+PlannedRemoval PlanRemoval(const Walk& walk, const std::vector<MissingMusic::Track>& tracks,
+                           std::size_t owned);
 
 /// What the sweeps would remove after this walk.
 MissingMusic FindMissingMusic(Walk& walk);

@@ -7,8 +7,10 @@
 #include "platform/files.h"
 #include "reconcile/absent_folders.h"
 #include "reconcile/folder_walk.h"
+#include "reconcile/keep_missing.h"
 #include "reconcile/left_out_music.h"
 #include "reconcile/missing_music.h"
+#include "reconcile/moved_music.h"
 #include "reconcile/unlisted.h"
 #include "reconcile/walk.h"
 #include "reconcile/walked_album.h"
@@ -45,9 +47,14 @@ void NoteLooseFiles(Run& run) {
 bool Sweep(Walk& walk, const std::vector<std::string>& absent) {
     Run& run = walk.run;
     if (run.AbortRequested) return false;
+    if (walk.moved && !walk.moved->Settle(absent)) return false;
+    if (run.AbortRequested) return false;
     KeepRowsBelow(walk, absent);
-    const MissingMusic missing = FindMissingMusic(walk);
+    MissingMusic missing = FindMissingMusic(walk);
+    KeptMusic kept;
+    if (walk.waiting) kept = TakeOutWaiting(walk, missing, absent);
     if (run.removals.Braked() || !run.removals.Allow(run, missing.planned)) return false;
+    if (walk.waiting && !KeepWaiting(walk, kept)) return false;
     SweepMissingMusic(walk, missing);
     return true;
 }
@@ -91,7 +98,9 @@ void RefreshDatabase(Run& run) {
     run.counts.leftOut = run.leftOut.Total();
     const bool isSwept = absentKnown && Sweep(walk, absent);
     if (!isSwept) TakeBackNumbers(walk, steps);
-    steps.Try(RefreshStep::ChangeRows, [&] { walk.library.Save(); });
+    const bool isSaved = steps.Try(RefreshStep::ChangeRows, [&] { walk.library.Save(); });
+    if (walk.waiting && isSwept && isSaved) ForgetReturned(walk);
+    if (walk.moved) walk.moved->Remember();
 }
 
 }  // namespace quillon

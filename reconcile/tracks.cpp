@@ -13,6 +13,7 @@
 
 #include "database/schema.h"
 #include "database/sql.h"
+#include "database/waiting_music.h"
 #include "id3/file_names.h"
 #include "platform/basic_text.h"
 #include "platform/clock.h"
@@ -139,7 +140,11 @@ class AlbumTracks {
     /// 0 where there was none.
     std::int64_t NumberBefore(std::int64_t id) const {
         const TrackRow* const row = library_.FindTrack(TrackId{id});
-        return row == nullptr ? 0 : row->number.Before().value_or(0);
+        if (row == nullptr) return 0;
+        if (row->isWaiting && walk_.waiting) {
+            if (const WaitingSong* const song = walk_.waiting->Find(row->id)) return song->number;
+        }
+        return row->number.Before().value_or(0);
     }
 
     std::optional<std::int64_t> TagNumber(ListedFile& file) {
@@ -222,7 +227,7 @@ class AlbumTracks {
     void Settle(const TrackRow& row) {
         if (row.isNew) return;
         const bool same = row.number.Before() == row.number.Truth();
-        const bool isRenamed = changed_.contains(row.id);
+        const bool isRenamed = changed_.contains(row.id) || walk_.followed.contains(row.id);
         ++(same && !isRenamed ? run_.counts.tracksUnchanged : run_.counts.tracksChanged);
         if (!same && !isRenamed) ++walk_.renumbered;
     }

@@ -92,7 +92,7 @@ class Keeping {
         std::map<std::string, TrackSet> unsettled;
         for (TrackRow& track : library_.Tracks()) {
             const AlbumRow* const album = track.isGone ? nullptr : library_.AlbumOf(track);
-            if (album == nullptr || !track.isOwn ||
+            if (album == nullptr || !track.isOwn || track.isWaiting ||
                 (track.number.Value() != 0 && album->count.Value() != 0))
                 continue;
             const std::optional<std::size_t> folder = unlisted_.FolderOf(track.soundFile);
@@ -114,7 +114,7 @@ class Keeping {
 
     void KeepAlbums() {
         for (AlbumRow& album : library_.Albums()) {
-            if (album.isGone || !album.isOwn) continue;
+            if (album.isGone || !album.isOwn || album.isWaiting) continue;
             const auto kept = kept_.find(LowerCase(album.cdjid));
             if (const std::int32_t seen = album.count.Value(); seen != 0) {
                 if (kept != kept_.end()) album.count.Set(seen + kept->second);
@@ -150,6 +150,18 @@ std::vector<std::size_t> KeepBelow(Library& library, const std::vector<UnlistedF
     keeping.KeepTracks(counts);
     keeping.KeepAlbums();
     return counts;
+}
+
+std::unordered_set<const TrackRow*> TracksBelow(Library& library,
+                                                const std::vector<UnlistedFolder>& folders) {
+    std::unordered_set<const TrackRow*> tracks;
+    if (folders.empty()) return tracks;
+    const UnlistedRows unlisted(folders);
+    for (const TrackRow& track : library.Tracks()) {
+        if (!track.isGone && track.isOwn && unlisted.FolderOf(track.soundFile))
+            tracks.insert(&track);
+    }
+    return tracks;
 }
 
 std::unordered_set<std::string> AlbumsBelow(Library& library,

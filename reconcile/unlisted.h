@@ -19,9 +19,14 @@ struct UnlistedFolder {
 
 /// Restores the counts and numbers of what is still set aside below these folders, so that the
 /// sweeps leave it alone; what was 0 before gets a free number. All folders of a run come at once:
-/// what an album lacks is added to the count that the walk gave it. Returns how many tracks that
-/// concerned below each of them; of folders inside each other the inner one counts.
+/// what an album lacks is added to the count that the walk gave it. Tracks that wait for their
+/// files wait on. Returns how many tracks that concerned below each of them; of folders inside each
+/// other the inner one counts.
 std::vector<std::size_t> KeepBelow(Library& library, const std::vector<UnlistedFolder>& folders);
+
+/// The own tracks below these folders, or for which one stands.
+std::unordered_set<const TrackRow*> TracksBelow(Library& library,
+                                                const std::vector<UnlistedFolder>& folders);
 
 /// AlbumKey of the albums that have tracks below these folders.
 std::unordered_set<std::string> AlbumsBelow(Library& library,

@@ -16,6 +16,8 @@ namespace quillon {
 
 /// The steps of refreshing the database.
 enum class RefreshStep { Begin = 1, FindAbsentFolders = 2, ChangeRows = 3 };
+class MovedMusic;
+class WaitingMusic;
 
 /// A library folder on the walk.
 struct WalkedRoot {
@@ -27,6 +29,9 @@ struct WalkedRoot {
 struct Walk {
     /// Throws Failure when the library cannot be read.
     explicit Walk(Run& theRun);
+    ~Walk();
+    Walk(const Walk&) = delete;
+    Walk& operator=(const Walk&) = delete;
 
     Run& run;
     Library& library;  ///< with all counts and numbers set aside until the walk has been there
@@ -37,6 +42,13 @@ struct Walk {
     /// AlbumKey of the albums that have songs out of sight: all of their songs keep what they have.
     /// Numbers handed out now would be those of the missing songs.
     std::unordered_set<std::string> hidden;
+
+    std::unique_ptr<WaitingMusic> waiting;  ///< null where nothing waits for its files
+    std::unique_ptr<MovedMusic> moved;      ///< null where rows do not follow moved files
+
+    /// Rows that have got new paths or names because their music has moved.
+    std::unordered_set<TrackId> followed;
+    std::unordered_set<AlbumId> renamed;
 
     DateTime savedAt;  ///< when counts and numbers were written last
 

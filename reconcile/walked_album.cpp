@@ -6,6 +6,7 @@
 #include "database/album_key.h"
 #include "database/schema.h"
 #include "reconcile/album.h"
+#include "reconcile/moved_music.h"
 #include "reconcile/tracks.h"
 #include "run/sound_files.h"
 #include "run/steps.h"
@@ -25,6 +26,7 @@ void ProcessAlbum(Walk& walk, Album album, FileList files) {
             walk.unlisted.push_back({file.Name, album.artist, album.title});
         return;
     }
+    if (walk.moved && walk.moved->HoldBack(album, files)) return;
     album.cdjid = ProcessOneAlbum(walk, album.artist, album.title, album.trackCount);
     if (album.trackCount == 0) return;
     // The album could not be matched, and it is logged why. Files whose own look-up would work keep
@@ -36,6 +38,7 @@ void ProcessAlbum(Walk& walk, Album album, FileList files) {
         if (std::none_of(files.begin(), files.end(), HoldsQuote)) return;
     }
     ProcessTracks(walk, album, files);
+    if (walk.moved) walk.moved->NoteSeen(files);
 }
 
 void SaveNowAndThen(Walk& walk) {

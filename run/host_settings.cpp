@@ -1,5 +1,11 @@
 #include "run/host_settings.h"
 
+#include <algorithm>
+#include <limits>
+#include <optional>
+
+#include "platform/basic_text.h"
+
 namespace quillon {
 
 std::string DownloadHost(Host& host) {
@@ -19,6 +25,16 @@ CoverTreeScan ReadCoverTreeScan(Host& host) {
     const std::string scan = host.GetINISetting("Covers", "ScanLibrary", "0", HostSettingsFile);
     return {IsSwitchedOn(scan),
             host.GetINISetting("Covers", "ReservedFolder", "", HostSettingsFile)};
+}
+
+std::int32_t ReadWholeNumber(Host& host, std::string_view section, std::string_view key,
+                             std::int32_t fallback) {
+    const std::string text =
+        host.GetINISetting(section, key, std::to_string(fallback), HostSettingsFile);
+    const std::optional<double> number = ToNumber(text);
+    if (!number || *number < 0) return fallback;
+    constexpr double Most = std::numeric_limits<std::int32_t>::max();
+    return static_cast<std::int32_t>(std::min(*number, Most));
 }
 
 }  // namespace quillon

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -22,5 +23,9 @@ struct CoverTreeScan {
     std::string ReservedFolder;  ///< name of album folders to leave out; "" for none
 };
 CoverTreeScan ReadCoverTreeScan(Host& host);
+
+/// A number of 0 or more; `fallback` where the key is absent or its value is none.
+std::int32_t ReadWholeNumber(Host& host, std::string_view section, std::string_view key,
+                             std::int32_t fallback);
 
 }  // namespace quillon

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
@@ -73,6 +74,14 @@ class PlaylistEntries {
     /// Whether the entry was added for another row than the one it has now.
     bool HasBecomeAnother(Position position) const;
 
+    /// The row of a song is about to get another path. What is kept has to know it by both.
+    void SongMoves(std::int32_t id, std::string path) { newPaths_[id] = std::move(path); }
+    /// That path; null where the song stays.
+    const std::string* NewPathOf(std::int32_t id) const {
+        const auto found = newPaths_.find(id);
+        return found == newPaths_.end() ? nullptr : &found->second;
+    }
+
     /// What keeps the set for the case that the run does not come to its end.
     void OnKeep(std::function<void()> keep) { keep_ = std::move(keep); }
     /// Lets it keep what songs have become. Throws what it throws.
@@ -118,6 +127,7 @@ class PlaylistEntries {
     std::vector<Row> rows_;
     HashIndex bySong_, byPlace_;
     std::unordered_map<std::int32_t, std::int32_t> became_;  ///< row by the one it was before
+    std::unordered_map<std::int32_t, std::string> newPaths_;
     std::function<void()> keep_;
     std::unordered_map<Text, PlaylistContent> contents_;
     std::unordered_set<Text> unread_, madeAnew_;

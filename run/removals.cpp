@@ -1,26 +1,15 @@
 #include "run/removals.h"
 
 #include <algorithm>
-#include <limits>
-#include <optional>
 #include <string_view>
 
-#include "platform/basic_text.h"
 #include "platform/host.h"
+#include "run/host_settings.h"
 #include "run/log.h"
 #include "run/run.h"
 
 namespace quillon {
 namespace {
-
-std::int32_t ReadLimit(Host& host, std::string_view key, std::int32_t fallback) {
-    const std::string text =
-        host.GetINISetting("Safety", key, std::to_string(fallback), HostSettingsFile);
-    const std::optional<double> number = ToNumber(text);
-    if (!number || *number < 0) return fallback;
-    constexpr double Most = std::numeric_limits<std::int32_t>::max();
-    return static_cast<std::int32_t>(std::min(*number, Most));
-}
 
 /// The first names, and how many more there are.
 std::string FirstOf(const std::vector<std::string>& names) {
@@ -44,7 +33,7 @@ std::string NumberOf(std::size_t count, Removable kind) {
 SafetyLimits ReadSafetyLimits(Host& host) {
     const SafetyLimits standard;
     const auto limit = [&host](std::string_view key, std::int32_t fallback) {
-        return ReadLimit(host, key, fallback);
+        return ReadWholeNumber(host, "Safety", key, fallback);
     };
     return {.Brake = !IsSwitchedOff(host.GetINISetting("Safety", "Brake", "1", HostSettingsFile)),
             .MaxRemovedTracks = limit("MaxRemovedTracks", standard.MaxRemovedTracks),

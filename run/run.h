@@ -18,6 +18,7 @@
 #include "platform/window.h"
 #include "run/genre_dictionary.h"
 #include "run/left_out.h"
+#include "run/moved_music.h"
 #include "run/playlist_entries.h"
 #include "run/random_numbers.h"
 #include "run/removals.h"
@@ -74,6 +75,9 @@ class Run {
     Window& window;
     FormState form;
     Settings settings;
+
+    /// What becomes of music that is not where it was.
+    MovedMusicSettings movedMusic;
 
     /// Opens further connections; set by the driver at the start.
     DatabaseProvider* databases = nullptr;

@@ -221,7 +221,19 @@ std::string HostText(const Plan& plan) {
         "; again. Without a number each run makes copies, and all of them stay. 'quillon backups' "
         "lists\n"
         "; them, 'quillon restore' puts one back.\n" +
-        fmt::format("[{}]\n{}={}\n", BackupsSection, BackupsKeepKey, BackupKeeping::Usual);
+        fmt::format("[{}]\n{}={}\n", BackupsSection, BackupsKeepKey, BackupKeeping::Usual) +
+        "\n"
+        "; 1: a song whose file was moved or renamed keeps its row, with play counts, ratings and "
+        "places in\n"
+        "; playlists. It is recognised by its sound. 0: it is removed, and added anew.\n"
+        "[Library]\n"
+        "FollowMovedFiles=1\n"
+        "\n"
+        "; For how many days a song whose file is gone keeps its row. If the file comes back "
+        "within them, all\n"
+        "; is as before. 0: the row is removed at once.\n"
+        "[Missing]\n"
+        "KeepDays=14\n";
     return text + SafetyText();
 }
 

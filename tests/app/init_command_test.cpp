@@ -61,6 +61,8 @@ TEST_F(InitCommand, MakesAWholeHostFolder) {
     EXPECT_TRUE(HasEntry("shelf/Quillon.ini", "ID3Reconcile=0"));
     EXPECT_TRUE(HasEntry("shelf/host.ini", "Keep=1"));
     EXPECT_TRUE(HasEntry("shelf/host.ini", "OnlyIdentical=1"));
+    EXPECT_TRUE(HasEntry("shelf/host.ini", "FollowMovedFiles=1"));
+    EXPECT_TRUE(HasEntry("shelf/host.ini", "KeepDays=14"));
 
     const auto database = jet::Database::Open(Path("shelf/jukebox.mdb"), jet::OpenMode::ReadOnly);
     EXPECT_EQ(database.Tables().size(), JukeboxTables().size());

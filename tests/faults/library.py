@@ -65,7 +65,10 @@ class Library:
         self.call("init", str(self.host), "--music", str(self.music))
         settings = self.host / "host.ini"
         # A copy must not lead back here.
-        settings.write_text(re.sub(r"(?m)^D=.*$", "D=../disk", settings.read_text()))
+        text = re.sub(r"(?m)^D=.*$", "D=../disk", settings.read_text())
+        # The rules tell rows that are gone by the numbers that rows which wait for files lack, too.
+        text = text.replace("FollowMovedFiles=1", "FollowMovedFiles=0")
+        settings.write_text(text.replace("KeepDays=14", "KeepDays=0"))
 
     def copy_to(self, folder):
         shutil.copytree(self.folder, folder, symlinks=True)

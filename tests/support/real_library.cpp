@@ -116,6 +116,12 @@ std::unique_ptr<TextWriter> RealLibrary::Files::CreateText(std::string_view path
     return PortableFiles::CreateText(path);
 }
 
+std::unique_ptr<BinaryReader> RealLibrary::Files::OpenBinary(std::string_view path) {
+    ++opened;
+    beforeReading(path);
+    return PortableFiles::OpenBinary(path);
+}
+
 std::string RealLibrary::Faults() {
     CloseDatabase();
     return StructuralFaults(DatabaseFile());

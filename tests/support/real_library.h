@@ -48,15 +48,18 @@ class RealLibrary {
     /// Closes the database and lets the independent structural check look at it.
     std::string Faults();
 
-    /// Real files; something may happen before one of them is renamed, deleted or written.
+    /// Real files; something may happen before one of them is renamed, deleted, written or read.
     class Files : public PortableFiles {
       public:
         using PortableFiles::PortableFiles;
         void MoveFile(std::string_view from, std::string_view to) override;
         void DeleteFile(std::string_view path) override;
         std::unique_ptr<TextWriter> CreateText(std::string_view path) override;
+        std::unique_ptr<BinaryReader> OpenBinary(std::string_view path) override;
 
         std::function<void()> beforeChange = [] {};
+        std::function<void(std::string_view path)> beforeReading = [](std::string_view) {};
+        std::size_t opened = 0;  ///< how many files have been opened to read their bytes
     };
     Files& RealFiles() { return files_; }
 

@@ -1,0 +1,400 @@
+#include "reconcile/follow_moved.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <map>
+#include <optional>
+#include <span>
+#include <string>
+#include <unordered_map>
+#include <utility>
+
+#include "database/album_key.h"
+#include "platform/basic_text.h"
+#include "reconcile/move_matching.h"
+#include "reconcile/track_name.h"
+#include "run/log.h"
+#include "tags/tag_reader.h"
+
+namespace quillon {
+namespace {
+
+enum class FollowStep { AddRow = 4, KeepPlaces = 5, RenameAlbum = 6, ChangePath = 7 };
+
+constexpr std::int64_t UnknownLength = -1;
+
+std::int64_t SecondsOf(const TrackRow& row) {
+    const std::int64_t minutes = row.minutes.value_or(-1), seconds = row.seconds.value_or(-1);
+    constexpr std::int64_t SecondsAMinute = 60;
+    return minutes < 0 || seconds < 0 ? UnknownLength : minutes * SecondsAMinute + seconds;
+}
+
+/// A file that a lost track may have.
+struct FoundFile {
+    std::size_t held = 0, file = 0;
+    TrackRow* displaced = nullptr;
+};
+
+/// What tells one song from others.
+std::optional<SoundPrint> Telling(const SoundPrint& print) {
+    return print.size > 0 ? std::optional(print) : std::nullopt;
+}
+
+std::string FolderOf(std::string_view path) {
+    return std::string(path.substr(0, path.rfind('\\')));
+}
+
+class Following {
+  public:
+    Following(Walk& walk, KnownSounds& sounds, std::vector<HeldAlbum>& held,
+              const std::vector<LostTrack>& lost)
+        : walk_(walk),
+          run_(walk.run),
+          library_(walk.library),
+          sounds_(sounds),
+          held_(held),
+          lost_(lost),
+          steps_(walk.run, "FollowMovedFiles") {}
+
+    bool Perform() {
+        Ask();
+        MoveAnswer answer = MatchMoves(library_.Rules(), question_);
+        becomes_ = std::move(answer.becomes);
+        LeaveOthersTheirFiles();
+        if (!SecurePlaylists()) return false;
+        RenameAlbums();
+        for (std::size_t lost = 0; lost < lost_.size(); ++lost) {
+            if (becomes_[lost]) MoveTrack(lost);
+        }
+        TellMoves();
+        TellTwins(answer.twins);
+        KeepWhereUnheard();
+        return true;
+    }
+
+  private:
+    const ListedFile& FileOf(const FoundFile& found) const {
+        return held_[found.held].files[found.file];
+    }
+    ListedFile& FileOf(const FoundFile& found) { return held_[found.held].files[found.file]; }
+    const std::string& PathOf(const FoundFile& found) const { return FileOf(found).Name; }
+
+    void Ask() {
+        std::unordered_map<std::string, std::size_t> names;
+        for (std::size_t album = 0; album < held_.size(); ++album)
+            AskForFiles(album, names);
+        std::map<const AlbumRow*, std::size_t> albums;
+        for (const LostTrack& lost : lost_) {
+            const auto [place, isNew] = albums.try_emplace(lost.album, albums.size());
+            if (isNew) AskForAlbum(*lost.album, names);
+            const KnownSound* const sound = sounds_.Of(*lost.row);
+            question_.lost.push_back(
+                {.album = place->second,
+                 .title = lost.row->title,
+                 .seconds = SecondsOf(*lost.row),
+                 .print = sound == nullptr ? std::nullopt : Telling(sound->print),
+                 .whole = sound == nullptr ? std::nullopt : sound->whole});
+        }
+        question_.secondsOf = [this](std::size_t found) { return TagSeconds(found_[found]); };
+        question_.wholeOf = [this](std::size_t found) { return Whole(found_[found]); };
+    }
+
+    void AskForFiles(std::size_t album, std::unordered_map<std::string, std::size_t>& names) {
+        const HeldAlbum& held = held_[album];
+        // What no album row can be made for has no tracks, either.
+        if ((held.album.artist + held.album.title).find('"') != std::string::npos) return;
+        names.try_emplace(AlbumKey(held.album.artist, held.album.title), album);
+        for (std::size_t file = 0; file < held.files.size(); ++file) {
+            const HeldAlbum::File& kind = held.kinds[file];
+            if (!kind.isNew && kind.displaced == nullptr) continue;
+            found_.push_back({album, file, kind.displaced});
+            question_.found.push_back(
+                {.album = album,
+                 .title = GetTrackName(held.files[file].Name, run_.settings.FlatStructure),
+                 .print = kind.print ? Telling(*kind.print) : std::nullopt});
+        }
+    }
+
+    void AskForAlbum(const AlbumRow& album,
+                     const std::unordered_map<std::string, std::size_t>& names) {
+        const auto same = names.find(AlbumKey(album.artist, album.title));
+        question_.lostAlbums.push_back(
+            {.tracks = library_.TracksOf(album.cdjid).size(),
+             .sameName = same == names.end() ? std::nullopt : std::optional(same->second)});
+    }
+
+    std::int64_t TagSeconds(const FoundFile& found) {
+        ListedFile& file = FileOf(found);
+        if (!file.Tag) {
+            std::optional<Tag> tag = ReadID3(run_, file.Name);
+            if (!tag) return UnknownLength - 1;
+            file.Tag = TrackTagOf(*std::move(tag));
+        }
+        const std::optional<double> seconds = ToNumber(file.Tag->seconds);
+        return seconds ? static_cast<std::int64_t>(*seconds) : UnknownLength;
+    }
+
+    std::optional<std::uint64_t> Whole(const FoundFile& found) {
+        const ListedFile& file = FileOf(found);
+        std::optional<std::uint64_t> whole;
+        steps_.Concerning(file.Name);
+        steps_.Try(FollowStep::AddRow, [&] {
+            whole = ReadWholeSound(run_.files, file.Name, StateOf(file.Size, file.FileDate));
+        });
+        return whole;
+    }
+
+    /// A file that has a row goes to another one only where its own row gets another file: no row
+    /// shall lose its file to somebody else's song.
+    void LeaveOthersTheirFiles() {
+        std::unordered_map<const TrackRow*, std::size_t> places;
+        for (std::size_t lost = 0; lost < lost_.size(); ++lost)
+            places[lost_[lost].row] = lost;
+        for (bool isSettled = false; !isSettled;) {
+            isSettled = true;
+            for (auto& found : becomes_) {
+                const TrackRow* const owner = found ? found_[*found].displaced : nullptr;
+                if (owner == nullptr) continue;
+                const auto place = places.find(owner);
+                if (place != places.end() && becomes_[place->second]) continue;
+                found.reset();
+                isSettled = false;
+            }
+        }
+    }
+
+    /// What is kept of the playlists knows a song by its path, too.
+    bool SecurePlaylists() {
+        bool isAny = false;
+        for (std::size_t lost = 0; lost < lost_.size(); ++lost) {
+            if (!becomes_[lost]) continue;
+            isAny = true;
+            run_.playlistEntries.SongMoves(static_cast<std::int32_t>(lost_[lost].row->id),
+                                           PathOf(found_[*becomes_[lost]]));
+        }
+        return !isAny ||
+               steps_.Try(FollowStep::KeepPlaces, [this] { run_.playlistEntries.Keep(); });
+    }
+
+    /// Where the tracks of an album have gone.
+    struct Exit {
+        std::map<std::size_t, std::size_t> tracks;  ///< by the album held back
+        std::optional<std::size_t> first;           ///< a track that has got another file
+        bool isWhole = false;                       ///< no track has stayed
+
+        std::size_t Most() const {
+            const auto fewer = [](const auto& a, const auto& b) { return a.second < b.second; };
+            return std::ranges::max_element(tracks, fewer)->first;
+        }
+    };
+
+    void FindExits() {
+        std::unordered_map<const TrackRow*, bool> hasGone;
+        for (std::size_t lost = 0; lost < lost_.size(); ++lost) {
+            hasGone[lost_[lost].row] = becomes_[lost] || !lost_[lost].isDisplaced;
+            if (!becomes_[lost]) continue;
+            Exit& exit = exits_[lost_[lost].album];
+            if (!exit.first) exit.first = lost;
+            ++exit.tracks[found_[*becomes_[lost]].held];
+        }
+        for (std::size_t held = 0; held < held_.size(); ++held)
+            FindRegrouped(held, hasGone);
+        for (auto& [album, exit] : exits_) {
+            exit.isWhole =
+                std::ranges::all_of(library_.TracksOf(album->cdjid), [&](const TrackRow* track) {
+                    const auto found = hasGone.find(track);
+                    return found != hasGone.end() && found->second;
+                });
+        }
+    }
+
+    /// Files that are where they were and belong to another album now: in the flat layout their
+    /// tags say so.
+    void FindRegrouped(std::size_t held, std::unordered_map<const TrackRow*, bool>& hasGone) {
+        const Album& to = held_[held].album;
+        const AlbumRow* const there = library_.FindAlbum(to.artist, to.title);
+        for (std::size_t i = 0; i < held_[held].files.size(); ++i) {
+            if (held_[held].kinds[i].isNew || held_[held].kinds[i].displaced != nullptr) continue;
+            const TrackRow* const row = library_.FindTrack(held_[held].files[i].Name);
+            AlbumRow* const from = row == nullptr ? nullptr : library_.AlbumOf(*row);
+            if (from == nullptr || from == there) continue;
+            ++exits_[from].tracks[held];
+            hasGone[row] = true;
+        }
+    }
+
+    /// An album of which no track has stayed goes where most of them have gone, where no other
+    /// album is.
+    void RenameAlbums() {
+        FindExits();
+        std::map<std::size_t, AlbumRow*> newcomers;
+        for (const auto& [album, exit] : exits_) {
+            if (!exit.isWhole) continue;
+            const std::size_t to = exit.Most();
+            AlbumRow*& newcomer = newcomers[to];
+            const auto comesFirst = [&, album = album, exit = &exit] {
+                const std::size_t tracks = exit->tracks.at(to);
+                const std::size_t others = exits_.at(newcomer).tracks.at(to);
+                return tracks > others || (tracks == others && album->key < newcomer->key);
+            };
+            if (newcomer == nullptr || comesFirst()) newcomer = album;
+        }
+        DropWhereOthersStay(newcomers);
+        for (const auto& [to, album] : newcomers) {
+            const Album& held = held_[to].album;
+            steps_.Concerning(held.artist + '\\' + held.title);
+            steps_.Try(FollowStep::RenameAlbum,
+                       [&, to = to, album = album] { Rename(*album, held_[to].album); });
+        }
+    }
+
+    void DropWhereOthersStay(std::map<std::size_t, AlbumRow*>& newcomers) {
+        const auto leaves = [&](const AlbumRow* row) {
+            return std::ranges::any_of(newcomers,
+                                       [row](const auto& entry) { return entry.second == row; });
+        };
+        const auto isTaken = [&](const auto& entry) {
+            const Album& held = held_[entry.first].album;
+            const AlbumRow* const there = library_.FindAlbum(held.artist, held.title);
+            return there != nullptr && there != entry.second && !leaves(there);
+        };
+        while (std::erase_if(newcomers, isTaken) > 0) {
+        }
+    }
+
+    void Rename(AlbumRow& album, const Album& held) {
+        if (album.artist == held.artist && album.title == held.title) return;
+        const std::array<FieldValue, 2> names{FieldValue{"Artist", held.artist},
+                                              FieldValue{"Title", held.title}};
+        oldNames_[&album] = NameOf(album);
+        library_.Change(album, names);
+        walk_.renamed.insert(album.id);
+    }
+
+    void MoveTrack(std::size_t lost) {
+        TrackRow& row = *lost_[lost].row;
+        FoundFile& found = found_[*becomes_[lost]];
+        const ListedFile& file = FileOf(found);
+        const std::optional<SoundPrint> print = held_[found.held].kinds[found.file].print;
+        const FieldValue path{"SoundFile", file.Name};
+        oldPaths_[&row] = row.soundFile;
+        steps_.Concerning(file.Name);
+        if (!steps_.Try(FollowStep::ChangePath,
+                        [&] { library_.Change(row, std::span(&path, 1)); })) {
+            becomes_[lost].reset();
+            return;
+        }
+        walk_.followed.insert(row.id);
+        const KnownSound* const known = sounds_.Of(row);
+        if (print) {
+            sounds_.Set(row, {.file = StateOf(file.Size, file.FileDate),
+                              .print = *print,
+                              .whole = known == nullptr ? std::nullopt : known->whole});
+        }
+        held_[found.held].kinds[found.file] = {};
+    }
+
+    void TellMoves() {
+        for (std::size_t lost = 0; lost < lost_.size(); ++lost) {
+            if (!becomes_[lost]) continue;
+            const Exit& exit = exits_.at(lost_[lost].album);
+            const bool isTogether = exit.isWhole && exit.tracks.size() == 1;
+            if (isTogether && exit.first != lost) continue;
+            const std::string& from = oldPaths_.at(lost_[lost].row);
+            const std::string& to = PathOf(found_[*becomes_[lost]]);
+            if (isTogether) {
+                TellAlbum(*lost_[lost].album, exit, from, to);
+            } else {
+                WriteLog(run_, LogSource, "Track followed to its new place: " + from + " -> " + to);
+            }
+        }
+        for (const auto& [album, exit] : exits_) {
+            const auto old = oldNames_.find(album);
+            if (exit.first || old == oldNames_.end()) continue;
+            WriteLog(run_, LogSource,
+                     "Album followed its tracks: " + old->second + " -> " + NameOf(*album));
+        }
+    }
+
+    static std::string NameOf(const AlbumRow& album) {
+        return album.artist.Text() + '\\' + album.title.Text();
+    }
+
+    void TellAlbum(const AlbumRow& album, const Exit& exit, const std::string& from,
+                   const std::string& to) {
+        const std::size_t count = exit.tracks.begin()->second;
+        const std::string tracks = std::to_string(count) + (count == 1 ? " track: " : " tracks: ");
+        const auto old = oldNames_.find(&album);
+        std::string places = FolderOf(from) + " -> " + FolderOf(to);
+        if (EqualIgnoringCase(FolderOf(from), FolderOf(to))) {
+            if (old == oldNames_.end()) {
+                places = NameOf(album) + ", files renamed in " + FolderOf(to);
+            } else {
+                places = old->second + " -> " + NameOf(album);
+            }
+        }
+        WriteLog(run_, LogSource, "Album followed to its new place, " + tracks + places);
+    }
+
+    void TellTwins(const std::vector<MoveAnswer::Twins>& twins) {
+        for (const MoveAnswer::Twins& same : twins) {
+            const std::string& missing = lost_[same.lost.front()].row->soundFile;
+            const std::string& fresh = PathOf(found_[same.found.front()]);
+            WriteLog(run_, LogSource,
+                     "Nobody can tell what became of " + missing + ": the same sound is missing " +
+                         Times(same.lost.size()) + " and new " + Times(same.found.size()) +
+                         ", as " + fresh + " for one. The new files count as new");
+        }
+    }
+
+    /// A new file that could not be read may be any of the missing songs; so they stay for this
+    /// run.
+    void KeepWhereUnheard() {
+        const FoundFile* unheard = nullptr;
+        for (const FoundFile& found : found_) {
+            const HeldAlbum::File& kind = held_[found.held].kinds[found.file];
+            if (kind.isNew && !kind.print) unheard = &found;
+        }
+        if (unheard == nullptr) return;
+        std::size_t kept = 0;
+        for (std::size_t lost = 0; lost < lost_.size(); ++lost) {
+            if (becomes_[lost] || lost_[lost].isDisplaced || lost_[lost].row->isWaiting) continue;
+            const AlbumRow& album = *lost_[lost].album;
+            walk_.unlisted.push_back({lost_[lost].row->soundFile, album.artist, album.title});
+            ++kept;
+        }
+        if (kept == 0) return;
+        WriteLog(run_, LogSource,
+                 "Missing tracks that keep their rows in this run, since a new file could not be "
+                 "read whole: " +
+                     std::to_string(kept) + "; the file: " + PathOf(*unheard));
+    }
+
+    static std::string Times(std::size_t count) {
+        return count == 1 ? "once" : std::to_string(count) + " times";
+    }
+
+    Walk& walk_;
+    Run& run_;
+    Library& library_;
+    KnownSounds& sounds_;
+    std::vector<HeldAlbum>& held_;
+    const std::vector<LostTrack>& lost_;
+    Steps steps_;
+    MoveQuestion question_;
+    std::vector<FoundFile> found_;
+    std::vector<std::optional<std::size_t>> becomes_;
+    std::map<AlbumRow*, Exit> exits_;
+    std::map<const AlbumRow*, std::string> oldNames_;
+    std::map<const TrackRow*, std::string> oldPaths_;
+};
+
+}  // namespace
+
+bool FollowLostTracks(Walk& walk, KnownSounds& sounds, std::vector<HeldAlbum>& held,
+                      const std::vector<LostTrack>& lost) {
+    return Following(walk, sounds, held, lost).Perform();
+}
+
+}  // namespace quillon

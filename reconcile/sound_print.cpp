@@ -1,0 +1,90 @@
+#include "reconcile/sound_print.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <span>
+#include <vector>
+
+#include "id3/sound_bytes.h"
+
+namespace quillon {
+namespace {
+
+constexpr std::uint64_t SampleSize = std::uint64_t{16} * 1024;
+
+/// FNV-1a of 64 bits.
+class Hash {
+  public:
+    void Add(std::span<const std::uint8_t> bytes) {
+        for (const std::uint8_t byte : bytes)
+            Add(byte);
+    }
+    void AddNumber(std::uint64_t number) {
+        for (int i = 0; i < 8; ++i)
+            Add(static_cast<std::uint8_t>(number >> (8U * static_cast<unsigned>(i))));
+    }
+    std::uint64_t Value() const { return value_; }
+
+  private:
+    void Add(std::uint8_t byte) {
+        constexpr std::uint64_t Prime = 1099511628211U;
+        value_ = (value_ ^ byte) * Prime;
+    }
+
+    std::uint64_t value_ = 14695981039346656037U;
+};
+
+/// Somebody may be writing the file; then what was read is of no file at all.
+bool IsStill(Files& files, const std::string& path, const FileState& state) {
+    const FileEntry file = files.GetFile(path);
+    return StateOf(file.size, file.modified) == state;
+}
+
+/// The hash of what visit(sound, hash) adds to it.
+template <typename Visit>
+std::optional<SoundPrint> HashOf(Files& files, const std::string& path, const FileState& state,
+                                 Visit visit) {
+    SoundPrint print;
+    {
+        SoundBytes sound(files, path);
+        if (sound.FileSize() != state.size) return std::nullopt;
+        Hash hash;
+        hash.AddNumber(sound.Size());
+        visit(sound, hash);
+        print = {.size = sound.Size(), .samples = hash.Value()};
+    }
+    if (!IsStill(files, path, state)) return std::nullopt;
+    return print;
+}
+
+}  // namespace
+
+FileState StateOf(std::uint64_t size, DateTime modified) {
+    constexpr double SecondsADay = 24 * 60 * 60;
+    return {.size = size, .time = std::llround(modified.days * SecondsADay)};
+}
+
+std::optional<SoundPrint> ReadSoundPrint(Files& files, const std::string& path,
+                                         const FileState& state) {
+    return HashOf(files, path, state, [](SoundBytes& sound, Hash& hash) {
+        const std::uint64_t piece = std::min(SampleSize, sound.Size());
+        const std::uint64_t last = sound.Size() - piece;
+        for (const std::uint64_t offset : std::array<std::uint64_t, 3>{0, last / 2, last})
+            hash.Add(sound.Read(offset, static_cast<std::size_t>(piece)));
+    });
+}
+
+std::optional<std::uint64_t> ReadWholeSound(Files& files, const std::string& path,
+                                            const FileState& state) {
+    const auto whole = HashOf(files, path, state, [](SoundBytes& sound, Hash& hash) {
+        for (std::uint64_t offset = 0; offset < sound.Size(); offset += SampleSize) {
+            const std::uint64_t piece = std::min(SampleSize, sound.Size() - offset);
+            hash.Add(sound.Read(offset, static_cast<std::size_t>(piece)));
+        }
+    });
+    return whole ? std::optional(whole->samples) : std::nullopt;
+}
+
+}  // namespace quillon
