@@ -24,8 +24,9 @@ TrackTag TrackTagOf(Tag tag);
 
 /// A sound file of the album in hand.
 struct ListedFile {
-    std::string Name;     ///< full path
-    DateTime FileDate;    ///< last modified
+    std::string Name;   ///< full path
+    DateTime FileDate;  ///< last modified
+    std::uint64_t Size = 0;
     std::int64_t ID = 0;  ///< its row in `Tracks` while that waits for a number, else 0
     std::optional<TrackTag> Tag = {};  ///< once it is read
 };

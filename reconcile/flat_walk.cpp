@@ -79,6 +79,7 @@ class FlatWalk {
         if (isNew) groups_.push_back({std::move(artist), std::move(title), Flat()});
         groups_[place->second].files.Add({.Name = std::move(file.path),
                                           .FileDate = file.modified,
+                                          .Size = file.size,
                                           .Tag = TrackTagOf(*std::move(tag))});
     }
 

@@ -42,6 +42,7 @@ class StoredTable final : public TableImplementation, private DeferredChanges {
     Table::Inserted Insert(std::span<const Value> values) override;
     void Update(RowId row, std::span<const FieldChange> changes) override;
     void Delete(RowId row) override;
+    void DeleteAll() override;
     std::uint32_t RowCount() const override;
     std::int32_t NextAutoNumber() const override;
     const std::string& File() const override { return file_; }
@@ -103,7 +104,7 @@ class StoredTable final : public TableImplementation, private DeferredChanges {
     void PutWaitingEntries(std::size_t index);
     std::string IndexName(std::size_t realIndex) const;
 
-    void RaiseAutoNumber(std::size_t column, const Value& value);
+    void RaiseAutoNumber(const Value& value);
     void SetField(std::size_t column, const Value& value);
     const Bytes& Assemble();
     bool MoveLongestOut();

@@ -51,6 +51,10 @@ void Table::Delete(RowId row) {
     NamingFile(implementation_->File(), [&] { implementation_->Delete(row); });
 }
 
+void Table::DeleteAll() {
+    NamingFile(implementation_->File(), [&] { implementation_->DeleteAll(); });
+}
+
 std::uint32_t Table::RowCount() const {
     return NamingFile(implementation_->File(), [&] { return implementation_->RowCount(); });
 }

@@ -73,6 +73,8 @@ class Table {
     void Update(RowId row, std::span<const FieldChange> changes);
 
     void Delete(RowId row);
+    /// Deletes all rows, page by page.
+    void DeleteAll();
 
     std::uint32_t RowCount() const;
 

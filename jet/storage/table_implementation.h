@@ -26,6 +26,7 @@ class TableImplementation {
     virtual Table::Inserted Insert(std::span<const Value> values) = 0;
     virtual void Update(RowId row, std::span<const FieldChange> changes) = 0;
     virtual void Delete(RowId row) = 0;
+    virtual void DeleteAll() = 0;
     virtual std::uint32_t RowCount() const = 0;
     virtual std::int32_t NextAutoNumber() const = 0;
 
