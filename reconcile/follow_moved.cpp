@@ -20,7 +20,7 @@
 namespace quillon {
 namespace {
 
-enum class FollowStep { AddRow = 4, KeepPlaces = 5, RenameAlbum = 6, ChangePath = 7 };
+enum class FollowStep { ReadWhole = 4, KeepPlaces = 5, RenameAlbum = 6, ChangePath = 7 };
 
 constexpr std::int64_t UnknownLength = -1;
 
@@ -139,7 +139,7 @@ class Following {
         const ListedFile& file = FileOf(found);
         std::optional<std::uint64_t> whole;
         steps_.Concerning(file.Name);
-        steps_.Try(FollowStep::AddRow, [&] {
+        steps_.Try(FollowStep::ReadWhole, [&] {
             whole = ReadWholeSound(run_.files, file.Name, StateOf(file.Size, file.FileDate));
         });
         return whole;
