@@ -13,14 +13,12 @@
 #include "database/album_key.h"
 #include "platform/basic_text.h"
 #include "reconcile/move_matching.h"
-#include "reconcile/track_name.h"
+#include "reconcile/tracks.h"
 #include "run/log.h"
 #include "tags/tag_reader.h"
 
 namespace quillon {
 namespace {
-
-enum class FollowStep { ReadWhole = 4, KeepPlaces = 5, RenameAlbum = 6, ChangePath = 7 };
 
 constexpr std::int64_t UnknownLength = -1;
 
@@ -139,7 +137,7 @@ class Following {
         const ListedFile& file = FileOf(found);
         std::optional<std::uint64_t> whole;
         steps_.Concerning(file.Name);
-        steps_.Try(FollowStep::ReadWhole, [&] {
+        steps_.Try(FollowStep::ReadWholeSound, [&] {
             whole = ReadWholeSound(run_.files, file.Name, StateOf(file.Size, file.FileDate));
         });
         return whole;
@@ -174,7 +172,7 @@ class Following {
                                            PathOf(found_[*becomes_[lost]]));
         }
         return !isAny ||
-               steps_.Try(FollowStep::KeepPlaces, [this] { run_.playlistEntries.Keep(); });
+               steps_.Try(FollowStep::SecurePlaylists, [this] { run_.playlistEntries.Keep(); });
     }
 
     /// Where the tracks of an album have gone.
@@ -280,7 +278,7 @@ class Following {
         const FieldValue path{"SoundFile", file.Name};
         oldPaths_[&row] = row.soundFile;
         steps_.Concerning(file.Name);
-        if (!steps_.Try(FollowStep::ChangePath,
+        if (!steps_.Try(FollowStep::MoveTrack,
                         [&] { library_.Change(row, std::span(&path, 1)); })) {
             becomes_[lost].reset();
             return;

@@ -28,9 +28,9 @@ std::string NameOf(const AlbumRow& album) {
 }
 
 /// Tells of tracks: of whole albums in one line each.
-class Telling {
+class KeptMusicTelling {
   public:
-    Telling(Run& run, std::string album, std::string track)
+    KeptMusicTelling(Run& run, std::string album, std::string track)
         : run_(run), album_(std::move(album)), track_(std::move(track)) {}
 
     void Add(const TrackRow& track, const AlbumRow& album, bool isWholeAlbum) {
@@ -66,7 +66,7 @@ std::string Days(std::int32_t days) {
 
 /// Tracks that waited and have a number again.
 void EndWaiting(Walk& walk) {
-    Telling telling(walk.run, "Album is back: ", "Track is back: ");
+    KeptMusicTelling telling(walk.run, "Album is back: ", "Track is back: ");
     std::vector<TrackId> back;
     for (const auto& [id, song] : walk.waiting->Songs()) {
         TrackRow* const track = walk.library.FindTrack(id);
@@ -124,8 +124,8 @@ KeptMusic TakeOutWaiting(Walk& walk, MissingMusic& missing,
 bool KeepWaiting(Walk& walk, const KeptMusic& kept) {
     Run& run = walk.run;
     const std::string days = Days(run.movedMusic.KeepDays);
-    Telling telling(run, "Album is missing, it is kept for " + days + ": ",
-                    "Track is missing, it is kept for " + days + ": ");
+    KeptMusicTelling telling(run, "Album is missing, it is kept for " + days + ": ",
+                             "Track is missing, it is kept for " + days + ": ");
     std::unordered_set<const AlbumRow*> whole(kept.albums.begin(), kept.albums.end());
     for (const KeptMusic::Track& entry : kept.tracks) {
         if (!entry.isNew) continue;

@@ -12,8 +12,6 @@
 namespace quillon {
 namespace {
 
-enum class SoundStep { Read = 1, Remember = 2, Compare = 3 };
-
 /// Where so many files cannot be read, the disk is to blame, and each try takes its time.
 constexpr std::size_t MostFailures = 10;
 
@@ -142,7 +140,7 @@ std::optional<SoundPrint> MovedMusic::Print(const std::string& path, const FileS
     std::optional<SoundPrint> print;
     if (failures_ >= MostFailures) return print;
     steps_.Concerning(path);
-    if (!steps_.Try(SoundStep::Read, [&] { print = ReadSoundPrint(run_.files, path, file); }))
+    if (!steps_.Try(FollowStep::ReadSound, [&] { print = ReadSoundPrint(run_.files, path, file); }))
         ++failures_;
     return print;
 }
@@ -155,7 +153,7 @@ void MovedMusic::Remember() {
     ReadUnread();
     if (sounds_.IsChanged()) ReadTwins();
     steps_.Concerning({});
-    steps_.Try(SoundStep::Remember, [this] { sounds_.Save(); });
+    steps_.Try(FollowStep::KeepSounds, [this] { sounds_.Save(); });
 }
 
 void MovedMusic::ReadUnread() {
@@ -188,7 +186,7 @@ void MovedMusic::ReadTwins() {
         if (known.whole) continue;
         if (!MayGoOn()) return;
         steps_.Concerning(track.soundFile);
-        const bool isRead = steps_.Try(SoundStep::Compare, [&] {
+        const bool isRead = steps_.Try(FollowStep::ReadTwin, [&] {
             known.whole = ReadWholeSound(run_.files, track.soundFile, known.file);
         });
         if (!isRead) ++failures_;
