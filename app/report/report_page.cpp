@@ -237,18 +237,26 @@ void Page::Artist(const std::string& name, const DeedLists& lists) {
 void Page::Artists() {
     if (content_.artists.empty()) return;
     std::vector<const std::string*> names;
-    for (const auto& artist : content_.artists)
-        names.push_back(&artist.first);
+    for (const auto& [name, lists] : content_.artists)
+        names.push_back(&name);
+    // Where not all have room, those of whom something is listed do.
+    const std::size_t all = names.size(), shown = std::min(all, ReportContent::MostListed);
+    if (shown < all) {
+        std::ranges::stable_partition(names, [this](const std::string* name) {
+            return std::ranges::any_of(content_.artists.at(*name), [](const DeedList& list) {
+                return !list.first.empty();
+            });
+        });
+        names.resize(shown);
+    }
     std::ranges::sort(names, [](const std::string* left, const std::string* right) {
         if (left->empty() != right->empty()) return right->empty();
         return WindowsNameLess(*left, *right);
     });
     Put("<section aria-label=\"Artists\">\n<h2>By artist</h2>\n");
-    const std::size_t shown = std::min(names.size(), ReportContent::MostListed);
-    for (std::size_t i = 0; i < shown; ++i)
-        Artist(*names[i], content_.artists.at(*names[i]));
-    if (shown < names.size())
-        Put("<p class=\"soft\">and {} more artists</p>\n", NumberText(names.size() - shown));
+    for (const std::string* name : names)
+        Artist(*name, content_.artists.at(*name));
+    if (shown < all) Put("<p class=\"soft\">and {} more artists</p>\n", NumberText(all - shown));
     Put("</section>\n");
 }
 

@@ -70,11 +70,14 @@ std::vector<CatalogEntry> Read(Pager& pages) {
 }  // namespace
 
 std::vector<CatalogEntry> ReadCatalog(Pager& pages) {
+    const std::string prefix = "its catalog cannot be read: ";
     try {
         return Read(pages);
+    } catch (const DamagedFile& damage) {
+        throw DamagedFile(damage.File(), prefix + damage.What());
     } catch (const Error& error) {
         if (error.Kind() != ErrorKind::Damaged) throw;
-        ThrowDamaged(std::string("its catalog cannot be read: ") + error.what());
+        ThrowDamaged(prefix + error.what());
     }
 }
 

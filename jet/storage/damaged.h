@@ -12,15 +12,28 @@ namespace jet::storage {
     throw Error(ErrorKind::Damaged, what);
 }
 
+/// Such a contradiction together with the file that it is in.
+class DamagedFile : public Error {
+  public:
+    DamagedFile(const std::string& file, const std::string& what)
+        : Error(ErrorKind::Damaged, file + " is damaged: " + what + "."), file_(file), what_(what) {}
+    const std::string& File() const { return file_; }
+    const std::string& What() const { return what_; }  ///< without the file's name
+
+  private:
+    std::string file_, what_;
+};
+
 /// Calls `action`; a contradiction found deep in the file's structures gets the file's name.
 template <typename Action>
 decltype(auto) NamingFile(const std::string& file, Action action) {
     try {
         return action();
+    } catch (const DamagedFile&) {
+        throw;
     } catch (const Error& error) {
-        const std::string what = error.what();
-        if (error.Kind() != ErrorKind::Damaged || what.find(file) != std::string::npos) throw;
-        throw Error(ErrorKind::Damaged, file + " is damaged: " + what + ".");
+        if (error.Kind() != ErrorKind::Damaged) throw;
+        throw DamagedFile(file, error.what());
     }
 }
 
