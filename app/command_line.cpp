@@ -29,7 +29,8 @@ constexpr const char* ProgramFooter =
 
 A first library:
   quillon init ~/shelf --music ~/Music    a host folder, a new database
-  quillon check --host ~/shelf            what a run would do
+  quillon check --host ~/shelf            whether a run could start
+  quillon preview --host ~/shelf          what it would change
   quillon run --host ~/shelf              the run
   quillon help run                        all about runs)";
 
@@ -48,6 +49,19 @@ Examples:
   quillon run --host /srv/shelf --view plain >> /var/log/shelf.log
   quillon run --host /srv/shelf --quiet    in a crontab: errors, losses and a summary by mail
   quillon run --host ~/shelf --allow-removals    after you have deleted half of the music)";
+
+constexpr const char* PreviewFooter =
+    R"(It does all that the run would do, on a copy in memory: no file, no row and no time of a file changes,
+and no log is written. What is shown is what a run would do now; when files change in between, it
+does other things. Values that depend on the moment (times, random numbers) are not announced.
+
+Exit status: 0 a run would change nothing, 1 it would change something, 2 that could not be found
+out.
+
+Examples:
+  quillon preview --host ~/shelf
+  quillon preview --host ~/shelf --allow-removals    what the brake would else hold back
+  quillon preview --host ~/shelf --json | jq 'select(.record == "file")')";
 
 constexpr const char* HelpFooter = R"(Examples:
   quillon help run
@@ -81,6 +95,25 @@ Examples:
   quillon serve --host ~/shelf
   quillon serve --host ~/shelf --port 0    any port that is free)";
 
+constexpr const char* BackupsFooter =
+    R"(A backup is what a run has copied before it changed anything: the database, the playlist folders or
+both. Its name is the time in the names of its copies. Keep in section [Backups] of host.ini says how
+many stay; without it all do.
+
+Examples:
+  quillon backups --host ~/shelf
+  quillon backups --host ~/shelf --json    a JSON object a line)";
+
+constexpr const char* RestoreFooter =
+    R"(Puts the database and the playlists of one backup back in their places, as they were before the run
+that made it. What is there now becomes a backup first, so a restore can be taken back in the same
+way. No other program may have the database open. Music files and tags are not part of a backup.
+
+Examples:
+  quillon backups --host ~/shelf                      the names of all backups
+  quillon restore 11212026_43001_AM --host ~/shelf    shows what it would do, and asks
+  quillon restore 11212026_43001_AM --host ~/shelf --yes)";
+
 /// The grammar and the places its values go to.
 class Grammar {
   public:
@@ -92,10 +125,12 @@ class Grammar {
         AddRunOptions(app_);
         run_->footer(RunFooter);
         AddRunOptions(*run_);
+        DefinePreview();
         DefineInit();
         check_->footer(CheckFooter);
         AddHostOption(*check_);
         DefineServe();
+        DefineBackups();
         help_->footer(HelpFooter);
         help_->add_option("COMMAND", helpWords_, "The command, such as run or db query");
     }
@@ -191,6 +226,14 @@ class Grammar {
         return meant.empty() ? text : fmt::format("{}; did you mean {}?", text, meant);
     }
 
+    void DefinePreview() {
+        preview_->footer(PreviewFooter);
+        AddHostOption(*preview_);
+        preview_->add_flag("--allow-removals", allowRemovals_,
+                           "Show what a run with this option would do");
+        preview_->add_flag("--json", previewsAsJson_, "Print a JSON object a line");
+    }
+
     void DefineInit() {
         init_->footer(InitFooter);
         init_->add_option("DIR", initRequest_.host, "The host folder to make")
@@ -222,6 +265,18 @@ class Grammar {
             ->type_name("N");
     }
 
+    void DefineBackups() {
+        backups_->footer(BackupsFooter);
+        AddHostOption(*backups_);
+        backups_->add_flag("--json", backupsRequest_.json, "Print a JSON object for each backup");
+        restore_->footer(RestoreFooter);
+        restore_->add_option("STAMP", restoreRequest_.backup, "The name of the backup")
+            ->required()
+            ->type_name("");
+        AddHostOption(*restore_);
+        restore_->add_flag("--yes", restoreRequest_.yes, "Do not ask; for scripts");
+    }
+
     void RefuseRunOptionsOfOtherCommands() const {
         const auto chosen = app_.get_subcommands();
         if (chosen.empty() || chosen.front() == run_) return;
@@ -245,9 +300,14 @@ class Grammar {
     }
 
     Request Chosen() const {
+        if (preview_->parsed())
+            return PreviewRequest{HostFolder(), allowRemovals_, previewsAsJson_};
         if (init_->parsed()) return initRequest_;
         if (check_->parsed()) return CheckRequest{HostFolder()};
         if (serve_->parsed()) return ServeRequest{HostFolder(), serveRequest_.port};
+        if (backups_->parsed()) return BackupsRequest{HostFolder(), backupsRequest_.json};
+        if (restore_->parsed())
+            return RestoreRequest{HostFolder(), restoreRequest_.backup, restoreRequest_.yes};
         if (const auto chosen = db_.Chosen()) return *chosen;
         return RunRequest{HostFolder(), quiet_ ? ViewKind::Plain : view_, quiet_, allowRemovals_};
     }
@@ -256,18 +316,24 @@ class Grammar {
                   "quillon"};
     CLI::App* run_ =
         app_.add_subcommand("run", "Run what Quillon.ini asks for; the default command");
+    CLI::App* preview_ =
+        app_.add_subcommand("preview", "Show all that a run would change; change nothing");
     CLI::App* init_ = app_.add_subcommand("init", "Make a host folder");
     CLI::App* check_ = app_.add_subcommand("check", "Show what a run would do; change nothing");
     CLI::App* serve_ = app_.add_subcommand("serve", "Show the album picker in a browser");
+    CLI::App* backups_ = app_.add_subcommand("backups", "List what runs have backed up");
+    CLI::App* restore_ = app_.add_subcommand("restore", "Put a backup back in its place");
     DbGrammar db_{*app_.add_subcommand("db", "Work on a database file from the shell")};
     CLI::App* help_ = app_.add_subcommand("help", "Show the help of a command");
 
     std::vector<std::string> helpWords_;
     std::filesystem::path host_;
     ViewKind view_ = ViewKind::Auto;
-    bool quiet_ = false, allowRemovals_ = false;
+    bool quiet_ = false, allowRemovals_ = false, previewsAsJson_ = false;
     InitRequest initRequest_;
     ServeRequest serveRequest_;
+    BackupsRequest backupsRequest_;
+    RestoreRequest restoreRequest_;
 };
 
 }  // namespace

@@ -5,9 +5,12 @@
 #include <iostream>
 
 #include "app/command_line.h"
+#include "app/commands/backups_command.h"
 #include "app/commands/check_command.h"
 #include "app/commands/db_command.h"
 #include "app/commands/init_command.h"
+#include "app/commands/preview_command.h"
+#include "app/commands/restore_command.h"
 #include "app/commands/run_command.h"
 #include "app/commands/serve_command.h"
 #include "app/standard_descriptors.h"
@@ -40,9 +43,12 @@ struct Dispatcher {
             throw;
         }
     }
+    int operator()(const PreviewRequest& request) const { return PreviewRun(request, console); }
     int operator()(const InitRequest& request) const { return Init(request, console); }
     int operator()(const CheckRequest& request) const { return Check(request, console); }
     int operator()(const ServeRequest& request) const { return Serve(request, console); }
+    int operator()(const BackupsRequest& request) const { return ListBackups(request, console); }
+    int operator()(const RestoreRequest& request) const { return Restore(request, console); }
     int operator()(const DbCreateRequest& request) const { return DbCreate(request, console); }
     int operator()(const DbTablesRequest& request) const { return DbTables(request, console); }
     int operator()(const DbSchemaRequest& request) const { return DbSchema(request, console); }

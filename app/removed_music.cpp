@@ -59,4 +59,13 @@ PortableFiles::TakeOver KeepRemovedMusic(Run& run, const HostFolder& host, Remov
     };
 }
 
+std::optional<std::string> PlaceOfRemovedMusic(const Run& run, LocalHost& local,
+                                               RemovedFiles& removed, bool keeps,
+                                               std::string_view path) {
+    if (!IsMusic(run, path)) return std::nullopt;
+    if (!keeps) return "";
+    const std::filesystem::path place = removed.PlaceFor(local.files.AsOnDisk(path));
+    return place.lexically_relative(local.host.Folder()).generic_string();
+}
+
 }  // namespace quillon

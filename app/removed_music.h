@@ -1,7 +1,10 @@
 #pragma once
 
+#include <optional>
 #include <string>
+#include <string_view>
 
+#include "app/local_host.h"
 #include "platform/portable/host_folder.h"
 #include "platform/portable/portable_files.h"
 #include "platform/portable/removed_files.h"
@@ -25,5 +28,11 @@ std::filesystem::path RemovedMusicFolder(const HostFolder& host);
 /// Takes over sound files of the library that are to be deleted; whatever else a run deletes it has
 /// made itself. Each file is a line of the log.
 PortableFiles::TakeOver KeepRemovedMusic(Run& run, const HostFolder& host, RemovedFiles& removed);
+
+/// Where such a file would go, below the host folder; "" where `keeps` says that it is deleted for
+/// good, nothing for other files.
+std::optional<std::string> PlaceOfRemovedMusic(const Run& run, LocalHost& local,
+                                               RemovedFiles& removed, bool keeps,
+                                               std::string_view path);
 
 }  // namespace quillon

@@ -22,6 +22,13 @@ struct RunRequest {
     bool allowRemovals = false;  ///< the brake on loss is off for this run
 };
 
+/// `quillon preview`
+struct PreviewRequest {
+    std::filesystem::path host;
+    bool allowRemovals = false;  ///< as the run would be started
+    bool json = false;           ///< the records, a JSON object a line
+};
+
 /// `quillon init`
 struct InitRequest {
     std::filesystem::path host;
@@ -39,6 +46,19 @@ struct CheckRequest {
 struct ServeRequest {
     std::filesystem::path host;
     int port = 8777;  ///< 0: any that is free
+};
+
+/// `quillon backups`
+struct BackupsRequest {
+    std::filesystem::path host;
+    bool json = false;  ///< a JSON object a line
+};
+
+/// `quillon restore`
+struct RestoreRequest {
+    std::filesystem::path host;
+    std::string backup;  ///< its name
+    bool yes = false;    ///< without asking
 };
 
 /// How rows are shown: a table, CSV with a line of names, or a JSON object a line.
@@ -116,9 +136,9 @@ struct TextAnswer {
 };
 
 /// Everything that a command line can ask for.
-using Request =
-    std::variant<TextAnswer, RunRequest, InitRequest, CheckRequest, ServeRequest, DbCreateRequest,
-                 DbTablesRequest, DbSchemaRequest, DbQueryRequest, DbExecRequest, DbImportRequest,
-                 DbExportRequest, DbCompactRequest, DbCheckRequest, DbRecoverRequest>;
+using Request = std::variant<TextAnswer, RunRequest, PreviewRequest, InitRequest, CheckRequest, ServeRequest,
+                             BackupsRequest, RestoreRequest, DbCreateRequest, DbTablesRequest,
+                             DbSchemaRequest, DbQueryRequest, DbExecRequest, DbImportRequest,
+                             DbExportRequest, DbCompactRequest, DbCheckRequest, DbRecoverRequest>;
 
 }  // namespace quillon

@@ -7,6 +7,7 @@
 #include <fmt/format.h>
 
 #include "app/console.h"
+#include "jet/guid_text.h"
 
 namespace quillon {
 namespace {
@@ -65,15 +66,6 @@ std::string DecimalText(const jet::Decimal& decimal) {
     return WithPoint(digits, decimal.scale, decimal.negative);
 }
 
-std::string GuidText(const jet::Guid& guid) {
-    std::string text = "{";
-    for (std::size_t i = 0; i < guid.bytes.size(); ++i) {
-        if (i == 4 || i == 6 || i == 8 || i == 10) text += '-';
-        text += fmt::format("{:02X}", guid.bytes.at(i));
-    }
-    return text + '}';
-}
-
 std::string Base64(const jet::Bytes& bytes) {
     constexpr std::string_view Digits =
         "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
@@ -97,7 +89,7 @@ struct TextOf {
     std::string operator()(jet::Date value) const { return DateText(value); }
     std::string operator()(jet::Currency value) const { return CurrencyText(value); }
     std::string operator()(const jet::Decimal& value) const { return DecimalText(value); }
-    std::string operator()(const jet::Guid& value) const { return GuidText(value); }
+    std::string operator()(const jet::Guid& value) const { return jet::GuidText(value); }
     std::string operator()(const jet::Bytes& value) const { return Base64(value); }
     std::string operator()(const std::string& value) const { return value; }
 };

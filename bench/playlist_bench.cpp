@@ -26,7 +26,6 @@
 #include "playlists/capture.h"
 #include "playlists/create.h"
 #include "playlists/refresh.h"
-#include "playlists/working_set.h"
 #include "run/random_numbers.h"
 #include "run/run.h"
 #include "tests/outside/temporary_folder.h"

@@ -2,6 +2,7 @@
 find_package(SQLite3 REQUIRED)
 find_package(fmt REQUIRED)
 find_package(CLI11 REQUIRED)
+find_package(nlohmann_json REQUIRED)
 find_package(PkgConfig REQUIRED)
 pkg_check_modules(utf8proc REQUIRED IMPORTED_TARGET libutf8proc)
 pkg_check_modules(httplib REQUIRED IMPORTED_TARGET cpp-httplib)

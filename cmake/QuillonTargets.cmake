@@ -23,12 +23,14 @@ if(QUILLON_LIBFUZZER)
     target_compile_options(quillon_build_kind INTERFACE -fsanitize=fuzzer-no-link)
 endif()
 
-# How many files of a test program are compiled at once. Static analysis builds nothing and may take all
-# of them, as most of its time goes into the headers that they share.
-set(quillon_tests_at_once 8)
-if(QUILLON_ANALYSE)
+# Headers that files share are most of what a file costs, so several files are compiled at once. Static
+# analysis builds nothing and may take all of a test program together.
+set(quillon_tests_at_once ${QUILLON_FILES_AT_ONCE})
+if(QUILLON_FILES_AT_ONCE GREATER 1)
     set(CMAKE_UNITY_BUILD ON)
-    set(CMAKE_UNITY_BUILD_BATCH_SIZE 10)
+    set(CMAKE_UNITY_BUILD_BATCH_SIZE ${QUILLON_FILES_AT_ONCE})
+endif()
+if(QUILLON_ANALYSE)
     set(quillon_tests_at_once 0)
 endif()
 
@@ -42,29 +44,27 @@ function(quillon_library name)
         return()
     endif()
     add_library(${name} STATIC ${ARG_SOURCES})
-    if(QUILLON_SANITIZE)
-        # What a sanitizer adds to shared headers is most of what a file costs; several share them.
-        set_target_properties(${name} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 10)
-    endif()
     target_link_libraries(${name} PUBLIC quillon_options ${ARG_USES}
         PRIVATE quillon_build_kind ${ARG_PRIVATELY_USES})
 endfunction()
 
-# quillon_test(NAME SOURCES ... USES ...)
-# A GoogleTest program; CTest runs its cases one by one, under the sanitizers all at once.
+# quillon_test(NAME SOURCES ... USES ... [COST N])
+# A GoogleTest program; CTest runs its cases one by one, under the sanitizers all at once. There, COST
+# says how long it takes: the longest begin first.
 function(quillon_test name)
-    cmake_parse_arguments(ARG "" "" "SOURCES;USES" ${ARGN})
+    cmake_parse_arguments(ARG "" "COST" "SOURCES;USES" ${ARGN})
+    if(NOT ARG_COST)
+        set(ARG_COST 10)
+    endif()
     add_executable(${name} ${ARG_SOURCES})
     target_link_libraries(${name} PRIVATE quillon_options ${ARG_USES} GTest::gtest_main GTest::gmock)
     # What is tested is optimised in the release build; tests only need to compile fast.
     target_compile_options(${name} PRIVATE -O0)
-    # GoogleTest's templates are most of what a test file costs; several files share them.
-    set_target_properties(${name} PROPERTIES
-        UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE ${quillon_tests_at_once})
+    set_target_properties(${name} PROPERTIES UNITY_BUILD_BATCH_SIZE ${quillon_tests_at_once})
     if(QUILLON_SANITIZE)
         # A process for each case would spend more time on starting than on its work.
         add_test(NAME ${name} COMMAND ${name})
-        set_tests_properties(${name} PROPERTIES TIMEOUT 900)
+        set_tests_properties(${name} PROPERTIES TIMEOUT 900 COST ${ARG_COST})
     else()
         gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
     endif()

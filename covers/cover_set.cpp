@@ -50,7 +50,7 @@ Cover* CoverSet::FindWithoutApostrophes(std::string_view name) {
 Cover* findExactRecord(Run& run, CoverSet& covers, std::string_view name) {
     Cover* found = nullptr;
     Steps steps(run, "Find Exact Record Error:");
-    steps.Try(0, [&] {
+    steps.Try([&] {
         // A criterion for record sets could not hold the apostrophe, and databases were filled by
         // that rule: with "Dont.jpg" first in the set, it is the cover of "Don't.jpg", too.
         if (name.find('\'') == std::string_view::npos) found = covers.FindName(name);

@@ -21,6 +21,8 @@
 namespace quillon {
 namespace {
 
+enum class CoverStep { Scan = 1, Compare = 2, AddNew = 3 };
+
 constexpr std::string_view Placeholder = "notfnd.jpg";
 
 std::string_view FileName(std::string_view path) {
@@ -150,7 +152,7 @@ void RefreshAlbumCovers(Run& run) {
     Steps steps(run, "Refresh Album Covers Error:");
     std::optional<CoverSet> covers;
     run.ShowItem("1. Scan Albums from Folder");
-    const bool scanned = steps.Try(1, [&] {
+    const bool scanned = steps.Try(CoverStep::Scan, [&] {
         const auto isThere = [](const AlbumRow& album) { return !album.isGone; };
         if (std::ranges::any_of(run.TheLibrary().Albums(), isThere)) covers = ScanCovers(run);
     });
@@ -158,12 +160,12 @@ void RefreshAlbumCovers(Run& run) {
 
     run.ShowItem("2. Compare Albums with Database");
     if (run.AbortRequested) return;
-    if (!steps.Try(2, [&] { CompareAlbums(run, steps, *covers); })) return;
+    if (!steps.Try(CoverStep::Compare, [&] { CompareAlbums(run, steps, *covers); })) return;
 
     run.ShowItem("3. Add New Covers to Database");
     if (run.AbortRequested) return;
     steps.Concerning({});
-    steps.Try(3, [&] { AddNewCovers(run, steps, *covers); });
+    steps.Try(CoverStep::AddNew, [&] { AddNewCovers(run, steps, *covers); });
 }
 
 }  // namespace quillon

@@ -8,6 +8,7 @@
 #include "platform/files.h"
 #include "run/counted.h"
 #include "run/host_settings.h"
+#include "run/paths.h"
 #include "run/run.h"
 #include "run/sound_files.h"
 
@@ -75,8 +76,7 @@ void AddLibraryTree(Run& run, const std::string& reservedFolder, CoverSet& cover
 std::optional<CoverSet> ScanCovers(Run& run) {
     const std::string& coverFolder = run.settings.AlbumCoverFolder;
     const CoverTreeScan tree = ReadCoverTreeScan(run.host);
-    // A folder setting that was left empty has become a lone backslash.
-    const bool usesFolder = !coverFolder.empty() && coverFolder != "\\";
+    const bool usesFolder = NamesFolder(coverFolder);
     const bool usesTree = tree.ScanLibrary && !run.settings.LibraryRoot.empty();
 
     CoverSet covers;

@@ -41,7 +41,7 @@ std::string CdjidSequence::GetNextCDJID(std::string_view album) {
     std::string next;
     Steps steps(run_, "GetNextCDJID Error:");
     steps.Concerning(std::string(album));
-    steps.Try(0, [&] {
+    steps.Try([&] {
         if (!asked_) highest_ = HighestCdjid(run_.TheLibrary());
         asked_ = true;
         next = Next();

@@ -14,6 +14,8 @@
 namespace quillon {
 namespace {
 
+enum class DuplicateStep { DeleteShared = 2, DeleteWithoutFile = 4 };
+
 /// An identifier that several albums have.
 struct SharedIdentifier {
     std::string cdjid;
@@ -127,18 +129,19 @@ void RemoveDuplicates(Run& run) {
     std::vector<SharedIdentifier> shared;
     std::vector<Fileless> withoutFile;
     bool mayRemove = false;
-    steps.Try(0, [&] {
+    steps.Try([&] {
         shared = SharedIdentifiers(run.TheLibrary());
         withoutFile = TracksWithoutFile(run.TheLibrary());
         mayRemove = MayRemove(run, NamesOf(shared), NamesOf(withoutFile));
     });
     if (!mayRemove) return;
     const std::vector<std::string> names = NamesOf(shared);
-    const bool removed = steps.TryAs("Remove Duplicates Error on Delete Duplicate Query:", 2,
-                                     [&] { DeleteShared(run, shared); });
+    const bool removed = steps.TryAs(
+        "Remove Duplicates Error on Delete Duplicate Query:", DuplicateStep::DeleteShared,
+        [&] { DeleteShared(run, shared); });
     if (removed) NoteRemoved(run, names);
-    steps.TryAs("Remove Duplicates Error on SoundFile=Null Query:", 4,
-                [&] { DeleteWithoutFile(run, withoutFile); });
+    steps.TryAs("Remove Duplicates Error on SoundFile=Null Query:",
+                DuplicateStep::DeleteWithoutFile, [&] { DeleteWithoutFile(run, withoutFile); });
 }
 
 }  // namespace quillon

@@ -16,6 +16,8 @@
 namespace quillon {
 namespace {
 
+enum class ArtistsStep { WholeLibrary = 1, Add = 2 };
+
 constexpr std::string_view Table = "SpinnerArtist";
 
 /// Artists as the database tells them apart.
@@ -60,12 +62,12 @@ std::vector<std::string> AlbumArtists(Run& run) {
 void PopulateSpinnerArtist(Run& run) {
     run.ShowItem("1. Add Artists to Download Table");
     Steps steps(run, "Populate Spinner Artist Error:");
-    steps.Try(1, [&] {
+    steps.Try(ArtistsStep::WholeLibrary, [&] {
         ArtistNames known = DownloadArtists(*run.connection);
         for (const std::string& artist : Counted(run, AlbumArtists(run))) {
             run.ProcessEvents();
             steps.Concerning(artist);
-            steps.Try(2, [&] {
+            steps.Try(ArtistsStep::Add, [&] {
                 RefuseQuote(artist);
                 if (!known.Add(artist)) return;
                 run.connection->Insert(Table, FieldsOfSpinnerArtist(artist));

@@ -20,6 +20,8 @@
 namespace quillon {
 namespace {
 
+enum class TracksStep { WholeLibrary = 1, LookUp = 2, Add = 4 };
+
 /// A track with the names that identify its song.
 struct Song {
     const AlbumRow& album;
@@ -137,7 +139,7 @@ void PopulateSpinnerTracks(Run& run) {
     run.ShowItem("1. Add Album info to Download Table");
     if (run.AbortRequested) return;
     Steps steps(run, "Populate Spininer Tracks Error:");
-    steps.Try(1, [&] {
+    steps.Try(TracksStep::WholeLibrary, [&] {
         Library& library = run.TheLibrary();
         Additions additions(run);
         run.StartCounting(library.Tracks().size());
@@ -149,8 +151,8 @@ void PopulateSpinnerTracks(Run& run) {
                 run.CountDone();
                 if (IsNamed(song) && additions.HasAlready(song)) continue;
                 steps.Concerning(NameOf(song));
-                if (steps.Try(2, [&] { RequireNames(song); }))
-                    steps.Try(4, [&] { additions.Add(song); });
+                if (steps.Try(TracksStep::LookUp, [&] { RequireNames(song); }))
+                    steps.Try(TracksStep::Add, [&] { additions.Add(song); });
             }
         }
     });

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "driver/backup_names.h"
 #include "platform/basic_text.h"
 #include "platform/failure.h"
 #include "run/paths.h"
@@ -12,6 +13,8 @@
 namespace quillon {
 namespace {
 
+enum class BackupStep { CopyFile = 3, CopyFolder = 5, RemoveCopy = 8 };
+
 constexpr const char* MakeRoom =
     "nothing was changed. A run makes this copy first: free some space, or give this account the "
     "right to read and write there, and run again";
@@ -20,12 +23,15 @@ constexpr const char* NameAFolder =
 
 /// Copies of one second differ in a number behind the stamp.
 std::string FreeCopyName(Run& run, std::string_view original) {
-    const std::string stamped =
-        std::string(original) + "_Copy Dated_" + BackupStamp(run.clock.Now()) + "_";
-    std::string name = stamped;
+    const std::string stamp = BackupStamp(run.clock.Now());
+    std::string name = CopyName(original, stamp);
     for (int number = 2; run.files.FileExists(name) || run.files.FolderExists(name); ++number)
-        name = stamped + std::to_string(number) + "_";
+        name = CopyName(original, stamp + "_" + std::to_string(number));
     return name;
+}
+
+std::string CopyNameFor(Run& run, std::string_view original, std::string_view mark) {
+    return mark.empty() ? FreeCopyName(run, original) : CopyName(original, mark);
 }
 
 /// What is missing by itself and listed in its folder may be there again a moment later.
@@ -50,22 +56,22 @@ std::string BackupStamp(DateTime time) {
     return Replace(stamp, ",", "");
 }
 
-Backup TimeStampBackup(Run& run, std::string_view file) {
+Backup TimeStampBackup(Run& run, std::string_view file, std::string_view mark) {
     run.ShowItem("Making Backup for file " + std::string(file));
     Steps steps(run, "TimeStampBackup");
     steps.Concerning(std::string(file));
     steps.Advising(MakeRoom);
     Backup backup;
-    backup.succeeded = steps.Try(3, [&] {
+    backup.succeeded = steps.Try(BackupStep::CopyFile, [&] {
         if (!run.files.FileExists(file)) return;
-        const std::string copy = FreeCopyName(run, file);
+        const std::string copy = CopyNameFor(run, file, mark);
         run.files.CopyFile(file, copy, false);
         backup.copy = copy;
     });
     return backup;
 }
 
-Backup TimeStampFolderBackup(Run& run, std::string_view folder) {
+Backup TimeStampFolderBackup(Run& run, std::string_view folder, std::string_view mark) {
     run.ShowItem("Making Backup for Folder " + std::string(folder));
     if (folder.empty()) return {.succeeded = true, .copy = ""};
     const std::string source(folder.substr(0, folder.size() - 1));
@@ -73,7 +79,7 @@ Backup TimeStampFolderBackup(Run& run, std::string_view folder) {
     steps.Concerning(source);
     steps.Advising(IsDriveRoot(folder) ? NameAFolder : MakeRoom);
     Backup backup;
-    backup.succeeded = steps.Try(5, [&] {
+    backup.succeeded = steps.Try(BackupStep::CopyFolder, [&] {
         if (source.empty() || !IsThere(run, source)) return;
         if (IsDriveRoot(folder)) {
             throw Failure::Described(FailureNumber::InvalidProcedureCall,
@@ -81,7 +87,7 @@ Backup TimeStampFolderBackup(Run& run, std::string_view folder) {
                                          " is a whole drive, and the copy that a run makes first "
                                          "cannot lie beside it");
         }
-        const std::string copy = FreeCopyName(run, source);
+        const std::string copy = CopyNameFor(run, source, mark);
         run.files.CopyFolder(source, copy);
         backup.copy = copy;
     });
@@ -91,7 +97,7 @@ Backup TimeStampFolderBackup(Run& run, std::string_view folder) {
 void TakeBackupsBack(Run& run, const std::vector<std::string>& copies) {
     Steps steps(run, "TimeStampBackup");
     for (const std::string& copy : copies) {
-        steps.Try(8, [&] {
+        steps.Try(BackupStep::RemoveCopy, [&] {
             if (run.files.FolderExists(copy)) {
                 run.files.DeleteFolder(copy);
             } else {

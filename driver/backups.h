@@ -20,12 +20,13 @@ struct Backup {
 };
 
 /// Copies a file to a dated name beside it, where no other copy is overwritten. Without such a file
-/// there is nothing to copy.
-Backup TimeStampBackup(Run& run, std::string_view file);
+/// there is nothing to copy. `mark` is what the name says of the time, as CopyName() takes it; ""
+/// for the present time.
+Backup TimeStampBackup(Run& run, std::string_view file, std::string_view mark = {});
 
 /// The same for a folder with all that is in it. `folder` ends in a backslash: its last character
 /// is taken for one. A whole drive has no place beside it, so that is a failure, too.
-Backup TimeStampFolderBackup(Run& run, std::string_view folder);
+Backup TimeStampFolderBackup(Run& run, std::string_view folder, std::string_view mark = {});
 
 /// Removes copies of a run that is not to begin after all: night after night they would fill a
 /// disk.

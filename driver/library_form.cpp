@@ -1,16 +1,24 @@
 #include "driver/library_form.h"
 
 #include <algorithm>
+#include <initializer_list>
 #include <memory>
+#include <span>
+#include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
+#include "driver/backups.h"
 #include "driver/library_folders.h"
 #include "driver/misspelt_setting.h"
 #include "driver/phase_captions.h"
+#include "driver/restore_backup.h"
 #include "driver/settings_reader.h"
+#include "driver/unfinished_files.h"
 #include "platform/basic_text.h"
 #include "platform/failure.h"
+#include "playlists/playlist_snapshot.h"
 #include "run/connection_value.h"
 #include "run/excluded_artists.h"
 #include "run/log.h"
@@ -21,6 +29,14 @@ namespace {
 constexpr std::string_view PluginName = "Quillon";
 constexpr std::string_view PluginMissing =
     "Quillon must be enabled to perform management activities";
+constexpr std::string_view StopsHere =
+    "The run ends here, before it changes the library: what is needed to recover from an "
+    "interruption cannot be saved. The next run goes on";
+
+/// What a reconciliation keeps beside the database while it works.
+std::string OwnFile(const Settings& settings) {
+    return PlaylistSnapshotPath(settings.Nirvis_CDJ_DB);
+}
 
 }  // namespace
 
@@ -46,7 +62,7 @@ LibraryForm::LibraryForm(Run& run, DatabaseProvider& databases, std::string_view
 RunOutcome LibraryForm::Form_Load() {
     RunOutcome outcome = RunOutcome::NothingRan;
     Steps steps(run_, "QuillonShelfkeeper Load");
-    steps.Try(0, [&] {
+    steps.Try([&] {
         run_.form.lblver = "Version " + version_;
         run_.settings = ReadSettings(run_.host);
         run_.removals.limits = ReadSafetyLimits(run_.host);
@@ -57,10 +73,13 @@ RunOutcome LibraryForm::Form_Load() {
             return;
         }
         RefuseMisspeltSettings();
+        RefuseHalfRestored();
+        keeping_ = ReadBackupKeeping(run_.host);
         HideIndicators();
         ReadExcludeList(run_);
         run_.window.Show(run_.form);
         outcome = main();
+        RemoveOldCopies(outcome);
     });
     Release();
     return outcome;
@@ -69,7 +88,7 @@ RunOutcome LibraryForm::Form_Load() {
 RunOutcome LibraryForm::main() {
     RunOutcome outcome = RunOutcome::NothingRan;
     Steps steps(run_, "QuillonShelfkeeper Main");
-    steps.Try(0, [&] {
+    steps.Try([&] {
         run_.connection = databases_.Open(LibraryConnectionString(run_.settings.Nirvis_CDJ_DB));
         run_.random.Seed(run_.clock.Now(), run_.clock.Nanoseconds());
         ReadGenreNames();
@@ -83,7 +102,7 @@ RunOutcome LibraryForm::main() {
         if (mode != nullptr) outcome = UpdateDatabase(*mode);
     });
     // Done here, because a connection that is being closed cannot report a failure.
-    steps.Try(0, [&] {
+    steps.Try([&] {
         if (run_.connection) run_.Flush();
     });
     run_.ForgetTables();
@@ -101,6 +120,23 @@ void LibraryForm::RefuseMisspeltSettings() {
     const std::string objection = ObjectionToMisspeltSetting(run_.host, run_.settings);
     if (!objection.empty())
         throw Failure::Described(FailureNumber::InvalidProcedureCall, objection);
+}
+
+/// The playlists may be those of another database by now, and would be repaired after it.
+void LibraryForm::RefuseHalfRestored() {
+    const std::string backup = UnfinishedRestore(run_.files, run_.settings.Nirvis_CDJ_DB);
+    if (backup.empty()) return;
+    throw Failure::Described(FailureNumber::InvalidProcedureCall,
+                             "the backup " + backup +
+                                 " has been put back by half. Nothing was changed: complete that "
+                                 "with 'quillon restore " +
+                                 backup + "', and run again");
+}
+
+/// After a run that went well alone: after any other, old backups may be what somebody needs.
+void LibraryForm::RemoveOldCopies(RunOutcome outcome) {
+    if (keeping_.newest && outcome == RunOutcome::Completed && run_.counts.errors == 0)
+        RemoveOldBackups(run_, *keeping_.newest);
 }
 
 void LibraryForm::HideIndicators() {
@@ -123,6 +159,127 @@ void LibraryForm::ReadGenreNames() {
         }
         run_.GenreNames[static_cast<std::size_t>(id)] = rows->Text("Genre");
     }
+}
+
+/// Makes sure that a mode can be gone back on; false when it must not start. Nothing has been
+/// changed by then but for what killed runs have left unfinished.
+bool LibraryForm::SecureMode(const Mode& mode) {
+    if (!mode.IsReconciliation() && !StartIndicator(mode.indicator)) return false;
+    RemoveUnfinishedFiles(run_);
+    return RequireOwnPlaces(mode) && MakeBackups(mode.backups) && !run_.AbortRequested;
+}
+
+RunOutcome LibraryForm::UpdateDatabase(const Mode& mode) {
+    if (mode.IsReconciliation()) {
+        run_.form.aLblReconcile = true;
+        RunPhases(PrepareReconcile());
+    } else {
+        Perform(procedures_.*mode.work);
+    }
+    return Outcome();
+}
+
+ReconcileScope LibraryForm::PrepareReconcile() {
+    Settings& settings = run_.settings;
+    auto& aPhase = run_.form.aPhase;
+    if (settings.PlaylistsOnly) {
+        for (const std::size_t i : {0U, 7U, 8U})
+            aPhase[i].visible = true;
+        settings.ID3Reconcile = false;
+    } else {
+        for (PhaseIndicator& indicator : aPhase)
+            indicator.visible = true;
+        if (!settings.ID3Reconcile) aPhase[2].visible = false;
+        updateSteps_.Try([&] { run_.connection->Execute("DELETE * FROM SpinnerID3Differences"); });
+    }
+    for (PhaseIndicator& indicator : aPhase)
+        indicator.selected = false;
+    return {.libraryPresent = !settings.PlaylistsOnly && !settings.LibraryRoot.empty(),
+            .playlistsOnly = settings.PlaylistsOnly,
+            .id3Reconcile = settings.ID3Reconcile,
+            .reconcileOption = settings.ReconcileOption};
+}
+
+void LibraryForm::RunPhases(const ReconcileScope& scope) {
+    for (const ReconcilePhase& phase : ReconcilePhases()) {
+        if (!phase.applies(scope)) continue;
+        if (!StartPhase(phase)) break;
+        RunPhase(phase);
+        if (!run_.isSecured) {
+            WriteLog(run_, LogSource, StopsHere);
+            break;
+        }
+    }
+}
+
+bool LibraryForm::StartPhase(const ReconcilePhase& phase) {
+    if (phase.indicator) return StartIndicator(*phase.indicator);
+    run_.StartCounting(0);
+    run_.ShowItem(phase.item);
+    return !run_.AbortRequested;
+}
+
+void LibraryForm::RunPhase(const ReconcilePhase& phase) {
+    if (phase.work == nullptr) return;
+    if (phase.preparation != nullptr) Perform(procedures_.*phase.preparation);
+    Perform(procedures_.*phase.work);
+}
+
+/// Lights one indicator of the group; false when the run is to stop.
+bool LibraryForm::StartIndicator(std::size_t index) {
+    for (PhaseIndicator& indicator : run_.form.aPhase)
+        indicator.selected = false;
+    run_.StartCounting(0);
+    run_.form.aPhase.at(index).visible = true;
+    run_.form.aPhase.at(index).selected = true;
+    run_.ProcessEvents();
+    return !run_.AbortRequested;
+}
+
+/// Whether a reconciliation can keep what it knows beside the database. A link or anything else
+/// that is no file may have taken that place, and then a run would find out only in the middle.
+bool LibraryForm::RequireOwnPlaces(const Mode& mode) {
+    if (!mode.IsReconciliation()) return true;
+    Steps steps(run_, "QuillonShelfkeeper Main");
+    steps.Advising(
+        "nothing was changed. A run keeps a file of its own there: remove what has that name, or "
+        "give this account the right to write there, and run again");
+    return steps.Try([&] { run_.files.CreateOwnText(OwnFile(run_.settings)); });
+}
+
+/// The dated copies; false when one failed. They are made before anything writes to the database,
+/// so that the file holds all there is.
+bool LibraryForm::MakeBackups(std::span<const BackedUp> originals) {
+    if (keeping_.newest) return BackUpWhatChanged(run_, originals);
+    std::vector<std::string> copies;
+    const bool made = std::ranges::all_of(
+        originals, [&](const BackedUp& original) { return MakeBackup(original, copies); });
+    if (!made) TakeBackupsBack(run_, copies);
+    return made;
+}
+
+/// Copies one of them, and notes what was made for it.
+bool LibraryForm::MakeBackup(const BackedUp& original, std::vector<std::string>& copies) {
+    const auto isMade = [&copies](const Backup& backup) {
+        if (!backup.copy.empty()) copies.push_back(backup.copy);
+        return backup.succeeded;
+    };
+    const std::string& path = run_.settings.*original.path;
+    if (original.isFolder) return isMade(TimeStampFolderBackup(run_, path));
+    // What an interrupted run has left beside the database is copied, too: neither is complete
+    // without the other.
+    const std::string own = OwnFile(run_.settings);
+    return isMade(TimeStampBackup(run_, path)) &&
+           (!run_.files.FileExists(own) || isMade(TimeStampBackup(run_, own)));
+}
+
+void LibraryForm::Perform(const Procedures::Work& work) {
+    updateSteps_.Try([&] { work(run_); });
+    updateSteps_.Try([&] { run_.Flush(); });
+}
+
+RunOutcome LibraryForm::Outcome() const {
+    return run_.AbortRequested ? RunOutcome::Aborted : RunOutcome::Completed;
 }
 
 void LibraryForm::Release() {

@@ -1,8 +1,11 @@
 #pragma once
 
+#include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "driver/kept_backups.h"
 #include "driver/modes.h"
 #include "driver/procedures.h"
 #include "driver/reconcile_phases.h"
@@ -41,11 +44,13 @@ class LibraryForm {
 
   private:
     RunOutcome main();
+    void RemoveOldCopies(RunOutcome outcome);
     RunOutcome UpdateDatabase(const Mode& mode);
 
     // Start-up.
     bool PluginIsEnabled();
     void RefuseMisspeltSettings();
+    void RefuseHalfRestored();
     void HideIndicators();
     void ReadGenreNames();
     void Release();
@@ -60,7 +65,8 @@ class LibraryForm {
     // What both kinds of modes need.
     bool StartIndicator(std::size_t index);
     bool RequireOwnPlaces(const Mode& mode);
-    bool MakeBackups(const BackupPlan& plan);
+    bool MakeBackups(std::span<const BackedUp> originals);
+    bool MakeBackup(const BackedUp& original, std::vector<std::string>& copies);
     void Perform(const Procedures::Work& work);
     RunOutcome Outcome() const;
 
@@ -68,6 +74,7 @@ class LibraryForm {
     DatabaseProvider& databases_;
     std::string version_;
     Procedures procedures_;
+    BackupKeeping keeping_;
     Steps updateSteps_;  ///< of `UpdateDatabase` and what it is made of
 };
 

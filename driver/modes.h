@@ -1,7 +1,9 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <span>
+#include <string>
 #include <string_view>
 
 #include "driver/procedures.h"
@@ -9,11 +11,42 @@
 
 namespace quillon {
 
-/// The dated copies that a mode makes before it starts.
-struct BackupPlan {
-    bool database = false;       ///< the file `Nirvis_CDJ_DB`
-    bool playListPath = false;   ///< the folder `PlayListPath`
-    bool playListPath2 = false;  ///< the folder `PlayListPath2`
+/// A file or folder that a mode makes a dated copy of before it starts.
+struct BackedUp {
+    std::string Settings::* path;
+    bool isFolder = true;
+};
+
+/// All that any mode backs up.
+inline constexpr std::array EverythingBackedUp{BackedUp{&Settings::Nirvis_CDJ_DB, false},
+                                               BackedUp{&Settings::PlayListPath},
+                                               BackedUp{&Settings::PlayListPath2}};
+
+/// The folders that a run may work in: five that settings name, and two of the host's own.
+enum class RunFolder {
+    LibraryRoot,
+    FromFilesPath,
+    PlayListPath,
+    PlayListPath2,
+    AlbumCoverFolder,
+    Data,
+    Html
+};
+
+/// What a run does with a folder.
+struct FolderUse {
+    bool isRead = false;
+    bool isWritten = false;
+    bool isEssential = false;  ///< it can do nothing without the folder
+
+    bool IsAny() const { return isRead || isWritten; }
+};
+
+/// What a mode does with one folder under a condition; null: always.
+struct ModeFolder {
+    RunFolder folder;
+    FolderUse use;
+    bool (*when)(const Settings& settings) = nullptr;
 };
 
 /// One of the things a run can be for.
@@ -22,9 +55,13 @@ struct Mode {
     bool Settings::* setting;   ///< what switches it on
     bool needsLibrary = false;  ///< without `LibraryRoot` it is passed over
     std::size_t indicator = 0;  ///< of `aPhase`; not used by the reconcile mode
-    BackupPlan backups = {};
+    std::span<const BackedUp> backups = {};
+    std::span<const ModeFolder> folders = {};
+    bool needsDrives = false;      ///< it takes drives from the folders' settings
+    bool isReserved = false;       ///< it makes its backups, and that is all
     ProcedureName work = nullptr;  ///< null: the reconcile mode, which is made of phases
 
+    bool IsReconciliation() const { return work == nullptr; }
     bool IsOn(const Settings& settings) const { return settings.*setting; }
     bool Applies(const Settings& settings) const {
         return IsOn(settings) && !(needsLibrary && settings.LibraryRoot.empty());
@@ -36,6 +73,9 @@ std::span<const Mode> Modes();
 
 /// The first mode that applies, or null when the settings ask for nothing.
 const Mode* SelectMode(const Settings& settings);
+
+/// What a run with these settings does with a folder.
+FolderUse UseOf(RunFolder folder, const Settings& settings);
 
 /// Whether a run with these settings walks through the library folders and sweeps.
 bool WalksLibrary(const Settings& settings);

@@ -14,7 +14,6 @@
 #include "playlists/convert.h"
 #include "playlists/create.h"
 #include "playlists/refresh.h"
-#include "playlists/working_set.h"
 #include "reconcile/add_files_to_library.h"
 #include "reconcile/refresh_database.h"
 #include "remote/make_remote.h"

@@ -5,7 +5,7 @@
 namespace quillon {
 namespace {
 
-bool Library(const ReconcileScope& scope) {
+bool HasLibrary(const ReconcileScope& scope) {
     return scope.libraryPresent;
 }
 bool LibraryOrPlaylists(const ReconcileScope& scope) {
@@ -18,7 +18,7 @@ constexpr std::array PhaseTable{
                    .indicator = 0,
                    .work = &Procedures::CapturePlaylists},
     ReconcilePhase{.what = "Remove duplicates",
-                   .applies = Library,
+                   .applies = HasLibrary,
                    .indicator = 1,
                    .work = &Procedures::RemoveDuplicates},
     ReconcilePhase{
@@ -27,19 +27,19 @@ constexpr std::array PhaseTable{
         .indicator = 2,
         .work = &Procedures::VerifyID3Tags},
     ReconcilePhase{.what = "Add folder tracks to library",
-                   .applies = Library,
+                   .applies = HasLibrary,
                    .indicator = 3,
                    .work = &Procedures::RefreshDatabase},
     ReconcilePhase{.what = "Add library tracks to download table",
-                   .applies = Library,
+                   .applies = HasLibrary,
                    .indicator = 4,
                    .work = &Procedures::PopulateSpinnerTracks},
     // The indicator lights up and nothing runs: the correlation was switched off long ago, and
     // switching it on again would change download tables that people rely on.
     ReconcilePhase{
-        .what = "Correlate download table with library", .applies = Library, .indicator = 5},
+        .what = "Correlate download table with library", .applies = HasLibrary, .indicator = 5},
     ReconcilePhase{.what = "Add artist to download table",
-                   .applies = Library,
+                   .applies = HasLibrary,
                    .indicator = 6,
                    .work = &Procedures::PopulateSpinnerArtist},
     ReconcilePhase{.what = "Update playlist references",
@@ -52,7 +52,7 @@ constexpr std::array PhaseTable{
                    .preparation = &Procedures::BuildORsRecordset,
                    .work = &Procedures::CreateNewPlaylists},
     ReconcilePhase{.what = "Verify album covers",
-                   .applies = Library,
+                   .applies = HasLibrary,
                    .indicator = 9,
                    .work = &Procedures::RefreshAlbumCovers},
     ReconcilePhase{

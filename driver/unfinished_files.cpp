@@ -24,7 +24,7 @@ void RemoveUnfinishedFiles(Run& run) {
           FolderOf(FolderPath(settings.PlayListPath)), FolderOf(FolderPath(settings.PlayListPath2)),
           settings.AlbumCoverFolder, host + "\\Data\\Quillon",
           LocatePicker(host, settings.coverPath).webCoverFolder}) {
-        if (!folder.empty() && folder != "\\") run.files.RemoveUnfinished(folder);
+        if (NamesFolder(folder)) run.files.RemoveUnfinished(folder);
     }
 }
 

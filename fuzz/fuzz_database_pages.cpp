@@ -42,7 +42,7 @@ void Fill(const std::filesystem::path& path) {
                     {.name = "Title", .columns = {{1, true}}},
                     {.name = "Notes", .columns = {{2, false}}, .ignoreNulls = true}}};
     storage::DatabaseFile::Create(path, std::span(&songs, 1));
-    auto file = storage::DatabaseFile::Open(path, storage::OpenMode::ReadWrite);
+    auto file = storage::DatabaseFile::Open(path, jet::OpenMode::ReadWrite);
     storage::Table& table = file.OpenTable("Songs");
     storage::RowId first;
     for (int i = 0; i < 160; ++i) {
@@ -105,7 +105,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         jet::verify::CheckPages(pager);
     });
     Attempt([&] {
-        auto file = storage::DatabaseFile::Open(Path, storage::OpenMode::ReadOnly, files);
+        auto file = storage::DatabaseFile::Open(Path, jet::OpenMode::ReadOnly, files);
         for (const std::string& name : file.TableNames())
             Attempt([&] { file.OpenTable(name).Scan([](storage::RowId, storage::Row&&) {}); });
     });

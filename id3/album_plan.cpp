@@ -51,7 +51,7 @@ class Planner {
             return;
         for (const PlannedFile& file : plan_.files)
             places_.emplace(LowerCase(file.name), &file - plan_.files.data());
-        // Brackets come first: whoever gets a name by them has it when titles are compared.
+        // Brackets first: a name that a file gets by them is taken when titles are compared.
         for (std::size_t i = 0; i < plan_.files.size(); ++i)
             AskForPlainName(i);
         for (std::size_t i = 0; i < plan_.files.size(); ++i)
@@ -67,7 +67,7 @@ class Planner {
             IsRight,  ///< its name is what its tag says, or it has no tag
             Leaves,   ///< it wants another name
             IsStuck,  ///< its tag has another title, which no name can hold
-            Unknown,  ///< nobody can tell
+            Unknown,  ///< it cannot be determined
         };
         Standing standing = Standing::IsRight;
         std::string name = {};
@@ -79,7 +79,7 @@ class Planner {
     std::vector<FileEntry> List() {
         steps_.Concerning(plan_.folder.path);
         Listing<FileEntry> found;
-        if (!steps_.Try(FilesStep, [&] { found = run_.files.FilesIn(plan_.folder.path); }))
+        if (!steps_.Try(TagStep::ListFiles, [&] { found = run_.files.FilesIn(plan_.folder.path); }))
             return {};
         // A name that is out of sight may be one that a file here would get.
         if (std::any_of(found.unseen.begin(), found.unseen.end(), IsSoundFile)) return {};
@@ -110,14 +110,14 @@ class Planner {
         if (file.plainName == file.name) wanted.standing = Standing::IsRight;
         if (!file.tag.IsThere() || !TitleDiffers(file.tag, file.title)) return wanted;
         std::string title;
-        if (!steps_.Try(TitleStep, [&] { title = FileTitle(file.tag.song); })) {
+        if (!steps_.Try(TagStep::NameByTitle, [&] { title = FileTitle(file.tag.song); })) {
             if (wanted.standing == Standing::IsRight) wanted.standing = Standing::IsStuck;
             return wanted;
         }
         std::string name = plan_.artist + " - " + title + ".mp3";
         // What differs are characters that no name can hold: it cannot come nearer to the tag.
         if (EqualIgnoringCase(name, file.plainName)) return wanted;
-        const bool canBe = steps_.Try(TitleStep, [&] {
+        const bool canBe = steps_.Try(TagStep::NameByTitle, [&] {
             if (!IsWindowsName(name)) throw Failure(FailureNumber::BadFileName, name);
         });
         if (!canBe) {
@@ -132,8 +132,8 @@ class Planner {
     bool ReadTag(PlannedFile& planned, const FileEntry& file) {
         std::optional<Tag> tag = ReadID3(run_, file);
         if (!tag) return false;
-        // Of what a "|" in a field makes of a record nobody knows which field a piece is.
-        const bool isClear = steps_.Try(CompareStep, [&] { RequireClearRecord(*tag); });
+        // After a "|" in a field, it is not known which piece of the record is which field.
+        const bool isClear = steps_.Try(TagStep::Compare, [&] { RequireClearRecord(*tag); });
         if (isClear) planned.tag = *std::move(tag);
         return isClear;
     }
@@ -153,12 +153,12 @@ class Planner {
             const Standing standing = wishes_[*holder].standing;
             if (standing == Standing::IsRight || standing == Standing::IsStuck)
                 return MakeDuplicate(i, file.plainName, holder, true);
-            // What leaves the name is another song; of what nobody knows, nothing is concluded.
+            // A file that gives up the name is another song; from an unknown one nothing follows.
             if (standing == Standing::Unknown) return Block(i);
         } else if (const std::optional<std::size_t> claim = ClaimOn(file.plainName)) {
             return MakeDuplicate(i, file.plainName, claim, true);
         } else {
-            const std::optional<bool> isThere = Exists(i, BracketStep, file.plainName);
+            const std::optional<bool> isThere = Exists(i, TagStep::RoundBrackets, file.plainName);
             if (!isThere) return LeaveAlone(i);
             if (*isThere) return MakeDuplicate(i, file.plainName, std::nullopt, true);
         }
@@ -185,7 +185,7 @@ class Planner {
         }
         if (claim) return yield(claim);
         if (!PlaceOf(wanted.name)) {
-            const std::optional<bool> isThere = Exists(i, TitleStep, wanted.name);
+            const std::optional<bool> isThere = Exists(i, TagStep::NameByTitle, wanted.name);
             if (!isThere) return LeaveAlone(i);
             if (*isThere) return yield(std::nullopt);
         }
@@ -194,7 +194,7 @@ class Planner {
 
     /// Whether there is a file of this name, which is not among those listed; nothing where nobody
     /// can tell, which is logged for the file that would have it.
-    std::optional<bool> Exists(std::size_t i, int step, const std::string& name) {
+    std::optional<bool> Exists(std::size_t i, TagStep step, const std::string& name) {
         steps_.Concerning(plan_.PathOf(plan_.files[i].name));
         bool isThere = false;
         const bool isKnown =
@@ -240,13 +240,13 @@ class Planner {
         file.twin.reset();
         const bool isOdd = file.plainName != file.name && wishes_[i].name != file.plainName;
         const bool isFree = isOdd && !PlaceOf(file.plainName) && !ClaimOn(file.plainName) &&
-                            !Exists(i, BracketStep, file.plainName).value_or(true);
+                            !Exists(i, TagStep::RoundBrackets, file.plainName).value_or(true);
         file.fate = isFree ? Fate::IsRenamed : Fate::Stays;
         file.newName = isFree ? file.plainName : wishes_[i].name;
         if (isFree) claims_.emplace(LowerCase(file.plainName), i);
     }
 
-    /// The same where nobody can tell, of which the log knows.
+    /// The same where it cannot be determined, which has been logged.
     void LeaveAlone(std::size_t i) {
         Block(i);
         PlannedFile& file = plan_.files[i];
@@ -259,7 +259,7 @@ class Planner {
         bool changed = false;
         for (std::size_t i = 0; i < plan_.files.size(); ++i) {
             PlannedFile& file = plan_.files[i];
-            // Who waits for the name may wait in vain; the next run will know.
+            // A file that waits for the name may not get it; the next run decides.
             if (file.fate == Fate::IsDuplicate && file.twin &&
                 (plan_.files[*file.twin].waits ||
                  !EqualIgnoringCase(NameThen(*file.twin), file.newName))) {

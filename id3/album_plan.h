@@ -13,14 +13,22 @@ namespace quillon {
 class Run;
 class Steps;
 
-/// The numbers that failures of the comparison of tags are logged with.
-constexpr int FilesStep = 3, BracketStep = 4, CompareStep = 5, RowStep = 6, TitleStep = 7;
+/// The steps of the comparison of tags in one library folder.
+enum class TagStep {
+    Open = 1,
+    ListFolders = 2,
+    ListFiles = 3,
+    RoundBrackets = 4,
+    Compare = 5,
+    NoteDifference = 6,
+    NameByTitle = 7,  ///< the names by the titles, and all that follows from them
+};
 
 /// What becomes of a sound file's name in a comparison of tags.
 enum class Fate {
     Stays,
     IsRenamed,
-    IsDuplicate,  ///< it goes, in favour of the file that has the name or gets it
+    IsDuplicate,  ///< it is removed; the file that has the name or gets it stays
 };
 
 /// A sound file of an album folder, and what its name and its tag ask for.
@@ -39,7 +47,7 @@ struct PlannedFile {
     /// IsDuplicate: the other file's place in the plan; nothing for one that is not in there.
     std::optional<std::size_t> twin = {};
     bool byBrackets = false;  ///< IsDuplicate for its name alone, whatever its tag says
-    /// IsRenamed: only once a duplicate has gone that has the name at present.
+    /// IsRenamed: only after the duplicate that has the name now is removed.
     bool waits = false;
     /// The name that it should have belongs to a file that cannot leave it.
     bool isBlocked = false;
@@ -56,9 +64,10 @@ struct AlbumPlan {
 
 /// Reads the tags of a folder's sound files and decides which names they get. A tag's title is
 /// trusted over the name; where several files would have a name, one gets it, and the others are
-/// its duplicates. Names are exchanged and passed on: a file is the duplicate of another one only
-/// if that keeps the name. A folder of which not every sound file can be seen has no files here, so
-/// that all of it stays as it is. What fails is logged through `steps`, with the path.
+/// its duplicates. Files may swap names or pass them on: a file is a duplicate of another one only
+/// if that one keeps the name. If not every sound file of a folder can be seen, the plan has none
+/// of its files, so that the folder stays as it is. What fails is logged through `steps`, with the
+/// path.
 AlbumPlan PlanAlbum(Run& run, Steps& steps, std::string artist, FolderEntry folder);
 
 }  // namespace quillon

@@ -23,7 +23,8 @@ class AlbumTags {
         for (std::size_t i = 0; i < files_.size(); ++i) {
             files_[i].compared.path = plan_.files[i].path;
             walk_.steps.Concerning(files_[i].compared.path);
-            if (plan_.files[i].tag.IsThere()) walk_.steps.Try(CompareStep, [&] { Compare(i); });
+            if (plan_.files[i].tag.IsThere())
+                walk_.steps.Try(TagStep::Compare, [&] { Compare(i); });
         }
         Rename();
         AlbumRest rest;
@@ -66,7 +67,7 @@ class AlbumTags {
         compared.newTitle = file.tagTitle;
         if (file.byBrackets) return;
         for (const TagDifference& difference : tag.differences) {
-            walk_.steps.Try(RowStep, [&] {
+            walk_.steps.Try(TagStep::NoteDifference, [&] {
                 walk_.differences.Add(plan_.artist, plan_.folder.name, file.title, difference);
             });
         }

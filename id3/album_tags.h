@@ -20,8 +20,8 @@ struct TagWalk {
 };
 
 /// Compares the tags of one album folder's sound files, in name order; renames the files and brings
-/// their rows along. What is to go is left to the end of the comparison. A file's failure is logged
-/// with its path, and the next file is looked at.
+/// their rows along. Removals wait for the end of the comparison. A file's failure is logged with
+/// its path, and the next file is looked at.
 void VerifyAlbumTags(TagWalk& walk, const std::string& artist, const FolderEntry& folder);
 
 }  // namespace quillon

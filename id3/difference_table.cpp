@@ -39,7 +39,7 @@ void DifferenceRows::Add(std::string_view artist, std::string_view album, std::s
 
 void OutputReconcileTable(Run& run) {
     Steps steps(run, "OutputReconcileTable");
-    steps.Try(0, [&run] {
+    steps.Try([&run] {
         const std::string base = run.host.GetAppPath();
         CreateMissing(run.files, base + R"(\Data)");
         CreateMissing(run.files, base + R"(\Data\Quillon)");

@@ -14,10 +14,11 @@ class Run;
 /// Appends to the difference table. All rows of a run carry the same time.
 class DifferenceRows {
   public:
-    /// Throws Failure when the table cannot be used: else each file would tell it anew.
+    /// Throws Failure when the table cannot be used: otherwise every file would report it again.
     DifferenceRows(Connection& connection, DateTime updateTime);
 
-    /// Adds a row for a file; `song` is its title. Throws Failure; nothing of the row stays then.
+    /// Adds a row for a file; `song` is its title. If it throws Failure, nothing of the row is
+    /// left.
     void Add(std::string_view artist, std::string_view album, std::string_view song,
              const TagDifference& difference);
 

@@ -19,8 +19,8 @@
 namespace quillon {
 namespace {
 
-int StepOf(const DuplicateFile& duplicate) {
-    return duplicate.byBrackets ? BracketStep : TitleStep;
+TagStep StepOf(const DuplicateFile& duplicate) {
+    return duplicate.byBrackets ? TagStep::RoundBrackets : TagStep::NameByTitle;
 }
 
 class DuplicateRemoval {
@@ -43,7 +43,7 @@ class DuplicateRemoval {
     }
 
   private:
-    /// A duplicate that nothing speaks for but the run's limits.
+    /// A duplicate that only the run's limits can still keep.
     struct Going {
         const DuplicateFile* duplicate;
         TrackRow* row = nullptr;
@@ -72,7 +72,7 @@ class DuplicateRemoval {
         return isKnown && objection.empty();
     }
 
-    /// Why the file is none that may go; "" where it may.
+    /// Why the file must stay; "" if it may be removed.
     std::string Objection(const DuplicateFile& duplicate, bool onlyIdentical) {
         const std::string& path = duplicate.file.path;
         const std::string twin(LastName(duplicate.twin));
@@ -100,7 +100,7 @@ class DuplicateRemoval {
             going.isReady = steps_.Try(StepOf(*going.duplicate), [&] { HandOverRow(going); });
             if (!going.isReady) TakeBackRow(going);
         }
-        const bool isKept = steps_.Try(TitleStep, [&] {
+        const bool isKept = steps_.Try(TagStep::NameByTitle, [&] {
             run_.playlistEntries.Keep();
             run_.Flush();
         });
@@ -129,14 +129,14 @@ class DuplicateRemoval {
         if (going.row == nullptr) return;
         run_.playlistEntries.SongStays(static_cast<std::int32_t>(going.row->id));
         if (!going.isHandedOver) return;
-        steps_.Try(TitleStep, [&] { SetSoundFile(*going.row, going.soundFile); });
+        steps_.Try(TagStep::NameByTitle, [&] { SetSoundFile(*going.row, going.soundFile); });
     }
 
-    /// What is kept of the playlists says of all of them that they go.
+    /// The playlists' snapshot says that all of them are removed: it is written anew if some stay.
     void KeepIfAnyStays() {
         const auto hasGone = [](const Going& going) { return going.hasGone; };
         if (std::all_of(going_.begin(), going_.end(), hasGone)) return;
-        steps_.Try(TitleStep, [&] {
+        steps_.Try(TagStep::NameByTitle, [&] {
             run_.playlistEntries.Keep();
             run_.Flush();
         });

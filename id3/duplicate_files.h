@@ -14,7 +14,7 @@ struct DuplicateFile {
     ComparedFile file;
     std::string twin;         ///< the other file's path
     std::string pathIfKept;   ///< without square brackets or a temporary name; "" for the same
-    bool byBrackets = false;  ///< they are all that tells the names apart
+    bool byBrackets = false;  ///< the names differ in square brackets alone
 };
 
 /// A rename that waits until a duplicate has gone.
@@ -35,8 +35,8 @@ struct AlbumRest {
 bool OnlyIdenticalAreRemoved(Host& host);
 
 /// Removes the duplicates of all albums, if the run may remove so many, and gives waiting files
-/// their names. A file goes when the other one is there by its name: its row becomes that of the
-/// other if this has none, else its playlist entries do, before the file goes. What stays is
+/// their names. A file is removed if the other one exists under its name. Before that, its row
+/// is given to the other file if that has none; else its playlist entries are. What stays is
 /// logged, and its row follows its tag. Failures are logged with "VerifyID3TagsFolder".
 void RemoveDuplicateFiles(Run& run, std::vector<AlbumRest> rests);
 

@@ -17,7 +17,7 @@ std::string Without(std::string_view text, std::string_view part) {
     std::size_t kept = 0;
     const auto first = static_cast<unsigned char>(part.front());
     for (std::size_t at = 0; at < text.size();) {
-        // A look at one letter tells most places from the part's beginning.
+        // Comparing one letter rules out most places.
         const auto here = static_cast<unsigned char>(text[at]);
         if (here < 0x80 && first < 0x80 && (here | CaseBit) != (first | CaseBit)) {
             ++at;

@@ -24,6 +24,8 @@
 namespace quillon {
 namespace {
 
+enum class UpdateStep { Open = 1, ReadDifferences = 2, Apply = 3 };
+
 struct Difference {
     std::string field, value, expected, artist, album, song;
 
@@ -158,18 +160,18 @@ void Apply(Run& run, const Difference& difference) {
 void UpdateDatabaseFromID3(Run& run) {
     Steps steps(run, "UpdateDBfromID3");
     std::unique_ptr<RecordSet> rows;
-    const bool opened = steps.Try(1, [&] {
+    const bool opened = steps.Try(UpdateStep::Open, [&] {
         rows = run.connection->Query("SELECT * FROM SpinnerID3Differences ORDER BY Artist");
         run.StartCountingRows("SpinnerID3Differences");
     });
     if (!opened) return;
-    steps.Try(2, [&] {
+    steps.Try(UpdateStep::ReadDifferences, [&] {
         for (; !rows->IsEof(); rows->MoveNext()) {
             const Difference difference = ReadDifference(*rows);
             run.ShowItem("1. Update Database with ID3 for Artist" + difference.artist);
             if (run.AbortRequested) return;
             steps.Concerning(difference.Name());
-            steps.Try(3, [&] { Apply(run, difference); });
+            steps.Try(UpdateStep::Apply, [&] { Apply(run, difference); });
             run.CountDone();
         }
     });

@@ -12,7 +12,7 @@ class Run;
 /// the row's DBValue; where that leaves more than one, nothing is changed, and the log says so. A
 /// tag without a length or genre is passed over silently. A length that is no number of seconds up
 /// to 32767 and a number that is none above 0 are logged and passed over. Other failures are logged
-/// with "UpdateDBfromID3"; the next row's turn comes. Stops between rows when Abort is requested.
+/// with "UpdateDBfromID3", and the next row follows. Stops between rows when Abort is requested.
 void UpdateDatabaseFromID3(Run& run);
 
 }  // namespace quillon

@@ -15,6 +15,8 @@
 namespace quillon {
 namespace {
 
+enum class FactStep { TrackRow = 1, Length = 2, Genre = 3 };
+
 constexpr std::int32_t HighestTrack = 255;
 
 /// What the database says of one song; empty where it says nothing.
@@ -94,9 +96,9 @@ BuiltTag GetID3Info(Run& run, std::string_view path, const SongNames& names, con
     Steps steps(run, "GetID3Info Management");
     steps.Concerning(path);
     SongFacts facts;
-    steps.Try(1, [&] { ReadTrackRow(run, path, names, facts); });
-    if (facts.seconds.empty()) steps.Try(2, [&] { ReadLength(run, names, facts); });
-    steps.Try(3, [&] { ReadGenre(run, names, facts); });
+    steps.Try(FactStep::TrackRow, [&] { ReadTrackRow(run, path, names, facts); });
+    if (facts.seconds.empty()) steps.Try(FactStep::Length, [&] { ReadLength(run, names, facts); });
+    steps.Try(FactStep::Genre, [&] { ReadGenre(run, names, facts); });
     const bool lengthKnown = !facts.seconds.empty(), trackKnown = !facts.track.empty();
     Tag tag = present;
     tag.marker = "TAG";

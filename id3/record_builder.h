@@ -34,7 +34,7 @@ struct BuiltTag {
 /// of the download table. Of the present tag stay the year, the rest of the comment, and the number
 /// and length that the database does not know; an empty genre leaves the tag's own to the writer.
 ///
-/// Failures are logged with "GetID3Info Management", and what they concern counts as not known.
+/// Failures are logged with "GetID3Info Management", and what they concern is treated as unknown.
 BuiltTag GetID3Info(Run& run, std::string_view path, const SongNames& names, const Tag& present);
 
 }  // namespace quillon

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "id3/album_plan.h"
 #include "id3/file_names.h"
 #include "id3/track_of_file.h"
 #include "platform/basic_text.h"
@@ -11,11 +12,6 @@
 #include "run/paths.h"
 
 namespace quillon {
-namespace {
-
-constexpr int RenameStep = 7;
-
-}  // namespace
 
 std::size_t Renames::Add(std::string from, std::string to, RowTitle title) {
     const std::size_t number = renames_.size();
@@ -56,7 +52,7 @@ const Renames::Rename* Renames::HolderOf(const std::string& path) const {
     return found == holders_.end() ? nullptr : &renames_[found->second];
 }
 
-/// Those that wait for nobody any more. Those that wait in vain are given up.
+/// Those that wait for no other file any more. Those that can never be renamed are given up.
 std::vector<std::size_t> Renames::Ready() {
     for (bool changed = true; changed;) {
         changed = false;
@@ -123,16 +119,17 @@ void Renames::Carry(std::span<Move> moves) {
     std::vector<bool> possible;
     for (Move& move : moves) {
         steps_.Concerning(move.from);
-        possible.push_back(steps_.Try(RenameStep, [&] { LeadRow(move); }));
+        possible.push_back(steps_.Try(TagStep::NameByTitle, [&] { LeadRow(move); }));
         if (!possible.back()) PutBack(move);
     }
-    const bool durable = steps_.Try(RenameStep, [&] { run_.Flush(); });
+    const bool durable = steps_.Try(TagStep::NameByTitle, [&] { run_.Flush(); });
     bool anyBack = false;
     for (std::size_t i = 0; i < moves.size(); ++i) {
         Move& move = moves[i];
         steps_.Concerning(move.from);
-        move.isDone = durable && possible[i] &&
-                      steps_.Try(RenameStep, [&] { run_.files.MoveFile(move.from, move.to); });
+        move.isDone = durable && possible[i] && steps_.Try(TagStep::NameByTitle, [&] {
+            run_.files.MoveFile(move.from, move.to);
+        });
         if (move.isDone) {
             LetVanishedGo(move);
         } else if (possible[i]) {
@@ -140,7 +137,7 @@ void Renames::Carry(std::span<Move> moves) {
             anyBack = true;
         }
     }
-    if (anyBack && durable) steps_.Try(RenameStep, [&] { run_.Flush(); });
+    if (anyBack && durable) steps_.Try(TagStep::NameByTitle, [&] { run_.Flush(); });
 }
 
 /// Gives the file's row the new path. A row that has it already is one of a file that has gone, or,
@@ -172,7 +169,7 @@ void Renames::LeadRow(Move& move) {
 /// miss the file.
 void Renames::LetVanishedGo(const Move& move) {
     if (!move.vanished) return;
-    steps_.Try(RenameStep, [&] {
+    steps_.Try(TagStep::NameByTitle, [&] {
         Write(*move.vanished->row, StoredAs(move.vanished->soundFile, move.to, move.from),
               move.vanished->title);
     });
@@ -185,7 +182,7 @@ void Renames::Write(TrackRow& row, const std::string& soundFile, const std::stri
 }
 
 void Renames::PutBack(const Move& move) {
-    steps_.Try(RenameStep, [&] {
+    steps_.Try(TagStep::NameByTitle, [&] {
         std::for_each(move.rows.rbegin(), move.rows.rend(),
                       [this](const OldRow& old) { Write(*old.row, old.soundFile, old.title); });
     });

@@ -35,7 +35,8 @@ class Renames {
     /// Notes a rename; its number, from 0. No two files may be given one path.
     std::size_t Add(std::string from, std::string to, RowTitle title);
 
-    /// Notes that the file of this path keeps it: whoever wants it waits in vain. Its number.
+    /// Notes that the file with this path keeps it: files that want the path never get it. Returns
+    /// its number.
     std::size_t Keep(std::string path);
 
     /// Renames all files, those first whose names are free. A file that cannot be renamed is logged

@@ -20,7 +20,7 @@ auto Found(const Map& map, const std::string& key) {
 SongFiles::SongFiles(Run& run, Steps& steps) : run_(run), steps_(steps) {
     for (const FolderEntry& root : run.LibraryFolders) {
         steps.Concerning(root.path);
-        steps.Try(2, [&] {
+        steps.Try(StoreStep::ListFolder, [&] {
             for (FolderEntry& artist : run.files.SubFolders(root.path))
                 artists_[LowerCase(artist.name)].push_back(std::move(artist.path));
         });
@@ -41,7 +41,7 @@ void SongFiles::ListAlbums() {
     albums_.clear();
     for (const std::string& folder : Found(artists_, artist_)) {
         steps_.Concerning(folder);
-        steps_.Try(2, [&] {
+        steps_.Try(StoreStep::ListFolder, [&] {
             for (FolderEntry& album : run_.files.SubFolders(folder))
                 albums_[LowerCase(album.name)].push_back(std::move(album.path));
         });
@@ -52,7 +52,7 @@ void SongFiles::ListFiles() {
     files_.clear();
     for (const std::string& folder : Found(albums_, album_)) {
         steps_.Concerning(folder);
-        steps_.Try(2, [&] {
+        steps_.Try(StoreStep::ListFolder, [&] {
             for (FileEntry& file : run_.files.FilesIn(folder)) {
                 if (IsSoundFile(file.name)) files_[KeyOf(file.name)].push_back(std::move(file));
             }

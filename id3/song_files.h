@@ -12,6 +12,15 @@ namespace quillon {
 class Run;
 class Steps;
 
+/// The steps of writing tags.
+enum class StoreStep {
+    ReadSongs = 1,
+    ListFolder = 2,
+    ReadDifferences = 3,
+    FindFile = 4,
+    WriteTag = 5,
+};
+
 /// Finds the sound files of songs in the library folders, whichever of them they are in. Folders
 /// and files are only ever taken from listings, so no name in the database leads out of the
 /// library.
@@ -20,7 +29,7 @@ class SongFiles {
     /// Lists the library folders; `steps` logs those that cannot be listed, here and later.
     SongFiles(Run& run, Steps& steps);
 
-    /// Goes to an album; folders are listed again only when artist or album is another one.
+    /// Selects an album; folders are listed again only if the artist or album is a different one.
     void GoTo(std::string_view artist, std::string_view album);
 
     /// Files of the album whose title is this one, whatever the letter case, with the artist before

@@ -7,11 +7,9 @@
 namespace quillon {
 namespace {
 
-constexpr std::string_view UnknownGenre = "other";
+enum class GenreStep { StoreDerived = 2 };
 
-std::string PathOf(std::string_view artist, std::string_view album, std::string_view song) {
-    return std::string(artist).append("\\").append(album).append("\\").append(song);
-}
+constexpr std::string_view UnknownGenre = "other";
 
 /// A song's names with nothing between, as the dictionary knows it.
 std::string JoinedNames(const SongRow& row) {
@@ -23,7 +21,7 @@ std::string DeriveGenre(DownloadTable& table, SongRow& row, Steps& steps) {
     std::string genre = GenreInFileName(RowText(table.Read(row, "FileName")));
     if (genre.empty()) genre = UnknownGenre;
     steps.Concerning(JoinedNames(row));
-    steps.Try(2, [&] { table.SetGenre(row, genre); });
+    steps.Try(GenreStep::StoreDerived, [&] { table.SetGenre(row, genre); });
     steps.Concerning({});
     return genre;
 }
@@ -41,7 +39,7 @@ std::string GenreInFileName(std::string_view fileName) {
 
 void PopulateGenre(Run& run) {
     Steps steps(run, "PopulateGenre:");
-    steps.Try(0, [&] {
+    steps.Try([&] {
         // Only the comparison of tags asks the dictionary, and it may hold a million songs.
         const bool isAskedFor = run.settings.ID3Reconcile;
         DownloadTable& table = run.TheDownloadTable();
@@ -52,18 +50,6 @@ void PopulateGenre(Run& run) {
             if (isAskedFor) run.GenreDictionary.Add(row, isDerived ? derived : row.genre.Text());
         }
     });
-}
-
-std::string GetID3Genre(Run& run, std::string_view artist, std::string_view album,
-                        std::string_view song) {
-    std::string genre;
-    Steps steps(run, "Get ID3 Genre Error:");
-    steps.Concerning(PathOf(artist, album, song));
-    steps.Try(1, [&] {
-        if (const SongRow* const row = run.TheDownloadTable().Find(artist, album, song))
-            genre = row->genre;
-    });
-    return genre;
 }
 
 }  // namespace quillon

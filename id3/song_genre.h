@@ -16,9 +16,4 @@ std::string GenreInFileName(std::string_view fileName);
 /// none, and keeps it. Failures are logged with "PopulateGenre:".
 void PopulateGenre(Run& run);
 
-/// A song's genre by the download table; "" without a row. Failures are logged with "Get ID3 Genre
-/// Error:".
-std::string GetID3Genre(Run& run, std::string_view artist, std::string_view album,
-                        std::string_view song);
-
 }  // namespace quillon

@@ -16,7 +16,7 @@ namespace {
 /// Lengths that are measured by different programs differ by a second or two.
 constexpr double TooFarApart = 3;
 
-/// The number of seconds that a tag tells; what is no number stays as it is, to be seen.
+/// The number of seconds in a tag; a text that is no number stays as it is, so that it is seen.
 std::string TagSeconds(std::string_view comment) {
     constexpr double Largest = 1e15;
     const std::optional<LengthMark> length = LengthInComment(comment);

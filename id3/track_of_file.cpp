@@ -10,7 +10,7 @@
 namespace quillon {
 namespace {
 
-constexpr int FindStep = 2, ChangeStep = 7;
+enum class TrackStep { Read = 1, Find = 2, Change = 7 };
 
 std::vector<FieldValue> WantedChanges(const TrackRow& row, const ComparedFile& file) {
     constexpr std::int32_t SecondsAMinute = 60;
@@ -64,7 +64,7 @@ TrackInfo GetID3TrackInfo(Run& run, std::string_view path, std::string_view newP
     TrackInfo info;
     Steps steps(run, "Get ID3 Track Info Error:");
     steps.Concerning(path);
-    steps.Try(1, [&] {
+    steps.Try(TrackStep::Read, [&] {
         Library& library = run.TheLibrary();
         TrackRow* const row =
             newPath.empty() ? library.FindTrack(path) : FindRowToRename(library, path, newPath);
@@ -81,14 +81,15 @@ void UpdateForID3Info(Run& run, const ComparedFile& file, TrackRow* known) {
     steps.Concerning(file.path);
     TrackRow* row = nullptr;
     std::vector<FieldValue> changes;
-    steps.Try(FindStep, [&] {
+    steps.Try(TrackStep::Find, [&] {
         row = known != nullptr ? known : run.TheLibrary().FindTrack(file.path);
         if (row == nullptr) return;
         const std::int16_t number = IsNumeric(file.track) ? ToInteger(file.track) : std::int16_t{0};
         if (number > 0) row->tagNumber = number;
         changes = WantedChanges(*row, file);
     });
-    if (!changes.empty()) steps.Try(ChangeStep, [&] { run.TheLibrary().Change(*row, changes); });
+    if (!changes.empty())
+        steps.Try(TrackStep::Change, [&] { run.TheLibrary().Change(*row, changes); });
 }
 
 }  // namespace quillon

@@ -16,12 +16,12 @@
 namespace quillon {
 namespace {
 
-constexpr int ListStep = 2, SoundStep = 7;
+enum class VerifyStep { AllFolders = 1 };
 
 std::vector<FolderEntry> SubFolders(Run& run, Steps& steps, const FolderEntry& folder) {
     Listing<FolderEntry> folders;
     steps.Concerning(folder.path);
-    steps.Try(ListStep, [&] { folders = run.files.SubFolders(folder.path); });
+    steps.Try(TagStep::ListFolders, [&] { folders = run.files.SubFolders(folder.path); });
     // What could not be looked at stays as it is; the adapter has told of it.
     return std::move(folders.entries);
 }
@@ -51,10 +51,9 @@ std::string PathOfTwin(const AlbumPlan& plan, const PlannedFile& file) {
 
 void VerifyID3TagsFolder(Run& run, const FolderEntry& root, DateTime updateTime,
                          std::vector<AlbumRest>& rests) {
-    constexpr int OpenStep = 1;
     Steps steps(run, "VerifyID3TagsFolder");
     std::optional<DifferenceRows> differences;
-    const bool opened = steps.Try(OpenStep, [&] {
+    const bool opened = steps.Try(TagStep::Open, [&] {
         differences.emplace(*run.connection, updateTime);
         run.TheLibrary();
     });
@@ -67,7 +66,7 @@ void VerifyID3TagsFolder(Run& run, const FolderEntry& root, DateTime updateTime,
 
 void VerifyID3Tags(Run& run) {
     Steps steps(run, "VerifyID3Tags:");
-    steps.Try(1, [&run] {
+    steps.Try(VerifyStep::AllFolders, [&run] {
         if (!run.files.FolderExists(run.settings.LibraryRoot)) {
             LogError(run, LogSource,
                      "Verify ID3 Tags, No folder at library root " + run.settings.LibraryRoot);
@@ -91,7 +90,7 @@ TagChanges CountTagChanges(Run& run) {
         const std::string path = plan.PathOf(file.name);
         bool mayGo = false;
         steps.Concerning(path);
-        steps.Try(SoundStep, [&] {
+        steps.Try(TagStep::NameByTitle, [&] {
             const std::string twin = PathOfTwin(plan, file);
             mayGo = !run.files.IsSameFile(path, twin) &&
                     (!onlyIdentical || HaveSameSound(run.files, path, twin));

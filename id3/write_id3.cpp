@@ -72,14 +72,15 @@ void WriteFile(Run& run, const std::string& path, const SongNames& names,
 void WriteSong(Run& run, Steps& steps, SongFiles& files, const SongNames& names) {
     Differences differences;
     steps.Concerning(names.artist + "\\" + names.album + "\\" + names.song);
-    if (!steps.Try(3, [&] { differences = ReadDifferences(run, names); })) return;
+    if (!steps.Try(StoreStep::ReadDifferences, [&] { differences = ReadDifferences(run, names); }))
+        return;
     if (!differences.any) return;
     files.GoTo(names.artist, names.album);
     std::vector<FileEntry> found = files.WithTitle(names.song);
     const bool renamed = found.empty() && !differences.tagTitle.empty();
     if (renamed) found = files.WithTitle(NoNasties(differences.tagTitle));
     steps.Concerning({});
-    steps.Try(4, [&] {
+    steps.Try(StoreStep::FindFile, [&] {
         if (!found.empty()) return;
         throw Failure(FailureNumber::FileNotFound, names.artist + "\\" + names.album + "\\" +
                                                        names.artist + " - " + names.song + ".mp3");
@@ -88,7 +89,7 @@ void WriteSong(Run& run, Steps& steps, SongFiles& files, const SongNames& names)
         SongNames own = names;
         own.song = SongTitle(renamed ? file.name : names.song, names.artist);
         steps.Concerning(file.path);
-        steps.Try(5, [&] { WriteFile(run, file.path, own, differences); });
+        steps.Try(StoreStep::WriteTag, [&] { WriteFile(run, file.path, own, differences); });
     }
 }
 
@@ -130,7 +131,7 @@ void StoreID3(Run& run, SongFiles& files, const ArtistSongs& artist) {
 void WriteID3(Run& run) {
     Steps steps(run, "StoreID3");
     std::vector<ArtistSongs> artists;
-    if (!steps.Try(1, [&] { artists = ReadArtists(run); })) return;
+    if (!steps.Try(StoreStep::ReadSongs, [&] { artists = ReadArtists(run); })) return;
     SongFiles files(run, steps);
     run.StartCounting(SongCount(artists));
     for (const ArtistSongs& artist : artists) {

@@ -26,7 +26,7 @@ struct ArtistSongs {
 /// album's folder are written, with the artist in their names or without, because a row does not
 /// say which of them it means. A file that has been renamed by its tag's title since the row was
 /// made is found by that title. What cannot be written is logged with "StoreID3" or by the routine
-/// that could not, and the next file's turn comes. Stops between files when Abort is requested.
+/// that could not, and the next file follows. Stops between files when Abort is requested.
 void StoreID3(Run& run, SongFiles& files, const ArtistSongs& artist);
 
 /// The mode: writes tags for the differences of all artists, artist by artist.

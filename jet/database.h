@@ -12,16 +12,13 @@
 
 #include "jet/check.h"
 #include "jet/error.h"
+#include "jet/lock.h"
 #include "jet/record_set.h"
+#include "jet/row_observer.h"
 #include "jet/schema.h"
 #include "jet/value.h"
 
 namespace jet {
-
-enum class OpenMode {
-    ReadOnly,   ///< statements that change rows are refused; the file is not touched
-    ReadWrite,  ///< takes the database for this process alone
-};
 
 /// A table that is not in good order.
 struct DamagedTable {
@@ -161,6 +158,12 @@ class Database {
     /// statement ends with Error(Interrupted): every row is as it was before, and all can go on. An
     /// empty function takes it back.
     void SetInterruption(std::function<bool()> wanted);
+
+    /// From now on `observer` is told of the rows that change; null: nobody any more. It must
+    /// outlive the database and its record sets, or be taken back before. A transaction that is
+    /// taken back is not told: what was told of it and no AfterCommit() followed has not happened.
+    /// Tables that are made or dropped are not told either.
+    void SetObserver(RowObserver* observer);
 
     /// Makes all changes so far durable.
     void Flush();

@@ -5,6 +5,16 @@
 
 namespace jet {
 
+/// How a database is opened.
+enum class OpenMode {
+    ReadOnly,   ///< nothing is written, not even a lock file; a journal is read through
+    ReadWrite,  ///< takes the database for this process: Error(InUse) where another has it
+    /// As ReadWrite, and refused where the file may not be written, but nothing ever reaches the
+    /// disk: changes, transactions and what is made durable are seen through this object alone and
+    /// go with it. Others are not kept off, nor does it matter whether they have it open.
+    InMemory,
+};
+
 /// What the lock file beside a database means to whoever wants to open it for writing.
 struct LockState {
     enum class Kind {

@@ -1,31 +1,114 @@
 #include "picker/album_picker.h"
 
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "picker/albums.h"
+#include "picker/controls.h"
+#include "picker/covers.h"
 #include "picker/folders.h"
+#include "picker/forms.h"
+#include "picker/layout.h"
+#include "picker/links.h"
 #include "picker/locations.h"
+#include "picker/pages.h"
+#include "picker/stylesheet.h"
+#include "platform/database.h"
+#include "platform/failure.h"
+#include "platform/files.h"
 #include "run/run.h"
 #include "run/steps.h"
 
 namespace quillon {
+namespace {
+
+enum class PickerStep { Locate = 1, ReplacePages = 2 };
+
+std::unique_ptr<PickerControls> ControlsFor(const Settings& settings) {
+    if (settings.PickerFormatOption) return std::make_unique<PickerForms>();
+    return std::make_unique<PickerLinks>();
+}
+
+void WriteText(Run& run, std::string_view folder, std::string_view name, std::string_view text) {
+    const std::unique_ptr<TextWriter> file =
+        run.files.CreateText(std::string(folder) + '\\' + std::string(name));
+    file->Write(text);
+    file->Close();
+}
+
+void WritePage(Run& run, std::string_view folder, std::size_t page, std::string_view text) {
+    WriteText(run, folder, PageFileName(page), text);
+    ++run.counts.pagesWritten;
+}
+
+std::unique_ptr<Connection> OpenOwnConnection(Run& run) {
+    if (run.databases == nullptr) throw Failure(FailureNumber::ObjectRequired, "databases");
+    return run.databases->Open(PickerConnectionString(run.settings.Nirvis_CDJ_DB));
+}
+
+/// Writes the album pages one after the other, as long as nobody stops it.
+void WriteAlbumPages(Run& run, const PickerPages& pages, std::string_view folder) {
+    std::size_t number = 0;
+    for (std::size_t page = 1; page <= pages.PageCount(); ++page) {
+        std::string text = pages.BeginPage(page);
+        for (const PickerAlbum& album : pages.AlbumsOn(page)) {
+            run.ShowItem("3. On Page " + std::to_string(page) + ", Artist " + album.artist);
+            if (run.AbortRequested) return;
+            text += pages.AlbumCell(number++);
+            run.CountDone();
+        }
+        WritePage(run, folder, page, text + pages.EndPage(page));
+    }
+}
+
+}  // namespace
 
 void BuildAlbumPicker(Run& run) {
     Steps steps(run, "BuildAlbumPicker - Album Picker File may be open");
     PickerLocations locations;
-    steps.Try(1, [&] {
+    steps.Try(PickerStep::Locate, [&] {
         locations = LocatePicker(run.host.GetAppPath(), run.settings.coverPath);
         run.ShowItem("1. Generating Album Picker Files\"");
     });
     if (run.AbortRequested || locations.pageFolder.empty()) return;
 
     PageFolder pages(run.files, locations.pageFolder);
-    if (!steps.Try(2, [&] { pages.Start(); })) return;
+    if (!steps.Try(PickerStep::ReplacePages, [&] { pages.Start(); })) return;
     bool published = false;
     if (BuildcdjPages(run, locations, pages.Draft())) {
         // A page that the web server holds open keeps its folder from being renamed.
-        published = steps.Try(2, [&] { pages.Publish(); });
-        if (!published) steps.Try(2, [&] { pages.PutBack(); });
+        published = steps.Try(PickerStep::ReplacePages, [&] { pages.Publish(); });
+        if (!published) steps.Try(PickerStep::ReplacePages, [&] { pages.PutBack(); });
     }
     if (!published) run.counts.pagesWritten = 0;
-    steps.Try(2, [&] { pages.Clear(); });
+    steps.Try(PickerStep::ReplacePages, [&] { pages.Clear(); });
+}
+
+bool BuildcdjPages(Run& run, const PickerLocations& locations, std::string_view folder) {
+    Steps steps(run, "BuildcdjPages ");
+    std::optional<PickerLayout> layout;
+    PickerAlbums albums;
+    const auto goesOn = [&](PagesStep step, auto&& work) {
+        return !run.AbortRequested && steps.Try(step, work) && !run.AbortRequested;
+    };
+    return goesOn(PagesStep::LayOut, [&] { layout.emplace(run.settings); }) &&
+           goesOn(PagesStep::ReadAlbums,
+                  [&] { albums = ReadPickerAlbums(run, *OpenOwnConnection(run)); }) &&
+           goesOn(PagesStep::CopyCovers,
+                  [&] {
+                      run.ShowItem("2. Copying Covers from Library to Web Server area");
+                      if (run.AbortRequested) return;
+                      CopyCovers(run, steps, locations.webCoverFolder, albums.albums);
+                  }) &&
+           goesOn(PagesStep::WritePages, [&] {
+               const auto controls = ControlsFor(run.settings);
+               const PickerPages pages(*layout, *controls, albums, run.settings.coverPath);
+               WriteText(run, folder, StylesheetName, PickerStylesheet());
+               WritePage(run, folder, 0, pages.Index(run.settings.PickerMinimum));
+               run.StartCounting(albums.albums.size());
+               WriteAlbumPages(run, pages, folder);
+           });
 }
 
 }  // namespace quillon

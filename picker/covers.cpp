@@ -8,6 +8,7 @@
 #include <string>
 #include <unordered_map>
 
+#include "picker/album_picker.h"
 #include "picker/cover_names.h"
 #include "picker/folders.h"
 #include "picker/placeholder.h"
@@ -16,6 +17,7 @@
 #include "platform/failure.h"
 #include "platform/files.h"
 #include "run/counted.h"
+#include "run/paths.h"
 #include "run/run.h"
 #include "run/steps.h"
 
@@ -47,7 +49,7 @@ class CoverCopier {
             if (!sources.back().empty()) all.push_back(sources.back());
             isMissing |= sources.back().empty() && !album.imageFile.empty();
         }
-        if (isMissing) steps_.Try(3, [&] { RequireCoverFolder(); });
+        if (isMissing) steps_.Try(PagesStep::CopyCovers, [&] { RequireCoverFolder(); });
         CopyAll(CoverNames(folder_, all));
         for (std::size_t i = 0; i < albums.size(); ++i) {
             const auto found = copied_.find(LowerCase(sources[i]));
@@ -60,7 +62,7 @@ class CoverCopier {
     /// Pages are made without it, too, but covers that are out of sight are reported.
     void RequireCoverFolder() const {
         const std::string& folder = run_.settings.AlbumCoverFolder;
-        if (folder.empty() || folder == "\\" || run_.files.FolderExists(folder)) return;
+        if (!NamesFolder(folder) || run_.files.FolderExists(folder)) return;
         throw Failure(FailureNumber::PathNotFound, folder);
     }
 
@@ -80,8 +82,9 @@ class CoverCopier {
         for (const CoverCopy& copy : Counted(run_, names.Copies())) {
             run_.ProcessEvents();
             if (run_.AbortRequested) return;
-            const bool done =
-                steps_.Try(3, [&] { CopyFile(copy.source, folder_ + copy.name, copy.contested); });
+            const bool done = steps_.Try(PagesStep::CopyCovers, [&] {
+                CopyFile(copy.source, folder_ + copy.name, copy.contested);
+            });
             if (done) copied_.emplace(LowerCase(copy.source), copy.name);
         }
     }
@@ -103,7 +106,7 @@ class CoverCopier {
     void ProvidePlaceholder() {
         const std::string own = run_.settings.AlbumCoverFolder + std::string(PlaceholderName);
         const std::string target = folder_ + std::string(PlaceholderName);
-        steps_.Try(3, [&] {
+        steps_.Try(PagesStep::CopyCovers, [&] {
             if (run_.files.FileExists(own)) {
                 CopyFile(own, target, false);
             } else if (!run_.files.FileExists(target)) {

@@ -14,7 +14,10 @@ void MakeFolders(Files& files, std::string_view folder) {
 }
 
 PageFolder::PageFolder(Files& files, std::string_view folder)
-    : files_(files), folder_(folder), draft_(folder_ + ".new"), previous_(folder_ + ".old") {}
+    : files_(files),
+      folder_(folder),
+      draft_(folder_ + std::string(DraftEnding)),
+      previous_(folder_ + ".old") {}
 
 void PageFolder::Start() {
     PutBack();

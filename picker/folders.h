@@ -10,6 +10,9 @@ class Files;
 /// Makes a folder, and those above it, where they are missing.
 void MakeFolders(Files& files, std::string_view folder);
 
+/// What the name of a set of pages ends in while the set is being made.
+constexpr std::string_view DraftEnding = ".new";
+
 /// The folder of the pages while a new set is made. The new set grows in a folder beside the old
 /// one and takes its place when it is complete, so that a build that fails or is stopped leaves the
 /// old one as it was, and none of the old pages is left when one succeeds. Every operation may be

@@ -25,7 +25,7 @@ std::int64_t ToWhole(double number, std::string_view field) {
     return static_cast<std::int64_t>(rounded);
 }
 
-struct TextOf {
+struct AsText {
     std::string operator()(Null) const { return {}; }
     std::string operator()(bool value) const { return value ? "True" : "False"; }
     std::string operator()(std::int64_t value) const { return std::to_string(value); }
@@ -34,7 +34,7 @@ struct TextOf {
     std::string operator()(const std::string& value) const { return value; }
 };
 
-struct IntegerOf {
+struct AsInteger {
     std::string_view field;
 
     std::int64_t operator()(Null) const { return 0; }
@@ -52,15 +52,15 @@ struct IntegerOf {
 }  // namespace
 
 std::string RecordSet::Text(std::string_view field) const {
-    return std::visit(TextOf{}, Get(field));
+    return std::visit(AsText{}, Get(field));
 }
 
 std::string RecordSet::Text(std::size_t field) const {
-    return std::visit(TextOf{}, Get(field));
+    return std::visit(AsText{}, Get(field));
 }
 
 std::int64_t RecordSet::Integer(std::string_view field) const {
-    return std::visit(IntegerOf{field}, Get(field));
+    return std::visit(AsInteger{field}, Get(field));
 }
 
 }  // namespace quillon

@@ -186,7 +186,7 @@ bool ReadArtistEntries(Run& run, Steps& steps, ArtistEntries kind) {
     for (const GenreArtist& artist : Counted(run, DownloadArtists(run.TheDownloadTable()))) {
         run.ShowItem("1. Read Playlist Track / Album Info - " + artist.artist);
         steps.Concerning(artist.artist);
-        areAllRead &= steps.Try(0, [&] { reader.Read(artist); });
+        areAllRead &= steps.Try([&] { reader.Read(artist); });
     }
     steps.Concerning({});
     reader.TellLeftOut();

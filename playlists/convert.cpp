@@ -27,6 +27,8 @@
 namespace quillon {
 namespace {
 
+enum class ConvertStep { ReadFolder = 1, ConvertList = 2, FindTracks = 5 };
+
 /// The tracks that an entry stands for, by their numbers in the database.
 std::vector<std::string> TracksOf(Run& run, const PlaFields& fields) {
     if (fields.index != WholeAlbumIndex)
@@ -44,7 +46,7 @@ std::vector<std::string> TracksOf(Run& run, const PlaFields& fields) {
 
 void AddEntry(Run& run, Steps& steps, const PlaFields& fields, std::vector<M3uSong>& songs) {
     std::vector<std::string> tracks;
-    steps.Try(5, [&] { tracks = TracksOf(run, fields); });
+    steps.Try(ConvertStep::FindTracks, [&] { tracks = TracksOf(run, fields); });
     for (const std::string& track : tracks)
         WriteM3uTrack(run, songs, fields.cdjid, track);
 }
@@ -118,7 +120,7 @@ void WriteM3u(Run& run, const std::string& target, const std::vector<M3uSong>& s
 void aPlaToM3u_Click(Run& run) {
     Steps steps(run, "aPlaToM3u_Click");
     PlaylistFolder folder;
-    steps.Try(1, [&] { folder = ReadPlaylistFolder(run, steps); });
+    steps.Try(ConvertStep::ReadFolder, [&] { folder = ReadPlaylistFolder(run, steps); });
     for (const FileEntry& file : Counted(run, folder.lists)) {
         run.ProcessEvents();
         if (run.AbortRequested) return;
@@ -130,7 +132,7 @@ void PlaToM3u(Run& run, const FileEntry& file) {
     run.ShowItem("1. Playlist " + file.name);
     Steps steps(run, "PlaToM3u");
     steps.Concerning(file.path);
-    steps.Try(2, [&] {
+    steps.Try(ConvertStep::ConvertList, [&] {
         const std::optional<std::vector<M3uSong>> songs = SongsOf(run, steps, file);
         if (!songs) return;
         const std::string target = run.settings.PlayListPath2 + M3uName(file.name);
@@ -147,7 +149,7 @@ void PlaToM3u(Run& run, const FileEntry& file) {
 }
 
 void M3uToPla(Run& run) {
-    Steps(run, "M3uToPla").Try(0, [] {});
+    Steps(run, "M3uToPla").Try([] {});
 }
 
 }  // namespace quillon

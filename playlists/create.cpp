@@ -14,10 +14,10 @@
 #include "platform/failure.h"
 #include "playlists/artist_entries.h"
 #include "playlists/generated_lists.h"
+#include "playlists/generated_rows.h"
 #include "playlists/obsolete_lists.h"
 #include "playlists/pla_line.h"
 #include "playlists/playlist_folder.h"
-#include "playlists/playlist_rows.h"
 #include "playlists/playlist_text.h"
 #include "run/counted.h"
 #include "run/log.h"
@@ -169,7 +169,7 @@ class ListFiles {
             return;
         }
         steps_.Concerning(done.path);
-        steps_.Try(0, [&] { throw Failure(*failure); });
+        steps_.Try([&] { throw Failure(*failure); });
         Failed(*done.list);
     }
 
@@ -246,7 +246,7 @@ class Creation {
             const std::string path =
                 run_.settings.PlayListPath + list.name + std::string(PlaExtension);
             steps_.Concerning(path);
-            if (!steps_.Try(0, [&] { Make(lists, list, path, files); })) files.Failed(list);
+            if (!steps_.Try([&] { Make(lists, list, path, files); })) files.Failed(list);
             files.RequireSuccess();
         }
         files.Close();
@@ -288,7 +288,7 @@ class Creation {
 
 void CreateNewPlaylists(Run& run) {
     Steps steps(run, "Generate New Playlists Error:");
-    steps.Try(0, [&] { Creation(run, steps).Perform(); });
+    steps.Try([&] { Creation(run, steps).Perform(); });
 }
 
 }  // namespace quillon

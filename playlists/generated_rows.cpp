@@ -1,9 +1,11 @@
 #include "playlists/generated_rows.h"
 
+#include <array>
 #include <map>
 #include <utility>
 
 #include "platform/basic_text.h"
+#include "playlists/pla_line.h"
 #include "playlists/playlist_folder.h"
 #include "run/run.h"
 
@@ -53,6 +55,24 @@ GeneratedRows ReadGeneratedRows(Run& run) {
         generated.Add(run, std::move(row));
     }
     return generated;
+}
+
+void RecordPlaylist(Run& run, const std::string& name, GeneratedBy family) {
+    PlaylistTable& table = run.ThePlaylistTable();
+    const bool isGenre = family == GeneratedBy::Genre;
+    if (PlaylistRow* const row = table.Find(run.settings.PlayListPath, name)) {
+        const bool isMarked = isGenre ? row->byGenre : row->byArtist;
+        if (!isMarked) table.Change(*row, {isGenre ? "AutoGenre" : "AutoArtist", true});
+        return;
+    }
+    table.Add(std::array<FieldValue, 8>{{{"FilePath", run.settings.PlayListPath},
+                                         {"Filename", name},
+                                         {"AutoGenre", isGenre},
+                                         {"AutoArtist", !isGenre},
+                                         {"Type", std::string(PlaExtension)},
+                                         {"DeviceCode", std::string()},
+                                         {"Browser", false},
+                                         {"Device", false}}});
 }
 
 }  // namespace quillon

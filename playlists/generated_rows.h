@@ -5,6 +5,8 @@
 #include <unordered_set>
 #include <vector>
 
+#include "playlists/generated_lists.h"
+
 namespace quillon {
 
 class Run;
@@ -33,5 +35,10 @@ class GeneratedRows {
 
 /// Reads the table. Rows of files that have no playlist's name are left out. Throws Failure.
 GeneratedRows ReadGeneratedRows(Run& run);
+
+/// Sees to it that the generated playlist of this name (without extension) has a row in the table
+/// `Playlists` with the family's mark, by which a later run finds it. One that has it already is
+/// not written. Throws Failure.
+void RecordPlaylist(Run& run, const std::string& name, GeneratedBy family);
 
 }  // namespace quillon

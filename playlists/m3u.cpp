@@ -69,7 +69,7 @@ void WriteM3uTrack(Run& run, std::vector<M3uSong>& songs, std::string_view cdjid
                    std::string_view track) {
     Steps steps(run,
                 "WriteM3uTrack cdjid=" + std::string(cdjid) + ", tracknum=" + std::string(track));
-    steps.Try(0, [&] {
+    steps.Try([&] {
         if (std::optional<M3uSong> song = FindSong(*run.connection, cdjid, track))
             songs.push_back(std::move(*song));
     });

@@ -88,11 +88,11 @@ void DeleteObsoleteLists(Run& run, Steps& steps, const MadeLists& made) {
     const GeneratedRows rows = ReadGeneratedRows(run);
     Obsolete obsolete(run, made);
     for (const GeneratedRow& row : rows.All())
-        steps.Try(0, [&] { obsolete.Add(row); });
+        steps.Try([&] { obsolete.Add(row); });
     if (!run.removals.Allow(run, obsolete.inDoubt)) return;
     for (const std::string& path : obsolete.paths) {
         steps.Concerning(path);
-        steps.Try(0, [&] {
+        steps.Try([&] {
             run.files.DeleteFile(path);
             WriteLog(run, LogSource,
                      "Playlist " + path + " removed because no music belongs in it any more");

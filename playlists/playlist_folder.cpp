@@ -18,6 +18,8 @@
 namespace quillon {
 namespace {
 
+enum class FolderStep { TellRemark = 1, RecogniseList = 2 };
+
 constexpr std::array<std::string_view, 3> OwnFiles{"quillon.ini", HostSettingsFile, "host.log"};
 
 std::string NameIn(std::string_view path) {
@@ -91,14 +93,15 @@ bool MayMissAll(Run& run) {
 PlaylistFolder ReadPlaylistFolder(Run& run, Steps& steps) {
     PlaylistFolder folder;
     const Listing<FileEntry> files = AllFiles(run);
-    steps.Try(1, [&] { TellRemark(run, files); });
+    steps.Try(FolderStep::TellRemark, [&] { TellRemark(run, files); });
     for (const std::string& path : files.unseen)
         folder.unread.push_back(NameIn(path));
     for (const FileEntry& file : files) {
         if (IsOwnFile(run, file)) continue;
         bool isList = HasPlaylistName(file.name);
         steps.Concerning(file.path);
-        const bool isKnown = isList || steps.Try(2, [&] { isList = ReadsAsPlaylist(run, file); });
+        const bool isKnown = isList || steps.Try(FolderStep::RecogniseList,
+                                                 [&] { isList = ReadsAsPlaylist(run, file); });
         if (!isKnown) folder.unread.push_back(file.name);
         if (isList) folder.lists.push_back(file);
     }

@@ -13,11 +13,11 @@ namespace quillon {
 namespace {
 
 /// Far more than any list has; what is larger is a mistake, and is not taken into memory.
-constexpr std::uint64_t MostBytes = std::uint64_t{64} << 20U;
+constexpr std::uint64_t LargestPlaylist = std::uint64_t{64} << 20U;
 
 std::string ReadAll(BinaryReader& reader, std::string_view path) {
     const std::uint64_t size = reader.Size();
-    if (size > MostBytes)
+    if (size > LargestPlaylist)
         throw Failure(FailureNumber::Overflow, std::string(path) + " is too large for a playlist");
     const std::vector<std::uint8_t> bytes = reader.Read(static_cast<std::size_t>(size));
     return {bytes.begin(), bytes.end()};

@@ -67,7 +67,7 @@ class Refreshing {
     void ForOne(const FileEntry& file, Work work) {
         run_.ShowItem("1. Update Existing Playlists - " + file.name);
         steps_.Concerning(file.path);
-        steps_.Try(0, work);
+        steps_.Try(work);
         steps_.Concerning({});
     }
 
@@ -254,7 +254,7 @@ void RefreshPlaylist(Run& run) {
     run.ShowItem("1. Update Existing Playlists");
     // The brake has told why nothing goes on; the snapshot keeps what the lists mean.
     if (run.playlistEntries.NothingRead() || run.removals.Braked()) return;
-    steps.Try(0, [&] { Refreshing(run, steps).Perform(); });
+    steps.Try([&] { Refreshing(run, steps).Perform(); });
 }
 
 }  // namespace quillon

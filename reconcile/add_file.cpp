@@ -4,6 +4,8 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "database/move_to_id.h"
 #include "database/spinner_rows.h"
@@ -14,7 +16,6 @@
 #include "reconcile/added_file.h"
 #include "reconcile/adding.h"
 #include "reconcile/new_rows.h"
-#include "reconcile/take_back.h"
 #include "run/host_settings.h"
 #include "run/paths.h"
 #include "run/run.h"
@@ -23,9 +24,6 @@
 
 namespace quillon {
 namespace {
-
-/// The folder setting's value when nothing was set: it gets its backslash all the same.
-constexpr std::string_view NoFolder = "\\";
 
 std::string GenreOfNumber(Connection& connection, std::string_view number) {
     // The number stands bare in the statement: a text (of a tag with a "|" in its title) would be
@@ -55,6 +53,30 @@ std::string FindAlbum(Connection& connection, const std::string& artist, const s
     return owned->IsEmpty() ? first : owned->Text("CDJID");
 }
 
+/// How to undo what has been done for something that turns out not to be possible as a whole.
+class TakeBack {
+  public:
+    /// Notes how to undo what was done just now.
+    void Add(std::function<void()> work) { works_.push_back(std::move(work)); }
+
+    /// Takes over what another one has noted, as done after all of this.
+    void Append(TakeBack& other) {
+        for (std::function<void()>& work : other.works_)
+            works_.push_back(std::move(work));
+        other.works_.clear();
+    }
+
+    /// Undoes everything, what was done last first; a failure is logged and the rest goes on.
+    template <NamedStep Step>
+    void Run(Steps& steps, Step step) {
+        for (; !works_.empty(); works_.pop_back())
+            steps.Try(step, works_.back());
+    }
+
+  private:
+    std::vector<std::function<void()>> works_;
+};
+
 /// One file on its way into the library.
 ///
 /// The copy comes before the rows, and of the rows the artist's before the album's: a run that is
@@ -72,10 +94,11 @@ class Addition {
 
     void Add(std::string_view artist, std::string_view album) {
         steps_.Concerning(path_);
-        const bool done = steps_.Try(1, [&] { Describe(artist, album); }) &&
-                          steps_.Try(2, [&] { LookUp(); }) && steps_.Try(3, [&] { Copy(); }) &&
-                          steps_.Try(4, [&] { FindOrAddAlbum(); }) && TryCover() &&
-                          steps_.Try(6, [&] { AddRows(); });
+        const bool done = steps_.Try(Step::Describe, [&] { Describe(artist, album); }) &&
+                          steps_.Try(Step::LookUp, [&] { LookUp(); }) &&
+                          steps_.Try(Step::Copy, [&] { Copy(); }) &&
+                          steps_.Try(Step::FindOrAddAlbum, [&] { FindOrAddAlbum(); }) &&
+                          TryCover() && steps_.Try(Step::AddRows, [&] { AddRows(); });
         if (done) {
             Settle();
         } else {
@@ -84,6 +107,16 @@ class Addition {
     }
 
   private:
+    enum class Step {
+        Describe = 1,
+        LookUp = 2,
+        Copy = 3,
+        FindOrAddAlbum = 4,
+        GiveCover = 5,
+        AddRows = 6,
+        Undo = 7,
+    };
+
     void Describe(std::string_view artist, std::string_view album);
     void LookUp();
     void Copy();
@@ -189,17 +222,17 @@ void Addition::AddArtist() {
 
 /// Music matters more than its picture: if need be it is added without one. Always true.
 bool Addition::TryCover() {
-    const bool isWanted = !cover_.empty() && run_.settings.AlbumCoverFolder != NoFolder &&
+    const bool isWanted = !cover_.empty() && NamesFolder(run_.settings.AlbumCoverFolder) &&
                           !adding_.refusedCovers.contains(CoverTarget());
     if (!isWanted) return true;
     TakeBack coverBack;
-    if (steps_.Try(5, [&] { GiveCover(coverBack); })) {
+    if (steps_.Try(Step::GiveCover, [&] { GiveCover(coverBack); })) {
         takeBack_.Append(coverBack);
     } else {
         // One line of the log for each album is enough.
         adding_.refusedCovers.insert(CoverTarget());
-        steps_.Try(7, [this] { albums_.CancelUpdate(); });
-        coverBack.Run(steps_, 7);
+        steps_.Try(Step::Undo, [this] { albums_.CancelUpdate(); });
+        coverBack.Run(steps_, Step::Undo);
         isCoverCopied_ = isCoverGiven_ = false;
     }
     return true;
@@ -294,9 +327,9 @@ void Addition::Undo() {
     // Else the next row's values would join what is left of this one's.
     for (RecordSet* const table : {adding_.spinnerArtist.get(), adding_.spinner.get(),
                                    adding_.albums.get(), adding_.tracks.get()}) {
-        steps_.Try(7, [table] { table->CancelUpdate(); });
+        steps_.Try(Step::Undo, [table] { table->CancelUpdate(); });
     }
-    takeBack_.Run(steps_, 7);
+    takeBack_.Run(steps_, Step::Undo);
     adding_.cdjid.clear();
 }
 

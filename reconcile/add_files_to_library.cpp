@@ -23,6 +23,8 @@
 namespace quillon {
 namespace {
 
+enum class AddingStep { LookForObjections = 1, AddAll = 3 };
+
 constexpr std::string_view UnknownName = "Unknown";
 
 bool IsImage(const FileEntry& file) {
@@ -41,6 +43,8 @@ std::string FindCover(const Listing<FileEntry>& files) {
 
 /// Adds what is below the source. What cannot be looked at does not affect the rest.
 class AddingWalk {
+    enum class FolderStep { Files = 1, SubFolders = 2 };
+
   public:
     AddingWalk(Adding& adding, Steps& steps) : adding_(adding), run_(adding.run), steps_(steps) {}
 
@@ -50,7 +54,9 @@ class AddingWalk {
         steps_.Concerning(folder);
         if (!MayBeAdded(folder)) return;
         Listing<FileEntry> files;
-        if (!steps_.TryAs("AddFolder", 1, [&] { files = run_.files.FilesIn(folder); })) return;
+        if (!steps_.TryAs("AddFolder", FolderStep::Files,
+                          [&] { files = run_.files.FilesIn(folder); }))
+            return;
         AddFilesIn(files, artist, album, isOutermost);
         for (const FolderEntry& subfolder : SubFolders(folder, isOutermost)) {
             if (run_.AbortRequested) return;
@@ -63,7 +69,8 @@ class AddingWalk {
     std::vector<FolderEntry> SubFolders(const std::string& folder, bool isCounted) {
         Listing<FolderEntry> folders;
         steps_.Concerning(folder);
-        steps_.TryAs("AddFolder", 2, [&] { folders = run_.files.SubFolders(folder); });
+        steps_.TryAs("AddFolder", FolderStep::SubFolders,
+                     [&] { folders = run_.files.SubFolders(folder); });
         if (isCounted) run_.StartCounting(folders.size());
         return std::move(folders.entries);
     }
@@ -72,7 +79,7 @@ class AddingWalk {
     /// A link may lead into the library from a source that lies elsewhere.
     bool MayBeAdded(const std::string& folder) {
         bool isInLibrary = false;
-        const bool known = steps_.TryAs("AddFolder", 1, [&] {
+        const bool known = steps_.TryAs("AddFolder", FolderStep::Files, [&] {
             isInLibrary = run_.files.IsWithin(folder, run_.settings.LibraryRoot);
         });
         if (isInLibrary)
@@ -162,13 +169,13 @@ void AddFilesToLibrary(Run& run) {
     std::string objection;
     const std::string& source = run.settings.FromFilesPath;
     steps.Concerning(source);
-    if (!steps.Try(1, [&] { objection = Objection(run); })) return;
+    if (!steps.Try(AddingStep::LookForObjections, [&] { objection = Objection(run); })) return;
     if (!objection.empty()) {
         LogError(run, LogSource, objection);
         return;
     }
     steps.Concerning({});
-    steps.Try(3, [&] {
+    steps.Try(AddingStep::AddAll, [&] {
         Adding adding(run);
         AddingWalk walk(adding, steps);
         // Every sub-folder is visited twice, first with no artist and then as an artist of its own:

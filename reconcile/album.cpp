@@ -13,6 +13,8 @@
 namespace quillon {
 namespace {
 
+enum class AlbumStep { FindOrAdd = 2 };
+
 /// Gives the album an identifier. Without one its tracks would have no album and be added again in
 /// each run. Returns it, "" when there is none to be had, which is logged.
 std::string GiveIdentifier(Walk& walk, AlbumRow& row, const std::string& album) {
@@ -58,7 +60,7 @@ std::string ProcessOneAlbum(Walk& walk, std::string_view artist, std::string_vie
     const std::string album = std::string(artist) + '\\' + std::string(title);
     Steps steps(walk.run, "ProcessOneAlbum");
     steps.Concerning(album);
-    steps.Try(2, [&] {
+    steps.Try(AlbumStep::FindOrAdd, [&] {
         RefuseQuote(title);
         RefuseQuote(artist);
         if (AlbumRow* const row = walk.library.FindAlbum(artist, title)) {

@@ -1,5 +1,3 @@
-#include "reconcile/flat_walk.h"
-
 #include <algorithm>
 #include <cstddef>
 #include <optional>
@@ -11,7 +9,7 @@
 #include "database/album_key.h"
 #include "platform/basic_text.h"
 #include "reconcile/file_list.h"
-#include "reconcile/flat.h"
+#include "reconcile/folder_walk.h"
 #include "reconcile/left_out_music.h"
 #include "reconcile/walk.h"
 #include "reconcile/walked_album.h"
@@ -35,7 +33,8 @@ class FlatWalk {
         std::vector<std::string> unlistedRoots;
         for (WalkedRoot& root : walk_.roots) {
             steps_.Concerning(root.path);
-            if (!steps_.Try(3, [&] { GroupFiles(root); })) unlistedRoots.push_back(root.path);
+            if (!steps_.Try(Step::GroupFiles, [&] { GroupFiles(root); }))
+                unlistedRoots.push_back(root.path);
         }
         for (const std::string& root : unlistedRoots)
             walk_.unlisted.push_back({root, "", ""});
@@ -47,9 +46,10 @@ class FlatWalk {
     }
 
   private:
+    enum class Step { GroupFiles = 3 };
     struct Group {
         std::string artist, title;
-        Flat files;
+        FileList files;
     };
 
     void GroupFiles(WalkedRoot& root) {
@@ -76,18 +76,19 @@ class FlatWalk {
         std::string title = tag->IsThere() ? AsRecorded(*tag).album : "Unknown";
         title.resize(std::min(title.find(FlatSeparator), title.size()));
         const auto [place, isNew] = places_.try_emplace(AlbumKey(artist, title), groups_.size());
-        if (isNew) groups_.push_back({std::move(artist), std::move(title), Flat()});
-        groups_[place->second].files.Add({.Name = std::move(file.path),
-                                          .FileDate = file.modified,
-                                          .Size = file.size,
-                                          .Tag = TrackTagOf(*std::move(tag))});
+        if (isNew) groups_.push_back({std::move(artist), std::move(title), FileList()});
+        groups_[place->second].files.push_back({.Name = std::move(file.path),
+                                                .FileDate = file.modified,
+                                                 .Size = file.size,
+                                                .Tag = TrackTagOf(*std::move(tag))});
     }
 
     void RefreshAlbum(const Group& group) {
         Album album{.artist = group.artist, .title = group.title, .trackCount = 0, .cdjid = {}};
-        FileList files = ProcessFlatTracks(group.files.GetNames());
+        FileList files = ProcessFlatTracks(group.files);
         steps_.Concerning(group.artist + '\\' + group.title);
-        if (!steps_.Try(3, [&] { album.trackCount = group.files.Size(); })) {
+        if (!steps_.Try(Step::GroupFiles,
+                        [&] { album.trackCount = FileCount(group.files.size()); })) {
             for (const ListedFile& file : files)
                 walk_.unlisted.push_back({file.Name, album.artist, album.title});
             return;

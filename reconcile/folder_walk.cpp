@@ -5,9 +5,7 @@
 
 #include "database/waiting_music.h"
 #include "platform/basic_text.h"
-#include "reconcile/flat_walk.h"
 #include "reconcile/moved_music.h"
-#include "reconcile/tree_walk.h"
 #include "reconcile/walk.h"
 
 namespace quillon {

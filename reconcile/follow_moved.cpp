@@ -12,6 +12,7 @@
 
 #include "database/album_key.h"
 #include "platform/basic_text.h"
+#include "reconcile/missing_music.h"
 #include "reconcile/move_matching.h"
 #include "reconcile/track_name.h"
 #include "run/log.h"
@@ -35,7 +36,7 @@ struct FoundFile {
 };
 
 /// What tells one song from others.
-std::optional<SoundPrint> Telling(const SoundPrint& print) {
+std::optional<SoundPrint> Distinctive(const SoundPrint& print) {
     return print.size > 0 ? std::optional(print) : std::nullopt;
 }
 
@@ -91,7 +92,7 @@ class Following {
                 {.album = place->second,
                  .title = lost.row->title,
                  .seconds = SecondsOf(*lost.row),
-                 .print = sound == nullptr ? std::nullopt : Telling(sound->print),
+                 .print = sound == nullptr ? std::nullopt : Distinctive(sound->print),
                  .whole = sound == nullptr ? std::nullopt : sound->whole});
         }
         question_.secondsOf = [this](std::size_t found) { return TagSeconds(found_[found]); };
@@ -110,7 +111,7 @@ class Following {
             question_.found.push_back(
                 {.album = album,
                  .title = GetTrackName(held.files[file].Name, run_.settings.FlatStructure),
-                 .print = kind.print ? Telling(*kind.print) : std::nullopt});
+                 .print = kind.print ? Distinctive(*kind.print) : std::nullopt});
         }
     }
 
@@ -137,7 +138,7 @@ class Following {
         const ListedFile& file = FileOf(found);
         std::optional<std::uint64_t> whole;
         steps_.Concerning(file.Name);
-        steps_.Try(4, [&] {
+        steps_.Try(FollowStep::ReadWholeSound, [&] {
             whole = ReadWholeSound(run_.files, file.Name, StateOf(file.Size, file.FileDate));
         });
         return whole;
@@ -171,7 +172,7 @@ class Following {
             run_.playlistEntries.SongMoves(static_cast<std::int32_t>(lost_[lost].row->id),
                                            PathOf(found_[*becomes_[lost]]));
         }
-        return !isAny || steps_.Try(5, [this] { run_.playlistEntries.Keep(); });
+        return !isAny || steps_.Try(FollowStep::SecurePlaylists, [this] { run_.playlistEntries.Keep(); });
     }
 
     /// Where the tracks of an album have gone.
@@ -241,7 +242,7 @@ class Following {
         for (const auto& [to, album] : newcomers) {
             const Album& held = held_[to].album;
             steps_.Concerning(held.artist + '\\' + held.title);
-            steps_.Try(6, [&, to = to, album = album] { Rename(*album, held_[to].album); });
+            steps_.Try(FollowStep::RenameAlbum, [&, to = to, album = album] { Rename(*album, held_[to].album); });
         }
     }
 
@@ -276,7 +277,7 @@ class Following {
         const FieldValue path{"SoundFile", file.Name};
         oldPaths_[&row] = row.soundFile;
         steps_.Concerning(file.Name);
-        if (!steps_.Try(7, [&] { library_.Change(row, std::span(&path, 1)); })) {
+        if (!steps_.Try(FollowStep::MoveTrack, [&] { library_.Change(row, std::span(&path, 1)); })) {
             becomes_[lost].reset();
             return;
         }
@@ -312,14 +313,10 @@ class Following {
         }
     }
 
-    static std::string NameOf(const AlbumRow& album) {
-        return album.artist.Text() + '\\' + album.title.Text();
-    }
-
     void TellAlbum(const AlbumRow& album, const Exit& exit, const std::string& from,
                    const std::string& to) {
         const std::size_t count = exit.tracks.begin()->second;
-        const std::string tracks = std::to_string(count) + (count == 1 ? " track: " : " tracks: ");
+        const std::string tracks = NumberOf(count, Removable::Tracks) + ": ";
         const auto old = oldNames_.find(&album);
         std::string places = FolderOf(from) + " -> " + FolderOf(to);
         if (EqualIgnoringCase(FolderOf(from), FolderOf(to))) {

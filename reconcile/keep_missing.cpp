@@ -17,13 +17,7 @@
 namespace quillon {
 namespace {
 
-std::string TracksText(std::size_t count) {
-    return std::to_string(count) + (count == 1 ? " track" : " tracks");
-}
-
-std::string NameOf(const AlbumRow& album) {
-    return album.artist.Text() + '\\' + album.title.Text();
-}
+enum class KeepStep { NoteMissing = 1, ForgetReturned = 2 };
 
 /// Tells of tracks: of whole albums in one line each.
 class Telling {
@@ -44,7 +38,7 @@ class Telling {
     void Tell() const {
         for (const AlbumRow* const album : albums_) {
             WriteLog(run_, LogSource,
-                     album_ + NameOf(*album) + ", " + TracksText(counts_.at(album)));
+                     album_ + NameOf(*album) + ", " + NumberOf(counts_.at(album), Removable::Tracks));
         }
         for (const std::string& line : lines_)
             WriteLog(run_, LogSource, line);
@@ -135,7 +129,7 @@ bool KeepWaiting(Walk& walk, const KeptMusic& kept) {
         telling.Add(row, *entry.track.album, whole.contains(entry.track.album));
     }
     Steps steps(run, "KeepMissingMusic");
-    if (!steps.Try(1, [&] { walk.waiting->Save(); })) return false;
+    if (!steps.Try(KeepStep::NoteMissing, [&] { walk.waiting->Save(); })) return false;
     for (const KeptMusic::Track& entry : kept.tracks) {
         entry.track.row->number.Set(0);
         entry.track.row->isWaiting = true;
@@ -151,7 +145,7 @@ bool KeepWaiting(Walk& walk, const KeptMusic& kept) {
 
 void ForgetReturned(Walk& walk) {
     EndWaiting(walk);
-    Steps(walk.run, "KeepMissingMusic").Try(2, [&walk] { walk.waiting->Save(); });
+    Steps(walk.run, "KeepMissingMusic").Try(KeepStep::ForgetReturned, [&walk] { walk.waiting->Save(); });
 }
 
 }  // namespace quillon

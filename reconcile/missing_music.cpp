@@ -59,10 +59,6 @@ std::string TracksText(std::size_t count) {
     return ", " + std::to_string(count) + (count == 1 ? " track" : " tracks");
 }
 
-std::string NameOf(const AlbumRow& album) {
-    return album.artist.Text() + '\\' + album.title.Text();
-}
-
 void TellWhatIsGone(Run& run, const MissingMusic& missing, bool albumsAreGone) {
     std::unordered_map<const AlbumRow*, std::size_t> tracks;
     for (const MissingMusic::Track& track : missing.tracks)
@@ -84,6 +80,10 @@ void TellWhatIsGone(Run& run, const MissingMusic& missing, bool albumsAreGone) {
 }
 
 }  // namespace
+
+std::string NameOf(const AlbumRow& album) {
+    return album.artist.Text() + '\\' + album.title.Text();
+}
 
 PlannedRemoval PlanRemoval(const Walk& walk, const std::vector<MissingMusic::Track>& tracks,
                            std::size_t owned) {
@@ -117,7 +117,7 @@ MissingMusic FindMissingMusic(Walk& walk) {
 
 bool DeleteMissingTracks(Walk& walk, const MissingMusic& missing) {
     Steps steps(walk.run, "Delete Missing Tracks Error:");
-    return steps.Try(0, [&] {
+    return steps.Try([&] {
         for (const MissingMusic::Track& track : missing.tracks) {
             walk.library.Remove(*track.row);
             ++walk.run.counts.tracksRemoved;
@@ -130,14 +130,15 @@ void SweepMissingMusic(Walk& walk, const MissingMusic& missing) {
     Run& run = walk.run;
     Steps steps(run, "RefreshDatabase");
     const bool tracksAreGone = DeleteMissingTracks(walk, missing);
-    const bool albumsAreGone = steps.TryAs("Refresh Database Track=0 Query", 3, [&] {
-        for (AlbumRow* const album : missing.albums) {
-            // Its tracks could not be removed, and would have no album.
-            if (!tracksAreGone && !walk.library.TracksOf(album->cdjid).empty()) continue;
-            walk.library.Remove(*album);
-            ++run.counts.albumsRemoved;
-        }
-    });
+    const bool albumsAreGone =
+        steps.TryAs("Refresh Database Track=0 Query", RefreshStep::ChangeRows, [&] {
+            for (AlbumRow* const album : missing.albums) {
+                // Its tracks could not be removed, and would have no album.
+                if (!tracksAreGone && !walk.library.TracksOf(album->cdjid).empty()) continue;
+                walk.library.Remove(*album);
+                ++run.counts.albumsRemoved;
+            }
+        });
     if (tracksAreGone) TellWhatIsGone(run, missing, albumsAreGone);
 }
 

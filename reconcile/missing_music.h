@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 #include <vector>
 
 #include "library/rows.h"
@@ -9,6 +10,9 @@
 namespace quillon {
 
 struct Walk;
+
+/// "Artist\Title".
+std::string NameOf(const AlbumRow& album);
 
 /// The owned tracks and albums that a walk did not find.
 struct MissingMusic {

@@ -28,6 +28,17 @@ struct HeldAlbum {
     std::vector<File> kinds;  ///< of the files
 };
 
+/// The steps of following moved music.
+enum class FollowStep {
+    ReadSound = 1,
+    KeepSounds = 2,
+    ReadTwin = 3,
+    ReadWholeSound = 4,
+    SecurePlaylists = 5,
+    RenameAlbum = 6,
+    MoveTrack = 7
+};
+
 /// Lets rows follow music that was moved or renamed. Knows the sounds of the library's tracks, and
 /// holds albums with new files back until all has been seen.
 class MovedMusic {

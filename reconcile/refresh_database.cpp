@@ -14,13 +14,25 @@
 #include "reconcile/unlisted.h"
 #include "reconcile/walk.h"
 #include "reconcile/walked_album.h"
-#include "run/library_root.h"
 #include "run/log.h"
 #include "run/run.h"
 #include "run/steps.h"
 
 namespace quillon {
 namespace {
+
+/// Why there are no library folders to walk, for a log line: the root is not there, or it is and
+/// holds no folder to begin with. Throws Failure when that cannot be determined.
+std::string WhyNoLibraryFolders(Run& run) {
+    const std::string& root = run.settings.LibraryRoot;
+    const bool isThere = run.files.FolderExists(root);
+    // One that holds folders was not there when the run began.
+    if (!run.settings.LibraryDepthOption || !isThere || !run.files.SubFolders(root).empty())
+        return "No folder at library root " + root;
+    return "Library root " + root +
+           " holds neither a folder nor a .txt file that names one, and LibraryDepthOption=1 looks "
+           "for the music in those. Set it to 0, or name the folder above";
+}
 
 /// Where the root only holds the library folders, or lists of them, the walk does not see its
 /// files.
@@ -54,7 +66,7 @@ void TakeBackNumbers(Walk& walk, Steps& steps) {
     counts.albumsUnchanged += walk.recounted;
     counts.tracksChanged -= walk.renumbered;
     counts.tracksUnchanged += walk.renumbered;
-    steps.Try(3, [&walk] { RestoreAll(walk.library); });
+    steps.Try(RefreshStep::ChangeRows, [&walk] { RestoreAll(walk.library); });
 }
 
 }  // namespace
@@ -62,20 +74,22 @@ void TakeBackNumbers(Walk& walk, Steps& steps) {
 void RefreshDatabase(Run& run) {
     Steps steps(run, "RefreshDatabase");
     bool rootExists = false;
-    steps.Try(1, [&] { rootExists = run.files.FolderExists(run.settings.LibraryRoot); });
+    steps.Try(RefreshStep::Begin,
+              [&] { rootExists = run.files.FolderExists(run.settings.LibraryRoot); });
     // A root that appeared only after the start has no folders to walk: sweeping now would delete
     // every row of it.
     if (!rootExists || run.LibraryFolders.empty()) {
-        steps.Try(
-            1, [&] { LogError(run, LogSource, "RefreshDatabase, " + WhyNoLibraryFolders(run)); });
+        steps.Try(RefreshStep::Begin, [&] {
+            LogError(run, LogSource, "RefreshDatabase, " + WhyNoLibraryFolders(run));
+        });
         return;
     }
 
     std::optional<Walk> begun;
-    if (!steps.Try(1, [&] { begun.emplace(run); })) return;
+    if (!steps.Try(RefreshStep::Begin, [&] { begun.emplace(run); })) return;
     Walk& walk = *begun;
     std::vector<std::string> absent;
-    const bool absentKnown = steps.Try(2, [&] {
+    const bool absentKnown = steps.Try(RefreshStep::FindAbsentFolders, [&] {
         absent = AbsentLibraryFolders(run);
         HideAlbumsBelow(walk, absent);
     });
@@ -84,7 +98,7 @@ void RefreshDatabase(Run& run) {
     run.counts.leftOut = run.leftOut.Total();
     const bool isSwept = absentKnown && Sweep(walk, absent);
     if (!isSwept) TakeBackNumbers(walk, steps);
-    const bool isSaved = steps.Try(3, [&] { walk.library.Save(); });
+    const bool isSaved = steps.Try(RefreshStep::ChangeRows, [&] { walk.library.Save(); });
     if (walk.waiting && isSwept && isSaved) ForgetReturned(walk);
     if (walk.moved) walk.moved->Remember();
 }

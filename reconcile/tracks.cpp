@@ -14,11 +14,11 @@
 #include "database/schema.h"
 #include "database/sql.h"
 #include "database/waiting_music.h"
+#include "id3/file_names.h"
 #include "platform/basic_text.h"
 #include "platform/clock.h"
 #include "reconcile/new_rows.h"
 #include "reconcile/number_order.h"
-#include "reconcile/track_name.h"
 #include "run/log.h"
 #include "run/steps.h"
 #include "tags/tag_reader.h"
@@ -72,15 +72,15 @@ class AlbumTracks {
     void Place(ListedFile& file) {
         steps_.Concerning(file.Name);
         TrackRow* row = nullptr;
-        if (!steps_.Try(1, [&] { row = FindRow(file.Name); })) return;
+        if (!steps_.Try(Step::FindRow, [&] { row = FindRow(file.Name); })) return;
         if (album_.cdjid == NoCdjid) return;  // no album to hold a row
         const bool isNew = row == nullptr;
         if (isNew) {
-            if (!steps_.Try(2, [&] { row = AddRow(file); }) || row == nullptr) return;
+            if (!steps_.Try(Step::AddRow, [&] { row = AddRow(file); }) || row == nullptr) return;
         } else {
             // A row that cannot take a value keeps the old one, and still gets its number: without
             // it the sweep would delete the row of a file that is there.
-            steps_.Try(3, [&] { ChangeRow(*row, file.Name); });
+            steps_.Try(Step::ChangeRow, [&] { ChangeRow(*row, file.Name); });
         }
         lastPlaced_ = row->soundFile;
         CheckNumber(*row, file, isNew);
@@ -112,6 +112,8 @@ class AlbumTracks {
     }
 
   private:
+    enum class Step { FindRow = 1, AddRow = 2, ChangeRow = 3 };
+
     /// The same for files of one age.
     void HandOutNumbersAmong(std::span<ListedFile* const> files) {
         std::vector<std::int64_t> free;
@@ -248,6 +250,19 @@ void ProcessTracks(Walk& walk, const Album& album, FileList& files) {
         tracks.Place(file);
     tracks.HandOutNumbers(files);
     tracks.LogMissingNumbers();
+}
+
+std::string GetTrackName(std::string_view givenPath, bool flatStructure) {
+    // A file that waits for its new name is still the song that it was.
+    const std::optional<std::string> before = NameBeforeRenaming(givenPath);
+    const std::string_view path = before ? std::string_view(*before) : givenPath;
+    constexpr std::string_view Dash = " - ", Ending = ".mp3";
+    const std::size_t separator = flatStructure ? path.rfind('_') : path.find(Dash);
+    if (separator != std::string_view::npos)
+        return Replace(path.substr(separator + (flatStructure ? 1 : Dash.size())), Ending, "");
+    const std::size_t backslash = path.rfind('\\');
+    if (backslash == std::string_view::npos) return std::string(path);
+    return Replace(path.substr(backslash + 1), Ending, "");
 }
 
 }  // namespace quillon

@@ -1,5 +1,3 @@
-#include "reconcile/tree_walk.h"
-
 #include <cstddef>
 #include <string>
 #include <unordered_map>
@@ -9,6 +7,7 @@
 
 #include "platform/basic_text.h"
 #include "reconcile/file_list.h"
+#include "reconcile/folder_walk.h"
 #include "reconcile/left_out_music.h"
 #include "reconcile/walk.h"
 #include "reconcile/walked_album.h"
@@ -61,6 +60,8 @@ class TreeWalk {
     }
 
   private:
+    enum class Step { ListFolder = 2 };
+
     /// The names of the artist folders in each library folder. Those of one name come together in
     /// artists_.
     std::vector<std::vector<std::string>> ListRoots() {
@@ -129,10 +130,12 @@ class TreeWalk {
         for (const Folder& folder : folders) {
             bool seenWhole = false;
             steps_.Concerning(folder.entry.path);
-            const bool listed = steps_.Try(2, [&] { seenWhole = AddFiles(folder, files); });
+            const bool listed =
+                steps_.Try(Step::ListFolder, [&] { seenWhole = AddFiles(folder, files); });
             if (!listed || !seenWhole) return false;
         }
-        if (!steps_.Try(2, [&] { album.trackCount = FileCount(files.size()); })) return false;
+        if (!steps_.Try(Step::ListFolder, [&] { album.trackCount = FileCount(files.size()); }))
+            return false;
         ProcessAlbum(walk_, std::move(album), std::move(files));
         return true;
     }
@@ -161,7 +164,8 @@ class TreeWalk {
     /// The folders in a library folder or in an artist's; false when it cannot be listed.
     bool List(const std::string& folder, Listing<FolderEntry>& list) {
         steps_.Concerning(folder);
-        if (!steps_.Try(2, [&] { list = run_.files.SubFolders(folder); })) return false;
+        if (!steps_.Try(Step::ListFolder, [&] { list = run_.files.SubFolders(folder); }))
+            return false;
         leftOut_.NoteLoose(folder, list.others);
         return true;
     }

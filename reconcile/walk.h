@@ -17,6 +17,9 @@ namespace quillon {
 class MovedMusic;
 class WaitingMusic;
 
+/// The steps of refreshing the database.
+enum class RefreshStep { Begin = 1, FindAbsentFolders = 2, ChangeRows = 3 };
+
 /// A library folder on the walk.
 struct WalkedRoot {
     std::string path;

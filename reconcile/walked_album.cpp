@@ -46,7 +46,9 @@ void SaveNowAndThen(Walk& walk) {
     const DateTime now = walk.run.clock.Now();
     if (now.days < walk.savedAt.days + Pause) return;
     walk.savedAt = now;
-    Steps(walk.run, "RefreshDatabase").Try(3, [&walk] { walk.library.Save(); });
+    Steps(walk.run, "RefreshDatabase").Try(RefreshStep::ChangeRows, [&walk] {
+        walk.library.Save();
+    });
 }
 
 bool HideAlbumsOf(Walk& walk, const std::vector<std::string>& unseen) {

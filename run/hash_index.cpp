@@ -2,14 +2,12 @@
 
 #include <utility>
 
+#include "run/split_mix.h"
+
 namespace quillon {
 
 std::uint32_t MixedHash(std::uint64_t first, std::uint64_t second) {
-    // The finishing steps of SplitMix64.
-    std::uint64_t value = first + 0x9E3779B97F4A7C15U * (second + 1);
-    value = (value ^ (value >> 30U)) * 0xBF58476D1CE4E5B9U;
-    value = (value ^ (value >> 27U)) * 0x94D049BB133111EBU;
-    return static_cast<std::uint32_t>(value ^ (value >> 31U));
+    return static_cast<std::uint32_t>(SplitMixed(first + SplitMixStep * (second + 1)));
 }
 
 void HashIndex::Add(std::uint32_t hash, Row row) {

@@ -6,6 +6,10 @@
 
 namespace quillon {
 
+bool NamesFolder(std::string_view setting) {
+    return !setting.empty() && setting != "\\";
+}
+
 std::string AddBackslash(std::string_view path) {
     std::string result(path);
     if (!result.ends_with('\\')) result += '\\';

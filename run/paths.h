@@ -5,6 +5,9 @@
 
 namespace quillon {
 
+/// Whether a folder setting names one: a setting that was left empty has become a lone backslash.
+bool NamesFolder(std::string_view setting);
+
 /// Appends "\" unless the last character is one already (an empty path becomes "\").
 std::string AddBackslash(std::string_view path);
 

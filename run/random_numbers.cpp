@@ -2,6 +2,8 @@
 
 #include <bit>
 
+#include "run/split_mix.h"
+
 namespace quillon {
 
 void RandomNumbers::Seed(DateTime time, std::uint32_t nanoseconds) {
@@ -10,14 +12,10 @@ void RandomNumbers::Seed(DateTime time, std::uint32_t nanoseconds) {
 }
 
 double RandomNumbers::Next() {
-    // SplitMix64: neighbouring seeds give unrelated sequences.
-    state_ += 0x9E3779B97F4A7C15U;
-    std::uint64_t value = state_;
-    value = (value ^ (value >> 30U)) * 0xBF58476D1CE4E5B9U;
-    value = (value ^ (value >> 27U)) * 0x94D049BB133111EBU;
-    value ^= value >> 31U;
+    // Neighbouring seeds give unrelated sequences.
+    state_ += SplitMixStep;
     constexpr int Unused = 64 - 53;  // a double holds 53 bits
-    return static_cast<double>(value >> Unused) * 0x1p-53;
+    return static_cast<double>(SplitMixed(state_) >> Unused) * 0x1p-53;
 }
 
 }  // namespace quillon

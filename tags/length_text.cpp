@@ -40,16 +40,17 @@ std::string CommentWithLength(std::string_view comment, std::string_view seconds
     const std::optional<std::string> ansi = Utf8ToAnsiExactly(comment);
     if (!ansi) return std::string(comment);
     const std::string_view old = WithoutPadding(*ansi);
-    const std::size_t opening = old.find(CommentOpening);
-    if (opening == std::string_view::npos) {
+    const std::optional<LengthMark> present = LengthInComment(old);
+    if (!present) {
         if (old.empty()) return length;
         const bool fits = old.size() + 1 + length.size() <= CommentRoom;
         return AnsiToUtf8(fits ? std::string(old) + ' ' + length : std::string(old));
     }
-    const std::size_t closing = old.find('\'', opening + CommentOpening.size());
+    const auto digits = static_cast<std::size_t>(present->seconds.data() - old.data());
+    const std::size_t opening = digits - CommentOpening.size();
     const std::string_view before = old.substr(0, std::min(opening, CommentRoom - length.size()));
     const std::string_view behind =
-        closing == std::string_view::npos ? std::string_view() : old.substr(closing + 1);
+        present->isClosed ? old.substr(digits + present->seconds.size() + 1) : std::string_view();
     const std::size_t room = CommentRoom - before.size() - length.size();
     return AnsiToUtf8(std::string(before) + length + std::string(behind.substr(0, room)));
 }

@@ -13,19 +13,19 @@
 namespace quillon {
 namespace {
 
-constexpr int LookStep = 2, OpenStep = 3, ReadStep = 4, GenreStep = 10;
+enum class ReadTagStep { Look = 2, Open = 3, Read = 4, FindGenre = 10 };
 constexpr const char* Location = "Read ID3 File Error:";
 
 /// The tag of a file that has more bytes than a tag.
 std::optional<Tag> ReadLongFile(Run& run, Steps& steps, std::string_view path, GenreAs genre) {
     std::unique_ptr<BinaryReader> stream;
-    const bool isOpen = steps.Try(OpenStep, [&] {
+    const bool isOpen = steps.Try(ReadTagStep::Open, [&] {
         stream = run.files.OpenBinary(path);
         if (stream->Size() < TagSize) throw Failure(FailureNumber::InputPastEnd, std::string(path));
     });
     if (!isOpen) return std::nullopt;
     Tag tag;
-    const bool isRead = steps.Try(ReadStep, [&] {
+    const bool isRead = steps.Try(ReadTagStep::Read, [&] {
         stream->SetPosition(stream->Size() - TagSize);
         const std::vector<std::uint8_t> bytes = stream->Read(TagSize);
         if (bytes.size() != TagSize) throw Failure(FailureNumber::InputPastEnd, std::string(path));
@@ -50,7 +50,7 @@ std::optional<Tag> ReadID3(Run& run, std::string_view path, GenreAs genre) {
     Steps steps(run, Location);
     steps.Concerning(path);
     FileEntry file;
-    if (!steps.Try(LookStep, [&] { file = run.files.GetFile(path); })) return std::nullopt;
+    if (!steps.Try(ReadTagStep::Look, [&] { file = run.files.GetFile(path); })) return std::nullopt;
     return file.size > TagSize ? ReadLongFile(run, steps, file.path, genre) : Tag();
 }
 
@@ -77,7 +77,8 @@ Tag ReadTag(Run& run, std::string_view path, const FileEnd& end) {
     if (!tag.IsThere()) return tag;
     Steps steps(run, Location);
     steps.Concerning(path);
-    steps.Try(GenreStep, [&] { tag.genre = GenreNameOf(run, GenreNumberIn(end.bytes)); });
+    steps.Try(ReadTagStep::FindGenre,
+              [&] { tag.genre = GenreNameOf(run, GenreNumberIn(end.bytes)); });
     return tag;
 }
 

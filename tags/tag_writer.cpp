@@ -17,6 +17,15 @@
 namespace quillon {
 namespace {
 
+enum class WriteTagStep {
+    RequireNinePieces = 1,
+    SetGenre = 2,
+    SetTrack = 3,
+    ReadEnd = 4,
+    MakeBytes = 5,
+    WriteBytes = 6,
+};
+
 constexpr std::uint8_t NoGenre = 255;
 
 /// A text of one character, that of a byte.
@@ -68,11 +77,13 @@ class TagWriter {
     }
 
     bool Write() {
-        if (!steps_.Try(1, [&] { RequireNinePieces(); })) return false;
+        if (!steps_.Try(WriteTagStep::RequireNinePieces, [&] { RequireNinePieces(); }))
+            return false;
         hasTag_ = ReadTag(run_, path_, end_).IsThere();
         SetGenre();
-        const bool made = steps_.Try(3, [&] { SetTrack(); }) && steps_.Try(5, [&] { MakeBytes(); });
-        return made && steps_.Try(6, [&] { WriteBytes(); });
+        const bool made = steps_.Try(WriteTagStep::SetTrack, [&] { SetTrack(); }) &&
+                          steps_.Try(WriteTagStep::MakeBytes, [&] { MakeBytes(); });
+        return made && steps_.Try(WriteTagStep::WriteBytes, [&] { WriteBytes(); });
     }
 
   private:
@@ -87,7 +98,7 @@ class TagWriter {
     void SetGenre() {
         std::uint8_t byte = hasTag_ ? GenreNumberIn(end_.bytes) : NoGenre;
         if (!tag_.genre.empty()) {
-            steps_.Try(2, [&] {
+            steps_.Try(WriteTagStep::SetGenre, [&] {
                 const std::optional<std::uint8_t> number = GenreNumber(run_, tag_.genre);
                 if (!number) throw Refusal("No number for genre", tag_.genre);
                 byte = *number;
@@ -165,7 +176,7 @@ std::vector<std::uint8_t> ByteField(std::string_view text, std::size_t length) {
 bool WriteTag(Run& run, std::string_view path, const Tag& tag) {
     Steps steps(run, "WriteID3 Management");
     FileEnd end;
-    return steps.Try(4, [&] { end = ReadTagEnd(run.files, path); }) &&
+    return steps.Try(WriteTagStep::ReadEnd, [&] { end = ReadTagEnd(run.files, path); }) &&
            WriteTag(run, path, end, tag);
 }
 

@@ -17,7 +17,12 @@
 #include <vector>
 
 #include "app/checks/writable.h"
+#include "app/size_text.h"
 #include "app/table_printer.h"
+#include "driver/kept_backups.h"
+#include "driver/nearest_name.h"
+#include "driver/restore_backup.h"
+#include "platform/basic_text.h"
 #include "platform/failure.h"
 #include "run/paths.h"
 
@@ -25,18 +30,6 @@ namespace quillon {
 namespace {
 
 namespace fs = std::filesystem;
-
-/// "17 bytes", "184 KB", "1.2 GB"
-std::string SizeText(std::uintmax_t bytes) {
-    constexpr std::array<std::string_view, 5> Units{"KB", "MB", "GB", "TB", "PB"};
-    constexpr double Step = 1024;
-    if (bytes < 1024) return fmt::format("{} bytes", bytes);
-    double size = static_cast<double>(bytes) / Step;
-    std::size_t unit = 0;
-    for (; size >= Step && unit + 1 < Units.size(); ++unit)
-        size /= Step;
-    return fmt::format("{:.{}f} {}", size, size < 10 ? 1 : 0, Units[unit]);
-}
 
 /// What all files in a folder, or the one file, take; what cannot be looked at does not count.
 std::uintmax_t SizeOf(const fs::path& path) {
@@ -86,7 +79,7 @@ class Backups {
 
     /// Adds an original to the plan; how it stands.
     std::string Add(const std::string& original, bool isFolder) {
-        if (original.empty() || original == "\\") return "not set";
+        if (!NamesFolder(original)) return "not set";
         const std::optional<fs::path> local = Local(original);
         std::error_code ignored;
         const bool exists = local && (isFolder ? fs::is_directory(*local, ignored)
@@ -151,23 +144,14 @@ class Backups {
 
 }  // namespace
 
-void CheckBackups(PathResolver& resolver, const BackupPlan& plan, const Settings& settings,
-                  std::ostream& out, Findings& findings) {
-    struct Original {
-        bool isWanted;
-        const std::string& path;
-        bool isFolder;
-    };
-    const std::array<Original, 3> originals{{{plan.database, settings.Nirvis_CDJ_DB, false},
-                                             {plan.playListPath, settings.PlayListPath, true},
-                                             {plan.playListPath2, settings.PlayListPath2, true}}};
+void CheckBackups(PathResolver& resolver, std::span<const BackedUp> originals,
+                  const Settings& settings, std::ostream& out, Findings& findings) {
     Backups backups(resolver, findings);
     std::vector<std::vector<TableCell>> rows;
-    for (const Original& original : originals) {
-        if (!original.isWanted) continue;
-        const bool isSet = !original.path.empty() && original.path != "\\";
+    for (const BackedUp& original : originals) {
+        const std::string& path = settings.*original.path;
         rows.push_back(
-            {{backups.Add(original.path, original.isFolder)}, {isSet ? original.path : "(empty)"}});
+            {{backups.Add(path, original.isFolder)}, {NamesFolder(path) ? path : "(empty)"}});
     }
     if (rows.empty()) {
         out << "  Without backups\n";
@@ -179,6 +163,42 @@ void CheckBackups(PathResolver& resolver, const BackupPlan& plan, const Settings
         table.AddRow(std::move(row));
     table.Finish();
     backups.CheckRoom();
+}
+
+void CheckBackupKeeping(HostFolder& host, std::ostream& out, Findings& findings) {
+    const BackupKeeping keeping = ReadBackupKeeping(host);
+    if (keeping.newest) {
+        out << fmt::format("Backups          the last {} stay, then one a month for a year\n",
+                           *keeping.newest);
+    } else {
+        out << "Backups          all stay, and each run makes new ones\n";
+    }
+    for (const auto& [key, value] : host.Entries(BackupsSection, HostSettingsFile)) {
+        if (!EqualIgnoringCase(key, BackupsKeepKey)) {
+            findings.Caution(fmt::format("{} has {}={} in [{}], which nothing reads. {}",
+                                         HostSettingsFile, key, value, BackupsSection,
+                                         NearestName(key, {{BackupsKeepKey}}).empty()
+                                             ? "Delete the line"
+                                             : "If Keep is meant, correct the name"));
+        } else if (!keeping.newest && !value.empty()) {
+            findings.Caution(fmt::format(
+                "{} in [{}] of {} is \"{}\", which is not a whole number of 1 or more, so that all "
+                "backups stay. Write {}, or delete the line",
+                BackupsKeepKey, BackupsSection, HostSettingsFile, value, BackupKeeping::Usual));
+        }
+    }
+}
+
+void CheckHalfRestored(Files& files, const Settings& settings, Findings& findings) try {
+    const std::string backup = UnfinishedRestore(files, settings.Nirvis_CDJ_DB);
+    if (backup.empty()) return;
+    findings.Problem(
+        fmt::format("The backup {} has been put back by half, and no run starts so. Complete that "
+                    "with 'quillon "
+                    "restore {}'",
+                    backup, backup));
+} catch (const Failure&) {
+    // That nobody can look beside the database is told where the database is looked at.
 }
 
 }  // namespace quillon

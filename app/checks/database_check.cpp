@@ -231,7 +231,7 @@ void CheckDatabase(LocalHost& local, const Settings& settings, std::ostream& out
             path.string()));
     }
     const Mode* const mode = SelectMode(settings);
-    CheckLeftovers(path, mode != nullptr && mode->setting == &Settings::Reconcile, findings);
+    CheckLeftovers(path, mode != nullptr && mode->IsReconciliation(), findings);
     CheckWritable(path, findings);
     LookInto(local, path, settings, out, findings);
 } catch (const Failure& failure) {

@@ -8,7 +8,7 @@
 namespace quillon {
 namespace {
 
-constexpr std::size_t LineColumns = 80;
+constexpr std::size_t FindingColumns = 80;
 constexpr std::string_view Bullet = "  - ", Indent = "    ";
 
 std::string Sentence(std::string text) {
@@ -18,7 +18,7 @@ std::string Sentence(std::string text) {
 
 void TellWrapped(std::string_view text, std::ostream& out) {
     std::string_view lead = Bullet;
-    for (const std::string& line : WrapWords(text, LineColumns - Indent.size())) {
+    for (const std::string& line : WrapWords(text, FindingColumns - Indent.size())) {
         out << lead << line << '\n';
         lead = Indent;
     }

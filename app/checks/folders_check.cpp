@@ -19,61 +19,31 @@
 namespace quillon {
 namespace {
 
-/// What the chosen mode does with a folder.
-struct FolderUse {
-    bool isRead = false;
-    bool isWritten = false;
-    bool isEssential = false;  ///< the mode can do nothing without it
-    bool isMade = false;       ///< when it is not there
-
-    bool IsAny() const { return isRead || isWritten; }
-};
-
 struct NamedFolder {
     std::string_view name;
     std::string path;
     FolderUse use;
+    bool isMade = false;  ///< when it is not there
 };
 
 enum class Standing { NotSet, NoPath, Missing, NoFolder, Unreadable, WriteProtected, There };
 
-bool IsMode(const Settings& settings, bool Settings::* setting) {
-    const Mode* const mode = SelectMode(settings);
-    return mode != nullptr && mode->setting == setting;
-}
-
 std::vector<NamedFolder> FoldersOf(const Settings& settings, const std::string& appPath) {
-    const bool reconciles = IsMode(settings, &Settings::Reconcile);
-    const bool walks = reconciles && !settings.PlaylistsOnly;
-    const bool adds = IsMode(settings, &Settings::AddFiles);
-    const bool writesTags = IsMode(settings, &Settings::ID3Write);
-    const bool converts = IsMode(settings, &Settings::PlaToM3u);
-    const bool picks = IsMode(settings, &Settings::AlbumPicker);
+    const auto use = [&settings](RunFolder folder) { return UseOf(folder, settings); };
     const std::string app = AddBackslash(appPath);
     return {
-        {"LibraryRoot",
-         settings.LibraryRoot,
-         {.isRead = walks,
-          .isWritten = adds || writesTags || (walks && settings.ID3Reconcile),
-          .isEssential = walks || adds || writesTags}},
-        {"FromFilesPath", settings.FromFilesPath, {.isRead = adds, .isEssential = adds}},
-        {"PlayListPath",
-         settings.PlayListPath,
-         {.isRead = converts,
-          .isWritten = reconciles,
-          .isEssential = converts || (reconciles && settings.PlaylistsOnly)}},
-        {"PlayListPath2", settings.PlayListPath2, {.isWritten = converts, .isEssential = converts}},
-        {"AlbumCoverFolder",
-         settings.AlbumCoverFolder,
-         {.isRead = walks || picks, .isWritten = adds}},
-        {"Data", app + "Data", {.isWritten = walks && settings.ReconcileOption, .isMade = true}},
-        {"HTML", app + "HTML", {.isWritten = picks, .isEssential = picks, .isMade = true}},
+        {"LibraryRoot", settings.LibraryRoot, use(RunFolder::LibraryRoot)},
+        {"FromFilesPath", settings.FromFilesPath, use(RunFolder::FromFilesPath)},
+        {"PlayListPath", settings.PlayListPath, use(RunFolder::PlayListPath)},
+        {"PlayListPath2", settings.PlayListPath2, use(RunFolder::PlayListPath2)},
+        {"AlbumCoverFolder", settings.AlbumCoverFolder, use(RunFolder::AlbumCoverFolder)},
+        {"Data", app + "Data", use(RunFolder::Data), true},
+        {"HTML", app + "HTML", use(RunFolder::Html), true},
     };
 }
 
 Standing StandingOf(PathResolver& resolver, const NamedFolder& folder) try {
-    // An empty folder setting has become a lone backslash.
-    if (folder.path.empty() || folder.path == "\\") return Standing::NotSet;
+    if (!NamesFolder(folder.path)) return Standing::NotSet;
     const std::filesystem::path local = resolver.Local(folder.path);
     std::error_code error;
     const std::filesystem::file_status status = std::filesystem::status(local, error);
@@ -123,7 +93,7 @@ std::string Objection(const NamedFolder& folder, Standing standing) {
                    " is not on a drive that [Drives] in host.ini maps. Correct the path or the "
                    "drive";
         case Standing::Missing:
-            if (folder.use.isMade) return "";
+            if (folder.isMade) return "";
             return name + " is not there. Make it, mount it or correct the path";
         case Standing::NoFolder:
             return name + " is not a folder";
@@ -147,10 +117,6 @@ bool IsWithin(Files& files, const std::string& folder, const std::string& outer)
     return false;
 }
 
-bool IsSet(std::string_view path) {
-    return !path.empty() && path != "\\";
-}
-
 void CheckSource(Files& files, const Settings& settings, Findings& findings) {
     const std::string& source = settings.FromFilesPath;
     const std::string& root = settings.LibraryRoot;
@@ -160,7 +126,7 @@ void CheckSource(Files& files, const Settings& settings, Findings& findings) {
     const std::string_view how = isInside && isAround ? "is the library itself"
                                  : isInside           ? "lies in the library"
                                                       : "holds the library";
-    findings.Add(IsMode(settings, &Settings::AddFiles),
+    findings.Add(UseOf(RunFolder::FromFilesPath, settings).IsAny(),
                  fmt::format("FromFilesPath ({}) {} ({}): AddFiles would copy the library into "
                              "itself and therefore does nothing. Name another folder",
                              source, how, root));
@@ -170,7 +136,7 @@ void CheckSource(Files& files, const Settings& settings, Findings& findings) {
 /// shows.
 std::string PlaylistRemark(LocalHost& local, const Settings& settings) try {
     const std::string& folder = settings.PlayListPath;
-    if (!IsSet(folder) || !local.files.FolderExists(folder)) return "";
+    if (!NamesFolder(folder) || !local.files.FolderExists(folder)) return "";
     return PlaylistFolderRemark(local.files, settings, local.host.GetAppPath(),
                                 BuildLibraryFolders(local.files, settings),
                                 local.files.FilesIn(folder));
@@ -179,8 +145,7 @@ std::string PlaylistRemark(LocalHost& local, const Settings& settings) try {
 }
 
 void CheckPlaylistFolder(LocalHost& local, const Settings& settings, Findings& findings) {
-    const bool isUsed =
-        IsMode(settings, &Settings::Reconcile) || IsMode(settings, &Settings::PlaToM3u);
+    const bool isUsed = UseOf(RunFolder::PlayListPath, settings).IsAny();
     std::string remark = isUsed ? PlaylistRemark(local, settings) : "";
     if (!remark.empty()) findings.Caution(std::move(remark));
 }
@@ -194,8 +159,8 @@ void CheckFolders(LocalHost& local, const Settings& settings, std::ostream& out,
     for (const NamedFolder& folder : FoldersOf(settings, local.host.GetAppPath())) {
         const Standing standing = StandingOf(local.resolver, folder);
         table.AddRow({{std::string(folder.name)},
-                      {std::string(StandingText(standing, folder.use.isMade))},
-                      {IsSet(folder.path) ? folder.path : "(empty)"}});
+                      {std::string(StandingText(standing, folder.isMade))},
+                      {NamesFolder(folder.path) ? folder.path : "(empty)"}});
         if (!folder.use.IsAny()) continue;
         std::string objection = Objection(folder, standing);
         if (!objection.empty()) findings.Add(folder.use.isEssential, std::move(objection));
@@ -208,7 +173,7 @@ void CheckLibraryFolders(Files& files, const Settings& settings, Findings& findi
     if (!settings.LibraryDepthOption || !files.FolderExists(root)) return;
     if (!BuildLibraryFolders(files, settings).empty()) return;
     findings.Add(
-        IsMode(settings, &Settings::Reconcile) && !settings.PlaylistsOnly,
+        WalksLibrary(settings),
         fmt::format("LibraryDepthOption is on, and LibraryRoot ({}) holds neither a folder "
                     "nor a .txt file that names one: there is no library to look at. "
                     "Switch it off, or name the folder above",

@@ -85,9 +85,10 @@ void CheckMode(PathResolver& resolver, const Settings& settings, std::ostream& o
                 "No mode is chosen, so a run does nothing. Set Reconcile=1, for example");
         return;
     }
-    out << fmt::format("  {}{}\n", mode->what,
-                       mode->work == nullptr && settings.PlaylistsOnly ? ", playlists only" : "");
-    if (mode->work == nullptr) TellPhases(settings, out);
+    out << fmt::format(
+        "  {}{}\n", mode->what,
+        mode->IsReconciliation() && settings.PlaylistsOnly ? ", playlists only" : "");
+    if (mode->IsReconciliation()) TellPhases(settings, out);
     CheckBackups(resolver, mode->backups, settings, out, findings);
 
     const std::string others = KeysOfModes(settings, [&](const Mode& other) {
@@ -99,11 +100,10 @@ void CheckMode(PathResolver& resolver, const Settings& settings, std::ostream& o
                         "will not run. Switch off what is not wanted",
                         KeyOf(*mode), others));
     }
-    if (mode->setting == &Settings::M3uToPla)
-        findings.Caution(
-            "M3uToPla is reserved: the run backs up the playlists and converts "
-            "nothing");
-    if (mode->setting == &Settings::MakeRemote) CheckDrives(settings, findings);
+    if (mode->isReserved)
+        findings.Caution(fmt::format(
+            "{} is reserved: the run backs up the playlists and converts nothing", KeyOf(*mode)));
+    if (mode->needsDrives) CheckDrives(settings, findings);
 }
 
 }  // namespace quillon

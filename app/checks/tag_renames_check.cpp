@@ -4,6 +4,7 @@
 #include <string>
 
 #include "app/removed_music.h"
+#include "app/text/display_text.h"
 #include "driver/library_folders.h"
 #include "driver/modes.h"
 #include "id3/verify_tags.h"
@@ -46,19 +47,15 @@ bool ComparesTags(const Settings& settings) {
     return WalksLibrary(settings) && settings.ID3Reconcile && !settings.LibraryRoot.empty();
 }
 
-std::string Counted(std::size_t count, std::string_view word) {
-    return fmt::format("{} {}{}", count, word, count == 1 ? "" : "s");
-}
-
 /// What would be done, as "rename 12 files after their tags and move 3 duplicates to Removed".
 std::string Deeds(const TagChanges& changes, bool keepsRemoved) {
     std::string text;
     if (changes.renames > 0) {
-        text = fmt::format("rename {} after {}", Counted(changes.renames, "file"),
+        text = fmt::format("rename {} after {}", CountText(changes.renames, "file"),
                            changes.renames == 1 ? "its tag" : "their tags");
     }
     if (changes.removals > 0) {
-        const std::string duplicates = Counted(changes.removals, "duplicate");
+        const std::string duplicates = CountText(changes.removals, "duplicate");
         text += text.empty() ? "" : " and ";
         text += keepsRemoved ? fmt::format("move {} to Removed", duplicates)
                              : fmt::format("delete {} for good", duplicates);

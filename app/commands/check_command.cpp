@@ -6,6 +6,7 @@
 #include <string>
 #include <system_error>
 
+#include "app/checks/backup_check.h"
 #include "app/checks/database_check.h"
 #include "app/checks/folders_check.h"
 #include "app/checks/left_out_check.h"
@@ -97,6 +98,7 @@ int Check(const CheckRequest& request, Console console) {
     TellRemovedMusic(local.host, out, findings);
     CheckSafety(local.host, out, findings);
     CheckMovedMusic(local.host, out, findings);
+    CheckBackupKeeping(local.host, out, findings);
     TellDrives(local.host.Drives(), out);
     const Settings settings = CheckSettings(local.host, out, findings);
     CheckUnreadKeys(local.host, settings, findings);
@@ -106,6 +108,7 @@ int Check(const CheckRequest& request, Console console) {
     CheckLibraryFolders(local.files, settings, findings);
     CheckOverlaps(local, settings, findings);
     CheckLeftOut(local.files, settings, findings);
+    CheckHalfRestored(local.files, settings, findings);
     CheckDatabase(local, settings, out, findings);
     CheckMode(local.resolver, settings, out, findings);
     CheckTagRenames(local, settings, findings);

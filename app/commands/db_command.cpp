@@ -69,10 +69,6 @@ bool IsAboutRows(std::string_view sql) {
     return !EqualIgnoringCase(verb, "create") && !EqualIgnoringCase(verb, "drop");
 }
 
-std::string Counted(std::size_t count, const char* what) {
-    return fmt::format("{} {}{}", count, what, count == 1 ? "" : "s");
-}
-
 /// Runs them; an error says in which line of several it is.
 std::int64_t RunScript(jet::Database& database, std::span<const jet::ScriptStatement> statements,
                        std::span<const jet::NamedValue> parameters) {
@@ -124,12 +120,12 @@ int DbExec(const DbExecRequest& request, Console console) {
             const auto rows = static_cast<std::size_t>(RunScript(database, statements, parameters));
             transaction.Commit();
             if (statements.size() > 1) {
-                console.out << Counted(statements.size(), "statement") << ", ";
+                console.out << CountText(statements.size(), "statement") << ", ";
             } else if (!IsAboutRows(statements.front().text)) {
                 console.out << "done\n";
                 return;
             }
-            console.out << Counted(rows, "row") << '\n';
+            console.out << CountText(rows, "row") << '\n';
             for (const jet::ScriptStatement& statement : statements)
                 TellHints(statement.text, parameters, console);
         });

@@ -14,6 +14,7 @@
 #include "app/local_drives.h"
 #include "app/settings_file.h"
 #include "app/stored_music.h"
+#include "driver/kept_backups.h"
 #include "jet/database.h"
 #include "jukebox/jukebox_database.h"
 #include "platform/host.h"
@@ -223,7 +224,16 @@ std::string HostText(const Plan& plan) {
         "within them, all\n"
         "; is as before. 0: the row is removed at once.\n"
         "[Missing]\n"
-        "KeepDays=14\n";
+        "KeepDays=14\n"
+        "\n"
+        "; Each run copies the database and the playlists before it changes them. So many of these "
+        "backups\n"
+        "; stay, and of older ones the last of each month, for a year; what has not changed is not "
+        "copied\n"
+        "; again. Without a number each run makes copies, and all of them stay. 'quillon backups' "
+        "lists\n"
+        "; them, 'quillon restore' puts one back.\n" +
+        fmt::format("[{}]\n{}={}\n", BackupsSection, BackupsKeepKey, BackupKeeping::Usual);
     return text + SafetyText();
 }
 

@@ -6,20 +6,49 @@
 #include <unistd.h>
 
 #include "app/local_host.h"
-#include "app/removed_music.h"
+#include "app/run_recording.h"
 #include "app/signals.h"
 #include "app/version.h"
+#include "app/views/journalled_view.h"
 #include "app/views/line_output.h"
 #include "app/views/make_view.h"
 #include "app/views/run_summary.h"
 #include "driver/library_form.h"
+#include "driver/modes.h"
 #include "run/log.h"
 #include "run/run.h"
 
 namespace quillon {
+namespace {
+
+std::string ModeOf(const Run& run) {
+    const Mode* const mode = SelectMode(run.settings);
+    return mode == nullptr ? "" : std::string(mode->what);
+}
+
+RunSummary SummaryOf(RunOutcome outcome, const RunReport& report, const RunRecording& recording,
+                     std::chrono::milliseconds elapsed) {
+    return {outcome,
+            report.counts,
+            std::chrono::duration_cast<std::chrono::seconds>(elapsed),
+            report.gone,
+            report.saved,
+            report.braked,
+            recording.KeepsRemoved(),
+            recording.HasStopped()};
+}
+
+void TellErrors(const Run& run, const RunRecording& recording) {
+    LineOutput errors(STDERR_FILENO);
+    if (recording.HasStopped()) errors.WriteLine("quillon: " + recording.StoppedText());
+    for (const std::string& line : LostRecordsLines(run.lostRecords, run.counts))
+        errors.WriteLine(line);
+    errors.Finish();
+}
+
+}  // namespace
 
 int RunLibrary(const RunRequest& request) {
-    const auto start = std::chrono::steady_clock::now();
     Run* current = nullptr;
     LocalHost local(request.host, [&current](LogKind kind, const std::string& message) {
         if (current == nullptr) return;
@@ -28,33 +57,25 @@ int RunLibrary(const RunRequest& request) {
     });
     // Before the view, which would otherwise leave signals to the terminal library.
     const AbortSignals signals;
+    RunRecording recording(local);
     const std::unique_ptr<View> view = MakeView(request.view, request.quiet);
-    Run run(local.host, local.files, local.clock, *view);
+    JournalledView shown(*view, recording.Journal(), [&current] { return ModeOf(*current); });
+    Run run(local.host, recording.RunFiles(), local.clock, shown);
     current = &run;
     run.removals.allAllowed = request.allowRemovals;
-    RemovedFiles removed(RemovedMusicFolder(local.host), local.clock);
-    removed.RemoveUnfinished();
-    // Asked for now: a failure after the run would look as if nothing had run.
-    const bool keepsRemoved = ReadRemovedMusicSetting(local.host).keep;
-    if (keepsRemoved) local.files.OnDelete(KeepRemovedMusic(run, local.host, removed));
+    recording.Accompany(run);
     local.files.ClearUnfinished();
 
     LibraryForm form(run, local.databases, ProgramVersion);
     const RunOutcome outcome = form.Form_Load();
-    const RunReport report = run.Report();
-    const RunSummary summary{
-        outcome,
-        report.counts,
-        std::chrono::duration_cast<std::chrono::seconds>(std::chrono::steady_clock::now() - start),
-        report.gone,
-        report.saved,
-        report.braked,
-        keepsRemoved};
-    view->Summarize(summary);
-    LineOutput errors(STDERR_FILENO);
-    for (const std::string& line : LostRecordsLines(run.lostRecords, run.counts))
-        errors.WriteLine(line);
-    errors.Finish();
+    // Closing the database may still save rows.
+    run.ForgetTables();
+    run.connection.reset();
+    if (recording.HasStopped()) recording.LogThatItStopped();
+    const RunSummary summary = SummaryOf(outcome, run.Report(), recording, shown.Elapsed());
+    shown.Summarize(summary);
+    recording.End(summary, shown.Elapsed());
+    TellErrors(run, recording);
     return ExitStatus(summary);
 }
 

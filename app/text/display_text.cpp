@@ -157,6 +157,10 @@ std::vector<std::string> WrapWords(std::string_view text, std::size_t columns) {
     return lines;
 }
 
+std::string CountText(std::size_t count, std::string_view word) {
+    return fmt::format("{} {}{}", count, word, count == 1 ? "" : "s");
+}
+
 std::string ElapsedText(std::chrono::seconds elapsed) {
     const auto seconds = elapsed.count();
     return fmt::format("{}:{:02}:{:02}", seconds / 3600, seconds / 60 % 60, seconds % 60);

@@ -29,6 +29,9 @@ std::string OneLine(std::string_view text);
 /// line stays whole: it is a path or a command, and those get copied.
 std::vector<std::string> WrapWords(std::string_view text, std::size_t columns);
 
+/// "1 file", "2 files".
+std::string CountText(std::size_t count, std::string_view word);
+
 /// Hours, minutes and seconds: "0:00:12".
 std::string ElapsedText(std::chrono::seconds elapsed);
 

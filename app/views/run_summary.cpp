@@ -25,10 +25,6 @@ struct Happening {
     std::string words;
 };
 
-std::string Counted(std::size_t count, const char* word) {
-    return fmt::format("{} {}{}", count, word, count == 1 ? "" : "s");
-}
-
 /// "Albums: 2 added, 398 unchanged."; nothing where nothing happened.
 std::string Told(const char* what, const std::vector<Happening>& happenings) {
     std::string text;
@@ -91,7 +87,7 @@ std::vector<std::string> Remarks(const RunSummary& summary) {
     std::vector<std::string> sentences;
     if (summary.counts.leftOut > 0) {
         sentences.push_back(fmt::format("{} left out, see 'quillon check'.",
-                                        Counted(summary.counts.leftOut, "file")));
+                                        CountText(summary.counts.leftOut, "file")));
     }
     if (summary.braked) sentences.emplace_back(BrakeHeld);
     if (!summary.saved) sentences.emplace_back(NotAllSaved);
@@ -130,10 +126,10 @@ std::vector<std::string> InLines(const std::vector<std::string>& sentences, std:
 
 std::string Errors(const RunSummary& summary) {
     const auto& [count, lost] = std::pair(summary.counts.errors, summary.counts.recordsLost);
-    const std::string errors = count == 0 ? "no errors" : Counted(count, "error");
+    const std::string errors = count == 0 ? "no errors" : CountText(count, "error");
     if (lost == 0) return count == 0 ? errors : errors + " in host.log";
     return errors + (count == 0 ? "" : " on the error output") + ", host.log lacks " +
-           Counted(lost, "record");
+           CountText(lost, "record");
 }
 
 /// "Done in 0:01:02; 2 errors in host.log", without the full stop.
@@ -144,7 +140,8 @@ std::string Outcome(const RunSummary& summary) {
         case RunOutcome::NothingRan:
             return "Nothing ran; " + errors;
         case RunOutcome::Aborted:
-            return fmt::format("Aborted after {}; {}", elapsed, errors);
+            return fmt::format("{} after {}; {}", summary.stopped ? "Stopped" : "Aborted", elapsed,
+                               errors);
         case RunOutcome::Completed:
             break;
     }
@@ -153,7 +150,9 @@ std::string Outcome(const RunSummary& summary) {
 
 /// The same for a narrow place: where to find the errors matters more than the duration.
 std::string ShortOutcome(const RunSummary& summary) {
-    const char* const word = summary.outcome == RunOutcome::Aborted ? "Aborted" : "Done";
+    const char* const word = summary.outcome != RunOutcome::Aborted ? "Done"
+                             : summary.stopped                      ? "Stopped"
+                                                                    : "Aborted";
     return fmt::format("{}; {}", word, Errors(summary));
 }
 
@@ -241,12 +240,12 @@ std::vector<std::string> LossLines(const RunSummary& summary, std::size_t column
 std::vector<std::string> LostRecordsLines(const LostRecords& lost, const RunCounts& counts) {
     if (counts.recordsLost == 0) return {};
     std::vector<std::string> lines{fmt::format("quillon: host.log lacks {}: {}.",
-                                               Counted(counts.recordsLost, "record"),
+                                               CountText(counts.recordsLost, "record"),
                                                OneLine(lost.reason))};
     for (const std::string& error : lost.errors)
         lines.push_back("   " + OneLine(error));
     if (counts.errors > lost.errors.size() && !lost.errors.empty())
-        lines.push_back(fmt::format("   and more, {} in all", Counted(counts.errors, "error")));
+        lines.push_back(fmt::format("   and more, {} in all", CountText(counts.errors, "error")));
     return lines;
 }
 
@@ -255,11 +254,11 @@ int ExitStatus(const RunSummary& summary) {
         case RunOutcome::NothingRan:
             return 2;
         case RunOutcome::Aborted:
-            return 3;
+            return summary.stopped ? 1 : 3;
         case RunOutcome::Completed:
             break;
     }
-    return summary.counts.errors + summary.counts.recordsLost == 0 ? 0 : 1;
+    return summary.counts.errors + summary.counts.recordsLost == 0 && !summary.stopped ? 0 : 1;
 }
 
 }  // namespace quillon

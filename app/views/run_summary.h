@@ -20,6 +20,7 @@ struct RunSummary {
     bool saved = true;  ///< see RunReport, also for the next
     bool braked = false;
     bool keepsRemoved = true;  ///< removed music lies in the host folder and is not lost
+    bool stopped = false;      ///< by a journal that took no more
 };
 
 /// What ends every run, in three lines: outcome, duration and errors; albums and tracks; all else.
@@ -50,7 +51,7 @@ std::vector<std::string> LossLines(const RunSummary& summary, std::size_t column
 std::vector<std::string> LostRecordsLines(const LostRecords& lost, const RunCounts& counts);
 
 /// 0 the mode ran and logged no error, 1 it logged errors or the log did not take all records, 2
-/// nothing ran, 3 aborted.
+/// nothing ran, 3 aborted. A run that its journal stopped counts as one with errors.
 int ExitStatus(const RunSummary& summary);
 
 }  // namespace quillon

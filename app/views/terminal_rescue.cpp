@@ -26,7 +26,7 @@ struct PreparedReturn {
 PreparedReturn preparedReturn;
 std::atomic<bool> taken{false};
 static_assert(std::atomic<bool>::is_always_lock_free);
-std::array<struct sigaction, RescuingSignals.size()> previousActions{};
+std::array<struct sigaction, RescuingSignals.size()> actionsBefore{};
 
 void SetModes(const termios& modes) noexcept {
     tcsetattr(STDIN_FILENO, TCSANOW, &modes);
@@ -75,7 +75,7 @@ TerminalRescue::TerminalRescue() {
     preparedReturn.hasModes = tcgetattr(STDIN_FILENO, &preparedReturn.modes) == 0;
     taken = false;
     for (std::size_t i = 0; i < RescuingSignals.size(); ++i) {
-        struct sigaction& previous = previousActions.at(i);
+        struct sigaction& previous = actionsBefore.at(i);
         sigaction(RescuingSignals.at(i), nullptr, &previous);
         if (previous.sa_handler == SIG_DFL) Handle(RescuingSignals.at(i));
     }
@@ -86,7 +86,7 @@ TerminalRescue::~TerminalRescue() {
     GiveModesBack();
     AbortSignals::SetLastAct(nullptr);
     for (std::size_t i = 0; i < RescuingSignals.size(); ++i)
-        sigaction(RescuingSignals.at(i), &previousActions.at(i), nullptr);
+        sigaction(RescuingSignals.at(i), &actionsBefore.at(i), nullptr);
 }
 
 void TerminalRescue::LeaveScreenWith(int descriptor, std::string_view sequence) {

@@ -6,8 +6,7 @@
 
 namespace jet::engine {
 
-/// Changes that hold together or not at all: what has been done is undone at the end of this
-/// object's life unless Keep() was called.
+/// Changes that are made all or none: the destructor undoes them unless Keep() was called.
 class ChangeGroup {
   public:
     ChangeGroup() = default;

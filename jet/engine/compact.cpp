@@ -60,12 +60,12 @@ void CopyAccess(const fs::path& from, const fs::path& to) {
     struct stat facts{};
     if (stat(from.c_str(), &facts) != 0 || chmod(to.c_str(), facts.st_mode & 07777) != 0)
         FailToSwap(from, std::error_code(errno, std::generic_category()));
-    // Only root may give files away; the copy belongs to whom runs this, then.
+    // Only root may give files away; otherwise the copy belongs to whoever runs this.
     [[maybe_unused]] const int given = chown(to.c_str(), facts.st_uid, facts.st_gid);
 }
 
-/// With a second name for the file as it was there is always one of its own. Some file systems
-/// have no second names.
+/// The old file gets a second name first, so that there is a file of the database's own name at any
+/// moment. Some file systems have no second names.
 void Swap(const fs::path& file, const fs::path& copy, const fs::path& kept) {
     std::error_code failed;
     fs::create_hard_link(file, kept, failed);
@@ -88,8 +88,8 @@ Compacted CompactDatabase(const fs::path& database) {
     const auto inspect = [&](storage::PageStore& pages) {
         RequireWhole(verify::CheckPages(pages), real);
     };
-    auto file = storage::DatabaseFile::Open(real, storage::OpenMode::ReadWrite,
-                                            {.needs = {}, .inspect = inspect});
+    auto file =
+        storage::DatabaseFile::Open(real, OpenMode::ReadWrite, {.needs = {}, .inspect = inspect});
     const Copy copy(real.string() + ".compact");
     Compacted done;
     done.tables = file.TableNames().size();

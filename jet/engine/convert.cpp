@@ -7,9 +7,9 @@
 #include "jet/dialect/date_text.h"
 #include "jet/dialect/names.h"
 #include "jet/engine/decimal_text.h"
-#include "jet/engine/guid_text.h"
 #include "jet/engine/number_text.h"
 #include "jet/error.h"
+#include "jet/guid_text.h"
 #include "jet/storage/format/utf16.h"
 
 namespace jet::engine {

@@ -11,8 +11,8 @@
 namespace jet::engine {
 
 /// Rows that can be changed: a whole table, or the rows of a query that stand for stored rows. Only
-/// the keys of the rows are held, and those only as far as the walk has come; nothing is selected
-/// before the first question about a row.
+/// the keys of the rows are held, and only those that have been reached; nothing is selected until
+/// somebody asks about a row.
 class Cursor final : public RecordSet {
   public:
     Cursor(std::shared_ptr<Session> session, std::string sql,
@@ -49,8 +49,7 @@ class Cursor final : public RecordSet {
         AtEnd,
         Empty,
     };
-    /// Where the cursor is. Reading moves it from Unknown to a row, which changes nothing that
-    /// could be seen.
+    /// Where the cursor is. Reading moves it from Unknown to a row, which callers cannot notice.
     struct Place {
         Standing standing = Standing::Unknown;
         std::unique_ptr<KeyStream> rows;

@@ -13,7 +13,7 @@ namespace jet {
 
 namespace {
 
-/// Holds the session, too, so that it fails and no more where the database has been closed.
+/// Shares the session, so that using it after the database is closed is an error and nothing worse.
 class TableInserter : public Database::Inserter {
   public:
     TableInserter(std::shared_ptr<engine::Session> session, std::string_view table,
@@ -113,7 +113,7 @@ Transaction::~Transaction() {
     try {
         Rollback();
     } catch (const Error&) {
-        // Nobody to tell; nothing of it can reach the file any more.
+        // There is nobody to tell, and nothing of it can reach the file any more.
         return;
     }
 }
@@ -212,6 +212,10 @@ const std::vector<DamagedTable>& Database::Damaged() const {
 
 void Database::SetInterruption(std::function<bool()> wanted) {
     implementation_->session->SetInterruption(std::move(wanted));
+}
+
+void Database::SetObserver(RowObserver* observer) {
+    implementation_->session->SetObserver(observer);
 }
 
 void Database::Discard() {

@@ -11,6 +11,10 @@ namespace {
 
 using dialect::Translation;
 
+[[noreturn]] void ThrowIsQuery() {
+    throw Error(ErrorKind::Syntax, "A SELECT changes nothing: it is a query");
+}
+
 Translation Translate(const dialect::Statement& statement, const dialect::Catalog& catalog) {
     if (const auto* update = std::get_if<dialect::Update>(&statement))
         return TranslateUpdate(*update, catalog);
@@ -18,7 +22,7 @@ Translation Translate(const dialect::Statement& statement, const dialect::Catalo
         return TranslateDelete(*deletion, catalog);
     if (const auto* insert = std::get_if<dialect::Insert>(&statement))
         return TranslateInsert(*insert, catalog);
-    throw Error(ErrorKind::Syntax, "A SELECT changes nothing: it is a query");
+    ThrowIsQuery();
 }
 
 void MakeIndex(Session& session, const dialect::CreateIndex& create) {
@@ -159,6 +163,20 @@ std::int64_t RunUpdate(Session& session, Plan& plan, StatementLease statement) {
     return count;
 }
 
+std::int64_t Run(Session& session, Plan& plan, StatementLease statement) {
+    switch (plan.translation.kind) {
+        case Translation::Kind::Insert:
+            return RunInsert(session, plan, std::move(statement));
+        case Translation::Kind::Update:
+            return RunUpdate(session, plan, std::move(statement));
+        case Translation::Kind::Delete:
+            return RunDelete(session, plan, std::move(statement));
+        case Translation::Kind::Query:
+            break;
+    }
+    ThrowIsQuery();
+}
+
 }  // namespace
 
 std::int64_t Execute(Session& session, std::string_view sql,
@@ -174,11 +192,7 @@ std::int64_t Execute(Session& session, std::string_view sql,
     if (plan->translation.ofAllRows)
         return DeleteAllRows(session, *plan->tables[plan->translation.keyTables.front()]);
     StatementLease statement = session.Start(*plan, tokens.literals);
-    const auto kind = plan->translation.kind;
-    const auto run = kind == Translation::Kind::Insert   ? RunInsert
-                     : kind == Translation::Kind::Delete ? RunDelete
-                                                         : RunUpdate;
-    const std::int64_t count = run(session, *plan, std::move(statement));
+    const std::int64_t count = Run(session, *plan, std::move(statement));
     session.AfterChange();
     return count;
 }

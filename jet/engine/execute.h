@@ -8,8 +8,8 @@
 
 namespace jet::engine {
 
-/// Runs INSERT, UPDATE or DELETE: first the rows and new values are selected, then changed one by
-/// one, all or none. The number of rows selected. CREATE and DROP concern none.
+/// Runs INSERT, UPDATE or DELETE: selects the rows and their new values, then changes them one by
+/// one, all or none. Returns the number of rows selected; 0 for CREATE and DROP.
 std::int64_t Execute(Session& session, std::string_view sql,
                      std::span<const NamedValue> parameters = {});
 

@@ -9,7 +9,7 @@
 namespace jet::engine {
 
 /// The position of a record set's field of this name. A field named "Tracks.Title" is also found
-/// as "Title", the first of several winning. Error(NotFound) names a field that is not there.
+/// as "Title"; of several the first. Error(NotFound) names a field that does not exist.
 std::size_t FindField(const std::vector<dialect::ResultColumn>& fields, std::string_view name);
 
 }  // namespace jet::engine

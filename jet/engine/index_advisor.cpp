@@ -13,8 +13,8 @@ using dialect::QuotedName;
 using dialect::TableName;
 
 constexpr std::int64_t SampleSize = 256;
-/// An index over fewer values than this is not worth its memory. One value may well have most rows:
-/// the others' rows are then found the sooner.
+/// An index over fewer values than this is not worth its memory. It may still help where most rows
+/// have one value: the rows of the other values are found faster.
 constexpr std::size_t FewestValues = 3;
 /// An existing index serves as long as the best one would not be better by this factor.
 constexpr double GoodEnough = 4;

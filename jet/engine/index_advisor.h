@@ -11,10 +11,10 @@ namespace jet::engine {
 
 /// How well a column tells rows apart, from a sample.
 struct ColumnSelectivity {
-    /// Which part of the table has the value of a row picked at random: what is left to look at
-    /// after a look-up in an index on the column. Values that many rows have weigh accordingly.
+    /// The share of the table's rows that have the same value as a row picked at random: what an
+    /// index on the column would leave to look at.
     double share;
-    std::size_t values;  ///< that were met
+    std::size_t values;  ///< different ones in the sample
 };
 
 /// Makes indexes in the in-memory database where statements look rows up, so that none scans a
@@ -25,7 +25,7 @@ class IndexAdvisor {
     IndexAdvisor(Sqlite& sqlite, StatementCache& statements)
         : sqlite_(sqlite), statements_(statements) {}
 
-    /// Makes what a statement's use of the table wants and lacks.
+    /// Makes the indexes that a statement's use of the table needs and that are missing.
     void Prepare(const dialect::TableUse& use, const MirrorTable& table);
 
     /// Makes sure that a join can begin without a scan: in one of its tables at least, the one

@@ -8,7 +8,7 @@
 
 namespace jet::engine {
 
-/// The keys of a result's rows, fetched as far as they have been asked for.
+/// The keys of a result's rows, fetched as they are asked for.
 class KeyStream final : public RowStream {
   public:
     KeyStream(Session& session, std::shared_ptr<Plan> plan, StatementLease statement);

@@ -38,8 +38,8 @@ std::string_view Declaration(ValueKind kind) {
     return " BLOB";
 }
 
-/// A table is loaded once there were look-ups for one in so many of its rows: by then they have
-/// cost about as much as that.
+/// A table is loaded as a whole once one in so many of its rows has been looked up: by then the
+/// look-ups have cost about as much.
 constexpr std::int64_t RowsForEachLookup = 16;
 
 bool IsFloating(ColumnType type) {
@@ -90,8 +90,8 @@ std::string MirrorTable::UpdateSql(std::span<const std::size_t> columns) const {
 
 std::size_t MirrorTable::Column(std::string_view name) const {
     const std::vector<ColumnDefinition>& columns = definition_.columns;
-    // Who writes many rows names the fields as they are, and a look at the letters' case for each
-    // would take longer than the row.
+    // Whoever writes many rows spells the fields as they are; comparing without letter case would
+    // take longer than writing the row.
     for (std::size_t i = 0; i < columns.size(); ++i) {
         if (columns[i].name == name) return i;
     }
@@ -147,7 +147,7 @@ void MirrorTable::AddRows(std::span<const std::size_t> columns) {
     CountRow();
 }
 
-/// Whoever asks for more columns time and again shall not have the table read as often.
+/// Statements that ask for one more column each must not cause a scan of the table each.
 void MirrorTable::AddColumns(std::span<const std::size_t> columns) {
     std::vector<std::size_t> lacking;
     for (std::size_t column = 0; column < kinds_.size(); ++column) {
@@ -161,7 +161,7 @@ void MirrorTable::AddColumns(std::span<const std::size_t> columns) {
     ++changes_;
 }
 
-/// Runs a statement for each row of the file; how many there are.
+/// Runs a statement for each row of the file and returns their number.
 std::int64_t MirrorTable::CopyScan(std::span<const std::size_t> columns, const std::string& sql) {
     constexpr std::int64_t RowsBetweenQuestions = 256;
     std::int64_t rows = 0;
@@ -218,7 +218,7 @@ void MirrorTable::Hold(RowKey key) {
     single_.insert(key);
 }
 
-/// Indexes are thought over each time a table has doubled.
+/// Indexes are reconsidered each time a table has doubled.
 void MirrorTable::CountRow() {
     if (rows_ < nextGenerationAt_) return;
     ++generation_;

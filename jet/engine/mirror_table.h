@@ -15,19 +15,20 @@
 
 namespace jet::engine {
 
-/// A row's name in both worlds: RowId::AsInteger() of the stored row, [row] of the mirrored one.
+/// Identifies a row in the file and in the copy: RowId::AsInteger() of the stored row, [row] of the
+/// mirrored one.
 using RowKey = std::int64_t;
 
-/// Rows of a table that is searched in no time without an index.
+/// A table of so few rows is searched fast enough without an index.
 constexpr std::int64_t SmallTable = 32;
 
 /// A stored table together with its copy in the in-memory database. All changes to rows go through
 /// here: first into the storage, which may refuse, then into the copy.
 ///
-/// The copy holds what statements have needed. At first that are single rows, each with all of its
-/// columns; from the first statement on that needs more of them, it is all rows with the columns
-/// that it asks for. More columns are added once, after that all at once. A column that the copy
-/// lacks is Null in it.
+/// The copy holds what statements have needed: at first single rows, each with all of its columns;
+/// once a statement needs more rows, all rows with the columns that it names. The first time that
+/// more columns are needed, these are added; the second time, all the others. A column that has not
+/// been copied is Null.
 class MirrorTable {
   public:
     /// Makes the copy's table, empty; nothing is owned.
@@ -55,7 +56,7 @@ class MirrorTable {
     /// Makes sure that a row of the table is in the copy.
     void Hold(RowKey key);
 
-    /// The table's indexes have become others.
+    /// To be called when the table's indexes have changed.
     void ReadDefinition() { definition_ = stored_->Definition(); }
 
     /// The file is being closed: the copy can still be read, nothing can be changed.
@@ -68,10 +69,10 @@ class MirrorTable {
     }
     /// Rows in the copy.
     std::int64_t RowCount() const { return rows_; }
-    /// Differs whenever a row may have changed.
+    /// Changes whenever a row may have changed.
     std::uint64_t Changes() const { return changes_; }
     std::uint64_t Deletions() const { return deletions_; }
-    /// Grows each time the table has become so large that its indexes should be thought over.
+    /// Grows each time the table has become so large that its indexes should be reconsidered.
     std::uint64_t Generation() const { return generation_; }
 
     /// The row as stored.

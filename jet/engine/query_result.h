@@ -8,8 +8,8 @@
 
 namespace jet::engine {
 
-/// A query's rows, read while they are walked. What is left of them is kept in memory as soon as a
-/// change to one of their tables would disturb them.
+/// A query's rows, read one by one. Before a change to one of their tables would disturb them, the
+/// rest of them is fetched into memory.
 class QueryResult final : public RecordSet, private RowStream {
   public:
     QueryResult(std::shared_ptr<Session> session, std::string sql,

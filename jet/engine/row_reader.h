@@ -6,7 +6,7 @@
 
 namespace jet::engine {
 
-/// Reads fields of one row of a table at a time, as they are asked for.
+/// Reads the fields of one row at a time, when they are asked for.
 class RowReader {
   public:
     RowReader(StatementCache& statements, MirrorTable& table);

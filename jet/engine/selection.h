@@ -24,7 +24,7 @@ class Selection {
     Selection(const Selection&) = delete;  // the tokens refer to the text
     Selection& operator=(const Selection&) = delete;
 
-    /// Both throw, and leave everything as it was, when the text is faulty.
+    /// Both throw when the text is faulty, and change nothing then.
     void Filter(std::string_view criterion);
     void Sort(std::string_view order);
 

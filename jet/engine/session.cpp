@@ -15,10 +15,6 @@ namespace {
 
 constexpr std::size_t MostPlans = 1000;
 
-storage::OpenMode StorageMode(OpenMode mode) {
-    return mode == OpenMode::ReadOnly ? storage::OpenMode::ReadOnly : storage::OpenMode::ReadWrite;
-}
-
 void BindParameter(Statement& statement, int number, const dialect::Parameter& parameter,
                    const dialect::Literal& literal) {
     using Form = dialect::Parameter::Form;
@@ -51,11 +47,11 @@ Session::Session(const std::filesystem::path& path, OpenMode mode, const NeededT
                  const std::shared_ptr<storage::FileSystem>& files)
     : mode_(mode),
       file_(storage::DatabaseFile::Open(
-          path, StorageMode(mode), files,
+          path, mode, files,
           {.needs = [needed](std::string_view table) { return needed.Include(table); },
            .inspect =
                [&](storage::PageStore& pages) {
-                   if (mode == OpenMode::ReadWrite) Inspect(pages, path.string(), needed);
+                   if (mode != OpenMode::ReadOnly) Inspect(pages, path.string(), needed);
                }})) {
     for (const storage::UnreadableTable& table : file_->Unreadable())
         LeaveOut(table.name, table.reason);
@@ -217,7 +213,7 @@ void Session::Flush() {
         throw Error(ErrorKind::NotSupported,
                     "A transaction is open: its end makes the changes durable");
     }
-    if (mode_ == OpenMode::ReadWrite) file_->Commit();
+    if (mode_ != OpenMode::ReadOnly) file_->Commit();
 }
 
 void Session::Begin() {

@@ -25,13 +25,13 @@ struct Copy;
 
 /// A statement ready to be run any number of times.
 struct Plan {
-    std::shared_ptr<Copy> copy;  ///< that it was made for, and that lives as long
+    std::shared_ptr<Copy> copy;  ///< that it was made for, kept alive by it
     dialect::Translation translation;
     std::vector<MirrorTable*> tables;  ///< as in translation.tables
     std::uint64_t generation = 0;      ///< of its tables when their indexes were last looked at
     StatementLease::Home statements;   ///< compiled and idle
     std::int64_t starts = 0;
-    bool isLoaded = false;  ///< the copies of its tables have all that it looks at
+    bool isLoaded = false;  ///< the copies of its tables hold all that it reads
 };
 
 /// Rows still to be fetched from a running statement. A change to one of its tables could disturb
@@ -66,7 +66,7 @@ class Session {
     ~Session() { copy_->plans.clear(); }
 
     const std::vector<std::unique_ptr<MirrorTable>>& Tables() const { return copy_->tables; }
-    /// Tables that are not in good order.
+    /// Damaged tables.
     const std::vector<DamagedTable>& Damaged() const { return damaged_; }
     /// Error(NotFound) if there is no such table, Error(Damaged).
     MirrorTable& Table(std::string_view name);
@@ -78,7 +78,8 @@ class Session {
 
     /// Loads what the plan looks at with these literals.
     void Load(Plan& plan, const std::vector<dialect::Literal>& literals);
-    /// Loads, too; the plan's statement with its parameters bound, before its first step.
+    /// Does the same, and returns the plan's statement with its parameters bound, before its first
+    /// step.
     StatementLease Start(Plan& plan, const std::vector<dialect::Literal>& literals);
 
     /// A step that the interruption may end, see Sqlite.
@@ -98,9 +99,12 @@ class Session {
         if (!inTransaction_) file_->CommitIfDue();
     }
     void Flush();
+    void SetObserver(RowObserver* observer) {
+        if (file_) file_->SetObserver(observer);
+    }
 
-    /// A transaction: what happens until its end becomes durable as a whole, or is taken back as a
-    /// whole. One at a time: Error(NotSupported).
+    /// A transaction: all changes until its end become durable together, or are all undone. There
+    /// can be one at a time: Error(NotSupported).
     void Begin();
     void Commit();
     /// Record sets that are open go on with the rows they have fetched; those of OpenUpdatable and

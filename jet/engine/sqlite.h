@@ -26,7 +26,7 @@ class Statement {
     void BindText(int parameter, std::string_view text);
     void BindBytes(int parameter, std::string_view bytes);
 
-    /// Goes to the next row; false at the end.
+    /// Moves to the next row; false at the end.
     bool Step();
     /// Runs a statement that yields no rows, and makes it ready for the next run.
     void Run();
@@ -57,8 +57,8 @@ class Sqlite {
     sqlite3* Handle() const { return handle_.get(); }
 
     /// Whether statements that begin from now on may make indexes for themselves. With one of those
-    /// the rows of a join come in no order and are sorted before the first of them is seen, which
-    /// is for ever where each row of a table meets all of another.
+    /// the rows of a join come in no order and are sorted before the first of them is seen. That
+    /// takes for ever where each row of one table is joined with every row of another.
     void LetStatementsMakeIndexes(bool yes);
 
     /// From now on `wanted`, which must not throw, is asked now and then whether the statement

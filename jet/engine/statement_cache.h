@@ -43,7 +43,7 @@ class StatementCache {
 
     StatementLease Take(const std::string& sql) { return Take(sql, HomeOf(sql)); }
 
-    /// Where statements of this SQL are while nobody uses them, for those who ask often.
+    /// Where statements of this SQL are kept while nobody uses them, for callers who ask often.
     StatementLease::Home HomeOf(const std::string& sql);
     StatementLease Take(const std::string& sql, const StatementLease::Home& home);
 

@@ -3,8 +3,8 @@
 #include <cmath>
 
 #include "jet/engine/decimal_text.h"
-#include "jet/engine/guid_text.h"
 #include "jet/engine/number_text.h"
+#include "jet/guid_text.h"
 
 namespace jet::engine {
 

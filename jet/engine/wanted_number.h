@@ -10,7 +10,7 @@ namespace jet::engine {
 /// Which number a field must hold to equal a literal.
 struct WantedNumber {
     enum class Kind {
-        Unknown,  ///< not of this column, or not to be told from the literal
+        Unknown,  ///< it cannot be said from the literal
         None,     ///< no number that the field can hold
         One,
     };

@@ -8,8 +8,7 @@
 #include "jet/storage/catalog_writer.h"
 #include "jet/storage/creation.h"
 #include "jet/storage/definitions.h"
-#include "jet/storage/map_pages.h"
-#include "jet/storage/new_table.h"
+#include "jet/storage/map_row.h"
 #include "jet/storage/stored_table.h"
 
 namespace jet::storage {

@@ -5,12 +5,13 @@
 
 #include "jet/error.h"
 #include "jet/storage/catalog.h"
-#include "jet/storage/catalog_writer.h"
 #include "jet/storage/data_page.h"
+#include "jet/storage/definitions.h"
 #include "jet/storage/header.h"
-#include "jet/storage/new_table.h"
-#include "jet/storage/pager.h"
+#include "jet/storage/index/index_tree.h"
+#include "jet/storage/properties.h"
 #include "jet/storage/system_tables.h"
+#include "jet/storage/usage_map.h"
 
 namespace jet::storage {
 
@@ -26,10 +27,9 @@ Page GlobalMapPage() {
     MakeDataPage(page, Self);
     AddRow(page, Self, MapRowSize, RowKind::Home);
     const Slot row = DataPageView(page, Self).At(0);
-    constexpr std::size_t BitsOffset = 5;
-    for (std::size_t i = row.start + BitsOffset; i < row.end; ++i)
+    for (std::size_t i = row.start + usage_map_format::BitsOffset; i < row.end; ++i)
         page[i] = 0xFF;
-    page[row.start + BitsOffset] = static_cast<std::uint8_t>(0xFF << FirstPages);
+    page[row.start + usage_map_format::BitsOffset] = static_cast<std::uint8_t>(0xFF << FirstPages);
     AddRow(page, Self, MapRowSize, RowKind::Home);
     return page;
 }
@@ -44,7 +44,7 @@ void WriteFirstPages(File& file) {
 }
 
 void WriteSystemTables(Pager& pages) {
-    MakeDataPage(pages.Modify(SystemMapPage), 0);
+    MakeDataPage(pages.Modify(SystemMapPage), data_page_format::NoOwner);
     MapPages maps(pages, SystemMapPage);
     std::vector<TableLayout> layouts{ObjectsLayout(), AccessControlLayout(), QueriesLayout(),
                                      RelationshipsLayout()};
@@ -55,6 +55,34 @@ void WriteSystemTables(Pager& pages) {
 }
 
 }  // namespace
+
+void MakeIndex(PageStore& pages, MapPages& maps, PageNumber table, RealIndexLayout& index) {
+    index.map = maps.Add();
+    index.root = pages.Allocate();
+    IndexTree::MakeEmpty(pages.Modify(index.root), table);
+    UsageMap(pages, index.map).Add(index.root);
+}
+
+void WriteTable(PageStore& pages, MapPages& maps, TableLayout& layout) {
+    layout.owned = maps.Add();
+    layout.free = maps.Add();
+    for (auto& column : layout.longColumns) {
+        column.owned = maps.Add();
+        column.free = maps.Add();
+    }
+    for (auto& index : layout.realIndexes)
+        MakeIndex(pages, maps, layout.Page(), index);
+    WriteTableLayout(pages, layout);
+}
+
+PageNumber AddTable(Pager& pages, CatalogWriter& catalog, const TableDefinition& table) {
+    TableLayout layout = LayoutOf(table);
+    layout.pages = {pages.Allocate()};
+    MapPages maps(pages);
+    WriteTable(pages, maps, layout);
+    catalog.AddTable(table.name, layout.Page(), PropertiesOf(table));
+    return layout.Page();
+}
 
 void WriteNewDatabase(const std::shared_ptr<FileSystem>& files, const std::filesystem::path& path,
                       std::span<const TableDefinition> tables) {

@@ -10,11 +10,8 @@ namespace jet::storage {
 
 namespace {
 
-constexpr std::size_t FreeBytesOffset = 2, OwnerOffset = 4, CountOffset = 12;
-constexpr std::uint16_t OffsetMask = 0x1FFF, MovedFlag = 0x4000, HiddenFlag = 0x8000;
-
 std::size_t WordOffset(std::size_t slot) {
-    return DataPageHeaderSize + slot * SlotWordSize;
+    return data_page_format::SlotsOffset + slot * data_page_format::SlotSize;
 }
 
 std::size_t LowestRow(const DataPageView& view) {
@@ -22,7 +19,7 @@ std::size_t LowestRow(const DataPageView& view) {
 }
 
 void UpdateFreeBytes(Page& page, std::size_t count, std::size_t lowestRow) {
-    Store(std::span(page), FreeBytesOffset,
+    Store(std::span(page), data_page_format::FreeBytesOffset,
           static_cast<std::uint16_t>(lowestRow - WordOffset(count)));
 }
 
@@ -51,7 +48,9 @@ std::size_t DataPageView::RoomForNew() const {
         if (const Slot dead = At(slot); dead.IsDeleted()) return FreeBytes() + dead.Size();
     }
     const std::size_t free = FreeBytes();
-    return count_ >= MaxSlots || free < SlotWordSize ? 0 : free - SlotWordSize;
+    return count_ >= data_page_format::MostSlots || free < data_page_format::SlotSize
+               ? 0
+               : free - data_page_format::SlotSize;
 }
 
 std::size_t DataPageView::RoomFor(std::size_t slot) const {
@@ -62,7 +61,7 @@ void MakeDataPage(Page& page, std::uint32_t owner) {
     page.fill(0);
     page[0] = static_cast<std::uint8_t>(PageType::Data);
     page[1] = 1;
-    Store(std::span(page), OwnerOffset, owner);
+    Store(std::span(page), data_page_format::OwnerOffset, owner);
     UpdateFreeBytes(page, 0, PageSize);
 }
 
@@ -73,7 +72,8 @@ std::uint8_t AddRow(Page& page, PageNumber number, std::size_t size, RowKind kin
         ++slot;
     if (slot == view.SlotCount()) {
         const std::size_t lowest = LowestRow(view);
-        Store(std::span(page), CountOffset, static_cast<std::uint16_t>(slot + 1));
+        Store(std::span(page), data_page_format::SlotCountOffset,
+              static_cast<std::uint16_t>(slot + 1));
         Store(std::span(page), WordOffset(slot), static_cast<std::uint16_t>(lowest));
     }
     const auto bytes = ResizeRow(page, number, slot, size, kind);
@@ -118,9 +118,10 @@ std::span<std::uint8_t> ResizeRow(Page& page, PageNumber number, std::size_t slo
           static_cast<std::uint16_t>(start | static_cast<std::uint16_t>(kind)));
     for (std::size_t i = slot + 1; i < count; ++i) {
         const auto word = Load<std::uint16_t>(page, WordOffset(i));
-        const std::size_t moved = (word & OffsetMask) + start - old.start;
+        const std::size_t moved = (word & data_page_format::StartMask) + start - old.start;
         Store(std::span(page), WordOffset(i),
-              static_cast<std::uint16_t>(moved | (word & (MovedFlag | HiddenFlag))));
+              static_cast<std::uint16_t>(
+                  moved | (word & (data_page_format::MovedFlag | data_page_format::HiddenFlag))));
     }
     UpdateFreeBytes(page, count, newLowest);
     return std::span(page).subspan(start, size);

@@ -4,15 +4,10 @@
 #include <cstdint>
 #include <span>
 
+#include "jet/storage/data_page_format.h"
 #include "jet/storage/format/page.h"
 
 namespace jet::storage {
-
-/// Owner word of the pages that hold long values: the letters "LVAL".
-constexpr std::uint32_t LongValueOwner = 0x4C41564C;
-
-/// A data page's fixed numbers.
-constexpr std::size_t DataPageHeaderSize = 14, SlotWordSize = 2, MaxSlots = 255;
 
 /// One slot of a data page.
 struct Slot {
@@ -30,21 +25,28 @@ class DataPageView {
   public:
     /// `number` is for messages; the page must outlive the view.
     DataPageView(const Page& page, PageNumber number)
-        : page_(page), number_(number), count_(Load<std::uint16_t>(page, CountOffset)) {
-        if (page[0] != static_cast<std::uint8_t>(PageType::Data) || count_ > MaxSlots + 1)
+        : page_(page),
+          number_(number),
+          count_(Load<std::uint16_t>(page, data_page_format::SlotCountOffset)) {
+        if (page[0] != static_cast<std::uint8_t>(PageType::Data) ||
+            count_ > data_page_format::MostSlots + 1)
             ThrowNoDataPage();
     }
 
-    std::uint32_t Owner() const { return Load<std::uint32_t>(page_, 4); }
+    std::uint32_t Owner() const {
+        return Load<std::uint32_t>(page_, data_page_format::OwnerOffset);
+    }
     std::size_t SlotCount() const { return count_; }
     Slot At(std::size_t slot) const {
         const std::size_t word = slot < count_ ? WordOf(slot) : 0;
-        const std::size_t start = word & OffsetMask;
-        const std::size_t end = slot == 0 ? PageSize : WordOf(slot - 1) & OffsetMask;
+        const std::size_t start = word & data_page_format::StartMask;
+        const std::size_t end =
+            slot == 0 ? PageSize : WordOf(slot - 1) & data_page_format::StartMask;
         if (slot >= count_ || start > end || end > PageSize ||
-            start < DataPageHeaderSize + count_ * SlotWordSize)
+            start < data_page_format::SlotsOffset + count_ * data_page_format::SlotSize)
             ThrowNoRow(slot);
-        return {start, end, (word & MovedFlag) != 0, (word & HiddenFlag) != 0};
+        return {start, end, (word & data_page_format::MovedFlag) != 0,
+                (word & data_page_format::HiddenFlag) != 0};
     }
     std::span<const std::uint8_t> BytesOf(const Slot& slot) const {
         return std::span(page_).subspan(slot.start, slot.Size());
@@ -56,11 +58,9 @@ class DataPageView {
     std::size_t RoomFor(std::size_t slot) const;
 
   private:
-    static constexpr std::size_t CountOffset = 12;
-    static constexpr unsigned OffsetMask = 0x1FFF, MovedFlag = 0x4000, HiddenFlag = 0x8000;
-
     std::size_t WordOf(std::size_t slot) const {
-        return Load<std::uint16_t>(page_, DataPageHeaderSize + slot * SlotWordSize);
+        return Load<std::uint16_t>(
+            page_, data_page_format::SlotsOffset + slot * data_page_format::SlotSize);
     }
     [[noreturn]] void ThrowNoDataPage() const;
     [[noreturn]] void ThrowNoRow(std::size_t slot) const;
@@ -73,10 +73,10 @@ class DataPageView {
 
 /// The slot's flags, for the functions below.
 enum class RowKind : std::uint16_t {
-    Home = 0x0000,
-    Moved = 0x4000,
-    Hidden = 0x8000,
-    Deleted = 0xC000,
+    Home = 0,
+    Moved = data_page_format::MovedFlag,
+    Hidden = data_page_format::HiddenFlag,
+    Deleted = data_page_format::MovedFlag | data_page_format::HiddenFlag,
 };
 
 /// Makes the page an empty data page.

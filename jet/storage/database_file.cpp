@@ -14,16 +14,16 @@
 #include "jet/storage/catalog_writer.h"
 #include "jet/storage/compaction.h"
 #include "jet/storage/creation.h"
+#include "jet/storage/damaged.h"
 #include "jet/storage/definitions.h"
 #include "jet/storage/file_system.h"
 #include "jet/storage/header.h"
 #include "jet/storage/index/index_key.h"
 #include "jet/storage/linked_table.h"
 #include "jet/storage/lock_file.h"
-#include "jet/storage/named_errors.h"
-#include "jet/storage/new_table.h"
 #include "jet/storage/pager.h"
 #include "jet/storage/schema_changes.h"
+#include "jet/storage/scratch_files.h"
 #include "jet/storage/stored_table.h"
 
 namespace jet::storage {
@@ -42,14 +42,15 @@ constexpr std::size_t MostChangedPages = 4096;
 
 class DatabaseFile::Implementation {
   public:
-    Implementation(const std::shared_ptr<FileSystem>& files, const std::filesystem::path& path,
+    Implementation(const std::shared_ptr<FileSystem>& given, const std::filesystem::path& path,
                    OpenMode mode, const OpenConditions& conditions) {
+        const auto files = mode == OpenMode::InMemory ? ScratchFiles(given) : given;
         const auto real = files->Resolve(path);
         CheckHeaderOf(*files, real);
         if (mode == OpenMode::ReadWrite) lock_.emplace(real);
         files_ = files;
         openPages_ = [=] {
-            auto pages = std::make_unique<Pager>(files, path, mode == OpenMode::ReadWrite);
+            auto pages = std::make_unique<Pager>(files, path, mode != OpenMode::ReadOnly);
             if (pages->Path() == real) return pages;
             throw Error(ErrorKind::Changed,
                         path.string() + " leads to another file than a moment ago.");
@@ -65,7 +66,7 @@ class DatabaseFile::Implementation {
         if (discarded_ || !pages_) return;
         try {
             pages_->Commit();
-        } catch (const Error&) {
+        } catch (const std::exception&) {
             // A destructor cannot report a failure; what the last commit left is whole.
             return;
         }
@@ -90,7 +91,12 @@ class DatabaseFile::Implementation {
             throw Error(ErrorKind::NotFound,
                         pages_->Path().string() + " has no table " + std::string(name) + ".");
         }
-        return found->second;
+        return *found->second;
+    }
+
+    void SetObserver(RowObserver* observer) {
+        observer_ = observer;
+        Pages().SetObserver(observer);
     }
 
     void Commit() { Pages().Commit(); }
@@ -103,6 +109,7 @@ class DatabaseFile::Implementation {
         pages_.reset();
         auto pages = openPages_();
         pages_ = std::move(pages);
+        pages_->SetObserver(observer_);
         NamingFile(pages_->Path().string(), [&] { LoadTables(); });
         pages_->Recover();
     }
@@ -128,7 +135,7 @@ class DatabaseFile::Implementation {
             for (const ColumnDefinition& column : definition.columns)
                 if (column.required) entry.requiredColumns.push_back(column.name);
             LoadTable(entry);
-            return tables_.at(entry.name);
+            return *tables_.at(entry.name);
         });
     }
 
@@ -174,7 +181,7 @@ class DatabaseFile::Implementation {
     };
 
     Pager& Pages() {
-        if (!pages_) throw Error(ErrorKind::Io, "The database could not be opened again");
+        if (!pages_) throw Error(ErrorKind::Io, "The database could not be opened again.");
         return *pages_;
     }
 
@@ -202,12 +209,8 @@ class DatabaseFile::Implementation {
         }
         NamingFile(pages_->Path().string(), [&] {
             open.table->MakeNow();
-            const std::string ownName = open.table->Definition().name;
             change(*open.table, open.page);
-            auto changed =
-                std::make_unique<StoredTable>(*pages_, ownName, open.page, open.required);
-            open.table = changed.get();
-            tables_.at(name) = Table(std::move(changed));
+            open.table->ReadDefinition(open.required);
         });
     }
 
@@ -224,7 +227,7 @@ class DatabaseFile::Implementation {
     }
 
     void LoadTable(const CatalogEntry& entry) {
-        std::unique_ptr<TableImplementation> table;
+        std::unique_ptr<Table> table;
         if (entry.isLinked) {
             table =
                 std::make_unique<LinkedTable>(pages_->Path().string(), entry.name, entry.linkedTo);
@@ -237,7 +240,7 @@ class DatabaseFile::Implementation {
                 entry.name, OpenStored{stored.get(), entry.definition, entry.requiredColumns});
             table = std::move(stored);
         }
-        tables_.emplace(entry.name, Table(std::move(table)));
+        tables_.emplace(entry.name, std::move(table));
     }
 
     std::optional<LockFile> lock_;  // the last to go
@@ -245,6 +248,7 @@ class DatabaseFile::Implementation {
     std::function<std::unique_ptr<Pager>()> openPages_;
     std::function<bool(std::string_view)> needs_;
     std::unique_ptr<Pager> pages_;
+    RowObserver* observer_ = nullptr;
     std::unique_ptr<CatalogWriter> catalog_;
     bool discarded_ = false;
     struct ByName {
@@ -253,7 +257,7 @@ class DatabaseFile::Implementation {
         }
     };
 
-    std::map<std::string, Table, ByName> tables_;
+    std::map<std::string, std::unique_ptr<Table>, ByName> tables_;
     std::map<std::string, OpenStored, ByName> stored_;  ///< those of them that are in the file
     std::set<std::string, ByName> linked_;
     std::vector<UnreadableTable> unreadable_;
@@ -319,6 +323,10 @@ const std::vector<UnreadableTable>& DatabaseFile::Unreadable() const {
 
 Table& DatabaseFile::OpenTable(std::string_view name) {
     return implementation_->OpenTable(name);
+}
+
+void DatabaseFile::SetObserver(RowObserver* observer) {
+    implementation_->SetObserver(observer);
 }
 
 void DatabaseFile::Commit() {

@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "jet/lock.h"
+#include "jet/row_observer.h"
 #include "jet/schema.h"
 #include "jet/storage/table.h"
 
@@ -15,11 +17,6 @@ namespace jet::storage {
 
 class FileSystem;
 class PageStore;
-
-enum class OpenMode {
-    ReadOnly,  ///< nothing is written, not even a lock file; a pending journal is applied in memory
-    ReadWrite,  ///< takes the database for this process: fails with Error(InUse) if another has it
-};
 
 /// What opening asks of a database beyond its being one.
 struct OpenConditions {
@@ -90,6 +87,10 @@ class DatabaseFile {
     /// Takes all back since the last commit, by opening the file anew under the same lock. The
     /// objects of all tables end their life. After an error all that follows fails.
     void Revert();
+
+    /// Has changes of rows and commits told from now on; null: no more. The observer must outlive
+    /// this object or be taken back.
+    void SetObserver(RowObserver* observer);
 
     /// Makes the changes so far durable. A change made by a Table call is never split.
     void Commit();

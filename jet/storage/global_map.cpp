@@ -103,7 +103,7 @@ void GlobalMap::ConvertToBitmaps(PageNumber page) {
 
 void GlobalMap::AddBitmap(std::size_t stretch, std::uint8_t content) {
     if (stretch >= row_.BitmapSlots()) {
-        throw Error(ErrorKind::Io, "the database has reached its largest size");
+        throw Error(ErrorKind::Io, "The database has reached its largest size.");
     }
     const PageNumber bitmap = append_();
     MapRow::MakeBitmapPage(pages_.Modify(bitmap), content);

@@ -9,24 +9,15 @@
 #include <utility>
 
 #include "jet/error.h"
-#include "jet/storage/journal.h"
+#include "jet/storage/header_format.h"
+#include "jet/storage/table_layout.h"
 
 namespace jet::storage {
 
 namespace {
 
-constexpr std::size_t NameOffset = 4, VersionOffset = 0x14;
-constexpr std::string_view JetName("Standard Jet DB\0", 16), AceName("Standard ACE DB\0", 16);
-constexpr std::uint32_t Jet3 = 0, Jet4 = 1;
-
-constexpr std::size_t MaskedOffset = 0x18, MaskedSize = 128;
-constexpr std::size_t GlobalMapOffset = 0x18, SecondMapOffset = 0x1C, CatalogOffset = 0x20,
-                      CodePageOffset = 0x3C, EncodingKeyOffset = 0x3E, PasswordOffset = 0x42,
-                      PasswordSize = 40, BuildOffset = 0x6A, SortOrderOffset = 0x6E,
-                      CreatedOffset = 0x72;
-
 /// The stream that part of the header is combined with: RC4 with a constant key.
-std::array<std::uint8_t, MaskedSize> MaskStream() {
+std::array<std::uint8_t, header_format::MaskedSize> MaskStream() {
     constexpr std::array<std::uint8_t, 4> Key{0xC7, 0xDA, 0x39, 0x6B};
     std::array<std::uint8_t, 256> state{};
     std::iota(state.begin(), state.end(), std::uint8_t{0});
@@ -35,7 +26,7 @@ std::array<std::uint8_t, MaskedSize> MaskStream() {
         j = static_cast<std::uint8_t>(j + state[i] + Key[i % Key.size()]);
         std::swap(state[i], state[j]);
     }
-    std::array<std::uint8_t, MaskedSize> stream{};
+    std::array<std::uint8_t, header_format::MaskedSize> stream{};
     std::uint8_t i = 0;
     j = 0;
     for (std::uint8_t& byte : stream) {
@@ -50,12 +41,12 @@ std::array<std::uint8_t, MaskedSize> MaskStream() {
 void ApplyMask(Page& header) {
     const auto stream = MaskStream();
     for (std::size_t i = 0; i < stream.size(); ++i)
-        header[MaskedOffset + i] ^= stream[i];
+        header[header_format::MaskedOffset + i] ^= stream[i];
 }
 
 /// What the password field holds when there is no password: the day of creation, repeated.
-std::array<std::uint8_t, PasswordSize> NoPassword(double created) {
-    std::array<std::uint8_t, PasswordSize> pattern{};
+std::array<std::uint8_t, header_format::PasswordSize> NoPassword(double created) {
+    std::array<std::uint8_t, header_format::PasswordSize> pattern{};
     // A number that is no date cannot be converted; then nothing equals the pattern but zeros.
     if (!(created > -1e9 && created < 1e9)) return pattern;
     const auto day = static_cast<std::int32_t>(created);
@@ -66,13 +57,13 @@ std::array<std::uint8_t, PasswordSize> NoPassword(double created) {
 }
 
 bool HasName(std::span<const std::uint8_t> start, std::string_view name) {
-    return std::equal(name.begin(), name.end(), start.begin() + NameOffset,
+    return std::equal(name.begin(), name.end(), start.begin() + header_format::NameOffset,
                       [](char a, std::uint8_t b) { return static_cast<std::uint8_t>(a) == b; });
 }
 
 std::string VersionName(std::uint32_t version) {
     switch (version) {
-        case Jet3:
+        case header_format::Jet3:
             return "Jet 3 (Access 97)";
         case 2:
             return "Access 2007";
@@ -87,16 +78,19 @@ std::string VersionName(std::uint32_t version) {
 }
 
 void CheckUnmasked(const Page& header, const std::string& file) {
-    if (Load<std::uint32_t>(header, EncodingKeyOffset) != 0) {
+    if (Load<std::uint32_t>(header, header_format::EncodingKeyOffset) != 0) {
         throw Error(ErrorKind::Encrypted, file + " is encoded; decode it in Access first.");
     }
-    const auto pattern = NoPassword(Load<double>(header, CreatedOffset));
-    if (!std::equal(pattern.begin(), pattern.end(), header.begin() + PasswordOffset)) {
+    const auto pattern = NoPassword(Load<double>(header, header_format::CreatedOffset));
+    if (!std::equal(pattern.begin(), pattern.end(),
+                    header.begin() + header_format::PasswordOffset)) {
         throw Error(ErrorKind::Encrypted,
                     file + " is protected by a password; remove it in Access first.");
     }
-    if (Load<std::uint32_t>(header, GlobalMapOffset) != 0x100 ||
-        Load<PageNumber>(header, CatalogOffset) != 2) {
+    if (Load<std::uint32_t>(header, header_format::FreePagesOffset) !=
+            header_format::FreePagesRow ||
+        Load<PageNumber>(header, header_format::SystemTablesOffset) !=
+            header_format::FirstSystemTable) {
         throw Error(ErrorKind::Damaged, file + " is damaged: its header names no catalog.");
     }
 }
@@ -106,12 +100,13 @@ void CheckUnmasked(const Page& header, const std::string& file) {
 void CheckHeader(std::span<const std::uint8_t> start, const std::filesystem::path& path) {
     const std::string file = path.string();
     if (start.empty()) throw Error(ErrorKind::NotADatabase, file + " is empty.");
-    constexpr std::size_t Recognizable = MaskedOffset;
-    if (start.size() < Recognizable || (!HasName(start, JetName) && !HasName(start, AceName))) {
+    constexpr std::size_t Recognizable = header_format::MaskedOffset;
+    if (start.size() < Recognizable ||
+        (!HasName(start, header_format::JetName) && !HasName(start, header_format::AceName))) {
         throw Error(ErrorKind::NotADatabase, file + " is not an Access database.");
     }
-    const auto version = Load<std::uint32_t>(start, VersionOffset);
-    if (version != Jet4 || HasName(start, AceName)) {
+    const auto version = Load<std::uint32_t>(start, header_format::VersionOffset);
+    if (version != header_format::Jet4 || HasName(start, header_format::AceName)) {
         throw Error(ErrorKind::NotADatabase,
                     file + " is an Access database of another version: " + VersionName(version) +
                         ". Save it in the format of Access 2000 or Access 2002-2003.");
@@ -142,31 +137,31 @@ Page NewHeader() {
     Page header{};
     const auto bytes = std::span(header);
     header[1] = 1;
-    std::copy(JetName.begin(), JetName.end(), header.begin() + NameOffset);
-    Store(bytes, VersionOffset, Jet4);
-    Store(bytes, GlobalMapOffset, std::uint32_t{0x100});
-    Store(bytes, SecondMapOffset, std::uint32_t{0x101});
-    for (PageNumber table = 0; table < 4; ++table) {
-        Store(bytes, CatalogOffset + table * sizeof(table), table + 2);
+    std::copy(header_format::JetName.begin(), header_format::JetName.end(),
+              header.begin() + header_format::NameOffset);
+    Store(bytes, header_format::VersionOffset, header_format::Jet4);
+    Store(bytes, header_format::FreePagesOffset, header_format::FreePagesRow);
+    Store(bytes, header_format::SecondMapOffset, header_format::SecondMapRow);
+    for (PageNumber table = 0; table < header_format::SystemTables; ++table) {
+        Store(bytes, header_format::SystemTablesOffset + table * sizeof(table),
+              table + header_format::FirstSystemTable);
     }
-    Store(bytes, CodePageOffset, std::uint16_t{1252});
-    Store(bytes, BuildOffset, std::uint32_t{0x261C});
-    Store(bytes, SortOrderOffset, std::uint16_t{1033});
-    // The mask of the security ids depends on this very date.
-    Store(bytes, CreatedOffset, std::uint64_t{0x40E4AB3E3BD3853E});
-    const auto password = NoPassword(Load<double>(header, CreatedOffset));
-    std::copy(password.begin(), password.end(), header.begin() + PasswordOffset);
+    Store(bytes, header_format::CodePageOffset, header_format::WesternEuropean);
+    Store(bytes, header_format::BuildOffset, header_format::Build);
+    Store(bytes, header_format::SortOrderOffset, GeneralOrder);
+    Store(bytes, header_format::CreatedOffset, header_format::Created);
+    const auto password = NoPassword(Load<double>(header, header_format::CreatedOffset));
+    std::copy(password.begin(), password.end(), header.begin() + header_format::PasswordOffset);
     ApplyMask(header);
 
-    constexpr std::size_t MarkOffset = 0x98, TextVersionOffset = 0x9C;
-    constexpr std::string_view TextVersion = "4.0";
-    Store(bytes, MarkOffset, std::uint32_t{1620});
-    std::copy(TextVersion.begin(), TextVersion.end(), header.begin() + TextVersionOffset);
-    constexpr std::size_t CounterCount = 256;
-    for (std::size_t i = 0; i < CounterCount; ++i) {
-        Store(bytes, CommitCountersOffset + i * 2, std::uint16_t{0x0100});
+    Store(bytes, header_format::MarkerOffset, header_format::Marker);
+    std::copy(header_format::VersionText.begin(), header_format::VersionText.end(),
+              header.begin() + header_format::VersionTextOffset);
+    for (std::size_t i = 0; i < header_format::CommitCountersSize;
+         i += sizeof(header_format::NewCounter)) {
+        Store(bytes, header_format::CommitCountersOffset + i, header_format::NewCounter);
     }
-    Store(bytes, CommitCountersOffset, std::uint16_t{0x0101});
+    Store(bytes, header_format::CommitCountersOffset, header_format::FirstNewCounter);
     return header;
 }
 

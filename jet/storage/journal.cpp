@@ -65,7 +65,8 @@ std::uint64_t RecordOffset(std::size_t record) {
 
 CommitCounters CountersOf(const Page& header) {
     CommitCounters counters;
-    std::copy_n(header.begin() + CommitCountersOffset, counters.size(), counters.begin());
+    std::copy_n(header.begin() + header_format::CommitCountersOffset, counters.size(),
+                counters.begin());
     return counters;
 }
 

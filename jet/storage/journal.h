@@ -12,15 +12,15 @@
 
 #include "jet/storage/file_system.h"
 #include "jet/storage/format/page.h"
+#include "jet/storage/header_format.h"
 
 namespace jet::storage {
 
 /// The header page's commit counters: they tell whether a journal belongs to the state that a
 /// database file is in.
-using CommitCounters = std::array<std::uint8_t, 512>;
+using CommitCounters = std::array<std::uint8_t, header_format::CommitCountersSize>;
 /// The page that holds them.
 constexpr PageNumber HeaderPage = 0;
-constexpr std::size_t CommitCountersOffset = 0xE00;
 
 /// The commit counters of a header page.
 CommitCounters CountersOf(const Page& header);

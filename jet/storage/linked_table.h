@@ -5,12 +5,12 @@
 #include <vector>
 
 #include "jet/error.h"
-#include "jet/storage/table_implementation.h"
+#include "jet/storage/table.h"
 
 namespace jet::storage {
 
 /// A table whose rows are in another database: only its name is known here.
-class LinkedTable final : public TableImplementation {
+class LinkedTable final : public Table {
   public:
     LinkedTable(std::string file, const std::string& name, std::string linkedTo)
         : file_(std::move(file)), linkedTo_(std::move(linkedTo)) {
@@ -24,7 +24,7 @@ class LinkedTable final : public TableImplementation {
     }
     void Scan(const std::function<void(RowId, Row&&)>& /*visit*/) const override { Refuse(); }
     void ScanColumns(std::span<const std::size_t> /*columns*/,
-                     const Table::VisitColumns& /*visit*/) const override {
+                     const VisitColumns& /*visit*/) const override {
         Refuse();
     }
     Row Read(RowId /*row*/) const override { Refuse(); }
@@ -32,12 +32,11 @@ class LinkedTable final : public TableImplementation {
                                                   std::size_t /*most*/) override {
         Refuse();
     }
-    Table::Inserted Insert(std::span<const Value> /*values*/) override { Refuse(); }
+    Inserted Insert(std::span<const Value> /*values*/) override { Refuse(); }
     void Update(RowId /*row*/, std::span<const FieldChange> /*changes*/) override { Refuse(); }
     void Delete(RowId /*row*/) override { Refuse(); }
     std::uint32_t RowCount() const override { Refuse(); }
     std::int32_t NextAutoNumber() const override { Refuse(); }
-    const std::string& File() const override { return file_; }
 
   private:
     [[noreturn]] void Refuse() const {

@@ -8,16 +8,13 @@
 #include "jet/error.h"
 #include "jet/storage/bytes.h"
 #include "jet/storage/damaged.h"
+#include "jet/storage/row_format.h"
 
 namespace jet::storage {
 
 namespace {
 
-enum class Kind : std::uint8_t { Chain = 0, OneRow = 1, Inline = 2 };
-
-constexpr std::size_t LargestPiece = 4076;
-constexpr std::uint32_t LengthMask = 0x3FFFFFFF;
-constexpr unsigned KindShift = 30;
+using Kind = row_format::LongKind;
 
 struct LongField {
     std::size_t length;
@@ -29,21 +26,23 @@ struct LongField {
 LongField Parse(std::span<const std::uint8_t> field) {
     if (field.empty()) return {0, Kind::Inline, 0};
     if (field.size() < LongFieldHeader) ThrowDamaged("a long value's field is too short");
-    const auto word = Load<std::uint32_t>(field, 0);
-    const auto kind = word >> KindShift;
+    const auto word = Load<std::uint32_t>(field, row_format::LengthOffset);
+    const auto kind = word >> row_format::KindShift;
     if (kind > static_cast<std::uint32_t>(Kind::Inline)) {
         ThrowDamaged("a long value is of an unknown kind");
     }
-    return {word & LengthMask, static_cast<Kind>(kind), Load<std::uint32_t>(field, 4)};
+    return {word & row_format::LengthMask, static_cast<Kind>(kind),
+            Load<std::uint32_t>(field, row_format::PointerOffset)};
 }
 
 using FieldHeader = std::array<std::uint8_t, LongFieldHeader>;
 
 FieldHeader MakeField(std::size_t length, Kind kind, std::uint32_t pointer) {
     FieldHeader field{};
-    Store(std::span(field), 0,
-          static_cast<std::uint32_t>(length) | static_cast<std::uint32_t>(kind) << KindShift);
-    Store(std::span(field), 4, pointer);
+    Store(std::span(field), row_format::LengthOffset,
+          static_cast<std::uint32_t>(length) | static_cast<std::uint32_t>(kind)
+                                                   << row_format::KindShift);
+    Store(std::span(field), row_format::PointerOffset, pointer);
     return field;
 }
 
@@ -61,14 +60,14 @@ void ForEachPiece(PageStore& pages, const LongField& field,
         const auto page = pages.Read(row.page);
         const DataPageView view(*page, row.page);
         const Slot slot = view.At(row.slot);
-        if (view.Owner() != LongValueOwner || slot.moved || slot.hidden) {
+        if (view.Owner() != data_page_format::LongValueOwner || slot.moved || slot.hidden) {
             ThrowDamaged("a long value leads to a row that is none");
         }
         auto data = view.BytesOf(slot);
         pointer = 0;
         if (field.kind == Kind::Chain) {
             if (data.size() < RowPointerSize) ThrowDamaged("a long value's piece is too short");
-            pointer = Load<std::uint32_t>(data, 0);
+            pointer = Load<std::uint32_t>(data, row_format::NextPieceOffset);
             data = data.subspan(RowPointerSize);
             if (data.empty()) ThrowDamaged("a long value has an empty piece");
         }
@@ -111,14 +110,14 @@ void MakeInline(std::span<std::uint8_t> field) {
 
 std::array<std::uint8_t, LongFieldHeader> StoreLongValue(RowPages& pages,
                                                          std::span<const std::uint8_t> data) {
-    if (data.size() > LengthMask) {
+    if (data.size() > row_format::LengthMask) {
         throw Error(ErrorKind::TooLong, "The value is longer than a database can hold.");
     }
-    if (data.size() <= LargestPiece) {
+    if (data.size() <= row_format::LargestPiece) {
         return MakeField(data.size(), Kind::OneRow, PointerTo(pages.Add(data, RowKind::Home)));
     }
     // From the last piece to the first, as each names the one behind it.
-    constexpr std::size_t DataPerPiece = LargestPiece - RowPointerSize;
+    constexpr std::size_t DataPerPiece = row_format::LargestPiece - RowPointerSize;
     std::uint32_t next = 0;
     for (std::size_t end = data.size(); end > 0;) {
         const std::size_t start = (end - 1) / DataPerPiece * DataPerPiece;

@@ -5,13 +5,14 @@
 #include <optional>
 #include <span>
 
+#include "jet/storage/row_format.h"
 #include "jet/storage/row_pages.h"
 #include "jet/value.h"
 
 namespace jet::storage {
 
 /// What a Memo or OLE field of a row holds: the length, and the data itself or where it lies.
-constexpr std::size_t LongFieldHeader = 12;
+constexpr std::size_t LongFieldHeader = row_format::DataOffset;
 /// Longer data lies outside the row.
 constexpr std::size_t LongestInline = 64;
 

@@ -9,6 +9,7 @@
 #include <span>
 #include <vector>
 
+#include "jet/row_observer.h"
 #include "jet/storage/file_system.h"
 #include "jet/storage/format/page_store.h"
 #include "jet/storage/global_map.h"
@@ -59,6 +60,11 @@ class Pager final : public PageStore {
     /// Has `deferred` make its changes before each commit.
     void Add(DeferredChanges& deferred) { deferred_.push_back(&deferred); }
     void Remove(DeferredChanges& deferred) noexcept { std::erase(deferred_, &deferred); }
+
+    /// Who is told of rows that change and of commits; null: nobody. Must outlive this object or be
+    /// taken back.
+    void SetObserver(RowObserver* observer) { observer_ = observer; }
+    RowObserver* Observer() const { return observer_; }
 
     /// Makes all changes durable. On failure nothing is lost: the changes stay in memory, the file
     /// (with its journal) is whole, and Commit() may be called again. Error(Changed), before
@@ -158,6 +164,7 @@ class Pager final : public PageStore {
     std::chrono::steady_clock::time_point oldestChange_;
     GlobalMap globalMap_;
     std::vector<DeferredChanges*> deferred_;
+    RowObserver* observer_ = nullptr;
 
     std::uint64_t change_ = 0;  ///< number of the latest Change
     bool inChange_ = false;

@@ -34,6 +34,7 @@ void Pager::Commit() {
         deferred->MakeNow();
     RequireSameFile();
     RequireSameContent();
+    if (observer_ != nullptr) observer_->BeforeCommit();
     const CommitCounters before = CountersOnDisk(*file_, path_);
     CountCommit();
     const std::vector<JournalPage> pages = ChangedInOrder();
@@ -45,6 +46,7 @@ void Pager::Commit() {
     WriteIntoPlace(pages);
     ForgetJournal(JournalPath());
     MarkUnchanged();
+    if (observer_ != nullptr) observer_->AfterCommit();
 }
 
 std::vector<JournalPage> Pager::ChangedInOrder() const {
@@ -67,10 +69,10 @@ void Pager::MarkUnchanged() {
 /// to another state of the file.
 void Pager::CountCommit() {
     Page& header = Modify(HeaderPage);
-    auto count = Load<std::uint16_t>(header, CommitCountersOffset);
+    auto count = Load<std::uint16_t>(header, header_format::CommitCountersOffset);
     // Zero would tell the database's own engine that a writer died here.
     if (++count == 0) count = 0x0100;
-    Store(std::span(header), CommitCountersOffset, count);
+    Store(std::span(header), header_format::CommitCountersOffset, count);
 }
 
 /// A commit that failed while it wrote into place has left its journal. That one must stay until

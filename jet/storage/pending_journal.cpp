@@ -61,7 +61,7 @@ std::filesystem::path UnfinishedJournalPathFor(const std::filesystem::path& jour
 
 CommitCounters CountersOnDisk(File& database, const std::filesystem::path& path) {
     CommitCounters counters{};
-    if (database.ReadAt(CommitCountersOffset, counters) != counters.size())
+    if (database.ReadAt(header_format::CommitCountersOffset, counters) != counters.size())
         throw Error(ErrorKind::Damaged, path.string() + " is damaged: it ends within its header.");
     return counters;
 }

@@ -12,7 +12,7 @@ namespace jet::storage {
 
 namespace {
 
-std::string_view OtherKind(mode_t mode) {
+std::string_view KindOf(mode_t mode) {
     switch (mode & S_IFMT) {
         case S_IFREG:
             return "";
@@ -41,7 +41,7 @@ FileFacts FactsIn(const struct stat& status) {
             .size = static_cast<std::uint64_t>(status.st_size),
             .written = Nanoseconds(status.st_mtim),
             .changed = Nanoseconds(status.st_ctim),
-            .otherKind = OtherKind(status.st_mode)};
+            .otherKind = KindOf(status.st_mode)};
 }
 
 std::optional<FileFacts> Look(const std::filesystem::path& path, int flags) {

@@ -5,12 +5,11 @@
 #include "jet/storage/bytes.h"
 #include "jet/storage/damaged.h"
 #include "jet/storage/format/values.h"
+#include "jet/storage/row_format.h"
 
 namespace jet::storage {
 
 namespace {
-
-constexpr std::size_t CountSize = 2, OffsetSize = 2;
 
 std::size_t MaskSize(std::size_t columns) {
     return (columns + 7) / 8;
@@ -19,22 +18,25 @@ std::size_t MaskSize(std::size_t columns) {
 }  // namespace
 
 RowReader::RowReader(std::span<const std::uint8_t> row, const TableLayout& layout) : row_(row) {
-    if (row.size() < CountSize) ThrowDamaged("a row is too short");
-    columns_ = Load<std::uint16_t>(row, 0);
-    if (MaskSize(columns_) > row.size() - CountSize) ThrowDamaged("a row is too short");
+    if (row.size() < row_format::FixedPartOffset) ThrowDamaged("a row is too short");
+    columns_ = Load<std::uint16_t>(row, row_format::ColumnCountOffset);
+    if (MaskSize(columns_) > row.size() - row_format::FixedPartOffset)
+        ThrowDamaged("a row is too short");
     mask_ = row.size() - MaskSize(columns_);
     dataEnd_ = mask_;
     if (layout.variableColumnsEver == 0) return;
-    if (mask_ < CountSize + 2 * OffsetSize) ThrowDamaged("a row is too short");
-    variableTable_ = mask_ - 2 * OffsetSize;
-    variables_ = Load<std::uint16_t>(row, mask_ - OffsetSize);
-    const std::size_t tableSize = (variables_ + 2) * OffsetSize;
-    if (tableSize > mask_ - CountSize) ThrowDamaged("a row's variable part is out of place");
+    if (mask_ < row_format::FixedPartOffset + 2 * row_format::PlaceSize)
+        ThrowDamaged("a row is too short");
+    variableTable_ = mask_ - 2 * row_format::PlaceSize;
+    variables_ = Load<std::uint16_t>(row, mask_ - row_format::PlaceSize);
+    const std::size_t tableSize = (variables_ + 2) * row_format::PlaceSize;
+    if (tableSize > mask_ - row_format::FixedPartOffset)
+        ThrowDamaged("a row's variable part is out of place");
     dataEnd_ = mask_ - tableSize;
 }
 
 std::size_t RowReader::Offset(std::size_t slot) const {
-    return Load<std::uint16_t>(row_, variableTable_ - slot * OffsetSize);
+    return Load<std::uint16_t>(row_, variableTable_ - slot * row_format::PlaceSize);
 }
 
 bool RowReader::Bit(const ColumnLayout& column) const {
@@ -46,14 +48,14 @@ bool RowReader::Bit(const ColumnLayout& column) const {
 std::optional<std::span<const std::uint8_t>> RowReader::Field(const ColumnLayout& column) const {
     if (!Bit(column)) return std::nullopt;
     if (column.fixed) {
-        const std::size_t start = CountSize + column.fixedOffset;
+        const std::size_t start = row_format::FixedPartOffset + column.fixedOffset;
         const std::size_t size = column.StoredSize();
         if (start + size > dataEnd_) ThrowDamaged("a row's fixed part is too short");
         return row_.subspan(start, size);
     }
     if (column.slot >= variables_) return std::nullopt;
     const std::size_t start = Offset(column.slot), end = Offset(column.slot + std::size_t{1});
-    if (start > end || start < CountSize || end > dataEnd_) {
+    if (start > end || start < row_format::FixedPartOffset || end > dataEnd_) {
         ThrowDamaged("a row's variable part is out of place");
     }
     return row_.subspan(start, end - start);
@@ -65,8 +67,9 @@ RowDraft::RowDraft(const TableLayout& layout)
       slots_(layout.variableColumnsEver, layout.columns.size()),
       fields_(layout.columns.size()) {
     const std::size_t tail = MaskSize(layout.columnsEver);
-    if (layout.variableColumnsEver == 0 && CountSize + fixedSize_ + tail < SmallestRow)
-        fixedSize_ = SmallestRow - CountSize - tail;
+    if (layout.variableColumnsEver == 0 &&
+        row_format::FixedPartOffset + fixedSize_ + tail < SmallestRow)
+        fixedSize_ = SmallestRow - row_format::FixedPartOffset - tail;
     for (std::size_t i = 0; i < layout.columns.size(); ++i) {
         const ColumnLayout& column = layout.columns[i];
         // Whatever its flags say, a Yes/No column is a bit of the mask.
@@ -90,8 +93,9 @@ const Bytes& RowDraft::Build() {
     for (std::size_t i = 0; i < fields_.size(); ++i) {
         const ColumnLayout& column = layout_.columns[i];
         if (!column.fixed) continue;
-        std::ranges::copy(
-            Field(i), row_.begin() + static_cast<std::ptrdiff_t>(CountSize + column.fixedOffset));
+        std::ranges::copy(Field(i),
+                          row_.begin() + static_cast<std::ptrdiff_t>(row_format::FixedPartOffset +
+                                                                     column.fixedOffset));
     }
     if (layout_.variableColumnsEver != 0) {
         for (const std::size_t column : slots_)

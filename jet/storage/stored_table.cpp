@@ -36,11 +36,17 @@ StoredTable::Parts::Parts(Pager& pages, PageNumber definition)
 StoredTable::StoredTable(Pager& pages, std::string name, PageNumber definition,
                          std::span<const std::string> requiredColumns)
     : pages_(pages), page_(definition), file_(pages.Path().string()) {
-    definition_ = DefinitionOf(Current().layout, std::move(name), requiredColumns);
-    readOnlyReason_ = FindReadOnlyReason();
-    waiting_.resize(Current().indexes.size());
-    newKeys_.resize(waiting_.size());
+    definition_.name = std::move(name);
+    ReadDefinition(requiredColumns);
     pages_.Add(*this);
+}
+
+void StoredTable::ReadDefinition(std::span<const std::string> requiredColumns) {
+    parts_.reset();
+    definition_ = DefinitionOf(Current().layout, std::string(definition_.name), requiredColumns);
+    readOnlyReason_ = FindReadOnlyReason();
+    waiting_.assign(Current().indexes.size(), EntryBatch());
+    newKeys_.assign(waiting_.size(), IndexKey());
 }
 
 std::optional<std::string> StoredTable::FindReadOnlyReason() const {
@@ -110,38 +116,46 @@ Row StoredTable::DecodeRow(std::span<const std::uint8_t> bytes) const {
 }
 
 void StoredTable::Scan(const std::function<void(RowId, Row&&)>& visit) const {
-    Current().rows.ForEach(
-        [&](RowId row, std::span<const std::uint8_t> bytes) { visit(row, DecodeRow(bytes)); });
+    NamingFile(file_, [&] {
+        Current().rows.ForEach(
+            [&](RowId row, std::span<const std::uint8_t> bytes) { visit(row, DecodeRow(bytes)); });
+    });
 }
 
 void StoredTable::ScanColumns(std::span<const std::size_t> columns,
-                              const Table::VisitColumns& visit) const {
-    const Parts& parts = Current();
-    std::vector<const ColumnLayout*> layouts;
-    for (const std::size_t column : columns)
-        layouts.push_back(&parts.layout.columns[column]);
-    std::vector<Value> values(columns.size());
-    parts.rows.ForEach([&](RowId id, std::span<const std::uint8_t> bytes) {
-        const RowReader reader(bytes, parts.layout);
-        for (std::size_t i = 0; i < layouts.size(); ++i)
-            Decode(reader, *layouts[i], values[i]);
-        visit(id, values);
+                              const VisitColumns& visit) const {
+    NamingFile(file_, [&] {
+        const Parts& parts = Current();
+        std::vector<const ColumnLayout*> layouts;
+        for (const std::size_t column : columns)
+            layouts.push_back(&parts.layout.columns[column]);
+        std::vector<Value> values(columns.size());
+        parts.rows.ForEach([&](RowId id, std::span<const std::uint8_t> bytes) {
+            const RowReader reader(bytes, parts.layout);
+            for (std::size_t i = 0; i < layouts.size(); ++i)
+                Decode(reader, *layouts[i], values[i]);
+            visit(id, values);
+        });
     });
 }
 
 Row StoredTable::Read(RowId row) const {
-    const auto stored = Current().rows.Read(row);
-    return DecodeRow(stored.bytes);
+    return NamingFile(file_, [&] {
+        const auto stored = Current().rows.Read(row);
+        return DecodeRow(stored.bytes);
+    });
 }
 
 std::optional<std::vector<RowId>> StoredTable::FindByIndex(std::size_t column, const Value& value,
                                                            std::size_t most) {
-    for (std::size_t i = 0; i < Current().indexes.size(); ++i) {
-        if (Current().indexes[i]->Columns().front() != column) continue;
-        PutWaitingEntries(i);
-        return Current().indexes[i]->RowsWith(value, most);
-    }
-    return std::nullopt;
+    return NamingFile(file_, [&]() -> std::optional<std::vector<RowId>> {
+        for (std::size_t i = 0; i < Current().indexes.size(); ++i) {
+            if (Current().indexes[i]->Columns().front() != column) continue;
+            PutWaitingEntries(i);
+            return Current().indexes[i]->RowsWith(value, most);
+        }
+        return std::nullopt;
+    });
 }
 
 Value StoredTable::ReadColumn(RowId row, std::size_t column) const {
@@ -150,7 +164,7 @@ Value StoredTable::ReadColumn(RowId row, std::size_t column) const {
 }
 
 std::uint32_t StoredTable::RowCount() const {
-    return Current().counters.Rows();
+    return NamingFile(file_, [&] { return Current().counters.Rows(); });
 }
 
 std::string StoredTable::IndexName(std::size_t realIndex) const {

@@ -9,7 +9,7 @@
 #include "jet/storage/index/entry_batch.h"
 #include "jet/storage/pager.h"
 #include "jet/storage/row_coding.h"
-#include "jet/storage/table_implementation.h"
+#include "jet/storage/table.h"
 #include "jet/storage/table_index.h"
 #include "jet/storage/table_layout.h"
 #include "jet/storage/table_rows.h"
@@ -20,7 +20,7 @@ namespace jet::storage {
 ///
 /// A new row is on its page at once; its index entries wait, to be put into the indexes in order
 /// and leaf by leaf when there are many of them, or before somebody needs them there.
-class StoredTable final : public TableImplementation, private DeferredChanges {
+class StoredTable final : public Table, private DeferredChanges {
   public:
     /// Reads the definition that starts on page `definition`. `requiredColumns` names the columns
     /// that refuse Null. `pages` must outlive this object.
@@ -35,16 +35,18 @@ class StoredTable final : public TableImplementation, private DeferredChanges {
     std::optional<std::string> ReadOnlyReason() const override { return readOnlyReason_; }
     void Scan(const std::function<void(RowId, Row&&)>& visit) const override;
     void ScanColumns(std::span<const std::size_t> columns,
-                     const Table::VisitColumns& visit) const override;
+                     const VisitColumns& visit) const override;
     Row Read(RowId row) const override;
     std::optional<std::vector<RowId>> FindByIndex(std::size_t column, const Value& value,
                                                   std::size_t most) override;
-    Table::Inserted Insert(std::span<const Value> values) override;
+    Inserted Insert(std::span<const Value> values) override;
     void Update(RowId row, std::span<const FieldChange> changes) override;
     void Delete(RowId row) override;
     std::uint32_t RowCount() const override;
     std::int32_t NextAutoNumber() const override;
-    const std::string& File() const override { return file_; }
+
+    /// Takes over what has become of the definition in the file. No index entry may be waiting.
+    void ReadDefinition(std::span<const std::string> requiredColumns);
 
     /// Puts the index entries that wait where they belong.
     void MakeNow() override;
@@ -89,6 +91,10 @@ class StoredTable final : public TableImplementation, private DeferredChanges {
     template <typename Action>
     void Undoably(Action action);
 
+    Inserted AddRow(std::span<const Value> values);
+    void ChangeRow(RowId row, std::span<const FieldChange> changes);
+    void RemoveRow(RowId row);
+
     Value Decode(const RowReader& reader, std::size_t column) const;
     void Decode(const RowReader& reader, const ColumnLayout& column, Value& value) const;
     Row DecodeRow(std::span<const std::uint8_t> bytes) const;
@@ -109,6 +115,9 @@ class StoredTable final : public TableImplementation, private DeferredChanges {
     bool MoveLongestOut();
     RowPages& LongPages(std::size_t column);
     void ChangeKey(const KeyChange& change, RowId row);
+
+    /// Who is to be told of this table's rows; null: nobody.
+    RowObserver* Observer() const;
 
     Pager& pages_;
     PageNumber page_;

@@ -9,7 +9,7 @@
 #include "jet/storage/format/values.h"
 #include "jet/storage/index/index_page.h"
 #include "jet/storage/long_values.h"
-#include "jet/storage/map_pages.h"
+#include "jet/storage/map_row.h"
 #include "jet/storage/stored_table.h"
 #include "jet/storage/value_check.h"
 
@@ -24,6 +24,13 @@ constexpr std::size_t MostWaiting = 50000;
 Value Normalized(const Value& value, const ColumnDefinition& column) {
     if (column.type == ColumnType::Boolean && IsNull(value)) return false;
     return value;
+}
+
+/// A row with its new values.
+Row After(Row row, const std::vector<std::optional<Value>>& newValues) {
+    for (std::size_t i = 0; i < row.size(); ++i)
+        if (newValues[i]) row[i] = *newValues[i];
+    return row;
 }
 
 }  // namespace
@@ -47,7 +54,24 @@ void StoredTable::Undoably(Action action) {
     }
 }
 
-Table::Inserted StoredTable::Insert(std::span<const Value> given) {
+/// The catalog's own rows belong to the file.
+RowObserver* StoredTable::Observer() const {
+    return definition_.name.starts_with("MSys") ? nullptr : pages_.Observer();
+}
+
+Table::Inserted StoredTable::Insert(std::span<const Value> values) {
+    return NamingFile(file_, [&] { return AddRow(values); });
+}
+
+void StoredTable::Update(RowId row, std::span<const FieldChange> changes) {
+    NamingFile(file_, [&] { ChangeRow(row, changes); });
+}
+
+void StoredTable::Delete(RowId row) {
+    NamingFile(file_, [&] { RemoveRow(row); });
+}
+
+Table::Inserted StoredTable::AddRow(std::span<const Value> given) {
     RequireChangeable();
     const auto& columns = definition_.columns;
     if (given.size() != columns.size()) {
@@ -89,6 +113,12 @@ Table::Inserted StoredTable::Insert(std::span<const Value> given) {
         for (std::size_t i = 0; i < newKeys_.size() && !wait; ++i)
             ChangeKey({i, std::nullopt, newKeys_[i]}, inserted.row);
         parts.counters.SetRows(parts.counters.Rows() + 1);
+        if (RowObserver* const observer = Observer()) {
+            Row values;
+            for (std::size_t i = 0; i < given.size(); ++i)
+                values.push_back(valueOf(i));
+            observer->RowAdded(definition_, values);
+        }
     });
     for (std::size_t i = 0; i < newKeys_.size() && wait; ++i)
         if (Current().indexes[i]->Lists(newKeys_[i]))
@@ -96,7 +126,7 @@ Table::Inserted StoredTable::Insert(std::span<const Value> given) {
     return inserted;
 }
 
-void StoredTable::Update(RowId row, std::span<const FieldChange> changes) {
+void StoredTable::ChangeRow(RowId row, std::span<const FieldChange> changes) {
     RequireChangeable();
     const auto stored = Current().rows.Read(row);
     // A copy, as the page is about to change.
@@ -108,6 +138,8 @@ void StoredTable::Update(RowId row, std::span<const FieldChange> changes) {
         return;
     }
     const auto keyChanges = KeyChanges(reader, newValues);
+    RowObserver* const told = Observer();
+    const Row before = told != nullptr ? DecodeRow(old) : Row();
     for (const auto& change : keyChanges) {
         PutWaitingEntries(change.index);
         if (change.after) CheckKey(change.index, *change.after);
@@ -137,13 +169,16 @@ void StoredTable::Update(RowId row, std::span<const FieldChange> changes) {
         parts.rows.Replace(row, Assemble());
         for (const auto& change : keyChanges)
             ChangeKey(change, row);
+        if (told != nullptr) told->RowChanged(definition_, before, After(before, newValues));
     });
 }
 
-void StoredTable::Delete(RowId row) {
+void StoredTable::RemoveRow(RowId row) {
     RequireChangeable();
     const auto stored = Current().rows.Read(row);
     const Bytes old(stored.bytes.begin(), stored.bytes.end());
+    RowObserver* const told = Observer();
+    const Row whole = told != nullptr ? DecodeRow(old) : Row();
     MakeNow();
     Undoably([&] {
         Parts& parts = Current();
@@ -165,6 +200,7 @@ void StoredTable::Delete(RowId row) {
         parts.rows.Remove(row);
         const auto rows = parts.counters.Rows();
         if (rows != 0) parts.counters.SetRows(rows - 1);
+        if (told != nullptr) told->RowRemoved(definition_, whole);
     });
 }
 
@@ -271,8 +307,10 @@ void StoredTable::ChangeKey(const KeyChange& change, RowId row) {
 }
 
 std::int32_t StoredTable::NextAutoNumber() const {
-    const TableCounters& counters = Current().counters;
-    const std::int64_t next = std::int64_t{counters.AutoNumber()} + counters.AutoNumberStep();
+    const std::int64_t next = NamingFile(file_, [&] {
+        const TableCounters& counters = Current().counters;
+        return std::int64_t{counters.AutoNumber()} + counters.AutoNumberStep();
+    });
     if (next > std::numeric_limits<std::int32_t>::max() ||
         next < std::numeric_limits<std::int32_t>::min()) {
         throw Error(ErrorKind::Overflow,
@@ -364,8 +402,8 @@ RowPages& StoredTable::LongPages(std::size_t column) {
         if (entry->free.page == 0) entry->free = mapPages.Add();
         StoreLongColumnMaps(pages_, parts.layout, static_cast<std::size_t>(entry - maps.begin()));
     }
-    const auto [pages, isNew] =
-        parts.longPages.try_emplace(column, pages_, LongValueOwner, entry->owned, entry->free);
+    const auto [pages, isNew] = parts.longPages.try_emplace(
+        column, pages_, data_page_format::LongValueOwner, entry->owned, entry->free);
     return pages->second;
 }
 

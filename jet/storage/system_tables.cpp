@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::uint16_t TextLength = 510;
 /// Marks columns of system tables, and those that hold a security id.
-constexpr std::uint8_t SystemFlag = 0x10, SecurityIdFlag = 0x20;
+constexpr std::uint8_t SystemColumnFlag = 0x10, SecurityIdFlag = 0x20;
 
 struct SystemColumn {
     std::uint16_t number;
@@ -21,7 +21,7 @@ struct SystemColumn {
     bool isSecurityId = false;
 };
 
-bool IsVariable(ColumnType type) {
+bool HasNoFixedPlace(ColumnType type) {
     return FixedSize(type) == 0 && type != ColumnType::Boolean;
 }
 
@@ -35,16 +35,16 @@ TableLayout Layout(std::initializer_list<SystemColumn> columns) {
         column.name = wanted.name;
         column.typeCode = static_cast<std::uint8_t>(wanted.type);
         column.number = wanted.number;
-        column.fixed = !IsVariable(wanted.type);
+        column.fixed = !HasNoFixedPlace(wanted.type);
         for (const SystemColumn& other : columns) {
             if (other.number >= wanted.number) continue;
-            if (IsVariable(other.type)) ++column.slot;
+            if (HasNoFixedPlace(other.type)) ++column.slot;
             if (!column.fixed || column.Type() == ColumnType::Boolean) continue;
             column.fixedOffset = static_cast<std::uint16_t>(
-                column.fixedOffset + (IsVariable(other.type) ? 0 : FixedSize(other.type)));
+                column.fixedOffset + (HasNoFixedPlace(other.type) ? 0 : FixedSize(other.type)));
         }
         column.sortOrder = GeneralOrder;
-        column.flags = ColumnLayout::AlwaysFlag | SystemFlag;
+        column.flags = ColumnLayout::AlwaysFlag | SystemColumnFlag;
         if (column.fixed) column.flags |= ColumnLayout::FixedFlag;
         if (wanted.isSecurityId) column.flags |= SecurityIdFlag;
         const bool isText = wanted.type == ColumnType::Text || wanted.type == ColumnType::Binary;

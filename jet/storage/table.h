@@ -3,9 +3,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <memory>
 #include <optional>
 #include <span>
+#include <string>
 #include <vector>
 
 #include "jet/schema.h"
@@ -13,8 +13,6 @@
 #include "jet/value.h"
 
 namespace jet::storage {
-
-class TableImplementation;
 
 /// The values of one row, in the order of TableDefinition::columns.
 using Row = std::vector<Value>;
@@ -31,33 +29,31 @@ struct FieldChange {
 /// written, so that a refused change leaves the table as it was.
 class Table {
   public:
-    explicit Table(std::unique_ptr<TableImplementation> implementation);
-    Table(Table&&) noexcept;
-    Table& operator=(Table&&) noexcept;
-    ~Table();
+    virtual ~Table() = default;
 
-    const TableDefinition& Definition() const;
+    virtual const TableDefinition& Definition() const = 0;
 
     /// Why rows of this table must not be changed (an index in a sort order that this library does
     /// not know, for example); empty when they may.
-    std::optional<std::string> ReadOnlyReason() const;
+    virtual std::optional<std::string> ReadOnlyReason() const = 0;
 
     /// Calls `visit` for each row in page order and then slot order.
-    void Scan(const std::function<void(RowId, Row&&)>& visit) const;
+    virtual void Scan(const std::function<void(RowId, Row&&)>& visit) const = 0;
 
     /// The values of the wanted columns, in their order; they are overwritten with the next row.
     using VisitColumns = std::function<void(RowId, std::span<Value>)>;
     /// The same order with a few columns: the others are not looked at.
-    void ScanColumns(std::span<const std::size_t> columns, const VisitColumns& visit) const;
+    virtual void ScanColumns(std::span<const std::size_t> columns,
+                             const VisitColumns& visit) const = 0;
 
     /// One row. Throws Error(NotFound) if there is none.
-    Row Read(RowId row) const;
+    virtual Row Read(RowId row) const = 0;
 
     /// Rows that have this value, which is not Null and of the column's type, in the column, in the
     /// order of an index that begins with the column. None where there is no such index, or where
     /// they are more than `most`.
-    std::optional<std::vector<RowId>> FindByIndex(std::size_t column, const Value& value,
-                                                  std::size_t most);
+    virtual std::optional<std::vector<RowId>> FindByIndex(std::size_t column, const Value& value,
+                                                          std::size_t most) = 0;
 
     /// What Insert made.
     struct Inserted {
@@ -67,21 +63,18 @@ class Table {
     };
     /// Adds a row. A Null in the auto-number column asks for the next number; another value there
     /// is taken as it is and raises the counter where needed.
-    Inserted Insert(std::span<const Value> values);
+    virtual Inserted Insert(std::span<const Value> values) = 0;
 
     /// Changes columns of one row; its RowId stays.
-    void Update(RowId row, std::span<const FieldChange> changes);
+    virtual void Update(RowId row, std::span<const FieldChange> changes) = 0;
 
-    void Delete(RowId row);
+    virtual void Delete(RowId row) = 0;
 
-    std::uint32_t RowCount() const;
+    virtual std::uint32_t RowCount() const = 0;
 
     /// The number that the next row gets in the auto-number column. Error(Overflow) when all are
     /// used up.
-    std::int32_t NextAutoNumber() const;
-
-  private:
-    std::unique_ptr<TableImplementation> implementation_;
+    virtual std::int32_t NextAutoNumber() const = 0;
 };
 
 }  // namespace jet::storage

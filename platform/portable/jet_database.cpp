@@ -297,7 +297,9 @@ JetDatabaseProvider::FileIdentity JetDatabaseProvider::IdentityOf(const std::str
 SharedDatabase JetDatabaseProvider::OpenFile(const std::string& path) const {
     return Translated([&] {
         auto database = std::make_shared<jet::Database>(jet::Database::Open(
-            path, jet::OpenMode::ReadWrite, jet::NeededTables{demands_.tables}));
+            path, keepsInMemory_ ? jet::OpenMode::InMemory : jet::OpenMode::ReadWrite,
+            jet::NeededTables{demands_.tables}));
+        database->SetObserver(observer_);
         for (const jet::DamagedTable& table : database->Damaged()) {
             if (demands_.note) {
                 demands_.note("Table " + table.name +

@@ -14,7 +14,8 @@
 
 namespace jet {
 class Database;
-}
+class RowObserver;
+}  // namespace jet
 
 namespace quillon {
 
@@ -46,6 +47,14 @@ class JetDatabaseProvider : public DatabaseProvider {
     explicit JetDatabaseProvider(PathResolver& resolver, DatabaseDemands demands = {})
         : resolver_(resolver), demands_(std::move(demands)) {}
 
+    /// Databases that are opened from now on tell this observer of the rows that change; null:
+    /// nobody. It must outlive them.
+    void SetObserver(jet::RowObserver* observer) { observer_ = observer; }
+
+    /// Databases that are opened from now on keep all changes in memory, ask for no lock and never
+    /// touch their files.
+    void KeepInMemory() { keepsInMemory_ = true; }
+
     /// Failure: Database with the reason in words, or that of the path.
     std::unique_ptr<Connection> Open(std::string_view connectionString) override;
 
@@ -58,6 +67,8 @@ class JetDatabaseProvider : public DatabaseProvider {
 
     PathResolver& resolver_;
     DatabaseDemands demands_;
+    jet::RowObserver* observer_ = nullptr;
+    bool keepsInMemory_ = false;
     std::map<FileIdentity, std::weak_ptr<jet::Database>> open_;
 };
 

@@ -1,10 +1,10 @@
 #include "platform/portable/jet_values.h"
 
 #include <cmath>
-#include <cstdio>
 #include <string>
 #include <utility>
 
+#include "jet/guid_text.h"
 #include "platform/failure.h"
 
 namespace quillon {
@@ -19,17 +19,6 @@ double NumberOf(const jet::Decimal& decimal) {
     return decimal.negative ? -number : number;
 }
 
-std::string TextOf(const jet::Guid& guid) {
-    std::string text = "{";
-    for (std::size_t i = 0; i < guid.bytes.size(); ++i) {
-        if (i == 4 || i == 6 || i == 8 || i == 10) text += '-';
-        char digits[3];
-        std::snprintf(digits, sizeof digits, "%02X", guid.bytes[i]);
-        text += digits;
-    }
-    return text + '}';
-}
-
 struct FromJetValue {
     std::string_view field;
 
@@ -42,7 +31,7 @@ struct FromJetValue {
         return static_cast<double>(value.tenThousandths) / 10000;
     }
     Value operator()(const jet::Decimal& value) const { return NumberOf(value); }
-    Value operator()(const jet::Guid& value) const { return TextOf(value); }
+    Value operator()(const jet::Guid& value) const { return jet::GuidText(value); }
     Value operator()(std::string&& value) const { return std::move(value); }
     Value operator()(const jet::Bytes&) const {
         throw Failure(FailureNumber::TypeMismatch, std::string(field));

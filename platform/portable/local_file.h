@@ -22,4 +22,8 @@ inline std::string FolderOf(const std::string& path) {
 /// the rename has happened all the same.
 void SyncFolder(const std::string& folder);
 
+/// Renames a local file, but never onto something else; the system's error number, 0 when it is
+/// done, EXDEV between two file systems.
+int RenameToFreeName(const std::string& from, const std::string& to);
+
 }  // namespace quillon

@@ -4,7 +4,7 @@ namespace quillon {
 namespace {
 
 constexpr std::int64_t QuarterHour = std::int64_t{15} * 60;
-constexpr std::int64_t SecondsADay = std::int64_t{24} * 60 * 60;
+constexpr std::int64_t SecondsOfADay = std::int64_t{24} * 60 * 60;
 constexpr std::int64_t UnixEpochDay = 25569;  // 1 January 1970
 
 std::int64_t FloorDivide(std::int64_t value, std::int64_t by) {
@@ -20,11 +20,11 @@ std::int64_t AskSystem(std::time_t moment) {
 }  // namespace
 
 std::int64_t LocalTime::OffsetAt(std::int64_t moment) {
-    const std::int64_t day = FloorDivide(moment, SecondsADay);
+    const std::int64_t day = FloorDivide(moment, SecondsOfADay);
     const auto [ofDay, isNewDay] = ofDays_.try_emplace(day);
     if (isNewDay) {
-        const std::int64_t begin = AskSystem(day * SecondsADay);
-        if (begin == AskSystem((day + 1) * SecondsADay)) ofDay->second = begin;
+        const std::int64_t begin = AskSystem(day * SecondsOfADay);
+        if (begin == AskSystem((day + 1) * SecondsOfADay)) ofDay->second = begin;
     }
     if (ofDay->second) return *ofDay->second;
     const std::int64_t quarter = FloorDivide(moment, QuarterHour);
@@ -35,9 +35,9 @@ std::int64_t LocalTime::OffsetAt(std::int64_t moment) {
 
 DateTime LocalTime::Of(std::time_t moment) {
     const std::int64_t seconds = moment + OffsetAt(moment);
-    const std::int64_t day = FloorDivide(seconds, SecondsADay);
+    const std::int64_t day = FloorDivide(seconds, SecondsOfADay);
     const double fraction =
-        static_cast<double>(seconds - day * SecondsADay) / static_cast<double>(SecondsADay);
+        static_cast<double>(seconds - day * SecondsOfADay) / static_cast<double>(SecondsOfADay);
     const auto days = static_cast<double>(day + UnixEpochDay);
     return {days < 0 ? days - fraction : days + fraction};
 }

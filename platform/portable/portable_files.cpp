@@ -10,11 +10,11 @@
 #include <unistd.h>
 #include <utility>
 
+#include "platform/ansi_text_reader.h"
 #include "platform/failure.h"
 #include "platform/portable/file_end.h"
 #include "platform/portable/file_handle.h"
 #include "platform/portable/local_file.h"
-#include "platform/portable/rename_file.h"
 #include "platform/portable/safe_file.h"
 #include "platform/portable/streams.h"
 #include "platform/portable/system_failure.h"
@@ -208,6 +208,11 @@ FileEntry PortableFiles::GetFile(std::string_view path) {
     return lister_.MakeFileEntry(FolderAndName(parsed).first.Child(name), name, *facts);
 }
 
+WindowsPath PortableFiles::AsOnDisk(std::string_view path) {
+    const WindowsPath parsed = ParseWindowsPath(path);
+    return AsItIs(parsed, resolver_.Local(parsed));
+}
+
 void PortableFiles::CreateFolder(std::string_view path) {
     const WindowsPath parsed = ParseWindowsPath(path);
     const std::string local = resolver_.Local(parsed);
@@ -355,7 +360,7 @@ void PortableFiles::MoveFolder(std::string_view from, std::string_view to) {
 }
 
 std::unique_ptr<TextReader> PortableFiles::OpenText(std::string_view path) {
-    return std::make_unique<AnsiTextReader>(OpenFile(resolver_, ParseWindowsPath(path)));
+    return std::make_unique<AnsiTextReader>(OpenBinary(path), ParseWindowsPath(path).Text());
 }
 
 std::string PortableFiles::LocalToWrite(const WindowsPath& path) {

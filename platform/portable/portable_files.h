@@ -29,6 +29,9 @@ class PortableFiles : public Files {
     /// From now on files to be deleted are offered to this first.
     void OnDelete(TakeOver takeOver) { takeOver_ = std::move(takeOver); }
 
+    /// The path in the spelling that the disk has.
+    WindowsPath AsOnDisk(std::string_view path);
+
     /// From now on listings, too, remove what killed runs have left unfinished. Not for a mere look
     /// at the library.
     void ClearUnfinished() { lister_.ClearUnfinished(); }

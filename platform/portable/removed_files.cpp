@@ -8,12 +8,12 @@
 #include <unistd.h>
 
 #include "platform/basic_text.h"
-#include "platform/date_time.h"
 #include "platform/portable/file_handle.h"
-#include "platform/portable/rename_file.h"
+#include "platform/portable/local_file.h"
 #include "platform/portable/safe_file.h"
 #include "platform/portable/system_failure.h"
 #include "platform/portable/temporary_entry.h"
+#include "platform/stamp.h"
 
 namespace quillon {
 namespace {
@@ -63,6 +63,16 @@ int MoveLink(const std::string& from, const std::string& to) {
 
 }  // namespace
 
+fs::path RemovedFiles::PlaceFor(const WindowsPath& shown) {
+    const fs::path wanted = FolderOfRun() / FolderNameOf(shown.root) / shown.rest;
+    std::error_code failed;
+    for (int number = 1;; ++number) {
+        fs::path place = Numbered(wanted, number);
+        const fs::file_type there = fs::symlink_status(place, failed).type();
+        if (there == fs::file_type::not_found || there == fs::file_type::none) return place;
+    }
+}
+
 fs::path RemovedFiles::Take(const std::string& local, const WindowsPath& shown) {
     const std::string concerning = shown.Text() + " (to be kept in " + folder_.string() + ')';
     const fs::path wanted = FolderOfRun() / FolderNameOf(shown.root) / shown.rest;
@@ -95,12 +105,7 @@ void RemovedFiles::RemoveUnfinished() const {
 }
 
 const fs::path& RemovedFiles::FolderOfRun() {
-    if (ofRun_.empty()) {
-        std::string stamp = SortableDateTimeText(clock_.Now());
-        std::replace(stamp.begin(), stamp.end(), ' ', '_');
-        std::replace(stamp.begin(), stamp.end(), ':', '-');
-        ofRun_ = folder_ / stamp;
-    }
+    if (ofRun_.empty()) ofRun_ = folder_ / StampText(clock_.Now());
     return ofRun_;
 }
 

@@ -17,6 +17,9 @@ class RemovedFiles {
     RemovedFiles(std::filesystem::path folder, const Clock& clock)
         : folder_(std::move(folder)), clock_(clock) {}
 
+    /// Where the file that `shown` means would be moved if it came now.
+    std::filesystem::path PlaceFor(const WindowsPath& shown);
+
     /// Moves the file at the local path, which is what `shown` means, in here; the new local path.
     /// It keeps its modification time, also where it has to be copied to another file system. A
     /// file of the same path that came earlier stays. Failure: DiskFull, PermissionDenied and the

@@ -9,7 +9,6 @@
 #include <unistd.h>
 
 #include "platform/portable/local_file.h"
-#include "platform/portable/rename_file.h"
 #include "platform/portable/system_failure.h"
 
 namespace quillon {

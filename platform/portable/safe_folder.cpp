@@ -9,7 +9,6 @@
 #include <utility>
 
 #include "platform/portable/local_file.h"
-#include "platform/portable/rename_file.h"
 #include "platform/portable/system_failure.h"
 
 namespace quillon {

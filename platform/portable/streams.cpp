@@ -1,7 +1,6 @@
 #include "platform/portable/streams.h"
 
 #include <algorithm>
-#include <array>
 
 #include "platform/ansi.h"
 #include "platform/failure.h"
@@ -11,42 +10,7 @@ namespace {
 
 constexpr std::size_t BufferSize = 65536;
 
-// No playlist, list of folders or settings file has such lines; what has would only eat memory.
-constexpr std::size_t LongestLine = std::size_t{1} << 20U;
-
 }  // namespace
-
-AnsiTextReader::AnsiTextReader(FileHandle file) : file_(std::move(file)) {
-    Fill();
-}
-
-void AnsiTextReader::Fill() {
-    std::array<std::uint8_t, BufferSize> bytes{};
-    const std::size_t length = file_.ReadAt(position_, bytes);
-    position_ += length;
-    buffer_.assign(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(length));
-    next_ = 0;
-}
-
-std::string AnsiTextReader::ReadLine() {
-    if (AtEndOfStream()) throw Failure(FailureNumber::InputPastEnd, file_.ShownPath());
-    std::string line;
-    bool ended = false;
-    while (!ended && !AtEndOfStream()) {
-        const std::size_t end = std::min(buffer_.find('\n', next_), buffer_.size());
-        if (line.size() + (end - next_) > LongestLine) {
-            throw Failure::Described(
-                FailureNumber::Overflow,
-                file_.ShownPath() + " has a line of more than 1 MB, so it is not a text file");
-        }
-        line.append(buffer_, next_, end - next_);
-        ended = end < buffer_.size();
-        next_ = ended ? end + 1 : end;
-        if (AtEndOfStream()) Fill();
-    }
-    if (ended && line.ends_with('\r')) line.pop_back();
-    return AnsiToUtf8(line);
-}
 
 AnsiTextWriter::AnsiTextWriter(const std::string& target, std::string_view shownPath,
                                SafeFile::Existing existing, std::function<void()> closed)

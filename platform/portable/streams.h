@@ -12,23 +12,6 @@
 
 namespace quillon {
 
-/// Reads ANSI lines; of the file only a little is in memory at a time.
-class AnsiTextReader : public TextReader {
-  public:
-    explicit AnsiTextReader(FileHandle file);
-
-    bool AtEndOfStream() const override { return next_ == buffer_.size(); }
-    std::string ReadLine() override;
-
-  private:
-    void Fill();
-
-    FileHandle file_;
-    std::uint64_t position_ = 0;
-    std::string buffer_;
-    std::size_t next_ = 0;  ///< never at the buffer's end before the file's
-};
-
 /// Writes ANSI text to a SafeFile.
 class AnsiTextWriter : public TextWriter {
   public:

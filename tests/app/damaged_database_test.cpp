@@ -1,6 +1,5 @@
 // A run over a database of which one byte is wrong refuses it as it is, or leaves it whole.
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
@@ -22,12 +21,6 @@ namespace {
 namespace fs = std::filesystem;
 
 using jet::storage::Row;
-
-/// How many mutants are tried; $QUILLON_MUTANTS for another number.
-std::uint32_t MutantCount(std::uint32_t usual) {
-    const char* const wanted = std::getenv("QUILLON_MUTANTS");
-    return wanted == nullptr ? usual : static_cast<std::uint32_t>(std::stoul(wanted));
-}
 
 class DamagedDatabase : public ProgramTest {
   protected:
@@ -82,7 +75,7 @@ class DamagedDatabase : public ProgramTest {
     Keepsakes KeepsakesOf(const std::string& table, std::size_t name,
                           const std::vector<std::size_t>& columns) const {
         Keepsakes keepsakes;
-        auto file = jet::storage::DatabaseFile::Open(Database(), jet::storage::OpenMode::ReadOnly);
+        auto file = jet::storage::DatabaseFile::Open(Database(), jet::OpenMode::ReadOnly);
         file.OpenTable(table).Scan([&](jet::storage::RowId, Row&& row) {
             std::vector<jet::Value> values;
             for (const std::size_t column : columns)
@@ -125,7 +118,7 @@ class DamagedDatabase : public ProgramTest {
 
 TEST_F(DamagedDatabase, IsRefusedAsItIsOrLeftWhole) {
     int refused = 0, done = 0;
-    for (std::uint32_t seed = 0; seed < MutantCount(120); ++seed) {
+    for (std::uint32_t seed = 0; seed < outside::MutantCount(120); ++seed) {
         const outside::Mutant mutant = outside::MutantOf(whole_, seed);
         int status = 0;
         EXPECT_EQ(WrongWith(mutant.bytes, status), "") << mutant.where << ", status " << status;

@@ -17,7 +17,7 @@ inline void LeaveJournal(const std::filesystem::path& database, unsigned commits
     const auto file = files->Open(database, storage::FileAccess::Read);
     storage::Page header;
     file->ReadAt(0, header);
-    std::uint8_t& counter = header[storage::CommitCountersOffset];
+    std::uint8_t& counter = header[storage::header_format::CommitCountersOffset];
     counter = static_cast<std::uint8_t>(counter - commits);
     const auto before = storage::CountersOf(header);
     ++counter;

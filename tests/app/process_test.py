@@ -2,6 +2,7 @@
 """process_test.py PROGRAM   what only a process of its own can show: streams that are closed or break,
 signals, exit statuses."""
 
+import json
 import os
 import re
 import resource
@@ -199,6 +200,52 @@ def a_file_size_limit_is_a_full_disk(work):
     expect("tracks in the end", '{"N":150}\n', counted.stdout)
 
 
+def a_run_without_a_journal_changes_nothing(work):
+    host = host_folder(work)
+    changes, elsewhere = Path(host) / "Changes", work / "elsewhere"
+    elsewhere.mkdir()
+    changes.symlink_to(elsewhere)
+    before = {path.name for path in Path(host).iterdir()}
+    done = call("run", "--host", host, "--view", "plain")
+    expect("status", 2, done.returncode)
+    expect("words", True, done.stderr.startswith(
+        f"quillon: The journal of changes cannot be started: Permission denied: {changes} "))
+    expect("the log", True, "journal of changes" in (Path(host) / "host.log").read_text("utf-8"))
+    expect("behind the link", [], list(elsewhere.iterdir()))
+    changes.unlink()
+    done = call("run", "--host", host, "--view", "plain",
+                preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (16, 16)))
+    expect("status on a full disk", 2, done.returncode)
+    expect("words", True, "cannot be started: Disk full: " in done.stderr)
+    expect("journals", [], list(changes.iterdir()))
+    expect("nothing new", before | {"Changes", "host.log"}, {path.name for path in Path(host).iterdir()})
+
+
+def a_run_whose_journal_takes_no_more_stops(work):
+    host = host_folder(work, albums=200)
+    database = Path(host) / "jukebox.mdb"
+    # A journal of that many albums takes three times as much.
+    most = database.stat().st_size + 100_000
+    done = call("run", "--host", host, "--view", "plain",
+                preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (most, most)))
+    expect("status", 1, done.returncode)
+    expect("summary", True, "Stopped after " in done.stdout)
+    told = "The run was stopped, since a run changes nothing that it cannot journal: Disk full: "
+    expect("error output", True, f"quillon: {told}" in done.stderr)
+    expect("log", True, told in (Path(host) / "host.log").read_text("utf-8"))
+    expect("few words", True, done.stdout.count("it lacks must not be done") < 10)
+    is_whole(host)
+    journal, = (Path(host) / "Changes").glob("*.jsonl")
+    records = [json.loads(line) for line in journal.read_text("utf-8").splitlines()]
+    expect("the end", ("end", "failed", 1), tuple(
+        records[-1][name] for name in ("record", "outcome", "status")))
+    saved = max((at for at, record in enumerate(records) if record["record"] == "saved"), default=0)
+    added = sum(record["record"] == "row" and record["table"] == "Tracks"
+                and record["change"] == "added" for record in records[:saved])
+    counted = call("db", "query", "--json", str(database), "SELECT Count(*) AS N FROM Tracks")
+    expect("what is saved is journalled", f'{{"N":{added}}}\n', counted.stdout)
+
+
 def huge_text_files_are_named_in_plain_words(work):
     host = host_folder(work)
     lists = Path(host) / "Playlists"
@@ -314,6 +361,8 @@ def main():
                   a_reader_that_does_not_read_holds_no_run_back,
                   quiet_runs_tell_errors_and_a_summary, quiet_runs_name_what_went_away,
                   a_log_that_takes_nothing_neither_ends_nor_silences_a_run,
+                  a_run_without_a_journal_changes_nothing,
+                  a_run_whose_journal_takes_no_more_stops,
                   a_file_size_limit_is_a_full_disk, huge_text_files_are_named_in_plain_words,
                   the_host_folder_is_found,
                   auto_writes_plain_lines_into_a_pipe,

@@ -103,6 +103,16 @@ TEST(SummaryLines, SayWhereErrorsAreToldThatTheLogDidNotTake) {
               "Done in 0:00:03; 1 error on the error output, host.log lacks 1 record.");
 }
 
+TEST(SummaryLines, TellAStopForWantOfAJournalFromAnAbort) {
+    RunSummary summary{RunOutcome::Aborted, {}, seconds(3)};
+    summary.counts.errors = 1;
+    EXPECT_EQ(SummaryLines(summary)[0], "Aborted after 0:00:03; 1 error in host.log.");
+    EXPECT_EQ(ExitStatus(summary), 3);
+    summary.stopped = true;
+    EXPECT_EQ(SummaryLines(summary)[0], "Stopped after 0:00:03; 1 error in host.log.");
+    EXPECT_EQ(ExitStatus(summary), 1);
+}
+
 TEST(LostRecordsLines, NameTheReasonAndTheFirstErrors) {
     RunCounts counts;
     EXPECT_TRUE(LostRecordsLines({}, counts).empty());

@@ -10,7 +10,7 @@ import time
 from pathlib import Path
 
 sys.dont_write_bytecode = True
-sys.path.insert(0, str(Path(__file__).resolve().parent.parent / "serve"))
+sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "app" / "serve"))
 
 from library import Library, hostile_albums, plain_albums
 from serving import Server

@@ -1,6 +1,8 @@
 #include "driver/modes.h"
 
+#include <array>
 #include <gmock/gmock.h>
+#include <utility>
 
 #include "tests/driver/form_fixture.h"
 
@@ -206,6 +208,60 @@ TEST_F(ModesTest, WouldBeThisOneForTheSettings) {
     EXPECT_EQ(SelectMode(settings)->what, "Reconcile library and database");
     settings.LibraryRoot = R"(D:\Music)";
     EXPECT_EQ(SelectMode(settings)->what, "Add files to library");
+}
+
+/// The folders that a run with these settings works in: "PlayListPath rwe" for one that it reads,
+/// writes and cannot do without.
+std::vector<std::string> UsedFolders(const Settings& settings) {
+    constexpr std::array Folders{
+        std::pair("LibraryRoot", RunFolder::LibraryRoot),
+        std::pair("FromFilesPath", RunFolder::FromFilesPath),
+        std::pair("PlayListPath", RunFolder::PlayListPath),
+        std::pair("PlayListPath2", RunFolder::PlayListPath2),
+        std::pair("AlbumCoverFolder", RunFolder::AlbumCoverFolder),
+        std::pair("Data", RunFolder::Data),
+        std::pair("HTML", RunFolder::Html),
+    };
+    std::vector<std::string> used;
+    for (const auto& [name, folder] : Folders) {
+        const FolderUse use = UseOf(folder, settings);
+        const std::string how = std::string(use.isRead ? "r" : "") + (use.isWritten ? "w" : "") +
+                                (use.isEssential ? "e" : "");
+        if (!how.empty()) used.push_back(std::string(name) + ' ' + how);
+    }
+    return used;
+}
+
+TEST(FoldersOfModes, AreThoseThatTheModeWorksIn) {
+    const auto usedBy = [](bool Settings::* mode) {
+        Settings settings;
+        settings.LibraryRoot = R"(D:\Music\)";
+        settings.*mode = true;
+        return UsedFolders(settings);
+    };
+    EXPECT_THAT(usedBy(&Settings::ID3Update), IsEmpty());
+    EXPECT_THAT(usedBy(&Settings::AddFiles),
+                ElementsAre("LibraryRoot we", "FromFilesPath re", "AlbumCoverFolder w"));
+    EXPECT_THAT(usedBy(&Settings::ID3Write), ElementsAre("LibraryRoot we"));
+    EXPECT_THAT(usedBy(&Settings::AlbumPicker), ElementsAre("AlbumCoverFolder r", "HTML we"));
+    EXPECT_THAT(usedBy(&Settings::PlaToM3u), ElementsAre("PlayListPath re", "PlayListPath2 we"));
+    EXPECT_THAT(usedBy(&Settings::MakeRemote), IsEmpty());
+    EXPECT_THAT(usedBy(&Settings::M3uToPla), IsEmpty());
+}
+
+TEST(FoldersOfModes, OfAReconciliationDependOnItsSettings) {
+    Settings settings;
+    settings.Reconcile = true;
+    settings.ID3Reconcile = false;
+    EXPECT_THAT(UsedFolders(settings),
+                ElementsAre("LibraryRoot re", "PlayListPath w", "AlbumCoverFolder r"));
+    settings.ID3Reconcile = settings.ReconcileOption = true;
+    EXPECT_THAT(UsedFolders(settings),
+                ElementsAre("LibraryRoot rwe", "PlayListPath w", "AlbumCoverFolder r", "Data w"));
+    settings.PlaylistsOnly = true;
+    EXPECT_THAT(UsedFolders(settings), ElementsAre("PlayListPath we"));
+    settings.Reconcile = false;
+    EXPECT_THAT(UsedFolders(settings), IsEmpty());
 }
 
 }  // namespace

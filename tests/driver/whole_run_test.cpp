@@ -6,7 +6,6 @@
 #include <sstream>
 
 #include "database/remove_duplicates.h"
-#include "driver/ini_tool.h"
 #include "driver/library_form.h"
 #include "jukebox/jukebox_database.h"
 #include "platform/portable/host_folder.h"
@@ -340,19 +339,6 @@ TEST_F(WholeRun, DoesNothingWithoutASettingsFile) {
     fs::remove(folder.Path() / "Quillon.ini");
     EXPECT_EQ(Load(), RunOutcome::NothingRan);
     EXPECT_THAT(NamesIn(Disk()), UnorderedElementsAre("Music", "Lists", "cdj.mdb"));
-}
-
-TEST_F(WholeRun, IniToolKeepsItsFileInTheCodePageOfTheHost) {
-    Write("some.ini", "[Place]\r\nname=Caf\xE9\r\nother=x\r\n");
-    Program program(folder.Path());
-    IniTool tool(program.files, program.host);
-    tool.Load(program.host.GetAppPath() + R"(\SOME.INI)");
-    EXPECT_EQ(tool.Read("place", "Name", ""), "Caf\u00e9");
-    tool.Remove("place", "other");
-    tool.Save();
-    std::ostringstream saved;
-    saved << std::ifstream(folder.Path() / "some.ini", std::ios::binary).rdbuf();
-    EXPECT_EQ(saved.str(), "[PLACE]\r\nNAME=Caf\xE9\r\n");
 }
 
 }  // namespace

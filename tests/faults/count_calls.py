@@ -2,6 +2,7 @@
 """count_calls.py PROGRAM LIBRARY   counts the calls of undisturbed runs that cost a disk most, and demands
 that there are no more of them than there have to be."""
 
+import json
 import shutil
 import sys
 from collections import Counter
@@ -77,6 +78,10 @@ def a_library_that_has_not_changed_is_not_written_to(workshop, baseline, counts)
     counts.expect("songs opened", [], [str(call) for call in songs(calls)
                                        if call.name.startswith("open")])
     counts.expect("listings of an artist's or album's folder", 1, most_listed(calls))
+    journal = max((library.host / "Changes").glob("*.jsonl"))
+    kinds = Counter(json.loads(line)["record"] for line in journal.read_text("utf-8").splitlines())
+    counts.expect("rows in the journal", 0, kinds["row"] + kinds["saved"])
+    counts.expect("ends in the journal", (1, 1, 1), (kinds["run"], kinds["mode"], kinds["end"]))
 
 
 def without_generated_lists(library):

@@ -1,8 +1,11 @@
 """What must hold of a library after a run was disturbed. Each rule yields a Breach for what it finds:
 the rule's short name, and in words what was lost."""
 
+import json
+import re
 from collections import Counter
 from dataclasses import dataclass
+from pathlib import Path
 
 from looking import PRECIOUS, differences, is_backup, shown
 from points import LISTING
@@ -152,6 +155,28 @@ def unnamed(point, told):
     words = names_for(point.call, point.path)
     if not any(word.lower() in told.lower() for word in words):
         yield Breach("unnamed", f"none of {sorted(words)} is named by: {shown(told.strip())}")
+
+
+def unjournalled(before, now, library):
+    """What has changed is in a journal, of which only the last line may be cut short."""
+    records = []
+    for journal in (library.host / "Changes").glob("*.jsonl"):
+        *lines, last = journal.read_bytes().split(b"\n")
+        if last:
+            lines.append(last if last.endswith(b"}") else b'{"record":"cut short"}')
+        records += [json.loads(line) for line in lines]
+    places = "\n".join(str(record.get(name, "")) for record in records
+                       for name in ("path", "target")).lower()
+    there, here = before.parts["file"], now.parts["file"]
+    for name in sorted(there.keys() | here.keys()):
+        # Folders of pages are made and replaced as a whole.
+        word = PAGES if f"/{PAGES}" in name else re.sub(r" \(\d+\)(?=\.\w+$)", "", Path(name).name)
+        if there.get(name) != here.get(name) and word.lower() not in places:
+            yield Breach("unjournalled", f"no journal tells of {name}")
+    tables = {record["table"] for record in records if record["record"] == "row"}
+    for table, rows in before.tables.items():
+        if rows != now.tables[table] and table not in tables:
+            yield Breach("unjournalled", f"no journal tells of rows of {table}")
 
 
 def wrong_status(status, point, before, now, undisturbed, told):

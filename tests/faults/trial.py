@@ -148,6 +148,9 @@ class Workshop:
         changed = differences(baseline.before, now)
         yield from rules.broken_backups(rules.backups_of(library), baseline.originals,
                                         baseline.backups, changed)
+        # A power cut takes what was not flushed: the lines, but not the names that files have taken.
+        if point.action != "cut":
+            yield from rules.unjournalled(baseline.before, now, library)
         if point.kills:
             return
         if not point.path.startswith("host/jukebox."):

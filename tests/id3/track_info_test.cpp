@@ -1,7 +1,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "id3/song_genre.h"
 #include "id3/track_of_file.h"
 #include "tests/support/test_library.h"
 
@@ -83,26 +82,6 @@ TEST_F(TrackInfoTest, LogsAFailureWithTheFile) {
     EXPECT_THAT(library.host.log,
                 ElementsAre("Quillon: Get ID3 Track Info Error: Line 1 refused (" +
                             std::string(First) + ")"));
-}
-
-TEST_F(TrackInfoTest, GenreIsThatOfTheFirstRowOfTheSong) {
-    for (const char* genre : {"Folk", "Rock"}) {
-        library.Execute(
-            "INSERT INTO Spinner (Artist, Album, Song, Genre) VALUES ('Alder', 'First Light', "
-            "'Dawn', '" +
-            std::string(genre) + "')");
-    }
-    EXPECT_EQ(GetID3Genre(library.run, "Alder", "First Light", "Dawn"), "Folk");
-    EXPECT_EQ(GetID3Genre(library.run, "Alder", "First Light", "Dusk"), "");
-    EXPECT_THAT(library.host.log, IsEmpty());
-}
-
-TEST_F(TrackInfoTest, LogsAFailureToFindAGenre) {
-    library.Database().Refuse("Scan Spinner");
-    EXPECT_EQ(GetID3Genre(library.run, "Alder", "First Light", "Dawn"), "");
-    EXPECT_THAT(library.host.log,
-                ElementsAre("Quillon: Get ID3 Genre Error: Line 1 refused (Alder\\First "
-                            "Light\\Dawn)"));
 }
 
 }  // namespace

@@ -2,8 +2,12 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <random>
+#include <string>
 #include <vector>
+
+#include "tests/outside/density.h"
 
 namespace outside {
 namespace {
@@ -115,6 +119,12 @@ Mutant MutantOf(const std::string& database, std::uint32_t seed) {
                    std::to_string(place.offset % PageSize) + ", " + std::to_string(old) + " to " +
                    std::to_string(changed);
     return mutant;
+}
+
+std::uint32_t MutantCount(std::uint32_t usual) {
+    const char* const wanted = std::getenv("QUILLON_MUTANTS");
+    if (wanted != nullptr) return static_cast<std::uint32_t>(std::stoul(wanted));
+    return usual / static_cast<std::uint32_t>(StepUnderSanitizers(3));
 }
 
 }  // namespace outside

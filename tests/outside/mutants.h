@@ -16,4 +16,8 @@ struct Mutant {
 /// seed makes the same one.
 Mutant MutantOf(const std::string& database, std::uint32_t seed);
 
+/// How many mutants a test tries: `usual`, a third of them under the sanitizers, or
+/// $QUILLON_MUTANTS.
+std::uint32_t MutantCount(std::uint32_t usual);
+
 }  // namespace outside

@@ -42,7 +42,7 @@ std::optional<CommandResult> AskStructuralChecker(const std::filesystem::path& d
 std::string StructuralFaults(const std::filesystem::path& database, Strictness strictness) {
     // A build with sanitizers looks at memory. What is written there is what every other build
     // writes and has checked.
-    if (!QUILLON_ASKS_CHECKER) return "";
+    if (QUILLON_SANITIZED) return "";
     const auto verdict = AskStructuralChecker(database, strictness);
     return !verdict || verdict->status == 0 ? "" : verdict->output;
 }

@@ -9,7 +9,6 @@
 #include "playlists/convert.h"
 #include "playlists/create.h"
 #include "playlists/refresh.h"
-#include "playlists/working_set.h"
 #include "tests/support/real_library.h"
 
 namespace quillon {

@@ -7,7 +7,6 @@
 
 #include "playlists/capture.h"
 #include "playlists/refresh.h"
-#include "playlists/working_set.h"
 #include "run/playlist_entries.h"
 #include "tests/support/test_library.h"
 

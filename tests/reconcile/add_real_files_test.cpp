@@ -10,6 +10,7 @@
 #include <sys/stat.h>
 
 #include "reconcile/add_files_to_library.h"
+#include "tests/outside/density.h"
 #include "tests/support/database_rows.h"
 #include "tests/support/real_library.h"
 #include "tests/support/sound_file.h"
@@ -306,11 +307,11 @@ class AddingIsKilledTest : public ::testing::Test {
 };
 
 TEST_F(AddingIsKilledTest, AndTheNextRunBringsTheRest) {
-    KillAtEvery(1, Written::Everything);
+    KillAtEvery(outside::StepUnderSanitizers(4), Written::Everything);
 }
 
 TEST_F(AddingIsKilledTest, WithItsLastRowsUnwrittenAndTheNextRunBringsTheRest) {
-    KillAtEvery(4, Written::WhateverThereIs);
+    KillAtEvery(4 * outside::StepUnderSanitizers(3), Written::WhateverThereIs);
 }
 
 }  // namespace

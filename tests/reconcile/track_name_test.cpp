@@ -1,6 +1,6 @@
-#include "reconcile/track_name.h"
-
 #include <gtest/gtest.h>
+
+#include "reconcile/tracks.h"
 
 namespace quillon {
 namespace {

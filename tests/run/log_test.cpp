@@ -98,28 +98,40 @@ TEST_F(Log, DoesNotFailWhenTheHostRefusesTheRecord) {
     EXPECT_EQ(run.form.aError, "lost");
 }
 
+enum class TestStep { First = 1, Second = 2, Third = 3, Fourth = 4, Fifth = 5 };
+
+static_assert(NamedStep<TestStep> && !NamedStep<int>, "a bare number is the name of no step");
+
+TEST_F(Log, StepsWithoutNumbersAreLoggedWithZero) {
+    Steps steps(run, "Some Procedure");
+    EXPECT_FALSE(steps.Try([] { throw Failure(FailureNumber::DiskFull, R"(D:\a)"); }));
+    EXPECT_THAT(world.host.log, ElementsAre(R"(Quillon: Some Procedure Line 0 Disk full: D:\a)"));
+}
+
 TEST_F(Log, StepsGoOnBehindAFailureAndNameItsStep) {
     Steps steps(run, "Some Procedure");
     bool reached = false;
-    EXPECT_FALSE(steps.Try(4, [] { throw Failure(FailureNumber::DiskFull, R"(D:\a)"); }));
-    EXPECT_TRUE(steps.Try(5, [&] { reached = true; }));
+    EXPECT_FALSE(
+        steps.Try(TestStep::Fourth, [] { throw Failure(FailureNumber::DiskFull, R"(D:\a)"); }));
+    EXPECT_TRUE(steps.Try(TestStep::Fifth, [&] { reached = true; }));
     EXPECT_TRUE(reached);
     EXPECT_THAT(world.host.log, ElementsAre(R"(Quillon: Some Procedure Line 4 Disk full: D:\a)"));
 }
 
 TEST_F(Log, AStepMayHaveALocationOfItsOwn) {
     Steps steps(run, "Some Procedure");
-    EXPECT_FALSE(steps.TryAs("Some Query:", 2, [] { throw std::runtime_error("no table"); }));
+    EXPECT_FALSE(
+        steps.TryAs("Some Query:", TestStep::Second, [] { throw std::runtime_error("no table"); }));
     EXPECT_THAT(world.host.log, ElementsAre("Quillon: Some Query: Line 2 no table"));
 }
 
 TEST_F(Log, StepsNameWhatTheyConcernUnlessTheDescriptionDoes) {
     Steps steps(run, "Some Procedure");
     steps.Concerning(R"(D:\a)");
-    steps.Try(1, [] { throw Failure(FailureNumber::DiskFull, R"(D:\a)"); });
-    steps.Try(2, [] { throw Failure(FailureNumber::Overflow, "Minutes"); });
+    steps.Try(TestStep::First, [] { throw Failure(FailureNumber::DiskFull, R"(D:\a)"); });
+    steps.Try(TestStep::Second, [] { throw Failure(FailureNumber::Overflow, "Minutes"); });
     steps.Concerning("");
-    steps.Try(3, [] { throw Failure(FailureNumber::Overflow, "Minutes"); });
+    steps.Try(TestStep::Third, [] { throw Failure(FailureNumber::Overflow, "Minutes"); });
     EXPECT_THAT(world.host.log,
                 ElementsAre(R"(Quillon: Some Procedure Line 1 Disk full: D:\a)",
                             R"(Quillon: Some Procedure Line 2 Overflow: Minutes (D:\a))",
@@ -130,7 +142,7 @@ TEST_F(Log, StepsEndWithTheirAdvice) {
     Steps steps(run, "Some Procedure");
     steps.Concerning(R"(D:\a)");
     steps.Advising("make room and run again");
-    steps.Try(1, [] { throw Failure(FailureNumber::Overflow, "Minutes"); });
+    steps.Try(TestStep::First, [] { throw Failure(FailureNumber::Overflow, "Minutes"); });
     EXPECT_THAT(world.host.log,
                 ElementsAre("Quillon: Some Procedure Line 1 Overflow: Minutes (D:\\a); "
                             "make room and run again"));
@@ -138,15 +150,15 @@ TEST_F(Log, StepsEndWithTheirAdvice) {
 
 TEST_F(Log, StepsSayInWordsThatThereIsNotEnoughMemory) {
     Steps steps(run, "Some Procedure");
-    steps.Try(1, [] { throw std::bad_alloc(); });
-    steps.Try(2, [] { throw std::length_error("basic_string::append"); });
+    steps.Try(TestStep::First, [] { throw std::bad_alloc(); });
+    steps.Try(TestStep::Second, [] { throw std::length_error("basic_string::append"); });
     EXPECT_THAT(world.host.log, ElementsAre("Quillon: Some Procedure Line 1 Not enough memory",
                                             "Quillon: Some Procedure Line 2 Not enough memory"));
 }
 
 TEST_F(Log, StepsThatSucceedLeaveNoRecord) {
     Steps steps(run, "Some Procedure");
-    EXPECT_TRUE(steps.Try(1, [] {}));
+    EXPECT_TRUE(steps.Try(TestStep::First, [] {}));
     EXPECT_THAT(world.host.log, IsEmpty());
 }
 

@@ -9,6 +9,7 @@ from datetime import datetime
 from pathlib import Path
 
 import scenario_file
+from announcement import Announcement
 from stage import NOBODY, SANITIZED, Failed, Stage, output_of
 
 import sound_files
@@ -255,6 +256,7 @@ def play(stage, run):
     checks = Checks(run)
     if "check" in run:
         checks.at("check", compare_check, stage, run.lines("check"), unprivileged)
+    announcement = Announcement(stage, run.lines("arguments"), unprivileged)
     status, output, errors = stage.reconcile(*run.lines("arguments"), unprivileged=unprivileged)
 
     for folder in closed:
@@ -264,6 +266,7 @@ def play(stage, run):
                   run.lines("after/exit status") or ["0"], [str(status)])
         log = "after/log has" if "after/log has" in run else "after/log"
         checks.at(log, compare_log, run, stage.log_messages()[already:])
+        announcement.confirm(stage, status, stage.log_messages()[already:], compare)
         confirm_outcome(stage, run, checks, before, (output, errors))
     except Failed as failure:
         told = f"\nstandard output:\n{output}\nstandard error:\n{errors}"

@@ -205,6 +205,8 @@ class FakeFiles : public Files {
 
     void RemoveUnfinished(std::string_view folder) override {
         calls_.Note("RemoveUnfinished " + std::string(folder));
+        const std::string beginning = KeyOf(folder) + "\\.quillon-";
+        std::erase_if(nodes_, [&](const auto& node) { return node.first.starts_with(beginning); });
     }
 
     void WriteEnd(std::string_view path, const FileEnd& seen, std::uint64_t position,

@@ -11,11 +11,6 @@ namespace jet::storage {
 
 namespace {
 
-constexpr std::size_t FreeBytesOffset = 2;
-constexpr std::size_t PrefixOffset = 24;
-constexpr std::size_t MaskOffset = 27;
-constexpr std::size_t EntriesOffset = 480;
-constexpr std::size_t ChildSize = 4;
 constexpr std::size_t ShortestKey = 1;
 
 /// The bits of the mask that can mark an end: one for each byte of the entries and one more.
@@ -33,12 +28,13 @@ std::uint32_t LoadBigEndian(std::span<const std::uint8_t> bytes) {
 }
 
 void SetEnd(Page& page, std::size_t end) {
-    page[MaskOffset + end / 8] =
-        static_cast<std::uint8_t>(page[MaskOffset + end / 8] | (1U << (end % 8)));
+    page[index_page_format::MaskOffset + end / 8] = static_cast<std::uint8_t>(
+        page[index_page_format::MaskOffset + end / 8] | (1U << (end % 8)));
 }
 
 void ClearMask(Page& page) {
-    std::fill(page.begin() + MaskOffset, page.begin() + EntriesOffset, std::uint8_t{0});
+    std::fill(page.begin() + index_page_format::MaskOffset,
+              page.begin() + index_page_format::EntriesOffset, std::uint8_t{0});
 }
 
 /// How many bytes are the same at the beginning, up to `most`.
@@ -49,7 +45,7 @@ std::size_t CommonLength(EntryBytes left, EntryBytes right, std::size_t most) {
 }
 
 void StoreFreeBytes(Page& page, std::size_t used) {
-    Store(page, FreeBytesOffset, static_cast<std::uint16_t>(EntryRoom - used));
+    Store(page, index_page_format::FreeBytesOffset, static_cast<std::uint16_t>(EntryRoom - used));
 }
 
 }  // namespace
@@ -78,9 +74,9 @@ IndexPageView::IndexPageView(const Page& page, PageNumber number, PageNumber def
     leaf_ = type == static_cast<std::uint8_t>(PageType::IndexLeaf);
     if ((!leaf_ && type != static_cast<std::uint8_t>(PageType::IndexNode)) || page[1] != 1)
         ThrowDamagedPage(number, "does not look like one");
-    if (Load<PageNumber>(page_, 4) != definition)
+    if (Load<PageNumber>(page_, index_page_format::DefinitionOffset) != definition)
         ThrowDamagedPage(number, "belongs to another table");
-    prefix_ = Load<std::uint16_t>(page_, PrefixOffset);
+    prefix_ = Load<std::uint16_t>(page_, index_page_format::PrefixOffset);
     ReadEnds(number);
     const std::size_t shortest = ShortestKey + EntryRowSize + SuffixSize();
     if (count_ != 0) {
@@ -95,8 +91,9 @@ IndexPageView::IndexPageView(const Page& page, PageNumber number, PageNumber def
 void IndexPageView::ReadEnds(PageNumber number) {
     for (std::size_t byte = 0; byte * 8 < MaskBits; byte += 8) {
         std::uint64_t bits = 0;
-        std::memcpy(&bits, page_.data() + MaskOffset + byte,
-                    std::min<std::size_t>(8, EntriesOffset - MaskOffset - byte));
+        std::memcpy(&bits, page_.data() + index_page_format::MaskOffset + byte,
+                    std::min<std::size_t>(8, index_page_format::EntriesOffset -
+                                                 index_page_format::MaskOffset - byte));
         for (; bits != 0; bits &= bits - 1) {
             const std::size_t end = byte * 8 + static_cast<std::size_t>(std::countr_zero(bits));
             if (end == 0 || end >= MaskBits)
@@ -107,11 +104,11 @@ void IndexPageView::ReadEnds(PageNumber number) {
 }
 
 std::span<const std::uint8_t> IndexPageView::Stored(std::size_t i) const {
-    return page_.subspan(EntriesOffset + Start(i), ends_[i] - Start(i));
+    return page_.subspan(index_page_format::EntriesOffset + Start(i), ends_[i] - Start(i));
 }
 
 std::span<const std::uint8_t> IndexPageView::Prefix() const {
-    return page_.subspan(EntriesOffset, prefix_);
+    return page_.subspan(index_page_format::EntriesOffset, prefix_);
 }
 
 std::size_t IndexPageView::LowerBound(std::span<const std::uint8_t> bytes) const {
@@ -169,7 +166,7 @@ RowId IndexPageView::Row(std::size_t i) const {
 }
 
 PageNumber IndexPageView::Child(std::size_t i) const {
-    return i == count_ ? Tail() : LoadBigEndian(Stored(i).last(ChildSize));
+    return i == count_ ? Tail() : LoadBigEndian(Stored(i).last(index_page_format::ChildSize));
 }
 
 bool IndexPageView::InsertInto(Page& page, std::size_t i,
@@ -184,8 +181,10 @@ bool IndexPageView::InsertInto(Page& page, std::size_t i,
 
     // In front of all others, the new entry takes over the prefix that the page begins with.
     const std::size_t place = i == 0 ? prefix : Start(i);
-    const auto start = page.begin() + static_cast<std::ptrdiff_t>(EntriesOffset + place);
-    const auto end = page.begin() + static_cast<std::ptrdiff_t>(EntriesOffset + used);
+    const auto start =
+        page.begin() + static_cast<std::ptrdiff_t>(index_page_format::EntriesOffset + place);
+    const auto end =
+        page.begin() + static_cast<std::ptrdiff_t>(index_page_format::EntriesOffset + used);
     std::copy_backward(start, end, end + static_cast<std::ptrdiff_t>(added.size()));
     std::ranges::copy(added, start);
     ClearMask(page);
@@ -194,7 +193,7 @@ bool IndexPageView::InsertInto(Page& page, std::size_t i,
     SetEnd(page, place + added.size());
     for (std::size_t j = i; j < count_; ++j)
         SetEnd(page, ends_[j] + added.size());
-    Store(page, PrefixOffset, static_cast<std::uint16_t>(prefix));
+    Store(page, index_page_format::PrefixOffset, static_cast<std::uint16_t>(prefix));
     StoreFreeBytes(page, used + added.size());
     return true;
 }
@@ -205,8 +204,10 @@ void IndexPageView::RemoveFrom(Page& page, std::size_t i) const {
     // The first entry leaves the prefix to the one that follows it.
     const std::size_t place = i == 0 ? prefix : Start(i);
     const std::size_t size = ends_[i] - place;
-    const auto start = page.begin() + static_cast<std::ptrdiff_t>(EntriesOffset + place);
-    const auto end = page.begin() + static_cast<std::ptrdiff_t>(EntriesOffset + used);
+    const auto start =
+        page.begin() + static_cast<std::ptrdiff_t>(index_page_format::EntriesOffset + place);
+    const auto end =
+        page.begin() + static_cast<std::ptrdiff_t>(index_page_format::EntriesOffset + used);
     std::fill(std::copy(start + static_cast<std::ptrdiff_t>(size), end, start), end,
               std::uint8_t{0});
     ClearMask(page);
@@ -214,7 +215,7 @@ void IndexPageView::RemoveFrom(Page& page, std::size_t i) const {
         SetEnd(page, ends_[j]);
     for (std::size_t j = i + 1; j < count_; ++j)
         SetEnd(page, ends_[j] - size);
-    Store(page, PrefixOffset, static_cast<std::uint16_t>(prefix));
+    Store(page, index_page_format::PrefixOffset, static_cast<std::uint16_t>(prefix));
     StoreFreeBytes(page, used - size);
 }
 
@@ -243,7 +244,7 @@ IndexPageContent IndexPageContent::From(const IndexPageView& view, EntryMemory& 
 
 /// The prefix is a part of the key alone: a row or child may not be cut in two.
 std::size_t IndexPageContent::KeySize(std::size_t i) const {
-    return entries[i].size() - EntryRowSize - (leaf ? 0 : ChildSize);
+    return entries[i].size() - EntryRowSize - (leaf ? 0 : index_page_format::ChildSize);
 }
 
 std::size_t IndexPageContent::PrefixLength(std::size_t first, std::size_t last) const {
@@ -315,16 +316,17 @@ void IndexPageContent::WriteTo(Page& page, PageNumber definition) const {
     page.fill(0);
     page[0] = static_cast<std::uint8_t>(leaf ? PageType::IndexLeaf : PageType::IndexNode);
     page[1] = 1;
-    Store(page, 4, definition);
-    Store(page, 12, previous);
-    Store(page, 16, next);
-    Store(page, 20, tail);
-    Store(page, PrefixOffset, static_cast<std::uint16_t>(prefix));
-    page[26] = height;
+    Store(page, index_page_format::DefinitionOffset, definition);
+    Store(page, index_page_format::PreviousOffset, previous);
+    Store(page, index_page_format::NextOffset, next);
+    Store(page, index_page_format::TailOffset, tail);
+    Store(page, index_page_format::PrefixOffset, static_cast<std::uint16_t>(prefix));
+    page[index_page_format::HeightOffset] = height;
     std::size_t end = 0;
     for (const EntryBytes entry : entries) {
         const auto stored = entry.subspan(end == 0 ? 0 : prefix);
-        std::ranges::copy(stored, page.begin() + static_cast<std::ptrdiff_t>(EntriesOffset + end));
+        std::ranges::copy(stored, page.begin() + static_cast<std::ptrdiff_t>(
+                                                     index_page_format::EntriesOffset + end));
         end += stored.size();
         SetEnd(page, end);
     }

@@ -10,12 +10,13 @@
 
 #include "jet/storage/format/page.h"
 #include "jet/storage/index/entry_batch.h"
+#include "jet/storage/index/index_page_format.h"
 #include "jet/value.h"
 
 namespace jet::storage {
 
 /// Bytes of a page that its entries can fill.
-constexpr std::size_t EntryRoom = 3616;
+constexpr std::size_t EntryRoom = index_page_format::EntryRoom;
 
 /// Appends what stands behind a key on a leaf page, big-endian: page and slot of the row.
 void AppendRow(Bytes& entry, RowId row);
@@ -40,11 +41,15 @@ class IndexPageView {
 
     bool IsLeaf() const { return leaf_; }
     std::size_t Count() const { return count_; }
-    PageNumber Previous() const { return Load<PageNumber>(page_, 12); }
-    PageNumber Next() const { return Load<PageNumber>(page_, 16); }
-    PageNumber Tail() const { return leaf_ ? 0 : Load<PageNumber>(page_, 20); }
+    PageNumber Previous() const {
+        return Load<PageNumber>(page_, index_page_format::PreviousOffset);
+    }
+    PageNumber Next() const { return Load<PageNumber>(page_, index_page_format::NextOffset); }
+    PageNumber Tail() const {
+        return leaf_ ? 0 : Load<PageNumber>(page_, index_page_format::TailOffset);
+    }
     std::size_t PrefixLength() const { return prefix_; }
-    std::uint8_t Height() const { return page_[26]; }
+    std::uint8_t Height() const { return page_[index_page_format::HeightOffset]; }
 
     /// The number of entries that are less than `bytes` (all or the first part of key and row).
     std::size_t LowerBound(std::span<const std::uint8_t> bytes) const;
@@ -84,7 +89,7 @@ class IndexPageView {
     /// What the page stores of an entry: all of the first, of others what follows the prefix.
     std::span<const std::uint8_t> Stored(std::size_t i) const;
     std::span<const std::uint8_t> Prefix() const;
-    std::size_t SuffixSize() const { return leaf_ ? 0 : 4; }
+    std::size_t SuffixSize() const { return leaf_ ? 0 : index_page_format::ChildSize; }
     void ReadEnds(PageNumber number);
 
     std::span<const std::uint8_t> page_;

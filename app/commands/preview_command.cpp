@@ -1,0 +1,197 @@
+#include "app/commands/preview_command.h"
+
+#include <filesystem>
+#include <fmt/format.h>
+#include <ostream>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "app/checks/writable.h"
+#include "app/journal/change_text.h"
+#include "app/journal/journal_lines.h"
+#include "app/journal/net_changes.h"
+#include "app/journal/row_names.h"
+#include "app/journal/row_recorder.h"
+#include "app/local_host.h"
+#include "app/removed_music.h"
+#include "app/text/display_text.h"
+#include "app/version.h"
+#include "app/views/preview_view.h"
+#include "changes/journalled_files.h"
+#include "changes/preview_files.h"
+#include "driver/library_form.h"
+#include "driver/modes.h"
+#include "jet/error.h"
+#include "jet/lock.h"
+#include "platform/basic_text.h"
+#include "platform/stamp.h"
+#include "playlists/playlist_snapshot.h"
+#include "run/log.h"
+#include "run/run.h"
+
+namespace quillon {
+namespace {
+
+class RecordsInMemory : public ChangeSink {
+  public:
+    void Note(const ChangeRecord& record) override { records.push_back(record); }
+    void MakeDurable() override {}
+
+    std::vector<ChangeRecord> records;
+};
+
+/// The host, whose log takes nothing.
+class PreviewHost : public Host {
+  public:
+    explicit PreviewHost(Host& host) : host_(host) {}
+
+    std::string GetINISetting(std::string_view section, std::string_view key,
+                              std::string_view fallback, std::string_view file) override {
+        return host_.GetINISetting(section, key, fallback, file);
+    }
+    std::vector<std::string> GetINILines(std::string_view section, std::string_view file) override {
+        return host_.GetINILines(section, file);
+    }
+    void WriteLog(std::string_view, std::string_view) override {}
+    std::vector<std::string> GetPlugins() override { return host_.GetPlugins(); }
+    std::string GetAppPath() override { return host_.GetAppPath(); }
+
+  private:
+    Host& host_;
+};
+
+PreviewRights RightsOn(PathResolver& resolver) {
+    return {.mayWrite = [&resolver](const std::string& path) {
+                const std::filesystem::path local = resolver.Local(path);
+                std::error_code unknown;
+                return !std::filesystem::exists(local, unknown) || IsWritable(local);
+            },
+            .isLink = [&resolver](const std::string& path) {
+                std::error_code unknown;
+                return std::filesystem::is_symlink(resolver.Local(path), unknown);
+            }};
+}
+
+std::string OutcomeWord(RunOutcome outcome) {
+    return outcome == RunOutcome::Completed ? "completed" : "nothing ran";
+}
+
+/// Why a run would not get the database that the preview has looked at; "" where it would.
+std::string ObjectionTo(const std::filesystem::path& database) try {
+    const jet::LockState lock = jet::LookAtLock(database);
+    if (lock.kind == jet::LockState::Kind::InUse) return lock.objection;
+    std::error_code unknown;
+    const auto folder = std::filesystem::canonical(database, unknown).parent_path();
+    if (unknown || IsWritable(folder)) return "";
+    return fmt::format("its folder {} cannot be written", folder.string());
+} catch (const jet::Error&) {
+    return "";  // then the preview has said so itself
+}
+
+void TellBrake(bool braked, std::ostream& out) {
+    if (!braked) return;
+    out << "The brake would stop this run from removing anything: the log says why. If the\n"
+           "removals are right, 'quillon preview --allow-removals' shows all of them.\n\n";
+}
+
+void Tell(const std::vector<ChangeRecord>& records, const NetChanges& changes,
+          const std::filesystem::path& database, std::ostream& out) {
+    const RowNames names(database, changes.rows);
+    const ChangeTextOptions options{.nameOf = [&names](const RowChange& change) {
+        return names.Of(change);
+    }};
+    for (const ChangeRecord& record : records) {
+        if (const auto* const mode = std::get_if<ModeChosen>(&record); mode && !mode->mode.empty())
+            out << fmt::format("A run would now: {}\n\n", OneLine(mode->mode));
+    }
+    TellBrake(std::get<RunEnded>(records.back()).braked, out);
+    const std::string text = ChangeText(changes, options), log = LogText(records, options);
+    out << text << (text.empty() || log.empty() ? "" : "\n") << log;
+    if (!text.empty() || !log.empty()) out << '\n';
+}
+
+void TellVerdict(int status, std::ostream& out) {
+    switch (status) {
+        case DoneStatus:
+            out << "Nothing would change.\n";
+            break;
+        case FaultsFoundStatus:
+            out << "Nothing has been changed yet; 'quillon run' does it.\n";
+            break;
+        default:
+            out << "What a run would do could not be found out.\n";
+    }
+}
+
+}  // namespace
+
+int PreviewRun(const PreviewRequest& request, Console console) {
+    Run* current = nullptr;
+    LocalHost local(request.host, [&current](LogKind kind, const std::string& message) {
+        if (current == nullptr) return;
+        if (kind == LogKind::Error) return LogError(*current, LogSource, message);
+        WriteLog(*current, LogSource, message);
+    });
+    RecordsInMemory sink;
+    const std::string stamp = StampText(local.clock.Now());
+    sink.Note(RunStarted{.stamp = stamp, .version = ProgramVersion, .mode = "", .undoes = ""});
+    RowRecorder rows(sink);
+    local.databases.KeepInMemory();
+    local.databases.SetObserver(&rows);
+    RemovedFiles removed(RemovedMusicFolder(local.host), local.clock);
+    const bool keepsRemoved = ReadRemovedMusicSetting(local.host).keep;
+    PreviewFiles preview(local.files, local.clock, RightsOn(local.resolver));
+    JournalledFiles files(
+        preview, sink,
+        {.folder = local.host.GetAppPath() + R"(\Changes\)" + stamp,
+         .shownFolder = "Changes/" + stamp,
+         .placeOfDeleted =
+             [&](std::string_view path) {
+                 return PlaceOfRemovedMusic(*current, local, removed, keepsRemoved, path);
+             },
+         .isScratch =
+             [&](std::string_view path) {
+                 return EqualIgnoringCase(path,
+                                          PlaylistSnapshotPath(current->settings.Nirvis_CDJ_DB));
+             }});
+    PreviewHost host(local.host);
+    PreviewView view(sink, [&] {
+        const Mode* const mode = SelectMode(current->settings);
+        return mode == nullptr ? std::string() : std::string(mode->what);
+    });
+    Run run(host, files, local.clock, view);
+    current = &run;
+    run.removals.allAllowed = request.allowRemovals;
+    const RunOutcome outcome = LibraryForm(run, local.databases, ProgramVersion).Form_Load();
+    run.ForgetTables();
+
+    std::filesystem::path database;
+    if (outcome == RunOutcome::Completed) {
+        database = local.resolver.Local(run.settings.Nirvis_CDJ_DB);
+        if (const std::string objection = ObjectionTo(database); !objection.empty())
+            sink.Note(LogLine{true, "A run would not get the database now: " + objection});
+    }
+    const NetChanges changes = NetChangesOf(sink.records);
+    const int status = outcome != RunOutcome::Completed ? RefusedStatus
+                       : ChangesLibrary(changes)        ? FaultsFoundStatus
+                                                        : DoneStatus;
+    sink.Note(RunEnded{.outcome = OutcomeWord(outcome),
+                       .status = status,
+                       .braked = run.Report().braked,
+                       .duration = view.Elapsed()});
+    if (request.json) {
+        std::string line;
+        for (const ChangeRecord& record : sink.records) {
+            line.clear();
+            AppendLine(line, record);
+            console.out << line << '\n';
+        }
+        return status;
+    }
+    Tell(sink.records, changes, database, console.out);
+    TellVerdict(status, console.out);
+    return status;
+}
+
+}  // namespace quillon

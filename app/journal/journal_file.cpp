@@ -1,0 +1,194 @@
+#include "app/journal/journal_file.h"
+
+#include <cctype>
+#include <cerrno>
+#include <fcntl.h>
+#include <system_error>
+#include <unistd.h>
+#include <utility>
+
+#include "app/journal/journal_lines.h"
+#include "platform/failure.h"
+#include "platform/portable/system_failure.h"
+#include "platform/stamp.h"
+
+namespace quillon {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Rows come by the ten thousand; all else is written at once.
+constexpr std::size_t LargestBuffer = std::size_t{1} << 16U;
+
+/// Enough for the lines with which a run closes what it has planned.
+constexpr std::uint64_t LeastRoom = std::uint64_t{1} << 16U;
+constexpr std::uint64_t RoomAtOnce = std::uint64_t{1} << 20U;
+
+/// Whether the record plans something, which must not happen where it cannot be recorded.
+bool IsPlan(const ChangeRecord& record) {
+    return std::holds_alternative<RowChange>(record) ||
+           std::holds_alternative<FileChange>(record) || std::holds_alternative<RunStarted>(record);
+}
+
+bool IsStamp(std::string_view name) {
+    constexpr std::string_view Form = "0000-00-00_00-00-00";
+    if (name.size() < Form.size()) return false;
+    for (std::size_t i = 0; i < Form.size(); ++i) {
+        const bool isDigit = std::isdigit(static_cast<unsigned char>(name[i])) != 0;
+        if (Form[i] == '0' ? !isDigit : name[i] != Form[i]) return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+FileHandle JournalFile::OpenFolder(const fs::path& folder) {
+    const std::string path = folder.string();
+    if (mkdir(path.c_str(), 0777) != 0 && errno != EEXIST) throw SystemFailure(errno, path);
+    const int descriptor = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+    if (descriptor >= 0) return {descriptor, path};
+    if (errno != ELOOP && errno != ENOTDIR) throw SystemFailure(errno, path);
+    throw Failure(FailureNumber::PermissionDenied,
+                  path + " (it must be a folder; a link is not followed)");
+}
+
+JournalFile::JournalFile(const fs::path& folder, const Clock& clock)
+    : folder_(OpenFolder(folder)), file_(MakeFile(folder, clock)) {}
+
+FileHandle JournalFile::MakeFile(const fs::path& folder, const Clock& clock) {
+    const std::string now = StampText(clock.Now());
+    for (int number = 1;; ++number) {
+        stamp_ = number == 1 ? now : now + '-' + std::to_string(number);
+        const std::string name = stamp_ + ".jsonl";
+        struct stat facts{};
+        // What a run keeps lies in a folder of this name.
+        if (fstatat(folder_.Descriptor(), stamp_.c_str(), &facts, AT_SYMLINK_NOFOLLOW) == 0)
+            continue;
+        const int descriptor =
+            openat(folder_.Descriptor(), name.c_str(),
+                   O_WRONLY | O_CREAT | O_EXCL | O_APPEND | O_NOFOLLOW | O_CLOEXEC, 0666);
+        if (descriptor >= 0) return {descriptor, (folder / name).string()};
+        if (errno != EEXIST) throw SystemFailure(errno, (folder / name).string());
+    }
+}
+
+JournalFile::~JournalFile() {
+    try {
+        Write();
+    } catch (const Failure&) {
+        trouble_ = "the last lines are missing";
+    }
+    if (size_ == 0) {
+        // It has refused even its first line.
+        static_cast<void>(unlinkat(folder_.Descriptor(), (stamp_ + ".jsonl").c_str(), 0));
+        return;
+    }
+    // Gives back the room that was set aside.
+    if (room_ > size_ && ftruncate(file_.Descriptor(), static_cast<off_t>(size_)) != 0) room_ = 0;
+}
+
+void JournalFile::Note(const ChangeRecord& record) {
+    if (IsPlan(record)) {
+        RequireNoTrouble();
+        Append(record);
+        if (std::holds_alternative<RowChange>(record) && buffer_.size() < LargestBuffer) return;
+        MakeRoom();
+    } else {
+        Append(record);
+    }
+    Write();
+}
+
+void JournalFile::Append(const ChangeRecord& record) {
+    buffer_ += ToLine(record);
+    buffer_ += '\n';
+}
+
+void JournalFile::Remark(const ChangeRecord& record) noexcept {
+    try {
+        Note(record);
+    } catch (const std::exception&) {
+        // The next change is refused and says so.
+        return;
+    }
+}
+
+void JournalFile::MakeDurable() {
+    RequireNoTrouble();
+    MakeRoom();
+    Write();
+    if (isDurable_) return;
+    if (fdatasync(file_.Descriptor()) != 0) Refuse(SystemFailure(errno, file_.ShownPath()).what());
+    // Some file systems cannot do that for a folder.
+    if (!std::exchange(isFolderDurable_, true)) static_cast<void>(fsync(folder_.Descriptor()));
+    isDurable_ = true;
+}
+
+void JournalFile::RequireNoTrouble() const {
+    if (trouble_.empty()) return;
+    throw Failure::Described(FailureNumber::DiskFull,
+                             trouble_ + " (the journal; what it lacks must not be done)");
+}
+
+/// What it has not taken is not going to happen.
+void JournalFile::Refuse(const std::string& reason) {
+    trouble_ = reason;
+    buffer_.clear();
+    RequireNoTrouble();
+}
+
+/// Sets room aside on the disk, also for the lines behind the ones that wait.
+void JournalFile::MakeRoom() {
+    const std::uint64_t needed = size_ + buffer_.size() + LeastRoom;
+    if (needed <= room_) return;
+    const auto reserve = [&](std::uint64_t end) {
+        return fallocate(file_.Descriptor(), FALLOC_FL_KEEP_SIZE, static_cast<off_t>(size_),
+                         static_cast<off_t>(end - size_)) == 0;
+    };
+    if (reserve(needed + RoomAtOnce)) {
+        room_ = needed + RoomAtOnce;
+    } else if (reserve(needed)) {
+        room_ = needed;
+    } else if (errno == ENOSPC || errno == EDQUOT || errno == EFBIG) {
+        Refuse(SystemFailure(errno, file_.ShownPath()).what());
+    } else {
+        // The file system sets nothing aside.
+        room_ = UINT64_MAX;
+    }
+}
+
+/// A line that is cut short is taken out again: others may follow it.
+void JournalFile::Write() {
+    if (buffer_.empty()) return;
+    isDurable_ = false;
+    try {
+        file_.Write(buffer_);
+    } catch (const Failure& failure) {
+        if (ftruncate(file_.Descriptor(), static_cast<off_t>(size_)) != 0) errno = 0;
+        room_ = 0;
+        Refuse(failure.what());
+    }
+    size_ += buffer_.size();
+    buffer_.clear();
+}
+
+fs::path ChangesFolder(const fs::path& host) {
+    return host / "Changes";
+}
+
+void RemoveOlderContent(const fs::path& folder, std::string_view stamp) noexcept try {
+    std::error_code error;
+    for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
+         entry.increment(error)) {
+        const std::string name = entry->path().filename().string();
+        std::error_code ignored;
+        if (name == stamp || !IsStamp(name) || entry->is_symlink(ignored) ||
+            !entry->is_directory(ignored))
+            continue;
+        fs::remove_all(entry->path(), ignored);
+    }
+} catch (const std::exception&) {
+    return;
+}
+
+}  // namespace quillon

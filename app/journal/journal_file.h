@@ -1,0 +1,69 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+#include "changes/change.h"
+#include "platform/clock.h"
+#include "platform/portable/file_handle.h"
+
+namespace quillon {
+
+/// The journal of a run: FOLDER/<stamp>.jsonl, a line for each record. What a kill leaves is whole
+/// lines but for the last one.
+///
+/// There is always some room for the lines that close what was planned: a disk that is full refuses
+/// what is to happen, not what has. Once it has refused something it refuses whatever else is to
+/// happen, so that a run does not go on around a gap.
+class JournalFile : public ChangeSink {
+  public:
+    /// Makes the file, and the folder where there is none; links of these names are not followed.
+    /// The stamp is the time now. Failure: DiskFull, PermissionDenied and the like.
+    JournalFile(const std::filesystem::path& folder, const Clock& clock);
+    JournalFile(const JournalFile&) = delete;
+    JournalFile& operator=(const JournalFile&) = delete;
+    ~JournalFile() override;
+
+    const std::string& Stamp() const { return stamp_; }
+
+    void Note(const ChangeRecord& record) override;
+    void MakeDurable() override;
+
+    /// Notes what stands for itself and keeps nothing from happening, such as a line of the log.
+    void Remark(const ChangeRecord& record) noexcept;
+
+    /// Why it has refused something; "" as long as all is well.
+    const std::string& Trouble() const { return trouble_; }
+
+  private:
+    /// The folder, opened, and in it a new file with a name that nothing has.
+    static FileHandle OpenFolder(const std::filesystem::path& folder);
+    FileHandle MakeFile(const std::filesystem::path& folder, const Clock& clock);
+    void Append(const ChangeRecord& record);
+    void Refuse(const std::string& reason);
+    void RequireNoTrouble() const;
+    void MakeRoom();
+    void Write();
+
+    FileHandle folder_;
+    std::string stamp_;
+    FileHandle file_;
+    std::string buffer_;            ///< whole lines that are not in the file yet
+    std::uint64_t size_ = 0;        ///< of the file
+    std::uint64_t room_ = 0;        ///< up to where the disk has room set aside for it
+    bool isDurable_ = true;         ///< whether all that is in the file survives a power cut
+    bool isFolderDurable_ = false;  ///< likewise its name
+    std::string trouble_;
+};
+
+/// The folder of a host folder that holds the journals: HOST/Changes.
+std::filesystem::path ChangesFolder(const std::filesystem::path& host);
+
+/// Removes what other runs have kept beside their journals. Never fails; what cannot be removed
+/// stays.
+void RemoveOlderContent(const std::filesystem::path& folder, std::string_view stamp) noexcept;
+
+}  // namespace quillon

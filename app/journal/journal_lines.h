@@ -1,0 +1,28 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+#include "changes/change.h"
+
+namespace quillon {
+
+/// A line of a journal that is no record: cut short by a kill, or edited. Says what is wrong.
+class DamagedLine : public std::runtime_error {
+  public:
+    using std::runtime_error::runtime_error;
+};
+
+/// A record as one line of JSON, without its line end. Every object has "record", which says what
+/// it is: "run", "mode", "phase", "row", "saved", "file", "failed", "log" or "end". Bytes that are
+/// no text stand as {"bytes": hexadecimal digits}, dates as {"date": readable, "days": exact}.
+std::string ToLine(const ChangeRecord& record);
+
+/// The same behind what is there already.
+void AppendLine(std::string& lines, const ChangeRecord& record);
+
+/// The record of such a line; names that it does not know are passed over. Throws DamagedLine.
+ChangeRecord FromLine(std::string_view line);
+
+}  // namespace quillon

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "changes/change.h"
+#include "jet/row_observer.h"
+
+namespace quillon {
+
+/// Records the rows of a database that change. They reach the sink before they can reach the file,
+/// and the file only after the sink has made them durable. Binary fields are told as texts of their
+/// bytes.
+class RowRecorder : public jet::RowObserver {
+  public:
+    /// The sink must outlive this object.
+    explicit RowRecorder(ChangeSink& sink) : sink_(sink) {}
+
+    void RowAdded(const jet::TableDefinition& table, std::span<const jet::Value> row) override;
+    void RowChanged(const jet::TableDefinition& table, std::span<const jet::Value> before,
+                    std::span<const jet::Value> after) override;
+    void RowRemoved(const jet::TableDefinition& table, std::span<const jet::Value> row) override;
+    void BeforeCommit() override { sink_.MakeDurable(); }
+    void AfterCommit() override { sink_.Note(RowsSaved{}); }
+
+  private:
+    ChangeSink& sink_;
+};
+
+}  // namespace quillon

@@ -1,0 +1,107 @@
+#include "app/run_recording.h"
+
+#include "app/console.h"
+#include "app/removed_music.h"
+#include "app/version.h"
+#include "picker/folders.h"
+#include "platform/basic_text.h"
+#include "platform/failure.h"
+#include "playlists/playlist_snapshot.h"
+#include "run/log.h"
+
+namespace quillon {
+namespace {
+
+/// The host's log may be on the disk that is full; the error output is told, too.
+void LogQuietly(Host& host, const std::string& message) {
+    try {
+        host.WriteLog(LogSource, message);
+    } catch (const Failure&) {
+        return;
+    }
+}
+
+std::unique_ptr<JournalFile> StartJournal(LocalHost& local) {
+    try {
+        auto journal =
+            std::make_unique<JournalFile>(ChangesFolder(local.host.Folder()), local.clock);
+        journal->Note(RunStarted{
+            .stamp = journal->Stamp(), .version = std::string(ProgramVersion), .mode = ""});
+        return journal;
+    } catch (const Failure& failure) {
+        const std::string message =
+            std::string("The journal of changes cannot be started: ") + failure.what() +
+            ". Nothing was changed, since a run changes nothing that it cannot journal";
+        LogQuietly(local.host, message);
+        throw CommandError(message);
+    }
+}
+
+std::string OutcomeWord(const RunSummary& summary) {
+    if (summary.stopped) return "failed";
+    switch (summary.outcome) {
+        case RunOutcome::NothingRan:
+            return "nothing ran";
+        case RunOutcome::Aborted:
+            return "aborted";
+        case RunOutcome::Completed:
+            break;
+    }
+    return "completed";
+}
+
+}  // namespace
+
+RunRecording::RunRecording(LocalHost& local)
+    : local_(local),
+      removed_(RemovedMusicFolder(local.host), local.clock),
+      // Asked for now: a failure after the run would look as if nothing had run.
+      keepsRemoved_(ReadRemovedMusicSetting(local.host).keep),
+      journal_(StartJournal(local)),
+      rows_(*journal_),
+      files_(local.files, *journal_, Keeping()) {
+    local.databases.SetObserver(&rows_);
+}
+
+/// A run's snapshot of playlists is gone when the run has ended. Pages in the making that a killed
+/// run has left are of no use to anybody.
+JournalledFiles::Keeping RunRecording::Keeping() {
+    return {.folder = local_.host.GetAppPath() + R"(\Changes\)" + journal_->Stamp(),
+            .shownFolder = "Changes/" + journal_->Stamp(),
+            .placeOfDeleted =
+                [this](std::string_view path) {
+                    return PlaceOfRemovedMusic(*run_, local_, removed_, keepsRemoved_, path);
+                },
+            .isScratch =
+                [this](std::string_view path) {
+                    return path.ends_with(DraftEnding) ||
+                           EqualIgnoringCase(path,
+                                             PlaylistSnapshotPath(run_->settings.Nirvis_CDJ_DB));
+                }};
+}
+
+void RunRecording::Accompany(Run& run) {
+    run_ = &run;
+    removed_.RemoveUnfinished();
+    if (keepsRemoved_) local_.files.OnDelete(KeepRemovedMusic(run, local_.host, removed_));
+}
+
+std::string RunRecording::StoppedText() const {
+    return "The run was stopped, since a run changes nothing that it cannot journal: " +
+           journal_->Trouble() + ". The next run goes on";
+}
+
+void RunRecording::LogThatItStopped() {
+    LogQuietly(local_.host, StoppedText());
+}
+
+void RunRecording::End(const RunSummary& summary, std::chrono::milliseconds duration) {
+    journal_->Remark(RunEnded{.outcome = OutcomeWord(summary),
+                              .status = ExitStatus(summary),
+                              .braked = summary.braked,
+                              .duration = duration});
+    if (files_.HasKept())
+        RemoveOlderContent(ChangesFolder(local_.host.Folder()), journal_->Stamp());
+}
+
+}  // namespace quillon

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <cstdint>
+#include <exception>
+#include <string>
+#include <utility>
+
+#include "changes/change.h"
+#include "platform/failure.h"
+
+namespace quillon {
+
+/// Records a run's file changes, each with its number.
+class FileRecords {
+  public:
+    /// The sink must outlive this object.
+    explicit FileRecords(ChangeSink& sink) : sink_(sink) {}
+
+    /// The change may happen when this returns; its number. Failure: it must not.
+    std::uint64_t Plan(FileChange change) {
+        change.number = last_ + 1;
+        sink_.Note(change);
+        return ++last_;
+    }
+
+    /// The change has not come off. Never fails: a journal that takes nothing more says so at the
+    /// next change.
+    void Failed(std::uint64_t number, const std::string& reason) noexcept;
+
+    /// Does what has been planned under this number, which may be given as late as in there; 0
+    /// while nothing is.
+    template <typename Work>
+    auto Carry(const std::uint64_t& number, Work&& work) {
+        try {
+            return std::forward<Work>(work)();
+        } catch (const std::exception& failure) {
+            if (number != 0) Failed(number, DescriptionOf(failure));
+            throw;
+        }
+    }
+
+    template <typename Work>
+    void Do(FileChange change, Work&& work) {
+        const std::uint64_t number = Plan(std::move(change));
+        Carry(number, std::forward<Work>(work));
+    }
+
+  private:
+    ChangeSink& sink_;
+    std::uint64_t last_ = 0;
+};
+
+}  // namespace quillon

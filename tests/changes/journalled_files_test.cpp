@@ -1,0 +1,348 @@
+#include "changes/journalled_files.h"
+
+#include <functional>
+#include <gtest/gtest.h>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tests/support/fake_files.h"
+#include "tests/support/record_list.h"
+
+namespace quillon {
+namespace {
+
+using Kind = FileChange::Kind;
+
+class JournalledFilesTest : public testing::Test {
+  protected:
+    JournalledFilesTest() {
+        fake_.AddFolder(R"(H:\host\Changes)");
+        fake_.AddFile(R"(D:\a.txt)", "old", Then);
+    }
+
+    JournalledFiles::Keeping Keep() {
+        return {.folder = R"(H:\host\Changes\now)",
+                .shownFolder = "Changes/now",
+                .placeOfDeleted = [](std::string_view path) -> std::optional<std::string> {
+                    if (path.ends_with(".mp3")) return "Removed/now/x.mp3";
+                    return std::nullopt;
+                },
+                .isScratch = [](std::string_view path) { return path.ends_with(".scratch"); }};
+    }
+
+    /// The only change that has been recorded; it has come off.
+    FileChange Only() {
+        EXPECT_EQ(list_.records.size(), 1U);
+        return list_.records.empty() ? FileChange{} : std::get<FileChange>(list_.records.front());
+    }
+    static FileChange Numbered(FileChange change) {
+        change.number = 1;
+        return change;
+    }
+    static FileContent Content(const std::string& bytes, std::optional<DateTime> time = {}) {
+        return {.size = bytes.size(), .hash = ContentHash(bytes), .bytes = bytes, .modified = time};
+    }
+
+    static constexpr DateTime Then{45000.25};
+    fakes::Calls calls_;
+    fakes::FakeFiles fake_{calls_};
+    RecordList list_;
+    JournalledFiles files_{fake_, list_, Keep()};
+};
+
+TEST_F(JournalledFilesTest, RecordsAWrittenTextWithWhatWasThereBefore) {
+    const auto writer = files_.CreateText(R"(D:\a.txt)");
+    writer->Write("\xC3\xA9");
+    writer->WriteLine("x");
+    EXPECT_TRUE(list_.records.empty()) << "no file has changed yet";
+    EXPECT_EQ(fake_.Content(R"(D:\a.txt)"), "old");
+    writer->Close();
+    EXPECT_EQ(Only(), Numbered({.kind = Kind::Written,
+                                .path = R"(D:\a.txt)",
+                                .before = Content("old", Then),
+                                .after = Content("\xE9x\r\n")}));
+    EXPECT_EQ(fake_.Content(R"(D:\a.txt)"), "\xE9x\r\n");
+}
+
+TEST_F(JournalledFilesTest, RecordsOfANewTextNoMoreThanWhatRecognisesIt) {
+    const auto writer = files_.CreateOwnText(R"(D:\b.txt)");
+    writer->WriteBytes("new");
+    EXPECT_TRUE(writer->CloseIf([] { return true; }));
+    FileContent after = Content("new");
+    after.bytes.reset();
+    EXPECT_EQ(Only(), Numbered({.kind = Kind::Written, .path = R"(D:\b.txt)", .after = after}));
+}
+
+TEST_F(JournalledFilesTest, RecordsNothingOfATextThatIsNotWanted) {
+    const auto writer = files_.CreateText(R"(D:\a.txt)");
+    writer->Write("new");
+    EXPECT_FALSE(writer->CloseIf([] { return false; }));
+    EXPECT_TRUE(list_.records.empty());
+    EXPECT_EQ(fake_.Content(R"(D:\a.txt)"), "old");
+}
+
+TEST_F(JournalledFilesTest, KeepsALargeFileThatIsReplacedBesideTheJournal) {
+    const std::string large(JournalledFiles::MostInRecord + 1, 'x');
+    fake_.AddFile(R"(D:\a.txt)", large, Then);
+    const auto writer = files_.CreateText(R"(D:\a.txt)");
+    writer->WriteBytes(large + "y");
+    writer->Close();
+    const FileChange change = Only();
+    EXPECT_EQ(
+        change.before,
+        (FileContent{.size = large.size(), .keptAs = "Changes/now/1/a.txt", .modified = Then}));
+    EXPECT_EQ(change.after,
+              (FileContent{.size = large.size() + 1, .hash = ContentHash(large + "y")}));
+    EXPECT_EQ(fake_.Content(R"(H:\host\Changes\now\1\a.txt)"), large);
+    EXPECT_TRUE(files_.HasKept());
+}
+
+TEST_F(JournalledFilesTest, RecordsEachTextOfABatch) {
+    std::vector<bool> done;
+    const auto batch =
+        files_.CreateTexts([&](const Failure* failure) { done.push_back(failure == nullptr); });
+    batch->Write(R"(D:\a.txt)", "1");
+    batch->Write(R"(D:\b.txt)", "2");
+    calls_.Refuse(R"(Name D:\b.txt)", FailureNumber::PermissionDenied, "x");
+    batch->Close();
+    EXPECT_EQ(done, (std::vector<bool>{true, false}));
+    ASSERT_EQ(list_.records.size(), 3U);
+    EXPECT_EQ(std::get<FileChange>(list_.records[0]).before, Content("old", Then));
+    EXPECT_EQ(std::get<FileChange>(list_.records[0]).after, Content("1"));
+    EXPECT_EQ(std::get<FileChange>(list_.records[1]).number, 2U);
+    EXPECT_EQ(std::get<FileChangeFailed>(list_.records[2]).number, 2U);
+}
+
+TEST_F(JournalledFilesTest, RecordsATextOfABatchThatCannotBeWritten) {
+    const auto batch = files_.CreateTexts([](const Failure*) {});
+    calls_.Refuse(R"(CreateText D:\b.txt)", FailureNumber::PermissionDenied, "x");
+    EXPECT_THROW(batch->Write(R"(D:\b.txt)", "2"), Failure);
+    batch->Write(R"(D:\a.txt)", "1");
+    batch->Close();
+    ASSERT_EQ(list_.records.size(), 3U);
+    EXPECT_EQ(std::get<FileChangeFailed>(list_.records[1]).number, 1U);
+    EXPECT_EQ(std::get<FileChange>(list_.records[2]).number, 2U);
+}
+
+TEST_F(JournalledFilesTest, RecordsATagThatIsPutBehindTheFile) {
+    files_.WriteEnd(R"(D:\a.txt)", {.size = 3, .bytes = {'l', 'd'}}, 3,
+                    std::vector<std::uint8_t>{'T', 'A', 'G'});
+    EXPECT_EQ(Only(), Numbered({.kind = Kind::EndWritten,
+                                .path = R"(D:\a.txt)",
+                                .position = 3,
+                                .before = FileContent{.size = 3, .bytes = ""},
+                                .after = FileContent{.size = 6, .bytes = "TAG"}}));
+    EXPECT_EQ(fake_.Content(R"(D:\a.txt)"), "oldTAG");
+}
+
+TEST_F(JournalledFilesTest, RecordsTheBytesThatATagReplaces) {
+    for (const std::size_t from : {1U, 2U}) {
+        list_.records.clear();
+        fake_.AddFile(R"(D:\a.txt)", "old");
+        const std::string seen = std::string("old").substr(from);
+        files_.WriteEnd(R"(D:\a.txt)", {.size = 3, .bytes = {seen.begin(), seen.end()}}, 1,
+                        std::vector<std::uint8_t>{'X', 'Y', 'Z'});
+        ASSERT_EQ(list_.records.size(), 1U);
+        const auto change = std::get<FileChange>(list_.records[0]);
+        EXPECT_EQ(change.position, 1U);
+        EXPECT_EQ(change.before, (FileContent{.size = 3, .bytes = "ld"})) << from;
+        EXPECT_EQ(change.after, (FileContent{.size = 4, .bytes = "XYZ"}));
+    }
+}
+
+TEST_F(JournalledFilesTest, RecordsACopyWithItsSizeAndTime) {
+    files_.CopyFile(R"(D:\a.txt)", R"(D:\b.txt)", false);
+    EXPECT_EQ(Only(), Numbered({.kind = Kind::Copied,
+                                .path = R"(D:\a.txt)",
+                                .target = R"(D:\b.txt)",
+                                .after = FileContent{.size = 3, .modified = Then}}));
+}
+
+TEST_F(JournalledFilesTest, RecordsWhatACopyReplaces) {
+    fake_.AddFile(R"(D:\b.txt)", "other");
+    files_.CopyFile(R"(D:\a.txt)", R"(D:\b.txt)", true);
+    EXPECT_EQ(Only().before, Content("other", DateTime{}));
+}
+
+TEST_F(JournalledFilesTest, RecordsARename) {
+    files_.MoveFile(R"(D:\a.txt)", R"(D:\b.txt)");
+    EXPECT_EQ(Only(), Numbered({.kind = Kind::Moved,
+                                .path = R"(D:\a.txt)",
+                                .target = R"(D:\b.txt)",
+                                .before = FileContent{.size = 3, .modified = Then}}));
+}
+
+TEST_F(JournalledFilesTest, RecordsTheContentOfADeletedFile) {
+    files_.DeleteFile(R"(D:\a.txt)");
+    EXPECT_EQ(
+        Only(),
+        Numbered({.kind = Kind::Deleted, .path = R"(D:\a.txt)", .before = Content("old", Then)}));
+    EXPECT_FALSE(fake_.FileExists(R"(D:\a.txt)"));
+}
+
+TEST_F(JournalledFilesTest, RecordsWhereDeletedMusicGoes) {
+    fake_.AddFile(R"(D:\a.mp3)", "music", Then);
+    files_.DeleteFile(R"(D:\a.mp3)");
+    EXPECT_EQ(Only().before,
+              (FileContent{.size = 5, .keptAs = "Removed/now/x.mp3", .modified = Then}));
+    EXPECT_FALSE(files_.HasKept());
+}
+
+TEST_F(JournalledFilesTest, RecordsFoldersThatAreMadeCopiedAndMoved) {
+    files_.CreateFolder(R"(D:\f)");
+    files_.CopyFolder(R"(D:\f)", R"(D:\g)");
+    files_.MoveFolder(R"(D:\g)", R"(D:\h)");
+    EXPECT_EQ(
+        list_.records,
+        (std::vector<ChangeRecord>{
+            FileChange{.number = 1, .kind = Kind::FolderMade, .path = R"(D:\f)"},
+            FileChange{
+                .number = 2, .kind = Kind::FolderCopied, .path = R"(D:\f)", .target = R"(D:\g)"},
+            FileChange{
+                .number = 3, .kind = Kind::FolderMoved, .path = R"(D:\g)", .target = R"(D:\h)"}}));
+}
+
+TEST_F(JournalledFilesTest, MovesADeletedFolderBesideTheJournal) {
+    fake_.AddFile(R"(D:\pages\1.htm)", "page");
+    files_.DeleteFolder(R"(D:\pages)");
+    EXPECT_EQ(Only(), Numbered({.kind = Kind::FolderDeleted,
+                                .path = R"(D:\pages)",
+                                .before = FileContent{.keptAs = "Changes/now/1/pages"}}));
+    EXPECT_FALSE(fake_.FolderExists(R"(D:\pages)"));
+    EXPECT_EQ(fake_.Content(R"(H:\host\Changes\now\1\pages\1.htm)"), "page");
+}
+
+TEST_F(JournalledFilesTest, CopiesADeletedFolderWhereItCannotBeMoved) {
+    fake_.AddFile(R"(D:\pages\1.htm)", "page");
+    calls_.Refuse(R"(MoveFolder D:\pages -> H:\host\Changes\now\1\pages)",
+                  FailureNumber::PermissionDenied, "x");
+    files_.DeleteFolder(R"(D:\pages)");
+    EXPECT_EQ(list_.records.size(), 1U);
+    EXPECT_FALSE(fake_.FolderExists(R"(D:\pages)"));
+    EXPECT_EQ(fake_.Content(R"(H:\host\Changes\now\1\pages\1.htm)"), "page");
+}
+
+TEST_F(JournalledFilesTest, DeletesForGoodAFolderThatTheRunItselfHasMade) {
+    files_.CreateFolder(R"(D:\draft)");
+    files_.MoveFolder(R"(D:\draft)", R"(D:\pages)");
+    files_.CreateFolder(R"(D:\pages\inner)");
+    files_.DeleteFolder(R"(D:\pages\inner)");
+    EXPECT_EQ(std::get<FileChange>(list_.records.back()).before, FileContent{});
+    EXPECT_FALSE(files_.HasKept());
+}
+
+TEST_F(JournalledFilesTest, DeletesForGoodAScratchFolderOfAnEarlierRun) {
+    fake_.AddFile(R"(D:\pages.scratch\1.htm)", "page");
+    files_.DeleteFolder(R"(D:\pages.scratch)");
+    EXPECT_EQ(Only().before, FileContent{});
+    EXPECT_FALSE(files_.HasKept());
+    EXPECT_FALSE(fake_.FolderExists(R"(D:\pages.scratch)"));
+}
+
+TEST_F(JournalledFilesTest, RecordsWhatIsTakenBack) {
+    files_.Discard(R"(D:\a.txt)");
+    EXPECT_EQ(Only(), Numbered({.kind = Kind::Discarded, .path = R"(D:\a.txt)"}));
+}
+
+TEST_F(JournalledFilesTest, RecordsNothingOfTheRunsOwnScratchFiles) {
+    const auto writer = files_.CreateOwnText(R"(D:\x.scratch)");
+    writer->Write("x");
+    writer->Close();
+    EXPECT_EQ(fake_.Content(R"(D:\x.scratch)"), "x");
+    files_.DeleteFile(R"(D:\x.scratch)");
+    EXPECT_TRUE(list_.records.empty());
+}
+
+TEST_F(JournalledFilesTest, RecordsThatAChangeHasNotComeOff) {
+    calls_.Refuse(R"(MoveFile D:\a.txt -> D:\b.txt)", FailureNumber::PermissionDenied, "x");
+    EXPECT_THROW(files_.MoveFile(R"(D:\a.txt)", R"(D:\b.txt)"), Failure);
+    ASSERT_EQ(list_.records.size(), 2U);
+    EXPECT_EQ(std::get<FileChangeFailed>(list_.records[1]).number, 1U);
+    EXPECT_NE(std::get<FileChangeFailed>(list_.records[1]).reason, "");
+}
+
+/// Each change that there is, on files of its own.
+struct Trial {
+    std::string call;  ///< begins what the files below are asked to do
+    std::function<void(Files&)> work;
+};
+
+std::vector<Trial> Trials() {
+    return {
+        {"CreateFolder", [](Files& files) { files.CreateFolder(R"(D:\new)"); }},
+        {"CopyFile", [](Files& files) { files.CopyFile(R"(D:\a.txt)", R"(D:\b.txt)", true); }},
+        {"CopyFolder", [](Files& files) { files.CopyFolder(R"(D:\f)", R"(D:\g)"); }},
+        {"DeleteFile", [](Files& files) { files.DeleteFile(R"(D:\a.txt)"); }},
+        {"MoveFolder", [](Files& files) { files.DeleteFolder(R"(D:\f)"); }},
+        {"Discard", [](Files& files) { files.Discard(R"(D:\a.txt)"); }},
+        {"MoveFile", [](Files& files) { files.MoveFile(R"(D:\a.txt)", R"(D:\b.txt)"); }},
+        {"MoveFolder", [](Files& files) { files.MoveFolder(R"(D:\f)", R"(D:\g)"); }},
+        {"WriteEnd",
+         [](Files& files) {
+             files.WriteEnd(R"(D:\a.txt)", {.size = 3, .bytes = {'d'}}, 3,
+                            std::vector<std::uint8_t>{'x'});
+         }},
+        {"Name",
+         [](Files& files) {
+             const auto batch = files.CreateTexts([](const Failure*) {});
+             batch->Write(R"(D:\a.txt)", "x");
+             batch->Close();
+         }},
+    };
+}
+
+TEST(JournalledChange, IsRecordedBeforeItHappens) {
+    for (const Trial& trial : Trials()) {
+        fakes::Calls calls;
+        fakes::FakeFiles fake(calls);
+        fake.AddFile(R"(D:\a.txt)", "old");
+        fake.AddFolder(R"(D:\f)");
+        RecordList list;
+        bool happened = false;
+        list.before = [&](const ChangeRecord&) { happened = !calls.Of({trial.call}).empty(); };
+        JournalledFiles files(fake, list, {.folder = R"(H:\c\n)", .shownFolder = "c/n"});
+        trial.work(files);
+        EXPECT_EQ(list.records.size(), 1U) << trial.call;
+        EXPECT_FALSE(happened) << trial.call;
+    }
+}
+
+TEST(JournalledChange, DoesNotHappenWhereItCannotBeRecorded) {
+    for (const Trial& trial : Trials()) {
+        fakes::Calls calls;
+        fakes::FakeFiles fake(calls);
+        fake.AddFolder(R"(H:\c\n\1)");
+        fake.AddFile(R"(D:\a.txt)", "old");
+        fake.AddFolder(R"(D:\f)");
+        const std::vector<std::string> before = fake.Everything();
+        RecordList list;
+        list.full = true;
+        JournalledFiles files(fake, list, {.folder = R"(H:\c\n)", .shownFolder = "c/n"});
+        EXPECT_THROW(trial.work(files), Failure) << trial.call;
+        EXPECT_EQ(fake.Everything(), before) << trial.call;
+        EXPECT_EQ(fake.Content(R"(D:\a.txt)"), "old") << trial.call;
+    }
+}
+
+TEST(JournalledChange, CostsNothingToRead) {
+    fakes::Calls calls;
+    fakes::FakeFiles fake(calls);
+    fake.AddFile(R"(D:\a.txt)", "old");
+    RecordList list;
+    JournalledFiles files(fake, list, {});
+    static_cast<void>(files.FilesIn("D:\\"));
+    static_cast<void>(files.SubFolders("D:\\"));
+    static_cast<void>(files.NamesIn("D:\\"));
+    static_cast<void>(files.GetFile(R"(D:\a.txt)"));
+    static_cast<void>(files.OpenText(R"(D:\a.txt)"));
+    static_cast<void>(files.OpenBinary(R"(D:\a.txt)"));
+    files.RemoveUnfinished("D:\\");
+    EXPECT_TRUE(files.FileExists(R"(D:\a.txt)"));
+    EXPECT_FALSE(files.FolderExists(R"(D:\a.txt)"));
+    EXPECT_TRUE(list.records.empty());
+    EXPECT_EQ(calls.Made().size(), 6U) << "one of each that is noted";
+}
+
+}  // namespace
+}  // namespace quillon

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <vector>
+
+#include "changes/change.h"
+#include "platform/failure.h"
+
+namespace quillon {
+
+/// Keeps the records of a run in memory.
+class RecordList : public ChangeSink {
+  public:
+    void Note(const ChangeRecord& record) override {
+        if (full) throw Failure(FailureNumber::DiskFull, "journal");
+        if (before) before(record);
+        records.push_back(record);
+    }
+    void MakeDurable() override {
+        if (full) throw Failure(FailureNumber::DiskFull, "journal");
+        durable = records.size();
+    }
+
+    std::vector<ChangeRecord> records;
+    std::size_t durable = 0;                          ///< how many of them are
+    bool full = false;                                ///< nothing can be recorded
+    std::function<void(const ChangeRecord&)> before;  ///< called before a record is taken
+};
+
+}  // namespace quillon
