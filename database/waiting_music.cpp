@@ -129,10 +129,9 @@ std::vector<std::string> WaitingMusic::Playlists() const {
 void WaitingMusic::ForgetGone() {
     const auto isGone = [this](TrackId id) { return run_.TheLibrary().FindTrack(id) == nullptr; };
     std::erase_if(songs_, [&](const auto& song) { return isGone(song.first); });
-    std::erase_if(entries_, [&](auto& list) {
-        std::erase_if(list.second, [&](const WaitingEntry& entry) { return isGone(entry.song); });
-        return list.second.empty();
-    });
+    for (auto& [name, entries] : entries_)
+        std::erase_if(entries, [&](const WaitingEntry& entry) { return isGone(entry.song); });
+    std::erase_if(entries_, [](const auto& list) { return list.second.empty(); });
 }
 
 void WaitingMusic::Save() {

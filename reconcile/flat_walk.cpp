@@ -79,7 +79,7 @@ class FlatWalk {
         if (isNew) groups_.push_back({std::move(artist), std::move(title), FileList()});
         groups_[place->second].files.push_back({.Name = std::move(file.path),
                                                 .FileDate = file.modified,
-                                                 .Size = file.size,
+                                                .Size = file.size,
                                                 .Tag = TrackTagOf(*std::move(tag))});
     }
 

@@ -14,7 +14,7 @@
 #include "platform/basic_text.h"
 #include "reconcile/missing_music.h"
 #include "reconcile/move_matching.h"
-#include "reconcile/track_name.h"
+#include "reconcile/tracks.h"
 #include "run/log.h"
 #include "tags/tag_reader.h"
 
@@ -172,7 +172,8 @@ class Following {
             run_.playlistEntries.SongMoves(static_cast<std::int32_t>(lost_[lost].row->id),
                                            PathOf(found_[*becomes_[lost]]));
         }
-        return !isAny || steps_.Try(FollowStep::SecurePlaylists, [this] { run_.playlistEntries.Keep(); });
+        return !isAny ||
+               steps_.Try(FollowStep::SecurePlaylists, [this] { run_.playlistEntries.Keep(); });
     }
 
     /// Where the tracks of an album have gone.
@@ -242,7 +243,8 @@ class Following {
         for (const auto& [to, album] : newcomers) {
             const Album& held = held_[to].album;
             steps_.Concerning(held.artist + '\\' + held.title);
-            steps_.Try(FollowStep::RenameAlbum, [&, to = to, album = album] { Rename(*album, held_[to].album); });
+            steps_.Try(FollowStep::RenameAlbum,
+                       [&, to = to, album = album] { Rename(*album, held_[to].album); });
         }
     }
 
@@ -277,7 +279,8 @@ class Following {
         const FieldValue path{"SoundFile", file.Name};
         oldPaths_[&row] = row.soundFile;
         steps_.Concerning(file.Name);
-        if (!steps_.Try(FollowStep::MoveTrack, [&] { library_.Change(row, std::span(&path, 1)); })) {
+        if (!steps_.Try(FollowStep::MoveTrack,
+                        [&] { library_.Change(row, std::span(&path, 1)); })) {
             becomes_[lost].reset();
             return;
         }

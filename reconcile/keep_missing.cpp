@@ -37,8 +37,9 @@ class Telling {
 
     void Tell() const {
         for (const AlbumRow* const album : albums_) {
-            WriteLog(run_, LogSource,
-                     album_ + NameOf(*album) + ", " + NumberOf(counts_.at(album), Removable::Tracks));
+            WriteLog(
+                run_, LogSource,
+                album_ + NameOf(*album) + ", " + NumberOf(counts_.at(album), Removable::Tracks));
         }
         for (const std::string& line : lines_)
             WriteLog(run_, LogSource, line);
@@ -145,7 +146,9 @@ bool KeepWaiting(Walk& walk, const KeptMusic& kept) {
 
 void ForgetReturned(Walk& walk) {
     EndWaiting(walk);
-    Steps(walk.run, "KeepMissingMusic").Try(KeepStep::ForgetReturned, [&walk] { walk.waiting->Save(); });
+    Steps(walk.run, "KeepMissingMusic").Try(KeepStep::ForgetReturned, [&walk] {
+        walk.waiting->Save();
+    });
 }
 
 }  // namespace quillon

@@ -140,7 +140,8 @@ std::optional<SoundPrint> MovedMusic::Print(const std::string& path, const FileS
     std::optional<SoundPrint> print;
     if (failures_ >= MostFailures) return print;
     steps_.Concerning(path);
-    if (!steps_.Try(FollowStep::ReadSound, [&] { print = ReadSoundPrint(run_.files, path, file); })) ++failures_;
+    if (!steps_.Try(FollowStep::ReadSound, [&] { print = ReadSoundPrint(run_.files, path, file); }))
+        ++failures_;
     return print;
 }
 
@@ -185,7 +186,9 @@ void MovedMusic::ReadTwins() {
         if (known.whole) continue;
         if (!MayGoOn()) return;
         steps_.Concerning(track.soundFile);
-        const bool isRead = steps_.Try(FollowStep::ReadTwin, [&] { known.whole = ReadWholeSound(run_.files, track.soundFile, known.file); });
+        const bool isRead = steps_.Try(FollowStep::ReadTwin, [&] {
+            known.whole = ReadWholeSound(run_.files, track.soundFile, known.file);
+        });
         if (!isRead) ++failures_;
         if (known.whole) sounds_.Set(track, known);
     }
