@@ -97,6 +97,9 @@ struct FileChange {
     std::string target = {};
     std::uint64_t position = 0;  ///< EndWritten: bytes from the file's start
     std::optional<FileContent> before = {}, after = {};
+    /// In an undo: the change that this one takes back, as the stamp of its run, "#" and its
+    /// number. Else "".
+    std::string takesBack = {};
     bool operator==(const FileChange&) const = default;
 };
 

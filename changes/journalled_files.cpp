@@ -197,7 +197,7 @@ void JournalledFiles::WriteEnd(std::string_view path, const FileEnd& seen, std::
     FileChange change = ChangeOf(ChangeKind::EndWritten, path);
     change.position = position;
     change.before = FileContent{.size = seen.size};
-    change.after = FileContent{.size = std::max(seen.size, position + bytes.size()),
+    change.after = FileContent{.size = position + bytes.size(),
                                .bytes = std::string(bytes.begin(), bytes.end())};
     const std::uint64_t seenFrom = seen.size - seen.bytes.size();
     if (position >= seen.size) {

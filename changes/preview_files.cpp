@@ -260,7 +260,7 @@ void PreviewFiles::WriteEnd(std::string_view path, const FileEnd& seen, std::uin
     RequireWritable(place, parsed);
     if (!HasEnd(*OpenBinary(path), seen))
         throw Failure(FailureNumber::PathFileAccess, shown + " (it has changed meanwhile)");
-    if (position > seen.size || position + bytes.size() < seen.size)
+    if (position > seen.size || (position + bytes.size() < seen.size && !bytes.empty()))
         throw Failure(FailureNumber::InvalidProcedureCall, shown);
     std::unique_ptr<Node> node = FileNode(parsed);
     node->ground = place.ground;

@@ -129,7 +129,7 @@ std::vector<std::string> WaitingMusic::Playlists() const {
 void WaitingMusic::ForgetGone() {
     const auto isGone = [this](TrackId id) { return run_.TheLibrary().FindTrack(id) == nullptr; };
     std::erase_if(songs_, [&](const auto& song) { return isGone(song.first); });
-    for (auto& [name, entries] : entries_)
+    for (auto& [playlist, entries] : entries_)
         std::erase_if(entries, [&](const WaitingEntry& entry) { return isGone(entry.song); });
     std::erase_if(entries_, [](const auto& list) { return list.second.empty(); });
 }

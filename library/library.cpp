@@ -25,6 +25,11 @@ std::optional<DateTime> DateOf(const Value& value) {
 /// Where the path begins in a stored one, in front of which something may stand: at the last drive
 /// or the last two backslashes. 0 where there is neither.
 std::size_t StartOfPath(std::string_view stored) {
+    // Nearly all begin with the only drive that is in them.
+    const bool beginsWithDrive = stored.size() > 2 && stored[1] == ':' && stored[2] == '\\';
+    if (beginsWithDrive && stored.find(':', 2) == std::string_view::npos &&
+        stored.find("\\\\", 2) == std::string_view::npos)
+        return 0;
     for (std::size_t end = stored.size(); end > 0;) {
         // A search for two characters costs far more.
         const std::size_t backslash = stored.substr(0, end).rfind('\\');

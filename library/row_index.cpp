@@ -22,9 +22,10 @@ std::size_t RowIndex::SlotOf(std::uint32_t hash) const {
 }
 
 void RowIndex::Grow() {
-    constexpr std::size_t Smallest = 16;
+    // In large steps, as each takes all slots in hand again.
+    constexpr std::size_t Smallest = 16, Step = 4;
     const std::vector<Slot> old =
-        std::exchange(slots_, std::vector<Slot>(slots_.empty() ? Smallest : 2 * slots_.size()));
+        std::exchange(slots_, std::vector<Slot>(slots_.empty() ? Smallest : Step * slots_.size()));
     for (const Slot& slot : old) {
         if (slot.last != None) slots_[SlotOf(slot.hash)] = slot;
     }

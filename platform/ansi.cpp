@@ -76,12 +76,13 @@ std::optional<std::string> Utf8ToAnsiExactly(std::string_view text) {
 }
 
 bool IsAscii(std::string_view bytes) {
-    return std::all_of(bytes.begin(), bytes.end(),
-                       [](char byte) { return static_cast<unsigned char>(byte) < FirstSpecial; });
+    return ascii::IsAscii(bytes);
 }
 
 bool IsValidUtf8(std::string_view bytes) {
-    for (std::size_t at = ascii::PrefixLength(bytes); at < bytes.size();) {
+    // What is beyond ASCII mostly is a letter here and there.
+    for (std::size_t at = ascii::PrefixLength(bytes); at < bytes.size();
+         at += ascii::PrefixLength(bytes.substr(at))) {
         const Utf8Character character = DecodeUtf8(bytes, at);
         if (!character.wellFormed) return false;
         at += character.length;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -52,6 +53,15 @@ constexpr Block Lower(Block block) {
 }
 constexpr Block Upper(Block block) {
     return block & ~(LettersFrom(block, 'a', 'z') >> 2U);
+}
+
+/// Below, at or above zero as the left bytes come before, with or behind the right ones.
+constexpr int CompareBlocks(Block left, Block right) {
+    if (left == right) return 0;
+    // Of numbers that were read from memory the first byte that differs is the lowest one here.
+    static_assert(std::endian::native == std::endian::little);
+    const int differing = std::countr_zero(left ^ right) / 8 * 8;
+    return (left >> differing & 0xFFU) < (right >> differing & 0xFFU) ? -1 : 1;
 }
 
 constexpr char Lower(char c) {

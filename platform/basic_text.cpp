@@ -110,16 +110,26 @@ char32_t UnitOrder(char32_t code) {
     return code >= FirstBehindSurrogates && code < FirstPair ? code + BeyondAll : code;
 }
 
+/// Whether a character may have begun in front of this byte.
+bool IsInsideCharacter(std::string_view text, std::size_t at) {
+    return at < text.size() && (static_cast<unsigned char>(text[at]) & 0xC0U) == 0x80;
+}
+
 /// Below, at or above zero as left comes before, with or behind right, whatever their case.
 int CompareIgnoringCase(std::string_view left, std::string_view right) {
-    // Most characters of most names are the same, and ASCII.
+    // Most characters of most names are the same, or ASCII.
     std::size_t same = 0;
     for (; same + ascii::BlockSize <= std::min(left.size(), right.size());
          same += ascii::BlockSize) {
         const ascii::Block l = ascii::BlockAt(left, same);
         const ascii::Block r = ascii::BlockAt(right, same);
-        if (((l | r) & ascii::HighBits) != 0 || ascii::Upper(l) != ascii::Upper(r)) break;
+        if (l == r) continue;
+        if (((l | r) & ascii::HighBits) != 0) break;
+        const int order = ascii::CompareBlocks(ascii::Upper(l), ascii::Upper(r));
+        if (order != 0) return order;
     }
+    while (same > 0 && (IsInsideCharacter(left, same) || IsInsideCharacter(right, same)))
+        --same;
     std::size_t l = same;
     std::size_t r = same;
     while (l < left.size() && r < right.size()) {
@@ -152,7 +162,13 @@ bool EqualIgnoringCase(std::string_view left, std::string_view right) {
 
 std::optional<std::size_t> BeginningIn(std::string_view text, std::string_view beginning) {
     std::size_t at = 0;
-    for (std::size_t i = 0; i < beginning.size();) {
+    for (; at + ascii::BlockSize <= std::min(text.size(), beginning.size());
+         at += ascii::BlockSize) {
+        const ascii::Block l = ascii::BlockAt(text, at), r = ascii::BlockAt(beginning, at);
+        if (((l | r) & ascii::HighBits) != 0) break;
+        if (ascii::Lower(l) != ascii::Lower(r)) return std::nullopt;
+    }
+    for (std::size_t i = at; i < beginning.size();) {
         if (at >= text.size()) return std::nullopt;
         if (ascii::IsAscii(text[at]) && ascii::IsAscii(beginning[i])) {
             if (ascii::Lower(text[at]) != ascii::Lower(beginning[i])) return std::nullopt;

@@ -186,13 +186,13 @@ class Files {
     /// that is not there or cannot be read has nothing to remove.
     virtual void RemoveUnfinished(std::string_view folder) = 0;
 
-    /// Writes bytes at a position so near to the end that they reach it or go beyond: a file never
-    /// gets shorter. In place, so links to it stay; all that lies before the position and the
-    /// modification time stay as they are. When a write fails, what it has changed is put back.
-    /// Failure, with nothing written: FileNotFound; PermissionDenied when the file is
-    /// write-protected or its times could not be kept; PathFileAccess when it no longer has the
-    /// size and the bytes that were `seen`; DiskFull; InvalidProcedureCall for a position that
-    /// would leave a gap or cut the file.
+    /// Writes bytes at a position so near to the end that they reach it or go beyond; without bytes
+    /// what was seen from there on is cut off. Otherwise a file never gets shorter. In place, so
+    /// links to it stay; what lies before the position and the modification time stay as they are.
+    /// When a write fails, what it has changed is put back. Failure, with nothing written:
+    /// FileNotFound; PermissionDenied when the file is write-protected or its times could not be
+    /// kept; PathFileAccess when it no longer has the size and bytes that were `seen`; DiskFull;
+    /// InvalidProcedureCall for a position that would leave a gap or cut the file.
     virtual void WriteEnd(std::string_view path, const FileEnd& seen, std::uint64_t position,
                           std::span<const std::uint8_t> bytes) = 0;
 };

@@ -4,7 +4,6 @@
 #include <array>
 
 #include "platform/ansi.h"
-#include "platform/ascii.h"
 
 namespace quillon {
 namespace {
@@ -27,8 +26,8 @@ bool IsWindowsName(std::string_view name) {
     for (const char character : name) {
         if (IsRefused[static_cast<unsigned char>(character)]) return false;
     }
-    if (ascii::IsAscii(name)) return name.size() <= LongestName;
-    return IsValidUtf8(name) && Utf16Length(name) <= LongestName;
+    // No character has more units than bytes.
+    return IsValidUtf8(name) && (name.size() <= LongestName || Utf16Length(name) <= LongestName);
 }
 
 }  // namespace quillon

@@ -38,9 +38,8 @@ std::int16_t FileCount(std::size_t files) {
 FileList ProcessAlbumTracks(std::span<const FileEntry> albumFolder) {
     FileList list;
     for (const FileEntry& file : albumFolder) {
-        if (IsSoundFile(file.name)) {
-            list.push_back({.Name = file.path, .FileDate = file.modified, .Size = file.size});
-        }
+        if (!IsSoundFile(file.name)) continue;
+        list.push_back({.Name = file.path, .FileDate = file.modified, .Size = file.size});
     }
     SortByDate(list);
     return list;

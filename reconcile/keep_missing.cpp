@@ -17,12 +17,20 @@
 namespace quillon {
 namespace {
 
-enum class KeepStep { NoteMissing = 1, ForgetReturned = 2 };
+enum class MissingStep { Keep = 1, Forget = 2 };
+
+std::string TracksText(std::size_t count) {
+    return std::to_string(count) + (count == 1 ? " track" : " tracks");
+}
+
+std::string NameOf(const AlbumRow& album) {
+    return album.artist.Text() + '\\' + album.title.Text();
+}
 
 /// Tells of tracks: of whole albums in one line each.
-class Telling {
+class KeptMusicTelling {
   public:
-    Telling(Run& run, std::string album, std::string track)
+    KeptMusicTelling(Run& run, std::string album, std::string track)
         : run_(run), album_(std::move(album)), track_(std::move(track)) {}
 
     void Add(const TrackRow& track, const AlbumRow& album, bool isWholeAlbum) {
@@ -59,7 +67,7 @@ std::string Days(std::int32_t days) {
 
 /// Tracks that waited and have a number again.
 void EndWaiting(Walk& walk) {
-    Telling telling(walk.run, "Album is back: ", "Track is back: ");
+    KeptMusicTelling telling(walk.run, "Album is back: ", "Track is back: ");
     std::vector<TrackId> back;
     for (const auto& [id, song] : walk.waiting->Songs()) {
         TrackRow* const track = walk.library.FindTrack(id);
@@ -117,8 +125,8 @@ KeptMusic TakeOutWaiting(Walk& walk, MissingMusic& missing,
 bool KeepWaiting(Walk& walk, const KeptMusic& kept) {
     Run& run = walk.run;
     const std::string days = Days(run.movedMusic.KeepDays);
-    Telling telling(run, "Album is missing, it is kept for " + days + ": ",
-                    "Track is missing, it is kept for " + days + ": ");
+    KeptMusicTelling telling(run, "Album is missing, it is kept for " + days + ": ",
+                             "Track is missing, it is kept for " + days + ": ");
     std::unordered_set<const AlbumRow*> whole(kept.albums.begin(), kept.albums.end());
     for (const KeptMusic::Track& entry : kept.tracks) {
         if (!entry.isNew) continue;
@@ -130,7 +138,7 @@ bool KeepWaiting(Walk& walk, const KeptMusic& kept) {
         telling.Add(row, *entry.track.album, whole.contains(entry.track.album));
     }
     Steps steps(run, "KeepMissingMusic");
-    if (!steps.Try(KeepStep::NoteMissing, [&] { walk.waiting->Save(); })) return false;
+    if (!steps.Try(MissingStep::Keep, [&] { walk.waiting->Save(); })) return false;
     for (const KeptMusic::Track& entry : kept.tracks) {
         entry.track.row->number.Set(0);
         entry.track.row->isWaiting = true;
@@ -146,9 +154,7 @@ bool KeepWaiting(Walk& walk, const KeptMusic& kept) {
 
 void ForgetReturned(Walk& walk) {
     EndWaiting(walk);
-    Steps(walk.run, "KeepMissingMusic").Try(KeepStep::ForgetReturned, [&walk] {
-        walk.waiting->Save();
-    });
+    Steps(walk.run, "KeepMissingMusic").Try(MissingStep::Forget, [&walk] { walk.waiting->Save(); });
 }
 
 }  // namespace quillon

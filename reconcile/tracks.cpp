@@ -149,7 +149,8 @@ class AlbumTracks {
 
     std::optional<std::int64_t> TagNumber(ListedFile& file) {
         constexpr double Most = std::numeric_limits<std::int16_t>::max();
-        if (!file.Tag) file.Tag = TrackTagOf(ReadID3(run_, file.Name).value_or(Tag()));
+        if (!file.Tag)
+            file.Tag = TrackTagOf(ReadListedID3(run_, file.Name, file.Size).value_or(Tag()));
         const std::optional<double> number = ToNumber(file.Tag->number);
         if (!number || *number < 0 || *number > Most) return std::nullopt;
         return ToInteger(file.Tag->number);
@@ -182,7 +183,7 @@ class AlbumTracks {
         constexpr std::int64_t UnknownLength = -1;
         const std::string& path = file.Name;
         if (!file.Tag) {
-            std::optional<Tag> tag = ReadID3(run_, path);
+            std::optional<Tag> tag = ReadListedID3(run_, path, file.Size);
             if (!tag) return nullptr;
             file.Tag = TrackTagOf(*std::move(tag));
         }

@@ -14,11 +14,10 @@
 
 namespace quillon {
 
-class MovedMusic;
-class WaitingMusic;
-
 /// The steps of refreshing the database.
 enum class RefreshStep { Begin = 1, FindAbsentFolders = 2, ChangeRows = 3 };
+class MovedMusic;
+class WaitingMusic;
 
 /// A library folder on the walk.
 struct WalkedRoot {

@@ -21,11 +21,13 @@ bool HoldsTrack(std::span<const std::uint8_t> tag) {
 }
 
 std::string WithoutZeroBytes(std::span<const std::uint8_t> bytes) {
-    // Nearly all zero bytes are those that fill a field.
-    while (!bytes.empty() && bytes.back() == 0)
-        bytes = bytes.first(bytes.size() - 1);
-    std::string text(bytes.begin(), bytes.end());
-    std::erase(text, '\0');
+    const std::string_view all(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    std::string text;
+    std::size_t end = 0;
+    for (std::size_t at = 0; at != std::string_view::npos; at = all.find_first_not_of('\0', end)) {
+        end = std::min(all.find('\0', at), all.size());
+        text += all.substr(at, end - at);
+    }
     return text;
 }
 
@@ -77,7 +79,9 @@ std::size_t PiecesOf(const Tag& tag) {
     std::size_t pieces = TagFields.size();
     for (const TagField& field : TagFields) {
         const std::string& text = tag.*field.text;
-        pieces += static_cast<std::size_t>(std::count(text.begin(), text.end(), '|'));
+        for (std::size_t bar = text.find('|'); bar != std::string::npos;
+             bar = text.find('|', bar + 1))
+            ++pieces;
     }
     return pieces;
 }

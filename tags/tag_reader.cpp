@@ -54,11 +54,11 @@ std::optional<Tag> ReadID3(Run& run, std::string_view path, GenreAs genre) {
     return file.size > TagSize ? ReadLongFile(run, steps, file.path, genre) : Tag();
 }
 
-std::optional<Tag> ReadID3(Run& run, const FileEntry& file) {
-    if (file.size <= TagSize) return Tag();
+std::optional<Tag> ReadListedID3(Run& run, std::string_view path, std::uint64_t size) {
+    if (size <= TagSize) return Tag();
     Steps steps(run, Location);
-    steps.Concerning(file.path);
-    return ReadLongFile(run, steps, file.path, GenreAs::Name);
+    steps.Concerning(path);
+    return ReadLongFile(run, steps, path, GenreAs::Name);
 }
 
 FileEnd ReadTagEnd(Files& files, std::string_view path) {

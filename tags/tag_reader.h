@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string_view>
 
@@ -21,7 +22,10 @@ enum class GenreAs {
 std::optional<Tag> ReadID3(Run& run, std::string_view path, GenreAs genre = GenreAs::Name);
 
 /// The same for a file that has just been listed, which need not be looked at again.
-std::optional<Tag> ReadID3(Run& run, const FileEntry& file);
+std::optional<Tag> ReadListedID3(Run& run, std::string_view path, std::uint64_t size);
+inline std::optional<Tag> ReadID3(Run& run, const FileEntry& file) {
+    return ReadListedID3(run, file.path, file.size);
+}
 
 /// The end of a file, as far as a tag may lie there. Throws Failure.
 FileEnd ReadTagEnd(Files& files, std::string_view path);

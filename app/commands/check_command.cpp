@@ -97,8 +97,8 @@ int Check(const CheckRequest& request, Console console) {
     CheckLog(local.host, out, findings);
     TellRemovedMusic(local.host, out, findings);
     CheckSafety(local.host, out, findings);
-    CheckMovedMusic(local.host, out, findings);
     CheckBackupKeeping(local.host, out, findings);
+    CheckMovedMusic(local.host, out, findings);
     TellDrives(local.host.Drives(), out);
     const Settings settings = CheckSettings(local.host, out, findings);
     CheckUnreadKeys(local.host, settings, findings);

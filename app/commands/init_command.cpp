@@ -214,6 +214,15 @@ std::string HostText(const Plan& plan) {
         "Keep=1\n"
         "OnlyIdentical=1\n"
         "\n"
+        "; Each run copies the database and the playlists before it changes them. So many of these "
+        "backups\n"
+        "; stay, and of older ones the last of each month, for a year; what has not changed is not "
+        "copied\n"
+        "; again. Without a number each run makes copies, and all of them stay. 'quillon backups' "
+        "lists\n"
+        "; them, 'quillon restore' puts one back.\n" +
+        fmt::format("[{}]\n{}={}\n", BackupsSection, BackupsKeepKey, BackupKeeping::Usual) +
+        "\n"
         "; 1: a song whose file was moved or renamed keeps its row, with play counts, ratings and "
         "places in\n"
         "; playlists. It is recognised by its sound. 0: it is removed, and added anew.\n"
@@ -224,16 +233,7 @@ std::string HostText(const Plan& plan) {
         "within them, all\n"
         "; is as before. 0: the row is removed at once.\n"
         "[Missing]\n"
-        "KeepDays=14\n"
-        "\n"
-        "; Each run copies the database and the playlists before it changes them. So many of these "
-        "backups\n"
-        "; stay, and of older ones the last of each month, for a year; what has not changed is not "
-        "copied\n"
-        "; again. Without a number each run makes copies, and all of them stay. 'quillon backups' "
-        "lists\n"
-        "; them, 'quillon restore' puts one back.\n" +
-        fmt::format("[{}]\n{}={}\n", BackupsSection, BackupsKeepKey, BackupKeeping::Usual);
+        "KeepDays=14\n";
     return text + SafetyText();
 }
 

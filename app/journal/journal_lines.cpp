@@ -113,6 +113,7 @@ class LineWriter {
         if (file.position != 0) Member("position", file.position);
         if (file.before) Member("before", *file.before);
         if (file.after) Member("after", *file.after);
+        TextMember("takesBack", file.takesBack);
         End();
     }
     void operator()(const FileChangeFailed& failed) {
@@ -355,7 +356,8 @@ FileChange FileChangeOf(const Json& json) {
             .target = TextAt(json, "target"),
             .position = json.value("position", std::uint64_t{0}),
             .before = ContentAt(json, "before"),
-            .after = ContentAt(json, "after")};
+            .after = ContentAt(json, "after"),
+            .takesBack = TextAt(json, "takesBack")};
 }
 
 ChangeRecord RecordOf(const Json& json) {

@@ -11,6 +11,7 @@
 #include "jet/error.h"
 #include "jet/guid_text.h"
 #include "jet/storage/format/utf16.h"
+#include "jet/storage/format/values.h"
 
 namespace jet::engine {
 
@@ -100,8 +101,13 @@ Value ToCurrency(const ColumnDefinition& column, const Value& value) {
     return Currency{decimal.negative ? -magnitude : magnitude};
 }
 
+/// The years 100 to 9999.
+bool IsDate(double days) {
+    static constexpr double First = -657434, End = 2958466;
+    return days > First - 1 && days < End;
+}
+
 Value ToDate(const ColumnDefinition& column, const Value& value) {
-    static constexpr double First = -657434, End = 2958466;  // the years 100 to 9999
     double days = 0;
     if (const auto* text = std::get_if<std::string>(&value)) {
         const auto parsed = dialect::ParseDate(*text);
@@ -109,7 +115,7 @@ Value ToDate(const ColumnDefinition& column, const Value& value) {
     } else {
         days = ToReal(column, value);
     }
-    if (!(days > First - 1 && days < End)) FailRange(column, NumberText(days));
+    if (!IsDate(days)) FailRange(column, NumberText(days));
     return Date{days};
 }
 
@@ -123,16 +129,10 @@ std::string FieldText(const ColumnDefinition& column, Value&& value) {
     return NumberText(ToReal(column, value));
 }
 
-bool IsAscii(const std::string& text) {
-    for (const char c : text)
-        if (static_cast<unsigned char>(c) >= 0x80) return false;
-    return true;
-}
-
 Value ToText(const ColumnDefinition& column, Value&& value) {
     std::string text = FieldText(column, std::move(value));
     std::size_t units = text.size();
-    if (!IsAscii(text)) {
+    if (!storage::IsPlainAscii(text)) {
         // The storage keeps UTF-16: what comes back later must be what is seen now.
         storage::Utf8Writer kept;
         kept.Reserve(text.size());
@@ -162,6 +162,27 @@ Value ToGuid(const ColumnDefinition& column, const Value& value) {
 }
 
 }  // namespace
+
+bool IsAsStored(const ColumnDefinition& column, const Value& value) {
+    if (IsNull(value)) return column.type != ColumnType::Boolean;
+    if (column.type == ColumnType::Boolean) return std::holds_alternative<bool>(value);
+    if (column.type == ColumnType::Double) return std::holds_alternative<double>(value);
+    if (column.type == ColumnType::Long || column.type == ColumnType::Integer) {
+        const auto* const number = std::get_if<std::int64_t>(&value);
+        if (number == nullptr) return false;
+        return column.type == ColumnType::Long ? *number == static_cast<std::int32_t>(*number)
+                                               : *number == static_cast<std::int16_t>(*number);
+    }
+    if (column.type == ColumnType::Date) {
+        const auto* const date = std::get_if<Date>(&value);
+        return date != nullptr && IsDate(date->days);
+    }
+    if (column.type != ColumnType::Text && column.type != ColumnType::Memo) return false;
+    const auto* const text = std::get_if<std::string>(&value);
+    const bool isLimited = column.type == ColumnType::Text && column.size > 0;
+    return text != nullptr && (!isLimited || text->size() <= column.size) &&
+           storage::IsPlainAscii(*text);
+}
 
 Value ConvertToField(const ColumnDefinition& column, Value value) {
     if (IsNull(value)) {

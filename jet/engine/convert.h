@@ -10,4 +10,8 @@ namespace jet::engine {
 /// Error(TypeMismatch), Error(Overflow) or Error(TooLong) naming the field.
 Value ConvertToField(const ColumnDefinition& column, Value value);
 
+/// Whether the field stores the value as it is, which nearly all values are; false where that would
+/// take longer to tell than to convert it.
+bool IsAsStored(const ColumnDefinition& column, const Value& value);
+
 }  // namespace jet::engine

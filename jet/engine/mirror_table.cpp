@@ -258,8 +258,11 @@ void MirrorTable::RequireWritable() const {
 }
 
 RowKey MirrorTable::Insert(std::span<Value> values, std::int64_t* number) {
-    for (std::size_t i = 0; i < values.size(); ++i)
-        values[i] = ConvertToField(Definition().columns[i], std::move(values[i]));
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        const ColumnDefinition& column = definition_.columns[i];
+        if (!IsAsStored(column, values[i]))
+            values[i] = ConvertToField(column, std::move(values[i]));
+    }
     const storage::Table::Inserted inserted = stored_->Insert(values);
     if (number != nullptr) *number = inserted.autoNumber.value_or(0);
     const RowKey key = inserted.row.AsInteger();
@@ -300,6 +303,15 @@ void MirrorTable::Delete(RowKey key) {
     remove->Bind(1, key);
     remove->Run();
     --rows_;
+}
+
+void MirrorTable::DeleteAll() {
+    stored_->DeleteAll();
+    ++changes_;
+    ++deletions_;
+    single_.clear();
+    rows_ = 0;
+    sqlite_.Execute("DELETE FROM " + dialect::TableName(definition_.name));
 }
 
 }  // namespace jet::engine

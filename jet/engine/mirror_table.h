@@ -91,6 +91,7 @@ class MirrorTable {
     /// Writes the changes, whose values are converted already.
     void Update(RowKey key, std::span<const storage::FieldChange> changes);
     void Delete(RowKey key);
+    void DeleteAll();
 
     /// Error(ReadOnly) if rows of this table must not be changed.
     void RequireWritable() const;

@@ -35,6 +35,7 @@ class LinkedTable final : public Table {
     Inserted Insert(std::span<const Value> /*values*/) override { Refuse(); }
     void Update(RowId /*row*/, std::span<const FieldChange> /*changes*/) override { Refuse(); }
     void Delete(RowId /*row*/) override { Refuse(); }
+    void DeleteAll() override { Refuse(); }
     std::uint32_t RowCount() const override { Refuse(); }
     std::int32_t NextAutoNumber() const override { Refuse(); }
 

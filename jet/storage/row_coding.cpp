@@ -73,7 +73,11 @@ RowDraft::RowDraft(const TableLayout& layout)
     for (std::size_t i = 0; i < layout.columns.size(); ++i) {
         const ColumnLayout& column = layout.columns[i];
         // Whatever its flags say, a Yes/No column is a bit of the mask.
-        if (column.fixed || column.Type() == ColumnType::Boolean) continue;
+        if (column.Type() == ColumnType::Boolean) continue;
+        if (column.fixed) {
+            fixed_.push_back(i);
+            continue;
+        }
         if (column.slot >= slots_.size())
             ThrowDamaged("a column has no place in the variable part");
         slots_[column.slot] = i;
@@ -87,28 +91,14 @@ void RowDraft::Clear() {
 
 const Bytes& RowDraft::Build() {
     if (!allHavePlaces_) ThrowDamaged("a column has no place in the variable part");
-    row_.clear();
-    Append(row_, layout_.columnsEver);
-    AppendZeros(row_, fixedSize_);
-    for (std::size_t i = 0; i < fields_.size(); ++i) {
-        const ColumnLayout& column = layout_.columns[i];
-        if (!column.fixed) continue;
-        std::ranges::copy(Field(i),
-                          row_.begin() + static_cast<std::ptrdiff_t>(row_format::FixedPartOffset +
-                                                                     column.fixedOffset));
+    row_.assign(row_format::FixedPartOffset + fixedSize_, std::uint8_t{0});
+    Store(std::span(row_), 0, layout_.columnsEver);
+    for (const std::size_t column : fixed_) {
+        if (!fields_[column].present) continue;
+        const std::size_t start = row_format::FixedPartOffset + layout_.columns[column].fixedOffset;
+        std::ranges::copy(Field(column), row_.begin() + static_cast<std::ptrdiff_t>(start));
     }
-    if (layout_.variableColumnsEver != 0) {
-        for (const std::size_t column : slots_)
-            if (column < fields_.size()) Append(row_, Field(column));
-        // Where each starts, the last one first, behind where that ends.
-        std::size_t end = row_.size();
-        Append(row_, static_cast<std::uint16_t>(end));
-        for (std::size_t slot = slots_.size(); slot-- > 0;) {
-            if (slots_[slot] < fields_.size()) end -= fields_[slots_[slot]].size;
-            Append(row_, static_cast<std::uint16_t>(end));
-        }
-        Append(row_, layout_.variableColumnsEver);
-    }
+    if (layout_.variableColumnsEver != 0) AppendVariablePart();
     const std::size_t mask = row_.size();
     AppendZeros(row_, MaskSize(layout_.columnsEver));
     for (std::size_t i = 0; i < fields_.size(); ++i) {
@@ -117,6 +107,25 @@ const Bytes& RowDraft::Build() {
         row_[mask + number / 8] |= static_cast<std::uint8_t>(1U << number % 8);
     }
     return row_;
+}
+
+/// The fields, and behind them where each starts, the last one first, behind where that ends.
+void RowDraft::AppendVariablePart() {
+    for (const std::size_t column : slots_) {
+        if (column < fields_.size()) Append(row_, Field(column));
+    }
+    std::size_t end = row_.size(), place = end;
+    row_.resize(end + (slots_.size() + 2) * row_format::PlaceSize);
+    const auto add = [&](std::size_t number) {
+        Store(std::span(row_), place, static_cast<std::uint16_t>(number));
+        place += row_format::PlaceSize;
+    };
+    add(end);
+    for (std::size_t slot = slots_.size(); slot-- > 0;) {
+        if (slots_[slot] < fields_.size()) end -= fields_[slots_[slot]].size;
+        add(end);
+    }
+    add(layout_.variableColumnsEver);
 }
 
 void DecodeText(std::span<const std::uint8_t> bytes, Value& value) {

@@ -66,6 +66,8 @@ class RowDraft {
     const Bytes& Build();
 
   private:
+    void AppendVariablePart();
+
     struct Place {
         bool present = false;
         std::size_t start = 0, size = 0;
@@ -73,6 +75,7 @@ class RowDraft {
 
     const TableLayout& layout_;
     std::size_t fixedSize_;
+    std::vector<std::size_t> fixed_;  ///< the columns of the fixed part
     std::vector<std::size_t> slots_;  ///< the columns of the variable part, in its order
     bool allHavePlaces_ = true;
     std::vector<Place> fields_;

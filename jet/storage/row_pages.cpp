@@ -74,6 +74,16 @@ void RowPages::Remove(RowId row) {
     NoteRoom(row.page, true);
 }
 
+void RowPages::RemoveAll() {
+    for (const PageNumber page : free_.Pages())
+        free_.Remove(page);
+    for (const PageNumber page : owned_.Pages()) {
+        owned_.Remove(page);
+        pages_.Free(page);
+    }
+    Forget();
+}
+
 void RowPages::Forget() {
     roomKnown_ = false;
     last_.reset();

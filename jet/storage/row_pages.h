@@ -42,6 +42,8 @@ class RowPages {
     /// Overwrites the row's first bytes and sets its kind; the row keeps its size.
     void Redirect(RowId row, RowId target);
     void Remove(RowId row);
+    /// Gives all pages back, with all rows on them.
+    void RemoveAll();
 
     /// Forgets what was learned about room; needed after changes were undone.
     void Forget();

@@ -42,6 +42,7 @@ class StoredTable final : public Table, private DeferredChanges {
     Inserted Insert(std::span<const Value> values) override;
     void Update(RowId row, std::span<const FieldChange> changes) override;
     void Delete(RowId row) override;
+    void DeleteAll() override;
     std::uint32_t RowCount() const override;
     std::int32_t NextAutoNumber() const override;
 
@@ -94,6 +95,7 @@ class StoredTable final : public Table, private DeferredChanges {
     Inserted AddRow(std::span<const Value> values);
     void ChangeRow(RowId row, std::span<const FieldChange> changes);
     void RemoveRow(RowId row);
+    void RemoveAllRows();
 
     Value Decode(const RowReader& reader, std::size_t column) const;
     void Decode(const RowReader& reader, const ColumnLayout& column, Value& value) const;
@@ -109,7 +111,7 @@ class StoredTable final : public Table, private DeferredChanges {
     void PutWaitingEntries(std::size_t index);
     std::string IndexName(std::size_t realIndex) const;
 
-    void RaiseAutoNumber(std::size_t column, const Value& value);
+    void RaiseAutoNumber(const Value& value);
     void SetField(std::size_t column, const Value& value);
     const Bytes& Assemble();
     bool MoveLongestOut();

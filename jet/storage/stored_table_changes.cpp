@@ -71,6 +71,10 @@ void StoredTable::Delete(RowId row) {
     NamingFile(file_, [&] { RemoveRow(row); });
 }
 
+void StoredTable::DeleteAll() {
+    NamingFile(file_, [&] { RemoveAllRows(); });
+}
+
 Table::Inserted StoredTable::AddRow(std::span<const Value> given) {
     RequireChangeable();
     const auto& columns = definition_.columns;
@@ -105,7 +109,7 @@ Table::Inserted StoredTable::AddRow(std::span<const Value> given) {
         Parts& parts = Current();
         parts.draft.Clear();
         for (std::size_t i = 0; i < given.size(); ++i) {
-            RaiseAutoNumber(i, valueOf(i));
+            if (columns[i].autoNumber) RaiseAutoNumber(valueOf(i));
             SetField(i, valueOf(i));
         }
         const Bytes& row = Assemble();
@@ -162,7 +166,7 @@ void StoredTable::ChangeRow(RowId row, std::span<const FieldChange> changes) {
                 obsolete.emplace_back(i, Bytes(field->begin(), field->end()));
             }
             SetField(i, *newValues[i]);
-            RaiseAutoNumber(i, *newValues[i]);
+            if (definition_.columns[i].autoNumber) RaiseAutoNumber(*newValues[i]);
         }
         for (const auto& [column, field] : obsolete)
             RemoveLongValue(LongPages(column), field);
@@ -202,6 +206,23 @@ void StoredTable::RemoveRow(RowId row) {
         if (rows != 0) parts.counters.SetRows(rows - 1);
         if (told != nullptr) told->RowRemoved(definition_, whole);
     });
+}
+
+void StoredTable::RemoveAllRows() {
+    RequireChangeable();
+    Undoably([&] {
+        if (RowObserver* const told = Observer())
+            Scan([&](RowId, Row&& row) { told->RowRemoved(definition_, row); });
+        Parts& parts = Current();
+        parts.rows.RemoveAll();
+        for (const LongColumnLayout& column : parts.layout.longColumns) {
+            if (column.owned.page != 0) LongPages(parts.layout.Position(column.column)).RemoveAll();
+        }
+        for (const auto& index : parts.indexes)
+            index->RemoveAll();
+        parts.counters.SetRows(0);
+    });
+    waiting_.assign(waiting_.size(), EntryBatch());
 }
 
 /// New values by column, for those columns whose value really becomes another.
@@ -319,8 +340,7 @@ std::int32_t StoredTable::NextAutoNumber() const {
     return static_cast<std::int32_t>(next);
 }
 
-void StoredTable::RaiseAutoNumber(std::size_t column, const Value& value) {
-    if (!definition_.columns[column].autoNumber) return;
+void StoredTable::RaiseAutoNumber(const Value& value) {
     const auto number = static_cast<std::int32_t>(std::get<std::int64_t>(value));
     TableCounters& counters = Current().counters;
     const bool upwards = counters.AutoNumberStep() > 0;

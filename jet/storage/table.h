@@ -69,6 +69,8 @@ class Table {
     virtual void Update(RowId row, std::span<const FieldChange> changes) = 0;
 
     virtual void Delete(RowId row) = 0;
+    /// Deletes all rows, page by page.
+    virtual void DeleteAll() = 0;
 
     virtual std::uint32_t RowCount() const = 0;
 

@@ -5,7 +5,8 @@
 namespace jet::storage {
 
 TableIndex::TableIndex(PageStore& pages, const TableLayout& layout, std::size_t realIndex)
-    : map_(pages, layout.realIndexes[realIndex].map),
+    : pages_(pages),
+      map_(pages, layout.realIndexes[realIndex].map),
       tree_(pages, *this, layout.realIndexes[realIndex].root, layout.Page()) {
     const RealIndexLayout& index = layout.realIndexes[realIndex];
     for (const auto& part : index.parts) {
@@ -51,6 +52,16 @@ IndexTree::Inserted TableIndex::Insert(const EntryBatch& batch) {
     constexpr std::size_t MostLeaves = 64;
     greatestKey_.reset();
     return tree_.Insert(batch, MostLeaves);
+}
+
+void TableIndex::RemoveAll() {
+    greatestKey_.reset();
+    tree_.MakeEmpty();
+    for (const PageNumber page : map_.Pages()) {
+        if (page == tree_.Root()) continue;
+        map_.Remove(page);
+        pages_.Free(page);
+    }
 }
 
 void TableIndex::Remove(const IndexKey& key, RowId row) {

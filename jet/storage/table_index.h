@@ -63,6 +63,8 @@ class TableIndex final : private IndexPageListener {
     /// is undone does not become too large.
     IndexTree::Inserted Insert(const EntryBatch& batch);
     void Remove(const IndexKey& key, RowId row);
+    /// Leaves an empty tree.
+    void RemoveAll();
 
   private:
     struct Part {
@@ -74,6 +76,7 @@ class TableIndex final : private IndexPageListener {
     void PageTaken(PageNumber page) override { map_.Add(page); }
     void PageReleased(PageNumber page) override { map_.Remove(page); }
 
+    PageStore& pages_;
     UsageMap map_;
     IndexTree tree_;
     std::vector<std::size_t> columns_;

@@ -29,6 +29,7 @@ class TableRows {
     }
     void Replace(RowId row, std::span<const std::uint8_t> bytes);
     void Remove(RowId row);
+    void RemoveAll() { pages_.RemoveAll(); }
 
     /// Calls `visit(RowId, bytes)` for each row in page order and then slot order.
     template <typename Visit>

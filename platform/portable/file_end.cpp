@@ -67,7 +67,10 @@ void WriteFileEnd(const FileHandle& file, const FileEnd& seen, std::uint64_t pos
     if (!IsAsSeen(file, facts, seen)) {
         throw Failure(FailureNumber::PathFileAccess, path + " (it has changed meanwhile)");
     }
-    if (position > seen.size || position + bytes.size() < seen.size) {
+    const std::uint64_t size = position + bytes.size();
+    const std::uint64_t unseen = seen.size - seen.bytes.size();
+    const bool isCut = size < seen.size;
+    if (position > seen.size || (isCut && !(bytes.empty() && position >= unseen))) {
         throw Failure(FailureNumber::InvalidProcedureCall, path);
     }
     const Bytes old = LastBytes(file, seen.size, seen.size - position);
@@ -78,12 +81,12 @@ void WriteFileEnd(const FileHandle& file, const FileEnd& seen, std::uint64_t pos
         throw SystemFailure(error, path);
     }
     int error = WriteAt(descriptor, position, bytes);
+    if (error == 0 && isCut && ftruncate(descriptor, static_cast<off_t>(size)) != 0) error = errno;
     if (error == 0) error = SetModified(descriptor, facts);
     // Bytes over others need no room, so the system may write them when it likes: until then a
     // power cut leaves the old ones. Whether there is room for a longer file is certain only
     // afterwards.
-    const bool grows = position + bytes.size() > seen.size;
-    if (error == 0 && grows && fsync(descriptor) != 0) error = errno;
+    if (error == 0 && size > seen.size && fsync(descriptor) != 0) error = errno;
     if (error == 0) return;
     PutBack(descriptor, seen, position, old, facts);
     throw SystemFailure(error, path);

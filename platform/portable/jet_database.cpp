@@ -171,6 +171,19 @@ class JetConnection : public Connection {
     void Delete(std::string_view table, RowKey row) override {
         Translated([&] { database_->Delete(table, static_cast<std::int64_t>(row)); });
     }
+    void Together(const std::function<void()>& work) {
+        // Inserters do not outlive rows that are taken back.
+        struct Forgetting {
+            std::vector<KnownInserter>& inserters;
+            ~Forgetting() { inserters.clear(); }
+        };
+        Translated([&] {
+            const Forgetting forgetting{inserters_};
+            jet::Transaction transaction(*database_);
+            work();
+            transaction.Commit();
+        });
+    }
     std::int64_t NextNumber(std::string_view table) const override {
         return Translated([&] { return database_->NextNumber(table); });
     }
@@ -282,6 +295,10 @@ std::unique_ptr<Connection> JetDatabaseProvider::Open(std::string_view connectio
         known = database;
     }
     return std::make_unique<JetConnection>(std::move(database));
+}
+
+void JetDatabaseProvider::Together(Connection& connection, const std::function<void()>& work) {
+    dynamic_cast<JetConnection&>(connection).Together(work);
 }
 
 JetDatabaseProvider::FileIdentity JetDatabaseProvider::IdentityOf(const std::string& path) {

@@ -58,6 +58,11 @@ class JetDatabaseProvider : public DatabaseProvider {
     /// Failure: Database with the reason in words, or that of the path.
     std::unique_ptr<Connection> Open(std::string_view connectionString) override;
 
+    /// Does something that changes rows through a connection of this provider: all changes become
+    /// durable when it returns, or none. Where it throws they are taken back, and record sets must
+    /// be opened again.
+    static void Together(Connection& connection, const std::function<void()>& work);
+
   private:
     /// What a file is, whatever its names: device and number.
     using FileIdentity = std::pair<std::uint64_t, std::uint64_t>;

@@ -7,6 +7,9 @@
 
 #include "app/report/report_file.h"
 #include "app/report/report_page.h"
+#include "app/report/row_names.h"
+#include "jet/database.h"
+#include "jukebox/jukebox_database.h"
 #include "run/left_out.h"
 #include "tests/outside/temporary_folder.h"
 #include "tests/support/fakes.h"
@@ -212,8 +215,8 @@ TEST_F(Report, LetsNoNameBecomeHtml) {
     Add(RunStarted{hostile, hostile, hostile, hostile});
     Add(AddedTrack(1, hostile, hostile));
     Add(ChangedTrack(2, hostile, hostile, hostile));
-    Add(RowChange{.table = hostile});
-    Add(FileChange{.kind = FileChange::Kind::Written, .path = hostile + ".pla"});
+    Add(RowChange{RowChange::Kind::Added, hostile, {}, {}});
+    Add(FileChange{.number = 1, .kind = FileChange::Kind::Written, .path = hostile + ".pla"});
     Add(PhaseStarted{hostile, milliseconds(0)});
     AddError(hostile);
     End();
@@ -244,6 +247,27 @@ TEST_F(Report, OfAHundredThousandChangesShowsTheFirstHundredOfAKind) {
     EXPECT_EQ(Occurrences(page, "<li>Song "), 100U);
     EXPECT_THAT(page, HasSubstr("and 99 more</p>"));
     EXPECT_THAT(page, HasSubstr("and 900 more artists"));
+}
+
+TEST(RowNames, AreThoseInTheDatabase) {
+    outside::TemporaryFolder folder;
+    CreateJukeboxDatabase(folder.Path() / "cdj.mdb");
+    {
+        jet::Database database =
+            jet::Database::Open(folder.Path() / "cdj.mdb", jet::OpenMode::ReadWrite);
+        database.Execute("INSERT INTO Tracks (Title, Artist) VALUES ('Dawn', 'Alder')");
+    }
+    RowNames names(folder.Path() / "cdj.mdb");
+    const auto of = [&names](const std::string& table, const std::string& field, std::int64_t id) {
+        const std::vector<std::pair<std::string, Value>> key{{field, id}};
+        return names.Of(table, key);
+    };
+    EXPECT_EQ(of("Tracks", "ID", 1).artist, "Alder");
+    EXPECT_EQ(of("Tracks", "ID", 1).title, "Dawn");
+    EXPECT_EQ(of("Tracks", "ID", 2).title, "");
+    EXPECT_EQ(of("Tracks", "Track", 1).title, "");
+    EXPECT_EQ(of("Nothing", "ID", 1).title, "");
+    EXPECT_EQ(RowNames(folder.Path() / "none.mdb").Of("Tracks", {}).title, "");
 }
 
 class ReportFile : public Report {

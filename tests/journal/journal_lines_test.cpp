@@ -51,6 +51,11 @@ std::vector<ChangeRecord> AllRecords() {
         FileChange{.number = 3, .kind = FileChange::Kind::FolderDeleted, .path = "D:\\a"},
         FileChange{
             .number = 4, .kind = FileChange::Kind::Moved, .path = "D:\\a", .target = "D:\\b"},
+        FileChange{.number = 5,
+                   .kind = FileChange::Kind::Moved,
+                   .path = "D:\\b",
+                   .target = "D:\\a",
+                   .takesBack = "2026-11-21_07-13-05#4"},
         FileChangeFailed{4, "Permission denied: D:\\b"},
         LogLine{true, "line\nline"},
         RunEnded{"aborted", 3, true, 99ms},

@@ -24,6 +24,9 @@ TEST(LetterCase, LeavesLettersWhoseOtherCaseBelongsToAnother) {
 TEST(BeginningIn, CountsTheBytesThatSayIt) {
     EXPECT_EQ(BeginningIn("Alder - Dawn", "ALDER"), 5U);
     EXPECT_EQ(BeginningIn("Ölvindr", "öl"), 3U);
+    EXPECT_EQ(BeginningIn("Alder and Dawn: Ölvindr", "alder AND dawn: öl"), 19U);
+    EXPECT_EQ(BeginningIn("Alder and Dawn: Ölvindr", "alder AND down: öl"), std::nullopt);
+    EXPECT_EQ(BeginningIn("Alder and", "alder and dawn"), std::nullopt);
     EXPECT_EQ(BeginningIn("Ⱥx", "ⱥ"), 2U) << "whose small form takes three bytes";
     EXPECT_EQ(BeginningIn("anything", ""), 0U);
 }
@@ -50,6 +53,10 @@ TEST(EqualIgnoringCase, ComparesWholeTexts) {
     EXPECT_FALSE(EqualIgnoringCase("a", "ab"));
     EXPECT_FALSE(EqualIgnoringCase("ab", "a"));
     EXPECT_FALSE(EqualIgnoringCase("o", "ö"));
+    EXPECT_TRUE(EqualIgnoringCase("abcdefgöh", "ABCDEFGÖH"));
+    EXPECT_TRUE(EqualIgnoringCase("abcdefgöh", "abcdefgÖH")) << "cut by a block of eight bytes";
+    EXPECT_FALSE(EqualIgnoringCase("abcdefgöh", "abcdefgôh"));
+    EXPECT_FALSE(EqualIgnoringCase("abcdefg\xC3", "abcdefg\xC3\xB6"));
 }
 
 TEST(WindowsNameLess, OrdersAsAVolumeLists) {
@@ -57,6 +64,13 @@ TEST(WindowsNameLess, OrdersAsAVolumeLists) {
     std::sort(names.begin(), names.end(), WindowsNameLess);
     EXPECT_EQ(names, (std::vector<std::string>{"01", "A", "a", "a1", "b", "B2", "Z", "_x", "~", "Ä",
                                                "é"}));
+}
+
+TEST(WindowsNameLess, OrdersByTheFirstLetterThatDiffers) {
+    EXPECT_TRUE(WindowsNameLess("Name of a song, B, z", "name of a song, c, A"));
+    EXPECT_FALSE(WindowsNameLess("name of a song, c, A", "Name of a song, B, z"));
+    EXPECT_TRUE(WindowsNameLess("name of a song, [", "name of a song, _"));
+    EXPECT_TRUE(WindowsNameLess("name of a song, z", "name of a song, _")) << "as a capital";
 }
 
 TEST(WindowsNameLess, ComparesUtf16Units) {

@@ -1,4 +1,5 @@
 #include <fcntl.h>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <string>
 #include <sys/stat.h>
@@ -55,6 +56,28 @@ TEST_F(WriteEndTest, Appends) {
 TEST_F(WriteEndTest, MayReachBeyondTheOldEnd) {
     Write("END and more");
     EXPECT_EQ(Content(), "audio and END and more");
+}
+
+TEST_F(WriteEndTest, CutsOffWhatWasSeenAndKeepsTheTime) {
+    SetModified(1700000000, 123456789);
+    files_.WriteEnd(Path, {.size = 13, .bytes = Bytes(" end")}, 9, {});
+    EXPECT_EQ(Content(), "audio and");
+    EXPECT_EQ(Facts().st_mtim.tv_sec, 1700000000);
+    EXPECT_EQ(Facts().st_mtim.tv_nsec, 123456789);
+}
+
+TEST_F(WriteEndTest, CutsNothingThatWasNotSeen) {
+    const std::string refusal =
+        FailureOf([&] { files_.WriteEnd(Path, {.size = 13, .bytes = Bytes("end")}, 9, {}); });
+    EXPECT_THAT(refusal, testing::HasSubstr("Invalid procedure call"));
+    EXPECT_EQ(Content(), "audio and end");
+}
+
+TEST_F(WriteEndTest, CutsNothingOfAFileThatHasChanged) {
+    const std::string refusal =
+        FailureOf([&] { files_.WriteEnd(Path, {.size = 13, .bytes = Bytes("END")}, 10, {}); });
+    EXPECT_THAT(refusal, testing::HasSubstr("it has changed meanwhile"));
+    EXPECT_EQ(Content(), "audio and end");
 }
 
 TEST_F(WriteEndTest, KeepsTheModificationTimeToTheNanosecond) {

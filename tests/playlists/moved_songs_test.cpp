@@ -7,7 +7,6 @@
 
 #include "playlists/capture.h"
 #include "playlists/refresh.h"
-#include "playlists/working_set.h"
 #include "tests/support/real_library.h"
 
 namespace quillon {

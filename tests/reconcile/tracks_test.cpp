@@ -270,13 +270,25 @@ class ProcessTracksAloneTest : public ProcessTracksTest {
         FileList files;
         for (const std::string& name : names) {
             library.AddFile(name);
-            files.push_back({.Name = library.Root + name, .FileDate = {}});
+            const FileEntry file = library.files.GetFile(library.Root + name);
+            files.push_back({.Name = file.path, .FileDate = {}, .Size = file.size});
         }
         return files;
     }
 
     Album album{.artist = "A", .title = "B", .trackCount = 0, .cdjid = "252E671073EC0001"};
 };
+
+TEST_F(ProcessTracksAloneTest, DoesNotLookAgainHowLargeAListedFileIs) {
+    album.trackCount = 9;
+    FileList files = List({R"(A\B\a.mp3)"});
+    library.AddFile(R"(A\B\a.mp3)", TrackTag(7));
+    files.front().Size = 1;  // no room for a tag
+    Walk walk(library.run);
+    ProcessTracks(walk, album, files);
+    walk.library.Save();
+    EXPECT_THAT(library.Tracks(), ElementsAre(R"(A\B\a.mp3|a|1)"));
+}
 
 TEST_F(ProcessTracksAloneTest, TellsOfFilesForWhichThereIsNoNumber) {
     album.trackCount = 1;

@@ -217,7 +217,8 @@ class FakeFiles : public Files {
         if (content.size() != seen.size || !content.ends_with(last)) {
             throw Failure(FailureNumber::PathFileAccess, std::string(path));
         }
-        if (position > content.size() || position + bytes.size() < content.size()) {
+        if (position > content.size() ||
+            (position + bytes.size() < content.size() && !bytes.empty())) {
             throw Failure(FailureNumber::InvalidProcedureCall, std::string(path));
         }
         content.replace(position, std::string::npos, std::string(bytes.begin(), bytes.end()));

@@ -12,6 +12,19 @@ bool IsCompressedText(std::span<const std::uint8_t> bytes) {
     return bytes.size() >= 2 && bytes[0] == 0xFF && bytes[1] == 0xFE;
 }
 
+bool IsPlainAscii(std::string_view text) {
+    constexpr std::uint64_t Ones = 0x0101010101010101, HighBits = 0x8080808080808080;
+    std::uint64_t others = 0, word = 0;
+    std::size_t i = 0;
+    for (; text.size() - i >= sizeof(word); i += sizeof(word)) {
+        std::memcpy(&word, text.data() + i, sizeof(word));
+        others |= (word - Ones) | word;
+    }
+    for (; i < text.size(); ++i)
+        others |= text[i] <= 0 ? HighBits : 0;
+    return (others & HighBits) == 0;
+}
+
 namespace {
 
 constexpr char16_t ByteOrderMark = 0xFEFF;
@@ -43,6 +56,10 @@ bool AppendOneByteUnits(Bytes& bytes, std::string_view utf8, std::size_t longest
     bytes[start] = 0xFF;
     bytes[start + 1] = 0xFE;
     const std::size_t begin = start + 2;
+    if (utf8.size() >= ShortestCompressed && utf8.size() <= longest && IsPlainAscii(utf8)) {
+        std::ranges::copy(utf8, bytes.begin() + static_cast<std::ptrdiff_t>(begin));
+        return true;
+    }
     std::size_t end = begin;
     bool fits = true;
     for (std::size_t i = 0; fits && i < utf8.size(); ++i) {
@@ -90,20 +107,6 @@ Bytes EncodeCompressed(std::u16string_view text) {
 
 std::string_view TextOf(std::span<const std::uint8_t> bytes) {
     return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
-}
-
-/// Whether all bytes are those of ASCII characters other than zero.
-bool IsPlainAscii(std::string_view text) {
-    constexpr std::uint64_t Ones = 0x0101010101010101, HighBits = 0x8080808080808080;
-    std::uint64_t others = 0, word = 0;
-    std::size_t i = 0;
-    for (; text.size() - i >= sizeof(word); i += sizeof(word)) {
-        std::memcpy(&word, text.data() + i, sizeof(word));
-        others |= (word - Ones) | word;
-    }
-    for (; i < text.size(); ++i)
-        others |= text[i] <= 0 ? HighBits : 0;
-    return (others & HighBits) == 0;
 }
 
 /// Puts the UTF-8 of units of one byte each into `text`.

@@ -21,6 +21,8 @@ std::string ToUtf8(std::u16string_view utf16);
 Bytes EncodeText(std::u16string_view text, bool mayCompress, bool isMemo);
 /// The same for UTF-8, behind what `bytes` holds.
 void AppendText(Bytes& bytes, std::string_view utf8, bool mayCompress, bool isMemo);
+/// Whether all bytes are those of ASCII characters other than zero, as in nearly all texts.
+bool IsPlainAscii(std::string_view text);
 /// Which form it is.
 bool IsCompressedText(std::span<const std::uint8_t> bytes);
 /// Reads either form. Never fails: whatever the bytes are, they are some text.

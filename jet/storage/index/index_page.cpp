@@ -39,9 +39,16 @@ void ClearMask(Page& page) {
 
 /// How many bytes are the same at the beginning, up to `most`.
 std::size_t CommonLength(EntryBytes left, EntryBytes right, std::size_t most) {
-    const auto end = left.begin() + static_cast<std::ptrdiff_t>(most);
-    return static_cast<std::size_t>(std::mismatch(left.begin(), end, right.begin()).first -
-                                    left.begin());
+    std::size_t length = 0;
+    for (; length + sizeof(std::uint64_t) <= most; length += sizeof(std::uint64_t)) {
+        const auto differing =
+            Load<std::uint64_t>(left, length) ^ Load<std::uint64_t>(right, length);
+        if (differing != 0)
+            return length + static_cast<std::size_t>(std::countr_zero(differing)) / 8;
+    }
+    while (length < most && left[length] == right[length])
+        ++length;
+    return length;
 }
 
 void StoreFreeBytes(Page& page, std::size_t used) {

@@ -43,6 +43,9 @@ class IndexTree {
 
     /// Makes `root` an empty index.
     static void MakeEmpty(Page& root, PageNumber definition);
+    /// Makes this one empty; what becomes of its other pages is the owner's business.
+    void MakeEmpty() { MakeEmpty(pages_.Modify(root_), definition_); }
+    PageNumber Root() const { return root_; }
 
     /// Adds an entry. Error(TooLong) as CheckLength; Error(Damaged) if it is there already.
     void Insert(std::span<const std::uint8_t> key, RowId row);

@@ -4,17 +4,22 @@
 #include <utility>
 
 #include "jet/storage/file_system.h"
+#include "jet/storage/format/page.h"
 
-namespace jet::testing {
+namespace jet {
 
-/// The system's files, with a count of the pieces read from those that were opened through it.
+/// The system's files, with a count of the pieces read from those that were opened through it, and
+/// of the pages written to databases among them.
 class CountingFiles final : public storage::FileSystem {
   public:
     std::size_t Reads() const { return *reads_; }
+    std::size_t PagesWritten() const { return *pagesWritten_; }
 
     std::unique_ptr<storage::File> Open(const std::filesystem::path& path,
                                         storage::FileAccess access) override {
-        return std::make_unique<CountingFile>(real_->Open(path, access), reads_);
+        const bool isDatabase = path.extension() == ".mdb";
+        return std::make_unique<CountingFile>(real_->Open(path, access), reads_,
+                                              isDatabase ? pagesWritten_ : nullptr);
     }
     bool Exists(const std::filesystem::path& path) override { return real_->Exists(path); }
     std::optional<storage::FileFacts> Look(const std::filesystem::path& path) override {
@@ -37,13 +42,16 @@ class CountingFiles final : public storage::FileSystem {
 
     class CountingFile final : public storage::File {
       public:
-        CountingFile(std::unique_ptr<storage::File> real, Count reads)
-            : real_(std::move(real)), reads_(std::move(reads)) {}
+        CountingFile(std::unique_ptr<storage::File> real, Count reads, Count pagesWritten)
+            : real_(std::move(real)),
+              reads_(std::move(reads)),
+              pagesWritten_(std::move(pagesWritten)) {}
         std::size_t ReadAt(std::uint64_t offset, std::span<std::uint8_t> bytes) override {
             ++*reads_;
             return real_->ReadAt(offset, bytes);
         }
         void WriteAt(std::uint64_t offset, std::span<const std::uint8_t> bytes) override {
+            if (pagesWritten_) *pagesWritten_ += bytes.size() / storage::PageSize;
             real_->WriteAt(offset, bytes);
         }
         void Reserve(std::uint64_t size) override { real_->Reserve(size); }
@@ -56,11 +64,12 @@ class CountingFiles final : public storage::FileSystem {
 
       private:
         std::unique_ptr<storage::File> real_;
-        Count reads_;
+        Count reads_, pagesWritten_;
     };
 
     std::shared_ptr<storage::FileSystem> real_ = storage::RealFileSystem();
     Count reads_ = std::make_shared<std::size_t>(0);
+    Count pagesWritten_ = std::make_shared<std::size_t>(0);
 };
 
-}  // namespace jet::testing
+}  // namespace jet

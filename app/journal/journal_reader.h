@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "changes/change.h"
+#include "undo/history.h"
+
+namespace quillon {
+
+/// A line of a journal that cannot be read.
+struct DamagedPlace {
+    std::size_t line = 0;  ///< from 1
+    std::string reason;
+    bool isCutShort = false;  ///< the last one, without its end: what a kill leaves
+};
+
+/// What can be read of a journal.
+struct JournalContent {
+    std::string stamp;  ///< by its name
+    std::vector<ChangeRecord> records;
+    std::vector<DamagedPlace> damaged;
+
+    /// Whether its last line says how the run ended.
+    bool IsWhole() const {
+        return !records.empty() && std::holds_alternative<RunEnded>(records.back());
+    }
+};
+
+/// Failure: the file cannot be read.
+JournalContent ReadJournal(const std::filesystem::path& file);
+
+/// The journals in a folder, the oldest first; none where there is no such folder.
+std::vector<std::filesystem::path> JournalsIn(const std::filesystem::path& folder);
+
+/// The run that a journal tells of; of its changes those of the library count. Failure: as above.
+PastRun LookAtJournal(const std::filesystem::path& file);
+
+}  // namespace quillon

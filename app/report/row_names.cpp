@@ -1,0 +1,46 @@
+#include "app/report/row_names.h"
+
+#include <array>
+#include <string_view>
+
+#include "jet/database.h"
+#include "platform/basic_text.h"
+
+namespace quillon {
+namespace {
+
+std::string TextOf(const jet::Value& value) {
+    const auto* const text = std::get_if<std::string>(&value);
+    return text == nullptr ? "" : *text;
+}
+
+}  // namespace
+
+RowName RowNames::Of(const std::string& table, std::span<const std::pair<std::string, Value>> key) {
+    const auto* const id = key.size() == 1 && EqualIgnoringCase(key.front().first, "ID")
+                               ? std::get_if<std::int64_t>(&key.front().second)
+                               : nullptr;
+    if (id == nullptr) return {};
+    const auto known = tables_.find(table);
+    const Names& names = known != tables_.end() ? known->second : tables_[table] = Read(table);
+    const auto found = names.find(*id);
+    return found == names.end() ? RowName{} : found->second;
+}
+
+RowNames::Names RowNames::Read(const std::string& table) const {
+    Names names;
+    try {
+        jet::Database database =
+            jet::Database::Open(database_, jet::OpenMode::ReadOnly, jet::NeededTables::None());
+        constexpr std::array<std::string_view, 3> Fields{"ID", "Artist", "Title"};
+        database.Scan(table, Fields, [&names](jet::Database::RowKey, std::span<jet::Value> row) {
+            if (const auto* const id = std::get_if<std::int64_t>(&row[0]))
+                names[*id] = {TextOf(row[1]), TextOf(row[2])};
+        });
+    } catch (const jet::Error&) {
+        // A report names rows by their numbers then.
+    }
+    return names;
+}
+
+}  // namespace quillon

@@ -1,0 +1,248 @@
+#include "undo/row_undo.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <stdexcept>
+#include <string>
+
+#include "jukebox/jukebox_database.h"
+#include "platform/failure.h"
+#include "platform/portable/jet_database.h"
+#include "tests/outside/temporary_folder.h"
+#include "tests/support/database_rows.h"
+#include "tests/support/open_database.h"
+
+namespace quillon {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using RowKind = RowChange::Kind;
+
+using Records = std::vector<ChangeRecord>;
+
+std::string Tried(const std::function<void()>& work) {
+    try {
+        work();
+    } catch (const Failure& failure) {
+        return failure.what();
+    }
+    return "";
+}
+
+RowChange Changed(std::int64_t id, std::vector<FieldChange> fields) {
+    return {.table = "Tracks", .key = {{"ID", id}}, .fields = std::move(fields)};
+}
+
+/// All that is said of a row that comes or goes.
+std::vector<FieldChange> Whole(std::int64_t id, const std::string& title, bool isAdded) {
+    std::vector<FieldChange> fields;
+    const std::vector<std::pair<std::string, Value>> values{{"ID", id},
+                                                            {"CDJID", "C1"},
+                                                            {"Title", title},
+                                                            {"SoundFile", "D:\\" + title},
+                                                            {"TimesPlayed", std::int64_t{7}}};
+    for (const auto& [name, value] : values)
+        fields.push_back(isAdded ? FieldChange{name, Null(), value}
+                                 : FieldChange{name, value, Null()});
+    return fields;
+}
+RowChange Added(std::int64_t id, const std::string& title) {
+    return {.kind = RowKind::Added,
+            .table = "Tracks",
+            .key = {{"ID", id}},
+            .fields = Whole(id, title, true)};
+}
+RowChange Removed(std::int64_t id, const std::string& title) {
+    return {.kind = RowKind::Removed,
+            .table = "Tracks",
+            .key = {{"ID", id}},
+            .fields = Whole(id, title, false)};
+}
+
+class RowUndoTest : public testing::Test {
+  protected:
+    RowUndoTest() {
+        CreateJukeboxDatabase(file_);
+        connection_ = support::OpenDatabase(file_);
+    }
+
+    void AddTrack(std::int64_t id, const std::string& title) {
+        connection_->Execute(
+            "INSERT INTO Tracks (ID, CDJID, Title, SoundFile, TimesPlayed) "
+            "VALUES (" +
+            std::to_string(id) + ", \"C1\", \"" + title + "\", \"D:\\" + title + "\", 7)");
+    }
+    std::vector<std::string> Tracks() {
+        return support::Rows(*connection_,
+                             "SELECT ID, Title, SoundFile, TimesPlayed FROM Tracks ORDER BY ID");
+    }
+
+    /// Takes runs back; the steps' outcomes.
+    std::vector<Outcome> Undo(
+        const std::vector<Records>& runs,
+        const RowUndo::StaysAt& stays = [](std::string_view) { return false; }) {
+        NetRows net;
+        for (const Records& run : runs)
+            net.Add(run);
+        const std::vector<NetRow> rows = net.Take();
+        RowUndo undo(*connection_, rows, stays);
+        JetDatabaseProvider::Together(*connection_, [&] { undo.CarryOut(Tried); });
+        std::vector<Outcome> outcomes;
+        for (const RowUndo::Step& step : undo.Steps())
+            outcomes.push_back(step.outcome);
+        return outcomes;
+    }
+
+    outside::TemporaryFolder folder_;
+    std::filesystem::path file_ = folder_ / "jukebox.mdb";
+    std::unique_ptr<Connection> connection_;
+};
+
+TEST_F(RowUndoTest, PutsChangedFieldsBackAndLeavesTheOthers) {
+    AddTrack(5, "Dawn");
+    connection_->Execute("UPDATE Tracks SET TimesPlayed=9 WHERE ID=5");
+    const Records run{Changed(5, {{"Title", "dawn", "Dawn"}}), RowsSaved()};
+    EXPECT_THAT(Undo({run}), ElementsAre(Outcome{}));
+    EXPECT_THAT(Tracks(), ElementsAre("5|dawn|D:\\Dawn|9"));
+    EXPECT_THAT(Undo({run}), ElementsAre(Outcome{.state = Outcome::State::WasSo}));
+}
+
+TEST_F(RowUndoTest, BringsRemovedRowsBackUnderTheirNumbers) {
+    AddTrack(9, "Later");
+    const Records run{Removed(5, "Dawn"), RowsSaved()};
+    EXPECT_THAT(Undo({run}), ElementsAre(Outcome{}));
+    EXPECT_THAT(Tracks(), ElementsAre("5|Dawn|D:\\Dawn|7", "9|Later|D:\\Later|7"));
+    EXPECT_EQ(connection_->NextNumber("Tracks"), 10);
+    EXPECT_THAT(Undo({run}), ElementsAre(Outcome{.state = Outcome::State::WasSo}));
+    connection_.reset();
+    EXPECT_EQ(support::StructuralFaults(file_), "");
+}
+
+TEST_F(RowUndoTest, RemovesAddedRows) {
+    AddTrack(5, "Dawn");
+    const Records run{Added(5, "Dawn"), RowsSaved()};
+    EXPECT_THAT(Undo({run}), ElementsAre(Outcome{}));
+    EXPECT_THAT(Tracks(), IsEmpty());
+    EXPECT_THAT(Undo({run}), ElementsAre(Outcome{.state = Outcome::State::WasSo}));
+}
+
+TEST_F(RowUndoTest, RefusesWhatAnotherProgramHasChanged) {
+    AddTrack(5, "Dusk");
+    AddTrack(6, "Noon");
+    connection_->Execute("UPDATE Tracks SET TimesPlayed=8 WHERE ID=6");
+    AddTrack(7, "Night");
+    const Records run{Changed(5, {{"Title", "dawn", "Dawn"}}), Added(6, "Noon"),
+                      Removed(7, "Morning"), Changed(8, {{"Title", "a", "b"}}), RowsSaved()};
+    const std::vector<Outcome> outcomes = Undo({run});
+    EXPECT_THAT(outcomes, ElementsAre(Outcome::Refusal("Title has been changed since, to \"Dusk\""),
+                                      Outcome::Refusal("TimesPlayed has been changed since, to 8"),
+                                      Outcome::Refusal("there is a row with its key again"),
+                                      Outcome::Refusal("it has been removed since")));
+    EXPECT_THAT(Tracks(),
+                ElementsAre("5|Dusk|D:\\Dusk|7", "6|Noon|D:\\Noon|8", "7|Night|D:\\Night|7"));
+}
+
+TEST_F(RowUndoTest, TakesSeveralRunsTogether) {
+    AddTrack(5, "third");
+    AddTrack(6, "stays");
+    const Records first{Changed(5, {{"Title", "first", "second"}}), Removed(4, "gone"),
+                        Added(7, "for a while"), RowsSaved()};
+    const Records second{Changed(5, {{"Title", "second", "third"}}), Removed(7, "for a while"),
+                         Changed(6, {{"TimesPlayed", std::int64_t{6}, std::int64_t{7}}}),
+                         Changed(6, {{"TimesPlayed", std::int64_t{7}, std::int64_t{6}}}),
+                         RowsSaved()};
+    connection_->Execute("UPDATE Tracks SET TimesPlayed=6 WHERE ID=6");
+    EXPECT_THAT(Undo({first, second}), ElementsAre(Outcome{}, Outcome{}));
+    EXPECT_THAT(Tracks(),
+                ElementsAre("4|gone|D:\\gone|7", "5|first|D:\\third|7", "6|stays|D:\\stays|6"));
+}
+
+TEST_F(RowUndoTest, FollowsARowWhoseKeyChanges) {
+    AddTrack(8, "Dawn");
+    const Records run{Changed(5, {{"ID", std::int64_t{5}, std::int64_t{8}}}),
+                      Changed(8, {{"Title", "dawn", "Dawn"}}), RowsSaved()};
+    EXPECT_THAT(Undo({run}), ElementsAre(Outcome{}));
+    EXPECT_THAT(Tracks(), ElementsAre("5|dawn|D:\\Dawn|7"));
+    EXPECT_THAT(Undo({run}), ElementsAre(Outcome{.state = Outcome::State::WasSo}));
+}
+
+TEST_F(RowUndoTest, WaitsForAKeyThatBecomesFree) {
+    AddTrack(6, "first");
+    AddTrack(7, "second");
+    const Records run{
+        Changed(6, {{"ID", std::int64_t{6}, std::int64_t{7}}, {"Title", "b", "second"}}),
+        Changed(5, {{"ID", std::int64_t{5}, std::int64_t{6}}, {"Title", "a", "first"}}),
+        RowsSaved()};
+    EXPECT_THAT(Undo({run}), ElementsAre(Outcome{}, Outcome{}));
+    EXPECT_THAT(Tracks(), ElementsAre("5|a|D:\\first|7", "6|b|D:\\second|7"));
+}
+
+TEST_F(RowUndoTest, TakesWhatAKilledRunHasOrHasNotSaved) {
+    const Records run{Changed(5, {{"Title", "a", "b"}}), RowsSaved(),
+                      Changed(5, {{"Title", "b", "c"}})};
+    for (const char* const title : {"b", "c"}) {
+        connection_->Execute("DELETE * FROM Tracks");
+        AddTrack(5, title);
+        EXPECT_THAT(Undo({run}), ElementsAre(Outcome{})) << title;
+        EXPECT_THAT(Tracks().front(), HasSubstr("5|a|"));
+    }
+}
+
+TEST_F(RowUndoTest, GoesOnBehindAnUndoThatWasKilled) {
+    const Records run{Changed(5, {{"Title", "a", "b"}}), RowsSaved()};
+    const Records undo{Changed(5, {{"Title", "b", "a"}})};
+    for (const char* const title : {"a", "b"}) {
+        connection_->Execute("DELETE * FROM Tracks");
+        AddTrack(5, title);
+        Undo({run, undo});
+        EXPECT_THAT(Tracks().front(), HasSubstr("5|a|")) << title;
+    }
+}
+
+TEST_F(RowUndoTest, LeavesRowsOfFilesThatStay) {
+    AddTrack(5, "Dawn");
+    const Records run{Changed(5, {{"SoundFile", "D:\\old", "D:\\Dawn"}}), RowsSaved()};
+    const auto stays = [](std::string_view path) { return path == "D:\\Dawn"; };
+    EXPECT_THAT(Undo({run}, stays), ElementsAre(Outcome::Refusal("its file stays as it is")));
+    EXPECT_THAT(Tracks(), ElementsAre("5|Dawn|D:\\Dawn|7"));
+}
+
+TEST_F(RowUndoTest, CountsEqualRowsOfATableWithoutAKey) {
+    const auto change = [](RowKind kind, const char* text) {
+        RowChange row{.kind = kind, .table = "NoKey", .key = {{"Name", text}}, .fields = {}};
+        row.fields.push_back(kind == RowKind::Added ? FieldChange{"Name", Null(), text}
+                                                    : FieldChange{"Name", text, Null()});
+        return row;
+    };
+    connection_->Execute("CREATE TABLE NoKey (Name TEXT(20))");
+    for (int i = 0; i < 3; ++i)
+        connection_->Execute("INSERT INTO NoKey (Name) VALUES (\"same\")");
+    const Records run{change(RowKind::Added, "same"), change(RowKind::Added, "same"),
+                      change(RowKind::Removed, "gone"), RowsSaved()};
+    EXPECT_THAT(Undo({run}), testing::Each(Outcome{}));
+    EXPECT_THAT(support::Rows(*connection_, "SELECT Name FROM NoKey ORDER BY Name"),
+                ElementsAre("gone", "same"));
+}
+
+TEST_F(RowUndoTest, ChangesNothingWhenTheWholeIsCutOff) {
+    AddTrack(5, "Dawn");
+    AddTrack(6, "Noon");
+    NetRows net;
+    net.Add({Changed(5, {{"Title", "dawn", "Dawn"}}), Changed(6, {{"Title", "noon", "Noon"}})});
+    const std::vector<NetRow> rows = net.Take();
+    RowUndo undo(*connection_, rows, [](std::string_view) { return false; });
+    int calls = 0;
+    const Attempt stopping = [&](const std::function<void()>& work) {
+        work();
+        if (++calls == 2) throw std::runtime_error("the disk is full");
+        return std::string();
+    };
+    const auto carryOut = [&] { undo.CarryOut(stopping); };
+    EXPECT_THROW(JetDatabaseProvider::Together(*connection_, carryOut), std::runtime_error);
+    EXPECT_THAT(Tracks(), ElementsAre("5|Dawn|D:\\Dawn|7", "6|Noon|D:\\Noon|7"));
+}
+
+}  // namespace
+}  // namespace quillon

@@ -1,0 +1,151 @@
+#include "undo/history.h"
+
+#include <algorithm>
+#include <charconv>
+#include <unordered_map>
+#include <utility>
+
+namespace quillon {
+namespace {
+
+/// "2026-11-21_07-13-05"; "-2" and so on may be behind it.
+constexpr std::size_t StampSize = 19;
+
+std::unordered_set<std::uint64_t> FailedChanges(const std::vector<ChangeRecord>& records) {
+    std::unordered_set<std::uint64_t> failed;
+    for (const ChangeRecord& record : records)
+        if (const auto* const one = std::get_if<FileChangeFailed>(&record))
+            failed.insert(one->number);
+    return failed;
+}
+
+/// What the last change of an undo takes back: where the undo was cut off, that may be half done.
+std::string LastTaken(const std::vector<ChangeRecord>& records) {
+    for (std::size_t i = records.size(); i-- > 0;)
+        if (const auto* const change = std::get_if<FileChange>(&records[i]))
+            return change->takesBack;
+    return "";
+}
+
+/// How far undos have come with the changes of each run, which are taken back from the last to the
+/// first.
+class Reached {
+  public:
+    void Note(const std::string& name) {
+        const auto [run, number] = PartsOf(name);
+        const auto [known, isNew] = furthest_.try_emplace(run, number);
+        if (!isNew) known->second = std::min(known->second, number);
+    }
+    /// Whether one of them has gone on behind this change, and so has settled it.
+    bool IsBeyond(const std::string& name) const {
+        const auto [run, number] = PartsOf(name);
+        const auto known = furthest_.find(run);
+        return known != furthest_.end() && known->second < number;
+    }
+
+  private:
+    static std::pair<std::string, std::uint64_t> PartsOf(const std::string& name) {
+        const std::size_t mark = std::min(name.rfind('#'), name.size() - 1);
+        std::uint64_t number = 0;
+        std::from_chars(name.data() + mark + 1, name.data() + name.size(), number);
+        return {name.substr(0, mark), number};
+    }
+
+    std::unordered_map<std::string, std::uint64_t> furthest_;
+};
+
+}  // namespace
+
+int CompareStamps(std::string_view left, std::string_view right) {
+    const int times = left.substr(0, StampSize).compare(right.substr(0, StampSize));
+    if (times != 0) return times;
+    // "-10" comes behind "-9".
+    if (left.size() != right.size()) return left.size() < right.size() ? -1 : 1;
+    return left.compare(right);
+}
+
+std::optional<std::size_t> History::Find(std::string_view stamp) const {
+    for (std::size_t i = 0; i < runs_.size(); ++i)
+        if (runs_[i].started.stamp == stamp) return i;
+    return std::nullopt;
+}
+
+std::string History::UndoneBy(std::size_t run) const {
+    const std::string& stamp = runs_[run].started.stamp;
+    for (std::size_t i = runs_.size(); i-- > run + 1;) {
+        const PastRun& undo = runs_[i];
+        const bool isMeant = undo.IsUndo() && CompareStamps(undo.started.undoes, stamp) <= 0 &&
+                             // Of undos one takes back only the one that it names.
+                             (!runs_[run].IsUndo() || undo.started.undoes == stamp);
+        const bool isDone = undo.ended && undo.ended->status == 0;
+        if (isMeant && isDone && UndoneBy(i).empty()) return undo.started.stamp;
+    }
+    return "";
+}
+
+std::string History::LastToUndo() const {
+    for (std::size_t i = runs_.size(); i-- > 0;) {
+        const PastRun& run = runs_[i];
+        const bool isCutOff = !run.ended || run.ended->outcome != "completed";
+        if (run.IsUndo() && isCutOff) return run.started.undoes;
+        if (!run.IsUndo() && run.changes > 0 && UndoneBy(i).empty()) return run.started.stamp;
+    }
+    return "";
+}
+
+std::vector<std::size_t> History::ForFiles(std::string_view stamp) const {
+    std::vector<std::size_t> chosen;
+    const std::optional<std::size_t> first = Find(stamp);
+    for (std::size_t i = runs_.size(); first && i-- > *first;)
+        if (i == *first || !runs_[i].IsUndo()) chosen.push_back(i);
+    return chosen;
+}
+
+std::vector<std::size_t> History::ForRows(std::string_view stamp) const {
+    std::vector<std::size_t> chosen;
+    const std::optional<std::size_t> first = Find(stamp);
+    for (std::size_t i = first.value_or(runs_.size()); i < runs_.size(); ++i) {
+        const PastRun& run = runs_[i];
+        if (i == *first || !run.IsUndo() || CompareStamps(run.started.undoes, stamp) >= 0)
+            chosen.push_back(i);
+    }
+    return chosen;
+}
+
+std::vector<std::size_t> History::UndosSince(std::string_view stamp) const {
+    std::vector<std::size_t> chosen;
+    const std::optional<std::size_t> first = Find(stamp);
+    for (std::size_t i = runs_.size(); first && i-- > *first + 1;)
+        if (runs_[i].IsUndo()) chosen.push_back(i);
+    return chosen;
+}
+
+std::string ChangeName(std::string_view stamp, std::uint64_t number) {
+    return std::string(stamp) + '#' + std::to_string(number);
+}
+
+ChangeNames TakenBack(std::span<const RecordedRun> undos) {
+    ChangeNames taken, unsure;
+    Reached reached;
+    for (const RecordedRun& undo : undos) {
+        const auto failed = FailedChanges(undo.records);
+        const std::string cutOff = undo.isWhole ? "" : LastTaken(undo.records);
+        const bool isOpen = !cutOff.empty() && !reached.IsBeyond(cutOff);
+        for (std::size_t i = undo.records.size(); i-- > 0;) {
+            const auto* const change = std::get_if<FileChange>(&undo.records[i]);
+            if (change == nullptr || change->takesBack.empty()) continue;
+            const std::string name = ChangeName(undo.stamp, change->number);
+            const std::string& back = change->takesBack;
+            if (isOpen && back == cutOff) unsure.insert(back);
+            if (unsure.contains(name)) unsure.insert(back);
+            reached.Note(back);
+            // What a later undo has taken back is not taken back any more.
+            if (!failed.contains(change->number) && !taken.contains(name)) taken.insert(back);
+        }
+    }
+    for (const std::string& name : unsure)
+        taken.erase(name);
+    return taken;
+}
+
+}  // namespace quillon

@@ -1,0 +1,75 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <unordered_set>
+#include <vector>
+
+#include "changes/change.h"
+
+namespace quillon {
+
+/// What the choice of the runs to take back needs to know of each.
+struct PastRun {
+    RunStarted started;
+    std::optional<RunEnded> ended;  ///< nothing where it was killed, or is still going on
+    std::size_t changes = 0;        ///< of rows and files of the library
+
+    bool IsUndo() const { return !started.undoes.empty(); }
+};
+
+/// Below zero where the first stamp is the earlier one, 0 for one stamp.
+int CompareStamps(std::string_view left, std::string_view right);
+
+/// All runs of a library, the oldest first.
+class History {
+  public:
+    explicit History(std::vector<PastRun> runs) : runs_(std::move(runs)) {}
+
+    const std::vector<PastRun>& Runs() const { return runs_; }
+
+    /// The stamp of the undo that has taken the run back as a whole, "" where none has.
+    std::string UndoneBy(std::size_t run) const;
+
+    /// What an undo without a stamp is about: the last run that changed something and has not been
+    /// taken back; "" where there is none. An undo that was cut off is taken up where nothing came
+    /// after it.
+    std::string LastToUndo() const;
+
+    /// The runs whose files are to be taken back for a way back before the run of this stamp, the
+    /// newest first: it and those behind it, undos only where it is one itself.
+    std::vector<std::size_t> ForFiles(std::string_view stamp) const;
+
+    /// The same for rows, the oldest first, with the undos among them: what they have put back
+    /// counts, too.
+    std::vector<std::size_t> ForRows(std::string_view stamp) const;
+
+    /// The undos since that run, the newest first.
+    std::vector<std::size_t> UndosSince(std::string_view stamp) const;
+
+  private:
+    std::optional<std::size_t> Find(std::string_view stamp) const;
+
+    std::vector<PastRun> runs_;
+};
+
+/// One run's records.
+struct RecordedRun {
+    std::string stamp;
+    std::vector<ChangeRecord> records;
+    bool isWhole = true;  ///< it came to its end: the last change did, too
+};
+
+/// Names a change of a file: as in `FileChange::takesBack`.
+std::string ChangeName(std::string_view stamp, std::uint64_t number);
+
+using ChangeNames = std::unordered_set<std::string>;
+
+/// The changes of files that have been taken back for certain, and are so still. Undos, the newest
+/// first.
+ChangeNames TakenBack(std::span<const RecordedRun> undos);
+
+}  // namespace quillon

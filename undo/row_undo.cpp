@@ -1,0 +1,228 @@
+#include "undo/row_undo.h"
+
+#include <algorithm>
+#include <array>
+#include <map>
+#include <set>
+#include <unordered_map>
+#include <utility>
+
+namespace quillon {
+namespace {
+
+using Step = RowUndo::Step;
+using Work = Step::Work;
+
+/// Present rows of one table, as far as they have keys that somebody asks for.
+class PresentRows {
+  public:
+    struct Row {
+        RowKey key{};
+        std::map<std::string, Value> fields;
+        bool isTaken = false;
+    };
+
+    void Want(std::string_view table, const RowState& state) {
+        wanted_[KeyText(table, state.key)];
+        if (keyFields_.empty()) {
+            for (const auto& [name, value] : state.key)
+                keyFields_.push_back(name);
+        }
+        for (const auto& [name, value] : state.key)
+            fields_.insert(name);
+        for (const auto& [name, value] : state.fields)
+            fields_.insert(name);
+    }
+
+    void Read(Connection& connection, std::string_view table) {
+        const std::vector<std::string> names(fields_.begin(), fields_.end());
+        const std::vector<std::string_view> fields(names.begin(), names.end());
+        std::vector<std::size_t> keyPlaces;
+        std::vector<std::pair<std::string, Value>> key;
+        for (const std::string& name : keyFields_) {
+            keyPlaces.push_back(
+                static_cast<std::size_t>(std::ranges::find(names, name) - names.begin()));
+            key.emplace_back(name, Null());
+        }
+        connection.Scan(table, fields, [&](RowKey row, std::span<const Value> values) {
+            for (std::size_t i = 0; i < key.size(); ++i)
+                key[i].second = values[keyPlaces[i]];
+            const auto found = wanted_.find(KeyText(table, key));
+            if (found == wanted_.end()) return;
+            Row& kept = found->second.emplace_back(Row{.key = row, .fields = {}});
+            for (std::size_t i = 0; i < names.size(); ++i)
+                kept.fields.emplace(names[i], values[i]);
+        });
+    }
+
+    /// The rows with a state's key that no other step is about.
+    std::vector<Row*> With(std::string_view table, const RowState& state) {
+        std::vector<Row*> free;
+        for (Row& row : wanted_[KeyText(table, state.key)])
+            if (!row.isTaken) free.push_back(&row);
+        return free;
+    }
+
+  private:
+    std::set<std::string> fields_;
+    std::vector<std::string> keyFields_;
+    std::unordered_map<std::string, std::vector<Row>> wanted_;
+};
+
+std::string ShownText(const Value& value) {
+    struct Shown {
+        std::string operator()(Null) const { return "Null"; }
+        std::string operator()(bool yes) const { return yes ? "True" : "False"; }
+        std::string operator()(std::int64_t number) const { return std::to_string(number); }
+        std::string operator()(double number) const { return std::to_string(number); }
+        std::string operator()(DateTime) const { return "another date"; }
+        std::string operator()(const std::string& text) const { return '"' + text + '"'; }
+    };
+    return std::visit(Shown(), value);
+}
+
+/// The first field that is not what the state says; nothing where all are.
+std::optional<std::string> DifferingField(const PresentRows::Row& row, const RowState& state) {
+    for (const auto& [name, value] : state.fields) {
+        const auto found = row.fields.find(name);
+        if (found == row.fields.end() || found->second != value) return name;
+    }
+    return std::nullopt;
+}
+
+PresentRows::Row* FindAs(PresentRows& rows, std::string_view table, const RowState& state) {
+    for (PresentRows::Row* const row : rows.With(table, state))
+        if (!DifferingField(*row, state)) return row;
+    return nullptr;
+}
+
+Outcome ChangedSince(PresentRows& rows, const NetRow& row) {
+    const std::vector<PresentRows::Row*> there = rows.With(row.table, row.now);
+    if (there.empty()) return Outcome::Refusal("it has been removed since");
+    if (!row.now.exists) return Outcome::Refusal("there is a row with its key again");
+    const std::string field = DifferingField(*there.front(), row.now).value_or("");
+    return Outcome::Refusal(field + " has been changed since, to " +
+                            ShownText(there.front()->fields[field]));
+}
+
+/// What leads from one state to another.
+Work WorkFor(const RowState& now, const RowState& before) {
+    if (now.exists) return before.exists ? Work::Update : Work::Delete;
+    return before.exists ? Work::Insert : Work::None;
+}
+
+/// Whether the table is as the state says; the row that shows it, where there is one.
+std::pair<bool, PresentRows::Row*> Meets(PresentRows& rows, std::string_view table,
+                                         const RowState& state) {
+    if (!state.exists) return {rows.With(table, state).empty(), nullptr};
+    PresentRows::Row* const row = FindAs(rows, table, state);
+    return {row != nullptr, row};
+}
+
+void Decide(PresentRows& rows, Step& step) {
+    const NetRow& row = *step.row;
+    RowState gone = row.before;
+    // A row that was not there is gone when nothing has the key that it got.
+    if (!gone.exists) gone.key = row.now.key;
+    const auto take = [](PresentRows::Row* present) {
+        if (present != nullptr) present->isTaken = true;
+    };
+    if (const auto [isMet, present] = Meets(rows, row.table, gone); isMet) {
+        step.outcome = {.state = Outcome::State::WasSo};
+        return take(present);
+    }
+    for (const RowState* const state : {&row.now, &row.saved}) {
+        const auto [isMet, present] = Meets(rows, row.table, *state);
+        if (!isMet) continue;
+        step.work = WorkFor(*state, row.before);
+        if (present != nullptr) step.key = present->key;
+        return take(present);
+    }
+    step.outcome = ChangedSince(rows, row);
+}
+
+bool NamesFileThatStays(const NetRow& row, const RowUndo::StaysAt& stays) {
+    const auto names = [&](const auto& field) {
+        const auto* const text = std::get_if<std::string>(&field.second);
+        return text != nullptr && stays(*text);
+    };
+    return std::ranges::any_of(row.now.fields, names) ||
+           std::ranges::any_of(row.before.fields, names);
+}
+
+}  // namespace
+
+std::string NameOf(const NetRow& row) {
+    std::string name = "row of " + row.table;
+    const RowState& state = row.before.exists ? row.before : row.now;
+    if (state.key.size() == 1) name += ' ' + ShownText(state.key.front().second);
+    for (const char* const field : {"Title", "Song", "Artist"}) {
+        const auto found = state.fields.find(field);
+        if (found == state.fields.end() || IsNull(found->second)) continue;
+        return name + " (" + ShownText(found->second) + ')';
+    }
+    return name;
+}
+
+RowUndo::RowUndo(Connection& connection, std::span<const NetRow> rows, const StaysAt& stays)
+    : connection_(connection) {
+    std::set<std::string> tables;
+    steps_.reserve(rows.size());
+    for (const NetRow& row : rows) {
+        steps_.push_back({.row = &row});
+        tables.insert(row.table);
+    }
+    for (const std::string& table : tables)
+        LookAtTable(table, stays);
+}
+
+void RowUndo::LookAtTable(std::string_view table, const StaysAt& stays) {
+    PresentRows rows;
+    for (const Step& step : steps_) {
+        if (step.row->table != table) continue;
+        for (const RowState* const state : {&step.row->before, &step.row->now, &step.row->saved})
+            rows.Want(table, *state);
+    }
+    rows.Read(connection_, table);
+    for (Step& step : steps_) {
+        if (step.row->table != table) continue;
+        Decide(rows, step);
+        if (step.work == Work::None || !NamesFileThatStays(*step.row, stays)) continue;
+        step.work = Work::None;
+        step.outcome = Outcome::Refusal("its file stays as it is");
+    }
+}
+
+void RowUndo::CarryOut(const Attempt& attempt) {
+    // Keys that come back may be those of rows that go. A change that waits for another one's old
+    // key is tried again.
+    for (const Work work : {Work::Delete, Work::Update, Work::Insert}) {
+        std::vector<Step*> left;
+        for (Step& step : steps_)
+            if (step.work == work) left.push_back(&step);
+        for (std::size_t before = left.size() + 1; !left.empty() && left.size() < before;) {
+            before = left.size();
+            std::erase_if(left, [&](Step* step) { return Do(*step, attempt); });
+        }
+    }
+}
+
+bool RowUndo::Do(Step& step, const Attempt& attempt) {
+    const std::string failure = attempt([&] { Change(step); });
+    step.outcome = failure.empty() ? Outcome{} : Outcome::Refusal(failure);
+    return failure.empty();
+}
+
+void RowUndo::Change(const Step& step) {
+    if (step.work == Work::Delete) return connection_.Delete(step.row->table, step.key);
+    std::vector<FieldValue> fields;
+    for (const auto& [name, value] : step.row->before.fields)
+        fields.push_back({name, value});
+    if (step.work == Work::Insert) {
+        connection_.Insert(step.row->table, fields);
+    } else {
+        connection_.Update(step.row->table, step.key, fields);
+    }
+}
+
+}  // namespace quillon

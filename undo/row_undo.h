@@ -1,0 +1,55 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <unordered_set>
+#include <vector>
+
+#include "platform/database.h"
+#include "undo/net_rows.h"
+#include "undo/outcome.h"
+
+namespace quillon {
+
+/// Puts rows of a database back to what they were.
+class RowUndo {
+  public:
+    /// What is to happen with one row.
+    struct Step {
+        enum class Work { None, Update, Insert, Delete };
+        const NetRow* row = nullptr;
+        Work work = Work::None;
+        RowKey key{};  ///< of the row that is updated or deleted
+        Outcome outcome = {};
+    };
+
+    /// Whether a path is that of a file that stays as it is now.
+    using StaysAt = std::function<bool(std::string_view path)>;
+
+    /// Looks at the rows and decides; changes nothing. Rows that name a file which stays do so,
+    /// too. `rows` and the connection must outlive this object. Throws Failure.
+    RowUndo(Connection& connection, std::span<const NetRow> rows, const StaysAt& stays);
+
+    const std::vector<Step>& Steps() const { return steps_; }
+
+    /// Changes the rows, as many as can be. The steps' outcomes tell of each. Meant to be one group
+    /// of changes, which all become durable or none.
+    void CarryOut(const Attempt& attempt);
+
+  private:
+    void LookAtTable(std::string_view table, const StaysAt& stays);
+    bool Do(Step& step, const Attempt& attempt);
+    void Change(const Step& step);
+
+    Connection& connection_;
+    std::vector<Step> steps_;
+};
+
+/// How a row is named to a person: "Tracks 5".
+std::string NameOf(const NetRow& row);
+
+}  // namespace quillon
