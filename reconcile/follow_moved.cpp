@@ -12,7 +12,6 @@
 
 #include "database/album_key.h"
 #include "platform/basic_text.h"
-#include "reconcile/missing_music.h"
 #include "reconcile/move_matching.h"
 #include "reconcile/tracks.h"
 #include "run/log.h"
@@ -36,7 +35,7 @@ struct FoundFile {
 };
 
 /// What tells one song from others.
-std::optional<SoundPrint> Distinctive(const SoundPrint& print) {
+std::optional<SoundPrint> Telling(const SoundPrint& print) {
     return print.size > 0 ? std::optional(print) : std::nullopt;
 }
 
@@ -92,7 +91,7 @@ class Following {
                 {.album = place->second,
                  .title = lost.row->title,
                  .seconds = SecondsOf(*lost.row),
-                 .print = sound == nullptr ? std::nullopt : Distinctive(sound->print),
+                 .print = sound == nullptr ? std::nullopt : Telling(sound->print),
                  .whole = sound == nullptr ? std::nullopt : sound->whole});
         }
         question_.secondsOf = [this](std::size_t found) { return TagSeconds(found_[found]); };
@@ -111,7 +110,7 @@ class Following {
             question_.found.push_back(
                 {.album = album,
                  .title = GetTrackName(held.files[file].Name, run_.settings.FlatStructure),
-                 .print = kind.print ? Distinctive(*kind.print) : std::nullopt});
+                 .print = kind.print ? Telling(*kind.print) : std::nullopt});
         }
     }
 
@@ -316,10 +315,14 @@ class Following {
         }
     }
 
+    static std::string NameOf(const AlbumRow& album) {
+        return album.artist.Text() + '\\' + album.title.Text();
+    }
+
     void TellAlbum(const AlbumRow& album, const Exit& exit, const std::string& from,
                    const std::string& to) {
         const std::size_t count = exit.tracks.begin()->second;
-        const std::string tracks = NumberOf(count, Removable::Tracks) + ": ";
+        const std::string tracks = std::to_string(count) + (count == 1 ? " track: " : " tracks: ");
         const auto old = oldNames_.find(&album);
         std::string places = FolderOf(from) + " -> " + FolderOf(to);
         if (EqualIgnoringCase(FolderOf(from), FolderOf(to))) {

@@ -45,9 +45,8 @@ class KeptMusicTelling {
 
     void Tell() const {
         for (const AlbumRow* const album : albums_) {
-            WriteLog(
-                run_, LogSource,
-                album_ + NameOf(*album) + ", " + NumberOf(counts_.at(album), Removable::Tracks));
+            WriteLog(run_, LogSource,
+                     album_ + NameOf(*album) + ", " + TracksText(counts_.at(album)));
         }
         for (const std::string& line : lines_)
             WriteLog(run_, LogSource, line);

@@ -59,6 +59,10 @@ std::string TracksText(std::size_t count) {
     return ", " + std::to_string(count) + (count == 1 ? " track" : " tracks");
 }
 
+std::string NameOf(const AlbumRow& album) {
+    return album.artist.Text() + '\\' + album.title.Text();
+}
+
 void TellWhatIsGone(Run& run, const MissingMusic& missing, bool albumsAreGone) {
     std::unordered_map<const AlbumRow*, std::size_t> tracks;
     for (const MissingMusic::Track& track : missing.tracks)
@@ -80,10 +84,6 @@ void TellWhatIsGone(Run& run, const MissingMusic& missing, bool albumsAreGone) {
 }
 
 }  // namespace
-
-std::string NameOf(const AlbumRow& album) {
-    return album.artist.Text() + '\\' + album.title.Text();
-}
 
 PlannedRemoval PlanRemoval(const Walk& walk, const std::vector<MissingMusic::Track>& tracks,
                            std::size_t owned) {

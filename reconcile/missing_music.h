@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <string>
 #include <vector>
 
 #include "library/rows.h"
@@ -10,9 +9,6 @@
 namespace quillon {
 
 struct Walk;
-
-/// "Artist\Title".
-std::string NameOf(const AlbumRow& album);
 
 /// The owned tracks and albums that a walk did not find.
 struct MissingMusic {
