@@ -136,9 +136,10 @@ struct TextAnswer {
 };
 
 /// Everything that a command line can ask for.
-using Request = std::variant<TextAnswer, RunRequest, PreviewRequest, InitRequest, CheckRequest, ServeRequest,
-                             BackupsRequest, RestoreRequest, DbCreateRequest, DbTablesRequest,
-                             DbSchemaRequest, DbQueryRequest, DbExecRequest, DbImportRequest,
-                             DbExportRequest, DbCompactRequest, DbCheckRequest, DbRecoverRequest>;
+using Request =
+    std::variant<TextAnswer, RunRequest, PreviewRequest, InitRequest, CheckRequest, ServeRequest,
+                 BackupsRequest, RestoreRequest, DbCreateRequest, DbTablesRequest, DbSchemaRequest,
+                 DbQueryRequest, DbExecRequest, DbImportRequest, DbExportRequest, DbCompactRequest,
+                 DbCheckRequest, DbRecoverRequest>;
 
 }  // namespace quillon

@@ -19,8 +19,8 @@ void PreviewView::LogWritten(LogKind kind, std::string_view, std::string_view me
 }
 
 std::chrono::milliseconds PreviewView::Elapsed() const {
-    return std::chrono::duration_cast<std::chrono::milliseconds>(
-        std::chrono::steady_clock::now() - start_);
+    return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() -
+                                                                 start_);
 }
 
 }  // namespace quillon
