@@ -237,7 +237,8 @@ std::unique_ptr<TextWriter> PreviewFiles::CreateText(std::string_view path) {
 std::unique_ptr<TextWriter> PreviewFiles::CreateOwnText(std::string_view path) {
     const WindowsPath parsed = ParseWindowsPath(path);
     const Place place = tree_.Find(parsed);
-    if (place.node == nullptr && rights_.isLink && rights_.isLink(place.ground)) {
+    const bool isOnDisk = place.node == nullptr && !place.ground.empty();
+    if (isOnDisk && rights_.isLink && rights_.isLink(place.ground)) {
         throw Failure(FailureNumber::PermissionDenied,
                       parsed.Text() + " (this is a symbolic link and no file)");
     }

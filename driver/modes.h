@@ -18,9 +18,8 @@ struct BackedUp {
 };
 
 /// All that any mode backs up.
-inline constexpr std::array EverythingBackedUp{BackedUp{&Settings::Nirvis_CDJ_DB, false},
-                                               BackedUp{&Settings::PlayListPath},
-                                               BackedUp{&Settings::PlayListPath2}};
+inline constexpr std::array<BackedUp, 3> EverythingBackedUp{
+    {{&Settings::Nirvis_CDJ_DB, false}, {&Settings::PlayListPath}, {&Settings::PlayListPath2}}};
 
 /// The folders that a run may work in: five that settings name, and two of the host's own.
 enum class RunFolder {
