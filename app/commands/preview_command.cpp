@@ -62,15 +62,17 @@ class PreviewHost : public Host {
 };
 
 PreviewRights RightsOn(PathResolver& resolver) {
-    return {.mayWrite = [&resolver](const std::string& path) {
-                const std::filesystem::path local = resolver.Local(path);
-                std::error_code unknown;
-                return !std::filesystem::exists(local, unknown) || IsWritable(local);
-            },
-            .isLink = [&resolver](const std::string& path) {
-                std::error_code unknown;
-                return std::filesystem::is_symlink(resolver.Local(path), unknown);
-            }};
+    return {.mayWrite =
+                [&resolver](const std::string& path) {
+                    const std::filesystem::path local = resolver.Local(path);
+                    std::error_code unknown;
+                    return !std::filesystem::exists(local, unknown) || IsWritable(local);
+                },
+            .isLink =
+                [&resolver](const std::string& path) {
+                    std::error_code unknown;
+                    return std::filesystem::is_symlink(resolver.Local(path), unknown);
+                }};
 }
 
 std::string OutcomeWord(RunOutcome outcome) {
@@ -98,9 +100,8 @@ void TellBrake(bool braked, std::ostream& out) {
 void Tell(const std::vector<ChangeRecord>& records, const NetChanges& changes,
           const std::filesystem::path& database, std::ostream& out) {
     const RowNames names(database, changes.rows);
-    const ChangeTextOptions options{.nameOf = [&names](const RowChange& change) {
-        return names.Of(change);
-    }};
+    const ChangeTextOptions options{
+        .nameOf = [&names](const RowChange& change) { return names.Of(change); }};
     for (const ChangeRecord& record : records) {
         if (const auto* const mode = std::get_if<ModeChosen>(&record); mode && !mode->mode.empty())
             out << fmt::format("A run would now: {}\n\n", OneLine(mode->mode));
@@ -142,19 +143,19 @@ int PreviewRun(const PreviewRequest& request, Console console) {
     RemovedFiles removed(RemovedMusicFolder(local.host), local.clock);
     const bool keepsRemoved = ReadRemovedMusicSetting(local.host).keep;
     PreviewFiles preview(local.files, local.clock, RightsOn(local.resolver));
-    JournalledFiles files(
-        preview, sink,
-        {.folder = local.host.GetAppPath() + R"(\Changes\)" + stamp,
-         .shownFolder = "Changes/" + stamp,
-         .placeOfDeleted =
-             [&](std::string_view path) {
-                 return PlaceOfRemovedMusic(*current, local, removed, keepsRemoved, path);
-             },
-         .isScratch =
-             [&](std::string_view path) {
-                 return EqualIgnoringCase(path,
-                                          PlaylistSnapshotPath(current->settings.Nirvis_CDJ_DB));
-             }});
+    JournalledFiles files(preview, sink,
+                          {.folder = local.host.GetAppPath() + R"(\Changes\)" + stamp,
+                           .shownFolder = "Changes/" + stamp,
+                           .placeOfDeleted =
+                               [&](std::string_view path) {
+                                   return PlaceOfRemovedMusic(*current, local, removed,
+                                                              keepsRemoved, path);
+                               },
+                           .isScratch =
+                               [&](std::string_view path) {
+                                   return EqualIgnoringCase(
+                                       path, PlaylistSnapshotPath(current->settings.Nirvis_CDJ_DB));
+                               }});
     PreviewHost host(local.host);
     PreviewView view(sink, [&] {
         const Mode* const mode = SelectMode(current->settings);

@@ -177,8 +177,8 @@ std::string TagDifferences(const std::string& before, const std::string& after) 
     for (const TagField& field : TagFields) {
         const std::string from = FieldText(old, field), to = FieldText(present, field);
         if (from == to || field.text == &Tag::marker) continue;
-        text += fmt::format("{} {} \"{}\" -> \"{}\"", text.empty() ? ":" : ",", field.label, from,
-                            to);
+        text +=
+            fmt::format("{} {} \"{}\" -> \"{}\"", text.empty() ? ":" : ",", field.label, from, to);
     }
     const auto genreOf = [](const std::string& bytes) {
         return bytes.size() < TagSize ? 255 : int{static_cast<std::uint8_t>(bytes.back())};
@@ -239,9 +239,8 @@ void AddFile(Groups& groups, const FileChange& change, std::size_t most) {
             if (!IsOfLibrary(change)) return;
             return AddWritten(groups, change, most);
         case FileKind::EndWritten:
-            return groups.Add(
-                "Tags written",
-                change.path + TagDifferences(BytesOf(change.before), BytesOf(change.after)));
+            return groups.Add("Tags written", change.path + TagDifferences(BytesOf(change.before),
+                                                                           BytesOf(change.after)));
         case FileKind::Copied:
             return groups.Add(FilesOf(change.path) + " copied", FromTo(change));
         case FileKind::Moved:

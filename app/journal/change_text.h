@@ -27,8 +27,8 @@ std::string ChangeText(const NetChanges& changes, const ChangeTextOptions& optio
 /// The log's records, errors marked with "!"; "" for none.
 std::string LogText(std::span<const ChangeRecord> records, const ChangeTextOptions& options = {});
 
-/// What is different between two texts, line by line: "- " before what goes, "+ " before what comes.
-/// The bytes are those of the ANSI code page.
+/// What is different between two texts, line by line: "- " before what goes, "+ " before what
+/// comes. The bytes are those of the ANSI code page.
 std::string LineDifferences(std::string_view before, std::string_view after, std::size_t most);
 
 }  // namespace quillon

@@ -33,9 +33,8 @@ std::vector<std::vector<std::size_t>> CommonLengths(const Lines& before, const L
                                                   std::vector<std::size_t>(after.size() + 1));
     for (std::size_t i = before.size(); i-- > 0;) {
         for (std::size_t j = after.size(); j-- > 0;) {
-            lengths[i][j] = before[i] == after[j]
-                                ? lengths[i + 1][j + 1] + 1
-                                : std::max(lengths[i + 1][j], lengths[i][j + 1]);
+            lengths[i][j] = before[i] == after[j] ? lengths[i + 1][j + 1] + 1
+                                                  : std::max(lengths[i + 1][j], lengths[i][j + 1]);
         }
     }
     return lengths;

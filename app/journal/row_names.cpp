@@ -46,15 +46,14 @@ RowNames::RowNames(const std::filesystem::path& database, std::span<const RowCha
     for (const Naming& naming : Namings) {
         const auto first = wanted.lower_bound({std::string(naming.table), INT64_MIN});
         if (first == wanted.end() || first->first != naming.table) continue;
-        open.Scan(naming.table, naming.fields,
-                  [&](jet::Database::RowKey, std::span<jet::Value> values) {
-                      const auto* const number = std::get_if<std::int64_t>(values.data());
-                      if (number == nullptr) return;
-                      const std::pair row{std::string(naming.table), *number};
-                      if (!wanted.contains(row)) return;
-                      names_[row] = TextOf(values[1]) + std::string(naming.between) +
-                                    TextOf(values[2]);
-                  });
+        open.Scan(
+            naming.table, naming.fields, [&](jet::Database::RowKey, std::span<jet::Value> values) {
+                const auto* const number = std::get_if<std::int64_t>(values.data());
+                if (number == nullptr) return;
+                const std::pair row{std::string(naming.table), *number};
+                if (!wanted.contains(row)) return;
+                names_[row] = TextOf(values[1]) + std::string(naming.between) + TextOf(values[2]);
+            });
     }
 } catch (const jet::Error&) {
     // The numbers alone have to do.

@@ -47,9 +47,10 @@ TEST(ChangeText, GroupsRowsByWhatBecomesOfThem) {
                       Row(RowKind::Changed, "Tracks", 8, {{"Track", Number(3), Number(4)}}),
                       Row(RowKind::Changed, "Tracks", 9, {{"Title", "old", "new"}}),
                       Row(RowKind::Added, "SpinnerArtist", 5, {{"Artist", Null{}, "Ann"}})},
-                     {.nameOf = [](const RowChange& row) {
-                         return row.key.front().second == Number(8) ? "song 8" : "";
-                     }}),
+                     {.nameOf =
+                          [](const RowChange& row) {
+                              return row.key.front().second == Number(8) ? "song 8" : "";
+                          }}),
               "Albums added: 1\n"
               "  Ann - First\n"
               "\nTracks added: 2\n"
@@ -139,10 +140,12 @@ TEST(ChangeText, TellsTheFirstHundredAndCountsTheRest) {
 
 TEST(NetChanges, LeavesOutWhatTheRunItselfTakesBack) {
     const std::vector<ChangeRecord> records{
-        NewTrack(1, "a"), Row(RowKind::Removed, "Tracks", 1, {{"SoundFile", "a", Null{}}}),
+        NewTrack(1, "a"),
+        Row(RowKind::Removed, "Tracks", 1, {{"SoundFile", "a", Null{}}}),
         Row(RowKind::Changed, "Tracks", 2, {{"Track", Number(1), Number(2)}}),
         Row(RowKind::Changed, "Tracks", 2, {{"Track", Number(2), Number(1)}}),
-        File(FileKind::FolderMade, R"(D:\New)"), File(FileKind::Discarded, R"(D:\new)"),
+        File(FileKind::FolderMade, R"(D:\New)"),
+        File(FileKind::Discarded, R"(D:\new)"),
         FileChange{.number = 9, .kind = FileKind::Moved, .path = "a", .target = "b"},
         FileChangeFailed{9, "no"}};
     const NetChanges changes = NetChangesOf(records);
@@ -153,7 +156,8 @@ TEST(NetChanges, LeavesOutWhatTheRunItselfTakesBack) {
 
 TEST(NetChanges, PutsTheChangesOfARowTogether) {
     const std::vector<ChangeRecord> records{
-        NewTrack(1, "a"), Row(RowKind::Changed, "Tracks", 1, {{"SoundFile", "a", "b"}}),
+        NewTrack(1, "a"),
+        Row(RowKind::Changed, "Tracks", 1, {{"SoundFile", "a", "b"}}),
         Row(RowKind::Changed, "Tracks", 2, {{"Title", "x", "y"}}),
         Row(RowKind::Changed, "Tracks", 2, {{"ID", Number(2), Number(3)}}),
         Row(RowKind::Changed, "Tracks", 3, {{"Title", "y", "z"}}),
@@ -176,8 +180,8 @@ TEST(NetChanges, BackupsAndTheListOfDifferencesAreNoChangeOfTheLibrary) {
         Row(RowKind::Added, "SpinnerID3Differences", 1, {{"Field", Null{}, "Song"}}),
         File(FileKind::Written, R"(H:\data\Quillon\QuillonReconcile.csv)"), same};
     EXPECT_FALSE(ChangesLibrary(NetChangesOf(records)));
-    EXPECT_TRUE(ChangesLibrary(
-        NetChangesOf(std::vector<ChangeRecord>{File(FileKind::Copied, "a", "b")})));
+    EXPECT_TRUE(
+        ChangesLibrary(NetChangesOf(std::vector<ChangeRecord>{File(FileKind::Copied, "a", "b")})));
 }
 
 TEST(LogText, MarksErrors) {
