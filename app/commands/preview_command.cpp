@@ -136,7 +136,7 @@ int PreviewRun(const PreviewRequest& request, Console console) {
     });
     RecordsInMemory sink;
     const std::string stamp = StampText(local.clock.Now());
-    sink.Note(RunStarted{.stamp = stamp, .version = ProgramVersion, .mode = "", .undoes = ""});
+    sink.Note(RunStarted{.stamp = stamp, .version = std::string(ProgramVersion), .mode = "", .undoes = ""});
     RowRecorder rows(sink);
     local.databases.KeepInMemory();
     local.databases.SetObserver(&rows);

@@ -67,17 +67,15 @@ TEST_F(WriteEndTest, CutsOffWhatWasSeenAndKeepsTheTime) {
 }
 
 TEST_F(WriteEndTest, CutsNothingThatWasNotSeen) {
-    const std::string refusal = FailureOf([&] {
-        files_.WriteEnd(Path, {.size = 13, .bytes = Bytes("end")}, 9, {});
-    });
+    const std::string refusal =
+        FailureOf([&] { files_.WriteEnd(Path, {.size = 13, .bytes = Bytes("end")}, 9, {}); });
     EXPECT_THAT(refusal, testing::HasSubstr("Invalid procedure call"));
     EXPECT_EQ(Content(), "audio and end");
 }
 
 TEST_F(WriteEndTest, CutsNothingOfAFileThatHasChanged) {
-    const std::string refusal = FailureOf([&] {
-        files_.WriteEnd(Path, {.size = 13, .bytes = Bytes("END")}, 10, {});
-    });
+    const std::string refusal =
+        FailureOf([&] { files_.WriteEnd(Path, {.size = 13, .bytes = Bytes("END")}, 10, {}); });
     EXPECT_THAT(refusal, testing::HasSubstr("it has changed meanwhile"));
     EXPECT_EQ(Content(), "audio and end");
 }
