@@ -114,14 +114,15 @@ def leaves_what_was_changed(program):
 def edited_journals(program):
     with Stage(program) as stage:
         library(stage)
-        journals = sorted((stage.host / "Changes").glob("*.jsonl"))
-        lines = journals[-1].read_text("utf-8").splitlines()
+        journal = stage.host / "Changes" / (runs(stage)[-1]["run"] + ".jsonl")
+        lines = journal.read_text("utf-8").splitlines()
         # As a kill leaves it: no end, and half a line.
         without_end = [line for line in lines if json.loads(line)["record"] != "end"]
         saved = max(i for i, line in enumerate(without_end)
                     if json.loads(line)["record"] == "saved")
         row = next(line for line in lines if json.loads(line)["record"] == "row")
-        journals[-1].write_text("\n".join([*without_end[:saved + 1], row, '{"record":"fi']), "utf-8")
+        journal.write_text("\n".join([*without_end[:saved + 1], row, '{"record":"fi']),
+                           "utf-8")
         status, output, errors = changes(stage)
         expect("cut short", 0, status)
         expect_in("Planned, not done", output)
@@ -129,7 +130,7 @@ def edited_journals(program):
         told = [json.loads(line) for line in changes(stage, "--json")[1].splitlines()]
         expect("planned", 1, sum("plannedNotDone" in record for record in told))
         # Edited in the middle.
-        journals[-1].write_text("\n".join(["nonsense", *lines]) + "\n", "utf-8")
+        journal.write_text("\n".join(["nonsense", *lines]) + "\n", "utf-8")
         status, _, errors = changes(stage, "last")
         expect("edited", 1, status)
         expect_in("line 1 of", errors)
