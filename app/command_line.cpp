@@ -86,6 +86,30 @@ last line is the verdict. Exit status 0 when a run could start and do what it is
 Example:
   quillon check --host ~/shelf)";
 
+constexpr const char* ChangesFooter =
+    R"(Every run writes down what it changes in Changes in the host folder, before it does: rows of the
+database, files renamed, removed, copied and written. Without RUN the last run is shown. A RUN is called
+by the time it began, as --list shows it. What a killed run had planned and not done is told apart.
+Exit status 0; 1 where lines of the journal cannot be read, which are named; 2 where there is none.
+
+Examples:
+  quillon changes --host ~/shelf                        what the last run did
+  quillon changes --list --host ~/shelf                 all runs
+  quillon changes 2026-11-21_07-13-05 --host ~/shelf    one of them)";
+
+constexpr const char* UndoFooter =
+    R"(Takes the last run back, or with RUN all runs from that one on: names of files, music from Removed,
+tags, playlists, rows of the database, the pages of the album picker. Files that were copied into the
+library go to Removed. It shows first what it would do and asks. What was changed since the run stays as
+it is and is named. An undo is a run itself: with its own RUN it can be taken back, too. One that was cut
+off goes on when it is started again. Dated backups stay.
+Exit status 0 when all is back, 1 when something stays as it is, 2 when nothing was done.
+
+Examples:
+  quillon undo --host ~/shelf                        the last run
+  quillon undo --host ~/shelf --yes                  without a question, for scripts
+  quillon undo 2026-11-21_07-13-05 --host ~/shelf    that run and all behind it)";
+
 constexpr const char* ServeFooter =
     R"(The pages are those that a run with AlbumPicker=1 has made below HTML in the host folder. Only
 browsers on this computer can connect. The player's page lists what it was asked for and plays
@@ -129,6 +153,8 @@ class Grammar {
         DefineInit();
         check_->footer(CheckFooter);
         AddHostOption(*check_);
+        DefineChanges();
+        DefineUndo();
         DefineServe();
         DefineBackups();
         help_->footer(HelpFooter);
@@ -250,6 +276,22 @@ class Grammar {
                   "How albums are stored there (default: tree)");
     }
 
+    void DefineChanges() {
+        changes_->footer(ChangesFooter);
+        AddHostOption(*changes_);
+        changes_->add_option("RUN", changesRequest_.run, "The run, such as 2026-11-21_07-13-05")
+            ->type_name("");
+        changes_->add_flag("--list", changesRequest_.list, "List all runs");
+        changes_->add_flag("--json", changesRequest_.json, "Print a JSON object a line");
+    }
+
+    void DefineUndo() {
+        undo_->footer(UndoFooter);
+        AddHostOption(*undo_);
+        undo_->add_option("RUN", undoRequest_.run, "The first run to take back")->type_name("");
+        undo_->add_flag("--yes", undoRequest_.yes, "Do it without a question");
+    }
+
     void DefineServe() {
         serve_->footer(ServeFooter);
         AddHostOption(*serve_);
@@ -304,6 +346,11 @@ class Grammar {
             return PreviewRequest{HostFolder(), allowRemovals_, previewsAsJson_};
         if (init_->parsed()) return initRequest_;
         if (check_->parsed()) return CheckRequest{HostFolder()};
+        if (changes_->parsed()) {
+            return ChangesRequest{HostFolder(), changesRequest_.run, changesRequest_.list,
+                                  changesRequest_.json};
+        }
+        if (undo_->parsed()) return UndoRequest{HostFolder(), undoRequest_.run, undoRequest_.yes};
         if (serve_->parsed()) return ServeRequest{HostFolder(), serveRequest_.port};
         if (backups_->parsed()) return BackupsRequest{HostFolder(), backupsRequest_.json};
         if (restore_->parsed())
@@ -320,6 +367,8 @@ class Grammar {
         app_.add_subcommand("preview", "Show all that a run would change; change nothing");
     CLI::App* init_ = app_.add_subcommand("init", "Make a host folder");
     CLI::App* check_ = app_.add_subcommand("check", "Show what a run would do; change nothing");
+    CLI::App* changes_ = app_.add_subcommand("changes", "Show what runs have changed");
+    CLI::App* undo_ = app_.add_subcommand("undo", "Take the last run back");
     CLI::App* serve_ = app_.add_subcommand("serve", "Show the album picker in a browser");
     CLI::App* backups_ = app_.add_subcommand("backups", "List what runs have backed up");
     CLI::App* restore_ = app_.add_subcommand("restore", "Put a backup back in its place");
@@ -331,6 +380,8 @@ class Grammar {
     ViewKind view_ = ViewKind::Auto;
     bool quiet_ = false, allowRemovals_ = false, previewsAsJson_ = false;
     InitRequest initRequest_;
+    ChangesRequest changesRequest_;
+    UndoRequest undoRequest_;
     ServeRequest serveRequest_;
     BackupsRequest backupsRequest_;
     RestoreRequest restoreRequest_;

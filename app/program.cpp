@@ -6,6 +6,7 @@
 
 #include "app/command_line.h"
 #include "app/commands/backups_command.h"
+#include "app/commands/changes_command.h"
 #include "app/commands/check_command.h"
 #include "app/commands/db_command.h"
 #include "app/commands/init_command.h"
@@ -13,6 +14,7 @@
 #include "app/commands/restore_command.h"
 #include "app/commands/run_command.h"
 #include "app/commands/serve_command.h"
+#include "app/commands/undo_command.h"
 #include "app/standard_descriptors.h"
 #include "app/text/display_text.h"
 #include "app/views/view_choice.h"
@@ -46,6 +48,8 @@ struct Dispatcher {
     int operator()(const PreviewRequest& request) const { return PreviewRun(request, console); }
     int operator()(const InitRequest& request) const { return Init(request, console); }
     int operator()(const CheckRequest& request) const { return Check(request, console); }
+    int operator()(const ChangesRequest& request) const { return Changes(request, console); }
+    int operator()(const UndoRequest& request) const { return Undo(request, console); }
     int operator()(const ServeRequest& request) const { return Serve(request, console); }
     int operator()(const BackupsRequest& request) const { return ListBackups(request, console); }
     int operator()(const RestoreRequest& request) const { return Restore(request, console); }

@@ -42,6 +42,21 @@ struct CheckRequest {
     std::filesystem::path host;
 };
 
+/// `quillon changes`
+struct ChangesRequest {
+    std::filesystem::path host;
+    std::string run;    ///< its stamp; "" or "last": the last one
+    bool list = false;  ///< all runs, a line each
+    bool json = false;  ///< a JSON object a line
+};
+
+/// `quillon undo`
+struct UndoRequest {
+    std::filesystem::path host;
+    std::string run;   ///< stamp of the first run to take back; "": the last one that can be
+    bool yes = false;  ///< without a question
+};
+
 /// `quillon serve`
 struct ServeRequest {
     std::filesystem::path host;
@@ -137,9 +152,9 @@ struct TextAnswer {
 
 /// Everything that a command line can ask for.
 using Request =
-    std::variant<TextAnswer, RunRequest, PreviewRequest, InitRequest, CheckRequest, ServeRequest,
-                 BackupsRequest, RestoreRequest, DbCreateRequest, DbTablesRequest, DbSchemaRequest,
-                 DbQueryRequest, DbExecRequest, DbImportRequest, DbExportRequest, DbCompactRequest,
-                 DbCheckRequest, DbRecoverRequest>;
+    std::variant<TextAnswer, RunRequest, PreviewRequest, InitRequest, CheckRequest, ChangesRequest,
+                 UndoRequest, ServeRequest, BackupsRequest, RestoreRequest, DbCreateRequest,
+                 DbTablesRequest, DbSchemaRequest, DbQueryRequest, DbExecRequest, DbImportRequest,
+                 DbExportRequest, DbCompactRequest, DbCheckRequest, DbRecoverRequest>;
 
 }  // namespace quillon

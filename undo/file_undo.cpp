@@ -95,13 +95,15 @@ Outcome FileUndo::PutContentBack(const std::string& path, const FileChange& chan
     }
     if (change.before->keptAs.empty() || !files_.FileExists(KeptPath(*change.before)))
         return NotKept(path);
+    if (!Holds(files_, KeptPath(*change.before), *change.before))
+        return ChangedSince(KeptPath(*change.before));
     if (isThere) files_.DeleteFile(path);
     return BringKeptBack(path, *change.before);
 }
 
 Outcome FileUndo::BringKeptBack(const std::string& path, const FileContent& before) {
     const std::string kept = KeptPath(before);
-    if (!Holds(files_, kept, before)) return Outcome::Refusal(kept + " has been changed since");
+    if (!Holds(files_, kept, before)) return ChangedSince(kept);
     MakeFoldersFor(path);
     files_.MoveFile(kept, path);
     return {};

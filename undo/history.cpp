@@ -70,13 +70,17 @@ std::optional<std::size_t> History::Find(std::string_view stamp) const {
     return std::nullopt;
 }
 
+bool History::NamesUndo(const PastRun& undo) const {
+    const std::optional<std::size_t> named = Find(undo.started.undoes);
+    return named && runs_[*named].IsUndo();
+}
+
 std::string History::UndoneBy(std::size_t run) const {
     const std::string& stamp = runs_[run].started.stamp;
     for (std::size_t i = runs_.size(); i-- > run + 1;) {
         const PastRun& undo = runs_[i];
         const bool isMeant = undo.IsUndo() && CompareStamps(undo.started.undoes, stamp) <= 0 &&
-                             // Of undos one takes back only the one that it names.
-                             (!runs_[run].IsUndo() || undo.started.undoes == stamp);
+                             (!runs_[run].IsUndo() || NamesUndo(undo));
         const bool isDone = undo.ended && undo.ended->status == 0;
         if (isMeant && isDone && UndoneBy(i).empty()) return undo.started.stamp;
     }
@@ -96,8 +100,12 @@ std::string History::LastToUndo() const {
 std::vector<std::size_t> History::ForFiles(std::string_view stamp) const {
     std::vector<std::size_t> chosen;
     const std::optional<std::size_t> first = Find(stamp);
-    for (std::size_t i = runs_.size(); first && i-- > *first;)
-        if (i == *first || !runs_[i].IsUndo()) chosen.push_back(i);
+    for (std::size_t i = runs_.size(); first && i-- > *first;) {
+        const PastRun& run = runs_[i];
+        const bool isBehindUndo =
+            runs_[*first].IsUndo() && CompareStamps(run.started.undoes, stamp) < 0;
+        if (i == *first || !run.IsUndo() || isBehindUndo) chosen.push_back(i);
+    }
     return chosen;
 }
 
@@ -106,7 +114,8 @@ std::vector<std::size_t> History::ForRows(std::string_view stamp) const {
     const std::optional<std::size_t> first = Find(stamp);
     for (std::size_t i = first.value_or(runs_.size()); i < runs_.size(); ++i) {
         const PastRun& run = runs_[i];
-        if (i == *first || !run.IsUndo() || CompareStamps(run.started.undoes, stamp) >= 0)
+        if (runs_[*first].IsUndo() || !run.IsUndo() ||
+            CompareStamps(run.started.undoes, stamp) >= 0)
             chosen.push_back(i);
     }
     return chosen;

@@ -40,7 +40,8 @@ class History {
     std::string LastToUndo() const;
 
     /// The runs whose files are to be taken back for a way back before the run of this stamp, the
-    /// newest first: it and those behind it, undos only where it is one itself.
+    /// newest first: it and those behind it. Undos only where it is one itself: then those behind
+    /// it that have gone further back.
     std::vector<std::size_t> ForFiles(std::string_view stamp) const;
 
     /// The same for rows, the oldest first, with the undos among them: what they have put back
@@ -52,6 +53,8 @@ class History {
 
   private:
     std::optional<std::size_t> Find(std::string_view stamp) const;
+    /// Whether what an undo takes back begins with an undo.
+    bool NamesUndo(const PastRun& undo) const;
 
     std::vector<PastRun> runs_;
 };

@@ -6,6 +6,7 @@
 #include <system_error>
 
 #include "app/journal/journal_lines.h"
+#include "app/journal/net_changes.h"
 #include "platform/failure.h"
 
 namespace quillon {
@@ -25,10 +26,6 @@ void VisitLines(const fs::path& file,
     if (text.bad()) throw Failure(FailureNumber::PathFileAccess, file.string());
 }
 
-bool TellsOfChange(std::string_view line) {
-    return line.starts_with(R"({"record":"row")") || line.starts_with(R"({"record":"file")");
-}
-
 /// What a run's own records say of it.
 struct Facts {
     PastRun& run;
@@ -40,8 +37,12 @@ struct Facts {
     }
     void operator()(const ModeChosen& chosen) const { run.started.mode = chosen.mode; }
     void operator()(const RunEnded& ended) const { run.ended = ended; }
-    void operator()(const RowChange&) const { ++run.changes; }
-    void operator()(const FileChange&) const { ++run.changes; }
+    void operator()(const RowChange& change) const {
+        run.changes += std::size_t{IsOfLibrary(change)};
+    }
+    void operator()(const FileChange& change) const {
+        run.changes += std::size_t{IsOfLibrary(change)};
+    }
     template <typename Other>
     void operator()(const Other&) const {}
 };
@@ -80,10 +81,6 @@ PastRun LookAtJournal(const fs::path& file) {
     PastRun run;
     run.started.stamp = file.stem().string();
     VisitLines(file, [&](const std::string& line, bool) {
-        if (TellsOfChange(line)) {
-            ++run.changes;
-            return;
-        }
         try {
             std::visit(Facts{run}, FromLine(line));
         } catch (const DamagedLine&) {

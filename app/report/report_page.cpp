@@ -243,9 +243,8 @@ void Page::Artists() {
     const std::size_t all = names.size(), shown = std::min(all, ReportContent::MostListed);
     if (shown < all) {
         std::ranges::stable_partition(names, [this](const std::string* name) {
-            return std::ranges::any_of(content_.artists.at(*name), [](const DeedList& list) {
-                return !list.first.empty();
-            });
+            return std::ranges::any_of(content_.artists.at(*name),
+                                       [](const DeedList& list) { return !list.first.empty(); });
         });
         names.resize(shown);
     }

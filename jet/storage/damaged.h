@@ -16,7 +16,9 @@ namespace jet::storage {
 class DamagedFile : public Error {
   public:
     DamagedFile(const std::string& file, const std::string& what)
-        : Error(ErrorKind::Damaged, file + " is damaged: " + what + "."), file_(file), what_(what) {}
+        : Error(ErrorKind::Damaged, file + " is damaged: " + what + "."),
+          file_(file),
+          what_(what) {}
     const std::string& File() const { return file_; }
     const std::string& What() const { return what_; }  ///< without the file's name
 

@@ -2,6 +2,7 @@
 """run_scenario.py PROGRAM FILE   plays one scenario; README.md tells how the file is read."""
 
 import difflib
+import json
 import os
 import re
 import sys
@@ -10,7 +11,7 @@ from pathlib import Path
 
 import scenario_file
 from announcement import Announcement
-from stage import NOBODY, SANITIZED, Failed, Stage, output_of
+from stage import NOBODY, SANITIZED, Failed, Stage, confirm_whole, output_of
 
 import sound_files
 
@@ -224,6 +225,45 @@ def state(stage, kind):
     return all_music(stage) if kind == "music" else contents_of(stage.web)
 
 
+def everything(stage):
+    """What an undo has to bring back: each file by its content, music with its time; each row. Dated
+    copies stay; what only the program's own work needs is no part of it."""
+    files = {}
+    for folder in (stage.disk, stage.web, stage.host / "Data"):
+        for path in folder.rglob("*"):
+            name = str(path.relative_to(stage.work))
+            if "_Copy Dated_" in name or path == stage.database or path.suffix == ".playlists":
+                continue
+            if path.is_file():
+                is_music = path.suffix.lower() == ".mp3"
+                files[name] = (path.read_bytes(), path.stat().st_mtime_ns if is_music else 0)
+            else:
+                files[name] = "folder" if path.is_dir() else "link to nowhere"
+    rows = stage.all_rows() if stage.database.exists() else {}
+    return files, {table: sorted(map(str, lines)) for table, lines in rows.items()}
+
+
+def compare_everything(when, expected, actual):
+    for wanted, there in zip(expected, actual):
+        for name in sorted(wanted.keys() | there.keys()):
+            if wanted.get(name) != there.get(name):
+                raise Failed(f"{name} is another {when}:\n{wanted.get(name)}\n{there.get(name)}")
+
+
+def confirm_way_back(stage, before):
+    """Takes the run back and takes that back: both times everything is as it was."""
+    after = everything(stage)
+    for when, expected in (("after an undo", before), ("after an undo of the undo", after)):
+        run = json.loads(stage.tool("changes", "--host", str(stage.host), "--list", "--json")
+                         .splitlines()[-1])
+        status, output, errors = stage.call("undo", run["run"], "--yes", "--host", str(stage.host))
+        if status != 0:
+            raise Failed(f"undo: status {status}\n{output}{errors}")
+        compare_everything(when, expected, everything(stage))
+        if stage.database.exists():
+            confirm_whole(stage.database)
+
+
 class Checks:
     """Compares one section after the other; a failure names the line of the file that has it."""
 
@@ -242,7 +282,7 @@ class Checks:
             raise Failed(f"{self.run.place(name)}: {failure}") from None
 
 
-def play(stage, run):
+def play(stage, run, is_last):
     set_the_scene(stage, run)
     already = len(stage.log_messages())
     unprivileged = "account" in run
@@ -257,6 +297,7 @@ def play(stage, run):
     if "check" in run:
         checks.at("check", compare_check, stage, run.lines("check"), unprivileged)
     announcement = Announcement(stage, run.lines("arguments"), unprivileged)
+    whole = everything(stage) if is_last and goes_back(stage, run) else None
     status, output, errors = stage.reconcile(*run.lines("arguments"), unprivileged=unprivileged)
 
     for folder in closed:
@@ -268,9 +309,18 @@ def play(stage, run):
         checks.at(log, compare_log, run, stage.log_messages()[already:])
         announcement.confirm(stage, status, stage.log_messages()[already:], compare)
         confirm_outcome(stage, run, checks, before, (output, errors))
+        if whole is not None and status in (0, 1):
+            confirm_way_back(stage, whole)
     except Failed as failure:
         told = f"\nstandard output:\n{output}\nstandard error:\n{errors}"
         raise Failed(f"{failure}{told}") from None
+
+
+def goes_back(stage, run):
+    """Whether it can be seen that the run can be taken back: not where something keeps everybody from
+    the files, nor with the sanitizers, under which a process costs much."""
+    troubles = ("before/unreadable", "account", "before/commands")
+    return not SANITIZED and stage.database.exists() and not any(name in run for name in troubles)
 
 
 def confirm_outcome(stage, run, checks, before, told):
@@ -302,7 +352,7 @@ def main():
         runs = scenario_file.read(file)
         with Stage(program) as stage:
             for run in runs:
-                play(stage, run)
+                play(stage, run, run is runs[-1])
     except (Failed, scenario_file.Misread) as failure:
         print(failure)
         return 1

@@ -139,6 +139,19 @@ TEST_F(FileUndoTest, CutsOffATagThatWasNotThere) {
     EXPECT_EQ(TakeBack(change).state, State::WasSo);
 }
 
+TEST_F(FileUndoTest, PutsAShorterEndBackEvenWhereItWasCutOffInBetween) {
+    const FileChange change{.kind = Kind::EndWritten,
+                            .path = R"(D:\a.mp3)",
+                            .position = 5,
+                            .before = Content("OLD"),
+                            .after = Content("LONGER")};
+    for (const char* const content : {"audioLONGER", "audio"}) {
+        folder_.MakeFile("a.mp3", content);
+        EXPECT_EQ(TakeBack(change), Outcome{});
+        EXPECT_EQ(folder_.Content("a.mp3"), "audioOLD");
+    }
+}
+
 TEST_F(FileUndoTest, LeavesATagThatAnotherProgramHasWritten) {
     const FileChange change{.kind = Kind::EndWritten,
                             .path = R"(D:\a.mp3)",
@@ -260,6 +273,19 @@ TEST_F(FileUndoTest, BringsALargeFileBackThatWasReplaced) {
     EXPECT_EQ(TakeBack(change), Outcome{});
     EXPECT_EQ(folder_.Content("big.jpg"), "large image");
     EXPECT_EQ(TakeBack(change).state, State::WasSo);
+}
+
+TEST_F(FileUndoTest, LeavesAFileWhereWhatWasKeptIsNoLongerTheSame) {
+    folder_.MakeFile("host/Changes/now/1/big.jpg", "something else");
+    folder_.MakeFile("big.jpg", "new");
+    FileContent kept{.size = 11};
+    kept.keptAs = "Changes/now/1/big.jpg";
+    const FileChange change{.kind = Kind::Written,
+                            .path = R"(D:\big.jpg)",
+                            .before = kept,
+                            .after = Look(R"(D:\big.jpg)")};
+    EXPECT_EQ(TakeBack(change).state, State::Refused);
+    EXPECT_EQ(folder_.Content("big.jpg"), "new");
 }
 
 TEST_F(FileUndoTest, GoesOnWhereItWasCutOffBetweenTwoFiles) {

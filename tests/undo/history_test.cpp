@@ -83,6 +83,19 @@ TEST(History, LeavesUndosOutOfAWayBack) {
     EXPECT_THAT(history.ForFiles("5"), IsEmpty());
 }
 
+TEST(History, TakesUndosBackTogether) {
+    const History history({Ran("1"), Ran("2"), Undid("3", "2"), Undid("4", "1")});
+    EXPECT_THAT(history.ForFiles("3"), ElementsAre(3, 2));
+    EXPECT_THAT(history.ForRows("3"), ElementsAre(2, 3));
+    const History after({Ran("1"), Ran("2"), Undid("3", "2"), Undid("4", "1"), Undid("5", "3")});
+    EXPECT_EQ(after.UndoneBy(0), "");
+    EXPECT_EQ(after.UndoneBy(1), "");
+    EXPECT_EQ(after.UndoneBy(3), "5");
+    EXPECT_EQ(after.LastToUndo(), "2");
+    EXPECT_THAT(after.ForFiles("3"), ElementsAre(3, 2));
+    EXPECT_THAT(after.ForRows("1"), ElementsAre(0, 1, 2, 3, 4));
+}
+
 TEST(TakenBack, IsWhatNoLaterUndoHasTakenBackItself) {
     const RecordedRun undo{.stamp = "2", .records = {Taking(1, "1#7"), Taking(2, "1#6")}};
     const RecordedRun again{.stamp = "3", .records = {Taking(1, "2#2")}};

@@ -1,0 +1,166 @@
+#include "app/commands/changes_command.h"
+
+#include <algorithm>
+#include <fmt/format.h>
+#include <ostream>
+#include <set>
+
+#include "app/journal/change_text.h"
+#include "app/journal/journal_file.h"
+#include "app/journal/journal_lines.h"
+#include "app/journal/journal_reader.h"
+#include "app/local_host.h"
+#include "app/text/display_text.h"
+#include "app/value_text.h"
+#include "changes/preview_files.h"
+#include "platform/failure.h"
+#include "undo/file_undo.h"
+
+namespace quillon {
+namespace {
+
+using Journals = std::vector<std::filesystem::path>;
+
+std::string OutcomeText(const PastRun& run) {
+    return run.ended ? run.ended->outcome : "killed, or still going on";
+}
+
+History HistoryOf(const Journals& journals) {
+    std::vector<PastRun> runs;
+    for (const std::filesystem::path& journal : journals)
+        runs.push_back(LookAtJournal(journal));
+    return History(std::move(runs));
+}
+
+void ListAsJson(std::ostream& out, const History& history) {
+    for (std::size_t i = 0; i < history.Runs().size(); ++i) {
+        const PastRun& run = history.Runs()[i];
+        out << fmt::format(R"({{"run":{},"mode":{},"outcome":{},"changes":{})",
+                           JsonString(run.started.stamp), JsonString(run.started.mode),
+                           JsonString(run.ended ? run.ended->outcome : ""), run.changes);
+        if (run.ended) out << fmt::format(R"(,"status":{})", run.ended->status);
+        if (run.IsUndo()) out << R"(,"undoes":)" << JsonString(run.started.undoes);
+        const std::string undoneBy = history.UndoneBy(i);
+        if (!undoneBy.empty()) out << R"(,"undoneBy":)" << JsonString(undoneBy);
+        out << "}\n";
+    }
+}
+
+void List(std::ostream& out, const History& history) {
+    for (std::size_t i = 0; i < history.Runs().size(); ++i) {
+        const PastRun& run = history.Runs()[i];
+        std::string line =
+            fmt::format("{}  {}: {}", run.started.stamp, run.started.mode, OutcomeText(run));
+        line += run.changes == 1 ? ", 1 change" : fmt::format(", {} changes", run.changes);
+        if (run.IsUndo()) line += ", takes back " + run.started.undoes;
+        const std::string undoneBy = history.UndoneBy(i);
+        if (!undoneBy.empty()) line += ", taken back by " + undoneBy;
+        out << OneLine(line) << '\n';
+    }
+    if (history.Runs().empty()) out << "There has been no run yet.\n";
+}
+
+/// Whether the disk still is as it was before the last change of a file. What cannot be told has
+/// perhaps been done.
+bool IsUndone(LocalHost& local, const FileChange& change) {
+    PreviewFiles preview(local.files, local.clock);
+    FileUndo undo(preview, local.host.GetAppPath());
+    try {
+        return undo.TakeBack(change).state == Outcome::State::WasSo;
+    } catch (const Failure&) {
+        return false;
+    }
+}
+
+/// The records, by place, that a run had planned and not done when it was killed: rows that were
+/// not saved, and the last file where nothing has been noted behind it.
+std::set<std::size_t> PlannedOnly(LocalHost& local, const JournalContent& journal) {
+    std::set<std::size_t> planned;
+    if (journal.IsWhole()) return planned;
+    const std::vector<ChangeRecord>& records = journal.records;
+    for (std::size_t i = records.size(); i-- > 0;) {
+        if (std::holds_alternative<RowsSaved>(records[i])) break;
+        if (std::holds_alternative<RowChange>(records[i])) planned.insert(i);
+    }
+    const auto* const last = records.empty() ? nullptr : std::get_if<FileChange>(&records.back());
+    if (last != nullptr && IsUndone(local, *last)) planned.insert(records.size() - 1);
+    return planned;
+}
+
+void ShowAsJson(std::ostream& out, const JournalContent& journal,
+                const std::set<std::size_t>& planned) {
+    for (std::size_t i = 0; i < journal.records.size(); ++i) {
+        std::string line = ToLine(journal.records[i]);
+        if (planned.contains(i)) line.insert(line.size() - 1, R"(,"plannedNotDone":true)");
+        out << line << '\n';
+    }
+    for (const DamagedPlace& place : journal.damaged) {
+        out << fmt::format(R"({{"record":"damaged","line":{},"cutShort":{}}})", place.line,
+                           place.isCutShort)
+            << '\n';
+    }
+}
+
+void Show(std::ostream& out, const PastRun& run, const JournalContent& journal,
+          const std::set<std::size_t>& planned) {
+    std::vector<ChangeRecord> done, notDone;
+    for (std::size_t i = 0; i < journal.records.size(); ++i)
+        (planned.contains(i) ? notDone : done).push_back(journal.records[i]);
+    out << OneLine(
+               fmt::format("Run {}, {}: {}", run.started.stamp, run.started.mode, OutcomeText(run)))
+        << '\n';
+    if (run.IsUndo()) out << OneLine("It takes back " + run.started.undoes) << '\n';
+    const std::string changes = ChangeText(NetChangesOf(done));
+    out << '\n' << (changes.empty() ? "Nothing was changed.\n" : changes);
+    if (!notDone.empty()) out << "\nPlanned, not done:\n\n" << ChangeText(NetChangesOf(notDone));
+    const std::string log = LogText(journal.records);
+    if (!log.empty()) out << '\n' << log;
+}
+
+void TellDamage(std::ostream& err, const JournalContent& journal,
+                const std::filesystem::path& file) {
+    for (const DamagedPlace& place : journal.damaged) {
+        err << "quillon: "
+            << OneLine(fmt::format("line {} of {} {}", place.line, file.string(),
+                                   place.isCutShort ? "was cut short: what it was to tell of has "
+                                                      "not been done"
+                                                    : "cannot be read"))
+            << '\n';
+    }
+}
+
+std::size_t Chosen(const History& history, const std::string& wanted) {
+    const std::vector<PastRun>& runs = history.Runs();
+    if (runs.empty()) throw CommandError("There has been no run yet");
+    if (wanted.empty() || wanted == "last") return runs.size() - 1;
+    for (std::size_t i = 0; i < runs.size(); ++i)
+        if (runs[i].started.stamp == wanted) return i;
+    throw CommandError(fmt::format(
+        "There is no run {}; 'quillon changes --list' shows those that there are", wanted));
+}
+
+}  // namespace
+
+int Changes(const ChangesRequest& request, Console console) {
+    LocalHost local(request.host, [](LogKind, const std::string&) {});
+    const Journals journals = JournalsIn(ChangesFolder(local.host.Folder()));
+    const History history = HistoryOf(journals);
+    if (request.list) {
+        request.json ? ListAsJson(console.out, history) : List(console.out, history);
+        return DoneStatus;
+    }
+    const std::size_t run = Chosen(history, request.run);
+    const JournalContent journal = ReadJournal(journals[run]);
+    const std::set<std::size_t> planned = PlannedOnly(local, journal);
+    if (request.json) {
+        ShowAsJson(console.out, journal, planned);
+    } else {
+        Show(console.out, history.Runs()[run], journal, planned);
+    }
+    TellDamage(console.err, journal, journals[run]);
+    const bool isDamaged = std::ranges::any_of(
+        journal.damaged, [](const DamagedPlace& place) { return !place.isCutShort; });
+    return isDamaged ? FaultsFoundStatus : DoneStatus;
+}
+
+}  // namespace quillon

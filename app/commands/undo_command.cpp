@@ -1,0 +1,90 @@
+#include "app/commands/undo_command.h"
+
+#include <algorithm>
+#include <fmt/format.h>
+#include <iostream>
+#include <span>
+#include <string>
+#include <unistd.h>
+
+#include "app/commands/undo_work.h"
+#include "app/confirmation.h"
+#include "app/journal/change_text.h"
+#include "app/local_host.h"
+#include "app/text/display_text.h"
+#include "platform/failure.h"
+#include "run/log.h"
+
+namespace quillon {
+namespace {
+
+void ShowRefused(std::ostream& out, const std::vector<std::string>& refused) {
+    constexpr std::size_t MostShown = 100;
+    if (refused.empty()) return;
+    out << fmt::format("\nStays as it is: {}\n", refused.size());
+    for (const std::string& line : std::span(refused).first(std::min(refused.size(), MostShown)))
+        out << "  " << OneLine(line) << '\n';
+    if (refused.size() > MostShown)
+        out << fmt::format("  and {} more\n", refused.size() - MostShown);
+}
+
+void ShowPlan(std::ostream& out, const UndoWork& work, const UndoWork::Result& plan) {
+    out << "This would be taken back, the last run first:\n";
+    for (const PastRun& run : work.Runs())
+        out << OneLine(fmt::format("  {}  {}", run.started.stamp, run.started.mode)) << '\n';
+    out << '\n' << ChangeText(NetChangesOf(plan.changes));
+    ShowRefused(out, plan.refused);
+}
+
+bool IsAgreed(std::ostream& out) {
+    if (isatty(STDIN_FILENO) == 0) {
+        throw CommandError(
+            "Nothing was taken back: there is no terminal to ask on; --yes does it without a "
+            "question");
+    }
+    out << '\n';
+    return IsConfirmed("Go on?", std::cin, out);
+}
+
+/// The log may be on a disk that is full: what was done is done.
+void Log(LocalHost& local, const std::string& text) {
+    try {
+        local.host.WriteLog(LogSource, text);
+    } catch (const Failure&) {
+        return;
+    }
+}
+
+void LogOutcome(LocalHost& local, const UndoWork& work, const UndoWork::Ended& ended) {
+    Log(local, fmt::format("Undo: run {} is taken back{}; {} changes, see 'quillon changes {}'",
+                           work.Stamp(), work.Runs().size() > 1 ? " with all behind it" : "",
+                           ended.result.changes.size(), ended.stamp));
+    for (const std::string& line : ended.result.refused)
+        Log(local, "Undo: stays as it is: " + line);
+}
+
+}  // namespace
+
+int Undo(const UndoRequest& request, Console console) {
+    LocalHost local(request.host, [](LogKind, const std::string&) {});
+    UndoWork work(local, request.run);
+    const UndoWork::Result plan = work.Plan();
+    ShowPlan(console.out, work, plan);
+    if (plan.changes.empty()) {
+        console.out << "\nNothing is left to take back.\n";
+        if (!plan.refused.empty()) return FaultsFoundStatus;
+    } else if (!request.yes && !IsAgreed(console.out)) {
+        console.out << "Nothing was taken back.\n";
+        return RefusedStatus;
+    }
+    const UndoWork::Ended ended = work.CarryOut();
+    if (!plan.changes.empty()) LogOutcome(local, work, ended);
+    if (!plan.changes.empty()) {
+        if (ended.result.refused != plan.refused) ShowRefused(console.out, ended.result.refused);
+        console.out << fmt::format("\nDone. 'quillon undo {}' takes this undo back.\n",
+                                   ended.stamp);
+    }
+    return ended.result.refused.empty() ? DoneStatus : FaultsFoundStatus;
+}
+
+}  // namespace quillon

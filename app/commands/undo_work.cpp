@@ -1,0 +1,281 @@
+#include "app/commands/undo_work.h"
+
+#include <chrono>
+#include <fmt/format.h>
+#include <utility>
+
+#include "app/console.h"
+#include "app/journal/journal_file.h"
+#include "app/removed_music.h"
+#include "app/version.h"
+#include "changes/journalled_files.h"
+#include "changes/preview_files.h"
+#include "driver/library_form.h"
+#include "driver/settings_reader.h"
+#include "platform/basic_text.h"
+#include "platform/failure.h"
+#include "run/log.h"
+
+namespace quillon {
+namespace {
+
+using Work = RowUndo::Step::Work;
+
+/// Keeps the records of changes.
+class ChangeCollector : public ChangeSink {
+  public:
+    explicit ChangeCollector(std::vector<ChangeRecord>& changes) : changes_(changes) {}
+    void Note(const ChangeRecord& record) override {
+        const bool isChange = std::holds_alternative<RowChange>(record) ||
+                              std::holds_alternative<FileChange>(record) ||
+                              std::holds_alternative<FileChangeFailed>(record);
+        if (isChange) changes_.push_back(record);
+    }
+    void MakeDurable() override {}
+
+  private:
+    std::vector<ChangeRecord>& changes_;
+};
+
+/// Gives records to two sinks.
+class BothSinks : public ChangeSink {
+  public:
+    BothSinks(ChangeSink& first, ChangeSink& second) : first_(first), second_(second) {}
+    void Note(const ChangeRecord& record) override {
+        first_.Note(record);
+        second_.Note(record);
+    }
+    void MakeDurable() override {
+        first_.MakeDurable();
+        second_.MakeDurable();
+    }
+
+  private:
+    ChangeSink &first_, &second_;
+};
+
+/// The change of a row that a step would make.
+RowChange ChangeOf(const RowUndo::Step& step) {
+    const NetRow& row = *step.row;
+    RowChange change{
+        .table = row.table, .key = row.now.exists ? row.now.key : row.before.key, .fields = {}};
+    const auto valueIn = [](const RowState& state, const std::string& field) -> Value {
+        const auto found = state.fields.find(field);
+        return found == state.fields.end() ? Value(Null()) : found->second;
+    };
+    if (step.work == Work::Insert) {
+        change.kind = RowChange::Kind::Added;
+        for (const auto& [field, value] : row.before.fields)
+            change.fields.push_back({field, Null(), value});
+    } else if (step.work == Work::Delete) {
+        change.kind = RowChange::Kind::Removed;
+        for (const auto& [field, value] : row.now.fields)
+            change.fields.push_back({field, value, Null()});
+    } else {
+        for (const auto& [field, value] : row.before.fields)
+            if (valueIn(row.now, field) != value)
+                change.fields.push_back({field, valueIn(row.now, field), value});
+    }
+    return change;
+}
+
+std::string WithoutPeriod(std::string text) {
+    if (text.ends_with('.')) text.pop_back();
+    return text;
+}
+
+std::string FailureIn(const std::function<void()>& work) {
+    try {
+        work();
+        return "";
+    } catch (const Failure& failure) {
+        return WithoutPeriod(failure.what());
+    }
+}
+
+RecordedRun Recorded(JournalContent content) {
+    const bool isWhole = content.IsWhole();
+    return {.stamp = std::move(content.stamp),
+            .records = std::move(content.records),
+            .isWhole = isWhole};
+}
+
+}  // namespace
+
+void UndoSink::Note(const ChangeRecord& record) {
+    if (sink_ == nullptr) return;
+    const auto* const change = std::get_if<FileChange>(&record);
+    if (change == nullptr) return sink_->Note(record);
+    FileChange named = *change;
+    named.takesBack = takesBack_;
+    sink_->Note(named);
+}
+
+UndoWork::UndoWork(LocalHost& local, std::string_view stamp) : local_(local), stamp_(stamp) {
+    // Before the journals are read, so that no run writes one meanwhile.
+    OpenDatabase();
+    const auto journals = JournalsIn(ChangesFolder(local_.host.Folder()));
+    std::vector<PastRun> runs;
+    for (const std::filesystem::path& journal : journals)
+        runs.push_back(LookAtJournal(journal));
+    const History history(std::move(runs));
+    if (stamp_.empty() || stamp_ == "last") stamp_ = history.LastToUndo();
+    if (stamp_.empty()) throw CommandError("There is no run that can be taken back");
+    ReadJournals(journals, history);
+}
+
+void UndoWork::ReadJournals(const std::vector<std::filesystem::path>& journals,
+                            const History& history) {
+    const std::vector<std::size_t> newestFirst = history.ForFiles(stamp_);
+    if (newestFirst.empty()) {
+        throw CommandError(fmt::format(
+            "There is no run {}; 'quillon changes --list' shows those that there are", stamp_));
+    }
+    std::vector<RecordedRun> runs, undos;
+    for (const std::size_t run : newestFirst) {
+        JournalContent content = ReadJournal(journals[run]);
+        for (const DamagedPlace& place : content.damaged) {
+            // A line that was cut short tells of nothing that has happened.
+            if (!place.isCutShort)
+                damaged_.push_back(
+                    fmt::format("line {} of {} cannot be read: what it tells of stays as it is",
+                                place.line, journals[run].filename().string()));
+        }
+        runs_.push_back(history.Runs()[run]);
+        runs.push_back(Recorded(std::move(content)));
+    }
+    for (const std::size_t undo : history.UndosSince(stamp_))
+        undos.push_back(Recorded(ReadJournal(journals[undo])));
+    steps_ = FileStepsFor(runs, TakenBack(undos));
+    NetRows net;
+    for (const std::size_t run : history.ForRows(stamp_))
+        net.Add(ReadJournal(journals[run]).records);
+    rows_ = net.Take();
+}
+
+void UndoWork::OpenDatabase() {
+    const Settings settings = InspectSettings(local_.host).settings;
+    const std::string failure = FailureIn([&] {
+        if (settings.Nirvis_CDJ_DB.empty() || !local_.files.FileExists(settings.Nirvis_CDJ_DB))
+            return;
+        local_.databases.SetObserver(&recorder_);
+        connection_ = local_.databases.Open(std::string(ConnectionPrefix) + settings.Nirvis_CDJ_DB);
+    });
+    if (!failure.empty()) {
+        throw CommandError(fmt::format("Nothing was taken back: {}", failure));
+    }
+}
+
+UndoWork::Result UndoWork::Plan() {
+    Result result;
+    ChangeCollector collector(result.changes);
+    sink_.PassTo(&collector);
+    PreviewFiles preview(local_.files, local_.clock);
+    PutFilesBack(preview, "undo", FailureIn, result);
+    if (!rows_.empty() && !connection_)
+        throw CommandError("Nothing was taken back: the database is not there");
+    if (connection_) {
+        const FilesThatStay stay(steps_);
+        const RowUndo undo(*connection_, rows_,
+                           [&](std::string_view path) { return stay.Has(path); });
+        for (const RowUndo::Step& step : undo.Steps()) {
+            if (step.work != Work::None) result.changes.push_back(ChangeOf(step));
+            if (step.outcome.state == Outcome::State::Refused)
+                result.refused.push_back(NameOf(*step.row) + ": " + step.outcome.reason);
+        }
+    }
+    sink_.PassTo(nullptr);
+    return result;
+}
+
+UndoWork::Ended UndoWork::CarryOut() {
+    const auto start = std::chrono::steady_clock::now();
+    JournalFile journal(ChangesFolder(local_.host.Folder()), local_.clock);
+    journal.Note(RunStarted{.stamp = journal.Stamp(),
+                            .version = std::string(ProgramVersion),
+                            .mode = "undo",
+                            .undoes = stamp_});
+    Ended ended{.result = {}, .stamp = journal.Stamp()};
+    ChangeCollector collector(ended.result.changes);
+    BothSinks both(journal, collector);
+    sink_.PassTo(&both);
+    const auto end = [&](const char* outcome, int status) {
+        journal.Remark(RunEnded{.outcome = outcome,
+                                .status = status,
+                                .duration = std::chrono::duration_cast<std::chrono::milliseconds>(
+                                    std::chrono::steady_clock::now() - start)});
+    };
+    const Attempt attempt = [&](const std::function<void()>& work) {
+        std::string failure = FailureIn(work);
+        if (!journal.Trouble().empty()) throw CommandError(journal.Trouble());
+        return failure;
+    };
+    try {
+        PutFilesBack(local_.files, journal.Stamp(), attempt, ended.result);
+        PutRowsBack(attempt, ended.result);
+        connection_.reset();
+    } catch (const std::exception& error) {
+        end("failed", RefusedStatus);
+        sink_.PassTo(nullptr);
+        throw CommandError(fmt::format("The undo was stopped: {}. Started again, it goes on",
+                                       WithoutPeriod(DescriptionOf(error))));
+    }
+    end("completed", ended.result.refused.empty() ? DoneStatus : FaultsFoundStatus);
+    sink_.PassTo(nullptr);
+    return ended;
+}
+
+/// Copies that go are kept as music is that a run removes; pages of the picker are made again by a
+/// run.
+bool UndoWork::GoesToRemoved(std::string_view path) const {
+    const bool isCopy =
+        step_ != nullptr && step_->change.kind == FileChange::Kind::Copied && !step_->change.before;
+    return isCopy &&
+           !LowerCase(path).starts_with(LowerCase(local_.host.GetAppPath() + R"(\HTML\)"));
+}
+
+void UndoWork::PutFilesBack(Files& files, const std::string& keeping, const Attempt& attempt,
+                            Result& result) {
+    RemovedFiles removed(RemovedMusicFolder(local_.host), local_.clock);
+    JournalledFiles journalled(
+        files, sink_,
+        {.folder = local_.host.GetAppPath() + R"(\Changes\)" + keeping,
+         .shownFolder = "Changes/" + keeping,
+         .placeOfDeleted = [&](std::string_view path) -> std::optional<std::string> {
+             if (!GoesToRemoved(path)) return std::nullopt;
+             return removed.PlaceFor(local_.files.AsOnDisk(path))
+                 .lexically_relative(local_.host.Folder())
+                 .generic_string();
+         },
+         .isScratch = {}});
+    local_.files.OnDelete([&](const std::string& local, const WindowsPath& shown) {
+        if (!GoesToRemoved(shown.Text())) return false;
+        removed.Take(local, shown);
+        return true;
+    });
+    FileUndo undo(journalled, local_.host.GetAppPath());
+    for (FileStep& step : steps_)
+        step.outcome = {};
+    quillon::CarryOut(steps_, undo, attempt, [&](const FileStep& step) {
+        step_ = &step;
+        sink_.Begin(step.name);
+    });
+    step_ = nullptr;
+    local_.files.OnDelete({});
+    result.refused = damaged_;
+    for (const FileStep& step : steps_)
+        if (step.outcome.state == Outcome::State::Refused)
+            result.refused.push_back(step.outcome.reason);
+}
+
+void UndoWork::PutRowsBack(const Attempt& attempt, Result& result) {
+    if (!connection_ || rows_.empty()) return;
+    const FilesThatStay stay(steps_);
+    RowUndo undo(*connection_, rows_, [&](std::string_view path) { return stay.Has(path); });
+    JetDatabaseProvider::Together(*connection_, [&] { undo.CarryOut(attempt); });
+    for (const RowUndo::Step& step : undo.Steps())
+        if (step.outcome.state == Outcome::State::Refused)
+            result.refused.push_back(NameOf(*step.row) + ": " + step.outcome.reason);
+}
+
+}  // namespace quillon

@@ -1,0 +1,85 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "app/journal/journal_reader.h"
+#include "app/journal/row_recorder.h"
+#include "app/local_host.h"
+#include "undo/file_steps.h"
+#include "undo/history.h"
+#include "undo/net_rows.h"
+#include "undo/row_undo.h"
+
+namespace quillon {
+
+/// Passes records on, once there is somewhere to pass them to, and names in those of files the
+/// change that is being taken back.
+class UndoSink : public ChangeSink {
+  public:
+    /// The sink must outlive this object; null: records are dropped.
+    void PassTo(ChangeSink* sink) { sink_ = sink; }
+    void Begin(const std::string& change) { takesBack_ = change; }
+
+    void Note(const ChangeRecord& record) override;
+    void MakeDurable() override {
+        if (sink_ != nullptr) sink_->MakeDurable();
+    }
+
+  private:
+    ChangeSink* sink_ = nullptr;
+    std::string takesBack_;
+};
+
+/// Takes runs of a host folder back. The library's database is held from the beginning to the end,
+/// so that no run comes in between.
+class UndoWork {
+  public:
+    /// `stamp` is that of the first run to take back, "" for the last one that can be. CommandError
+    /// where there is none, where journals cannot be read or the database cannot be had.
+    UndoWork(LocalHost& local, std::string_view stamp);
+
+    /// The runs, the newest first; the last one's stamp.
+    const std::vector<PastRun>& Runs() const { return runs_; }
+    const std::string& Stamp() const { return stamp_; }
+
+    struct Result {
+        std::vector<ChangeRecord> changes;  ///< what changes, in order
+        std::vector<std::string> refused;   ///< what stays as it is, and why
+    };
+
+    /// What it would do. Changes nothing.
+    Result Plan();
+
+    struct Ended {
+        Result result;
+        std::string stamp;  ///< of the undo, which is a run itself
+    };
+    /// Does it, journalled. CommandError where it has to stop: started again it goes on.
+    Ended CarryOut();
+
+  private:
+    void ReadJournals(const std::vector<std::filesystem::path>& journals, const History& history);
+    void OpenDatabase();
+    /// `keeping` is the folder below Changes for content that has no room in the journal.
+    void PutFilesBack(Files& files, const std::string& keeping, const Attempt& attempt,
+                      Result& result);
+    void PutRowsBack(const Attempt& attempt, Result& result);
+    bool GoesToRemoved(std::string_view path) const;
+
+    LocalHost& local_;
+    std::string stamp_;
+    std::vector<PastRun> runs_;
+    std::vector<FileStep> steps_;
+    std::vector<NetRow> rows_;
+    std::vector<std::string> damaged_;  ///< lines of journals, in words
+    UndoSink sink_;
+    RowRecorder recorder_{sink_};
+    std::unique_ptr<Connection> connection_;
+    const FileStep* step_ = nullptr;  ///< the one being carried out
+};
+
+}  // namespace quillon

@@ -1,0 +1,200 @@
+#!/usr/bin/env python3
+"""way_back.py PROGRAM   what `quillon changes` tells and `quillon undo` does beyond what every scenario
+shows: several runs, what was changed since, cut off, edited journals, a database that is open."""
+
+import json
+import os
+import signal
+import sys
+import time
+
+from stage import Failed, Stage
+
+import sound_files
+
+FIRST_DAY = 1500000000
+
+
+def expect(what, expected, actual):
+    if expected != actual:
+        raise Failed(f"{what}: expected {expected!r}, there is {actual!r}")
+
+
+def expect_in(text, told):
+    if text not in told:
+        raise Failed(f"\"{text}\" is not in:\n{told}")
+
+
+def song(stage, path, **tag):
+    name = str(stage.disk / "Music" / path)
+    sound_files.write(name, sound_files.silence(0.1) + sound_files.tag(**tag), FIRST_DAY)
+
+
+def undo(stage, *arguments):
+    return stage.call("undo", "--host", str(stage.host), *arguments)
+
+
+def changes(stage, *arguments):
+    return stage.call("changes", "--host", str(stage.host), *arguments)
+
+
+def runs(stage):
+    """All runs as `changes --list --json` tells of them."""
+    return [json.loads(line) for line in changes(stage, "--list", "--json")[1].splitlines()]
+
+
+def titles(stage):
+    return sorted(row["Title"] for row in stage.query("SELECT Title FROM Tracks"))
+
+
+def clean_run(stage):
+    status, output, errors = stage.reconcile()
+    if status != 0:
+        raise Failed(f"run: {status}\n{output}{errors}")
+
+
+def library(stage):
+    """Three runs: an album comes, another one, and a song goes."""
+    stage.settings["ID3Reconcile"] = "1"
+    stage.write_settings()
+    song(stage, "Alder/First/Alder - Dawn.mp3", song="Dawn", artist="Alder", album="First", track=1)
+    clean_run(stage)
+    song(stage, "Birch/Second/wrong name.mp3", song="Rain", artist="Birch", album="Second", track=1)
+    clean_run(stage)
+
+
+def several_runs(program):
+    with Stage(program) as stage:
+        expect("without a run", (2, ""), undo(stage, "--yes")[:2])
+        library(stage)
+        expect("titles", ["Dawn", "Rain"], titles(stage))
+        first = runs(stage)[0]["run"]
+        status, output, _ = undo(stage, "--yes")
+        expect("undo", 0, status)
+        expect_in("quillon undo ", output)
+        expect("titles", ["Dawn"], titles(stage))
+        expect("undone by", True, "undoneBy" in runs(stage)[1])
+        expect("second undo", 0, undo(stage, "--yes")[0])
+        expect("titles", [], titles(stage))
+        expect("nothing left", 2, undo(stage, "--yes")[0])
+        # Both undos are taken back at once, then both runs.
+        expect("undo of undos", 0, undo(stage, runs(stage)[2]["run"], "--yes")[0])
+        expect("titles", ["Dawn", "Rain"], titles(stage))
+        expect("undo of both", 0, undo(stage, first, "--yes")[0])
+        expect("titles", [], titles(stage))
+        expect("unknown run", 2, undo(stage, "2001-01-01_00-00-00", "--yes")[0])
+
+
+def asks_first(program):
+    with Stage(program) as stage:
+        library(stage)
+        status, output, errors = undo(stage)
+        expect("without a terminal", 2, status)
+        expect_in("--yes", errors)
+        expect_in("This would be taken back", output)
+        expect("runs", 2, len(runs(stage)))
+        expect("titles", ["Dawn", "Rain"], titles(stage))
+
+
+def leaves_what_was_changed(program):
+    with Stage(program) as stage:
+        library(stage)
+        played = stage.query("SELECT TimesPlayed FROM Tracks WHERE Title='Rain'")[0]["TimesPlayed"]
+        stage.execute("UPDATE Tracks SET TimesPlayed=3 WHERE Title='Rain'")
+        status, output, _ = undo(stage, "--yes")
+        expect("status", 1, status)
+        expect_in("row of Tracks 2 (\"Rain\"): TimesPlayed has been changed since, to 3", output)
+        expect("titles", ["Dawn", "Rain"], titles(stage))
+        played = "Null" if played is None else played
+        stage.execute(f"UPDATE Tracks SET TimesPlayed={played} WHERE Title='Rain'")
+        expect("started again", 0, undo(stage, "--yes")[0])
+        expect("titles", ["Dawn"], titles(stage))
+
+
+def edited_journals(program):
+    with Stage(program) as stage:
+        library(stage)
+        journal = stage.host / "Changes" / (runs(stage)[-1]["run"] + ".jsonl")
+        lines = journal.read_text("utf-8").splitlines()
+        # As a kill leaves it: no end, and half a line.
+        without_end = [line for line in lines if json.loads(line)["record"] != "end"]
+        saved = max(i for i, line in enumerate(without_end)
+                    if json.loads(line)["record"] == "saved")
+        row = next(line for line in lines if json.loads(line)["record"] == "row")
+        journal.write_text("\n".join([*without_end[:saved + 1], row, '{"record":"fi']),
+                           "utf-8")
+        status, output, errors = changes(stage)
+        expect("cut short", 0, status)
+        expect_in("Planned, not done", output)
+        expect_in("was cut short", errors)
+        told = [json.loads(line) for line in changes(stage, "--json")[1].splitlines()]
+        expect("planned", 1, sum("plannedNotDone" in record for record in told))
+        # Edited in the middle.
+        journal.write_text("\n".join(["nonsense", *lines]) + "\n", "utf-8")
+        status, _, errors = changes(stage, "last")
+        expect("edited", 1, status)
+        expect_in("line 1 of", errors)
+        for line in changes(stage, "--json")[1].splitlines():
+            json.loads(line)
+        status, output, _ = undo(stage, "--yes")
+        expect("undo by an edited journal", 1, status)
+        expect_in("line 1 of", output)
+        expect("titles", ["Dawn"], titles(stage))
+
+
+def killed(program):
+    """The undo of a run of many changes is killed again and again, and goes on each time."""
+    with Stage(program) as stage:
+        stage.settings["ID3Reconcile"] = "1"
+        stage.write_settings()
+        for number in range(60):
+            song(stage, f"Alder/First/{number:02}.mp3", song=f"Song {number}", artist="Alder",
+                 album="First", track=number + 1)
+        before = sorted(os.listdir(stage.disk / "Music/Alder/First"))
+        clean_run(stage)
+        if sorted(os.listdir(stage.disk / "Music/Alder/First")) == before:
+            raise Failed("the run has renamed nothing")
+        kills = 0
+        for wait in (0.02, 0.03, 0.04, 0.05, 0.06, 0.08):
+            process = stage.start("undo", "--host", str(stage.host), "--yes")
+            time.sleep(wait)
+            process.send_signal(signal.SIGKILL)
+            process.communicate()
+            kills += process.returncode == -signal.SIGKILL
+        if len(runs(stage)) > 1 and "undoneBy" not in runs(stage)[0]:
+            expect("after kills", 0, undo(stage, "--yes")[0])
+        elif len(runs(stage)) == 1:
+            expect("undo", 0, undo(stage, "--yes")[0])
+        expect("names", before, sorted(os.listdir(stage.disk / "Music/Alder/First")))
+        expect("titles", [], titles(stage))
+        stage.confirm_database(unrepaired=True)
+
+
+def database_in_use(program):
+    with Stage(program) as stage:
+        library(stage)
+        # The lock file's entry for one user: the computer's name and the user's, 32 bytes each.
+        (stage.disk / "jukebox.ldb").write_text("JUKEBOX-PC".ljust(32) + "Admin".ljust(32))
+        status, _, errors = undo(stage, "--yes")
+        (stage.disk / "jukebox.ldb").unlink()
+        expect("status", 2, status)
+        expect_in("Nothing was taken back", errors)
+        expect_in("in use by JUKEBOX-PC", errors)
+        expect("titles", ["Dawn", "Rain"], titles(stage))
+
+
+def main():
+    stories = (several_runs, asks_first, leaves_what_was_changed, edited_journals, killed,
+               database_in_use)
+    for story in stories:
+        try:
+            story(sys.argv[1])
+        except Failed as failure:
+            print(f"{story.__name__}: {failure}")
+            return 1
+    print(f"{len(stories)} stories as expected")
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
