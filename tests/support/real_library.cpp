@@ -117,7 +117,7 @@ std::unique_ptr<TextWriter> RealLibrary::Files::CreateText(std::string_view path
 }
 
 std::unique_ptr<BinaryReader> RealLibrary::Files::OpenBinary(std::string_view path) {
-    ++opened;
+    if (path.ends_with(".mp3")) ++opened;
     beforeReading(path);
     return PortableFiles::OpenBinary(path);
 }

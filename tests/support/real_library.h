@@ -59,7 +59,7 @@ class RealLibrary {
 
         std::function<void()> beforeChange = [] {};
         std::function<void(std::string_view path)> beforeReading = [](std::string_view) {};
-        std::size_t opened = 0;  ///< how many files have been opened to read their bytes
+        std::size_t opened = 0;  ///< how often music files have been, to read their bytes
     };
     Files& RealFiles() { return files_; }
 
