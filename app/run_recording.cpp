@@ -95,6 +95,10 @@ void RunRecording::LogThatItStopped() {
     LogQuietly(local_.host, StoppedText());
 }
 
+std::filesystem::path RunRecording::Path() const {
+    return ChangesFolder(local_.host.Folder()) / (journal_->Stamp() + ".jsonl");
+}
+
 void RunRecording::End(const RunSummary& summary, std::chrono::milliseconds duration) {
     journal_->Remark(RunEnded{.outcome = OutcomeWord(summary),
                               .status = ExitStatus(summary),

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -39,6 +40,9 @@ class RunRecording {
     /// What a person is to know then.
     std::string StoppedText() const;
     void LogThatItStopped();
+
+    /// The journal's file.
+    std::filesystem::path Path() const;
 
     /// Closes the journal. `summary` is what it was told of the run's end.
     void End(const RunSummary& summary, std::chrono::milliseconds duration);

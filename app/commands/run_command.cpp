@@ -5,7 +5,10 @@
 #include <string>
 #include <unistd.h>
 
+#include "app/journal/journal_reader.h"
 #include "app/local_host.h"
+#include "app/report/report_file.h"
+#include "app/report/report_names.h"
 #include "app/run_recording.h"
 #include "app/signals.h"
 #include "app/version.h"
@@ -46,6 +49,28 @@ void TellErrors(const Run& run, const RunRecording& recording) {
     errors.Finish();
 }
 
+/// "" where the settings name none that can be found.
+std::filesystem::path DatabaseOf(const Run& run, LocalHost& local) {
+    try {
+        return local.resolver.Local(run.settings.Nirvis_CDJ_DB);
+    } catch (const Failure&) {
+        return "";
+    }
+}
+
+/// The journal has all that a report tells, and is read record by record.
+void Report(const Run& run, LocalHost& local, const RunRecording& recording) {
+    ReportNames names(DatabaseOf(run, local));
+    const ReportFacts facts{
+        .host = local.host.Folder().string(),
+        .flatLayout = run.settings.FlatStructure,
+        .nameOf = [&names](const std::string& table, auto key) { return names.Of(table, key); },
+        .leftOut = LeftOutForReport(run.leftOut)};
+    WriteReport(
+        local.host, local.host.Folder(),
+        [&recording](const auto& visit) { VisitRecords(recording.Path(), visit); }, facts);
+}
+
 }  // namespace
 
 int RunLibrary(const RunRequest& request) {
@@ -75,6 +100,7 @@ int RunLibrary(const RunRequest& request) {
     const RunSummary summary = SummaryOf(outcome, run.Report(), recording, shown.Elapsed());
     shown.Summarize(summary);
     recording.End(summary, shown.Elapsed());
+    Report(run, local, recording);
     TellErrors(run, recording);
     return ExitStatus(summary);
 }

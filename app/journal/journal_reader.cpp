@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <fstream>
 #include <functional>
+#include <optional>
 #include <system_error>
 
 #include "app/journal/journal_lines.h"
@@ -77,16 +78,22 @@ std::vector<fs::path> JournalsIn(const fs::path& folder) {
     return journals;
 }
 
-PastRun LookAtJournal(const fs::path& file) {
-    PastRun run;
-    run.started.stamp = file.stem().string();
+void VisitRecords(const fs::path& file, const std::function<void(const ChangeRecord&)>& visit) {
     VisitLines(file, [&](const std::string& line, bool) {
+        std::optional<ChangeRecord> record;
         try {
-            std::visit(Facts{run}, FromLine(line));
+            record = FromLine(line);
         } catch (const DamagedLine&) {
             return;  // it is told where the journal is read
         }
+        visit(*record);
     });
+}
+
+PastRun LookAtJournal(const fs::path& file) {
+    PastRun run;
+    run.started.stamp = file.stem().string();
+    VisitRecords(file, [&run](const ChangeRecord& record) { std::visit(Facts{run}, record); });
     return run;
 }
 

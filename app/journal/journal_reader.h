@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -30,7 +31,12 @@ struct JournalContent {
     }
 };
 
-/// Failure: the file cannot be read.
+/// Calls visit(record) for each record that can be read, one in memory at a time. Failure: the file
+/// cannot be read.
+void VisitRecords(const std::filesystem::path& file,
+                  const std::function<void(const ChangeRecord&)>& visit);
+
+/// All of them. Failure: as above.
 JournalContent ReadJournal(const std::filesystem::path& file);
 
 /// The journals in a folder, the oldest first; none where there is no such folder.

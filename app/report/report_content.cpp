@@ -1,10 +1,9 @@
 #include "app/report/report_content.h"
 
 #include <algorithm>
+#include <deque>
 #include <fmt/format.h>
 #include <optional>
-#include <set>
-#include <unordered_map>
 #include <unordered_set>
 #include <utility>
 
@@ -86,12 +85,9 @@ class Gatherer {
   public:
     explicit Gatherer(const ReportFacts& facts) : facts_(facts) {}
 
-    ReportContent Gather(std::span<const ChangeRecord> records) {
-        for (const ChangeRecord& record : records)
-            if (const auto* const failed = std::get_if<FileChangeFailed>(&record))
-                failed_.insert(failed->number);
-        for (const ChangeRecord& record : records)
-            std::visit(*this, record);
+    ReportContent Finish() {
+        while (!planned_.empty())
+            TellNextFile();
         EndPhase(content_.hasEnded ? content_.end.duration : lastTime_);
         return std::move(content_);
     }
@@ -109,7 +105,10 @@ class Gatherer {
         lastTime_ = phase.at;
     }
     void operator()(const RowsSaved&) {}
-    void operator()(const FileChangeFailed&) {}
+    void operator()(const FileChangeFailed& failed) {
+        std::erase_if(planned_,
+                      [&](const FileChange& change) { return change.number == failed.number; });
+    }
     void operator()(const LogLine& line) {
         if (!line.isError) return;
         ++content_.errorCount;
@@ -126,9 +125,22 @@ class Gatherer {
         content_.end = end;
     }
     void operator()(const RowChange& row);
-    void operator()(const FileChange& change);
+    void operator()(const FileChange& change) {
+        if (IsOwnFile(change)) return;
+        planned_.push_back(change);
+        if (planned_.size() > MostPlanned) TellNextFile();
+    }
 
   private:
+    /// More than a journal has between a change of a file and the word that it failed.
+    static constexpr std::size_t MostPlanned = 1000;
+
+    void TellNextFile() {
+        Tell(planned_.front());
+        planned_.pop_front();
+    }
+    void Tell(const FileChange& change);
+
     void EndPhase(std::chrono::milliseconds at) {
         if (!phase_) return;
         content_.phases.push_back(
@@ -163,7 +175,8 @@ class Gatherer {
     }
 
     void AddFile(DeedKind kind, const std::string& path, std::string what) {
-        if (!seenFiles_.insert(std::to_string(static_cast<int>(kind)) + path).second) return;
+        const std::string thing = std::to_string(static_cast<int>(kind)) + path;
+        if (!seenFiles_.insert(ContentHash(thing)).second) return;
         const bool hasArtist = kind < DeedKind::PlaylistWritten;
         Add(kind, hasArtist ? ArtistOfFile(path, facts_.flatLayout) : "", std::move(what));
     }
@@ -172,8 +185,9 @@ class Gatherer {
 
     const ReportFacts& facts_;
     ReportContent content_;
-    std::unordered_set<std::uint64_t> failed_;
-    std::unordered_set<std::string> seenRows_, seenFiles_;
+    std::deque<FileChange> planned_;  ///< not told yet, as they may have failed
+    /// Hashes: there may be some hundred thousand.
+    std::unordered_set<std::uint64_t> seenRows_, seenFiles_;
     std::optional<std::string> phase_;
     std::chrono::milliseconds lastTime_{0};
 };
@@ -204,7 +218,7 @@ void Gatherer::operator()(const RowChange& row) {
     }
     // A row is told of once: what is changed in a row that is new anyway says nothing.
     const bool isRemoved = row.kind == RowChange::Kind::Removed;
-    if (!seenRows_.insert(KeyText(row) + (isRemoved ? "-" : "")).second) return;
+    if (!seenRows_.insert(ContentHash(KeyText(row) + (isRemoved ? "-" : ""))).second) return;
     const RowName name = NameOf(row);
     DeedList::Deed* const deed = Add(*kind, name.artist, name.title);
     if (deed == nullptr || row.kind != RowChange::Kind::Changed) return;
@@ -237,8 +251,7 @@ void Gatherer::AddDeleted(const FileChange& change) {
     }
 }
 
-void Gatherer::operator()(const FileChange& change) {
-    if (failed_.contains(change.number) || IsOwnFile(change)) return;
+void Gatherer::Tell(const FileChange& change) {
     switch (change.kind) {
         case FileChange::Kind::Written:
             return AddWritten(change, change.path);
@@ -263,8 +276,10 @@ bool ReportContent::HasChanges() const {
     return std::ranges::any_of(total, [](const DeedList& list) { return list.count > 0; });
 }
 
-ReportContent GatherReport(std::span<const ChangeRecord> records, const ReportFacts& facts) {
-    return Gatherer(facts).Gather(records);
+ReportContent GatherReport(const VisitEachRecord& visitEach, const ReportFacts& facts) {
+    Gatherer gatherer(facts);
+    visitEach([&gatherer](const ChangeRecord& record) { std::visit(gatherer, record); });
+    return gatherer.Finish();
 }
 
 }  // namespace quillon

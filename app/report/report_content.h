@@ -93,7 +93,10 @@ struct ReportContent {
     bool HasChanges() const;
 };
 
-/// Goes through the records of one run.
-ReportContent GatherReport(std::span<const ChangeRecord> records, const ReportFacts& facts);
+/// Calls a function for each record of one run, in their order.
+using VisitEachRecord = std::function<void(const std::function<void(const ChangeRecord&)>&)>;
+
+/// Goes through these records, of which only what is told is held in memory.
+ReportContent GatherReport(const VisitEachRecord& visitEach, const ReportFacts& facts);
 
 }  // namespace quillon

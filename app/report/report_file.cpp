@@ -5,10 +5,10 @@
 
 #include "app/report/report_page.h"
 #include "platform/failure.h"
+#include "platform/host.h"
 #include "platform/portable/safe_file.h"
 #include "run/left_out.h"
 #include "run/log.h"
-#include "run/run.h"
 
 namespace quillon {
 namespace {
@@ -17,6 +17,18 @@ void WriteWhole(const std::filesystem::path& path, std::string_view text) {
     SafeFile file(path.string(), path.string(), SafeFile::Existing::ReplaceOwn);
     file.Write(text);
     file.Commit();
+}
+
+/// The journal is closed by now, so this goes to the host alone.
+void TellUnwritten(Host& host, const std::filesystem::path& folder, const std::exception& error) {
+    try {
+        host.WriteLog(LogSource,
+                      "The report of this run could not be written to " + folder.string() + ": " +
+                          DescriptionOf(error) +
+                          ". The run itself is not concerned; 'quillon changes' tells what it did");
+    } catch (const Failure&) {
+        return;  // the run has said that its log takes no more
+    }
 }
 
 }  // namespace
@@ -37,20 +49,17 @@ std::vector<ReportFacts::LeftOutMusic> LeftOutForReport(const LeftOut& leftOut) 
     return groups;
 }
 
-void WriteReport(Run& run, const std::filesystem::path& host, std::span<const ChangeRecord> records,
+void WriteReport(Host& host, const std::filesystem::path& folder, const VisitEachRecord& visitEach,
                  const ReportFacts& facts) {
     try {
-        const ReportContent content = GatherReport(records, facts);
+        const ReportContent content = GatherReport(visitEach, facts);
         if (content.stamp.empty() || (!content.HasChanges() && content.errorCount == 0)) return;
         const std::string page = ReportPage(content, facts);
-        std::filesystem::create_directories(ReportsFolder(host));
-        WriteWhole(ReportsFolder(host) / (content.stamp + ".html"), page);
-        WriteWhole(ReportsFolder(host) / "last.html", page);
+        std::filesystem::create_directories(ReportsFolder(folder));
+        WriteWhole(ReportsFolder(folder) / (content.stamp + ".html"), page);
+        WriteWhole(ReportsFolder(folder) / "last.html", page);
     } catch (const std::exception& error) {
-        WriteLog(run, LogSource,
-                 "The report of this run could not be written to " + ReportsFolder(host).string() +
-                     ": " + DescriptionOf(error) +
-                     ". The run itself is not concerned; 'quillon changes' tells what it did");
+        TellUnwritten(host, ReportsFolder(folder), error);
     }
 }
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <filesystem>
-#include <span>
 #include <string>
 
 #include "app/report/report_content.h"
@@ -9,7 +8,7 @@
 namespace quillon {
 
 class LeftOut;
-class Run;
+class Host;
 
 /// The folder that keeps reports: HOST/Reports.
 std::filesystem::path ReportsFolder(const std::filesystem::path& host);
@@ -18,9 +17,9 @@ std::filesystem::path ReportsFolder(const std::filesystem::path& host);
 std::vector<ReportFacts::LeftOutMusic> LeftOutForReport(const LeftOut& leftOut);
 
 /// Writes HOST/Reports/<stamp>.html and last.html of a run that has changed something or logged an
-/// error; nothing for any other. A report that cannot be written is a line in the log and nothing
-/// worse: the run was as it was.
-void WriteReport(Run& run, const std::filesystem::path& host, std::span<const ChangeRecord> records,
+/// error; nothing for any other. `folder` is the host folder. A report that cannot be written is a
+/// line in the log and nothing worse: the run was as it was.
+void WriteReport(Host& host, const std::filesystem::path& folder, const VisitEachRecord& visitEach,
                  const ReportFacts& facts);
 
 }  // namespace quillon

@@ -186,6 +186,7 @@ TEST_F(BackupCommands, CheckTellsHowManyBackupsStay) {
 /// Each run renumbers, shuffles and saves; where nothing is new, not a byte of the file is.
 TEST_F(BackupCommands, AreNotMadeAgainByRunsThatChangeNothing) {
     Set("RandomizePlaylist", "1");
+    SetHostLine("KeepDays=14", "KeepDays=0");
     const auto copies = [this] {
         int count = 0;
         for (const auto& entry : fs::directory_iterator(Path("shelf")))

@@ -18,6 +18,12 @@ class CheckFixture : public ProgramTest {
     }
     ProgramResult Check() const { return CallProgram({"check", "--host", Path("shelf")}); }
 
+    /// Replaces a line of the host's own settings.
+    void SetHostLine(const std::string& line, const std::string& now) const {
+        std::string settings = Read("shelf/host.ini");
+        settings.replace(settings.find(line), line.size(), now);
+        Write("shelf/host.ini", settings);
+    }
     /// Puts a value in the place of the one that init wrote.
     void Set(const std::string& key, const std::string& value) const {
         std::string settings = Read("shelf/Quillon.ini");

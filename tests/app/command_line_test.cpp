@@ -270,11 +270,11 @@ TEST(CommandLine, SuggestsTheNearestCommand) {
     EXPECT_EQ(meant("chekc"), "did you mean 'check'");
     EXPECT_EQ(meant("Init"), "did you mean 'init'");
     EXPECT_EQ(meant("ser"), "did you mean 'serve'");
-    EXPECT_EQ(
-        meant("frobnicate"),
-        "quillon: there is no command 'frobnicate'; the commands are run, init, check, "
-        "serve, backups, restore, db and help. A host folder is named with --host frobnicate\n"
-        "Try 'quillon --help'.\n");
+    EXPECT_EQ(meant("frobnicate"),
+              "quillon: there is no command 'frobnicate'; the commands are run, preview, init, "
+              "check, changes, undo, serve, backups, restore, db and help. A host folder is named "
+              "with --host frobnicate\n"
+              "Try 'quillon --help'.\n");
     EXPECT_EQ(UsageError({"db"}).find("quillon: 'quillon db' needs a command: "), 0U);
 }
 

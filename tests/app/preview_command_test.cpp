@@ -53,6 +53,7 @@ TEST_F(PreviewCommand, PrintsRecordsThatAJournalReaderUnderstands) {
 }
 
 TEST_F(PreviewCommand, SaysThatTheBrakeWouldHold) {
+    SetHostLine("KeepDays=14", "KeepDays=0");
     ASSERT_EQ(Run().status, 0);
     std::filesystem::remove_all(Path("Music/Alder"));
     const ProgramResult held = Preview();

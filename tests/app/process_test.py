@@ -120,6 +120,8 @@ def quiet_runs_tell_errors_and_a_summary(work):
 
 def quiet_runs_name_what_went_away(work):
     host = host_folder(work)
+    own = Path(host) / "host.ini"
+    own.write_text(own.read_text("utf-8").replace("KeepDays=14", "KeepDays=0"), "utf-8")
     call("run", "--host", host, "--quiet")
     songs = sorted(Path(work).rglob("*.mp3"))
     for song in songs[:2]:
@@ -140,6 +142,8 @@ def quiet_runs_name_what_went_away(work):
     done = call("run", "--host", host, "--quiet", "--allow-removals")
     expect("status of an allowed run", 0, done.returncode)
     expect("all that was left", True, done.stdout.startswith("3 tracks removed:\n"))
+
+
 def settings(host):
     return Path(host) / "Quillon.ini"
 

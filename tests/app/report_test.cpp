@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "app/report/report_file.h"
+#include "app/report/report_names.h"
 #include "app/report/report_page.h"
-#include "app/report/row_names.h"
 #include "jet/database.h"
 #include "jukebox/jukebox_database.h"
 #include "run/left_out.h"
@@ -56,7 +56,10 @@ class Report : public ::testing::Test {
     void End(const std::string& outcome = "completed", bool braked = false) {
         Add(RunEnded{outcome, 0, braked, milliseconds(4200)});
     }
-    ReportContent Content() const { return GatherReport(records, facts); }
+    ReportContent Content() const { return GatherReport(EachRecord(), facts); }
+    VisitEachRecord EachRecord() const {
+        return [this](const auto& visit) { std::ranges::for_each(records, visit); };
+    }
     std::string Page() const { return ReportPage(Content(), facts); }
     std::size_t CountOf(DeedKind kind) const {
         return Content().total.at(static_cast<std::size_t>(kind)).count;
@@ -249,7 +252,7 @@ TEST_F(Report, OfAHundredThousandChangesShowsTheFirstHundredOfAKind) {
     EXPECT_THAT(page, HasSubstr("and 900 more artists"));
 }
 
-TEST(RowNames, AreThoseInTheDatabase) {
+TEST(ReportNames, AreThoseInTheDatabase) {
     outside::TemporaryFolder folder;
     CreateJukeboxDatabase(folder.Path() / "cdj.mdb");
     {
@@ -257,7 +260,7 @@ TEST(RowNames, AreThoseInTheDatabase) {
             jet::Database::Open(folder.Path() / "cdj.mdb", jet::OpenMode::ReadWrite);
         database.Execute("INSERT INTO Tracks (Title, Artist) VALUES ('Dawn', 'Alder')");
     }
-    RowNames names(folder.Path() / "cdj.mdb");
+    ReportNames names(folder.Path() / "cdj.mdb");
     const auto of = [&names](const std::string& table, const std::string& field, std::int64_t id) {
         const std::vector<std::pair<std::string, Value>> key{{field, id}};
         return names.Of(table, key);
@@ -267,7 +270,7 @@ TEST(RowNames, AreThoseInTheDatabase) {
     EXPECT_EQ(of("Tracks", "ID", 2).title, "");
     EXPECT_EQ(of("Tracks", "Track", 1).title, "");
     EXPECT_EQ(of("Nothing", "ID", 1).title, "");
-    EXPECT_EQ(RowNames(folder.Path() / "none.mdb").Of("Tracks", {}).title, "");
+    EXPECT_EQ(ReportNames(folder.Path() / "none.mdb").Of("Tracks", {}).title, "");
 }
 
 class ReportFile : public Report {
@@ -275,7 +278,7 @@ class ReportFile : public Report {
     using Run = quillon::Run;  // not the one of ::testing::Test
 
     std::string Written(const std::string& name) const { return folder.Content("Reports/" + name); }
-    void WriteIt() { WriteReport(world.run, folder.Path(), records, facts); }
+    void WriteIt() { WriteReport(world.host, folder.Path(), EachRecord(), facts); }
 
     outside::TemporaryFolder folder;
     fakes::FakeWorld world;

@@ -1,4 +1,4 @@
-#include "app/report/row_names.h"
+#include "app/report/report_names.h"
 
 #include <array>
 #include <string_view>
@@ -16,7 +16,8 @@ std::string TextOf(const jet::Value& value) {
 
 }  // namespace
 
-RowName RowNames::Of(const std::string& table, std::span<const std::pair<std::string, Value>> key) {
+RowName ReportNames::Of(const std::string& table,
+                        std::span<const std::pair<std::string, Value>> key) {
     const auto* const id = key.size() == 1 && EqualIgnoringCase(key.front().first, "ID")
                                ? std::get_if<std::int64_t>(&key.front().second)
                                : nullptr;
@@ -27,7 +28,7 @@ RowName RowNames::Of(const std::string& table, std::span<const std::pair<std::st
     return found == names.end() ? RowName{} : found->second;
 }
 
-RowNames::Names RowNames::Read(const std::string& table) const {
+ReportNames::Names ReportNames::Read(const std::string& table) const {
     Names names;
     try {
         jet::Database database =

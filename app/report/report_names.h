@@ -14,9 +14,9 @@ namespace quillon {
 
 /// Artists and titles of albums and tracks as a database has them now. A table is read once, when
 /// its first row is asked for. What cannot be read has no names.
-class RowNames {
+class ReportNames {
   public:
-    explicit RowNames(std::filesystem::path database) : database_(std::move(database)) {}
+    explicit ReportNames(std::filesystem::path database) : database_(std::move(database)) {}
 
     RowName Of(const std::string& table, std::span<const std::pair<std::string, Value>> key);
 
