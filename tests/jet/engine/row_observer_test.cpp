@@ -1,3 +1,4 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <stdexcept>
 #include <string>
@@ -170,6 +171,22 @@ TEST_F(RowObserverTest, IsNotToldOfTheCatalogsOwnRows) {
     database_.Execute("DROP TABLE Other");
     EXPECT_EQ(listener_.told,
               (Told{"before commit", "after commit", "before commit", "after commit"}));
+}
+
+TEST_F(RowObserverTest, IsToldOfEachRowThatGoesWithAllOthers) {
+    EXPECT_EQ(database_->Execute("DELETE * FROM Shelf"), 2);
+    EXPECT_THAT(listener_.told, ::testing::ElementsAre(::testing::StartsWith("- Shelf ID=1"),
+                                                       ::testing::StartsWith("- Shelf ID=2")));
+}
+
+/// Every run empties tables that are empty already.
+TEST_F(RowObserverTest, HasNothingToHearWhereAnEmptyTableIsEmptied) {
+    database_.Execute("DELETE * FROM Shelf");
+    database_->Flush();
+    listener_.told.clear();
+    EXPECT_EQ(database_->Execute("DELETE * FROM Shelf"), 0);
+    database_->Flush();
+    EXPECT_THAT(listener_.told, ::testing::IsEmpty());
 }
 
 }  // namespace
