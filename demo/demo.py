@@ -23,10 +23,11 @@ import rows_before
 import sample_library
 import tag_story
 import verification_story
+import way_back_story
 from telling import WIDTH, Untrue, chapter, count, heading, require, say
 
 STORIES = (playlist_story, download_story, cover_story, adding_story, remote_story, picker_story,
-           verification_story, tag_story)
+           verification_story, tag_story, way_back_story)
 
 TABLES = ("Albums", "Tracks", "Playlists", "Spinner", "SpinnerArtist", "SpinnerGenre",
           "SpinnerID3Differences")
@@ -53,10 +54,10 @@ class Demo:
         other.database = other.host / self.database.name
         return other
 
-    def quillon(self, *arguments):
+    def quillon(self, *arguments, status=0):
         result = subprocess.run([self.program, *arguments], stdout=subprocess.PIPE,
                                 stdin=subprocess.DEVNULL, check=False)
-        if result.returncode != 0:
+        if result.returncode != status:
             sys.stdout.write(result.stdout.decode())
             raise Untrue(f"quillon {' '.join(map(str, arguments))} ended with status "
                          f"{result.returncode}")

@@ -100,7 +100,9 @@ KeptMusic TakeOutWaiting(Walk& walk, MissingMusic& missing,
         const WaitingSong* const song = waits ? walk.waiting->Find(track.row->id) : nullptr;
         const bool isOver =
             song != nullptr && now - song->since.days >= walk.run.movedMusic.KeepDays;
-        if (isOver && !hidden.contains(track.row)) {
+        // A duplicate that this run has removed is not coming back.
+        const bool isRemoved = walk.run.removals.HasRemovedFile(track.row->soundFile);
+        if (isRemoved || (isOver && !hidden.contains(track.row))) {
             going.push_back(track);
             continue;
         }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
+#include "platform/basic_text.h"
 #include "platform/host.h"
 #include "run/host_settings.h"
 #include "run/log.h"
@@ -106,6 +107,11 @@ void Removals::Note(Removable kind, const std::string& name) {
     Gone& gone = gone_.at(static_cast<std::size_t>(kind));
     ++gone.count;
     if (gone.names.size() < MostNames) gone.names.push_back(name);
+    if (kind == Removable::MusicFiles) removedFiles_.insert(LowerCase(name));
+}
+
+bool Removals::HasRemovedFile(std::string_view path) const {
+    return removedFiles_.contains(LowerCase(path));
 }
 
 }  // namespace quillon

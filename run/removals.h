@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
+#include <unordered_set>
 #include <vector>
 
 namespace quillon {
@@ -67,6 +69,8 @@ class Removals {
 
     /// These have gone.
     void Note(Removable kind, const std::string& name);
+    /// Whether this run has removed the music file of that path.
+    bool HasRemovedFile(std::string_view path) const;
     const Gone& Of(Removable kind) const { return gone_.at(static_cast<std::size_t>(kind)); }
     const AllGone& All() const { return gone_; }
 
@@ -76,6 +80,7 @@ class Removals {
 
     std::array<std::size_t, Removables.size()> allowed_{};
     AllGone gone_;
+    std::unordered_set<std::string> removedFiles_;  ///< paths of music in lower case
     bool braked_ = false;
 };
 

@@ -90,6 +90,7 @@ int RunLibrary(const RunRequest& request) {
     run.removals.allAllowed = request.allowRemovals;
     recording.Accompany(run);
     local.files.ClearUnfinished();
+    RemoveUnfinishedReports(local.host.Folder());
 
     LibraryForm form(run, local.databases, ProgramVersion);
     const RunOutcome outcome = form.Form_Load();

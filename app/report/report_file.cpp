@@ -7,6 +7,7 @@
 #include "platform/failure.h"
 #include "platform/host.h"
 #include "platform/portable/safe_file.h"
+#include "platform/portable/temporary_entry.h"
 #include "run/left_out.h"
 #include "run/log.h"
 
@@ -35,6 +36,10 @@ void TellUnwritten(Host& host, const std::filesystem::path& folder, const std::e
 
 std::filesystem::path ReportsFolder(const std::filesystem::path& host) {
     return host / "Reports";
+}
+
+void RemoveUnfinishedReports(const std::filesystem::path& host) {
+    RemoveAbandoned(ReportsFolder(host).string());
 }
 
 std::vector<ReportFacts::LeftOutMusic> LeftOutForReport(const LeftOut& leftOut) {

@@ -13,6 +13,9 @@ class Host;
 /// The folder that keeps reports: HOST/Reports.
 std::filesystem::path ReportsFolder(const std::filesystem::path& host);
 
+/// Removes what a killed run has left of reports. Never fails.
+void RemoveUnfinishedReports(const std::filesystem::path& host);
+
 /// The music that a run has passed by, in words.
 std::vector<ReportFacts::LeftOutMusic> LeftOutForReport(const LeftOut& leftOut);
 

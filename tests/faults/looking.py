@@ -75,15 +75,16 @@ def is_unfinished(path):
 
 
 def files_of(library):
-    """Every file but the database's own, the log, journals, backups and unfinished files: name ->
-    path."""
+    """Every file but the database's own, the log, journals, reports, backups and unfinished files:
+    name -> path."""
     found = {}
     for top in (library.host, library.disk):
         for folder, _, names in os.walk(top, followlinks=True):
             for path in (Path(folder, name) for name in names):
                 name = path.relative_to(library.folder)
                 own = path.parent == library.host and path.name.startswith(("jukebox.", "host.log"))
-                own = own or path.is_relative_to(library.host / "Changes")
+                own = own or any(path.is_relative_to(library.host / folder)
+                                 for folder in ("Changes", "Reports"))
                 if not own and not is_backup(name) and not is_unfinished(name):
                     found[neutral(str(name))] = path
     return found

@@ -50,6 +50,15 @@ TEST_F(MissingKeptTest, TracksWaitOutsideTheirAlbumsNumbers) {
     EXPECT_THAT(Log(), IsEmpty());
 }
 
+TEST_F(MissingKeptTest, DuplicatesThatTheRunItselfHasRemovedDoNotWait) {
+    Hide(R"(Red\One\02 - Bay.mp3)");
+    library.run.removals.Note(Removable::MusicFiles, R"(D:\Music\Red\One\02 - BAY.mp3)");
+    Reconcile();
+    EXPECT_THAT(Tracks(), Not(Contains(HasSubstr(R"(One\02)"))));
+    EXPECT_EQ(library.run.removals.Of(Removable::Tracks).count, 1U);
+    EXPECT_FALSE(fs::exists(Missing()));
+}
+
 TEST_F(MissingKeptTest, TracksThatReturnHaveTheirRowsAgain) {
     Hide(R"(Red\One\02 - Bay.mp3)");
     Reconcile();
