@@ -103,6 +103,12 @@ struct FileChange {
     bool operator==(const FileChange&) const = default;
 };
 
+/// Whether it is about a backup: those are no part of what a run does to a library.
+bool IsOfDatedCopy(const FileChange& change);
+
+/// Whether it is about what runs note for themselves beside the database.
+bool IsOfOwnNotes(const FileChange& change);
+
 /// The file change of this number did not come off; all is as it was before it.
 struct FileChangeFailed {
     std::uint64_t number = 0;

@@ -5,20 +5,6 @@
 #include "platform/basic_text.h"
 
 namespace quillon {
-namespace {
-
-using Kind = FileChange::Kind;
-
-/// Whether it is about a backup: those are no part of what a run does to a library.
-bool IsOfDatedCopy(const FileChange& change) {
-    constexpr std::string_view Mark = "_Copy Dated_";
-    const bool makes = change.kind == Kind::Copied || change.kind == Kind::FolderCopied;
-    const std::string& path = makes ? change.target : change.path;
-    return path.find(Mark) != std::string::npos;
-}
-
-}  // namespace
-
 std::vector<FileStep> FileStepsFor(std::span<const RecordedRun> runs, const ChangeNames& taken) {
     std::vector<FileStep> steps;
     for (const RecordedRun& run : runs) {
@@ -49,10 +35,11 @@ void CarryOut(std::span<FileStep> steps, FileUndo& undo, const Attempt& attempt,
 FilesThatStay::FilesThatStay(std::span<const FileStep> steps) {
     for (const FileStep& step : steps) {
         const FileChange& change = step.change;
-        const bool places = change.kind == Kind::Moved || change.kind == Kind::Copied;
+        const bool places =
+            change.kind == FileChange::Kind::Moved || change.kind == FileChange::Kind::Copied;
         if (step.outcome.state != Outcome::State::Refused) continue;
         if (places) paths_.insert(LowerCase(change.target));
-        if (change.kind == Kind::Moved || change.kind == Kind::Deleted)
+        if (change.kind == FileChange::Kind::Moved || change.kind == FileChange::Kind::Deleted)
             paths_.insert(LowerCase(change.path));
     }
 }

@@ -233,7 +233,7 @@ void AddBackup(Groups& groups, const FileChange& change) {
 }
 
 void AddFile(Groups& groups, const FileChange& change, std::size_t most) {
-    if (IsBackup(change)) return AddBackup(groups, change);
+    if (IsOfDatedCopy(change)) return AddBackup(groups, change);
     switch (change.kind) {
         case FileKind::Written:
             if (!IsOfLibrary(change)) return;

@@ -148,17 +148,12 @@ NetChanges NetChangesOf(std::span<const ChangeRecord> records) {
     return {.rows = rows.Take(), .files = FilesTogether(records)};
 }
 
-bool IsBackup(const FileChange& change) {
-    const std::string& path = change.target.empty() ? change.path : change.target;
-    return path.find("_Copy Dated_", path.rfind('\\') + 1) != std::string::npos;
-}
-
 bool IsOfLibrary(const RowChange& change) {
     return !EqualIgnoringCase(change.table, "SpinnerID3Differences");
 }
 
 bool IsOfLibrary(const FileChange& change) {
-    if (IsBackup(change)) return false;
+    if (IsOfDatedCopy(change) || IsOfOwnNotes(change)) return false;
     if (change.kind == FileKind::Written && change.before && change.after &&
         change.before->size == change.after->size && change.before->hash == change.after->hash &&
         change.before->hash != 0)

@@ -15,15 +15,13 @@ struct NetChanges {
 
 NetChanges NetChangesOf(std::span<const ChangeRecord> records);
 
-/// Whether it concerns the library. The dated copies that a run makes first, and the list of
-/// differences between tags and database, which each run writes anew, do not.
+/// Whether it concerns the library. The dated copies that a run makes first, what it notes
+/// for itself, and the list of differences between tags and database, which each run writes anew,
+/// do not.
 bool IsOfLibrary(const RowChange& change);
 bool IsOfLibrary(const FileChange& change);
 
 /// Whether anything of the library is different.
 bool ChangesLibrary(const NetChanges& changes);
-
-/// Whether it concerns one of the dated copies.
-bool IsBackup(const FileChange& change);
 
 }  // namespace quillon

@@ -14,8 +14,6 @@
 namespace quillon {
 namespace {
 
-constexpr std::string_view CopyWords = "_Copy Dated_";
-
 std::string TextOf(const Value& value) {
     struct Words {
         std::string operator()(Null) const { return "nothing"; }
@@ -74,13 +72,6 @@ bool IsImage(std::string_view path) {
            HasEnding(path, ".bmp");
 }
 
-/// What a run does for its own sake.
-bool IsOwnFile(const FileChange& change) {
-    return change.path.find(CopyWords) != std::string::npos ||
-           change.target.find(CopyWords) != std::string::npos ||
-           HasEnding(change.path, ".playlists");
-}
-
 class Gatherer {
   public:
     explicit Gatherer(const ReportFacts& facts) : facts_(facts) {}
@@ -126,7 +117,7 @@ class Gatherer {
     }
     void operator()(const RowChange& row);
     void operator()(const FileChange& change) {
-        if (IsOwnFile(change)) return;
+        if (IsOfDatedCopy(change) || IsOfOwnNotes(change)) return;
         planned_.push_back(change);
         if (planned_.size() > MostPlanned) TellNextFile();
     }

@@ -51,9 +51,10 @@ std::string Counted(std::size_t count, KindWords words) {
     return fmt::format("{} {}", NumberText(count), count == 1 ? words.one : words.many);
 }
 
-/// "0.4 s", "12 s", "3 min 05 s", "2 h 05 min"
+/// "87 ms", "4.2 s", "12 s", "3 min 05 s", "2 h 05 min"
 std::string TimeText(std::chrono::milliseconds time) {
     const std::int64_t seconds = time.count() / 1000;
+    if (seconds == 0) return fmt::format("{} ms", time.count());
     if (seconds < 10) return fmt::format("{}.{} s", seconds, time.count() / 100 % 10);
     if (seconds < 60) return fmt::format("{} s", seconds);
     if (seconds < 3600) return fmt::format("{} min {:02} s", seconds / 60, seconds % 60);
