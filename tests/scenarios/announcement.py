@@ -48,8 +48,8 @@ def neutral(stage, value):
 
 
 def is_report(record):
-    """The list of differences: its lines begin with the time."""
-    return record.get("path", "").endswith("QuillonReconcile.csv")
+    """The list of differences, and the one of missing music: their lines have the time."""
+    return record.get("path", "").endswith(("QuillonReconcile.csv", ".mdb.missing"))
 
 
 def deeds(stage, records):
