@@ -216,6 +216,7 @@ bool RowUndo::Do(Step& step, const Attempt& attempt) {
 void RowUndo::Change(const Step& step) {
     if (step.work == Work::Delete) return connection_.Delete(step.row->table, step.key);
     std::vector<FieldValue> fields;
+    fields.reserve(step.row->before.fields.size());
     for (const auto& [name, value] : step.row->before.fields)
         fields.push_back({name, value});
     if (step.work == Work::Insert) {

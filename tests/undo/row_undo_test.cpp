@@ -211,14 +211,14 @@ TEST_F(RowUndoTest, LeavesRowsOfFilesThatStay) {
 
 TEST_F(RowUndoTest, CountsEqualRowsOfATableWithoutAKey) {
     const auto change = [](RowKind kind, const char* text) {
-        RowChange row{.kind = kind, .table = "NoKey", .key = {{"Name", text}}, .fields = {}};
-        row.fields.push_back(kind == RowKind::Added ? FieldChange{"Name", Null(), text}
-                                                    : FieldChange{"Name", text, Null()});
-        return row;
+        const FieldChange field = kind == RowKind::Added ? FieldChange{"Name", Null(), text}
+                                                         : FieldChange{"Name", text, Null()};
+        return RowChange{
+            .kind = kind, .table = "NoKey", .key = {{"Name", text}}, .fields = {field}};
     };
     connection_->Execute("CREATE TABLE NoKey (Name TEXT(20))");
-    for (int i = 0; i < 3; ++i)
-        connection_->Execute("INSERT INTO NoKey (Name) VALUES (\"same\")");
+    for (const char* const name : {"same", "same", "same"})
+        connection_->Execute("INSERT INTO NoKey (Name) VALUES (\"" + std::string(name) + "\")");
     const Records run{change(RowKind::Added, "same"), change(RowKind::Added, "same"),
                       change(RowKind::Removed, "gone"), RowsSaved()};
     EXPECT_THAT(Undo({run}), testing::Each(Outcome{}));

@@ -140,8 +140,8 @@ class World {
 
     /// An undo of run "1" that ends before or after so many calls; the reasons of refusals. Whether
     /// it came to its end goes into `history`.
-    Outcomes Undo(const std::string& stamp, int calls = 1000, bool after_call = false) {
-        MortalFiles files(resolver_, calls, after_call);
+    Outcomes Undo(const std::string& stamp, int calls = 1000, bool afterCall = false) {
+        MortalFiles files(resolver_, calls, afterCall);
         NamingSink sink;
         Outcomes refused;
         RecordedRun undo{.stamp = stamp, .records = {}, .isWhole = false};
