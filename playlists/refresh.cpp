@@ -111,7 +111,7 @@ class Refreshing {
             toDo_.push_back(file);
             return;
         }
-        RepairedList list = Repair(run_, tracks_, file.name, text, WaitingIn(file));
+        const RepairedList list = Repair(run_, tracks_, file.name, text, WaitingIn(file));
         if (waiting_) newWaiting_[LowerCase(file.name)] = list.waiting;
         if (list.isChanged && list.IsEmpty()) goingAway_.push_back(file.path);
         if (list.isChanged || !list.messages.empty()) {

@@ -272,7 +272,7 @@ class Following {
 
     void MoveTrack(std::size_t lost) {
         TrackRow& row = *lost_[lost].row;
-        FoundFile& found = found_[*becomes_[lost]];
+        const FoundFile& found = found_[*becomes_[lost]];
         const ListedFile& file = FileOf(found);
         const std::optional<SoundPrint> print = held_[found.held].kinds[found.file].print;
         const FieldValue path{"SoundFile", file.Name};
@@ -304,7 +304,8 @@ class Following {
             if (isTogether) {
                 TellAlbum(*lost_[lost].album, exit, from, to);
             } else {
-                WriteLog(run_, LogSource, "Track followed to its new place: " + from + " -> " + to);
+                std::string line = "Track followed to its new place: ";
+                WriteLog(run_, LogSource, line.append(from).append(" -> ").append(to));
             }
         }
         for (const auto& [album, exit] : exits_) {
@@ -339,10 +340,11 @@ class Following {
         for (const MoveAnswer::Twins& same : twins) {
             const std::string& missing = lost_[same.lost.front()].row->soundFile;
             const std::string& fresh = PathOf(found_[same.found.front()]);
-            WriteLog(run_, LogSource,
-                     "Nobody can tell what became of " + missing + ": the same sound is missing " +
-                         Times(same.lost.size()) + " and new " + Times(same.found.size()) +
-                         ", as " + fresh + " for one. The new files count as new");
+            std::string line = "Nobody can tell what became of ";
+            line.append(missing).append(": the same sound is missing ");
+            line.append(Times(same.lost.size())).append(" and new ");
+            line.append(Times(same.found.size())).append(", as ").append(fresh);
+            WriteLog(run_, LogSource, line + " for one. The new files count as new");
         }
     }
 

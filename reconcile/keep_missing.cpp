@@ -128,7 +128,7 @@ bool KeepWaiting(Walk& walk, const KeptMusic& kept) {
     const std::string days = Days(run.movedMusic.KeepDays);
     KeptMusicTelling telling(run, "Album is missing, it is kept for " + days + ": ",
                              "Track is missing, it is kept for " + days + ": ");
-    std::unordered_set<const AlbumRow*> whole(kept.albums.begin(), kept.albums.end());
+    const std::unordered_set<const AlbumRow*> whole(kept.albums.begin(), kept.albums.end());
     for (const KeptMusic::Track& entry : kept.tracks) {
         if (!entry.isNew) continue;
         const TrackRow& row = *entry.track.row;

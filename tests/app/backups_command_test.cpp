@@ -107,7 +107,7 @@ TEST_F(BackupCommands, PutADatabaseBackThatCannotBeOpenedAnyMore) {
 }
 
 TEST_F(BackupCommands, AskFirst) {
-    std::istringstream answer("no\n");
+    const std::istringstream answer("no\n");
     std::streambuf* const before = std::cin.rdbuf(answer.rdbuf());
     const ProgramResult result = Restore(Name, false);
     std::cin.rdbuf(before);

@@ -253,7 +253,7 @@ TEST_F(Report, OfAHundredThousandChangesShowsTheFirstHundredOfAKind) {
 }
 
 TEST(ReportNames, AreThoseInTheDatabase) {
-    outside::TemporaryFolder folder;
+    const outside::TemporaryFolder folder;
     CreateJukeboxDatabase(folder.Path() / "cdj.mdb");
     {
         jet::Database database =

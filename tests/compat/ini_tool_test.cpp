@@ -198,7 +198,7 @@ TEST_F(IniToolTest, DumpsEveryKeyAndItem) {
 TEST(IniToolOnDisk, KeepsItsFileInTheCodePageOfTheHost) {
     const outside::TemporaryFolder folder;
     folder.MakeFile("some.ini", "[Place]\r\nname=Caf\xE9\r\nother=x\r\n");
-    fakes::FakeClock clock;
+    const fakes::FakeClock clock;
     HostFolder host(folder.Path(), clock);
     PathResolver resolver(host.Drives());
     PortableFiles files(resolver, [](LogKind, const std::string&) {});
