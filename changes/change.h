@@ -9,6 +9,7 @@
 #include <variant>
 #include <vector>
 
+#include "platform/content_hash.h"
 #include "platform/database.h"
 #include "platform/date_time.h"
 
@@ -148,10 +149,5 @@ class ChangeSink {
     /// changed rows reach the database file.
     virtual void MakeDurable() = 0;
 };
-
-/// A hash to tell whether content is still the same (64-bit FNV-1a). Not for foes. `before` is that
-/// of the bytes before these.
-constexpr std::uint64_t HashOfNothing = 0xcbf29ce484222325;
-std::uint64_t ContentHash(std::string_view bytes, std::uint64_t before = HashOfNothing);
 
 }  // namespace quillon

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "database/snapshot_file.h"
+#include "database/waiting_music.h"
 #include "driver/backup_names.h"
 #include "playlists/playlist_snapshot.h"
 #include "run/paths.h"
@@ -23,9 +24,10 @@ constexpr std::string_view SameKind = "Same";
 constexpr std::array<std::string_view, 1> NoteKinds{SameKind};
 constexpr SnapshotFormat NoteFormat{"Quillon backup 1", NoteKinds};
 
-constexpr std::array<std::pair<BackupPart, std::string_view>, 4> PartWords{
+constexpr std::array<std::pair<BackupPart, std::string_view>, 5> PartWords{
     {{BackupPart::Database, "Database"},
      {BackupPart::Snapshot, "Snapshot"},
+     {BackupPart::Missing, "Missing"},
      {BackupPart::PlayListPath, "PlayListPath"},
      {BackupPart::PlayListPath2, "PlayListPath2"}}};
 
@@ -166,6 +168,11 @@ std::uint64_t SizeIn(Files& files, const std::string& folder) {
 
 }  // namespace
 
+std::vector<BackupOriginal> NotesBeside(const std::string& database) {
+    return {{BackupPart::Snapshot, PlaylistSnapshotPath(database), false},
+            {BackupPart::Missing, WaitingMusicPath(database), false}};
+}
+
 std::vector<BackupOriginal> BackupOriginals(const Settings& settings,
                                             std::span<const BackedUp> backedUp) {
     std::vector<BackupOriginal> originals;
@@ -174,8 +181,7 @@ std::vector<BackupOriginal> BackupOriginals(const Settings& settings,
         if (path.empty()) continue;
         if (one.isFolder) path.pop_back();
         originals.push_back({PartIn(one), path, one.isFolder});
-        if (!one.isFolder)
-            originals.push_back({BackupPart::Snapshot, PlaylistSnapshotPath(path), false});
+        if (!one.isFolder) std::ranges::move(NotesBeside(path), std::back_inserter(originals));
     }
     return originals;
 }

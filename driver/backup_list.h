@@ -17,6 +17,7 @@ namespace quillon {
 enum class BackupPart {
     Database,
     Snapshot,  ///< what an interrupted run has left beside the database
+    Missing,   ///< since when music is missing, and its places in playlists; likewise beside it
     PlayListPath,
     PlayListPath2,
 };
@@ -27,6 +28,12 @@ struct BackupOriginal {
     std::string path;
     bool isFolder = false;
 };
+
+/// What runs note beside a database, be it there or not: neither is complete without the other.
+std::vector<BackupOriginal> NotesBeside(const std::string& database);
+inline bool IsNote(BackupPart part) {
+    return part == BackupPart::Snapshot || part == BackupPart::Missing;
+}
 
 /// Those of what a mode backs up that the settings name, in the order in which they are copied.
 std::vector<BackupOriginal> BackupOriginals(const Settings& settings,

@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "driver/backup_list.h"
 #include "driver/backups.h"
 #include "driver/library_folders.h"
 #include "driver/misspelt_setting.h"
@@ -266,11 +267,11 @@ bool LibraryForm::MakeBackup(const BackedUp& original, std::vector<std::string>&
     };
     const std::string& path = run_.settings.*original.path;
     if (original.isFolder) return isMade(TimeStampFolderBackup(run_, path));
-    // What an interrupted run has left beside the database is copied, too: neither is complete
-    // without the other.
-    const std::string own = OwnFile(run_.settings);
+    const auto isNoteMade = [&](const BackupOriginal& note) {
+        return !run_.files.FileExists(note.path) || isMade(TimeStampBackup(run_, note.path));
+    };
     return isMade(TimeStampBackup(run_, path)) &&
-           (!run_.files.FileExists(own) || isMade(TimeStampBackup(run_, own)));
+           std::ranges::all_of(NotesBeside(path), isNoteMade);
 }
 
 void LibraryForm::Perform(const Procedures::Work& work) {

@@ -10,7 +10,6 @@
 #include "driver/same_content.h"
 #include "platform/basic_text.h"
 #include "platform/failure.h"
-#include "playlists/playlist_snapshot.h"
 #include "run/log.h"
 #include "run/run.h"
 #include "run/steps.h"
@@ -91,12 +90,13 @@ void RestoreDatabase(Run& run, const BackupMoment& backup, const BackupCopy& cop
                      const std::string& mark) {
     PutJournalAside(run.files, copy.original.path, mark);
     run.files.CopyFile(copy.path, copy.original.path, true);
-    const BackupCopy* const snapshot = backup.CopyOf(BackupPart::Snapshot);
-    const std::string own = PlaylistSnapshotPath(copy.original.path);
-    if (snapshot != nullptr) {
-        run.files.CopyFile(snapshot->path, own, true);
-    } else if (run.files.FileExists(own)) {
-        run.files.Discard(own);
+    for (const BackupOriginal& note : NotesBeside(copy.original.path)) {
+        const BackupCopy* const then = backup.CopyOf(note.part);
+        if (then != nullptr) {
+            run.files.CopyFile(then->path, note.path, true);
+        } else if (run.files.FileExists(note.path)) {
+            run.files.Discard(note.path);
+        }
     }
 }
 

@@ -23,9 +23,10 @@ struct Restored {
 };
 
 /// Puts the parts of a backup back in their places, dates included, after a backup of all that is
-/// there now. Parts that the backup does not have stay as they are, except for the snapshot, which
-/// goes with the database. What fails is logged. Cut short at any moment it has lost nothing: no
-/// run starts then, and the same restore again completes it. The database must not be open.
+/// there now. Parts that the backup does not have stay as they are, except for what runs note
+/// beside the database, which goes with it. What fails is logged. Cut short at any moment it has
+/// lost nothing: no run starts then, and the same restore again completes it. The database must not
+/// be open.
 Restored RestoreBackup(Run& run, const BackupMoment& backup);
 
 }  // namespace quillon

@@ -8,32 +8,28 @@
 #include <vector>
 
 #include "id3/sound_bytes.h"
+#include "platform/content_hash.h"
 
 namespace quillon {
 namespace {
 
 constexpr std::uint64_t SampleSize = std::uint64_t{16} * 1024;
 
-/// FNV-1a of 64 bits.
 class Hash {
   public:
     void Add(std::span<const std::uint8_t> bytes) {
-        for (const std::uint8_t byte : bytes)
-            Add(byte);
+        value_ = ContentHash({reinterpret_cast<const char*>(bytes.data()), bytes.size()}, value_);
     }
     void AddNumber(std::uint64_t number) {
-        for (int i = 0; i < 8; ++i)
-            Add(static_cast<std::uint8_t>(number >> (8U * static_cast<unsigned>(i))));
+        std::array<std::uint8_t, 8> bytes{};
+        for (std::size_t i = 0; i < bytes.size(); ++i)
+            bytes[i] = static_cast<std::uint8_t>(number >> (8U * i));
+        Add(bytes);
     }
     std::uint64_t Value() const { return value_; }
 
   private:
-    void Add(std::uint8_t byte) {
-        constexpr std::uint64_t Prime = 1099511628211U;
-        value_ = (value_ ^ byte) * Prime;
-    }
-
-    std::uint64_t value_ = 14695981039346656037U;
+    std::uint64_t value_ = HashOfNothing;
 };
 
 /// Somebody may be writing the file; then what was read is of no file at all.

@@ -1,5 +1,6 @@
 #include "app/commands/backups_command.h"
 
+#include <cmath>
 #include <cstdint>
 #include <fmt/format.h>
 #include <ostream>
@@ -23,7 +24,7 @@ constexpr double SecondsADay = 24 * 60 * 60;
 
 std::int64_t SecondsBetween(DateTime made, DateTime now) {
     const double days = now.days - made.days;
-    return days <= 0 ? 0 : static_cast<std::int64_t>(days * SecondsADay + 0.5);
+    return days <= 0 ? 0 : std::llround(days * SecondsADay);
 }
 
 std::uint64_t SizeOf(Files& files, const BackupMoment& backup) {
@@ -120,6 +121,8 @@ std::string NameOfPart(BackupPart part) {
             return "database";
         case BackupPart::Snapshot:
             return "snapshot";
+        case BackupPart::Missing:
+            return "missing music";
         case BackupPart::PlayListPath:
             return "pla playlists";
         case BackupPart::PlayListPath2:

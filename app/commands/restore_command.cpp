@@ -58,6 +58,7 @@ const BackupMoment* Find(const std::vector<BackupMoment>& backups, std::string_v
 std::string NoSuchBackup(const std::vector<BackupMoment>& backups, const RestoreRequest& request,
                          const std::string& host) {
     std::vector<std::string_view> names;
+    names.reserve(backups.size());
     for (const BackupMoment& backup : backups)
         names.push_back(backup.name);
     std::string text = fmt::format("there is no backup {}", request.backup);
@@ -82,7 +83,7 @@ void TellPlan(LocalHost& local, const Settings& settings, const BackupMoment& ba
               std::ostream& out) {
     out << fmt::format("The backup of {} would be put back:\n", SortableDateTimeText(backup.made));
     for (const BackupOriginal& original : BackupOriginals(settings)) {
-        if (original.part == BackupPart::Snapshot) continue;
+        if (IsNote(original.part)) continue;
         const BackupCopy* const copy = backup.CopyOf(original.part);
         const std::string what =
             copy == nullptr ? "stays as it is, this backup has no copy of it"

@@ -116,6 +116,7 @@ UndoWork::UndoWork(LocalHost& local, std::string_view stamp) : local_(local), st
     OpenDatabase();
     const auto journals = JournalsIn(ChangesFolder(local_.host.Folder()));
     std::vector<PastRun> runs;
+    runs.reserve(journals.size());
     for (const std::filesystem::path& journal : journals)
         runs.push_back(LookAtJournal(journal));
     const History history(std::move(runs));

@@ -3,9 +3,11 @@
 #include <cctype>
 #include <cerrno>
 #include <fcntl.h>
+#include <set>
 #include <system_error>
 #include <unistd.h>
 #include <utility>
+#include <vector>
 
 #include "app/journal/journal_lines.h"
 #include "platform/failure.h"
@@ -38,6 +40,24 @@ bool IsStamp(std::string_view name) {
         if (Form[i] == '0' ? !isDigit : name[i] != Form[i]) return false;
     }
     return true;
+}
+
+/// The folders in a folder, without links.
+std::vector<fs::path> FoldersIn(const fs::path& folder) {
+    std::vector<fs::path> folders;
+    std::error_code error, ignored;
+    for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
+         entry.increment(error))
+        if (!entry->is_symlink(ignored) && entry->is_directory(ignored))
+            folders.push_back(entry->path());
+    return folders;
+}
+
+/// What is kept in a place of its own; "" where nothing is.
+std::string NameOfContent(const fs::path& place) {
+    std::error_code error;
+    const fs::directory_iterator content(place, error);
+    return error || content == fs::directory_iterator() ? "" : content->path().filename().string();
 }
 
 }  // namespace
@@ -100,7 +120,7 @@ void JournalFile::Note(const ChangeRecord& record) {
 }
 
 void JournalFile::Append(const ChangeRecord& record) {
-    buffer_ += ToLine(record);
+    AppendLine(buffer_, record);
     buffer_ += '\n';
 }
 
@@ -177,15 +197,17 @@ fs::path ChangesFolder(const fs::path& host) {
 }
 
 void RemoveOlderContent(const fs::path& folder, std::string_view stamp) noexcept try {
-    std::error_code error;
-    for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
-         entry.increment(error)) {
-        const std::string name = entry->path().filename().string();
-        std::error_code ignored;
-        if (name == stamp || !IsStamp(name) || entry->is_symlink(ignored) ||
-            !entry->is_directory(ignored))
-            continue;
-        fs::remove_all(entry->path(), ignored);
+    std::set<std::string> newer;
+    for (const fs::path& place : FoldersIn(folder / stamp))
+        newer.insert(NameOfContent(place));
+    std::error_code ignored;
+    for (const fs::path& run : FoldersIn(folder)) {
+        const std::string name = run.filename().string();
+        if (name == stamp || !IsStamp(name)) continue;
+        for (const fs::path& place : FoldersIn(run))
+            if (newer.contains(NameOfContent(place))) fs::remove_all(place, ignored);
+        // Only where nothing is left in it.
+        fs::remove(run, ignored);
     }
 } catch (const std::exception&) {
     return;

@@ -62,8 +62,9 @@ class JournalFile : public ChangeSink {
 /// The folder of a host folder that holds the journals: HOST/Changes.
 std::filesystem::path ChangesFolder(const std::filesystem::path& host);
 
-/// Removes what other runs have kept beside their journals. Never fails; what cannot be removed
-/// stays.
+/// Removes what other runs have kept beside their journals under the names of what this run has
+/// kept: of the old pages of the picker, say, the newest set stays. Never fails; what cannot be
+/// removed stays.
 void RemoveOlderContent(const std::filesystem::path& folder, std::string_view stamp) noexcept;
 
 }  // namespace quillon

@@ -39,7 +39,7 @@ ReportNames::Names ReportNames::Read(const std::string& table) const {
                 names[*id] = {TextOf(row[1]), TextOf(row[2])};
         });
     } catch (const jet::Error&) {
-        // A report names rows by their numbers then.
+        return names;  // a report names rows by their numbers then
     }
     return names;
 }

@@ -238,6 +238,7 @@ void Page::Artist(const std::string& name, const DeedLists& lists) {
 void Page::Artists() {
     if (content_.artists.empty()) return;
     std::vector<const std::string*> names;
+    names.reserve(content_.artists.size());
     for (const auto& [name, lists] : content_.artists)
         names.push_back(&name);
     // Where not all have room, those of whom something is listed do.

@@ -105,6 +105,20 @@ TEST_F(RestoredBackup, BringsASnapshotOfItsMomentAlong) {
     EXPECT_EQ(world.files.Content(R"(D:\Data\cdj.mdb.playlists)"), "then");
 }
 
+/// Else songs that are back in the lists would come back into them a second time.
+TEST_F(RestoredBackup, TakesWhatIsKnownOfMissingMusicFromItsMomentToo) {
+    const std::string missing = R"(D:\Data\cdj.mdb.missing)";
+    world.files.AddFile(missing, "now");
+    const Restored restored = RestoreBackup(run, Backups().front());
+    EXPECT_TRUE(restored.succeeded);
+    EXPECT_FALSE(world.files.FileExists(missing));
+    const auto backups = Backups();
+    const auto ofNow = std::ranges::find(backups, restored.copyOfNow, &BackupMoment::name);
+    ASSERT_NE(ofNow, backups.end());
+    EXPECT_TRUE(RestoreBackup(run, *ofNow).succeeded);
+    EXPECT_EQ(world.files.Content(missing), "now");
+}
+
 TEST_F(RestoredBackup, IsCompletedByEarlierCopiesThatHeldThen) {
     host.Set("Keep", "30");
     world.clock.now = MakeDateTime(2026, 11, 17, 4);

@@ -169,18 +169,20 @@ TEST_F(JournalFileTest, LeavesNoEmptyFileWhereItCannotEvenStart) {
     EXPECT_TRUE(fs::is_empty(changes_));
 }
 
-TEST_F(JournalFileTest, RemovesWhatOtherRunsHaveKeptAndNothingElse) {
+TEST_F(JournalFileTest, RemovesWhatOtherRunsHaveKeptOfTheSameNameAndNothingElse) {
     for (const char* const name :
-         {"2023-03-15_12-00-00/1", "2023-03-15_12-00-00-2/1", "2024-01-01_00-00-00/1", "mine/1"})
+         {"2023-03-15_12-00-00/1/Pages", "2023-03-15_12-00-00/2/big",
+          "2023-03-15_12-00-00-2/1/Pages", "2024-01-01_00-00-00/1/Pages", "mine/1/Pages"})
         fs::create_directories(changes_ / name);
-    fs::create_directory(folder_.Path() / "elsewhere");
+    fs::create_directories(folder_.Path() / "elsewhere/1/Pages");
     fs::create_directory_symlink(folder_.Path() / "elsewhere", changes_ / "2022-01-01_00-00-00");
     RemoveOlderContent(changes_, "2024-01-01_00-00-00");
-    EXPECT_FALSE(fs::exists(changes_ / "2023-03-15_12-00-00"));
+    EXPECT_FALSE(fs::exists(changes_ / "2023-03-15_12-00-00/1"));
+    EXPECT_TRUE(fs::exists(changes_ / "2023-03-15_12-00-00/2/big"));
     EXPECT_FALSE(fs::exists(changes_ / "2023-03-15_12-00-00-2"));
-    EXPECT_TRUE(fs::exists(changes_ / "2024-01-01_00-00-00/1"));
-    EXPECT_TRUE(fs::exists(changes_ / "mine/1"));
-    EXPECT_TRUE(fs::exists(folder_.Path() / "elsewhere"));
+    EXPECT_TRUE(fs::exists(changes_ / "2024-01-01_00-00-00/1/Pages"));
+    EXPECT_TRUE(fs::exists(changes_ / "mine/1/Pages"));
+    EXPECT_TRUE(fs::exists(folder_.Path() / "elsewhere/1/Pages"));
 }
 
 }  // namespace
