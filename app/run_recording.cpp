@@ -52,6 +52,24 @@ std::string OutcomeWord(const RunSummary& summary) {
 
 }  // namespace
 
+// A run's snapshot of playlists is gone when the run has ended. Pages in the making that a killed
+// run has left are of no use to anybody.
+JournalledFiles::Keeping KeptBeside(const std::string& stamp, Run* const& run, LocalHost& local,
+                                    RemovedFiles& removed, bool keepsRemoved) {
+    return {.folder = local.host.GetAppPath() + R"(\Changes\)" + stamp,
+            .shownFolder = "Changes/" + stamp,
+            .placeOfDeleted =
+                [&run, &local, &removed, keepsRemoved](std::string_view path) {
+                    return PlaceOfRemovedMusic(*run, local, removed, keepsRemoved, path);
+                },
+            .isScratch =
+                [&run](std::string_view path) {
+                    return path.ends_with(DraftEnding) ||
+                           EqualIgnoringCase(path,
+                                             PlaylistSnapshotPath(run->settings.Nirvis_CDJ_DB));
+                }};
+}
+
 RunRecording::RunRecording(LocalHost& local)
     : local_(local),
       removed_(RemovedMusicFolder(local.host), local.clock),
@@ -59,25 +77,9 @@ RunRecording::RunRecording(LocalHost& local)
       keepsRemoved_(ReadRemovedMusicSetting(local.host).keep),
       journal_(StartJournal(local)),
       rows_(*journal_),
-      files_(local.files, *journal_, Keeping()) {
+      files_(local.files, *journal_,
+             KeptBeside(journal_->Stamp(), run_, local, removed_, keepsRemoved_)) {
     local.databases.SetObserver(&rows_);
-}
-
-/// A run's snapshot of playlists is gone when the run has ended. Pages in the making that a killed
-/// run has left are of no use to anybody.
-JournalledFiles::Keeping RunRecording::Keeping() {
-    return {.folder = local_.host.GetAppPath() + R"(\Changes\)" + journal_->Stamp(),
-            .shownFolder = "Changes/" + journal_->Stamp(),
-            .placeOfDeleted =
-                [this](std::string_view path) {
-                    return PlaceOfRemovedMusic(*run_, local_, removed_, keepsRemoved_, path);
-                },
-            .isScratch =
-                [this](std::string_view path) {
-                    return path.ends_with(DraftEnding) ||
-                           EqualIgnoringCase(path,
-                                             PlaylistSnapshotPath(run_->settings.Nirvis_CDJ_DB));
-                }};
 }
 
 void RunRecording::Accompany(Run& run) {

@@ -16,6 +16,12 @@
 
 namespace quillon {
 
+/// What JournalledFiles need to know of a run with this stamp: what is kept beside its journal, and
+/// what is its scratch. `run` may be set later, but before the first file changes; all must outlive
+/// the answer.
+JournalledFiles::Keeping KeptBeside(const std::string& stamp, Run* const& run, LocalHost& local,
+                                    RemovedFiles& removed, bool keepsRemoved);
+
 /// The journal of a run, and the doors through which the run changes rows and files, which tell it.
 class RunRecording {
   public:
@@ -48,8 +54,6 @@ class RunRecording {
     void End(const RunSummary& summary, std::chrono::milliseconds duration);
 
   private:
-    JournalledFiles::Keeping Keeping();
-
     LocalHost& local_;
     RemovedFiles removed_;
     bool keepsRemoved_;

@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <optional>
+#include <ranges>
 #include <utility>
 
 #include "database/row_mark.h"
@@ -120,10 +121,8 @@ void WaitingMusic::SetEntries(std::string_view playlist, std::vector<WaitingEntr
 }
 
 std::vector<std::string> WaitingMusic::Playlists() const {
-    std::vector<std::string> names;
-    for (const auto& [name, entries] : entries_)
-        names.push_back(name);
-    return names;
+    const auto names = std::views::keys(entries_);
+    return {names.begin(), names.end()};
 }
 
 void WaitingMusic::ForgetGone() {

@@ -66,12 +66,12 @@ void ChooseTime(Files& files, const StampTimes& times, DateTime now, BackupCopy&
 }
 
 std::vector<BackupCopy> CopiesOf(Files& files, const BackupOriginal& original, DateTime now) {
-    const std::string folder = FolderOf(original.path);
+    const std::string folder = FolderOf(original.path), beginning = folder + '\\';
     const FolderNames names = files.NamesIn(folder);
     std::vector<BackupCopy> copies;
     for (const std::string& name : original.isFolder ? names.folders : names.files) {
         BackupCopy copy{.original = original,
-                        .path = folder + '\\' + name,
+                        .path = beginning + name,
                         .mark = MarkOfCopy(name, LastName(original.path)),
                         .made = {},
                         .latest = {}};

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <charconv>
+#include <memory>
+#include <span>
 #include <string>
 #include <system_error>
 #include <vector>
@@ -15,9 +17,10 @@ namespace {
 /// The number that all of a text is; -1 for any other text.
 int NumberIn(std::string_view digits) {
     int number = -1;
-    const char* const end = digits.data() + digits.size();
-    const auto [stop, error] = std::from_chars(digits.data(), end, number);
-    return error == std::errc() && stop == end ? number : -1;
+    const std::span<const char> text(digits);
+    const auto [stop, error] =
+        std::from_chars(std::to_address(text.begin()), std::to_address(text.end()), number);
+    return error == std::errc() && stop == std::to_address(text.end()) ? number : -1;
 }
 
 /// A time of day as a stamp has it: "53855_AM"; the beginning of a day for "".

@@ -34,7 +34,7 @@ std::string MonthOf(DateTime time) {
 /// The same day and time a year earlier, in a form that can be compared with others.
 std::string AYearBefore(DateTime time) {
     const std::string text = SortableDateTimeText(time);
-    std::string year = std::to_string(std::stoi(text.substr(0, 4)) - 1);
+    const std::string year = std::to_string(std::stoi(text.substr(0, 4)) - 1);
     return std::string(4 - std::min<std::size_t>(year.size(), 4), '0') + year + text.substr(4);
 }
 
@@ -190,7 +190,7 @@ bool BackUpWhatChanged(Run& run, std::span<const BackedUp> backedUp) {
 }
 
 std::string BackUpAll(Run& run) {
-    const std::string mark = FreeMark(run);
+    std::string mark = FreeMark(run);
     std::vector<std::string> made;
     if (CopyOriginals(run, BackupOriginals(run.settings), mark, made)) return mark;
     TakeBackupsBack(run, made);

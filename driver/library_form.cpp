@@ -68,6 +68,7 @@ RunOutcome LibraryForm::Form_Load() {
         run_.settings = ReadSettings(run_.host);
         run_.removals.limits = ReadSafetyLimits(run_.host);
         run_.movedMusic = ReadMovedMusicSettings(run_.host);
+        run_.modern = ReadModernMusic(run_.host);
         run_.LibraryFolders = BuildLibraryFolders(run_.files, run_.settings);
         if (!PluginIsEnabled()) {
             WriteLog(run_, LogSource, PluginMissing);

@@ -18,6 +18,7 @@
 #include "platform/window.h"
 #include "run/genre_dictionary.h"
 #include "run/left_out.h"
+#include "run/modern_music.h"
 #include "run/moved_music.h"
 #include "run/playlist_entries.h"
 #include "run/random_numbers.h"
@@ -78,6 +79,9 @@ class Run {
 
     /// What becomes of music that is not where it was.
     MovedMusicSettings movedMusic;
+
+    /// What is done for music, pages and players of today.
+    ModernMusic modern;
 
     /// Opens further connections; set by the driver at the start.
     DatabaseProvider* databases = nullptr;

@@ -13,19 +13,9 @@ namespace {
 constexpr std::string_view FollowSection = "Library", FollowKey = "FollowMovedFiles",
                            KeepSection = "Missing", KeepKey = "KeepDays";
 
-void FindUnknownKey(std::string_view section, std::string_view known, std::string_view key,
-                    std::string_view value, Findings& findings) {
-    findings.Caution(fmt::format(
-        "{} has {}={} in [{}], which nothing reads. If {} is meant, correct the name; else delete "
-        "the line",
-        HostSettingsFile, key, value, section, known));
-}
-
 void CheckFollow(HostFolder& host, Findings& findings) {
     for (const auto& [key, value] : host.Entries(FollowSection, HostSettingsFile)) {
-        if (!EqualIgnoringCase(key, FollowKey)) {
-            FindUnknownKey(FollowSection, FollowKey, key, value, findings);
-        } else if (!IsSwitchedOn(value) && !IsSwitchedOff(value)) {
+        if (EqualIgnoringCase(key, FollowKey) && !IsSwitchedOn(value) && !IsSwitchedOff(value)) {
             findings.Caution(fmt::format(
                 "{} in [{}] of {} is \"{}\", which is neither yes nor no; moved files are not "
                 "followed. Write 1 or 0",
@@ -37,7 +27,10 @@ void CheckFollow(HostFolder& host, Findings& findings) {
 void CheckKeep(HostFolder& host, const MovedMusicSettings& settings, Findings& findings) {
     for (const auto& [key, value] : host.Entries(KeepSection, HostSettingsFile)) {
         if (!EqualIgnoringCase(key, KeepKey)) {
-            FindUnknownKey(KeepSection, KeepKey, key, value, findings);
+            findings.Caution(fmt::format(
+                "{} has {}={} in [{}], which nothing reads. If {} is meant, correct the name; else "
+                "delete the line",
+                HostSettingsFile, key, value, KeepSection, KeepKey));
         } else if (ToNumber(value) != settings.KeepDays) {
             findings.Caution(fmt::format(
                 "{} in [{}] of {} is \"{}\", which is not a whole number of 0 or more and counts "

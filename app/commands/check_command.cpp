@@ -11,6 +11,7 @@
 #include "app/checks/folders_check.h"
 #include "app/checks/left_out_check.h"
 #include "app/checks/mode_check.h"
+#include "app/checks/modern_music_check.h"
 #include "app/checks/moved_music_check.h"
 #include "app/checks/safety_check.h"
 #include "app/checks/settings_check.h"
@@ -99,6 +100,7 @@ int Check(const CheckRequest& request, Console console) {
     CheckSafety(local.host, out, findings);
     CheckBackupKeeping(local.host, out, findings);
     CheckMovedMusic(local.host, out, findings);
+    CheckModernMusic(local.host, out, findings);
     TellDrives(local.host.Drives(), out);
     const Settings settings = CheckSettings(local.host, out, findings);
     CheckUnreadKeys(local.host, settings, findings);

@@ -9,12 +9,14 @@
 
 #include "app/checks/writable.h"
 #include "app/journal/change_text.h"
+#include "app/journal/journal_file.h"
 #include "app/journal/journal_lines.h"
 #include "app/journal/net_changes.h"
 #include "app/journal/row_names.h"
 #include "app/journal/row_recorder.h"
 #include "app/local_host.h"
 #include "app/removed_music.h"
+#include "app/run_recording.h"
 #include "app/text/display_text.h"
 #include "app/version.h"
 #include "app/views/preview_view.h"
@@ -24,9 +26,6 @@
 #include "driver/modes.h"
 #include "jet/error.h"
 #include "jet/lock.h"
-#include "platform/basic_text.h"
-#include "platform/stamp.h"
-#include "playlists/playlist_snapshot.h"
 #include "run/log.h"
 #include "run/run.h"
 
@@ -135,7 +134,7 @@ int PreviewRun(const PreviewRequest& request, Console console) {
         WriteLog(*current, LogSource, message);
     });
     RecordsInMemory sink;
-    const std::string stamp = StampText(local.clock.Now());
+    const std::string stamp = FreeStamp(ChangesFolder(local.host.Folder()), local.clock);
     sink.Note(RunStarted{
         .stamp = stamp, .version = std::string(ProgramVersion), .mode = "", .undoes = ""});
     RowRecorder rows(sink);
@@ -144,19 +143,7 @@ int PreviewRun(const PreviewRequest& request, Console console) {
     RemovedFiles removed(RemovedMusicFolder(local.host), local.clock);
     const bool keepsRemoved = ReadRemovedMusicSetting(local.host).keep;
     PreviewFiles preview(local.files, local.clock, RightsOn(local.resolver));
-    JournalledFiles files(preview, sink,
-                          {.folder = local.host.GetAppPath() + R"(\Changes\)" + stamp,
-                           .shownFolder = "Changes/" + stamp,
-                           .placeOfDeleted =
-                               [&](std::string_view path) {
-                                   return PlaceOfRemovedMusic(*current, local, removed,
-                                                              keepsRemoved, path);
-                               },
-                           .isScratch =
-                               [&](std::string_view path) {
-                                   return EqualIgnoringCase(
-                                       path, PlaylistSnapshotPath(current->settings.Nirvis_CDJ_DB));
-                               }});
+    JournalledFiles files(preview, sink, KeptBeside(stamp, current, local, removed, keepsRemoved));
     PreviewHost host(local.host);
     PreviewView view(sink, [&] {
         const Mode* const mode = SelectMode(current->settings);

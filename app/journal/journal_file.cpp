@@ -42,6 +42,11 @@ bool IsStamp(std::string_view name) {
     return true;
 }
 
+/// A stamp, told from others of the same second.
+std::string Numbered(const std::string& stamp, int number) {
+    return number == 1 ? stamp : stamp + '-' + std::to_string(number);
+}
+
 /// The folders in a folder, without links.
 std::vector<fs::path> FoldersIn(const fs::path& folder) {
     std::vector<fs::path> folders;
@@ -78,7 +83,7 @@ JournalFile::JournalFile(const fs::path& folder, const Clock& clock)
 FileHandle JournalFile::MakeFile(const fs::path& folder, const Clock& clock) {
     const std::string now = StampText(clock.Now());
     for (int number = 1;; ++number) {
-        stamp_ = number == 1 ? now : now + '-' + std::to_string(number);
+        stamp_ = Numbered(now, number);
         const std::string name = stamp_ + ".jsonl";
         struct stat facts{};
         // What a run keeps lies in a folder of this name.
@@ -90,6 +95,18 @@ FileHandle JournalFile::MakeFile(const fs::path& folder, const Clock& clock) {
         if (descriptor >= 0) return {descriptor, (folder / name).string()};
         if (errno != EEXIST) throw SystemFailure(errno, (folder / name).string());
     }
+}
+
+std::string FreeStamp(const fs::path& folder, const Clock& clock) {
+    const std::string now = StampText(clock.Now());
+    const auto isTaken = [&folder](const std::string& name) {
+        std::error_code unknown;
+        return fs::exists(fs::symlink_status(folder / name, unknown));
+    };
+    std::string stamp = now;
+    for (int number = 2; isTaken(stamp) || isTaken(stamp + ".jsonl"); ++number)
+        stamp = Numbered(now, number);
+    return stamp;
 }
 
 JournalFile::~JournalFile() {

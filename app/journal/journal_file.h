@@ -59,6 +59,10 @@ class JournalFile : public ChangeSink {
     std::string trouble_;
 };
 
+/// The stamp that a journal started now would have: the time, with a number behind it where that is
+/// taken. Changes nothing; what cannot be looked at counts as not there.
+std::string FreeStamp(const std::filesystem::path& folder, const Clock& clock);
+
 /// The folder of a host folder that holds the journals: HOST/Changes.
 std::filesystem::path ChangesFolder(const std::filesystem::path& host);
 

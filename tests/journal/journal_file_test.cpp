@@ -76,7 +76,9 @@ class JournalFileTest : public testing::Test {
 TEST_F(JournalFileTest, IsNamedByTheTimeAndNeverTakesANameThatIsTaken) {
     const JournalFile one(changes_, clock_);
     EXPECT_EQ(one.Stamp(), "2023-03-15_12-00-00");
+    EXPECT_EQ(FreeStamp(changes_, clock_), "2023-03-15_12-00-00-2");
     fs::create_directory(changes_ / "2023-03-15_12-00-00-2");
+    EXPECT_EQ(FreeStamp(changes_, clock_), "2023-03-15_12-00-00-3");
     const JournalFile two(changes_, clock_);
     EXPECT_EQ(two.Stamp(), "2023-03-15_12-00-00-3") << "a folder of that name keeps something";
 }

@@ -1,0 +1,36 @@
+#include <gtest/gtest.h>
+
+#include "run/modern_music.h"
+#include "tests/app/check_fixture.h"
+
+namespace quillon {
+namespace {
+
+class CheckModernMusicTest : public CheckFixture {};
+
+TEST_F(CheckModernMusicTest, TellsWhichKeysAreOn) {
+    Write("shelf/host.ini", "[Plugins]\nQuillon=1\n[Tags]\nRead=best\n[Library]\nDiscs=yes\n");
+    const std::string out = Check().out;
+    for (const ModernKey& key : ModernKeys) {
+        const bool isOn = key.key == "Read" || key.key == "Discs";
+        const std::string line = std::string(key.label) + std::string(17 - key.label.size(), ' ') +
+                                 std::string(isOn ? key.whenOn : key.whenOff) + '\n';
+        EXPECT_NE(out.find('\n' + line), std::string::npos) << line << out;
+    }
+}
+
+TEST_F(CheckModernMusicTest, FindsWordsThatAreNone) {
+    Write("shelf/host.ini",
+          "[Plugins]\nQuillon=1\n[Tags]\nRead=v2\nColour=red\n[Covers]\nScanLibrary=0\n"
+          "FolderImages=perhaps\n");
+    const std::string cautions = Cautions();
+    for (const char* const told :
+         {"Read in [Tags] of host.ini is \"v2\", which counts as v1. Write best or v1",
+          "host.ini has Colour=red in [Tags], which nothing reads. If Read or Write is meant",
+          "FolderImages in [Covers] of host.ini is \"perhaps\", which counts as 0. Write 1 or 0"})
+        EXPECT_NE(cautions.find(told), std::string::npos) << cautions;
+    EXPECT_EQ(cautions.find("ScanLibrary"), std::string::npos) << cautions;
+}
+
+}  // namespace
+}  // namespace quillon
