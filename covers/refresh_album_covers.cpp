@@ -154,18 +154,26 @@ void RefreshAlbumCovers(Run& run) {
     run.ShowItem("1. Scan Albums from Folder");
     const bool scanned = steps.Try(CoverStep::Scan, [&] {
         const auto isThere = [](const AlbumRow& album) { return !album.isGone; };
+        const Share share(run, 0, 0.4);
         if (std::ranges::any_of(run.TheLibrary().Albums(), isThere)) covers = ScanCovers(run);
     });
     if (!scanned || !covers) return;
 
     run.ShowItem("2. Compare Albums with Database");
     if (run.AbortRequested) return;
-    if (!steps.Try(CoverStep::Compare, [&] { CompareAlbums(run, steps, *covers); })) return;
+    if (!steps.Try(CoverStep::Compare, [&] {
+            const Share share(run, 0.4, 0.8);
+            CompareAlbums(run, steps, *covers);
+        }))
+        return;
 
     run.ShowItem("3. Add New Covers to Database");
     if (run.AbortRequested) return;
     steps.Concerning({});
-    steps.Try(CoverStep::AddNew, [&] { AddNewCovers(run, steps, *covers); });
+    steps.Try(CoverStep::AddNew, [&] {
+        const Share share(run, 0.8, 1);
+        AddNewCovers(run, steps, *covers);
+    });
 }
 
 }  // namespace quillon

@@ -1,8 +1,10 @@
 #include "driver/library_form.h"
 
 #include <algorithm>
+#include <chrono>
 #include <initializer_list>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -21,6 +23,7 @@
 #include "platform/failure.h"
 #include "playlists/playlist_snapshot.h"
 #include "run/connection_value.h"
+#include "run/counted.h"
 #include "run/excluded_artists.h"
 #include "run/log.h"
 
@@ -189,8 +192,10 @@ ReconcileScope LibraryForm::PrepareReconcile() {
             aPhase[i].visible = true;
         settings.ID3Reconcile = false;
     } else {
-        for (PhaseIndicator& indicator : aPhase)
-            indicator.visible = true;
+        for (std::size_t i = 0; i < aPhase.size(); ++i) {
+            aPhase[i].visible = true;
+            aPhase[i].isOtherMode = i >= FirstOtherPhase;
+        }
         if (!settings.ID3Reconcile) aPhase[2].visible = false;
         updateSteps_.Try([&] { run_.connection->Execute("DELETE * FROM SpinnerID3Differences"); });
     }
@@ -216,22 +221,32 @@ void LibraryForm::RunPhases(const ReconcileScope& scope) {
 
 bool LibraryForm::StartPhase(const ReconcilePhase& phase) {
     if (phase.indicator) return StartIndicator(*phase.indicator);
-    run_.StartCounting(0);
+    run_.form.progress = {};
     run_.ShowItem(phase.item);
     return !run_.AbortRequested;
 }
 
 void LibraryForm::RunPhase(const ReconcilePhase& phase) {
-    if (phase.work == nullptr) return;
-    if (phase.preparation != nullptr) Perform(procedures_.*phase.preparation);
-    Perform(procedures_.*phase.work);
+    const auto start = std::chrono::steady_clock::now();
+    std::optional<Share> share;
+    if (phase.preparation != nullptr) {
+        share.emplace(run_, 0, 0.3);
+        Perform(procedures_.*phase.preparation);
+        share.reset();
+        share.emplace(run_, 0.3, 1);
+    }
+    if (phase.work != nullptr) Perform(procedures_.*phase.work);
+    if (!phase.indicator || run_.AbortRequested) return;
+    run_.form.aPhase.at(*phase.indicator).took =
+        std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() -
+                                                              start);
 }
 
 /// Lights one indicator of the group; false when the run is to stop.
 bool LibraryForm::StartIndicator(std::size_t index) {
     for (PhaseIndicator& indicator : run_.form.aPhase)
         indicator.selected = false;
-    run_.StartCounting(0);
+    run_.form.progress = {};
     run_.form.aPhase.at(index).visible = true;
     run_.form.aPhase.at(index).selected = true;
     run_.ProcessEvents();

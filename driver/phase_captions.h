@@ -30,4 +30,7 @@ constexpr std::array<std::string_view, PhaseCount> PhaseCaptions = {
     "1. Add files to Library",
 };
 
+/// The first indicator that belongs to no phase of a reconciliation.
+constexpr std::size_t FirstOtherPhase = 10;
+
 }  // namespace quillon

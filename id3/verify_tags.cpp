@@ -74,8 +74,10 @@ void VerifyID3Tags(Run& run) {
         }
         const DateTime updateTime = run.clock.Now();
         std::vector<AlbumRest> rests;
+        SharesBySize shares(run, run.LibraryFolders.size());
         for (const FolderEntry& folder : run.LibraryFolders) {
             if (run.AbortRequested) return;
+            const Share share = shares.Next(1);
             VerifyID3TagsFolder(run, folder, updateTime, rests);
         }
         if (!run.AbortRequested) RemoveDuplicateFiles(run, std::move(rests));

@@ -17,6 +17,7 @@
 #include "platform/database.h"
 #include "platform/failure.h"
 #include "platform/files.h"
+#include "run/counted.h"
 #include "run/run.h"
 #include "run/steps.h"
 
@@ -99,6 +100,7 @@ bool BuildcdjPages(Run& run, const PickerLocations& locations, std::string_view 
                   [&] {
                       run.ShowItem("2. Copying Covers from Library to Web Server area");
                       if (run.AbortRequested) return;
+                      const Share share(run, 0, 0.5);
                       CopyCovers(run, steps, locations.webCoverFolder, albums.albums);
                   }) &&
            goesOn(PagesStep::WritePages, [&] {
@@ -106,6 +108,7 @@ bool BuildcdjPages(Run& run, const PickerLocations& locations, std::string_view 
                const PickerPages pages(*layout, *controls, albums, run.settings.coverPath);
                WriteText(run, folder, StylesheetName, PickerStylesheet());
                WritePage(run, folder, 0, pages.Index(run.settings.PickerMinimum));
+               const Share share(run, 0.5, 1);
                run.StartCounting(albums.albums.size());
                WriteAlbumPages(run, pages, folder);
            });

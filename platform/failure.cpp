@@ -13,7 +13,7 @@ std::string Describe(FailureNumber number, const std::string& concerning) {
 }  // namespace
 
 Failure::Failure(FailureNumber number, const std::string& concerning)
-    : Failure(Verbatim{}, number, Describe(number, concerning)) {}
+    : std::runtime_error(Describe(number, concerning)), number_(number), concerned_(concerning) {}
 
 Failure::Failure(Verbatim, FailureNumber number, const std::string& description)
     : std::runtime_error(description), number_(number) {}

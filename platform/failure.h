@@ -36,11 +36,14 @@ class Failure : public std::runtime_error {
     static Failure Described(FailureNumber number, const std::string& description);
 
     FailureNumber Number() const noexcept { return number_; }
+    /// What it concerned, a path for instance; "" where an engine has worded it.
+    const std::string& Concerned() const noexcept { return concerned_; }
 
   private:
     struct Verbatim {};
     Failure(Verbatim, FailureNumber number, const std::string& description);
     FailureNumber number_;
+    std::string concerned_;
 };
 
 /// The runtime's wording of a failure number, e.g. "Type mismatch".

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <array>
+#include <chrono>
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -12,14 +14,28 @@ struct PhaseIndicator {
     std::string_view caption;
     bool visible = true;
     bool selected = false;
+    bool isOtherMode = false;  ///< shown, though the mode that runs has no such phase
+    /// How long the phase took; nothing while it is not done.
+    std::optional<std::chrono::milliseconds> took = {};
 };
 
 constexpr std::size_t PhaseCount = 17;
 
-/// How far the running phase has come. Only a total that is known is given.
+/// How far the running phase has come: something is counted, whose total is known, and that is a
+/// share of the phase.
 struct PhaseProgress {
     std::size_t done = 0;
     std::size_t total = 0;  ///< 0: not known
+    double from = 0,
+           to = 1;  ///< where in the phase, of which 1 is the end, the share begins and ends
+
+    bool IsKnown() const { return total > 0; }
+    /// The part of the whole phase that is done, from 0 to 1.
+    double Part() const {
+        return IsKnown()
+                   ? from + (to - from) * static_cast<double>(done) / static_cast<double>(total)
+                   : from;
+    }
 };
 
 /// What kind of record of the log it is.

@@ -188,8 +188,11 @@ class Creation {
     void Perform() {
         run_.ShowItem("1. Read Playlist Track / Album Info");
         bool isAllRead = false;
-        if (!run_.AbortRequested)
+        SharesBySize shares(run_, 4);
+        if (!run_.AbortRequested) {
+            const Share share = shares.Next(1);
             isAllRead = ReadArtistEntries(run_, steps_, ArtistEntries::Tracks);
+        }
         const bool makesGenres = run_.settings.GenrePlaylist && !run_.AbortRequested;
         if (makesGenres) PlanGenreLists();
         // An abort does not keep this part from its work: it was asked for before that.
@@ -198,8 +201,14 @@ class Creation {
         // Lists in a folder that only stands for a drive would hide what is missing.
         if (run_.removals.Braked() && !HoldsLists()) return;
         RequireFolder();
-        if (makesGenres) MakeAll("2. New Genre Playlists", genres_);
-        if (makesArtists) MakeAll("3. New Artists Playlists", artists_);
+        if (makesGenres) {
+            const Share share = shares.Next(1);
+            MakeAll("2. New Genre Playlists", genres_);
+        }
+        if (makesArtists) {
+            const Share share = shares.Next(2);
+            MakeAll("3. New Artists Playlists", artists_);
+        }
         if (isAllRead && !run_.AbortRequested) DeleteObsoleteLists(run_, steps_, made_);
     }
 

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -24,6 +25,10 @@ namespace quillon {
 namespace {
 
 enum class AddingStep { LookForObjections = 1, AddAll = 3 };
+
+// How much of the whole has been done: files that lie loose in the source, then its folders, which
+// are visited twice.
+constexpr double EndOfLooseFiles = 0.2, EndOfFirstVisit = 0.6;
 
 constexpr std::string_view UnknownName = "Unknown";
 
@@ -57,7 +62,11 @@ class AddingWalk {
         if (!steps_.TryAs("AddFolder", FolderStep::Files,
                           [&] { files = run_.files.FilesIn(folder); }))
             return;
+        std::optional<Share> share;
+        if (isOutermost) share.emplace(run_, 0, EndOfLooseFiles);
         AddFilesIn(files, artist, album, isOutermost);
+        share.reset();
+        if (isOutermost) share.emplace(run_, EndOfLooseFiles, EndOfFirstVisit);
         for (const FolderEntry& subfolder : SubFolders(folder, isOutermost)) {
             if (run_.AbortRequested) return;
             AddFolder(artist, subfolder.name, subfolder.path);
@@ -182,6 +191,7 @@ void AddFilesToLibrary(Run& run) {
         // untagged files are found under both, as in libraries that were filled so far.
         walk.AddFolder(UnknownName, UnknownName, source, true);
         if (run.AbortRequested) return;
+        const Share share(run, EndOfFirstVisit, 1);
         for (const FolderEntry& subfolder : Counted(run, walk.SubFolders(source, false))) {
             if (run.AbortRequested) return;
             walk.AddFolder(subfolder.name, UnknownName, subfolder.path);

@@ -31,7 +31,9 @@ class FlatWalk {
 
     void Refresh() {
         std::vector<std::string> unlistedRoots;
+        SharesBySize shares(run_, 2 * walk_.roots.size());
         for (WalkedRoot& root : walk_.roots) {
+            const Share share = shares.Next(1);
             steps_.Concerning(root.path);
             if (!steps_.Try(Step::GroupFiles, [&] { GroupFiles(root); }))
                 unlistedRoots.push_back(root.path);
@@ -39,6 +41,7 @@ class FlatWalk {
         for (const std::string& root : unlistedRoots)
             walk_.unlisted.push_back({root, "", ""});
         HideAlbumsBelow(walk_, unlistedRoots);
+        const Share share = shares.Next(walk_.roots.size());
         for (const Group& group : Counted(run_, groups_)) {
             RefreshAlbum(group);
             SaveNowAndThen(walk_);

@@ -14,12 +14,17 @@
 #include "reconcile/unlisted.h"
 #include "reconcile/walk.h"
 #include "reconcile/walked_album.h"
+#include "run/counted.h"
 #include "run/log.h"
 #include "run/run.h"
 #include "run/steps.h"
 
 namespace quillon {
 namespace {
+
+// How much of the whole has been done where moved music is followed: the walk, then a search for
+// what was moved, in the end new sounds are listened to.
+constexpr double EndOfWalk = 0.5, EndOfSearch = 0.7;
 
 /// Why there are no library folders to walk, for a log line: the root is not there, or it is and
 /// holds no folder to begin with. Throws Failure when that cannot be determined.
@@ -47,7 +52,10 @@ void NoteLooseFiles(Run& run) {
 bool Sweep(Walk& walk, const std::vector<std::string>& absent) {
     Run& run = walk.run;
     if (run.AbortRequested) return false;
-    if (walk.moved && !walk.moved->Settle(absent)) return false;
+    if (walk.moved) {
+        const Share share(run, EndOfWalk, EndOfSearch);
+        if (!walk.moved->Settle(absent)) return false;
+    }
     if (run.AbortRequested) return false;
     KeepRowsBelow(walk, absent);
     MissingMusic missing = FindMissingMusic(walk);
@@ -94,13 +102,18 @@ void RefreshDatabase(Run& run) {
         HideAlbumsBelow(walk, absent);
     });
     NoteLooseFiles(run);
-    RefreshDatabaseFolders(walk);
+    {
+        const Share share(run, 0, walk.moved ? EndOfWalk : 1);
+        RefreshDatabaseFolders(walk);
+    }
     run.counts.leftOut = run.leftOut.Total();
     const bool isSwept = absentKnown && Sweep(walk, absent);
     if (!isSwept) TakeBackNumbers(walk, steps);
     const bool isSaved = steps.Try(RefreshStep::ChangeRows, [&] { walk.library.Save(); });
     if (walk.waiting && isSwept && isSaved) ForgetReturned(walk);
-    if (walk.moved) walk.moved->Remember();
+    if (!walk.moved) return;
+    const Share share(run, EndOfSearch, 1);
+    walk.moved->Remember();
 }
 
 }  // namespace quillon

@@ -42,8 +42,13 @@ class TreeWalk {
 
     void Refresh() {
         const std::vector<std::vector<std::string>> roots = ListRoots();
+        std::size_t total = 0;
+        for (const std::vector<std::string>& names : roots)
+            total += names.size();
+        SharesBySize shares(run_, total);
         for (const std::vector<std::string>& names : roots) {
             int counter = 0;
+            const Share share = shares.Next(names.size());
             for (const std::string& name : Counted(run_, names)) {
                 ++counter;
                 run_.ShowItem(std::to_string(counter) +

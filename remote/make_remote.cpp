@@ -5,6 +5,7 @@
 #include <string>
 
 #include "platform/database.h"
+#include "run/counted.h"
 #include "run/paths.h"
 #include "run/run.h"
 #include "run/steps.h"
@@ -63,7 +64,9 @@ void ChangeDrives(Run& run, Steps& steps, const StoredPaths& paths, const std::s
 
 void MakeRemote(Run& run) {
     Steps steps(run, "MakeRemote");
+    SharesBySize shares(run, AllStoredPaths.size());
     for (const StoredPaths& paths : AllStoredPaths) {
+        const Share share = shares.Next(1);
         run.ShowItem(paths.item);
         if (run.AbortRequested) return;
         const std::string drive = GetDrive(run.settings.*paths.folder);

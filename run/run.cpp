@@ -55,7 +55,8 @@ void Run::ProcessEvents() {
 }
 
 void Run::StartCounting(std::size_t total) {
-    form.progress = {.done = 0, .total = total};
+    form.progress.done = 0;
+    form.progress.total = total;
 }
 
 void Run::StartCountingRows(std::string_view from) {

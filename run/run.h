@@ -123,7 +123,8 @@ class Run {
     /// Lets pending window events run; the Abort button is noticed here.
     void ProcessEvents();
 
-    /// What the phase does next consists of this many steps; 0 where that is not known.
+    /// What the phase, or the share of it that was started (see counted.h), does next consists of
+    /// this many steps; 0 where that is not known.
     void StartCounting(std::size_t total);
 
     /// The same with as many steps as "SELECT ... FROM" has rows with this behind it: one table.

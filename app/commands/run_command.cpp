@@ -33,7 +33,7 @@ RunSummary SummaryOf(RunOutcome outcome, const RunReport& report, const RunRecor
                      std::chrono::milliseconds elapsed) {
     return {outcome,
             report.counts,
-            std::chrono::duration_cast<std::chrono::seconds>(elapsed),
+            elapsed,
             report.gone,
             report.saved,
             report.braked,

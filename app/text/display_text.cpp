@@ -166,4 +166,13 @@ std::string ElapsedText(std::chrono::seconds elapsed) {
     return fmt::format("{}:{:02}:{:02}", seconds / 3600, seconds / 60 % 60, seconds % 60);
 }
 
+std::string DurationText(std::chrono::milliseconds duration) {
+    const auto milliseconds = duration.count();
+    if (milliseconds >= 1000)
+        return ElapsedText(std::chrono::duration_cast<std::chrono::seconds>(duration));
+    // Rounded down, so that nothing becomes a whole second here.
+    if (milliseconds >= 100) return fmt::format("0.{} s", milliseconds / 100);
+    return fmt::format("0.0{} s", std::max<std::chrono::milliseconds::rep>(milliseconds / 10, 1));
+}
+
 }  // namespace quillon

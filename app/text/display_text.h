@@ -35,4 +35,7 @@ std::string CountText(std::size_t count, std::string_view word);
 /// Hours, minutes and seconds: "0:00:12".
 std::string ElapsedText(std::chrono::seconds elapsed);
 
+/// The same for what may have taken less than a second: "0.4 s", "0.02 s".
+std::string DurationText(std::chrono::milliseconds duration);
+
 }  // namespace quillon

@@ -135,7 +135,7 @@ std::string Errors(const RunSummary& summary) {
 /// "Done in 0:01:02; 2 errors in host.log", without the full stop.
 std::string Outcome(const RunSummary& summary) {
     const std::string errors = Errors(summary);
-    const std::string elapsed = ElapsedText(summary.elapsed);
+    const std::string elapsed = DurationText(summary.elapsed);
     switch (summary.outcome) {
         case RunOutcome::NothingRan:
             return "Nothing ran; " + errors;

@@ -15,7 +15,7 @@ namespace quillon {
 struct RunSummary {
     RunOutcome outcome = RunOutcome::NothingRan;
     RunCounts counts;
-    std::chrono::seconds elapsed{};
+    std::chrono::milliseconds elapsed{};
     Removals::AllGone gone{};
     bool saved = true;  ///< see RunReport, also for the next
     bool braked = false;

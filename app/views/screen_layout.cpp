@@ -1,6 +1,7 @@
 #include "app/views/screen_layout.h"
 
 #include <algorithm>
+#include <chrono>
 #include <fmt/format.h>
 #include <string_view>
 #include <utility>
@@ -17,6 +18,7 @@ constexpr std::size_t PercentColumns = 7;
 constexpr std::size_t ShortestBar = 8, LongestBar = 24;
 constexpr std::size_t SideGap = 4, NarrowestSide = 48;
 constexpr std::size_t LeastRecordRows = 4;
+constexpr std::size_t LeastMarkedRows = 4;  ///< three lines of the list and one that says it is cut
 constexpr std::string_view RecordsCaption = "Log";
 
 bool IsStrong(const ScreenLine& line) {
@@ -57,9 +59,9 @@ ScreenLine ErrorField(const FormState& form, std::size_t errors, std::size_t col
 /// Marker, caption and, where it is known, how far the phase has come.
 ScreenLine RunningPhase(const std::string& text, const PhaseProgress& progress,
                         std::size_t columns) {
-    if (progress.total == 0 || columns <= 2 * PercentColumns)
+    const double part = progress.Part();
+    if ((part == 0 && !progress.IsKnown()) || columns <= 2 * PercentColumns)
         return {{FitColumns(text, columns), ScreenStyle::Strong}};
-    const double part = static_cast<double>(progress.done) / static_cast<double>(progress.total);
     const std::string percent = fmt::format("  {:3} %", static_cast<int>(part * 100));
     if (columns < CaptionColumns + PercentColumns + ShortestBar + 2) {
         return {{FitColumns(text, columns - PercentColumns), ScreenStyle::Strong},
@@ -74,6 +76,16 @@ ScreenLine RunningPhase(const std::string& text, const PhaseProgress& progress,
             {'[' + std::move(bar) + ']' + percent, ScreenStyle::Progress}};
 }
 
+/// Marker, caption and how long it took.
+ScreenLine DonePhase(std::string_view caption, std::chrono::milliseconds took,
+                     std::size_t columns) {
+    const std::string text = std::string(" ok  ").append(caption), time = DurationText(took);
+    const std::size_t captionColumns = std::min(CaptionColumns, columns);
+    if (captionColumns + time.size() > columns) return {{FitColumns(text, columns)}};
+    return {{text},
+            {std::string(captionColumns - DisplayColumns(text), ' ') + time, ScreenStyle::Faint}};
+}
+
 std::vector<ScreenLine> PhaseLines(const FormState& form, std::size_t columns) {
     std::vector<ScreenLine> lines;
     for (const PhaseIndicator& phase : form.aPhase) {
@@ -81,16 +93,27 @@ std::vector<ScreenLine> PhaseLines(const FormState& form, std::size_t columns) {
         if (phase.selected) {
             lines.push_back(
                 RunningPhase(std::string(" (*) ").append(phase.caption), form.progress, columns));
+        } else if (phase.took) {
+            lines.push_back(DonePhase(phase.caption, *phase.took, columns));
         } else {
-            lines.push_back({{FitColumns(std::string(" ( ) ").append(phase.caption), columns)}});
+            lines.push_back({{FitColumns(std::string(" ( ) ").append(phase.caption), columns),
+                              phase.isOtherMode ? ScreenStyle::Faint : ScreenStyle::Usual}});
         }
     }
     return lines;
 }
 
-/// Takes away what does not fit, so that the last selected line and what comes next stay.
-void KeepAroundSelected(std::vector<ScreenLine>& lines, std::size_t room) {
+/// In place of lines that do not fit.
+ScreenLine Cut(std::size_t count, std::string_view where, std::size_t columns) {
+    return {{FitColumns(fmt::format("     ... {} more {}", count, where), columns),
+             ScreenStyle::Faint}};
+}
+
+/// Takes away what does not fit, so that the last selected line and what comes next stay. Lines say
+/// how many are missing, unless there is room for hardly anything.
+void KeepAroundSelected(std::vector<ScreenLine>& lines, std::size_t room, std::size_t columns) {
     if (lines.size() <= room) return;
+    const std::size_t all = lines.size();
     const auto selected = std::find_if(lines.rbegin(), lines.rend(), IsStrong);
     const std::size_t position =
         selected == lines.rend() ? 0 : static_cast<std::size_t>(lines.rend() - selected) - 1;
@@ -98,6 +121,9 @@ void KeepAroundSelected(std::vector<ScreenLine>& lines, std::size_t room) {
         std::min(position - std::min(position, room / 2), lines.size() - room);
     lines.erase(lines.begin(), lines.begin() + static_cast<std::ptrdiff_t>(first));
     lines.resize(room);
+    if (room < LeastMarkedRows) return;
+    if (first > 0) lines.front() = Cut(first + 1, "above", columns);
+    if (first + room < all) lines.back() = Cut(all - first - room + 1, "below", columns);
 }
 
 ScreenLine Foot(bool aborting, std::size_t columns) {
@@ -158,7 +184,7 @@ std::vector<ScreenLine> LayOutScreen(const FormState& form, const ScreenRemarks&
     // The line of the running phase is worth more than the head.
     const std::size_t leastPhases = std::min<std::size_t>(phases.size(), 1);
     const bool showHead = room >= head.size() + leastPhases && take(head.size());
-    KeepAroundSelected(phases, room);
+    KeepAroundSelected(phases, room, formColumns);
     room -= phases.size();
 
     std::vector<ScreenLine> lines;

@@ -6,7 +6,6 @@ namespace quillon {
 
 void WindowView::LogWritten(LogKind kind, std::string_view source, std::string_view message) {
     window_->LogWritten(kind, source, message);
-    lines_.LogWritten(kind, source, message);
 }
 
 bool WindowView::AbortPressed() const {

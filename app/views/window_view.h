@@ -7,8 +7,8 @@
 
 namespace quillon {
 
-/// The view on a desktop. Records of the log and the summary also go, as plain lines, to the
-/// program that has started this one: the window is gone when the run has ended.
+/// The view on a desktop. The summary goes, as plain lines, to the program that has started this
+/// one: the window is gone when the run has ended.
 class WindowView : public View {
   public:
     /// `window` is opened already; `descriptor` takes the lines and stays the caller's.

@@ -12,7 +12,6 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 #include <algorithm>
-#include <limits>
 
 #include "app/window/child.h"
 #include "app/window/error_list.h"
@@ -24,7 +23,7 @@ namespace quillon {
 namespace {
 
 /// How wide the window opens, in average characters.
-constexpr int UsualWidth = 100;
+constexpr int UsualWidth = 108;
 
 constexpr const char* AbortCaption = "&Abort";
 constexpr const char* AbortingCaption = "Aborting";
@@ -73,7 +72,7 @@ LibraryWindow::LibraryWindow()
     aLblReconcile_->hide();
     progress_->setObjectName("progress");
     progress_->setAccessibleName("Progress of the phase");
-    progress_->setFormat("%v of %m");
+    progress_->setFormat("%p %");
 
     auto* const rows = MakeChild<QVBoxLayout>(this);
     rows->addWidget(aLblReconcile_);
@@ -159,11 +158,13 @@ void LibraryWindow::Update(const FormState& state, std::chrono::seconds elapsed)
 }
 
 void LibraryWindow::ShowProgress(const PhaseProgress& progress) {
+    constexpr int Fine = 1000;
+    const double part = progress.Part();
     // A bar from 0 to 0 is one that only says that work is going on.
-    constexpr std::size_t Most = std::numeric_limits<int>::max();
-    progress_->setTextVisible(progress.total > 0);
-    progress_->setRange(0, static_cast<int>(std::min(progress.total, Most)));
-    progress_->setValue(static_cast<int>(std::min(progress.done, Most)));
+    const bool isKnown = progress.IsKnown() || part > 0;
+    progress_->setTextVisible(isKnown);
+    progress_->setRange(0, isKnown ? Fine : 0);
+    progress_->setValue(static_cast<int>(part * Fine));
 }
 
 void LibraryWindow::AddError(std::string_view source, std::string_view message) {

@@ -101,6 +101,16 @@ TEST(WrapWords, BreaksAtBlanksAndKeepsLongWordsWhole) {
     EXPECT_EQ(WrapWords("", 7), std::vector<std::string>());
 }
 
+TEST(DurationText, ShowsTenthsOfASecondBelowOne) {
+    using std::chrono::milliseconds;
+    EXPECT_EQ(DurationText(milliseconds(0)), "0.01 s");
+    EXPECT_EQ(DurationText(milliseconds(25)), "0.02 s");
+    EXPECT_EQ(DurationText(milliseconds(99)), "0.09 s");
+    EXPECT_EQ(DurationText(milliseconds(100)), "0.1 s");
+    EXPECT_EQ(DurationText(milliseconds(999)), "0.9 s");
+    EXPECT_EQ(DurationText(milliseconds(1999)), "0:00:01");
+}
+
 TEST(ElapsedText, ShowsHoursMinutesAndSeconds) {
     EXPECT_EQ(ElapsedText(std::chrono::seconds(0)), "0:00:00");
     EXPECT_EQ(ElapsedText(std::chrono::seconds(12)), "0:00:12");

@@ -66,7 +66,7 @@ TEST(SummaryLines, KnowEveryCount) {
                       .leftOut = 25,
                       .errors = 14};
     EXPECT_EQ(SummaryText(summary),
-              "Done in 0:00:00; 14 errors in host.log. "
+              "Done in 0.01 s; 14 errors in host.log. "
               "Albums: 1 added, 2 changed, 3 removed, 4 unchanged. "
               "Tracks: 5 added, 6 changed, 7 removed, 8 unchanged. "
               "Files: 15 renamed, 16 moved to Removed, 17 copied. Stored paths: 18 changed. "
@@ -240,7 +240,7 @@ TEST(SummaryLinesOfAWidth, SayWhyNothingRan) {
     EXPECT_EQ(SummaryLines({RunOutcome::NothingRan, {}, {}}, "Quillon must be enabled", 80)[0],
               "Nothing ran: Quillon must be enabled");
     EXPECT_EQ(SummaryLines({RunOutcome::Completed, {}, {}}, "Playlist repaired", 80)[0],
-              "Done in 0:00:00; no errors.")
+              "Done in 0.01 s; no errors.")
         << "a run that did its work has no need of its last message";
 }
 

@@ -88,6 +88,50 @@ TEST(LayOutScreen, MarksTheSelectedPhaseAndNoOther) {
     EXPECT_EQ(TextOf(*line), " (*) 4. Add Folder Tracks to Library");
 }
 
+TEST(LayOutScreen, MarksPhasesThatAreDoneWithTheirTime) {
+    FormState state = Reconciling(2);
+    state.aPhase[0].took = std::chrono::milliseconds(450);
+    state.aPhase[1].took = std::chrono::milliseconds(75'000);
+    const std::string screen = Screen(state, {}, Usual);
+    const std::string first = LineWith(screen, "1. Capture"),
+                      second = LineWith(screen, "2. Remove");
+    EXPECT_TRUE(first.starts_with(" ok  1. Capture Playlists ")) << first;
+    EXPECT_TRUE(first.ends_with(" 0.4 s")) << first;
+    EXPECT_TRUE(second.ends_with(" 0:01:15")) << second;
+    EXPECT_EQ(LineWith(screen, "4. Add"), " ( ) 4. Add Folder Tracks to Library");
+    EXPECT_EQ(LineWith(Screen(state, {}, {30, 24}), "1. Capture"), " ok  1. Capture Playlists");
+}
+
+TEST(LayOutScreen, DimsPhasesOfOtherModes) {
+    FormState state = Reconciling(2);
+    state.aPhase[10].isOtherMode = true;
+    const auto lines = LayOutScreen(state, {}, Usual);
+    const auto styleOf = [&lines](std::string_view caption) {
+        const auto line = std::ranges::find_if(lines, [caption](const ScreenLine& one) {
+            return TextOf(one).find(caption) != std::string::npos;
+        });
+        return line->front().style;
+    };
+    EXPECT_EQ(styleOf("1. Build Album Picker"), ScreenStyle::Faint);
+    EXPECT_EQ(styleOf("1. Pla to M3u"), ScreenStyle::Usual);
+}
+
+TEST(LayOutScreen, TellsHowManyPhasesAreCutOff) {
+    for (std::size_t selected = 0; selected < PhaseCount; ++selected) {
+        const std::string screen = Screen(Reconciling(selected), {}, {50, 15});
+        std::size_t told = 0, shown = 0;
+        for (const std::string_view caption : PhaseCaptions)
+            shown += screen.find(caption) == std::string::npos ? 0U : 1U;
+        for (const char* const where : {"above", "below"}) {
+            const std::size_t end = screen.find(std::string(" more ") + where);
+            if (end == std::string::npos) continue;
+            told += std::stoul(screen.substr(screen.rfind(' ', end - 1)));
+        }
+        EXPECT_EQ(shown + told, PhaseCount) << screen;
+        EXPECT_NE(screen.find(PhaseCaptions[selected]), std::string::npos) << screen;
+    }
+}
+
 TEST(LayOutScreen, LeavesHiddenPhasesOut) {
     FormState state = Reconciling(7);
     for (std::size_t i = 0; i < PhaseCount; ++i)

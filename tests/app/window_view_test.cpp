@@ -43,14 +43,12 @@ TEST_F(WindowViewTest, AbortIsTheButtonOrASignal) {
     EXPECT_TRUE(view->AbortPressed());
 }
 
-TEST_F(WindowViewTest, RecordsGoToTheWindowAndToWhoStartedTheRunWithTheSummaryBehindThem) {
+TEST_F(WindowViewTest, RecordsGoToTheWindowAndOnlyTheSummaryToWhoStartedTheRun) {
     view->Show({});
     view->LogWritten(LogKind::Error, "Quillon", "ProcessTracks\nLine 4");
     view->Unload();
     view->Summarize({RunOutcome::NothingRan, {}, {}});
-    EXPECT_EQ(pipe.Waiting(),
-              "   Quillon: ProcessTracks Line 4\n"
-              "Nothing ran; no errors. 'quillon check' says what is in the way.\n");
+    EXPECT_EQ(pipe.Waiting(), "Nothing ran; no errors. 'quillon check' says what is in the way.\n");
     EXPECT_EQ(window->logged.size(), 1U);
     EXPECT_EQ(window->logged[0].first, LogKind::Error);
 }

@@ -30,11 +30,12 @@ class Progress : public ::testing::Test {
 
     /// What a person sees of a phase, and where it stands at the end.
     std::string Of(ProcedureName work) {
-        library.run.StartCounting(0);  // as the driver does
+        library.run.form.progress = {};  // as the driver does
         fakes::ProgressWatch watch(library.window);
         (AvailableProcedures().*work)(library.run);
         watch.Note(library.run.form.progress);
         library.window.onEvents = {};
+        EXPECT_FALSE(watch.WentBack()) << watch.Seen();
         return watch.Seen();
     }
 
@@ -55,19 +56,20 @@ class Progress : public ::testing::Test {
 };
 
 TEST_F(Progress, OfTheFolderWalkIsInArtists) {
-    EXPECT_EQ(Of(&Procedures::RefreshDatabase), "0/3 1/3 2/3 3/3");
+    EXPECT_EQ(Of(&Procedures::RefreshDatabase), "0/3 1/3 2/3 1000/1000");
 }
 
 TEST_F(Progress, OfTheFlatLayoutIsInFilesAndThenInAlbums) {
     library.AddFile("Ann_One.mp3");
     library.AddFile("Bob_One.mp3");
     library.run.settings.FlatStructure = true;
-    EXPECT_EQ(Of(&Procedures::RefreshDatabase), "2/2");
+    EXPECT_EQ(Of(&Procedures::RefreshDatabase), "1000/1000");
 }
 
-TEST_F(Progress, OfEachLibraryFolderBeginsAnew) {
+TEST_F(Progress, OfLibraryFoldersIsTheShareOfTheirArtists) {
     library.run.LibraryFolders.push_back({R"(D:\Music\Ann)", "Ann"});
-    EXPECT_EQ(Of(&Procedures::RefreshDatabase), "0/3 1/3 2/3 0/1 1/1");
+    EXPECT_EQ(Of(&Procedures::RefreshDatabase),
+              "[0-75%] 0/3 1/3 2/3 [75-100%] 0/1 [0-100%] 1000/1000");
 }
 
 TEST_F(Progress, StopsWhereAnAbortStopsThePhase) {
@@ -81,11 +83,11 @@ TEST_F(Progress, StopsWhereAnAbortStopsThePhase) {
 TEST_F(Progress, CountsLeftOutArtistsAsDone) {
     library.run.ExcludeEmpty = false;
     library.run.ExcludeList = {"Cid"};
-    EXPECT_EQ(Of(&Procedures::RefreshDatabase), "0/3 1/3 2/3 3/3");
+    EXPECT_EQ(Of(&Procedures::RefreshDatabase), "0/3 1/3 2/3 1000/1000");
 }
 
 TEST_F(Progress, OfTheVerificationIsInArtists) {
-    EXPECT_EQ(Of(&Procedures::VerifyID3Tags), "0/3 1/3 2/3 3/3");
+    EXPECT_EQ(Of(&Procedures::VerifyID3Tags), "0/3 1/3 2/3 1000/1000");
 }
 
 TEST_F(Progress, OfTheRemovalOfDuplicatesIsUnknown) {
@@ -117,21 +119,28 @@ TEST_F(Progress, WithoutPlaylistsIsUnknown) {
 TEST_F(Progress, OfNewPlaylistsIsInArtistsAndThenInLists) {
     AvailableProcedures().PopulateSpinnerTracks(library.run);
     library.run.playlistEntries = {};
-    EXPECT_EQ(Of(&Procedures::CreateNewPlaylists), "- 0/3 1/3 2/3 3/3 1/1 0/3 1/3 2/3 3/3");
+    EXPECT_EQ(Of(&Procedures::CreateNewPlaylists),
+              "- [0-25%] 0/3 1/3 2/3 [25-50%] - [50-100%] - 0/3 1/3 2/3 [0-100%] 1000/1000");
     library.run.settings.PlaylistByAlbumOption = true;
     library.run.playlistEntries = {};
-    EXPECT_EQ(Of(&Procedures::CreateNewPlaylists), "- 0/3 1/3 2/3 3/3 1/1 0/3 1/3 2/3 3/3");
+    EXPECT_EQ(Of(&Procedures::CreateNewPlaylists),
+              "- [0-25%] 0/3 1/3 2/3 [25-50%] - [50-100%] - 0/3 1/3 2/3 [0-100%] 1000/1000");
 }
 
 TEST_F(Progress, OfTheCoversIsInAlbumsAndThenInImages) {
     library.files.AddFile(R"(D:\Covers\Ann - Album.jpg)");
     library.files.AddFile(R"(D:\Covers\Nobody - Album.jpg)");
-    EXPECT_EQ(Of(&Procedures::RefreshAlbumCovers), "- 0/3 1/3 2/3 3/3 0/2 1/2 2/2");
+    EXPECT_EQ(
+        Of(&Procedures::RefreshAlbumCovers),
+        "- [0-40%] - - [0-100%] 400/1000 [40-80%] 0/3 1/3 2/3 [0-100%] 800/1000 [80-100%] 0/2 1/2 "
+        "[0-100%] 1000/1000");
 }
 
 TEST_F(Progress, OfCoversInTheLibraryIsInArtistsFirst) {
     library.host.Set("ScanLibrary", "1");
-    EXPECT_EQ(Of(&Procedures::RefreshAlbumCovers), "- 0/3 1/3 2/3 3/3 0/3 1/3 2/3 3/3 -");
+    EXPECT_EQ(Of(&Procedures::RefreshAlbumCovers),
+              "- [0-40%] - - 0/3 1/3 2/3 [0-100%] 400/1000 [40-80%] 0/3 1/3 2/3 [0-100%] 800/1000 "
+              "1000/1000");
 }
 
 TEST_F(Progress, OfTheDatabaseUpdateIsInDifferences) {
@@ -153,13 +162,17 @@ TEST_F(Progress, OfAddingFilesIsInFilesAndFoldersOfTheSource) {
     for (const char* const file :
          {"a - x.mp3", "b - y.mp3", R"(Dora\Album\z - a.mp3)", R"(Eve\Album\z - b.mp3)"})
         library.files.AddFile(R"(D:\New\)" + std::string(file), support::UntaggedSoundFile());
-    EXPECT_EQ(Of(&Procedures::AddFilesToLibrary), "0/2 1/2 0/2 1/2 0/2 1/2 2/2");
+    EXPECT_EQ(Of(&Procedures::AddFilesToLibrary),
+              "[0-20%] 0/2 1/2 [20-60%] 0/2 1/2 [60-100%] 0/2 1/2 [0-100%] 1000/1000");
 }
 
 TEST_F(Progress, OfTheRemoteReferenceIsInPathsOfEachKind) {
     library.run.settings.LibraryRoot = R"(M:\Music\)";
     library.Execute("UPDATE Albums SET ImageFile = 'X:\\Covers\\a.jpg' WHERE Artist <> 'Bob'");
-    EXPECT_EQ(Of(&Procedures::MakeRemote), "- 0/2 1/2 2/2 0/6 1/6 2/6 3/6 4/6 5/6 6/6 -");
+    EXPECT_EQ(
+        Of(&Procedures::MakeRemote),
+        "[0-25%] - 0/2 1/2 [25-50%] - 0/6 1/6 2/6 3/6 4/6 5/6 [50-75%] - [75-100%] - [0-100%] "
+        "1000/1000");
 }
 
 TEST_F(Progress, OfTheReconciliationFileIsUnknown) {

@@ -1,5 +1,6 @@
 #include <QAbstractButton>
 #include <QAccessible>
+#include <QLabel>
 #include <QtTest/QTest>
 
 #include "tests/app/window/window_fixture.h"
@@ -27,6 +28,22 @@ class PhaseLamps : public WindowFixture {
         }
     }
 };
+
+TEST_F(PhaseLamps, CarryAMarkAndTheirTimeWhenTheirPhaseIsDone) {
+    FormState state = Reconciling(3);
+    state.aPhase[0].took = std::chrono::milliseconds(450);
+    Draw(state);
+    EXPECT_EQ(Control<QLabel>("took0").text(), QStringLiteral("\u2713 0.4 s"));
+    EXPECT_EQ(Control<QLabel>("took1").text(), "");
+}
+
+TEST_F(PhaseLamps, AreDimmedWhereTheyBelongToOtherModes) {
+    FormState state = Reconciling(3);
+    state.aPhase[10].isOtherMode = true;
+    Draw(state);
+    EXPECT_FALSE(LampButton(10).isEnabled());
+    EXPECT_TRUE(LampButton(11).isEnabled());
+}
 
 TEST_F(PhaseLamps, CannotBeSelectedWithTheMouse) {
     for (std::size_t i = 0; i < PhaseCount; ++i) {

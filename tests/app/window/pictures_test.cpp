@@ -27,6 +27,11 @@ class Pictures : public WindowFixture {
                       R"(Philharmonic Orchestra of a Very Long Name\07 - Andante mosso.mp3)";
         state.aError = "ProcessTracks";
         state.progress = {.done = 1234, .total = 4321};
+        state.aPhase[0].took = std::chrono::milliseconds(450);
+        state.aPhase[1].took = std::chrono::milliseconds(30);
+        state.aPhase[2].took = std::chrono::milliseconds(75'000);
+        for (std::size_t i = 10; i < PhaseCount; ++i)
+            state.aPhase[i].isOtherMode = true;
         return state;
     }
     /// Lightness of a window's ground and of the brightest and darkest thing on it.
