@@ -52,6 +52,9 @@ class JournalledFiles : public Files {
     bool IsSameFile(std::string_view path, std::string_view other) override {
         return files_.IsSameFile(path, other);
     }
+    std::optional<std::string> LocalPath(std::string_view path) override {
+        return files_.LocalPath(path);
+    }
     Listing<FolderEntry> SubFolders(std::string_view folder) override {
         return files_.SubFolders(folder);
     }

@@ -35,6 +35,7 @@ class PreviewFiles : public Files {
     bool FileExists(std::string_view path) override;
     bool IsWithin(std::string_view folder, std::string_view outer) override;
     bool IsSameFile(std::string_view path, std::string_view other) override;
+    std::optional<std::string> LocalPath(std::string_view path) override;
     Listing<FolderEntry> SubFolders(std::string_view folder) override;
     Listing<FileEntry> FilesIn(std::string_view folder) override;
     FolderNames NamesIn(std::string_view folder) override;

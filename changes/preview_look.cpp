@@ -122,6 +122,10 @@ bool PreviewFiles::IsSameFile(std::string_view path, std::string_view other) {
     return ground_.IsSameFile(one.ground, two.ground);
 }
 
+std::optional<std::string> PreviewFiles::LocalPath(std::string_view path) {
+    return ground_.LocalPath(path);
+}
+
 bool PreviewFiles::IsWithin(std::string_view folder, std::string_view outer) {
     if (!FolderExists(folder) || !FolderExists(outer)) return false;
     // Of folders that are where the disk has them, only the disk knows all their names.

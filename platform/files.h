@@ -137,6 +137,11 @@ class Files {
     /// other may lead to nothing. False when either does not exist. Failure as above.
     virtual bool IsSameFile(std::string_view path, std::string_view other) = 0;
 
+    /// How other programs of this machine name the file, in the spelling of the disk where it is
+    /// there; nothing for a path that leads nowhere here, such as one with a drive that is not
+    /// known. Failure as above.
+    virtual std::optional<std::string> LocalPath(std::string_view path) = 0;
+
     /// Folders and files directly inside a folder. Entries that Windows could not show are left out
     /// (the adapter notes each once in the log). Failure: PathNotFound, PermissionDenied; also when
     /// the folder could not be read to its end.

@@ -15,6 +15,7 @@
 #include "platform/basic_text.h"
 #include "platform/database.h"
 #include "platform/files.h"
+#include "playlists/local_list.h"
 #include "playlists/m3u.h"
 #include "playlists/pla_line.h"
 #include "playlists/playlist_folder.h"
@@ -93,6 +94,19 @@ void TellMissing(Run& run, const std::string& target, const std::vector<std::str
     WriteLog(run, LogSource, text);
 }
 
+/// Writes the list for players of this machine.
+void WriteLocalList(Run& run, const std::string& target, const std::vector<M3uSong>& songs) {
+    const LocalList list = MakeLocalList(run.files, target, songs);
+    if (WriteIfOther(run.files, target, list.bytes)) ++run.counts.playlistsWritten;
+    if (list.unknownCount == 0) return;
+    WriteLog(run, LogSource,
+             "PlaToM3u: " + target + " has " + std::to_string(list.unknownCount) +
+                 (list.unknownCount == 1 ? " path that leads" : " paths that lead") +
+                 " nowhere on this machine, such as " + list.unknown +
+                 ". If that is music, name its drive in [Drives] of " +
+                 std::string(HostSettingsFile));
+}
+
 void WriteM3u(Run& run, const std::string& target, const std::vector<M3uSong>& songs) {
     M3uText ansi, utf8;
     std::vector<std::string> missing;
@@ -108,7 +122,9 @@ void WriteM3u(Run& run, const std::string& target, const std::vector<M3uSong>& s
     }
     const std::string whole = M3u8Name(target);
     // One that an earlier run had to make is kept true, even when it is not needed any more.
-    if (!missing.empty() || run.files.FileExists(whole)) {
+    if (run.modern.writesLocalLists) {
+        WriteLocalList(run, whole, songs);
+    } else if (!missing.empty() || run.files.FileExists(whole)) {
         if (WriteIfOther(run.files, whole, utf8.Bytes())) ++run.counts.playlistsWritten;
     }
     if (WriteIfOther(run.files, target, ansi.Bytes())) ++run.counts.playlistsWritten;

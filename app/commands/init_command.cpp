@@ -233,7 +233,14 @@ std::string HostText(const Plan& plan) {
         "within them, all\n"
         "; is as before. 0: the row is removed at once.\n"
         "[Missing]\n"
-        "KeepDays=14\n";
+        "KeepDays=14\n"
+        "\n"
+        "; 1: beside each .m3u list stands an .m3u8 with the paths of this machine, which players "
+        "here "
+        "open as\n"
+        "; it is.\n"
+        "[Playlists]\n"
+        "Local=1\n";
     return text + SafetyText();
 }
 

@@ -213,6 +213,15 @@ WindowsPath PortableFiles::AsOnDisk(std::string_view path) {
     return AsItIs(parsed, resolver_.Local(parsed));
 }
 
+std::optional<std::string> PortableFiles::LocalPath(std::string_view path) try {
+    return resolver_.Local(path);
+} catch (const Failure& failure) {
+    if (failure.Number() != FailureNumber::PathNotFound &&
+        failure.Number() != FailureNumber::BadFileName)
+        throw;
+    return std::nullopt;
+}
+
 void PortableFiles::CreateFolder(std::string_view path) {
     const WindowsPath parsed = ParseWindowsPath(path);
     const std::string local = resolver_.Local(parsed);

@@ -316,5 +316,29 @@ TEST_F(ConvertTest, ConvertsNothingInTheOppositeDirection) {
     EXPECT_THAT(library.host.log, IsEmpty());
 }
 
+TEST_F(ConvertTest, WritesAListForThisMachineBesideEachWhereThatIsAskedFor) {
+    AddList("Rock.pla", {"A0 0"});
+    run().modern.writesLocalLists = true;
+    Convert();
+    EXPECT_EQ(M3u("Rock.m3u8").substr(0, 8), "#EXTM3U\n");
+    EXPECT_THAT(M3u("Rock.m3u8"), HasSubstr("\n../Music/"));
+    EXPECT_THAT(M3u("Rock.m3u"), HasSubstr("\r\nD:\\Music\\"));
+    EXPECT_EQ(run().counts.playlistsWritten, 2U);
+    Convert();
+    EXPECT_EQ(run().counts.playlistsWritten, 2U) << "nothing has changed";
+}
+
+TEST_F(ConvertTest, NamesThePathsThatLeadNowhereOnThisMachine) {
+    AddList("Rock.pla", {"A0 0"});
+    library.Execute("UPDATE Tracks SET SoundFile='Y:\\Music\\a.mp3'");
+    run().modern.writesLocalLists = true;
+    Convert();
+    EXPECT_THAT(
+        library.host.log,
+        ElementsAre("Quillon: PlaToM3u: D:\\M3u\\Rock.m3u8 has 1 path that leads nowhere on "
+                    "this machine, such as Y:\\Music\\a.mp3. If that is music, name its drive "
+                    "in [Drives] of host.ini"));
+}
+
 }  // namespace
 }  // namespace quillon

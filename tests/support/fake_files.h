@@ -76,6 +76,12 @@ class FakeFiles : public Files {
         return FileExists(path) && FileExists(other) && EqualIgnoringCase(path, other);
     }
 
+    /// D:\Music\a.mp3 is /drives/d/Music/a.mp3; there are no other drives.
+    std::optional<std::string> LocalPath(std::string_view path) override {
+        if (!LowerCase(path).starts_with("d:\\")) return std::nullopt;
+        return "/drives/d/" + Replace(path.substr(3), "\\", "/");
+    }
+
     Listing<FolderEntry> SubFolders(std::string_view folder) override {
         calls_.Note("SubFolders " + std::string(folder));
         Listing<FolderEntry> list;
