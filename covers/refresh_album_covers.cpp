@@ -4,11 +4,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "covers/folder_images.h"
 #include "covers/scan_covers.h"
 #include "database/sql.h"
 #include "library/library.h"
@@ -30,17 +30,6 @@ std::string_view FileName(std::string_view path) {
     return backslash == std::string_view::npos ? path : path.substr(backslash + 1);
 }
 
-void SetImageFile(Run& run, AlbumRow& album, const std::string& path) {
-    const std::string before = album.imageFile;
-    if (before == path) return;
-    const FieldValue image{"ImageFile", path};
-    run.TheLibrary().Change(album, std::span(&image, 1));
-    RunCounts& counts = run.counts;
-    ++(before.empty() ? counts.imagesAdded
-       : path.empty() ? counts.imagesRemoved
-                      : counts.imagesChanged);
-}
-
 /// Whether an album that points at this image, which was not found, loses it.
 bool MayEmpty(const Run& run, const CoverSet& covers, std::string_view image) {
     if (!covers.IsWhole()) return false;
@@ -60,11 +49,16 @@ void TellKeptImages(Run& run, const CoverSet& covers, std::size_t kept) {
                  ". See to the drives and folders and run again");
 }
 
+/// Whether the album's image belongs to its folder and is dealt with there.
+bool HasFolderImage(const Run& run, const AlbumRow& album) {
+    return run.modern.takesFolderImages && IsFolderImage(FileName(album.imageFile.Text()));
+}
+
 void CompareAlbums(Run& run, Steps& steps, CoverSet& covers) {
     std::size_t kept = 0;
     for (AlbumRow& album : Counted(run, run.TheLibrary().Albums())) {
         run.ProcessEvents();
-        if (album.isGone || album.imageFile.IsEmpty()) continue;
+        if (album.isGone || album.imageFile.IsEmpty() || HasFolderImage(run, album)) continue;
         const std::string& imageFile = album.imageFile;
         steps.Concerning(imageFile);
         Cover* const cover = findExactRecord(run, covers, FileName(imageFile));
@@ -124,7 +118,7 @@ void AddCover(Run& run, const Cover& cover) {
     AlbumRow& album = *found.front();
     const std::string& present = album.imageFile;
     const auto id = static_cast<std::int64_t>(album.id);
-    if (!present.empty()) {
+    if (!present.empty() && !HasFolderImage(run, album)) {
         if (!EqualIgnoringCase(present, cover.path))
             LogCover(run, cover,
                      "is in directory but does not match " + present + " in Albums database");
@@ -146,34 +140,42 @@ void AddNewCovers(Run& run, Steps& steps, const CoverSet& covers) {
     }
 }
 
+/// Ties the covers that were found to the albums that they are named after; false when the work is
+/// to end.
+bool TieCovers(Run& run, Steps& steps, CoverSet& covers) {
+    run.ShowItem("2. Compare Albums with Database");
+    if (run.AbortRequested) return false;
+    if (!steps.Try(CoverStep::Compare, [&] {
+            const Share share(run, 0.4, 0.6);
+            CompareAlbums(run, steps, covers);
+        }))
+        return false;
+    run.ShowItem("3. Add New Covers to Database");
+    if (run.AbortRequested) return false;
+    steps.Concerning({});
+    return steps.Try(CoverStep::AddNew, [&] {
+        const Share share(run, 0.6, 0.8);
+        AddNewCovers(run, steps, covers);
+    });
+}
+
 }  // namespace
 
 void RefreshAlbumCovers(Run& run) {
     Steps steps(run, "Refresh Album Covers Error:");
     std::optional<CoverSet> covers;
     run.ShowItem("1. Scan Albums from Folder");
+    const auto isThere = [](const AlbumRow& album) { return !album.isGone; };
     const bool scanned = steps.Try(CoverStep::Scan, [&] {
-        const auto isThere = [](const AlbumRow& album) { return !album.isGone; };
         const Share share(run, 0, 0.4);
         if (std::ranges::any_of(run.TheLibrary().Albums(), isThere)) covers = ScanCovers(run);
     });
-    if (!scanned || !covers) return;
-
-    run.ShowItem("2. Compare Albums with Database");
-    if (run.AbortRequested) return;
-    if (!steps.Try(CoverStep::Compare, [&] {
-            const Share share(run, 0.4, 0.8);
-            CompareAlbums(run, steps, *covers);
-        }))
-        return;
-
-    run.ShowItem("3. Add New Covers to Database");
-    if (run.AbortRequested) return;
-    steps.Concerning({});
-    steps.Try(CoverStep::AddNew, [&] {
-        const Share share(run, 0.8, 1);
-        AddNewCovers(run, steps, *covers);
-    });
+    if (!scanned) return;
+    if (covers && !TieCovers(run, steps, *covers)) return;
+    if (!run.modern.takesFolderImages || run.AbortRequested) return;
+    run.ShowItem("4. Look for Images in Album Folders");
+    const Share share(run, 0.8, 1);
+    TakeFolderImages(run, steps);
 }
 
 }  // namespace quillon

@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "covers/folder_images.h"
 #include "platform/basic_text.h"
 #include "platform/failure.h"
 #include "platform/files.h"
@@ -64,7 +65,9 @@ void AddLibraryTree(Run& run, const std::string& reservedFolder, CoverSet& cover
             const Listing<FileEntry> files = run.files.FilesIn(album.path);
             noteUnseen(files);
             for (const FileEntry& file : files) {
-                if (HasExtension(file.name, ".jpg") || HasExtension(file.name, ".gif"))
+                const bool isAlbums = run.modern.takesFolderImages && IsFolderImage(file.name);
+                if (!isAlbums &&
+                    (HasExtension(file.name, ".jpg") || HasExtension(file.name, ".gif")))
                     covers.Add(file.name, file.path);
             }
         }

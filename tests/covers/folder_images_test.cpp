@@ -1,0 +1,135 @@
+#include "covers/folder_images.h"
+
+#include <gmock/gmock.h>
+
+#include "tests/covers/covers_fixture.h"
+
+namespace quillon {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+class FolderImages : public RefreshAlbumCoversTest {
+  protected:
+    FolderImages() { library.run.modern.takesFolderImages = true; }
+
+    /// An album of one song in a folder of its own.
+    void AddAlbumWithSong(const std::string& title) {
+        library.AddAlbumRow("A-" + title, "Ann", title, 1);
+        library.AddTrackRow("A-" + title, 1, FolderOfAlbum(title) + "One.mp3", "One");
+        library.files.AddFile(FolderOfAlbum(title) + "One.mp3");
+    }
+    void AddFolderImage(const std::string& title, const std::string& name) {
+        library.files.AddFile(FolderOfAlbum(title) + name);
+    }
+    static std::string FolderOfAlbum(const std::string& title) {
+        return R"(D:\Music\Ann\)" + title + '\\';
+    }
+};
+
+TEST(IsFolderImage, KnowsTheNamesThatPeopleAndProgramsGiveThem) {
+    for (const char* const name :
+         {"cover.jpg", "Cover.JPEG", "folder.png", "Front.jpg", "AlbumArt.jpg"})
+        EXPECT_TRUE(IsFolderImage(name)) << name;
+    for (const char* const name : {"cover.gif", "cover", "cover2.jpg", "back.jpg", "xcover.jpg",
+                                   "AlbumArtSmall.jpg", "cover.jpg.bak"})
+        EXPECT_FALSE(IsFolderImage(name)) << name;
+}
+
+TEST_F(FolderImages, AreTakenByAlbumsWithoutACover) {
+    AddAlbumWithSong("First");
+    AddFolderImage("First", "Folder.jpg");
+    Refresh();
+    EXPECT_THAT(Images(), ElementsAre(R"(D:\Music\Ann\First\Folder.jpg)"));
+    EXPECT_THAT(Log(),
+                ElementsAre("Quillon: Album Cover D:\\Music\\Ann\\First\\Folder.jpg added to "
+                            "Albums database"));
+    library.host.log.clear();
+    Refresh();
+    EXPECT_THAT(Images(), ElementsAre(R"(D:\Music\Ann\First\Folder.jpg)"));
+    EXPECT_THAT(Log(), IsEmpty()) << "and the next run has nothing to do";
+    EXPECT_EQ(library.run.counts.imagesAdded, 1U);
+}
+
+TEST_F(FolderImages, TheBestNameCountsAndThenTheExtension) {
+    AddAlbumWithSong("First");
+    for (const char* const name :
+         {"AlbumArt.jpg", "front.jpg", "folder.jpg", "cover.png", "cover.jpeg"})
+        AddFolderImage("First", name);
+    Refresh();
+    EXPECT_THAT(Images(), ElementsAre(R"(D:\Music\Ann\First\cover.jpeg)"));
+}
+
+TEST_F(FolderImages, ACoverByNameComesFirst) {
+    AddAlbumWithSong("First");
+    AddFolderImage("First", "cover.jpg");
+    AddImage("Ann - First.jpg");
+    Refresh();
+    EXPECT_THAT(Images(), ElementsAre(R"(D:\Covers\Ann - First.jpg)"));
+}
+
+TEST_F(FolderImages, ThatAreGoneGiveWayToOthersOrToNone) {
+    AddAlbumWithSong("First");
+    AddAlbumWithSong("Second");
+    AddFolderImage("First", "cover.jpg");
+    AddFolderImage("First", "front.jpg");
+    AddFolderImage("Second", "cover.jpg");
+    Refresh();
+    library.files.DeleteFile(FolderOfAlbum("First") + "cover.jpg");
+    library.files.DeleteFile(FolderOfAlbum("Second") + "cover.jpg");
+    Refresh();
+    EXPECT_THAT(Images(), ElementsAre(R"(D:\Music\Ann\First\front.jpg)", ""));
+}
+
+TEST_F(FolderImages, StayWhereTheFolderIsAway) {
+    AddAlbumWithSong("First");
+    AddFolderImage("First", "cover.jpg");
+    Refresh();
+    library.files.DeleteFolder(R"(D:\Music\Ann\First)");
+    Refresh();
+    EXPECT_THAT(Images(), ElementsAre(R"(D:\Music\Ann\First\cover.jpg)"));
+}
+
+TEST_F(FolderImages, StayWhereNobodyCanTell) {
+    AddAlbumWithSong("First");
+    AddFolderImage("First", "cover.jpg");
+    Refresh();
+    library.files.HideFromView(FolderOfAlbum("First") + "cover.jpg");
+    Refresh();
+    EXPECT_THAT(Images(), ElementsAre(R"(D:\Music\Ann\First\cover.jpg)"));
+}
+
+TEST_F(FolderImages, AreNoCoversWithAWrongNameInTheLibrarysTree) {
+    ScanLibraryTree();
+    library.run.settings.LibraryRoot = R"(D:\Music)";
+    AddAlbumWithSong("First");
+    AddAlbumWithSong("Second");
+    AddFolderImage("First", "cover.jpg");
+    AddFolderImage("Second", "cover.jpg");
+    Refresh();
+    library.host.log.clear();
+    Refresh();
+    EXPECT_THAT(Images(),
+                ElementsAre(R"(D:\Music\Ann\First\cover.jpg)", R"(D:\Music\Ann\Second\cover.jpg)"));
+    EXPECT_THAT(Log(), IsEmpty());
+}
+
+TEST_F(FolderImages, AreTakenWithoutACoverFolder) {
+    library.run.settings.AlbumCoverFolder = "";
+    AddAlbumWithSong("First");
+    AddFolderImage("First", "cover.jpg");
+    Refresh();
+    EXPECT_THAT(Images(), ElementsAre(R"(D:\Music\Ann\First\cover.jpg)"));
+}
+
+TEST_F(FolderImages, AreLeftAloneUnlessTheyAreAskedFor) {
+    library.run.modern.takesFolderImages = false;
+    AddAlbumWithSong("First");
+    AddFolderImage("First", "cover.jpg");
+    Refresh();
+    EXPECT_THAT(Images(), ElementsAre("Null"));
+}
+
+}  // namespace
+}  // namespace quillon
