@@ -85,7 +85,8 @@ Backup TimeStampFolderBackup(Run& run, std::string_view folder, std::string_view
             throw Failure::Described(FailureNumber::InvalidProcedureCall,
                                      std::string(folder) +
                                          " is a whole drive, and the copy that a run makes first "
-                                         "cannot lie beside it");
+                                         "cannot lie beside it",
+                                     std::string(folder));
         }
         const std::string copy = CopyNameFor(run, source, mark);
         run.files.CopyFolder(source, copy);

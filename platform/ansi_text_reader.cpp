@@ -36,7 +36,7 @@ std::string AnsiTextReader::ReadLine() {
         if (line.size() + (end - next_) > LongestLine) {
             throw Failure::Described(
                 FailureNumber::Overflow,
-                shownPath_ + " has a line of more than 1 MB, so it is not a text file");
+                shownPath_ + " has a line of more than 1 MB, so it is not a text file", shownPath_);
         }
         line.append(buffer_, next_, end - next_);
         ended = end < buffer_.size();

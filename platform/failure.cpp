@@ -15,11 +15,13 @@ std::string Describe(FailureNumber number, const std::string& concerning) {
 Failure::Failure(FailureNumber number, const std::string& concerning)
     : std::runtime_error(Describe(number, concerning)), number_(number), concerned_(concerning) {}
 
-Failure::Failure(Verbatim, FailureNumber number, const std::string& description)
-    : std::runtime_error(description), number_(number) {}
+Failure::Failure(Verbatim, FailureNumber number, const std::string& description,
+                 const std::string& concerned)
+    : std::runtime_error(description), number_(number), concerned_(concerned) {}
 
-Failure Failure::Described(FailureNumber number, const std::string& description) {
-    return {Verbatim{}, number, description};
+Failure Failure::Described(FailureNumber number, const std::string& description,
+                           const std::string& concerned) {
+    return {Verbatim{}, number, description, concerned};
 }
 
 const char* FailureText(FailureNumber number) {

@@ -32,16 +32,18 @@ class Failure : public std::runtime_error {
     /// Description = the number's own wording + ": " + what it concerned.
     Failure(FailureNumber number, const std::string& concerning);
 
-    /// For engines that word their own descriptions.
-    static Failure Described(FailureNumber number, const std::string& description);
+    /// For those that word their own descriptions. `concerned` is what the description names.
+    static Failure Described(FailureNumber number, const std::string& description,
+                             const std::string& concerned = {});
 
     FailureNumber Number() const noexcept { return number_; }
-    /// What it concerned, a path for instance; "" where an engine has worded it.
+    /// What it concerned, a path for instance; "" where its description names nothing.
     const std::string& Concerned() const noexcept { return concerned_; }
 
   private:
     struct Verbatim {};
-    Failure(Verbatim, FailureNumber number, const std::string& description);
+    Failure(Verbatim, FailureNumber number, const std::string& description,
+            const std::string& concerned);
     FailureNumber number_;
     std::string concerned_;
 };

@@ -157,7 +157,7 @@ void Addition::Describe(std::string_view artist, std::string_view album) {
     if (!tag) {
         throw Failure::Described(
             FailureNumber::PathFileAccess,
-            "Not added, since nobody knows without its tag where it belongs: " + path_);
+            "Not added, since nobody knows without its tag where it belongs: " + path_, path_);
     }
     ReadTagInto(file_, *tag, [this](std::string_view number) {
         return GenreOfNumber(*run_.connection, number);

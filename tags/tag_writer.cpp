@@ -92,7 +92,8 @@ class TagWriter {
         if (pieces == TagFields.size()) return;
         throw Failure::Described(FailureNumber::InvalidProcedureCall,
                                  "Record of " + std::to_string(pieces) + " pieces instead of " +
-                                     std::to_string(TagFields.size()) + ": " + path_);
+                                     std::to_string(TagFields.size()) + ": " + path_,
+                                 path_);
     }
 
     void SetGenre() {
@@ -153,7 +154,7 @@ class TagWriter {
 
     Failure Refusal(const std::string& what, const std::string& value) const {
         return Failure::Described(FailureNumber::InvalidProcedureCall,
-                                  what + " \"" + value + "\": " + path_);
+                                  what + " \"" + value + "\": " + path_, path_);
     }
 
     Run& run_;

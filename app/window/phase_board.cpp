@@ -8,7 +8,6 @@
 #include "app/window/child.h"
 #include "app/window/phase_lamp.h"
 #include "app/window/shown_text.h"
-#include "driver/phase_captions.h"
 
 namespace quillon {
 namespace {
@@ -51,6 +50,7 @@ bool PhaseBoard::Update(const std::array<PhaseIndicator, PhaseCount>& indicators
         if (indicator.selected != selected_[i]) lamp.SetSelected(indicator.selected);
         selected_[i] = indicator.selected;
         visible_[i] = indicator.visible;
+        others_[i] = indicator.isOtherMode;
         if (lamp.isEnabled() == indicator.isOtherMode) lamp.setEnabled(!indicator.isOtherMode);
         ShowTime(i, indicator);
     }
@@ -67,8 +67,7 @@ void PhaseBoard::ShowTime(std::size_t phase, const PhaseIndicator& indicator) {
 }
 
 void PhaseBoard::Arrange() {
-    const std::bitset<PhaseCount> reconciling((1U << FirstOtherPhase) - 1);
-    const bool twoColumns = (visible_ & reconciling).any() && (visible_ & ~reconciling).any();
+    const bool twoColumns = (visible_ & ~others_).any() && (visible_ & others_).any();
     grid_->setEnabled(false);
     for (PhaseLamp* const lamp : lamps_)
         grid_->removeWidget(lamp);
@@ -78,7 +77,7 @@ void PhaseBoard::Arrange() {
     for (std::size_t i = 0; i < PhaseCount; ++i) {
         lamps_.at(i)->setVisible(visible_[i]);
         // Those in the second column belong to other modes and never get a time.
-        const bool isSecond = twoColumns && i >= FirstOtherPhase;
+        const bool isSecond = twoColumns && others_[i];
         times_.at(i)->setVisible(visible_[i] && !isSecond);
         if (!visible_[i]) continue;
         const int row = rows.at(isSecond ? 1 : 0)++;

@@ -29,7 +29,7 @@ class PhaseBoard : public QWidget {
     std::array<PhaseLamp*, PhaseCount> lamps_{};  ///< children of this widget, like the next
     std::array<QLabel*, PhaseCount> times_{};     ///< how long the phases took that are done
     QGridLayout* grid_;
-    std::bitset<PhaseCount> visible_, selected_;
+    std::bitset<PhaseCount> visible_, selected_, others_;
 };
 
 }  // namespace quillon

@@ -306,7 +306,7 @@ JetDatabaseProvider::FileIdentity JetDatabaseProvider::IdentityOf(const std::str
     if (stat(path.c_str(), &status) != 0) {
         throw Failure::Described(
             FailureNumber::Database,
-            "Cannot open " + path + ": " + std::generic_category().message(errno) + ".");
+            "Cannot open " + path + ": " + std::generic_category().message(errno) + ".", path);
     }
     return {status.st_dev, status.st_ino};
 }

@@ -30,8 +30,6 @@ class Pictures : public WindowFixture {
         state.aPhase[0].took = std::chrono::milliseconds(450);
         state.aPhase[1].took = std::chrono::milliseconds(30);
         state.aPhase[2].took = std::chrono::milliseconds(75'000);
-        for (std::size_t i = 10; i < PhaseCount; ++i)
-            state.aPhase[i].isOtherMode = true;
         return state;
     }
     /// Lightness of a window's ground and of the brightest and darkest thing on it.

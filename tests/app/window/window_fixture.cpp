@@ -58,6 +58,8 @@ FormState WindowFixture::Reconciling(std::size_t phase) {
     FormState state = Form();
     for (PhaseIndicator& indicator : state.aPhase)
         indicator.visible = true;
+    for (std::size_t i = 10; i < PhaseCount; ++i)
+        state.aPhase.at(i).isOtherMode = true;
     state.aPhase.at(phase).selected = true;
     state.aLblReconcile = true;
     return state;
