@@ -77,8 +77,10 @@ FileHandle JournalFile::OpenFolder(const fs::path& folder) {
                   path + " (it must be a folder; a link is not followed)");
 }
 
-JournalFile::JournalFile(const fs::path& folder, const Clock& clock)
-    : folder_(OpenFolder(folder)), file_(MakeFile(folder, clock)) {}
+JournalFile::JournalFile(const fs::path& folder, const Clock& clock, Listener listener)
+    : folder_(OpenFolder(folder)),
+      file_(MakeFile(folder, clock)),
+      listener_(std::move(listener)) {}
 
 FileHandle JournalFile::MakeFile(const fs::path& folder, const Clock& clock) {
     const std::string now = StampText(clock.Now());
@@ -139,6 +141,7 @@ void JournalFile::Note(const ChangeRecord& record) {
 void JournalFile::Append(const ChangeRecord& record) {
     AppendLine(buffer_, record);
     buffer_ += '\n';
+    if (listener_) listener_(record);
 }
 
 void JournalFile::Remark(const ChangeRecord& record) noexcept {

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -20,9 +21,12 @@ namespace quillon {
 /// happen, so that a run does not go on around a gap.
 class JournalFile : public ChangeSink {
   public:
+    using Listener = std::function<void(const ChangeRecord&)>;
+
     /// Makes the file, and the folder where there is none; links of these names are not followed.
     /// The stamp is the time now. Failure: DiskFull, PermissionDenied and the like.
-    JournalFile(const std::filesystem::path& folder, const Clock& clock);
+    /// `listener`, if any, is told of each record that is taken.
+    JournalFile(const std::filesystem::path& folder, const Clock& clock, Listener listener = {});
     JournalFile(const JournalFile&) = delete;
     JournalFile& operator=(const JournalFile&) = delete;
     ~JournalFile() override;
@@ -57,6 +61,7 @@ class JournalFile : public ChangeSink {
     bool isDurable_ = true;         ///< whether all that is in the file survives a power cut
     bool isFolderDurable_ = false;  ///< likewise its name
     std::string trouble_;
+    Listener listener_;
 };
 
 /// The stamp that a journal started now would have: the time, with a number behind it where that is

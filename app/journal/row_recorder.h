@@ -21,7 +21,12 @@ class RowRecorder : public jet::RowObserver {
     void AfterCommit() override { sink_.Note(RowsSaved{}); }
 
   private:
+    RowChange& Begin(RowChange::Kind kind, const jet::TableDefinition& table,
+                     std::span<const jet::Value> row);
+
     ChangeSink& sink_;
+    /// The last one, whose memory is good for the next: rows come by the thousand.
+    ChangeRecord record_ = RowChange{};
 };
 
 }  // namespace quillon

@@ -118,10 +118,10 @@ Table::Inserted StoredTable::AddRow(std::span<const Value> given) {
             ChangeKey({i, std::nullopt, newKeys_[i]}, inserted.row);
         parts.counters.SetRows(parts.counters.Rows() + 1);
         if (RowObserver* const observer = Observer()) {
-            Row values;
+            told_.resize(given.size());
             for (std::size_t i = 0; i < given.size(); ++i)
-                values.push_back(valueOf(i));
-            observer->RowAdded(definition_, values);
+                told_[i] = valueOf(i);
+            observer->RowAdded(definition_, told_);
         }
     });
     for (std::size_t i = 0; i < newKeys_.size() && wait; ++i)
@@ -356,6 +356,8 @@ void StoredTable::SetField(std::size_t position, const Value& value) {
         parts.draft.SetBit(position, std::get<bool>(value));
         return;
     }
+    if (column.fixed && FixedSize(column.Type()) != 0)
+        return parts.draft.SetScalar(position, value);
     parts.draft.Set(position, [&](Bytes& bytes) {
         if (!column.IsLong()) return AppendField(bytes, column, value);
         const std::size_t start = bytes.size();
