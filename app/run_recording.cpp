@@ -78,10 +78,11 @@ RunRecording::RunRecording(LocalHost& local, JournalFile::Listener listener)
       // Asked for now: a failure after the run would look as if nothing had run.
       keepsRemoved_(ReadRemovedMusicSetting(local.host).keep),
       journal_(StartJournal(local, std::move(listener))),
-      rows_(*journal_),
+      rows_(*journal_, [&local] { local.files.SyncNames(); }),
       files_(local.files, *journal_,
              KeptBeside(journal_->Stamp(), run_, local, removed_, keepsRemoved_)) {
     local.databases.SetObserver(&rows_);
+    local.files.LetNamesWait();
 }
 
 void RunRecording::Accompany(Run& run) {

@@ -31,7 +31,10 @@ class RunRecording {
     RunRecording(LocalHost& local, JournalFile::Listener listener);
     RunRecording(const RunRecording&) = delete;
     RunRecording& operator=(const RunRecording&) = delete;
-    ~RunRecording() { local_.databases.SetObserver(nullptr); }
+    ~RunRecording() {
+        local_.databases.SetObserver(nullptr);
+        local_.files.SyncNames();
+    }
 
     JournalFile& Journal() { return *journal_; }
     /// For the run, which changes files through these alone.

@@ -9,7 +9,6 @@
 #include <utility>
 #include <vector>
 
-#include "app/journal/journal_lines.h"
 #include "platform/failure.h"
 #include "platform/portable/system_failure.h"
 #include "platform/stamp.h"
@@ -139,8 +138,7 @@ void JournalFile::Note(const ChangeRecord& record) {
 }
 
 void JournalFile::Append(const ChangeRecord& record) {
-    AppendLine(buffer_, record);
-    buffer_ += '\n';
+    buffer_.append(lines_.Of(record)) += '\n';
     if (listener_) listener_(record);
 }
 

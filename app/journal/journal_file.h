@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "app/journal/journal_lines.h"
 #include "changes/change.h"
 #include "platform/clock.h"
 #include "platform/portable/file_handle.h"
@@ -55,6 +56,7 @@ class JournalFile : public ChangeSink {
     FileHandle folder_;
     std::string stamp_;
     FileHandle file_;
+    JournalLines lines_;
     std::string buffer_;            ///< whole lines that are not in the file yet
     std::uint64_t size_ = 0;        ///< of the file
     std::uint64_t room_ = 0;        ///< up to where the disk has room set aside for it

@@ -8,7 +8,6 @@
 #include <optional>
 #include <utility>
 
-#include "app/journal/json_text.h"
 
 namespace quillon {
 namespace {
@@ -36,7 +35,8 @@ Kind KindNamed(const Json& name, const std::array<std::string_view, Count>& name
 /// Writes the line of a record.
 class LineWriter {
   public:
-    explicit LineWriter(std::string& line) : json_(line) {}
+    /// Behind what `json` holds.
+    explicit LineWriter(JsonText& json) : json_(json) {}
 
     void operator()(const RunStarted& run) {
         Begin("run");
@@ -144,7 +144,7 @@ class LineWriter {
         if (!IsNull(value)) json_.Member(field.field, value);
     }
 
-    JsonText json_;
+    JsonText& json_;
 };
 
 template <typename Number>
@@ -272,14 +272,14 @@ ChangeRecord RecordOf(const Json& json) {
 
 }  // namespace
 
-void AppendLine(std::string& lines, const ChangeRecord& record) {
-    std::visit(LineWriter(lines), record);
+std::string_view JournalLines::Of(const ChangeRecord& record) {
+    json_.Clear();
+    std::visit(LineWriter(json_), record);
+    return json_.Text();
 }
 
 std::string ToLine(const ChangeRecord& record) {
-    std::string line;
-    AppendLine(line, record);
-    return line;
+    return std::string(JournalLines().Of(record));
 }
 
 ChangeRecord FromLine(std::string_view line) {

@@ -1,5 +1,6 @@
 #include "app/journal/json_text.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "platform/ascii.h"
@@ -24,25 +25,26 @@ constexpr bool IsPlain(char byte) {
     return code >= 0x20 && code < 0x80 && byte != '"' && byte != '\\';
 }
 
-/// Whether one of these bytes is zero; there may be a false alarm behind one that is.
-constexpr ascii::Block HasZero(ascii::Block block) {
-    return (block - ascii::Repeated(1)) & ~block & ascii::HighBits;
+/// Whether one of eight bytes is zero.
+constexpr bool HasZero(ascii::Block block) {
+    return ((block - ascii::Repeated(1)) & ~block & ascii::HighBits) != 0;
 }
 
-/// How many bytes stand before the first that is not plain.
-std::size_t PlainLength(std::string_view text) {
+/// The same for eight bytes.
+constexpr bool IsPlain(ascii::Block block) {
+    const ascii::Block controls = (block - ascii::Repeated(0x20)) & ~block;
+    return ((block | controls) & ascii::HighBits) == 0 && !HasZero(block ^ ascii::Repeated('"')) &&
+           !HasZero(block ^ ascii::Repeated('\\'));
+}
+
+bool IsPlain(std::string_view text) {
+    if (text.size() < ascii::BlockSize)
+        return std::ranges::all_of(text, [](char byte) { return IsPlain(byte); });
     std::size_t at = 0;
-    for (; at + ascii::BlockSize <= text.size(); at += ascii::BlockSize) {
-        const ascii::Block block = ascii::BlockAt(text, at);
-        const ascii::Block control = (block - ascii::Repeated(0x20)) & ~block;
-        if (((block | control | HasZero(block ^ ascii::Repeated('"')) |
-              HasZero(block ^ ascii::Repeated('\\'))) &
-             ascii::HighBits) != 0)
-            break;
-    }
-    while (at < text.size() && IsPlain(text[at]))
-        ++at;
-    return at;
+    for (; at + ascii::BlockSize <= text.size(); at += ascii::BlockSize)
+        if (!IsPlain(ascii::BlockAt(text, at))) return false;
+    // The last ones are looked at together with some that have been.
+    return IsPlain(ascii::BlockAt(text, text.size() - ascii::BlockSize));
 }
 
 /// "" outside the years that have a text.
@@ -56,97 +58,83 @@ std::string ReadableDate(DateTime time) {
 
 }  // namespace
 
-void JsonText::Name(std::string_view name) {
-    constexpr std::size_t Longest = 40;
-    if (name.size() > Longest || PlainLength(name) != name.size()) {
-        if (!isFirst_) text_ += ',';
-        Put(name);
-        text_ += ':';
-    } else {
-        // In one piece, as there are so many of them.
-        std::array<char, Longest + 4> piece{};
-        char* end = piece.data();
-        if (!isFirst_) *end++ = ',';
-        *end++ = '"';
-        end += name.copy(end, name.size());
-        *end++ = '"';
-        *end++ = ':';
-        text_.append(piece.data(), static_cast<std::size_t>(end - piece.data()));
-    }
-    isFirst_ = false;
-}
-
 void JsonText::Put(double value) {
     if (!std::isfinite(value)) {
         Open();
         Member("number", std::string_view(std::isnan(value) ? "nan" : value > 0 ? "inf" : "-inf"));
         return Close();
     }
-    std::array<char, 32> digits{};
-    const char* const end =
-        std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
-    PutDigits(digits, end);
-    if (std::string_view(digits.data(), end).find_first_of(".e") == std::string_view::npos)
-        text_ += ".0";
+    char* const place = Room(MostDigits);
+    const std::string_view digits(place, std::to_chars(place, place + MostDigits, value).ptr);
+    size_ += digits.size();
+    if (digits.find_first_of(".e") == std::string_view::npos) Append(".0");
 }
 
 void JsonText::Put(DateTime time) {
+    // By the bits: there are two zeros.
+    const auto isSame = [time](const KnownDate& known) {
+        return !known.text.empty() && known.time == time &&
+               std::signbit(known.time.days) == std::signbit(time.days);
+    };
+    if (const auto known = std::ranges::find_if(dates_, isSame); known != dates_.end()) {
+        isFirst_ = false;
+        return Append(known->text);
+    }
+    const std::size_t start = size_;
     Open();
     if (const std::string date = ReadableDate(time); !date.empty()) Member("date", date);
     Member("days", time.days);
     Close();
+    dates_[nextDate_] = {time, std::string(Text().substr(start))};
+    nextDate_ = (nextDate_ + 1) % dates_.size();
 }
 
 void JsonText::Put(std::string_view text) {
-    if (PlainLength(text) == text.size()) {
-        text_.append(1, '"').append(text) += '"';
+    if (IsPlain(text)) {
+        char* const place = Room(text.size() + 2);
+        place[0] = '"';
+        text.copy(place + 1, text.size());
+        place[text.size() + 1] = '"';
+        size_ += text.size() + 2;
     } else if (IsWellFormed(text)) {
         PutEscaped(text);
     } else {
         Open();
         Name("bytes");
-        text_ += '"';
+        Append('"');
         for (const char byte : text)
             PutByteHex(static_cast<unsigned char>(byte));
-        text_ += '"';
+        Append('"');
         Close();
     }
 }
 
 void JsonText::PutEscaped(std::string_view text) {
-    text_ += '"';
-    while (!text.empty()) {
-        const std::size_t plain = PlainLength(text);
-        text_.append(text.substr(0, plain));
-        text.remove_prefix(plain);
-        if (text.empty()) break;
-        const char byte = text.front();
-        if (byte == '"' || byte == '\\') {
-            text_.append(1, '\\') += byte;
-        } else if (static_cast<unsigned char>(byte) < 0x20) {
-            text_ += "\\u00";
-            PutByteHex(static_cast<unsigned char>(byte));
+    Append('"');
+    for (const char byte : text) {
+        const auto code = static_cast<unsigned char>(byte);
+        if (code < 0x20) {
+            Append("\\u00");
+            PutByteHex(code);
         } else {
-            text_ += byte;
+            if (byte == '"' || byte == '\\') Append('\\');
+            Append(byte);
         }
-        text.remove_prefix(1);
     }
-    text_ += '"';
+    Append('"');
 }
 
 void JsonText::PutHex(std::uint64_t number) {
-    std::array<char, 32> digits{};
-    const char* const end =
-        std::to_chars(digits.data(), digits.data() + digits.size(), number, 16).ptr;
-    text_ += '"';
-    PutDigits(digits, end);
-    text_ += '"';
+    Append('"');
+    char* const place = Room(MostDigits);
+    size_ += static_cast<std::size_t>(std::to_chars(place, place + MostDigits, number, 16).ptr - place);
+    Append('"');
 }
 
 void JsonText::PutByteHex(unsigned char byte) {
     constexpr std::string_view Digits = "0123456789abcdef";
-    text_ += Digits[byte >> 4];
-    text_ += Digits[byte & 15];
+    Append(Digits[byte >> 4U]);
+    Append(Digits[byte & 15U]);
 }
 
 }  // namespace quillon

@@ -3,6 +3,9 @@
 #include <array>
 #include <charconv>
 #include <concepts>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -10,35 +13,45 @@
 
 namespace quillon {
 
-/// Writes JSON straight into a text, without blanks: a first run has some hundred thousand lines of
-/// it, with some twenty members each.
+/// Writes JSON without blanks. A first run has some hundred thousand lines of it, with some twenty
+/// members each: so the memory of one text is good for the next, and dates, of which most rows have
+/// the same ones, are put into words once.
 class JsonText {
   public:
-    /// Appends to `text`, which must outlive this object.
-    explicit JsonText(std::string& text) : text_(text) {}
+    /// What has been written since Clear(); valid until more is.
+    std::string_view Text() const { return {memory_.data(), size_}; }
+    void Clear() {
+        size_ = 0;
+        isFirst_ = true;
+    }
 
     void Open() {
-        text_ += '{';
+        Append('{');
         isFirst_ = true;
     }
     void Close() {
-        text_ += '}';
+        Append('}');
         isFirst_ = false;
     }
     /// Of the member whose content comes next.
-    void Name(std::string_view name);
+    void Name(std::string_view name) {
+        if (!isFirst_) Append(',');
+        isFirst_ = false;
+        Put(name);
+        Append(':');
+    }
     template <typename Content>
     void Member(std::string_view name, const Content& content) {
         Name(name);
         Put(content);
     }
 
-    void Put(Null) { text_ += "null"; }
-    void Put(bool value) { text_ += value ? "true" : "false"; }
+    void Put(Null) { Append("null"); }
+    void Put(bool value) { Append(value ? std::string_view("true") : "false"); }
     template <std::integral Number>
     void Put(Number value) {
-        std::array<char, 32> digits{};
-        PutDigits(digits, std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr);
+        char* const place = Room(MostDigits);
+        size_ += static_cast<std::size_t>(std::to_chars(place, place + MostDigits, value).ptr - place);
     }
     /// Always with a mark of fractions, so that it comes back as what it was.
     void Put(double value);
@@ -54,14 +67,35 @@ class JsonText {
     void PutHex(std::uint64_t number);
 
   private:
-    void PutDigits(const std::array<char, 32>& digits, const char* end) {
-        text_.append(digits.data(), static_cast<std::size_t>(end - digits.data()));
+    static constexpr std::size_t MostDigits = 32;
+
+    /// A date in its written form.
+    struct KnownDate {
+        DateTime time;
+        std::string text;
+    };
+
+    /// Where so many bytes can be put.
+    char* Room(std::size_t count) {
+        if (memory_.size() - size_ < count) memory_.resize(2 * memory_.size() + count);
+        return memory_.data() + size_;
+    }
+    void Append(char byte) {
+        *Room(1) = byte;
+        ++size_;
+    }
+    void Append(std::string_view bytes) {
+        std::memcpy(Room(bytes.size()), bytes.data(), bytes.size());
+        size_ += bytes.size();
     }
     void PutEscaped(std::string_view text);
     void PutByteHex(unsigned char byte);
 
-    std::string& text_;
+    std::string memory_ = std::string(4096, '\0');
+    std::size_t size_ = 0;
     bool isFirst_ = true;
+    std::array<KnownDate, 2> dates_;  ///< the last ones
+    std::size_t nextDate_ = 0;
 };
 
 }  // namespace quillon

@@ -34,13 +34,15 @@ bool IsNamed(std::string_view field, std::string_view name) {
     return field == name || (field.size() == name.size() && EqualIgnoringCase(field, name));
 }
 
-std::string FieldText(const RowChange& row, std::string_view field) {
+/// "" where it has no such text.
+std::string_view TextIn(const RowChange& row, std::string_view field) {
     for (const FieldChange& change : row.fields) {
         if (!IsNamed(change.field, field)) continue;
         const Value& value = row.kind == RowChange::Kind::Removed ? change.before : change.after;
-        return IsNull(value) ? "" : TextOf(value);
+        const auto* const text = std::get_if<std::string>(&value);
+        return text == nullptr ? std::string_view() : std::string_view(*text);
     }
-    return "";
+    return {};
 }
 
 std::string KeyText(const RowChange& row) {
@@ -149,15 +151,24 @@ void ReportGatherer::Add(const RunEnded& end) {
     content_.end = end;
 }
 
-/// The deed where it is one of those that are told, to add details to.
-DeedList::Deed* ReportGatherer::AddDeed(DeedKind kind, const std::string& artist,
-                                        std::string what) {
+DeedList& ReportGatherer::ListOf(DeedKind kind, std::string_view artist) {
     const auto index = static_cast<std::size_t>(kind);
-    DeedList& total = content_.total.at(index);
-    DeedList& own = kind < DeedKind::PlaylistWritten ? content_.artists[artist].at(index) : total;
+    if (kind >= DeedKind::PlaylistWritten) return content_.total.at(index);
+    if (ofLastArtist_ == nullptr || lastArtist_ != artist) {
+        lastArtist_ = artist;
+        ofLastArtist_ = &content_.artists[lastArtist_];
+    }
+    return ofLastArtist_->at(index);
+}
+
+/// The deed where it is one of those that are told, to add details to.
+DeedList::Deed* ReportGatherer::AddDeed(DeedKind kind, std::string_view artist,
+                                        std::string_view what) {
+    DeedList& total = content_.total.at(static_cast<std::size_t>(kind));
+    DeedList& own = ListOf(kind, artist);
     if (&own != &total) ++own.count;
     if (total.count++ >= ReportContent::MostListed) return nullptr;
-    own.first.push_back({std::move(what), {}});
+    own.first.push_back({std::string(what), {}});
     return &own.first.back();
 }
 
@@ -168,41 +179,50 @@ void ReportGatherer::AddOtherRow(const std::string& table) {
     if (known == others.first.end()) others.first.push_back({table, {}});
 }
 
+/// Whether it has been told of this row. A row that is removed is told of once more.
+bool ReportGatherer::IsSeen(const RowChange& row, std::optional<std::int64_t> id) {
+    const bool isRemoved = row.kind == RowChange::Kind::Removed;
+    if (!id) return !seenRows_.insert(ContentHash(KeyText(row) + (isRemoved ? "-" : ""))).second;
+    const std::uint64_t table = IsNamed(row.table, "Albums") ? 0 : 1;
+    const std::uint64_t number = static_cast<std::uint64_t>(*id) << 2U | table << 1U;
+    return !seenIds_.insert(number | (isRemoved ? 1U : 0U)).second;
+}
+
 void ReportGatherer::Add(const RowChange& row) {
     const std::optional<DeedKind> kind = KindOf(row);
     if (!kind) return AddOtherRow(row.table);
-    // A row is told of once: what is changed in a row that is new anyway says nothing.
-    const bool isRemoved = row.kind == RowChange::Kind::Removed;
-    if (!seenRows_.insert(ContentHash(KeyText(row) + (isRemoved ? "-" : ""))).second) return;
-    const RowName name{FieldText(row, "Artist"), FieldText(row, "Title")};
     const std::optional<std::int64_t> id = IdOf(row);
-    if (!id || (!name.artist.empty() && !name.title.empty())) return TellRow(*kind, row, name);
+    // What is changed in a row that is new anyway says nothing.
+    if (IsSeen(row, id)) return;
+    const std::string_view artist = TextIn(row, "Artist"), title = TextIn(row, "Title");
+    if (!id || (!artist.empty() && !title.empty())) return TellRow(*kind, row, artist, title);
     const bool isListed =
         unnamedOf_.at(static_cast<std::size_t>(*kind))++ < ReportContent::MostListed;
     unnamed_.push_back({*kind, *id, isListed ? std::make_unique<RowChange>(row) : nullptr});
 }
 
 void ReportGatherer::TellUnnamed(const Unnamed& unnamed) {
-    RowName name = facts_.nameOf ? facts_.nameOf(TableOf(unnamed.kind), unnamed.id) : RowName();
+    const RowName known =
+        facts_.nameOf ? facts_.nameOf(TableOf(unnamed.kind), unnamed.id) : RowName();
     if (!unnamed.row) {
-        AddDeed(unnamed.kind, name.artist, std::move(name.title));
+        AddDeed(unnamed.kind, known.artist, known.title);
         return;
     }
-    if (std::string artist = FieldText(*unnamed.row, "Artist"); !artist.empty())
-        name.artist = std::move(artist);
-    if (std::string title = FieldText(*unnamed.row, "Title"); !title.empty())
-        name.title = std::move(title);
-    TellRow(unnamed.kind, *unnamed.row, name);
+    const std::string_view artist = TextIn(*unnamed.row, "Artist"),
+                           title = TextIn(*unnamed.row, "Title");
+    TellRow(unnamed.kind, *unnamed.row, artist.empty() ? known.artist : artist,
+            title.empty() ? known.title : title);
 }
 
-void ReportGatherer::TellRow(DeedKind kind, const RowChange& row, const RowName& name) {
-    std::string title = name.title;
+void ReportGatherer::TellRow(DeedKind kind, const RowChange& row, std::string_view artist,
+                             std::string_view title) {
+    DeedList::Deed* const deed = AddDeed(kind, artist, title);
+    if (deed == nullptr) return;
     if (title.empty()) {
         for (const auto& [field, value] : row.key)
-            title += (title.empty() ? "" : ", ") + field + ' ' + TextOf(value);
+            deed->what += (deed->what.empty() ? "" : ", ") + field + ' ' + TextOf(value);
     }
-    DeedList::Deed* const deed = AddDeed(kind, name.artist, std::move(title));
-    if (deed == nullptr || row.kind != RowChange::Kind::Changed) return;
+    if (row.kind != RowChange::Kind::Changed) return;
     for (const FieldChange& field : row.fields)
         deed->details.push_back(field.field + ": " + TextOf(field.before) + " → " +
                                 TextOf(field.after));
@@ -224,11 +244,11 @@ void ReportGatherer::TellNextFile() {
     planned_.pop_front();
 }
 
-void ReportGatherer::AddFile(DeedKind kind, const std::string& path, std::string what) {
+void ReportGatherer::AddFile(DeedKind kind, const std::string& path, const std::string& what) {
     const std::string thing = std::to_string(static_cast<int>(kind)) + path;
     if (!seenFiles_.insert(ContentHash(thing)).second) return;
     const bool hasArtist = kind < DeedKind::PlaylistWritten;
-    AddDeed(kind, hasArtist ? ArtistOfFile(path, facts_.flatLayout) : "", std::move(what));
+    AddDeed(kind, hasArtist ? ArtistOfFile(path, facts_.flatLayout) : "", what);
 }
 
 void ReportGatherer::AddWritten(const FileChange& change, const std::string& path) {

@@ -8,6 +8,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <unordered_set>
 #include <vector>
 
@@ -51,14 +52,17 @@ class ReportGatherer {
 
     void EndPhase(std::chrono::milliseconds at);
 
-    DeedList::Deed* AddDeed(DeedKind kind, const std::string& artist, std::string what);
+    DeedList& ListOf(DeedKind kind, std::string_view artist);
+    DeedList::Deed* AddDeed(DeedKind kind, std::string_view artist, std::string_view what);
+    bool IsSeen(const RowChange& row, std::optional<std::int64_t> id);
     void AddOtherRow(const std::string& table);
-    void TellRow(DeedKind kind, const RowChange& row, const RowName& name);
+    void TellRow(DeedKind kind, const RowChange& row, std::string_view artist,
+                 std::string_view title);
     void TellUnnamed(const Unnamed& unnamed);
 
     void TellNextFile();
     void Tell(const FileChange& change);
-    void AddFile(DeedKind kind, const std::string& path, std::string what);
+    void AddFile(DeedKind kind, const std::string& path, const std::string& what);
     void AddWritten(const FileChange& change, const std::string& path);
     void AddDeleted(const FileChange& change);
 
@@ -67,8 +71,10 @@ class ReportGatherer {
     std::deque<FileChange> planned_;  ///< not told yet, as they may have failed
     std::vector<Unnamed> unnamed_;
     std::array<std::size_t, DeedKinds> unnamedOf_{};
-    /// Hashes: there may be some hundred thousand.
-    std::unordered_set<std::uint64_t> seenRows_, seenFiles_;
+    std::string lastArtist_;  ///< rows of one artist mostly follow each other
+    DeedLists* ofLastArtist_ = nullptr;
+    /// Numbers and hashes: there may be some hundred thousand.
+    std::unordered_set<std::uint64_t> seenIds_, seenRows_, seenFiles_;
     std::optional<std::string> phase_;
     std::chrono::milliseconds lastTime_{0};
 };

@@ -72,6 +72,7 @@ RowDraft::RowDraft(const TableLayout& layout)
     start_.resize(size);
     for (std::size_t i = 0; i < layout.columns.size(); ++i) {
         const ColumnLayout& column = layout.columns[i];
+        scalarSizes_.push_back(column.fixed ? FixedSize(column.Type()) : 0);
         // Whatever its flags say, a Yes/No column is a bit of the mask.
         if (column.fixed || column.Type() == ColumnType::Boolean) continue;
         if (column.slot >= slots_.size())
@@ -92,7 +93,7 @@ void RowDraft::Clear() {
 void RowDraft::SetScalar(std::size_t column, const Value& value) {
     const ColumnLayout& layout = layout_.columns[column];
     const auto place = std::span(start_).subspan(row_format::FixedPartOffset + layout.fixedOffset,
-                                                 layout.StoredSize());
+                                                 scalarSizes_[column]);
     StoreScalar(place, value, layout.Type(), layout.scale);
     Mark(column);
 }

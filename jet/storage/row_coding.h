@@ -59,7 +59,9 @@ class RowDraft {
     void SetBytes(std::size_t column, std::span<const std::uint8_t> bytes) {
         Set(column, [bytes](Bytes& data) { data.insert(data.end(), bytes.begin(), bytes.end()); });
     }
-    /// The same for a column of the fixed part, whose type has a fixed size.
+    /// Whether it is a column of the fixed part, with a type of fixed size.
+    bool IsScalar(std::size_t column) const { return scalarSizes_[column] != 0; }
+    /// Gives such a column a value.
     void SetScalar(std::size_t column, const Value& value);
 
     /// What a column of the variable part was set to; nothing for Null.
@@ -84,6 +86,7 @@ class RowDraft {
 
     const TableLayout& layout_;
     std::vector<std::size_t> slots_;  ///< the columns of the variable part, in its order
+    std::vector<std::size_t> scalarSizes_;  ///< by column; 0 for others
     std::vector<Place> fields_;
     Bytes start_, data_, mask_, row_;  ///< the row's beginning with the fixed part, and its end
 };
