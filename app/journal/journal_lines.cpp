@@ -8,7 +8,6 @@
 #include <optional>
 #include <utility>
 
-
 namespace quillon {
 namespace {
 

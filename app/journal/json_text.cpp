@@ -127,7 +127,8 @@ void JsonText::PutEscaped(std::string_view text) {
 void JsonText::PutHex(std::uint64_t number) {
     Append('"');
     char* const place = Room(MostDigits);
-    size_ += static_cast<std::size_t>(std::to_chars(place, place + MostDigits, number, 16).ptr - place);
+    size_ +=
+        static_cast<std::size_t>(std::to_chars(place, place + MostDigits, number, 16).ptr - place);
     Append('"');
 }
 

@@ -51,7 +51,8 @@ class JsonText {
     template <std::integral Number>
     void Put(Number value) {
         char* const place = Room(MostDigits);
-        size_ += static_cast<std::size_t>(std::to_chars(place, place + MostDigits, value).ptr - place);
+        size_ +=
+            static_cast<std::size_t>(std::to_chars(place, place + MostDigits, value).ptr - place);
     }
     /// Always with a mark of fractions, so that it comes back as what it was.
     void Put(double value);

@@ -85,7 +85,7 @@ class RowDraft {
     };
 
     const TableLayout& layout_;
-    std::vector<std::size_t> slots_;  ///< the columns of the variable part, in its order
+    std::vector<std::size_t> slots_;        ///< the columns of the variable part, in its order
     std::vector<std::size_t> scalarSizes_;  ///< by column; 0 for others
     std::vector<Place> fields_;
     Bytes start_, data_, mask_, row_;  ///< the row's beginning with the fixed part, and its end
