@@ -1,5 +1,7 @@
 #include "app/run_recording.h"
 
+#include <utility>
+
 #include "app/console.h"
 #include "app/removed_music.h"
 #include "app/version.h"
@@ -21,10 +23,10 @@ void LogQuietly(Host& host, const std::string& message) {
     }
 }
 
-std::unique_ptr<JournalFile> StartJournal(LocalHost& local) {
+std::unique_ptr<JournalFile> StartJournal(LocalHost& local, JournalFile::Listener listener) {
     try {
-        auto journal =
-            std::make_unique<JournalFile>(ChangesFolder(local.host.Folder()), local.clock);
+        auto journal = std::make_unique<JournalFile>(ChangesFolder(local.host.Folder()),
+                                                     local.clock, std::move(listener));
         journal->Note(RunStarted{
             .stamp = journal->Stamp(), .version = std::string(ProgramVersion), .mode = ""});
         return journal;
@@ -70,16 +72,17 @@ JournalledFiles::Keeping KeptBeside(const std::string& stamp, Run* const& run, L
                 }};
 }
 
-RunRecording::RunRecording(LocalHost& local)
+RunRecording::RunRecording(LocalHost& local, JournalFile::Listener listener)
     : local_(local),
       removed_(RemovedMusicFolder(local.host), local.clock),
       // Asked for now: a failure after the run would look as if nothing had run.
       keepsRemoved_(ReadRemovedMusicSetting(local.host).keep),
-      journal_(StartJournal(local)),
-      rows_(*journal_),
+      journal_(StartJournal(local, std::move(listener))),
+      rows_(*journal_, [&local] { local.files.SyncNames(); }),
       files_(local.files, *journal_,
              KeptBeside(journal_->Stamp(), run_, local, removed_, keepsRemoved_)) {
     local.databases.SetObserver(&rows_);
+    local.files.LetNamesWait();
 }
 
 void RunRecording::Accompany(Run& run) {

@@ -27,10 +27,14 @@ class RunRecording {
   public:
     /// Starts the journal; databases of `local`, which must outlive this object, tell it of their
     /// rows from now on. CommandError where there can be no journal: then nothing may be changed.
-    explicit RunRecording(LocalHost& local);
+    /// `listener` is told of each record.
+    RunRecording(LocalHost& local, JournalFile::Listener listener);
     RunRecording(const RunRecording&) = delete;
     RunRecording& operator=(const RunRecording&) = delete;
-    ~RunRecording() { local_.databases.SetObserver(nullptr); }
+    ~RunRecording() {
+        local_.databases.SetObserver(nullptr);
+        local_.files.SyncNames();
+    }
 
     JournalFile& Journal() { return *journal_; }
     /// For the run, which changes files through these alone.

@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 
@@ -57,6 +58,12 @@ std::string Print(const char* format, Numbers... numbers) {
     return {text, static_cast<std::size_t>(length)};
 }
 
+/// The digits of a number that end before a place. Journals have three dates for each new row.
+void PutDigits(std::string& text, std::size_t end, int number) {
+    for (; number > 0; number /= 10)
+        text[--end] = static_cast<char>('0' + number % 10);
+}
+
 std::string TimeText(const Civil& civil) {
     const int hour = civil.hour % 12 == 0 ? 12 : civil.hour % 12;
     return Print("%d:%02d:%02d %s", hour, civil.minute, civil.second,
@@ -74,8 +81,14 @@ std::string DateTimeText(DateTime time) {
 
 std::string SortableDateTimeText(DateTime time) {
     const Civil civil = TakeApart(time);
-    return Print("%04d-%02d-%02d %02d:%02d:%02d", civil.year, civil.month, civil.day, civil.hour,
-                 civil.minute, civil.second);
+    std::string text = "0000-00-00 00:00:00";
+    PutDigits(text, 4, civil.year);
+    PutDigits(text, 7, civil.month);
+    PutDigits(text, 10, civil.day);
+    PutDigits(text, 13, civil.hour);
+    PutDigits(text, 16, civil.minute);
+    PutDigits(text, 19, civil.second);
+    return text;
 }
 
 DateTime MakeDateTime(int year, int month, int day, int hour, int minute, int second) {

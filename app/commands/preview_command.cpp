@@ -170,12 +170,9 @@ int PreviewRun(const PreviewRequest& request, Console console) {
                        .braked = run.Report().braked,
                        .duration = view.Elapsed()});
     if (request.json) {
-        std::string line;
-        for (const ChangeRecord& record : sink.records) {
-            line.clear();
-            AppendLine(line, record);
-            console.out << line << '\n';
-        }
+        JournalLines lines;
+        for (const ChangeRecord& record : sink.records)
+            console.out << lines.Of(record) << '\n';
         return status;
     }
     Tell(sink.records, changes, database, console.out);

@@ -1,6 +1,7 @@
 #include "app/commands/run_command.h"
 
 #include <chrono>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <unistd.h>
@@ -8,6 +9,7 @@
 #include "app/journal/journal_reader.h"
 #include "app/local_host.h"
 #include "app/report/report_file.h"
+#include "app/report/report_gatherer.h"
 #include "app/report/report_names.h"
 #include "app/run_recording.h"
 #include "app/signals.h"
@@ -58,17 +60,27 @@ std::filesystem::path DatabaseOf(const Run& run, LocalHost& local) {
     }
 }
 
-/// The journal has all that a report tells, and is read record by record.
-void Report(const Run& run, LocalHost& local, const RunRecording& recording) {
+/// What a report tells is gathered as the journal is told of it. Where the journal took something
+/// no more, the report is of what it has.
+ReportContent ContentOf(ReportGatherer& gatherer, const ReportFacts& facts,
+                        const RunRecording& recording) {
+    if (!recording.HasStopped()) return gatherer.Finish();
+    ReportGatherer recorded(facts);
+    VisitRecords(recording.Path(), [&](const ChangeRecord& record) { recorded.Note(record); });
+    return recorded.Finish();
+}
+
+void Report(const Run& run, LocalHost& local, const RunRecording& recording,
+            ReportGatherer& gatherer, ReportFacts& facts) {
     ReportNames names(DatabaseOf(run, local));
-    const ReportFacts facts{
-        .host = local.host.Folder().string(),
-        .flatLayout = run.settings.FlatStructure,
-        .nameOf = [&names](const std::string& table, auto key) { return names.Of(table, key); },
-        .leftOut = LeftOutForReport(run.leftOut)};
+    facts.host = local.host.Folder().string();
+    facts.nameOf = [&names](const std::string& table, std::int64_t id) {
+        return names.Of(table, id);
+    };
+    facts.leftOut = LeftOutForReport(run.leftOut);
     WriteReport(
-        local.host, local.host.Folder(),
-        [&recording](const auto& visit) { VisitRecords(recording.Path(), visit); }, facts);
+        local.host, local.host.Folder(), [&] { return ContentOf(gatherer, facts, recording); },
+        facts);
 }
 
 }  // namespace
@@ -82,7 +94,12 @@ int RunLibrary(const RunRequest& request) {
     });
     // Before the view, which would otherwise leave signals to the terminal library.
     const AbortSignals signals;
-    RunRecording recording(local);
+    ReportFacts facts;
+    ReportGatherer gatherer(facts);
+    RunRecording recording(local, [&](const ChangeRecord& record) {
+        if (current != nullptr) facts.flatLayout = current->settings.FlatStructure;
+        gatherer.Note(record);
+    });
     const std::unique_ptr<View> view = MakeView(request.view, request.quiet);
     JournalledView shown(*view, recording.Journal(), [&current] { return ModeOf(*current); });
     Run run(local.host, recording.RunFiles(), local.clock, shown);
@@ -101,7 +118,7 @@ int RunLibrary(const RunRequest& request) {
     const RunSummary summary = SummaryOf(outcome, run.Report(), recording, shown.Elapsed());
     shown.Summarize(summary);
     recording.End(summary, shown.Elapsed());
-    Report(run, local, recording);
+    Report(run, local, recording, gatherer, facts);
     TellErrors(run, recording);
     return ExitStatus(summary);
 }

@@ -9,7 +9,6 @@
 #include <utility>
 #include <vector>
 
-#include "app/journal/journal_lines.h"
 #include "platform/failure.h"
 #include "platform/portable/system_failure.h"
 #include "platform/stamp.h"
@@ -77,8 +76,8 @@ FileHandle JournalFile::OpenFolder(const fs::path& folder) {
                   path + " (it must be a folder; a link is not followed)");
 }
 
-JournalFile::JournalFile(const fs::path& folder, const Clock& clock)
-    : folder_(OpenFolder(folder)), file_(MakeFile(folder, clock)) {}
+JournalFile::JournalFile(const fs::path& folder, const Clock& clock, Listener listener)
+    : folder_(OpenFolder(folder)), file_(MakeFile(folder, clock)), listener_(std::move(listener)) {}
 
 FileHandle JournalFile::MakeFile(const fs::path& folder, const Clock& clock) {
     const std::string now = StampText(clock.Now());
@@ -137,8 +136,8 @@ void JournalFile::Note(const ChangeRecord& record) {
 }
 
 void JournalFile::Append(const ChangeRecord& record) {
-    AppendLine(buffer_, record);
-    buffer_ += '\n';
+    buffer_.append(lines_.Of(record)) += '\n';
+    if (listener_) listener_(record);
 }
 
 void JournalFile::Remark(const ChangeRecord& record) noexcept {

@@ -3,9 +3,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <string_view>
 
+#include "app/journal/journal_lines.h"
 #include "changes/change.h"
 #include "platform/clock.h"
 #include "platform/portable/file_handle.h"
@@ -20,9 +22,12 @@ namespace quillon {
 /// happen, so that a run does not go on around a gap.
 class JournalFile : public ChangeSink {
   public:
+    using Listener = std::function<void(const ChangeRecord&)>;
+
     /// Makes the file, and the folder where there is none; links of these names are not followed.
     /// The stamp is the time now. Failure: DiskFull, PermissionDenied and the like.
-    JournalFile(const std::filesystem::path& folder, const Clock& clock);
+    /// `listener`, if any, is told of each record that is taken.
+    JournalFile(const std::filesystem::path& folder, const Clock& clock, Listener listener = {});
     JournalFile(const JournalFile&) = delete;
     JournalFile& operator=(const JournalFile&) = delete;
     ~JournalFile() override;
@@ -51,12 +56,14 @@ class JournalFile : public ChangeSink {
     FileHandle folder_;
     std::string stamp_;
     FileHandle file_;
+    JournalLines lines_;
     std::string buffer_;            ///< whole lines that are not in the file yet
     std::uint64_t size_ = 0;        ///< of the file
     std::uint64_t room_ = 0;        ///< up to where the disk has room set aside for it
     bool isDurable_ = true;         ///< whether all that is in the file survives a power cut
     bool isFolderDurable_ = false;  ///< likewise its name
     std::string trouble_;
+    Listener listener_;
 };
 
 /// The stamp that a journal started now would have: the time, with a number behind it where that is

@@ -3,15 +3,10 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <cmath>
-#include <concepts>
 #include <cstdlib>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <utility>
-
-#include "platform/failure.h"
-#include "platform/utf8.h"
 
 namespace quillon {
 namespace {
@@ -36,237 +31,119 @@ Kind KindNamed(const Json& name, const std::array<std::string_view, Count>& name
     return static_cast<Kind>(found - names.begin());
 }
 
-bool IsWellFormed(std::string_view text) {
-    for (std::size_t at = 0; at < text.size();) {
-        const Utf8Character character = DecodeUtf8(text, at);
-        if (!character.wellFormed) return false;
-        at += character.length;
-    }
-    return true;
-}
-
-/// What a JSON string can hold as it stands.
-bool IsPlain(char byte) {
-    const auto code = static_cast<unsigned char>(byte);
-    return code >= 0x20 && code < 0x80 && byte != '"' && byte != '\\';
-}
-
-/// "" outside the years that have a text.
-std::string ReadableDate(DateTime time) {
-    try {
-        return SortableDateTimeText(time);
-    } catch (const Failure&) {
-        return "";
-    }
-}
-
-/// Writes one line straight into a text: a first run has some hundred thousand of them.
+/// Writes the line of a record.
 class LineWriter {
   public:
-    explicit LineWriter(std::string& line) : line_(line) {}
+    /// Behind what `json` holds.
+    explicit LineWriter(JsonText& json) : json_(json) {}
 
     void operator()(const RunStarted& run) {
         Begin("run");
-        Member("stamp", run.stamp);
+        json_.Member("stamp", run.stamp);
         TextMember("version", run.version);
         TextMember("mode", run.mode);
         TextMember("undoes", run.undoes);
-        End();
+        json_.Close();
     }
     void operator()(const ModeChosen& chosen) {
         Begin("mode");
-        Member("mode", chosen.mode);
-        End();
+        json_.Member("mode", chosen.mode);
+        json_.Close();
     }
     void operator()(const PhaseStarted& phase) {
         Begin("phase");
-        Member("name", phase.name);
-        Member("at", phase.at.count());
-        End();
+        json_.Member("name", phase.name);
+        json_.Member("at", phase.at.count());
+        json_.Close();
     }
     void operator()(const RowChange& row) {
         Begin("row");
-        Member("change", NameOf(row.kind, RowKinds));
-        Member("table", row.table);
-        Name("key");
-        Open();
+        json_.Member("change", NameOf(row.kind, RowKinds));
+        json_.Member("table", row.table);
+        json_.Name("key");
+        json_.Open();
         for (const auto& [field, value] : row.key)
-            Member(field, value);
-        End();
-        Name("fields");
-        Open();
+            json_.Member(field, value);
+        json_.Close();
+        json_.Name("fields");
+        json_.Open();
         for (const FieldChange& field : row.fields)
             Put(field, row.kind);
-        End();
-        End();
+        json_.Close();
+        json_.Close();
     }
     void operator()(RowsSaved) {
         Begin("saved");
-        End();
+        json_.Close();
     }
     void operator()(const FileChange& file) {
         Begin("file");
-        Member("number", file.number);
-        Member("change", NameOf(file.kind, FileKinds));
-        Member("path", file.path);
+        json_.Member("number", file.number);
+        json_.Member("change", NameOf(file.kind, FileKinds));
+        json_.Member("path", file.path);
         TextMember("target", file.target);
-        if (file.position != 0) Member("position", file.position);
-        if (file.before) Member("before", *file.before);
-        if (file.after) Member("after", *file.after);
+        if (file.position != 0) json_.Member("position", file.position);
+        if (file.before) ContentMember("before", *file.before);
+        if (file.after) ContentMember("after", *file.after);
         TextMember("takesBack", file.takesBack);
-        End();
+        json_.Close();
     }
     void operator()(const FileChangeFailed& failed) {
         Begin("failed");
-        Member("number", failed.number);
-        Member("reason", failed.reason);
-        End();
+        json_.Member("number", failed.number);
+        json_.Member("reason", failed.reason);
+        json_.Close();
     }
     void operator()(const LogLine& line) {
         Begin("log");
-        Member("error", line.isError);
-        Member("text", line.text);
-        End();
+        json_.Member("error", line.isError);
+        json_.Member("text", line.text);
+        json_.Close();
     }
     void operator()(const RunEnded& end) {
         Begin("end");
-        Member("outcome", end.outcome);
-        Member("status", end.status);
-        Member("braked", end.braked);
-        Member("milliseconds", end.duration.count());
-        End();
+        json_.Member("outcome", end.outcome);
+        json_.Member("status", end.status);
+        json_.Member("braked", end.braked);
+        json_.Member("milliseconds", end.duration.count());
+        json_.Close();
     }
 
   private:
     void Begin(std::string_view record) {
-        Open();
-        Member("record", record);
-    }
-    void Open() {
-        line_ += '{';
-        isFirst_ = true;
-    }
-    void End() {
-        line_ += '}';
-        isFirst_ = false;
-    }
-    void Name(std::string_view name) {
-        if (!isFirst_) line_ += ',';
-        isFirst_ = false;
-        Put(name);
-        line_ += ':';
-    }
-    template <typename Content>
-    void Member(std::string_view name, const Content& content) {
-        Name(name);
-        Put(content);
+        json_.Open();
+        json_.Member("record", record);
     }
     /// Left out where there is nothing to say.
     void TextMember(std::string_view name, std::string_view text) {
-        if (!text.empty()) Member(name, text);
+        if (!text.empty()) json_.Member(name, text);
     }
-
-    void Put(Null) { line_ += "null"; }
-    void Put(bool value) { line_ += value ? "true" : "false"; }
-    template <std::integral Number>
-    void Put(Number value) {
-        PutNumber(value);
-    }
-    /// Always with a mark of fractions, so that it comes back as what it was.
-    void Put(double value) {
-        if (!std::isfinite(value)) {
-            Open();
-            Member("number", std::string_view(std::isnan(value) ? "nan"
-                                              : value > 0       ? "inf"
-                                                                : "-inf"));
-            return End();
-        }
-        const std::size_t start = line_.size();
-        PutNumber(value);
-        if (line_.find_first_of(".e", start) == std::string::npos) line_ += ".0";
-    }
-    /// The readable form is for people only; the days are exact.
-    void Put(DateTime time) {
-        Open();
-        TextMember("date", ReadableDate(time));
-        Member("days", time.days);
-        End();
-    }
-    void Put(const std::string& text) { Put(std::string_view(text)); }
-    /// Text as such where JSON can hold it; all else by its bytes.
-    void Put(std::string_view text) {
-        if (std::ranges::all_of(text, IsPlain)) {
-            line_.append(1, '"').append(text) += '"';
-        } else if (IsWellFormed(text)) {
-            PutEscaped(text);
-        } else {
-            Open();
-            Name("bytes");
-            line_ += '"';
-            for (const char byte : text)
-                PutHex(static_cast<unsigned char>(byte));
-            line_ += '"';
-            End();
-        }
-    }
-    void Put(const Value& value) {
-        std::visit([this](const auto& content) { Put(content); }, value);
-    }
-    void Put(const FileContent& content) {
-        Open();
-        Member("size", content.size);
-        Name("hash");
-        line_ += '"';
-        PutNumber(content.hash, 16);
-        line_ += '"';
-        if (content.bytes) Member("content", *content.bytes);
+    void ContentMember(std::string_view name, const FileContent& content) {
+        json_.Name(name);
+        json_.Open();
+        json_.Member("size", content.size);
+        json_.Name("hash");
+        json_.PutHex(content.hash);
+        if (content.bytes) json_.Member("content", *content.bytes);
         TextMember("keptAs", content.keptAs);
-        if (content.modified) Member("modified", *content.modified);
-        End();
+        if (content.modified) json_.Member("modified", *content.modified);
+        json_.Close();
     }
 
     /// A row that comes or goes has one value a field, and no word on those that are Null.
     void Put(const FieldChange& field, RowChange::Kind kind) {
         if (kind == RowChange::Kind::Changed) {
-            Name(field.field);
-            Open();
-            Member("before", field.before);
-            Member("after", field.after);
-            return End();
+            json_.Name(field.field);
+            json_.Open();
+            json_.Member("before", field.before);
+            json_.Member("after", field.after);
+            return json_.Close();
         }
         const Value& value = kind == RowChange::Kind::Added ? field.after : field.before;
-        if (!IsNull(value)) Member(field.field, value);
+        if (!IsNull(value)) json_.Member(field.field, value);
     }
 
-    template <typename Number, typename... Base>
-    void PutNumber(Number value, Base... base) {
-        std::array<char, 32> digits{};
-        const auto [end, ignored] =
-            std::to_chars(digits.data(), digits.data() + digits.size(), value, base...);
-        line_.append(digits.data(), end);
-    }
-    void PutEscaped(std::string_view text) {
-        line_ += '"';
-        for (const char byte : text) {
-            if (byte == '"' || byte == '\\') {
-                line_.append(1, '\\') += byte;
-            } else if (static_cast<unsigned char>(byte) < 0x20) {
-                line_ += "\\u00";
-                PutHex(static_cast<unsigned char>(byte));
-            } else {
-                line_ += byte;
-            }
-        }
-        line_ += '"';
-    }
-    void PutHex(unsigned char byte) {
-        constexpr std::string_view Digits = "0123456789abcdef";
-        line_ += Digits[byte >> 4];
-        line_ += Digits[byte & 15];
-    }
-
-    std::string& line_;
-    bool isFirst_ = true;
+    JsonText& json_;
 };
 
 template <typename Number>
@@ -394,14 +271,14 @@ ChangeRecord RecordOf(const Json& json) {
 
 }  // namespace
 
-void AppendLine(std::string& lines, const ChangeRecord& record) {
-    std::visit(LineWriter(lines), record);
+std::string_view JournalLines::Of(const ChangeRecord& record) {
+    json_.Clear();
+    std::visit(LineWriter(json_), record);
+    return json_.Text();
 }
 
 std::string ToLine(const ChangeRecord& record) {
-    std::string line;
-    AppendLine(line, record);
-    return line;
+    return std::string(JournalLines().Of(record));
 }
 
 ChangeRecord FromLine(std::string_view line) {

@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "app/journal/json_text.h"
 #include "changes/change.h"
 
 namespace quillon {
@@ -19,8 +20,15 @@ class DamagedLine : public std::runtime_error {
 /// no text stand as {"bytes": hexadecimal digits}, dates as {"date": readable, "days": exact}.
 std::string ToLine(const ChangeRecord& record);
 
-/// The same behind what is there already.
-void AppendLine(std::string& lines, const ChangeRecord& record);
+/// Makes many of them.
+class JournalLines {
+  public:
+    /// Valid until the next call.
+    std::string_view Of(const ChangeRecord& record);
+
+  private:
+    JsonText json_;
+};
 
 /// The record of such a line; names that it does not know are passed over. Throws DamagedLine.
 ChangeRecord FromLine(std::string_view line);

@@ -11,67 +11,89 @@ namespace {
 
 using Fields = std::span<const jet::Value>;
 
-Value ValueOf(const jet::Value& value, const jet::ColumnDefinition& column) {
-    if (const auto* const bytes = std::get_if<jet::Bytes>(&value))
-        return std::string(bytes->begin(), bytes->end());
-    return FromJet(value, column.name);
+void Take(const jet::Value& value, const jet::ColumnDefinition& column, Value& into) {
+    if (const auto* const bytes = std::get_if<jet::Bytes>(&value)) {
+        into = std::string(bytes->begin(), bytes->end());
+    } else {
+        FromJet(value, column.name, into);
+    }
 }
 
-/// The change of a row that is this before it, or after it where it is new.
-RowChange ChangeOf(RowChange::Kind kind, const jet::TableDefinition& table, Fields row) {
-    RowChange change{.kind = kind, .table = table.name, .key = {}, .fields = {}};
-    const auto add = [&](std::size_t column) {
-        change.key.emplace_back(table.columns[column].name,
-                                ValueOf(row[column], table.columns[column]));
+/// The next element of a list that has the elements of an earlier one.
+template <typename Element>
+Element& Next(std::vector<Element>& list, std::size_t& used) {
+    if (used == list.size()) list.emplace_back();
+    return list[used++];
+}
+
+void TakeKey(RowChange& change, const jet::TableDefinition& table, Fields row) {
+    std::size_t used = 0;
+    const auto take = [&](std::size_t column) {
+        auto& [name, value] = Next(change.key, used);
+        name = table.columns[column].name;
+        Take(row[column], table.columns[column], value);
     };
     const auto primary = std::ranges::find_if(
         table.indexes, [](const jet::IndexDefinition& index) { return index.primary; });
     if (primary == table.indexes.end()) {
         for (std::size_t i = 0; i < row.size(); ++i)
-            add(i);
+            take(i);
     } else {
         for (const jet::IndexColumn& part : primary->columns)
-            add(part.column);
+            take(part.column);
     }
-    return change;
+    change.key.resize(used);
 }
 
-/// Those fields of a row that hold something.
-void AddFields(RowChange& change, const jet::TableDefinition& table, Fields row, auto fieldOf) {
+/// Those fields of a row that hold something, as what they are `before` or `after` the change.
+void TakeFields(RowChange& change, const jet::TableDefinition& table, Fields row,
+                Value FieldChange::* there, Value FieldChange::* gone) {
+    std::size_t used = 0;
     for (std::size_t i = 0; i < row.size(); ++i) {
-        const jet::ColumnDefinition& column = table.columns[i];
         if (jet::IsNull(row[i])) continue;
-        change.fields.push_back(fieldOf(column.name, ValueOf(row[i], column)));
+        FieldChange& field = Next(change.fields, used);
+        field.field = table.columns[i].name;
+        Take(row[i], table.columns[i], field.*there);
+        field.*gone = Null{};
     }
+    change.fields.resize(used);
 }
 
 }  // namespace
 
+/// The record of a row that is this before the change, or after it where it is new.
+RowChange& RowRecorder::Begin(RowChange::Kind kind, const jet::TableDefinition& table, Fields row) {
+    auto& change = std::get<RowChange>(record_);
+    change.kind = kind;
+    change.table = table.name;
+    TakeKey(change, table, row);
+    return change;
+}
+
 void RowRecorder::RowAdded(const jet::TableDefinition& table, Fields row) {
-    RowChange change = ChangeOf(RowChange::Kind::Added, table, row);
-    AddFields(change, table, row, [](std::string name, Value value) {
-        return FieldChange{std::move(name), Null{}, std::move(value)};
-    });
-    sink_.Note(std::move(change));
+    RowChange& change = Begin(RowChange::Kind::Added, table, row);
+    TakeFields(change, table, row, &FieldChange::after, &FieldChange::before);
+    sink_.Note(record_);
 }
 
 void RowRecorder::RowChanged(const jet::TableDefinition& table, Fields before, Fields after) {
-    RowChange change = ChangeOf(RowChange::Kind::Changed, table, before);
+    RowChange& change = Begin(RowChange::Kind::Changed, table, before);
+    std::size_t used = 0;
     for (std::size_t i = 0; i < before.size(); ++i) {
         if (before[i] == after[i]) continue;
-        const jet::ColumnDefinition& column = table.columns[i];
-        change.fields.push_back(
-            {column.name, ValueOf(before[i], column), ValueOf(after[i], column)});
+        FieldChange& field = Next(change.fields, used);
+        field.field = table.columns[i].name;
+        Take(before[i], table.columns[i], field.before);
+        Take(after[i], table.columns[i], field.after);
     }
-    sink_.Note(std::move(change));
+    change.fields.resize(used);
+    sink_.Note(record_);
 }
 
 void RowRecorder::RowRemoved(const jet::TableDefinition& table, Fields row) {
-    RowChange change = ChangeOf(RowChange::Kind::Removed, table, row);
-    AddFields(change, table, row, [](std::string name, Value value) {
-        return FieldChange{std::move(name), std::move(value), Null{}};
-    });
-    sink_.Note(std::move(change));
+    RowChange& change = Begin(RowChange::Kind::Removed, table, row);
+    TakeFields(change, table, row, &FieldChange::before, &FieldChange::after);
+    sink_.Note(record_);
 }
 
 }  // namespace quillon

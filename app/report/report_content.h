@@ -3,9 +3,9 @@
 #include <array>
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <map>
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -23,9 +23,9 @@ struct RowName {
 struct ReportFacts {
     std::string host;         ///< the host folder, for the commands that it names
     bool flatLayout = false;  ///< music files are "Artist_Song.mp3", else they lie in two folders
-    /// The name of a row whose record does not have it; may be empty.
-    std::function<RowName(const std::string& table, std::span<const std::pair<std::string, Value>>)>
-        nameOf = {};
+    /// The name that the row with this ID has in the end, for those whose record does not have it;
+    /// may be empty.
+    std::function<RowName(const std::string& table, std::int64_t id)> nameOf = {};
     /// Music that the run has passed by.
     struct LeftOutMusic {
         std::string why;
@@ -92,11 +92,5 @@ struct ReportContent {
 
     bool HasChanges() const;
 };
-
-/// Calls a function for each record of one run, in their order.
-using VisitEachRecord = std::function<void(const std::function<void(const ChangeRecord&)>&)>;
-
-/// Goes through these records, of which only what is told is held in memory.
-ReportContent GatherReport(const VisitEachRecord& visitEach, const ReportFacts& facts);
 
 }  // namespace quillon

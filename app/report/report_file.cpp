@@ -54,10 +54,10 @@ std::vector<ReportFacts::LeftOutMusic> LeftOutForReport(const LeftOut& leftOut) 
     return groups;
 }
 
-void WriteReport(Host& host, const std::filesystem::path& folder, const VisitEachRecord& visitEach,
-                 const ReportFacts& facts) {
+void WriteReport(Host& host, const std::filesystem::path& folder,
+                 const std::function<ReportContent()>& contentOf, const ReportFacts& facts) {
     try {
-        const ReportContent content = GatherReport(visitEach, facts);
+        const ReportContent content = contentOf();
         if (content.stamp.empty() || (!content.HasChanges() && content.errorCount == 0)) return;
         const std::string page = ReportPage(content, facts);
         std::filesystem::create_directories(ReportsFolder(folder));

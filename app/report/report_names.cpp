@@ -4,7 +4,6 @@
 #include <string_view>
 
 #include "jet/database.h"
-#include "platform/basic_text.h"
 
 namespace quillon {
 namespace {
@@ -16,15 +15,10 @@ std::string TextOf(const jet::Value& value) {
 
 }  // namespace
 
-RowName ReportNames::Of(const std::string& table,
-                        std::span<const std::pair<std::string, Value>> key) {
-    const auto* const id = key.size() == 1 && EqualIgnoringCase(key.front().first, "ID")
-                               ? std::get_if<std::int64_t>(&key.front().second)
-                               : nullptr;
-    if (id == nullptr) return {};
+RowName ReportNames::Of(const std::string& table, std::int64_t id) {
     const auto known = tables_.find(table);
     const Names& names = known != tables_.end() ? known->second : tables_[table] = Read(table);
-    const auto found = names.find(*id);
+    const auto found = names.find(id);
     return found == names.end() ? RowName{} : found->second;
 }
 

@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <filesystem>
 #include <map>
-#include <span>
 #include <string>
 #include <unordered_map>
 #include <utility>
@@ -18,7 +17,7 @@ class ReportNames {
   public:
     explicit ReportNames(std::filesystem::path database) : database_(std::move(database)) {}
 
-    RowName Of(const std::string& table, std::span<const std::pair<std::string, Value>> key);
+    RowName Of(const std::string& table, std::int64_t id);
 
   private:
     using Names = std::unordered_map<std::int64_t, RowName>;

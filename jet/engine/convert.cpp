@@ -179,9 +179,11 @@ bool IsAsStored(const ColumnDefinition& column, const Value& value) {
     }
     if (column.type != ColumnType::Text && column.type != ColumnType::Memo) return false;
     const auto* const text = std::get_if<std::string>(&value);
+    if (text == nullptr) return false;
     const bool isLimited = column.type == ColumnType::Text && column.size > 0;
-    return text != nullptr && (!isLimited || text->size() <= column.size) &&
-           storage::IsPlainAscii(*text);
+    // Bytes are as many as units, or more.
+    return (!isLimited || text->size() <= column.size) &&
+           (storage::IsPlainAscii(*text) || storage::IsUsualText(*text));
 }
 
 Value ConvertToField(const ColumnDefinition& column, Value value) {

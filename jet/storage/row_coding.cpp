@@ -63,49 +63,55 @@ std::optional<std::span<const std::uint8_t>> RowReader::Field(const ColumnLayout
 
 RowDraft::RowDraft(const TableLayout& layout)
     : layout_(layout),
-      fixedSize_(layout.FixedPartSize()),
       slots_(layout.variableColumnsEver, layout.columns.size()),
-      fields_(layout.columns.size()) {
-    const std::size_t tail = MaskSize(layout.columnsEver);
-    if (layout.variableColumnsEver == 0 &&
-        row_format::FixedPartOffset + fixedSize_ + tail < SmallestRow)
-        fixedSize_ = SmallestRow - row_format::FixedPartOffset - tail;
+      fields_(layout.columns.size()),
+      mask_(MaskSize(layout.columnsEver)) {
+    std::size_t size = row_format::FixedPartOffset + layout.FixedPartSize();
+    if (layout.variableColumnsEver == 0 && size + mask_.size() < SmallestRow)
+        size = SmallestRow - mask_.size();
+    start_.resize(size);
     for (std::size_t i = 0; i < layout.columns.size(); ++i) {
         const ColumnLayout& column = layout.columns[i];
+        scalarSizes_.push_back(column.fixed ? FixedSize(column.Type()) : 0);
         // Whatever its flags say, a Yes/No column is a bit of the mask.
-        if (column.Type() == ColumnType::Boolean) continue;
-        if (column.fixed) {
-            fixed_.push_back(i);
-            continue;
-        }
+        if (column.fixed || column.Type() == ColumnType::Boolean) continue;
         if (column.slot >= slots_.size())
             ThrowDamaged("a column has no place in the variable part");
         slots_[column.slot] = i;
     }
+    Clear();
 }
 
 void RowDraft::Clear() {
     std::ranges::fill(fields_, Place());
+    std::ranges::fill(start_, std::uint8_t{0});
+    std::ranges::fill(mask_, std::uint8_t{0});
+    Store(std::span(start_), 0, layout_.columnsEver);
     data_.clear();
 }
 
+void RowDraft::SetScalar(std::size_t column, const Value& value) {
+    const ColumnLayout& layout = layout_.columns[column];
+    const auto place = std::span(start_).subspan(row_format::FixedPartOffset + layout.fixedOffset,
+                                                 scalarSizes_[column]);
+    StoreScalar(place, value, layout.Type(), layout.scale);
+    Mark(column);
+}
+
+void RowDraft::MoveToFixedPart(std::size_t column) {
+    const ColumnLayout& layout = layout_.columns[column];
+    const auto place = std::span(start_).subspan(row_format::FixedPartOffset + layout.fixedOffset,
+                                                 layout.StoredSize());
+    const auto bytes = Field(column);
+    std::ranges::copy(bytes.first(std::min(bytes.size(), place.size())), place.begin());
+    data_.resize(fields_[column].start);
+    fields_[column] = Place();
+}
+
 const Bytes& RowDraft::Build() {
-    if (!allHavePlaces_) ThrowDamaged("a column has no place in the variable part");
-    row_.assign(row_format::FixedPartOffset + fixedSize_, std::uint8_t{0});
-    Store(std::span(row_), 0, layout_.columnsEver);
-    for (const std::size_t column : fixed_) {
-        if (!fields_[column].present) continue;
-        const std::size_t start = row_format::FixedPartOffset + layout_.columns[column].fixedOffset;
-        std::ranges::copy(Field(column), row_.begin() + static_cast<std::ptrdiff_t>(start));
-    }
+    row_ = start_;
     if (layout_.variableColumnsEver != 0) AppendVariablePart();
-    const std::size_t mask = row_.size();
-    AppendZeros(row_, MaskSize(layout_.columnsEver));
-    for (std::size_t i = 0; i < fields_.size(); ++i) {
-        if (!fields_[i].present) continue;
-        const unsigned number = layout_.columns[i].number;
-        row_[mask + number / 8] |= static_cast<std::uint8_t>(1U << number % 8);
-    }
+    Append(row_, mask_);
     return row_;
 }
 

@@ -44,20 +44,27 @@ class RowDraft {
 
     /// Starts a new row: all columns are Null.
     void Clear();
-    /// A Boolean, or a column with a value: `append` adds the bytes to those that it is given.
-    void SetBit(std::size_t column, bool value) { fields_[column].present = value; }
+    void SetBit(std::size_t column, bool value) {
+        if (value) Mark(column);
+    }
+    /// Gives a column a value: `append` adds the bytes to those that it is given.
     template <typename AppendValue>
     void Set(std::size_t column, AppendValue append) {
         const std::size_t start = data_.size();
         append(data_);
-        fields_[column] = {true, start, data_.size() - start};
+        fields_[column] = {start, data_.size() - start};
+        Mark(column);
+        if (layout_.columns[column].fixed) MoveToFixedPart(column);
     }
     void SetBytes(std::size_t column, std::span<const std::uint8_t> bytes) {
         Set(column, [bytes](Bytes& data) { data.insert(data.end(), bytes.begin(), bytes.end()); });
     }
+    /// Whether it is a column of the fixed part, with a type of fixed size.
+    bool IsScalar(std::size_t column) const { return scalarSizes_[column] != 0; }
+    /// Gives such a column a value.
+    void SetScalar(std::size_t column, const Value& value);
 
-    /// What a column was set to; nothing for Null.
-    bool IsSet(std::size_t column) const { return fields_[column].present; }
+    /// What a column of the variable part was set to; nothing for Null.
     std::span<const std::uint8_t> Field(std::size_t column) const {
         return std::span(data_).subspan(fields_[column].start, fields_[column].size);
     }
@@ -66,20 +73,22 @@ class RowDraft {
     const Bytes& Build();
 
   private:
+    void Mark(std::size_t column) {
+        const unsigned number = layout_.columns[column].number;
+        mask_[number / 8] |= static_cast<std::uint8_t>(1U << number % 8);
+    }
+    void MoveToFixedPart(std::size_t column);
     void AppendVariablePart();
 
     struct Place {
-        bool present = false;
         std::size_t start = 0, size = 0;
     };
 
     const TableLayout& layout_;
-    std::size_t fixedSize_;
-    std::vector<std::size_t> fixed_;  ///< the columns of the fixed part
-    std::vector<std::size_t> slots_;  ///< the columns of the variable part, in its order
-    bool allHavePlaces_ = true;
+    std::vector<std::size_t> slots_;        ///< the columns of the variable part, in its order
+    std::vector<std::size_t> scalarSizes_;  ///< by column; 0 for others
     std::vector<Place> fields_;
-    Bytes data_, row_;
+    Bytes start_, data_, mask_, row_;  ///< the row's beginning with the fixed part, and its end
 };
 
 /// Puts the value that a column's stored bytes mean in the place of another, whose memory is used

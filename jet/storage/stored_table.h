@@ -130,6 +130,7 @@ class StoredTable final : public Table, private DeferredChanges {
     mutable std::unique_ptr<Parts> parts_;
     std::vector<EntryBatch> waiting_;  ///< new entries, by index
     std::vector<IndexKey> newKeys_;    ///< of the row that is being added, by index
+    Row told_;                         ///< as the observer is told of it
 };
 
 }  // namespace jet::storage

@@ -54,6 +54,16 @@ Value FromJet(const jet::Value& value, std::string_view field) {
     return std::visit(FromJetValue{field}, value);
 }
 
+void FromJet(const jet::Value& value, std::string_view field, Value& into) {
+    const auto* const text = std::get_if<std::string>(&value);
+    auto* const room = std::get_if<std::string>(&into);
+    if (text != nullptr && room != nullptr) {
+        *room = *text;
+    } else {
+        into = FromJet(value, field);
+    }
+}
+
 void ExchangeFromJet(jet::Value& value, std::string_view field, Value& into) {
     auto* const text = std::get_if<std::string>(&value);
     auto* const earlier = std::get_if<std::string>(&into);

@@ -11,6 +11,8 @@ namespace quillon {
 /// double, a Guid becomes its text in braces. Failure: TypeMismatch for binary content, which the
 /// interface does not carry.
 Value FromJet(const jet::Value& value, std::string_view field);
+/// The same, with the room that a text there has.
+void FromJet(const jet::Value& value, std::string_view field, Value& into);
 /// The same for one of many values: what it leaves in the engine's one is good for the next text,
 /// so that not each takes memory anew.
 void ExchangeFromJet(jet::Value& value, std::string_view field, Value& into);

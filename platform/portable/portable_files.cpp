@@ -93,14 +93,15 @@ std::optional<WindowsPath> ParsedPath(std::string_view text) try {
     return std::nullopt;
 }
 
-/// Copies a file that is open; `local` is the path of the copy.
-void Copy(const FileHandle& source, const std::string& local, const std::string& shown,
-          SafeFile::Existing existing) {
+/// Copies a file that is open; `local` is the path of the copy, whose name is not durable yet.
+void CopyOpenFile(const FileHandle& source, const std::string& local, const std::string& shown,
+                  SafeFile::Existing existing) {
     const struct stat facts = source.Facts();
     SafeFile copy(local, shown, existing, facts.st_mode & 0777U);
     copy.WriteFrom(source);
     copy.SetModified(facts.st_mtim);
-    copy.Commit();
+    copy.Sync();
+    copy.TakeName();
 }
 
 /// Whether it is a link to something that is not there. Nobody can tell what else cannot be looked
@@ -230,6 +231,12 @@ void PortableFiles::CreateFolder(std::string_view path) {
 }
 
 void PortableFiles::CopyFile(std::string_view from, std::string_view to, bool overwrite) {
+    Copy(from, to, overwrite, namesMayWait_ && !overwrite);
+}
+
+void PortableFiles::Copy(std::string_view from, std::string_view to, bool overwrite,
+                         bool nameMayWait) {
+    if (!nameMayWait) SyncNames();
     const FileHandle source = OpenFile(resolver_, ParseWindowsPath(from));
     const WindowsPath target = ParseWindowsPath(to);
     const std::string local = resolver_.Local(target);
@@ -238,12 +245,20 @@ void PortableFiles::CopyFile(std::string_view from, std::string_view to, bool ov
     const bool itself = old && old->st_dev == facts.st_dev && old->st_ino == facts.st_ino;
     if (itself && overwrite) throw SystemFailure(EACCES, target.Text());
     RemoveLeftoversOnce(FolderOf(local));
-    Copy(source, local, target.Text(),
-         overwrite ? SafeFile::Existing::Replace : SafeFile::Existing::Refuse);
+    CopyOpenFile(source, local, target.Text(),
+                 overwrite ? SafeFile::Existing::Replace : SafeFile::Existing::Refuse);
     resolver_.Index().Added(local);
+    waitingNames_.insert(FolderOf(local));
+    if (!nameMayWait) SyncNames();
+}
+
+void PortableFiles::SyncNames() {
+    while (!waitingNames_.empty())
+        SyncFolder(waitingNames_.extract(waitingNames_.begin()).value());
 }
 
 void PortableFiles::CopyFolder(std::string_view from, std::string_view to) {
+    SyncNames();
     const WindowsPath source = ParseWindowsPath(from);
     const WindowsPath target = ParseWindowsPath(to);
     const std::string local = resolver_.Local(target);
@@ -286,6 +301,7 @@ void PortableFiles::CopyInto(SafeFolder& copy, const std::string& from, const st
 }
 
 void PortableFiles::DeleteFile(std::string_view path) {
+    SyncNames();
     const WindowsPath parsed = ParseWindowsPath(path);
     const std::string local = resolver_.Local(parsed);
     const std::string shown = parsed.Text();
@@ -299,6 +315,7 @@ void PortableFiles::DeleteFile(std::string_view path) {
 }
 
 void PortableFiles::DeleteFolder(std::string_view path) {
+    SyncNames();
     const WindowsPath parsed = ParseWindowsPath(path);
     const std::string local = resolver_.Local(parsed);
     if (!FolderExists(parsed.Text())) throw Failure(FailureNumber::PathNotFound, parsed.Text());
@@ -328,6 +345,7 @@ WindowsPath PortableFiles::AsItIs(const WindowsPath& path, const std::string& lo
 }
 
 void PortableFiles::MoveFile(std::string_view from, std::string_view to) {
+    SyncNames();
     const WindowsPath source = ParseWindowsPath(from);
     const WindowsPath target = ParseWindowsPath(to);
     const std::string oldPath = resolver_.Local(source);
@@ -345,7 +363,7 @@ void PortableFiles::MoveFile(std::string_view from, std::string_view to) {
         const int error = RenameToFreeName(oldPath, newPath);
         if (error == EXDEV) {
             // Between two volumes a file is moved by way of a copy.
-            CopyFile(from, to, false);
+            Copy(from, to, false, false);
             Unlink(oldPath, source.Text());
         } else if (error != 0) {
             throw SystemFailure(error, target.Text());
@@ -356,6 +374,7 @@ void PortableFiles::MoveFile(std::string_view from, std::string_view to) {
 }
 
 void PortableFiles::MoveFolder(std::string_view from, std::string_view to) {
+    SyncNames();
     const WindowsPath source = ParseWindowsPath(from);
     const WindowsPath target = ParseWindowsPath(to);
     const std::string oldPath = resolver_.Local(source);
@@ -382,14 +401,15 @@ std::unique_ptr<TextWriter> PortableFiles::CreateText(std::string_view path,
                                                       SafeFile::Existing existing) {
     const WindowsPath parsed = ParseWindowsPath(path);
     const std::string local = LocalToWrite(parsed);
-    return std::make_unique<AnsiTextWriter>(local, parsed.Text(), existing,
-                                            [this, local] { resolver_.Index().Added(local); });
+    return std::make_unique<AnsiTextWriter>(
+        local, parsed.Text(), existing, [this] { SyncNames(); },
+        [this, local] { resolver_.Index().Added(local); });
 }
 
 std::unique_ptr<TextBatch> PortableFiles::CreateTexts(TextBatch::Done done) {
     return std::make_unique<PortableTextBatch>(
-        [this](const WindowsPath& path) { return LocalToWrite(path); }, resolver_.Index(),
-        std::move(done));
+        [this](const WindowsPath& path) { return LocalToWrite(path); }, [this] { SyncNames(); },
+        resolver_.Index(), std::move(done));
 }
 
 std::unique_ptr<BinaryReader> PortableFiles::OpenBinary(std::string_view path) {
@@ -399,6 +419,7 @@ std::unique_ptr<BinaryReader> PortableFiles::OpenBinary(std::string_view path) {
 
 void PortableFiles::WriteEnd(std::string_view path, const FileEnd& seen, std::uint64_t position,
                              std::span<const std::uint8_t> bytes) {
+    SyncNames();
     WriteFileEnd(OpenFile(resolver_, ParseWindowsPath(path), O_RDWR), seen, position, bytes);
 }
 

@@ -36,6 +36,12 @@ class PortableFiles : public Files {
     /// at the library.
     void ClearUnfinished() { lister_.ClearUnfinished(); }
 
+    /// From now on names that CopyFile() gives to new files may be lost in a power cut until
+    /// SyncNames(), which every other change of files calls before it changes anything. Whoever
+    /// changes by other means what relies on a copy, such as a database, calls it before, too.
+    void LetNamesWait() { namesMayWait_ = true; }
+    void SyncNames();
+
     bool FolderExists(std::string_view path) override;
     bool FileExists(std::string_view path) override;
     bool IsWithin(std::string_view folder, std::string_view outer) override;
@@ -72,6 +78,7 @@ class PortableFiles : public Files {
     void RemoveLeftoversOnce(const std::string& folder);
     /// The local path of a file that is going to be written.
     std::string LocalToWrite(const WindowsPath& path);
+    void Copy(std::string_view from, std::string_view to, bool overwrite, bool nameMayWait);
     void CopyInto(SafeFolder& copy, const std::string& from, const std::string& inner,
                   const std::string& shown);
     std::unique_ptr<TextWriter> CreateText(std::string_view path, SafeFile::Existing existing);
@@ -83,6 +90,8 @@ class PortableFiles : public Files {
     FolderLister lister_;
     TakeOver takeOver_;
     std::unordered_set<std::string> withoutLeftovers_;  ///< local paths of folders
+    bool namesMayWait_ = false;
+    std::unordered_set<std::string> waitingNames_;  ///< local paths of the folders that have them
 };
 
 }  // namespace quillon

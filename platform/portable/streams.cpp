@@ -13,8 +13,12 @@ constexpr std::size_t BufferSize = 65536;
 }  // namespace
 
 AnsiTextWriter::AnsiTextWriter(const std::string& target, std::string_view shownPath,
-                               SafeFile::Existing existing, std::function<void()> closed)
-    : shownPath_(shownPath), file_(target, shownPath, existing), closed_(std::move(closed)) {}
+                               SafeFile::Existing existing, std::function<void()> closing,
+                               std::function<void()> closed)
+    : shownPath_(shownPath),
+      file_(target, shownPath, existing),
+      closing_(std::move(closing)),
+      closed_(std::move(closed)) {}
 
 void AnsiTextWriter::Write(std::string_view text) {
     WriteBytes(Utf8ToAnsi(text));
@@ -44,6 +48,7 @@ bool AnsiTextWriter::CloseIf(const std::function<bool()>& isWanted) {
     // Waiting for the disk takes longest, so the question is asked after that.
     file_.Sync();
     if (!isWanted()) return false;
+    closing_();
     file_.Commit();
     closed_();
     return true;

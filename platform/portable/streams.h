@@ -15,9 +15,10 @@ namespace quillon {
 /// Writes ANSI text to a SafeFile.
 class AnsiTextWriter : public TextWriter {
   public:
-    /// `closed` is called when the file has its name.
+    /// `closing` is called before the file gets its name, `closed` when it has it.
     AnsiTextWriter(const std::string& target, std::string_view shownPath,
-                   SafeFile::Existing existing, std::function<void()> closed);
+                   SafeFile::Existing existing, std::function<void()> closing,
+                   std::function<void()> closed);
 
     void Write(std::string_view text) override;
     void WriteLine(std::string_view line) override;
@@ -28,7 +29,7 @@ class AnsiTextWriter : public TextWriter {
   private:
     std::string shownPath_;
     SafeFile file_;
-    std::function<void()> closed_;
+    std::function<void()> closing_, closed_;
     std::string buffer_;
     bool open_ = true;
 };

@@ -27,8 +27,11 @@ std::optional<Failure> FailureOf(Work work) {
 }  // namespace
 
 PortableTextBatch::PortableTextBatch(std::function<std::string(const WindowsPath&)> localOf,
-                                     FolderIndex& index, Done done)
-    : localOf_(std::move(localOf)), index_(index), done_(std::move(done)) {}
+                                     std::function<void()> closing, FolderIndex& index, Done done)
+    : localOf_(std::move(localOf)),
+      closing_(std::move(closing)),
+      index_(index),
+      done_(std::move(done)) {}
 
 void PortableTextBatch::Write(std::string_view path, std::string_view bytes) {
     const WindowsPath parsed = ParseWindowsPath(path);
@@ -45,6 +48,7 @@ void PortableTextBatch::Write(std::string_view path, std::string_view bytes) {
 }
 
 void PortableTextBatch::Close() {
+    closing_();
     // A list that is a symbolic link may be on another file system.
     std::map<std::string, std::optional<Failure>> folders;
     for (const Waiting& waiting : waiting_) {

@@ -16,10 +16,10 @@ namespace quillon {
 /// or at the end, their file system is flushed once and they take their names.
 class PortableTextBatch : public TextBatch {
   public:
-    /// `localOf` finds a file's local path and makes its folder ready; the index, which must
-    /// outlive this object, is told of the files.
-    PortableTextBatch(std::function<std::string(const WindowsPath&)> localOf, FolderIndex& index,
-                      Done done);
+    /// `localOf` finds a file's local path and makes its folder ready, `closing` is called before
+    /// files take their names; the index, which must outlive this object, is told of them.
+    PortableTextBatch(std::function<std::string(const WindowsPath&)> localOf,
+                      std::function<void()> closing, FolderIndex& index, Done done);
 
     void Write(std::string_view path, std::string_view bytes) override;
     void Close() override;
@@ -34,6 +34,7 @@ class PortableTextBatch : public TextBatch {
     };
 
     std::function<std::string(const WindowsPath&)> localOf_;
+    std::function<void()> closing_;
     FolderIndex& index_;
     Done done_;
     std::deque<Waiting> waiting_;

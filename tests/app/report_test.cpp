@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "app/report/report_file.h"
+#include "app/report/report_gatherer.h"
 #include "app/report/report_names.h"
 #include "app/report/report_page.h"
 #include "jet/database.h"
@@ -56,9 +57,11 @@ class Report : public ::testing::Test {
     void End(const std::string& outcome = "completed", bool braked = false) {
         Add(RunEnded{outcome, 0, braked, milliseconds(4200)});
     }
-    ReportContent Content() const { return GatherReport(EachRecord(), facts); }
-    VisitEachRecord EachRecord() const {
-        return [this](const auto& visit) { std::ranges::for_each(records, visit); };
+    ReportContent Content() const {
+        ReportGatherer gatherer(facts);
+        for (const ChangeRecord& record : records)
+            gatherer.Note(record);
+        return gatherer.Finish();
     }
     std::string Page() const { return ReportPage(Content(), facts); }
     std::size_t CountOf(DeedKind kind) const {
@@ -95,9 +98,8 @@ TEST_F(Report, FoldsWhatChangedByArtist) {
 }
 
 TEST_F(Report, AsksForTheNameOfARowThatItsRecordDoesNotHave) {
-    facts.nameOf = [](const std::string& table, const auto& key) {
-        return RowName{table + " artist",
-                       "number " + std::to_string(std::get<std::int64_t>(key[0].second))};
+    facts.nameOf = [](const std::string& table, std::int64_t id) {
+        return RowName{table + " artist", "number " + std::to_string(id)};
     };
     Add(ChangedTrack(7, "Track", std::int64_t{3}, std::int64_t{4}));
     const ReportContent content = Content();
@@ -106,6 +108,26 @@ TEST_F(Report, AsksForTheNameOfARowThatItsRecordDoesNotHave) {
     EXPECT_THAT(changed.first.at(0).details, ElementsAre("Track: 3 → 4"));
     facts.nameOf = {};
     EXPECT_EQ(Of(Content(), "", DeedKind::TrackChanged).first.at(0).what, "ID 7");
+}
+
+TEST_F(Report, NamesARowThatHasNoNumberByItsKey) {
+    facts.nameOf = [](const std::string&, std::int64_t) { return RowName{"Alder", "Dawn"}; };
+    RowChange change = ChangedTrack(7, "Track", std::int64_t{3}, std::int64_t{4});
+    change.key = {{"Track", std::int64_t{3}}};
+    Add(change);
+    EXPECT_EQ(Of(Content(), "", DeedKind::TrackChanged).first.at(0).what, "Track 3");
+}
+
+TEST_F(Report, CountsRowsWithoutANameBehindTheListedOnesWithTheirArtists) {
+    facts.nameOf = [](const std::string&, std::int64_t id) {
+        return RowName{id > 100 ? "Birch" : "Alder", "Dawn"};
+    };
+    for (std::int64_t id = 1; id <= 103; ++id)
+        Add(ChangedTrack(id, "Track", std::int64_t{3}, std::int64_t{4}));
+    const ReportContent content = Content();
+    EXPECT_EQ(Of(content, "Alder", DeedKind::TrackChanged).first.size(), 100U);
+    EXPECT_EQ(Of(content, "Birch", DeedKind::TrackChanged).count, 3U);
+    EXPECT_THAT(Of(content, "Birch", DeedKind::TrackChanged).first, IsEmpty());
 }
 
 TEST_F(Report, TellsOfEachRowAndFileOnce) {
@@ -261,16 +283,11 @@ TEST(ReportNames, AreThoseInTheDatabase) {
         database.Execute("INSERT INTO Tracks (Title, Artist) VALUES ('Dawn', 'Alder')");
     }
     ReportNames names(folder.Path() / "cdj.mdb");
-    const auto of = [&names](const std::string& table, const std::string& field, std::int64_t id) {
-        const std::vector<std::pair<std::string, Value>> key{{field, id}};
-        return names.Of(table, key);
-    };
-    EXPECT_EQ(of("Tracks", "ID", 1).artist, "Alder");
-    EXPECT_EQ(of("Tracks", "ID", 1).title, "Dawn");
-    EXPECT_EQ(of("Tracks", "ID", 2).title, "");
-    EXPECT_EQ(of("Tracks", "Track", 1).title, "");
-    EXPECT_EQ(of("Nothing", "ID", 1).title, "");
-    EXPECT_EQ(ReportNames(folder.Path() / "none.mdb").Of("Tracks", {}).title, "");
+    EXPECT_EQ(names.Of("Tracks", 1).artist, "Alder");
+    EXPECT_EQ(names.Of("Tracks", 1).title, "Dawn");
+    EXPECT_EQ(names.Of("Tracks", 2).title, "");
+    EXPECT_EQ(names.Of("Nothing", 1).title, "");
+    EXPECT_EQ(ReportNames(folder.Path() / "none.mdb").Of("Tracks", 1).title, "");
 }
 
 class ReportFile : public Report {
@@ -278,7 +295,9 @@ class ReportFile : public Report {
     using Run = quillon::Run;  // not the one of ::testing::Test
 
     std::string Written(const std::string& name) const { return folder.Content("Reports/" + name); }
-    void WriteIt() { WriteReport(world.host, folder.Path(), EachRecord(), facts); }
+    void WriteIt() {
+        WriteReport(world.host, folder.Path(), [this] { return Content(); }, facts);
+    }
 
     outside::TemporaryFolder folder;
     fakes::FakeWorld world;

@@ -116,6 +116,22 @@ def new_music_is_read_once(baseline, counts):
     counts.expect("listings of an artist's or album's folder", 1, most_listed(calls))
 
 
+def new_songs_are_durable_before_their_rows(workshop, counts):
+    """Each by its content before it gets its name, and by its name before the database is saved; a folder
+    is flushed once for all of them."""
+    calls = workshop.baseline("add-files").calls
+    flushed = [call.path if call.name in SYNCS else None for call in calls]
+    save = flushed.index("host/jukebox.mdb.journal-new")
+    named = [(number, *call.path.split(" -> ")) for number, call in enumerate(calls)
+             if "rename" in call.name and call.path.endswith(".mp3")]
+    counts.expect("songs are added", True, len(named) > 3)
+    for number, unfinished, name in named:
+        folder = name.rsplit("/", 1)[0]
+        counts.expect(f"{name} flushed before it has its name", True, unfinished in flushed[:number])
+        counts.expect(f"{folder} flushed before the database", True, folder in flushed[number:save])
+        counts.expect(f"flushes of {folder}", 1, flushed.count(folder))
+
+
 def main():
     program, library = (Path(argument).resolve() for argument in sys.argv[1:])
     folder = temporary_folder()
@@ -123,6 +139,7 @@ def main():
     try:
         workshop = Workshop(program, library, folder)
         a_folder_is_copied_with_one_flush(workshop, counts)
+        new_songs_are_durable_before_their_rows(workshop, counts)
         baseline = workshop.baseline("reconcile")
         a_library_that_has_not_changed_is_not_written_to(workshop, baseline, counts)
         new_music_is_read_once(baseline, counts)

@@ -25,6 +25,27 @@ bool IsPlainAscii(std::string_view text) {
     return (others & HighBits) == 0;
 }
 
+bool IsUsualText(std::string_view text) {
+    const auto byteAt = [text](std::size_t i) {
+        return i < text.size() ? static_cast<std::uint8_t>(text[i]) : std::uint8_t{0};
+    };
+    const auto goesOn = [&](std::size_t i) { return (byteAt(i) & 0xC0) == 0x80; };
+    for (std::size_t i = 0; i < text.size();) {
+        const std::uint8_t first = byteAt(i), second = byteAt(i + 1);
+        if (first > 0 && first < 0x80) {
+            ++i;
+        } else if (first >= 0xC2 && first < 0xE0 && goesOn(i + 1)) {
+            i += 2;
+        } else if ((first & 0xF0) == 0xE0 && goesOn(i + 1) && goesOn(i + 2) &&
+                   !(first == 0xE0 && second < 0xA0) && !(first == 0xED && second >= 0xA0)) {
+            i += 3;
+        } else {
+            return false;
+        }
+    }
+    return true;
+}
+
 namespace {
 
 constexpr char16_t ByteOrderMark = 0xFEFF;

@@ -11,19 +11,13 @@ namespace jet::storage {
 
 namespace {
 
-template <typename T>
-void AppendAs(Bytes& bytes, T value) {
-    bytes.resize(bytes.size() + sizeof(T));
-    Store(std::span(bytes), bytes.size() - sizeof(T), value);
-}
-
 constexpr std::size_t DecimalSize = 17;
 constexpr std::uint8_t NegativeDecimal = 0x80;
 
-void AppendDecimal(Bytes& bytes, const Decimal& decimal) {
-    bytes.push_back(decimal.negative ? NegativeDecimal : 0);
-    for (const std::uint32_t word : decimal.magnitude)
-        AppendAs(bytes, word);
+void StoreDecimal(std::span<std::uint8_t> place, const Decimal& decimal) {
+    place[0] = decimal.negative ? NegativeDecimal : 0;
+    for (std::size_t word = 0; word < decimal.magnitude.size(); ++word)
+        Store(place, 1 + sizeof(std::uint32_t) * word, decimal.magnitude[word]);
 }
 
 Decimal DecodeDecimal(std::span<const std::uint8_t> bytes, std::uint8_t scale) {
@@ -83,11 +77,11 @@ const T& As(const Value& value) {
 }
 
 template <typename T>
-void AppendInteger(Bytes& bytes, const Value& value) {
+void StoreInteger(std::span<std::uint8_t> place, const Value& value) {
     const std::int64_t number = As<std::int64_t>(value);
     if (number < std::numeric_limits<T>::min() || number > std::numeric_limits<T>::max())
         throw Error(ErrorKind::Overflow, "The number is out of its field's range.");
-    AppendAs(bytes, static_cast<T>(number));
+    Store(place, 0, static_cast<T>(number));
 }
 
 /// A double that is too great would become an infinity.
@@ -111,34 +105,29 @@ Decimal Rescale(const Decimal& decimal, std::uint8_t scale) {
     return result;
 }
 
-void AppendScalar(Bytes& bytes, const Value& value, ColumnType type, std::uint8_t decimalScale) {
+void StoreScalar(std::span<std::uint8_t> place, const Value& value, ColumnType type,
+                 std::uint8_t decimalScale) {
     switch (type) {
         case ColumnType::Byte:
-            return AppendInteger<std::uint8_t>(bytes, value);
+            return StoreInteger<std::uint8_t>(place, value);
         case ColumnType::Integer:
-            return AppendInteger<std::int16_t>(bytes, value);
+            return StoreInteger<std::int16_t>(place, value);
         case ColumnType::Long:
-            return AppendInteger<std::int32_t>(bytes, value);
+            return StoreInteger<std::int32_t>(place, value);
         case ColumnType::Currency:
-            return AppendAs(bytes, As<Currency>(value).tenThousandths);
+            return Store(place, 0, As<Currency>(value).tenThousandths);
         case ColumnType::Single:
-            return AppendAs(bytes, ToSingle(As<double>(value)));
+            return Store(place, 0, ToSingle(As<double>(value)));
         case ColumnType::Double:
-            return AppendAs(bytes, As<double>(value));
+            return Store(place, 0, As<double>(value));
         case ColumnType::Date:
-            return AppendAs(bytes, As<Date>(value).days);
-        case ColumnType::Binary: {
-            const Bytes& content = As<Bytes>(value);
-            bytes.insert(bytes.end(), content.begin(), content.end());
+            return Store(place, 0, As<Date>(value).days);
+        case ColumnType::Guid:
+            std::ranges::copy(SwapGuidGroups(As<Guid>(value).bytes), place.begin());
             return;
-        }
-        case ColumnType::Guid: {
-            const auto swapped = SwapGuidGroups(As<Guid>(value).bytes);
-            bytes.insert(bytes.end(), swapped.begin(), swapped.end());
-            return;
-        }
         case ColumnType::Decimal:
-            return AppendDecimal(bytes, Rescale(As<Decimal>(value), decimalScale));
+            return StoreDecimal(place, Rescale(As<Decimal>(value), decimalScale));
+        case ColumnType::Binary:
         case ColumnType::Boolean:
         case ColumnType::Text:
         case ColumnType::Ole:
@@ -146,6 +135,17 @@ void AppendScalar(Bytes& bytes, const Value& value, ColumnType type, std::uint8_
             break;
     }
     RefuseType();
+}
+
+void AppendScalar(Bytes& bytes, const Value& value, ColumnType type, std::uint8_t decimalScale) {
+    if (type == ColumnType::Binary) {
+        const Bytes& content = As<Bytes>(value);
+        bytes.insert(bytes.end(), content.begin(), content.end());
+        return;
+    }
+    const std::size_t start = bytes.size();
+    bytes.resize(start + FixedSize(type));
+    StoreScalar(std::span(bytes).subspan(start), value, type, decimalScale);
 }
 
 Bytes EncodeScalar(const Value& value, ColumnType type, std::uint8_t decimalScale) {

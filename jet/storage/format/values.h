@@ -23,6 +23,9 @@ Bytes EncodeText(std::u16string_view text, bool mayCompress, bool isMemo);
 void AppendText(Bytes& bytes, std::string_view utf8, bool mayCompress, bool isMemo);
 /// Whether all bytes are those of ASCII characters other than zero, as in nearly all texts.
 bool IsPlainAscii(std::string_view text);
+/// Whether it is UTF-8 of characters that are one UTF-16 unit each and neither zero nor a
+/// surrogate: such a text comes back from the storage as it is. Some other texts do, too.
+bool IsUsualText(std::string_view text);
 /// Which form it is.
 bool IsCompressedText(std::span<const std::uint8_t> bytes);
 /// Reads either form. Never fails: whatever the bytes are, they are some text.
@@ -40,6 +43,9 @@ std::size_t CountUnits(std::span<const std::uint8_t> bytes);
 Bytes EncodeScalar(const Value& value, ColumnType type, std::uint8_t decimalScale);
 /// The same behind what `bytes` holds.
 void AppendScalar(Bytes& bytes, const Value& value, ColumnType type, std::uint8_t decimalScale);
+/// The same for a fixed-size type, put into a place of that size.
+void StoreScalar(std::span<std::uint8_t> place, const Value& value, ColumnType type,
+                 std::uint8_t decimalScale);
 /// The reverse; `bytes` has the type's full size.
 Value DecodeScalar(std::span<const std::uint8_t> bytes, ColumnType type, std::uint8_t decimalScale);
 

@@ -1,0 +1,297 @@
+#include "app/report/report_gatherer.h"
+
+#include <algorithm>
+#include <fmt/format.h>
+#include <string_view>
+#include <utility>
+
+#include "platform/basic_text.h"
+#include "run/paths.h"
+#include "run/sound_files.h"
+
+namespace quillon {
+namespace {
+
+/// More than a journal has between a change of a file and the word that it failed.
+constexpr std::size_t MostPlanned = 1000;
+
+std::string TextOf(const Value& value) {
+    struct Words {
+        std::string operator()(Null) const { return "nothing"; }
+        std::string operator()(bool yes) const { return yes ? "yes" : "no"; }
+        std::string operator()(std::int64_t number) const { return std::to_string(number); }
+        std::string operator()(double number) const { return fmt::format("{}", number); }
+        std::string operator()(DateTime time) const { return SortableDateTimeText(time); }
+        std::string operator()(const std::string& text) const {
+            return text.empty() ? "nothing" : text;
+        }
+    };
+    return std::visit(Words{}, value);
+}
+
+/// Fields are mostly spelled as here; a look at their letter case costs more than all else.
+bool IsNamed(std::string_view field, std::string_view name) {
+    return field == name || (field.size() == name.size() && EqualIgnoringCase(field, name));
+}
+
+/// "" where it has no such text.
+std::string_view TextIn(const RowChange& row, std::string_view field) {
+    for (const FieldChange& change : row.fields) {
+        if (!IsNamed(change.field, field)) continue;
+        const Value& value = row.kind == RowChange::Kind::Removed ? change.before : change.after;
+        const auto* const text = std::get_if<std::string>(&value);
+        return text == nullptr ? std::string_view() : std::string_view(*text);
+    }
+    return {};
+}
+
+std::string KeyText(const RowChange& row) {
+    std::string text = row.table;
+    for (const auto& [field, value] : row.key)
+        text += '\x1F' + TextOf(value);
+    return text;
+}
+
+/// The artist whose folder, or whose file, this is.
+std::string ArtistOfFile(std::string_view path, bool flatLayout) {
+    if (flatLayout) {
+        const std::string_view name = LastName(path);
+        const std::size_t end = name.find('_');
+        return end == std::string_view::npos ? "" : std::string(name.substr(0, end));
+    }
+    const std::vector<std::string> parts = Split(path, "\\");
+    return parts.size() > 3 ? parts[parts.size() - 3] : "";
+}
+
+bool HasEnding(std::string_view path, std::string_view ending) {
+    return EqualIgnoringCase(Right(path, ending.size()), ending);
+}
+
+bool IsPlaylist(std::string_view path) {
+    return HasEnding(path, ".pla") || HasEnding(path, ".m3u");
+}
+
+bool IsPage(std::string_view path) {
+    return HasEnding(path, ".asp") || HasEnding(path, ".html");
+}
+
+bool IsImage(std::string_view path) {
+    return HasEnding(path, ".jpg") || HasEnding(path, ".gif") || HasEnding(path, ".png") ||
+           HasEnding(path, ".bmp");
+}
+
+std::optional<DeedKind> KindOf(const RowChange& row) {
+    const bool isAlbum = IsNamed(row.table, "Albums");
+    if (!isAlbum && !IsNamed(row.table, "Tracks")) return std::nullopt;
+    switch (row.kind) {
+        case RowChange::Kind::Added:
+            return isAlbum ? DeedKind::AlbumAdded : DeedKind::TrackAdded;
+        case RowChange::Kind::Changed:
+            return isAlbum ? DeedKind::AlbumChanged : DeedKind::TrackChanged;
+        case RowChange::Kind::Removed:
+            break;
+    }
+    return isAlbum ? DeedKind::AlbumRemoved : DeedKind::TrackRemoved;
+}
+
+/// The number of a row that has one.
+std::optional<std::int64_t> IdOf(const RowChange& row) {
+    if (row.key.size() != 1 || !IsNamed(row.key.front().first, "ID")) return std::nullopt;
+    const auto* const id = std::get_if<std::int64_t>(&row.key.front().second);
+    return id == nullptr ? std::nullopt : std::optional(*id);
+}
+
+std::string TableOf(DeedKind kind) {
+    return kind < DeedKind::TrackAdded ? "Albums" : "Tracks";
+}
+
+}  // namespace
+
+ReportContent ReportGatherer::Finish() {
+    while (!planned_.empty())
+        TellNextFile();
+    for (const Unnamed& unnamed : unnamed_)
+        TellUnnamed(unnamed);
+    EndPhase(content_.hasEnded ? content_.end.duration : lastTime_);
+    return std::move(content_);
+}
+
+void ReportGatherer::Add(const RunStarted& start) {
+    content_.stamp = start.stamp;
+    content_.mode = start.mode;
+    content_.version = start.version;
+    content_.undoes = start.undoes;
+}
+
+void ReportGatherer::Add(const PhaseStarted& phase) {
+    EndPhase(phase.at);
+    phase_ = phase.name;
+    lastTime_ = phase.at;
+}
+
+void ReportGatherer::EndPhase(std::chrono::milliseconds at) {
+    if (!phase_) return;
+    content_.phases.push_back({*phase_, std::max(at - lastTime_, std::chrono::milliseconds(0))});
+    phase_.reset();
+}
+
+void ReportGatherer::Add(const LogLine& line) {
+    if (!line.isError) return;
+    ++content_.errorCount;
+    const auto known = std::ranges::find(content_.errors, line.text, &ReportContent::Error::text);
+    if (known != content_.errors.end()) {
+        ++known->times;
+    } else if (content_.errors.size() < ReportContent::MostListed) {
+        content_.errors.push_back({line.text});
+    }
+}
+
+void ReportGatherer::Add(const RunEnded& end) {
+    content_.hasEnded = true;
+    content_.end = end;
+}
+
+DeedList& ReportGatherer::ListOf(DeedKind kind, std::string_view artist) {
+    const auto index = static_cast<std::size_t>(kind);
+    if (kind >= DeedKind::PlaylistWritten) return content_.total.at(index);
+    if (ofLastArtist_ == nullptr || lastArtist_ != artist) {
+        lastArtist_ = artist;
+        ofLastArtist_ = &content_.artists[lastArtist_];
+    }
+    return ofLastArtist_->at(index);
+}
+
+/// The deed where it is one of those that are told, to add details to.
+DeedList::Deed* ReportGatherer::AddDeed(DeedKind kind, std::string_view artist,
+                                        std::string_view what) {
+    DeedList& total = content_.total.at(static_cast<std::size_t>(kind));
+    DeedList& own = ListOf(kind, artist);
+    if (&own != &total) ++own.count;
+    if (total.count++ >= ReportContent::MostListed) return nullptr;
+    own.first.push_back({std::string(what), {}});
+    return &own.first.back();
+}
+
+void ReportGatherer::AddOtherRow(const std::string& table) {
+    DeedList& others = content_.total.at(static_cast<std::size_t>(DeedKind::RowOfOtherTable));
+    ++others.count;
+    const auto known = std::ranges::find(others.first, table, &DeedList::Deed::what);
+    if (known == others.first.end()) others.first.push_back({table, {}});
+}
+
+/// Whether it has been told of this row. A row that is removed is told of once more.
+bool ReportGatherer::IsSeen(const RowChange& row, std::optional<std::int64_t> id) {
+    const bool isRemoved = row.kind == RowChange::Kind::Removed;
+    if (!id) return !seenRows_.insert(ContentHash(KeyText(row) + (isRemoved ? "-" : ""))).second;
+    const std::uint64_t table = IsNamed(row.table, "Albums") ? 0 : 1;
+    const std::uint64_t number = static_cast<std::uint64_t>(*id) << 2U | table << 1U;
+    return !seenIds_.insert(number | (isRemoved ? 1U : 0U)).second;
+}
+
+void ReportGatherer::Add(const RowChange& row) {
+    const std::optional<DeedKind> kind = KindOf(row);
+    if (!kind) return AddOtherRow(row.table);
+    const std::optional<std::int64_t> id = IdOf(row);
+    // What is changed in a row that is new anyway says nothing.
+    if (IsSeen(row, id)) return;
+    const std::string_view artist = TextIn(row, "Artist"), title = TextIn(row, "Title");
+    if (!id || (!artist.empty() && !title.empty())) return TellRow(*kind, row, artist, title);
+    const bool isListed =
+        unnamedOf_.at(static_cast<std::size_t>(*kind))++ < ReportContent::MostListed;
+    unnamed_.push_back({*kind, *id, isListed ? std::make_unique<RowChange>(row) : nullptr});
+}
+
+void ReportGatherer::TellUnnamed(const Unnamed& unnamed) {
+    const RowName known =
+        facts_.nameOf ? facts_.nameOf(TableOf(unnamed.kind), unnamed.id) : RowName();
+    if (!unnamed.row) {
+        AddDeed(unnamed.kind, known.artist, known.title);
+        return;
+    }
+    const std::string_view artist = TextIn(*unnamed.row, "Artist"),
+                           title = TextIn(*unnamed.row, "Title");
+    TellRow(unnamed.kind, *unnamed.row, artist.empty() ? known.artist : artist,
+            title.empty() ? known.title : title);
+}
+
+void ReportGatherer::TellRow(DeedKind kind, const RowChange& row, std::string_view artist,
+                             std::string_view title) {
+    DeedList::Deed* const deed = AddDeed(kind, artist, title);
+    if (deed == nullptr) return;
+    if (title.empty()) {
+        for (const auto& [field, value] : row.key)
+            deed->what += (deed->what.empty() ? "" : ", ") + field + ' ' + TextOf(value);
+    }
+    if (row.kind != RowChange::Kind::Changed) return;
+    for (const FieldChange& field : row.fields)
+        deed->details.push_back(field.field + ": " + TextOf(field.before) + " → " +
+                                TextOf(field.after));
+}
+
+void ReportGatherer::Add(const FileChange& change) {
+    if (IsOfDatedCopy(change) || IsOfOwnNotes(change)) return;
+    planned_.push_back(change);
+    if (planned_.size() > MostPlanned) TellNextFile();
+}
+
+void ReportGatherer::Add(const FileChangeFailed& failed) {
+    std::erase_if(planned_,
+                  [&](const FileChange& change) { return change.number == failed.number; });
+}
+
+void ReportGatherer::TellNextFile() {
+    Tell(planned_.front());
+    planned_.pop_front();
+}
+
+void ReportGatherer::AddFile(DeedKind kind, const std::string& path, const std::string& what) {
+    const std::string thing = std::to_string(static_cast<int>(kind)) + path;
+    if (!seenFiles_.insert(ContentHash(thing)).second) return;
+    const bool hasArtist = kind < DeedKind::PlaylistWritten;
+    AddDeed(kind, hasArtist ? ArtistOfFile(path, facts_.flatLayout) : "", what);
+}
+
+void ReportGatherer::AddWritten(const FileChange& change, const std::string& path) {
+    if (IsPlaylist(path)) {
+        AddFile(change.before ? DeedKind::PlaylistRepaired : DeedKind::PlaylistWritten, path, path);
+    } else if (IsPage(path)) {
+        AddFile(DeedKind::PageWritten, path, path);
+    } else if (IsImage(path)) {
+        AddFile(DeedKind::ImageWritten, path, path);
+    } else if (IsSoundFile(path)) {
+        AddFile(DeedKind::FileCopied, path, path);
+    } else {
+        AddFile(DeedKind::FileWritten, path, path);
+    }
+}
+
+void ReportGatherer::AddDeleted(const FileChange& change) {
+    const std::string kept = change.before ? change.before->keptAs : "";
+    if (IsSoundFile(change.path)) {
+        AddFile(DeedKind::FileRemoved, change.path,
+                change.path + (kept.empty() ? ", for good" : ", kept as " + kept));
+    } else if (IsPlaylist(change.path)) {
+        AddFile(DeedKind::PlaylistDeleted, change.path, change.path);
+    }
+}
+
+void ReportGatherer::Tell(const FileChange& change) {
+    switch (change.kind) {
+        case FileChange::Kind::Written:
+            return AddWritten(change, change.path);
+        case FileChange::Kind::Copied:
+            return AddWritten(change, change.target);
+        case FileChange::Kind::EndWritten:
+            return AddFile(DeedKind::TagWritten, change.path, change.path);
+        case FileChange::Kind::Moved:
+            if (IsSoundFile(change.path))
+                AddFile(DeedKind::FileRenamed, change.path, change.path + " → " + change.target);
+            return;
+        case FileChange::Kind::Deleted:
+            return AddDeleted(change);
+        default:
+            return;
+    }
+}
+
+}  // namespace quillon

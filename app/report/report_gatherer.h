@@ -1,0 +1,82 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_set>
+#include <vector>
+
+#include "app/report/report_content.h"
+#include "changes/change.h"
+
+namespace quillon {
+
+/// Makes a report's content of a run's records, which are told one by one as they come. Only what
+/// the report tells is held in memory.
+class ReportGatherer {
+  public:
+    /// The facts must outlive this object. The layout must be known before the first file changes;
+    /// names are asked for at the end.
+    explicit ReportGatherer(const ReportFacts& facts) : facts_(facts) {}
+
+    void Note(const ChangeRecord& record) {
+        std::visit([this](const auto& content) { Add(content); }, record);
+    }
+
+    /// To be called once, when all records have been told.
+    ReportContent Finish();
+
+  private:
+    /// A row whose record does not name it.
+    struct Unnamed {
+        DeedKind kind;
+        std::int64_t id;
+        std::unique_ptr<RowChange> row;  ///< null behind those of its kind that are listed
+    };
+
+    void Add(const RunStarted& start);
+    void Add(const ModeChosen& mode) { content_.mode = mode.mode; }
+    void Add(const PhaseStarted& phase);
+    void Add(const RowChange& row);
+    void Add(const RowsSaved&) {}
+    void Add(const FileChange& change);
+    void Add(const FileChangeFailed& failed);
+    void Add(const LogLine& line);
+    void Add(const RunEnded& end);
+
+    void EndPhase(std::chrono::milliseconds at);
+
+    DeedList& ListOf(DeedKind kind, std::string_view artist);
+    DeedList::Deed* AddDeed(DeedKind kind, std::string_view artist, std::string_view what);
+    bool IsSeen(const RowChange& row, std::optional<std::int64_t> id);
+    void AddOtherRow(const std::string& table);
+    void TellRow(DeedKind kind, const RowChange& row, std::string_view artist,
+                 std::string_view title);
+    void TellUnnamed(const Unnamed& unnamed);
+
+    void TellNextFile();
+    void Tell(const FileChange& change);
+    void AddFile(DeedKind kind, const std::string& path, const std::string& what);
+    void AddWritten(const FileChange& change, const std::string& path);
+    void AddDeleted(const FileChange& change);
+
+    const ReportFacts& facts_;
+    ReportContent content_;
+    std::deque<FileChange> planned_;  ///< not told yet, as they may have failed
+    std::vector<Unnamed> unnamed_;
+    std::array<std::size_t, DeedKinds> unnamedOf_{};
+    std::string lastArtist_;  ///< rows of one artist mostly follow each other
+    DeedLists* ofLastArtist_ = nullptr;
+    /// Numbers and hashes: there may be some hundred thousand.
+    std::unordered_set<std::uint64_t> seenIds_, seenRows_, seenFiles_;
+    std::optional<std::string> phase_;
+    std::chrono::milliseconds lastTime_{0};
+};
+
+}  // namespace quillon
