@@ -78,9 +78,7 @@ FileHandle JournalFile::OpenFolder(const fs::path& folder) {
 }
 
 JournalFile::JournalFile(const fs::path& folder, const Clock& clock, Listener listener)
-    : folder_(OpenFolder(folder)),
-      file_(MakeFile(folder, clock)),
-      listener_(std::move(listener)) {}
+    : folder_(OpenFolder(folder)), file_(MakeFile(folder, clock)), listener_(std::move(listener)) {}
 
 FileHandle JournalFile::MakeFile(const fs::path& folder, const Clock& clock) {
     const std::string now = StampText(clock.Now());

@@ -1,5 +1,7 @@
 #include "app/journal/json_text.h"
 
+#include <algorithm>
+#include <bit>
 #include <cmath>
 
 #include "platform/ascii.h"
@@ -18,31 +20,26 @@ bool IsWellFormed(std::string_view text) {
     return true;
 }
 
-/// What stands in a JSON string as it is.
-constexpr bool IsPlain(char byte) {
-    const auto code = static_cast<unsigned char>(byte);
-    return code >= 0x20 && code < 0x80 && byte != '"' && byte != '\\';
+/// Set in the first byte that is below a limit, and perhaps in bytes behind it.
+constexpr ascii::Block Below(ascii::Block block, unsigned char limit) {
+    return (block - ascii::Repeated(limit)) & ~block & ascii::HighBits;
 }
 
-/// Whether one of these bytes is zero; there may be a false alarm behind one that is.
-constexpr ascii::Block HasZero(ascii::Block block) {
-    return (block - ascii::Repeated(1)) & ~block & ascii::HighBits;
-}
-
-/// How many bytes stand before the first that is not plain.
+/// How many bytes stand before the first that does not stand in a JSON string as it is, or is no
+/// ASCII.
 std::size_t PlainLength(std::string_view text) {
-    std::size_t at = 0;
-    for (; at + ascii::BlockSize <= text.size(); at += ascii::BlockSize) {
-        const ascii::Block block = ascii::BlockAt(text, at);
-        const ascii::Block control = (block - ascii::Repeated(0x20)) & ~block;
-        if (((block | control | HasZero(block ^ ascii::Repeated('"')) |
-              HasZero(block ^ ascii::Repeated('\\'))) &
-             ascii::HighBits) != 0)
-            break;
+    constexpr unsigned char FirstPlain = 0x20;
+    for (std::size_t at = 0; at < text.size(); at += ascii::BlockSize) {
+        std::string_view rest = text.substr(at);
+        const ascii::Block block = ascii::TakeBlock(rest);
+        const ascii::Block odd = (block & ascii::HighBits) | Below(block, FirstPlain) |
+                                 Below(block ^ ascii::Repeated('"'), 1) |
+                                 Below(block ^ ascii::Repeated('\\'), 1);
+        // Behind the text's end stand zeros.
+        if (odd != 0)
+            return std::min(text.size(), at + static_cast<std::size_t>(std::countr_zero(odd)) / 8);
     }
-    while (at < text.size() && IsPlain(text[at]))
-        ++at;
-    return at;
+    return text.size();
 }
 
 /// "" outside the years that have a text.
@@ -83,8 +80,7 @@ void JsonText::Put(double value) {
         return Close();
     }
     std::array<char, 32> digits{};
-    const char* const end =
-        std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
+    const char* const end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
     PutDigits(digits, end);
     if (std::string_view(digits.data(), end).find_first_of(".e") == std::string_view::npos)
         text_ += ".0";

@@ -21,8 +21,8 @@ void RemoveUnfinishedReports(const std::filesystem::path& host);
 std::vector<ReportFacts::LeftOutMusic> LeftOutForReport(const LeftOut& leftOut);
 
 /// Writes HOST/Reports/<stamp>.html and last.html of a run that has changed something or logged an
-/// error; nothing for any other. `folder` is the host folder, `contentOf` is asked once. A report that cannot be written is a
-/// line in the log and nothing worse: the run was as it was.
+/// error; nothing for any other. `folder` is the host folder, `contentOf` is asked once. A report
+/// that cannot be written is a line in the log and nothing worse: the run was as it was.
 void WriteReport(Host& host, const std::filesystem::path& folder,
                  const std::function<ReportContent()>& contentOf, const ReportFacts& facts);
 

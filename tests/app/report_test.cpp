@@ -295,8 +295,9 @@ class ReportFile : public Report {
     using Run = quillon::Run;  // not the one of ::testing::Test
 
     std::string Written(const std::string& name) const { return folder.Content("Reports/" + name); }
-    void WriteIt() { WriteReport(
-        world.host, folder.Path(), [this] { return Content(); }, facts); }
+    void WriteIt() {
+        WriteReport(world.host, folder.Path(), [this] { return Content(); }, facts);
+    }
 
     outside::TemporaryFolder folder;
     fakes::FakeWorld world;

@@ -23,8 +23,8 @@ Bytes EncodeText(std::u16string_view text, bool mayCompress, bool isMemo);
 void AppendText(Bytes& bytes, std::string_view utf8, bool mayCompress, bool isMemo);
 /// Whether all bytes are those of ASCII characters other than zero, as in nearly all texts.
 bool IsPlainAscii(std::string_view text);
-/// Whether it is UTF-8 of characters that are one UTF-16 unit each and neither zero nor a surrogate:
-/// such a text comes back from the storage as it is. Some other texts do, too.
+/// Whether it is UTF-8 of characters that are one UTF-16 unit each and neither zero nor a
+/// surrogate: such a text comes back from the storage as it is. Some other texts do, too.
 bool IsUsualText(std::string_view text);
 /// Which form it is.
 bool IsCompressedText(std::span<const std::uint8_t> bytes);
