@@ -43,8 +43,11 @@ class Planner {
     Planner(Run& run, Steps& steps, AlbumPlan& plan) : run_(run), steps_(steps), plan_(plan) {}
 
     void Plan() {
-        for (const FileEntry& file : List())
-            Add(file);
+        std::vector<FileEntry> files = List();
+        plan_.files.reserve(files.size());
+        wishes_.reserve(files.size());
+        for (FileEntry& file : files)
+            Add(std::move(file));
         // In most albums all names are right.
         if (std::all_of(plan_.files.begin(), plan_.files.end(),
                         [this](const PlannedFile& file) { return IsContent(file); }))
@@ -87,16 +90,16 @@ class Planner {
         return std::move(found.entries);
     }
 
-    void Add(const FileEntry& file) {
+    void Add(FileEntry file) {
         PlannedFile& planned = plan_.files.emplace_back();
-        planned.name = file.name;
-        planned.path = file.path;
         planned.plainName = PlainName(file.name);
         planned.title = SongTitle(planned.plainName, plan_.artist);
         steps_.Concerning(file.path);
-        wishes_.push_back(ReadTag(planned, file)
-                              ? Wish(planned)
-                              : Wanted{.standing = Standing::Unknown, .name = file.name});
+        const bool isKnown = ReadTag(planned, file);
+        planned.name = std::move(file.name);
+        planned.path = std::move(file.path);
+        wishes_.push_back(isKnown ? Wish(planned)
+                                  : Wanted{.standing = Standing::Unknown, .name = planned.name});
     }
 
     /// Whether its name stays, whatever others there are.

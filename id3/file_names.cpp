@@ -1,38 +1,45 @@
 #include "id3/file_names.h"
 
 #include <algorithm>
+#include <bit>
 
+#include "platform/ascii.h"
 #include "platform/basic_text.h"
 #include "platform/utf8.h"
 
 namespace quillon {
 namespace {
 
-/// In which letters of ASCII differ from those of the other case.
-constexpr unsigned CaseBit = 0x20;
+/// Where from a place on the character may begin, in either case, by which a part begins; the
+/// text's size where it does not.
+std::size_t NextBeginning(std::string_view text, std::size_t at, char first) {
+    // Only letters of ASCII are letters of ASCII in the other case.
+    if (!ascii::IsAscii(first)) return at;
+    constexpr unsigned char CaseBit = 0x20;
+    const ascii::Block wanted = ascii::Repeated(static_cast<unsigned char>(first) | CaseBit);
+    while (at < text.size()) {
+        std::string_view rest = text.substr(at);
+        const ascii::Block block = ascii::TakeBlock(rest);
+        const ascii::Block differing = (block | ascii::Repeated(CaseBit)) ^ wanted;
+        const ascii::Block found = (differing - ascii::Repeated(1)) & ~differing & ascii::HighBits;
+        if (found != 0)
+            return std::min(at + static_cast<std::size_t>(std::countr_zero(found)) / 8,
+                            text.size());
+        at += ascii::BlockSize;
+    }
+    return text.size();
+}
 
-/// The text without every occurrence of the part, which is not empty, letter case aside.
-std::string Without(std::string_view text, std::string_view part) {
-    std::string rest;
-    std::size_t kept = 0;
-    const auto first = static_cast<unsigned char>(part.front());
-    for (std::size_t at = 0; at < text.size();) {
-        // Comparing one letter rules out most places.
-        const auto here = static_cast<unsigned char>(text[at]);
-        if (here < 0x80 && first < 0x80 && (here | CaseBit) != (first | CaseBit)) {
-            ++at;
-            continue;
-        }
-        if (const auto found = BeginningIn(text.substr(at), part)) {
-            rest += text.substr(kept, at - kept);
-            at += *found;
-            kept = at;
+/// Takes every occurrence of the part, which is not empty, out of the text, letter case aside.
+void TakeOut(std::string& text, std::string_view part) {
+    for (std::size_t at = NextBeginning(text, 0, part.front()); at < text.size();
+         at = NextBeginning(text, at, part.front())) {
+        if (const auto found = BeginningIn(std::string_view(text).substr(at), part)) {
+            text.erase(at, *found);
         } else {
             at += DecodeUtf8(text, at).length;
         }
     }
-    rest += text.substr(kept);
-    return rest;
 }
 
 constexpr std::string_view Renaming = ".quillon-renaming", Vanished = ".quillon-vanished";
@@ -47,11 +54,16 @@ std::string Marked(std::string_view path, std::string_view mark) {
 }  // namespace
 
 std::string SongTitle(std::string_view fileName, std::string_view artist) {
-    return Without(Without(fileName, ".mp3"), std::string(artist).append(" - "));
+    std::string title(fileName);
+    TakeOut(title, ".mp3");
+    TakeOut(title, std::string(artist).append(" - "));
+    return title;
 }
 
 std::string RoundBrackets(std::string_view text) {
     std::string round(text);
+    if (text.find('[') == std::string_view::npos && text.find(']') == std::string_view::npos)
+        return round;
     std::replace(round.begin(), round.end(), '[', '(');
     std::replace(round.begin(), round.end(), ']', ')');
     return round;

@@ -43,7 +43,11 @@ class Hasher {
         hash_ ^= hash_ >> 29U;
     }
 
-    std::uint32_t Result() const { return static_cast<std::uint32_t>(hash_ ^ hash_ >> 32U); }
+    /// Texts that differ in their last characters alone, as albums' identifiers do, differ in the
+    /// highest bits so far; an index looks at the lowest ones.
+    std::uint32_t Result() const {
+        return static_cast<std::uint32_t>((hash_ ^ hash_ >> 32U) * Odd >> 32U);
+    }
 
   private:
     static constexpr Block Odd = 0x9E3779B97F4A7C15U;

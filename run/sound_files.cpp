@@ -30,7 +30,9 @@ bool IsOtherAudio(std::string_view name) {
 }
 
 bool IsCompanion(std::string_view name) {
-    return NameOf(name).starts_with("._");
+    constexpr std::string_view Beginning = "._";
+    // Few names have that anywhere.
+    return name.find(Beginning) != std::string_view::npos && NameOf(name).starts_with(Beginning);
 }
 
 }  // namespace quillon

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "platform/ansi.h"
+#include "platform/ascii.h"
 #include "platform/basic_text.h"
 #include "platform/utf8.h"
 
@@ -20,11 +21,20 @@ bool HoldsTrack(std::span<const std::uint8_t> tag) {
     return tag[ZeroByteAt] == 0 && tag[TrackAt] > 0;
 }
 
+bool AreZero(std::string_view bytes) {
+    while (!bytes.empty()) {
+        if (ascii::TakeBlock(bytes) != 0) return false;
+    }
+    return true;
+}
+
 std::string WithoutZeroBytes(std::span<const std::uint8_t> bytes) {
     const std::string_view all(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-    std::string text;
-    std::size_t end = 0;
-    for (std::size_t at = 0; at != std::string_view::npos; at = all.find_first_not_of('\0', end)) {
+    std::size_t end = std::min(all.find('\0'), all.size());
+    std::string text(all.substr(0, end));
+    // Nearly always nothing comes behind the zero bytes that fill a field.
+    while (!AreZero(all.substr(end))) {
+        const std::size_t at = all.find_first_not_of('\0', end);
         end = std::min(all.find('\0', at), all.size());
         text += all.substr(at, end - at);
     }
@@ -49,7 +59,7 @@ bool BeginsCharacter(std::string_view bytes) {
 /// How much of the bytes is text in UTF-8; nothing when they are something else, or ASCII.
 std::optional<std::size_t> Utf8Size(std::string_view bytes, bool isFull) {
     bool beyondAscii = false;
-    std::size_t position = 0;
+    std::size_t position = ascii::PrefixLength(bytes);
     while (position < bytes.size()) {
         const Utf8Character character = DecodeUtf8(bytes, position);
         if (!character.wellFormed) {

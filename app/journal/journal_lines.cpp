@@ -31,6 +31,23 @@ Kind KindNamed(const Json& name, const std::array<std::string_view, Count>& name
     return static_cast<Kind>(found - names.begin());
 }
 
+const Value& ValueIn(const FieldChange& field, RowChange::Kind kind) {
+    return kind == RowChange::Kind::Added ? field.after : field.before;
+}
+
+/// Whether a row comes or goes whose fields are those of its key, as it has no other name.
+bool IsKeyAlone(const RowChange& row) {
+    if (row.kind == RowChange::Kind::Changed) return false;
+    auto field = row.fields.begin();
+    for (const auto& [name, value] : row.key) {
+        if (IsNull(value)) continue;
+        if (field == row.fields.end() || field->field != name || ValueIn(*field, row.kind) != value)
+            return false;
+        ++field;
+    }
+    return field == row.fields.end();
+}
+
 /// Writes the line of a record.
 class LineWriter {
   public:
@@ -65,11 +82,13 @@ class LineWriter {
         for (const auto& [field, value] : row.key)
             json_.Member(field, value);
         json_.Close();
-        json_.Name("fields");
-        json_.Open();
-        for (const FieldChange& field : row.fields)
-            Put(field, row.kind);
-        json_.Close();
+        if (!IsKeyAlone(row)) {
+            json_.Name("fields");
+            json_.Open();
+            for (const FieldChange& field : row.fields)
+                Put(field, row.kind);
+            json_.Close();
+        }
         json_.Close();
     }
     void operator()(RowsSaved) {
@@ -139,7 +158,7 @@ class LineWriter {
             json_.Member("after", field.after);
             return json_.Close();
         }
-        const Value& value = kind == RowChange::Kind::Added ? field.after : field.before;
+        const Value& value = ValueIn(field, kind);
         if (!IsNull(value)) json_.Member(field.field, value);
     }
 
@@ -207,15 +226,28 @@ const Json& ObjectAt(const Json& json, const char* name) {
     return object;
 }
 
+void TakeFieldsFromKey(RowChange& row) {
+    for (const auto& [name, value] : row.key) {
+        if (IsNull(value)) continue;
+        FieldChange& field = row.fields.emplace_back(FieldChange{name, {}, {}});
+        (row.kind == RowChange::Kind::Added ? field.after : field.before) = value;
+    }
+}
+
 RowChange RowChangeOf(const Json& json) {
     RowChange row;
     row.kind = KindNamed<RowChange::Kind>(json.at("change"), RowKinds);
     row.table = TextAt(json, "table");
+    const bool isChanged = row.kind == RowChange::Kind::Changed;
     for (const auto& [field, value] : ObjectAt(json, "key").items())
         row.key.emplace_back(field, ValueOf(value));
+    if (!isChanged && !json.contains("fields")) {
+        TakeFieldsFromKey(row);
+        return row;
+    }
     for (const auto& [field, value] : ObjectAt(json, "fields").items()) {
         FieldChange change{.field = field, .before = Null(), .after = Null()};
-        if (row.kind == RowChange::Kind::Changed) {
+        if (isChanged) {
             change.before = ValueOf(value.at("before"));
             change.after = ValueOf(value.at("after"));
         } else {

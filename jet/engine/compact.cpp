@@ -87,6 +87,7 @@ Compacted CompactDatabase(const fs::path& database) {
     const fs::path real = files->Resolve(database);
     const auto inspect = [&](storage::PageStore& pages) {
         RequireWhole(verify::CheckPages(pages), real);
+        return true;
     };
     auto file =
         storage::DatabaseFile::Open(real, OpenMode::ReadWrite, {.needs = {}, .inspect = inspect});

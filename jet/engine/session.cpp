@@ -51,7 +51,7 @@ Session::Session(const std::filesystem::path& path, OpenMode mode, const NeededT
           {.needs = [needed](std::string_view table) { return needed.Include(table); },
            .inspect =
                [&](storage::PageStore& pages) {
-                   if (mode != OpenMode::ReadOnly) Inspect(pages, path.string(), needed);
+                   return mode != OpenMode::ReadOnly && Inspect(pages, path.string(), needed);
                }})) {
     for (const storage::UnreadableTable& table : file_->Unreadable())
         LeaveOut(table.name, table.reason);
@@ -82,7 +82,7 @@ void Session::SetInterruption(std::function<bool()> wanted) {
     copy_->sqlite.SetInterruption(std::move(wanted));
 }
 
-void Session::Inspect(storage::PageStore& pages, const std::string& file,
+bool Session::Inspect(storage::PageStore& pages, const std::string& file,
                       const NeededTables& needed) {
     const CheckReport report = verify::CheckPages(pages);
     std::size_t serious = 0;
@@ -94,7 +94,7 @@ void Session::Inspect(storage::PageStore& pages, const std::string& file,
             LeaveOut(fault.table, fault.text);
         }
     }
-    if (serious == 0) return;
+    if (serious == 0) return report.faults.empty();
     const std::string others = serious == 1 ? ""
                                : serious == 2
                                    ? ", and another fault"

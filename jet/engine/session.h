@@ -131,7 +131,7 @@ class Session {
     void DrainAll();
     void RequireCurrent(const Plan& plan) const;
     void LookAfterIndexes(Plan& plan);
-    void Inspect(storage::PageStore& pages, const std::string& file, const NeededTables& needed);
+    bool Inspect(storage::PageStore& pages, const std::string& file, const NeededTables& needed);
     void LeaveOut(const std::string& table, const std::string& reason);
     void RequireSound(std::string_view table) const;
 

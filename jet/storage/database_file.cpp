@@ -58,7 +58,8 @@ class DatabaseFile::Implementation {
         needs_ = conditions.needs;
         pages_ = openPages_();
         NamingFile(real.string(), [&] { LoadTables(); });
-        if (conditions.inspect) conditions.inspect(*pages_);
+        if (conditions.inspect && !pages_->IsKnownWhole() && conditions.inspect(*pages_))
+            pages_->RemarkThatWhole();
         pages_->Recover();
     }
 

@@ -23,8 +23,9 @@ struct OpenConditions {
     /// Whether a table's definition must be readable. Other tables whose definition is not are left
     /// out, see Unreadable(). Without this all must be.
     std::function<bool(std::string_view table)> needs;
-    /// Looks the pages over. What it throws ends the opening, before anything was written.
-    std::function<void(PageStore&)> inspect;
+    /// Looks the pages over, where that has not been done with the same content before; whether
+    /// they are whole. What it throws ends the opening, before anything was written.
+    std::function<bool(PageStore&)> inspect;
 };
 
 /// A table that had to be left out.

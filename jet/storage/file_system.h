@@ -64,6 +64,11 @@ class File {
     virtual bool SetNote(const std::string& text) = 0;
     /// Whether the file system keeps notes.
     virtual bool KeepsNotes() = 0;
+
+    /// Another text that is kept so, for what costs no more than time where it is lost: nothing
+    /// fails, and it need not be durable.
+    virtual std::optional<std::string> Remark() { return std::nullopt; }
+    virtual void SetRemark(const std::string& /*text*/) {}
 };
 
 enum class FileAccess {

@@ -17,6 +17,7 @@ namespace {
 
 /// The extended attribute that holds a file's note.
 constexpr const char* NoteAttribute = "user.quillon.journal";
+constexpr const char* RemarkAttribute = "user.quillon.whole";
 
 class PosixFile final : public File {
   public:
@@ -90,6 +91,21 @@ class PosixFile final : public File {
         const auto size = fgetxattr(descriptor_.Number(), NoteAttribute, nullptr, 0);
         if (size < 0 && errno != ENODATA && errno != EOPNOTSUPP) Fail("read");
         return size >= 0 || errno == ENODATA;
+    }
+
+    std::optional<std::string> Remark() override {
+        constexpr std::size_t LongestRemark = 256;
+        std::string text(LongestRemark, '\0');
+        const auto size =
+            fgetxattr(descriptor_.Number(), RemarkAttribute, text.data(), text.size());
+        if (size < 0) return std::nullopt;
+        text.resize(static_cast<std::size_t>(size));
+        return text;
+    }
+
+    void SetRemark(const std::string& text) override {
+        static_cast<void>(
+            fsetxattr(descriptor_.Number(), RemarkAttribute, text.data(), text.size(), 0));
     }
 
   private:

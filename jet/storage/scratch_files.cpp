@@ -59,6 +59,7 @@ class ScratchContent {
     }
     void SetNote(const std::string& text) { note_ = text; }
     bool KeepsNotes() { return !ground_ || ground_->KeepsNotes(); }
+    std::optional<std::string> Remark() { return ground_ ? ground_->Remark() : std::nullopt; }
 
   private:
     using Block = std::array<std::uint8_t, PageSize>;
@@ -126,6 +127,7 @@ class ScratchFile final : public File {
         return true;
     }
     bool KeepsNotes() override { return content_->KeepsNotes(); }
+    std::optional<std::string> Remark() override { return content_->Remark(); }
 
   private:
     std::shared_ptr<ScratchContent> content_;

@@ -58,34 +58,64 @@ bool IsNoEntry(std::string_view name) {
     return name == "." || name == ".." || IsTemporaryName(name);
 }
 
-template <typename Entry>
-void SortByName(std::vector<Entry>& entries) {
-    std::sort(entries.begin(), entries.end(), [](const Entry& left, const Entry& right) {
-        return WindowsNameLess(left.name, right.name);
-    });
-}
+/// An entry as the system lists it.
+struct ListedName {
+    std::size_t at = 0, size = 0;  ///< place in the names
+    unsigned char kind = DT_UNKNOWN;
+};
+
+/// What a folder holds, in name order: to sort it before it is looked at moves nothing but places.
+class ListedNames {
+  public:
+    /// Failure: the folder cannot be read to its end.
+    ListedNames(DIR* folder, const WindowsPath& shown) {
+        while (true) {
+            errno = 0;
+            const dirent* const entry = readdir(folder);
+            if (entry == nullptr) break;
+            const std::string_view name = entry->d_name;
+            if (IsTemporaryName(name)) holdsUnfinished_ = true;
+            if (IsNoEntry(name)) continue;
+            entries_.push_back({.at = names_.size(), .size = name.size(), .kind = entry->d_type});
+            names_.append(name) += '\0';
+        }
+        if (errno != 0) throw SystemFailure(errno, shown.Text());
+        std::ranges::sort(entries_, [this](const ListedName& left, const ListedName& right) {
+            return WindowsNameLess(NameOf(left), NameOf(right));
+        });
+    }
+
+    const std::vector<ListedName>& Entries() const { return entries_; }
+    /// A zero byte stands behind it.
+    std::string_view NameOf(const ListedName& entry) const {
+        return std::string_view(names_).substr(entry.at, entry.size);
+    }
+    /// Whether it holds files that a program is writing, or has left unfinished.
+    bool HoldsUnfinished() const { return holdsUnfinished_; }
+
+  private:
+    std::string names_;
+    std::vector<ListedName> entries_;
+    bool holdsUnfinished_ = false;
+};
 
 }  // namespace
 
-/// Calls visit(name, facts) for every entry of the wanted kind that Windows could show, and lists
-/// what could not be looked at and what is of the other kind.
+/// Calls visit(name, facts) for every entry of the wanted kind that Windows could show, in name
+/// order, and lists what could not be looked at and what is of the other kind.
 template <typename Entry, typename Visit>
-void FolderLister::ForEach(const WindowsPath& shown, const std::string& local, Wanted wanted,
-                           Listing<Entry>& list, Visit visit) {
-    const FolderStream stream = OpenFolder(local);
+FolderStream FolderLister::ForEach(const WindowsPath& shown, const std::string& local,
+                                   Wanted wanted, Listing<Entry>& list, Visit visit) {
+    FolderStream stream = OpenFolder(local);
     const int folder = stream ? dirfd(stream.get()) : -1;
     if (folder < 0) throw SystemFailure(errno, shown.Text());
     const unsigned wantedMode = wanted == Wanted::Folders ? S_IFDIR : S_IFREG;
     const unsigned char unwanted = wanted == Wanted::Folders ? DT_REG : DT_DIR;
-    bool holdsUnfinished = false;
-    while (true) {
-        errno = 0;
-        const dirent* const entry = readdir(stream.get());
-        if (entry == nullptr) break;
-        const std::string_view name = entry->d_name;
-        if (IsTemporaryName(name)) holdsUnfinished = true;
-        if (IsNoEntry(name)) continue;
-        if (entry->d_type == unwanted) {
+    const ListedNames names(stream.get(), shown);
+    list.entries.reserve(names.Entries().size());
+    for (const ListedName& entry : names.Entries()) {
+        const std::string_view name = names.NameOf(entry);
+        if (entry.kind == unwanted) {
             if (IsWindowsName(name)) list.others.emplace_back(name);
             continue;
         }
@@ -96,12 +126,12 @@ void FolderLister::ForEach(const WindowsPath& shown, const std::string& local, W
             continue;
         }
         struct stat facts{};
-        if (fstatat(folder, entry->d_name, &facts, 0) != 0) {
+        if (fstatat(folder, name.data(), &facts, 0) != 0) {
             // Even "no such file" is no proof: it is what a link says whose disk is away, and what
             // some network drives say for a moment. It was listed just now.
             const int error = errno;
             list.unseen.push_back(shown.Child(name));
-            const bool isThere = fstatat(folder, entry->d_name, &facts, AT_SYMLINK_NOFOLLOW) == 0;
+            const bool isThere = fstatat(folder, name.data(), &facts, AT_SYMLINK_NOFOLLOW) == 0;
             // Not even the entry itself can be looked at: then the whole folder is out of reach.
             if (!isThere && errno != ENOENT) throw SystemFailure(errno, list.unseen.back());
             NoteUnseen(error, list.unseen.back());
@@ -109,12 +139,12 @@ void FolderLister::ForEach(const WindowsPath& shown, const std::string& local, W
             visit(name, facts);
         } else if (!S_ISREG(facts.st_mode) && !S_ISDIR(facts.st_mode)) {
             LeaveOut("neither file nor folder", shown, name);
-        } else if (S_ISREG(facts.st_mode) || entry->d_type != DT_LNK) {
+        } else if (S_ISREG(facts.st_mode) || entry.kind != DT_LNK) {
             list.others.emplace_back(name);
         }
     }
-    if (errno != 0) throw SystemFailure(errno, shown.Text());
-    if (holdsUnfinished && clearsUnfinished_) RemoveAbandoned(local);
+    if (names.HoldsUnfinished() && clearsUnfinished_) RemoveAbandoned(local);
+    return stream;
 }
 
 FolderNames FolderLister::NamesIn(const std::string& local) {
@@ -180,21 +210,30 @@ Listing<FolderEntry> FolderLister::SubFolders(const WindowsPath& shown, const st
                 list.entries.push_back({shown.Child(name), std::string(name)});
             }
         });
-    SortByName(list.entries);
     return list;
 }
 
 Listing<FileEntry> FolderLister::FilesIn(const WindowsPath& shown, const std::string& local) {
     Listing<FileEntry> list;
     const std::string beginning = shown.Child("");
-    ForEach(shown, local, Wanted::Files, list,
-            [&](std::string_view name, const struct stat& facts) {
-                list.entries.push_back(
-                    MakeFileEntry(beginning + std::string(name), std::string(name), facts));
-            });
-    SortByName(list.entries);
+    listed_ = ForEach(
+        shown, local, Wanted::Files, list, [&](std::string_view name, const struct stat& facts) {
+            std::string path;
+            path.reserve(beginning.size() + name.size());
+            path.append(beginning).append(name);
+            list.entries.push_back(MakeFileEntry(std::move(path), std::string(name), facts));
+        });
+    listedShown_ = beginning;
     LeaveOutTwins(shown, list.entries);
     return list;
+}
+
+int FolderLister::OpenListed(std::string_view path, int flags) {
+    errno = ENOENT;
+    if (!listed_ || !path.starts_with(listedShown_)) return -1;
+    openName_ = path.substr(listedShown_.size());
+    if (!IsWindowsName(openName_)) return -1;
+    return openat(dirfd(listed_.get()), openName_.c_str(), flags);
 }
 
 FileEntry FolderLister::MakeFileEntry(std::string path, std::string name,

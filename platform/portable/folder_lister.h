@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "platform/files.h"
+#include "platform/portable/folder_stream.h"
 #include "platform/portable/local_time.h"
 #include "platform/portable/path_resolver.h"
 #include "platform/window.h"
@@ -39,6 +40,14 @@ class FolderLister {
     /// The names in the folder at `local`; none where it cannot be listed.
     static FolderNames NamesIn(const std::string& local);
 
+    /// Opens a file of the folder whose files were listed last, where it has the name by which it
+    /// was listed: the system need not look for the folder again. -1 with errno set where it cannot
+    /// be opened; ENOENT or ENOTDIR where it may still be found in another way.
+    int OpenListed(std::string_view path, int flags);
+
+    /// A folder has got another name, or is gone.
+    void ForgetListed() { listed_.reset(); }
+
     /// A file's entry from its Windows path and what the operating system tells about it.
     FileEntry MakeFileEntry(std::string path, std::string name, const struct stat& facts);
 
@@ -46,8 +55,8 @@ class FolderLister {
     /// Which entries the operating system's own kind rules out without a further look.
     enum class Wanted { Folders, Files };
     template <typename Entry, typename Visit>
-    void ForEach(const WindowsPath& shown, const std::string& local, Wanted wanted,
-                 Listing<Entry>& list, Visit visit);
+    FolderStream ForEach(const WindowsPath& shown, const std::string& local, Wanted wanted,
+                         Listing<Entry>& list, Visit visit);
     void LeaveOut(std::string_view reason, const WindowsPath& folder, std::string_view name);
     void NoteUnseen(int error, const std::string& path);
     void LeaveOutTwins(const WindowsPath& shown, std::vector<FileEntry>& files);
@@ -56,6 +65,9 @@ class FolderLister {
     bool clearsUnfinished_ = false;
     std::unordered_set<std::string> noted_;
     LocalTime localTime_;
+    FolderStream listed_;      ///< the folder whose files were listed last
+    std::string listedShown_;  ///< its Windows path with a backslash at the end
+    std::string openName_;
 };
 
 }  // namespace quillon

@@ -61,9 +61,19 @@ std::pair<WindowsPath, std::string> FolderAndName(const WindowsPath& path) {
     return {{path.root, path.rest.substr(0, slash)}, path.rest.substr(slash + 1)};
 }
 
+// A pipe must not hold up the run; on a file the flag means nothing.
+constexpr int OpenFlags = O_CLOEXEC | O_NONBLOCK;
+
 int Open(const std::string& local, int access) {
-    // A pipe must not hold up the run; on a file the flag means nothing.
-    return open(local.c_str(), access | O_CLOEXEC | O_NONBLOCK);
+    return open(local.c_str(), access | OpenFlags);
+}
+
+/// What has been opened, with its size.
+std::pair<FileHandle, std::uint64_t> WithSize(int descriptor, std::string_view shown) {
+    FileHandle file(descriptor, shown);
+    const struct stat facts = file.Facts();
+    if (!S_ISREG(facts.st_mode)) throw NoFileFailure(facts.st_mode, file.ShownPath());
+    return {std::move(file), static_cast<std::uint64_t>(facts.st_size)};
 }
 
 /// Opens a file as it is written where it exists so, which is the rule, with no other call. With
@@ -76,10 +86,7 @@ std::pair<FileHandle, std::uint64_t> OpenWithSize(PathResolver& resolver, const 
     }
     const std::string shown = path.Text();
     if (descriptor < 0) throw SystemFailure(errno, shown, FailureNumber::FileNotFound);
-    FileHandle file(descriptor, shown);
-    const struct stat facts = file.Facts();
-    if (!S_ISREG(facts.st_mode)) throw NoFileFailure(facts.st_mode, shown);
-    return {std::move(file), static_cast<std::uint64_t>(facts.st_size)};
+    return WithSize(descriptor, shown);
 }
 
 FileHandle OpenFile(PathResolver& resolver, const WindowsPath& path, int access = O_RDONLY) {
@@ -328,6 +335,7 @@ void PortableFiles::DeleteFolder(std::string_view path) {
     if (!error && FactsOf(local)) error = std::make_error_code(std::errc::directory_not_empty);
     if (error) throw SystemFailure(error.value(), parsed.Text());
     resolver_.Index().Removed(local);
+    lister_.ForgetListed();
 }
 
 void PortableFiles::Discard(std::string_view path) {
@@ -384,6 +392,7 @@ void PortableFiles::MoveFolder(std::string_view from, std::string_view to) {
     const int error = RenameToFreeName(oldPath, newPath);
     if (error != 0) throw SystemFailure(error, target.Text());
     resolver_.Index().Removed(oldPath);
+    lister_.ForgetListed();
     resolver_.Index().Added(newPath);
 }
 
@@ -413,7 +422,11 @@ std::unique_ptr<TextBatch> PortableFiles::CreateTexts(TextBatch::Done done) {
 }
 
 std::unique_ptr<BinaryReader> PortableFiles::OpenBinary(std::string_view path) {
-    auto [file, size] = OpenWithSize(resolver_, ParseWindowsPath(path));
+    const int listed = lister_.OpenListed(path, O_RDONLY | OpenFlags);
+    if (listed < 0 && errno != ENOENT && errno != ENOTDIR)
+        throw SystemFailure(errno, std::string(path), FailureNumber::FileNotFound);
+    auto [file, size] =
+        listed >= 0 ? WithSize(listed, path) : OpenWithSize(resolver_, ParseWindowsPath(path));
     return std::make_unique<PositionedReader>(std::move(file), size);
 }
 

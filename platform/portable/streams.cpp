@@ -9,6 +9,8 @@ namespace quillon {
 namespace {
 
 constexpr std::size_t BufferSize = 65536;
+/// Pieces of this size and above are not read ahead.
+constexpr std::uint64_t SmallPiece = 512;
 
 }  // namespace
 
@@ -59,6 +61,12 @@ std::vector<std::uint8_t> PositionedReader::Read(std::size_t count) {
     const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(count, size_ - position_));
     const bool isAhead =
         position_ >= aheadFrom_ && position_ + wanted <= aheadFrom_ + ahead_.size();
+    if (!isAhead && wanted >= SmallPiece) {
+        std::vector<std::uint8_t> piece(wanted);
+        piece.resize(file_.ReadAt(position_, piece));
+        position_ += piece.size();
+        return piece;
+    }
     if (!isAhead) ReadAhead(wanted);
     const auto begin = ahead_.begin() + static_cast<std::ptrdiff_t>(position_ - aheadFrom_);
     const auto there = std::min(wanted, static_cast<std::size_t>(ahead_.end() - begin));
@@ -67,7 +75,6 @@ std::vector<std::uint8_t> PositionedReader::Read(std::size_t count) {
 }
 
 void PositionedReader::ReadAhead(std::size_t count) {
-    constexpr std::uint64_t SmallPiece = 512;
     ahead_.resize(static_cast<std::size_t>(
         std::max<std::uint64_t>(count, std::min(SmallPiece, size_ - position_))));
     aheadFrom_ = position_;

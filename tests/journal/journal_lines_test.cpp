@@ -98,6 +98,32 @@ TEST(JournalLines, ALineSaysWhatHappenedInWords) {
               R"("target":"D:\\b.mp3"})");
 }
 
+TEST(JournalLines, ARowThatIsKnownByAllItsFieldsHasThemOnce) {
+    const RowChange row{
+        RowChange::Kind::Removed,
+        "Differences",
+        {{"Field", std::string("Genre")}, {"Value", Null()}, {"Number", std::int64_t{5}}},
+        {{"Field", std::string("Genre"), Null()}, {"Number", std::int64_t{5}, Null()}}};
+    const std::string line = ToLine(row);
+    EXPECT_EQ(line, R"({"record":"row","change":"removed","table":"Differences",)"
+                    R"("key":{"Field":"Genre","Value":null,"Number":5}})");
+    EXPECT_EQ(FromLine(line), ChangeRecord(row));
+}
+
+TEST(JournalLines, ARowWithMoreThanItsKeyHasAllFields) {
+    for (const RowChange& row :
+         {RowChange{RowChange::Kind::Added,
+                    "T",
+                    {{"A", std::int64_t{1}}},
+                    {{"A", Null(), std::int64_t{1}}, {"B", Null(), true}}},
+          RowChange{RowChange::Kind::Added, "T", {{"A", std::int64_t{1}}}, {}},
+          RowChange{RowChange::Kind::Changed, "T", {}, {}}}) {
+        const std::string line = ToLine(row);
+        EXPECT_NE(line.find("\"fields\""), std::string::npos) << line;
+        EXPECT_EQ(FromLine(line), ChangeRecord(row)) << line;
+    }
+}
+
 TEST(JournalLines, WholeAndFractionalNumbersStayWhatTheyAre) {
     const RowChange row{RowChange::Kind::Added,
                         "T",

@@ -1,6 +1,7 @@
 #include "library/text_rules.h"
 
 #include <gtest/gtest.h>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -55,6 +56,17 @@ TEST_F(TextRulesTest, GiveEveryCharacterTheHashOfItsOtherCase) {
         ASSERT_EQ(rules.Hash(text), rules.Hash(folded)) << text;
         ASSERT_EQ(rules.Hash(text), rules.Hash(UpperCase(text))) << text;
     }
+}
+
+TEST_F(TextRulesTest, TellIdentifiersApartByTheirLastCharacters) {
+    constexpr unsigned Count = 10000, LowBits = 0xFFFF;
+    std::set<std::uint32_t> places;
+    for (unsigned i = 0; i < Count; ++i) {
+        std::string number = std::to_string(Count + i);
+        places.insert(rules.Hash("252E671073E" + number) & LowBits);
+    }
+    // As many as numbers by chance would have.
+    EXPECT_GT(places.size(), 9000U);
 }
 
 TEST_F(TextRulesTest, HashBytesThatAreNoTextToo) {

@@ -20,6 +20,14 @@ TEST_F(DeleteFolderTest, RemovesAFolderWithAllThatIsInIt) {
     EXPECT_FALSE(files_.FileExists("D:\\Pages\\A.ASP"));
 }
 
+TEST_F(DeleteFolderTest, LeavesNothingToOpenOfAFolderListedJustBefore) {
+    folder_.MakeFile("Old/x.mp3", "song");
+    EXPECT_EQ(FileNames("D:\\Old"), Names{"x.mp3"});
+    files_.DeleteFolder("D:\\Old");
+    folder_.MakeFile("Old/x.mp3", "another song");
+    EXPECT_EQ(files_.OpenBinary("D:\\Old\\x.mp3")->Size(), 12U);
+}
+
 TEST_F(DeleteFolderTest, NeedsAFolder) {
     folder_.MakeFile("x");
     for (const char* const path : {"D:\\none", "D:\\x"}) {
@@ -90,6 +98,16 @@ TEST_F(MoveFolderTest, FindsInAFolderOfTheSameNameWhatIsThereNow) {
     EXPECT_FALSE(files_.FileExists("D:\\Pages\\OLD.asp"));
     EXPECT_TRUE(files_.FileExists("D:\\Pages\\NEW.asp"));
     EXPECT_TRUE(files_.FileExists("D:\\Old\\OLD.asp"));
+}
+
+TEST_F(MoveFolderTest, LeavesNothingUnderTheOldPathOfAFolderListedJustBefore) {
+    folder_.MakeFile("Old/x.mp3", "song");
+    EXPECT_EQ(FileNames("D:\\Old"), Names{"x.mp3"});
+    EXPECT_EQ(files_.OpenBinary("D:\\Old\\x.mp3")->Size(), 4U);
+    files_.MoveFolder("D:\\Old", "D:\\New");
+    EXPECT_EQ(FailureOf([&] { files_.OpenBinary("D:\\Old\\x.mp3"); }),
+              "File not found: D:\\Old\\x.mp3");
+    EXPECT_EQ(files_.OpenBinary("D:\\New\\x.mp3")->Size(), 4U);
 }
 
 TEST_F(MoveFolderTest, NeverReplacesAnything) {

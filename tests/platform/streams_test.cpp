@@ -159,6 +159,20 @@ TEST_F(TextWriterTest, NeedsAFolderAndAFileName) {
     EXPECT_EQ(folder_.Count(), 1U);
 }
 
+TEST_F(BinaryReaderTest, OpensFilesOfTheFolderListedLastAsAnyOthers) {
+    folder_.MakeFile("a/Song.mp3", "sound");
+    folder_.MakeFile("a/b?.mp3", "no name for Windows");
+    folder_.MakeFile("a/in/x.mp3", "deeper");
+    EXPECT_EQ(files_.FilesIn("D:\\a").size(), 1U);
+    for (const char* const path : {"D:\\a\\Song.mp3", "D:\\a\\SONG.MP3", "D:/a/Song.mp3"})
+        EXPECT_EQ(files_.OpenBinary(path)->Size(), 5U) << path;
+    EXPECT_EQ(files_.OpenBinary("D:\\a\\in\\x.mp3")->Size(), 6U);
+    EXPECT_EQ(FailureOf([&] { files_.OpenBinary("D:\\a\\b?.mp3"); }),
+              "Bad file name or number: D:\\a\\b?.mp3");
+    EXPECT_EQ(FailureOf([&] { files_.OpenBinary("D:\\a\\none.mp3"); }),
+              "File not found: D:\\a\\none.mp3");
+}
+
 TEST_F(BinaryReaderTest, ReadsFromAnyPosition) {
     folder_.MakeFile("a.bin", std::string("0123456789\0\xFF", 12));
     const std::unique_ptr<BinaryReader> reader = files_.OpenBinary("D:\\A.bin");
