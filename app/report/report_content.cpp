@@ -7,9 +7,12 @@
 #include <unordered_set>
 #include <utility>
 
+#include "app/journal/net_changes.h"
+#include "app/journal/tag_differences.h"
 #include "platform/basic_text.h"
 #include "run/paths.h"
 #include "run/sound_files.h"
+#include "undo/net_rows.h"
 
 namespace quillon {
 namespace {
@@ -35,13 +38,6 @@ std::string FieldText(const RowChange& row, std::string_view field) {
         return IsNull(value) ? "" : TextOf(value);
     }
     return "";
-}
-
-std::string KeyText(const RowChange& row) {
-    std::string text = row.table;
-    for (const auto& [field, value] : row.key)
-        text += '\x1F' + TextOf(value);
-    return text;
 }
 
 /// The artist whose folder, or whose file, this is.
@@ -117,7 +113,7 @@ class Gatherer {
     }
     void operator()(const RowChange& row);
     void operator()(const FileChange& change) {
-        if (IsOfDatedCopy(change) || IsOfOwnNotes(change)) return;
+        if (!IsOfLibrary(change)) return;
         planned_.push_back(change);
         if (planned_.size() > MostPlanned) TellNextFile();
     }
@@ -165,13 +161,15 @@ class Gatherer {
         return name;
     }
 
-    void AddFile(DeedKind kind, const std::string& path, std::string what) {
+    /// As `Add`; nothing of a file that has been told of.
+    DeedList::Deed* AddFile(DeedKind kind, const std::string& path, std::string what) {
         const std::string thing = std::to_string(static_cast<int>(kind)) + path;
-        if (!seenFiles_.insert(ContentHash(thing)).second) return;
+        if (!seenFiles_.insert(ContentHash(thing)).second) return nullptr;
         const bool hasArtist = kind < DeedKind::PlaylistWritten;
-        Add(kind, hasArtist ? ArtistOfFile(path, facts_.flatLayout) : "", std::move(what));
+        return Add(kind, hasArtist ? ArtistOfFile(path, facts_.flatLayout) : "", std::move(what));
     }
     void AddWritten(const FileChange& change, const std::string& path);
+    void AddTag(const FileChange& change);
     void AddDeleted(const FileChange& change);
 
     const ReportFacts& facts_;
@@ -198,6 +196,7 @@ std::optional<DeedKind> KindOf(const RowChange& row) {
 }
 
 void Gatherer::operator()(const RowChange& row) {
+    if (!IsOfLibrary(row)) return;
     const std::optional<DeedKind> kind = KindOf(row);
     if (!kind) {
         const auto index = static_cast<std::size_t>(DeedKind::RowOfOtherTable);
@@ -209,7 +208,8 @@ void Gatherer::operator()(const RowChange& row) {
     }
     // A row is told of once: what is changed in a row that is new anyway says nothing.
     const bool isRemoved = row.kind == RowChange::Kind::Removed;
-    if (!seenRows_.insert(ContentHash(KeyText(row) + (isRemoved ? "-" : ""))).second) return;
+    if (!seenRows_.insert(ContentHash(KeyText(row.table, row.key) + (isRemoved ? "-" : ""))).second)
+        return;
     const RowName name = NameOf(row);
     DeedList::Deed* const deed = Add(*kind, name.artist, name.title);
     if (deed == nullptr || row.kind != RowChange::Kind::Changed) return;
@@ -242,6 +242,17 @@ void Gatherer::AddDeleted(const FileChange& change) {
     }
 }
 
+void Gatherer::AddTag(const FileChange& change) {
+    DeedList::Deed* const deed = AddFile(DeedKind::TagWritten, change.path, change.path);
+    if (deed == nullptr) return;
+    const TagDifferences differences = TagDifferencesOf(change);
+    if (!differences.hadTag) deed->details.emplace_back("It had no tag");
+    for (const TagDifferences::Difference& one : differences.fields) {
+        deed->details.push_back(one.field + ": " + (one.before.empty() ? "nothing" : one.before) +
+                                " → " + (one.after.empty() ? "nothing" : one.after));
+    }
+}
+
 void Gatherer::Tell(const FileChange& change) {
     switch (change.kind) {
         case FileChange::Kind::Written:
@@ -249,7 +260,7 @@ void Gatherer::Tell(const FileChange& change) {
         case FileChange::Kind::Copied:
             return AddWritten(change, change.target);
         case FileChange::Kind::EndWritten:
-            return AddFile(DeedKind::TagWritten, change.path, change.path);
+            return AddTag(change);
         case FileChange::Kind::Moved:
             if (IsSoundFile(change.path))
                 AddFile(DeedKind::FileRenamed, change.path, change.path + " → " + change.target);
