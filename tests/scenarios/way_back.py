@@ -123,18 +123,18 @@ def row_and_file_stay_together(program):
         for title in ("Dawn", "Rain"):
             path = stage.disk / "Music/Alder/First" / f"Alder - {title}.mp3"
             content = sound_files.silence(0.1) + sound_files.tag(
-                song=f"{title} 2", artist="Alder", album="First", track=1 if title == "Dawn" else 2)
+                song=f"Late {title}", artist="Alder", album="First", track=1 if title == "Dawn" else 2)
             sound_files.write(str(path), content, FIRST_DAY)
         clean_run(stage)
         renamed = sorted(os.listdir(stage.disk / "Music/Alder/First"))
-        expect("renamed", ["Alder - Dawn 2.mp3", "Alder - Rain 2.mp3"], renamed)
-        stage.execute("UPDATE Tracks SET Title='Mine' WHERE Title='Dawn 2'")
+        expect("renamed", ["Alder - Late Dawn.mp3", "Alder - Late Rain.mp3"], renamed)
+        stage.execute("UPDATE Tracks SET Title='Mine' WHERE Title='Late Dawn'")
         status, output, _ = undo(stage, "--yes")
         expect("status", 1, status)
-        expect_in("Alder - Dawn 2.mp3: its row in the database was changed since", output)
-        expect("files", ["Alder - Dawn 2.mp3", "Alder - Rain.mp3"],
+        expect_in("Alder - Late Dawn.mp3: its row in the database was changed since", output)
+        expect("files", ["Alder - Late Dawn.mp3", "Alder - Rain.mp3"],
                sorted(os.listdir(stage.disk / "Music/Alder/First")))
-        expect("rows", ["Alder - Dawn 2.mp3", "Alder - Rain.mp3"],
+        expect("rows", ["Alder - Late Dawn.mp3", "Alder - Rain.mp3"],
                sorted(row["SoundFile"].rpartition("\\")[2]
                       for row in stage.query("SELECT SoundFile FROM Tracks")))
 
