@@ -130,6 +130,9 @@ struct RunEnded {
     int status = 0;       ///< the program's exit status
     bool braked = false;  ///< whether the brake on loss held
     std::chrono::milliseconds duration{0};
+    /// Of rows and files of the library, so that nobody has to count them; nothing where it is not
+    /// known.
+    std::optional<std::uint64_t> changes = {};
     bool operator==(const RunEnded&) const = default;
 };
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "changes/file_content.h"
 #include "changes/journalled_texts.h"
 #include "platform/basic_text.h"
 
@@ -45,16 +46,6 @@ std::optional<FileContent> JournalledFiles::LookOf(std::string_view path) {
     return FileContent{.size = entry->size, .modified = entry->modified};
 }
 
-std::optional<std::string> JournalledFiles::BytesOf(std::string_view path, std::uint64_t position,
-                                                    std::uint64_t count) {
-    return IfItCan([&] {
-        const std::unique_ptr<BinaryReader> reader = files_.OpenBinary(path);
-        reader->SetPosition(position);
-        const std::vector<std::uint8_t> bytes = reader->Read(count);
-        return std::string(bytes.begin(), bytes.end());
-    });
-}
-
 std::optional<FileContent> JournalledFiles::ContentOf(std::string_view path) {
     std::optional<FileContent> content = LookOf(path);
     if (!content) return content;
@@ -64,7 +55,7 @@ std::optional<FileContent> JournalledFiles::ContentOf(std::string_view path) {
         content->keptAs = place.shown;
         return content;
     }
-    content->bytes = BytesOf(path, 0, content->size);
+    content->bytes = IfItCan([&] { return BytesOf(files_, path, 0, content->size); });
     if (content->bytes) content->hash = ContentHash(*content->bytes);
     return content;
 }
@@ -207,7 +198,8 @@ void JournalledFiles::WriteEnd(std::string_view path, const FileEnd& seen, std::
             seen.bytes.begin() + static_cast<std::ptrdiff_t>(position - seenFrom),
             seen.bytes.end());
     } else {
-        change.before->bytes = BytesOf(path, position, seen.size - position);
+        change.before->bytes =
+            IfItCan([&] { return BytesOf(files_, path, position, seen.size - position); });
     }
     records_.Do(std::move(change), [&] { files_.WriteEnd(path, seen, position, bytes); });
 }

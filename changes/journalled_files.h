@@ -102,8 +102,6 @@ class JournalledFiles : public Files {
     std::optional<FileContent> LookOf(std::string_view path);
     /// With what brings the content back.
     std::optional<FileContent> ContentOf(std::string_view path);
-    std::optional<std::string> BytesOf(std::string_view path, std::uint64_t position,
-                                       std::uint64_t count);
     Place NewPlace(std::string_view path);
     void MoveAway(std::string_view folder, const std::string& place);
     bool IsMadeByRun(std::string_view folder) const;

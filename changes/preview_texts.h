@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "platform/files.h"
-#include "platform/portable/windows_path.h"
+#include "platform/windows_path.h"
 
 namespace quillon {
 

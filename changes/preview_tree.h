@@ -7,7 +7,7 @@
 
 #include "changes/preview_content.h"
 #include "platform/date_time.h"
-#include "platform/portable/windows_path.h"
+#include "platform/windows_path.h"
 
 namespace quillon {
 

@@ -11,12 +11,12 @@
 #include <utility>
 #include <vector>
 
-#include "driver/backup_list.h"
-#include "driver/backups.h"
+#include "backups/backup_list.h"
+#include "backups/backups.h"
+#include "backups/restore_backup.h"
 #include "driver/library_folders.h"
 #include "driver/misspelt_setting.h"
 #include "driver/phase_captions.h"
-#include "driver/restore_backup.h"
 #include "driver/settings_reader.h"
 #include "driver/unfinished_files.h"
 #include "platform/basic_text.h"

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "driver/kept_backups.h"
+#include "backups/kept_backups.h"
 #include "driver/modes.h"
 #include "driver/procedures.h"
 #include "driver/reconcile_phases.h"

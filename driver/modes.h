@@ -1,25 +1,15 @@
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <span>
 #include <string>
 #include <string_view>
 
+#include "backups/backed_up.h"
 #include "driver/procedures.h"
 #include "run/settings.h"
 
 namespace quillon {
-
-/// A file or folder that a mode makes a dated copy of before it starts.
-struct BackedUp {
-    std::string Settings::* path;
-    bool isFolder = true;
-};
-
-/// All that any mode backs up.
-inline constexpr std::array<BackedUp, 3> EverythingBackedUp{
-    {{&Settings::Nirvis_CDJ_DB, false}, {&Settings::PlayListPath}, {&Settings::PlayListPath2}}};
 
 /// The folders that a run may work in: five that settings name, and two of the host's own.
 enum class RunFolder {

@@ -11,7 +11,7 @@
 #include "platform/failure.h"
 #include "platform/portable/drive_table.h"
 #include "platform/portable/path_resolver.h"
-#include "platform/portable/windows_path.h"
+#include "platform/windows_path.h"
 
 namespace {
 

@@ -4,6 +4,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 #include "changes/change.h"
@@ -17,6 +18,9 @@ namespace quillon {
 struct FileStep {
     std::string name;  ///< `ChangeName`
     FileChange change;
+    /// Whether another step is about one of its names: then a look at the disk does not tell how
+    /// far an undo has come with them, and it has to be known from its journal.
+    bool isLinked = false;
     Outcome outcome = {};
 };
 
@@ -24,9 +28,17 @@ struct FileStep {
 /// did not come off, what has been taken back, and dated copies, which stay.
 std::vector<FileStep> FileStepsFor(std::span<const RecordedRun> runs, const ChangeNames& taken);
 
-/// Takes each back; `beginning` is told of a step before it. The steps' outcomes tell of each.
+struct StepOptions {
+    /// Told of a step before it.
+    std::function<void(const FileStep& step)> beginning = {};
+    /// Whether a row that stays as it is names this path, which is in small letters: what lies
+    /// there stays, too.
+    std::function<bool(const std::string& path)> isHeld = {};
+};
+
+/// Takes each back. The steps' outcomes tell of each.
 void CarryOut(std::span<FileStep> steps, FileUndo& undo, const Attempt& attempt,
-              const std::function<void(const FileStep& step)>& beginning);
+              const StepOptions& options);
 
 /// The paths of music files that stay where the runs have put them, or do not come back.
 class FilesThatStay {

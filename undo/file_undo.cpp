@@ -5,8 +5,8 @@
 #include <span>
 #include <vector>
 
+#include "changes/file_content.h"
 #include "platform/basic_text.h"
-#include "undo/file_content.h"
 
 namespace quillon {
 namespace {

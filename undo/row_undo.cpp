@@ -7,6 +7,8 @@
 #include <unordered_map>
 #include <utility>
 
+#include "platform/basic_text.h"
+
 namespace quillon {
 namespace {
 
@@ -150,7 +152,39 @@ bool NamesFileThatStays(const NetRow& row, const RowUndo::StaysAt& stays) {
            std::ranges::any_of(row.before.fields, names);
 }
 
+/// The fields that have become other ones.
+std::vector<std::string> ChangedFields(const NetRow& row) {
+    std::vector<std::string> names;
+    for (const auto& [name, value] : row.before.fields) {
+        const auto now = row.now.fields.find(name);
+        if (now != row.now.fields.end() && now->second != value) names.push_back(name);
+    }
+    return names;
+}
+
+/// Values for a field that had this one, which no other row has; a field may be too small for the
+/// first of them.
+std::vector<Value> Strangers(const Value& held, std::int64_t number) {
+    constexpr std::int64_t LeastLong = -2'147'483'647, LeastShort = -32'767;
+    if (std::holds_alternative<std::string>(held)) return {'~' + std::to_string(number), Null()};
+    if (std::holds_alternative<std::int64_t>(held))
+        return {LeastLong + number, LeastShort + number, Null()};
+    return {Null()};
+}
+
 }  // namespace
+
+std::unordered_set<std::string> TextsOfRefused(std::span<const Step> steps) {
+    std::unordered_set<std::string> texts;
+    for (const Step& step : steps) {
+        if (step.outcome.state != Outcome::State::Refused) continue;
+        for (const RowState* const state : {&step.row->now, &step.row->before})
+            for (const auto& [name, value] : state->fields)
+                if (const auto* const text = std::get_if<std::string>(&value))
+                    texts.insert(LowerCase(*text));
+    }
+    return texts;
+}
 
 std::string NameOf(const NetRow& row) {
     std::string name = "row of " + row.table;
@@ -194,16 +228,51 @@ void RowUndo::LookAtTable(std::string_view table, const StaysAt& stays) {
 }
 
 void RowUndo::CarryOut(const Attempt& attempt) {
-    // Keys that come back may be those of rows that go. A change that waits for another one's old
-    // key is tried again.
+    // Keys that come back may be those of rows that go.
     for (const Work work : {Work::Delete, Work::Update, Work::Insert}) {
         std::vector<Step*> left;
         for (Step& step : steps_)
             if (step.work == work) left.push_back(&step);
-        for (std::size_t before = left.size() + 1; !left.empty() && left.size() < before;) {
-            before = left.size();
-            std::erase_if(left, [&](Step* step) { return Do(*step, attempt); });
-        }
+        DoAll(left, attempt);
+        if (work != Work::Update || left.empty()) continue;
+        StepAside(left, attempt);
+        DoAll(left, attempt);
+        BringBack(left);
+    }
+}
+
+/// A change that waits for another one's old key is tried again.
+void RowUndo::DoAll(std::vector<Step*>& left, const Attempt& attempt) {
+    for (std::size_t before = left.size() + 1; !left.empty() && left.size() < before;) {
+        before = left.size();
+        std::erase_if(left, [&](Step* step) { return Do(*step, attempt); });
+    }
+}
+
+void RowUndo::StepAside(const std::vector<Step*>& rows, const Attempt& attempt) {
+    std::int64_t number = 0;
+    for (const Step* const step : rows) {
+        ++number;
+        const auto takes = [&](const std::string& field, const Value& value) {
+            const FieldValue stranger{field, value};
+            return attempt([&] {
+                       connection_.Update(step->row->table, step->key, std::span(&stranger, 1));
+                   })
+                .empty();
+        };
+        for (const std::string& field : ChangedFields(*step->row))
+            for (const Value& value : Strangers(step->row->now.fields.at(field), number))
+                if (takes(field, value)) break;
+    }
+}
+
+void RowUndo::BringBack(const std::vector<Step*>& rows) {
+    for (const Step* const step : rows) {
+        std::vector<FieldValue> fields;
+        const std::vector<std::string> names = ChangedFields(*step->row);
+        for (const std::string& name : names)
+            fields.push_back({name, step->row->now.fields.at(name)});
+        connection_.Update(step->row->table, step->key, fields);
     }
 }
 

@@ -42,12 +42,21 @@ class RowUndo {
 
   private:
     void LookAtTable(std::string_view table, const StaysAt& stays);
+    /// Does these until none of those left can be done; leaves them.
+    void DoAll(std::vector<Step*>& left, const Attempt& attempt);
     bool Do(Step& step, const Attempt& attempt);
     void Change(const Step& step);
+    /// Rows that wait for each other's values get such that no row has.
+    void StepAside(const std::vector<Step*>& rows, const Attempt& attempt);
+    void BringBack(const std::vector<Step*>& rows);
 
     Connection& connection_;
     std::vector<Step> steps_;
 };
+
+/// The texts of rows that stay as they are now: what lies at such a path must stay, too. In small
+/// letters.
+std::unordered_set<std::string> TextsOfRefused(std::span<const RowUndo::Step> steps);
 
 /// How a row is named to a person: "Tracks 5".
 std::string NameOf(const NetRow& row);

@@ -12,8 +12,8 @@
 #include "app/table_printer.h"
 #include "app/text/display_text.h"
 #include "app/value_text.h"
-#include "driver/kept_backups.h"
-#include "driver/restore_backup.h"
+#include "backups/kept_backups.h"
+#include "backups/restore_backup.h"
 #include "driver/settings_reader.h"
 #include "platform/basic_text.h"
 

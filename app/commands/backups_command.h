@@ -4,7 +4,7 @@
 
 #include "app/console.h"
 #include "app/requests.h"
-#include "driver/backup_list.h"
+#include "backups/backup_list.h"
 
 namespace quillon {
 

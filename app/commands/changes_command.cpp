@@ -4,15 +4,19 @@
 #include <fmt/format.h>
 #include <ostream>
 #include <set>
+#include <span>
 
 #include "app/journal/change_text.h"
 #include "app/journal/journal_file.h"
 #include "app/journal/journal_lines.h"
 #include "app/journal/journal_reader.h"
+#include "app/journal/net_changes.h"
+#include "app/journal/row_names.h"
 #include "app/local_host.h"
 #include "app/text/display_text.h"
 #include "app/value_text.h"
 #include "changes/preview_files.h"
+#include "driver/settings_reader.h"
 #include "platform/failure.h"
 #include "undo/file_undo.h"
 
@@ -101,8 +105,25 @@ void ShowAsJson(std::ostream& out, const JournalContent& journal,
     }
 }
 
+/// "" where the settings name none that can be found.
+std::filesystem::path DatabaseOf(LocalHost& local) {
+    try {
+        return local.resolver.Local(InspectSettings(local.host).settings.Nirvis_CDJ_DB);
+    } catch (const Failure&) {
+        return "";
+    }
+}
+
+/// With the names that rows have now.
+std::string TextOf(std::span<const ChangeRecord> records, const std::filesystem::path& database) {
+    const NetChanges changes = NetChangesOf(records);
+    const RowNames names(database, changes.rows);
+    return ChangeText(changes,
+                      {.nameOf = [&names](const RowChange& row) { return names.Of(row); }});
+}
+
 void Show(std::ostream& out, const PastRun& run, const JournalContent& journal,
-          const std::set<std::size_t>& planned) {
+          const std::set<std::size_t>& planned, const std::filesystem::path& database) {
     std::vector<ChangeRecord> done, notDone;
     for (std::size_t i = 0; i < journal.records.size(); ++i)
         (planned.contains(i) ? notDone : done).push_back(journal.records[i]);
@@ -110,9 +131,9 @@ void Show(std::ostream& out, const PastRun& run, const JournalContent& journal,
                fmt::format("Run {}, {}: {}", run.started.stamp, run.started.mode, OutcomeText(run)))
         << '\n';
     if (run.IsUndo()) out << OneLine("It takes back " + run.started.undoes) << '\n';
-    const std::string changes = ChangeText(NetChangesOf(done));
+    const std::string changes = TextOf(done, database);
     out << '\n' << (changes.empty() ? "Nothing was changed.\n" : changes);
-    if (!notDone.empty()) out << "\nPlanned, not done:\n\n" << ChangeText(NetChangesOf(notDone));
+    if (!notDone.empty()) out << "\nPlanned, not done:\n\n" << TextOf(notDone, database);
     const std::string log = LogText(journal.records);
     if (!log.empty()) out << '\n' << log;
 }
@@ -155,7 +176,7 @@ int Changes(const ChangesRequest& request, Console console) {
     if (request.json) {
         ShowAsJson(console.out, journal, planned);
     } else {
-        Show(console.out, history.Runs()[run], journal, planned);
+        Show(console.out, history.Runs()[run], journal, planned, DatabaseOf(local));
     }
     TellDamage(console.err, journal, journals[run]);
     const bool isDamaged = std::ranges::any_of(

@@ -14,7 +14,7 @@
 #include "app/local_drives.h"
 #include "app/settings_file.h"
 #include "app/stored_music.h"
-#include "driver/kept_backups.h"
+#include "backups/kept_backups.h"
 #include "jet/database.h"
 #include "jukebox/jukebox_database.h"
 #include "platform/host.h"

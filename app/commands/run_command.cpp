@@ -6,7 +6,10 @@
 #include <string>
 #include <unistd.h>
 
+#include "app/console.h"
+#include "app/journal/journal_file.h"
 #include "app/journal/journal_reader.h"
+#include "app/journal/old_runs.h"
 #include "app/local_host.h"
 #include "app/report/report_file.h"
 #include "app/report/report_gatherer.h"
@@ -119,6 +122,10 @@ int RunLibrary(const RunRequest& request) {
     shown.Summarize(summary);
     recording.End(summary, shown.Elapsed());
     Report(run, local, recording, gatherer, facts);
+    if (ExitStatus(summary) == DoneStatus) {
+        RemoveOldRuns(ChangesFolder(local.host.Folder()), ".jsonl", local.clock.Now());
+        RemoveOldRuns(ReportsFolder(local.host.Folder()), ".html", local.clock.Now());
+    }
     TellErrors(run, recording);
     return ExitStatus(summary);
 }

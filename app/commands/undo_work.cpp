@@ -109,6 +109,7 @@ void UndoSink::Note(const ChangeRecord& record) {
     FileChange named = *change;
     named.takesBack = takesBack_;
     sink_->Note(named);
+    if (isLinked_) sink_->MakeDurable();
 }
 
 UndoWork::UndoWork(LocalHost& local, std::string_view stamp) : local_(local), stamp_(stamp) {
@@ -123,6 +124,7 @@ UndoWork::UndoWork(LocalHost& local, std::string_view stamp) : local_(local), st
     if (stamp_.empty() || stamp_ == "last") stamp_ = history.LastToUndo();
     if (stamp_.empty()) throw CommandError("There is no run that can be taken back");
     ReadJournals(journals, history);
+    LookAtRows();
 }
 
 void UndoWork::ReadJournals(const std::vector<std::filesystem::path>& journals,
@@ -167,14 +169,20 @@ void UndoWork::OpenDatabase() {
     }
 }
 
+/// Nobody changes a row from here on.
+void UndoWork::LookAtRows() {
+    if (rows_.empty()) return;
+    if (!connection_) throw CommandError("Nothing was taken back: the database is not there");
+    const RowUndo undo(*connection_, rows_, [](std::string_view) { return false; });
+    heldPaths_ = TextsOfRefused(undo.Steps());
+}
+
 UndoWork::Result UndoWork::Plan() {
     Result result;
     ChangeCollector collector(result.changes);
     sink_.PassTo(&collector);
     PreviewFiles preview(local_.files, local_.clock);
     PutFilesBack(preview, "undo", FailureIn, result);
-    if (!rows_.empty() && !connection_)
-        throw CommandError("Nothing was taken back: the database is not there");
     if (connection_) {
         const FilesThatStay stay(steps_);
         const RowUndo undo(*connection_, rows_,
@@ -257,15 +265,21 @@ void UndoWork::PutFilesBack(Files& files, const std::string& keeping, const Atte
     FileUndo undo(journalled, local_.host.GetAppPath());
     for (FileStep& step : steps_)
         step.outcome = {};
-    quillon::CarryOut(steps_, undo, attempt, [&](const FileStep& step) {
-        step_ = &step;
-        sink_.Begin(step.name);
-    });
+    quillon::CarryOut(
+        steps_, undo, attempt,
+        {.beginning =
+             [&](const FileStep& step) {
+                 step_ = &step;
+                 sink_.Begin(step);
+             },
+         .isHeld = [&](const std::string& path) { return heldPaths_.contains(path); }});
     step_ = nullptr;
     local_.files.OnDelete({});
     result.refused = damaged_;
+    std::unordered_set<std::string> told;
     for (const FileStep& step : steps_)
-        if (step.outcome.state == Outcome::State::Refused)
+        if (step.outcome.state == Outcome::State::Refused &&
+            told.insert(step.outcome.reason).second)
             result.refused.push_back(step.outcome.reason);
 }
 

@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 #include "app/journal/journal_reader.h"
@@ -17,12 +18,15 @@
 namespace quillon {
 
 /// Passes records on, once there is somewhere to pass them to, and names in those of files the
-/// change that is being taken back.
+/// change that is being taken back. Where a power cut must not take a record, it is made durable.
 class UndoSink : public ChangeSink {
   public:
     /// The sink must outlive this object; null: records are dropped.
     void PassTo(ChangeSink* sink) { sink_ = sink; }
-    void Begin(const std::string& change) { takesBack_ = change; }
+    void Begin(const FileStep& step) {
+        takesBack_ = step.name;
+        isLinked_ = step.isLinked;
+    }
 
     void Note(const ChangeRecord& record) override;
     void MakeDurable() override {
@@ -32,6 +36,7 @@ class UndoSink : public ChangeSink {
   private:
     ChangeSink* sink_ = nullptr;
     std::string takesBack_;
+    bool isLinked_ = false;
 };
 
 /// Takes runs of a host folder back. The library's database is held from the beginning to the end,
@@ -64,6 +69,7 @@ class UndoWork {
   private:
     void ReadJournals(const std::vector<std::filesystem::path>& journals, const History& history);
     void OpenDatabase();
+    void LookAtRows();
     /// `keeping` is the folder below Changes for content that has no room in the journal.
     void PutFilesBack(Files& files, const std::string& keeping, const Attempt& attempt,
                       Result& result);
@@ -75,7 +81,8 @@ class UndoWork {
     std::vector<PastRun> runs_;
     std::vector<FileStep> steps_;
     std::vector<NetRow> rows_;
-    std::vector<std::string> damaged_;  ///< lines of journals, in words
+    std::unordered_set<std::string> heldPaths_;  ///< of rows that were changed since
+    std::vector<std::string> damaged_;           ///< lines of journals, in words
     UndoSink sink_;
     RowRecorder recorder_{sink_};
     std::unique_ptr<Connection> connection_;

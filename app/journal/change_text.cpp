@@ -4,15 +4,16 @@
 #include <array>
 #include <cstdint>
 #include <fmt/format.h>
+#include <initializer_list>
 #include <map>
 #include <optional>
 #include <utility>
 #include <vector>
 
+#include "app/journal/tag_differences.h"
 #include "app/text/display_text.h"
 #include "platform/basic_text.h"
 #include "run/sound_files.h"
-#include "tags/tag.h"
 
 namespace quillon {
 namespace {
@@ -27,7 +28,18 @@ struct Group {
     std::string lines;
 };
 
-/// Groups in the order of their first change.
+/// Where a heading stands: what matters most comes first.
+std::size_t PlaceOf(std::string_view heading) {
+    constexpr std::array<std::string_view, 9> Order{"Albums",    "Tracks",    "Music files",
+                                                    "Tags",      "Playlists", "Images",
+                                                    "Pages of ", "Songs of ", "Artists of "};
+    const auto* const found = std::ranges::find_if(
+        Order, [heading](std::string_view start) { return heading.starts_with(start); });
+    const bool isLast = heading.find("ated copies") != std::string_view::npos;
+    return isLast ? Order.size() + 1 : static_cast<std::size_t>(found - Order.begin());
+}
+
+/// Groups by what they are about, else in the order of their first change.
 class Groups {
   public:
     explicit Groups(std::size_t most) : most_(most) {}
@@ -42,8 +54,14 @@ class Groups {
     }
 
     std::string Text() const {
+        std::vector<const Group*> order;
+        for (const Group& group : groups_)
+            order.push_back(&group);
+        std::ranges::stable_sort(order, {},
+                                 [](const Group* group) { return PlaceOf(group->heading); });
         std::string text;
-        for (const Group& group : groups_) {
+        for (const Group* const one : order) {
+            const Group& group = *one;
             if (!text.empty()) text += '\n';
             text += fmt::format("{}: {}\n{}", OneLine(group.heading), group.count, group.lines);
             if (group.count > most_)
@@ -58,6 +76,13 @@ class Groups {
     std::map<std::string, std::size_t> places_;
 };
 
+/// Of an address on the net the end says most.
+std::string Shortened(const std::string& text) {
+    const std::size_t scheme = text.find("://"), last = text.rfind('/');
+    const bool isLong = scheme != std::string::npos && last > scheme + 2;
+    return isLong ? text.substr(0, scheme + 3) + "..." + text.substr(last) : text;
+}
+
 struct Shown {
     std::string operator()(Null) const { return "nothing"; }
     std::string operator()(bool value) const { return value ? "yes" : "no"; }
@@ -67,7 +92,7 @@ struct Shown {
         const bool isDate = value.days > -600'000 && value.days < 2'900'000;
         return isDate ? SortableDateTimeText(value) : fmt::format("{}", value.days);
     }
-    std::string operator()(const std::string& value) const { return '"' + value + '"'; }
+    std::string operator()(const std::string& value) const { return '"' + Shortened(value) + '"'; }
 };
 
 std::string ShownValue(const Value& value) {
@@ -85,12 +110,22 @@ std::string TextOf(const RowChange& change, std::string_view field) {
     return "";
 }
 
+/// The parts that are known, in one text.
+std::string Joined(const RowChange& change, std::initializer_list<std::string_view> fields) {
+    std::string text;
+    for (const std::string_view field : fields) {
+        const std::string part = TextOf(change, field);
+        text += (text.empty() || part.empty() ? "" : " - ") + part;
+    }
+    return text;
+}
+
 /// What names a row that comes or goes.
 std::string OwnName(const RowChange& change) {
-    if (change.table == "Albums") {
-        const std::string artist = TextOf(change, "Artist");
-        return artist + (artist.empty() ? "" : " - ") + TextOf(change, "Title");
-    }
+    if (change.table == "Albums") return Joined(change, {"Artist", "Title"});
+    if (change.table == "Spinner") return Joined(change, {"Artist", "Album", "Song"});
+    if (change.table == "SpinnerID3Differences")
+        return Joined(change, {"Artist", "Album", "Field"});
     if (change.table == "Playlists") return TextOf(change, "FilePath") + TextOf(change, "Filename");
     for (const char* const field : {"SoundFile", "FileName", "Path", "Song", "Artist", "Title"})
         if (const std::string text = TextOf(change, field); !text.empty()) return text;
@@ -106,10 +141,34 @@ std::string NameOf(const RowChange& change, const ChangeTextOptions& options) {
     return name;
 }
 
+/// The rows of a table, as people call them.
 std::string ThingsOf(const RowChange& change) {
-    if (change.table == "Albums") return "Albums";
-    if (change.table == "Tracks") return "Tracks";
-    return "Rows of " + change.table;
+    struct Things {
+        std::string_view table, name;
+    };
+    constexpr std::array<Things, 6> Known{
+        {{"Albums", "Albums"},
+         {"Tracks", "Tracks"},
+         {"Spinner", "Songs of the download table"},
+         {"SpinnerArtist", "Artists of the download table"},
+         {"SpinnerID3Differences", "Differences between tags and database"},
+         {"Playlists", "Entries for generated playlists"}}};
+    const auto* const found = std::ranges::find(Known, change.table, &Things::table);
+    return found == Known.end() ? "Rows of " + change.table : std::string(found->name);
+}
+
+/// What becomes of a field. Of files that stay in their folder the names say all.
+std::string Becomes(const FieldChange& field) {
+    const auto* const before = std::get_if<std::string>(&field.before);
+    const auto* const after = std::get_if<std::string>(&field.after);
+    if (before == nullptr || after == nullptr || field.field != "SoundFile")
+        return fmt::format("{} {} -> {}", field.field, ShownValue(field.before),
+                           ShownValue(field.after));
+    const std::size_t name = before->rfind('\\') + 1;
+    const bool isBeside =
+        name == after->rfind('\\') + 1 && before->compare(0, name, *after, 0, name) == 0;
+    return fmt::format("file \"{}\" -> \"{}\"", before->substr(isBeside ? name : 0),
+                       after->substr(isBeside ? name : 0));
 }
 
 bool IsNumber(const Value& value) {
@@ -128,10 +187,8 @@ void AddRow(Groups& groups, const RowChange& change, const ChangeTextOptions& op
     if (change.kind == RowKind::Added) return groups.Add(things + " added", name);
     if (change.kind == RowKind::Removed) return groups.Add(things + " removed", name);
     std::string fields;
-    for (const FieldChange& field : change.fields) {
-        fields += fmt::format("{}{} {} -> {}", fields.empty() ? ": " : ", ", field.field,
-                              ShownValue(field.before), ShownValue(field.after));
-    }
+    for (const FieldChange& field : change.fields)
+        fields += (fields.empty() ? ": " : ", ") + Becomes(field);
     groups.Add(things + (IsOfNumbersAlone(change) ? " whose numbers change" : " changed"),
                name + fields);
 }
@@ -162,36 +219,15 @@ std::string FilesOf(std::string_view path) {
     return "Other files";
 }
 
-std::string FieldText(const Tag& tag, const TagField& field) {
-    return std::string(Trim(tag.*field.text));
-}
-
-/// What becomes of each value of a tag.
-std::string TagDifferences(const std::string& before, const std::string& after) {
-    const auto tagIn = [](const std::string& bytes) {
-        const std::vector<std::uint8_t> copy(bytes.begin(), bytes.end());
-        return copy.size() < TagSize ? Tag{} : TagIn(copy);
-    };
-    const Tag old = tagIn(before), present = tagIn(after);
-    std::string text = old.IsThere() ? "" : " (it had no tag)";
-    for (const TagField& field : TagFields) {
-        const std::string from = FieldText(old, field), to = FieldText(present, field);
-        if (from == to || field.text == &Tag::marker) continue;
-        text +=
-            fmt::format("{} {} \"{}\" -> \"{}\"", text.empty() ? ":" : ",", field.label, from, to);
-    }
-    const auto genreOf = [](const std::string& bytes) {
-        return bytes.size() < TagSize ? 255 : int{static_cast<std::uint8_t>(bytes.back())};
-    };
-    if (genreOf(before) != genreOf(after)) {
-        text += fmt::format("{} Genre number {} -> {}", text.empty() ? ":" : ",", genreOf(before),
-                            genreOf(after));
+std::string TagText(const FileChange& change) {
+    const TagDifferences differences = TagDifferencesOf(change);
+    std::string text = differences.hadTag ? "" : " (it had no tag)";
+    for (const TagDifferences::Difference& one : differences.fields) {
+        const std::string_view quote = one.isNumber ? "" : "\"";
+        text += fmt::format("{} {} {}{}{} -> {}{}{}", text.empty() ? ":" : ",", one.field, quote,
+                            one.before, quote, quote, one.after, quote);
     }
     return text;
-}
-
-std::string BytesOf(const std::optional<FileContent>& content) {
-    return content ? content->bytes.value_or("") : "";
 }
 
 void AddWritten(Groups& groups, const FileChange& change, std::size_t most) {
@@ -239,8 +275,7 @@ void AddFile(Groups& groups, const FileChange& change, std::size_t most) {
             if (!IsOfLibrary(change)) return;
             return AddWritten(groups, change, most);
         case FileKind::EndWritten:
-            return groups.Add("Tags written", change.path + TagDifferences(BytesOf(change.before),
-                                                                           BytesOf(change.after)));
+            return groups.Add("Tags written", change.path + TagText(change));
         case FileKind::Copied:
             return groups.Add(FilesOf(change.path) + " copied", FromTo(change));
         case FileKind::Moved:

@@ -1,6 +1,5 @@
 #include "app/journal/journal_file.h"
 
-#include <cctype>
 #include <cerrno>
 #include <fcntl.h>
 #include <set>
@@ -9,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "app/journal/net_changes.h"
 #include "platform/failure.h"
 #include "platform/portable/system_failure.h"
 #include "platform/stamp.h"
@@ -29,16 +29,6 @@ constexpr std::uint64_t RoomAtOnce = std::uint64_t{1} << 20U;
 bool IsPlan(const ChangeRecord& record) {
     return std::holds_alternative<RowChange>(record) ||
            std::holds_alternative<FileChange>(record) || std::holds_alternative<RunStarted>(record);
-}
-
-bool IsStamp(std::string_view name) {
-    constexpr std::string_view Form = "0000-00-00_00-00-00";
-    if (name.size() < Form.size()) return false;
-    for (std::size_t i = 0; i < Form.size(); ++i) {
-        const bool isDigit = std::isdigit(static_cast<unsigned char>(name[i])) != 0;
-        if (Form[i] == '0' ? !isDigit : name[i] != Form[i]) return false;
-    }
-    return true;
 }
 
 /// A stamp, told from others of the same second.
@@ -136,8 +126,22 @@ void JournalFile::Note(const ChangeRecord& record) {
 }
 
 void JournalFile::Append(const ChangeRecord& record) {
-    buffer_.append(lines_.Of(record)) += '\n';
+    Count(record);
+    if (const auto* const end = std::get_if<RunEnded>(&record)) {
+        RunEnded counted = *end;
+        counted.changes = changes_;
+        buffer_.append(lines_.Of(counted)) += '\n';
+    } else {
+        buffer_.append(lines_.Of(record)) += '\n';
+    }
     if (listener_) listener_(record);
+}
+
+void JournalFile::Count(const ChangeRecord& record) {
+    const auto* const row = std::get_if<RowChange>(&record);
+    const auto* const file = std::get_if<FileChange>(&record);
+    if ((row != nullptr && IsOfLibrary(*row)) || (file != nullptr && IsOfLibrary(*file)))
+        ++changes_;
 }
 
 void JournalFile::Remark(const ChangeRecord& record) noexcept {

@@ -40,6 +40,9 @@ class JournalFile : public ChangeSink {
     /// Notes what stands for itself and keeps nothing from happening, such as a line of the log.
     void Remark(const ChangeRecord& record) noexcept;
 
+    /// How many changes of the library it holds.
+    std::uint64_t Changes() const { return changes_; }
+
     /// Why it has refused something; "" as long as all is well.
     const std::string& Trouble() const { return trouble_; }
 
@@ -48,6 +51,7 @@ class JournalFile : public ChangeSink {
     static FileHandle OpenFolder(const std::filesystem::path& folder);
     FileHandle MakeFile(const std::filesystem::path& folder, const Clock& clock);
     void Append(const ChangeRecord& record);
+    void Count(const ChangeRecord& record);
     void Refuse(const std::string& reason);
     void RequireNoTrouble() const;
     void MakeRoom();
@@ -60,6 +64,7 @@ class JournalFile : public ChangeSink {
     std::string buffer_;            ///< whole lines that are not in the file yet
     std::uint64_t size_ = 0;        ///< of the file
     std::uint64_t room_ = 0;        ///< up to where the disk has room set aside for it
+    std::uint64_t changes_ = 0;     ///< of the library
     bool isDurable_ = true;         ///< whether all that is in the file survives a power cut
     bool isFolderDurable_ = false;  ///< likewise its name
     std::string trouble_;

@@ -125,6 +125,7 @@ class LineWriter {
         json_.Member("status", end.status);
         json_.Member("braked", end.braked);
         json_.Member("milliseconds", end.duration.count());
+        if (end.changes) json_.Member("changes", *end.changes);
         json_.Close();
     }
 
@@ -220,6 +221,11 @@ std::optional<FileContent> ContentAt(const Json& json, const char* name) {
     return content;
 }
 
+std::optional<std::uint64_t> CountAt(const Json& json, const char* name) {
+    const auto found = json.find(name);
+    return found == json.end() ? std::nullopt : std::optional(found->get<std::uint64_t>());
+}
+
 const Json& ObjectAt(const Json& json, const char* name) {
     const Json& object = json.at(name);
     if (!object.is_object()) throw DamagedLine(std::string(name) + " is no object");
@@ -296,7 +302,8 @@ ChangeRecord RecordOf(const Json& json) {
             .outcome = TextOf(json.at("outcome")),
             .status = json.at("status").get<int>(),
             .braked = json.at("braked").get<bool>(),
-            .duration = std::chrono::milliseconds(json.at("milliseconds").get<std::int64_t>())};
+            .duration = std::chrono::milliseconds(json.at("milliseconds").get<std::int64_t>()),
+            .changes = CountAt(json, "changes")};
     }
     throw DamagedLine("unknown record " + json.at("record").dump());
 }

@@ -15,16 +15,46 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Calls visit(line, whether it has its end) for each line.
+/// Calls visit(line, whether it has its end) for each line, until it says that it is enough.
 void VisitLines(const fs::path& file,
-                const std::function<void(const std::string& line, bool isEnded)>& visit) {
+                const std::function<bool(const std::string& line, bool isEnded)>& visit) {
     std::ifstream text(file, std::ios::binary);
     if (!text || fs::is_directory(file))
         throw Failure(FailureNumber::PathFileAccess, file.string());
     std::string line;
     while (std::getline(text, line))
-        visit(line, !text.eof());
+        if (!visit(line, !text.eof())) return;
     if (text.bad()) throw Failure(FailureNumber::PathFileAccess, file.string());
+}
+
+/// The last whole line of a file; "" where it is longer than the line with which a run ends.
+std::string LastLine(const fs::path& file) {
+    constexpr std::streamoff MostRead = 4096;
+    std::ifstream text(file, std::ios::binary | std::ios::ate);
+    const std::streamoff size = text.tellg();
+    text.seekg(std::max(size - MostRead, std::streamoff{0}));
+    std::string end(static_cast<std::size_t>(std::clamp(size, std::streamoff{0}, MostRead)), '\0');
+    if (!text.read(end.data(), static_cast<std::streamsize>(end.size())) || !end.ends_with('\n'))
+        return "";
+    end.pop_back();
+    const std::size_t start = end.rfind('\n');
+    return start == std::string::npos ? "" : end.substr(start + 1);
+}
+
+std::optional<ChangeRecord> RecordIn(const std::string& line) {
+    try {
+        return FromLine(line);
+    } catch (const DamagedLine&) {
+        return std::nullopt;  // it is told where the whole journal is read
+    }
+}
+
+/// How a run ended, where the journal's last line says that with the number of changes.
+std::optional<RunEnded> EndIn(const fs::path& file) {
+    const std::string line = LastLine(file);
+    const std::optional<ChangeRecord> record = line.empty() ? std::nullopt : RecordIn(line);
+    const auto* const end = record ? std::get_if<RunEnded>(&*record) : nullptr;
+    return end != nullptr && end->changes ? std::optional(*end) : std::nullopt;
 }
 
 /// What a run's own records say of it.
@@ -62,6 +92,7 @@ JournalContent ReadJournal(const fs::path& file) {
             content.damaged.push_back(
                 {.line = number, .reason = damaged.what(), .isCutShort = !isEnded});
         }
+        return true;
     });
     return content;
 }
@@ -80,20 +111,28 @@ std::vector<fs::path> JournalsIn(const fs::path& folder) {
 
 void VisitRecords(const fs::path& file, const std::function<void(const ChangeRecord&)>& visit) {
     VisitLines(file, [&](const std::string& line, bool) {
-        std::optional<ChangeRecord> record;
-        try {
-            record = FromLine(line);
-        } catch (const DamagedLine&) {
-            return;  // it is told where the journal is read
-        }
-        visit(*record);
+        if (const std::optional<ChangeRecord> record = RecordIn(line)) visit(*record);
+        return true;
     });
 }
 
 PastRun LookAtJournal(const fs::path& file) {
     PastRun run;
     run.started.stamp = file.stem().string();
-    VisitRecords(file, [&run](const ChangeRecord& record) { std::visit(Facts{run}, record); });
+    const std::optional<RunEnded> end = EndIn(file);
+    VisitLines(file, [&](const std::string& line, bool) {
+        const std::optional<ChangeRecord> record = RecordIn(line);
+        if (!record) return true;
+        const bool isChange = std::holds_alternative<RowChange>(*record) ||
+                              std::holds_alternative<FileChange>(*record);
+        // Nothing behind the first change says more of the run, but its end.
+        if (end && isChange) return false;
+        std::visit(Facts{run}, *record);
+        return true;
+    });
+    if (!end) return run;
+    run.ended = end;
+    run.changes = *end->changes;
     return run;
 }
 

@@ -1,7 +1,6 @@
 #include "app/journal/net_changes.h"
 
 #include <algorithm>
-#include <bit>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -11,6 +10,7 @@
 #include <utility>
 
 #include "platform/basic_text.h"
+#include "undo/net_rows.h"
 
 namespace quillon {
 namespace {
@@ -18,27 +18,6 @@ namespace {
 using RowKind = RowChange::Kind;
 using FileKind = FileChange::Kind;
 using Key = std::vector<std::pair<std::string, Value>>;
-
-/// A text that is another one for each other value.
-struct Encoded {
-    std::string operator()(Null) const { return "0"; }
-    std::string operator()(bool value) const { return value ? "t" : "f"; }
-    std::string operator()(std::int64_t value) const { return 'i' + std::to_string(value); }
-    std::string operator()(double value) const {
-        return 'd' + std::to_string(std::bit_cast<std::uint64_t>(value));
-    }
-    std::string operator()(const DateTime& value) const { return 'D' + (*this)(value.days); }
-    std::string operator()(const std::string& value) const {
-        return 's' + std::to_string(value.size()) + ':' + value;
-    }
-};
-
-std::string KeyText(const std::string& table, const Key& key) {
-    std::string text = table + '\n';
-    for (const auto& [field, value] : key)
-        text += std::visit(Encoded{}, value) + ';';
-    return text;
-}
 
 /// The key that the row has after the change.
 Key KeyAfter(const RowChange& change) {
@@ -118,10 +97,13 @@ std::vector<FileChange> FilesTogether(std::span<const ChangeRecord> records) {
         if (const auto* const one = std::get_if<FileChangeFailed>(&record))
             failed.insert(one->number);
     std::vector<std::optional<FileChange>> files;
-    std::unordered_map<std::string, std::size_t> made;  ///< by the path of what is new
+    /// By the path of what is new, and of what has been renamed.
+    std::unordered_map<std::string, std::size_t> made, moved;
     for (const ChangeRecord& record : records) {
         const auto* const change = std::get_if<FileChange>(&record);
         if (change == nullptr || failed.contains(change->number)) continue;
+        if (change->kind == FileKind::Discarded || change->kind == FileKind::Deleted)
+            moved.erase(LowerCase(change->path));
         if (change->kind == FileKind::Discarded) {
             const auto found = made.find(LowerCase(change->path));
             if (found != made.end()) {
@@ -130,12 +112,26 @@ std::vector<FileChange> FilesTogether(std::span<const ChangeRecord> records) {
                 continue;
             }
         }
+        if (change->kind == FileKind::Moved) {
+            // Names on the way to another one say nothing.
+            const auto found = moved.find(LowerCase(change->path));
+            if (found != moved.end()) {
+                const std::size_t place = found->second;
+                files[place]->target = change->target;
+                moved.erase(found);
+                moved[LowerCase(change->target)] = place;
+                made[LowerCase(change->target)] = place;
+                continue;
+            }
+            moved[LowerCase(change->target)] = files.size();
+        }
         made[LowerCase(change->target.empty() ? change->path : change->target)] = files.size();
         files.emplace_back(*change);
     }
     std::vector<FileChange> lasting;
     for (std::optional<FileChange>& file : files)
-        if (file) lasting.push_back(std::move(*file));
+        if (file && !(file->kind == FileKind::Moved && file->path == file->target))
+            lasting.push_back(std::move(*file));
     return lasting;
 }
 

@@ -5,9 +5,12 @@
 #include <string_view>
 #include <utility>
 
+#include "app/journal/net_changes.h"
+#include "app/journal/tag_differences.h"
 #include "platform/basic_text.h"
 #include "run/paths.h"
 #include "run/sound_files.h"
+#include "undo/net_rows.h"
 
 namespace quillon {
 namespace {
@@ -43,13 +46,6 @@ std::string_view TextIn(const RowChange& row, std::string_view field) {
         return text == nullptr ? std::string_view() : std::string_view(*text);
     }
     return {};
-}
-
-std::string KeyText(const RowChange& row) {
-    std::string text = row.table;
-    for (const auto& [field, value] : row.key)
-        text += '\x1F' + TextOf(value);
-    return text;
 }
 
 /// The artist whose folder, or whose file, this is.
@@ -182,13 +178,14 @@ void ReportGatherer::AddOtherRow(const std::string& table) {
 /// Whether it has been told of this row. A row that is removed is told of once more.
 bool ReportGatherer::IsSeen(const RowChange& row, std::optional<std::int64_t> id) {
     const bool isRemoved = row.kind == RowChange::Kind::Removed;
-    if (!id) return !seenRows_.insert(ContentHash(KeyText(row) + (isRemoved ? "-" : ""))).second;
+    if (!id) return !seenRows_.insert(ContentHash(KeyText(row.table, row.key) + (isRemoved ? "-" : ""))).second;
     const std::uint64_t table = IsNamed(row.table, "Albums") ? 0 : 1;
     const std::uint64_t number = static_cast<std::uint64_t>(*id) << 2U | table << 1U;
     return !seenIds_.insert(number | (isRemoved ? 1U : 0U)).second;
 }
 
 void ReportGatherer::Add(const RowChange& row) {
+    if (!IsOfLibrary(row)) return;
     const std::optional<DeedKind> kind = KindOf(row);
     if (!kind) return AddOtherRow(row.table);
     const std::optional<std::int64_t> id = IdOf(row);
@@ -229,7 +226,7 @@ void ReportGatherer::TellRow(DeedKind kind, const RowChange& row, std::string_vi
 }
 
 void ReportGatherer::Add(const FileChange& change) {
-    if (IsOfDatedCopy(change) || IsOfOwnNotes(change)) return;
+    if (!IsOfLibrary(change)) return;
     planned_.push_back(change);
     if (planned_.size() > MostPlanned) TellNextFile();
 }
@@ -244,11 +241,13 @@ void ReportGatherer::TellNextFile() {
     planned_.pop_front();
 }
 
-void ReportGatherer::AddFile(DeedKind kind, const std::string& path, const std::string& what) {
+/// As AddDeed; nothing of a file that has been told of.
+DeedList::Deed* ReportGatherer::AddFile(DeedKind kind, const std::string& path,
+                                        const std::string& what) {
     const std::string thing = std::to_string(static_cast<int>(kind)) + path;
-    if (!seenFiles_.insert(ContentHash(thing)).second) return;
+    if (!seenFiles_.insert(ContentHash(thing)).second) return nullptr;
     const bool hasArtist = kind < DeedKind::PlaylistWritten;
-    AddDeed(kind, hasArtist ? ArtistOfFile(path, facts_.flatLayout) : "", what);
+    return AddDeed(kind, hasArtist ? ArtistOfFile(path, facts_.flatLayout) : "", what);
 }
 
 void ReportGatherer::AddWritten(const FileChange& change, const std::string& path) {
@@ -275,6 +274,17 @@ void ReportGatherer::AddDeleted(const FileChange& change) {
     }
 }
 
+void ReportGatherer::AddTag(const FileChange& change) {
+    DeedList::Deed* const deed = AddFile(DeedKind::TagWritten, change.path, change.path);
+    if (deed == nullptr) return;
+    const TagDifferences differences = TagDifferencesOf(change);
+    if (!differences.hadTag) deed->details.emplace_back("It had no tag");
+    for (const TagDifferences::Difference& one : differences.fields) {
+        deed->details.push_back(one.field + ": " + (one.before.empty() ? "nothing" : one.before) +
+                                " → " + (one.after.empty() ? "nothing" : one.after));
+    }
+}
+
 void ReportGatherer::Tell(const FileChange& change) {
     switch (change.kind) {
         case FileChange::Kind::Written:
@@ -282,7 +292,7 @@ void ReportGatherer::Tell(const FileChange& change) {
         case FileChange::Kind::Copied:
             return AddWritten(change, change.target);
         case FileChange::Kind::EndWritten:
-            return AddFile(DeedKind::TagWritten, change.path, change.path);
+            return AddTag(change);
         case FileChange::Kind::Moved:
             if (IsSoundFile(change.path))
                 AddFile(DeedKind::FileRenamed, change.path, change.path + " → " + change.target);

@@ -62,7 +62,8 @@ class ReportGatherer {
 
     void TellNextFile();
     void Tell(const FileChange& change);
-    void AddFile(DeedKind kind, const std::string& path, const std::string& what);
+    DeedList::Deed* AddFile(DeedKind kind, const std::string& path, const std::string& what);
+    void AddTag(const FileChange& change);
     void AddWritten(const FileChange& change, const std::string& path);
     void AddDeleted(const FileChange& change);
 

@@ -1,6 +1,7 @@
 #include "app/report/report_page.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cstdint>
 #include <fmt/format.h>
 #include <iterator>
@@ -61,6 +62,15 @@ std::string TimeText(std::chrono::milliseconds time) {
     return fmt::format("{} h {:02} min", seconds / 3600, seconds / 60 % 60);
 }
 
+/// A path as a shell takes it when it is copied from the page.
+std::string ForShell(const std::string& path) {
+    const bool isPlain = std::ranges::all_of(path, [](char letter) {
+        return std::isalnum(static_cast<unsigned char>(letter)) != 0 ||
+               std::string_view("/._-+:@%").find(letter) != std::string_view::npos;
+    });
+    return isPlain && !path.empty() ? path : '\'' + Replace(path, "'", R"('\'')") + '\'';
+}
+
 /// "2026-11-21_07-13-05" as people write it.
 std::string MomentText(std::string_view stamp) {
     const std::size_t middle = stamp.find('_');
@@ -100,7 +110,7 @@ class Page {
     Verdict Judge() const;
     std::string Command(std::string_view words) const {
         return fmt::format("<code>quillon {} --host {}</code>", HtmlText(words),
-                           HtmlText(facts_.host));
+                           HtmlText(ForShell(facts_.host)));
     }
 
     void Head();

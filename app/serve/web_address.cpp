@@ -5,7 +5,7 @@
 
 #include "platform/ansi.h"
 #include "platform/basic_text.h"
-#include "platform/portable/windows_path.h"
+#include "platform/windows_path.h"
 
 namespace quillon {
 namespace {

@@ -4,7 +4,7 @@
 
 #include "platform/basic_text.h"
 #include "platform/failure.h"
-#include "platform/portable/windows_path.h"
+#include "platform/windows_path.h"
 
 namespace quillon {
 namespace {

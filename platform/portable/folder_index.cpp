@@ -7,7 +7,7 @@
 #include "platform/basic_text.h"
 #include "platform/portable/folder_stream.h"
 #include "platform/portable/system_failure.h"
-#include "platform/portable/windows_path.h"
+#include "platform/windows_path.h"
 
 namespace quillon {
 namespace {

@@ -11,7 +11,7 @@
 #include "platform/failure.h"
 #include "platform/portable/file_handle.h"
 #include "platform/portable/system_failure.h"
-#include "platform/portable/windows_path.h"
+#include "platform/windows_path.h"
 
 namespace quillon {
 namespace {

@@ -6,7 +6,7 @@
 
 #include "platform/portable/drive_table.h"
 #include "platform/portable/folder_index.h"
-#include "platform/portable/windows_path.h"
+#include "platform/windows_path.h"
 
 namespace quillon {
 

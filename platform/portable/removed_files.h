@@ -4,7 +4,7 @@
 #include <string>
 
 #include "platform/clock.h"
-#include "platform/portable/windows_path.h"
+#include "platform/windows_path.h"
 
 namespace quillon {
 

@@ -8,7 +8,7 @@
 #include "platform/files.h"
 #include "platform/portable/folder_index.h"
 #include "platform/portable/safe_file.h"
-#include "platform/portable/windows_path.h"
+#include "platform/windows_path.h"
 
 namespace quillon {
 

@@ -97,6 +97,43 @@ TEST_F(Report, FoldsWhatChangedByArtist) {
     EXPECT_THAT(Page(), HasSubstr("<b>2</b><span>tracks added</span>"));
 }
 
+TEST_F(Report, TellsWhatBecomesOfEachFieldOfATag) {
+    const auto tag = [](const std::string& song, char genre) {
+        std::string bytes = "TAG" + song;
+        bytes.resize(127, '\0');
+        bytes += genre;
+        return FileContent{.size = bytes.size(), .bytes = bytes};
+    };
+    Add(FileChange{.number = 1,
+                   .kind = FileChange::Kind::EndWritten,
+                   .path = R"(D:\Music\Alder\First\a.mp3)",
+                   .before = tag("Old", 5),
+                   .after = tag("<New>", 17)});
+    End();
+    EXPECT_THAT(Of(Content(), "Alder", DeedKind::TagWritten).first.at(0).details,
+                ElementsAre("Song: Old → <New>", "Genre number: 5 → 17"));
+    EXPECT_THAT(Page(), HasSubstr("Song: Old → &lt;New&gt;"));
+}
+
+TEST_F(Report, NamesCommandsThatAShellTakesAsTheyAre) {
+    Add(AddedTrack(1, "Alder", "Dawn"));
+    End();
+    EXPECT_THAT(Page(), HasSubstr("quillon undo 2026-11-21_07-13-05 --host /srv/shelf<"));
+    facts.host = "/srv/Ann's shelf";
+    EXPECT_THAT(Page(), HasSubstr("--host &#39;/srv/Ann&#39;\\&#39;&#39;s shelf&#39;<"));
+}
+
+TEST_F(Report, IsNotMadeForWhatIsNoChangeOfTheLibrary) {
+    Add(RowChange{.kind = RowChange::Kind::Added,
+                  .table = "SpinnerID3Differences",
+                  .key = {{"Field", "Song"}},
+                  .fields = {{"Field", Null{}, "Song"}}});
+    Add(FileChange{.kind = FileChange::Kind::Written,
+                   .path = R"(H:\Data\Quillon\QuillonReconcile.csv)"});
+    End();
+    EXPECT_FALSE(Content().HasChanges());
+}
+
 TEST_F(Report, AsksForTheNameOfARowThatItsRecordDoesNotHave) {
     facts.nameOf = [](const std::string& table, std::int64_t id) {
         return RowName{table + " artist", "number " + std::to_string(id)};

@@ -77,6 +77,10 @@ class Library:
     def run(self, environment=None):
         """One run: exit status, standard output, standard error."""
         command = [str(self.program), "run", "--host", str(self.host), "--view", "plain"]
+        return self.told(command, environment)
+
+    def told(self, command, environment=None):
+        """A process in the library's folder: exit status, standard output, standard error."""
         return told_by(start(command, self.folder, environment), TIME_LIMIT)
 
     def call(self, *arguments):

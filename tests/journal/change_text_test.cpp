@@ -62,7 +62,7 @@ TEST(ChangeText, GroupsRowsByWhatBecomesOfThem) {
               "  song 8: Track 3 -> 4\n"
               "\nTracks changed: 1\n"
               "  ID 9: Title \"old\" -> \"new\"\n"
-              "\nRows of SpinnerArtist added: 1\n"
+              "\nArtists of the download table added: 1\n"
               "  Ann\n");
 }
 
@@ -117,6 +117,39 @@ TEST(ChangeText, TellsWhatBecomesOfATagsValues) {
               "  D:\\b.mp3 (it had no tag), Song \"\" -> \"Song\"\n");
 }
 
+TEST(ChangeText, NamesRowsOfTheDownloadTableByTheirSongsAndNotByAddresses) {
+    const char* const address = "rtsp://localhost/spinlinks/000-Rock-000.rm";
+    EXPECT_EQ(TextOf({Row(RowKind::Added, "Spinner", 1,
+                          {{"Artist", Null{}, "Ann"},
+                           {"Song", Null{}, "Dawn"},
+                           {"FileName", Null{}, address}}),
+                      Row(RowKind::Changed, "Spinner", 2, {{"FileName", "", address}})}),
+              "Songs of the download table added: 1\n"
+              "  Ann - Dawn\n"
+              "\nSongs of the download table changed: 1\n"
+              "  ID 2: FileName \"\" -> \"rtsp://.../000-Rock-000.rm\"\n");
+}
+
+TEST(ChangeText, TellsWhatMattersMostFirstAndCopiesLast) {
+    const std::string text =
+        TextOf({File(FileKind::Copied, R"(D:\x.mdb)", R"(D:\x.mdb_Copy Dated_1_)"),
+                File(FileKind::FolderMade, R"(D:\New)"),
+                File(FileKind::Moved, R"(D:\a.mp3)", R"(D:\b.mp3)"), NewTrack(1, R"(D:\b.mp3)")});
+    EXPECT_LT(text.find("Tracks added"), text.find("Music files renamed"));
+    EXPECT_LT(text.find("Music files renamed"), text.find("Folders made"));
+    EXPECT_LT(text.find("Folders made"), text.find("Dated copies"));
+}
+
+TEST(ChangeText, NamesAFileThatStaysInItsFolderByItsName) {
+    EXPECT_EQ(TextOf({Row(RowKind::Changed, "Tracks", 1,
+                          {{"SoundFile", R"(D:\Music\a.mp3)", R"(D:\Music\b.mp3)"}}),
+                      Row(RowKind::Changed, "Tracks", 2,
+                          {{"SoundFile", R"(D:\Music\c.mp3)", R"(D:\Other\c.mp3)"}})}),
+              "Tracks changed: 2\n"
+              "  ID 1: file \"a.mp3\" -> \"b.mp3\"\n"
+              "  ID 2: file \"D:\\Music\\c.mp3\" -> \"D:\\Other\\c.mp3\"\n");
+}
+
 TEST(ChangeText, NoNameAddsALineOrSpeaksToTheTerminal) {
     const std::string text =
         TextOf({NewTrack(1, "D:\\a\nAlbums removed: 9\r\x1B[31m<b>\"x\".mp3"),
@@ -152,6 +185,16 @@ TEST(NetChanges, LeavesOutWhatTheRunItselfTakesBack) {
     EXPECT_TRUE(changes.rows.empty());
     EXPECT_TRUE(changes.files.empty());
     EXPECT_FALSE(ChangesLibrary(changes));
+}
+
+TEST(NetChanges, LeavesOutNamesOnTheWayToAnotherOne) {
+    const std::vector<ChangeRecord> records{
+        File(FileKind::Moved, "D:\\a", "D:\\t"), File(FileKind::Moved, "D:\\b", "D:\\a"),
+        File(FileKind::Moved, "D:\\T", "D:\\b"), File(FileKind::Moved, "D:\\c", "D:\\d"),
+        File(FileKind::Moved, "D:\\d", "D:\\c")};
+    const std::vector<FileChange> files = NetChangesOf(records).files;
+    EXPECT_THAT(files, testing::ElementsAre(File(FileKind::Moved, "D:\\a", "D:\\b"),
+                                            File(FileKind::Moved, "D:\\b", "D:\\a")));
 }
 
 TEST(NetChanges, PutsTheChangesOfARowTogether) {

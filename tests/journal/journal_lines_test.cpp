@@ -59,6 +59,7 @@ std::vector<ChangeRecord> AllRecords() {
         FileChangeFailed{4, "Permission denied: D:\\b"},
         LogLine{true, "line\nline"},
         RunEnded{"aborted", 3, true, 99ms},
+        RunEnded{"completed", 0, false, 99ms, 7},
     };
 }
 

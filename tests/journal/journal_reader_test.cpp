@@ -87,6 +87,19 @@ TEST_F(JournalReaderTest, KnowsWhatARunWas) {
     EXPECT_FALSE(run.IsUndo());
 }
 
+TEST_F(JournalReaderTest, ReadsNoMoreThanBeginningAndEndWhereTheEndHasCounted) {
+    const RunEnded end{.outcome = "completed", .changes = 5};
+    // Two rows are there: that five are told shows that nobody has counted them.
+    const PastRun run = LookAtJournal(
+        Make(Line(start_) + Line(ModeChosen{"Reconcile"}) + Line(row_) + Line(row_) + Line(end)));
+    EXPECT_EQ(run.started.mode, "Reconcile");
+    EXPECT_EQ(run.ended, end);
+    EXPECT_EQ(run.changes, 5U);
+    const PastRun cutOff = LookAtJournal(
+        Make(Line(start_) + Line(row_) + Line(row_) + Line(end) + R"({"record":"log)"));
+    EXPECT_EQ(cutOff.changes, 2U);
+}
+
 TEST_F(JournalReaderTest, KnowsAnUndoThatWasCutOff) {
     RunStarted start = start_;
     start.mode = "undo";

@@ -111,6 +111,34 @@ def leaves_what_was_changed(program):
         expect("titles", ["Dawn"], titles(stage))
 
 
+def row_and_file_stay_together(program):
+    """The file of a row that was changed since is not renamed back: its row would name nothing."""
+    with Stage(program) as stage:
+        stage.settings.update(ID3Reconcile="1", ReconcileOption="1")
+        stage.write_settings()
+        for name, title in (("one", "Dawn"), ("two", "Rain")):
+            song(stage, f"Alder/First/Alder - {title}.mp3", song=title, artist="Alder",
+                 album="First", track=1 if name == "one" else 2)
+        clean_run(stage)
+        for title in ("Dawn", "Rain"):
+            path = stage.disk / "Music/Alder/First" / f"Alder - {title}.mp3"
+            content = sound_files.silence(0.1) + sound_files.tag(
+                song=f"Late {title}", artist="Alder", album="First", track=1 if title == "Dawn" else 2)
+            sound_files.write(str(path), content, FIRST_DAY)
+        clean_run(stage)
+        renamed = sorted(os.listdir(stage.disk / "Music/Alder/First"))
+        expect("renamed", ["Alder - Late Dawn.mp3", "Alder - Late Rain.mp3"], renamed)
+        stage.execute("UPDATE Tracks SET Title='Mine' WHERE Title='Late Dawn'")
+        status, output, _ = undo(stage, "--yes")
+        expect("status", 1, status)
+        expect_in("Alder - Late Dawn.mp3: its row in the database was changed since", output)
+        expect("files", ["Alder - Late Dawn.mp3", "Alder - Rain.mp3"],
+               sorted(os.listdir(stage.disk / "Music/Alder/First")))
+        expect("rows", ["Alder - Late Dawn.mp3", "Alder - Rain.mp3"],
+               sorted(row["SoundFile"].rpartition("\\")[2]
+                      for row in stage.query("SELECT SoundFile FROM Tracks")))
+
+
 def edited_journals(program):
     with Stage(program) as stage:
         library(stage)
@@ -184,8 +212,8 @@ def database_in_use(program):
 
 
 def main():
-    stories = (several_runs, asks_first, leaves_what_was_changed, edited_journals, killed,
-               database_in_use)
+    stories = (several_runs, asks_first, leaves_what_was_changed, row_and_file_stay_together,
+               edited_journals, killed, database_in_use)
     for story in stories:
         try:
             story(sys.argv[1])

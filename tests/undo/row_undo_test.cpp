@@ -179,6 +179,34 @@ TEST_F(RowUndoTest, WaitsForAKeyThatBecomesFree) {
     EXPECT_THAT(Tracks(), ElementsAre("5|a|D:\\first|7", "6|b|D:\\second|7"));
 }
 
+TEST_F(RowUndoTest, GivesRowsThatHaveSwappedTheirUniqueValuesTheirOwnBack) {
+    connection_->Execute("CREATE TABLE Unique1 (ID LONG PRIMARY KEY, Name TEXT(12))");
+    connection_->Execute("CREATE UNIQUE INDEX ByName ON Unique1 (Name)");
+    connection_->Execute("INSERT INTO Unique1 (ID, Name) VALUES (1, \"Dawn\")");
+    connection_->Execute("INSERT INTO Unique1 (ID, Name) VALUES (2, \"Dusk\")");
+    connection_->Execute("INSERT INTO Unique1 (ID, Name) VALUES (4, \"third\")");
+    const auto changed = [](std::int64_t id, std::vector<FieldChange> fields) {
+        return RowChange{.table = "Unique1", .key = {{"ID", id}}, .fields = std::move(fields)};
+    };
+    const Records names{changed(1, {{"Name", "Dusk", "x"}}), changed(2, {{"Name", "Dawn", "Dusk"}}),
+                        changed(1, {{"Name", "x", "Dawn"}}), RowsSaved()};
+    EXPECT_THAT(Undo({names}), ElementsAre(Outcome{}, Outcome{}));
+    EXPECT_THAT(support::Rows(*connection_, "SELECT ID, Name FROM Unique1 ORDER BY ID"),
+                ElementsAre("1|Dusk", "2|Dawn", "4|third"));
+}
+
+TEST_F(RowUndoTest, KeepsARowsOwnValuesWhereAnotherRowHasTakenItsOldKey) {
+    AddTrack(5, "Dawn");
+    AddTrack(4, "new since");
+    const Records run{
+        Changed(4, {{"ID", std::int64_t{4}, std::int64_t{5}}, {"Title", "dawn", "Dawn"}}),
+        RowsSaved()};
+    const std::vector<Outcome> outcomes = Undo({run});
+    ASSERT_EQ(outcomes.size(), 1U);
+    EXPECT_EQ(outcomes.front().state, Outcome::State::Refused);
+    EXPECT_THAT(Tracks(), ElementsAre("4|new since|D:\\new since|7", "5|Dawn|D:\\Dawn|7"));
+}
+
 TEST_F(RowUndoTest, TakesWhatAKilledRunHasOrHasNotSaved) {
     const Records run{Changed(5, {{"Title", "a", "b"}}), RowsSaved(),
                       Changed(5, {{"Title", "b", "c"}})};

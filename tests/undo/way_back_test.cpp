@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 
 #include "changes/journalled_files.h"
@@ -158,6 +159,9 @@ class World {
 
     PathResolver& Resolver() { return resolver_; }
 
+    /// What the run has kept beside its journal is gone.
+    void RemoveKept() const { fs::remove_all(folder_ / "host/Changes"); }
+
     Outcomes Plan() {
         NamingSink sink;
         PortableFiles files(resolver_, [](LogKind, const std::string&) {});
@@ -168,6 +172,7 @@ class World {
     std::map<std::string, std::string> before, after;
     RecordedRun run{.stamp = "1", .records = {}, .isWhole = true};
     std::vector<RecordedRun> undos;  ///< the newest first
+    std::set<std::string> held;      ///< paths of files whose rows stay
     RecordedRun* target = &run;
 
   private:
@@ -269,7 +274,9 @@ class World {
                 return failure.what();
             }
         };
-        CarryOut(steps, undo, attempt, [&](const FileStep& step) { sink.name = step.name; });
+        CarryOut(steps, undo, attempt,
+                 {.beginning = [&](const FileStep& step) { sink.name = step.name; },
+                  .isHeld = [&](const std::string& path) { return held.contains(path); }});
         Outcomes refused;
         for (const FileStep& step : steps)
             if (step.outcome.state == Outcome::State::Refused)
@@ -335,6 +342,41 @@ TEST(WayBack, GoesOnAfterTwoKills) {
         EXPECT_THAT(world.Undo("4"), IsEmpty()) << calls;
         EXPECT_EQ(world.State(), world.before) << calls;
     }
+}
+
+TEST(WayBack, LeavesAFileWhereItsRowStays) {
+    World world;
+    world.held = {R"(d:\music\a3.mp3)"};
+    const Outcomes refused = world.Undo("2");
+    EXPECT_THAT(refused,
+                testing::Contains(R"(D:\Music\a3.mp3: its row in the database was changed since)"));
+    auto expected = world.before;
+    expected["Music/a3.mp3"] = expected["Music/a.mp3"];
+    expected.erase("Music/a.mp3");
+    EXPECT_EQ(world.State(), expected);
+}
+
+TEST(WayBack, LeavesTheNewPagesWhereTheOldOnesWereNotKept) {
+    World world;
+    world.RemoveKept();
+    EXPECT_THAT(world.Undo("2"),
+                testing::Contains("the folder stays, with all that the run has made in it"));
+    EXPECT_EQ(world.State()["host/HTML/Picker/index.asp"], "new page");
+    EXPECT_EQ(world.State()["Music/a.mp3"], world.before["Music/a.mp3"]);
+}
+
+TEST(FileStepsFor, KnowWhichShareANameWithOthers) {
+    const auto moved = [](std::uint64_t number, const char* from, const char* to) {
+        return FileChange{
+            .number = number, .kind = FileChange::Kind::Moved, .path = from, .target = to};
+    };
+    const RecordedRun run{.stamp = "1",
+                          .records = {moved(1, "D:\\a", "D:\\t"), moved(2, "D:\\T", "D:\\b"),
+                                      moved(3, "D:\\c", "D:\\d"), moved(4, "D:\\e", "D:\\E")}};
+    std::vector<bool> linked;
+    for (const FileStep& step : FileStepsFor(std::span(&run, 1), {}))
+        linked.push_back(step.isLinked);
+    EXPECT_THAT(linked, testing::ElementsAre(false, false, true, true));
 }
 
 TEST(WayBack, LeavesOutWhatWasChangedSinceAndDoesTheRest) {

@@ -6,6 +6,8 @@
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
+#include <mutex>
+#include <set>
 #include <string_view>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -23,6 +25,14 @@ std::string Variable(const char* name) {
 
 const char* NameOf(Kind kind) {
     return kind == Kind::Reading ? "reading" : "changing";
+}
+
+/// Whether the call takes room on the disk.
+bool TakesRoom(std::string_view call) {
+    for (const std::string_view start : {"write", "pwrite", "copy_file_range", "sendfile", "mkdir",
+                                         "symlink", "fallocate", "posix_fallocate"})
+        if (call.starts_with(start)) return true;
+    return false;
 }
 
 struct NamedError {
@@ -43,6 +53,7 @@ class Plan {
             Record(NameOf(kind), number, call, path);
             return {};
         }
+        if (action_ == "full" && !reading) return WhereTheDiskFills(number, call, path);
         if (number != at_ || reading != atReading_) return {};
         Record(NameOf(kind), number, call, path);
         return CarryOut();
@@ -56,6 +67,19 @@ class Plan {
     [[nodiscard]] long long ToldTime() const { return time_; }
 
   private:
+    /// From that call on there is no room any more but where it has been set aside before.
+    Order WhereTheDiskFills(long number, std::string_view call, const std::string& path) {
+        const std::scoped_lock lock(mutex_);
+        const bool setsAside = call.find("fallocate") != std::string_view::npos;
+        if (number < at_) {
+            if (setsAside) withRoom_.insert(path);
+            return {};
+        }
+        const bool fails = TakesRoom(call) && (setsAside || !withRoom_.contains(path));
+        if (number == at_) Record(NameOf(Kind::Changing), number, std::string(call).c_str(), path);
+        return {.error = fails ? ENOSPC : 0};
+    }
+
     Order CarryOut() {
         if (action_ == "kill") KillProcess();
         if (action_ == "cut") {
@@ -89,6 +113,8 @@ class Plan {
     bool atReading_ = Variable("QUILLON_FAULT_CALLS") != "changing";
     long at_ = std::atol(Variable("QUILLON_FAULT_AT").c_str());
     long long time_ = std::atoll(Variable("QUILLON_FAULT_TIME").c_str());
+    std::mutex mutex_;
+    std::set<std::string> withRoom_;  ///< paths
     std::atomic<long> readingCalls_ = 0;
     std::atomic<long> changingCalls_ = 0;
 };

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <optional>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -9,8 +9,10 @@
 
 namespace quillon {
 
-/// All bytes of a file. Failure: as of `Files::OpenBinary`.
-std::string BytesOf(Files& files, std::string_view path);
+/// The bytes of a file from a position on, as many as there are up to this number. Failure: as of
+/// `Files::OpenBinary`.
+std::string BytesOf(Files& files, std::string_view path, std::uint64_t position = 0,
+                    std::uint64_t most = UINT64_MAX);
 
 /// Whether there is a file of that path with this content, as far as that is known: its bytes, or
 /// their hash; of a file whose bytes were not looked at its size and time.

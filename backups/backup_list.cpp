@@ -1,4 +1,4 @@
-#include "driver/backup_list.h"
+#include "backups/backup_list.h"
 
 #include <algorithm>
 #include <array>
@@ -8,9 +8,9 @@
 #include <tuple>
 #include <utility>
 
+#include "backups/backup_names.h"
 #include "database/snapshot_file.h"
 #include "database/waiting_music.h"
-#include "driver/backup_names.h"
 #include "playlists/playlist_snapshot.h"
 #include "run/paths.h"
 

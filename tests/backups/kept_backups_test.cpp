@@ -1,4 +1,4 @@
-#include "driver/kept_backups.h"
+#include "backups/kept_backups.h"
 
 #include <algorithm>
 #include <gmock/gmock.h>
@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "driver/backup_list.h"
-#include "driver/backups.h"
+#include "backups/backup_list.h"
+#include "backups/backups.h"
 #include "driver/settings_reader.h"
 #include "tests/driver/form_fixture.h"
 

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "driver/modes.h"
+#include "backups/backed_up.h"
 #include "platform/date_time.h"
 #include "platform/files.h"
 #include "run/settings.h"

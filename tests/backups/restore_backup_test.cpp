@@ -1,9 +1,9 @@
-#include "driver/restore_backup.h"
+#include "backups/restore_backup.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "driver/kept_backups.h"
+#include "backups/kept_backups.h"
 #include "driver/settings_reader.h"
 #include "tests/driver/form_fixture.h"
 

@@ -1,9 +1,9 @@
-#include "driver/backups.h"
+#include "backups/backups.h"
 
 #include <algorithm>
 #include <cstddef>
 
-#include "driver/backup_names.h"
+#include "backups/backup_names.h"
 #include "platform/basic_text.h"
 #include "platform/failure.h"
 #include "run/paths.h"

@@ -1,4 +1,4 @@
-#include "driver/backup_names.h"
+#include "backups/backup_names.h"
 
 #include <algorithm>
 #include <charconv>
@@ -8,7 +8,7 @@
 #include <system_error>
 #include <vector>
 
-#include "driver/backups.h"
+#include "backups/backups.h"
 #include "platform/basic_text.h"
 
 namespace quillon {

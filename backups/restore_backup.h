@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-#include "driver/backup_list.h"
+#include "backups/backup_list.h"
 
 namespace quillon {
 

@@ -1,4 +1,4 @@
-#include "driver/same_content.h"
+#include "backups/same_content.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,13 +1,13 @@
-#include "driver/restore_backup.h"
+#include "backups/restore_backup.h"
 
 #include <algorithm>
 #include <string>
 #include <vector>
 
-#include "driver/backup_names.h"
-#include "driver/backups.h"
-#include "driver/kept_backups.h"
-#include "driver/same_content.h"
+#include "backups/backup_names.h"
+#include "backups/backups.h"
+#include "backups/kept_backups.h"
+#include "backups/same_content.h"
 #include "platform/basic_text.h"
 #include "platform/failure.h"
 #include "run/log.h"

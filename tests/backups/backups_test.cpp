@@ -1,4 +1,4 @@
-#include "driver/backups.h"
+#include "backups/backups.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "driver/kept_backups.h"
+#include "backups/kept_backups.h"
 
 #include <algorithm>
 #include <numeric>
@@ -6,10 +6,9 @@
 #include <string>
 #include <utility>
 
-#include "driver/backup_list.h"
-#include "driver/backups.h"
-#include "driver/modes.h"
-#include "driver/same_content.h"
+#include "backups/backup_list.h"
+#include "backups/backups.h"
+#include "backups/same_content.h"
 #include "platform/basic_text.h"
 #include "platform/host.h"
 #include "run/log.h"

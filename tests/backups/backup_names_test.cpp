@@ -1,8 +1,8 @@
-#include "driver/backup_names.h"
+#include "backups/backup_names.h"
 
 #include <gtest/gtest.h>
 
-#include "driver/backups.h"
+#include "backups/backups.h"
 
 namespace quillon {
 namespace {

@@ -1,19 +1,24 @@
-#include "undo/file_content.h"
+#include "changes/file_content.h"
 
-#include <cstddef>
+#include <algorithm>
+#include <memory>
 #include <vector>
 
 namespace quillon {
 
-std::string BytesOf(Files& files, std::string_view path) {
-    constexpr std::size_t AtOnce = std::size_t{1} << 20;
+std::string BytesOf(Files& files, std::string_view path, std::uint64_t position,
+                    std::uint64_t most) {
+    constexpr std::uint64_t AtOnce = std::uint64_t{1} << 20;
     const std::unique_ptr<BinaryReader> reader = files.OpenBinary(path);
+    reader->SetPosition(position);
     std::string bytes;
-    while (true) {
-        const std::vector<std::uint8_t> piece = reader->Read(AtOnce);
-        if (piece.empty()) return bytes;
+    while (bytes.size() < most) {
+        const std::vector<std::uint8_t> piece =
+            reader->Read(std::min<std::uint64_t>(AtOnce, most - bytes.size()));
+        if (piece.empty()) break;
         bytes.append(piece.begin(), piece.end());
     }
+    return bytes;
 }
 
 bool Holds(Files& files, std::string_view path, const FileContent& content) {

@@ -1,0 +1,202 @@
+#!/usr/bin/env python3
+"""undo_faults.py [options] PROGRAM   takes small runs of several modes back, kills that at single calls
+or lets the disk be full from there on, and starts it again: then all is as it was before the run.
+
+  --all            every point; otherwise a selection that is the same each time
+  --count N        so many points of each mode (default 40)
+  --mode MODE      this mode only; may be repeated
+  --point P        this point only, as a report names it: ACTION:NUMBER
+  --keep           with --point: leaves the library as it is at the end, and says where
+  --preload FILE   the preloaded library (default: beside the program's build)
+"""
+
+import argparse
+import shutil
+import sys
+from collections import Counter
+from pathlib import Path
+
+import modes
+import points
+from library import temporary_folder
+from looking import digest, faults_of, files_of, shown, songs_at, tables_of
+from stage import Failed
+from trial import environment
+
+MODES = ("reconcile", "reconcile-tags", "add-files", "id3-write", "album-picker", "playlists-only")
+ACTIONS = ("kill", "torn", "cut", "full")
+STARTED_AGAIN = 2
+REFUSED = 2
+SEED = "the same each time"
+
+
+class State:
+    """Rows, files with their content, and times of music."""
+
+    def __init__(self, library):
+        self.rows = tables_of(library.database)
+        self.files = {}
+        for name, path in files_of(library).items():
+            is_music = path.suffix.lower() == ".mp3"
+            # What a copy was stays in Removed: it is no part of the library.
+            if not name.startswith("host/Removed/"):
+                self.files[name] = (digest(path.read_bytes()),
+                                    path.stat().st_mtime_ns if is_music else 0)
+        self.songs = Counter(songs_at(library).values())
+
+    def differences(self, other):
+        """What `other` has otherwise, in words."""
+        told = [f"file {name}" for name in sorted(self.files.keys() | other.files.keys())
+                if self.files.get(name) != other.files.get(name)]
+        for table, rows in self.rows.items():
+            there = other.rows[table]
+            told += [f"{table} {key}: {rows.get(key)} -> {there.get(key)}"
+                     for key in sorted(rows.keys() | there.keys())
+                     if rows.get(key) != there.get(key)]
+        return "; ".join(told[:4]) + (f"; and {len(told) - 4} more" if len(told) > 4 else "")
+
+
+class Workshop:
+    """A mode's library after a run, with what it was before."""
+
+    def __init__(self, given, folder, mode):
+        self.given = given
+        self.folder = folder / mode
+        library = modes.prepare(mode, self.folder / "after", given.program)
+        for own in ("Changes", "Reports"):
+            shutil.rmtree(library.host / own, ignore_errors=True)
+        self.before = State(library)
+        status, output, errors = library.run(self.environment(library, 0))
+        if status != 0:
+            raise Failed(f"{mode}: the run ends with {status}:\n{output}{errors}")
+        self.library = library
+        self.after = State(library)
+        if not self.before.differences(self.after):
+            raise Failed(f"{mode}: the run changes nothing")
+        self.calls = self.undisturbed()
+
+    def environment(self, library, number, **fault):
+        return environment(library.folder, number, self.given.preload, **fault)
+
+    def undo(self, library, number, **fault):
+        command = [str(self.given.program), "undo", "--host", str(library.host), "--yes"]
+        return library.told(command, self.environment(library, number, **fault))
+
+    def undisturbed(self):
+        """The calls of an undo that nothing disturbs, which brings everything back."""
+        library = self.library.copy_to(self.folder / "trial")
+        record = self.folder / "record"
+        record.touch()
+        status, output, errors = self.undo(library, 1, record=record)
+        left = self.before.differences(State(library))
+        if status != 0 or left:
+            raise Failed(f"an undo that nothing disturbs: {status}: {left}\n{output}{errors}")
+        calls = points.calls_in(record, library.folder)
+        shutil.rmtree(library.folder)
+        return calls
+
+    def points(self):
+        every = [points.Point(call.kind, action, call.number, call.name, call.path)
+                 for call in self.calls if call.kind == "changing" for action in ACTIONS
+                 if action != "torn" or call.name in points.WRITING_PARTS]
+        if self.given.point:
+            return [point for point in every if f"{point.action}:{point.number}" == self.given.point]
+        return every if self.given.all else points.chosen(every, self.given.count, SEED)
+
+    def trial(self, point):
+        """What is wrong after a disturbed undo, and after it was started again."""
+        library = self.library.copy_to(self.folder / "trial")
+        record = self.folder / "record"
+        record.unlink(missing_ok=True)
+        status, output, errors = self.undo(library, 1, record=record, calls="changing",
+                                           at=point.number, do=point.action)
+        if not record.exists():
+            yield "the point was not reached"
+        yield from self.aftermath(library, point, status, output + errors)
+        yield from self.started_again(library)
+        if self.given.keep:
+            print(f"the library is left in {library.folder}")
+        else:
+            shutil.rmtree(library.folder)
+
+    def aftermath(self, library, point, status, told):
+        """What holds as soon as the undo was disturbed."""
+        songs = Counter(songs_at(library).values())
+        lost = {song: count for song, count in (self.before.songs & self.after.songs).items()
+                if songs[song] < count}
+        if lost or songs["damaged"]:
+            yield f"songs lost: {lost}, damaged: {songs['damaged']}"
+        if point.kills:
+            if status != -9:
+                yield f"it was not killed: status {status}"
+            return
+        if status not in (0, 1, REFUSED):
+            yield f"status {status}: {shown(told)}"
+        left = self.before.differences(State(library))
+        if status == 0 and left:
+            yield f"the status is 0, and yet: {left}"
+        if status != 0 and "space" not in told.lower() and "disk full" not in told.lower():
+            yield f"status {status}, but nothing is said of a full disk: {shown(told)}"
+        if status == REFUSED and left != self.before.differences(self.after) \
+                and "Started again, it goes on" not in told:
+            yield f"half of it is done, and nothing is said of that: {shown(told)}"
+        if unfinished := [path for path in library.folder.rglob(".quillon-*")]:
+            yield f"half a file is left: {unfinished}"
+
+    def started_again(self, library):
+        for number in range(STARTED_AGAIN):
+            left = self.before.differences(State(library))
+            if not left:
+                break
+            status, output, errors = self.undo(library, 2 + number)
+        left = self.before.differences(State(library))
+        if left:
+            yield f"started again it does not go on: {left}: status {status}: {output}{errors}"
+        if faults := faults_of(library.database, self.given.program):
+            yield faults
+
+
+def arguments():
+    parser = argparse.ArgumentParser(usage=__doc__, add_help=False)
+    parser.add_argument("program", type=Path)
+    parser.add_argument("--all", action="store_true")
+    parser.add_argument("--count", type=int, default=40)
+    parser.add_argument("--mode", action="append", choices=MODES)
+    parser.add_argument("--point")
+    parser.add_argument("--keep", action="store_true")
+    parser.add_argument("--preload", type=Path)
+    given = parser.parse_args()
+    given.program = given.program.resolve()
+    build = given.program.parent.parent
+    given.preload = (given.preload or build / "tests/faults/libquillon_faults.so").resolve()
+    if not given.preload.exists():
+        parser.error(f"{given.preload} is not there; build the target quillon_faults")
+    return given
+
+
+def main():
+    given = arguments()
+    folder = temporary_folder()
+    tried = broken = 0
+    try:
+        for mode in given.mode or MODES:
+            workshop = Workshop(given, folder, mode)
+            for point in workshop.points():
+                tried += 1
+                wrong = list(workshop.trial(point))
+                broken += bool(wrong)
+                for what in wrong:
+                    print(f"{mode} {point.action}:{point.number}: {point.call} on {point.path}:\n"
+                          f"    {what}", flush=True)
+    except Failed as failure:
+        print(failure)
+        broken += 1
+    finally:
+        if not given.keep:
+            shutil.rmtree(folder)
+    print(f"{tried} points tried, at {broken} of them something was wrong")
+    return 1 if broken or not tried else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
