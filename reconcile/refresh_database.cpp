@@ -17,6 +17,7 @@
 #include "run/log.h"
 #include "run/run.h"
 #include "run/steps.h"
+#include "tags/known_tags.h"
 
 namespace quillon {
 namespace {
@@ -101,6 +102,8 @@ void RefreshDatabase(Run& run) {
     const bool isSaved = steps.Try(RefreshStep::ChangeRows, [&] { walk.library.Save(); });
     if (walk.waiting && isSwept && isSaved) ForgetReturned(walk);
     if (walk.moved) walk.moved->Remember();
+    if (run.knownTags && !run.AbortRequested)
+        steps.Try(RefreshStep::KeepTags, [&run] { run.knownTags->SaveKept(); });
 }
 
 }  // namespace quillon
