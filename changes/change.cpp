@@ -12,7 +12,7 @@ bool IsOfDatedCopy(const FileChange& change) {
 }
 
 bool IsOfOwnNotes(const FileChange& change) {
-    constexpr std::array<std::string_view, 3> Endings{".playlists", ".sounds", ".missing"};
+    constexpr std::array<std::string_view, 4> Endings{".playlists", ".sounds", ".missing", ".tags"};
     return std::ranges::any_of(
         Endings, [&change](std::string_view ending) { return change.path.ends_with(ending); });
 }

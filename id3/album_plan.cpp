@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "id3/file_names.h"
+#include "id3/tag_agreement.h"
 #include "id3/tag_comparison.h"
 #include "platform/basic_text.h"
 #include "platform/failure.h"
@@ -74,6 +75,8 @@ class Planner {
         };
         Standing standing = Standing::IsRight;
         std::string name = {};
+        /// Its name has been cut off where version 1 ends. That alone makes no duplicate of it.
+        bool isCut = false;
         bool isGranted = false;
     };
     using Standing = Wanted::Standing;
@@ -111,7 +114,8 @@ class Planner {
     Wanted Wish(PlannedFile& file) {
         Wanted wanted{.standing = Standing::Leaves, .name = file.plainName};
         if (file.plainName == file.name) wanted.standing = Standing::IsRight;
-        if (!file.tag.IsThere() || !TitleDiffers(file.tag, file.title)) return wanted;
+        const bool isCut = IsCutOf(file.title, file.tag.song);
+        if (!file.tag.IsThere() || (!isCut && !TitleDiffers(file.tag, file.title))) return wanted;
         std::string title;
         if (!steps_.Try(TagStep::NameByTitle, [&] { title = FileTitle(file.tag.song); })) {
             if (wanted.standing == Standing::IsRight) wanted.standing = Standing::IsStuck;
@@ -128,7 +132,7 @@ class Planner {
             return wanted;
         }
         file.tagTitle = std::move(title);
-        return {.standing = Standing::Leaves, .name = std::move(name)};
+        return {.standing = Standing::Leaves, .name = std::move(name), .isCut = isCut};
     }
 
     /// Whether it is known what the tag says, be it that there is none.
@@ -177,7 +181,7 @@ class Planner {
         if (wanted.standing != Standing::Leaves || isDecided) return;
         // Only a title makes a duplicate; a file of a temporary name keeps that.
         const auto yield = [&](std::optional<std::size_t> twin) {
-            if (!file.tagTitle) return Block(i);
+            if (!file.tagTitle || wanted.isCut) return Block(i);
             MakeDuplicate(i, wanted.name, twin, false);
         };
         const std::optional<std::size_t> claim = ClaimOn(wanted.name);

@@ -124,7 +124,10 @@ class AlbumTags {
         }
         TellIfBlocked(file);
         if (!files_[i].isRenamed) compared.newTitle.reset();
-        if (file.tag.IsThere()) UpdateForID3Info(walk_.run, compared, files_[i].row);
+        // Of a file without a tag the sound may tell the length.
+        if (!file.tag.IsThere()) compared.seconds = file.tag.seconds;
+        const bool tells = file.tag.IsThere() || !compared.seconds.empty();
+        if (tells) UpdateForID3Info(walk_.run, compared, files_[i].row);
     }
 
     void TellIfBlocked(const PlannedFile& file) {

@@ -78,6 +78,7 @@ bool SaysMore(std::string_view present, std::string_view name) {
     const std::string_view value = Trim(present);
     // A "|" would shift what is behind it.
     if (value.empty() || value.find('|') != std::string_view::npos) return false;
+    if (IsCutOf(name, value)) return true;
     return (HoldsMoreThanNames(value) || !Utf8ToAnsiExactly(name)) &&
            TagAgreesWithName(value, name);
 }

@@ -6,6 +6,7 @@
 
 #include "platform/ansi.h"
 #include "platform/basic_text.h"
+#include "platform/utf8.h"
 #include "run/name_cleaning.h"
 
 namespace quillon {
@@ -86,6 +87,28 @@ bool TagAgreesWithTitle(std::string_view value, std::string_view title) {
                            [&](const std::string& whole) { return whole.starts_with(beginning); });
     };
     return FitsAsName(value, beginsOne) && !FitsAsName(value, isOne);
+}
+
+std::vector<std::string> CutTexts(std::string_view text) {
+    constexpr std::size_t Room = 30;
+    std::vector<std::string> cuts;
+    std::size_t characters = 0;
+    for (std::size_t at = 0; at < text.size() && characters <= Room; ++characters) {
+        const std::size_t next = at + DecodeUtf8(text, at).length;
+        // In the code page a character is a byte.
+        const bool isEnd = characters + 1 >= Room || (at <= Room && next >= Room);
+        if (isEnd) cuts.emplace_back(Trim(text.substr(0, at)));
+        at = next;
+    }
+    return cuts;
+}
+
+bool IsCutOf(std::string_view name, std::string_view value) {
+    const std::vector<std::string> cuts = CutTexts(Trim(value));
+    return std::ranges::any_of(cuts, [name](const std::string& cut) {
+        return FitsAsName(cut,
+                          [name](std::string_view text) { return EqualIgnoringCase(text, name); });
+    });
 }
 
 bool HoldsMoreThanNames(std::string_view value) {

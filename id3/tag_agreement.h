@@ -1,6 +1,8 @@
 #pragma once
 
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace quillon {
 
@@ -18,6 +20,13 @@ bool TagAgreesWithName(std::string_view value, std::string_view name);
 /// number or a dash ("01 - A title that no tag can hold") agrees, too: it has nothing to add to the
 /// name. When it says all of that, it does not: then the name holds more than the title.
 bool TagAgreesWithTitle(std::string_view value, std::string_view title);
+
+/// What may be left of a longer text in a field of 30 bytes: as the code page has it, and in UTF-8;
+/// some programs keep a last zero byte. Nothing of a text that has room there.
+std::vector<std::string> CutTexts(std::string_view text);
+
+/// Whether a name is no more than what such a field has left of the value.
+bool IsCutOf(std::string_view name, std::string_view value);
 
 /// Whether the value has characters that the names made of tags do not have.
 bool HoldsMoreThanNames(std::string_view value);

@@ -17,9 +17,10 @@ namespace {
 constexpr double TooFarApart = 3;
 
 /// The number of seconds in a tag; a text that is no number stays as it is, so that it is seen.
-std::string TagSeconds(std::string_view comment) {
+std::string TagSeconds(const Tag& tag) {
     constexpr double Largest = 1e15;
-    const std::optional<LengthMark> length = LengthInComment(comment);
+    if (!tag.seconds.empty()) return tag.seconds;
+    const std::optional<LengthMark> length = LengthInComment(tag.comment);
     if (!length) return "";
     const std::optional<double> number = ToNumber(length->seconds);
     if (!number || std::abs(*number) > Largest) return std::string(length->seconds);
@@ -84,7 +85,7 @@ TagComparison CompareTag(const Tag& tag, const ExpectedTag& expected,
             {field.label, std::string(value), std::string(field.expected)});
     }
 
-    result.seconds = TagSeconds(tag.comment);
+    result.seconds = TagSeconds(tag);
     if (LengthsDisagree(result.seconds, databaseSeconds)) {
         differs = true;
         result.differences.push_back({tag_label::Comment, LengthDifference(result.seconds),

@@ -12,11 +12,12 @@
 #include "run/log.h"
 #include "run/run.h"
 #include "run/steps.h"
+#include "tags/known_tags.h"
 
 namespace quillon {
 namespace {
 
-enum class VerifyStep { AllFolders = 1 };
+enum class VerifyStep { AllFolders = 1, KeepTags = 2 };
 
 std::vector<FolderEntry> SubFolders(Run& run, Steps& steps, const FolderEntry& folder) {
     Listing<FolderEntry> folders;
@@ -82,6 +83,7 @@ void VerifyID3Tags(Run& run) {
         }
         if (!run.AbortRequested) RemoveDuplicateFiles(run, std::move(rests));
     });
+    if (run.knownTags) steps.Try(VerifyStep::KeepTags, [&run] { run.knownTags->Save(); });
 }
 
 TagChanges CountTagChanges(Run& run) {

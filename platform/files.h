@@ -20,6 +20,9 @@ struct FileEntry {
     std::string name;
     std::uint64_t size = 0;  ///< bytes
     DateTime modified;       ///< local time, to the second
+    /// When its content, name or rights last became others, by the system's own count, which nobody
+    /// sets: whatever is the same file at the same count has not been touched. 0: not known.
+    std::int64_t changed = 0;
 };
 
 struct FolderEntry {

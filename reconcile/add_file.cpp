@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -10,6 +11,8 @@
 #include "database/move_to_id.h"
 #include "database/spinner_rows.h"
 #include "database/sql.h"
+#include "id3/same_sound.h"
+#include "id3/tag_agreement.h"
 #include "platform/basic_text.h"
 #include "platform/clock.h"
 #include "platform/failure.h"
@@ -119,6 +122,8 @@ class Addition {
 
     void Describe(std::string_view artist, std::string_view album);
     void LookUp();
+    bool HasTrack(const std::string& soundFile) const;
+    bool IsAddedAsCut() const;
     void Copy();
     void FindOrAddAlbum();
     bool TryCover();
@@ -159,8 +164,9 @@ void Addition::Describe(std::string_view artist, std::string_view album) {
             FailureNumber::PathFileAccess,
             "Not added, since nobody knows without its tag where it belongs: " + path_, path_);
     }
-    ReadTagInto(file_, *tag, [this](std::string_view number) {
-        return GenreOfNumber(*run_.connection, number);
+    ReadTagInto(file_, *tag, [this, &tag](std::string_view genre) {
+        const bool isName = !tag->isRecorded && !IsNumeric(genre);
+        return isName ? std::string(genre) : GenreOfNumber(*run_.connection, genre);
     });
     // A title taken from a folder's name cannot be the file's.
     if (file_.title.find('\\') != std::string::npos && file_.title == TitleInPath(path_))
@@ -174,8 +180,31 @@ void Addition::Describe(std::string_view artist, std::string_view album) {
 void Addition::LookUp() {
     if (file_.artist == adding_.artist && file_.album == adding_.album) cdjid_ = adding_.cdjid;
     if (cdjid_.empty()) cdjid_ = FindAlbum(*run_.connection, file_.artist, file_.album);
-    isKnown_ = !run_.connection->Query("SELECT ID FROM Tracks WHERE SoundFile =" + Quoted(target_))
-                    ->IsEmpty();
+    isKnown_ = HasTrack(target_) || IsAddedAsCut();
+}
+
+bool Addition::HasTrack(const std::string& soundFile) const {
+    return !run_.connection->Query("SELECT ID FROM Tracks WHERE SoundFile =" + Quoted(soundFile))
+                ->IsEmpty();
+}
+
+/// Whether the very music has been added by what version 1 had left of its names.
+bool Addition::IsAddedAsCut() const {
+    if (!run_.modern.readsAllTags) return false;
+    const std::vector<std::string> artists = CutTexts(file_.artist), albums = CutTexts(file_.album),
+                                   titles = CutTexts(file_.title);
+    const std::size_t count = std::max({artists.size(), albums.size(), titles.size()});
+    for (std::size_t i = 0; i < count; ++i) {
+        const auto cut = [i](const std::vector<std::string>& cuts, const std::string& whole) {
+            return cuts.empty() ? whole : cuts[std::min(i, cuts.size() - 1)];
+        };
+        const std::string target = adding_.root + cut(artists, file_.artist) + '\\' +
+                                   cut(albums, file_.album) + '\\' + cut(titles, file_.title) +
+                                   ".mp3";
+        const bool isThere = target != target_ && HasTrack(target) && run_.files.FileExists(target);
+        if (isThere && HaveSameSound(run_.files, path_, target)) return true;
+    }
+    return false;
 }
 
 void Addition::Copy() {

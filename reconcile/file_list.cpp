@@ -8,6 +8,7 @@
 #include "platform/failure.h"
 #include "run/sound_files.h"
 #include "tags/length_text.h"
+#include "tags/tag_reader.h"
 
 namespace quillon {
 namespace {
@@ -24,9 +25,20 @@ void SortByDate(FileList& files) {
 
 TrackTag TrackTagOf(Tag tag) {
     const Tag recorded = AsRecorded(std::move(tag));
+    if (!recorded.seconds.empty()) return {.number = recorded.track, .seconds = recorded.seconds};
     const std::optional<LengthMark> length = LengthInComment(recorded.comment);
     const bool isWhole = length && length->isClosed;
     return {.number = recorded.track, .seconds = std::string(isWhole ? length->seconds : "")};
+}
+
+std::optional<TrackTag> ReadTrackTag(Run& run, const ListedFile& file) {
+    std::optional<Tag> tag = ReadID3(run, FileEntry{.path = file.Name,
+                                                    .name = {},
+                                                    .size = file.Size,
+                                                    .modified = file.FileDate,
+                                                    .changed = file.Changed});
+    if (!tag) return std::nullopt;
+    return TrackTagOf(*std::move(tag));
 }
 
 std::int16_t FileCount(std::size_t files) {
@@ -39,7 +51,10 @@ FileList ProcessAlbumTracks(std::span<const FileEntry> albumFolder) {
     FileList list;
     for (const FileEntry& file : albumFolder) {
         if (!IsSoundFile(file.name)) continue;
-        list.push_back({.Name = file.path, .FileDate = file.modified, .Size = file.size});
+        list.push_back({.Name = file.path,
+                        .FileDate = file.modified,
+                        .Size = file.size,
+                        .Changed = file.changed});
     }
     SortByDate(list);
     return list;

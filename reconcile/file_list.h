@@ -13,6 +13,8 @@
 
 namespace quillon {
 
+class Run;
+
 /// What a track takes from its file's tag, as it stands there; "" where that says nothing.
 struct TrackTag {
     std::string number;
@@ -24,12 +26,16 @@ TrackTag TrackTagOf(Tag tag);
 
 /// A sound file of the album in hand.
 struct ListedFile {
-    std::string Name;        ///< full path
-    DateTime FileDate;       ///< last modified
-    std::uint64_t Size = 0;  ///< bytes
-    std::int64_t ID = 0;     ///< its row in `Tracks` while that waits for a number, else 0
+    std::string Name;          ///< full path
+    DateTime FileDate;         ///< last modified
+    std::uint64_t Size = 0;    ///< bytes
+    std::int64_t Changed = 0;  ///< as `FileEntry::changed`
+    std::int64_t ID = 0;       ///< its row in `Tracks` while that waits for a number, else 0
     std::optional<TrackTag> Tag = {};  ///< once it is read
 };
+
+/// What its tag says; nothing where it could not be read, which is logged.
+std::optional<TrackTag> ReadTrackTag(Run& run, const ListedFile& file);
 
 /// The sound files of one album, oldest first; files of one age in the order of their folder.
 using FileList = std::vector<ListedFile>;

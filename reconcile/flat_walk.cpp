@@ -83,6 +83,7 @@ class FlatWalk {
         groups_[place->second].files.push_back({.Name = std::move(file.path),
                                                 .FileDate = file.modified,
                                                 .Size = file.size,
+                                                .Changed = file.changed,
                                                 .Tag = TrackTagOf(*std::move(tag))});
     }
 

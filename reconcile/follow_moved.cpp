@@ -125,9 +125,8 @@ class Following {
     std::int64_t TagSeconds(const FoundFile& found) {
         ListedFile& file = FileOf(found);
         if (!file.Tag) {
-            std::optional<Tag> tag = ReadID3(run_, file.Name);
-            if (!tag) return UnknownLength - 1;
-            file.Tag = TrackTagOf(*std::move(tag));
+            file.Tag = ReadTrackTag(run_, file);
+            if (!file.Tag) return UnknownLength - 1;
         }
         const std::optional<double> seconds = ToNumber(file.Tag->seconds);
         return seconds ? static_cast<std::int64_t>(*seconds) : UnknownLength;

@@ -18,6 +18,7 @@
 #include "run/log.h"
 #include "run/run.h"
 #include "run/steps.h"
+#include "tags/known_tags.h"
 
 namespace quillon {
 namespace {
@@ -111,9 +112,12 @@ void RefreshDatabase(Run& run) {
     if (!isSwept) TakeBackNumbers(walk, steps);
     const bool isSaved = steps.Try(RefreshStep::ChangeRows, [&] { walk.library.Save(); });
     if (walk.waiting && isSwept && isSaved) ForgetReturned(walk);
-    if (!walk.moved) return;
-    const Share share(run, EndOfSearch, 1);
-    walk.moved->Remember();
+    if (walk.moved) {
+        const Share share(run, EndOfSearch, 1);
+        walk.moved->Remember();
+    }
+    if (run.knownTags && !run.AbortRequested)
+        steps.Try(RefreshStep::KeepTags, [&run] { run.knownTags->SaveKept(); });
 }
 
 }  // namespace quillon

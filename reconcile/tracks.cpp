@@ -15,13 +15,14 @@
 #include "database/sql.h"
 #include "database/waiting_music.h"
 #include "id3/file_names.h"
+#include "id3/track_of_file.h"
 #include "platform/basic_text.h"
 #include "platform/clock.h"
 #include "reconcile/new_rows.h"
 #include "reconcile/number_order.h"
 #include "run/log.h"
 #include "run/steps.h"
-#include "tags/tag_reader.h"
+#include "tags/known_tags.h"
 
 namespace quillon {
 namespace {
@@ -74,13 +75,14 @@ class AlbumTracks {
         TrackRow* row = nullptr;
         if (!steps_.Try(Step::FindRow, [&] { row = FindRow(file.Name); })) return;
         if (album_.cdjid == NoCdjid) return;  // no album to hold a row
+        if (run_.knownTags) run_.knownTags->Keep(file.Name);
         const bool isNew = row == nullptr;
         if (isNew) {
             if (!steps_.Try(Step::AddRow, [&] { row = AddRow(file); }) || row == nullptr) return;
         } else {
             // A row that cannot take a value keeps the old one, and still gets its number: without
             // it the sweep would delete the row of a file that is there.
-            steps_.Try(Step::ChangeRow, [&] { ChangeRow(*row, file.Name); });
+            steps_.Try(Step::ChangeRow, [&] { ChangeRow(*row, file); });
         }
         lastPlaced_ = row->soundFile;
         CheckNumber(*row, file, isNew);
@@ -149,8 +151,7 @@ class AlbumTracks {
 
     std::optional<std::int64_t> TagNumber(ListedFile& file) {
         constexpr double Most = std::numeric_limits<std::int16_t>::max();
-        if (!file.Tag)
-            file.Tag = TrackTagOf(ReadListedID3(run_, file.Name, file.Size).value_or(Tag()));
+        if (!file.Tag) file.Tag = ReadTrackTag(run_, file).value_or(TrackTag());
         const std::optional<double> number = ToNumber(file.Tag->number);
         if (!number || *number < 0 || *number > Most) return std::nullopt;
         return ToInteger(file.Tag->number);
@@ -182,11 +183,8 @@ class AlbumTracks {
     TrackRow* AddRow(ListedFile& file) {
         constexpr std::int64_t UnknownLength = -1;
         const std::string& path = file.Name;
-        if (!file.Tag) {
-            std::optional<Tag> tag = ReadListedID3(run_, path, file.Size);
-            if (!tag) return nullptr;
-            file.Tag = TrackTagOf(*std::move(tag));
-        }
+        if (!file.Tag) file.Tag = ReadTrackTag(run_, file);
+        if (!file.Tag) return nullptr;
         const std::optional<std::int64_t> number = IntegerIn(file.Tag->number);
         const std::optional<std::int64_t> length = IntegerIn(file.Tag->seconds);
         TrackRow& row = library_.AddTrack(FieldsOf(
@@ -202,12 +200,23 @@ class AlbumTracks {
         return &row;
     }
 
-    void ChangeRow(TrackRow& row, const std::string& path) {
-        const std::string title = GetTrackName(path, run_.settings.FlatStructure);
+    /// A length that nobody knew may be known by now: version 1 has no place for it.
+    void FindLength(const TrackRow& row, ListedFile& file, std::vector<FieldValue>& changes) {
+        if (!run_.modern.readsAllTags || LengthOf(row)) return;
+        if (!file.Tag) file.Tag = ReadTrackTag(run_, file);
+        const auto length = file.Tag ? IntegerIn(file.Tag->seconds) : std::nullopt;
+        if (!length || *length <= 0) return;
+        changes.push_back({"Minutes", *length / 60});
+        changes.push_back({"Seconds", *length % 60});
+    }
+
+    void ChangeRow(TrackRow& row, ListedFile& file) {
+        const std::string title = GetTrackName(file.Name, run_.settings.FlatStructure);
         std::vector<FieldValue> changes;
         if (row.cdjid != album_.cdjid) changes.push_back({"CDJID", album_.cdjid});
         if (row.title != title) changes.push_back({"Title", title});
         if (row.artist != album_.artist) changes.push_back({"Artist", album_.artist});
+        FindLength(row, file, changes);
         if (changes.empty()) return;
         library_.Change(row, changes);
         changed_.insert(row.id);

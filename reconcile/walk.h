@@ -15,7 +15,7 @@
 namespace quillon {
 
 /// The steps of refreshing the database.
-enum class RefreshStep { Begin = 1, FindAbsentFolders = 2, ChangeRows = 3 };
+enum class RefreshStep { Begin = 1, FindAbsentFolders = 2, ChangeRows = 3, KeepTags = 4 };
 class MovedMusic;
 class WaitingMusic;
 

@@ -27,6 +27,9 @@
 
 namespace quillon {
 
+class KnownTags;
+class TagFormats;
+
 /// What a run did, for its summary line and exit status.
 struct RunCounts {
     std::size_t albumsAdded = 0, albumsChanged = 0, albumsRemoved = 0, albumsUnchanged = 0;
@@ -82,6 +85,12 @@ class Run {
 
     /// What is done for music, pages and players of today.
     ModernMusic modern;
+
+    /// Reads tags of all kinds where `modern` asks for it; null: only those of version 1 are read.
+    TagFormats* tagFormats = nullptr;
+
+    /// What tags of all kinds have been found to say, while a reconciliation reads them.
+    std::shared_ptr<KnownTags> knownTags;
 
     /// Opens further connections; set by the driver at the start.
     DatabaseProvider* databases = nullptr;

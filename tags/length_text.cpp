@@ -30,6 +30,14 @@ std::optional<LengthMark> LengthInComment(std::string_view comment) {
                       .isClosed = closing != std::string_view::npos};
 }
 
+std::string WholeSecondsIn(std::string_view comment) {
+    const std::optional<LengthMark> length = LengthInComment(comment);
+    const std::optional<double> number =
+        length && length->isClosed ? ToNumber(length->seconds) : std::nullopt;
+    if (!number || *number < 0.5 || *number > std::numeric_limits<std::int16_t>::max()) return "";
+    return std::to_string(static_cast<std::int64_t>(std::nearbyint(*number)));
+}
+
 std::string LengthComment(std::string_view seconds) {
     return std::string(CommentOpening).append(seconds).append("'");
 }

@@ -16,6 +16,10 @@ struct LengthMark {
 /// Nothing when the comment holds no such text. Valid as long as the comment.
 std::optional<LengthMark> LengthInComment(std::string_view comment);
 
+/// The number of seconds that a comment says, rounded to whole ones; "" for none, for what is no
+/// number above 0 and for what the database cannot hold.
+std::string WholeSecondsIn(std::string_view comment);
+
 /// The comment text for a length: "Length='" + seconds + "'".
 std::string LengthComment(std::string_view seconds);
 

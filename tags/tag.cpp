@@ -87,6 +87,7 @@ std::string TagRecord(const Tag& tag) {
 
 std::size_t PiecesOf(const Tag& tag) {
     std::size_t pieces = TagFields.size();
+    if (!tag.isRecorded) return pieces;
     for (const TagField& field : TagFields) {
         const std::string& text = tag.*field.text;
         for (std::size_t bar = text.find('|'); bar != std::string::npos;

@@ -12,14 +12,21 @@ namespace quillon {
 /// Bytes of an ID3 version 1 tag, which ends the file.
 constexpr std::size_t TagSize = 128;
 
-/// What a file's ID3 version 1 tag says, each field as it stands there: blanks that fill a field
-/// belong to it. All fields are empty where there is no tag.
+/// What a file's tag says: that of ID3 version 1, or where all kinds of tags are read, those
+/// together with texts in full. Each field is as it stands there: blanks that fill a field belong
+/// to it. The fields up to the genre are empty where there is no tag.
 struct Tag {
     std::string marker;  ///< "TAG" in any letter case
     std::string song, artist, album, year, comment;
     std::string ver = {};  ///< nothing is ever read into it
     std::string track;     ///< decimal digits; "" without a number
     std::string genre;     ///< a name
+
+    // What version 1 does not tell.
+    std::string disc = {};     ///< decimal digits; "" without a number
+    std::string seconds = {};  ///< length, by the comment or else by the sound; "" if not known
+    /// Whether it is told by a record, where a "|" in a field shifts what is behind it.
+    bool isRecorded = true;
 
     bool IsThere() const { return !marker.empty(); }
     bool operator==(const Tag&) const = default;
@@ -56,7 +63,7 @@ constexpr std::array<TagField, 9> TagFields{{{tag_label::Marker, 3, &Tag::marker
 std::string TagRecord(const Tag& tag);
 
 /// How many pieces with a "|" behind them its record has: nine, and one more for each "|" in a
-/// field.
+/// field. A tag that is not told by a record always has nine.
 std::size_t PiecesOf(const Tag& tag);
 
 /// The tag as its record tells it. Nothing is escaped there: a "|" in a field shifts what is behind

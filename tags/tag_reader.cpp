@@ -5,15 +5,19 @@
 #include <string>
 #include <utility>
 
+#include "platform/basic_text.h"
 #include "platform/database.h"
 #include "platform/failure.h"
 #include "run/run.h"
 #include "run/steps.h"
+#include "tags/known_tags.h"
+#include "tags/length_text.h"
+#include "tags/tag_formats.h"
 
 namespace quillon {
 namespace {
 
-enum class ReadTagStep { Look = 2, Open = 3, Read = 4, FindGenre = 10 };
+enum class ReadTagStep { KnownTags = 1, Look = 2, Open = 3, Read = 4, FindGenre = 10 };
 constexpr const char* Location = "Read ID3 File Error:";
 
 /// The tag of a file that has more bytes than a tag.
@@ -38,6 +42,83 @@ std::optional<Tag> ReadLongFile(Run& run, Steps& steps, std::string_view path, G
     return tag;
 }
 
+bool ReadsAllTags(const Run& run) {
+    return run.modern.readsAllTags && run.tagFormats != nullptr;
+}
+
+/// Where a text has only blanks, that of version 1 takes its place.
+FoundTag Together(OtherTags other, const Tag& old, std::optional<std::uint8_t> oldGenre) {
+    FoundTag found{.tag = std::move(other.tag), .genreNumber = other.genreNumber};
+    Tag& tag = found.tag;
+    tag.isRecorded = false;
+    if (old.IsThere() && !tag.IsThere()) tag.marker = old.marker;
+    for (const TagField& field : TagFields) {
+        std::string& text = tag.*field.text;
+        if (Trim(text).empty()) text = old.*field.text;
+    }
+    if (tag.genre.empty() && !found.genreNumber) found.genreNumber = oldGenre;
+    tag.seconds = WholeSecondsIn(tag.comment);
+    if (tag.seconds.empty()) tag.seconds = WholeSecondsIn(old.comment);
+    if (tag.seconds.empty() && other.seconds) tag.seconds = std::to_string(*other.seconds);
+    return found;
+}
+
+/// Opens the file once, for all that is to be known of it.
+std::optional<FoundTag> ReadFound(Run& run, Steps& steps, const FileEntry& file) {
+    FoundTag found;
+    found.tag.isRecorded = false;
+    if (file.size == 0) return found;
+    std::unique_ptr<BinaryReader> stream;
+    if (!steps.Try(ReadTagStep::Open, [&] { stream = run.files.OpenBinary(file.path); }))
+        return std::nullopt;
+    const bool isRead = steps.Try(ReadTagStep::Read, [&] {
+        const std::uint64_t size = stream->Size();
+        const auto count = std::min<std::uint64_t>(size, TagFormats::EndSize);
+        stream->SetPosition(size - count);
+        const std::vector<std::uint8_t> end = stream->Read(static_cast<std::size_t>(count));
+        if (end.size() != count) throw Failure(FailureNumber::InputPastEnd, file.path);
+        Tag old;
+        std::optional<std::uint8_t> genre;
+        if (size > TagSize) {
+            const auto last = std::span(end).last(TagSize);
+            old = TagIn(last);
+            if (old.IsThere()) genre = GenreNumberIn(last);
+        }
+        found = Together(run.tagFormats->Read(*stream, end), old, genre);
+    });
+    if (!isRead) return std::nullopt;
+    return found;
+}
+
+/// What is known of tags is read when it is first asked for; where it cannot be, all is read anew.
+KnownTags& TagsKnownTo(Run& run, Steps& steps) {
+    if (!run.knownTags)
+        steps.Try(ReadTagStep::KnownTags,
+                  [&run] { run.knownTags = std::make_shared<KnownTags>(run); });
+    if (!run.knownTags) run.knownTags = KnownTags::Nothing(run);
+    return *run.knownTags;
+}
+
+Tag Told(const Run& run, FoundTag found, GenreAs genre) {
+    if (found.genreNumber)
+        found.tag.genre = genre == GenreAs::Name ? run.GenreNames[*found.genreNumber]
+                                                 : std::to_string(*found.genreNumber);
+    return std::move(found.tag);
+}
+
+std::optional<Tag> ReadAllTags(Run& run, const FileEntry& file) {
+    Steps steps(run, Location);
+    KnownTags& known = TagsKnownTo(run, steps);
+    std::optional<FoundTag> found = known.Find(file);
+    if (!found) {
+        steps.Concerning(file.path);
+        found = ReadFound(run, steps, file);
+        if (!found) return std::nullopt;
+        known.Set(file, *found);
+    }
+    return Told(run, *std::move(found), GenreAs::Name);
+}
+
 std::string GenreNameOf(Run& run, std::uint8_t number) {
     const std::unique_ptr<RecordSet> found = run.connection->Query(
         "SELECT Genre FROM SpinnerGenre WHERE GenreId =" + std::to_string(number));
@@ -51,14 +132,20 @@ std::optional<Tag> ReadID3(Run& run, std::string_view path, GenreAs genre) {
     steps.Concerning(path);
     FileEntry file;
     if (!steps.Try(ReadTagStep::Look, [&] { file = run.files.GetFile(path); })) return std::nullopt;
+    if (ReadsAllTags(run)) {
+        std::optional<FoundTag> found = ReadFound(run, steps, file);
+        if (!found) return std::nullopt;
+        return Told(run, *std::move(found), genre);
+    }
     return file.size > TagSize ? ReadLongFile(run, steps, file.path, genre) : Tag();
 }
 
-std::optional<Tag> ReadListedID3(Run& run, std::string_view path, std::uint64_t size) {
-    if (size <= TagSize) return Tag();
+std::optional<Tag> ReadID3(Run& run, const FileEntry& file) {
+    if (ReadsAllTags(run)) return ReadAllTags(run, file);
+    if (file.size <= TagSize) return Tag();
     Steps steps(run, Location);
-    steps.Concerning(path);
-    return ReadLongFile(run, steps, path, GenreAs::Name);
+    steps.Concerning(file.path);
+    return ReadLongFile(run, steps, file.path, GenreAs::Name);
 }
 
 FileEnd ReadTagEnd(Files& files, std::string_view path) {

@@ -19,13 +19,16 @@ enum class GenreAs {
 
 /// A file's ID3 version 1 tag; nothing where it could not be read. Never throws: a failure is
 /// logged with "Read ID3 File Error:".
+///
+/// Where the run reads tags of all kinds: what these say together. A field of ID3 version 2, or
+/// without one of APE, goes before that of version 1. The length is that of a comment, version 2
+/// first, else that of the sound; it may be known of a file without a tag. A genre that has a name
+/// there keeps it, with GenreAs::Number, too.
 std::optional<Tag> ReadID3(Run& run, std::string_view path, GenreAs genre = GenreAs::Name);
 
-/// The same for a file that has just been listed, which need not be looked at again.
-std::optional<Tag> ReadListedID3(Run& run, std::string_view path, std::uint64_t size);
-inline std::optional<Tag> ReadID3(Run& run, const FileEntry& file) {
-    return ReadListedID3(run, file.path, file.size);
-}
+/// The same for a file that has just been listed, which need not be looked at again, nor opened
+/// where it is known what its tags say.
+std::optional<Tag> ReadID3(Run& run, const FileEntry& file);
 
 /// The end of a file, as far as a tag may lie there. Throws Failure.
 FileEnd ReadTagEnd(Files& files, std::string_view path);

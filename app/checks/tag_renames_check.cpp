@@ -11,6 +11,7 @@
 #include "platform/failure.h"
 #include "run/excluded_artists.h"
 #include "run/run.h"
+#include "taglib/tag_library.h"
 
 namespace quillon {
 namespace {
@@ -81,6 +82,9 @@ void CheckTagRenames(LocalHost& local, const Settings& settings, Findings& findi
     NoWindow window;
     Run run(host, local.files, local.clock, window);
     run.settings = settings;
+    TagLibrary tags;
+    run.tagFormats = &tags;
+    run.modern = ReadModernMusic(host);
     run.LibraryFolders = BuildLibraryFolders(local.files, settings);
     ReadExcludeList(run);
     const TagChanges changes = CountTagChanges(run);

@@ -28,6 +28,7 @@
 #include "jet/lock.h"
 #include "run/log.h"
 #include "run/run.h"
+#include "taglib/tag_library.h"
 
 namespace quillon {
 namespace {
@@ -151,6 +152,8 @@ int PreviewRun(const PreviewRequest& request, Console console) {
     });
     Run run(host, files, local.clock, view);
     current = &run;
+    TagLibrary tags;
+    run.tagFormats = &tags;
     run.removals.allAllowed = request.allowRemovals;
     const RunOutcome outcome = LibraryForm(run, local.databases, ProgramVersion).Form_Load();
     run.ForgetTables();

@@ -25,6 +25,7 @@
 #include "driver/modes.h"
 #include "run/log.h"
 #include "run/run.h"
+#include "taglib/tag_library.h"
 
 namespace quillon {
 namespace {
@@ -107,6 +108,8 @@ int RunLibrary(const RunRequest& request) {
     JournalledView shown(*view, recording.Journal(), [&current] { return ModeOf(*current); });
     Run run(local.host, recording.RunFiles(), local.clock, shown);
     current = &run;
+    TagLibrary tags;
+    run.tagFormats = &tags;
     run.removals.allAllowed = request.allowRemovals;
     recording.Accompany(run);
     local.files.ClearUnfinished();

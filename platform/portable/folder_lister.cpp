@@ -238,8 +238,10 @@ int FolderLister::OpenListed(std::string_view path, int flags) {
 
 FileEntry FolderLister::MakeFileEntry(std::string path, std::string name,
                                       const struct stat& facts) {
+    constexpr std::int64_t Nanoseconds = 1'000'000'000;
     return {std::move(path), std::move(name), static_cast<std::uint64_t>(facts.st_size),
-            localTime_.Of(facts.st_mtim.tv_sec)};
+            localTime_.Of(facts.st_mtim.tv_sec),
+            std::int64_t{facts.st_ctim.tv_sec} * Nanoseconds + facts.st_ctim.tv_nsec};
 }
 
 }  // namespace quillon

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <utility>
+#include <vector>
+
+#include "platform/files.h"
+
+namespace quillon {
+
+/// Bytes of a file, of which only pieces are read, and not many: what asks for more pieces than any
+/// sound file needs is led astray by it, and gets nothing more.
+class ByteWindow {
+  public:
+    /// `file` must outlive this object.
+    explicit ByteWindow(BinaryReader& file) : file_(&file), size_(file.Size()) {}
+    /// Over bytes that are at hand.
+    explicit ByteWindow(std::vector<std::uint8_t> bytes)
+        : size_(bytes.size()), bytes_(std::move(bytes)) {}
+
+    std::uint64_t Size() const { return size_; }
+
+    /// The bytes at a place; fewer where there are no more. Valid until the next call. `count` is
+    /// at most MostAtOnce.
+    std::span<const std::uint8_t> At(std::uint64_t position, std::size_t count);
+
+    static constexpr std::size_t MostAtOnce = std::size_t{512} * 1024;
+
+  private:
+    static constexpr std::size_t PieceSize = 4096, MostPieces = 256, MostBytes = 4 * MostAtOnce;
+
+    BinaryReader* file_ = nullptr;
+    std::uint64_t size_;
+    std::uint64_t from_ = 0;
+    std::vector<std::uint8_t> bytes_;
+    std::size_t pieces_ = 0, read_ = 0;
+};
+
+}  // namespace quillon

@@ -1,0 +1,116 @@
+#include "taglib/tag_library.h"
+
+#include <algorithm>
+#include <array>
+#include <string>
+#include <string_view>
+
+#include "platform/basic_text.h"
+#include "taglib/ape_items.h"
+#include "taglib/field_text.h"
+#include "taglib/frame_text.h"
+#include "taglib/sound_length.h"
+
+namespace quillon {
+namespace {
+
+/// Names in version 2.2, and in later ones, of which dates have two.
+struct FrameField {
+    std::string_view shortName, name, newName;
+    std::string Tag::* field;
+};
+
+constexpr std::array<FrameField, 8> FrameFields{{{"TT2", "TIT2", "TIT2", &Tag::song},
+                                                 {"TP1", "TPE1", "TPE1", &Tag::artist},
+                                                 {"TAL", "TALB", "TALB", &Tag::album},
+                                                 {"TYE", "TYER", "TDRC", &Tag::year},
+                                                 {"COM", "COMM", "COMM", &Tag::comment},
+                                                 {"TRK", "TRCK", "TRCK", &Tag::track},
+                                                 {"TPA", "TPOS", "TPOS", &Tag::disc},
+                                                 {"TCO", "TCON", "TCON", &Tag::genre}}};
+
+std::string Tag::* FieldOfFrame(std::string_view name) {
+    const auto found = std::ranges::find_if(FrameFields, [name](const FrameField& field) {
+        return name == field.name || name == field.newName || name == field.shortName;
+    });
+    return found == FrameFields.end() ? nullptr : found->field;
+}
+
+/// Nothing for what is no number of a genre.
+std::optional<std::uint8_t> GenreNumberOf(std::string_view value) {
+    if (value.empty() || value.size() > 3) return std::nullopt;
+    unsigned number = 0;
+    for (const char digit : value) {
+        if (digit < '0' || digit > '9') return std::nullopt;
+        number = number * 10 + static_cast<unsigned>(digit - '0');
+    }
+    if (number > 255) return std::nullopt;
+    return static_cast<std::uint8_t>(number);
+}
+
+/// A name before a number: "(17)" and "Hard Rock" say the same, one better than the other.
+void TakeGenre(OtherTags& found, const std::vector<std::string>& values) {
+    for (const std::string& value : values) {
+        if (const auto number = GenreNumberOf(value)) {
+            if (!found.genreNumber) found.genreNumber = number;
+        } else if (found.tag.genre.empty()) {
+            found.tag.genre = value;
+        }
+    }
+}
+
+/// The first text of a kind counts. Comments of something, as programs leave them for themselves,
+/// are none.
+void Take(OtherTags& found, std::string Tag::* field, const FrameText& text) {
+    if (text.values.empty() || !text.about.empty()) return;
+    if (field == &Tag::genre) return TakeGenre(found, text.values);
+    if ((found.tag.*field).empty()) found.tag.*field = FieldValueOf(field, text.values.front());
+}
+
+void ReadFrames(ByteWindow& file, const Id3v2Header& header, OtherTags& found) {
+    const FrameReader reader(file.At(0, Id3v2Header::Size));
+    Id3v2Body body;
+    FindBody(file, header, body);
+    VisitFrames(header, body, [&](const Id3v2Frame& frame) {
+        std::string Tag::* const field = FieldOfFrame(frame.name);
+        if (field == nullptr || frame.size > LongestText) return true;
+        const auto size = static_cast<std::size_t>(header.FrameHeader() + frame.size);
+        const auto bytes = body.bytes->At(frame.at, size);
+        if (bytes.size() < size) return false;
+        Take(found, field, reader.Read(frame, bytes));
+        return true;
+    });
+    if (!found.tag.genre.empty()) found.genreNumber.reset();
+    MarkIfAny(found.tag);
+    if (found.genreNumber) found.tag.marker = "TAG";
+}
+
+bool EndsWithTag(std::span<const std::uint8_t> end) {
+    if (end.size() < TagSize) return false;
+    const auto marker = end.last(TagSize).first(3);
+    return EqualIgnoringCase(std::string(marker.begin(), marker.end()), "TAG");
+}
+
+}  // namespace
+
+OtherTags TagLibrary::Read(BinaryReader& file, std::span<const std::uint8_t> end) {
+    OtherTags found;
+    ByteWindow bytes(file);
+    std::uint64_t soundBegin = 0, soundEnd = bytes.Size();
+    const std::optional<Id3v2Header> header = ReadId3v2Header(bytes);
+    if (header) {
+        soundBegin = header->size;
+        ReadFrames(bytes, *header, found);
+    }
+    if (EndsWithTag(end)) {
+        soundEnd -= TagSize;
+        end = end.first(end.size() - TagSize);
+    }
+    const std::uint64_t ape = ApeSize(end, soundEnd);
+    if (ape > 0 && !found.tag.IsThere()) found.tag = ReadApe(bytes, soundEnd - ape, soundEnd);
+    soundEnd -= ape;
+    if (soundEnd > soundBegin) found.seconds = SoundSeconds(bytes, soundBegin, soundEnd);
+    return found;
+}
+
+}  // namespace quillon

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "tags/tag_formats.h"
+
+namespace quillon {
+
+/// Tags as the TagLib library understands them.
+class TagLibrary : public TagFormats {
+  public:
+    OtherTags Read(BinaryReader& file, std::span<const std::uint8_t> end) override;
+};
+
+}  // namespace quillon
