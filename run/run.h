@@ -27,6 +27,8 @@
 
 namespace quillon {
 
+class Thumbnails;
+
 /// What a run did, for its summary line and exit status.
 struct RunCounts {
     std::size_t albumsAdded = 0, albumsChanged = 0, albumsRemoved = 0, albumsUnchanged = 0;
@@ -85,6 +87,9 @@ class Run {
 
     /// Opens further connections; set by the driver at the start.
     DatabaseProvider* databases = nullptr;
+
+    /// Makes small pictures of covers; set by whoever makes the run.
+    Thumbnails* thumbnails = nullptr;
 
     /// The library database; set by `main`.
     std::unique_ptr<Connection> connection;

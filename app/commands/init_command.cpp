@@ -233,7 +233,13 @@ std::string HostText(const Plan& plan) {
         "within them, all\n"
         "; is as before. 0: the row is removed at once.\n"
         "[Missing]\n"
-        "KeepDays=14\n";
+        "KeepDays=14\n"
+        "\n"
+        "; modern: the album picker's pages have large covers, a search field, genres and new albums. "
+        "classic:\n"
+        "; they are plain tables.\n"
+        "[Picker]\n"
+        "Style=modern\n";
     return text + SafetyText();
 }
 

@@ -151,6 +151,7 @@ int PreviewRun(const PreviewRequest& request, Console console) {
     });
     Run run(host, files, local.clock, view);
     current = &run;
+    run.thumbnails = &local.thumbnails;
     run.removals.allAllowed = request.allowRemovals;
     const RunOutcome outcome = LibraryForm(run, local.databases, ProgramVersion).Form_Load();
     run.ForgetTables();

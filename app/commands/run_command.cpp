@@ -87,6 +87,7 @@ int RunLibrary(const RunRequest& request) {
     JournalledView shown(*view, recording.Journal(), [&current] { return ModeOf(*current); });
     Run run(local.host, recording.RunFiles(), local.clock, shown);
     current = &run;
+    run.thumbnails = &local.thumbnails;
     run.removals.allAllowed = request.allowRemovals;
     recording.Accompany(run);
     local.files.ClearUnfinished();
