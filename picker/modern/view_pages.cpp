@@ -52,9 +52,10 @@ std::string ViewPages::Page(const PickerView& view, std::size_t page) const {
                      "</p>");
     }
     text += Headings(view, page);
+    text += Line("<div class='picker-sections'>");
     for (const Piece& piece : view.pages[page])
         text += Albums(view, piece);
-    return text + Steps(view, page) + frame_.End();
+    return text + Line("</div>") + Steps(view, page) + frame_.End();
 }
 
 /// The bar that leads to all headings of the view, on whatever page they are.
@@ -73,7 +74,8 @@ std::string ViewPages::Headings(const PickerView& view, std::size_t page) const 
 std::string ViewPages::Albums(const PickerView& view, const Piece& piece) const {
     const Section& section = view.sections[piece.section];
     const std::string place = PickerView::SectionPlace(piece.section);
-    std::string text = "<section aria-labelledby='" + place + "'><h2 id='" + place + "'>" +
+    std::string text = "<section aria-labelledby='" + place +
+                       "' style='--count:" + std::to_string(piece.count) + "'><h2 id='" + place + "'>" +
                        Isolated(section.heading);
     if (piece.first != 0) text += " <span class='picker-more'>continued</span>";
     text += Line("</h2>");

@@ -8,6 +8,7 @@
     const found = document.querySelector('.picker-found');
     const status = found.querySelector('[role=status]');
     const content = document.querySelector('.picker-content');
+    const title = document.createElement('h1');
     const step = 60;
 
     const albums = [];    // {artist, title, number, picture, tone, words}
@@ -130,7 +131,8 @@
         const tracksFound = (tracks ?? []).filter(track =>
             words.some(word => track.words.includes(word)) &&
             words.every(word => track.words.includes(word) || track.album.words.includes(word)));
-        const parts = [status,
+        title.textContent = 'Search results';
+        const parts = [title, status,
                        ...list('albums', 'Albums', albumsFound, card, 'picker-grid'),
                        ...list('tracks', 'Tracks', tracksFound, song, 'picker-songs')];
         status.textContent = tracks || missing

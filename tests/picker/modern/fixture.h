@@ -46,7 +46,7 @@ class ModernFixture : public PickerFixture {
     std::vector<std::string> ChangesOfAnotherBuild() {
         world.calls.Forget();
         Build();
-        return world.calls.Of({"Create", "Copy", "Delete", "Move", "Name", "Write", "Discard"});
+        return world.calls.Of({"Create", "Copy", "Delete", "Move", "Name ", "Write", "Discard"});
     }
 
     static constexpr const char* ThumbnailFolder =

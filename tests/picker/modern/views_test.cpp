@@ -16,7 +16,7 @@ struct Row {
 Catalogue CatalogueOf(const std::vector<Row>& rows) {
     Catalogue catalogue;
     for (const Row& row : rows) {
-        catalogue.all.albums.push_back({.cdjid = {}, .title = "Album", .artist = row.artist});
+        catalogue.all.albums.emplace_back().artist = row.artist;
         catalogue.extras.push_back({.genre = row.genre, .added = row.added, .thumbnail = {}});
     }
     return catalogue;
