@@ -27,6 +27,13 @@ std::string KeyOfNames(std::string_view artist, std::string_view title) {
     return LowerCase(artist) + Between + LowerCase(title);
 }
 
+/// Whether a text of the download table names a genre. Where its rows have been made of stream links,
+/// it may be a piece of a link that is only a number, and "other" says that nobody knows.
+bool NamesGenre(std::string_view text) {
+    return text.find_first_not_of("0123456789") != std::string_view::npos &&
+           !EqualIgnoringCase(text, "other");
+}
+
 /// The genres of one album's songs.
 class GenreVotes {
   public:
@@ -50,7 +57,7 @@ void AddGenres(Catalogue& catalogue, Connection& connection) {
     constexpr std::array<std::string_view, 3> Fields = {"Artist", "Album", "Genre"};
     connection.Scan("Spinner", Fields, [&](RowKey, std::span<const Value> values) {
         const std::string genre(Trim(TextIn(values[2])));
-        if (genre.empty()) return;
+        if (!NamesGenre(genre)) return;
         const auto found = genres.find(KeyOfNames(TextIn(values[0]), TextIn(values[1])));
         if (found != genres.end()) found->second.Add(genre);
     });

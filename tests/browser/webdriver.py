@@ -83,6 +83,7 @@ class Browser:
                      f"--user-data-dir={self._profile}",
                      f"--window-size={self._width},{self._height}"]
         return {"capabilities": {"alwaysMatch": {"browserName": "chrome",
+                                                 "timeouts": {"script": 1000 * ANSWER_LIMIT},
                                                  "goog:chromeOptions": {"args": arguments},
                                                  "goog:loggingPrefs": {"browser": "ALL"}}}}
 
