@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "images/gd_thumbnails.h"
 #include "platform/portable/host_folder.h"
 #include "platform/portable/jet_database.h"
 #include "platform/portable/path_resolver.h"
@@ -23,6 +24,7 @@ class LocalHost {
     PathResolver resolver;
     PortableFiles files;
     JetDatabaseProvider databases;
+    GdThumbnails thumbnails;
 };
 
 }  // namespace quillon

@@ -7,6 +7,8 @@ find_package(PkgConfig REQUIRED)
 pkg_check_modules(utf8proc REQUIRED IMPORTED_TARGET libutf8proc)
 pkg_check_modules(httplib REQUIRED IMPORTED_TARGET cpp-httplib)
 pkg_check_modules(taglib REQUIRED IMPORTED_TARGET taglib)
+pkg_check_modules(gd REQUIRED IMPORTED_TARGET gdlib)
+pkg_check_modules(png REQUIRED IMPORTED_TARGET libpng)
 set(CURSES_NEED_WIDE TRUE)
 find_package(Curses REQUIRED)
 

@@ -48,6 +48,19 @@ function(quillon_library name)
         PRIVATE quillon_build_kind ${ARG_PRIVATELY_USES})
 endfunction()
 
+# quillon_embed(HEADER FILES...)
+# Makes generated/HEADER: a row {"name", R"template(text)template"}, for each file, to be included in a table.
+function(quillon_embed header)
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${ARGN})
+    set(rows "")
+    foreach(path IN LISTS ARGN)
+        get_filename_component(name "${path}" NAME)
+        file(READ "${path}" text)
+        string(APPEND rows "    {\"${name}\", R\"template(${text})template\"},\n")
+    endforeach()
+    file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/generated/${header} CONTENT "@rows@" @ONLY)
+endfunction()
+
 # quillon_test(NAME SOURCES ... USES ... [COST N])
 # A GoogleTest program; CTest runs its cases one by one, under the sanitizers all at once. There, COST
 # says how long it takes: the longest begin first.

@@ -45,14 +45,15 @@ def tell(demo):
 
     pages = demo.host / "HTML" / "Quillon" / "AlbumPicker"
     index = (pages / "AlbumPicker0.asp").read_text("ascii")
-    thumbnails = re.findall(r"<img src=(\S+) alt=", index)
+    cards = re.findall(r"<li(?: id='\w+')?><a href='", index)
+    thumbnails = re.findall(r"<img class='picker-cover' src='(\S+)'", index)
     wanted = demo.rows(f"SELECT DISTINCT Albums.CDJID FROM Albums INNER JOIN Tracks "
                        f"ON Albums.CDJID = Tracks.CDJID WHERE Albums.Tracks >= {FEWEST_TRACKS}")
-    require(len(thumbnails) == len(wanted), "the index does not show every album")
+    require(len(cards) == len(wanted), "the index does not show every album")
     for cover in thumbnails:
         require((demo.host / "HTML" / unquote(cover).lstrip("/")).is_file(), f"{cover} is missing")
-    count = len(list(pages.glob("AlbumPicker*.asp"))) - 1
-    say(f"{len(thumbnails)} albums on {count} pages in {demo.shown(pages)}, covers beside them. "
-        f"\"{WITHOUT_COVER}\" has none and shows a record instead. They are pages for the "
+    count = len(list(pages.glob("AlbumPicker[0-9]*.asp"))) - 1
+    say(f"{len(cards)} albums on {count} pages in {demo.shown(pages)}, covers beside them. "
+        f"\"{WITHOUT_COVER}\" has none and shows its initials instead. They are pages for the "
         "host's web server; without one, this shows them in a browser:")
     print(f"  {demo.shown(demo.program)} serve --host {demo.shown(demo.host)}")

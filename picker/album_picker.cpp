@@ -12,10 +12,11 @@
 #include "picker/layout.h"
 #include "picker/links.h"
 #include "picker/locations.h"
+#include "picker/modern/modern_picker.h"
+#include "picker/page_files.h"
 #include "picker/pages.h"
 #include "picker/stylesheet.h"
 #include "platform/database.h"
-#include "platform/failure.h"
 #include "platform/files.h"
 #include "run/counted.h"
 #include "run/run.h"
@@ -24,28 +25,14 @@
 namespace quillon {
 namespace {
 
-enum class PickerStep { Locate = 1, ReplacePages = 2 };
-
 std::unique_ptr<PickerControls> ControlsFor(const Settings& settings) {
     if (settings.PickerFormatOption) return std::make_unique<PickerForms>();
     return std::make_unique<PickerLinks>();
 }
 
-void WriteText(Run& run, std::string_view folder, std::string_view name, std::string_view text) {
-    const std::unique_ptr<TextWriter> file =
-        run.files.CreateText(std::string(folder) + '\\' + std::string(name));
-    file->Write(text);
-    file->Close();
-}
-
 void WritePage(Run& run, std::string_view folder, std::size_t page, std::string_view text) {
-    WriteText(run, folder, PageFileName(page), text);
+    WritePickerFile(run, folder, PageFileName(page), text);
     ++run.counts.pagesWritten;
-}
-
-std::unique_ptr<Connection> OpenOwnConnection(Run& run) {
-    if (run.databases == nullptr) throw Failure(FailureNumber::ObjectRequired, "databases");
-    return run.databases->Open(PickerConnectionString(run.settings.Nirvis_CDJ_DB));
 }
 
 /// Writes the album pages one after the other, as long as nobody stops it.
@@ -54,7 +41,7 @@ void WriteAlbumPages(Run& run, const PickerPages& pages, std::string_view folder
     for (std::size_t page = 1; page <= pages.PageCount(); ++page) {
         std::string text = pages.BeginPage(page);
         for (const PickerAlbum& album : pages.AlbumsOn(page)) {
-            run.ShowItem("3. On Page " + std::to_string(page) + ", Artist " + album.artist);
+            ShowPageItem(run, page, album);
             if (run.AbortRequested) return;
             text += pages.AlbumCell(number++);
             run.CountDone();
@@ -75,15 +62,25 @@ void BuildAlbumPicker(Run& run) {
     if (run.AbortRequested || locations.pageFolder.empty()) return;
 
     PageFolder pages(run.files, locations.pageFolder);
-    if (!steps.Try(PickerStep::ReplacePages, [&] { pages.Start(); })) return;
+    if (run.modern.hasModernPicker) {
+        BuildModernPages(run, steps, locations, pages);
+    } else {
+        ReplacePages(run, steps, pages,
+                     [&] { return BuildcdjPages(run, locations, pages.Draft()); });
+    }
+}
+
+bool ReplacePages(Run& run, Steps& steps, PageFolder& pages, const std::function<bool()>& build) {
+    if (!steps.Try(PickerStep::ReplacePages, [&] { pages.Start(); })) return false;
     bool published = false;
-    if (BuildcdjPages(run, locations, pages.Draft())) {
+    if (build()) {
         // A page that the web server holds open keeps its folder from being renamed.
         published = steps.Try(PickerStep::ReplacePages, [&] { pages.Publish(); });
         if (!published) steps.Try(PickerStep::ReplacePages, [&] { pages.PutBack(); });
     }
     if (!published) run.counts.pagesWritten = 0;
     steps.Try(PickerStep::ReplacePages, [&] { pages.Clear(); });
+    return published;
 }
 
 bool BuildcdjPages(Run& run, const PickerLocations& locations, std::string_view folder) {
@@ -91,22 +88,20 @@ bool BuildcdjPages(Run& run, const PickerLocations& locations, std::string_view 
     std::optional<PickerLayout> layout;
     PickerAlbums albums;
     const auto goesOn = [&](PagesStep step, auto&& work) {
-        return !run.AbortRequested && steps.Try(step, work) && !run.AbortRequested;
+        return GoesOn(run, steps, step, work);
     };
     return goesOn(PagesStep::LayOut, [&] { layout.emplace(run.settings); }) &&
            goesOn(PagesStep::ReadAlbums,
-                  [&] { albums = ReadPickerAlbums(run, *OpenOwnConnection(run)); }) &&
+                  [&] { albums = ReadPickerAlbums(run, *OpenPickerConnection(run)); }) &&
            goesOn(PagesStep::CopyCovers,
                   [&] {
-                      run.ShowItem("2. Copying Covers from Library to Web Server area");
-                      if (run.AbortRequested) return;
                       const Share share(run, 0, 0.5);
                       CopyCovers(run, steps, locations.webCoverFolder, albums.albums);
                   }) &&
            goesOn(PagesStep::WritePages, [&] {
                const auto controls = ControlsFor(run.settings);
                const PickerPages pages(*layout, *controls, albums, run.settings.coverPath);
-               WriteText(run, folder, StylesheetName, PickerStylesheet());
+               WritePickerFile(run, folder, StylesheetName, PickerStylesheet());
                WritePage(run, folder, 0, pages.Index(run.settings.PickerMinimum));
                const Share share(run, 0.5, 1);
                run.StartCounting(albums.albums.size());

@@ -1,11 +1,11 @@
 #include "picker/albums.h"
 
-#include <memory>
 #include <unordered_map>
 #include <variant>
 
 #include "platform/basic_text.h"
 #include "platform/database.h"
+#include "platform/failure.h"
 #include "run/connection_value.h"
 #include "run/run.h"
 
@@ -113,6 +113,11 @@ std::string LengthText(Length length) {
 std::string PickerConnectionString(std::string_view database) {
     return "Provider=Microsoft.Jet.OLEDB.4.0;Persist Security Info=False;Data Source=" +
            QuotedConnectionValue(database, '\'');
+}
+
+std::unique_ptr<Connection> OpenPickerConnection(Run& run) {
+    if (run.databases == nullptr) throw Failure(FailureNumber::ObjectRequired, "databases");
+    return run.databases->Open(PickerConnectionString(run.settings.Nirvis_CDJ_DB));
 }
 
 PickerAlbums ReadPickerAlbums(Run& run, Connection& connection) {

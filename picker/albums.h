@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -42,6 +43,9 @@ struct PickerAlbums {
 
 /// The connection string of the picker's own connection.
 std::string PickerConnectionString(std::string_view database);
+
+/// Opens it. Throws Failure.
+std::unique_ptr<Connection> OpenPickerConnection(Run& run);
 
 /// Reads the albums that have at least `PickerMinimum` tracks. All of them are held at once: the
 /// first page's links already need the number of the last one, and of two albums with the same

@@ -128,6 +128,8 @@ class CoverCopier {
 
 void CopyCovers(Run& run, Steps& steps, std::string_view webCoverFolder,
                 std::vector<PickerAlbum>& albums) {
+    run.ShowItem("2. Copying Covers from Library to Web Server area");
+    if (run.AbortRequested) return;
     CoverCopier(run, steps, webCoverFolder).Copy(albums);
 }
 

@@ -19,9 +19,13 @@ PageFolder::PageFolder(Files& files, std::string_view folder)
       draft_(folder_ + std::string(DraftEnding)),
       previous_(folder_ + ".old") {}
 
-void PageFolder::Start() {
+void PageFolder::Restore() {
     PutBack();
     Clear();
+}
+
+void PageFolder::Start() {
+    Restore();
     MakeFolders(files_, draft_);
 }
 

@@ -24,7 +24,10 @@ class PageFolder {
     /// Where the new set is made.
     const std::string& Draft() const { return draft_; }
 
-    /// Puts right what a killed build has left, then starts an empty new set.
+    /// Puts right what a killed build has left.
+    void Restore();
+
+    /// The same, then starts an empty new set.
     void Start();
 
     /// Puts the old set aside and the new one in its place.

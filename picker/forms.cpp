@@ -4,13 +4,11 @@
 
 #include "picker/html.h"
 #include "picker/locations.h"
+#include "picker/page_text.h"
+#include "picker/requests.h"
 
 namespace quillon {
 namespace {
-
-std::string PlayerForm() {
-    return "<form action='" + std::string(PlayerPage) + "' method='get'>";
-}
 
 std::string Submit(std::string_view action) {
     return "<input type='submit' name='ClientAction' value = '" + std::string(action) + "'>";
@@ -18,9 +16,8 @@ std::string Submit(std::string_view action) {
 
 /// What a request is about, and the form's end.
 std::string Subject(const PickerAlbum& album, std::int64_t track) {
-    return "<input type='hidden' name='CDJID' value='" + HtmlText(album.cdjid) +
-           "'><input type='hidden' name='ref' value='" + std::to_string(track) +
-           "'><input type='hidden' name='Frame' value='picker'></form>";
+    return HiddenValue("CDJID", album.cdjid) + HiddenValue("ref", std::to_string(track)) +
+           HiddenValue("Frame", FormFrame) + "</form>";
 }
 
 std::string PageForm(std::size_t page, std::string_view place, std::string_view caption) {
@@ -31,12 +28,12 @@ std::string PageForm(std::size_t page, std::string_view place, std::string_view 
 }  // namespace
 
 std::string PickerForms::Album(const PickerAlbum& album) const {
-    return PlayerForm() + Submit("add") + Submit("next") + Submit("play") + Subject(album, 0);
+    return PlayerFormStart() + Submit("add") + Submit("next") + Submit("play") + Subject(album, 0);
 }
 
 std::string PickerForms::Track(const PickerAlbum& album, const PickerTrack& track) const {
     if (track.number == 0) return "";
-    return PlayerForm() +
+    return PlayerFormStart() +
            "<input type='hidden' name='ClientAction' value = 'add'>"
            "<input type='submit' name='add' value = 'Add' aria-label='Add " +
            HtmlText(track.title) + "'>" + Subject(album, track.number);
@@ -52,13 +49,13 @@ std::string PickerForms::SavePlaylist() const {
 }
 
 std::string PickerForms::Navigation(std::size_t page, std::size_t pageCount) const {
-    std::string forms = PlayerForm() +
+    std::string forms = PlayerFormStart() +
                         "<input type='submit' name='clear' value = 'Clear Playlist'>"
                         "<input type='hidden' name='ClientAction' value = 'clear'>"
                         "<input type='hidden' name='Frame' value='picker'></form>";
     if (page != 0) {
         // Back to the place in the index where this page's albums are.
-        forms = PageForm(0, "#page" + std::to_string(page), "Album Listing") + forms;
+        forms = PageForm(0, '#' + PagePlace(page), "Album Listing") + forms;
     }
     if (pageCount > 0) forms += PageForm(1, "", "First");
     forms += PageForm(0, "", "Index");

@@ -8,6 +8,7 @@ namespace quillon {
 namespace {
 
 constexpr char32_t ReplacementCharacter = 0xFFFD;
+constexpr std::string_view HexDigits = "0123456789ABCDEF";
 
 bool IsControl(char32_t code) {
     return code < 0x20 || (code >= 0x7F && code < 0xA0);
@@ -23,6 +24,19 @@ bool MustBeReferred(char32_t code) {
            std::string_view("&<>\"'`").find(static_cast<char>(code)) != std::string_view::npos;
 }
 
+/// A character by the one or two 16-bit numbers that scripts know it by.
+void AppendUtf16Escapes(std::string& text, char32_t code) {
+    const auto append = [&text](char32_t unit) {
+        text += "\\u";
+        for (int shift = 12; shift >= 0; shift -= 4)
+            text += HexDigits[unit >> static_cast<unsigned>(shift) & 0xFU];
+    };
+    constexpr char32_t FirstOfTwo = 0x10000, HighHalf = 0xD800, LowHalf = 0xDC00;
+    if (code < FirstOfTwo) return append(code);
+    append(HighHalf + ((code - FirstOfTwo) >> 10U));
+    append(LowHalf + ((code - FirstOfTwo) & 0x3FFU));
+}
+
 bool IsUnreserved(char character) {
     return (character >= 'A' && character <= 'Z') || (character >= 'a' && character <= 'z') ||
            (character >= '0' && character <= '9') ||
@@ -30,7 +44,6 @@ bool IsUnreserved(char character) {
 }
 
 std::string PercentEncoded(std::string_view text, std::string_view alsoKept) {
-    constexpr std::string_view Digits = "0123456789ABCDEF";
     std::string encoded;
     for (const char character : text) {
         if (IsUnreserved(character) || alsoKept.find(character) != std::string_view::npos) {
@@ -39,8 +52,8 @@ std::string PercentEncoded(std::string_view text, std::string_view alsoKept) {
         }
         const auto byte = static_cast<unsigned char>(character);
         encoded += '%';
-        encoded += Digits[byte / 16U];
-        encoded += Digits[byte % 16U];
+        encoded += HexDigits[byte / 16U];
+        encoded += HexDigits[byte % 16U];
     }
     return encoded;
 }
@@ -64,6 +77,23 @@ std::string HtmlText(std::string_view text) {
         }
     }
     return html;
+}
+
+std::string ScriptText(std::string_view text) {
+    std::string script = "\"";
+    for (std::size_t position = 0; position < text.size();) {
+        const Utf8Character next = DecodeUtf8(text, position);
+        position += next.length;
+        const char32_t code = next.wellFormed ? next.code : ReplacementCharacter;
+        if (IsControl(code)) {
+            script += ' ';
+        } else if (MustBeReferred(code) || code == '\\' || code == '%') {
+            AppendUtf16Escapes(script, code);
+        } else {
+            script += static_cast<char>(code);
+        }
+    }
+    return script + '"';
 }
 
 std::string UrlPath(std::string_view path) {

@@ -15,6 +15,10 @@ constexpr std::string_view Eol = "\r\n";
 /// close an attribute or begin a piece of server code. Control characters become blanks.
 std::string HtmlText(std::string_view text);
 
+/// A text as a string of a script, quotes included: ASCII, and nothing in it has a meaning in HTML
+/// or begins a piece of server code.
+std::string ScriptText(std::string_view text);
+
 /// A web path or a value in a link: bytes other than letters, digits, "-", ".", "_" and "~" are
 /// percent-encoded, slashes stay. The result needs no quotes as an attribute value.
 std::string UrlPath(std::string_view path);

@@ -4,15 +4,15 @@
 
 #include "picker/html.h"
 #include "picker/locations.h"
+#include "picker/page_text.h"
+#include "picker/requests.h"
 
 namespace quillon {
 namespace {
 
 /// The beginning of a link that asks the player for something, up to and without its ">".
 std::string Request(std::string_view action, const PickerAlbum& album, std::int64_t track) {
-    return "<A HREF=" + std::string(PlayerPage) +
-           "?Frame=Picker&ClientAction=" + std::string(action) + "&CDJID=" + UrlValue(album.cdjid) +
-           "&ref=" + std::to_string(track);
+    return "<A HREF=" + RequestUrl(action, album, track);
 }
 
 std::string PageLink(std::size_t page) {
@@ -46,10 +46,9 @@ std::string PickerLinks::Navigation(std::size_t page, std::size_t pageCount) con
     std::string links;
     if (page != 0) {
         // Back to the place in the index where this page's albums are.
-        links += PageLink(0) + "#page" + std::to_string(page) + ">Back to Album Listing</a> | ";
+        links += PageLink(0) + "#" + PagePlace(page) + ">Back to Album Listing</a> | ";
     }
-    links += "<a href=" + std::string(PlayerPage) +
-             "?Frame=Picker&ClientAction=clear>Clear Current Playlist</a> | ";
+    links += "<a href=" + ClearUrl() + ">Clear Current Playlist</a> | ";
     if (pageCount > 0) links += PageLink(1) + ">First</a> | ";
     links += PageLink(0) + (page == 0 ? " aria-current='page'" : "") + ">Index</a>";
     if (pageCount == 0) return links;

@@ -4,41 +4,9 @@
 
 #include "picker/html.h"
 #include "picker/locations.h"
+#include "picker/page_text.h"
 
 namespace quillon {
-namespace {
-
-/// A text of the library as page text. It may run from right to left, whatever stands around it.
-std::string Isolated(std::string_view text) {
-    return "<bdi>" + HtmlText(text) + "</bdi>";
-}
-
-std::string Line(std::string_view text) {
-    return std::string(text) + std::string(Eol);
-}
-
-std::string CountText(std::int64_t count, std::string_view word) {
-    return std::to_string(count) + ' ' + std::string(word) + (count == 1 ? "" : "s");
-}
-
-/// A place on an album page that the index leads to.
-std::string AlbumPlace(std::size_t album) {
-    return "album" + std::to_string(album + 1);
-}
-
-std::string ShownText(std::size_t shown, std::int64_t all, int leastTracks) {
-    const std::string inLibrary = CountText(all, "album") + " in the library";
-    if (shown == 0) {
-        return "No albums to pick from: " + inLibrary + ", none with at least " +
-               CountText(leastTracks, "track") + ".";
-    }
-    if (static_cast<std::int64_t>(shown) == all) return CountText(all, "album") + ", by artist.";
-    return std::to_string(shown) + " of " + inLibrary + ", by artist: those with at least " +
-           CountText(leastTracks, "track") + ".";
-}
-
-}  // namespace
-
 PickerPages::PickerPages(const PickerLayout& layout, const PickerControls& controls,
                          const PickerAlbums& albums, std::string_view coverPath)
     : layout_(layout), controls_(controls), albums_(albums), coverUrl_(UrlPath(coverPath)) {}
@@ -125,10 +93,9 @@ std::string_view PickerPages::RowBreak(std::size_t cell) const {
 std::string PickerPages::Thumbnail(std::size_t number) const {
     const PickerAlbum& album = albums_.albums[number];
     const std::size_t page = layout_.PageOf(number);
-    std::string cell = "<td valign='top'><a href=" + UrlPath(PageUrlBase) + PageFileName(page) +
-                       '#' + AlbumPlace(number);
+    std::string cell = "<td valign='top'><a href=" + AlbumUrl(page, number);
     // The first album of each page is where that page's way back leads.
-    if (number % layout_.PerPage() == 0) cell += " id='page" + std::to_string(page) + '\'';
+    if (number % layout_.PerPage() == 0) cell += " id='" + PagePlace(page) + '\'';
     cell += "><img src=" + CoverUrl(album) + " alt='" + HtmlText(album.title) + " by " +
             HtmlText(album.artist) + "' loading='lazy' width=100 height=100></a><br>";
     return cell + Isolated(album.artist) + "<br>" + Isolated(album.title) + "</td>";

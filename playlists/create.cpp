@@ -20,6 +20,7 @@
 #include "playlists/playlist_folder.h"
 #include "playlists/playlist_text.h"
 #include "run/counted.h"
+#include "run/file_bytes.h"
 #include "run/log.h"
 #include "run/name_cleaning.h"
 #include "run/playlist_entries.h"

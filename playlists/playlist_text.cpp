@@ -8,6 +8,7 @@
 #include "database/snapshot_file.h"
 #include "platform/failure.h"
 #include "platform/files.h"
+#include "run/file_bytes.h"
 
 namespace quillon {
 namespace {
@@ -15,18 +16,15 @@ namespace {
 /// Far more than any list has; what is larger is a mistake, and is not taken into memory.
 constexpr std::uint64_t LargestPlaylist = std::uint64_t{64} << 20U;
 
-std::string ReadAll(BinaryReader& reader, std::string_view path) {
-    const std::uint64_t size = reader.Size();
-    if (size > LargestPlaylist)
-        throw Failure(FailureNumber::Overflow, std::string(path) + " is too large for a playlist");
-    const std::vector<std::uint8_t> bytes = reader.Read(static_cast<std::size_t>(size));
-    return {bytes.begin(), bytes.end()};
-}
-
 }  // namespace
 
 std::string ReadPlaylist(Files& files, std::string_view path) {
-    return ReadAll(*files.OpenBinary(path), path);
+    const std::unique_ptr<BinaryReader> reader = files.OpenBinary(path);
+    const std::uint64_t size = reader->Size();
+    if (size > LargestPlaylist)
+        throw Failure(FailureNumber::Overflow, std::string(path) + " is too large for a playlist");
+    const std::vector<std::uint8_t> bytes = reader->Read(static_cast<std::size_t>(size));
+    return {bytes.begin(), bytes.end()};
 }
 
 PlaylistContent ContentOf(std::string_view playlist) {
@@ -48,12 +46,6 @@ std::vector<std::string_view> LinesOf(std::string_view playlist) {
         playlist.remove_prefix(isEnded ? end + 1 : end);
     }
     return lines;
-}
-
-bool HoldsJust(Files& files, std::string_view path, std::string_view bytes) {
-    if (!files.FileExists(path)) return false;
-    const std::unique_ptr<BinaryReader> present = files.OpenBinary(path);
-    return present->Size() == bytes.size() && ReadAll(*present, path) == bytes;
 }
 
 bool WriteIfOther(Files& files, std::string_view path, std::string_view bytes) {

@@ -29,6 +29,7 @@ namespace quillon {
 
 class KnownTags;
 class TagFormats;
+class Thumbnails;
 
 /// What a run did, for its summary line and exit status.
 struct RunCounts {
@@ -94,6 +95,9 @@ class Run {
 
     /// Opens further connections; set by the driver at the start.
     DatabaseProvider* databases = nullptr;
+
+    /// Makes small pictures of covers; set by whoever makes the run.
+    Thumbnails* thumbnails = nullptr;
 
     /// The library database; set by `main`.
     std::unique_ptr<Connection> connection;

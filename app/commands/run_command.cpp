@@ -110,6 +110,7 @@ int RunLibrary(const RunRequest& request) {
     current = &run;
     TagLibrary tags;
     run.tagFormats = &tags;
+    run.thumbnails = &local.thumbnails;
     run.removals.allAllowed = request.allowRemovals;
     recording.Accompany(run);
     local.files.ClearUnfinished();

@@ -78,12 +78,12 @@ AspServices PickerServices() {
 
 std::span<const HeaderLine> CommonHeaders() {
     // The one script that picker pages hold is the link that submits the form of their playlist's
-    // name. The hash is that of its address; any other script, such as one in a title that got
-    // into a page as markup, does not run.
+    // name. The hash is that of its address; any other script in a page, such as one in a title
+    // that got there as markup, does not run. Files beside the pages may be scripts.
     static constexpr auto Headers = std::to_array<HeaderLine>(
         {{"Content-Security-Policy",
           "default-src 'none'; img-src 'self'; media-src 'self'; style-src 'self' 'unsafe-inline'; "
-          "script-src 'unsafe-hashes' 'sha256-Dp2gG0wJPLW51mrIz2ezTI0/lG1eGTJxHVUvWKnyguM='; "
+          "script-src 'self' 'unsafe-hashes' 'sha256-Dp2gG0wJPLW51mrIz2ezTI0/lG1eGTJxHVUvWKnyguM='; "
           "form-action 'self'; frame-src 'self'; frame-ancestors 'self'; base-uri 'none'"},
          {"X-Content-Type-Options", "nosniff"},
          {"X-Frame-Options", "SAMEORIGIN"},

@@ -62,6 +62,7 @@ TEST_F(InitCommand, MakesAWholeHostFolder) {
     EXPECT_TRUE(HasEntry("shelf/host.ini", "Keep=1"));
     EXPECT_TRUE(HasEntry("shelf/host.ini", "OnlyIdentical=1"));
     EXPECT_TRUE(HasEntry("shelf/host.ini", "FollowMovedFiles=1"));
+    EXPECT_TRUE(HasEntry("shelf/host.ini", "Style=modern"));
     EXPECT_TRUE(HasEntry("shelf/host.ini", "KeepDays=14"));
     EXPECT_TRUE(HasEntry("shelf/host.ini", "Local=1"));
     EXPECT_TRUE(HasEntry("shelf/host.ini", "FolderImages=1"));

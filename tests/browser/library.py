@@ -1,6 +1,7 @@
 """A library for the picker: files, rows, covers, settings."""
 
 import json
+import re
 import struct
 import subprocess
 import zlib
@@ -71,8 +72,14 @@ class Library:
                 (place / f"{track:02} - {track}.mp3").write_bytes(bytes(300))
         self.call("init", self.host, "--music", folder / "Music")
         self.call("run", "--host", self.host, "--view", "plain")
+        self.style("classic")
         self._put_texts()
         self._draw_covers()
+
+    def style(self, name):
+        """The pages that the next run makes."""
+        file = self.host / "host.ini"
+        file.write_text(re.sub(r"(?m)^Style=.*$", f"Style={name}", file.read_text()))
 
     def call(self, *arguments):
         done = subprocess.run([str(self.program), *map(str, arguments)], check=False,

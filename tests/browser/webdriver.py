@@ -24,6 +24,10 @@ class Element:
     def _call(self, method, path, body=None):
         return self._browser.call(method, f"/element/{self._identifier}{path}", body)
 
+    def reference(self):
+        """What a script gets as an argument."""
+        return {ELEMENT: self._identifier}
+
     def click(self):
         self._call("POST", "/click", {})
 
@@ -79,6 +83,7 @@ class Browser:
                      f"--user-data-dir={self._profile}",
                      f"--window-size={self._width},{self._height}"]
         return {"capabilities": {"alwaysMatch": {"browserName": "chrome",
+                                                 "timeouts": {"script": 1000 * ANSWER_LIMIT},
                                                  "goog:chromeOptions": {"args": arguments},
                                                  "goog:loggingPrefs": {"browser": "ALL"}}}}
 
@@ -108,6 +113,10 @@ class Browser:
     def run(self, script, *arguments):
         """What the script returns; it runs whatever scripts the page itself may hold."""
         return self.call("POST", "/execute/sync", {"script": script, "args": list(arguments)})
+
+    def run_to_end(self, script, *arguments):
+        """What the script hands to the function that is its last argument."""
+        return self.call("POST", "/execute/async", {"script": script, "args": list(arguments)})
 
     def all(self, selector, using="css selector"):
         found = self.call("POST", "/elements", {"using": using, "value": selector})
@@ -140,9 +149,15 @@ class Browser:
         self.developer("Emulation.setDeviceMetricsOverride", width=width, height=height,
                        deviceScaleFactor=1, mobile=width < 600)
 
-    def screenshot(self, file):
-        """The whole page, also what is below the window's edge."""
+    def prefer(self, scheme):
+        """"light" or "dark", as somebody has set up their system."""
+        self.developer("Emulation.setEmulatedMedia",
+                       features=[{"name": "prefers-color-scheme", "value": scheme}])
+
+    def screenshot(self, file, most=1e6):
+        """The whole page, also what is below the window's edge, down to `most` pixels."""
         size = self.developer("Page.getLayoutMetrics")["cssContentSize"]
-        clip = {"x": 0, "y": 0, "width": size["width"], "height": size["height"], "scale": 1}
+        clip = {"x": 0, "y": 0, "width": size["width"], "height": min(size["height"], most),
+                "scale": 1}
         shot = self.developer("Page.captureScreenshot", clip=clip, captureBeyondViewport=True)
         file.write_bytes(base64.b64decode(shot["data"]))

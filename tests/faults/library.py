@@ -66,6 +66,7 @@ class Library:
         settings = self.host / "host.ini"
         # A copy must not lead back here.
         text = re.sub(r"(?m)^D=.*$", "D=../disk", settings.read_text())
+        text = text.replace("Style=modern", "Style=classic")
         # The rules tell rows that are gone by the numbers that rows which wait for files lack, too.
         text = text.replace("FollowMovedFiles=1", "FollowMovedFiles=0")
         settings.write_text(text.replace("KeepDays=14", "KeepDays=0"))
