@@ -103,6 +103,16 @@ std::string TableOf(DeedKind kind) {
 
 }  // namespace
 
+bool RowNumbers::Add(std::int64_t number) {
+    constexpr std::int64_t MostLow = std::int64_t{1} << 24U;
+    if (number < 0 || number >= MostLow) return others_.insert(number).second;
+    const auto place = static_cast<std::size_t>(number);
+    if (place >= low_.size()) low_.resize(std::max(place + 1, 2 * low_.size()));
+    if (low_[place]) return false;
+    low_[place] = true;
+    return true;
+}
+
 ReportContent ReportGatherer::Finish() {
     while (!planned_.empty())
         TellNextFile();
@@ -178,10 +188,12 @@ void ReportGatherer::AddOtherRow(const std::string& table) {
 /// Whether it has been told of this row. A row that is removed is told of once more.
 bool ReportGatherer::IsSeen(const RowChange& row, std::optional<std::int64_t> id) {
     const bool isRemoved = row.kind == RowChange::Kind::Removed;
-    if (!id) return !seenRows_.insert(ContentHash(KeyText(row.table, row.key) + (isRemoved ? "-" : ""))).second;
-    const std::uint64_t table = IsNamed(row.table, "Albums") ? 0 : 1;
-    const std::uint64_t number = static_cast<std::uint64_t>(*id) << 2U | table << 1U;
-    return !seenIds_.insert(number | (isRemoved ? 1U : 0U)).second;
+    if (!id) {
+        const std::string key = KeyText(row.table, row.key) + (isRemoved ? "-" : "");
+        return !seenRows_.insert(ContentHash(key)).second;
+    }
+    const std::size_t table = IsNamed(row.table, "Albums") ? 0 : 2;
+    return !seenIds_.at(table + (isRemoved ? 1 : 0)).Add(*id);
 }
 
 void ReportGatherer::Add(const RowChange& row) {

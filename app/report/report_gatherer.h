@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
@@ -16,6 +17,17 @@
 #include "changes/change.h"
 
 namespace quillon {
+
+/// Numbers of rows, a bit for each: there may be some hundred thousand, mostly counted from 1.
+class RowNumbers {
+  public:
+    /// False where it is there already.
+    bool Add(std::int64_t number);
+
+  private:
+    std::vector<bool> low_;
+    std::unordered_set<std::int64_t> others_;
+};
 
 /// Makes a report's content of a run's records, which are told one by one as they come. Only what
 /// the report tells is held in memory.
@@ -74,8 +86,8 @@ class ReportGatherer {
     std::array<std::size_t, DeedKinds> unnamedOf_{};
     std::string lastArtist_;  ///< rows of one artist mostly follow each other
     DeedLists* ofLastArtist_ = nullptr;
-    /// Numbers and hashes: there may be some hundred thousand.
-    std::unordered_set<std::uint64_t> seenIds_, seenRows_, seenFiles_;
+    std::array<RowNumbers, 4> seenIds_;  ///< albums, albums removed, tracks, tracks removed
+    std::unordered_set<std::uint64_t> seenRows_, seenFiles_;  ///< hashes
     std::optional<std::string> phase_;
     std::chrono::milliseconds lastTime_{0};
 };

@@ -155,6 +155,15 @@ TEST_F(Report, NamesARowThatHasNoNumberByItsKey) {
     EXPECT_EQ(Of(Content(), "", DeedKind::TrackChanged).first.at(0).what, "Track 3");
 }
 
+TEST_F(Report, TellsOfEachRowOnceWhateverItsNumber) {
+    for (const std::int64_t id : {0, 1, 70'000, -5, 2'000'000'000}) {
+        Add(AddedTrack(id, "Alder", "Dawn"));
+        Add(ChangedTrack(id, "Track", std::int64_t{3}, std::int64_t{4}));
+    }
+    EXPECT_EQ(CountOf(DeedKind::TrackAdded), 5U);
+    EXPECT_EQ(CountOf(DeedKind::TrackChanged), 0U);
+}
+
 TEST_F(Report, CountsRowsWithoutANameBehindTheListedOnesWithTheirArtists) {
     facts.nameOf = [](const std::string&, std::int64_t id) {
         return RowName{id > 100 ? "Birch" : "Alder", "Dawn"};

@@ -112,6 +112,17 @@ TEST_F(JournalFileTest, HoldsARecordBeforeItMayHappen) {
     EXPECT_EQ(Read(journal.Stamp()).size(), 6U);
 }
 
+TEST_F(JournalFileTest, TellsItsListenerWhatItTakes) {
+    std::vector<ChangeRecord> told;
+    JournalFile journal(changes_, clock_,
+                        [&told](const ChangeRecord& record) { told.push_back(record); });
+    journal.Note(Row(1));
+    journal.Note(Rename());
+    journal.Remark(LogLine{true, "x"});
+    EXPECT_EQ(told, Read(journal.Stamp()));
+    EXPECT_EQ(told.size(), 3U);
+}
+
 TEST_F(JournalFileTest, KeepsFewRowsInMemoryHoweverManyThereAre) {
     JournalFile journal(changes_, clock_);
     const std::size_t line = ToLine(Row(10'000)).size();

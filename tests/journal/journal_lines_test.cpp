@@ -70,6 +70,28 @@ TEST(JournalLines, EveryRecordComesBackFromItsLine) {
     }
 }
 
+TEST(JournalLines, LinesThatAreMadeOneAfterTheOtherAreThoseOfEachRecord) {
+    JournalLines lines;
+    for (int round = 0; round < 2; ++round)
+        for (const ChangeRecord& record : AllRecords())
+            EXPECT_EQ(lines.Of(record), ToLine(record));
+}
+
+TEST(JournalLines, DatesOfOneRowAreToldApart) {
+    const DateTime one{46347.5}, other{46348.5}, zero{0.0}, belowZero{-0.0};
+    const RowChange row{RowChange::Kind::Added,
+                        "Tracks",
+                        {},
+                        {{"A", Null(), one},
+                         {"B", Null(), zero},
+                         {"C", Null(), belowZero},
+                         {"D", Null(), one},
+                         {"E", Null(), other},
+                         {"F", Null(), zero}}};
+    EXPECT_EQ(FromLine(ToLine(row)), ChangeRecord(row));
+    EXPECT_NE(ToLine(row).find(R"("days":-0.0)"), std::string::npos);
+}
+
 TEST(JournalLines, EveryKindOfFileChangeHasANameOfItsOwn) {
     for (int kind = 0; kind <= static_cast<int>(FileChange::Kind::FolderDeleted); ++kind) {
         const FileChange change{.kind = static_cast<FileChange::Kind>(kind), .path = "D:\\a"};

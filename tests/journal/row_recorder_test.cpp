@@ -80,6 +80,36 @@ TEST_F(RowRecorderTest, NamesARowWithoutAPrimaryKeyByAllFields) {
                    {{"Name", std::string("a"), Null{}}, {"Number", std::int64_t{1}, Null{}}}}));
 }
 
+TEST_F(RowRecorderTest, TellsOfEachRowNoMoreThanItsOwn) {
+    connection_->Execute("INSERT INTO Loose (Name, Number) VALUES ('a', 1)");
+    connection_->Execute("INSERT INTO Shelf (Name) VALUES ('b')");
+    connection_->Execute("UPDATE Shelf SET Name='c'");
+    connection_->Execute("INSERT INTO Shelf (Name) VALUES (NULL)");
+    ASSERT_EQ(list_.records.size(), 4U);
+    EXPECT_EQ(std::get<RowChange>(list_.records[3]),
+              (RowChange{RowChange::Kind::Added,
+                         "Shelf",
+                         {{"ID", std::int64_t{2}}},
+                         {{"ID", Null{}, std::int64_t{2}}}}));
+}
+
+TEST_F(RowRecorderTest, SavesNoRowsBeforeWhatTheyRelyOnIsDurable) {
+    bool fails = true;
+    RowRecorder recorder(list_, [&fails] {
+        if (fails) throw Failure(FailureNumber::DiskFull, "x");
+    });
+    provider_.SetObserver(&recorder);
+    connection_ = Open();
+    connection_->Execute("INSERT INTO Shelf (Name) VALUES ('a')");
+    EXPECT_THROW(connection_->Flush(), Failure);
+    EXPECT_EQ(list_.durable, 0U);
+    EXPECT_TRUE(std::holds_alternative<RowChange>(list_.records.back()));
+    fails = false;
+    connection_->Flush();
+    EXPECT_TRUE(std::holds_alternative<RowsSaved>(list_.records.back()));
+    connection_.reset();
+}
+
 TEST_F(RowRecorderTest, HasRecordsMadeDurableBeforeTheyAreSaved) {
     connection_->Execute("INSERT INTO Shelf (Name) VALUES ('a')");
     connection_->Flush();
