@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <cstdint>
 #include <gd.h>
-#include <png.h>
 #include <limits>
 #include <memory>
 #include <optional>
+#include <png.h>
 #include <vector>
 
 #include "images/image_header.h"
@@ -52,11 +52,16 @@ Image Unpack(std::string_view bytes, ImageKind kind) {
     const int size = static_cast<int>(bytes.size());
     void* const data = const_cast<char*>(bytes.data());  // only read from
     switch (kind) {
-        case ImageKind::Jpeg: return Image(gdImageCreateFromJpegPtr(size, data));
-        case ImageKind::Png: return UnpackPng(bytes);
-        case ImageKind::Gif: return Image(gdImageCreateFromGifPtr(size, data));
-        case ImageKind::Bmp: return Image(gdImageCreateFromBmpPtr(size, data));
-        case ImageKind::WebP: return Image(gdImageCreateFromWebpPtr(size, data));
+        case ImageKind::Jpeg:
+            return Image(gdImageCreateFromJpegPtr(size, data));
+        case ImageKind::Png:
+            return UnpackPng(bytes);
+        case ImageKind::Gif:
+            return Image(gdImageCreateFromGifPtr(size, data));
+        case ImageKind::Bmp:
+            return Image(gdImageCreateFromBmpPtr(size, data));
+        case ImageKind::WebP:
+            return Image(gdImageCreateFromWebpPtr(size, data));
     }
     return nullptr;
 }
@@ -103,9 +108,9 @@ Thumbnail GdThumbnails::Make(std::string_view image, int side) {
     const std::unique_ptr<void, Destroy> jpeg(
         reduced ? gdImageJpegPtr(reduced.get(), &size, JpegQuality) : nullptr);
     if (!jpeg) return {.jpeg = "", .problem = Unreadable};
-    return {.jpeg = std::string(static_cast<const char*>(jpeg.get()),
-                                static_cast<std::size_t>(size)),
-            .problem = ""};
+    return {
+        .jpeg = std::string(static_cast<const char*>(jpeg.get()), static_cast<std::size_t>(size)),
+        .problem = ""};
 }
 
 }  // namespace quillon

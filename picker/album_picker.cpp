@@ -87,9 +87,7 @@ bool BuildcdjPages(Run& run, const PickerLocations& locations, std::string_view 
     Steps steps(run, "BuildcdjPages ");
     std::optional<PickerLayout> layout;
     PickerAlbums albums;
-    const auto goesOn = [&](PagesStep step, auto&& work) {
-        return GoesOn(run, steps, step, work);
-    };
+    const auto goesOn = [&](PagesStep step, auto&& work) { return GoesOn(run, steps, step, work); };
     return goesOn(PagesStep::LayOut, [&] { layout.emplace(run.settings); }) &&
            goesOn(PagesStep::ReadAlbums,
                   [&] { albums = ReadPickerAlbums(run, *OpenPickerConnection(run)); }) &&

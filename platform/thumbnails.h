@@ -16,9 +16,9 @@ class Thumbnails {
   public:
     virtual ~Thumbnails() = default;
 
-    /// The image, whole, shrunk until neither side is longer than `side` pixels; a smaller one keeps
-    /// its size. What is transparent becomes white. Never fails, whatever the bytes are, and takes
-    /// a bounded amount of memory: an image of too many pixels is a problem, too.
+    /// The image, whole, shrunk until neither side is longer than `side` pixels; a smaller one
+    /// keeps its size. What is transparent becomes white. Never fails, whatever the bytes are, and
+    /// takes a bounded amount of memory: an image of too many pixels is a problem, too.
     virtual Thumbnail Make(std::string_view image, int side) = 0;
 };
 

@@ -83,7 +83,8 @@ std::span<const HeaderLine> CommonHeaders() {
     static constexpr auto Headers = std::to_array<HeaderLine>(
         {{"Content-Security-Policy",
           "default-src 'none'; img-src 'self'; media-src 'self'; style-src 'self' 'unsafe-inline'; "
-          "script-src 'self' 'unsafe-hashes' 'sha256-Dp2gG0wJPLW51mrIz2ezTI0/lG1eGTJxHVUvWKnyguM='; "
+          "script-src 'self' 'unsafe-hashes' "
+          "'sha256-Dp2gG0wJPLW51mrIz2ezTI0/lG1eGTJxHVUvWKnyguM='; "
           "form-action 'self'; frame-src 'self'; frame-ancestors 'self'; base-uri 'none'"},
          {"X-Content-Type-Options", "nosniff"},
          {"X-Frame-Options", "SAMEORIGIN"},

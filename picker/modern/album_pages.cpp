@@ -61,8 +61,8 @@ std::string AlbumPages::Album(std::size_t number) const {
     text += Line("<div class='picker-about'>" + frame_.Cover(album, extras, true) + "<div><p>" +
                  Measures(album) + "</p>");
     if (!extras.genre.empty()) text += Line("<p>" + Isolated(extras.genre) + "</p>");
-    text += Line("<div class='picker-actions'>" + buttons_.Album(album, number) +
-                 "</div></div></div>");
+    text +=
+        Line("<div class='picker-actions'>" + buttons_.Album(album, number) + "</div></div></div>");
     return text + Tracks(number) + Line("</article>");
 }
 

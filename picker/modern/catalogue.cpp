@@ -27,8 +27,8 @@ std::string KeyOfNames(std::string_view artist, std::string_view title) {
     return LowerCase(artist) + Between + LowerCase(title);
 }
 
-/// Whether a text of the download table names a genre. Where its rows have been made of stream links,
-/// it may be a piece of a link that is only a number, and "other" says that nobody knows.
+/// Whether a text of the download table names a genre. Where its rows have been made of stream
+/// links, it may be a piece of a link that is only a number, and "other" says that nobody knows.
 bool NamesGenre(std::string_view text) {
     return text.find_first_not_of("0123456789") != std::string_view::npos &&
            !EqualIgnoringCase(text, "other");

@@ -3,9 +3,9 @@
 #include "picker/html.h"
 #include "picker/locations.h"
 #include "picker/modern/assets.h"
-#include "picker/modern/thumbnails.h"
 #include "picker/modern/letters.h"
 #include "picker/modern/search_data.h"
+#include "picker/modern/thumbnails.h"
 #include "picker/page_text.h"
 #include "picker/pages.h"
 #include "platform/content_hash.h"
@@ -34,12 +34,11 @@ PageFrame::PageFrame(const std::vector<PickerView>& views, const PlayerButtons& 
     const std::string script = VersionedName(ScriptName, PickerAsset(ScriptName));
     head_ = Line("<link rel='stylesheet'" + Attribute("href", style) + ">");
     main_ = Line("<main class='picker' style='--wide:" + std::to_string(layout.Wide()) + "'>");
-    script_ = Line("<script defer" + Attribute("src", script) +
-                   Attribute("data-albums", data.albumsUrl) +
-                   Attribute("data-tracks", data.tracksUrl) +
-                   Attribute("data-thumbnails", thumbnailUrl_) +
-                   Attribute("data-pages", UrlPath(PageUrlBase)) +
-                   Attribute("data-per-page", std::to_string(layout.PerPage())) + "></script>");
+    script_ = Line(
+        "<script defer" + Attribute("src", script) + Attribute("data-albums", data.albumsUrl) +
+        Attribute("data-tracks", data.tracksUrl) + Attribute("data-thumbnails", thumbnailUrl_) +
+        Attribute("data-pages", UrlPath(PageUrlBase)) +
+        Attribute("data-per-page", std::to_string(layout.PerPage())) + "></script>");
 }
 
 std::string PageFrame::ViewLinks(const PickerView* current) const {
@@ -78,12 +77,10 @@ std::string PageFrame::End() const {
     return Line("</div>") + Line("</main>") + script_ + PageFoot();
 }
 
-std::string PageFrame::Cover(const PickerAlbum& album, const AlbumExtras& extras,
-                             bool lazy) const {
+std::string PageFrame::Cover(const PickerAlbum& album, const AlbumExtras& extras, bool lazy) const {
     if (extras.thumbnail.empty()) {
         return "<span class='picker-cover tone" + std::to_string(ToneOf(album.artist)) +
-               "' aria-hidden='true'><span>" + HtmlText(InitialsOf(album.title)) +
-               "</span></span>";
+               "' aria-hidden='true'><span>" + HtmlText(InitialsOf(album.title)) + "</span></span>";
     }
     const std::string side = std::to_string(ThumbnailSide);
     return "<img class='picker-cover' src='" + thumbnailUrl_ + extras.thumbnail + "' alt=''" +

@@ -46,8 +46,8 @@ class ModernBuild {
     /// Whether the pages are as they should be already; nothing after a failure or an abort.
     std::optional<bool> IsUpToDate() {
         bool result = false;
-        const bool known = Step(PagesStep::WritePages,
-                                [&] { result = set_->IsIn(locations_.pageFolder); });
+        const bool known =
+            Step(PagesStep::WritePages, [&] { result = set_->IsIn(locations_.pageFolder); });
         return known ? std::optional(result) : std::nullopt;
     }
 
@@ -83,7 +83,8 @@ class ModernBuild {
 }  // namespace
 
 void BuildModernPages(Run& run, Steps& steps, const PickerLocations& locations, PageFolder& pages) {
-    // What a killed build has left is put right first, so that the set that is compared is the last.
+    // What a killed build has left is put right first, so that the set that is compared is the
+    // last.
     if (!steps.Try(PickerStep::ReplacePages, [&] { pages.Restore(); })) return;
     ModernBuild build(run, locations);
     if (!build.Prepare()) return;

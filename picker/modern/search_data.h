@@ -12,7 +12,8 @@ constexpr std::string_view AlbumsDataName = "AlbumPickerAlbums.js";
 constexpr std::string_view TracksDataName = "AlbumPickerTracks.js";
 
 /// What the script searches, as calls of it: all artists with their albums, in the catalogue's
-/// order, each with its thumbnail, or else with its initials and the number of their colours. ASCII.
+/// order, each with its thumbnail, or else with its initials and the number of their colours.
+/// ASCII.
 std::string AlbumsData(const Catalogue& catalogue);
 
 /// The titles of all tracks, album by album.

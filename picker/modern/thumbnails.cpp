@@ -90,8 +90,8 @@ ThumbnailFolder::ThumbnailFolder(Run& run, std::string_view webCoverFolder)
     : run_(run),
       covers_(webCoverFolder),
       folder_(covers_ + std::string(ThumbnailFolderName) + '\\'),
-      hasOwnStandIn_(run.files.FileExists(run.settings.AlbumCoverFolder +
-                                          std::string(PlaceholderName))) {}
+      hasOwnStandIn_(
+          run.files.FileExists(run.settings.AlbumCoverFolder + std::string(PlaceholderName))) {}
 
 /// Initials stand for a missing cover, unless the household has an image of its own for that.
 bool ThumbnailFolder::IsStandIn(const std::string& coverFile) const {
@@ -133,8 +133,7 @@ void ThumbnailFolder::Fill(Steps& steps, Catalogue& catalogue) {
         const bool isImage = thumbnail->problem.empty();
         const std::string file = WithEnding(wanted.name, isImage ? ThumbnailEnding : NoteEnding);
         if (!isImage) {
-            const std::string found = "Album Cover " +
-                                      wanted.source.substr(covers_.size()) + ' ' +
+            const std::string found = "Album Cover " + wanted.source.substr(covers_.size()) + ' ' +
                                       thumbnail->problem + "; initials stand for it";
             WriteLog(run_, LogSource, found);
             thumbnail->jpeg = found + "\r\n";

@@ -17,9 +17,9 @@ constexpr int ThumbnailSide = 320;
 /// The folder of the thumbnails, inside that of the covers.
 constexpr std::string_view ThumbnailFolderName = "thumbnails";
 
-/// The thumbnails of all covers. One is called after its cover's name, size and time, so one that is
-/// there is the right one, and browsers never show an old one for a new. A cover that cannot be read
-/// as an image leaves a note instead, by which it is logged only once.
+/// The thumbnails of all covers. One is called after its cover's name, size and time, so one that
+/// is there is the right one, and browsers never show an old one for a new. A cover that cannot be
+/// read as an image leaves a note instead, by which it is logged only once.
 class ThumbnailFolder {
   public:
     /// `webCoverFolder` ends in a backslash and holds the covers already.

@@ -47,9 +47,9 @@ std::string ViewPages::Page(const PickerView& view, std::size_t page) const {
         text += Line("<p class='picker-range'>" + RangeOf(view, page) + "</p>");
     }
     if (isIndex) {
-        text += Line("<p class='picker-count'>" +
-                     ShownText(catalogue_.Count(), catalogue_.all.inLibrary, leastTracks_) +
-                     "</p>");
+        text +=
+            Line("<p class='picker-count'>" +
+                 ShownText(catalogue_.Count(), catalogue_.all.inLibrary, leastTracks_) + "</p>");
     }
     text += Headings(view, page);
     text += Line("<div class='picker-sections'>");
@@ -75,8 +75,8 @@ std::string ViewPages::Albums(const PickerView& view, const Piece& piece) const 
     const Section& section = view.sections[piece.section];
     const std::string place = PickerView::SectionPlace(piece.section);
     std::string text = "<section aria-labelledby='" + place +
-                       "' style='--count:" + std::to_string(piece.count) + "'><h2 id='" + place + "'>" +
-                       Isolated(section.heading);
+                       "' style='--count:" + std::to_string(piece.count) + "'><h2 id='" + place +
+                       "'>" + Isolated(section.heading);
     if (piece.first != 0) text += " <span class='picker-more'>continued</span>";
     text += Line("</h2>");
     text += Line("<ul class='picker-grid'>");

@@ -81,7 +81,9 @@ class Visit:
                     self.open(page)
                     facts = self.facts()
                     expect(f"{name} {page} fits into {width}", True, facts["wide"] <= width)
-                    expect(f"{name} {page} {width} {scheme}", [], self.axe.violations(self.browser))
+                    # Large libraries have more of the same.
+                    if len(self.library.albums) < 5000 or width == 1280:
+                        expect(f"{name} {page} {width} {scheme}", [], self.axe.violations(self.browser))
                     self.photograph(f"{name}-{page.removesuffix('.asp') or 'index'}-{width}-{scheme}")
         self.browser.prefer("light")
         self.browser.resize(*SIZES[-1])
@@ -247,7 +249,8 @@ def visit_library(count, program, folder, browser, axe, screenshots):
     albums = albums_for(count)
     library = ModernLibrary(program, folder / str(count), albums)
     made = time.monotonic()
-    library.build(PickerFormatOption=0)
+    # Pages of a few albums each, where there are few, so that there are some.
+    library.build(PickerFormatOption=0, ImagesWide=3 if count == 19 else 5, ImagesHigh=2 if count == 19 else 3)
     built = time.monotonic()
     largest = sources_are_sound(library)
     views = {19: ["AlbumPickerGenres1.asp", "AlbumPickerNew1.asp"], 5000: ["AlbumPickerNew1.asp"],

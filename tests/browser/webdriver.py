@@ -10,7 +10,7 @@ import urllib.error
 import urllib.request
 
 ELEMENT = "element-6066-11e4-a52e-4f735466cecf"
-ANSWER_LIMIT = 60
+ANSWER_LIMIT = 120
 
 
 class BrowserError(Exception):

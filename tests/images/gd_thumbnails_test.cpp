@@ -69,9 +69,8 @@ TEST(GdThumbnails, DoNotUnpackWhatClaimsTooManyPixels) {
 }
 
 TEST(GdThumbnails, SurviveImagesThatEndTooEarlyOrHoldOtherBytes) {
-    for (const std::string& image :
-         {samples::Png(20, 20, Red), samples::Bmp(20, 20, Red), samples::Gif(1, 1), samples::WebP(),
-          samples::Jpeg()}) {
+    for (const std::string& image : {samples::Png(20, 20, Red), samples::Bmp(20, 20, Red),
+                                     samples::Gif(1, 1), samples::WebP(), samples::Jpeg()}) {
         for (std::size_t i = 0; i < image.size(); i += 1 + image.size() / 60) {
             Made(image.substr(0, i));
             std::string damaged = image;

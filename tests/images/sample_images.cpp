@@ -1,7 +1,7 @@
 #include "tests/images/sample_images.h"
 
-#include <initializer_list>
 #include <cstddef>
+#include <initializer_list>
 #include <string_view>
 #include <vector>
 

@@ -17,7 +17,9 @@ class CatalogueTest : public ModernFixture {
     /// The genre of the one album there is, "One" by Alder.
     std::string Genre() { return Made().extras.at(0).genre; }
 
-    Catalogue Made() { return MakeCatalogue(ReadPickerAlbums(run, *run.connection), *run.connection); }
+    Catalogue Made() {
+        return MakeCatalogue(ReadPickerAlbums(run, *run.connection), *run.connection);
+    }
 };
 
 TEST_F(CatalogueTest, HasTheGenreOfMostSongs) {

@@ -35,7 +35,9 @@ class ModernFixture : public PickerFixture {
 
     void AddAlbumWithCover(const std::string& cdjid, const std::string& cover,
                            const std::string& bytes) {
-        AddAlbum({.cdjid = cdjid, .artist = "Alder", .title = "Album " + cdjid,
+        AddAlbum({.cdjid = cdjid,
+                  .artist = "Alder",
+                  .title = "Album " + cdjid,
                   .image = R"(D:\Covers\)" + cover});
         files.AddFile(R"(D:\Covers\)" + cover, bytes, MakeDateTime(2020, 1, 1));
     }

@@ -20,15 +20,17 @@ class ModernPickerTest : public ModernFixture {};
 TEST_F(ModernPickerTest, MakesTheSamePagesByNumberAndViewsBesideThem) {
     AddAlbums(31);
     Execute("UPDATE Albums SET DateAdded=#2026-03-01# WHERE Title='Album 0002'");
-    Execute("INSERT INTO Spinner (Artist, Album, Song, Genre) VALUES ('artist 0002', 'Album 0002', 'x', 'Jazz')");
+    Execute(
+        "INSERT INTO Spinner (Artist, Album, Song, Genre) VALUES ('artist 0002', 'Album 0002', "
+        "'x', 'Jazz')");
     Build();
     EXPECT_THAT(log, IsEmpty());
     EXPECT_EQ(run.counts.pagesWritten, 6U);
-    EXPECT_THAT(Names(Folder),
-                ElementsAre("AlbumPicker.css", "AlbumPicker.js", "AlbumPicker0.asp",
-                            "AlbumPicker1.asp", "AlbumPicker2.asp", "AlbumPicker3.asp",
-                            "AlbumPickerAlbums.js", "AlbumPickerGenres1.asp",
-                            "AlbumPickerNew1.asp", "AlbumPickerTracks.js"));
+    EXPECT_THAT(
+        Names(Folder),
+        ElementsAre("AlbumPicker.css", "AlbumPicker.js", "AlbumPicker0.asp", "AlbumPicker1.asp",
+                    "AlbumPicker2.asp", "AlbumPicker3.asp", "AlbumPickerAlbums.js",
+                    "AlbumPickerGenres1.asp", "AlbumPickerNew1.asp", "AlbumPickerTracks.js"));
     EXPECT_EQ(Count(Page(0), "<b><bdi>"), 31U);
     EXPECT_EQ(Count(Page(2), "<article "), 15U);
     EXPECT_EQ(Count(Page(3), "<article "), 1U);
@@ -86,13 +88,16 @@ TEST_F(ModernPickerTest, ShowsInitialsForAMissingCover) {
 
 TEST_F(ModernPickerTest, LeadsFromTheBarToLettersOnWhateverPage) {
     for (int i = 0; i < 250; ++i)
-        AddAlbum({.cdjid = std::to_string(i), .artist = "Alder " + std::to_string(i), .title = "x",
+        AddAlbum({.cdjid = std::to_string(i),
+                  .artist = "Alder " + std::to_string(i),
+                  .title = "x",
                   .tracks = 8});
     AddAlbum({.cdjid = "B", .artist = "Birch", .title = "y"});
     Build();
-    EXPECT_THAT(Page(0), AllOf(HasSubstr("<a href='#section1'><bdi>A</bdi></a>"),
-                               HasSubstr("<a href='AlbumPickerArtists2.asp#section2'><bdi>B</bdi></a>"),
-                               HasSubstr("href='AlbumPickerArtists2.asp'>Next")));
+    EXPECT_THAT(Page(0),
+                AllOf(HasSubstr("<a href='#section1'><bdi>A</bdi></a>"),
+                      HasSubstr("<a href='AlbumPickerArtists2.asp#section2'><bdi>B</bdi></a>"),
+                      HasSubstr("href='AlbumPickerArtists2.asp'>Next")));
     EXPECT_EQ(Count(Page(0), "<b><bdi>"), 240U);
     EXPECT_THAT(File("AlbumPickerArtists2.asp"),
                 AllOf(HasSubstr("continued"), HasSubstr("<h2 id='section2'><bdi>B</bdi></h2>"),
@@ -165,7 +170,8 @@ TEST_F(ModernPickerTest, ReplacesAllPagesWhereOneWouldBeAnother) {
     AddAlbums(2);
     Build();
     Execute("UPDATE Tracks SET Title='Another' WHERE Track=3");
-    EXPECT_THAT(ChangesOfAnotherBuild(), Contains("MoveFolder " + std::string(Folder) + ".new -> " + Folder));
+    EXPECT_THAT(ChangesOfAnotherBuild(),
+                Contains("MoveFolder " + std::string(Folder) + ".new -> " + Folder));
     EXPECT_THAT(Page(1), HasSubstr("Another"));
 }
 
@@ -204,9 +210,8 @@ TEST_F(ModernPickerTest, KeepsTheOldPagesWhenAPageCannotBeWritten) {
 TEST_F(ModernPickerTest, KeepsTheOldPagesWhenItIsAborted) {
     AddAlbums(20);
     files.AddFile(PagePath(0), "an old page");
-    world.window.PressAbortWhen([](const FormState& state) {
-        return state.aItem == "3. On Page 2, Artist Artist 0017";
-    });
+    world.window.PressAbortWhen(
+        [](const FormState& state) { return state.aItem == "3. On Page 2, Artist Artist 0017"; });
     Build();
     EXPECT_THAT(Names(Folder), ElementsAre("AlbumPicker0.asp"));
     EXPECT_FALSE(files.FolderExists(std::string(Folder) + ".new"));
@@ -237,10 +242,11 @@ TEST_F(ModernPickerTest, OffersTheSameRequestsAsFormsAndAsLinks) {
     for (const char* action : {"play", "next", "add"}) {
         EXPECT_THAT(Page(1), HasSubstr("name='ClientAction' value='" + std::string(action) + '\''));
     }
-    EXPECT_THAT(Page(1), AllOf(HasSubstr("name='CDJID' value='A&#38;1'"),
-                               HasSubstr("name='ref' value='0'"), HasSubstr("name='ref' value='3'"),
-                               HasSubstr("name='ClientAction' value='clear'"),
-                               HasSubstr("name='filename'"), HasSubstr("name='Frame' value='picker'")));
+    EXPECT_THAT(
+        Page(1),
+        AllOf(HasSubstr("name='CDJID' value='A&#38;1'"), HasSubstr("name='ref' value='0'"),
+              HasSubstr("name='ref' value='3'"), HasSubstr("name='ClientAction' value='clear'"),
+              HasSubstr("name='filename'"), HasSubstr("name='Frame' value='picker'")));
 }
 
 TEST_F(ModernPickerTest, OffersNoAddForATrackWithoutNumber) {

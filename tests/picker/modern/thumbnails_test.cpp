@@ -72,7 +72,8 @@ TEST_F(ThumbnailsTest, OfImagesThatCannotBeReadAreMissedOnceAndThenNoMore) {
     AddAlbumWithCover("1", "a.jpg", "bad picture");
     AddAlbumWithCover("2", "b.jpg", "picture");
     Build();
-    EXPECT_THAT(log, ElementsAre("Quillon: Album Cover a.jpg is not an image; initials stand for it"));
+    EXPECT_THAT(log,
+                ElementsAre("Quillon: Album Cover a.jpg is not an image; initials stand for it"));
     EXPECT_EQ(run.counts.errors, 0U);
     EXPECT_EQ(Count(Page(0), "<img "), 1U);
     log.clear();
@@ -84,15 +85,16 @@ TEST_F(ThumbnailsTest, OfImagesThatCannotBeReadAreMissedOnceAndThenNoMore) {
 TEST_F(ThumbnailsTest, AreNotTriedWithFilesTooLargeForACover) {
     AddAlbumWithCover("1", "a.jpg", std::string((std::size_t{32} << 20U) + 1, 'x'));
     Build();
-    EXPECT_THAT(log, ElementsAre("Quillon: Album Cover a.jpg is too large a file for a cover; initials "
-                                 "stand for it"));
+    EXPECT_THAT(log,
+                ElementsAre("Quillon: Album Cover a.jpg is too large a file for a cover; initials "
+                            "stand for it"));
     EXPECT_THAT(thumbnails.made, IsEmpty());
 }
 
 TEST_F(ThumbnailsTest, OfACoverThatCannotBeReadAreTriedAgain) {
     AddAlbumWithCover("1", "a.jpg", "picture");
-    world.calls.Refuse("OpenBinary " + std::string(Covers) + "a.jpg", FailureNumber::PermissionDenied,
-                       "a.jpg");
+    world.calls.Refuse("OpenBinary " + std::string(Covers) + "a.jpg",
+                       FailureNumber::PermissionDenied, "a.jpg");
     Build();
     EXPECT_THAT(log, ElementsAre("Quillon: BuildcdjPages  Line 3 Permission denied: a.jpg"));
     EXPECT_THAT(ThumbnailNames(), IsEmpty());
@@ -105,8 +107,8 @@ TEST_F(ThumbnailsTest, OfACoverThatCannotBeReadAreTriedAgain) {
 
 TEST_F(ThumbnailsTest, ThatCannotBeWrittenKeepTheOldPages) {
     files.AddFile(PagePath(0), "an old page");
-    world.calls.Refuse("CreateFolder " + std::string(ThumbnailFolder), FailureNumber::PermissionDenied,
-                       "thumbnails");
+    world.calls.Refuse("CreateFolder " + std::string(ThumbnailFolder),
+                       FailureNumber::PermissionDenied, "thumbnails");
     Build();
     EXPECT_THAT(log, ElementsAre("Quillon: BuildcdjPages  Line 3 Permission denied: thumbnails"));
     EXPECT_EQ(Page(0), "an old page");

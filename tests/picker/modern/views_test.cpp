@@ -68,7 +68,8 @@ TEST(Views, GatherArtistsUnderTheirLettersInTheOrderOfTheCatalogue) {
 }
 
 TEST(Views, GatherGenresWithTheAlbumsWithoutOneLast) {
-    const auto views = ViewsOf(CatalogueOf({{"A", "rock"}, {"B", ""}, {"C", "Jazz"}, {"D", "Rock"}}));
+    const auto views =
+        ViewsOf(CatalogueOf({{"A", "rock"}, {"B", ""}, {"C", "Jazz"}, {"D", "Rock"}}));
     EXPECT_THAT(Captions(views), ElementsAre("Artists", "Genres"));
     EXPECT_THAT(Sections(views[1]), ElementsAre("Jazz: 2", "rock: 0 3", "No genre: 1"));
 }
