@@ -146,7 +146,7 @@ bool TieCovers(Run& run, Steps& steps, CoverSet& covers) {
     run.ShowItem("2. Compare Albums with Database");
     if (run.AbortRequested) return false;
     if (!steps.Try(CoverStep::Compare, [&] {
-            const Share share(run, 0.4, 0.6);
+            const Share share(run, 0, 0.5);
             CompareAlbums(run, steps, covers);
         }))
         return false;
@@ -154,7 +154,7 @@ bool TieCovers(Run& run, Steps& steps, CoverSet& covers) {
     if (run.AbortRequested) return false;
     steps.Concerning({});
     return steps.Try(CoverStep::AddNew, [&] {
-        const Share share(run, 0.6, 0.8);
+        const Share share(run, 0.5, 1);
         AddNewCovers(run, steps, covers);
     });
 }
@@ -171,7 +171,10 @@ void RefreshAlbumCovers(Run& run) {
         if (std::ranges::any_of(run.TheLibrary().Albums(), isThere)) covers = ScanCovers(run);
     });
     if (!scanned) return;
-    if (covers && !TieCovers(run, steps, *covers)) return;
+    if (covers) {
+        const Share share(run, 0.4, run.modern.takesFolderImages ? 0.8 : 1);
+        if (!TieCovers(run, steps, *covers)) return;
+    }
     if (!run.modern.takesFolderImages || run.AbortRequested) return;
     run.ShowItem("4. Look for Images in Album Folders");
     const Share share(run, 0.8, 1);

@@ -240,16 +240,11 @@ std::string HostText(const Plan& plan) {
         "KeepDays=14\n"
         "\n"
         "; 1: beside each .m3u list stands an .m3u8 with the paths of this machine, which players "
-        "here open as
-"
-        "; it is.
-"
-        "[Playlists]
-"
-        "Local=1
-"
-        "
-"
+        "here open as\n"
+        "; it is.\n"
+        "[Playlists]\n"
+        "Local=1\n"
+        "\n"
         "; modern: the album picker's pages have large covers, a search field, genres and new "
         "albums. "
         "classic:\n"

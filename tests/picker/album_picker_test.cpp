@@ -305,7 +305,7 @@ TEST_F(PickerFixture, TellsHowManyCoversAndThenHowManyAlbumsAreDone) {
     fakes::ProgressWatch watch(world.window);
     Build();
     watch.Note(run.form.progress);
-    EXPECT_EQ(watch.Seen(), "- 0/2 1/2 0/3 1/3 2/3 3/3");
+    EXPECT_EQ(watch.Seen(), "- [0-50%] - 0/2 1/2 [50-100%] 0/3 1/3 2/3 [0-100%] 1000/1000");
 }
 
 }  // namespace
