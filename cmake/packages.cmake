@@ -33,6 +33,8 @@ set(CPACK_DEBIAN_PACKAGE_SECTION sound)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_NAME quillon)
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_SUGGESTS quillon-window)
+# Loaded only when covers become small, so nothing else tells that it is needed.
+set(CPACK_DEBIAN_PROGRAM_PACKAGE_DEPENDS libgd3)
 set(CPACK_DEBIAN_PROGRAM_DESCRIPTION
 "keeps MP3 folders, a jukebox database, tags and playlists consistent
 Brings a folder tree of MP3 files, the Access database of the jukebox software

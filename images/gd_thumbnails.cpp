@@ -9,6 +9,7 @@
 #include <png.h>
 #include <vector>
 
+#include "images/gd_library.h"
 #include "images/image_header.h"
 
 namespace quillon {
@@ -19,8 +20,8 @@ constexpr const char* Unreadable = "is not an image that can be read";
 constexpr const char* TooLarge = "has too many pixels";
 
 struct Destroy {
-    void operator()(gdImage* image) const { gdImageDestroy(image); }
-    void operator()(void* bytes) const { gdFree(bytes); }
+    void operator()(gdImage* image) const { TheGdLibrary().Destroy(image); }
+    void operator()(void* bytes) const { TheGdLibrary().Free(bytes); }
 };
 using Image = std::unique_ptr<gdImage, Destroy>;
 
@@ -37,7 +38,7 @@ Image UnpackPng(std::string_view bytes) {
     png_image_free(&file);
     if (!isRead) return nullptr;
     const int width = static_cast<int>(file.width), height = static_cast<int>(file.height);
-    Image image(gdImageCreateTrueColor(width, height));
+    Image image(TheGdLibrary().CreateTrueColor(width, height));
     if (!image) return nullptr;
     const png_byte* pixel = pixels.data();
     for (int y = 0; y < height; ++y)
@@ -51,17 +52,18 @@ Image Unpack(std::string_view bytes, ImageKind kind) {
     if (bytes.size() > static_cast<std::size_t>(std::numeric_limits<int>::max())) return nullptr;
     const int size = static_cast<int>(bytes.size());
     void* const data = const_cast<char*>(bytes.data());  // only read from
+    const GdLibrary& gd = TheGdLibrary();
     switch (kind) {
         case ImageKind::Jpeg:
-            return Image(gdImageCreateFromJpegPtr(size, data));
+            return Image(gd.FromJpeg(size, data));
         case ImageKind::Png:
             return UnpackPng(bytes);
         case ImageKind::Gif:
-            return Image(gdImageCreateFromGifPtr(size, data));
+            return Image(gd.FromGif(size, data));
         case ImageKind::Bmp:
-            return Image(gdImageCreateFromBmpPtr(size, data));
+            return Image(gd.FromBmp(size, data));
         case ImageKind::WebP:
-            return Image(gdImageCreateFromWebpPtr(size, data));
+            return Image(gd.FromWebP(size, data));
     }
     return nullptr;
 }
@@ -76,22 +78,20 @@ Image Reduced(const Image& image, int side) {
     const int width = gdImageSX(image.get()), height = gdImageSY(image.get());
     const int longer = std::max(width, height), wanted = std::min(longer, side);
     const int newWidth = Shrunk(width, longer, wanted), newHeight = Shrunk(height, longer, wanted);
-    Image reduced(gdImageCreateTrueColor(newWidth, newHeight));
+    const GdLibrary& gd = TheGdLibrary();
+    Image reduced(gd.CreateTrueColor(newWidth, newHeight));
     if (!reduced) return nullptr;
-    gdImageFilledRectangle(reduced.get(), 0, 0, newWidth - 1, newHeight - 1,
+    gd.FillRectangle(reduced.get(), 0, 0, newWidth - 1, newHeight - 1,
                            gdTrueColor(255, 255, 255));
-    gdImageCopyResampled(reduced.get(), image.get(), 0, 0, 0, 0, newWidth, newHeight, width,
+    gd.CopyResampled(reduced.get(), image.get(), 0, 0, 0, 0, newWidth, newHeight, width,
                          height);
     return reduced;
 }
 
-/// What is wrong with an image is told to the caller and to nobody else.
-void SayNothing(int, const char*, va_list) {}
-
 }  // namespace
 
-GdThumbnails::GdThumbnails() {
-    gdSetErrorMethod(SayNothing);
+void GdThumbnails::Require() {
+    TheGdLibrary();
 }
 
 Thumbnail GdThumbnails::Make(std::string_view image, int side) {
@@ -106,7 +106,7 @@ Thumbnail GdThumbnails::Make(std::string_view image, int side) {
     const Image reduced = whole ? Reduced(whole, side) : nullptr;
     int size = 0;
     const std::unique_ptr<void, Destroy> jpeg(
-        reduced ? gdImageJpegPtr(reduced.get(), &size, JpegQuality) : nullptr);
+        reduced ? TheGdLibrary().ToJpeg(reduced.get(), &size, JpegQuality) : nullptr);
     if (!jpeg) return {.jpeg = "", .problem = Unreadable};
     return {
         .jpeg = std::string(static_cast<const char*>(jpeg.get()), static_cast<std::size_t>(size)),

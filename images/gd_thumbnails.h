@@ -12,8 +12,7 @@ class GdThumbnails : public Thumbnails {
     /// An image of more pixels is not looked at: unpacked it takes four bytes for each.
     static constexpr std::uint64_t MostPixels = 30'000'000;
 
-    GdThumbnails();
-
+    void Require() override;
     Thumbnail Make(std::string_view image, int side) override;
 };
 

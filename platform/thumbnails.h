@@ -16,6 +16,10 @@ class Thumbnails {
   public:
     virtual ~Thumbnails() = default;
 
+    /// Failure where none can be made at all, since something is not installed. To be called before
+    /// the first is made.
+    virtual void Require() = 0;
+
     /// The image, whole, shrunk until neither side is longer than `side` pixels; a smaller one
     /// keeps its size. What is transparent becomes white. Never fails, whatever the bytes are, and
     /// takes a bounded amount of memory: an image of too many pixels is a problem, too.

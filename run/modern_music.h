@@ -15,7 +15,7 @@ struct ModernMusic {
     bool numbersFromTags = false;    ///< track numbers from tags and names instead of file times
     bool joinsDiscs = false;         ///< folders such as CD2 belong to the album above them
     bool keepsTrackArtists = false;  ///< a compilation's tracks keep their own artists
-    bool takesFolderImages = false;  ///< cover.jpg and embedded images are covers
+    bool takesFolderImages = false;  ///< cover.jpg and the like in album folders are covers
     bool writesLocalLists = false;   ///< an .m3u8 with local paths beside each .m3u
     bool hasModernPicker = false;    ///< the picker's pages in their modern form
 };
@@ -41,7 +41,7 @@ constexpr std::array<ModernKey, 8> ModernKeys{{
     {"Library", "TrackArtists", "1", "0", &ModernMusic::keepsTrackArtists, "Track artists",
      "stay in compilations", "are the album's artist"},
     {"Covers", "FolderImages", "1", "0", &ModernMusic::takesFolderImages, "Album folders",
-     "are searched for cover images, and so are tags",
+     "are searched for cover images",
      "are not searched for cover.jpg and the like"},
     {"Playlists", "Local", "1", "0", &ModernMusic::writesLocalLists, "Local playlists",
      "are written: an .m3u8 beside each .m3u", "are not written"},

@@ -270,6 +270,7 @@ void RowUndo::BringBack(const std::vector<Step*>& rows) {
     for (const Step* const step : rows) {
         std::vector<FieldValue> fields;
         const std::vector<std::string> names = ChangedFields(*step->row);
+        fields.reserve(names.size());
         for (const std::string& name : names)
             fields.push_back({name, step->row->now.fields.at(name)});
         connection_.Update(step->row->table, step->key, fields);

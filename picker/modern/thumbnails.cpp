@@ -4,8 +4,6 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
-#include <unordered_map>
-#include <utility>
 #include <vector>
 
 #include "picker/album_picker.h"
@@ -27,7 +25,8 @@ namespace {
 
 /// What is larger is no cover, and is not taken into memory.
 constexpr std::uint64_t LargestCover = std::uint64_t{32} << 20U;
-constexpr std::string_view ThumbnailEnding = ".jpg", NoteEnding = ".txt";
+constexpr const char* Ending = ".jpg";
+constexpr const char* NoteEnding = ".txt";
 constexpr std::size_t NameLength = 16;
 constexpr std::string_view HashDigits = "0123456789abcdef";
 
@@ -41,11 +40,7 @@ std::string HexText(std::uint64_t number) {
 /// Whether a file's name is one that thumbnails and notes have; all others are somebody else's.
 bool IsOwnName(std::string_view name) {
     return name.find_first_not_of(HashDigits) == NameLength &&
-           (name.substr(NameLength) == ThumbnailEnding || name.substr(NameLength) == NoteEnding);
-}
-
-std::string WithEnding(const std::string& name, std::string_view ending) {
-    return name + std::string(ending);
+           (name.substr(NameLength) == Ending || name.substr(NameLength) == NoteEnding);
 }
 
 Thumbnail ThumbnailOf(Run& run, const std::string& path) {
@@ -111,30 +106,36 @@ void ThumbnailFolder::Fill(Steps& steps, Catalogue& catalogue) {
     const FolderNames names = run_.files.NamesIn(folder_);
     present_ = {names.files.begin(), names.files.end()};
 
-    std::unordered_map<std::string, std::string> nameOf;  // by cover
+    Names nameOf;
     std::vector<Wanted> missing;
     for (const PickerAlbum& album : catalogue.all.albums) {
         const std::string& cover = album.coverFile;
         if (IsStandIn(cover) || nameOf.contains(cover)) continue;
         std::string& name = nameOf[cover];
         steps.Try(PagesStep::CopyCovers, [&] { name = NameFor(cover); });
-        if (name.empty()) continue;
-        if (!Has(WithEnding(name, ThumbnailEnding)) && !Has(WithEnding(name, NoteEnding)))
-            missing.push_back({covers_ + cover, name});
+        if (!name.empty() && !Has(name + Ending) && !Has(name + NoteEnding))
+            missing.push_back({cover, name});
     }
+    // Without the means there are those that were made before.
+    const auto require = [&] { run_.thumbnails->Require(); };
+    if (!missing.empty() && steps.Try(PagesStep::CopyCovers, require)) Make(steps, missing);
+    Give(nameOf, catalogue);
+}
 
+void ThumbnailFolder::Make(Steps& steps, const std::vector<Wanted>& missing) {
     ThumbnailWriter writer(run_.files);
     for (const Wanted& wanted : Counted(run_, missing)) {
         run_.ProcessEvents();
         if (run_.AbortRequested) return;
         std::optional<Thumbnail> thumbnail;
-        steps.Try(PagesStep::CopyCovers, [&] { thumbnail = ThumbnailOf(run_, wanted.source); });
+        steps.Try(PagesStep::CopyCovers,
+                  [&] { thumbnail = ThumbnailOf(run_, covers_ + wanted.cover); });
         if (!thumbnail) continue;
         const bool isImage = thumbnail->problem.empty();
-        const std::string file = WithEnding(wanted.name, isImage ? ThumbnailEnding : NoteEnding);
+        const std::string file = wanted.name + (isImage ? Ending : NoteEnding);
         if (!isImage) {
-            const std::string found = "Album Cover " + wanted.source.substr(covers_.size()) + ' ' +
-                                      thumbnail->problem + "; initials stand for it";
+            const std::string found = "Album Cover " + wanted.cover + ' ' + thumbnail->problem +
+                                      "; initials stand for it";
             WriteLog(run_, LogSource, found);
             thumbnail->jpeg = found + "\r\n";
         }
@@ -142,13 +143,15 @@ void ThumbnailFolder::Fill(Steps& steps, Catalogue& catalogue) {
         present_.insert(file);
     }
     writer.Close();
+}
 
+void ThumbnailFolder::Give(const Names& nameOf, Catalogue& catalogue) {
     for (std::size_t i = 0; i < catalogue.Count(); ++i) {
         const auto found = nameOf.find(catalogue.all.albums[i].coverFile);
         if (found == nameOf.end() || found->second.empty()) continue;
-        const std::string file = WithEnding(found->second, ThumbnailEnding);
+        const std::string file = found->second + Ending;
         if (Has(file)) catalogue.extras[i].thumbnail = file;
-        used_.insert(Has(file) ? file : WithEnding(found->second, NoteEnding));
+        used_.insert(Has(file) ? file : found->second + NoteEnding);
     }
 }
 

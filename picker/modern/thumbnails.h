@@ -2,7 +2,9 @@
 
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <unordered_set>
+#include <vector>
 
 #include "picker/modern/catalogue.h"
 
@@ -36,10 +38,14 @@ class ThumbnailFolder {
   private:
     /// What is to become of a cover.
     struct Wanted {
-        std::string source;  ///< full path
-        std::string name;    ///< of the thumbnail, without an ending
+        std::string cover;  ///< its name in the folder of the covers
+        std::string name;   ///< of the thumbnail, without an ending
     };
+    /// Those names by the covers.
+    using Names = std::unordered_map<std::string, std::string>;
 
+    void Make(Steps& steps, const std::vector<Wanted>& missing);
+    void Give(const Names& nameOf, Catalogue& catalogue);
     std::string NameFor(const std::string& coverFile) const;
     bool IsStandIn(const std::string& coverFile) const;
     bool Has(const std::string& name) const { return present_.contains(name); }

@@ -12,6 +12,10 @@ namespace quillon {
 /// Makes thumbnails that tell what they are of; images that begin with "bad" are none.
 class FakeThumbnails : public Thumbnails {
   public:
+    void Require() override {
+        if (isMissing) throw Failure(FailureNumber::ObjectRequired, "library");
+    }
+
     Thumbnail Make(std::string_view image, int) override {
         made.emplace_back(image);
         if (image.starts_with("bad")) return {.jpeg = "", .problem = "is not an image"};
@@ -19,6 +23,7 @@ class FakeThumbnails : public Thumbnails {
     }
 
     std::vector<std::string> made;
+    bool isMissing = false;
 };
 
 /// The album picker with its modern pages.

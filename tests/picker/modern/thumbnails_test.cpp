@@ -114,6 +114,21 @@ TEST_F(ThumbnailsTest, ThatCannotBeWrittenKeepTheOldPages) {
     EXPECT_EQ(Page(0), "an old page");
 }
 
+TEST_F(ThumbnailsTest, AreMissedInOneLineWhereTheyCannotBeMadeAtAll) {
+    AddAlbumWithCover("1", "a.jpg", "first");
+    Build();
+    AddAlbumWithCover("2", "b.jpg", "second");
+    AddAlbumWithCover("3", "c.jpg", "third");
+    thumbnails.isMissing = true;
+    Build();
+    EXPECT_THAT(log, ElementsAre("Quillon: BuildcdjPages  Line 3 Object required: library"));
+    EXPECT_THAT(thumbnails.made, ElementsAre("first"));
+    EXPECT_EQ(Count(Page(0), "<img "), 1U);
+    thumbnails.isMissing = false;
+    Build();
+    EXPECT_EQ(Count(Page(0), "<img "), 3U);
+}
+
 TEST_F(ThumbnailsTest, ShowTheHouseholdsOwnPlaceholderWhereThereIsOne) {
     AddAlbum({.cdjid = "1", .artist = "Alder", .title = "One"});
     files.AddFile(R"(D:\Covers\notfnd.jpg)", "own", MakeDateTime(2020, 1, 1));
