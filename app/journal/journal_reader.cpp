@@ -125,8 +125,8 @@ PastRun LookAtJournal(const fs::path& file) {
         if (!record) return true;
         const bool isChange = std::holds_alternative<RowChange>(*record) ||
                               std::holds_alternative<FileChange>(*record);
-        // Nothing behind the first change says more of the run, but its end.
-        if (end && isChange) return false;
+        // Nothing behind the mode says more of the run, but its end; dated copies come before it.
+        if (end && isChange && !run.started.mode.empty()) return false;
         std::visit(Facts{run}, *record);
         return true;
     });
