@@ -8,6 +8,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
@@ -20,7 +21,9 @@
 #include "platform/clock.h"
 #include "reconcile/new_rows.h"
 #include "reconcile/number_order.h"
+#include "reconcile/wished_numbers.h"
 #include "run/log.h"
+#include "run/paths.h"
 #include "run/steps.h"
 #include "tags/known_tags.h"
 
@@ -94,6 +97,11 @@ class AlbumTracks {
         for (ListedFile& file : files) {
             if (file.ID != 0) waiting.push_back(&file);
         }
+        if (run_.modern.numbersFromTags) {
+            for (const ListedFile* const file : waiting)
+                GiveNumber(*file, numbers_.TakeLowest());
+            return;
+        }
         for (auto first = waiting.begin(); first != waiting.end();) {
             const auto isYounger = [&first](const ListedFile* file) {
                 return file->FileDate.days != (*first)->FileDate.days;
@@ -102,6 +110,29 @@ class AlbumTracks {
             HandOutNumbersAmong({first, last});
             first = last;
         }
+    }
+
+    /// Brings the files into the order of the numbers that their tags, or else their names, ask
+    /// for.
+    void OrderByWishes(FileList& files) {
+        for (ListedFile& file : files)
+            wishes_.push_back({FindWish(file), file.Name});
+        std::ranges::sort(wishes_, ComesBefore);
+        std::unordered_map<std::string_view, std::size_t> places;
+        for (std::size_t i = 0; i < wishes_.size(); ++i)
+            places.emplace(wishes_[i].path, i);
+        std::ranges::sort(files, {},
+                          [&places](const ListedFile& file) { return places.at(file.Name); });
+    }
+
+    /// Tells of gaps and of numbers that are there twice, in the run that gives an album its
+    /// numbers.
+    void TellOddNumbers() {
+        if (!isRenumbered_) return;
+        if (const std::string odd = OddNumbers(wishes_); !odd.empty())
+            WriteLog(run_, LogSource,
+                     "Track numbers of the files of " + album_.artist + "\\" + album_.title + ": " +
+                         odd);
     }
 
     void LogMissingNumbers() {
@@ -155,6 +186,14 @@ class AlbumTracks {
         const std::optional<double> number = ToNumber(file.Tag->number);
         if (!number || *number < 0 || *number > Most) return std::nullopt;
         return ToInteger(file.Tag->number);
+    }
+
+    /// The number that a file's tag asks for, or else its name.
+    std::optional<std::int64_t> FindWish(ListedFile& file) {
+        std::optional<std::int64_t> number;
+        steps_.Concerning(file.Name);
+        steps_.Try(Step::AddRow, [&] { number = TagNumber(file); });
+        return number && *number > 0 ? number : LeadingNumber(LastName(file.Name));
     }
 
     void GiveNumber(const ListedFile& file, std::optional<std::int64_t> number) {
@@ -223,18 +262,22 @@ class AlbumTracks {
     }
 
     void CheckNumber(TrackRow& row, ListedFile& file, bool isNew) {
-        const std::int64_t number = row.number.Value();
+        const bool wishes = run_.modern.numbersFromTags;
+        const std::int64_t number = wishes ? FindWish(file).value_or(0) : row.number.Value();
         if (number > 0 && number <= numbers_.Count() && !numbers_.IsTaken(number)) {
             numbers_.Take(number);
+            if (wishes) row.number.Set(static_cast<std::int32_t>(number));
+            isRenumbered_ |= isNew;
             if (!isNew) Settle(row);
             return;
         }
         file.ID = static_cast<std::int64_t>(row.id);
-        if (number > 0) row.number.Set(static_cast<std::int32_t>(NoNumber));
+        if (row.number.Value() > 0) row.number.Set(static_cast<std::int32_t>(NoNumber));
     }
 
     /// Counts a row of earlier runs, whose number is final now.
     void Settle(const TrackRow& row) {
+        isRenumbered_ |= row.number.Before() != row.number.Truth();
         if (row.isNew) return;
         const bool same = row.number.Before() == row.number.Truth();
         const bool isRenamed = changed_.contains(row.id) || walk_.followed.contains(row.id);
@@ -248,6 +291,8 @@ class AlbumTracks {
     const Album& album_;
     Steps steps_;
     NumbersTaken numbers_;
+    std::vector<WishedNumber> wishes_;  ///< where tags and names decide, in their order
+    bool isRenumbered_ = false;
     std::string lastPlaced_;  ///< sound file of the row that was worked on last
     std::unordered_set<TrackId> changed_;
 };
@@ -256,10 +301,12 @@ class AlbumTracks {
 
 void ProcessTracks(Walk& walk, const Album& album, FileList& files) {
     AlbumTracks tracks(walk, album);
+    if (walk.run.modern.numbersFromTags) tracks.OrderByWishes(files);
     for (ListedFile& file : files)
         tracks.Place(file);
     tracks.HandOutNumbers(files);
     tracks.LogMissingNumbers();
+    tracks.TellOddNumbers();
 }
 
 std::string GetTrackName(std::string_view givenPath, bool flatStructure) {

@@ -65,6 +65,7 @@ TEST_F(InitCommand, MakesAWholeHostFolder) {
     EXPECT_TRUE(HasEntry("shelf/host.ini", "Style=modern"));
     EXPECT_TRUE(HasEntry("shelf/host.ini", "KeepDays=14"));
     EXPECT_TRUE(HasEntry("shelf/host.ini", "Local=1"));
+    EXPECT_TRUE(HasEntry("shelf/host.ini", "Numbers=tags"));
     EXPECT_TRUE(HasEntry("shelf/host.ini", "FolderImages=1"));
 
     const auto database = jet::Database::Open(Path("shelf/jukebox.mdb"), jet::OpenMode::ReadOnly);

@@ -21,7 +21,7 @@ class OldRunsTest : public testing::Test {
         return stamp;
     }
     static std::string Stamp(int daysAgo, int number) {
-        std::string stamp = SortableDateTimeText({now_.days - daysAgo});
+        std::string stamp = SortableDateTimeText({Now.days - daysAgo});
         for (char& letter : stamp)
             letter = letter == ' ' ? '_' : letter == ':' ? '-' : letter;
         return number == 1 ? stamp : stamp + '-' + std::to_string(number);
@@ -29,9 +29,9 @@ class OldRunsTest : public testing::Test {
     bool IsThere(const std::string& name) const {
         return fs::exists(fs::symlink_status(folder_ / name));
     }
-    void Clear() const { RemoveOldRuns(folder_.Path(), ".jsonl", now_); }
+    void Clear() const { RemoveOldRuns(folder_.Path(), ".jsonl", Now); }
 
-    static constexpr DateTime now_{46000.25};
+    static constexpr DateTime Now{46000.25};
     outside::TemporaryFolder folder_;
 };
 

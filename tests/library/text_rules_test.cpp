@@ -62,7 +62,7 @@ TEST_F(TextRulesTest, TellIdentifiersApartByTheirLastCharacters) {
     constexpr unsigned Count = 10000, LowBits = 0xFFFF;
     std::set<std::uint32_t> places;
     for (unsigned i = 0; i < Count; ++i) {
-        std::string number = std::to_string(Count + i);
+        const std::string number = std::to_string(Count + i);
         places.insert(rules.Hash("252E671073E" + number) & LowBits);
     }
     // As many as numbers by chance would have.

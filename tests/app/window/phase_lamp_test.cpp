@@ -38,8 +38,7 @@ TEST_F(PhaseLamps, CarryAMarkAndTheirTimeWhenTheirPhaseIsDone) {
 }
 
 TEST_F(PhaseLamps, AreDimmedWhereTheyBelongToOtherModes) {
-    FormState state = Reconciling(3);
-    Draw(state);
+    Draw(Reconciling(3));
     EXPECT_TRUE(LampButton(9).isEnabled());
     EXPECT_FALSE(LampButton(10).isEnabled());
 }

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace quillon {
+
+/// The number that a file's name begins with, of one to three digits that no letter and no digit
+/// follows: 7 of "07 - Song.mp3", "7. Song.mp3" and "07_Song.mp3"; nothing of "1999.mp3".
+std::optional<std::int64_t> LeadingNumber(std::string_view fileName);
+
+/// A file of an album, and the number that it asks for.
+struct WishedNumber {
+    std::optional<std::int64_t> number;  ///< above 0
+    std::string path;
+};
+
+/// By the numbers that they ask for, then by name; files that ask for none come last. Times decide
+/// nothing, so that a copy of an album has the order of the original.
+bool ComesBefore(const WishedNumber& left, const WishedNumber& right);
+
+/// What is odd about the numbers of files in that order: "2 is there twice, 3 is missing"; "" where
+/// nothing is. Only the first few are named.
+std::string OddNumbers(std::span<const WishedNumber> wishes);
+
+}  // namespace quillon
