@@ -249,6 +249,7 @@ void Gatherer::Tell(const FileChange& change) {
         case FileChange::Kind::Copied:
             return AddWritten(change, change.target);
         case FileChange::Kind::EndWritten:
+        case FileChange::Kind::PieceReplaced:
             return AddFile(DeedKind::TagWritten, change.path, change.path);
         case FileChange::Kind::Moved:
             if (IsSoundFile(change.path))

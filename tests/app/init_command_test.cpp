@@ -63,6 +63,8 @@ TEST_F(InitCommand, MakesAWholeHostFolder) {
     EXPECT_TRUE(HasEntry("shelf/host.ini", "OnlyIdentical=1"));
     EXPECT_TRUE(HasEntry("shelf/host.ini", "FollowMovedFiles=1"));
     EXPECT_TRUE(HasEntry("shelf/host.ini", "KeepDays=14"));
+    EXPECT_TRUE(HasEntry("shelf/host.ini", "Read=best"));
+    EXPECT_TRUE(HasEntry("shelf/host.ini", "Write=both"));
 
     const auto database = jet::Database::Open(Path("shelf/jukebox.mdb"), jet::OpenMode::ReadOnly);
     EXPECT_EQ(database.Tables().size(), JukeboxTables().size());
