@@ -29,10 +29,16 @@ HostFolder::HostFolder(std::string program, const fs::path& music) : program_(st
     RunToSuccess({program_, "init", Path().string(), "--music", music.string()});
     // The aims are those of a run that reads no sounds.
     Replace("host.ini", "\nFollowMovedFiles=", "0");
+    SetTags("v1", "v1");
 }
 
 void HostFolder::Set(std::string_view key, std::string_view value) const {
     Replace("Quillon.ini", fmt::format("\n{}=", key), value);
+}
+
+void HostFolder::SetTags(std::string_view read, std::string_view write) const {
+    Replace("host.ini", "\nRead=", read);
+    Replace("host.ini", "\nWrite=", write);
 }
 
 void HostFolder::Replace(std::string_view file, std::string_view begin,

@@ -36,6 +36,8 @@ class HostFolder {
     std::filesystem::path Database() const { return Path() / "jukebox.mdb"; }
 
     void Set(std::string_view key, std::string_view value) const;
+    /// Which kinds of tags are read and written, as host.ini says it.
+    void SetTags(std::string_view read, std::string_view write) const;
     /// An image for each album of the music.
     void AddCovers(const std::filesystem::path& music) const;
 

@@ -1,10 +1,12 @@
-// Measures how long it takes to work off differences between tags and database, one for each file
-// of a library, beside a bare walk over the same files.
+// Measures how long it takes to read the tags of a library in a reconciliation that compares them:
+// of version 1 alone, of all kinds, and of all kinds when they are known; and to work off
+// differences between tags and database, one for each file; beside a bare walk over the same files.
 
 #include <chrono>
 #include <cstddef>
 #include <filesystem>
 #include <fmt/format.h>
+#include <fstream>
 #include <iostream>
 #include <span>
 #include <string>
@@ -37,6 +39,27 @@ class Stage {
         RunToSuccess({QUILLON_PROGRAM, "db", "exec", host_.Database().string(), sql});
     }
 
+    /// A reconciliation that compares tags of these kinds.
+    Usage Compare(std::string_view kinds) const {
+        host_.SetTags(kinds, "v1");
+        host_.Set("Reconcile", "1");
+        host_.Set("ID3Reconcile", "1");
+        const Usage used = host_.Run();
+        host_.Set("ID3Reconcile", "0");
+        host_.Set("Reconcile", "0");
+        host_.SetTags("v1", "v1");
+        return used;
+    }
+
+    void ForgetTags() const { std::filesystem::remove(host_.Database().string() + ".tags"); }
+
+    /// Puts a tag of version 2 before the sound of each file, with texts of its own for all fields
+    /// and an image.
+    void AddNewTags() const {
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(Music()))
+            if (entry.is_regular_file()) AddNewTag(entry.path());
+    }
+
     Usage RunMode(std::string_view mode) const {
         host_.Set(mode, "1");
         const Usage used = host_.Run();
@@ -45,6 +68,40 @@ class Stage {
     }
 
   private:
+    static std::string Frame(const std::string& name, const std::string& content) {
+        std::string size;
+        for (const unsigned shift : {24U, 16U, 8U, 0U})
+            size += static_cast<char>((content.size() >> shift) & 0xFFU);
+        return name + size + std::string(2, '\0') + content;
+    }
+
+    static void AddNewTag(const std::filesystem::path& file) {
+        constexpr std::size_t OldTag = 128, Art = 30'000, Padding = 1024;
+        std::string content;
+        {
+            std::ifstream in(file, std::ios::binary);
+            content.assign(std::istreambuf_iterator<char>(in), {});
+        }
+        const std::string old = content.substr(content.size() - OldTag);
+        const auto text = [&old](std::size_t at) {
+            const std::string field = old.substr(at, 30);
+            return std::string(1, '\0') + field.substr(0, field.find('\0'));
+        };
+        const std::string frames =
+            Frame("TIT2", text(3)) + Frame("TPE1", text(33)) + Frame("TALB", text(63)) +
+            Frame("TYER", std::string(1, '\0') + "1999") +
+            Frame("TCON", std::string(1, '\0') + "(17)") +
+            Frame("TSSE", std::string(1, '\0') + "an encoder of this century") +
+            Frame("APIC", std::string(1, '\0') + "image/png" + std::string(3, '\0') +
+                              std::string(Art, 'x'));
+        const std::size_t size = frames.size() + Padding;
+        std::string head = "ID3" + std::string(1, '\3') + std::string(2, '\0');
+        for (const unsigned shift : {21U, 14U, 7U, 0U})
+            head += static_cast<char>((size >> shift) & 0x7FU);
+        std::ofstream out(file, std::ios::binary);
+        out << head << frames << std::string(Padding, '\0') << content;
+    }
+
     quillon::bench::MusicTree music_;
     quillon::bench::HostFolder host_;
 };
@@ -73,6 +130,14 @@ void Print(const std::string& what, const Usage& used, double walk) {
 
 void Measure(std::size_t tracks) {
     const Stage stage(tracks);
+    const double bareWalk = SecondsOfWalk(stage);
+    stage.AddNewTags();
+    stage.Compare("v1");
+    Print("Tags of version 1", stage.Compare("v1"), bareWalk);
+    Print("Tags of all kinds, new", stage.Compare("best"), bareWalk);
+    Print("Tags of all kinds, known", stage.Compare("best"), bareWalk);
+    stage.ForgetTags();
+    Print("Tags of all kinds, new again", stage.Compare("best"), bareWalk);
     stage.Execute("UPDATE Spinner SET Genre = 'Jazz', Length = 0");
     const double walk = SecondsOfWalk(stage);
     std::cout << fmt::format("{} tracks with a difference each; bare walk {:.3f} s\n", tracks,

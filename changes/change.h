@@ -91,12 +91,15 @@ struct FileChange {
         FolderCopied,   ///< `path` to `target`
         FolderMoved,    ///< `path` to `target`
         FolderDeleted,  ///< `before->keptAs` is where it lies now, "" where it is gone for good
+        /// A piece from `position` on. `before` has the piece's bytes, there or kept, and the size
+        /// of the whole file; `after` that size and the hash of what took its place
+        PieceReplaced,
     };
     std::uint64_t number = 0;  ///< counts a run's file changes from 1
     Kind kind = Kind::Written;
     std::string path;
     std::string target = {};
-    std::uint64_t position = 0;  ///< EndWritten: bytes from the file's start
+    std::uint64_t position = 0;  ///< EndWritten, PieceReplaced: bytes from the file's start
     std::optional<FileContent> before = {}, after = {};
     /// In an undo: the change that this one takes back, as the stamp of its run, "#" and its
     /// number. Else "".

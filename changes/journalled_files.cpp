@@ -204,4 +204,27 @@ void JournalledFiles::WriteEnd(std::string_view path, const FileEnd& seen, std::
     records_.Do(std::move(change), [&] { files_.WriteEnd(path, seen, position, bytes); });
 }
 
+void JournalledFiles::ReplaceBytes(std::string_view path, const FilePiece& seen,
+                                   std::span<const std::uint8_t> bytes) {
+    const auto textOf = [](std::span<const std::uint8_t> piece) {
+        return std::string(piece.begin(), piece.end());
+    };
+    FileChange change = ChangeOf(ChangeKind::PieceReplaced, path);
+    change.position = seen.position;
+    change.before = FileContent{.size = seen.size};
+    const std::string old = textOf(seen.bytes), fresh = textOf(bytes);
+    change.after =
+        FileContent{.size = seen.size - old.size() + fresh.size(), .hash = ContentHash(fresh)};
+    if (old.size() <= MostInRecord) {
+        change.before->bytes = old;
+    } else {
+        const Place place = NewPlace(path);
+        const std::unique_ptr<TextWriter> writer = files_.CreateText(place.path);
+        writer->WriteBytes(old);
+        writer->Close();
+        change.before->keptAs = place.shown;
+    }
+    records_.Do(std::move(change), [&] { files_.ReplaceBytes(path, seen, bytes); });
+}
+
 }  // namespace quillon

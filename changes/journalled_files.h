@@ -84,6 +84,8 @@ class JournalledFiles : public Files {
     std::unique_ptr<TextBatch> CreateTexts(TextBatch::Done done) override;
     void WriteEnd(std::string_view path, const FileEnd& seen, std::uint64_t position,
                   std::span<const std::uint8_t> bytes) override;
+    void ReplaceBytes(std::string_view path, const FilePiece& seen,
+                      std::span<const std::uint8_t> bytes) override;
 
   private:
     /// A place in the folder of `Keeping`: its Windows path, and as records name it.

@@ -8,35 +8,43 @@ namespace {
 
 class PreviewReader : public BinaryReader {
   public:
-    PreviewReader(std::unique_ptr<BinaryReader> ground, const PreviewContent& content)
-        : ground_(std::move(ground)), kept_(content.kept), added_(content.added) {}
+    PreviewReader(std::unique_ptr<BinaryReader> ground, PreviewContent content)
+        : ground_(std::move(ground)), content_(std::move(content)) {}
 
-    std::uint64_t Size() const override { return kept_ + added_->size(); }
+    std::uint64_t Size() const override { return content_.Size(); }
     void SetPosition(std::uint64_t position) override { position_ = position; }
 
     std::vector<std::uint8_t> Read(std::size_t count) override {
         std::vector<std::uint8_t> bytes;
-        if (position_ < kept_) {
-            ground_->SetPosition(position_);
-            bytes = ground_->Read(
-                static_cast<std::size_t>(std::min<std::uint64_t>(count, kept_ - position_)));
-            position_ += bytes.size();
+        const std::uint64_t groundFrom = content_.head->size();
+        const std::uint64_t addedFrom = groundFrom + (content_.kept - content_.skipped);
+        Take(bytes, *content_.head, 0, count);
+        if (position_ >= groundFrom && position_ < addedFrom && bytes.size() < count) {
+            ground_->SetPosition(position_ - groundFrom + content_.skipped);
+            const auto wanted =
+                std::min<std::uint64_t>(count - bytes.size(), addedFrom - position_);
+            const auto piece = ground_->Read(static_cast<std::size_t>(wanted));
+            bytes.insert(bytes.end(), piece.begin(), piece.end());
+            position_ += piece.size();
         }
         // Nothing of what is behind where the file that is there has become shorter.
-        if (position_ >= kept_ && bytes.size() < count) {
-            const auto from = std::min<std::uint64_t>(position_ - kept_, added_->size());
-            const std::string_view rest = std::string_view(*added_).substr(
-                static_cast<std::size_t>(from), count - bytes.size());
-            bytes.insert(bytes.end(), rest.begin(), rest.end());
-            position_ += rest.size();
-        }
+        Take(bytes, *content_.added, addedFrom, count);
         return bytes;
     }
 
   private:
+    /// What of a text that begins there is wanted.
+    void Take(std::vector<std::uint8_t>& bytes, std::string_view text, std::uint64_t from,
+              std::size_t count) {
+        if (position_ < from || position_ >= from + text.size()) return;
+        const auto rest =
+            text.substr(static_cast<std::size_t>(position_ - from), count - bytes.size());
+        bytes.insert(bytes.end(), rest.begin(), rest.end());
+        position_ += rest.size();
+    }
+
     std::unique_ptr<BinaryReader> ground_;
-    std::uint64_t kept_;
-    std::shared_ptr<const std::string> added_;
+    PreviewContent content_;
     std::uint64_t position_ = 0;
 };
 
@@ -50,10 +58,29 @@ std::shared_ptr<const std::string> PreviewContent::NoBytes() {
 PreviewContent PreviewContent::WithEnd(std::uint64_t position,
                                        std::span<const std::uint8_t> bytes) const {
     PreviewContent changed = *this;
-    changed.kept = std::min(kept, position);
-    std::string end = added->substr(0, static_cast<std::size_t>(position - changed.kept));
+    const std::uint64_t fromHead = std::min<std::uint64_t>(position, head->size());
+    if (fromHead < head->size())
+        changed.head =
+            std::make_shared<const std::string>(*head, 0, static_cast<std::size_t>(fromHead));
+    changed.kept = std::min(kept, skipped + (position - fromHead));
+    const std::uint64_t behind = position - fromHead - (changed.kept - skipped);
+    std::string end = added->substr(0, static_cast<std::size_t>(behind));
     end.append(bytes.begin(), bytes.end());
     changed.added = std::make_shared<const std::string>(std::move(end));
+    return changed;
+}
+
+PreviewContent PreviewContent::WithHead(std::uint64_t position,
+                                        std::span<const std::uint8_t> bytes) const {
+    PreviewContent changed = *this;
+    std::string begin(bytes.begin(), bytes.end());
+    const std::uint64_t fromHead = std::min<std::uint64_t>(position, head->size());
+    begin += head->substr(static_cast<std::size_t>(fromHead));
+    changed.skipped = std::min(kept, skipped + (position - fromHead));
+    const std::uint64_t behind = position - fromHead - (changed.skipped - skipped);
+    changed.added =
+        std::make_shared<const std::string>(added->substr(static_cast<std::size_t>(behind)));
+    changed.head = std::make_shared<const std::string>(std::move(begin));
     return changed;
 }
 

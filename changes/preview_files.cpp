@@ -269,4 +269,29 @@ void PreviewFiles::WriteEnd(std::string_view path, const FileEnd& seen, std::uin
     tree_.Put(parsed, std::move(node));
 }
 
+void PreviewFiles::ReplaceBytes(std::string_view path, const FilePiece& seen,
+                                std::span<const std::uint8_t> bytes) {
+    const WindowsPath parsed = ParseWindowsPath(path);
+    const std::string shown = parsed.Text();
+    if (!HasFile(parsed)) RefuseMissing(parsed);
+    const Place place = tree_.Find(parsed);
+    RequireWritable(place, parsed);
+    if (bytes.size() != seen.bytes.size()) RequireWritableAround(parsed);
+    const std::uint64_t end = seen.position + seen.bytes.size();
+    if (end > seen.size) throw Failure(FailureNumber::InvalidProcedureCall, shown);
+    const std::unique_ptr<BinaryReader> reader = OpenBinary(path);
+    std::vector<std::uint8_t> head = reader->Read(static_cast<std::size_t>(end));
+    const bool isAsSeen = reader->Size() == seen.size && head.size() == end &&
+                          std::equal(seen.bytes.begin(), seen.bytes.end(),
+                                     head.begin() + static_cast<std::ptrdiff_t>(seen.position));
+    if (!isAsSeen)
+        throw Failure(FailureNumber::PathFileAccess, shown + " (it has changed meanwhile)");
+    head.resize(static_cast<std::size_t>(seen.position));
+    head.insert(head.end(), bytes.begin(), bytes.end());
+    std::unique_ptr<Node> node = FileNode(parsed);
+    node->ground = place.ground;
+    node->content = node->content.WithHead(end, head);
+    tree_.Put(parsed, std::move(node));
+}
+
 }  // namespace quillon

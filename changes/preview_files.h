@@ -57,6 +57,8 @@ class PreviewFiles : public Files {
     void RemoveUnfinished(std::string_view) override {}
     void WriteEnd(std::string_view path, const FileEnd& seen, std::uint64_t position,
                   std::span<const std::uint8_t> bytes) override;
+    void ReplaceBytes(std::string_view path, const FilePiece& seen,
+                      std::span<const std::uint8_t> bytes) override;
 
   private:
     using Node = PreviewNode;

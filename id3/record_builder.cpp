@@ -74,20 +74,20 @@ void ReadGenre(Run& run, const SongNames& names, SongFacts& facts) {
 }
 
 /// Whether a tag's text stays because it says more than the name of a file or folder can.
-bool SaysMore(std::string_view present, std::string_view name) {
+bool SaysMore(std::string_view present, std::string_view name, bool isRecorded) {
     const std::string_view value = Trim(present);
-    // A "|" would shift what is behind it.
-    if (value.empty() || value.find('|') != std::string_view::npos) return false;
+    // In a record a "|" would shift what is behind it.
+    if (value.empty() || (isRecorded && value.find('|') != std::string_view::npos)) return false;
     if (IsCutOf(name, value)) return true;
     return (HoldsMoreThanNames(value) || !Utf8ToAnsiExactly(name)) &&
            TagAgreesWithName(value, name);
 }
 
 /// The same of a title, which may be the inner one of the file's name.
-bool TitleSaysMore(std::string_view present, std::string_view name) {
+bool TitleSaysMore(std::string_view present, std::string_view name, bool isRecorded) {
     const std::string_view value = Trim(present);
-    if (SaysMore(present, name)) return true;
-    if (value.empty() || value.find('|') != std::string_view::npos) return false;
+    if (SaysMore(present, name, isRecorded)) return true;
+    if (value.empty() || (isRecorded && value.find('|') != std::string_view::npos)) return false;
     return TagAgreesWithTitle(value, name) && !TagAgreesWithName(value, name);
 }
 
@@ -103,9 +103,10 @@ BuiltTag GetID3Info(Run& run, std::string_view path, const SongNames& names, con
     const bool lengthKnown = !facts.seconds.empty(), trackKnown = !facts.track.empty();
     Tag tag = present;
     tag.marker = "TAG";
-    if (!TitleSaysMore(present.song, names.song)) tag.song = names.song;
-    if (!SaysMore(present.artist, names.artist)) tag.artist = names.artist;
-    if (!SaysMore(present.album, names.album)) tag.album = names.album;
+    const bool isRecorded = present.isRecorded;
+    if (!TitleSaysMore(present.song, names.song, isRecorded)) tag.song = names.song;
+    if (!SaysMore(present.artist, names.artist, isRecorded)) tag.artist = names.artist;
+    if (!SaysMore(present.album, names.album, isRecorded)) tag.album = names.album;
     if (lengthKnown) tag.comment = CommentWithLength(present.comment, facts.seconds);
     if (trackKnown) tag.track = facts.track;
     tag.genre = facts.genre;

@@ -57,14 +57,41 @@ void Note(Run& run, const std::string& what, const std::string& path) {
     WriteLog(run, LogSource, "No usable " + what + " in the database for " + path);
 }
 
+/// What the rows ask for and the database does not have.
+void NoteUnknown(Run& run, const std::string& path, const Differences& differences,
+                 const BuiltTag& built, const Tag& present) {
+    if (differences.length && !built.lengthKnown) Note(run, "length", path);
+    const bool noTrack = !built.trackKnown && present.track.empty();
+    if (differences.missingTrack && noTrack) Note(run, "track number", path);
+}
+
+/// Version 1 before version 2, since a file that grows has another end. Where there is a tag of
+/// version 2, that of version 1 says what it can hold, and nothing where it cannot hold the texts.
+void WriteAllTags(Run& run, const std::string& path, const SongNames& names,
+                  const Differences& differences, const FileEnd& end, const Tag& present) {
+    const PresentTags tags = ReadPresentTags(run, path, present);
+    const bool hasOther = tags.other.tag.IsThere();
+    const BuiltTag wanted = GetID3Info(run, path, names, tags.together);
+    NoteUnknown(run, path, differences, wanted, tags.together);
+    Tag old = GetID3Info(run, path, names, present.IsThere() ? present : tags.together).tag;
+    if (hasOther && std::ranges::find(run.GenreNames, old.genre) == run.GenreNames.end())
+        old.genre.clear();
+    old.isRecorded = true;
+    const std::size_t before = run.counts.tagsWritten;
+    if (!hasOther || HoldsTexts(old)) WriteTag(run, path, end, old);
+    if (!hasOther) return;
+    const bool isWritten = WriteOtherTags(run, path, tags.other, wanted.tag);
+    if (isWritten && run.counts.tagsWritten == before) ++run.counts.tagsWritten;
+}
+
 void WriteFile(Run& run, const std::string& path, const SongNames& names,
                const Differences& differences) {
     const FileEnd end = ReadTagEnd(run.files, path);
     const Tag present = end.size > TagSize ? TagIn(end.bytes) : Tag();
+    const bool writesAll = run.modern.writesAllTags && run.tagFormats != nullptr;
+    if (writesAll) return WriteAllTags(run, path, names, differences, end, present);
     const BuiltTag built = GetID3Info(run, path, names, present);
-    if (differences.length && !built.lengthKnown) Note(run, "length", path);
-    const bool noTrack = !built.trackKnown && present.track.empty();
-    if (differences.missingTrack && noTrack) Note(run, "track number", path);
+    NoteUnknown(run, path, differences, built, present);
     WriteTag(run, path, end, built.tag);
 }
 

@@ -65,6 +65,13 @@ struct FileEnd {
     std::vector<std::uint8_t> bytes;  ///< the last ones of it
 };
 
+/// What was seen of a piece of a file, wherever that lies.
+struct FilePiece {
+    std::uint64_t size = 0;  ///< of the whole file, in bytes
+    std::uint64_t position = 0;
+    std::vector<std::uint8_t> bytes;
+};
+
 /// Lines of an ANSI text file. Lines may end in CR LF or LF; the last one may lack its end.
 class TextReader {
   public:
@@ -203,6 +210,14 @@ class Files {
     /// InvalidProcedureCall for a position that would leave a gap or cut the file.
     virtual void WriteEnd(std::string_view path, const FileEnd& seen, std::uint64_t position,
                           std::span<const std::uint8_t> bytes) = 0;
+
+    /// Puts bytes in the place of a piece; what lies before and behind it stays. As many bytes are
+    /// written in place, and put back when that fails; otherwise the file is written anew beside
+    /// itself and takes its name whole, so that other links to it keep the old content. The
+    /// modification time stays. Failure, with nothing changed: as of WriteEnd();
+    /// InvalidProcedureCall for a piece beyond the end.
+    virtual void ReplaceBytes(std::string_view path, const FilePiece& seen,
+                              std::span<const std::uint8_t> bytes) = 0;
 };
 
 /// False only where it is certain that there is no such folder.

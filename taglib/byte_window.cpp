@@ -5,7 +5,7 @@
 namespace quillon {
 
 std::span<const std::uint8_t> ByteWindow::At(std::uint64_t position, std::size_t count) {
-    if (position >= size_ || count > MostAtOnce) return {};
+    if (position >= size_ || (file_ != nullptr && count > MostAtOnce)) return {};
     const auto there = static_cast<std::size_t>(std::min<std::uint64_t>(count, size_ - position));
     const bool isIn = position >= from_ && position + there <= from_ + bytes_.size();
     if (!isIn) {

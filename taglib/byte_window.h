@@ -23,7 +23,7 @@ class ByteWindow {
     std::uint64_t Size() const { return size_; }
 
     /// The bytes at a place; fewer where there are no more. Valid until the next call. `count` is
-    /// at most MostAtOnce.
+    /// at most MostAtOnce, unless all bytes are at hand.
     std::span<const std::uint8_t> At(std::uint64_t position, std::size_t count);
 
     static constexpr std::size_t MostAtOnce = std::size_t{512} * 1024;

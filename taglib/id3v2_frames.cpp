@@ -134,12 +134,13 @@ std::vector<std::uint8_t> WithoutUnsynchronisation(std::span<const std::uint8_t>
     return plain;
 }
 
-void FindBody(ByteWindow& file, const Id3v2Header& header, Id3v2Body& body) {
+void FindBody(ByteWindow& file, const Id3v2Header& header, Id3v2Body& body,
+              std::uint64_t mostDecoded) {
     body.bytes = &file;
     body.begin = Id3v2Header::Size;
     body.end = header.size - (header.HasFooter() ? Id3v2Header::Size : 0);
     if (header.IsUnsynchronised() && header.version < 4) {
-        const auto count = std::min<std::uint64_t>(body.end - body.begin, ByteWindow::MostAtOnce);
+        const auto count = std::min(body.end - body.begin, mostDecoded);
         body.decoded.emplace(
             WithoutUnsynchronisation(file.At(body.begin, static_cast<std::size_t>(count))));
         body.bytes = &*body.decoded;

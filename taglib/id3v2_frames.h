@@ -57,8 +57,10 @@ struct Id3v2Body {
 std::uint64_t VisitFrames(const Id3v2Header& header, Id3v2Body& body,
                           const std::function<bool(const Id3v2Frame& frame)>& visit);
 
-/// `file` must outlive the body, which must not be moved while it is in use.
-void FindBody(ByteWindow& file, const Id3v2Header& header, Id3v2Body& body);
+/// `file` must outlive the body, which must not be moved while it is in use. `mostDecoded`: how
+/// much of a tag is read at once where zero bytes are to be taken out of it.
+void FindBody(ByteWindow& file, const Id3v2Header& header, Id3v2Body& body,
+              std::uint64_t mostDecoded = ByteWindow::MostAtOnce);
 
 /// Without the zero bytes that unsynchronisation has put behind each byte 255.
 std::vector<std::uint8_t> WithoutUnsynchronisation(std::span<const std::uint8_t> bytes);

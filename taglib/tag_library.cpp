@@ -1,40 +1,20 @@
 #include "taglib/tag_library.h"
 
 #include <algorithm>
-#include <array>
 #include <string>
 #include <string_view>
 
 #include "platform/basic_text.h"
+#include "platform/failure.h"
 #include "taglib/ape_items.h"
 #include "taglib/field_text.h"
+#include "taglib/frame_fields.h"
 #include "taglib/frame_text.h"
+#include "taglib/id3v2_writer.h"
 #include "taglib/sound_length.h"
 
 namespace quillon {
 namespace {
-
-/// Names in version 2.2, and in later ones, of which dates have two.
-struct FrameField {
-    std::string_view shortName, name, newName;
-    std::string Tag::* field;
-};
-
-constexpr std::array<FrameField, 8> FrameFields{{{"TT2", "TIT2", "TIT2", &Tag::song},
-                                                 {"TP1", "TPE1", "TPE1", &Tag::artist},
-                                                 {"TAL", "TALB", "TALB", &Tag::album},
-                                                 {"TYE", "TYER", "TDRC", &Tag::year},
-                                                 {"COM", "COMM", "COMM", &Tag::comment},
-                                                 {"TRK", "TRCK", "TRCK", &Tag::track},
-                                                 {"TPA", "TPOS", "TPOS", &Tag::disc},
-                                                 {"TCO", "TCON", "TCON", &Tag::genre}}};
-
-std::string Tag::* FieldOfFrame(std::string_view name) {
-    const auto found = std::ranges::find_if(FrameFields, [name](const FrameField& field) {
-        return name == field.name || name == field.newName || name == field.shortName;
-    });
-    return found == FrameFields.end() ? nullptr : found->field;
-}
 
 /// Nothing for what is no number of a genre.
 std::optional<std::uint8_t> GenreNumberOf(std::string_view value) {
@@ -91,6 +71,23 @@ bool EndsWithTag(std::span<const std::uint8_t> end) {
     return EqualIgnoringCase(std::string(marker.begin(), marker.end()), "TAG");
 }
 
+/// The piece in which the two differ.
+HeadChange Difference(std::uint64_t fileSize, std::span<const std::uint8_t> old,
+                      std::span<const std::uint8_t> fresh) {
+    const auto [oldBegin, freshBegin] = std::ranges::mismatch(old, fresh);
+    const auto begin = static_cast<std::size_t>(oldBegin - old.begin());
+    old = old.subspan(begin);
+    fresh = fresh.subspan(begin);
+    std::size_t same = 0;
+    while (same < std::min(old.size(), fresh.size()) &&
+           old[old.size() - 1 - same] == fresh[fresh.size() - 1 - same])
+        ++same;
+    old = old.first(old.size() - same);
+    fresh = fresh.first(fresh.size() - same);
+    return {.old = {.size = fileSize, .position = begin, .bytes = {old.begin(), old.end()}},
+            .bytes = {fresh.begin(), fresh.end()}};
+}
+
 }  // namespace
 
 OtherTags TagLibrary::Read(BinaryReader& file, std::span<const std::uint8_t> end) {
@@ -111,6 +108,22 @@ OtherTags TagLibrary::Read(BinaryReader& file, std::span<const std::uint8_t> end
     soundEnd -= ape;
     if (soundEnd > soundBegin) found.seconds = SoundSeconds(bytes, soundBegin, soundEnd);
     return found;
+}
+
+std::optional<HeadChange> TagLibrary::Change(BinaryReader& file, const Tag& wanted) {
+    constexpr std::uint64_t MostSize = std::uint64_t{16} * 1024 * 1024;
+    ByteWindow bytes(file);
+    const std::optional<Id3v2Header> header = ReadId3v2Header(bytes);
+    if (!header) return std::nullopt;
+    if (header->size > MostSize) {
+        throw Failure::Described(FailureNumber::InvalidProcedureCall,
+                                 "the ID3v2 tag stays as it is, since it is too large");
+    }
+    file.SetPosition(0);
+    const std::vector<std::uint8_t> head = file.Read(static_cast<std::size_t>(header->size));
+    const std::optional<std::vector<std::uint8_t>> changed = ChangedHead(head, wanted);
+    if (!changed) return std::nullopt;
+    return Difference(bytes.Size(), head, *changed);
 }
 
 }  // namespace quillon

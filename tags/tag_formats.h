@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <vector>
 
 #include "platform/files.h"
 #include "tags/tag.h"
@@ -18,6 +19,12 @@ struct OtherTags {
     std::optional<std::int64_t> seconds = {};      ///< length of the sound, above 0
 };
 
+/// A piece of a tag at a file's beginning, and what takes its place.
+struct HeadChange {
+    FilePiece old;
+    std::vector<std::uint8_t> bytes;
+};
+
 /// Reads tags of the kinds that came after version 1, and the length of the sound itself.
 class TagFormats {
   public:
@@ -30,6 +37,13 @@ class TagFormats {
     /// failure, and only a small part of them is read, however large the tags say that they are.
     /// Failure: what `file` throws.
     virtual OtherTags Read(BinaryReader& file, std::span<const std::uint8_t> end) = 0;
+
+    /// What in the file's tag of ID3 version 2 becomes other when that is to say these texts; an
+    /// empty one stays as it is. Frames that it has are changed where they say something else, none
+    /// are added, and all others stay. Nothing where there is no such tag or it says so already.
+    /// Failure: what `file` throws, and InvalidProcedureCall for a tag that is damaged or too large
+    /// to be changed.
+    virtual std::optional<HeadChange> Change(BinaryReader& file, const Tag& wanted) = 0;
 };
 
 }  // namespace quillon

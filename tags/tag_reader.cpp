@@ -10,9 +10,7 @@
 #include "platform/failure.h"
 #include "run/run.h"
 #include "run/steps.h"
-#include "tags/known_tags.h"
 #include "tags/length_text.h"
-#include "tags/tag_formats.h"
 
 namespace quillon {
 namespace {
@@ -46,23 +44,6 @@ bool ReadsAllTags(const Run& run) {
     return run.modern.readsAllTags && run.tagFormats != nullptr;
 }
 
-/// Where a text has only blanks, that of version 1 takes its place.
-FoundTag Together(OtherTags other, const Tag& old, std::optional<std::uint8_t> oldGenre) {
-    FoundTag found{.tag = std::move(other.tag), .genreNumber = other.genreNumber};
-    Tag& tag = found.tag;
-    tag.isRecorded = false;
-    if (old.IsThere() && !tag.IsThere()) tag.marker = old.marker;
-    for (const TagField& field : TagFields) {
-        std::string& text = tag.*field.text;
-        if (Trim(text).empty()) text = old.*field.text;
-    }
-    if (tag.genre.empty() && !found.genreNumber) found.genreNumber = oldGenre;
-    tag.seconds = WholeSecondsIn(tag.comment);
-    if (tag.seconds.empty()) tag.seconds = WholeSecondsIn(old.comment);
-    if (tag.seconds.empty() && other.seconds) tag.seconds = std::to_string(*other.seconds);
-    return found;
-}
-
 /// Opens the file once, for all that is to be known of it.
 std::optional<FoundTag> ReadFound(Run& run, Steps& steps, const FileEntry& file) {
     FoundTag found;
@@ -72,14 +53,10 @@ std::optional<FoundTag> ReadFound(Run& run, Steps& steps, const FileEntry& file)
     if (!steps.Try(ReadTagStep::Open, [&] { stream = run.files.OpenBinary(file.path); }))
         return std::nullopt;
     const bool isRead = steps.Try(ReadTagStep::Read, [&] {
-        const std::uint64_t size = stream->Size();
-        const auto count = std::min<std::uint64_t>(size, TagFormats::EndSize);
-        stream->SetPosition(size - count);
-        const std::vector<std::uint8_t> end = stream->Read(static_cast<std::size_t>(count));
-        if (end.size() != count) throw Failure(FailureNumber::InputPastEnd, file.path);
+        const std::vector<std::uint8_t> end = ReadEndForTags(*stream, file.path);
         Tag old;
         std::optional<std::uint8_t> genre;
-        if (size > TagSize) {
+        if (stream->Size() > TagSize) {
             const auto last = std::span(end).last(TagSize);
             old = TagIn(last);
             if (old.IsThere()) genre = GenreNumberIn(last);
@@ -126,6 +103,31 @@ std::string GenreNameOf(Run& run, std::uint8_t number) {
 }
 
 }  // namespace
+
+FoundTag Together(OtherTags other, const Tag& old, std::optional<std::uint8_t> oldGenre) {
+    FoundTag found{.tag = std::move(other.tag), .genreNumber = other.genreNumber};
+    Tag& tag = found.tag;
+    tag.isRecorded = false;
+    if (old.IsThere() && !tag.IsThere()) tag.marker = old.marker;
+    for (const TagField& field : TagFields) {
+        std::string& text = tag.*field.text;
+        if (Trim(text).empty()) text = old.*field.text;
+    }
+    if (tag.genre.empty() && !found.genreNumber) found.genreNumber = oldGenre;
+    tag.seconds = WholeSecondsIn(tag.comment);
+    if (tag.seconds.empty()) tag.seconds = WholeSecondsIn(old.comment);
+    if (tag.seconds.empty() && other.seconds) tag.seconds = std::to_string(*other.seconds);
+    return found;
+}
+
+std::vector<std::uint8_t> ReadEndForTags(BinaryReader& file, std::string_view path) {
+    const std::uint64_t size = file.Size();
+    const auto count = std::min<std::uint64_t>(size, TagFormats::EndSize);
+    file.SetPosition(size - count);
+    std::vector<std::uint8_t> end = file.Read(static_cast<std::size_t>(count));
+    if (end.size() != count) throw Failure(FailureNumber::InputPastEnd, std::string(path));
+    return end;
+}
 
 std::optional<Tag> ReadID3(Run& run, std::string_view path, GenreAs genre) {
     Steps steps(run, Location);

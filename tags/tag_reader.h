@@ -3,9 +3,12 @@
 #include <cstdint>
 #include <optional>
 #include <string_view>
+#include <vector>
 
 #include "platform/files.h"
+#include "tags/known_tags.h"
 #include "tags/tag.h"
+#include "tags/tag_formats.h"
 
 namespace quillon {
 
@@ -29,6 +32,13 @@ std::optional<Tag> ReadID3(Run& run, std::string_view path, GenreAs genre = Genr
 /// The same for a file that has just been listed, which need not be looked at again, nor opened
 /// where it is known what its tags say.
 std::optional<Tag> ReadID3(Run& run, const FileEntry& file);
+
+/// What tags of all kinds say together: where a text has only blanks, that of version 1 takes its
+/// place.
+FoundTag Together(OtherTags other, const Tag& old, std::optional<std::uint8_t> oldGenre);
+
+/// As much of a file's end as `TagFormats::Read` asks for. Throws Failure.
+std::vector<std::uint8_t> ReadEndForTags(BinaryReader& file, std::string_view path);
 
 /// The end of a file, as far as a tag may lie there. Throws Failure.
 FileEnd ReadTagEnd(Files& files, std::string_view path);

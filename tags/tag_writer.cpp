@@ -12,6 +12,7 @@
 #include "platform/utf8.h"
 #include "run/run.h"
 #include "run/steps.h"
+#include "tags/length_text.h"
 #include "tags/tag_reader.h"
 
 namespace quillon {
@@ -24,6 +25,7 @@ enum class WriteTagStep {
     ReadEnd = 4,
     MakeBytes = 5,
     WriteBytes = 6,
+    WriteHead = 7,
 };
 
 constexpr std::uint8_t NoGenre = 255;
@@ -166,12 +168,72 @@ class TagWriter {
     std::vector<std::uint8_t> bytes_;
 };
 
+/// With another length where it says one.
+std::string WithSeconds(const std::string& comment, std::string_view seconds) {
+    const std::optional<LengthMark> mark = LengthInComment(comment);
+    if (!mark || seconds.empty() || mark->seconds == seconds) return comment;
+    const auto at = static_cast<std::size_t>(mark->seconds.data() - comment.data());
+    return std::string(comment).replace(at, mark->seconds.size(), seconds);
+}
+
+/// What is to become of a genre; "" where it stays.
+std::string GenreInstead(const Run& run, const OtherTags& present, const std::string& wanted) {
+    const std::string& there =
+        present.genreNumber ? run.GenreNames[*present.genreNumber] : present.tag.genre;
+    const bool saysNothing = wanted.empty() || EqualIgnoringCase(wanted, "Other");
+    if (EqualIgnoringCase(there, wanted) || (saysNothing && !there.empty())) return "";
+    return wanted;
+}
+
+/// The texts that differ, and no others.
+Tag Differing(const Run& run, const OtherTags& present, const Tag& wanted) {
+    Tag differing;
+    for (std::string Tag::* const field : {&Tag::song, &Tag::artist, &Tag::album, &Tag::track})
+        if (Trim(present.tag.*field) != Trim(wanted.*field)) differing.*field = wanted.*field;
+    differing.genre = GenreInstead(run, present, wanted.genre);
+    const std::string comment = WithSeconds(present.tag.comment, WholeSecondsIn(wanted.comment));
+    if (comment != present.tag.comment) differing.comment = comment;
+    return differing;
+}
+
 }  // namespace
 
 std::vector<std::uint8_t> ByteField(std::string_view text, std::size_t length) {
     std::optional<std::vector<std::uint8_t>> bytes = BytesOf(text, length);
     if (!bytes) throw Failure(FailureNumber::InvalidProcedureCall, std::string(text));
     return *std::move(bytes);
+}
+
+PresentTags ReadPresentTags(Run& run, std::string_view path, const Tag& old) {
+    const std::unique_ptr<BinaryReader> stream = run.files.OpenBinary(path);
+    OtherTags other = run.tagFormats->Read(*stream, ReadEndForTags(*stream, path));
+    FoundTag together = Together(other, old, std::nullopt);
+    if (together.genreNumber) together.tag.genre = run.GenreNames[*together.genreNumber];
+    return {.other = std::move(other), .together = std::move(together.tag)};
+}
+
+bool WriteOtherTags(Run& run, std::string_view path, const OtherTags& present, const Tag& wanted) {
+    Steps steps(run, "WriteID3 Management");
+    steps.Concerning(path);
+    bool isChanged = false;
+    steps.Try(WriteTagStep::WriteHead, [&] {
+        const std::optional<HeadChange> change =
+            run.tagFormats->Change(*run.files.OpenBinary(path), Differing(run, present, wanted));
+        if (!change) return;
+        run.files.ReplaceBytes(path, change->old, change->bytes);
+        isChanged = true;
+    });
+    return isChanged;
+}
+
+bool HoldsTexts(const Tag& tag) {
+    Tag recorded = tag;
+    recorded.isRecorded = true;
+    return PiecesOf(recorded) == TagFields.size() &&
+           std::ranges::all_of(TagFields, [&tag](const TagField& field) {
+               // Numbers and genres are not written as texts.
+               return field.length == 1 || BytesOf(tag.*field.text, field.length).has_value();
+           });
 }
 
 bool WriteTag(Run& run, std::string_view path, const Tag& tag) {

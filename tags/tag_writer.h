@@ -7,6 +7,7 @@
 
 #include "platform/files.h"
 #include "tags/tag.h"
+#include "tags/tag_formats.h"
 
 namespace quillon {
 
@@ -32,5 +33,23 @@ bool WriteTag(Run& run, std::string_view path, const Tag& tag);
 
 /// The same for a file whose end has been read already. Nothing is written if it has changed since.
 bool WriteTag(Run& run, std::string_view path, const FileEnd& end, const Tag& tag);
+
+/// What a file's tags of all kinds say, for whoever is about to write them.
+struct PresentTags {
+    OtherTags other;
+    Tag together;  ///< with that of version 1
+};
+
+/// Throws Failure.
+PresentTags ReadPresentTags(Run& run, std::string_view path, const Tag& old);
+
+/// Brings the file's tag of ID3 version 2 in line with what it is to say: its title, artist, album,
+/// track, genre and the length in a comment that says one, as far as it has them. A genre that is
+/// told there is never overwritten by "Other", which means as much as none. Whether something was
+/// changed. Failures are logged as above.
+bool WriteOtherTags(Run& run, std::string_view path, const OtherTags& present, const Tag& wanted);
+
+/// Whether a tag of version 1 can hold the texts of one, if only their beginnings.
+bool HoldsTexts(const Tag& tag);
 
 }  // namespace quillon

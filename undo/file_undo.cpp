@@ -57,6 +57,8 @@ Outcome FileUndo::TakeBack(const FileChange& change) {
             return PutContentBack(change.target, change);
         case Kind::EndWritten:
             return PutEndBack(change);
+        case Kind::PieceReplaced:
+            return PutPieceBack(change);
         case Kind::Moved:
             return EqualIgnoringCase(change.path, change.target) ? SpellBack(change)
                                                                  : MoveBack(change);
@@ -144,6 +146,35 @@ Outcome FileUndo::PutEndBack(const FileChange& change) {
         files_.WriteEnd(change.path, {.size = size, .bytes = end}, change.position,
                         AsBytes(before));
     }
+    return {};
+}
+
+/// A piece of a file that was replaced: of a tag before the sound.
+Outcome FileUndo::PutPieceBack(const FileChange& change) {
+    if (!files_.FileExists(change.path)) return Gone(change.path);
+    if (!change.before || !change.after) return NotKept(change.path);
+    std::string before = change.before->bytes.value_or("");
+    if (!change.before->keptAs.empty()) {
+        const std::string kept = KeptPath(*change.before);
+        if (!files_.FileExists(kept)) return NotKept(change.path);
+        before = BytesOf(files_, kept);
+    }
+    const std::unique_ptr<BinaryReader> reader = files_.OpenBinary(change.path);
+    const auto piece = [&](std::uint64_t count) {
+        reader->SetPosition(change.position);
+        return reader->Read(static_cast<std::size_t>(count));
+    };
+    const auto isThere = [&](const FileContent& content, std::uint64_t hash, std::uint64_t count) {
+        if (reader->Size() != content.size) return false;
+        const std::vector<std::uint8_t> bytes = piece(count);
+        return ContentHash(std::string(bytes.begin(), bytes.end())) == hash;
+    };
+    if (isThere(*change.before, ContentHash(before), before.size())) return WasSo;
+    const std::uint64_t count = change.after->size + before.size() - change.before->size;
+    if (!isThere(*change.after, change.after->hash, count)) return ChangedSince(change.path);
+    const FilePiece seen{
+        .size = change.after->size, .position = change.position, .bytes = piece(count)};
+    files_.ReplaceBytes(change.path, seen, AsBytes(before));
     return {};
 }
 

@@ -26,6 +26,7 @@ class FileUndo {
     Outcome BringKeptBack(const std::string& path, const FileContent& before);
     Outcome WriteOver(const std::string& path, const FileContent& before, const FileContent& after);
     Outcome PutEndBack(const FileChange& change);
+    Outcome PutPieceBack(const FileChange& change);
     Outcome MoveBack(const FileChange& change);
     Outcome SpellBack(const FileChange& change);
     Outcome PutDeletedBack(const FileChange& change);

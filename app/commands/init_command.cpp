@@ -254,7 +254,18 @@ std::string HostText(const Plan& plan) {
         "classic:\n"
         "; they are plain tables.\n"
         "[Picker]\n"
-        "Style=modern\n";
+        "Style=modern\n"
+        "\n"
+        "; Read=best: titles, artists, genres and so on are those of ID3v2, in full, where a file "
+        "has them, and\n"
+        "; lengths come from the sound. Read=v1: the 128 bytes at a file's end are all that is "
+        "read, with 30\n"
+        "; letters for a title and no length. Write=both: the mode ID3Write corrects ID3v2, too, "
+        "where a file\n"
+        "; has it. Write=v1: those 128 bytes alone.\n"
+        "[Tags]\n"
+        "Read=best\n"
+        "Write=both\n";
     return text + SafetyText();
 }
 

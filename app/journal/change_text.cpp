@@ -276,6 +276,8 @@ void AddFile(Groups& groups, const FileChange& change, std::size_t most) {
             return AddWritten(groups, change, most);
         case FileKind::EndWritten:
             return groups.Add("Tags written", change.path + TagText(change));
+        case FileKind::PieceReplaced:
+            return groups.Add("Tags written", change.path + ": in ID3v2");
         case FileKind::Copied:
             return groups.Add(FilesOf(change.path) + " copied", FromTo(change));
         case FileKind::Moved:

@@ -15,9 +15,9 @@ using Json = nlohmann::ordered_json;  // members stay in the order of the line
 
 /// The names that an enumeration's values have in a journal, in their order.
 constexpr std::array<std::string_view, 3> RowKinds{"added", "changed", "removed"};
-constexpr std::array<std::string_view, 10> FileKinds{
-    "written",   "end written", "copied",        "moved",        "deleted",
-    "discarded", "folder made", "folder copied", "folder moved", "folder deleted"};
+constexpr std::array<std::string_view, 11> FileKinds{
+    "written",     "end written",   "copied",       "moved",          "deleted",       "discarded",
+    "folder made", "folder copied", "folder moved", "folder deleted", "piece replaced"};
 
 template <typename Kind, std::size_t Count>
 std::string_view NameOf(Kind kind, const std::array<std::string_view, Count>& names) {

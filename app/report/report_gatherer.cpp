@@ -305,6 +305,9 @@ void ReportGatherer::Tell(const FileChange& change) {
             return AddWritten(change, change.target);
         case FileChange::Kind::EndWritten:
             return AddTag(change);
+        case FileChange::Kind::PieceReplaced:
+            AddFile(DeedKind::TagWritten, change.path, change.path);
+            return;
         case FileChange::Kind::Moved:
             if (IsSoundFile(change.path))
                 AddFile(DeedKind::FileRenamed, change.path, change.path + " → " + change.target);

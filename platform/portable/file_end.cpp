@@ -1,5 +1,6 @@
 #include "platform/portable/file_end.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <ctime>
@@ -7,6 +8,7 @@
 #include <unistd.h>
 
 #include "platform/failure.h"
+#include "platform/portable/safe_file.h"
 #include "platform/portable/system_failure.h"
 
 namespace quillon {
@@ -58,7 +60,56 @@ void PutBack(int descriptor, const FileEnd& seen, std::uint64_t position, const 
     SetModified(descriptor, facts);
 }
 
+void RequirePiece(const FileHandle& file, const struct stat& facts, const FilePiece& seen) {
+    const std::uint64_t end = seen.position + seen.bytes.size();
+    if (end > seen.size) throw Failure(FailureNumber::InvalidProcedureCall, file.ShownPath());
+    Bytes present(seen.bytes.size());
+    const bool isAsSeen = static_cast<std::uint64_t>(facts.st_size) == seen.size &&
+                          file.ReadAt(seen.position, present) == present.size() &&
+                          present == seen.bytes;
+    if (isAsSeen) return;
+    throw Failure(FailureNumber::PathFileAccess, file.ShownPath() + " (it has changed meanwhile)");
+}
+
 }  // namespace
+
+void ReplaceInPlace(const FileHandle& file, const FilePiece& seen,
+                    std::span<const std::uint8_t> bytes) {
+    const struct stat facts = file.Facts();
+    RequirePiece(file, facts, seen);
+    const int descriptor = file.Descriptor();
+    // As at the end of a file: who may not keep its times shall not change it.
+    if (const int error = SetModified(descriptor, facts); error != 0)
+        throw SystemFailure(error, file.ShownPath());
+    int error = WriteAt(descriptor, seen.position, bytes);
+    if (error == 0) error = SetModified(descriptor, facts);
+    if (error == 0) return;
+    WriteAt(descriptor, seen.position, seen.bytes);
+    SetModified(descriptor, facts);
+    throw SystemFailure(error, file.ShownPath());
+}
+
+void ReplaceByCopy(const FileHandle& file, const std::string& local, const FilePiece& seen,
+                   std::span<const std::uint8_t> bytes) {
+    const struct stat facts = file.Facts();
+    RequirePiece(file, facts, seen);
+    SafeFile copy(local, file.ShownPath(), SafeFile::Existing::Replace, facts.st_mode & 0777U);
+    const auto write = [&copy](std::span<const std::uint8_t> piece) {
+        copy.Write({reinterpret_cast<const char*>(piece.data()), piece.size()});
+    };
+    constexpr std::uint64_t AtATime = 65536;
+    Bytes before;
+    for (std::uint64_t at = 0; at < seen.position; at += before.size()) {
+        before.resize(static_cast<std::size_t>(std::min(AtATime, seen.position - at)));
+        if (file.ReadAt(at, before) != before.size())
+            throw Failure(FailureNumber::InputPastEnd, file.ShownPath());
+        write(before);
+    }
+    write(bytes);
+    copy.WriteFrom(file, seen.position + seen.bytes.size());
+    copy.SetModified(facts.st_mtim);
+    copy.Commit();
+}
 
 void WriteFileEnd(const FileHandle& file, const FileEnd& seen, std::uint64_t position,
                   std::span<const std::uint8_t> bytes) {

@@ -38,9 +38,9 @@ void FileHandle::Write(std::string_view bytes) const {
     }
 }
 
-void FileHandle::WriteFrom(const FileHandle& source) const {
+void FileHandle::WriteFrom(const FileHandle& source, std::uint64_t from) const {
     constexpr std::size_t AtATime = std::size_t{1} << 30U;
-    off_t position = 0;
+    auto position = static_cast<off_t>(from);
     // The kernel copies, where it can for these two files, without a way through this process.
     while (copy_file_range(source.descriptor_, &position, descriptor_, nullptr, AtATime, 0) > 0) {
     }

@@ -29,8 +29,8 @@ class FileHandle {
     std::size_t ReadAt(std::uint64_t position, std::span<std::uint8_t> buffer) const;
     /// Appends all bytes.
     void Write(std::string_view bytes) const;
-    /// Appends all that is in another file.
-    void WriteFrom(const FileHandle& source) const;
+    /// Appends all that is in another file from a place on.
+    void WriteFrom(const FileHandle& source, std::uint64_t from = 0) const;
     /// The modification time that the file is to have.
     void SetModified(const std::timespec& modified) const;
     /// Size, times and kind.

@@ -86,10 +86,11 @@ class ListedNames {
     }
 
     const std::vector<ListedName>& Entries() const { return entries_; }
-    /// A zero byte stands behind it.
     std::string_view NameOf(const ListedName& entry) const {
         return std::string_view(names_).substr(entry.at, entry.size);
     }
+    /// For the system, with a zero byte behind it.
+    const char* TerminatedName(const ListedName& entry) const { return &names_[entry.at]; }
     /// Whether it holds files that a program is writing, or has left unfinished.
     bool HoldsUnfinished() const { return holdsUnfinished_; }
 
@@ -126,12 +127,13 @@ FolderStream FolderLister::ForEach(const WindowsPath& shown, const std::string& 
             continue;
         }
         struct stat facts{};
-        if (fstatat(folder, name.data(), &facts, 0) != 0) {
+        if (fstatat(folder, names.TerminatedName(entry), &facts, 0) != 0) {
             // Even "no such file" is no proof: it is what a link says whose disk is away, and what
             // some network drives say for a moment. It was listed just now.
             const int error = errno;
             list.unseen.push_back(shown.Child(name));
-            const bool isThere = fstatat(folder, name.data(), &facts, AT_SYMLINK_NOFOLLOW) == 0;
+            const bool isThere =
+                fstatat(folder, names.TerminatedName(entry), &facts, AT_SYMLINK_NOFOLLOW) == 0;
             // Not even the entry itself can be looked at: then the whole folder is out of reach.
             if (!isThere && errno != ENOENT) throw SystemFailure(errno, list.unseen.back());
             NoteUnseen(error, list.unseen.back());

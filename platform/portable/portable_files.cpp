@@ -436,6 +436,16 @@ void PortableFiles::WriteEnd(std::string_view path, const FileEnd& seen, std::ui
     WriteFileEnd(OpenFile(resolver_, ParseWindowsPath(path), O_RDWR), seen, position, bytes);
 }
 
+void PortableFiles::ReplaceBytes(std::string_view path, const FilePiece& seen,
+                                 std::span<const std::uint8_t> bytes) {
+    const WindowsPath parsed = ParseWindowsPath(path);
+    const FileHandle file = OpenFile(resolver_, parsed, O_RDWR);
+    if (bytes.size() == seen.bytes.size()) return ReplaceInPlace(file, seen, bytes);
+    const std::string local = LocalToWrite(parsed);
+    ReplaceByCopy(file, local, seen, bytes);
+    resolver_.Index().Added(local);
+}
+
 void PortableFiles::RemoveUnfinished(std::string_view folder) {
     if (FolderMayExist(*this, folder)) RemoveLeftoversOnce(resolver_.Local(folder) + '/');
 }

@@ -71,6 +71,8 @@ class PortableFiles : public Files {
     void RemoveUnfinished(std::string_view folder) override;
     void WriteEnd(std::string_view path, const FileEnd& seen, std::uint64_t position,
                   std::span<const std::uint8_t> bytes) override;
+    void ReplaceBytes(std::string_view path, const FilePiece& seen,
+                      std::span<const std::uint8_t> bytes) override;
 
   private:
     /// Removes, before the first file is written into a folder (local path), the unfinished files

@@ -38,10 +38,10 @@ class SafeFile {
         isSynced_ = false;
         draft_.handle.Write(bytes);
     }
-    /// Writes all that is in another file.
-    void WriteFrom(const FileHandle& source) {
+    /// Writes all that is in another file from a place on.
+    void WriteFrom(const FileHandle& source, std::uint64_t from = 0) {
         isSynced_ = false;
-        draft_.handle.WriteFrom(source);
+        draft_.handle.WriteFrom(source, from);
     }
     /// The modification time that the file is to have.
     void SetModified(const std::timespec& modified) { draft_.handle.SetModified(modified); }

@@ -67,6 +67,8 @@ TEST_F(InitCommand, MakesAWholeHostFolder) {
     EXPECT_TRUE(HasEntry("shelf/host.ini", "Local=1"));
     EXPECT_TRUE(HasEntry("shelf/host.ini", "Numbers=tags"));
     EXPECT_TRUE(HasEntry("shelf/host.ini", "FolderImages=1"));
+    EXPECT_TRUE(HasEntry("shelf/host.ini", "Read=best"));
+    EXPECT_TRUE(HasEntry("shelf/host.ini", "Write=both"));
 
     const auto database = jet::Database::Open(Path("shelf/jukebox.mdb"), jet::OpenMode::ReadOnly);
     EXPECT_EQ(database.Tables().size(), JukeboxTables().size());

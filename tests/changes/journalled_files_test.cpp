@@ -151,6 +151,29 @@ TEST_F(JournalledFilesTest, RecordsTheBytesThatATagReplaces) {
     }
 }
 
+TEST_F(JournalledFilesTest, RecordsThePieceThatOthersReplace) {
+    files_.ReplaceBytes(R"(D:\a.txt)", {.size = 3, .position = 1, .bytes = {'l'}},
+                        std::vector<std::uint8_t>{'X', 'Y'});
+    EXPECT_EQ(Only(), Numbered({.kind = Kind::PieceReplaced,
+                                .path = R"(D:\a.txt)",
+                                .position = 1,
+                                .before = FileContent{.size = 3, .bytes = "l"},
+                                .after = FileContent{.size = 4, .hash = ContentHash("XY")}}));
+    EXPECT_EQ(fake_.Content(R"(D:\a.txt)"), "oXYd");
+}
+
+TEST_F(JournalledFilesTest, KeepsAPieceThatIsTooLargeForARecord) {
+    const std::string piece(JournalledFiles::MostInRecord + 1, 'x');
+    fake_.AddFile(R"(D:\a.txt)", piece + "sound");
+    files_.ReplaceBytes(
+        R"(D:\a.txt)",
+        {.size = piece.size() + 5, .position = 0, .bytes = {piece.begin(), piece.end()}}, {});
+    const FileChange change = Only();
+    EXPECT_FALSE(change.before->bytes);
+    ASSERT_NE(change.before->keptAs, "");
+    EXPECT_EQ(fake_.Content(R"(D:\a.txt)"), "sound");
+}
+
 TEST_F(JournalledFilesTest, RecordsACopyWithItsSizeAndTime) {
     files_.CopyFile(R"(D:\a.txt)", R"(D:\b.txt)", false);
     EXPECT_EQ(Only(), Numbered({.kind = Kind::Copied,
@@ -282,6 +305,11 @@ std::vector<Trial> Trials() {
          [](Files& files) {
              files.WriteEnd(R"(D:\a.txt)", {.size = 3, .bytes = {'d'}}, 3,
                             std::vector<std::uint8_t>{'x'});
+         }},
+        {"ReplaceBytes",
+         [](Files& files) {
+             files.ReplaceBytes(R"(D:\a.txt)", {.size = 3, .position = 0, .bytes = {'o'}},
+                                std::vector<std::uint8_t>{'x'});
          }},
         {"Name",
          [](Files& files) {

@@ -181,6 +181,19 @@ void WriteTag(Files& files, const std::string& path, std::size_t count, std::siz
                    std::vector<std::uint8_t>(count + more, static_cast<std::uint8_t>(letter)));
 }
 
+/// Puts bytes in the place of so many from a position on.
+void ReplacePiece(Files& files, const std::string& path, std::uint64_t position, std::size_t count,
+                  std::string_view bytes) {
+    FilePiece seen{.size = 0, .position = position, .bytes = {}};
+    {
+        const auto reader = files.OpenBinary(path);
+        seen.size = reader->Size();
+        reader->SetPosition(position);
+        seen.bytes = reader->Read(count);
+    }
+    files.ReplaceBytes(path, seen, std::vector<std::uint8_t>(bytes.begin(), bytes.end()));
+}
+
 TEST_F(PreviewFilesTest, IsTheDiskWhileNothingWasDone) {
     EXPECT_EQ(Description(preview_), Description(real_.files));
     EXPECT_EQ(FailureOf([&] { preview_.FilesIn(R"(D:\No)"); }),
@@ -222,6 +235,30 @@ TEST_F(PreviewFilesTest, TagsAreReadAsTheyWereWritten) {
         f.WriteEnd(one, seen, seen.size + 1, {});
     });
     Both("of nothing", [&](Files& f) { f.WriteEnd(R"(D:\no.mp3)", {}, 0, {}); });
+}
+
+TEST_F(PreviewFilesTest, PiecesAreReplacedWhereverTheyAre) {
+    const std::string one = R"(D:\Music\Abba\Gold\01 One.mp3)";
+    Both("as many", [&](Files& f) { ReplacePiece(f, one, 1, 3, "abc"); });
+    Both("more", [&](Files& f) { ReplacePiece(f, one, 0, 2, "a longer head"); });
+    Both("in what is new", [&](Files& f) { ReplacePiece(f, one, 4, 2, "x"); });
+    Both("across both", [&](Files& f) { ReplacePiece(f, one, 8, 9, "yy"); });
+    Both("and an end", [&](Files& f) { WriteTag(f, one, 5, 20, 'b'); });
+    Both("before that", [&](Files& f) { ReplacePiece(f, one, 2, 1, "zzz"); });
+    Both("up to it", [&](Files& f) {
+        ReplacePiece(f, one, 3, static_cast<std::size_t>(f.GetFile(one).size) - 5, "end");
+    });
+    Both("an end over all", [&](Files& f) { WriteTag(f, one, 6, 0, 'c'); });
+    Both("a copy", [&](Files& f) { f.CopyFile(one, R"(D:\Empty\copy.mp3)", false); });
+    Both("of a renamed file", [&](Files& f) {
+        f.MoveFile(R"(D:\Music\Abba\Gold\02 Two.mp3)", R"(D:\Music\x.mp3)");
+        ReplacePiece(f, R"(D:\Music\x.mp3)", 0, 1, "more");
+    });
+    Both("that has changed since",
+         [&](Files& f) { f.ReplaceBytes(one, {.size = 3, .position = 0, .bytes = {'x'}}, {}); });
+    Both("beyond the end",
+         [&](Files& f) { f.ReplaceBytes(one, {.size = 6, .position = 6, .bytes = {'x'}}, {}); });
+    Both("of nothing", [&](Files& f) { f.ReplaceBytes(R"(D:\no.mp3)", {}, {}); });
 }
 
 TEST_F(PreviewFilesTest, TextsAppearWholeAndOnlyWhenTheyAreClosed) {

@@ -69,6 +69,8 @@ class Library:
         text = text.replace("Style=modern", "Style=classic")
         # The rules tell rows that are gone by the numbers that rows which wait for files lack, too.
         text = text.replace("FollowMovedFiles=1", "FollowMovedFiles=0")
+        # What is known of tags is a file more that every step of a run would be tried on.
+        text = text.replace("Read=best", "Read=v1").replace("Write=both", "Write=v1")
         settings.write_text(text.replace("KeepDays=14", "KeepDays=0"))
 
     def copy_to(self, folder):

@@ -93,7 +93,7 @@ TEST(JournalLines, DatesOfOneRowAreToldApart) {
 }
 
 TEST(JournalLines, EveryKindOfFileChangeHasANameOfItsOwn) {
-    for (int kind = 0; kind <= static_cast<int>(FileChange::Kind::FolderDeleted); ++kind) {
+    for (int kind = 0; kind <= static_cast<int>(FileChange::Kind::PieceReplaced); ++kind) {
         const FileChange change{.kind = static_cast<FileChange::Kind>(kind), .path = "D:\\a"};
         EXPECT_EQ(std::get<FileChange>(FromLine(ToLine(change))).kind, change.kind);
     }

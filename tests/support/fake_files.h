@@ -25,13 +25,13 @@ class FakeFiles : public Files {
     void AddFolder(const std::string& path) {
         if (path.empty() || path.ends_with(':') || nodes_.contains(KeyOf(path))) return;
         AddFolder(ParentOf(path));
-        nodes_[KeyOf(path)] = {path, true, "", {}};
+        nodes_[KeyOf(path)] = {path, true, "", {}, 0};
     }
 
     /// Makes a file and the folders it lies in; a text file's lines end in CR LF.
     void AddFile(const std::string& path, const std::string& content = "", DateTime modified = {}) {
         AddFolder(ParentOf(path));
-        nodes_[KeyOf(path)] = {path, false, content, modified};
+        nodes_[KeyOf(path)] = {path, false, content, modified, ++changes_};
     }
 
     /// The bytes of a file. Failure: FileNotFound.
@@ -163,7 +163,7 @@ class FakeFiles : public Files {
         for (const auto& [key, node] : nodes_) {
             if (!IsWithin(key, KeyOf(from))) continue;
             const std::string path = std::string(to) + node.path.substr(from.size());
-            moved[KeyOf(path)] = {path, node.isFolder, node.content, node.modified};
+            moved[KeyOf(path)] = {path, node.isFolder, node.content, node.modified, node.changed};
         }
         std::erase_if(nodes_, [&](const auto& node) { return IsWithin(node.first, KeyOf(from)); });
         nodes_.merge(moved);
@@ -228,7 +228,20 @@ class FakeFiles : public Files {
             throw Failure(FailureNumber::InvalidProcedureCall, std::string(path));
         }
         content.replace(position, std::string::npos, std::string(bytes.begin(), bytes.end()));
-        nodes_[KeyOf(path)].content = content;
+        Touch(nodes_[KeyOf(path)]).content = content;
+    }
+
+    void ReplaceBytes(std::string_view path, const FilePiece& seen,
+                      std::span<const std::uint8_t> bytes) override {
+        calls_.Note("ReplaceBytes " + std::string(path));
+        std::string content = FileAt(path).content;
+        const std::string old(seen.bytes.begin(), seen.bytes.end());
+        if (seen.position + old.size() > seen.size)
+            throw Failure(FailureNumber::InvalidProcedureCall, std::string(path));
+        if (content.size() != seen.size || content.compare(seen.position, old.size(), old) != 0)
+            throw Failure(FailureNumber::PathFileAccess, std::string(path));
+        content.replace(seen.position, old.size(), std::string(bytes.begin(), bytes.end()));
+        Touch(nodes_[KeyOf(path)]).content = content;
     }
 
   private:
@@ -237,7 +250,13 @@ class FakeFiles : public Files {
         bool isFolder = false;
         std::string content;
         DateTime modified;
+        std::int64_t changed = 0;
     };
+
+    Node& Touch(Node& node) {
+        node.changed = ++changes_;
+        return node;
+    }
 
     class Reader : public TextReader {
       public:
@@ -330,7 +349,7 @@ class FakeFiles : public Files {
     }
     static std::string NameOf(const std::string& path) { return path.substr(path.rfind('\\') + 1); }
     static FileEntry EntryOf(const Node& node) {
-        return {node.path, NameOf(node.path), node.content.size(), node.modified};
+        return {node.path, NameOf(node.path), node.content.size(), node.modified, node.changed};
     }
 
     static bool IsWithin(std::string_view key, const std::string& folderKey) {
@@ -396,6 +415,7 @@ class FakeFiles : public Files {
     }
 
     Calls& calls_;
+    std::int64_t changes_ = 0;
     std::map<std::string, Node> nodes_;          ///< by lower-cased path
     std::map<std::string, std::string> unseen_;  ///< paths by lower-cased path
 };

@@ -26,7 +26,7 @@ std::string SoundFrameWith(std::string_view at, std::size_t place) {
 
 }  // namespace
 
-std::string Id3v2Frame(unsigned version, const std::string& name, const std::string& content,
+std::string FrameBytes(unsigned version, const std::string& name, const std::string& content,
                        unsigned flags) {
     if (version == 2) return name + Number(content.size(), 3) + content;
     return name + Number(content.size(), 4, version == 4 ? 7 : 8) + Number(flags, 2) + content;
@@ -40,7 +40,7 @@ std::string CommentContent(std::string_view text, std::string_view about) {
     return std::string(1, '\0') + "eng" + std::string(about) + '\0' + std::string(text);
 }
 
-std::string Id3v2Tag(unsigned version, const std::string& frames, std::size_t padding,
+std::string FramesTag(unsigned version, const std::string& frames, std::size_t padding,
                      unsigned flags) {
     return "ID3" + Number(version, 1) + Number(0, 1) + Number(flags, 1) +
            Number(frames.size() + padding, 4, 7) + frames + std::string(padding, '\0');

@@ -10,7 +10,7 @@
 namespace quillon::support {
 
 /// A frame of a tag of version 2 (with a name of three letters), 3 or 4.
-std::string Id3v2Frame(unsigned version, const std::string& name, const std::string& content,
+std::string FrameBytes(unsigned version, const std::string& name, const std::string& content,
                        unsigned flags = 0);
 
 /// The content of a frame of a text in the Latin-1 encoding, or another one by its number.
@@ -19,7 +19,7 @@ std::string TextContent(std::string_view text, char encoding = 0);
 std::string CommentContent(std::string_view text, std::string_view about = "");
 
 /// A tag of these frames with so many bytes of padding.
-std::string Id3v2Tag(unsigned version, const std::string& frames, std::size_t padding = 0,
+std::string FramesTag(unsigned version, const std::string& frames, std::size_t padding = 0,
                      unsigned flags = 0);
 
 /// Zero bytes strewn in behind each byte 255 that could be taken for the beginning of sound.

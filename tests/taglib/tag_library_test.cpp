@@ -15,8 +15,8 @@ namespace {
 using support::ApeTag;
 using support::CommentContent;
 using support::CountedSound;
-using support::Id3v2Frame;
-using support::Id3v2Tag;
+using support::FrameBytes;
+using support::FramesTag;
 using support::Sound;
 using support::TextContent;
 using support::Unsynchronised;
@@ -42,15 +42,15 @@ OtherTags Read(const std::string& bytes) {
 }
 
 std::string Title(unsigned version, std::string_view text, char encoding = 0) {
-    return Id3v2Frame(version, version == 2 ? "TT2" : "TIT2", TextContent(text, encoding));
+    return FrameBytes(version, version == 2 ? "TT2" : "TIT2", TextContent(text, encoding));
 }
 
 std::string TitleOf(const std::string& frame, unsigned version = 3) {
-    return Read(Id3v2Tag(version, frame) + Sound(2)).tag.song;
+    return Read(FramesTag(version, frame) + Sound(2)).tag.song;
 }
 
 std::string GenreOf(const std::string& text) {
-    const OtherTags found = Read(Id3v2Tag(3, Id3v2Frame(3, "TCON", TextContent(text))) + Sound(2));
+    const OtherTags found = Read(FramesTag(3, FrameBytes(3, "TCON", TextContent(text))) + Sound(2));
     return found.genreNumber ? std::to_string(*found.genreNumber) : found.tag.genre;
 }
 
@@ -71,7 +71,7 @@ TEST(TagLibrary, ReadsAllFieldsOfEachVersion) {
     for (const unsigned version : {2U, 3U, 4U}) {
         const auto frame = [version](const std::string& old, const std::string& name,
                                      const std::string& content) {
-            return Id3v2Frame(version, version == 2 ? old : name, content);
+            return FrameBytes(version, version == 2 ? old : name, content);
         };
         const std::string frames = frame("TT2", "TIT2", TextContent(all.song)) +
                                    frame("TP1", "TPE1", TextContent(all.artist)) +
@@ -83,7 +83,7 @@ TEST(TagLibrary, ReadsAllFieldsOfEachVersion) {
                                    frame("TRK", "TRCK", TextContent("03/12")) +
                                    frame("TPA", "TPOS", TextContent("2/2")) +
                                    frame("TCO", "TCON", TextContent(all.genre));
-        EXPECT_EQ(Read(Id3v2Tag(version, frames, 100) + Sound(2)).tag, all) << version;
+        EXPECT_EQ(Read(FramesTag(version, frames, 100) + Sound(2)).tag, all) << version;
     }
 }
 
@@ -119,40 +119,40 @@ TEST(TagLibrary, TakesTheFirstOfSeveralValues) {
 TEST(TagLibrary, ReadsATagThatIsUnsynchronised) {
     using namespace std::string_literals;
     const std::string frames = Title(3, "\xFF\xFE\x41\x00\xFF\x00\x42\x00"s, 1);
-    EXPECT_EQ(Read(Id3v2Tag(3, Unsynchronised(frames), 0, 0x80) + Sound(2)).tag.song,
+    EXPECT_EQ(Read(FramesTag(3, Unsynchronised(frames), 0, 0x80) + Sound(2)).tag.song,
               "A\xC3\xBF"
               "B");
     const std::string content = Unsynchronised(TextContent("\xFF\xFE\x41\x00\xFF\x00\x42\x00"s, 1));
-    EXPECT_EQ(Read(Id3v2Tag(4, Id3v2Frame(4, "TIT2", content, 0x02), 0, 0x80) + Sound(2)).tag.song,
+    EXPECT_EQ(Read(FramesTag(4, FrameBytes(4, "TIT2", content, 0x02), 0, 0x80) + Sound(2)).tag.song,
               "A\xC3\xBF"
               "B");
 }
 
 TEST(TagLibrary, ReadsSizesThatAreWrittenAsTheOtherVersionDoes) {
     const std::string longText(200, 'x');
-    const std::string after = Id3v2Frame(3, "TPE1", TextContent("artist"));
-    const OtherTags plain = Read(Id3v2Tag(4, Title(3, longText) + after) + Sound(2));
+    const std::string after = FrameBytes(3, "TPE1", TextContent("artist"));
+    const OtherTags plain = Read(FramesTag(4, Title(3, longText) + after) + Sound(2));
     EXPECT_EQ(plain.tag.song, longText);
     EXPECT_EQ(plain.tag.artist, "artist");
-    const OtherTags sevenBit = Read(Id3v2Tag(3, Title(4, longText) + after) + Sound(2));
+    const OtherTags sevenBit = Read(FramesTag(3, Title(4, longText) + after) + Sound(2));
     EXPECT_EQ(sevenBit.tag.song, longText);
     EXPECT_EQ(sevenBit.tag.artist, "artist");
 }
 
 TEST(TagLibrary, GoesOnBehindAFrameWithoutContent) {
-    EXPECT_EQ(TitleOf(Id3v2Frame(3, "TPE1", "") + Title(3, "Dawn")), "Dawn");
+    EXPECT_EQ(TitleOf(FrameBytes(3, "TPE1", "") + Title(3, "Dawn")), "Dawn");
 }
 
 TEST(TagLibrary, EndsAtAFrameThatGoesBeyondItsTag) {
-    std::string lying = Id3v2Frame(3, "TPE1", TextContent("artist"));
+    std::string lying = FrameBytes(3, "TPE1", TextContent("artist"));
     lying[4] = '\x7F';
-    const OtherTags found = Read(Id3v2Tag(3, Title(3, "Dawn") + lying + Title(3, "x")) + Sound(2));
+    const OtherTags found = Read(FramesTag(3, Title(3, "Dawn") + lying + Title(3, "x")) + Sound(2));
     EXPECT_EQ(found.tag.song, "Dawn");
     EXPECT_EQ(found.tag.artist, "");
 }
 
 TEST(TagLibrary, BelievesNoTagThatGoesBeyondTheFile) {
-    std::string tag = Id3v2Tag(3, Title(3, "Dawn"));
+    std::string tag = FramesTag(3, Title(3, "Dawn"));
     tag[6] = '\x10';
     EXPECT_FALSE(Read(tag + Sound(50)).tag.IsThere());
     EXPECT_THAT(Read(tag + Sound(50)).seconds, Optional(1));
@@ -160,12 +160,12 @@ TEST(TagLibrary, BelievesNoTagThatGoesBeyondTheFile) {
 
 TEST(TagLibrary, ReadsLittleOfATagWithAHundredMegabytesOfArt) {
     constexpr std::uint32_t Art = 100'000'000;
-    const std::string artist = Id3v2Frame(3, "TPE1", TextContent("artist"));
+    const std::string artist = FrameBytes(3, "TPE1", TextContent("artist"));
     std::string frames = Title(3, "Dawn") + "APIC";
     for (const unsigned shift : {24U, 16U, 8U, 0U})
         frames += static_cast<char>((Art >> shift) & 0xFFU);
     frames += std::string(2, '\0');
-    std::string head = Id3v2Tag(3, frames);
+    std::string head = FramesTag(3, frames);
     const std::uint64_t size = head.size() - 10 + Art + artist.size();
     for (unsigned i = 0; i < 4; ++i)
         head[6 + i] = static_cast<char>((size >> (7 * (3 - i))) & 0x7FU);
@@ -186,8 +186,8 @@ TEST(TagLibrary, ReadsLittleOfWhatIsNoMusic) {
 TEST(TagLibrary, ReadsLittleOfATagThatIsMadeToKeepItReading) {
     std::string frames;
     for (int i = 0; i < 20'000; ++i)
-        frames += Id3v2Frame(4, "COMM", CommentContent(std::string(5000, 'x'), "about"));
-    BytesReader file(Id3v2Tag(4, frames) + Sound(2));
+        frames += FrameBytes(4, "COMM", CommentContent(std::string(5000, 'x'), "about"));
+    BytesReader file(FramesTag(4, frames) + Sound(2));
     Read(file);
     EXPECT_THAT(file.bytesRead, Lt(4'000'000U));
 }
@@ -206,8 +206,8 @@ TEST(TagLibrary, ReadsApeWhereThereIsNoVersion2) {
         EXPECT_EQ(TagRecord(found.tag), "TAG|Dawn|An artist|An album|2001|said||4|Drone|");
         EXPECT_EQ(found.tag.disc, "1");
     }
-    EXPECT_EQ(Read(Id3v2Tag(3, Title(3, "Dusk")) + Sound(2) + ape).tag.artist, "");
-    EXPECT_EQ(Read(Id3v2Tag(3, "", 50) + Sound(2) + ape).tag.song, "Dawn");
+    EXPECT_EQ(Read(FramesTag(3, Title(3, "Dusk")) + Sound(2) + ape).tag.artist, "");
+    EXPECT_EQ(Read(FramesTag(3, "", 50) + Sound(2) + ape).tag.song, "Dawn");
 }
 
 TEST(TagLibrary, KnowsGenresByNameByNumberAndByBoth) {
@@ -220,7 +220,7 @@ TEST(TagLibrary, KnowsGenresByNameByNumberAndByBoth) {
 
 TEST(TagLibrary, TakesNoTrackFromWhatIsNoNumber) {
     const auto track = [](const std::string& text) {
-        return Read(Id3v2Tag(3, Id3v2Frame(3, "TRCK", TextContent(text))) + Sound(2)).tag.track;
+        return Read(FramesTag(3, FrameBytes(3, "TRCK", TextContent(text))) + Sound(2)).tag.track;
     };
     EXPECT_EQ(track("7"), "7");
     EXPECT_EQ(track("A7"), "");
@@ -230,7 +230,7 @@ TEST(TagLibrary, TakesNoTrackFromWhatIsNoNumber) {
 
 TEST(TagLibrary, TellsTheLengthBySizeAndBitRate) {
     EXPECT_THAT(Read(Sound(383)).seconds, Optional(10));
-    const std::string framed = Id3v2Tag(3, Title(3, "Dawn"), 3000) + Sound(383);
+    const std::string framed = FramesTag(3, Title(3, "Dawn"), 3000) + Sound(383);
     EXPECT_THAT(Read(framed + OldTag("Dawn")).seconds, Optional(10));
     EXPECT_THAT(Read(std::string(2000, 'x') + Sound(383)).seconds, Optional(10));
 }
@@ -248,12 +248,12 @@ TEST(TagLibrary, BelievesNoNumberOfFramesThatTheBytesCannotHold) {
 TEST(TagLibrary, TellsNoLengthWithoutSound) {
     EXPECT_EQ(Read("").seconds, std::nullopt);
     EXPECT_EQ(Read("x").seconds, std::nullopt);
-    EXPECT_EQ(Read(Id3v2Tag(3, Title(3, "Dawn"), 500)).seconds, std::nullopt);
+    EXPECT_EQ(Read(FramesTag(3, Title(3, "Dawn"), 500)).seconds, std::nullopt);
     EXPECT_EQ(Read(std::string(5000, '\xFF')).seconds, std::nullopt);
 }
 
 TEST(TagLibrary, ReadsWhateverIsLeftOfAFile) {
-    const std::string whole = Id3v2Tag(4, Title(4, "Dawn", 3) + Id3v2Frame(4, "TPE1", "\3x"), 20) +
+    const std::string whole = FramesTag(4, Title(4, "Dawn", 3) + FrameBytes(4, "TPE1", "\3x"), 20) +
                               CountedSound("Xing", 3, 100) + ApeTag({{"Title", "x"}}) + OldTag("x");
     for (std::size_t size = 0; size < whole.size(); size += 3)
         EXPECT_TRUE(IsValidUtf8(Read(whole.substr(0, size)).tag.song));

@@ -61,6 +61,10 @@ class MortalFiles : public PortableFiles {
                   std::span<const std::uint8_t> bytes) override {
         Do([&] { PortableFiles::WriteEnd(path, seen, position, bytes); });
     }
+    void ReplaceBytes(std::string_view path, const FilePiece& seen,
+                      std::span<const std::uint8_t> bytes) override {
+        Do([&] { PortableFiles::ReplaceBytes(path, seen, bytes); });
+    }
     std::unique_ptr<TextWriter> CreateText(std::string_view path) override {
         return std::make_unique<Writer>(*this, PortableFiles::CreateText(path));
     }
@@ -233,6 +237,11 @@ class World {
         const auto bytes = [](const std::string& text) {
             return std::vector<std::uint8_t>(text.begin(), text.end());
         };
+        const auto seenOf = [&](const char* path, std::uint64_t position, std::size_t count) {
+            const auto reader = files.OpenBinary(path);
+            reader->SetPosition(position);
+            return reader->Read(count);
+        };
         files.MoveFile(R"(D:\Music\b.mp3)", R"(D:\Music\t.mp3)");
         files.MoveFile(R"(D:\Music\c.mp3)", R"(D:\Music\b.mp3)");
         files.MoveFile(R"(D:\Music\t.mp3)", R"(D:\Music\c.mp3)");
@@ -241,6 +250,14 @@ class World {
         files.MoveFile(R"(D:\Music\lower.mp3)", R"(D:\Music\Lower.mp3)");
         files.WriteEnd(R"(D:\Music\tag.mp3)", {.size = 12, .bytes = bytes(old)}, 6, bytes(tag));
         files.WriteEnd(R"(D:\Music\none.mp3)", {.size = 5, .bytes = {}}, 5, bytes(tag));
+        files.ReplaceBytes(
+            R"(D:\Music\tag.mp3)",
+            {.size = 12, .position = 1, .bytes = seenOf(R"(D:\Music\tag.mp3)", 1, 3)},
+            bytes("longer than before"));
+        files.ReplaceBytes(
+            R"(D:\Music\none.mp3)",
+            {.size = 11, .position = 0, .bytes = seenOf(R"(D:\Music\none.mp3)", 0, 2)},
+            bytes("as"));
         files.MoveFile(R"(D:\Music\none.mp3)", R"(D:\Music\some.mp3)");
         files.DeleteFile(R"(D:\Music\twin.mp3)");
         files.CreateFolder(R"(D:\Music\Artist)");

@@ -1,0 +1,83 @@
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <string>
+#include <sys/stat.h>
+
+#include "platform/failure.h"
+#include "tests/platform/files_fixture.h"
+
+namespace quillon {
+namespace {
+
+constexpr const char* Path = R"(D:\x.mp3)";
+
+class ReplaceBytesTest : public FilesTest {
+  protected:
+    ReplaceBytesTest() {
+        folder_.MakeFile("x.mp3", "head and audio");
+        const timespec times[2]{{1700000000, 0}, {1700000000, 123456789}};
+        EXPECT_EQ(utimensat(AT_FDCWD, (folder_ / "x.mp3").c_str(), times, 0), 0);
+        before_ = Facts();
+    }
+
+    static std::vector<std::uint8_t> Bytes(std::string_view text) {
+        return {text.begin(), text.end()};
+    }
+    /// In the place of "ead".
+    void Replace(std::string_view bytes) {
+        files_.ReplaceBytes(Path, {.size = 14, .position = 1, .bytes = Bytes("ead")}, Bytes(bytes));
+    }
+    std::string Content() { return folder_.Content("x.mp3"); }
+    struct stat Facts() {
+        struct stat facts{};
+        EXPECT_EQ(stat((folder_ / "x.mp3").c_str(), &facts), 0);
+        return facts;
+    }
+    void ExpectOldTime() {
+        EXPECT_EQ(Facts().st_mtim.tv_sec, 1700000000);
+        EXPECT_EQ(Facts().st_mtim.tv_nsec, 123456789);
+    }
+
+    struct stat before_{};
+};
+
+TEST_F(ReplaceBytesTest, WritesAsManyBytesInPlace) {
+    Replace("EAD");
+    EXPECT_EQ(Content(), "hEAD and audio");
+    EXPECT_EQ(Facts().st_ino, before_.st_ino);
+    ExpectOldTime();
+}
+
+TEST_F(ReplaceBytesTest, WritesAnotherFileWhereThereAreMoreOrFewer) {
+    Replace("EAD OF SOME LENGTH");
+    EXPECT_EQ(Content(), "hEAD OF SOME LENGTH and audio");
+    EXPECT_NE(Facts().st_ino, before_.st_ino);
+    EXPECT_EQ(Facts().st_mode, before_.st_mode);
+    ExpectOldTime();
+    files_.ReplaceBytes(Path, {.size = 29, .position = 0, .bytes = Bytes(Content().substr(0, 20))},
+                        {});
+    EXPECT_EQ(Content(), "and audio");
+    ExpectOldTime();
+    EXPECT_EQ(files_.FilesIn("D:\\").size(), 1U);
+}
+
+TEST_F(ReplaceBytesTest, ChangesNothingThatIsNotAsItWasSeen) {
+    for (const FilePiece& seen : {FilePiece{.size = 13, .position = 1, .bytes = Bytes("ead")},
+                                  FilePiece{.size = 14, .position = 2, .bytes = Bytes("ead")}}) {
+        for (const std::string_view bytes : {"EAD", "longer"})
+            EXPECT_EQ(FailureOf([&] { files_.ReplaceBytes(Path, seen, Bytes(bytes)); }),
+                      "Path/File access error: D:\\x.mp3 (it has changed meanwhile)");
+    }
+    EXPECT_THROW(files_.ReplaceBytes(Path, {.size = 14, .position = 13, .bytes = Bytes("io")}, {}),
+                 Failure);
+    EXPECT_EQ(Content(), "head and audio");
+}
+
+TEST_F(ReplaceBytesTest, MakesNoFile) {
+    EXPECT_THROW(files_.ReplaceBytes(R"(D:\no.mp3)", {}, {}), Failure);
+    EXPECT_FALSE(files_.FileExists(R"(D:\no.mp3)"));
+}
+
+}  // namespace
+}  // namespace quillon
