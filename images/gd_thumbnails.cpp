@@ -81,10 +81,8 @@ Image Reduced(const Image& image, int side) {
     const GdLibrary& gd = TheGdLibrary();
     Image reduced(gd.CreateTrueColor(newWidth, newHeight));
     if (!reduced) return nullptr;
-    gd.FillRectangle(reduced.get(), 0, 0, newWidth - 1, newHeight - 1,
-                           gdTrueColor(255, 255, 255));
-    gd.CopyResampled(reduced.get(), image.get(), 0, 0, 0, 0, newWidth, newHeight, width,
-                         height);
+    gd.FillRectangle(reduced.get(), 0, 0, newWidth - 1, newHeight - 1, gdTrueColor(255, 255, 255));
+    gd.CopyResampled(reduced.get(), image.get(), 0, 0, 0, 0, newWidth, newHeight, width, height);
     return reduced;
 }
 
