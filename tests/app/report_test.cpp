@@ -112,7 +112,7 @@ TEST_F(Report, TellsWhatBecomesOfEachFieldOfATag) {
     End();
     EXPECT_THAT(Of(Content(), "Alder", DeedKind::TagWritten).first.at(0).details,
                 ElementsAre("Song: Old → <New>", "Genre number: 5 → 17"));
-    EXPECT_THAT(Page(), HasSubstr("Song: Old → &lt;New&gt;"));
+    EXPECT_THAT(Page(), HasSubstr("Song: Old &#8594; &#60;New&#62;"));
 }
 
 TEST_F(Report, NamesCommandsThatAShellTakesAsTheyAre) {
@@ -214,7 +214,7 @@ TEST_F(Report, SortsFilesByWhatTheyAre) {
     file(FileChange::Kind::Deleted, R"(H:\P\a.pla)");
     file(FileChange::Kind::Written, R"(H:\HTML\page1.asp)");
     file(FileChange::Kind::Copied, R"(D:\covers\x.jpg)", R"(H:\HTML\x.jpg)");
-    file(FileChange::Kind::Written, R"(H:\Data\Quillon\QuillonReconcile.csv)");
+    file(FileChange::Kind::Written, R"(H:\Data\Quillon\other.csv)");
     for (const DeedKind kind : {DeedKind::TagWritten, DeedKind::FileCopied, DeedKind::FileRemoved,
                                 DeedKind::PlaylistDeleted, DeedKind::PageWritten,
                                 DeedKind::ImageWritten, DeedKind::FileWritten})

@@ -41,7 +41,7 @@ std::string CommentContent(std::string_view text, std::string_view about) {
 }
 
 std::string FramesTag(unsigned version, const std::string& frames, std::size_t padding,
-                     unsigned flags) {
+                      unsigned flags) {
     return "ID3" + Number(version, 1) + Number(0, 1) + Number(flags, 1) +
            Number(frames.size() + padding, 4, 7) + frames + std::string(padding, '\0');
 }

@@ -20,7 +20,7 @@ std::string CommentContent(std::string_view text, std::string_view about = "");
 
 /// A tag of these frames with so many bytes of padding.
 std::string FramesTag(unsigned version, const std::string& frames, std::size_t padding = 0,
-                     unsigned flags = 0);
+                      unsigned flags = 0);
 
 /// Zero bytes strewn in behind each byte 255 that could be taken for the beginning of sound.
 std::string Unsynchronised(std::string_view bytes);
