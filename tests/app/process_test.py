@@ -40,7 +40,7 @@ def host_folder(work, albums=1):
     for number in range(albums):
         folder = work / "Music" / f"Artist {number}" / "Album"
         folder.mkdir(parents=True)
-        for track in range(5):
+        for track in range(1, 6):
             (folder / f"{track} - Song.mp3").write_bytes(bytes(300))
     expect("init", 0, call("init", str(work / "shelf"), "--music", str(work / "Music")).returncode)
     return str(work / "shelf")
