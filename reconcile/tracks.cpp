@@ -115,6 +115,7 @@ class AlbumTracks {
     /// Brings the files into the order of the numbers that their tags, or else their names, ask
     /// for.
     void OrderByWishes(FileList& files) {
+        keepsNumbers_ = !run_.modern.readsAllTags && AreNumbered(files);
         for (ListedFile& file : files)
             wishes_.push_back({FindWish(file), file.Name});
         std::ranges::sort(wishes_, ComesBefore);
@@ -188,8 +189,20 @@ class AlbumTracks {
         return ToInteger(file.Tag->number);
     }
 
+    /// Whether all files have rows with numbers of their own. What tags say is not known without a
+    /// look into the files then, and a run over what has not changed opens none.
+    bool AreNumbered(const FileList& files) const {
+        std::unordered_set<std::int32_t> numbers;
+        return std::ranges::all_of(files, [&](const ListedFile& file) {
+            const TrackRow* const row = library_.FindTrack(file.Name);
+            const std::int32_t number = row == nullptr ? 0 : row->number.Before().value_or(0);
+            return number > 0 && number <= numbers_.Count() && numbers.insert(number).second;
+        });
+    }
+
     /// The number that a file's tag asks for, or else its name.
     std::optional<std::int64_t> FindWish(ListedFile& file) {
+        if (keepsNumbers_) return library_.FindTrack(file.Name)->number.Before();
         std::optional<std::int64_t> number;
         steps_.Concerning(file.Name);
         steps_.Try(Step::AddRow, [&] { number = TagNumber(file); });
@@ -292,7 +305,7 @@ class AlbumTracks {
     Steps steps_;
     NumbersTaken numbers_;
     std::vector<WishedNumber> wishes_;  ///< where tags and names decide, in their order
-    bool isRenumbered_ = false;
+    bool keepsNumbers_ = false, isRenumbered_ = false;
     std::string lastPlaced_;  ///< sound file of the row that was worked on last
     std::unordered_set<TrackId> changed_;
 };

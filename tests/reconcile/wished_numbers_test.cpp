@@ -64,6 +64,17 @@ TEST_F(NumbersFromTags, StayWhateverTheTimesOfFilesAre) {
     EXPECT_EQ(library.run.counts.tracksChanged, 0U);
 }
 
+TEST_F(NumbersFromTags, AreKeptWithoutALookIntoFilesWhereNothingIsNew) {
+    Add("x.mp3", 2, 0);
+    Add("y.mp3", 1, 1);
+    library.Reconcile();
+    std::size_t opened = 0;
+    library.files.beforeOpenBinary = [&opened](std::string_view) { ++opened; };
+    library.Reconcile();
+    EXPECT_EQ(opened, 0U);
+    EXPECT_THAT(library.Tracks(), ElementsAre(R"(A\B\x.mp3|x|2)", R"(A\B\y.mp3|y|1)"));
+}
+
 TEST_F(NumbersFromTags, ComeFromNamesWhereTagsHaveNone) {
     Add("02 - b.mp3", 0, 0);
     Add("01 - c.mp3", 0, 1);

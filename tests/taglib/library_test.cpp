@@ -74,7 +74,7 @@ TEST_F(AllTagsOfLibraryTest, ACutNameAloneMakesNoDuplicate) {
 }
 
 TEST_F(AllTagsOfLibraryTest, ATextThatVersion1HasCutContradictsNoLongerName) {
-    support::RawTag old = TagOf("A title that is longer than th");
+    const support::RawTag old = TagOf("A title that is longer than th");
     library.files.AddFile(PathOf(LongName), Sound(383) + TagBytes(old));
     AddRow(LongName, LongTitle);
     Reconcile();
