@@ -130,10 +130,9 @@ TEST_F(Progress, OfNewPlaylistsIsInArtistsAndThenInLists) {
 TEST_F(Progress, OfTheCoversIsInAlbumsAndThenInImages) {
     library.files.AddFile(R"(D:\Covers\Ann - Album.jpg)");
     library.files.AddFile(R"(D:\Covers\Nobody - Album.jpg)");
-    EXPECT_EQ(
-        Of(&Procedures::RefreshAlbumCovers),
-        "- [0-40%] - - [40-100%] - [40-70%] 0/3 1/3 2/3 [40-100%] 500/1000 [70-100%] 0/2 1/2 "
-        "[0-100%] 1000/1000");
+    EXPECT_EQ(Of(&Procedures::RefreshAlbumCovers),
+              "- [0-40%] - - [40-100%] - [40-70%] 0/3 1/3 2/3 [40-100%] 500/1000 [70-100%] 0/2 1/2 "
+              "[0-100%] 1000/1000");
 }
 
 TEST_F(Progress, OfCoversInTheLibraryIsInArtistsFirst) {
