@@ -10,7 +10,7 @@
 namespace quillon {
 namespace {
 
-constexpr const char* Path = R"(D:\x.mp3)";
+constexpr const char* Song = R"(D:\x.mp3)";
 
 class ReplaceBytesTest : public FilesTest {
   protected:
@@ -26,7 +26,7 @@ class ReplaceBytesTest : public FilesTest {
     }
     /// In the place of "ead".
     void Replace(std::string_view bytes) {
-        files_.ReplaceBytes(Path, {.size = 14, .position = 1, .bytes = Bytes("ead")}, Bytes(bytes));
+        files_.ReplaceBytes(Song, {.size = 14, .position = 1, .bytes = Bytes("ead")}, Bytes(bytes));
     }
     std::string Content() { return folder_.Content("x.mp3"); }
     struct stat Facts() {
@@ -55,7 +55,7 @@ TEST_F(ReplaceBytesTest, WritesAnotherFileWhereThereAreMoreOrFewer) {
     EXPECT_NE(Facts().st_ino, before_.st_ino);
     EXPECT_EQ(Facts().st_mode, before_.st_mode);
     ExpectOldTime();
-    files_.ReplaceBytes(Path, {.size = 29, .position = 0, .bytes = Bytes(Content().substr(0, 20))},
+    files_.ReplaceBytes(Song, {.size = 29, .position = 0, .bytes = Bytes(Content().substr(0, 20))},
                         {});
     EXPECT_EQ(Content(), "and audio");
     ExpectOldTime();
@@ -66,10 +66,10 @@ TEST_F(ReplaceBytesTest, ChangesNothingThatIsNotAsItWasSeen) {
     for (const FilePiece& seen : {FilePiece{.size = 13, .position = 1, .bytes = Bytes("ead")},
                                   FilePiece{.size = 14, .position = 2, .bytes = Bytes("ead")}}) {
         for (const std::string_view bytes : {"EAD", "longer"})
-            EXPECT_EQ(FailureOf([&] { files_.ReplaceBytes(Path, seen, Bytes(bytes)); }),
+            EXPECT_EQ(FailureOf([&] { files_.ReplaceBytes(Song, seen, Bytes(bytes)); }),
                       "Path/File access error: D:\\x.mp3 (it has changed meanwhile)");
     }
-    EXPECT_THROW(files_.ReplaceBytes(Path, {.size = 14, .position = 13, .bytes = Bytes("io")}, {}),
+    EXPECT_THROW(files_.ReplaceBytes(Song, {.size = 14, .position = 13, .bytes = Bytes("io")}, {}),
                  Failure);
     EXPECT_EQ(Content(), "head and audio");
 }
