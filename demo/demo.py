@@ -138,6 +138,7 @@ class Demo:
         # This story is about rows that go at once.
         settings = self.host / "host.ini"
         settings.write_text(settings.read_text().replace("FollowMovedFiles=1", "FollowMovedFiles=0")
+                            .replace("Numbers=tags", "Numbers=times")
                             .replace("KeepDays=14", "KeepDays=0")
                             .replace("Read=best", "Read=v1").replace("Write=both", "Write=v1"))
         for statement in rows_before.statements(self.setting("LibraryRoot")):

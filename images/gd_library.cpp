@@ -48,8 +48,8 @@ GdLibrary Load() {
 }  // namespace
 
 const GdLibrary& TheGdLibrary() {
-    static const GdLibrary Library = Load();
-    return Library;
+    static const GdLibrary library = Load();
+    return library;
 }
 
 }  // namespace quillon
