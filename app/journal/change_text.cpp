@@ -55,6 +55,7 @@ class Groups {
 
     std::string Text() const {
         std::vector<const Group*> order;
+        order.reserve(groups_.size());
         for (const Group& group : groups_)
             order.push_back(&group);
         std::ranges::stable_sort(order, {},

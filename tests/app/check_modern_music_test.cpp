@@ -9,10 +9,10 @@ namespace {
 class CheckModernMusicTest : public CheckFixture {};
 
 TEST_F(CheckModernMusicTest, TellsWhichKeysAreOn) {
-    Write("shelf/host.ini", "[Plugins]\nQuillon=1\n[Tags]\nRead=best\n[Library]\nDiscs=yes\n");
+    Write("shelf/host.ini", "[Plugins]\nQuillon=1\n[Tags]\nRead=best\n[Playlists]\nLocal=yes\n");
     const std::string out = Check().out;
     for (const ModernKey& key : ModernKeys) {
-        const bool isOn = key.key == "Read" || key.key == "Discs";
+        const bool isOn = key.key == "Read" || key.key == "Local";
         const std::string line = std::string(key.label) + std::string(17 - key.label.size(), ' ') +
                                  std::string(isOn ? key.whenOn : key.whenOff) + '\n';
         EXPECT_NE(out.find('\n' + line), std::string::npos) << line << out;

@@ -29,10 +29,10 @@ TEST(ModernMusic, EachKeySwitchesItsOwnOn) {
 TEST(ModernMusic, WordsAreReadInAnyLetterCase) {
     fakes::FakeWorld world;
     world.host.settings["read"] = "BEST";
-    world.host.settings["discs"] = "Yes";
+    world.host.settings["local"] = "Yes";
     const ModernMusic modern = ReadModernMusic(world.host);
     EXPECT_TRUE(modern.readsAllTags);
-    EXPECT_TRUE(modern.joinsDiscs);
+    EXPECT_TRUE(modern.writesLocalLists);
 }
 
 TEST(ModernMusic, WhatIsNeitherWordIsOffAndNotUnderstood) {
