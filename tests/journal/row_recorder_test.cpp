@@ -93,6 +93,28 @@ TEST_F(RowRecorderTest, TellsOfEachRowNoMoreThanItsOwn) {
                          {{"ID", Null{}, std::int64_t{2}}}}));
 }
 
+TEST_F(RowRecorderTest, SavesNoRowsBeforeWhatTheyRelyOnIsDurable) {
+    bool fails = true;
+    RowRecorder recorder(list_, [&fails] {
+        if (fails) throw Failure(FailureNumber::DiskFull, "x");
+    });
+    // A database that is open keeps the observer that it was opened with.
+    connection_.reset();
+    list_.records.clear();
+    const std::size_t durable = list_.durable;
+    provider_.SetObserver(&recorder);
+    connection_ = Open();
+    connection_->Execute("INSERT INTO Shelf (Name) VALUES ('a')");
+    EXPECT_THROW(connection_->Flush(), Failure);
+    EXPECT_EQ(list_.durable, durable);
+    ASSERT_FALSE(list_.records.empty());
+    EXPECT_TRUE(std::holds_alternative<RowChange>(list_.records.back()));
+    fails = false;
+    connection_->Flush();
+    EXPECT_TRUE(std::holds_alternative<RowsSaved>(list_.records.back()));
+    connection_.reset();
+}
+
 TEST_F(RowRecorderTest, HasRecordsMadeDurableBeforeTheyAreSaved) {
     connection_->Execute("INSERT INTO Shelf (Name) VALUES ('a')");
     connection_->Flush();
