@@ -180,6 +180,9 @@ std::string WithSeconds(const std::string& comment, std::string_view seconds) {
 std::string GenreInstead(const Run& run, const OtherTags& present, const std::string& wanted) {
     const std::string& there =
         present.genreNumber ? run.GenreNames[*present.genreNumber] : present.tag.genre;
+    // The download table takes a part of a link for a genre, which is a number where this program
+    // has made the link; a tag would mean the genre of that number by it.
+    if (IsNumeric(wanted)) return "";
     const bool saysNothing = wanted.empty() || EqualIgnoringCase(wanted, "Other");
     if (EqualIgnoringCase(there, wanted) || (saysNothing && !there.empty())) return "";
     return wanted;

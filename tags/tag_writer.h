@@ -45,7 +45,8 @@ PresentTags ReadPresentTags(Run& run, std::string_view path, const Tag& old);
 
 /// Brings the file's tag of ID3 version 2 in line with what it is to say: its title, artist, album,
 /// track, genre and the length in a comment that says one, as far as it has them. A genre that is
-/// told there is never overwritten by "Other", which means as much as none. Whether something was
+/// told there is never overwritten by "Other", which means as much as none; a number is no genre.
+/// Whether something was
 /// changed. Failures are logged as above.
 bool WriteOtherTags(Run& run, std::string_view path, const OtherTags& present, const Tag& wanted);
 

@@ -185,6 +185,13 @@ TEST_F(WriteAllTagsTest, OtherOverwritesNoGenre) {
     EXPECT_EQ(Present().genre, "Synthpop of my own");
 }
 
+TEST_F(WriteAllTagsTest, ANumberIsNoGenre) {
+    library.Execute("UPDATE Spinner SET Genre=\"1\"");
+    AddTagged(Tagged("Dawn", "Synthpop of my own"));
+    Write();
+    EXPECT_EQ(Present().genre, "Synthpop of my own");
+}
+
 TEST_F(WriteAllTagsTest, AGenreThatNoTableHasIsWrittenAsText) {
     library.Execute("UPDATE Spinner SET Genre=\"Synthpop of my own\"");
     AddTagged(Tagged("Dawn", "Jazz"));
