@@ -8,6 +8,7 @@
 #include "jet/error.h"
 #include "jet/storage/index/index_key.h"
 #include "tests/jet/storage/index/modelled_tree.h"
+#include "tests/outside/density.h"
 
 namespace jet::storage {
 
@@ -50,11 +51,12 @@ TEST(EntryBatch, GivesItsEntriesInOrder) {
 TEST(ABatch, InOrderFillsThePages) {
     ModelledTree one, many;
     Entries entries;
-    for (std::uint32_t i = 0; i < 30000; ++i) {
+    const auto count = static_cast<std::uint32_t>(30000 / outside::StepUnderSanitizers(6));
+    for (std::uint32_t i = 0; i < count; ++i) {
         entries.emplace_back(LongKey(i), RowNumber(i));
         one.Insert(entries.back().first, entries.back().second);
     }
-    EXPECT_EQ(many.Insert(entries), 30000U);
+    EXPECT_EQ(many.Insert(entries), count);
     EXPECT_EQ(many.Check("batch").pages.size(), one.Check("one by one").pages.size());
 }
 

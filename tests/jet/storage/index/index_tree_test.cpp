@@ -8,6 +8,7 @@
 #include "jet/error.h"
 #include "jet/storage/index/index_key.h"
 #include "tests/jet/storage/index/modelled_tree.h"
+#include "tests/outside/density.h"
 
 namespace jet::storage {
 
@@ -37,19 +38,21 @@ TEST(IndexTree, OfNothingHoldsNothing) {
 
 TEST(IndexTree, FillsItsPagesWhenRowsComeInOrder) {
     ModelledTree model;
-    for (std::uint32_t i = 0; i < 30000; ++i)
+    const auto count = static_cast<std::uint32_t>(30000 / outside::StepUnderSanitizers(6));
+    for (std::uint32_t i = 0; i < count; ++i)
         model.Insert(NumberKey(i), RowNumber(i));
     const test::TreeShape shape = model.Check("ascending");
-    EXPECT_EQ(shape.entries, 30000U);
+    EXPECT_EQ(shape.entries, count);
     // Nine bytes an entry, or less where a page leaves out what the keys begin with.
-    EXPECT_LT(shape.pages.size(), 30000U * 9 / 3616 * 11 / 10);
+    EXPECT_LT(shape.pages.size(), count * 9 / 3616 * 11 / 10);
 }
 
 TEST(IndexTree, TakesRowsInDescendingOrder) {
     ModelledTree model;
-    for (std::uint32_t i = 20000; i-- > 0;)
+    const auto count = static_cast<std::uint32_t>(20000 / outside::StepUnderSanitizers(6));
+    for (std::uint32_t i = count; i-- > 0;)
         model.Insert(NumberKey(i), RowNumber(i));
-    EXPECT_EQ(model.Check("descending").entries, 20000U);
+    EXPECT_EQ(model.Check("descending").entries, count);
 }
 
 TEST(IndexTree, TellsRowsWithTheSameKeyApart) {
