@@ -3,14 +3,10 @@
 #include <array>
 
 #include "platform/basic_text.h"
+#include "run/name_cleaning.h"
 
 namespace quillon {
 namespace {
-
-struct Replacement {
-    std::string_view from;
-    std::string_view to;
-};
 
 constexpr std::array Replacements{
     Replacement{"\"", ""}, Replacement{":", ""},   Replacement{" ", ""},  Replacement{"?", ""},
@@ -39,10 +35,7 @@ std::string Numbered(const std::string& name, std::size_t number) {
 }  // namespace
 
 std::string WebSafeName(std::string_view fileName) {
-    std::string name(fileName);
-    for (const Replacement& rule : Replacements)
-        name = Replace(name, rule.from, rule.to);
-    return name;
+    return Cleaned(fileName, Replacements);
 }
 
 CoverNames::CoverNames(std::string_view webCoverFolder, const std::vector<std::string>& sources)
