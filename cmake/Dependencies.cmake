@@ -1,4 +1,5 @@
 # Everything comes from Debian's packages; scripts/packages.txt is the list that the scripts install.
+# For Windows, scripts/build-windows-libraries makes it of their sources.
 find_package(SQLite3 REQUIRED)
 find_package(fmt REQUIRED)
 find_package(CLI11 REQUIRED)
@@ -7,14 +8,19 @@ find_package(PkgConfig REQUIRED)
 pkg_check_modules(utf8proc REQUIRED IMPORTED_TARGET libutf8proc)
 pkg_check_modules(httplib REQUIRED IMPORTED_TARGET cpp-httplib)
 pkg_check_modules(taglib REQUIRED IMPORTED_TARGET taglib)
-pkg_check_modules(gd REQUIRED gdlib)
-pkg_check_modules(png REQUIRED IMPORTED_TARGET libpng)
-set(CURSES_NEED_WIDE TRUE)
-find_package(Curses REQUIRED)
+# On Windows there are neither small pictures of covers nor a screen on the terminal.
+if(NOT WIN32)
+    pkg_check_modules(gd REQUIRED gdlib)
+    pkg_check_modules(png REQUIRED IMPORTED_TARGET libpng)
+    set(CURSES_NEED_WIDE TRUE)
+    find_package(Curses REQUIRED)
+endif()
 
 # The desktop window is built where its libraries are, unless it is asked for or forbidden.
 set(QUILLON_BUILDS_WINDOW OFF)
-if(QUILLON_WINDOW STREQUAL "AUTO")
+if(WIN32)
+    # Its window needs no library and is part of the program.
+elseif(QUILLON_WINDOW STREQUAL "AUTO")
     find_package(Qt6 QUIET COMPONENTS Widgets)
     pkg_check_modules(xcb QUIET IMPORTED_TARGET xcb)
     if(Qt6Widgets_FOUND AND xcb_FOUND)

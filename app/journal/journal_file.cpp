@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <fcntl.h>
 #include <set>
+#include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
 #include <utility>

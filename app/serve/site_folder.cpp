@@ -51,14 +51,14 @@ std::optional<SiteFile> SiteFolder::Open(std::span<const std::string> names) con
     // What the path means is settled by this call, without a look into it. All questions are put to
     // what was found, so that nothing can be exchanged between question and reading.
     const FileHandle found(open(local.c_str(), O_PATH | O_CLOEXEC), local);
-    if (found.Descriptor() < 0 || !S_ISREG(found.Facts().st_mode)) return std::nullopt;
+    if (found.Descriptor() < 0 || !found.Facts().IsFile()) return std::nullopt;
     const std::string realPath = std::filesystem::read_symlink(DescriptorPath(found)).string();
     if (!Holds(realPath)) return std::nullopt;
 
     auto file = std::make_shared<const FileHandle>(
         open(DescriptorPath(found).c_str(), O_RDONLY | O_CLOEXEC), local);
     if (file->Descriptor() < 0) return std::nullopt;
-    const auto size = static_cast<std::uint64_t>(file->Facts().st_size);
+    const std::uint64_t size = file->Facts().size;
     return SiteFile{std::move(file), std::filesystem::path(local).filename().string(), size};
 } catch (const Failure&) {
     return std::nullopt;

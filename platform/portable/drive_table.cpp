@@ -4,6 +4,7 @@
 
 #include "platform/basic_text.h"
 #include "platform/failure.h"
+#include "platform/portable/local_file.h"
 #include "platform/windows_path.h"
 
 namespace quillon {
@@ -25,15 +26,22 @@ bool HoldsWindowsNames(std::string_view path) {
     return std::all_of(names.begin(), names.end(), IsWindowsName);
 }
 
+/// The Windows path that a local path of such a system is; nothing where Windows could not hold it.
+std::optional<std::string> OwnPath(const std::string& path) try {
+    return ParseWindowsPath(path).Text();
+} catch (const Failure&) {
+    return std::nullopt;
+}
+
 }  // namespace
 
 DriveTable::DriveTable(const std::filesystem::path& baseFolder)
     : base_(std::filesystem::absolute(baseFolder)) {
-    folders_.emplace(LocalRootDrive, "");
+    if (!SpeaksWindowsPaths()) folders_.emplace(LocalRootDrive, "");
 }
 
 std::string DriveTable::Absolute(const std::filesystem::path& folder) const {
-    std::string local = (base_ / folder).lexically_normal().string();
+    std::string local = (base_ / folder).lexically_normal().generic_string();
     while (!local.empty() && local.back() == '/')
         local.pop_back();
     return local;
@@ -59,8 +67,9 @@ void DriveTable::MakeReachable(const std::filesystem::path& folder) {
 
 std::optional<std::string> DriveTable::LocalFolder(std::string_view root) const {
     const auto found = folders_.find(UpperCase(root));
-    if (found == folders_.end()) return std::nullopt;
-    return found->second;
+    if (found != folders_.end()) return found->second;
+    if (!SpeaksWindowsPaths()) return std::nullopt;
+    return Replace(root, "\\", "/");
 }
 
 std::optional<std::string> DriveTable::WindowsPathOf(const std::filesystem::path& local) const {
@@ -71,6 +80,7 @@ std::optional<std::string> DriveTable::WindowsPathOf(const std::filesystem::path
         if (!rest || !HoldsWindowsNames(*rest)) continue;
         if (nearest == nullptr || mapped.second.size() > nearest->second.size()) nearest = &mapped;
     }
+    if (nearest == nullptr && SpeaksWindowsPaths()) return OwnPath(path);
     if (nearest == nullptr) return std::nullopt;
     return WindowsPath{nearest->first, std::string(*Behind(nearest->second, path))}.Text();
 }

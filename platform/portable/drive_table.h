@@ -8,7 +8,8 @@
 
 namespace quillon {
 
-/// Which local folder each Windows root stands for. `Z:` is the local root "/" unless it is mapped.
+/// Which local folder each Windows root stands for. Where the system has no drives of its own, `Z:`
+/// is the local root "/" unless it is mapped; where it has, each root that is not mapped is itself.
 class DriveTable {
   public:
     /// `baseFolder` (the host folder) is what relative local folders are relative to.

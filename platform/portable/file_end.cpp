@@ -1,11 +1,6 @@
 #include "platform/portable/file_end.h"
 
 #include <algorithm>
-#include <array>
-#include <cerrno>
-#include <ctime>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include "platform/failure.h"
 #include "platform/portable/safe_file.h"
@@ -23,48 +18,27 @@ Bytes LastBytes(const FileHandle& file, std::uint64_t size, std::uint64_t count)
     return bytes;
 }
 
-bool IsAsSeen(const FileHandle& file, const struct stat& facts, const FileEnd& seen) {
-    return static_cast<std::uint64_t>(facts.st_size) == seen.size &&
-           seen.bytes.size() <= seen.size &&
+bool IsAsSeen(const FileHandle& file, const FileFacts& facts, const FileEnd& seen) {
+    return facts.size == seen.size && seen.bytes.size() <= seen.size &&
            LastBytes(file, seen.size, seen.bytes.size()) == seen.bytes;
 }
 
-/// Writes all bytes with as few calls as the system takes them in: one, unless it fails midway. The
-/// system's error number, 0 when they are written.
-int WriteAt(int descriptor, std::uint64_t position, std::span<const std::uint8_t> bytes) {
-    while (!bytes.empty()) {
-        const ssize_t count =
-            pwrite(descriptor, bytes.data(), bytes.size(), static_cast<off_t>(position));
-        if (count < 0 && errno != EINTR) return errno;
-        if (count == 0) return EIO;
-        if (count < 0) continue;
-        position += static_cast<std::uint64_t>(count);
-        bytes = bytes.subspan(static_cast<std::size_t>(count));
-    }
-    return 0;
-}
-
-int SetModified(int descriptor, const struct stat& facts) {
-    const std::array<std::timespec, 2> times{std::timespec{0, UTIME_OMIT}, facts.st_mtim};
-    return futimens(descriptor, times.data()) == 0 ? 0 : errno;
-}
-
 /// Gives the file back the end and the size that it had. That takes no room on the disk.
-void PutBack(int descriptor, const FileEnd& seen, std::uint64_t position, const Bytes& old,
-             const struct stat& facts) {
-    WriteAt(descriptor, position, old);
-    struct stat now{};
-    const bool hasGrown =
-        fstat(descriptor, &now) == 0 && static_cast<std::uint64_t>(now.st_size) > seen.size;
-    if (hasGrown && ftruncate(descriptor, static_cast<off_t>(seen.size)) != 0) return;
-    SetModified(descriptor, facts);
+void PutBack(const FileHandle& file, const FileEnd& seen, std::uint64_t position, const Bytes& old,
+             const FileFacts& facts) try {
+    file.WriteAt(position, old);
+    if (file.Facts().size > seen.size && file.SetSize(seen.size) != 0) return;
+    file.TrySetModified(facts.modified);
+} catch (const Failure&) {
+    // What it is now cannot even be looked at: the caller reports what failed before.
+    return;
 }
 
-void RequirePiece(const FileHandle& file, const struct stat& facts, const FilePiece& seen) {
+void RequirePiece(const FileHandle& file, const FileFacts& facts, const FilePiece& seen) {
     const std::uint64_t end = seen.position + seen.bytes.size();
     if (end > seen.size) throw Failure(FailureNumber::InvalidProcedureCall, file.ShownPath());
     Bytes present(seen.bytes.size());
-    const bool isAsSeen = static_cast<std::uint64_t>(facts.st_size) == seen.size &&
+    const bool isAsSeen = facts.size == seen.size &&
                           file.ReadAt(seen.position, present) == present.size() &&
                           present == seen.bytes;
     if (isAsSeen) return;
@@ -75,25 +49,24 @@ void RequirePiece(const FileHandle& file, const struct stat& facts, const FilePi
 
 void ReplaceInPlace(const FileHandle& file, const FilePiece& seen,
                     std::span<const std::uint8_t> bytes) {
-    const struct stat facts = file.Facts();
+    const FileFacts facts = file.Facts();
     RequirePiece(file, facts, seen);
-    const int descriptor = file.Descriptor();
     // As at the end of a file: who may not keep its times shall not change it.
-    if (const int error = SetModified(descriptor, facts); error != 0)
+    if (const int error = file.TrySetModified(facts.modified); error != 0)
         throw SystemFailure(error, file.ShownPath());
-    int error = WriteAt(descriptor, seen.position, bytes);
-    if (error == 0) error = SetModified(descriptor, facts);
+    int error = file.WriteAt(seen.position, bytes);
+    if (error == 0) error = file.TrySetModified(facts.modified);
     if (error == 0) return;
-    WriteAt(descriptor, seen.position, seen.bytes);
-    SetModified(descriptor, facts);
+    file.WriteAt(seen.position, seen.bytes);
+    file.TrySetModified(facts.modified);
     throw SystemFailure(error, file.ShownPath());
 }
 
-void ReplaceByCopy(const FileHandle& file, const std::string& local, const FilePiece& seen,
+void ReplaceByCopy(FileHandle file, const std::string& local, const FilePiece& seen,
                    std::span<const std::uint8_t> bytes) {
-    const struct stat facts = file.Facts();
+    const FileFacts facts = file.Facts();
     RequirePiece(file, facts, seen);
-    SafeFile copy(local, file.ShownPath(), SafeFile::Existing::Replace, facts.st_mode & 0777U);
+    SafeFile copy(local, file.ShownPath(), SafeFile::Existing::Replace, facts.rights);
     const auto write = [&copy](std::span<const std::uint8_t> piece) {
         copy.Write({reinterpret_cast<const char*>(piece.data()), piece.size()});
     };
@@ -107,13 +80,15 @@ void ReplaceByCopy(const FileHandle& file, const std::string& local, const FileP
     }
     write(bytes);
     copy.WriteFrom(file, seen.position + seen.bytes.size());
-    copy.SetModified(facts.st_mtim);
+    copy.SetModified(facts.modified);
+    // Not every system lets go of a name while the file is open.
+    file.Close();
     copy.Commit();
 }
 
 void WriteFileEnd(const FileHandle& file, const FileEnd& seen, std::uint64_t position,
                   std::span<const std::uint8_t> bytes) {
-    const struct stat facts = file.Facts();
+    const FileFacts facts = file.Facts();
     const std::string& path = file.ShownPath();
     if (!IsAsSeen(file, facts, seen)) {
         throw Failure(FailureNumber::PathFileAccess, path + " (it has changed meanwhile)");
@@ -125,21 +100,20 @@ void WriteFileEnd(const FileHandle& file, const FileEnd& seen, std::uint64_t pos
         throw Failure(FailureNumber::InvalidProcedureCall, path);
     }
     const Bytes old = LastBytes(file, seen.size, seen.size - position);
-    const int descriptor = file.Descriptor();
     // Only the file's owner may set its times. Others get a failure before a byte is written:
     // a file that seems new would change its place in the album.
-    if (const int error = SetModified(descriptor, facts); error != 0) {
+    if (const int error = file.TrySetModified(facts.modified); error != 0) {
         throw SystemFailure(error, path);
     }
-    int error = WriteAt(descriptor, position, bytes);
-    if (error == 0 && isCut && ftruncate(descriptor, static_cast<off_t>(size)) != 0) error = errno;
-    if (error == 0) error = SetModified(descriptor, facts);
+    int error = file.WriteAt(position, bytes);
+    if (error == 0 && isCut) error = file.SetSize(size);
+    if (error == 0) error = file.TrySetModified(facts.modified);
     // Bytes over others need no room, so the system may write them when it likes: until then a
     // power cut leaves the old ones. Whether there is room for a longer file is certain only
     // afterwards.
-    if (error == 0 && size > seen.size && fsync(descriptor) != 0) error = errno;
+    if (error == 0 && size > seen.size) error = file.Flush();
     if (error == 0) return;
-    PutBack(descriptor, seen, position, old, facts);
+    PutBack(file, seen, position, old, facts);
     throw SystemFailure(error, path);
 }
 

@@ -18,7 +18,7 @@ void ReplaceInPlace(const FileHandle& file, const FilePiece& seen,
                     std::span<const std::uint8_t> bytes);
 
 /// The same with more or fewer bytes: the file, open for reading, is written anew as `local`.
-void ReplaceByCopy(const FileHandle& file, const std::string& local, const FilePiece& seen,
+void ReplaceByCopy(FileHandle file, const std::string& local, const FilePiece& seen,
                    std::span<const std::uint8_t> bytes);
 
 }  // namespace quillon

@@ -2,12 +2,12 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <ctime>
 #include <span>
 #include <string>
 #include <string_view>
-#include <sys/stat.h>
 #include <utility>
+
+#include "platform/portable/local_file.h"
 
 namespace quillon {
 
@@ -23,7 +23,7 @@ class FileHandle {
     FileHandle& operator=(FileHandle&&) = delete;
     FileHandle(const FileHandle&) = delete;
     FileHandle& operator=(const FileHandle&) = delete;
-    ~FileHandle();
+    ~FileHandle() { Close(); }
 
     /// Up to `buffer.size()` bytes from a position on; fewer only at the file's end.
     std::size_t ReadAt(std::uint64_t position, std::span<std::uint8_t> buffer) const;
@@ -32,9 +32,25 @@ class FileHandle {
     /// Appends all that is in another file from a place on.
     void WriteFrom(const FileHandle& source, std::uint64_t from = 0) const;
     /// The modification time that the file is to have.
-    void SetModified(const std::timespec& modified) const;
+    void SetModified(const FileTime& modified) const;
     /// Size, times and kind.
-    struct stat Facts() const;
+    FileFacts Facts() const;
+    /// Gives the file the rights of another one and, where this process may do that, its owners.
+    void TakeRightsOf(const FileFacts& other) const;
+
+    // Each of these returns the system's error number, 0 when it is done.
+
+    /// Writes all bytes with as few calls as the system takes them in: one, unless it fails midway.
+    int WriteAt(std::uint64_t position, std::span<const std::uint8_t> bytes) const;
+    int SetSize(std::uint64_t size) const;
+    int TrySetModified(const FileTime& modified) const;
+    /// Waits until the file's content is on the disk; FlushAll() takes the other files of its file
+    /// system along, where FlushTakesAll().
+    int Flush() const;
+    int FlushAll() const;
+
+    /// Before the object's end; nothing else may follow.
+    void Close() noexcept;
 
     int Descriptor() const noexcept { return descriptor_; }
     const std::string& ShownPath() const noexcept { return shownPath_; }

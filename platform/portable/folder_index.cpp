@@ -1,7 +1,6 @@
 #include "platform/portable/folder_index.h"
 
 #include <cerrno>
-#include <sys/stat.h>
 #include <utility>
 
 #include "platform/basic_text.h"
@@ -19,21 +18,12 @@ bool IsMissing(int error) {
     return error == ENOENT || error == ENOTDIR;
 }
 
-bool SameTime(const std::timespec& left, const std::timespec& right) {
-    return left.tv_sec == right.tv_sec && left.tv_nsec == right.tv_nsec;
-}
-
 std::pair<std::string, std::string> FolderAndName(const std::string& path) {
     const std::size_t slash = path.rfind('/');
     return {slash == 0 ? "/" : path.substr(0, slash), path.substr(slash + 1)};
 }
 
 }  // namespace
-
-bool FolderIndex::Stamp::operator==(const Stamp& other) const {
-    return device == other.device && inode == other.inode && SameTime(modified, other.modified) &&
-           SameTime(changed, other.changed);
-}
 
 void FolderIndex::Listing::Add(std::string name) {
     Entry& entry = names[UpperCase(name)];
@@ -43,23 +33,21 @@ void FolderIndex::Listing::Add(std::string name) {
 }
 
 int FolderIndex::ReadStamp(const std::string& folder, Stamp& stamp) {
-    struct stat facts{};
-    if (stat(folder.c_str(), &facts) != 0) return errno;
-    stamp = {facts.st_dev, facts.st_ino, facts.st_mtim, facts.st_ctim};
+    const std::optional<FileFacts> facts = FactsOf(folder);
+    if (!facts) return errno;
+    stamp = {facts->identity, facts->modified, facts->changed};
     return 0;
 }
 
 /// Nothing when there is no such folder.
 std::optional<FolderIndex::Listing> FolderIndex::ReadNames(const std::string& folder) {
-    const FolderStream stream = OpenFolder(folder);
+    FolderStream stream = OpenFolder(folder);
     if (!stream && IsMissing(errno)) return std::nullopt;
     if (!stream) throw SystemFailure(errno, folder);
     Listing listing;
-    while (true) {
-        errno = 0;
-        const dirent* const entry = readdir(stream.get());
-        if (entry == nullptr) break;
-        if (IsWindowsName(entry->d_name)) listing.Add(entry->d_name);
+    ListedKind kind{};
+    while (const char* const name = stream.Next(kind)) {
+        if (IsWindowsName(name)) listing.Add(name);
     }
     if (errno != 0) throw SystemFailure(errno, folder);
     return listing;

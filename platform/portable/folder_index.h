@@ -1,11 +1,12 @@
 #pragma once
 
 #include <cstdint>
-#include <ctime>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+
+#include "platform/portable/local_file.h"
 
 namespace quillon {
 
@@ -28,9 +29,9 @@ class FolderIndex {
   private:
     /// What changes when entries of a folder do.
     struct Stamp {
-        std::uint64_t device = 0, inode = 0;
-        std::timespec modified{}, changed{};
-        bool operator==(const Stamp& other) const;
+        FileIdentity identity;
+        FileTime modified, changed;
+        bool operator==(const Stamp&) const = default;
     };
     struct Entry {
         std::string name;

@@ -4,7 +4,6 @@
 #include <array>
 #include <cerrno>
 #include <cstdio>
-#include <fcntl.h>
 #include <system_error>
 #include <utility>
 
@@ -17,20 +16,13 @@
 namespace quillon {
 namespace {
 
-using Identity = std::pair<dev_t, ino_t>;
-
-Identity IdentityOf(const struct stat& facts) {
-    return {facts.st_dev, facts.st_ino};
-}
-
 /// The folders on the way from the mapped folder to `local`, both included.
-std::vector<Identity> FoldersOnTheWay(const std::string& local, const std::string& localRoot) {
-    std::vector<Identity> folders;
+std::vector<FileIdentity> FoldersOnTheWay(const std::string& local, const std::string& localRoot) {
+    std::vector<FileIdentity> folders;
     std::size_t end = localRoot.size();
     while (true) {
         const std::string folder = end == 0 ? "/" : local.substr(0, end);
-        struct stat facts{};
-        if (stat(folder.c_str(), &facts) == 0) folders.push_back(IdentityOf(facts));
+        if (const auto facts = FactsOf(folder)) folders.push_back(facts->identity);
         if (end >= local.size()) return folders;
         end = std::min(local.find('/', end + 1), local.size());
     }
@@ -53,33 +45,33 @@ std::string Printable(std::string_view name) {
     return text;
 }
 
-/// The folder itself, the one above it, and files that this program is writing just now.
-bool IsNoEntry(std::string_view name) {
-    return name == "." || name == ".." || IsTemporaryName(name);
-}
-
 /// An entry as the system lists it.
 struct ListedName {
     std::size_t at = 0, size = 0;  ///< place in the names
-    unsigned char kind = DT_UNKNOWN;
+    std::uint32_t number = 0;      ///< of the order in which the system gave it
+    ListedKind kind = ListedKind::Unknown;
 };
 
-/// What a folder holds, in name order: to sort it before it is looked at moves nothing but places.
+/// What a folder holds, in a Windows volume's order: to sort it before it is looked at moves
+/// nothing but places.
 class ListedNames {
   public:
     /// Failure: the folder cannot be read to its end.
-    ListedNames(DIR* folder, const WindowsPath& shown) {
-        while (true) {
-            errno = 0;
-            const dirent* const entry = readdir(folder);
-            if (entry == nullptr) break;
-            const std::string_view name = entry->d_name;
-            if (IsTemporaryName(name)) holdsUnfinished_ = true;
-            if (IsNoEntry(name)) continue;
-            entries_.push_back({.at = names_.size(), .size = name.size(), .kind = entry->d_type});
+    ListedNames(FolderStream& folder, const WindowsPath& shown) {
+        ListedKind kind{};
+        for (std::uint32_t number = 0; const char* const given = folder.Next(kind); ++number) {
+            const std::string_view name = given;
+            // What this program is writing just now is no entry.
+            if (IsTemporaryName(name)) {
+                holdsUnfinished_ = true;
+                continue;
+            }
+            entries_.push_back(
+                {.at = names_.size(), .size = name.size(), .number = number, .kind = kind});
             names_.append(name) += '\0';
         }
         if (errno != 0) throw SystemFailure(errno, shown.Text());
+        if (ListsInVolumeOrder()) return;
         std::ranges::sort(entries_, [this](const ListedName& left, const ListedName& right) {
             return WindowsNameLess(NameOf(left), NameOf(right));
         });
@@ -108,11 +100,10 @@ template <typename Entry, typename Visit>
 FolderStream FolderLister::ForEach(const WindowsPath& shown, const std::string& local,
                                    Wanted wanted, Listing<Entry>& list, Visit visit) {
     FolderStream stream = OpenFolder(local);
-    const int folder = stream ? dirfd(stream.get()) : -1;
-    if (folder < 0) throw SystemFailure(errno, shown.Text());
-    const unsigned wantedMode = wanted == Wanted::Folders ? S_IFDIR : S_IFREG;
-    const unsigned char unwanted = wanted == Wanted::Folders ? DT_REG : DT_DIR;
-    const ListedNames names(stream.get(), shown);
+    if (!stream) throw SystemFailure(errno, shown.Text());
+    const LocalKind wantedKind = wanted == Wanted::Folders ? LocalKind::Folder : LocalKind::File;
+    const ListedKind unwanted = wanted == Wanted::Folders ? ListedKind::File : ListedKind::Folder;
+    const ListedNames names(stream, shown);
     list.entries.reserve(names.Entries().size());
     for (const ListedName& entry : names.Entries()) {
         const std::string_view name = names.NameOf(entry);
@@ -126,22 +117,22 @@ FolderStream FolderLister::ForEach(const WindowsPath& shown, const std::string& 
                 shown, name);
             continue;
         }
-        struct stat facts{};
-        if (fstatat(folder, names.TerminatedName(entry), &facts, 0) != 0) {
+        const std::optional<FileFacts> facts =
+            stream.FactsOf(names.TerminatedName(entry), entry.number);
+        if (!facts) {
             // Even "no such file" is no proof: it is what a link says whose disk is away, and what
             // some network drives say for a moment. It was listed just now.
             const int error = errno;
             list.unseen.push_back(shown.Child(name));
-            const bool isThere =
-                fstatat(folder, names.TerminatedName(entry), &facts, AT_SYMLINK_NOFOLLOW) == 0;
+            const bool isThere = stream.IsThere(names.TerminatedName(entry));
             // Not even the entry itself can be looked at: then the whole folder is out of reach.
             if (!isThere && errno != ENOENT) throw SystemFailure(errno, list.unseen.back());
             NoteUnseen(error, list.unseen.back());
-        } else if ((facts.st_mode & S_IFMT) == wantedMode) {
-            visit(name, facts);
-        } else if (!S_ISREG(facts.st_mode) && !S_ISDIR(facts.st_mode)) {
+        } else if (facts->kind == wantedKind) {
+            visit(name, *facts);
+        } else if (!facts->IsFile() && !facts->IsFolder()) {
             LeaveOut("neither file nor folder", shown, name);
-        } else if (S_ISREG(facts.st_mode) || entry.kind != DT_LNK) {
+        } else if (facts->IsFile() || entry.kind != ListedKind::Link) {
             list.others.emplace_back(name);
         }
     }
@@ -151,23 +142,18 @@ FolderStream FolderLister::ForEach(const WindowsPath& shown, const std::string& 
 
 FolderNames FolderLister::NamesIn(const std::string& local) {
     FolderNames names;
-    const FolderStream stream = OpenFolder(local);
-    const int folder = stream ? dirfd(stream.get()) : -1;
-    if (folder < 0) return names;
-    while (const dirent* const entry = readdir(stream.get())) {
-        const std::string_view name = entry->d_name;
-        if (IsNoEntry(name) || !IsWindowsName(name)) continue;
-        unsigned char kind = entry->d_type;
-        if (kind == DT_UNKNOWN || kind == DT_LNK) {
-            struct stat facts{};
-            const int flags = kind == DT_UNKNOWN ? AT_SYMLINK_NOFOLLOW : 0;
-            if (fstatat(folder, entry->d_name, &facts, flags) != 0) continue;
+    FolderStream stream = OpenFolder(local);
+    ListedKind kind{};
+    for (std::size_t number = 0; const char* const name = stream ? stream.Next(kind) : nullptr;
+         ++number) {
+        if (IsTemporaryName(name) || !IsWindowsName(name)) continue;
+        if (kind == ListedKind::Link) {
+            const auto facts = stream.FactsOf(name, number);
             // A folder behind a link may be one of those on the way to it.
-            if (S_ISDIR(facts.st_mode) && kind == DT_LNK) continue;
-            kind = static_cast<unsigned char>(IFTODT(facts.st_mode));
+            if (facts && facts->IsFile()) kind = ListedKind::File;
         }
-        if (kind == DT_DIR) names.folders.emplace_back(name);
-        if (kind == DT_REG) names.files.emplace_back(name);
+        if (kind == ListedKind::Folder) names.folders.emplace_back(name);
+        if (kind == ListedKind::File) names.files.emplace_back(name);
     }
     return names;
 }
@@ -201,17 +187,17 @@ void FolderLister::LeaveOutTwins(const WindowsPath& shown, std::vector<FileEntry
 Listing<FolderEntry> FolderLister::SubFolders(const WindowsPath& shown, const std::string& local,
                                               const std::string& localRoot) {
     Listing<FolderEntry> list;
-    const std::vector<Identity> onTheWay = FoldersOnTheWay(local, localRoot);
-    ForEach(
-        shown, local, Wanted::Folders, list, [&](std::string_view name, const struct stat& facts) {
-            const bool loops =
-                std::find(onTheWay.begin(), onTheWay.end(), IdentityOf(facts)) != onTheWay.end();
-            if (loops) {
-                LeaveOut("a folder inside itself", shown, name);
-            } else {
-                list.entries.push_back({shown.Child(name), std::string(name)});
-            }
-        });
+    const std::vector<FileIdentity> onTheWay = FoldersOnTheWay(local, localRoot);
+    ForEach(shown, local, Wanted::Folders, list,
+            [&](std::string_view name, const FileFacts& facts) {
+                const bool loops =
+                    std::find(onTheWay.begin(), onTheWay.end(), facts.identity) != onTheWay.end();
+                if (loops) {
+                    LeaveOut("a folder inside itself", shown, name);
+                } else {
+                    list.entries.push_back({shown.Child(name), std::string(name)});
+                }
+            });
     return list;
 }
 
@@ -219,7 +205,7 @@ Listing<FileEntry> FolderLister::FilesIn(const WindowsPath& shown, const std::st
     Listing<FileEntry> list;
     const std::string beginning = shown.Child("");
     listed_ = ForEach(
-        shown, local, Wanted::Files, list, [&](std::string_view name, const struct stat& facts) {
+        shown, local, Wanted::Files, list, [&](std::string_view name, const FileFacts& facts) {
             std::string path;
             path.reserve(beginning.size() + name.size());
             path.append(beginning).append(name);
@@ -230,20 +216,17 @@ Listing<FileEntry> FolderLister::FilesIn(const WindowsPath& shown, const std::st
     return list;
 }
 
-int FolderLister::OpenListed(std::string_view path, int flags) {
+int FolderLister::OpenListed(std::string_view path) {
     errno = ENOENT;
     if (!listed_ || !path.starts_with(listedShown_)) return -1;
     openName_ = path.substr(listedShown_.size());
     if (!IsWindowsName(openName_)) return -1;
-    return openat(dirfd(listed_.get()), openName_.c_str(), flags);
+    return listed_.Open(openName_.c_str());
 }
 
-FileEntry FolderLister::MakeFileEntry(std::string path, std::string name,
-                                      const struct stat& facts) {
-    constexpr std::int64_t Nanoseconds = 1'000'000'000;
-    return {std::move(path), std::move(name), static_cast<std::uint64_t>(facts.st_size),
-            localTime_.Of(facts.st_mtim.tv_sec),
-            std::int64_t{facts.st_ctim.tv_sec} * Nanoseconds + facts.st_ctim.tv_nsec};
+FileEntry FolderLister::MakeFileEntry(std::string path, std::string name, const FileFacts& facts) {
+    return {std::move(path), std::move(name), facts.size, localTime_.Of(facts.modified.seconds),
+            facts.changed.InNanoseconds()};
 }
 
 }  // namespace quillon

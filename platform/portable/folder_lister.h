@@ -1,11 +1,9 @@
 #pragma once
 
 #include <cstdint>
-#include <ctime>
 #include <functional>
 #include <string>
 #include <string_view>
-#include <sys/stat.h>
 #include <unordered_set>
 #include <vector>
 
@@ -43,13 +41,13 @@ class FolderLister {
     /// Opens a file of the folder whose files were listed last, where it has the name by which it
     /// was listed: the system need not look for the folder again. -1 with errno set where it cannot
     /// be opened; ENOENT or ENOTDIR where it may still be found in another way.
-    int OpenListed(std::string_view path, int flags);
+    int OpenListed(std::string_view path);
 
     /// A folder has got another name, or is gone.
-    void ForgetListed() { listed_.reset(); }
+    void ForgetListed() { listed_ = FolderStream(); }
 
     /// A file's entry from its Windows path and what the operating system tells about it.
-    FileEntry MakeFileEntry(std::string path, std::string name, const struct stat& facts);
+    FileEntry MakeFileEntry(std::string path, std::string name, const FileFacts& facts);
 
   private:
     /// Which entries the operating system's own kind rules out without a further look.

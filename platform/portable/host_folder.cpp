@@ -2,8 +2,6 @@
 
 #include <array>
 #include <cerrno>
-#include <fcntl.h>
-#include <sys/stat.h>
 #include <system_error>
 
 #include "platform/ansi.h"
@@ -19,7 +17,7 @@ namespace {
 constexpr const char* LogName = "host.log";
 
 // Far more than any person writes, far less than would do harm.
-constexpr off_t LargestSettingsFile = off_t{1} << 20U;
+constexpr std::uint64_t LargestSettingsFile = std::uint64_t{1} << 20U;
 
 std::filesystem::path CheckedFolder(const std::filesystem::path& folder) {
     std::error_code ignored;
@@ -73,33 +71,31 @@ void HostFolder::MapDrives() {
 const IniFile& HostFolder::Read(std::string_view file) {
     if (!IsWindowsName(file)) throw Failure(FailureNumber::BadFileName, ToValidUtf8(file));
     std::filesystem::path path = folder_ / file;
-    struct stat facts{};
-    if (stat(path.c_str(), &facts) != 0) {
+    if (!FactsOf(path.string())) {
         const std::string real = index_.Find(folder_.string(), file);
         if (!real.empty()) path = folder_ / real;
     }
     ReadFile& known = files_[path.string()];
-    const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    const int descriptor = OpenLocal(path.string(), FileUse::Read);
     if (descriptor < 0) {
         if (errno != ENOENT) throw SystemFailure(errno, path.string());
         known = {};
         return known.content;
     }
     const FileHandle handle(descriptor, path.string());
-    facts = handle.Facts();
-    if (!S_ISREG(facts.st_mode)) throw NoFileFailure(facts.st_mode, path.string());
-    if (facts.st_size > LargestSettingsFile) {
+    const FileFacts facts = handle.Facts();
+    if (!facts.IsFile()) throw NoFileFailure(facts.kind, path.string());
+    if (facts.size > LargestSettingsFile) {
         throw Failure::Described(
             FailureNumber::Overflow,
             path.string() +
                 " is larger than 1 MB, so it is not a settings file; correct or replace it");
     }
-    const bool unchanged =
-        known.inode == facts.st_ino && known.size == static_cast<std::uint64_t>(facts.st_size) &&
-        known.seconds == facts.st_mtim.tv_sec && known.nanoseconds == facts.st_mtim.tv_nsec;
+    const bool unchanged = known.number == facts.identity.number && known.size == facts.size &&
+                           known.modified == facts.modified;
     if (!unchanged) {
-        known = {facts.st_ino, static_cast<std::uint64_t>(facts.st_size), facts.st_mtim.tv_sec,
-                 facts.st_mtim.tv_nsec, IniFile::Parse(ReadAll(handle))};
+        known = {facts.identity.number, facts.size, facts.modified,
+                 IniFile::Parse(ReadAll(handle))};
     }
     return known.content;
 }
@@ -123,16 +119,15 @@ void HostFolder::WriteLog(std::string_view source, std::string_view message) {
                                Replace(OnOneLine(source), "\t", " ") + '\t' + OnOneLine(message) +
                                '\n';
     // Opened for each record, so that the log may be moved away or cut at any time.
-    const int descriptor =
-        open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0666);
+    const int descriptor = OpenLocal(path, FileUse::Append);
     if (descriptor < 0) throw SystemFailure(errno, path);
     const FileHandle log(descriptor, path);
-    const off_t before = log.Facts().st_size;
+    const std::uint64_t before = log.Facts().size;
     try {
         log.Write(endsInTheMiddle_ ? '\n' + record : record);
         endsInTheMiddle_ = false;
     } catch (const Failure&) {
-        endsInTheMiddle_ = endsInTheMiddle_ || log.Facts().st_size > before;
+        endsInTheMiddle_ = endsInTheMiddle_ || log.Facts().size > before;
         throw;
     }
 }

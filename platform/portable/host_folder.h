@@ -47,8 +47,8 @@ class HostFolder : public Host {
   private:
     /// A settings file as it was when it was last read.
     struct ReadFile {
-        std::uint64_t inode = 0, size = 0;
-        std::int64_t seconds = 0, nanoseconds = 0;
+        std::uint64_t number = 0, size = 0;
+        FileTime modified;
         IniFile content;
     };
 

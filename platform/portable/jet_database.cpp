@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <sys/stat.h>
 #include <system_error>
 #include <utility>
 #include <vector>
@@ -12,6 +11,7 @@
 #include "platform/basic_text.h"
 #include "platform/failure.h"
 #include "platform/portable/jet_values.h"
+#include "platform/portable/local_file.h"
 
 namespace quillon {
 namespace {
@@ -301,14 +301,14 @@ void JetDatabaseProvider::Together(Connection& connection, const std::function<v
     dynamic_cast<JetConnection&>(connection).Together(work);
 }
 
-JetDatabaseProvider::FileIdentity JetDatabaseProvider::IdentityOf(const std::string& path) {
-    struct stat status{};
-    if (stat(path.c_str(), &status) != 0) {
+FileIdentity JetDatabaseProvider::IdentityOf(const std::string& path) {
+    const std::optional<FileFacts> facts = FactsOf(path);
+    if (!facts) {
         throw Failure::Described(
             FailureNumber::Database,
             "Cannot open " + path + ": " + std::generic_category().message(errno) + ".", path);
     }
-    return {status.st_dev, status.st_ino};
+    return facts->identity;
 }
 
 SharedDatabase JetDatabaseProvider::OpenFile(const std::string& path) const {

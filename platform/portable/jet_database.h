@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "platform/database.h"
+#include "platform/portable/local_file.h"
 #include "platform/portable/path_resolver.h"
 
 namespace jet {
@@ -64,9 +65,6 @@ class JetDatabaseProvider : public DatabaseProvider {
     static void Together(Connection& connection, const std::function<void()>& work);
 
   private:
-    /// What a file is, whatever its names: device and number.
-    using FileIdentity = std::pair<std::uint64_t, std::uint64_t>;
-
     static FileIdentity IdentityOf(const std::string& path);
     std::shared_ptr<jet::Database> OpenFile(const std::string& path) const;
 

@@ -11,25 +11,19 @@ std::int64_t FloorDivide(std::int64_t value, std::int64_t by) {
     return value / by - (value % by < 0 ? 1 : 0);
 }
 
-/// Seconds by which local time is ahead.
-std::int64_t AskSystem(std::time_t moment) {
-    std::tm local{};
-    return localtime_r(&moment, &local) == nullptr ? 0 : local.tm_gmtoff;
-}
-
 }  // namespace
 
 std::int64_t LocalTime::OffsetAt(std::int64_t moment) {
     const std::int64_t day = FloorDivide(moment, SecondsOfADay);
     const auto [ofDay, isNewDay] = ofDays_.try_emplace(day);
     if (isNewDay) {
-        const std::int64_t begin = AskSystem(day * SecondsOfADay);
-        if (begin == AskSystem((day + 1) * SecondsOfADay)) ofDay->second = begin;
+        const std::int64_t begin = SecondsAhead(day * SecondsOfADay);
+        if (begin == SecondsAhead((day + 1) * SecondsOfADay)) ofDay->second = begin;
     }
     if (ofDay->second) return *ofDay->second;
     const std::int64_t quarter = FloorDivide(moment, QuarterHour);
     const auto [ofQuarter, isNew] = ofQuarterHours_.try_emplace(quarter);
-    if (isNew) ofQuarter->second = AskSystem(moment);
+    if (isNew) ofQuarter->second = SecondsAhead(moment);
     return ofQuarter->second;
 }
 

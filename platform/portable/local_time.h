@@ -9,6 +9,10 @@
 
 namespace quillon {
 
+/// Seconds by which local time is ahead at a moment, as the system says. Implemented in
+/// platform/posix and platform/windows.
+std::int64_t SecondsAhead(std::time_t moment);
+
 /// Turns moments into local dates and times, with daylight saving as it was at that moment.
 class LocalTime {
   public:

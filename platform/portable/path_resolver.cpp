@@ -1,9 +1,9 @@
 #include "platform/portable/path_resolver.h"
 
 #include <cerrno>
-#include <sys/stat.h>
 
 #include "platform/failure.h"
+#include "platform/portable/local_file.h"
 
 namespace quillon {
 namespace {
@@ -11,8 +11,7 @@ namespace {
 /// Whether something has this very name. What cannot be told is taken as it is written: the
 /// operation that follows says what is wrong with it.
 bool MayExist(const std::string& local) {
-    struct stat facts{};
-    return lstat(local.c_str(), &facts) == 0 || (errno != ENOENT && errno != ENOTDIR);
+    return FactsOfLink(local) || (errno != ENOENT && errno != ENOTDIR);
 }
 
 std::string Join(const std::string& folder, std::string_view name) {
@@ -37,7 +36,8 @@ std::string PathResolver::Exact(const WindowsPath& path) const {
 
 std::string PathResolver::Local(const WindowsPath& path) {
     std::string local = Exact(path);
-    if (!path.rest.empty() && !MayExist(local)) Find(LocalRoot(path), path.rest, local);
+    if (path.rest.empty() || SpeaksWindowsPaths()) return local;
+    if (!MayExist(local)) Find(LocalRoot(path), path.rest, local);
     return local;
 }
 

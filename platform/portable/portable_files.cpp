@@ -1,13 +1,8 @@
 #include "platform/portable/portable_files.h"
 
+#include <algorithm>
 #include <cerrno>
-#include <cstdio>
-#include <fcntl.h>
-#include <filesystem>
 #include <optional>
-#include <sys/stat.h>
-#include <system_error>
-#include <unistd.h>
 #include <utility>
 
 #include "platform/ansi_text_reader.h"
@@ -27,9 +22,8 @@ namespace {
 /// Whether the path leads through a link, or is one, that leads to where nothing is at present.
 bool IsBehindLostLink(std::string local) {
     while (!local.empty()) {
-        struct stat facts{};
-        if (lstat(local.c_str(), &facts) == 0)
-            return S_ISLNK(facts.st_mode) && stat(local.c_str(), &facts) != 0;
+        if (const auto facts = FactsOfLink(local))
+            return facts->kind == LocalKind::Link && !FactsOf(local);
         local.resize(std::min(local.rfind('/'), local.size() - 1));
     }
     return false;
@@ -37,9 +31,8 @@ bool IsBehindLostLink(std::string local) {
 
 /// What the system knows of a local path, links followed; nothing where certainly nothing has it.
 /// Failure where that cannot be told.
-std::optional<struct stat> CertainFacts(const std::string& local, const std::string& shown) {
-    struct stat facts{};
-    if (stat(local.c_str(), &facts) == 0) return facts;
+std::optional<FileFacts> CertainFacts(const std::string& local, const std::string& shown) {
+    if (const auto facts = FactsOf(local)) return facts;
     const int error = errno;
     if (error == ENAMETOOLONG) return std::nullopt;
     if (error != ENOENT && error != ENOTDIR) throw SystemFailure(error, shown);
@@ -61,36 +54,29 @@ std::pair<WindowsPath, std::string> FolderAndName(const WindowsPath& path) {
     return {{path.root, path.rest.substr(0, slash)}, path.rest.substr(slash + 1)};
 }
 
-// A pipe must not hold up the run; on a file the flag means nothing.
-constexpr int OpenFlags = O_CLOEXEC | O_NONBLOCK;
-
-int Open(const std::string& local, int access) {
-    return open(local.c_str(), access | OpenFlags);
-}
-
 /// What has been opened, with its size.
 std::pair<FileHandle, std::uint64_t> WithSize(int descriptor, std::string_view shown) {
     FileHandle file(descriptor, shown);
-    const struct stat facts = file.Facts();
-    if (!S_ISREG(facts.st_mode)) throw NoFileFailure(facts.st_mode, file.ShownPath());
-    return {std::move(file), static_cast<std::uint64_t>(facts.st_size)};
+    const FileFacts facts = file.Facts();
+    if (!facts.IsFile()) throw NoFileFailure(facts.kind, file.ShownPath());
+    return {std::move(file), facts.size};
 }
 
 /// Opens a file as it is written where it exists so, which is the rule, with no other call. With
 /// its size.
 std::pair<FileHandle, std::uint64_t> OpenWithSize(PathResolver& resolver, const WindowsPath& path,
-                                                  int access = O_RDONLY) {
-    int descriptor = Open(resolver.Exact(path), access);
+                                                  FileUse use = FileUse::Read) {
+    int descriptor = OpenLocal(resolver.Exact(path), use);
     if (descriptor < 0 && (errno == ENOENT || errno == ENOTDIR)) {
-        descriptor = Open(resolver.Local(path), access);
+        descriptor = OpenLocal(resolver.Local(path), use);
     }
     const std::string shown = path.Text();
     if (descriptor < 0) throw SystemFailure(errno, shown, FailureNumber::FileNotFound);
     return WithSize(descriptor, shown);
 }
 
-FileHandle OpenFile(PathResolver& resolver, const WindowsPath& path, int access = O_RDONLY) {
-    return OpenWithSize(resolver, path, access).first;
+FileHandle OpenFile(PathResolver& resolver, const WindowsPath& path, FileUse use = FileUse::Read) {
+    return OpenWithSize(resolver, path, use).first;
 }
 
 /// The parts of a path; nothing for a text that is no path.
@@ -103,10 +89,10 @@ std::optional<WindowsPath> ParsedPath(std::string_view text) try {
 /// Copies a file that is open; `local` is the path of the copy, whose name is not durable yet.
 void CopyOpenFile(const FileHandle& source, const std::string& local, const std::string& shown,
                   SafeFile::Existing existing) {
-    const struct stat facts = source.Facts();
-    SafeFile copy(local, shown, existing, facts.st_mode & 0777U);
+    const FileFacts facts = source.Facts();
+    SafeFile copy(local, shown, existing, facts.rights);
     copy.WriteFrom(source);
-    copy.SetModified(facts.st_mtim);
+    copy.SetModified(facts.modified);
     copy.Sync();
     copy.TakeName();
 }
@@ -115,69 +101,70 @@ void CopyOpenFile(const FileHandle& source, const std::string& local, const std:
 /// at might be.
 bool LeadsNowhere(const std::string& local) {
     if (FactsOf(local) || errno != ENOENT) return false;
-    return std::filesystem::is_symlink(std::filesystem::symlink_status(local));
+    const auto facts = FactsOfLink(local);
+    return facts && facts->kind == LocalKind::Link;
 }
 
 void Unlink(const std::string& local, const std::string& shown) {
-    if (unlink(local.c_str()) != 0) throw SystemFailure(errno, shown, FailureNumber::FileNotFound);
-}
-
-bool MayWrite(const std::string& local) {
-    return faccessat(AT_FDCWD, local.c_str(), W_OK, AT_EACCESS) == 0;
+    if (const int error = RemoveFile(local); error != 0)
+        throw SystemFailure(error, shown, FailureNumber::FileNotFound);
 }
 
 /// Whether a file somewhere below the folder is write-protected, or a folder cannot be emptied.
 /// Symbolic links are not followed.
 bool HoldsProtectedFile(const std::string& folder) {
-    if (std::filesystem::is_symlink(folder)) return false;
-    std::error_code error;
+    const auto facts = FactsOfLink(folder);
+    if (facts && facts->kind == LocalKind::Link) return false;
     if (!MayWrite(folder)) return true;
-    for (std::filesystem::recursive_directory_iterator entry(folder, error), end;
-         !error && entry != end; entry.increment(error)) {
-        if (!entry->is_symlink(error) && !error && !MayWrite(entry->path().string())) return true;
+    FolderStream stream = OpenFolder(folder);
+    if (!stream) return true;
+    ListedKind kind{};
+    while (const char* const name = stream.Next(kind)) {
+        const std::string path = folder + '/' + name;
+        if (kind == ListedKind::Link) continue;
+        if (kind == ListedKind::Folder ? HoldsProtectedFile(path) : !MayWrite(path)) return true;
     }
-    return static_cast<bool>(error);
+    return errno != 0;
 }
 
 /// Whether a folder is another one or lies in it. Folders are told apart by what they are: one that
 /// is mounted at a second place has two paths.
 bool IsInside(const std::string& inner, const std::string& outer) {
-    const std::optional<struct stat> wanted = CertainFacts(outer, outer);
+    const std::optional<FileFacts> wanted = CertainFacts(outer, outer);
     if (!wanted || !CertainFacts(inner, inner)) return false;
-    std::error_code error;
-    std::filesystem::path folder = std::filesystem::canonical(inner, error);
-    if (error) throw SystemFailure(error.value(), inner);
-    while (true) {
-        const std::optional<struct stat> facts = CertainFacts(folder.string(), folder.string());
-        if (facts && facts->st_dev == wanted->st_dev && facts->st_ino == wanted->st_ino)
-            return true;
-        if (folder == folder.root_path()) return false;
-        folder = folder.parent_path();
+    const std::optional<std::string> real = RealPath(inner);
+    if (!real) throw SystemFailure(errno, inner);
+    for (std::string folder = *real;;) {
+        const std::optional<FileFacts> facts = CertainFacts(folder, folder);
+        if (facts && facts->identity == wanted->identity) return true;
+        const std::size_t slash = folder.rfind('/');
+        if (slash == std::string::npos || folder == "/") return false;
+        folder.resize(std::max<std::size_t>(slash, 1));
     }
 }
 
 }  // namespace
 
-bool PortableFiles::Exists(std::string_view path, unsigned kind) {
+bool PortableFiles::Exists(std::string_view path, LocalKind kind) {
     const std::optional<WindowsPath> parsed = ParsedPath(path);
     if (!parsed || !resolver_.Drives().LocalFolder(parsed->root)) return false;
     const auto facts = CertainFacts(resolver_.Local(*parsed), parsed->Text());
-    return facts && (facts->st_mode & S_IFMT) == kind;
+    return facts && facts->kind == kind;
 }
 
 bool PortableFiles::FolderExists(std::string_view path) {
-    return Exists(path, S_IFDIR);
+    return Exists(path, LocalKind::Folder);
 }
 
 bool PortableFiles::FileExists(std::string_view path) {
-    return Exists(path, S_IFREG);
+    return Exists(path, LocalKind::File);
 }
 
 bool PortableFiles::IsSameFile(std::string_view path, std::string_view other) {
     if (!FileExists(path) || !FileExists(other)) return false;
     const auto one = CertainFacts(resolver_.Local(path), std::string(path));
     const auto two = CertainFacts(resolver_.Local(other), std::string(other));
-    return one && two && one->st_dev == two->st_dev && one->st_ino == two->st_ino;
+    return one && two && one->identity == two->identity;
 }
 
 bool PortableFiles::IsWithin(std::string_view folder, std::string_view outer) {
@@ -205,24 +192,24 @@ FileEntry PortableFiles::GetFile(std::string_view path) {
     const WindowsPath parsed = ParseWindowsPath(path);
     // Most paths are as they are written: one look is enough then.
     std::string local = resolver_.Exact(parsed);
-    std::optional<struct stat> facts = FactsOf(local);
+    std::optional<FileFacts> facts = FactsOf(local);
     if (!facts) {
         local = resolver_.Local(parsed);
         facts = FactsOf(local);
     }
     if (!facts) throw SystemFailure(errno, parsed.Text(), FailureNumber::FileNotFound);
-    if (!S_ISREG(facts->st_mode)) throw Failure(FailureNumber::FileNotFound, parsed.Text());
-    const std::string name(NameIn(local));
+    if (!facts->IsFile()) throw Failure(FailureNumber::FileNotFound, parsed.Text());
+    const std::string name(NameIn(SpellingOnDisk(local)));
     return lister_.MakeFileEntry(FolderAndName(parsed).first.Child(name), name, *facts);
 }
 
 WindowsPath PortableFiles::AsOnDisk(std::string_view path) {
     const WindowsPath parsed = ParseWindowsPath(path);
-    return AsItIs(parsed, resolver_.Local(parsed));
+    return AsItIs(parsed, SpellingOnDisk(resolver_.Local(parsed)));
 }
 
 std::optional<std::string> PortableFiles::LocalPath(std::string_view path) try {
-    return resolver_.Local(path);
+    return SpellingOnDisk(resolver_.Local(path));
 } catch (const Failure& failure) {
     if (failure.Number() != FailureNumber::PathNotFound &&
         failure.Number() != FailureNumber::BadFileName)
@@ -233,7 +220,7 @@ std::optional<std::string> PortableFiles::LocalPath(std::string_view path) try {
 void PortableFiles::CreateFolder(std::string_view path) {
     const WindowsPath parsed = ParseWindowsPath(path);
     const std::string local = resolver_.Local(parsed);
-    if (mkdir(local.c_str(), 0777) != 0) throw SystemFailure(errno, parsed.Text());
+    if (const int error = MakeFolder(local); error != 0) throw SystemFailure(error, parsed.Text());
     resolver_.Index().Added(local);
 }
 
@@ -247,9 +234,8 @@ void PortableFiles::Copy(std::string_view from, std::string_view to, bool overwr
     const FileHandle source = OpenFile(resolver_, ParseWindowsPath(from));
     const WindowsPath target = ParseWindowsPath(to);
     const std::string local = resolver_.Local(target);
-    const struct stat facts = source.Facts();
-    const std::optional<struct stat> old = FactsOf(local);
-    const bool itself = old && old->st_dev == facts.st_dev && old->st_ino == facts.st_ino;
+    const std::optional<FileFacts> old = FactsOf(local);
+    const bool itself = old && old->identity == source.Facts().identity;
     if (itself && overwrite) throw SystemFailure(EACCES, target.Text());
     RemoveLeftoversOnce(FolderOf(local));
     CopyOpenFile(source, local, target.Text(),
@@ -312,12 +298,12 @@ void PortableFiles::DeleteFile(std::string_view path) {
     const WindowsPath parsed = ParseWindowsPath(path);
     const std::string local = resolver_.Local(parsed);
     const std::string shown = parsed.Text();
-    const std::optional<struct stat> facts = CertainFacts(local, shown);
-    if (!facts || !S_ISREG(facts->st_mode)) throw Failure(FailureNumber::FileNotFound, shown);
+    const std::optional<FileFacts> facts = CertainFacts(local, shown);
+    if (!facts || !facts->IsFile()) throw Failure(FailureNumber::FileNotFound, shown);
     // A write-protected file is one that its owner wants to keep, as on Windows.
-    if (faccessat(AT_FDCWD, local.c_str(), W_OK, AT_EACCESS) != 0)
-        throw SystemFailure(errno, shown);
-    if (!takeOver_ || !takeOver_(local, AsItIs(parsed, local))) Unlink(local, shown);
+    if (!MayWrite(local)) throw SystemFailure(errno, shown);
+    if (!takeOver_ || !takeOver_(local, AsItIs(parsed, SpellingOnDisk(local))))
+        Unlink(local, shown);
     resolver_.Index().Removed(local);
 }
 
@@ -329,21 +315,19 @@ void PortableFiles::DeleteFolder(std::string_view path) {
     if (parsed.rest.empty() || !MayWrite(FolderOf(local)) || HoldsProtectedFile(local)) {
         throw Failure(FailureNumber::PermissionDenied, parsed.Text());
     }
-    std::error_code error;
-    std::filesystem::remove_all(local, error);
-    // It says nothing of a folder that turned out to be unreadable in the middle.
-    if (!error && FactsOf(local)) error = std::make_error_code(std::errc::directory_not_empty);
-    if (error) throw SystemFailure(error.value(), parsed.Text());
-    resolver_.Index().Removed(local);
     lister_.ForgetListed();
+    int error = RemoveAll(local);
+    // It says nothing of a folder that turned out to be unreadable in the middle.
+    if (error == 0 && FactsOfLink(local)) error = ENOTEMPTY;
+    if (error != 0) throw SystemFailure(error, parsed.Text());
+    resolver_.Index().Removed(local);
 }
 
 void PortableFiles::Discard(std::string_view path) {
     const WindowsPath parsed = ParseWindowsPath(path);
     const std::string local = resolver_.Local(parsed);
-    if (std::remove(local.c_str()) != 0) {
-        throw SystemFailure(errno, parsed.Text(), FailureNumber::FileNotFound);
-    }
+    if (const int error = RemoveEntry(local); error != 0)
+        throw SystemFailure(error, parsed.Text(), FailureNumber::FileNotFound);
     resolver_.Index().Removed(local);
 }
 
@@ -356,15 +340,14 @@ void PortableFiles::MoveFile(std::string_view from, std::string_view to) {
     SyncNames();
     const WindowsPath source = ParseWindowsPath(from);
     const WindowsPath target = ParseWindowsPath(to);
-    const std::string oldPath = resolver_.Local(source);
-    std::string newPath = resolver_.Local(target);
+    const std::string oldPath = SpellingOnDisk(resolver_.Local(source));
+    std::string newPath = SpellingOnDisk(resolver_.Local(target));
     if (!FileExists(from)) throw Failure(FailureNumber::FileNotFound, source.Text());
     if (newPath == oldPath) {
         // The same file in the target's spelling: a change of letter case, or nothing at all.
         newPath = FolderOf(oldPath) + FolderAndName(target).second;
-        if (newPath != oldPath && rename(oldPath.c_str(), newPath.c_str()) != 0) {
-            throw SystemFailure(errno, target.Text());
-        }
+        const int error = newPath == oldPath ? 0 : RenameOver(oldPath, newPath);
+        if (error != 0) throw SystemFailure(error, target.Text());
     } else if (FactsOf(newPath)) {
         throw Failure(FailureNumber::FileAlreadyExists, target.Text());
     } else {
@@ -422,7 +405,7 @@ std::unique_ptr<TextBatch> PortableFiles::CreateTexts(TextBatch::Done done) {
 }
 
 std::unique_ptr<BinaryReader> PortableFiles::OpenBinary(std::string_view path) {
-    const int listed = lister_.OpenListed(path, O_RDONLY | OpenFlags);
+    const int listed = lister_.OpenListed(path);
     if (listed < 0 && errno != ENOENT && errno != ENOTDIR)
         throw SystemFailure(errno, std::string(path), FailureNumber::FileNotFound);
     auto [file, size] =
@@ -433,16 +416,17 @@ std::unique_ptr<BinaryReader> PortableFiles::OpenBinary(std::string_view path) {
 void PortableFiles::WriteEnd(std::string_view path, const FileEnd& seen, std::uint64_t position,
                              std::span<const std::uint8_t> bytes) {
     SyncNames();
-    WriteFileEnd(OpenFile(resolver_, ParseWindowsPath(path), O_RDWR), seen, position, bytes);
+    WriteFileEnd(OpenFile(resolver_, ParseWindowsPath(path), FileUse::ReadAndWrite), seen, position,
+                 bytes);
 }
 
 void PortableFiles::ReplaceBytes(std::string_view path, const FilePiece& seen,
                                  std::span<const std::uint8_t> bytes) {
     const WindowsPath parsed = ParseWindowsPath(path);
-    const FileHandle file = OpenFile(resolver_, parsed, O_RDWR);
+    FileHandle file = OpenFile(resolver_, parsed, FileUse::ReadAndWrite);
     if (bytes.size() == seen.bytes.size()) return ReplaceInPlace(file, seen, bytes);
     const std::string local = LocalToWrite(parsed);
-    ReplaceByCopy(file, local, seen, bytes);
+    ReplaceByCopy(std::move(file), local, seen, bytes);
     resolver_.Index().Added(local);
 }
 

@@ -85,8 +85,8 @@ class PortableFiles : public Files {
                   const std::string& shown);
     std::unique_ptr<TextWriter> CreateText(std::string_view path, SafeFile::Existing existing);
     WindowsPath AsItIs(const WindowsPath& path, const std::string& local) const;
-    /// Whether something of this kind (S_IFREG, S_IFDIR) has the path.
-    bool Exists(std::string_view path, unsigned kind);
+    /// Whether something of this kind has the path.
+    bool Exists(std::string_view path, LocalKind kind);
 
     PathResolver& resolver_;
     FolderLister lister_;

@@ -2,10 +2,8 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <fcntl.h>
 #include <string_view>
 #include <system_error>
-#include <unistd.h>
 
 #include "platform/basic_text.h"
 #include "platform/portable/file_handle.h"
@@ -37,18 +35,18 @@ fs::path Numbered(const fs::path& path, int number) {
 /// Copies a file and removes it then; the system's error number, EEXIST for a name that is taken.
 void MoveByCopy(const std::string& from, const std::string& to, const std::string& shown) {
     {
-        const int descriptor = open(from.c_str(), O_RDONLY | O_CLOEXEC);
+        const int descriptor = OpenLocal(from, FileUse::Read);
         if (descriptor < 0) throw SystemFailure(errno, shown, FailureNumber::FileNotFound);
         const FileHandle source(descriptor, shown);
-        const struct stat facts = source.Facts();
-        SafeFile copy(to, shown, SafeFile::Existing::Refuse, facts.st_mode & 0777U);
+        const FileFacts facts = source.Facts();
+        SafeFile copy(to, shown, SafeFile::Existing::Refuse, facts.rights);
         copy.WriteFrom(source);
-        copy.SetModified(facts.st_mtim);
+        copy.SetModified(facts.modified);
         copy.Commit();
     }
-    if (unlink(from.c_str()) == 0) return;
-    const int error = errno;
-    unlink(to.c_str());
+    const int error = RemoveFile(from);
+    if (error == 0) return;
+    RemoveEntry(to);
     throw SystemFailure(error, shown);
 }
 
@@ -58,7 +56,7 @@ int MoveLink(const std::string& from, const std::string& to) {
     const fs::path target = fs::canonical(from, error);
     if (!error) fs::create_symlink(target, to, error);
     if (error) return error.value();
-    return unlink(from.c_str()) == 0 ? 0 : errno;
+    return RemoveFile(from);
 }
 
 }  // namespace

@@ -1,12 +1,7 @@
 #include "platform/portable/safe_file.h"
 
 #include <cerrno>
-#include <cstdio>
-#include <fcntl.h>
-#include <filesystem>
 #include <optional>
-#include <system_error>
-#include <unistd.h>
 
 #include "platform/portable/local_file.h"
 #include "platform/portable/system_failure.h"
@@ -16,58 +11,54 @@ namespace {
 
 /// The file that a path leads to through symbolic links; a link that leads nowhere is replaced.
 std::string BehindLinks(const std::string& path) {
-    std::error_code nowhere;
-    if (!std::filesystem::is_symlink(path, nowhere)) return path;
-    const std::filesystem::path real = std::filesystem::canonical(path, nowhere);
-    return nowhere ? path : real.string();
+    const std::optional<FileFacts> facts = FactsOfLink(path);
+    if (!facts || facts->kind != LocalKind::Link) return path;
+    return RealPath(path).value_or(path);
 }
 
 }  // namespace
 
 SafeFile::SafeFile(const std::string& target, std::string_view shownPath, Existing existing,
-                   mode_t mode, unsigned number)
+                   std::uint32_t rights, unsigned number)
     : target_(existing == Existing::Replace ? BehindLinks(target) : target),
       shownPath_(shownPath),
       existing_(existing),
-      draft_(Create(mode, number)) {}
+      draft_(Create(rights, number)) {}
 
 /// Refuses what must not be replaced.
 void SafeFile::RefuseOthers() const {
-    struct stat facts{};
-    if (lstat(target_.c_str(), &facts) != 0) return;
+    const std::optional<FileFacts> facts = FactsOfLink(target_);
+    if (!facts) return;
     if (existing_ == Existing::Refuse) throw SystemFailure(EEXIST, shownPath_);
-    if (existing_ == Existing::ReplaceOwn && S_ISLNK(facts.st_mode))
-        throw NoFileFailure(facts.st_mode, shownPath_);
+    if (existing_ == Existing::ReplaceOwn && facts->kind == LocalKind::Link)
+        throw NoFileFailure(facts->kind, shownPath_);
 }
 
-TemporaryEntry SafeFile::Create(mode_t mode, unsigned number) const {
+TemporaryEntry SafeFile::Create(std::uint32_t rights, unsigned number) const {
     RefuseOthers();
-    const std::optional<struct stat> old = FactsOf(target_);
-    if (old && !S_ISREG(old->st_mode)) throw NoFileFailure(old->st_mode, shownPath_);
-    if (old && faccessat(AT_FDCWD, target_.c_str(), W_OK, AT_EACCESS) != 0)
-        throw SystemFailure(errno, shownPath_);
-    TemporaryEntry draft = MakeTemporaryFile(FolderOf(target_), shownPath_, mode, number);
-    if (old) {
-        const int descriptor = draft.handle.Descriptor();
-        // Only the super-user may give a file away; for everyone else it is theirs already.
-        if (fchown(descriptor, old->st_uid, old->st_gid) != 0) errno = 0;
-        fchmod(descriptor, old->st_mode & 07777U);
-    }
+    const std::optional<FileFacts> old = FactsOf(target_);
+    if (old && !old->IsFile()) throw NoFileFailure(old->kind, shownPath_);
+    if (old && !MayWrite(target_)) throw SystemFailure(errno, shownPath_);
+    TemporaryEntry draft = MakeTemporaryFile(FolderOf(target_), shownPath_, rights, number);
+    if (old) draft.handle.TakeRightsOf(*old);
     return draft;
 }
 
 SafeFile::~SafeFile() {
-    if (!committed_) unlink(draft_.path.c_str());
+    if (committed_) return;
+    draft_.handle.Close();
+    RemoveEntry(draft_.path);
 }
 
 void SafeFile::Sync() {
     if (isSynced_) return;
-    if (fsync(draft_.handle.Descriptor()) != 0) throw SystemFailure(errno, shownPath_);
+    if (const int error = draft_.handle.Flush(); error != 0) throw SystemFailure(error, shownPath_);
     isSynced_ = true;
 }
 
 void SafeFile::SyncFileSystem() const {
-    if (syncfs(draft_.handle.Descriptor()) != 0) throw SystemFailure(errno, shownPath_);
+    if (const int error = draft_.handle.FlushAll(); error != 0)
+        throw SystemFailure(error, shownPath_);
 }
 
 void SafeFile::Commit() {
@@ -82,10 +73,11 @@ std::string SafeFile::Folder() const {
 
 void SafeFile::TakeName() {
     const int error = existing_ == Existing::Refuse ? RenameToFreeName(draft_.path, target_)
-                      : rename(draft_.path.c_str(), target_.c_str()) == 0 ? 0
-                                                                          : errno;
+                                                    : RenameOver(draft_.path, target_);
     if (error != 0) throw SystemFailure(error, shownPath_);
     committed_ = true;
+    // Whoever changes the file next need not wait for this object's end.
+    draft_.handle.Close();
 }
 
 }  // namespace quillon

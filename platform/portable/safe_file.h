@@ -1,10 +1,8 @@
 #pragma once
 
 #include <cstddef>
-#include <ctime>
 #include <string>
 #include <string_view>
-#include <sys/types.h>
 
 #include "platform/portable/file_handle.h"
 #include "platform/portable/temporary_entry.h"
@@ -24,12 +22,12 @@ class SafeFile {
     };
 
     /// `target` is the local path, `shownPath` the Windows path for failures. A replaced file's
-    /// owner and mode stay. `mode` is that of a new file, before the process's mask; `number` as of
-    /// MakeTemporaryFile(). Failure:
+    /// owner and rights stay. `rights` are those of a new file; `number` as of MakeTemporaryFile().
+    /// Failure:
     /// PathNotFound without the folder, PermissionDenied for anything of that name that is no file
     /// or write-protected, FileAlreadyExists.
     SafeFile(const std::string& target, std::string_view shownPath, Existing existing,
-             mode_t mode = 0666, unsigned number = 0);
+             std::uint32_t rights = NewFileRights, unsigned number = 0);
     SafeFile(const SafeFile&) = delete;
     SafeFile& operator=(const SafeFile&) = delete;
     ~SafeFile();
@@ -44,21 +42,22 @@ class SafeFile {
         draft_.handle.WriteFrom(source, from);
     }
     /// The modification time that the file is to have.
-    void SetModified(const std::timespec& modified) { draft_.handle.SetModified(modified); }
+    void SetModified(const FileTime& modified) { draft_.handle.SetModified(modified); }
     /// Waits until what was written is on the disk.
     void Sync();
     /// Failure: DiskFull and the like; then the name still belongs to what it did before.
     void Commit();
 
-    /// The parts of Commit(), for files that are committed together: Sync() or SyncFileSystem()
-    /// for all of them, TakeName() for each, SyncFolder() of each folder.
+    /// The parts of Commit(), for files that are committed together: Sync() of each, or where
+    /// FlushTakesAll() SyncFileSystem() of one for all, TakeName() of each, SyncFolder() of each
+    /// folder.
     void SyncFileSystem() const;
     void TakeName();
     /// Where the file is, a local path with the slash at its end.
     std::string Folder() const;
 
   private:
-    TemporaryEntry Create(mode_t mode, unsigned number) const;
+    TemporaryEntry Create(std::uint32_t rights, unsigned number) const;
     void RefuseOthers() const;
 
     std::string target_;

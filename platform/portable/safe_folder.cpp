@@ -1,11 +1,6 @@
 #include "platform/portable/safe_folder.h"
 
 #include <cerrno>
-#include <fcntl.h>
-#include <filesystem>
-#include <sys/stat.h>
-#include <system_error>
-#include <unistd.h>
 #include <utility>
 
 #include "platform/portable/local_file.h"
@@ -17,33 +12,36 @@ SafeFolder::SafeFolder(std::string target, std::string_view shownPath)
     : target_(std::move(target)), draft_(MakeTemporaryFolder(FolderOf(target_), shownPath)) {}
 
 SafeFolder::~SafeFolder() {
-    std::error_code left;
-    if (!committed_) std::filesystem::remove_all(draft_.path, left);
+    if (committed_) return;
+    draft_.handle.Close();
+    RemoveAll(draft_.path);
 }
 
 void SafeFolder::AddFolder(const std::string& name, std::string_view shownPath) {
     const std::string path = draft_.path + '/' + name;
-    if (mkdir(path.c_str(), 0777) != 0) throw SystemFailure(errno, shownPath);
+    if (const int error = MakeFolder(path); error != 0) throw SystemFailure(error, shownPath);
 }
 
 void SafeFolder::AddFile(const FileHandle& source, const std::string& name,
                          std::string_view shownPath) {
-    const struct stat facts = source.Facts();
+    const FileFacts facts = source.Facts();
     const std::string path = draft_.path + '/' + name;
-    const int descriptor =
-        open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, facts.st_mode & 0777U);
+    const int descriptor = CreateLocal(path, facts.rights);
     if (descriptor < 0) throw SystemFailure(errno, shownPath);
     const FileHandle copy(descriptor, shownPath);
     copy.WriteFrom(source);
-    copy.SetModified(facts.st_mtim);
+    copy.SetModified(facts.modified);
+    const int error = FlushTakesAll() ? 0 : copy.Flush();
+    if (error != 0) throw SystemFailure(error, shownPath);
 }
 
 void SafeFolder::Commit() {
     // A disk waits for each file that is flushed by itself.
-    if (syncfs(draft_.handle.Descriptor()) != 0)
-        throw SystemFailure(errno, draft_.handle.ShownPath());
-    const int error = RenameToFreeName(draft_.path, target_);
-    if (error != 0) throw SystemFailure(error, draft_.handle.ShownPath());
+    const std::string shown = draft_.handle.ShownPath();
+    if (const int error = FlushTakesAll() ? draft_.handle.FlushAll() : 0; error != 0)
+        throw SystemFailure(error, shown);
+    if (const int error = RenameToFreeName(draft_.path, target_); error != 0)
+        throw SystemFailure(error, shown);
     committed_ = true;
     SyncFolder(FolderOf(target_));
 }

@@ -1,5 +1,6 @@
 #include "platform/portable/system_clock.h"
 
+#include <chrono>
 #include <ctime>
 
 namespace quillon {
@@ -9,9 +10,9 @@ DateTime SystemClock::Now() const {
 }
 
 std::uint32_t SystemClock::Nanoseconds() const {
-    std::timespec now{};
-    std::timespec_get(&now, TIME_UTC);
-    return static_cast<std::uint32_t>(now.tv_nsec);
+    using namespace std::chrono;
+    const auto now = system_clock::now().time_since_epoch();
+    return static_cast<std::uint32_t>(duration_cast<nanoseconds>(now % seconds(1)).count());
 }
 
 }  // namespace quillon

@@ -2,13 +2,15 @@
 
 #include <cerrno>
 #include <string>
-#include <sys/stat.h>
 #include <system_error>
 
 namespace quillon {
 namespace {
 
 FailureNumber NumberOf(int error, FailureNumber missing) {
+#ifdef EDQUOT  // Not every system tells a quota from a full disk.
+    if (error == EDQUOT) return FailureNumber::DiskFull;
+#endif
     switch (error) {
         case ENOENT:
             return missing;
@@ -23,7 +25,6 @@ FailureNumber NumberOf(int error, FailureNumber missing) {
         case ETXTBSY:
             return FailureNumber::PermissionDenied;
         case ENOSPC:
-        case EDQUOT:
         case EFBIG:
             return FailureNumber::DiskFull;
         case EEXIST:
@@ -37,12 +38,19 @@ FailureNumber NumberOf(int error, FailureNumber missing) {
     }
 }
 
-const char* KindName(mode_t mode) {
-    if (S_ISDIR(mode)) return "a folder";
-    if (S_ISLNK(mode)) return "a symbolic link";
-    if (S_ISFIFO(mode)) return "a pipe";
-    if (S_ISSOCK(mode)) return "a socket";
-    return "a device";
+const char* KindName(LocalKind kind) {
+    switch (kind) {
+        case LocalKind::Folder:
+            return "a folder";
+        case LocalKind::Link:
+            return "a symbolic link";
+        case LocalKind::Pipe:
+            return "a pipe";
+        case LocalKind::Socket:
+            return "a socket";
+        default:
+            return "a device";
+    }
 }
 
 }  // namespace
@@ -57,9 +65,9 @@ Failure SystemFailure(int error, std::string_view path, FailureNumber missing) {
     return {number, concerning};
 }
 
-Failure NoFileFailure(mode_t mode, std::string_view path) {
+Failure NoFileFailure(LocalKind kind, std::string_view path) {
     return {FailureNumber::PermissionDenied,
-            std::string(path) + " (this is " + KindName(mode) + " and no file)"};
+            std::string(path) + " (this is " + KindName(kind) + " and no file)"};
 }
 
 }  // namespace quillon

@@ -1,9 +1,9 @@
 #pragma once
 
 #include <string_view>
-#include <sys/types.h>
 
 #include "platform/failure.h"
+#include "platform/portable/local_file.h"
 
 namespace quillon {
 
@@ -12,7 +12,7 @@ namespace quillon {
 Failure SystemFailure(int error, std::string_view path,
                       FailureNumber missing = FailureNumber::PathNotFound);
 
-/// PermissionDenied for what has a file's name and is none; `mode` says what it is.
-Failure NoFileFailure(mode_t mode, std::string_view path);
+/// PermissionDenied for what has a file's name and is none; `kind` says what it is.
+Failure NoFileFailure(LocalKind kind, std::string_view path);
 
 }  // namespace quillon

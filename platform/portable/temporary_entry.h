@@ -1,9 +1,9 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
-#include <sys/types.h>
 
 #include "platform/portable/file_handle.h"
 
@@ -20,9 +20,12 @@ struct TemporaryEntry {
 /// Makes an empty file, or a folder, with a free temporary name in a folder (local path, with the
 /// slash at its end). `shownPath` is the Windows path for failures. Who makes many files at once
 /// gives each another `number`, so that they need not be tried for a free name.
-TemporaryEntry MakeTemporaryFile(const std::string& folder, std::string_view shownPath, mode_t mode,
-                                 unsigned number = 0);
+TemporaryEntry MakeTemporaryFile(const std::string& folder, std::string_view shownPath,
+                                 std::uint32_t rights, unsigned number = 0);
 TemporaryEntry MakeTemporaryFolder(const std::string& folder, std::string_view shownPath);
+
+/// The temporary name of that number for an entry of this process.
+std::string TemporaryName(unsigned number);
 
 /// Whether a name is one of those.
 bool IsTemporaryName(std::string_view name);

@@ -53,10 +53,12 @@ void PortableTextBatch::Close() {
     std::map<std::string, std::optional<Failure>> folders;
     for (const Waiting& waiting : waiting_) {
         const auto [folder, isNew] = folders.try_emplace(waiting.file.Folder());
-        if (isNew) folder->second = FailureOf([&] { waiting.file.SyncFileSystem(); });
+        if (isNew && FlushTakesAll())
+            folder->second = FailureOf([&] { waiting.file.SyncFileSystem(); });
     }
     for (Waiting& waiting : waiting_) {
         std::optional<Failure> failure = folders.at(waiting.file.Folder());
+        if (!failure && !FlushTakesAll()) failure = FailureOf([&] { waiting.file.Sync(); });
         if (!failure) failure = FailureOf([&] { waiting.file.TakeName(); });
         if (!failure) index_.Added(waiting.local);
         done_(failure ? &*failure : nullptr);

@@ -27,7 +27,8 @@ class PortableTextBatch : public TextBatch {
   private:
     struct Waiting {
         Waiting(const std::string& path, const WindowsPath& shown, unsigned number)
-            : local(path), file(path, shown.Text(), SafeFile::Existing::Replace, 0666, number) {}
+            : local(path),
+              file(path, shown.Text(), SafeFile::Existing::Replace, NewFileRights, number) {}
 
         std::string local;
         SafeFile file;

@@ -1,15 +1,20 @@
 #include "platform/portable/file_handle.h"
 
+#include <array>
 #include <cerrno>
+#include <ctime>
 #include <memory>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "platform/portable/system_failure.h"
+#include "platform/posix/posix_facts.h"
 
 namespace quillon {
 
-FileHandle::~FileHandle() {
+void FileHandle::Close() noexcept {
     if (descriptor_ >= 0) close(descriptor_);
+    descriptor_ = -1;
 }
 
 std::size_t FileHandle::ReadAt(std::uint64_t position, std::span<std::uint8_t> buffer) const {
@@ -53,15 +58,52 @@ void FileHandle::WriteFrom(const FileHandle& source, std::uint64_t from) const {
     }
 }
 
-void FileHandle::SetModified(const std::timespec& modified) const {
-    const std::array<std::timespec, 2> times{std::timespec{0, UTIME_OMIT}, modified};
-    if (futimens(descriptor_, times.data()) != 0) throw SystemFailure(errno, shownPath_);
+void FileHandle::SetModified(const FileTime& modified) const {
+    if (const int error = TrySetModified(modified); error != 0)
+        throw SystemFailure(error, shownPath_);
 }
 
-struct stat FileHandle::Facts() const {
+FileFacts FileHandle::Facts() const {
     struct stat facts{};
     if (fstat(descriptor_, &facts) != 0) throw SystemFailure(errno, shownPath_);
-    return facts;
+    return FactsFrom(facts);
+}
+
+void FileHandle::TakeRightsOf(const FileFacts& other) const {
+    // Only the super-user may give a file away; for everyone else it is theirs already.
+    if (fchown(descriptor_, other.owner, other.group) != 0) errno = 0;
+    fchmod(descriptor_, other.rights);
+}
+
+int FileHandle::WriteAt(std::uint64_t position, std::span<const std::uint8_t> bytes) const {
+    while (!bytes.empty()) {
+        const ssize_t count =
+            pwrite(descriptor_, bytes.data(), bytes.size(), static_cast<off_t>(position));
+        if (count < 0 && errno != EINTR) return errno;
+        if (count == 0) return EIO;
+        if (count < 0) continue;
+        position += static_cast<std::uint64_t>(count);
+        bytes = bytes.subspan(static_cast<std::size_t>(count));
+    }
+    return 0;
+}
+
+int FileHandle::SetSize(std::uint64_t size) const {
+    return ftruncate(descriptor_, static_cast<off_t>(size)) == 0 ? 0 : errno;
+}
+
+int FileHandle::TrySetModified(const FileTime& modified) const {
+    const std::array<std::timespec, 2> times{std::timespec{0, UTIME_OMIT},
+                                             std::timespec{modified.seconds, modified.nanoseconds}};
+    return futimens(descriptor_, times.data()) == 0 ? 0 : errno;
+}
+
+int FileHandle::Flush() const {
+    return fsync(descriptor_) == 0 ? 0 : errno;
+}
+
+int FileHandle::FlushAll() const {
+    return syncfs(descriptor_) == 0 ? 0 : errno;
 }
 
 }  // namespace quillon
