@@ -11,6 +11,7 @@
 #include "backups/backup_names.h"
 #include "database/snapshot_file.h"
 #include "database/waiting_music.h"
+#include "platform/windows_path.h"
 #include "playlists/playlist_snapshot.h"
 #include "run/paths.h"
 
@@ -39,10 +40,6 @@ std::string NoteOriginal(const Settings& settings) {
     return settings.Nirvis_CDJ_DB + ".backup";
 }
 
-std::string FolderOf(std::string_view path) {
-    return std::string(path.substr(0, path.rfind('\\')));
-}
-
 BackupPart PartIn(const BackedUp& one) {
     if (one.path == &Settings::Nirvis_CDJ_DB) return BackupPart::Database;
     return one.path == &Settings::PlayListPath ? BackupPart::PlayListPath
@@ -66,7 +63,7 @@ void ChooseTime(Files& files, const StampTimes& times, DateTime now, BackupCopy&
 }
 
 std::vector<BackupCopy> CopiesOf(Files& files, const BackupOriginal& original, DateTime now) {
-    const std::string folder = FolderOf(original.path), beginning = folder + '\\';
+    const std::string folder(ParentFolder(original.path)), beginning = folder + '\\';
     const FolderNames names = files.NamesIn(folder);
     std::vector<BackupCopy> copies;
     for (const std::string& name : original.isFolder ? names.folders : names.files) {

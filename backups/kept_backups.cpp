@@ -11,6 +11,7 @@
 #include "backups/same_content.h"
 #include "platform/basic_text.h"
 #include "platform/host.h"
+#include "platform/windows_path.h"
 #include "run/log.h"
 #include "run/run.h"
 #include "run/steps.h"
@@ -90,7 +91,7 @@ bool CopyOriginals(Run& run, std::span<const BackupOriginal> originals, const st
 /// Removes a copy of a folder at once, write-protected lists in it included: first it gets a name
 /// that marks it as unfinished, so that half of it is never taken for a backup.
 void RemoveCopyOfFolder(Files& files, const std::string& folder) {
-    const std::string parent = folder.substr(0, folder.rfind('\\') + 1);
+    const std::string parent = std::string(ParentFolder(folder)) + '\\';
     std::string unfinished;
     for (int number = 0; unfinished.empty() || files.FolderExists(unfinished); ++number)
         unfinished = parent + ".quillon-0-" + std::to_string(number) + ".tmp";

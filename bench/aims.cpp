@@ -18,6 +18,8 @@ constexpr std::uint64_t MostSyncs = 20;
 constexpr double FasterThanMpdFresh = 6.0, TimesMpdUnchanged = 1.5;
 constexpr double TimesMdbSql = 1.0;
 constexpr double TimesSafeCopy = 1.05;
+// Times the run that is previewed.
+constexpr double Preview = 1.1;
 
 Aim TimesAtMost(std::string what, double figure, double most) {
     return {.what = std::move(what),
@@ -63,6 +65,16 @@ void AddWalkAims(std::vector<Aim>& aims, const Figures& f) {
     add("Unchanged", f.unchanged, Unchanged);
     add("Unchanged with comparison of tags", f.tags, TagsCompared);
     add("New", f.fresh, Fresh);
+}
+
+void AddPreviewAims(std::vector<Aim>& aims, const Figures& f) {
+    const auto add = [&](const char* kind, const Series& preview, const WayOfRunning& way) {
+        aims.push_back(
+            TimesAtMost(fmt::format("Preview, {}, {} tracks: times the run", kind, f.plan.tracks),
+                        preview.Typical() / way.processor.Typical(), Preview));
+    };
+    add("new", f.previewFresh, f.fresh);
+    add("unchanged", f.previewUnchanged, f.unchanged);
 }
 
 void AddGrowthAims(std::vector<Aim>& aims, const Figures& f) {
@@ -117,6 +129,7 @@ void AddPeerAims(std::vector<Aim>& aims, const Figures& f) {
 std::vector<Aim> Aims(const Figures& figures) {
     std::vector<Aim> aims;
     AddWalkAims(aims, figures);
+    AddPreviewAims(aims, figures);
     AddGrowthAims(aims, figures);
     AddMemoryAims(aims, figures);
     AddCountAims(aims, figures.unchanged.counts);

@@ -64,6 +64,13 @@ void HostFolder::AddCovers(const fs::path& music) const {
     }
 }
 
+Usage HostFolder::Preview() const {
+    constexpr int ThereAreChanges = 1;
+    const Usage used = RunProcess({program_, "preview", "--host", Path().string()});
+    if (used.exitStatus > ThereAreChanges) throw std::runtime_error("a preview has failed");
+    return used;
+}
+
 Usage HostFolder::Run(const Surroundings& surroundings, const std::string& view) const {
     const Usage used =
         RunToSuccess({program_, "run", "--host", Path().string(), "--view", view}, surroundings);

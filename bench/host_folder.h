@@ -45,6 +45,9 @@ class HostFolder {
     /// goes: dated copies would fill the disk.
     Usage Run(const Surroundings& surroundings = {}, const std::string& view = "plain") const;
 
+    /// What a run would do now. Throws when that cannot be found out.
+    Usage Preview() const;
+
   private:
     /// Replaces what stands in a file of the host folder between a line's beginning and its end.
     void Replace(std::string_view file, std::string_view begin, std::string_view value) const;

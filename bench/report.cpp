@@ -98,6 +98,8 @@ std::string TimeTable(const Figures& f) {
     add("Bare walk", f.walk);
     for (const NamedWay& named : Ways)
         add(named.name, (f.*named.way).processor);
+    add("Preview, new", f.previewFresh);
+    add("Preview, unchanged", f.previewUnchanged);
     if (f.mpdFresh) {
         add("MPD, new", *f.mpdFresh);
         add("MPD, unchanged", *f.mpdUnchanged);

@@ -79,7 +79,10 @@ class RatioStage {
     void Round(Figures& figures) {
         for (const NamedWay& named : Ways) {
             AddWalk(figures.walk, music_);
-            (figures.*named.way).processor.Add(HostOf(named)->Run());
+            const std::shared_ptr<const HostFolder> host = HostOf(named);
+            if (named.way == &Figures::fresh) figures.previewFresh.Add(host->Preview());
+            if (named.way == &Figures::unchanged) figures.previewUnchanged.Add(host->Preview());
+            (figures.*named.way).processor.Add(host->Run());
         }
         if (mpd_) AskMpd(figures);
     }

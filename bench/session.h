@@ -52,6 +52,7 @@ struct Figures {
     WayOfRunning fresh, unchanged;
     WayOfRunning tags;       ///< compared; the genre of each track is another in the database
     WayOfRunning equalTags;  ///< compared; all is the same
+    Series previewFresh, previewUnchanged;         ///< of the same libraries, right before the runs
     std::optional<Series> mpdFresh, mpdUnchanged;  ///< where it is installed
     std::optional<Pair> query;                     ///< the same with mdb-sql
     std::size_t addedFiles = 0;

@@ -35,6 +35,7 @@ class JournalledText : public TextWriter {
     void Write(std::string_view text) override;
     void WriteLine(std::string_view line) override;
     void WriteBytes(std::string_view bytes) override;
+    void SetModified(DateTime local) override { writer_->SetModified(local); }
     void Close() override;
     bool CloseIf(const std::function<bool()>& isWanted) override;
 

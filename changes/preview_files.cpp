@@ -83,12 +83,13 @@ std::unique_ptr<PreviewNode> PreviewFiles::Take(const WindowsPath& path) {
     return tree_.Take(path, kind, place.ground);
 }
 
-void PreviewFiles::PutWritten(const WindowsPath& path, std::string bytes) {
+void PreviewFiles::PutWritten(const WindowsPath& path, std::string bytes,
+                              std::optional<DateTime> modified) {
     auto node = std::make_unique<Node>();
     node->kind = Node::Kind::File;
     node->name = HasFile(path) ? GetFile(path.Text()).name : NameIn(path);
     node->content.added = std::make_shared<const std::string>(std::move(bytes));
-    node->modified = clock_.Now();
+    node->modified = modified.value_or(clock_.Now());
     tree_.Put(path, std::move(node));
 }
 
@@ -227,7 +228,9 @@ std::unique_ptr<BinaryReader> PreviewFiles::OpenBinary(std::string_view path) {
 std::unique_ptr<TextWriter> PreviewFiles::Writer(const WindowsPath& path) {
     RequireMayReplace(path);
     return std::make_unique<PreviewText>(
-        path.Text(), [this, path](std::string bytes) { PutWritten(path, std::move(bytes)); });
+        path.Text(), [this, path](std::string bytes, std::optional<DateTime> modified) {
+            PutWritten(path, std::move(bytes), modified);
+        });
 }
 
 std::unique_ptr<TextWriter> PreviewFiles::CreateText(std::string_view path) {

@@ -76,7 +76,8 @@ class PreviewFiles : public Files {
     void RequireMayReplace(const WindowsPath& path);
     std::unique_ptr<Node> FileNode(const WindowsPath& path);
     std::unique_ptr<Node> Take(const WindowsPath& path);
-    void PutWritten(const WindowsPath& path, std::string bytes);
+    void PutWritten(const WindowsPath& path, std::string bytes,
+                    std::optional<DateTime> modified = {});
     std::unique_ptr<TextWriter> Writer(const WindowsPath& path);
 
     Files& ground_;

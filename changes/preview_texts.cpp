@@ -23,7 +23,7 @@ bool PreviewText::CloseIf(const std::function<bool()>& isWanted) {
     if (!open_) return true;
     open_ = false;
     if (!isWanted()) return false;
-    written_(std::move(bytes_));
+    written_(std::move(bytes_), modified_);
     return true;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -14,7 +15,8 @@ namespace quillon {
 /// A text that is written into memory and handed over when it is closed.
 class PreviewText : public TextWriter {
   public:
-    using Written = std::function<void(std::string bytes)>;
+    /// With the time that the file is to have, if it is not the present one.
+    using Written = std::function<void(std::string bytes, std::optional<DateTime> modified)>;
 
     PreviewText(std::string shownPath, Written written)
         : shownPath_(std::move(shownPath)), written_(std::move(written)) {}
@@ -22,6 +24,7 @@ class PreviewText : public TextWriter {
     void Write(std::string_view text) override;
     void WriteLine(std::string_view line) override;
     void WriteBytes(std::string_view bytes) override;
+    void SetModified(DateTime local) override { modified_ = local; }
     void Close() override {
         CloseIf([] { return true; });
     }
@@ -31,6 +34,7 @@ class PreviewText : public TextWriter {
     std::string shownPath_;
     Written written_;
     std::string bytes_;
+    std::optional<DateTime> modified_;
     bool open_ = true;
 };
 

@@ -8,6 +8,7 @@
 
 #include "platform/basic_text.h"
 #include "platform/files.h"
+#include "platform/windows_path.h"
 #include "run/counted.h"
 #include "run/log.h"
 #include "run/paths.h"
@@ -44,8 +45,7 @@ std::string FolderOfSongs(Run& run, const AlbumRow& album) {
         if (first == nullptr || track->number.Value() < first->number.Value()) first = track;
     }
     if (first == nullptr) return "";
-    const std::string& path = first->soundFile.Text();
-    return path.substr(0, path.size() - std::min(path.size(), LastName(path).size() + 1));
+    return std::string(ParentFolder(first->soundFile.Text()));
 }
 
 /// The path of the best image in the folder; "" where it has none.

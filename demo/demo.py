@@ -16,6 +16,7 @@ sys.dont_write_bytecode = True
 import adding_story
 import cover_story
 import download_story
+import modern_story
 import picker_story
 import playlist_story
 import remote_story
@@ -27,7 +28,7 @@ import way_back_story
 from telling import WIDTH, Untrue, chapter, count, heading, require, say
 
 STORIES = (playlist_story, download_story, cover_story, adding_story, remote_story, picker_story,
-           verification_story, tag_story, way_back_story)
+           verification_story, tag_story, way_back_story, modern_story)
 
 TABLES = ("Albums", "Tracks", "Playlists", "Spinner", "SpinnerArtist", "SpinnerGenre",
           "SpinnerID3Differences")

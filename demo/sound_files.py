@@ -1,5 +1,5 @@
 """Makes small MP3 files that every player accepts: MPEG-1 Layer III frames of silence, and behind
-them, if wanted, an ID3 tag of version 1 or 1.1."""
+them, if wanted, an ID3 tag of version 1 or 1.1; before them one of version 2.3."""
 
 import os
 
@@ -28,6 +28,18 @@ def tag(song="", artist="", album="", year="", comment="", track=None, genre=255
     remarks = field(comment, 30) if track is None else field(comment, 28) + bytes([0, track])
     return (b"TAG" + field(song, 30) + field(artist, 30) + field(album, 30) + field(year, 4)
             + remarks + bytes([genre]))
+
+
+def tag2(frames):
+    """A tag of version 2.3, which comes before the sound: texts by the names of their frames."""
+
+    def frame(name, text):
+        content = b"\x01" + text.encode("utf-16")
+        return name.encode() + len(content).to_bytes(4, "big") + bytes(2) + content
+
+    content = b"".join(frame(name, text) for name, text in frames.items())
+    size = bytes(len(content) >> shift & 0x7F for shift in (21, 14, 7, 0))
+    return b"ID3" + bytes([3, 0, 0]) + size + content
 
 
 def write(path, content, modified=None):

@@ -91,6 +91,9 @@ class TextWriter {
     virtual void WriteLine(std::string_view line) = 0;
     /// Bytes as they are, in whatever code page.
     virtual void WriteBytes(std::string_view bytes) = 0;
+    /// The file is to have this time and not the present one. Where it cannot be given, it has the
+    /// present one.
+    virtual void SetModified(DateTime /*local*/) {}
     virtual void Close() = 0;
     /// The same if the answer is yes. It is asked for last, when all has been written and only the
     /// name is still to be taken. Otherwise nothing is left behind and the result is false.

@@ -65,6 +65,11 @@ std::string TakeRoot(std::string_view& text, std::string_view path) {
 
 }  // namespace
 
+std::string_view ParentFolder(std::string_view path) {
+    const std::size_t slash = path.rfind('\\');
+    return slash == std::string_view::npos ? std::string_view() : path.substr(0, slash);
+}
+
 std::string WindowsPath::Text() const {
     std::string text = root + '\\' + rest;
     std::replace(text.begin() + static_cast<std::ptrdiff_t>(root.size()), text.end(), '/', '\\');

@@ -24,6 +24,10 @@ struct WindowsPath {
 /// component that Windows cannot hold.
 WindowsPath ParseWindowsPath(std::string_view path);
 
+/// The folder that a path lies in, without the backslash at its end: `D:\Music` of
+/// `D:\Music\x.mp3`, `D:` of `D:\x.mp3`; "" where there is none. A view of the path.
+std::string_view ParentFolder(std::string_view path);
+
 /// The root that a drive table's line names: "D", "D:", "D:\" or `\\server\share`; nothing when it
 /// is anything else.
 std::optional<std::string> ParseRoot(std::string_view text);

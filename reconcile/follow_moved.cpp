@@ -12,6 +12,7 @@
 
 #include "database/album_key.h"
 #include "platform/basic_text.h"
+#include "platform/windows_path.h"
 #include "reconcile/move_matching.h"
 #include "reconcile/tracks.h"
 #include "run/log.h"
@@ -37,10 +38,6 @@ struct FoundFile {
 /// What tells one song from others.
 std::optional<SoundPrint> Telling(const SoundPrint& print) {
     return print.size > 0 ? std::optional(print) : std::nullopt;
-}
-
-std::string FolderOf(std::string_view path) {
-    return std::string(path.substr(0, path.rfind('\\')));
 }
 
 class Following {
@@ -324,10 +321,11 @@ class Following {
         const std::size_t count = exit.tracks.begin()->second;
         const std::string tracks = std::to_string(count) + (count == 1 ? " track: " : " tracks: ");
         const auto old = oldNames_.find(&album);
-        std::string places = FolderOf(from) + " -> " + FolderOf(to);
-        if (EqualIgnoringCase(FolderOf(from), FolderOf(to))) {
+        const std::string before(ParentFolder(from)), now(ParentFolder(to));
+        std::string places = before + " -> " + now;
+        if (EqualIgnoringCase(before, now)) {
             if (old == oldNames_.end()) {
-                places = NameOf(album) + ", files renamed in " + FolderOf(to);
+                places = NameOf(album) + ", files renamed in " + now;
             } else {
                 places = old->second + " -> " + NameOf(album);
             }

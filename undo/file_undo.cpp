@@ -7,6 +7,7 @@
 
 #include "changes/file_content.h"
 #include "platform/basic_text.h"
+#include "platform/windows_path.h"
 
 namespace quillon {
 namespace {
@@ -14,10 +15,6 @@ namespace {
 using Kind = FileChange::Kind;
 
 const Outcome WasSo{.state = Outcome::State::WasSo};
-
-std::string_view FolderOf(std::string_view path) {
-    return path.substr(0, std::min(path.rfind('\\'), path.size()));
-}
 
 std::string_view NameIn(std::string_view path) {
     return path.substr(path.rfind('\\') + 1);
@@ -115,6 +112,7 @@ Outcome FileUndo::WriteOver(const std::string& path, const FileContent& before,
                             const FileContent& after) {
     const std::unique_ptr<TextWriter> writer = files_.CreateText(path);
     writer->WriteBytes(*before.bytes);
+    if (before.modified) writer->SetModified(*before.modified);
     if (!writer->CloseIf([&] { return Holds(files_, path, after); })) return ChangedSince(path);
     return {};
 }
@@ -200,7 +198,7 @@ Outcome FileUndo::MoveBack(const FileChange& change) {
 /// Only letter case differs.
 Outcome FileUndo::SpellBack(const FileChange& change) {
     if (!files_.FileExists(change.target)) return Gone(change.target);
-    for (const FileEntry& entry : files_.FilesIn(FolderOf(change.target))) {
+    for (const FileEntry& entry : files_.FilesIn(ParentFolder(change.target))) {
         if (!EqualIgnoringCase(entry.name, NameIn(change.target))) continue;
         if (entry.name == NameIn(change.path)) return WasSo;
         if (entry.name != NameIn(change.target)) return ChangedSince(change.target);
@@ -220,6 +218,7 @@ Outcome FileUndo::PutDeletedBack(const FileChange& change) {
     MakeFoldersFor(change.path);
     const std::unique_ptr<TextWriter> writer = files_.CreateText(change.path);
     writer->WriteBytes(*change.before->bytes);
+    if (change.before->modified) writer->SetModified(*change.before->modified);
     writer->Close();
     return {};
 }
@@ -248,7 +247,7 @@ std::string FileUndo::KeptPath(const FileContent& content) const {
 }
 
 void FileUndo::MakeFoldersFor(std::string_view path) {
-    const std::string_view folder = FolderOf(path);
+    const std::string_view folder = ParentFolder(path);
     if (folder.empty() || IsDriveOrShare(folder) || files_.FolderExists(folder)) return;
     MakeFoldersFor(folder);
     files_.CreateFolder(folder);

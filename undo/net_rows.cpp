@@ -32,31 +32,63 @@ bool IsSame(const RowState& one, const RowState& other) {
 
 }  // namespace
 
+void AppendKeyField(std::string& text, std::string_view name, const Value& value) {
+    text += '\n';
+    text += name;
+    text += '=';
+    text += std::visit(TextOfValue(), value);
+}
+
 std::string KeyText(std::string_view table,
                     const std::vector<std::pair<std::string, Value>>& fields) {
     std::string text(table);
     for (const auto& [name, value] : fields)
-        text += '\n' + name + '=' + std::visit(TextOfValue(), value);
+        AppendKeyField(text, name, value);
     return text;
 }
 
-void NetRows::Add(const std::vector<ChangeRecord>& records) {
+FieldMap::Iterator FieldMap::find(std::string_view name) const {
+    const auto place = std::ranges::lower_bound(entries_, name, {}, &Entry::first);
+    return place != entries_.end() && place->first == name ? place : entries_.end();
+}
+
+std::vector<FieldMap::Entry>::iterator FieldMap::PlaceOf(std::string_view name) {
+    return std::ranges::lower_bound(entries_, name, {}, &Entry::first);
+}
+
+void FieldMap::Set(const std::string& name, const Value& value) {
+    const auto place = PlaceOf(name);
+    if (place != entries_.end() && place->first == name) {
+        place->second = value;
+    } else {
+        entries_.emplace(place, name, value);
+    }
+}
+
+void FieldMap::SetIfNew(const std::string& name, const Value& value) {
+    const auto place = PlaceOf(name);
+    if (place == entries_.end() || place->first != name) entries_.emplace(place, name, value);
+}
+
+void NetRows::StartRun() {
     ++run_;
     // What the run before did not save may be lost: nothing that comes later saves it.
     for (const std::size_t number : waiting_)
         entries_[number].waits = false;
     waiting_.clear();
-    for (const ChangeRecord& record : records) {
-        if (const auto* const change = std::get_if<RowChange>(&record)) Note(*change);
-        if (std::holds_alternative<RowsSaved>(record)) Save();
-    }
+}
+
+void NetRows::Add(const ChangeRecord& record) {
+    if (const auto* const change = std::get_if<RowChange>(&record)) Note(*change);
+    if (std::holds_alternative<RowsSaved>(record)) Save();
 }
 
 void NetRows::Note(const RowChange& change) {
-    Entry& entry = EntryFor(change);
+    const std::size_t number = EntryFor(change);
+    Entry& entry = entries_[number];
     const std::string keyBefore = KeyText(change.table, entry.row.now.key);
+    if (!entry.row.saved) entry.row.saved = entry.row.now;
     Apply(entry, change);
-    const auto number = static_cast<std::size_t>(&entry - entries_.data());
     const std::string keyNow = KeyText(change.table, entry.row.now.key);
     if (keyNow != keyBefore) {
         std::erase(byKey_[keyBefore], number);
@@ -69,32 +101,36 @@ void NetRows::Note(const RowChange& change) {
 
 /// Of several rows with one key, which a table without a primary key can have, one that this can
 /// have happened to.
-NetRows::Entry& NetRows::EntryFor(const RowChange& change) {
+std::size_t NetRows::EntryFor(const RowChange& change) {
     const bool isAdded = change.kind == RowChange::Kind::Added;
     std::vector<std::size_t>& known = byKey_[KeyText(change.table, change.key)];
     const auto fits = [&](std::size_t number) {
         const Entry& entry = entries_[number];
         // What an earlier run did not save may not have happened.
-        const bool isSure = entry.run == run_ || entry.row.now.exists == entry.row.saved.exists;
+        const bool isSure = entry.run == run_ || !entry.row.saved ||
+                            entry.row.now.exists == entry.row.saved->exists;
         return !isSure || entry.row.now.exists != isAdded;
     };
     const auto found = std::ranges::find_if(known, fits);
-    if (found != known.end()) return entries_[*found];
+    if (found != known.end()) return *found;
 
     const RowState state{.exists = !isAdded, .key = change.key, .fields = {}};
     known.push_back(entries_.size());
     entries_.push_back(
-        {.row = {.table = change.table, .before = state, .now = state, .saved = state}});
-    return entries_.back();
+        {.row = {.table = change.table, .before = state, .now = state, .saved = {}}});
+    return entries_.size() - 1;
 }
 
 void NetRows::Apply(Entry& entry, const RowChange& change) {
     NetRow& row = entry.row;
+    if (row.now.fields.empty()) row.now.fields.Reserve(change.fields.size());
+    if (row.before.exists && row.before.fields.empty())
+        row.before.fields.Reserve(change.fields.size());
     for (const FieldChange& field : change.fields) {
         // A field that has not been seen before was this all the time.
-        if (row.before.exists) row.before.fields.try_emplace(field.field, field.before);
-        if (row.saved.exists) row.saved.fields.try_emplace(field.field, field.before);
-        row.now.fields[field.field] = field.after;
+        if (row.before.exists) row.before.fields.SetIfNew(field.field, field.before);
+        if (row.saved && row.saved->exists) row.saved->fields.SetIfNew(field.field, field.before);
+        row.now.fields.Set(field.field, field.after);
         if (change.kind == RowChange::Kind::Changed) PutKey(row.now, field);
     }
     row.now.exists = change.kind != RowChange::Kind::Removed;
@@ -103,22 +139,22 @@ void NetRows::Apply(Entry& entry, const RowChange& change) {
 
 void NetRows::Save() {
     for (const std::size_t number : waiting_) {
-        entries_[number].row.saved = entries_[number].row.now;
+        entries_[number].row.saved.reset();
         entries_[number].waits = false;
     }
     waiting_.clear();
 }
 
 std::vector<NetRow> NetRows::Take() {
+    byKey_ = {};
+    waiting_ = {};
     std::vector<NetRow> rows;
-    for (Entry& entry : entries_) {
-        NetRow& row = entry.row;
-        if (IsSame(row.now, row.before) && IsSame(row.saved, row.before)) continue;
+    rows.reserve(entries_.size());
+    for (; !entries_.empty(); entries_.pop_front()) {
+        NetRow& row = entries_.front().row;
+        if (IsSame(row.now, row.before) && (!row.saved || IsSame(*row.saved, row.before))) continue;
         rows.push_back(std::move(row));
     }
-    entries_.clear();
-    byKey_.clear();
-    waiting_.clear();
     return rows;
 }
 

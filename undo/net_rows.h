@@ -1,7 +1,8 @@
 #pragma once
 
 #include <cstddef>
-#include <map>
+#include <deque>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -12,11 +13,38 @@
 
 namespace quillon {
 
+/// Values of fields, by their names. There may be some hundred thousand of these.
+class FieldMap {
+  public:
+    using Entry = std::pair<std::string, Value>;
+    using Iterator = std::vector<Entry>::const_iterator;
+
+    Iterator begin() const { return entries_.begin(); }
+    Iterator end() const { return entries_.end(); }
+    bool empty() const { return entries_.empty(); }
+    std::size_t size() const { return entries_.size(); }
+    Iterator find(std::string_view name) const;
+    /// The field is there.
+    const Value& at(std::string_view name) const { return find(name)->second; }
+    void Set(const std::string& name, const Value& value);
+    /// Room for so many fields, and no more than that.
+    void Reserve(std::size_t count) { entries_.reserve(count); }
+    /// Leaves a field that is there already as it is.
+    void SetIfNew(const std::string& name, const Value& value);
+    void clear() { std::vector<Entry>().swap(entries_); }
+    bool operator==(const FieldMap&) const = default;
+
+  private:
+    std::vector<Entry>::iterator PlaceOf(std::string_view name);
+
+    std::vector<Entry> entries_;  ///< in the order of their names
+};
+
 /// A row at one moment, as far as it is known.
 struct RowState {
     bool exists = false;
     std::vector<std::pair<std::string, Value>> key;  ///< as `RowChange::key`
-    std::map<std::string, Value> fields;             ///< those that have changed at some time
+    FieldMap fields;                                 ///< those that have changed at some time
     bool operator==(const RowState&) const = default;
 };
 
@@ -24,17 +52,20 @@ struct RowState {
 struct NetRow {
     std::string table;
     RowState before;  ///< the runs
-    /// Since then; `saved` as far as the database was saved: a run that was killed may have got as
+    RowState now;     ///< since then
+    /// As far as the database was saved, where that is less: a run that was killed may have got as
     /// far as either.
-    RowState now, saved;
+    std::optional<RowState> saved;
 };
 
 /// Puts the changes of rows together, from the oldest run to the newest: changes that take each
 /// other back leave nothing. Follows rows whose keys change.
 class NetRows {
   public:
-    /// One run's records, in their order.
-    void Add(const std::vector<ChangeRecord>& records);
+    /// To be called before the first record of each run.
+    void StartRun();
+    /// One of its records, in their order.
+    void Add(const ChangeRecord& record);
 
     /// The rows that are, or may be, another than before, in the order of their first change.
     std::vector<NetRow> Take();
@@ -47,15 +78,18 @@ class NetRows {
     };
 
     void Note(const RowChange& change);
-    Entry& EntryFor(const RowChange& change);
+    std::size_t EntryFor(const RowChange& change);
     void Apply(Entry& entry, const RowChange& change);
     void Save();
 
-    std::vector<Entry> entries_;
+    std::deque<Entry> entries_;
     std::unordered_map<std::string, std::vector<std::size_t>> byKey_;  ///< present keys
     std::vector<std::size_t> waiting_;
     std::size_t run_ = 0;
 };
+
+/// Appends a field's name and value, so that texts differ where any value does.
+void AppendKeyField(std::string& text, std::string_view name, const Value& value);
 
 /// A table and values of its fields as one text, which differs where any of them does.
 std::string KeyText(std::string_view table,

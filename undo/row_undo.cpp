@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <map>
 #include <set>
 #include <unordered_map>
 #include <utility>
@@ -20,12 +19,16 @@ class PresentRows {
   public:
     struct Row {
         RowKey key{};
-        std::map<std::string, Value> fields;
+        std::vector<const RowState*> met;  ///< the states of this key that it is in
+        FieldMap fields = {};              ///< of a row that is in none
         bool isTaken = false;
+
+        bool IsAs(const RowState& state) const { return std::ranges::count(met, &state) > 0; }
     };
 
+    /// The state must outlive this object.
     void Want(std::string_view table, const RowState& state) {
-        wanted_[KeyText(table, state.key)];
+        wanted_[KeyText(table, state.key)].states.push_back(&state);
         if (keyFields_.empty()) {
             for (const auto& [name, value] : state.key)
                 keyFields_.push_back(name);
@@ -39,36 +42,52 @@ class PresentRows {
     void Read(Connection& connection, std::string_view table) {
         const std::vector<std::string> names(fields_.begin(), fields_.end());
         const std::vector<std::string_view> fields(names.begin(), names.end());
-        std::vector<std::size_t> keyPlaces;
         std::vector<std::pair<std::string, Value>> key;
-        for (const std::string& name : keyFields_) {
-            keyPlaces.push_back(
-                static_cast<std::size_t>(std::ranges::find(names, name) - names.begin()));
+        for (const std::string& name : keyFields_)
             key.emplace_back(name, Null());
-        }
         connection.Scan(table, fields, [&](RowKey row, std::span<const Value> values) {
-            for (std::size_t i = 0; i < key.size(); ++i)
-                key[i].second = values[keyPlaces[i]];
+            for (auto& [name, value] : key)
+                value = values[PlaceIn(names, name)];
             const auto found = wanted_.find(KeyText(table, key));
-            if (found == wanted_.end()) return;
-            Row& kept = found->second.emplace_back(Row{.key = row, .fields = {}});
-            for (std::size_t i = 0; i < names.size(); ++i)
-                kept.fields.emplace(names[i], values[i]);
+            if (found != wanted_.end()) Keep(found->second, row, names, values);
         });
     }
 
-    /// The rows with a state's key that no other step is about.
-    std::vector<Row*> With(std::string_view table, const RowState& state) {
+    /// The rows with a key that no other step is about.
+    std::vector<Row*> With(std::string_view table,
+                           const std::vector<std::pair<std::string, Value>>& key) {
         std::vector<Row*> free;
-        for (Row& row : wanted_[KeyText(table, state.key)])
+        for (Row& row : wanted_[KeyText(table, key)].rows)
             if (!row.isTaken) free.push_back(&row);
         return free;
     }
 
   private:
+    struct Wanted {
+        std::vector<const RowState*> states;
+        std::vector<Row> rows;
+    };
+
+    static std::size_t PlaceIn(const std::vector<std::string>& names, std::string_view name) {
+        return static_cast<std::size_t>(std::ranges::lower_bound(names, name) - names.begin());
+    }
+    static void Keep(Wanted& wanted, RowKey key, const std::vector<std::string>& names,
+                     std::span<const Value> values) {
+        Row& row = wanted.rows.emplace_back(Row{.key = key, .met = {}});
+        for (const RowState* const state : wanted.states) {
+            const bool isMet = std::ranges::all_of(state->fields, [&](const auto& field) {
+                return values[PlaceIn(names, field.first)] == field.second;
+            });
+            if (state->exists && isMet) row.met.push_back(state);
+        }
+        if (!row.met.empty()) return;
+        for (std::size_t i = 0; i < names.size(); ++i)
+            row.fields.Set(names[i], values[i]);
+    }
+
     std::set<std::string> fields_;
     std::vector<std::string> keyFields_;
-    std::unordered_map<std::string, std::vector<Row>> wanted_;
+    std::unordered_map<std::string, Wanted> wanted_;
 };
 
 std::string ShownText(const Value& value) {
@@ -87,24 +106,19 @@ std::string ShownText(const Value& value) {
 std::optional<std::string> DifferingField(const PresentRows::Row& row, const RowState& state) {
     for (const auto& [name, value] : state.fields) {
         const auto found = row.fields.find(name);
-        if (found == row.fields.end() || found->second != value) return name;
+        if (found != row.fields.end() && found->second != value) return name;
     }
     return std::nullopt;
 }
 
-PresentRows::Row* FindAs(PresentRows& rows, std::string_view table, const RowState& state) {
-    for (PresentRows::Row* const row : rows.With(table, state))
-        if (!DifferingField(*row, state)) return row;
-    return nullptr;
-}
-
 Outcome ChangedSince(PresentRows& rows, const NetRow& row) {
-    const std::vector<PresentRows::Row*> there = rows.With(row.table, row.now);
+    const std::vector<PresentRows::Row*> there = rows.With(row.table, row.now.key);
     if (there.empty()) return Outcome::Refusal("it has been removed since");
     if (!row.now.exists) return Outcome::Refusal("there is a row with its key again");
-    const std::string field = DifferingField(*there.front(), row.now).value_or("");
-    return Outcome::Refusal(field + " has been changed since, to " +
-                            ShownText(there.front()->fields[field]));
+    const std::optional<std::string> field = DifferingField(*there.front(), row.now);
+    if (!field) return Outcome::Refusal("it has been changed since");
+    return Outcome::Refusal(*field + " has been changed since, to " +
+                            ShownText(there.front()->fields.at(*field)));
 }
 
 /// What leads from one state to another.
@@ -116,24 +130,36 @@ Work WorkFor(const RowState& now, const RowState& before) {
 /// Whether the table is as the state says; the row that shows it, where there is one.
 std::pair<bool, PresentRows::Row*> Meets(PresentRows& rows, std::string_view table,
                                          const RowState& state) {
-    if (!state.exists) return {rows.With(table, state).empty(), nullptr};
-    PresentRows::Row* const row = FindAs(rows, table, state);
-    return {row != nullptr, row};
+    const std::vector<PresentRows::Row*> there = rows.With(table, state.key);
+    if (!state.exists) return {there.empty(), nullptr};
+    const auto found = std::ranges::find_if(
+        there, [&state](const PresentRows::Row* row) { return row->IsAs(state); });
+    return {found != there.end(), found == there.end() ? nullptr : *found};
+}
+
+/// A row that was not there is gone when nothing has the key that it got.
+std::pair<bool, PresentRows::Row*> IsAsBefore(PresentRows& rows, const NetRow& row) {
+    if (row.before.exists) return Meets(rows, row.table, row.before);
+    return {rows.With(row.table, row.now.key).empty(), nullptr};
+}
+
+/// How far a run may have got with the row.
+std::vector<const RowState*> StatesSince(const NetRow& row) {
+    std::vector<const RowState*> states{&row.now};
+    if (row.saved) states.push_back(&*row.saved);
+    return states;
 }
 
 void Decide(PresentRows& rows, Step& step) {
     const NetRow& row = *step.row;
-    RowState gone = row.before;
-    // A row that was not there is gone when nothing has the key that it got.
-    if (!gone.exists) gone.key = row.now.key;
     const auto take = [](PresentRows::Row* present) {
         if (present != nullptr) present->isTaken = true;
     };
-    if (const auto [isMet, present] = Meets(rows, row.table, gone); isMet) {
+    if (const auto [isMet, present] = IsAsBefore(rows, row); isMet) {
         step.outcome = {.state = Outcome::State::WasSo};
         return take(present);
     }
-    for (const RowState* const state : {&row.now, &row.saved}) {
+    for (const RowState* const state : StatesSince(row)) {
         const auto [isMet, present] = Meets(rows, row.table, *state);
         if (!isMet) continue;
         step.work = WorkFor(*state, row.before);
@@ -186,10 +212,11 @@ std::unordered_set<std::string> TextsOfRefused(std::span<const Step> steps) {
     return texts;
 }
 
-std::string NameOf(const NetRow& row) {
+std::string NameOf(const NetRow& row, const std::string& called) {
     std::string name = "row of " + row.table;
     const RowState& state = row.before.exists ? row.before : row.now;
     if (state.key.size() == 1) name += ' ' + ShownText(state.key.front().second);
+    if (!called.empty()) return name + " (" + called + ')';
     for (const char* const field : {"Title", "Song", "Artist"}) {
         const auto found = state.fields.find(field);
         if (found == state.fields.end() || IsNull(found->second)) continue;
@@ -198,8 +225,7 @@ std::string NameOf(const NetRow& row) {
     return name;
 }
 
-RowUndo::RowUndo(Connection& connection, std::span<const NetRow> rows, const StaysAt& stays)
-    : connection_(connection) {
+RowUndo::RowUndo(Connection& connection, std::span<const NetRow> rows) : connection_(connection) {
     std::set<std::string> tables;
     steps_.reserve(rows.size());
     for (const NetRow& row : rows) {
@@ -207,23 +233,27 @@ RowUndo::RowUndo(Connection& connection, std::span<const NetRow> rows, const Sta
         tables.insert(row.table);
     }
     for (const std::string& table : tables)
-        LookAtTable(table, stays);
+        LookAtTable(table);
 }
 
-void RowUndo::LookAtTable(std::string_view table, const StaysAt& stays) {
+void RowUndo::LookAtTable(std::string_view table) {
     PresentRows rows;
     for (const Step& step : steps_) {
         if (step.row->table != table) continue;
-        for (const RowState* const state : {&step.row->before, &step.row->now, &step.row->saved})
+        rows.Want(table, step.row->before);
+        for (const RowState* const state : StatesSince(*step.row))
             rows.Want(table, *state);
     }
     rows.Read(connection_, table);
+    for (Step& step : steps_)
+        if (step.row->table == table) Decide(rows, step);
+}
+
+void RowUndo::HoldBack(const StaysAt& stays) {
     for (Step& step : steps_) {
-        if (step.row->table != table) continue;
-        Decide(rows, step);
-        if (step.work == Work::None || !NamesFileThatStays(*step.row, stays)) continue;
-        step.work = Work::None;
-        step.outcome = Outcome::Refusal("its file stays as it is");
+        if (step.work == Work::None) continue;
+        step.isHeldBack = NamesFileThatStays(*step.row, stays);
+        step.outcome = step.isHeldBack ? Outcome::Refusal("its file stays as it is") : Outcome{};
     }
 }
 
@@ -232,7 +262,7 @@ void RowUndo::CarryOut(const Attempt& attempt) {
     for (const Work work : {Work::Delete, Work::Update, Work::Insert}) {
         std::vector<Step*> left;
         for (Step& step : steps_)
-            if (step.work == work) left.push_back(&step);
+            if (step.work == work && step.IsToDo()) left.push_back(&step);
         DoAll(left, attempt);
         if (work != Work::Update || left.empty()) continue;
         StepAside(left, attempt);

@@ -24,15 +24,21 @@ class RowUndo {
         const NetRow* row = nullptr;
         Work work = Work::None;
         RowKey key{};  ///< of the row that is updated or deleted
+        bool isHeldBack = false;
         Outcome outcome = {};
+
+        bool IsToDo() const { return work != Work::None && !isHeldBack; }
     };
 
     /// Whether a path is that of a file that stays as it is now.
     using StaysAt = std::function<bool(std::string_view path)>;
 
-    /// Looks at the rows and decides; changes nothing. Rows that name a file which stays do so,
-    /// too. `rows` and the connection must outlive this object. Throws Failure.
-    RowUndo(Connection& connection, std::span<const NetRow> rows, const StaysAt& stays);
+    /// Looks at the rows and decides; changes nothing. `rows` and the connection must outlive this
+    /// object. Throws Failure.
+    RowUndo(Connection& connection, std::span<const NetRow> rows);
+
+    /// Rows that name a file which stays do so, too. What an earlier call said counts no more.
+    void HoldBack(const StaysAt& stays);
 
     const std::vector<Step>& Steps() const { return steps_; }
 
@@ -41,7 +47,7 @@ class RowUndo {
     void CarryOut(const Attempt& attempt);
 
   private:
-    void LookAtTable(std::string_view table, const StaysAt& stays);
+    void LookAtTable(std::string_view table);
     /// Does these until none of those left can be done; leaves them.
     void DoAll(std::vector<Step*>& left, const Attempt& attempt);
     bool Do(Step& step, const Attempt& attempt);
@@ -58,7 +64,8 @@ class RowUndo {
 /// letters.
 std::unordered_set<std::string> TextsOfRefused(std::span<const RowUndo::Step> steps);
 
-/// How a row is named to a person: "Tracks 5".
-std::string NameOf(const NetRow& row);
+/// How a row is named to a person: "row of Tracks 5", with what people call it where that is known,
+/// and else a text that the row tells of itself.
+std::string NameOf(const NetRow& row, const std::string& called = "");
 
 }  // namespace quillon

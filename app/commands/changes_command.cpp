@@ -1,10 +1,10 @@
 #include "app/commands/changes_command.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <fmt/format.h>
+#include <optional>
 #include <ostream>
-#include <set>
-#include <span>
 
 #include "app/journal/change_text.h"
 #include "app/journal/journal_file.h"
@@ -76,33 +76,46 @@ bool IsUndone(LocalHost& local, const FileChange& change) {
     }
 }
 
-/// The records, by place, that a run had planned and not done when it was killed: rows that were
-/// not saved, and the last file where nothing has been noted behind it.
-std::set<std::size_t> PlannedOnly(LocalHost& local, const JournalContent& journal) {
-    std::set<std::size_t> planned;
-    if (journal.IsWhole()) return planned;
-    const std::vector<ChangeRecord>& records = journal.records;
-    for (std::size_t i = records.size(); i-- > 0;) {
-        if (std::holds_alternative<RowsSaved>(records[i])) break;
-        if (std::holds_alternative<RowChange>(records[i])) planned.insert(i);
+/// What a run had planned and not done when it was killed, by the places of its records: rows that
+/// were not saved, and the last file where nothing has been noted behind it.
+struct PlannedOnly {
+    std::size_t rowsFrom = SIZE_MAX, file = SIZE_MAX;
+
+    bool Has(std::size_t place, const ChangeRecord& record) const {
+        return place == file || (place >= rowsFrom && std::holds_alternative<RowChange>(record));
     }
-    const auto* const last = records.empty() ? nullptr : std::get_if<FileChange>(&records.back());
-    if (last != nullptr && IsUndone(local, *last)) planned.insert(records.size() - 1);
+};
+
+PlannedOnly PlannedIn(LocalHost& local, const std::filesystem::path& journal) {
+    PlannedOnly planned{.rowsFrom = 0};
+    std::size_t count = 0;
+    std::optional<FileChange> last;
+    const bool isWhole = VisitJournal(journal, [&](ChangeRecord&& record) {
+                             ++count;
+                             if (std::holds_alternative<RowsSaved>(record))
+                                 planned.rowsFrom = count;
+                             const auto* const file = std::get_if<FileChange>(&record);
+                             last = file == nullptr ? std::nullopt : std::optional(*file);
+                         }).isWhole;
+    if (isWhole) return {};
+    if (last && IsUndone(local, *last)) planned.file = count - 1;
     return planned;
 }
 
-void ShowAsJson(std::ostream& out, const JournalContent& journal,
-                const std::set<std::size_t>& planned) {
-    for (std::size_t i = 0; i < journal.records.size(); ++i) {
-        std::string line = ToLine(journal.records[i]);
-        if (planned.contains(i)) line.insert(line.size() - 1, R"(,"plannedNotDone":true)");
+JournalContent ShowAsJson(std::ostream& out, const std::filesystem::path& journal,
+                          const PlannedOnly& planned) {
+    std::size_t place = 0;
+    JournalContent content = VisitJournal(journal, [&](ChangeRecord&& record) {
+        std::string line = ToLine(record);
+        if (planned.Has(place++, record)) line.insert(line.size() - 1, R"(,"plannedNotDone":true)");
         out << line << '\n';
-    }
-    for (const DamagedPlace& place : journal.damaged) {
-        out << fmt::format(R"({{"record":"damaged","line":{},"cutShort":{}}})", place.line,
-                           place.isCutShort)
+    });
+    for (const DamagedPlace& damaged : content.damaged) {
+        out << fmt::format(R"({{"record":"damaged","line":{},"cutShort":{}}})", damaged.line,
+                           damaged.isCutShort)
             << '\n';
     }
+    return content;
 }
 
 /// "" where the settings name none that can be found.
@@ -115,27 +128,32 @@ std::filesystem::path DatabaseOf(LocalHost& local) {
 }
 
 /// With the names that rows have now.
-std::string TextOf(std::span<const ChangeRecord> records, const std::filesystem::path& database) {
-    const NetChanges changes = NetChangesOf(records);
+std::string TextOf(const NetChanges& changes, const std::filesystem::path& database) {
     const RowNames names(database, changes.rows);
     return ChangeText(changes,
                       {.nameOf = [&names](const RowChange& row) { return names.Of(row); }});
 }
 
-void Show(std::ostream& out, const PastRun& run, const JournalContent& journal,
-          const std::set<std::size_t>& planned, const std::filesystem::path& database) {
-    std::vector<ChangeRecord> done, notDone;
-    for (std::size_t i = 0; i < journal.records.size(); ++i)
-        (planned.contains(i) ? notDone : done).push_back(journal.records[i]);
+JournalContent Show(std::ostream& out, const PastRun& run, const std::filesystem::path& journal,
+                    const PlannedOnly& planned, const std::filesystem::path& database) {
+    NetChangesCollector done, notDone;
+    std::vector<ChangeRecord> log;
+    std::size_t place = 0;
+    JournalContent content = VisitJournal(journal, [&](ChangeRecord&& record) {
+        (planned.Has(place++, record) ? notDone : done).Add(record);
+        if (std::holds_alternative<LogLine>(record)) log.push_back(std::move(record));
+    });
     out << OneLine(
                fmt::format("Run {}, {}: {}", run.started.stamp, run.started.mode, OutcomeText(run)))
         << '\n';
     if (run.IsUndo()) out << OneLine("It takes back " + run.started.undoes) << '\n';
-    const std::string changes = TextOf(done, database);
+    const std::string changes = TextOf(done.Take(), database);
+    const std::string others = TextOf(notDone.Take(), database);
     out << '\n' << (changes.empty() ? "Nothing was changed.\n" : changes);
-    if (!notDone.empty()) out << "\nPlanned, not done:\n\n" << TextOf(notDone, database);
-    const std::string log = LogText(journal.records);
-    if (!log.empty()) out << '\n' << log;
+    if (!others.empty()) out << "\nPlanned, not done:\n\n" << others;
+    const std::string logged = LogText(log);
+    if (!logged.empty()) out << '\n' << logged;
+    return content;
 }
 
 void TellDamage(std::ostream& err, const JournalContent& journal,
@@ -171,13 +189,11 @@ int Changes(const ChangesRequest& request, Console console) {
         return DoneStatus;
     }
     const std::size_t run = Chosen(history, request.run);
-    const JournalContent journal = ReadJournal(journals[run]);
-    const std::set<std::size_t> planned = PlannedOnly(local, journal);
-    if (request.json) {
-        ShowAsJson(console.out, journal, planned);
-    } else {
-        Show(console.out, history.Runs()[run], journal, planned, DatabaseOf(local));
-    }
+    const PastRun& past = history.Runs()[run];
+    const PlannedOnly planned = past.ended ? PlannedOnly() : PlannedIn(local, journals[run]);
+    const JournalContent journal =
+        request.json ? ShowAsJson(console.out, journals[run], planned)
+                     : Show(console.out, past, journals[run], planned, DatabaseOf(local));
     TellDamage(console.err, journal, journals[run]);
     const bool isDamaged = std::ranges::any_of(
         journal.damaged, [](const DamagedPlace& place) { return !place.isCutShort; });

@@ -33,12 +33,29 @@
 namespace quillon {
 namespace {
 
-class RecordsInMemory : public ChangeSink {
+/// What a preview tells of. For a program each record is printed as it comes.
+class PreviewSink : public ChangeSink {
   public:
-    void Note(const ChangeRecord& record) override { records.push_back(record); }
+    /// `out` is null where a person is told.
+    explicit PreviewSink(std::ostream* out) : out_(out) {}
+
+    void Note(const ChangeRecord& record) override {
+        if (out_ != nullptr) *out_ << lines_.Of(record) << '\n';
+        net_.Add(record);
+        if (std::holds_alternative<ModeChosen>(record) || std::holds_alternative<LogLine>(record))
+            remarks_.push_back(record);
+    }
     void MakeDurable() override {}
 
-    std::vector<ChangeRecord> records;
+    NetChanges TakeChanges() { return net_.Take(); }
+    /// The mode, and the log.
+    const std::vector<ChangeRecord>& Remarks() const { return remarks_; }
+
+  private:
+    std::ostream* out_;
+    JournalLines lines_;
+    NetChangesCollector net_;
+    std::vector<ChangeRecord> remarks_;
 };
 
 /// The host, whose log takes nothing.
@@ -97,7 +114,7 @@ void TellBrake(bool braked, std::ostream& out) {
            "removals are right, 'quillon preview --allow-removals' shows all of them.\n\n";
 }
 
-void Tell(const std::vector<ChangeRecord>& records, const NetChanges& changes,
+void Tell(const std::vector<ChangeRecord>& records, const NetChanges& changes, bool isBraked,
           const std::filesystem::path& database, std::ostream& out) {
     const RowNames names(database, changes.rows);
     const ChangeTextOptions options{
@@ -106,7 +123,7 @@ void Tell(const std::vector<ChangeRecord>& records, const NetChanges& changes,
         if (const auto* const mode = std::get_if<ModeChosen>(&record); mode && !mode->mode.empty())
             out << fmt::format("A run would now: {}\n\n", OneLine(mode->mode));
     }
-    TellBrake(std::get<RunEnded>(records.back()).braked, out);
+    TellBrake(isBraked, out);
     const std::string text = ChangeText(changes, options), log = LogText(records, options);
     out << text << (text.empty() || log.empty() ? "" : "\n") << log;
     if (!text.empty() || !log.empty()) out << '\n';
@@ -134,7 +151,7 @@ int PreviewRun(const PreviewRequest& request, Console console) {
         if (kind == LogKind::Error) return LogError(*current, LogSource, message);
         WriteLog(*current, LogSource, message);
     });
-    RecordsInMemory sink;
+    PreviewSink sink(request.json ? &console.out : nullptr);
     const std::string stamp = FreeStamp(ChangesFolder(local.host.Folder()), local.clock);
     sink.Note(RunStarted{
         .stamp = stamp, .version = std::string(ProgramVersion), .mode = "", .undoes = ""});
@@ -165,21 +182,17 @@ int PreviewRun(const PreviewRequest& request, Console console) {
         if (const std::string objection = ObjectionTo(database); !objection.empty())
             sink.Note(LogLine{true, "A run would not get the database now: " + objection});
     }
-    const NetChanges changes = NetChangesOf(sink.records);
+    const NetChanges changes = sink.TakeChanges();
     const int status = outcome != RunOutcome::Completed ? RefusedStatus
                        : ChangesLibrary(changes)        ? FaultsFoundStatus
                                                         : DoneStatus;
+    const bool isBraked = run.Report().braked;
     sink.Note(RunEnded{.outcome = OutcomeWord(outcome),
                        .status = status,
-                       .braked = run.Report().braked,
+                       .braked = isBraked,
                        .duration = view.Elapsed()});
-    if (request.json) {
-        JournalLines lines;
-        for (const ChangeRecord& record : sink.records)
-            console.out << lines.Of(record) << '\n';
-        return status;
-    }
-    Tell(sink.records, changes, database, console.out);
+    if (request.json) return status;
+    Tell(sink.Remarks(), changes, isBraked, database, console.out);
     TellVerdict(status, console.out);
     return status;
 }

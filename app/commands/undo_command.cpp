@@ -32,7 +32,9 @@ void ShowPlan(std::ostream& out, const UndoWork& work, const UndoWork::Result& p
     out << "This would be taken back, the last run first:\n";
     for (const PastRun& run : work.Runs())
         out << OneLine(fmt::format("  {}  {}", run.started.stamp, run.started.mode)) << '\n';
-    out << '\n' << ChangeText(NetChangesOf(plan.changes));
+    const ChangeTextOptions options{
+        .nameOf = [&plan](const RowChange& change) { return plan.names.Of(change); }};
+    out << '\n' << ChangeText(plan.changes, options);
     ShowRefused(out, plan.refused);
 }
 
@@ -58,8 +60,8 @@ void Log(LocalHost& local, const std::string& text) {
 void LogOutcome(LocalHost& local, const UndoWork& work, const UndoWork::Ended& ended) {
     Log(local, fmt::format("Undo: run {} is taken back{}; {} changes, see 'quillon changes {}'",
                            work.Stamp(), work.Runs().size() > 1 ? " with all behind it" : "",
-                           ended.result.changes.size(), ended.stamp));
-    for (const std::string& line : ended.result.refused)
+                           ended.changes, ended.stamp));
+    for (const std::string& line : ended.refused)
         Log(local, "Undo: stays as it is: " + line);
 }
 
@@ -70,7 +72,8 @@ int Undo(const UndoRequest& request, Console console) {
     UndoWork work(local, request.run);
     const UndoWork::Result plan = work.Plan();
     ShowPlan(console.out, work, plan);
-    if (plan.changes.empty()) {
+    const bool isAny = !plan.changes.IsEmpty();
+    if (!isAny) {
         console.out << "\nNothing is left to take back.\n";
         if (!plan.refused.empty()) return FaultsFoundStatus;
     } else if (!request.yes && !IsAgreed(console.out)) {
@@ -78,13 +81,13 @@ int Undo(const UndoRequest& request, Console console) {
         return RefusedStatus;
     }
     const UndoWork::Ended ended = work.CarryOut();
-    if (!plan.changes.empty()) LogOutcome(local, work, ended);
-    if (!plan.changes.empty()) {
-        if (ended.result.refused != plan.refused) ShowRefused(console.out, ended.result.refused);
+    if (isAny) LogOutcome(local, work, ended);
+    if (isAny) {
+        if (ended.refused != plan.refused) ShowRefused(console.out, ended.refused);
         console.out << fmt::format("\nDone. 'quillon undo {}' takes this undo back.\n",
                                    ended.stamp);
     }
-    return ended.result.refused.empty() ? DoneStatus : FaultsFoundStatus;
+    return ended.refused.empty() ? DoneStatus : FaultsFoundStatus;
 }
 
 }  // namespace quillon

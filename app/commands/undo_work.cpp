@@ -1,7 +1,10 @@
 #include "app/commands/undo_work.h"
 
+#include <algorithm>
 #include <chrono>
 #include <fmt/format.h>
+#include <map>
+#include <unordered_set>
 #include <utility>
 
 #include "app/console.h"
@@ -21,37 +24,15 @@ namespace {
 
 using Work = RowUndo::Step::Work;
 
-/// Keeps the records of changes.
+/// Puts the records of changes together.
 class ChangeCollector : public ChangeSink {
   public:
-    explicit ChangeCollector(std::vector<ChangeRecord>& changes) : changes_(changes) {}
-    void Note(const ChangeRecord& record) override {
-        const bool isChange = std::holds_alternative<RowChange>(record) ||
-                              std::holds_alternative<FileChange>(record) ||
-                              std::holds_alternative<FileChangeFailed>(record);
-        if (isChange) changes_.push_back(record);
-    }
+    void Note(const ChangeRecord& record) override { net_.Add(record); }
     void MakeDurable() override {}
+    NetChanges Take() { return net_.Take(); }
 
   private:
-    std::vector<ChangeRecord>& changes_;
-};
-
-/// Gives records to two sinks.
-class BothSinks : public ChangeSink {
-  public:
-    BothSinks(ChangeSink& first, ChangeSink& second) : first_(first), second_(second) {}
-    void Note(const ChangeRecord& record) override {
-        first_.Note(record);
-        second_.Note(record);
-    }
-    void MakeDurable() override {
-        first_.MakeDurable();
-        second_.MakeDurable();
-    }
-
-  private:
-    ChangeSink &first_, &second_;
+    NetChangesCollector net_;
 };
 
 /// The change of a row that a step would make.
@@ -68,9 +49,11 @@ RowChange ChangeOf(const RowUndo::Step& step) {
         for (const auto& [field, value] : row.before.fields)
             change.fields.push_back({field, Null(), value});
     } else if (step.work == Work::Delete) {
+        // What names it.
         change.kind = RowChange::Kind::Removed;
         for (const auto& [field, value] : row.now.fields)
-            change.fields.push_back({field, value, Null()});
+            if (std::holds_alternative<std::string>(value))
+                change.fields.push_back({field, value, Null()});
     } else {
         for (const auto& [field, value] : row.before.fields)
             if (valueIn(row.now, field) != value)
@@ -93,11 +76,9 @@ std::string FailureIn(const std::function<void()>& work) {
     }
 }
 
-RecordedRun Recorded(JournalContent content) {
-    const bool isWhole = content.IsWhole();
-    return {.stamp = std::move(content.stamp),
-            .records = std::move(content.records),
-            .isWhole = isWhole};
+bool IsOfFiles(const ChangeRecord& record) {
+    return std::holds_alternative<FileChange>(record) ||
+           std::holds_alternative<FileChangeFailed>(record);
 }
 
 }  // namespace
@@ -134,26 +115,43 @@ void UndoWork::ReadJournals(const std::vector<std::filesystem::path>& journals,
         throw CommandError(fmt::format(
             "There is no run {}; 'quillon changes --list' shows those that there are", stamp_));
     }
-    std::vector<RecordedRun> runs, undos;
-    for (const std::size_t run : newestFirst) {
-        JournalContent content = ReadJournal(journals[run]);
-        for (const DamagedPlace& place : content.damaged) {
-            // A line that was cut short tells of nothing that has happened.
-            if (!place.isCutShort)
-                damaged_.push_back(
-                    fmt::format("line {} of {} cannot be read: what it tells of stays as it is",
-                                place.line, journals[run].filename().string()));
-        }
-        runs_.push_back(history.Runs()[run]);
-        runs.push_back(Recorded(std::move(content)));
-    }
-    for (const std::size_t undo : history.UndosSince(stamp_))
-        undos.push_back(Recorded(ReadJournal(journals[undo])));
-    steps_ = FileStepsFor(runs, TakenBack(undos));
+    const std::vector<std::size_t> forRows = history.ForRows(stamp_),
+                                   undosSince = history.UndosSince(stamp_);
+    std::map<std::size_t, RecordedRun> recorded;
+    for (const std::vector<std::size_t>* const some : {&newestFirst, &undosSince, &forRows})
+        for (const std::size_t run : *some)
+            recorded[run];
     NetRows net;
-    for (const std::size_t run : history.ForRows(stamp_))
-        net.Add(ReadJournal(journals[run]).records);
+    for (auto& [run, files] : recorded) {
+        const bool isForRows = std::ranges::binary_search(forRows, run);
+        if (isForRows) net.StartRun();
+        const JournalContent content = VisitJournal(journals[run], [&](ChangeRecord&& record) {
+            if (isForRows) net.Add(record);
+            if (IsOfFiles(record)) files.records.push_back(std::move(record));
+        });
+        files.stamp = content.stamp;
+        files.isWhole = content.isWhole;
+        if (std::ranges::count(newestFirst, run) > 0)
+            NoteDamaged(content, journals[run].filename().string());
+    }
+    std::vector<RecordedRun> runs, undos;
+    for (const std::size_t undo : undosSince)
+        undos.push_back(recorded[undo]);
+    for (const std::size_t run : newestFirst) {
+        runs_.push_back(history.Runs()[run]);
+        runs.push_back(std::move(recorded[run]));
+    }
+    steps_ = FileStepsFor(runs, TakenBack(undos));
     rows_ = net.Take();
+}
+
+void UndoWork::NoteDamaged(const JournalContent& content, const std::string& journal) {
+    for (const DamagedPlace& place : content.damaged) {
+        // A line that was cut short tells of nothing that has happened.
+        if (place.isCutShort) continue;
+        damaged_.push_back(fmt::format(
+            "line {} of {} cannot be read: what it tells of stays as it is", place.line, journal));
+    }
 }
 
 void UndoWork::OpenDatabase() {
@@ -173,27 +171,53 @@ void UndoWork::OpenDatabase() {
 void UndoWork::LookAtRows() {
     if (rows_.empty()) return;
     if (!connection_) throw CommandError("Nothing was taken back: the database is not there");
-    const RowUndo undo(*connection_, rows_, [](std::string_view) { return false; });
-    heldPaths_ = TextsOfRefused(undo.Steps());
+    rowUndo_.emplace(*connection_, rows_);
+    heldPaths_ = TextsOfRefused(rowUndo_->Steps());
+}
+
+void UndoWork::HoldRowsBack() {
+    const FilesThatStay stay(steps_);
+    rowUndo_->HoldBack([&](std::string_view path) { return stay.Has(path); });
+}
+
+/// With the names that they have now.
+void UndoWork::TellRefusedRows(std::vector<std::string>& refused) {
+    const auto changeOf = [](const NetRow& row) {
+        return RowChange{.table = row.table, .key = row.now.key, .fields = {}};
+    };
+    std::vector<const RowUndo::Step*> steps;
+    RowNames::Rows rows;
+    for (const RowUndo::Step& step : rowUndo_->Steps()) {
+        if (step.outcome.state != Outcome::State::Refused) continue;
+        steps.push_back(&step);
+        RowNames::AddUnnamed(changeOf(*step.row), rows);
+    }
+    const RowNames names(*connection_, rows);
+    for (const RowUndo::Step* const step : steps)
+        refused.push_back(NameOf(*step->row, names.Of(changeOf(*step->row))) + ": " +
+                          step->outcome.reason);
 }
 
 UndoWork::Result UndoWork::Plan() {
     Result result;
-    ChangeCollector collector(result.changes);
+    ChangeCollector collector;
     sink_.PassTo(&collector);
     PreviewFiles preview(local_.files, local_.clock);
-    PutFilesBack(preview, "undo", FailureIn, result);
-    if (connection_) {
-        const FilesThatStay stay(steps_);
-        const RowUndo undo(*connection_, rows_,
-                           [&](std::string_view path) { return stay.Has(path); });
-        for (const RowUndo::Step& step : undo.Steps()) {
-            if (step.work != Work::None) result.changes.push_back(ChangeOf(step));
-            if (step.outcome.state == Outcome::State::Refused)
-                result.refused.push_back(NameOf(*step.row) + ": " + step.outcome.reason);
-        }
+    PutFilesBack(preview, "undo", FailureIn, result.refused);
+    if (rowUndo_) {
+        HoldRowsBack();
+        for (const RowUndo::Step& step : rowUndo_->Steps())
+            if (step.IsToDo()) collector.Note(ChangeOf(step));
+        TellRefusedRows(result.refused);
     }
     sink_.PassTo(nullptr);
+    result.changes = collector.Take();
+    if (rowUndo_) {
+        RowNames::Rows rows;
+        for (const RowChange& change : result.changes.rows)
+            RowNames::AddUnnamed(change, rows);
+        result.names = RowNames(*connection_, rows);
+    }
     return result;
 }
 
@@ -204,10 +228,8 @@ UndoWork::Ended UndoWork::CarryOut() {
                             .version = std::string(ProgramVersion),
                             .mode = "undo",
                             .undoes = stamp_});
-    Ended ended{.result = {}, .stamp = journal.Stamp()};
-    ChangeCollector collector(ended.result.changes);
-    BothSinks both(journal, collector);
-    sink_.PassTo(&both);
+    Ended ended{.refused = {}, .changes = 0, .stamp = journal.Stamp()};
+    sink_.PassTo(&journal);
     const auto end = [&](const char* outcome, int status) {
         journal.Remark(RunEnded{.outcome = outcome,
                                 .status = status,
@@ -220,8 +242,9 @@ UndoWork::Ended UndoWork::CarryOut() {
         return failure;
     };
     try {
-        PutFilesBack(local_.files, journal.Stamp(), attempt, ended.result);
-        PutRowsBack(attempt, ended.result);
+        PutFilesBack(local_.files, journal.Stamp(), attempt, ended.refused);
+        PutRowsBack(attempt, ended.refused);
+        rowUndo_.reset();
         connection_.reset();
     } catch (const std::exception& error) {
         end("failed", RefusedStatus);
@@ -229,8 +252,9 @@ UndoWork::Ended UndoWork::CarryOut() {
         throw CommandError(fmt::format("The undo was stopped: {}. Started again, it goes on",
                                        WithoutPeriod(DescriptionOf(error))));
     }
-    end("completed", ended.result.refused.empty() ? DoneStatus : FaultsFoundStatus);
+    end("completed", ended.refused.empty() ? DoneStatus : FaultsFoundStatus);
     sink_.PassTo(nullptr);
+    ended.changes = journal.Changes();
     return ended;
 }
 
@@ -244,7 +268,7 @@ bool UndoWork::GoesToRemoved(std::string_view path) const {
 }
 
 void UndoWork::PutFilesBack(Files& files, const std::string& keeping, const Attempt& attempt,
-                            Result& result) {
+                            std::vector<std::string>& refused) {
     RemovedFiles removed(RemovedMusicFolder(local_.host), local_.clock);
     JournalledFiles journalled(
         files, sink_,
@@ -275,22 +299,19 @@ void UndoWork::PutFilesBack(Files& files, const std::string& keeping, const Atte
          .isHeld = [&](const std::string& path) { return heldPaths_.contains(path); }});
     step_ = nullptr;
     local_.files.OnDelete({});
-    result.refused = damaged_;
+    refused = damaged_;
     std::unordered_set<std::string> told;
     for (const FileStep& step : steps_)
         if (step.outcome.state == Outcome::State::Refused &&
             told.insert(step.outcome.reason).second)
-            result.refused.push_back(step.outcome.reason);
+            refused.push_back(step.outcome.reason);
 }
 
-void UndoWork::PutRowsBack(const Attempt& attempt, Result& result) {
-    if (!connection_ || rows_.empty()) return;
-    const FilesThatStay stay(steps_);
-    RowUndo undo(*connection_, rows_, [&](std::string_view path) { return stay.Has(path); });
-    JetDatabaseProvider::Together(*connection_, [&] { undo.CarryOut(attempt); });
-    for (const RowUndo::Step& step : undo.Steps())
-        if (step.outcome.state == Outcome::State::Refused)
-            result.refused.push_back(NameOf(*step.row) + ": " + step.outcome.reason);
+void UndoWork::PutRowsBack(const Attempt& attempt, std::vector<std::string>& refused) {
+    if (!rowUndo_) return;
+    HoldRowsBack();
+    JetDatabaseProvider::Together(*connection_, [&] { rowUndo_->CarryOut(attempt); });
+    TellRefusedRows(refused);
 }
 
 }  // namespace quillon

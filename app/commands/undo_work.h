@@ -1,13 +1,17 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_set>
 #include <vector>
 
 #include "app/journal/journal_reader.h"
+#include "app/journal/net_changes.h"
+#include "app/journal/row_names.h"
 #include "app/journal/row_recorder.h"
 #include "app/local_host.h"
 #include "undo/file_steps.h"
@@ -52,16 +56,18 @@ class UndoWork {
     const std::string& Stamp() const { return stamp_; }
 
     struct Result {
-        std::vector<ChangeRecord> changes;  ///< what changes, in order
-        std::vector<std::string> refused;   ///< what stays as it is, and why
+        NetChanges changes;                ///< what changes
+        std::vector<std::string> refused;  ///< what stays as it is, and why
+        RowNames names;                    ///< of rows that change
     };
 
     /// What it would do. Changes nothing.
     Result Plan();
 
     struct Ended {
-        Result result;
-        std::string stamp;  ///< of the undo, which is a run itself
+        std::vector<std::string> refused;  ///< as in `Result`
+        std::uint64_t changes = 0;         ///< how many
+        std::string stamp;                 ///< of the undo, which is a run itself
     };
     /// Does it, journalled. CommandError where it has to stop: started again it goes on.
     Ended CarryOut();
@@ -72,8 +78,11 @@ class UndoWork {
     void LookAtRows();
     /// `keeping` is the folder below Changes for content that has no room in the journal.
     void PutFilesBack(Files& files, const std::string& keeping, const Attempt& attempt,
-                      Result& result);
-    void PutRowsBack(const Attempt& attempt, Result& result);
+                      std::vector<std::string>& refused);
+    void PutRowsBack(const Attempt& attempt, std::vector<std::string>& refused);
+    void HoldRowsBack();
+    void TellRefusedRows(std::vector<std::string>& refused);
+    void NoteDamaged(const JournalContent& content, const std::string& journal);
     bool GoesToRemoved(std::string_view path) const;
 
     LocalHost& local_;
@@ -86,6 +95,7 @@ class UndoWork {
     UndoSink sink_;
     RowRecorder recorder_{sink_};
     std::unique_ptr<Connection> connection_;
+    std::optional<RowUndo> rowUndo_;  ///< where there are rows
     const FileStep* step_ = nullptr;  ///< the one being carried out
 };
 

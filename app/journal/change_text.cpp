@@ -13,6 +13,7 @@
 #include "app/journal/tag_differences.h"
 #include "app/text/display_text.h"
 #include "platform/basic_text.h"
+#include "platform/windows_path.h"
 #include "run/sound_files.h"
 
 namespace quillon {
@@ -25,7 +26,8 @@ using FileKind = FileChange::Kind;
 struct Group {
     std::string heading;
     std::size_t count = 0;
-    std::string lines;
+    std::size_t told = 0;  ///< that have a line
+    std::string lines = {};
 };
 
 /// Where a heading stands: what matters most comes first.
@@ -35,7 +37,7 @@ std::size_t PlaceOf(std::string_view heading) {
                                                     "Pages of ", "Songs of ", "Artists of "};
     const auto* const found = std::ranges::find_if(
         Order, [heading](std::string_view start) { return heading.starts_with(start); });
-    const bool isLast = heading.find("ated copies") != std::string_view::npos;
+    const bool isLast = heading.find("ackups") != std::string_view::npos;
     return isLast ? Order.size() + 1 : static_cast<std::size_t>(found - Order.begin());
 }
 
@@ -47,10 +49,18 @@ class Groups {
     /// `more` are further lines of the same, whole.
     void Add(const std::string& heading, std::string_view line, const std::string& more = "") {
         const auto [place, isNew] = places_.try_emplace(heading, groups_.size());
-        if (isNew) groups_.push_back({heading, 0, ""});
+        if (isNew) groups_.push_back({.heading = heading});
         Group& group = groups_[place->second];
         if (++group.count > most_) return;
+        ++group.told;
         group.lines += "  " + OneLine(line) + '\n' + more;
+    }
+
+    /// So many more, of which there are no lines.
+    void Count(const std::string& heading, std::size_t count) {
+        const auto [place, isNew] = places_.try_emplace(heading, groups_.size());
+        if (isNew) groups_.push_back({.heading = heading});
+        groups_[place->second].count += count;
     }
 
     std::string Text() const {
@@ -65,8 +75,8 @@ class Groups {
             const Group& group = *one;
             if (!text.empty()) text += '\n';
             text += fmt::format("{}: {}\n{}", OneLine(group.heading), group.count, group.lines);
-            if (group.count > most_)
-                text += fmt::format("  ... and {} more\n", group.count - most_);
+            if (group.count > group.told)
+                text += fmt::format("  ... and {} more\n", group.count - group.told);
         }
         return text;
     }
@@ -143,7 +153,7 @@ std::string NameOf(const RowChange& change, const ChangeTextOptions& options) {
 }
 
 /// The rows of a table, as people call them.
-std::string ThingsOf(const RowChange& change) {
+std::string ThingsOf(std::string_view inTable) {
     struct Things {
         std::string_view table, name;
     };
@@ -154,22 +164,38 @@ std::string ThingsOf(const RowChange& change) {
          {"SpinnerArtist", "Artists of the download table"},
          {"SpinnerID3Differences", "Differences between tags and database"},
          {"Playlists", "Entries for generated playlists"}}};
-    const auto* const found = std::ranges::find(Known, change.table, &Things::table);
-    return found == Known.end() ? "Rows of " + change.table : std::string(found->name);
+    const auto* const found = std::ranges::find(Known, inTable, &Things::table);
+    return found == Known.end() ? "Rows of " + std::string(inTable) : std::string(found->name);
 }
 
-/// What becomes of a field. Of files that stay in their folder the names say all.
-std::string Becomes(const FieldChange& field) {
-    const auto* const before = std::get_if<std::string>(&field.before);
-    const auto* const after = std::get_if<std::string>(&field.after);
-    if (before == nullptr || after == nullptr || field.field != "SoundFile")
-        return fmt::format("{} {} -> {}", field.field, ShownValue(field.before),
-                           ShownValue(field.after));
-    const std::size_t name = before->rfind('\\') + 1;
-    const bool isBeside =
-        name == after->rfind('\\') + 1 && before->compare(0, name, *after, 0, name) == 0;
-    return fmt::format("file \"{}\" -> \"{}\"", before->substr(isBeside ? name : 0),
-                       after->substr(isBeside ? name : 0));
+/// The target in full only where it is in another folder.
+std::string FromTo(const std::string& path, const std::string& target) {
+    const std::string_view folder = ParentFolder(path);
+    const bool isBeside = !folder.empty() && EqualIgnoringCase(folder, ParentFolder(target));
+    return path + " -> " + (isBeside ? target.substr(folder.size() + 1) : target);
+}
+
+/// What becomes of the song's file; nothing where it stays.
+std::optional<std::string> NewFileOf(const RowChange& change) {
+    for (const FieldChange& field : change.fields) {
+        const auto* const before = std::get_if<std::string>(&field.before);
+        const auto* const after = std::get_if<std::string>(&field.after);
+        if (field.field == "SoundFile" && before != nullptr && after != nullptr)
+            return FromTo(*before, *after);
+    }
+    return std::nullopt;
+}
+
+/// The row, and what becomes of its fields. The files name a song that gets another one.
+std::string ChangedRow(const RowChange& change, const ChangeTextOptions& options) {
+    const std::optional<std::string> file = NewFileOf(change);
+    std::string text = file ? *file : NameOf(change, options), fields;
+    for (const FieldChange& field : change.fields) {
+        if (file && field.field == "SoundFile") continue;
+        fields += fmt::format("{}{} {} -> {}", fields.empty() ? ": " : ", ", field.field,
+                              ShownValue(field.before), ShownValue(field.after));
+    }
+    return text + fields;
 }
 
 bool IsNumber(const Value& value) {
@@ -178,20 +204,20 @@ bool IsNumber(const Value& value) {
 }
 
 bool IsOfNumbersAlone(const RowChange& change) {
-    return std::ranges::all_of(change.fields, [](const FieldChange& field) {
-        return IsNumber(field.before) && IsNumber(field.after);
-    });
+    return !change.fields.empty() &&
+           std::ranges::all_of(change.fields, [](const FieldChange& field) {
+               return IsNumber(field.before) && IsNumber(field.after);
+           });
 }
 
 void AddRow(Groups& groups, const RowChange& change, const ChangeTextOptions& options) {
-    const std::string things = ThingsOf(change), name = NameOf(change, options);
-    if (change.kind == RowKind::Added) return groups.Add(things + " added", name);
-    if (change.kind == RowKind::Removed) return groups.Add(things + " removed", name);
-    std::string fields;
-    for (const FieldChange& field : change.fields)
-        fields += (fields.empty() ? ": " : ", ") + Becomes(field);
+    const std::string things = ThingsOf(change.table);
+    if (change.kind == RowKind::Added)
+        return groups.Add(things + " added", NameOf(change, options));
+    if (change.kind == RowKind::Removed)
+        return groups.Add(things + " removed", NameOf(change, options));
     groups.Add(things + (IsOfNumbersAlone(change) ? " whose numbers change" : " changed"),
-               name + fields);
+               ChangedRow(change, options));
 }
 
 bool EndsIn(std::string_view path, std::string_view ending) {
@@ -244,28 +270,24 @@ void AddDeleted(Groups& groups, const FileChange& change) {
     const std::string kept = change.before ? change.before->keptAs : "";
     if (kept.starts_with("Removed/"))
         return groups.Add(FilesOf(change.path) + " moved to Removed", change.path + " -> " + kept);
-    groups.Add(FilesOf(change.path) + " deleted", change.path);
+    const std::string files = FilesOf(change.path);
+    groups.Add(files + (files == "Playlists" ? " removed" : " deleted"), change.path);
 }
 
-/// The target in full only where it is in another folder.
 std::string FromTo(const FileChange& change) {
-    const std::size_t folder = change.path.rfind('\\') + 1;
-    const bool isBeside = folder == change.target.rfind('\\') + 1 &&
-                          EqualIgnoringCase(std::string_view(change.path).substr(0, folder),
-                                            std::string_view(change.target).substr(0, folder));
-    return change.path + " -> " + (isBeside ? change.target.substr(folder) : change.target);
+    return FromTo(change.path, change.target);
 }
 
 void AddBackup(Groups& groups, const FileChange& change) {
     switch (change.kind) {
         case FileKind::Copied:
         case FileKind::FolderCopied:
-            return groups.Add("Dated copies made first", FromTo(change));
+            return groups.Add("Backups made first", FromTo(change));
         case FileKind::Deleted:
         case FileKind::FolderDeleted:
-            return groups.Add("Old dated copies removed", change.path);
+            return groups.Add("Old backups removed", change.path);
         default:
-            return groups.Add("Notes on dated copies", change.path);
+            return groups.Add("Notes on backups", change.path);
     }
 }
 
@@ -304,6 +326,10 @@ std::string ChangeText(const NetChanges& changes, const ChangeTextOptions& optio
     Groups groups(options.most);
     for (const RowChange& change : changes.rows)
         AddRow(groups, change, options);
+    for (const CountOfRows& rows : changes.furtherRows) {
+        const char* const became = rows.kind == RowKind::Added ? " added" : " removed";
+        groups.Count(ThingsOf(rows.table) + became, rows.count);
+    }
     for (const FileChange& change : changes.files)
         AddFile(groups, change, options.most);
     return groups.Text();

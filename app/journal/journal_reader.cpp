@@ -5,6 +5,8 @@
 #include <functional>
 #include <optional>
 #include <system_error>
+#include <utility>
+#include <vector>
 
 #include "app/journal/journal_lines.h"
 #include "app/journal/net_changes.h"
@@ -80,20 +82,33 @@ struct Facts {
 
 }  // namespace
 
-JournalContent ReadJournal(const fs::path& file) {
+JournalContent VisitJournal(const fs::path& file,
+                            const std::function<void(ChangeRecord&&)>& visit) {
     JournalContent content;
     content.stamp = file.stem().string();
     std::size_t number = 0;
     VisitLines(file, [&](const std::string& line, bool isEnded) {
         ++number;
+        std::optional<ChangeRecord> record;
         try {
-            content.records.push_back(FromLine(line));
+            record = FromLine(line);
         } catch (const DamagedLine& damaged) {
             content.damaged.push_back(
                 {.line = number, .reason = damaged.what(), .isCutShort = !isEnded});
+            return true;
         }
+        content.isWhole = std::holds_alternative<RunEnded>(*record);
+        visit(std::move(*record));
         return true;
     });
+    return content;
+}
+
+JournalContent ReadJournal(const fs::path& file) {
+    std::vector<ChangeRecord> records;
+    JournalContent content = VisitJournal(
+        file, [&records](ChangeRecord&& record) { records.push_back(std::move(record)); });
+    content.records = std::move(records);
     return content;
 }
 
@@ -110,10 +125,7 @@ std::vector<fs::path> JournalsIn(const fs::path& folder) {
 }
 
 void VisitRecords(const fs::path& file, const std::function<void(const ChangeRecord&)>& visit) {
-    VisitLines(file, [&](const std::string& line, bool) {
-        if (const std::optional<ChangeRecord> record = RecordIn(line)) visit(*record);
-        return true;
-    });
+    VisitJournal(file, visit);
 }
 
 PastRun LookAtJournal(const fs::path& file) {

@@ -24,15 +24,15 @@ struct JournalContent {
     std::string stamp;  ///< by its name
     std::vector<ChangeRecord> records;
     std::vector<DamagedPlace> damaged;
-
-    /// Whether its last line says how the run ended.
-    bool IsWhole() const {
-        return !records.empty() && std::holds_alternative<RunEnded>(records.back());
-    }
+    bool isWhole = false;  ///< its last record says how the run ended
 };
 
-/// Calls visit(record) for each record that can be read, one in memory at a time. Failure: the file
-/// cannot be read.
+/// Calls visit(record) for each record that can be read, one in memory at a time; the answer has no
+/// records. Failure: the file cannot be read.
+JournalContent VisitJournal(const std::filesystem::path& file,
+                            const std::function<void(ChangeRecord&&)>& visit);
+
+/// The same where it does not matter whether all of it can be read.
 void VisitRecords(const std::filesystem::path& file,
                   const std::function<void(const ChangeRecord&)>& visit);
 

@@ -9,99 +9,27 @@
 #include <unordered_set>
 #include <utility>
 
+#include "app/journal/row_collector.h"
 #include "platform/basic_text.h"
-#include "undo/net_rows.h"
 
 namespace quillon {
 namespace {
 
-using RowKind = RowChange::Kind;
 using FileKind = FileChange::Kind;
-using Key = std::vector<std::pair<std::string, Value>>;
 
-/// The key that the row has after the change.
-Key KeyAfter(const RowChange& change) {
-    Key key = change.key;
-    for (auto& [name, value] : key) {
-        const auto field = std::ranges::find(change.fields, name, &FieldChange::field);
-        if (change.kind == RowKind::Changed && field != change.fields.end()) value = field->after;
-    }
-    return key;
+bool IsTableOfLibrary(std::string_view table) {
+    return !EqualIgnoringCase(table, "SpinnerID3Differences");
 }
-
-FieldChange* FieldOf(RowChange& change, const std::string& name) {
-    const auto found = std::ranges::find(change.fields, name, &FieldChange::field);
-    return found == change.fields.end() ? nullptr : &*found;
-}
-
-void DropEqualFields(RowChange& change) {
-    std::erase_if(change.fields,
-                  [](const FieldChange& field) { return field.before == field.after; });
-}
-
-/// Both as one, the second coming later; nothing where they take each other back.
-std::optional<RowChange> Together(RowChange first, const RowChange& second) {
-    for (const FieldChange& field : second.fields) {
-        if (FieldChange* const known = FieldOf(first, field.field)) {
-            known->after = field.after;
-        } else {
-            first.fields.push_back(field);
-        }
-    }
-    if (second.kind == RowKind::Removed) {
-        if (first.kind == RowKind::Added) return std::nullopt;
-        for (FieldChange& field : first.fields)
-            field.after = Null{};
-        first.kind = RowKind::Removed;
-    } else if (first.kind == RowKind::Removed) {
-        // A field that is not told of the new row is Null there.
-        first.kind = RowKind::Changed;
-    }
-    DropEqualFields(first);
-    if (first.kind == RowKind::Changed && first.fields.empty()) return std::nullopt;
-    return first;
-}
-
-class RowsTogether {
-  public:
-    void Add(const RowChange& change) {
-        const std::string text = KeyText(change.table, change.key);
-        const auto known = places_.find(text);
-        if (known == places_.end()) {
-            places_.emplace(KeyText(change.table, KeyAfter(change)), rows_.size());
-            rows_.emplace_back(change);
-            return;
-        }
-        const std::size_t place = known->second;
-        places_.erase(known);
-        rows_[place] = rows_[place] ? Together(std::move(*rows_[place]), change) : change;
-        places_.emplace(KeyText(change.table, KeyAfter(change)), place);
-    }
-
-    std::vector<RowChange> Take() {
-        std::vector<RowChange> rows;
-        for (std::optional<RowChange>& row : rows_)
-            if (row) rows.push_back(std::move(*row));
-        return rows;
-    }
-
-  private:
-    std::vector<std::optional<RowChange>> rows_;
-    std::unordered_map<std::string, std::size_t> places_;  ///< by the present key
-};
 
 /// Without what failed, and without what the run itself took back.
-std::vector<FileChange> FilesTogether(std::span<const ChangeRecord> records) {
-    std::unordered_set<std::uint64_t> failed;
-    for (const ChangeRecord& record : records)
-        if (const auto* const one = std::get_if<FileChangeFailed>(&record))
-            failed.insert(one->number);
+std::vector<FileChange> FilesTogether(std::vector<FileChange>&& changes,
+                                      const std::unordered_set<std::uint64_t>& failed) {
     std::vector<std::optional<FileChange>> files;
     /// By the path of what is new, and of what has been renamed.
     std::unordered_map<std::string, std::size_t> made, moved;
-    for (const ChangeRecord& record : records) {
-        const auto* const change = std::get_if<FileChange>(&record);
-        if (change == nullptr || failed.contains(change->number)) continue;
+    for (FileChange& one : changes) {
+        FileChange* const change = &one;
+        if (failed.contains(change->number)) continue;
         if (change->kind == FileKind::Discarded || change->kind == FileKind::Deleted)
             moved.erase(LowerCase(change->path));
         if (change->kind == FileKind::Discarded) {
@@ -126,7 +54,7 @@ std::vector<FileChange> FilesTogether(std::span<const ChangeRecord> records) {
             moved[LowerCase(change->target)] = files.size();
         }
         made[LowerCase(change->target.empty() ? change->path : change->target)] = files.size();
-        files.emplace_back(*change);
+        files.emplace_back(std::move(*change));
     }
     std::vector<FileChange> lasting;
     for (std::optional<FileChange>& file : files)
@@ -137,15 +65,40 @@ std::vector<FileChange> FilesTogether(std::span<const ChangeRecord> records) {
 
 }  // namespace
 
+NetChangesCollector::NetChangesCollector() : rows_(std::make_unique<RowCollector>()) {}
+NetChangesCollector::~NetChangesCollector() = default;
+
+void NetChangesCollector::Add(const ChangeRecord& record) {
+    if (const auto* const row = std::get_if<RowChange>(&record)) rows_->Add(*row);
+    if (const auto* const file = std::get_if<FileChange>(&record)) AddFile(*file);
+    if (const auto* const one = std::get_if<FileChangeFailed>(&record)) failed_.insert(one->number);
+}
+
+void NetChangesCollector::AddFile(const FileChange& change) {
+    constexpr std::size_t MostContents = 300;
+    files_.push_back(change);
+    const bool hasContent = change.before && change.before->bytes;
+    if (change.kind != FileKind::Written || !hasContent || ++contents_ <= MostContents) return;
+    files_.back().before->bytes.reset();
+    if (files_.back().after) files_.back().after->bytes.reset();
+}
+
+NetChanges NetChangesCollector::Take() {
+    NetChanges changes;
+    rows_->TakeInto(changes);
+    changes.files = FilesTogether(std::move(files_), failed_);
+    return changes;
+}
+
 NetChanges NetChangesOf(std::span<const ChangeRecord> records) {
-    RowsTogether rows;
+    NetChangesCollector collector;
     for (const ChangeRecord& record : records)
-        if (const auto* const change = std::get_if<RowChange>(&record)) rows.Add(*change);
-    return {.rows = rows.Take(), .files = FilesTogether(records)};
+        collector.Add(record);
+    return collector.Take();
 }
 
 bool IsOfLibrary(const RowChange& change) {
-    return !EqualIgnoringCase(change.table, "SpinnerID3Differences");
+    return IsTableOfLibrary(change.table);
 }
 
 bool IsOfLibrary(const FileChange& change) {
@@ -163,6 +116,7 @@ bool IsOfLibrary(const FileChange& change) {
 bool ChangesLibrary(const NetChanges& changes) {
     const auto isOfLibrary = [](const auto& change) { return IsOfLibrary(change); };
     return std::ranges::any_of(changes.rows, isOfLibrary) ||
+           std::ranges::any_of(changes.furtherRows, IsTableOfLibrary, &CountOfRows::table) ||
            std::ranges::any_of(changes.files, isOfLibrary);
 }
 

@@ -1,16 +1,57 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
+#include <memory>
 #include <span>
+#include <string>
+#include <unordered_set>
 #include <vector>
 
 #include "changes/change.h"
 
 namespace quillon {
 
+/// Rows of a table that came or went.
+struct CountOfRows {
+    RowChange::Kind kind = RowChange::Kind::Added;
+    std::string table;
+    std::size_t count = 0;
+};
+
 /// What is different after a run: what it did and took back again is left out.
 struct NetChanges {
-    std::vector<RowChange> rows;    ///< at most one a row, in the order of the first change
+    /// At most one a row, in the order of the first change. Of new rows only the fields that name
+    /// them.
+    std::vector<RowChange> rows;
+    /// The rows that came or went behind the first hundreds of their table.
+    std::vector<CountOfRows> furtherRows;
     std::vector<FileChange> files;  ///< that came off, in their order
+
+    bool IsEmpty() const { return rows.empty() && furtherRows.empty() && files.empty(); }
+};
+
+class RowCollector;
+
+/// Puts records together as they come, in little memory: there may be some hundred thousand. Of
+/// written files behind the first hundreds no content is held.
+class NetChangesCollector {
+  public:
+    NetChangesCollector();
+    NetChangesCollector(const NetChangesCollector&) = delete;
+    NetChangesCollector& operator=(const NetChangesCollector&) = delete;
+    ~NetChangesCollector();
+
+    void Add(const ChangeRecord& record);
+    NetChanges Take();
+
+  private:
+    void AddFile(const FileChange& change);
+
+    std::unique_ptr<RowCollector> rows_;
+    std::vector<FileChange> files_;
+    std::unordered_set<std::uint64_t> failed_;
+    std::size_t contents_ = 0;
 };
 
 NetChanges NetChangesOf(std::span<const ChangeRecord> records);

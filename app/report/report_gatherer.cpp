@@ -113,6 +113,14 @@ bool RowNumbers::Add(std::int64_t number) {
     return true;
 }
 
+std::size_t ReportGatherer::CountOf(DeedKind kind) {
+    const auto index = static_cast<std::size_t>(kind);
+    if (kind < DeedKind::FileRenamed) return savedRows_.at(index);
+    while (!planned_.empty())
+        TellNextFile();
+    return content_.total.at(index).count;
+}
+
 ReportContent ReportGatherer::Finish() {
     while (!planned_.empty())
         TellNextFile();
@@ -203,6 +211,7 @@ void ReportGatherer::Add(const RowChange& row) {
     const std::optional<std::int64_t> id = IdOf(row);
     // What is changed in a row that is new anyway says nothing.
     if (IsSeen(row, id)) return;
+    ++rows_.at(static_cast<std::size_t>(*kind));
     const std::string_view artist = TextIn(row, "Artist"), title = TextIn(row, "Title");
     if (!id || (!artist.empty() && !title.empty())) return TellRow(*kind, row, artist, title);
     const bool isListed =
@@ -286,6 +295,21 @@ void ReportGatherer::AddDeleted(const FileChange& change) {
     }
 }
 
+/// A name that a file has only on its way to another one is not told of.
+void ReportGatherer::AddRenamed(const FileChange& change) {
+    if (!IsSoundFile(change.path)) return;
+    std::string from = change.path;
+    if (const auto known = onTheWay_.find(change.path); known != onTheWay_.end()) {
+        from = known->second;
+        onTheWay_.erase(known);
+    }
+    if (change.target.find(".quillon-renaming.") != std::string::npos) {
+        onTheWay_[change.target] = from;
+        return;
+    }
+    AddFile(DeedKind::FileRenamed, from, from + " → " + change.target);
+}
+
 void ReportGatherer::AddTag(const FileChange& change) {
     DeedList::Deed* const deed = AddFile(DeedKind::TagWritten, change.path, change.path);
     if (deed == nullptr) return;
@@ -309,9 +333,7 @@ void ReportGatherer::Tell(const FileChange& change) {
             AddFile(DeedKind::TagWritten, change.path, change.path);
             return;
         case FileChange::Kind::Moved:
-            if (IsSoundFile(change.path))
-                AddFile(DeedKind::FileRenamed, change.path, change.path + " → " + change.target);
-            return;
+            return AddRenamed(change);
         case FileChange::Kind::Deleted:
             return AddDeleted(change);
         default:

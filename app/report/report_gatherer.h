@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <deque>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -41,6 +42,9 @@ class ReportGatherer {
         std::visit([this](const auto& content) { Add(content); }, record);
     }
 
+    /// How many there were so far, of rows those that are in the database for good.
+    std::size_t CountOf(DeedKind kind);
+
     /// To be called once, when all records have been told.
     ReportContent Finish();
 
@@ -56,7 +60,7 @@ class ReportGatherer {
     void Add(const ModeChosen& mode) { content_.mode = mode.mode; }
     void Add(const PhaseStarted& phase);
     void Add(const RowChange& row);
-    void Add(const RowsSaved&) {}
+    void Add(const RowsSaved&) { savedRows_ = rows_; }
     void Add(const FileChange& change);
     void Add(const FileChangeFailed& failed);
     void Add(const LogLine& line);
@@ -75,6 +79,7 @@ class ReportGatherer {
     void TellNextFile();
     void Tell(const FileChange& change);
     DeedList::Deed* AddFile(DeedKind kind, const std::string& path, const std::string& what);
+    void AddRenamed(const FileChange& change);
     void AddTag(const FileChange& change);
     void AddWritten(const FileChange& change, const std::string& path);
     void AddDeleted(const FileChange& change);
@@ -86,8 +91,10 @@ class ReportGatherer {
     std::array<std::size_t, DeedKinds> unnamedOf_{};
     std::string lastArtist_;  ///< rows of one artist mostly follow each other
     DeedLists* ofLastArtist_ = nullptr;
+    std::array<std::size_t, DeedKinds> rows_{}, savedRows_{};  ///< how many of each kind
     std::array<RowNumbers, 4> seenIds_;  ///< albums, albums removed, tracks, tracks removed
     std::unordered_set<std::uint64_t> seenRows_, seenFiles_;  ///< hashes
+    std::map<std::string, std::string> onTheWay_;  ///< names in the middle of a rename: from where
     std::optional<std::string> phase_;
     std::chrono::milliseconds lastTime_{0};
 };

@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "app/report/report_style.h"
+#include "app/text/display_text.h"
 #include "picker/html.h"
 #include "platform/basic_text.h"
 
@@ -30,10 +31,10 @@ constexpr std::array<KindWords, DeedKinds> Words{{
     {"file copied", "files copied"},
     {"file removed", "files removed"},
     {"tag written", "tags written"},
-    {"playlist made", "playlists made"},
-    {"playlist rewritten", "playlists rewritten"},
-    {"playlist deleted", "playlists deleted"},
-    {"image copied", "images copied"},
+    {"playlist written", "playlists written"},
+    {"playlist repaired", "playlists repaired"},
+    {"playlist removed", "playlists removed"},
+    {"image written", "images written"},
     {"page written", "pages written"},
     {"row of another table", "rows of other tables"},
     {"other file written", "other files written"},
@@ -50,16 +51,6 @@ std::string NumberText(std::uint64_t number) {
 
 std::string Counted(std::size_t count, KindWords words) {
     return fmt::format("{} {}", NumberText(count), count == 1 ? words.one : words.many);
-}
-
-/// "87 ms", "4.2 s", "12 s", "3 min 05 s", "2 h 05 min"
-std::string TimeText(std::chrono::milliseconds time) {
-    const std::int64_t seconds = time.count() / 1000;
-    if (seconds == 0) return fmt::format("{} ms", time.count());
-    if (seconds < 10) return fmt::format("{}.{} s", seconds, time.count() / 100 % 10);
-    if (seconds < 60) return fmt::format("{} s", seconds);
-    if (seconds < 3600) return fmt::format("{} min {:02} s", seconds / 60, seconds % 60);
-    return fmt::format("{} h {:02} min", seconds / 3600, seconds / 60 % 60);
 }
 
 /// A path as a shell takes it when it is copied from the page.
@@ -175,7 +166,7 @@ void Page::Head() {
     Put("<header>\n<h1>{}</h1>\n<p class=\"soft\">{}{}{}</p>\n<p class=\"pill {}\">{}</p>\n"
         "</header>\n",
         HtmlText(mode.empty() ? "Run" : mode), moment,
-        content_.hasEnded ? ", took " + TimeText(content_.end.duration) : "",
+        content_.hasEnded ? ", took " + DurationText(content_.end.duration) : "",
         facts_.host.empty() ? "" : ", in " + HtmlText(facts_.host), verdict.look,
         HtmlText(verdict.words));
 }
@@ -305,7 +296,7 @@ void Page::Times() {
         const auto share = longest.count() == 0 ? 0 : phase.took.count() * 1000 / longest.count();
         Put("<span>{}</span><span class=\"time\">{}</span>"
             "<span class=\"bar\"><i style=\"width:{}.{}%\"></i></span>\n",
-            HtmlText(phase.name), TimeText(phase.took), share / 10, share % 10);
+            HtmlText(phase.name), DurationText(phase.took), share / 10, share % 10);
     }
     Put("</div>\n</section>\n");
 }

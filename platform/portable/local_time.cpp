@@ -1,5 +1,7 @@
 #include "platform/portable/local_time.h"
 
+#include <cmath>
+
 namespace quillon {
 namespace {
 
@@ -34,6 +36,16 @@ DateTime LocalTime::Of(std::time_t moment) {
         static_cast<double>(seconds - day * SecondsOfADay) / static_cast<double>(SecondsOfADay);
     const auto days = static_cast<double>(day + UnixEpochDay);
     return {days < 0 ? days - fraction : days + fraction};
+}
+
+std::time_t LocalTime::MomentOf(DateTime local) {
+    const double days = std::trunc(local.days);
+    const auto seconds =
+        (static_cast<std::int64_t>(days) - UnixEpochDay) * SecondsOfADay +
+        std::llround(std::abs(local.days - days) * static_cast<double>(SecondsOfADay));
+    // The offset of a moment nearby, and then that of the moment itself.
+    const std::int64_t nearby = seconds - OffsetAt(seconds);
+    return seconds - OffsetAt(nearby);
 }
 
 }  // namespace quillon

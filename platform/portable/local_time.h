@@ -18,6 +18,9 @@ class LocalTime {
   public:
     DateTime Of(std::time_t moment);
 
+    /// The other way round. Of a time that was twice, when clocks were set back, either moment.
+    std::time_t MomentOf(DateTime local);
+
   private:
     std::int64_t OffsetAt(std::int64_t moment);
 

@@ -4,6 +4,7 @@
 
 #include "platform/ansi.h"
 #include "platform/failure.h"
+#include "platform/portable/local_time.h"
 
 namespace quillon {
 namespace {
@@ -47,6 +48,7 @@ bool AnsiTextWriter::CloseIf(const std::function<bool()>& isWanted) {
     if (!open_) return true;
     open_ = false;
     file_.Write(buffer_);
+    if (modified_) file_.SetModified({LocalTime().MomentOf(*modified_), 0});
     // Waiting for the disk takes longest, so the question is asked after that.
     file_.Sync();
     if (!isWanted()) return false;

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -23,6 +24,7 @@ class AnsiTextWriter : public TextWriter {
     void Write(std::string_view text) override;
     void WriteLine(std::string_view line) override;
     void WriteBytes(std::string_view bytes) override;
+    void SetModified(DateTime local) override { modified_ = local; }
     void Close() override;
     bool CloseIf(const std::function<bool()>& isWanted) override;
 
@@ -31,6 +33,7 @@ class AnsiTextWriter : public TextWriter {
     SafeFile file_;
     std::function<void()> closing_, closed_;
     std::string buffer_;
+    std::optional<DateTime> modified_;
     bool open_ = true;
 };
 

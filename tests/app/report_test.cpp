@@ -115,6 +115,18 @@ TEST_F(Report, TellsWhatBecomesOfEachFieldOfATag) {
     EXPECT_THAT(Page(), HasSubstr("Song: Old &#8594; &#60;New&#62;"));
 }
 
+TEST_F(Report, TellsARenameByWayOfAnotherNameAsOne) {
+    Add(Renamed(1, R"(D:\Music\Alder\First\a.mp3)",
+                R"(D:\Music\Alder\First\a.quillon-renaming.mp3)"));
+    Add(Renamed(2, R"(D:\Music\Alder\First\b.mp3)", R"(D:\Music\Alder\First\a.mp3)"));
+    Add(Renamed(3, R"(D:\Music\Alder\First\a.quillon-renaming.mp3)",
+                R"(D:\Music\Alder\First\b.mp3)"));
+    End();
+    EXPECT_EQ(CountOf(DeedKind::FileRenamed), 2U);
+    EXPECT_EQ(Of(Content(), "Alder", DeedKind::FileRenamed).first.at(1).what,
+              R"(D:\Music\Alder\First\a.mp3 → D:\Music\Alder\First\b.mp3)");
+}
+
 TEST_F(Report, NamesCommandsThatAShellTakesAsTheyAre) {
     Add(AddedTrack(1, "Alder", "Dawn"));
     End();
@@ -264,8 +276,9 @@ TEST_F(Report, ShowsTheTimeOfEachPhaseAsABar) {
     ASSERT_EQ(content.phases.size(), 2U);
     EXPECT_EQ(content.phases[0].took, milliseconds(1000));
     EXPECT_EQ(content.phases[1].took, milliseconds(3000));
-    EXPECT_THAT(Page(), HasSubstr("<span>Capture playlists</span><span class=\"time\">1.0 s</span>"
-                                  "<span class=\"bar\"><i style=\"width:33.3%\">"));
+    EXPECT_THAT(Page(),
+                HasSubstr("<span>Capture playlists</span><span class=\"time\">0:00:01</span>"
+                          "<span class=\"bar\"><i style=\"width:33.3%\">"));
     EXPECT_THAT(Page(), HasSubstr("Add &#60;tracks&#62;"));
 }
 

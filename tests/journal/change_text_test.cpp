@@ -83,7 +83,7 @@ TEST(ChangeText, TellsFilesByWhatIsDoneToThem) {
               "  E:\\n.mp3 -> D:\\Music\\n.mp3\n"
               "\nPages of the album picker written: 1\n"
               "  H:\\HTML\\1.asp\n"
-              "\nDated copies made first: 1\n"
+              "\nBackups made first: 1\n"
               "  D:\\x.mdb -> x.mdb_Copy Dated_1_\n");
 }
 
@@ -137,7 +137,7 @@ TEST(ChangeText, TellsWhatMattersMostFirstAndCopiesLast) {
                 File(FileKind::Moved, R"(D:\a.mp3)", R"(D:\b.mp3)"), NewTrack(1, R"(D:\b.mp3)")});
     EXPECT_LT(text.find("Tracks added"), text.find("Music files renamed"));
     EXPECT_LT(text.find("Music files renamed"), text.find("Folders made"));
-    EXPECT_LT(text.find("Folders made"), text.find("Dated copies"));
+    EXPECT_LT(text.find("Folders made"), text.find("Backups"));
 }
 
 TEST(ChangeText, NamesAFileThatStaysInItsFolderByItsName) {
@@ -146,8 +146,8 @@ TEST(ChangeText, NamesAFileThatStaysInItsFolderByItsName) {
                       Row(RowKind::Changed, "Tracks", 2,
                           {{"SoundFile", R"(D:\Music\c.mp3)", R"(D:\Other\c.mp3)"}})}),
               "Tracks changed: 2\n"
-              "  ID 1: file \"a.mp3\" -> \"b.mp3\"\n"
-              "  ID 2: file \"D:\\Music\\c.mp3\" -> \"D:\\Other\\c.mp3\"\n");
+              "  D:\\Music\\a.mp3 -> b.mp3\n"
+              "  D:\\Music\\c.mp3 -> D:\\Other\\c.mp3\n");
 }
 
 TEST(ChangeText, NoNameAddsALineOrSpeaksToTheTerminal) {

@@ -31,7 +31,7 @@ TEST_F(JournalReaderTest, ReadsAWholeJournal) {
     const JournalContent journal =
         ReadJournal(Make(Line(start_) + Line(row_) + Line(RunEnded{.outcome = "completed"})));
     EXPECT_EQ(journal.stamp, "2026-11-21_07-13-05");
-    EXPECT_TRUE(journal.IsWhole());
+    EXPECT_TRUE(journal.isWhole);
     EXPECT_THAT(journal.damaged, testing::IsEmpty());
     ASSERT_EQ(journal.records.size(), 3U);
     EXPECT_EQ(std::get<RowChange>(journal.records[1]), row_);
@@ -39,7 +39,7 @@ TEST_F(JournalReaderTest, ReadsAWholeJournal) {
 
 TEST_F(JournalReaderTest, TellsWhatAKillHasCutShort) {
     const JournalContent journal = ReadJournal(Make(Line(start_) + Line(row_) + "{\"record\":\"f"));
-    EXPECT_FALSE(journal.IsWhole());
+    EXPECT_FALSE(journal.isWhole);
     EXPECT_EQ(journal.records.size(), 2U);
     ASSERT_EQ(journal.damaged.size(), 1U);
     EXPECT_EQ(journal.damaged.front().line, 3U);

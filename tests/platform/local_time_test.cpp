@@ -49,6 +49,15 @@ TEST(LocalTime, KnowsOffsetsOfHalfHours) {
     EXPECT_EQ(TextOf(time, -1), "1970-01-01 05:29:59");
 }
 
+TEST(LocalTime, FindsTheMomentOfALocalTime) {
+    const TimeZone zone("CET-1CEST,M3.5.0,M10.5.0/3");
+    LocalTime time;
+    for (const std::time_t moment : {1500000000, 1774745999, 1774746000, 1792886399, 1792890000, 0})
+        EXPECT_EQ(TextOf(time, time.MomentOf(time.Of(moment))), TextOf(time, moment));
+    EXPECT_EQ(time.MomentOf(time.Of(1500000001)), 1500000001);
+    EXPECT_EQ(time.MomentOf(time.Of(-2209161601)), -2209161601);
+}
+
 TEST(LocalTime, ReadsMomentsBeforeTheZeroDate) {
     const TimeZone zone("UTC0");
     LocalTime time;

@@ -58,5 +58,11 @@ TEST(ParseRoot, TakesDrivesAndSharesAlone) {
         EXPECT_EQ(ParseRoot(text), std::nullopt) << text;
 }
 
+TEST(ParentFolder, IsWhatThePathLiesIn) {
+    EXPECT_EQ(ParentFolder(R"(D:\Music\x.mp3)"), R"(D:\Music)");
+    EXPECT_EQ(ParentFolder(R"(D:\x.mp3)"), "D:");
+    EXPECT_EQ(ParentFolder("x.mp3"), "");
+}
+
 }  // namespace
 }  // namespace quillon

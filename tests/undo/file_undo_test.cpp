@@ -178,6 +178,25 @@ TEST_F(FileUndoTest, WritesAPlaylistAsItWas) {
     EXPECT_EQ(TakeBack(change).state, State::WasSo);
 }
 
+TEST_F(FileUndoTest, GivesAPlaylistItsTimeBack) {
+    folder_.MakeFile("Rock.pla", "broken");
+    SetModified("Rock.pla", 1500000000);
+    FileContent before = Content("broken");
+    before.modified = Look(R"(D:\Rock.pla)").modified;
+    for (const FileChange& change :
+         {FileChange{.kind = Kind::Written,
+                     .path = R"(D:\Rock.pla)",
+                     .before = before,
+                     .after = Content("repaired")},
+          FileChange{.kind = Kind::Deleted, .path = R"(D:\Rock.pla)", .before = before}}) {
+        std::filesystem::remove(folder_ / "Rock.pla");
+        if (change.after) folder_.MakeFile("Rock.pla", "repaired");
+        EXPECT_EQ(TakeBack(change), Outcome{});
+        EXPECT_EQ(folder_.Content("Rock.pla"), "broken");
+        EXPECT_EQ(Modified("Rock.pla").tv_sec, 1500000000);
+    }
+}
+
 TEST_F(FileUndoTest, LeavesAPlaylistThatWasEditedSince) {
     folder_.MakeFile("Rock.pla", "edited");
     const FileChange change{.kind = Kind::Written,

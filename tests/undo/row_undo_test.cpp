@@ -61,6 +61,13 @@ RowChange Removed(std::int64_t id, const std::string& title) {
             .fields = Whole(id, title, false)};
 }
 
+/// All records of a run.
+void Add(NetRows& net, const Records& records) {
+    net.StartRun();
+    for (const ChangeRecord& record : records)
+        net.Add(record);
+}
+
 class RowUndoTest : public testing::Test {
   protected:
     RowUndoTest() {
@@ -85,9 +92,10 @@ class RowUndoTest : public testing::Test {
         const RowUndo::StaysAt& stays = [](std::string_view) { return false; }) {
         NetRows net;
         for (const Records& run : runs)
-            net.Add(run);
+            Add(net, run);
         const std::vector<NetRow> rows = net.Take();
-        RowUndo undo(*connection_, rows, stays);
+        RowUndo undo(*connection_, rows);
+        undo.HoldBack(stays);
         JetDatabaseProvider::Together(*connection_, [&] { undo.CarryOut(Tried); });
         std::vector<Outcome> outcomes;
         for (const RowUndo::Step& step : undo.Steps())
@@ -258,9 +266,9 @@ TEST_F(RowUndoTest, ChangesNothingWhenTheWholeIsCutOff) {
     AddTrack(5, "Dawn");
     AddTrack(6, "Noon");
     NetRows net;
-    net.Add({Changed(5, {{"Title", "dawn", "Dawn"}}), Changed(6, {{"Title", "noon", "Noon"}})});
+    Add(net, {Changed(5, {{"Title", "dawn", "Dawn"}}), Changed(6, {{"Title", "noon", "Noon"}})});
     const std::vector<NetRow> rows = net.Take();
-    RowUndo undo(*connection_, rows, [](std::string_view) { return false; });
+    RowUndo undo(*connection_, rows);
     int calls = 0;
     const Attempt stopping = [&](const std::function<void()>& work) {
         work();
