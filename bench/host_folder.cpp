@@ -27,8 +27,11 @@ double MusicTree::SecondsOfWalk() const {
 
 HostFolder::HostFolder(std::string program, const fs::path& music) : program_(std::move(program)) {
     RunToSuccess({program_, "init", Path().string(), "--music", music.string()});
-    // The aims are those of a run that reads no sounds.
+    // The aims are those of a run that reads neither sounds nor pictures, and tags of new files
+    // only.
     Replace("host.ini", "\nFollowMovedFiles=", "0");
+    Replace("host.ini", "\nTrackArtists=", "0");
+    Replace("host.ini", "\nFolderImages=", "0");
     SetTags("v1", "v1");
 }
 

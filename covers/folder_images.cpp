@@ -1,72 +1,72 @@
 #include "covers/folder_images.h"
 
 #include <algorithm>
-#include <array>
-#include <cstddef>
+#include <optional>
 #include <span>
 #include <string>
+#include <vector>
 
+#include "covers/embedded_art.h"
 #include "platform/basic_text.h"
 #include "platform/files.h"
 #include "platform/windows_path.h"
 #include "run/counted.h"
+#include "run/disc_folders.h"
+#include "run/folder_images.h"
 #include "run/log.h"
 #include "run/paths.h"
 #include "run/sound_files.h"
+#include "tags/known_tags.h"
 
 namespace quillon {
 namespace {
 
-// The best comes first.
-constexpr std::array<std::string_view, 4> Names{"cover", "folder", "front", "albumart"};
-constexpr std::array<std::string_view, 3> Extensions{".jpg", ".jpeg", ".png"};
-constexpr std::size_t NoRank = Names.size() * Extensions.size();
+enum class FolderImageStep { Look = 4, KeepTags = 5 };
 
-enum class FolderImageStep { Look = 4 };
-
-/// How good a cover a file of this name is: 0 is the best; NoRank for one that is none.
-std::size_t RankOf(std::string_view fileName) {
-    const std::string name = LowerCase(fileName);
-    for (std::size_t i = 0; i < Names.size(); ++i) {
-        if (!name.starts_with(Names.at(i))) continue;
-        const auto* const extension =
-            std::ranges::find(Extensions, std::string_view(name).substr(Names.at(i).size()));
-        if (extension != Extensions.end())
-            return i * Extensions.size() + static_cast<std::size_t>(extension - Extensions.begin());
-    }
-    return NoRank;
-}
-
-/// The folder of the album's first song; "" where it has none.
-std::string FolderOfSongs(Run& run, const AlbumRow& album) {
-    const TrackRow* first = nullptr;
+/// The album's songs that are music files, by number.
+std::vector<const TrackRow*> SongsOf(Run& run, const AlbumRow& album) {
+    std::vector<const TrackRow*> songs;
     for (const TrackRow* const track : run.TheLibrary().TracksOf(album.cdjid)) {
-        if (track->isGone || !IsSoundFile(track->soundFile.Text())) continue;
-        if (first == nullptr || track->number.Value() < first->number.Value()) first = track;
+        if (!track->isGone && IsSoundFile(track->soundFile.Text())) songs.push_back(track);
     }
-    if (first == nullptr) return "";
-    return std::string(ParentFolder(first->soundFile.Text()));
+    std::ranges::stable_sort(songs, {},
+                             [](const TrackRow* track) { return track->number.Value(); });
+    return songs;
 }
 
-/// The path of the best image in the folder; "" where it has none.
-std::string BestImageIn(Run& run, const std::string& folder) {
-    const Listing<FileEntry> files = run.files.FilesIn(folder);
-    const FileEntry* best = nullptr;
-    for (const FileEntry& file : files) {
-        const std::size_t rank = RankOf(file.name);
-        if (rank < NoRank && (best == nullptr || rank < RankOf(best->name))) best = &file;
-    }
-    return best == nullptr ? "" : best->path;
+/// Where an album's image may lie: in the folder of its first song; where that is one of a disc,
+/// first in the album's own.
+std::vector<std::string> FoldersOf(const Run& run, const AlbumRow& album, const TrackRow& first) {
+    const std::string folder(ParentFolder(first.soundFile));
+    if (folder.empty()) return {};
+    const std::string_view name = LastName(folder);
+    const bool isDisc =
+        run.modern.joinsDiscs && DiscOfFolder(name) && !EqualIgnoringCase(name, album.title.Text());
+    if (!isDisc) return {folder};
+    return {std::string(ParentFolder(folder)), folder};
+}
+
+/// The path of the best image in the folder; "" where it has none. The walk has seen most folders.
+std::string ImageIn(Run& run, const std::string& folder) {
+    if (std::optional<std::string> seen = run.folderImages.Find(folder)) return *std::move(seen);
+    return BestFolderImage(run.files.FilesIn(folder).entries);
 }
 
 void TakeFolderImage(Run& run, AlbumRow& album) {
     const std::string present = album.imageFile;
     if (!present.empty() && run.files.FileExists(present)) return;
-    const std::string folder = FolderOfSongs(run, album);
-    // A drive that is away takes its folders with it.
-    if (folder.empty() || !run.files.FolderExists(folder)) return;
-    const std::string image = BestImageIn(run, folder);
-    if (image == present) return;
+    const std::vector<const TrackRow*> songs = SongsOf(run, album);
+    if (songs.empty()) return;
+    std::string image;
+    const std::vector<std::string> folders = FoldersOf(run, album, *songs.front());
+    for (const std::string& folder : folders) {
+        // A drive that is away takes its folders with it.
+        if (!run.folderImages.Find(folder) && !run.files.FolderExists(folder)) return;
+        image = ImageIn(run, folder);
+        if (!image.empty()) break;
+    }
+    if (image.empty()) image = TakeEmbeddedArt(run, album, songs);
+    if (folders.empty() || image == present) return;
     SetImageFile(run, album, image);
     if (!image.empty())
         WriteLog(run, LogSource, "Album Cover " + image + " added to Albums database");
@@ -85,10 +85,6 @@ void SetImageFile(Run& run, AlbumRow& album, const std::string& path) {
                       : counts.imagesChanged);
 }
 
-bool IsFolderImage(std::string_view fileName) {
-    return RankOf(fileName) < NoRank;
-}
-
 void TakeFolderImages(Run& run, Steps& steps) {
     for (AlbumRow& album : Counted(run, run.TheLibrary().Albums())) {
         run.ProcessEvents();
@@ -99,6 +95,8 @@ void TakeFolderImages(Run& run, Steps& steps) {
         steps.Concerning(album.artist.Text() + '\\' + album.title.Text());
         steps.Try(FolderImageStep::Look, [&] { TakeFolderImage(run, album); });
     }
+    steps.Concerning({});
+    if (run.knownTags) steps.Try(FolderImageStep::KeepTags, [&run] { run.knownTags->Save(); });
 }
 
 }  // namespace quillon

@@ -14,6 +14,7 @@
 #include "library/library.h"
 #include "platform/basic_text.h"
 #include "run/counted.h"
+#include "run/folder_images.h"
 #include "run/log.h"
 #include "run/run.h"
 #include "run/steps.h"

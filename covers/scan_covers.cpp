@@ -3,11 +3,11 @@
 #include <string>
 #include <vector>
 
-#include "covers/folder_images.h"
 #include "platform/basic_text.h"
 #include "platform/failure.h"
 #include "platform/files.h"
 #include "run/counted.h"
+#include "run/folder_images.h"
 #include "run/host_settings.h"
 #include "run/paths.h"
 #include "run/run.h"
@@ -44,6 +44,16 @@ void AddCoverFolder(Run& run, const std::string& folder, CoverSet& covers) {
         if (!HasExtension(file.name, ".gif")) continue;
         const std::string twin = std::string(WithoutExtension(file.name)) + ".jpg";
         if (findExactRecord(run, covers, twin) == nullptr) covers.Add(file.name, file.path);
+    }
+    if (!run.modern.takesFolderImages) return;
+    // Such come from the tags of songs.
+    for (const FileEntry& file : files) {
+        const bool isNamed = file.name.find(" - ") != std::string::npos;
+        if (!isNamed || !HasExtension(file.name, ".png")) continue;
+        const std::string stem(WithoutExtension(file.name));
+        const bool isFirst = findExactRecord(run, covers, stem + ".jpg") == nullptr &&
+                             findExactRecord(run, covers, stem + ".gif") == nullptr;
+        if (isFirst) covers.Add(file.name, file.path);
     }
 }
 

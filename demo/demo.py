@@ -140,6 +140,7 @@ class Demo:
         settings = self.host / "host.ini"
         settings.write_text(settings.read_text().replace("FollowMovedFiles=1", "FollowMovedFiles=0")
                             .replace("Numbers=tags", "Numbers=times")
+                            .replace("TrackArtists=1", "TrackArtists=0")
                             .replace("KeepDays=14", "KeepDays=0")
                             .replace("Read=best", "Read=v1").replace("Write=both", "Write=v1"))
         for statement in rows_before.statements(self.setting("LibraryRoot")):

@@ -72,6 +72,16 @@ void Change(const std::string& content, const OtherTags& before) {
     Require(changed.ends_with(std::string_view(content).substr(change->old.position + old.size())));
 }
 
+/// A picture that is found was in the file.
+void Look(const std::string& content, const OtherTags& found) {
+    BytesReader file(content);
+    const std::optional<EmbeddedImage> image = TagLibrary().ReadArt(file);
+    if (!image) return;
+    Require(image->extension == ".jpg" || image->extension == ".png");
+    Require(!image->bytes.empty() && image->bytes.size() <= content.size());
+    Require(found.art != EmbeddedArt::Unknown);
+}
+
 }  // namespace
 }  // namespace quillon
 
@@ -80,6 +90,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     quillon::BytesReader file(content);
     const quillon::OtherTags found = quillon::Read(file);
     quillon::Require(file.bytesRead <= 8'000'000 + size);
+    quillon::Look(content, found);
     quillon::Change(content, found);
     return 0;
 }

@@ -1,6 +1,8 @@
 #include "id3/album_plan.h"
 
 #include <algorithm>
+#include <deque>
+#include <iterator>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
@@ -8,9 +10,11 @@
 #include "id3/file_names.h"
 #include "id3/tag_agreement.h"
 #include "id3/tag_comparison.h"
+#include "id3/track_artists.h"
 #include "platform/basic_text.h"
 #include "platform/failure.h"
 #include "platform/windows_name.h"
+#include "run/disc_folders.h"
 #include "run/name_cleaning.h"
 #include "run/run.h"
 #include "run/sound_files.h"
@@ -39,16 +43,40 @@ std::string FileTitle(const std::string& tagTitle) {
     return title;
 }
 
+/// A tag's artist as names may have it.
+std::string FileArtist(const std::string& tagArtist) {
+    return std::string(Trim(NoNasties(tagArtist)));
+}
+
 class Planner {
   public:
     Planner(Run& run, Steps& steps, AlbumPlan& plan) : run_(run), steps_(steps), plan_(plan) {}
 
-    void Plan() {
-        std::vector<FileEntry> files = List();
-        plan_.files.reserve(files.size());
-        wishes_.reserve(files.size());
-        for (FileEntry& file : files)
+    /// Lists the folder and reads all tags. Returns the folders in it.
+    std::vector<std::string> Read() {
+        Listing<FileEntry> found = List();
+        plan_.files.reserve(found.size());
+        isKnown_.reserve(found.size());
+        for (FileEntry& file : found)
             Add(std::move(file));
+        return std::move(found.others);
+    }
+
+    void NoteArtists(TrackArtists& artists) const {
+        for (const PlannedFile& file : plan_.files)
+            artists.Add(file.tag.artist);
+    }
+
+    void Plan(const TrackArtists& artists) {
+        plan_.isOfSeveralArtists = artists.AreSeveral();
+        wishes_.reserve(plan_.files.size());
+        for (std::size_t i = 0; i < plan_.files.size(); ++i) {
+            PlannedFile& file = plan_.files[i];
+            FindTitle(file, artists);
+            wishes_.push_back(isKnown_[i]
+                                  ? Wish(file)
+                                  : Wanted{.standing = Standing::Unknown, .name = file.name});
+        }
         // In most albums all names are right.
         if (std::all_of(plan_.files.begin(), plan_.files.end(),
                         [this](const PlannedFile& file) { return IsContent(file); }))
@@ -82,27 +110,39 @@ class Planner {
     using Standing = Wanted::Standing;
 
     /// The folder's sound files.
-    std::vector<FileEntry> List() {
+    Listing<FileEntry> List() {
         steps_.Concerning(plan_.folder.path);
         Listing<FileEntry> found;
         if (!steps_.Try(TagStep::ListFiles, [&] { found = run_.files.FilesIn(plan_.folder.path); }))
             return {};
         // A name that is out of sight may be one that a file here would get.
-        if (std::any_of(found.unseen.begin(), found.unseen.end(), IsSoundFile)) return {};
-        std::erase_if(found.entries, [](const FileEntry& file) { return !IsSoundFile(file.name); });
-        return std::move(found.entries);
+        const bool isAllSeen = std::ranges::none_of(found.unseen, IsSoundFile);
+        std::erase_if(found.entries, [isAllSeen](const FileEntry& file) {
+            return !isAllSeen || !IsSoundFile(file.name);
+        });
+        return found;
     }
 
     void Add(FileEntry file) {
         PlannedFile& planned = plan_.files.emplace_back();
         planned.plainName = PlainName(file.name);
-        planned.title = SongTitle(planned.plainName, plan_.artist);
         steps_.Concerning(file.path);
-        const bool isKnown = ReadTag(planned, file);
+        isKnown_.push_back(ReadTag(planned, file));
         planned.name = std::move(file.name);
         planned.path = std::move(file.path);
-        wishes_.push_back(isKnown ? Wish(planned)
-                                  : Wanted{.standing = Standing::Unknown, .name = planned.name});
+    }
+
+    /// In an album of several artists a name may begin with the track's own.
+    void FindTitle(PlannedFile& file, const TrackArtists& artists) const {
+        constexpr std::string_view Dash = " - ";
+        file.nameArtist = plan_.artist;
+        if (plan_.isOfSeveralArtists) {
+            file.artist = artists.Of(file.tag.artist, plan_.artist);
+            const std::string own = FileArtist(file.artist);
+            const auto beginning = BeginningIn(file.plainName, own + std::string(Dash));
+            if (beginning) file.nameArtist = file.plainName.substr(0, *beginning - Dash.size());
+        }
+        file.title = SongTitle(file.plainName, file.nameArtist);
     }
 
     /// Whether its name stays, whatever others there are.
@@ -112,6 +152,7 @@ class Planner {
     }
 
     Wanted Wish(PlannedFile& file) {
+        steps_.Concerning(file.path);
         Wanted wanted{.standing = Standing::Leaves, .name = file.plainName};
         if (file.plainName == file.name) wanted.standing = Standing::IsRight;
         const bool isCut = IsCutOf(file.title, file.tag.song);
@@ -121,7 +162,7 @@ class Planner {
             if (wanted.standing == Standing::IsRight) wanted.standing = Standing::IsStuck;
             return wanted;
         }
-        std::string name = plan_.artist + " - " + title + ".mp3";
+        std::string name = file.nameArtist + " - " + title + ".mp3";
         // What differs are characters that no name can hold: it cannot come nearer to the tag.
         if (EqualIgnoringCase(name, file.plainName)) return wanted;
         const bool canBe = steps_.Try(TagStep::NameByTitle, [&] {
@@ -181,7 +222,8 @@ class Planner {
         if (wanted.standing != Standing::Leaves || isDecided) return;
         // Only a title makes a duplicate; a file of a temporary name keeps that.
         const auto yield = [&](std::optional<std::size_t> twin) {
-            if (!file.tagTitle || wanted.isCut) return Block(i);
+            const bool isAnothers = twin && plan_.files[*twin].artist != file.artist;
+            if (!file.tagTitle || wanted.isCut || isAnothers) return Block(i);
             MakeDuplicate(i, wanted.name, twin, false);
         };
         const std::optional<std::size_t> claim = ClaimOn(wanted.name);
@@ -288,7 +330,8 @@ class Planner {
     Run& run_;
     Steps& steps_;
     AlbumPlan& plan_;
-    std::vector<Wanted> wishes_;  ///< of the plan's files
+    std::vector<bool> isKnown_;   ///< of the plan's files: whether it is known what the tag says
+    std::vector<Wanted> wishes_;  ///< likewise
     /// By name in lower case: which file has it, and which is to get it.
     std::unordered_map<std::string, std::size_t> places_, claims_;
 };
@@ -299,10 +342,28 @@ std::string AlbumPlan::PathOf(std::string_view name) const {
     return std::string(folder.path).append("\\").append(name);
 }
 
-AlbumPlan PlanAlbum(Run& run, Steps& steps, std::string artist, FolderEntry folder) {
-    AlbumPlan plan{.artist = std::move(artist), .folder = std::move(folder), .files = {}};
-    Planner(run, steps, plan).Plan();
-    return plan;
+std::vector<AlbumPlan> PlanAlbum(Run& run, Steps& steps, const std::string& artist,
+                                 const FolderEntry& folder) {
+    // Planners refer to their plans, which must stay where they are.
+    std::deque<AlbumPlan> plans;
+    std::deque<Planner> planners;
+    const auto read = [&](std::string path) {
+        plans.push_back({.artist = artist, .folder = {std::move(path), folder.name}, .files = {}});
+        return planners.emplace_back(run, steps, plans.back()).Read();
+    };
+    std::vector<std::string> folders = read(folder.path);
+    if (run.modern.joinsDiscs) {
+        for (DiscFolder& disc : TakeDiscFolders(folder.path, folders))
+            read(std::move(disc.path));
+    }
+    TrackArtists artists;
+    if (run.modern.keepsTrackArtists) {
+        for (const Planner& planner : planners)
+            planner.NoteArtists(artists);
+    }
+    for (Planner& planner : planners)
+        planner.Plan(artists);
+    return {std::make_move_iterator(plans.begin()), std::make_move_iterator(plans.end())};
 }
 
 }  // namespace quillon

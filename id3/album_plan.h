@@ -39,6 +39,9 @@ struct PlannedFile {
     std::string title;      ///< of the song by that name
     Tag tag;                ///< none where there is no tag, or it could not be read
     std::optional<std::string> tagTitle;  ///< for its name, where the tag has another title
+    /// What its name begins with: the artist's folder, or the track's own artist where that is so.
+    std::string nameArtist;
+    std::string artist;  ///< the one that the track is by, where its album is of several
 
     Fate fate = Fate::Stays;
     /// IsRenamed: its own; IsDuplicate: that of the other file; isBlocked: that which it cannot
@@ -53,21 +56,25 @@ struct PlannedFile {
     bool isBlocked = false;
 };
 
-/// The sound files of an album folder, in name order. Nothing is changed yet.
+/// The sound files of an album folder, or of a disc folder in it, in name order. Nothing is changed
+/// yet.
 struct AlbumPlan {
     std::string artist;  ///< artist folder's name
-    FolderEntry folder;
+    FolderEntry folder;  ///< the path of a disc's, the name of the album's
     std::vector<PlannedFile> files;
+    bool isOfSeveralArtists = false;  ///< each track has its own artist
 
     std::string PathOf(std::string_view name) const;
 };
 
-/// Reads the tags of a folder's sound files and decides which names they get. A tag's title is
-/// trusted over the name; where several files would have a name, one gets it, and the others are
-/// its duplicates. Files may swap names or pass them on: a file is a duplicate of another one only
-/// if that one keeps the name. If not every sound file of a folder can be seen, the plan has none
-/// of its files, so that the folder stays as it is. What fails is logged through `steps`, with the
-/// path.
-AlbumPlan PlanAlbum(Run& run, Steps& steps, std::string artist, FolderEntry folder);
+/// Reads the tags of an album's sound files and decides which names they get: a plan for the
+/// album's folder and one for each disc folder in it, where those belong to it; a file stays in its
+/// folder. A tag's title is trusted over the name; where several files would have a name, one gets
+/// it, and the others are its duplicates. Files may swap names or pass them on: a file is a
+/// duplicate of another one only if that one keeps the name. If not every sound file of a folder
+/// can be seen, the plan has none of its files, so that the folder stays as it is. What fails is
+/// logged through `steps`, with the path.
+std::vector<AlbumPlan> PlanAlbum(Run& run, Steps& steps, const std::string& artist,
+                                 const FolderEntry& folder);
 
 }  // namespace quillon

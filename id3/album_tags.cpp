@@ -42,14 +42,22 @@ class AlbumTags {
     };
 
     /// Valid as long as the arguments.
-    ExpectedTag Expected(std::string_view song, std::string_view track) const {
+    ExpectedTag Expected(std::string_view song, const TrackInfo& info) const {
         const std::string& artist = plan_.artist;
         const std::string& album = plan_.folder.name;
+        const std::string_view track = info.track;
         return {.song = song,
-                .artist = artist,
+                .artist = HasOwnArtist(info) ? std::string_view() : artist,
                 .album = album,
                 .track = track,
                 .genre = walk_.run.GenreDictionary.Find(artist, album, song)};
+    }
+
+    /// Whether the track's artist is its own affair: nothing is expected of it then.
+    bool HasOwnArtist(const TrackInfo& info) const {
+        if (!walk_.run.modern.keepsTrackArtists) return false;
+        const bool isKnown = info.row != nullptr && !info.row->artist.IsEmpty();
+        return plan_.isOfSeveralArtists || (isKnown && info.row->artist != plan_.artist);
     }
 
     /// Notes what disagrees. A file that has only brackets for a name of its own will have gone.
@@ -59,8 +67,7 @@ class AlbumTags {
         const bool isRenamed = file.fate == Fate::IsRenamed;
         const TrackInfo info = GetID3TrackInfo(
             walk_.run, compared.path, isRenamed ? plan_.PathOf(file.newName) : std::string());
-        const TagComparison tag =
-            CompareTag(file.tag, Expected(file.title, info.track), info.seconds);
+        const TagComparison tag = CompareTag(file.tag, Expected(file.title, info), info.seconds);
         files_[i].row = info.row;
         compared.track = tag.track;
         compared.seconds = tag.seconds;
@@ -146,7 +153,8 @@ class AlbumTags {
 }  // namespace
 
 void VerifyAlbumTags(TagWalk& walk, const std::string& artist, const FolderEntry& folder) {
-    AlbumTags(walk, PlanAlbum(walk.run, walk.steps, artist, folder)).Verify();
+    for (AlbumPlan& plan : PlanAlbum(walk.run, walk.steps, artist, folder))
+        AlbumTags(walk, std::move(plan)).Verify();
 }
 
 }  // namespace quillon

@@ -19,9 +19,9 @@ struct TagWalk {
     std::vector<AlbumRest>& rests;  ///< what albums leave to the end
 };
 
-/// Compares the tags of one album folder's sound files, in name order; renames the files and brings
-/// their rows along. Removals wait for the end of the comparison. A file's failure is logged with
-/// its path, and the next file is looked at.
+/// Compares the tags of one album's sound files, folder by folder and in name order; renames the
+/// files and brings their rows along. Removals wait for the end of the comparison. A file's failure
+/// is logged with its path, and the next file is looked at.
 void VerifyAlbumTags(TagWalk& walk, const std::string& artist, const FolderEntry& folder);
 
 }  // namespace quillon

@@ -1,6 +1,8 @@
 #include "id3/record_builder.h"
 
+#include <algorithm>
 #include <cstdint>
+#include <optional>
 #include <utility>
 
 #include "id3/song_genre.h"
@@ -8,6 +10,9 @@
 #include "id3/track_of_file.h"
 #include "platform/ansi.h"
 #include "platform/basic_text.h"
+#include "platform/windows_path.h"
+#include "run/disc_folders.h"
+#include "run/paths.h"
 #include "run/run.h"
 #include "run/steps.h"
 #include "tags/length_text.h"
@@ -21,6 +26,7 @@ constexpr std::int32_t HighestTrack = 255;
 
 /// What the database says of one song; empty where it says nothing.
 struct SongFacts {
+    std::string artist;  ///< the track's own, where tracks have their own
     std::string track;
     std::string seconds;
     std::string genre;
@@ -41,12 +47,36 @@ const TrackRow* TrackOfNames(Library& library, const SongNames& names) {
     return found;
 }
 
-void ReadTrackRow(Run& run, std::string_view path, const SongNames& names, SongFacts& facts) {
+/// The number of a track among those of its disc, as tags count; that in its album where it lies in
+/// no disc folder.
+std::int32_t NumberOnDisc(Library& library, const TrackRow& row, std::int32_t number) {
+    const auto discOf = [](const TrackRow& track) {
+        return DiscOfFolder(LastName(ParentFolder(track.soundFile)));
+    };
+    const std::optional<int> disc = discOf(row);
+    if (!disc || number <= 0) return number;
+    std::int32_t first = number;
+    for (const TrackRow* const track : library.TracksOf(row.cdjid)) {
+        const std::int32_t other = track->number.Truth().value_or(0);
+        if (other > 0 && !track->isGone && discOf(*track) == disc) first = std::min(first, other);
+    }
+    return number - first + 1;
+}
+
+void ReadTrackRow(Run& run, std::string_view path, const SongNames& names, const Tag& present,
+                  SongFacts& facts) {
     Library& library = run.TheLibrary();
-    const TrackRow* row = library.FindTrack(path);
-    if (row == nullptr) row = TrackOfNames(library, names);
+    const TrackRow* const own = library.FindTrack(path);
+    const TrackRow* const row = own != nullptr ? own : TrackOfNames(library, names);
     if (row == nullptr) return;
-    const std::int32_t number = row->number.Truth().value_or(0);
+    if (own != nullptr && run.modern.keepsTrackArtists) facts.artist = own->artist.Text();
+    std::int32_t number = row->number.Truth().value_or(0);
+    if (run.modern.joinsDiscs) {
+        number = NumberOnDisc(library, *row, number);
+        // Among the files of one folder, the tags tell what counts with which disc.
+        const bool isOnOther = ToNumber(present.disc).value_or(1) > 1;
+        if (isOnOther && !DiscOfFolder(LastName(ParentFolder(path)))) number = 0;
+    }
     if (number > 0 && number <= HighestTrack) facts.track = std::to_string(number);
     if (const auto length = LengthOf(*row)) facts.seconds = std::to_string(*length);
 }
@@ -97,7 +127,7 @@ BuiltTag GetID3Info(Run& run, std::string_view path, const SongNames& names, con
     Steps steps(run, "GetID3Info Management");
     steps.Concerning(path);
     SongFacts facts;
-    steps.Try(FactStep::TrackRow, [&] { ReadTrackRow(run, path, names, facts); });
+    steps.Try(FactStep::TrackRow, [&] { ReadTrackRow(run, path, names, present, facts); });
     if (facts.seconds.empty()) steps.Try(FactStep::Length, [&] { ReadLength(run, names, facts); });
     steps.Try(FactStep::Genre, [&] { ReadGenre(run, names, facts); });
     const bool lengthKnown = !facts.seconds.empty(), trackKnown = !facts.track.empty();
@@ -105,7 +135,8 @@ BuiltTag GetID3Info(Run& run, std::string_view path, const SongNames& names, con
     tag.marker = "TAG";
     const bool isRecorded = present.isRecorded;
     if (!TitleSaysMore(present.song, names.song, isRecorded)) tag.song = names.song;
-    if (!SaysMore(present.artist, names.artist, isRecorded)) tag.artist = names.artist;
+    const std::string& artist = facts.artist.empty() ? names.artist : facts.artist;
+    if (!SaysMore(present.artist, artist, isRecorded)) tag.artist = artist;
     if (!SaysMore(present.album, names.album, isRecorded)) tag.album = names.album;
     if (lengthKnown) tag.comment = CommentWithLength(present.comment, facts.seconds);
     if (trackKnown) tag.track = facts.track;

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "id3/sound_bytes.h"
+#include "tags/sound_bytes.h"
 
 namespace quillon {
 namespace {

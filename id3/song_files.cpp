@@ -1,7 +1,10 @@
 #include "id3/song_files.h"
 
+#include <utility>
+
 #include "id3/file_names.h"
 #include "platform/basic_text.h"
+#include "run/disc_folders.h"
 #include "run/run.h"
 #include "run/sound_files.h"
 #include "run/steps.h"
@@ -51,13 +54,36 @@ void SongFiles::ListAlbums() {
 void SongFiles::ListFiles() {
     files_.clear();
     for (const std::string& folder : Found(albums_, album_)) {
-        steps_.Concerning(folder);
-        steps_.Try(StoreStep::ListFolder, [&] {
-            for (FileEntry& file : run_.files.FilesIn(folder)) {
-                if (IsSoundFile(file.name)) files_[KeyOf(file.name)].push_back(std::move(file));
-            }
-        });
+        std::vector<std::string> folders = ListFilesIn(folder);
+        if (!run_.modern.joinsDiscs) continue;
+        for (const DiscFolder& disc : TakeDiscFolders(folder, folders))
+            ListFilesIn(disc.path);
     }
+}
+
+/// Returns the folders in the folder.
+std::vector<std::string> SongFiles::ListFilesIn(const std::string& folder) {
+    std::vector<std::string> folders;
+    steps_.Concerning(folder);
+    steps_.Try(StoreStep::ListFolder, [&] {
+        Listing<FileEntry> files = run_.files.FilesIn(folder);
+        folders = std::move(files.others);
+        for (FileEntry& file : files) {
+            if (IsSoundFile(file.name)) Add(std::move(file));
+        }
+    });
+    return folders;
+}
+
+void SongFiles::Add(FileEntry file) {
+    constexpr std::string_view Dash = " - ";
+    const std::string key = KeyOf(file.name);
+    const std::size_t dash = key.find(Dash);
+    if (run_.modern.keepsTrackArtists && dash != std::string::npos) {
+        const std::string inner(Trim(std::string_view(key).substr(dash + Dash.size())));
+        files_[inner].push_back(file);
+    }
+    files_[key].push_back(std::move(file));
 }
 
 std::vector<FileEntry> SongFiles::WithTitle(std::string_view title) const {

@@ -33,7 +33,8 @@ class SongFiles {
     void GoTo(std::string_view artist, std::string_view album);
 
     /// Files of the album whose title is this one, whatever the letter case, with the artist before
-    /// it ("Artist - Title.mp3") or without, in the order of their names.
+    /// it ("Artist - Title.mp3") or without, in the order of their names; those of discs come
+    /// behind. Where tracks have artists of their own, any artist may stand there.
     std::vector<FileEntry> WithTitle(std::string_view title) const;
 
   private:
@@ -44,6 +45,8 @@ class SongFiles {
     std::string KeyOf(std::string_view fileName) const;
     void ListAlbums();
     void ListFiles();
+    std::vector<std::string> ListFilesIn(const std::string& folder);
+    void Add(FileEntry file);
 
     Run& run_;
     Steps& steps_;

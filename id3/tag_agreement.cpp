@@ -89,6 +89,11 @@ bool TagAgreesWithTitle(std::string_view value, std::string_view title) {
     return FitsAsName(value, beginsOne) && !FitsAsName(value, isOne);
 }
 
+bool IsNameOf(std::string_view value, std::string_view name) {
+    return FitsAsName(value,
+                      [name](std::string_view text) { return EqualIgnoringCase(text, name); });
+}
+
 std::vector<std::string> CutTexts(std::string_view text) {
     constexpr std::size_t Room = 30;
     std::vector<std::string> cuts;
@@ -105,10 +110,8 @@ std::vector<std::string> CutTexts(std::string_view text) {
 
 bool IsCutOf(std::string_view name, std::string_view value) {
     const std::vector<std::string> cuts = CutTexts(Trim(value));
-    return std::ranges::any_of(cuts, [name](const std::string& cut) {
-        return FitsAsName(cut,
-                          [name](std::string_view text) { return EqualIgnoringCase(text, name); });
-    });
+    return std::ranges::any_of(cuts,
+                               [name](const std::string& cut) { return IsNameOf(cut, name); });
 }
 
 bool HoldsMoreThanNames(std::string_view value) {

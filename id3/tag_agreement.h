@@ -21,6 +21,9 @@ bool TagAgreesWithName(std::string_view value, std::string_view name);
 /// name. When it says all of that, it does not: then the name holds more than the title.
 bool TagAgreesWithTitle(std::string_view value, std::string_view title);
 
+/// Whether the name is the whole value, as far as a name can hold it.
+bool IsNameOf(std::string_view value, std::string_view name);
+
 /// What may be left of a longer text in a field of 30 bytes: as the code page has it, and in UTF-8;
 /// some programs keep a last zero byte. Nothing of a text that has room there.
 std::vector<std::string> CutTexts(std::string_view text);

@@ -103,10 +103,11 @@ TagChanges CountTagChanges(Run& run) {
     };
     for (const FolderEntry& root : run.LibraryFolders) {
         VisitAlbums(run, steps, root, [&](const std::string& artist, const FolderEntry& album) {
-            const AlbumPlan plan = PlanAlbum(run, steps, artist, album);
-            for (const PlannedFile& file : plan.files) {
-                if (file.fate == Fate::IsRenamed) ++changes.renames;
-                if (file.fate == Fate::IsDuplicate && goes(plan, file)) ++changes.removals;
+            for (const AlbumPlan& plan : PlanAlbum(run, steps, artist, album)) {
+                for (const PlannedFile& file : plan.files) {
+                    if (file.fate == Fate::IsRenamed) ++changes.renames;
+                    if (file.fate == Fate::IsDuplicate && goes(plan, file)) ++changes.removals;
+                }
             }
         });
     }

@@ -8,6 +8,7 @@
 #include "database/sql.h"
 #include "id3/file_names.h"
 #include "id3/record_builder.h"
+#include "platform/basic_text.h"
 #include "platform/database.h"
 #include "platform/failure.h"
 #include "run/log.h"
@@ -74,8 +75,9 @@ void WriteAllTags(Run& run, const std::string& path, const SongNames& names,
     const BuiltTag wanted = GetID3Info(run, path, names, tags.together);
     NoteUnknown(run, path, differences, wanted, tags.together);
     Tag old = GetID3Info(run, path, names, present.IsThere() ? present : tags.together).tag;
-    if (hasOther && std::ranges::find(run.GenreNames, old.genre) == run.GenreNames.end())
-        old.genre.clear();
+    const bool hasNumber = std::ranges::find(run.GenreNames, old.genre) != run.GenreNames.end();
+    // Download tables have numbers of links for genres; those are none.
+    if (!hasNumber && (hasOther || IsNumeric(old.genre))) old.genre.clear();
     old.isRecorded = true;
     const std::size_t before = run.counts.tagsWritten;
     if (!hasOther || HoldsTexts(old)) WriteTag(run, path, end, old);

@@ -1,6 +1,7 @@
 #include "picker/albums.h"
 
 #include <unordered_map>
+#include <utility>
 #include <variant>
 
 #include "platform/basic_text.h"
@@ -25,14 +26,16 @@ enum Field : std::size_t {
     TrackTitle,
     TrackMinutes,
     TrackSeconds,
+    TrackArtist,  ///< only where tracks have artists of their own
 };
 
 /// What stands for a number that the database does not know.
 constexpr std::string_view Unknown = "x";
 
-std::string QueryText(std::int16_t leastTracks) {
+std::string QueryText(std::int16_t leastTracks, bool withArtists) {
     return "Select albums.cdjid,albums.title,albums.artist,albums.imagefile,albums.tracks,"
-           "albums.minutes,albums.seconds,tracks.track,tracks.title,tracks.minutes,tracks.seconds"
+           "albums.minutes,albums.seconds,tracks.track,tracks.title,tracks.minutes,tracks.seconds" +
+           std::string(withArtists ? ",tracks.artist" : "") +
            " From Albums INNER JOIN Tracks on Albums.cdjid=Tracks.cdjid WHERE Albums.Tracks >=" +
            std::to_string(leastTracks) + " order by Albums.artist,Albums.title,tracks.track";
 }
@@ -124,7 +127,9 @@ PickerAlbums ReadPickerAlbums(Run& run, Connection& connection) {
     PickerAlbums result;
     result.inLibrary = CountAlbums(connection);
     std::unordered_map<std::string, std::size_t> places;
-    const std::unique_ptr<RecordSet> rows = connection.Query(QueryText(run.settings.PickerMinimum));
+    const bool withArtists = run.modern.keepsTrackArtists;
+    const std::unique_ptr<RecordSet> rows =
+        connection.Query(QueryText(run.settings.PickerMinimum, withArtists));
     for (; !rows->IsEof(); rows->MoveNext()) {
         const auto [place, isNew] = places.try_emplace(KeyOf(*rows), result.albums.size());
         if (isNew) {
@@ -132,7 +137,12 @@ PickerAlbums ReadPickerAlbums(Run& run, Connection& connection) {
             if (run.AbortRequested) break;
             result.albums.push_back(AlbumIn(*rows));
         }
-        result.albums[place->second].tracks.push_back(TrackIn(*rows));
+        PickerAlbum& album = result.albums[place->second];
+        album.tracks.push_back(TrackIn(*rows));
+        if (!withArtists) continue;
+        std::string artist = TextOf(rows->Get(TrackArtist));
+        if (!EqualIgnoringCase(artist, album.artist))
+            album.tracks.back().artist = std::move(artist);
     }
     for (PickerAlbum& album : result.albums) {
         // Albums of the library's own carry no length, their tracks do.

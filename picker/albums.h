@@ -22,6 +22,7 @@ struct PickerTrack {
     std::int64_t number = 0;  ///< 0 where the row has none
     std::string title;
     Length length;
+    std::string artist = {};  ///< its own, where that is another one than the album's
 };
 
 struct PickerAlbum {

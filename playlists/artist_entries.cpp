@@ -122,7 +122,7 @@ class EntryReader {
 
     void ReadTracks(const GenreArtist& artist) {
         bool isFirst = true, isWanted = true;
-        tracks_.ForEach(artist.artist, [&](const TrackRow& track) {
+        const auto read = [&](const TrackRow& track) {
             // The first track's answer counts for all: an artist is wanted or not, and people who
             // mark some songs of one rely on that.
             if (isFirst) isWanted = !IsExcluded(track.title, artist.artist);
@@ -135,6 +135,23 @@ class EntryReader {
                 homeless_.Add(track);
             } else {
                 Add(track, artist, number);
+            }
+        };
+        tracks_.ForEach(artist.artist, read);
+        if (run_.modern.keepsTrackArtists) ReadGuests(artist.artist, read);
+    }
+
+    /// Tracks on the artist's albums that are by others, of whom the download table knows nothing:
+    /// they go with the albums they are on.
+    template <typename Visit>
+    void ReadGuests(const std::string& artist, const Visit& visit) {
+        albums_.ForEach(artist, [&](const AlbumRow& album) {
+            if (album.cdjid.IsEmpty()) return;
+            for (const TrackRow* const track : run_.TheLibrary().TracksOf(album.cdjid)) {
+                const bool isThere = !track->isGone && !track->isWaiting && !track->artist.IsNull();
+                if (!isThere || run_.TheLibrary().Rules().AreEqual(track->artist, artist)) continue;
+                const SongRow* const own = run_.TheDownloadTable().FirstOf(track->artist);
+                if (own == nullptr || own->genre.IsNull()) visit(*track);
             }
         });
     }

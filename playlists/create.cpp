@@ -43,6 +43,7 @@ class Threshold {
                 count = &counts_[LowerCase(track.artist)];
             last = &track;
             ++*count;
+            if (run.modern.keepsTrackArtists) CountForAlbum(run.TheLibrary(), track);
         }
     }
 
@@ -53,6 +54,13 @@ class Threshold {
     }
 
   private:
+    /// The artist of an album has its tracks, too, whoever they are by.
+    void CountForAlbum(Library& library, const TrackRow& track) {
+        const AlbumRow* const album = library.AlbumOf(track);
+        if (album != nullptr && !EqualIgnoringCase(album->artist, track.artist))
+            ++counts_[LowerCase(album->artist)];
+    }
+
     std::int64_t least_;
     std::unordered_map<std::string, std::int64_t> counts_;  ///< by artist in lower case
 };

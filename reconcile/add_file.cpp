@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -19,6 +18,7 @@
 #include "reconcile/added_file.h"
 #include "reconcile/adding.h"
 #include "reconcile/new_rows.h"
+#include "reconcile/take_back.h"
 #include "run/host_settings.h"
 #include "run/paths.h"
 #include "run/run.h"
@@ -55,30 +55,6 @@ std::string FindAlbum(Connection& connection, const std::string& artist, const s
     const std::unique_ptr<RecordSet> owned = connection.Query(statement + " AND Player=1001");
     return owned->IsEmpty() ? first : owned->Text("CDJID");
 }
-
-/// How to undo what has been done for something that turns out not to be possible as a whole.
-class TakeBack {
-  public:
-    /// Notes how to undo what was done just now.
-    void Add(std::function<void()> work) { works_.push_back(std::move(work)); }
-
-    /// Takes over what another one has noted, as done after all of this.
-    void Append(TakeBack& other) {
-        for (std::function<void()>& work : other.works_)
-            works_.push_back(std::move(work));
-        other.works_.clear();
-    }
-
-    /// Undoes everything, what was done last first; a failure is logged and the rest goes on.
-    template <NamedStep Step>
-    void Run(Steps& steps, Step step) {
-        for (; !works_.empty(); works_.pop_back())
-            steps.Try(step, works_.back());
-    }
-
-  private:
-    std::vector<std::function<void()>> works_;
-};
 
 /// One file on its way into the library.
 ///
@@ -124,6 +100,8 @@ class Addition {
     void LookUp();
     bool HasTrack(const std::string& soundFile) const;
     bool IsAddedAsCut() const;
+    bool IsAddedWithoutDisc() const;
+    void KeepApart();
     void Copy();
     void FindOrAddAlbum();
     bool TryCover();
@@ -145,7 +123,9 @@ class Addition {
     TakeBack takeBack_;
     std::string path_, cover_;
     AddedFile file_;
-    std::string artistFolder_, albumFolder_, target_;
+    std::string artistFolder_, albumFolder_;
+    std::string folder_;  ///< the disc's, else the album's
+    std::string target_;
     std::string cdjid_;  ///< "" while there is no album
     bool isNewAlbum_ = false;
     bool isKnown_ = false;  ///< a track has the target already
@@ -172,15 +152,30 @@ void Addition::Describe(std::string_view artist, std::string_view album) {
     if (file_.title.find('\\') != std::string::npos && file_.title == TitleInPath(path_))
         file_.title = TitleInName(path_);
     RequireFileNames(file_, path_);
+    if (run_.modern.joinsDiscs) file_.disc = DiscFolderOf(path_, *tag);
     artistFolder_ = adding_.root + file_.artist;
     albumFolder_ = artistFolder_ + '\\' + file_.album;
-    target_ = albumFolder_ + '\\' + file_.title + ".mp3";
+    folder_ = file_.disc.empty() ? albumFolder_ : albumFolder_ + '\\' + file_.disc;
+    target_ = folder_ + '\\' + file_.title + ".mp3";
+    if (run_.modern.joinsDiscs) KeepApart();
+}
+
+/// Another song that has the title of one of this run gets a number behind it.
+void Addition::KeepApart() {
+    const std::string title = file_.title;
+    for (int number = 2;; ++number) {
+        const auto [source, isNew] = adding_.sources.try_emplace(LowerCase(target_), path_);
+        if (isNew || source->second == path_) return;
+        if (HaveSameSound(run_.files, path_, source->second)) return;
+        file_.title = title + " (" + std::to_string(number) + ')';
+        target_ = folder_ + '\\' + file_.title + ".mp3";
+    }
 }
 
 void Addition::LookUp() {
     if (file_.artist == adding_.artist && file_.album == adding_.album) cdjid_ = adding_.cdjid;
     if (cdjid_.empty()) cdjid_ = FindAlbum(*run_.connection, file_.artist, file_.album);
-    isKnown_ = HasTrack(target_) || IsAddedAsCut();
+    isKnown_ = HasTrack(target_) || IsAddedAsCut() || IsAddedWithoutDisc();
 }
 
 bool Addition::HasTrack(const std::string& soundFile) const {
@@ -207,10 +202,18 @@ bool Addition::IsAddedAsCut() const {
     return false;
 }
 
+/// Whether it has been added to the album's own folder, where no disc was asked for.
+bool Addition::IsAddedWithoutDisc() const {
+    const std::string target = albumFolder_ + '\\' + file_.title + ".mp3";
+    return !file_.disc.empty() && HasTrack(target) && run_.files.FileExists(target) &&
+           HaveSameSound(run_.files, path_, target);
+}
+
 void Addition::Copy() {
     if (isKnown_) return;
     MakeFolder(artistFolder_);
     MakeFolder(albumFolder_);
+    MakeFolder(folder_);
     if (run_.files.FileExists(target_)) return;
     run_.files.CopyFile(path_, target_, false);
     isCopied_ = true;

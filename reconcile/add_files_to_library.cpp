@@ -15,6 +15,7 @@
 #include "reconcile/adding.h"
 #include "reconcile/file_list.h"
 #include "run/counted.h"
+#include "run/disc_folders.h"
 #include "run/log.h"
 #include "run/paths.h"
 #include "run/run.h"
@@ -53,9 +54,10 @@ class AddingWalk {
   public:
     AddingWalk(Adding& adding, Steps& steps) : adding_(adding), run_(adding.run), steps_(steps) {}
 
-    /// How far it has come shows in the outermost folder alone.
+    /// How far it has come shows in the outermost folder alone. `outerCover` is the image beside a
+    /// disc folder.
     void AddFolder(std::string_view artist, std::string_view album, const std::string& folder,
-                   bool isOutermost = false) {
+                   bool isOutermost = false, const std::string& outerCover = "") {
         steps_.Concerning(folder);
         if (!MayBeAdded(folder)) return;
         Listing<FileEntry> files;
@@ -64,12 +66,18 @@ class AddingWalk {
             return;
         std::optional<Share> share;
         if (isOutermost) share.emplace(run_, 0, EndOfLooseFiles);
-        AddFilesIn(files, artist, album, isOutermost);
+        std::string cover = FindCover(files);
+        if (cover.empty()) cover = outerCover;
+        AddFilesIn(files, artist, album, cover, isOutermost);
         share.reset();
         if (isOutermost) share.emplace(run_, EndOfLooseFiles, EndOfFirstVisit);
         for (const FolderEntry& subfolder : SubFolders(folder, isOutermost)) {
             if (run_.AbortRequested) return;
-            AddFolder(artist, subfolder.name, subfolder.path);
+            if (IsDisc(subfolder)) {
+                AddFolder(artist, album, subfolder.path, false, cover);
+            } else {
+                AddFolder(artist, subfolder.name, subfolder.path);
+            }
             if (isOutermost) run_.CountDone();
         }
     }
@@ -82,6 +90,11 @@ class AddingWalk {
                      [&] { folders = run_.files.SubFolders(folder); });
         if (isCounted) run_.StartCounting(folders.size());
         return std::move(folders.entries);
+    }
+
+    /// A disc's folder is neither an artist nor an album.
+    bool IsDisc(const FolderEntry& folder) const {
+        return run_.modern.joinsDiscs && DiscOfFolder(folder.name).has_value();
     }
 
   private:
@@ -97,8 +110,7 @@ class AddingWalk {
     }
 
     void AddFilesIn(const Listing<FileEntry>& files, std::string_view artist,
-                    std::string_view album, bool isCounted) {
-        const std::string cover = FindCover(files);
+                    std::string_view album, const std::string& cover, bool isCounted) {
         if (isCounted) run_.StartCounting(files.size());
         for (const FileEntry& file : files) {
             if (IsSoundFile(file.name)) {
@@ -115,8 +127,8 @@ class AddingWalk {
     Steps& steps_;
 };
 
-/// Whether a folder holds music, as far down as albums are. What cannot be listed may hold some.
-bool HoldsMusic(Run& run, const std::string& folder, int depth = 2) {
+/// Whether a folder holds music, so many levels down. What cannot be listed may hold some.
+bool HoldsMusic(Run& run, const std::string& folder, int depth) {
     const Listing<FileEntry> files = run.files.FilesIn(folder);
     const auto isMusic = [](const FileEntry& file) { return IsSoundFile(file.name); };
     if (!files.unseen.empty() || std::ranges::any_of(files.entries, isMusic)) return true;
@@ -143,7 +155,9 @@ std::size_t TracksBelow(Run& run, std::string_view folder) {
 /// sight as soon as it is.
 bool IsOutOfSight(Run& run, const std::string& root) {
     if (!run.removals.limits.Brake || run.removals.allAllowed) return false;
-    return TracksBelow(run, root) > 0 && !HoldsMusic(run, root);
+    constexpr int Albums = 2, Discs = 3;
+    const int depth = run.modern.joinsDiscs ? Discs : Albums;
+    return TracksBelow(run, root) > 0 && !HoldsMusic(run, root, depth);
 }
 
 /// What stands in the way of adding anything, "" when nothing does.
@@ -194,7 +208,8 @@ void AddFilesToLibrary(Run& run) {
         const Share share(run, EndOfFirstVisit, 1);
         for (const FolderEntry& subfolder : Counted(run, walk.SubFolders(source, false))) {
             if (run.AbortRequested) return;
-            walk.AddFolder(subfolder.name, UnknownName, subfolder.path);
+            if (!walk.IsDisc(subfolder))
+                walk.AddFolder(subfolder.name, UnknownName, subfolder.path);
         }
     });
 }

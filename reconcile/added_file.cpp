@@ -2,10 +2,14 @@
 
 #include <algorithm>
 #include <cctype>
+#include <optional>
 
 #include "platform/basic_text.h"
 #include "platform/failure.h"
 #include "platform/windows_name.h"
+#include "platform/windows_path.h"
+#include "run/disc_folders.h"
+#include "run/paths.h"
 
 namespace quillon {
 namespace {
@@ -61,6 +65,15 @@ void ReadTagInto(AddedFile& file, const Tag& tag, const FindGenre& findGenre) {
     if (IsNumeric(recorded.track)) file.track = ToInteger(recorded.track);
     if (std::string genre = findGenre(recorded.genre); !genre.empty())
         file.genre = std::move(genre);
+}
+
+std::string DiscFolderOf(std::string_view path, const Tag& tag) {
+    constexpr double First = 1, Most = 99;
+    const std::string_view folder = LastName(ParentFolder(path));
+    if (DiscOfFolder(folder)) return std::string(folder);
+    const std::optional<double> disc = ToNumber(tag.disc);
+    if (!disc || *disc <= First || *disc > Most) return "";
+    return "CD" + std::to_string(static_cast<int>(*disc));
 }
 
 void RequireFileNames(const AddedFile& file, std::string_view path) {

@@ -14,6 +14,7 @@ struct AddedFile {
     std::string artist;
     std::string album;
     std::string title;
+    std::string disc = {};  ///< name of the disc folder in the album's; "" for none
     std::int16_t track = 1;
     std::string genre = "other";
 };
@@ -36,6 +37,11 @@ using FindGenre = std::function<std::string(std::string_view number)>;
 /// padding and do not count; a text of nothing else is none. A "|" in a text shifts what is behind
 /// it. Failure: a track number beyond 16 bits, and what `findGenre` throws.
 void ReadTagInto(AddedFile& file, const Tag& tag, const FindGenre& findGenre);
+
+/// The disc folder for a file of this path: that which it lies in, else CD2 and so on by the number
+/// in its tag. Files of a first disc that only a tag names lie in the album's folder, before all
+/// others.
+std::string DiscFolderOf(std::string_view path, const Tag& tag);
 
 /// Failure (BadFileName, naming what is wrong) when the artist or the album cannot be a folder's
 /// name or the title cannot be a file's.

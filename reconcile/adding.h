@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <unordered_set>
 
 #include "database/cdjid.h"
@@ -25,6 +26,10 @@ struct Adding {
     /// The file handled last, so that the next one of its album needs no look-up; no identifier
     /// before the first.
     std::string artist, album, cdjid;
+
+    /// The files that have been handled, by the paths in the library that they ask for, where songs
+    /// of one title are kept apart.
+    std::unordered_map<std::string, std::string> sources;
 
     /// Covers that could not be given to their albums, by the path they would have got.
     std::unordered_set<std::string> refusedCovers;

@@ -13,22 +13,27 @@
 namespace quillon {
 namespace {
 
-bool IsOlder(const ListedFile& left, const ListedFile& right) {
+bool ComesFirst(const ListedFile& left, const ListedFile& right) {
+    if (left.Disc != right.Disc) return left.Disc < right.Disc;
     return left.FileDate.days < right.FileDate.days;
 }
 
 void SortByDate(FileList& files) {
-    std::stable_sort(files.begin(), files.end(), IsOlder);
+    std::stable_sort(files.begin(), files.end(), ComesFirst);
 }
 
 }  // namespace
 
 TrackTag TrackTagOf(Tag tag) {
     const Tag recorded = AsRecorded(std::move(tag));
-    if (!recorded.seconds.empty()) return {.number = recorded.track, .seconds = recorded.seconds};
+    TrackTag track{.number = recorded.track,
+                   .seconds = recorded.seconds,
+                   .disc = recorded.disc,
+                   .artist = recorded.artist};
+    if (!track.seconds.empty()) return track;
     const std::optional<LengthMark> length = LengthInComment(recorded.comment);
-    const bool isWhole = length && length->isClosed;
-    return {.number = recorded.track, .seconds = std::string(isWhole ? length->seconds : "")};
+    if (length && length->isClosed) track.seconds = length->seconds;
+    return track;
 }
 
 std::optional<TrackTag> ReadTrackTag(Run& run, const ListedFile& file) {
@@ -47,14 +52,15 @@ std::int16_t FileCount(std::size_t files) {
     return static_cast<std::int16_t>(files);
 }
 
-FileList ProcessAlbumTracks(std::span<const FileEntry> albumFolder) {
+FileList ProcessAlbumTracks(std::span<const FileEntry> albumFolder, int disc) {
     FileList list;
     for (const FileEntry& file : albumFolder) {
         if (!IsSoundFile(file.name)) continue;
         list.push_back({.Name = file.path,
                         .FileDate = file.modified,
                         .Size = file.size,
-                        .Changed = file.changed});
+                        .Changed = file.changed,
+                        .Disc = disc});
     }
     SortByDate(list);
     return list;
@@ -63,7 +69,7 @@ FileList ProcessAlbumTracks(std::span<const FileEntry> albumFolder) {
 void Merge(FileList& files, FileList others) {
     const auto middle = static_cast<FileList::difference_type>(files.size());
     std::move(others.begin(), others.end(), std::back_inserter(files));
-    std::inplace_merge(files.begin(), files.begin() + middle, files.end(), IsOlder);
+    std::inplace_merge(files.begin(), files.begin() + middle, files.end(), ComesFirst);
 }
 
 FileList ProcessFlatTracks(FileList files) {

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "library/library.h"
-#include "reconcile/sound_print.h"
+#include "tags/sound_print.h"
 
 namespace quillon {
 

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "library/text_rules.h"
-#include "reconcile/sound_print.h"
+#include "tags/sound_print.h"
 
 namespace quillon {
 

@@ -8,6 +8,7 @@
 #include "reconcile/follow_moved.h"
 #include "reconcile/walked_album.h"
 #include "run/counted.h"
+#include "tags/heard_sounds.h"
 
 namespace quillon {
 namespace {
@@ -138,6 +139,8 @@ void MovedMusic::ReadFound() {
 
 std::optional<SoundPrint> MovedMusic::Print(const std::string& path, const FileState& file) {
     std::optional<SoundPrint> print;
+    if (run_.heardSounds) print = run_.heardSounds->Find(path, file);
+    if (print) return print;
     if (failures_ >= MostFailures) return print;
     steps_.Concerning(path);
     if (!steps_.Try(FollowStep::ReadSound, [&] { print = ReadSoundPrint(run_.files, path, file); }))

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <functional>
 #include <limits>
 #include <numeric>
 #include <optional>
@@ -16,11 +17,13 @@
 #include "database/sql.h"
 #include "database/waiting_music.h"
 #include "id3/file_names.h"
+#include "id3/track_artists.h"
 #include "id3/track_of_file.h"
 #include "platform/basic_text.h"
 #include "platform/clock.h"
 #include "reconcile/new_rows.h"
 #include "reconcile/number_order.h"
+#include "reconcile/numbers_taken.h"
 #include "reconcile/wished_numbers.h"
 #include "run/log.h"
 #include "run/paths.h"
@@ -38,29 +41,6 @@ std::optional<std::int64_t> IntegerIn(std::string_view text) {
     return ToInteger(text);
 }
 
-/// The numbers 1 to N and which of them are taken.
-class NumbersTaken {
-  public:
-    explicit NumbersTaken(std::int16_t count) : taken_(static_cast<std::size_t>(count) + 1) {}
-
-    std::int64_t Count() const { return static_cast<std::int64_t>(taken_.size()) - 1; }
-    bool IsTaken(std::int64_t number) const { return taken_[static_cast<std::size_t>(number)]; }
-    void Take(std::int64_t number) { taken_[static_cast<std::size_t>(number)] = true; }
-
-    /// The lowest free number, which is then taken; nothing when there is none.
-    std::optional<std::int64_t> TakeLowest() {
-        while (lowest_ <= Count() && IsTaken(lowest_))
-            ++lowest_;
-        if (lowest_ > Count()) return std::nullopt;
-        Take(lowest_);
-        return lowest_;
-    }
-
-  private:
-    std::vector<bool> taken_;
-    std::int64_t lowest_ = 1;
-};
-
 /// One album's files on their way through the passes.
 class AlbumTracks {
   public:
@@ -71,6 +51,14 @@ class AlbumTracks {
           album_(album),
           steps_(walk.run, "ProcessTracks"),
           numbers_(album.trackCount) {}
+
+    /// Finds out what must be known of all files before the first gets its row: their order, which
+    /// numbers each disc has, and whether they are of several artists.
+    void Prepare(FileList& files) {
+        GiveNumbers(files, [](const ListedFile& file) { return Disc{.folder = file.Disc}; });
+        if (run_.modern.keepsTrackArtists) FindArtists(files);
+        if (run_.modern.numbersFromTags) OrderByWishes(files);
+    }
 
     /// Gives the file its row. The file's ID is set when that row waits for a number.
     void Place(ListedFile& file) {
@@ -104,26 +92,13 @@ class AlbumTracks {
         }
         for (auto first = waiting.begin(); first != waiting.end();) {
             const auto isYounger = [&first](const ListedFile* file) {
-                return file->FileDate.days != (*first)->FileDate.days;
+                return file->Disc != (*first)->Disc ||
+                       file->FileDate.days != (*first)->FileDate.days;
             };
             const auto last = std::find_if(first, waiting.end(), isYounger);
             HandOutNumbersAmong({first, last});
             first = last;
         }
-    }
-
-    /// Brings the files into the order of the numbers that their tags, or else their names, ask
-    /// for.
-    void OrderByWishes(FileList& files) {
-        keepsNumbers_ = !run_.modern.readsAllTags && AreNumbered(files);
-        for (ListedFile& file : files)
-            wishes_.push_back({FindWish(file), file.Name});
-        std::ranges::sort(wishes_, ComesBefore);
-        std::unordered_map<std::string_view, std::size_t> places;
-        for (std::size_t i = 0; i < wishes_.size(); ++i)
-            places.emplace(wishes_[i].path, i);
-        std::ranges::sort(files, {},
-                          [&places](const ListedFile& file) { return places.at(file.Name); });
     }
 
     /// Tells of gaps and of numbers that are there twice, in the run that gives an album its
@@ -148,6 +123,71 @@ class AlbumTracks {
   private:
     enum class Step { FindRow = 1, AddRow = 2, ChangeRow = 3 };
 
+    void FindArtists(FileList& files) {
+        for (ListedFile& file : files) {
+            steps_.Concerning(file.Name);
+            steps_.Try(Step::AddRow, [&] { artists_.Add(TagOf(file).artist); });
+        }
+    }
+
+    /// What a file's tag says; nothing where it cannot be read.
+    const TrackTag& TagOf(ListedFile& file) {
+        if (!file.Tag) {
+            file.Tag = ReadTrackTag(run_, file);
+            file.IsUnreadable = !file.Tag;
+            if (!file.Tag) file.Tag.emplace();
+        }
+        return *file.Tag;
+    }
+
+    std::string ArtistOf(const ListedFile& file) const {
+        return file.Tag ? artists_.Of(file.Tag->artist, album_.artist) : album_.artist;
+    }
+
+    /// Files of one disc follow each other.
+    void GiveNumbers(FileList& files, const std::function<Disc(const ListedFile&)>& discOf) const {
+        std::int64_t before = 0;
+        for (auto first = files.begin(); first != files.end();) {
+            const auto isOther = [&](const ListedFile& file) {
+                return run_.modern.joinsDiscs && discOf(file) != discOf(*first);
+            };
+            const auto last = std::find_if(first, files.end(), isOther);
+            const std::int64_t count = last - first;
+            for (; first != last; ++first)
+                first->Numbers = {.before = before, .count = count};
+            before += count;
+        }
+    }
+
+    /// Brings the files into the order of the numbers that their tags, or else their names, ask
+    /// for.
+    void OrderByWishes(FileList& files) {
+        keepsNumbers_ = !run_.modern.readsAllTags && AreNumbered(files);
+        for (ListedFile& file : files) {
+            const std::optional<std::int64_t> wish = FindWish(file);
+            wishes_.push_back({wish, file.Name, FindDisc(file)});
+        }
+        std::ranges::sort(wishes_, ComesBefore);
+        std::unordered_map<std::string_view, std::size_t> places;
+        for (std::size_t i = 0; i < wishes_.size(); ++i)
+            places.emplace(wishes_[i].path, i);
+        std::ranges::sort(files, {},
+                          [&places](const ListedFile& file) { return places.at(file.Name); });
+        GiveNumbers(files,
+                    [&](const ListedFile& file) { return wishes_[places.at(file.Name)].disc; });
+    }
+
+    /// Of files in no disc folder the tags tell the disc.
+    Disc FindDisc(const ListedFile& file) const {
+        Disc disc{.folder = file.Disc};
+        if (!run_.modern.joinsDiscs || file.Disc > 0 || !file.Tag) return disc;
+        constexpr double Most = 99;
+        const std::optional<double> number = ToNumber(file.Tag->disc);
+        if (number && *number >= 1 && *number <= Most)
+            disc.tag = static_cast<std::int64_t>(*number);
+        return disc;
+    }
+
     /// The same for files of one age.
     void HandOutNumbersAmong(std::span<ListedFile* const> files) {
         std::vector<std::int64_t> free;
@@ -162,8 +202,9 @@ class AlbumTracks {
             std::vector<std::int64_t> before;
             for (const ListedFile* const file : files)
                 before.push_back(NumberBefore(file->ID));
-            order = OrderOfOneAge(before, free,
-                                  [&](std::size_t file) { return TagNumber(*files[file]); });
+            order = OrderOfOneAge(before, free, [&](std::size_t file) {
+                return OfAlbum(*files[file], TagNumber(*files[file]));
+            });
         }
         for (std::size_t i = 0; i < order.size(); ++i) {
             const bool isFree = i < free.size();
@@ -183,10 +224,17 @@ class AlbumTracks {
 
     std::optional<std::int64_t> TagNumber(ListedFile& file) {
         constexpr double Most = std::numeric_limits<std::int16_t>::max();
-        if (!file.Tag) file.Tag = ReadTrackTag(run_, file).value_or(TrackTag());
-        const std::optional<double> number = ToNumber(file.Tag->number);
+        const std::string& text = TagOf(file).number;
+        const std::optional<double> number = ToNumber(text);
         if (!number || *number < 0 || *number > Most) return std::nullopt;
-        return ToInteger(file.Tag->number);
+        return ToInteger(text);
+    }
+
+    /// The number in the album for one on the file's disc, which has its own range of numbers.
+    static std::optional<std::int64_t> OfAlbum(const ListedFile& file,
+                                               std::optional<std::int64_t> onDisc) {
+        if (!onDisc) return std::nullopt;
+        return *onDisc + file.Numbers.before;
     }
 
     /// Whether all files have rows with numbers of their own. What tags say is not known without a
@@ -196,7 +244,8 @@ class AlbumTracks {
         return std::ranges::all_of(files, [&](const ListedFile& file) {
             const TrackRow* const row = library_.FindTrack(file.Name);
             const std::int32_t number = row == nullptr ? 0 : row->number.Before().value_or(0);
-            return number > 0 && number <= numbers_.Count() && numbers.insert(number).second;
+            const std::int64_t onDisc = number - file.Numbers.before;
+            return onDisc > 0 && onDisc <= file.Numbers.count && numbers.insert(number).second;
         });
     }
 
@@ -235,17 +284,17 @@ class AlbumTracks {
     TrackRow* AddRow(ListedFile& file) {
         constexpr std::int64_t UnknownLength = -1;
         const std::string& path = file.Name;
-        if (!file.Tag) file.Tag = ReadTrackTag(run_, file);
-        if (!file.Tag) return nullptr;
-        const std::optional<std::int64_t> number = IntegerIn(file.Tag->number);
-        const std::optional<std::int64_t> length = IntegerIn(file.Tag->seconds);
+        const TrackTag& tag = TagOf(file);
+        if (file.IsUnreadable) return nullptr;
+        const std::optional<std::int64_t> number = IntegerIn(tag.number);
+        const std::optional<std::int64_t> length = IntegerIn(tag.seconds);
         TrackRow& row = library_.AddTrack(FieldsOf(
             run_.clock.Now(), NewTrack{.cdjid = album_.cdjid,
                                        .minutes = length ? *length / 60 : UnknownLength,
                                        .seconds = length ? *length % 60 : UnknownLength,
                                        .number = number.value_or(NoNumber),
                                        .title = GetTrackName(path, run_.settings.FlatStructure),
-                                       .artist = album_.artist,
+                                       .artist = ArtistOf(file),
                                        .soundFile = path,
                                        .album = album_.title}));
         ++run_.counts.tracksAdded;
@@ -255,8 +304,7 @@ class AlbumTracks {
     /// A length that nobody knew may be known by now: version 1 has no place for it.
     void FindLength(const TrackRow& row, ListedFile& file, std::vector<FieldValue>& changes) {
         if (!run_.modern.readsAllTags || LengthOf(row)) return;
-        if (!file.Tag) file.Tag = ReadTrackTag(run_, file);
-        const auto length = file.Tag ? IntegerIn(file.Tag->seconds) : std::nullopt;
+        const auto length = IntegerIn(TagOf(file).seconds);
         if (!length || *length <= 0) return;
         changes.push_back({"Minutes", *length / 60});
         changes.push_back({"Seconds", *length % 60});
@@ -267,7 +315,9 @@ class AlbumTracks {
         std::vector<FieldValue> changes;
         if (row.cdjid != album_.cdjid) changes.push_back({"CDJID", album_.cdjid});
         if (row.title != title) changes.push_back({"Title", title});
-        if (row.artist != album_.artist) changes.push_back({"Artist", album_.artist});
+        const std::string artist = ArtistOf(file);
+        // A row whose file cannot be read keeps its artist.
+        if (row.artist != artist && !file.IsUnreadable) changes.push_back({"Artist", artist});
         FindLength(row, file, changes);
         if (changes.empty()) return;
         library_.Change(row, changes);
@@ -276,10 +326,12 @@ class AlbumTracks {
 
     void CheckNumber(TrackRow& row, ListedFile& file, bool isNew) {
         const bool wishes = run_.modern.numbersFromTags;
-        const std::int64_t number = wishes ? FindWish(file).value_or(0) : row.number.Value();
-        if (number > 0 && number <= numbers_.Count() && !numbers_.IsTaken(number)) {
+        const std::int64_t asked = wishes ? FindWish(file).value_or(0) : row.number.Value();
+        const std::int64_t number = keepsNumbers_ ? asked : asked + file.Numbers.before;
+        const bool isOfDisc = keepsNumbers_ || (asked > 0 && asked <= file.Numbers.count);
+        if (isOfDisc && number > 0 && number <= numbers_.Count() && !numbers_.IsTaken(number)) {
             numbers_.Take(number);
-            if (wishes) row.number.Set(static_cast<std::int32_t>(number));
+            if (wishes || number != asked) row.number.Set(static_cast<std::int32_t>(number));
             isRenumbered_ |= isNew;
             if (!isNew) Settle(row);
             return;
@@ -305,6 +357,7 @@ class AlbumTracks {
     Steps steps_;
     NumbersTaken numbers_;
     std::vector<WishedNumber> wishes_;  ///< where tags and names decide, in their order
+    TrackArtists artists_;
     bool keepsNumbers_ = false, isRenumbered_ = false;
     std::string lastPlaced_;  ///< sound file of the row that was worked on last
     std::unordered_set<TrackId> changed_;
@@ -314,7 +367,7 @@ class AlbumTracks {
 
 void ProcessTracks(Walk& walk, const Album& album, FileList& files) {
     AlbumTracks tracks(walk, album);
-    if (walk.run.modern.numbersFromTags) tracks.OrderByWishes(files);
+    tracks.Prepare(files);
     for (ListedFile& file : files)
         tracks.Place(file);
     tracks.HandOutNumbers(files);

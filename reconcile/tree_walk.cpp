@@ -1,4 +1,6 @@
+#include <algorithm>
 #include <cstddef>
+#include <span>
 #include <string>
 #include <unordered_map>
 #include <unordered_set>
@@ -12,6 +14,7 @@
 #include "reconcile/walk.h"
 #include "reconcile/walked_album.h"
 #include "run/counted.h"
+#include "run/disc_folders.h"
 #include "run/excluded_artists.h"
 #include "run/steps.h"
 
@@ -145,18 +148,37 @@ class TreeWalk {
         return true;
     }
 
-    /// False when a song of the library is out of sight there.
+    /// False when a song of the library is out of sight there, or a whole disc.
     bool AddFiles(const Folder& folder, FileList& files) {
-        const Listing<FileEntry> found = run_.files.FilesIn(folder.entry.path);
-        FileList songs = ProcessAlbumTracks(found.entries);
-        if (!songs.empty()) walk_.roots[folder.root].hasMusic = true;
+        std::vector<DiscFolder> discs;
+        bool seenWhole = AddFilesIn({folder.entry.path, 0}, folder.root, files, &discs);
+        for (const DiscFolder& disc : discs)
+            seenWhole &= AddFilesIn(disc, folder.root, files, nullptr);
+        return seenWhole;
+    }
+
+    /// Those directly in an album folder or in one of its disc folders; `discs` takes the disc
+    /// folders in it.
+    bool AddFilesIn(const DiscFolder& folder, std::size_t root, FileList& files,
+                    std::vector<DiscFolder>* discs) {
+        Listing<FileEntry> found = run_.files.FilesIn(folder.path);
+        FileList songs = ProcessAlbumTracks(found.entries, folder.disc);
+        if (!songs.empty()) walk_.roots[root].hasMusic = true;
         if (songs.size() < found.size()) {
             for (const FileEntry& file : found)
-                leftOut_.NoteOther(folder.entry.path, file.name);
+                leftOut_.NoteOther(folder.path, file.name);
         }
-        leftOut_.NoteDeeper(folder.entry.path, found.others);
+        if (run_.modern.takesFolderImages) run_.folderImages.Note(folder.path, found.entries);
+        bool seenWhole = !HideAlbumsOf(walk_, found.unseen);
+        if (discs != nullptr && run_.modern.joinsDiscs) {
+            *discs = TakeDiscFolders(folder.path, found.others);
+            seenWhole &= std::ranges::none_of(found.unseen, [](const std::string& path) {
+                return DiscOfFolder(NameOf(path)).has_value();
+            });
+        }
+        leftOut_.NoteDeeper(folder.path, found.others);
         Merge(files, std::move(songs));
-        return !HideAlbumsOf(walk_, found.unseen);
+        return seenWhole;
     }
 
     void Keep(const Namesakes& folders, bool areAlbums) {

@@ -35,6 +35,12 @@ class Remarks {
     std::size_t count_ = 0;
 };
 
+/// For a remark; "" for the only or first one.
+std::string OnDisc(const Disc& disc) {
+    const std::int64_t number = disc.folder > 0 ? disc.folder : disc.tag;
+    return number > 1 ? " on disc " + std::to_string(number) : "";
+}
+
 }  // namespace
 
 std::optional<std::int64_t> LeadingNumber(std::string_view fileName) {
@@ -49,6 +55,7 @@ std::optional<std::int64_t> LeadingNumber(std::string_view fileName) {
 
 bool ComesBefore(const WishedNumber& left, const WishedNumber& right) {
     constexpr std::int64_t Last = std::numeric_limits<std::int64_t>::max();
+    if (left.disc != right.disc) return left.disc < right.disc;
     const std::int64_t one = left.number.value_or(Last), other = right.number.value_or(Last);
     return one != other ? one < other : WindowsNameLess(LastName(left.path), LastName(right.path));
 }
@@ -57,10 +64,17 @@ std::string OddNumbers(std::span<const WishedNumber> wishes) {
     Remarks remarks;
     std::int64_t last = 0;
     bool isToldTwice = false;
+    Disc disc = wishes.empty() ? Disc() : wishes.front().disc;
     for (const WishedNumber& wish : wishes) {
-        if (!wish.number) break;
+        if (wish.disc != disc) {
+            disc = wish.disc;
+            last = 0;
+            isToldTwice = false;
+        }
+        if (!wish.number) continue;
+        const std::string where = OnDisc(disc);
         if (*wish.number == last) {
-            if (!isToldTwice) remarks.Add(last, " is there twice");
+            if (!isToldTwice) remarks.Add(last, " is there twice" + where);
             isToldTwice = true;
             continue;
         }
@@ -68,7 +82,7 @@ std::string OddNumbers(std::span<const WishedNumber> wishes) {
         // A number that is far off is a year, or a part of a title.
         constexpr std::int64_t MostMissing = 99;
         for (std::int64_t gap = last + 1; gap < *wish.number && *wish.number <= MostMissing; ++gap)
-            remarks.Add(gap, " is missing");
+            remarks.Add(gap, " is missing" + where);
         last = *wish.number;
     }
     return remarks.Text();

@@ -13,7 +13,9 @@ struct ModernMusic {
     bool readsAllTags = false;       ///< ID3v2 and APE before version 1; lengths from the audio
     bool writesAllTags = false;      ///< brings ID3v2 in line, too
     bool numbersFromTags = false;    ///< track numbers from tags and names instead of file times
-    bool takesFolderImages = false;  ///< cover.jpg and the like in album folders are covers
+    bool joinsDiscs = false;         ///< CD1, Disc 2 ... below an album folder belong to the album
+    bool keepsTrackArtists = false;  ///< albums of several artists: each track has its own
+    bool takesFolderImages = false;  ///< images in album folders and in their files are covers
     bool writesLocalLists = false;   ///< an .m3u8 with local paths beside each .m3u
     bool hasModernPicker = false;    ///< the picker's pages in their modern form
 };
@@ -27,15 +29,20 @@ struct ModernKey {
     std::string_view whenOn, whenOff;  ///< what then happens
 };
 
-constexpr std::array<ModernKey, 6> ModernKeys{{
+constexpr std::array<ModernKey, 8> ModernKeys{{
     {"Tags", "Read", "best", "v1", &ModernMusic::readsAllTags, "Tags are read",
      "from ID3v2 and APE, else version 1; lengths from the audio", "from ID3 version 1 alone"},
     {"Tags", "Write", "both", "v1", &ModernMusic::writesAllTags, "Tags are written",
      "in ID3v2 where a file has it, and in version 1", "in ID3 version 1 alone"},
     {"Library", "Numbers", "tags", "times", &ModernMusic::numbersFromTags, "Track numbers",
      "come from tags, then from file names", "come from the times of files"},
+    {"Library", "Discs", "1", "0", &ModernMusic::joinsDiscs, "Disc folders",
+     "belong to their albums: CD1, Disc 2 ...", "are left out"},
+    {"Library", "TrackArtists", "1", "0", &ModernMusic::keepsTrackArtists, "Track artists",
+     "come from tags in albums of several artists", "are their folders' names"},
     {"Covers", "FolderImages", "1", "0", &ModernMusic::takesFolderImages, "Album folders",
-     "are searched for cover images", "are not searched for cover.jpg and the like"},
+     "and their files are searched for cover images",
+     "are not searched for cover.jpg and the like"},
     {"Playlists", "Local", "1", "0", &ModernMusic::writesLocalLists, "Local playlists",
      "are written: an .m3u8 beside each .m3u", "are not written"},
     {"Picker", "Style", "modern", "classic", &ModernMusic::hasModernPicker, "Picker pages",

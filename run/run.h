@@ -16,6 +16,7 @@
 #include "platform/files.h"
 #include "platform/host.h"
 #include "platform/window.h"
+#include "run/folder_images.h"
 #include "run/genre_dictionary.h"
 #include "run/left_out.h"
 #include "run/modern_music.h"
@@ -27,6 +28,7 @@
 
 namespace quillon {
 
+class HeardSounds;
 class KnownTags;
 class TagFormats;
 class Thumbnails;
@@ -92,6 +94,12 @@ class Run {
 
     /// What tags of all kinds have been found to say, while a reconciliation reads them.
     std::shared_ptr<KnownTags> knownTags;
+
+    /// The sounds of files whose tags this run has read; null: none are wanted.
+    std::shared_ptr<HeardSounds> heardSounds;
+
+    /// The images that the walk has seen in album folders, where they are covers.
+    FolderImages folderImages;
 
     /// Opens further connections; set by the driver at the start.
     DatabaseProvider* databases = nullptr;

@@ -11,6 +11,7 @@
 #include "taglib/frame_fields.h"
 #include "taglib/frame_text.h"
 #include "taglib/id3v2_writer.h"
+#include "taglib/picture_frames.h"
 #include "taglib/sound_length.h"
 
 namespace quillon {
@@ -51,7 +52,13 @@ void ReadFrames(ByteWindow& file, const Id3v2Header& header, OtherTags& found) {
     const FrameReader reader(file.At(0, Id3v2Header::Size));
     Id3v2Body body;
     FindBody(file, header, body);
+    // Where zero bytes are strewn in, only the beginning of a long tag is seen.
+    if (body.decoded && header.size > ByteWindow::MostAtOnce) found.art = EmbeddedArt::Promised;
     VisitFrames(header, body, [&](const Id3v2Frame& frame) {
+        if (IsPictureFrame(frame.name) && found.art != EmbeddedArt::Promised) {
+            const EmbeddedArt art = ArtIn(header, body, frame);
+            if (art != EmbeddedArt::None) found.art = art;
+        }
         std::string Tag::* const field = FieldOfFrame(frame.name);
         if (field == nullptr || frame.size > LongestText) return true;
         const auto size = static_cast<std::size_t>(header.FrameHeader() + frame.size);
@@ -108,6 +115,16 @@ OtherTags TagLibrary::Read(BinaryReader& file, std::span<const std::uint8_t> end
     soundEnd -= ape;
     if (soundEnd > soundBegin) found.seconds = SoundSeconds(bytes, soundBegin, soundEnd);
     return found;
+}
+
+std::optional<EmbeddedImage> TagLibrary::ReadArt(BinaryReader& file) {
+    ByteWindow bytes(file);
+    const std::optional<Id3v2Header> header = ReadId3v2Header(bytes);
+    // Several pictures may stand before the one that counts.
+    constexpr std::uint64_t MostSize = 2 * MostArt;
+    if (!header || header->size > MostSize) return std::nullopt;
+    file.SetPosition(0);
+    return ArtOfTag(file.Read(static_cast<std::size_t>(header->size)));
 }
 
 std::optional<HeadChange> TagLibrary::Change(BinaryReader& file, const Tag& wanted) {

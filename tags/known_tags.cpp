@@ -1,5 +1,6 @@
 #include "tags/known_tags.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <utility>
@@ -30,6 +31,25 @@ std::string JoinedTexts(const Tag& tag) {
         joined += '\0';
     }
     return joined;
+}
+
+/// Words for what is known of a picture; they stand behind the texts. Files of earlier versions
+/// have none there.
+constexpr std::array<std::string_view, 4> ArtWords{"", "none", "art", "large"};
+
+std::string_view WordOf(EmbeddedArt art) {
+    return ArtWords.at(static_cast<std::size_t>(art));
+}
+
+/// Takes the word from the end of the texts.
+EmbeddedArt TakeArt(std::string& texts) {
+    const std::size_t end = texts.rfind('\0');
+    const std::string_view word =
+        std::string_view(texts).substr(end == std::string::npos ? texts.size() : end + 1);
+    const auto* const found = std::ranges::find(ArtWords, word);
+    if (found == ArtWords.end()) return EmbeddedArt::Unknown;
+    texts.resize(texts.size() - word.size());
+    return static_cast<EmbeddedArt>(found - ArtWords.begin());
 }
 
 Tag TagOf(std::string_view texts) {
@@ -76,6 +96,7 @@ KnownTags::KnownTags(Run& run) : run_(run) {
         entry.changed = line.Whole<std::int64_t>();
         entry.genreNumber = line.WholeOrNull<std::uint8_t>();
         entry.texts = line.Text();
+        entry.art = TakeArt(entry.texts);
         entries_[key] = std::move(entry);
     });
     if (isWhole) return;
@@ -97,7 +118,7 @@ std::optional<FoundTag> KnownTags::Find(const FileEntry& file) {
         entry.time != SecondsOf(file.modified))
         return std::nullopt;
     entry.isKept = true;
-    return FoundTag{.tag = TagOf(entry.texts), .genreNumber = entry.genreNumber};
+    return FoundTag{.tag = TagOf(entry.texts), .genreNumber = entry.genreNumber, .art = entry.art};
 }
 
 void KnownTags::Set(const FileEntry& file, const FoundTag& found) {
@@ -107,6 +128,7 @@ void KnownTags::Set(const FileEntry& file, const FoundTag& found) {
                                   .changed = file.changed,
                                   .texts = JoinedTexts(found.tag),
                                   .genreNumber = found.genreNumber,
+                                  .art = found.art,
                                   .isKept = true};
     isChanged_ = true;
 }
@@ -128,7 +150,7 @@ void KnownTags::Save() {
             .Whole(entry.time)
             .Whole(entry.changed)
             .Whole(genre)
-            .Text(entry.texts);
+            .Text(entry.texts + std::string(WordOf(entry.art)));
     }
     file.Close();
     isChanged_ = false;

@@ -9,6 +9,7 @@
 
 #include "platform/files.h"
 #include "tags/tag.h"
+#include "tags/tag_formats.h"
 
 namespace quillon {
 
@@ -18,6 +19,7 @@ class Run;
 struct FoundTag {
     Tag tag;
     std::optional<std::uint8_t> genreNumber = {};  ///< in place of a genre's name
+    EmbeddedArt art = EmbeddedArt::Unknown;
 
     bool operator==(const FoundTag&) const = default;
 };
@@ -51,6 +53,7 @@ class KnownTags {
         std::int64_t changed = 0;  ///< as `FileEntry` has it
         std::string texts;
         std::optional<std::uint8_t> genreNumber;
+        EmbeddedArt art = EmbeddedArt::Unknown;
         bool isKept = false;
     };
 

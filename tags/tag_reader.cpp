@@ -10,12 +10,21 @@
 #include "platform/failure.h"
 #include "run/run.h"
 #include "run/steps.h"
+#include "tags/heard_sounds.h"
 #include "tags/length_text.h"
 
 namespace quillon {
 namespace {
 
-enum class ReadTagStep { KnownTags = 1, Look = 2, Open = 3, Read = 4, FindGenre = 10 };
+enum class ReadTagStep {
+    KnownTags = 1,
+    Look = 2,
+    Open = 3,
+    Read = 4,
+    ReadSound = 5,
+    ReadArt = 6,
+    FindGenre = 10
+};
 constexpr const char* Location = "Read ID3 File Error:";
 
 /// The tag of a file that has more bytes than a tag.
@@ -44,9 +53,21 @@ bool ReadsAllTags(const Run& run) {
     return run.modern.readsAllTags && run.tagFormats != nullptr;
 }
 
+/// Notes the sound of a file that is open for its tags.
+void Hear(Run& run, Steps& steps, BinaryReader& stream, const FileEntry& file) {
+    if (!run.heardSounds) run.heardSounds = std::make_shared<HeardSounds>();
+    steps.Try(ReadTagStep::ReadSound, [&] {
+        const FileState state = StateOf(file.size, file.modified);
+        const auto print = ReadSoundPrint(run.files, stream, file.path, state);
+        if (print) run.heardSounds->Note(file.path, state, *print);
+    });
+}
+
 /// Opens the file once, for all that is to be known of it.
-std::optional<FoundTag> ReadFound(Run& run, Steps& steps, const FileEntry& file) {
+std::optional<FoundTag> ReadFound(Run& run, Steps& steps, const FileEntry& file,
+                                  bool isHeard = false) {
     FoundTag found;
+    found.art = EmbeddedArt::None;
     found.tag.isRecorded = false;
     if (file.size == 0) return found;
     std::unique_ptr<BinaryReader> stream;
@@ -64,6 +85,7 @@ std::optional<FoundTag> ReadFound(Run& run, Steps& steps, const FileEntry& file)
         found = Together(run.tagFormats->Read(*stream, end), old, genre);
     });
     if (!isRead) return std::nullopt;
+    if (isHeard) Hear(run, steps, *stream, file);
     return found;
 }
 
@@ -83,16 +105,21 @@ Tag Told(const Run& run, FoundTag found, GenreAs genre) {
     return std::move(found.tag);
 }
 
-std::optional<Tag> ReadAllTags(Run& run, const FileEntry& file) {
+/// What is known of the file, which is read where that is nothing, or not what is asked for.
+std::optional<FoundTag> FindTags(Run& run, const FileEntry& file, bool asksForArt) {
     Steps steps(run, Location);
     KnownTags& known = TagsKnownTo(run, steps);
     std::optional<FoundTag> found = known.Find(file);
-    if (!found) {
-        steps.Concerning(file.path);
-        found = ReadFound(run, steps, file);
-        if (!found) return std::nullopt;
-        known.Set(file, *found);
-    }
+    if (found && (!asksForArt || found->art != EmbeddedArt::Unknown)) return found;
+    steps.Concerning(file.path);
+    found = ReadFound(run, steps, file, run.movedMusic.FollowMovedFiles && !found);
+    if (found) known.Set(file, *found);
+    return found;
+}
+
+std::optional<Tag> ReadAllTags(Run& run, const FileEntry& file) {
+    std::optional<FoundTag> found = FindTags(run, file, false);
+    if (!found) return std::nullopt;
     return Told(run, *std::move(found), GenreAs::Name);
 }
 
@@ -105,7 +132,7 @@ std::string GenreNameOf(Run& run, std::uint8_t number) {
 }  // namespace
 
 FoundTag Together(OtherTags other, const Tag& old, std::optional<std::uint8_t> oldGenre) {
-    FoundTag found{.tag = std::move(other.tag), .genreNumber = other.genreNumber};
+    FoundTag found{.tag = std::move(other.tag), .genreNumber = other.genreNumber, .art = other.art};
     Tag& tag = found.tag;
     tag.isRecorded = false;
     if (old.IsThere() && !tag.IsThere()) tag.marker = old.marker;
@@ -148,6 +175,30 @@ std::optional<Tag> ReadID3(Run& run, const FileEntry& file) {
     Steps steps(run, Location);
     steps.Concerning(file.path);
     return ReadLongFile(run, steps, file.path, GenreAs::Name);
+}
+
+EmbeddedArt LookForArt(Run& run, const FileEntry& file) {
+    if (run.tagFormats == nullptr) return EmbeddedArt::None;
+    const std::optional<FoundTag> found = FindTags(run, file, true);
+    return found ? found->art : EmbeddedArt::Unknown;
+}
+
+std::optional<EmbeddedImage> ReadArt(Run& run, const FileEntry& file) {
+    std::optional<EmbeddedImage> image;
+    Steps steps(run, Location);
+    steps.Concerning(file.path);
+    const bool isRead = steps.Try(ReadTagStep::ReadArt, [&] {
+        image = run.tagFormats->ReadArt(*run.files.OpenBinary(file.path));
+    });
+    if (isRead && !image) NoteNoArt(run, file);
+    return image;
+}
+
+void NoteNoArt(Run& run, const FileEntry& file) {
+    std::optional<FoundTag> found = FindTags(run, file, false);
+    if (!found) return;
+    found->art = EmbeddedArt::None;
+    run.knownTags->Set(file, *found);
 }
 
 FileEnd ReadTagEnd(Files& files, std::string_view path) {

@@ -33,6 +33,17 @@ std::optional<Tag> ReadID3(Run& run, std::string_view path, GenreAs genre = Genr
 /// where it is known what its tags say.
 std::optional<Tag> ReadID3(Run& run, const FileEntry& file);
 
+/// Whether there is a picture in the file's tag of ID3 version 2; nobody looks into a file of which
+/// that is known. Unknown where it could not be read, which is logged.
+EmbeddedArt LookForArt(Run& run, const FileEntry& file);
+
+/// That picture, where one is promised. Where there is none after all, that is remembered. Failures
+/// are logged.
+std::optional<EmbeddedImage> ReadArt(Run& run, const FileEntry& file);
+
+/// From now on the file counts as one without a picture.
+void NoteNoArt(Run& run, const FileEntry& file);
+
 /// What tags of all kinds say together: where a text has only blanks, that of version 1 takes its
 /// place.
 FoundTag Together(OtherTags other, const Tag& old, std::optional<std::uint8_t> oldGenre);

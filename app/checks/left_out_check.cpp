@@ -1,5 +1,6 @@
 #include "app/checks/left_out_check.h"
 
+#include <algorithm>
 #include <fmt/format.h>
 #include <string>
 #include <string_view>
@@ -11,7 +12,9 @@
 #include "platform/basic_text.h"
 #include "platform/failure.h"
 #include "reconcile/left_out_music.h"
+#include "run/disc_folders.h"
 #include "run/excluded_artists.h"
+#include "run/paths.h"
 
 namespace quillon {
 namespace {
@@ -29,20 +32,28 @@ std::vector<FolderEntry> LibraryFolders(Files& files, const Settings& settings) 
     return {};
 }
 
+/// What lies in an album folder, or in one of its disc folders where those belong to it.
+void LookAtAlbum(Files& files, const std::string& folder, bool joinsDiscs, LeftOutMusic& music) {
+    FolderNames names = files.NamesIn(folder);
+    for (const std::string& name : names.files)
+        music.NoteOther(folder, name);
+    if (joinsDiscs) {
+        for (const DiscFolder& disc : TakeDiscFolders(folder, names.folders))
+            LookAtAlbum(files, disc.path, false, music);
+    }
+    music.NoteDeeper(folder, names.folders);
+}
+
 void LookAtTree(Files& files, const ExcludedArtists& excluded, const std::string& root,
-                LeftOutMusic& music) {
+                bool joinsDiscs, LeftOutMusic& music) {
     const Listing<FolderEntry> artists = SubFolders(files, root);
     music.NoteLoose(root, artists.others);
     for (const FolderEntry& artist : artists) {
         if (excluded.Contains(artist.name)) continue;
         const Listing<FolderEntry> albums = SubFolders(files, artist.path);
         music.NoteLoose(artist.path, albums.others);
-        for (const FolderEntry& album : albums) {
-            const FolderNames names = files.NamesIn(album.path);
-            for (const std::string& name : names.files)
-                music.NoteOther(album.path, name);
-            music.NoteDeeper(album.path, names.folders);
-        }
+        for (const FolderEntry& album : albums)
+            LookAtAlbum(files, album.path, joinsDiscs, music);
     }
 }
 
@@ -53,7 +64,7 @@ void LookAtFlat(Files& files, const std::string& root, LeftOutMusic& music) {
     music.NoteDeeper(root, names.folders);
 }
 
-LeftOut FindLeftOut(Files& files, const Settings& settings) {
+LeftOut FindLeftOut(Files& files, const Settings& settings, bool joinsDiscs) {
     LeftOut found;
     LeftOutMusic music(files, found);
     const ExcludedArtists excluded(Split(settings.ExcludeList, ","));
@@ -65,7 +76,7 @@ LeftOut FindLeftOut(Files& files, const Settings& settings) {
         if (settings.FlatStructure) {
             LookAtFlat(files, root.path, music);
         } else {
-            LookAtTree(files, excluded, root.path, music);
+            LookAtTree(files, excluded, root.path, joinsDiscs, music);
         }
     }
     return found;
@@ -83,11 +94,19 @@ void Append(std::string& text, const LeftOut& found, LeftOutFor reason, std::str
     text += ')';
 }
 
+/// Whether music is left out for nothing but a key that is off.
+bool HoldsDiscs(const LeftOut& found) {
+    return std::ranges::any_of(
+        found.Of(LeftOutFor::DeeperFolder).paths,
+        [](const std::string& path) { return DiscOfFolder(LastName(path)).has_value(); });
+}
+
 }  // namespace
 
-void CheckLeftOut(Files& files, const Settings& settings, Findings& findings) {
+void CheckLeftOut(Files& files, const Settings& settings, const ModernMusic& modern,
+                  Findings& findings) {
     if (settings.LibraryRoot.empty() || !WalksLibrary(settings)) return;
-    const LeftOut found = FindLeftOut(files, settings);
+    const LeftOut found = FindLeftOut(files, settings, modern.joinsDiscs);
     const bool isFlat = settings.FlatStructure;
     if (found.Total() == 0) return;
     std::string text;
@@ -97,12 +116,15 @@ void CheckLeftOut(Files& files, const Settings& settings, Findings& findings) {
     Append(text, found, LeftOutFor::NoAlbum,
            isFlat ? "without an \"_\" behind the artist's name" : "in no album folder");
     Append(text, found, LeftOutFor::OtherType, "of another type than MP3");
+    const bool wantsDiscs = !isFlat && !modern.joinsDiscs && HoldsDiscs(found);
     findings.Caution(fmt::format(
-        "{} left out, since the layout has no place for {}: {}. {}",
+        "{} left out, since the layout has no place for {}: {}. {}{}",
         found.Total() == 1 ? "1 music file is" : fmt::format("{} music files are", found.Total()),
         found.Total() == 1 ? "it" : "them", text,
         isFlat ? "Only MP3 files named Artist_Title.mp3, directly in the library folder, are added"
-               : "Only MP3 files directly in an album folder (Artist\\Album\\Song.mp3) are added"));
+               : "Only MP3 files directly in an album folder (Artist\\Album\\Song.mp3) are added",
+        wantsDiscs ? ". Discs=1 in [Library] of host.ini adds folders such as CD1 to their albums"
+                   : ""));
 }
 
 }  // namespace quillon

@@ -12,6 +12,7 @@
 #include "platform/basic_text.h"
 #include "platform/failure.h"
 #include "run/library_lists.h"
+#include "run/modern_music.h"
 #include "run/paths.h"
 #include "run/removals.h"
 
@@ -39,6 +40,7 @@ class MusicCheck {
         : files_(local.files),
           settings_(settings),
           isBraked_(ReadSafetyLimits(local.host).Brake),
+          joinsDiscs_(!settings.FlatStructure && ReadModernMusic(local.host).joinsDiscs),
           findings_(findings) {
         const bool hasSeveral = settings.LibraryDepthOption;
         for (const FolderEntry& folder : BuildLibraryFolders(files_, settings))
@@ -76,7 +78,7 @@ class MusicCheck {
                 continue;
             }
             const FoundMusic music =
-                LookForMusic(files_, place.path, settings_.FlatStructure ? 0 : 2);
+                LookForMusic(files_, place.path, settings_.FlatStructure ? 0 : 2, joinsDiscs_);
             if (music.place == MusicPlace::None) {
                 empty.push_back(&place);
                 continue;
@@ -96,7 +98,7 @@ class MusicCheck {
     /// The same for a run that only adds files.
     void FindBeforeAdding() {
         if (inside_ == 0 || !isBraked_) return;
-        const FoundMusic music = LookForMusic(files_, settings_.LibraryRoot, 2);
+        const FoundMusic music = LookForMusic(files_, settings_.LibraryRoot, 2, joinsDiscs_);
         if (music.place != MusicPlace::None) return;
         findings_.Problem(fmt::format(
             "LibraryRoot ({}) holds no music at all, and {} below it. Is a drive not mounted? A "
@@ -199,6 +201,7 @@ class MusicCheck {
     Files& files_;
     const Settings& settings_;
     bool isBraked_;
+    bool joinsDiscs_;
     Findings& findings_;
     std::vector<Place> places_;
     std::size_t inside_ = 0, outside_ = 0;

@@ -6,6 +6,8 @@
 
 #include "platform/basic_text.h"
 #include "platform/failure.h"
+#include "run/disc_folders.h"
+#include "run/paths.h"
 #include "run/sound_files.h"
 
 namespace quillon {
@@ -23,7 +25,8 @@ bool IsOfTheFileSystem(std::string_view folder) {
 
 class Search {
   public:
-    Search(Files& files, std::size_t depth) : files_(files), depth_(depth) {}
+    Search(Files& files, std::size_t depth, bool joinsDiscs)
+        : files_(files), depth_(depth), joinsDiscs_(joinsDiscs) {}
 
     /// Whether a song was found where it should be.
     bool Look(const std::string& folder, std::size_t depth) try {
@@ -32,7 +35,7 @@ class Search {
             isWhole_ = false;
             return false;
         }
-        if (HasSong(folder, depth) && depth == depth_) return true;
+        if (HasSong(folder, depth) && IsPlaceOfSongs(folder, depth)) return true;
         // Once it is known that there is music further down, only its place is of interest.
         if (depth >= depth_ + (deeper_.empty() ? FurtherDown : 0)) return false;
         const Listing<FolderEntry> folders = files_.SubFolders(folder);
@@ -51,6 +54,11 @@ class Search {
     }
 
   private:
+    bool IsPlaceOfSongs(const std::string& folder, std::size_t depth) const {
+        if (depth == depth_) return true;
+        return joinsDiscs_ && depth == depth_ + 1 && DiscOfFolder(LastName(folder)).has_value();
+    }
+
     bool HasSong(const std::string& folder, std::size_t depth) {
         const Listing<FileEntry> files = files_.FilesIn(folder);
         isWhole_ = isWhole_ && files.unseen.empty();
@@ -64,6 +72,7 @@ class Search {
 
     Files& files_;
     std::size_t depth_;
+    bool joinsDiscs_;
     std::size_t looked_ = 0;
     bool isWhole_ = true;  ///< nothing was left out of sight
     std::string deeper_, higher_;
@@ -71,8 +80,9 @@ class Search {
 
 }  // namespace
 
-FoundMusic LookForMusic(Files& files, const std::string& libraryFolder, std::size_t depth) {
-    Search search(files, depth);
+FoundMusic LookForMusic(Files& files, const std::string& libraryFolder, std::size_t depth,
+                        bool joinsDiscs) {
+    Search search(files, depth, joinsDiscs);
     if (search.Look(libraryFolder, 0)) return {MusicPlace::AsExpected, ""};
     return search.Result();
 }

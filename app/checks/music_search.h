@@ -22,7 +22,8 @@ struct FoundMusic {
 
 /// Looks for music as a reconciliation would and stops at the first song, so that it is quick on a
 /// library as it should be. Songs lie `depth` folders below the library folder: two in the tree
-/// layout, none in the flat one.
-FoundMusic LookForMusic(Files& files, const std::string& libraryFolder, std::size_t depth);
+/// layout, none in the flat one; with `joinsDiscs` in a disc folder below that, too.
+FoundMusic LookForMusic(Files& files, const std::string& libraryFolder, std::size_t depth,
+                        bool joinsDiscs);
 
 }  // namespace quillon

@@ -109,7 +109,7 @@ int Check(const CheckRequest& request, Console console) {
     CheckFolders(local, settings, out, findings);
     CheckLibraryFolders(local.files, settings, findings);
     CheckOverlaps(local, settings, findings);
-    CheckLeftOut(local.files, settings, findings);
+    CheckLeftOut(local.files, settings, ReadModernMusic(local.host), findings);
     CheckHalfRestored(local.files, settings, findings);
     CheckDatabase(local, settings, out, findings);
     CheckMode(local.resolver, settings, out, findings);

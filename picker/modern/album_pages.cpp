@@ -75,7 +75,10 @@ std::string AlbumPages::Tracks(std::size_t number) const {
                              std::string(hasTimes ? "<th scope='col'>Time</th>" : "") +
                              "<th scope='col'>Add to playlist</th></tr></thead><tbody>");
     for (const PickerTrack& track : album.tracks) {
-        table += "<tr><th scope='row'>" + Isolated(track.title) + "</th>";
+        const std::string artist = track.artist.empty() ? ""
+                                                        : " <span class='picker-more'>" +
+                                                              Isolated(track.artist) + "</span>";
+        table += "<tr><th scope='row'>" + Isolated(track.title) + artist + "</th>";
         if (hasTimes) table += "<td>" + (track.length ? LengthText(track.length) : "") + "</td>";
         table += Line("<td>" + buttons_.Track(album, number, track) + "</td></tr>");
     }

@@ -10,6 +10,8 @@ namespace fs = std::filesystem;
 
 class CheckLeftOut : public CheckFixture {
   protected:
+    CheckLeftOut() { SetHostLine("Discs=1", "Discs=0"); }
+
     void Add(const std::string& path) const {
         fs::create_directories(Path("Music/" + path).parent_path());
         Write("Music/" + path, "x");
@@ -38,6 +40,20 @@ TEST_F(CheckLeftOut, NamesWhatNoRunTakesInAndWhere) {
                     "(D:\\Music\\Red\\One\\d.flac). Only MP3 files directly in an album folder "
                     "(Artist\\Album\\Song.mp3) are added"));
     EXPECT_EQ(Check().status, 0);
+}
+
+TEST_F(CheckLeftOut, TellsHowDiscsAreAddedToTheirAlbums) {
+    constexpr std::string_view Hint =
+        "Discs=1 in [Library] of host.ini adds folders such as CD1 to their albums";
+    Add("Red/One/Scans/a.mp3");
+    EXPECT_FALSE(Has(Cautions(), Hint));
+    Add("Red/One/CD1/a.mp3");
+    EXPECT_TRUE(Has(Cautions(), Hint));
+    SetHostLine("Discs=0", "Discs=1");
+    Add("Red/One/CD1/Deeper/a.mp3");
+    EXPECT_TRUE(Has(Cautions(), "2 music files are left out"))
+        << "the disc is part of the album, and what is below it is not";
+    EXPECT_FALSE(Has(Cautions(), Hint));
 }
 
 TEST_F(CheckLeftOut, NamesTheFirstTenPlacesAlone) {

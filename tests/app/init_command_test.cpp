@@ -66,6 +66,8 @@ TEST_F(InitCommand, MakesAWholeHostFolder) {
     EXPECT_TRUE(HasEntry("shelf/host.ini", "KeepDays=14"));
     EXPECT_TRUE(HasEntry("shelf/host.ini", "Local=1"));
     EXPECT_TRUE(HasEntry("shelf/host.ini", "Numbers=tags"));
+    EXPECT_TRUE(HasEntry("shelf/host.ini", "Discs=1"));
+    EXPECT_TRUE(HasEntry("shelf/host.ini", "TrackArtists=1"));
     EXPECT_TRUE(HasEntry("shelf/host.ini", "FolderImages=1"));
     EXPECT_TRUE(HasEntry("shelf/host.ini", "Read=best"));
     EXPECT_TRUE(HasEntry("shelf/host.ini", "Write=both"));

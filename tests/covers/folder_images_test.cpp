@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include "run/folder_images.h"
 #include "tests/covers/covers_fixture.h"
 
 namespace quillon {
@@ -121,6 +122,32 @@ TEST_F(FolderImages, AreTakenWithoutACoverFolder) {
     AddFolderImage("First", "cover.jpg");
     Refresh();
     EXPECT_THAT(Images(), ElementsAre(R"(D:\Music\Ann\First\cover.jpg)"));
+}
+
+TEST_F(FolderImages, ThatTheWalkHasSeenAreNotLookedForAgain) {
+    AddAlbumWithSong("First");
+    AddAlbumWithSong("Second");
+    AddFolderImage("First", "cover.jpg");
+    library.Reconcile();
+    library.files.unlistable = {R"(D:\Music\Ann\First)", R"(D:\Music\Ann\Second)"};
+    Refresh();
+    EXPECT_THAT(Images(), ElementsAre(R"(D:\Music\Ann\First\cover.jpg)", "Null"));
+    EXPECT_EQ(library.run.counts.errors, 0U);
+}
+
+TEST_F(FolderImages, OfADiscComeBehindThoseOfTheAlbum) {
+    library.run.modern.joinsDiscs = true;
+    library.AddAlbumRow("A-1", "Ann", "First", 1);
+    library.AddTrackRow("A-1", 1, FolderOfAlbum("First") + R"(CD1\One.mp3)", "One");
+    library.files.AddFile(FolderOfAlbum("First") + R"(CD1\One.mp3)");
+    AddFolderImage("First", R"(CD1\cover.jpg)");
+    Refresh();
+    EXPECT_THAT(Images(), ElementsAre(R"(D:\Music\Ann\First\CD1\cover.jpg)"));
+    library.files.DeleteFile(FolderOfAlbum("First") + R"(CD1\cover.jpg)");
+    AddFolderImage("First", "front.png");
+    AddFolderImage("First", R"(CD1\cover.png)");
+    Refresh();
+    EXPECT_THAT(Images(), ElementsAre(R"(D:\Music\Ann\First\front.png)"));
 }
 
 TEST_F(FolderImages, AreLeftAloneUnlessTheyAreAskedFor) {

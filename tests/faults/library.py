@@ -67,8 +67,10 @@ class Library:
         # A copy must not lead back here.
         text = re.sub(r"(?m)^D=.*$", "D=../disk", settings.read_text())
         text = text.replace("Style=modern", "Style=classic")
-        # Albums without a cover have their folders listed once more for it.
+        # Songs of albums without a cover are searched for pictures.
         text = text.replace("FolderImages=1", "FolderImages=0")
+        # Without Read=best all tags are read for it.
+        text = text.replace("TrackArtists=1", "TrackArtists=0")
         # The rules tell rows that are gone by the numbers that rows which wait for files lack, too.
         text = text.replace("FollowMovedFiles=1", "FollowMovedFiles=0")
         # What is known of tags is a file more that every step of a run would be tried on.

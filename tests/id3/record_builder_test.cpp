@@ -181,5 +181,39 @@ TEST_F(GetID3InfoTest, LogsEachLookUpThatFailsAndGoesOn) {
                                               "Quillon: GetID3Info Management Line 3" + end));
 }
 
+TEST_F(GetID3InfoTest, CountsTracksFromTheFirstOfTheirDisc) {
+    library.AddTrackRow("252E671073EC0001", 2, R"(D:\Music\Alder\First Light\CD1\a.mp3)", "a");
+    library.AddTrackRow("252E671073EC0001", 3, R"(D:\Music\Alder\First Light\CD2\b.mp3)", "b");
+    library.AddTrackRow("252E671073EC0001", 4, R"(D:\Music\Alder\First Light\Disc 2\c.mp3)", "c");
+    const auto number = [this](const char* path) {
+        return GetID3Info(library.run, path, names, present).tag.track;
+    };
+    constexpr const char* Third = R"(D:\Music\Alder\First Light\Disc 2\c.mp3)";
+    EXPECT_EQ(number(Third), "4");
+    library.run.modern.joinsDiscs = true;
+    EXPECT_EQ(number(Third), "2");
+    EXPECT_EQ(number(R"(D:\Music\Alder\First Light\CD1\a.mp3)"), "1");
+}
+
+TEST_F(GetID3InfoTest, LeavesTheNumberOfAnotherDiscThatTheTagAloneNames) {
+    library.AddTrackRow("252E671073EC0001", 12, Path, "Dawn");
+    present.track = "2";
+    present.disc = "2";
+    EXPECT_EQ(Build().tag.track, "12");
+    library.run.modern.joinsDiscs = true;
+    EXPECT_EQ(Build().tag.track, "2");
+}
+
+TEST_F(GetID3InfoTest, LeavesTheArtistThatATrackHasForItself) {
+    library.AddTrackRow("252E671073EC0001", 1, Path, "Dawn");
+    library.Execute("UPDATE Tracks SET Artist='Birch'");
+    present.artist = "Birch";
+    EXPECT_EQ(Build().tag.artist, "Alder");
+    library.run.modern.keepsTrackArtists = true;
+    EXPECT_EQ(Build().tag.artist, "Birch");
+    present.artist = "";
+    EXPECT_EQ(Build().tag.artist, "Birch");
+}
+
 }  // namespace
 }  // namespace quillon

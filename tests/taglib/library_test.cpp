@@ -3,6 +3,8 @@
 #include <string>
 #include <vector>
 
+#include "id3/id3_to_db.h"
+#include "id3/song_genre.h"
 #include "taglib/tag_library.h"
 #include "tags/known_tags.h"
 #include "tests/id3/store_fixture.h"
@@ -21,18 +23,20 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
+using ::testing::UnorderedElementsAre;
 
 const std::string LongTitle = "A title that is longer than thirty characters";
 const std::string CutName = "Alder - A title that is longer than th.mp3";
 const std::string LongName = "Alder - A title that is longer than thirty characters.mp3";
 
-std::string Tagged(const std::string& title, const std::string& genre = "") {
+std::string Tagged(const std::string& title, const std::string& genre = "",
+                   std::size_t length = 383) {
     std::string frames = FrameBytes(4, "TIT2", TextContent(title, 3)) +
                          FrameBytes(4, "TPE1", TextContent("Alder", 3)) +
                          FrameBytes(4, "TALB", TextContent("First Light", 3)) +
                          FrameBytes(4, "TRCK", TextContent("1/2", 3));
     if (!genre.empty()) frames += FrameBytes(4, "TCON", TextContent(genre, 3));
-    return FramesTag(4, frames, 300) + Sound(383);
+    return FramesTag(4, frames, 300) + Sound(length);
 }
 
 class AllTagsOfLibraryTest : public VerifyTest {
@@ -110,6 +114,44 @@ TEST_F(AllTagsOfLibraryTest, AnUnchangedLibraryOpensNoMusicFile) {
     EXPECT_EQ(Tracks(), rows);
 }
 
+TEST_F(AllTagsOfLibraryTest, ANewFileIsOpenedOnceForTagsAndSound) {
+    library.run.movedMusic.FollowMovedFiles = true;
+    library.run.modern.joinsDiscs = library.run.modern.keepsTrackArtists = true;
+    library.files.AddFile(PathOf("Alder - Dawn.mp3"), Tagged("Dawn"));
+    library.files.AddFile(PathOf(R"(CD2\Alder - Dusk.mp3)"), Tagged("Dusk", "", 300));
+    Reconcile();
+    EXPECT_THAT(library.calls.Of({"OpenBinary"}), SizeIs(2));
+    EXPECT_EQ(library.files.Content(R"(D:\Data\jukebox.mdb.sounds)").empty(), false);
+    NextRun();
+    EXPECT_THAT(library.calls.Of({"OpenBinary"}), IsEmpty());
+    // A song whose sound was known has gone, and is in another folder.
+    library.files.MoveFile(PathOf("Alder - Dawn.mp3"), PathOf(R"(CD3\Alder - Dawn.mp3)"));
+    const std::vector<std::string> ids = library.Rows("SELECT ID FROM Tracks ORDER BY ID");
+    NextRun();
+    EXPECT_THAT(library.calls.Of({"OpenBinary"}), SizeIs(1));
+    EXPECT_EQ(library.Rows("SELECT ID FROM Tracks ORDER BY ID"), ids);
+}
+
+TEST_F(AllTagsOfLibraryTest, AnUnchangedAlbumOfSeveralDiscsAndArtistsOpensNoMusicFile) {
+    library.run.modern.joinsDiscs = library.run.modern.keepsTrackArtists = true;
+    library.run.modern.numbersFromTags = true;
+    const auto by = [](const std::string& artist, std::size_t length) {
+        return FramesTag(4, FrameBytes(4, "TPE1", TextContent(artist, 3)) +
+                                FrameBytes(4, "TPOS", TextContent("2/2", 3)) +
+                                FrameBytes(4, "TRCK", TextContent("1/2", 3))) +
+               Sound(length);
+    };
+    library.files.AddFile(PathOf("Alder - Dawn.mp3"), Tagged("Dawn"));
+    library.files.AddFile(PathOf("Birch - Noon.mp3"), by("Birch", 200));
+    library.files.AddFile(PathOf(R"(CD1\Alder - Eve.mp3)"), by("Alder", 300));
+    const auto rows = ElementsAre("Alder|1|Dawn", "Birch|2|Noon", "Alder|3|Eve");
+    Reconcile();
+    EXPECT_THAT(library.Rows("SELECT Artist, Track, Title FROM Tracks ORDER BY Track"), rows);
+    NextRun();
+    EXPECT_THAT(library.Rows("SELECT Artist, Track, Title FROM Tracks ORDER BY Track"), rows);
+    EXPECT_THAT(library.calls.Of({"OpenBinary"}), IsEmpty());
+}
+
 TEST_F(AllTagsOfLibraryTest, AChangedRowIsComparedWithoutOpeningTheFile) {
     AddTagged("Alder - Dawn.mp3", Tagged("Dawn"));
     Reconcile();
@@ -117,6 +159,27 @@ TEST_F(AllTagsOfLibraryTest, AChangedRowIsComparedWithoutOpeningTheFile) {
     NextRun();
     EXPECT_THAT(Differences(), ElementsAre("Comment|Length=10|Length=430|Dawn"));
     EXPECT_THAT(library.calls.Of({"OpenBinary"}), IsEmpty());
+}
+
+TEST_F(AllTagsOfLibraryTest, WhatTheySayIsTakenIntoTheDatabase) {
+    AddTagged("Alder - Dawn.mp3", Tagged("Dawn", "Synthpop of my own"));
+    library.Execute(
+        "INSERT INTO Spinner (Artist, Album, Song, Genre) VALUES (\"Alder\", \"First Light\", "
+        "\"Dawn\", \"Rock\")");
+    library.Execute("UPDATE Tracks SET Minutes=7, Seconds=0");
+    PopulateGenre(library.run);
+    Reconcile();
+    EXPECT_THAT(Differences(), UnorderedElementsAre("Genre|Synthpop of my own|Rock|Dawn",
+                                                    "Comment|Length=10|Length=420|Dawn"));
+    library.run.ForgetTables();
+    UpdateDatabaseFromID3(library.run);
+    EXPECT_THAT(library.Rows("SELECT Genre FROM Spinner"), ElementsAre("Synthpop of my own"));
+    EXPECT_THAT(library.Rows("SELECT Minutes, Seconds FROM Tracks"), ElementsAre("0|10"));
+    library.run.ForgetTables();
+    PopulateGenre(library.run);
+    Reconcile();
+    EXPECT_THAT(Differences(), IsEmpty());
+    EXPECT_EQ(library.run.counts.errors, 0U);
 }
 
 class WriteAllTagsTest : public StoreID3Test {
@@ -190,6 +253,15 @@ TEST_F(WriteAllTagsTest, ANumberIsNoGenre) {
     AddTagged(Tagged("Dawn", "Synthpop of my own"));
     Write();
     EXPECT_EQ(Present().genre, "Synthpop of my own");
+}
+
+TEST_F(WriteAllTagsTest, ANumberIsNoGenreOfVersion1Either) {
+    library.Execute("UPDATE Spinner SET Genre=\"25\"");
+    AddTagged(Sound(3) + TagBytes(OldTag()));
+    Write();
+    EXPECT_EQ(Present().song, "Dawn");
+    EXPECT_EQ(Present().genre, "AlternRock");
+    EXPECT_THAT(Log(), IsEmpty());
 }
 
 TEST_F(WriteAllTagsTest, AGenreThatNoTableHasIsWrittenAsText) {

@@ -122,6 +122,19 @@ TEST_F(ModernPickerTest, LeavesOutTimesThatAreNotKnown) {
     EXPECT_THAT(none, HasSubstr("<p>8 tracks</p>"));
 }
 
+TEST_F(ModernPickerTest, NamesArtistsOfTracksWhereTheyAreTheirOwn) {
+    AddAlbum({.cdjid = "1", .artist = "Various", .title = "Hits"});
+    Execute("UPDATE Tracks SET Artist='Various'");
+    Execute("UPDATE Tracks SET Artist='Birch & Co' WHERE Track=3");
+    Build();
+    EXPECT_THAT(Page(1), Not(HasSubstr("Birch")));
+    run.modern.keepsTrackArtists = true;
+    Build();
+    EXPECT_THAT(Page(1), HasSubstr("<th scope='row'><bdi>Song 3</bdi> <span class='picker-more'>"
+                                   "<bdi>Birch &amp; Co</bdi></span></th>"));
+    EXPECT_THAT(Page(1), HasSubstr("<th scope='row'><bdi>Song 2</bdi></th>"));
+}
+
 TEST_F(ModernPickerTest, AddsUpTheTimesOfAllTracks) {
     AddAlbum({.cdjid = "1", .artist = "Alder", .title = "One"});
     Build();

@@ -1,4 +1,4 @@
-#include "id3/sound_bytes.h"
+#include "tags/sound_bytes.h"
 
 #include <algorithm>
 
@@ -16,7 +16,20 @@ bool Reads(const std::vector<std::uint8_t>& bytes, std::string_view text) {
 }  // namespace
 
 SoundBytes::SoundBytes(Files& files, std::string_view path)
-    : path_(path), stream_(files.OpenBinary(path)), fileSize_(stream_->Size()), end_(fileSize_) {
+    : path_(path),
+      opened_(files.OpenBinary(path)),
+      stream_(opened_.get()),
+      fileSize_(stream_->Size()),
+      end_(fileSize_) {
+    FindSound();
+}
+
+SoundBytes::SoundBytes(BinaryReader& stream, std::string_view path)
+    : path_(path), stream_(&stream), fileSize_(stream.Size()), end_(fileSize_) {
+    FindSound();
+}
+
+void SoundBytes::FindSound() {
     LeaveOutBeginning();
     LeaveOutTag();
     LeaveOutApe();

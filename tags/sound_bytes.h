@@ -16,6 +16,8 @@ namespace quillon {
 class SoundBytes {
   public:
     SoundBytes(Files& files, std::string_view path);
+    /// Of a file that is open already; `stream` must outlive this object.
+    SoundBytes(BinaryReader& stream, std::string_view path);
 
     /// In bytes; so is the next.
     std::uint64_t Size() const { return end_ - begin_; }
@@ -25,13 +27,15 @@ class SoundBytes {
     std::vector<std::uint8_t> Read(std::uint64_t offset, std::size_t count);
 
   private:
+    void FindSound();
     std::vector<std::uint8_t> At(std::uint64_t position, std::size_t count);
     void LeaveOutBeginning();
     void LeaveOutTag();
     void LeaveOutApe();
 
     std::string path_;
-    std::unique_ptr<BinaryReader> stream_;
+    std::unique_ptr<BinaryReader> opened_;
+    BinaryReader* stream_;
     std::uint64_t fileSize_, begin_ = 0, end_;
 };
 

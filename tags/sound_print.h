@@ -32,6 +32,10 @@ FileState StateOf(std::uint64_t size, DateTime modified);
 std::optional<SoundPrint> ReadSoundPrint(Files& files, const std::string& path,
                                          const FileState& state);
 
+/// The same of a file that is open already.
+std::optional<SoundPrint> ReadSoundPrint(Files& files, BinaryReader& stream,
+                                         const std::string& path, const FileState& state);
+
 /// Of all bytes of the sound. Nothing and Failure as above.
 std::optional<std::uint64_t> ReadWholeSound(Files& files, const std::string& path,
                                             const FileState& state);
