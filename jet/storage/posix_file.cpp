@@ -1,5 +1,3 @@
-#include "jet/storage/posix.h"
-
 #include <fcntl.h>
 #include <string>
 #include <sys/stat.h>
@@ -7,6 +5,7 @@
 #include <unistd.h>
 
 #include "jet/error.h"
+#include "jet/storage/posix.h"
 
 namespace jet::storage {
 

@@ -1,10 +1,10 @@
 #include "tests/outside/temporary_folder.h"
 
-#include <cerrno>
 #include <fstream>
 #include <iterator>
+#include <random>
 #include <stdexcept>
-#include <stdlib.h>  // mkdtemp is POSIX, not in <cstdlib>
+#include <string>
 #include <system_error>
 
 namespace outside {
@@ -12,10 +12,11 @@ namespace outside {
 namespace fs = std::filesystem;
 
 TemporaryFolder::TemporaryFolder() {
-    std::string pattern = fs::temp_directory_path() / "quillon-XXXXXX";
-    if (::mkdtemp(pattern.data()) == nullptr)
-        throw std::system_error(errno, std::generic_category(), pattern);
-    path_ = fs::canonical(pattern);
+    const fs::path folder = fs::canonical(fs::temp_directory_path());
+    std::random_device chance;
+    do {
+        path_ = folder / ("quillon-" + std::to_string(chance()));
+    } while (!fs::create_directory(path_));
 }
 
 TemporaryFolder::~TemporaryFolder() {
