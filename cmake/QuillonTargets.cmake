@@ -12,7 +12,7 @@ target_compile_options(quillon_options INTERFACE
 # Settings of what is under test: the libraries, and programs made of them. Tests go without, so that
 # their objects are the same in every build and a compiler cache has them for the second.
 add_library(quillon_build_kind INTERFACE)
-target_compile_options(quillon_build_kind INTERFACE $<$<CONFIG:Release>:-O2>)
+target_compile_options(quillon_build_kind INTERFACE $<$<CONFIG:Release>:$<IF:$<BOOL:${WIN32}>,-O1,-O2>>)
 if(QUILLON_SANITIZE)
     # -Og compiles as fast as no optimisation here, and what it makes runs three times as fast.
     target_compile_options(quillon_build_kind INTERFACE -g1 -Og
@@ -61,11 +61,12 @@ function(quillon_embed header)
     file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/generated/${header} CONTENT "@rows@" @ONLY)
 endfunction()
 
-# quillon_test(NAME SOURCES ... USES ... [COST N])
-# A GoogleTest program; CTest runs its cases one by one, under the sanitizers all at once. There, COST
-# says how long it takes: the longest begin first.
+# quillon_test(NAME SOURCES ... USES ... [COST N] [ASKING_OTHERS PATTERN])
+# A GoogleTest program; CTest runs its cases one by one, under the sanitizers and for Windows all at
+# once. There, COST says how long it takes: the longest begin first. PATTERN names the cases that ask
+# programs which Windows does not have; they are left out there.
 function(quillon_test name)
-    cmake_parse_arguments(ARG "" "COST" "SOURCES;USES" ${ARGN})
+    cmake_parse_arguments(ARG "" "COST;ASKING_OTHERS" "SOURCES;USES" ${ARGN})
     if(NOT ARG_COST)
         set(ARG_COST 10)
     endif()
@@ -74,9 +75,13 @@ function(quillon_test name)
     # What is tested is optimised in the release build; tests only need to compile fast.
     target_compile_options(${name} PRIVATE -O0)
     set_target_properties(${name} PROPERTIES UNITY_BUILD_BATCH_SIZE ${quillon_tests_at_once})
-    if(QUILLON_SANITIZE)
+    if(QUILLON_SANITIZE OR WIN32)
         # A process for each case would spend more time on starting than on its work.
-        add_test(NAME ${name} COMMAND ${name})
+        set(filter "")
+        if(WIN32 AND ARG_ASKING_OTHERS)
+            set(filter --gtest_filter=-${ARG_ASKING_OTHERS})
+        endif()
+        add_test(NAME ${name} COMMAND ${name} --gtest_brief=1 ${filter})
         set_tests_properties(${name} PROPERTIES TIMEOUT 900 COST ${ARG_COST})
     else()
         gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)

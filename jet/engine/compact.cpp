@@ -1,14 +1,13 @@
 #include "jet/compact.h"
 
-#include <sys/stat.h>
 #include <system_error>
-#include <unistd.h>
 
 #include "jet/check.h"
 #include "jet/error.h"
 #include "jet/storage/database_file.h"
 #include "jet/storage/file_system.h"
 #include "jet/storage/pending_journal.h"
+#include "jet/storage/system_file.h"
 #include "jet/verify/check_pages.h"
 
 namespace jet {
@@ -51,35 +50,6 @@ fs::path NameToKeep(const fs::path& file) {
     }
 }
 
-[[noreturn]] void FailToSwap(const fs::path& file, const std::error_code& reason) {
-    throw Error(ErrorKind::Io, file.string() + " cannot be replaced: " + reason.message());
-}
-
-/// Whoever may read and write the file may read and write the copy.
-void CopyAccess(const fs::path& from, const fs::path& to) {
-    struct stat facts{};
-    if (stat(from.c_str(), &facts) != 0 || chmod(to.c_str(), facts.st_mode & 07777) != 0)
-        FailToSwap(from, std::error_code(errno, std::generic_category()));
-    // Only root may give files away; otherwise the copy belongs to whoever runs this.
-    [[maybe_unused]] const int given = chown(to.c_str(), facts.st_uid, facts.st_gid);
-}
-
-/// The old file gets a second name first, so that there is a file of the database's own name at any
-/// moment. Some file systems have no second names.
-void Swap(const fs::path& file, const fs::path& copy, const fs::path& kept) {
-    std::error_code failed;
-    fs::create_hard_link(file, kept, failed);
-    if (failed) {
-        fs::rename(file, kept, failed);
-        if (failed) FailToSwap(file, failed);
-    }
-    fs::rename(copy, file, failed);
-    if (!failed) return;
-    std::error_code ignored;
-    fs::rename(kept, file, ignored);
-    FailToSwap(file, failed);
-}
-
 }  // namespace
 
 Compacted CompactDatabase(const fs::path& database) {
@@ -96,11 +66,10 @@ Compacted CompactDatabase(const fs::path& database) {
     done.tables = file.TableNames().size();
     done.rows = file.WriteCompacted(copy.Path());
     RequireWhole(CheckFile(copy.Path()), copy.Path());
-    CopyAccess(real, copy.Path());
     done.sizeBefore = fs::file_size(real);
     done.size = fs::file_size(copy.Path());
     done.kept = NameToKeep(real);
-    Swap(real, copy.Path(), done.kept);
+    storage::Exchange(real, copy.Path(), done.kept);
     files->SyncFolderOf(real);
     file.Discard();
     return done;

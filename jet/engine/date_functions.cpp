@@ -3,6 +3,7 @@
 
 #include "jet/dialect/date_text.h"
 #include "jet/engine/function_arguments.h"
+#include "jet/storage/system_file.h"
 
 namespace jet::engine {
 
@@ -13,8 +14,7 @@ using dialect::DateParts;
 /// The local date and time, to the second.
 double Now() {
     const std::time_t now = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
-    std::tm local{};
-    localtime_r(&now, &local);
+    const std::tm local = storage::LocalTime(now);
     return dialect::JoinDate({local.tm_year + 1900, local.tm_mon + 1, local.tm_mday, local.tm_hour,
                               local.tm_min, local.tm_sec});
 }

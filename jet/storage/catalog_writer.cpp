@@ -1,11 +1,13 @@
 #include "jet/storage/catalog_writer.h"
 
+#include <chrono>
 #include <ctime>
 #include <string_view>
 #include <utility>
 
 #include "jet/storage/bytes.h"
 #include "jet/storage/catalog.h"
+#include "jet/storage/system_file.h"
 #include "jet/text.h"
 
 namespace jet::storage {
@@ -22,11 +24,14 @@ constexpr unsigned AdminToUsers = 0x03 ^ 0x02;
 
 /// The local time as an OLE date, as the database engine stamps its objects.
 Date Now() {
-    const std::time_t now = std::time(nullptr);
-    std::tm local{};
-    localtime_r(&now, &local);
+    const std::tm local = LocalTime(std::time(nullptr));
+    const auto day = std::chrono::year(local.tm_year + 1900) /
+                     std::chrono::month(static_cast<unsigned>(local.tm_mon + 1)) /
+                     std::chrono::day(static_cast<unsigned>(local.tm_mday));
     constexpr double UnixEpoch = 25569, SecondsPerDay = 86400;
-    return {UnixEpoch + static_cast<double>(now + local.tm_gmtoff) / SecondsPerDay};
+    const int seconds = (local.tm_hour * 60 + local.tm_min) * 60 + local.tm_sec;
+    return {UnixEpoch + static_cast<double>(std::chrono::sys_days(day).time_since_epoch().count()) +
+            seconds / SecondsPerDay};
 }
 
 Bytes Stored(SecurityId id) {

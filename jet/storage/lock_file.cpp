@@ -3,11 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <fcntl.h>
 #include <span>
 #include <string>
 #include <string_view>
-#include <unistd.h>
 #include <utility>
 #include <vector>
 
@@ -39,9 +37,7 @@ std::string NameIn(std::span<const char> field) {
 }
 
 std::string ThisMachine() {
-    std::array<char, 256> name{};
-    if (gethostname(name.data(), name.size() - 1) != 0) return "localhost";
-    return std::string(name.data()).substr(0, NameSize - 1);
+    return MachineName().substr(0, NameSize - 1);
 }
 
 LockEntry OurEntry() {
@@ -55,20 +51,18 @@ LockEntry OurEntry() {
 std::vector<Entry> ReadEntries(const Descriptor& file, const std::filesystem::path& path) {
     const LockEntry ours = OurEntry();
     std::vector<Entry> entries;
-    LockEntry bytes{};
     for (std::size_t i = 0; i < MostEntries; ++i) {
-        bytes.fill('\0');
-        const auto count = Uninterrupted([&] {
-            return pread(file.Number(), bytes.data(), EntrySize, static_cast<off_t>(i * EntrySize));
-        });
-        if (count < 0) ThrowSystemError("read", path, errno);
+        std::array<std::uint8_t, EntrySize> read{};
+        const std::size_t count = ReadFrom(file, i * EntrySize, read, path);
         if (count == 0) break;
+        LockEntry bytes{};
+        std::copy(read.begin(), read.end(), bytes.begin());
         Entry entry{NameIn(std::span(bytes).first(NameSize)),
                     NameIn(std::span(bytes).subspan(NameSize))};
-        const bool isWhole = count == static_cast<ssize_t>(EntrySize);
+        const bool isWhole = count == EntrySize;
         // Half an entry is somebody's, too: ours when we were killed in writing it.
         entry.isOurs = isWhole ? entry.machine == ThisMachine() && entry.user == UserName
-                               : std::equal(bytes.begin(), bytes.begin() + count, ours.begin());
+                               : std::equal(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(count), ours.begin());
         if (!isWhole || !entry.machine.empty() || !entry.user.empty())
             entries.push_back(std::move(entry));
     }
@@ -112,10 +106,10 @@ bool IsAt(const Descriptor& file, const std::filesystem::path& path) {
 
 void WriteEntry(const Descriptor& file, const std::filesystem::path& path) {
     const LockEntry entry = OurEntry();
-    if (ftruncate(file.Number(), 0) != 0) ThrowSystemError("write", path, errno);
-    const auto count = pwrite(file.Number(), entry.data(), entry.size(), 0);
-    if (count < 0) ThrowSystemError("write", path, errno);
-    if (count != static_cast<ssize_t>(entry.size())) ThrowSystemError("write", path, ENOSPC);
+    std::array<std::uint8_t, EntrySize> bytes{};
+    std::copy(entry.begin(), entry.end(), bytes.begin());
+    Empty(file, path);
+    WriteTo(file, 0, bytes, path);
 }
 
 }  // namespace
@@ -138,7 +132,7 @@ LockFile::LockFile(const std::filesystem::path& database)
 
 /// False when the file vanished meanwhile.
 bool LockFile::TryTake(const std::filesystem::path& database) {
-    Descriptor file = OpenPlainFile(path_, O_RDWR | O_CREAT, "create");
+    Descriptor file = OpenPlainFile(path_, Opening::ReadWriteOrNew, "create");
     const LockResult lock = TakeLock(file, UserLocks, path_);
     const std::string objection = Objection(database, lock, ReadEntries(file, path_));
     const bool isThere = lock == LockResult::Held || IsAt(file, path_);
@@ -147,7 +141,7 @@ bool LockFile::TryTake(const std::filesystem::path& database) {
     try {
         WriteEntry(file, path_);
     } catch (const Error&) {
-        unlink(path_.c_str());
+        CloseAndRemove(std::move(file), path_);
         throw;
     }
     descriptor_ = std::move(file);
@@ -155,8 +149,7 @@ bool LockFile::TryTake(const std::filesystem::path& database) {
 }
 
 LockFile::~LockFile() {
-    // The name goes first: whoever opens it afterwards makes a new file.
-    if (descriptor_.IsOpen()) unlink(path_.c_str());
+    CloseAndRemove(std::move(descriptor_), path_);
 }
 
 }  // namespace jet::storage
@@ -167,9 +160,15 @@ namespace {
 
 /// Who holds the database file itself has it open by another name.
 LockState LookAtFile(const std::filesystem::path& database) {
-    const auto file = storage::OpenPlainFile(database, O_RDONLY, "open");
-    if (storage::ProbeLock(file, storage::DatabaseLock, database) != storage::LockResult::Held)
-        return {};
+    try {
+        const auto file = storage::OpenPlainFile(database, storage::Opening::Read, "open");
+        if (storage::ProbeLock(file, storage::DatabaseLock, database) != storage::LockResult::Held)
+            return {};
+    } catch (const Error& error) {
+        // Some systems let a program keep a file all to itself.
+        if (error.Kind() != ErrorKind::InUse) throw;
+        return {LockState::Kind::InUse, error.what(), {}};
+    }
     return {LockState::Kind::InUse, storage::InUseByAnotherName(database), {}};
 }
 
@@ -181,7 +180,7 @@ LockState LookAtLock(const std::filesystem::path& database) {
     LockState state = LookAtFile(real);
     state.file = path;
     if (!storage::FactsOfName(path)) return state;
-    const auto file = storage::OpenPlainFile(path, O_RDONLY, "open");
+    const auto file = storage::OpenPlainFile(path, storage::Opening::Read, "open");
     const auto entries = storage::ReadEntries(file, path);
     const auto lock = storage::ProbeLock(file, storage::UserLocks, path);
     std::string objection = storage::Objection(real, lock, entries);

@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <string>
 
-#include "jet/storage/posix.h"
+#include "jet/storage/system_file.h"
 
 namespace jet::storage {
 

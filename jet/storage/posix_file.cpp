@@ -1,3 +1,5 @@
+#include <array>
+#include <cerrno>
 #include <fcntl.h>
 #include <string>
 #include <sys/stat.h>
@@ -5,11 +7,25 @@
 #include <unistd.h>
 
 #include "jet/error.h"
-#include "jet/storage/posix.h"
+#include "jet/storage/posix_call.h"
+#include "jet/storage/system_file.h"
 
 namespace jet::storage {
 
 namespace {
+
+[[noreturn]] void FailToExchange(const std::filesystem::path& file, const std::error_code& reason) {
+    throw Error(ErrorKind::Io, file.string() + " cannot be replaced: " + reason.message());
+}
+
+/// Whoever may read and write the file may read and write the copy.
+void CopyAccess(const std::filesystem::path& from, const std::filesystem::path& to) {
+    struct stat facts{};
+    if (stat(from.c_str(), &facts) != 0 || chmod(to.c_str(), facts.st_mode & 07777) != 0)
+        FailToExchange(from, std::error_code(errno, std::generic_category()));
+    // Only root may give files away; otherwise the copy belongs to whoever runs this.
+    [[maybe_unused]] const int given = chown(to.c_str(), facts.st_uid, facts.st_gid);
+}
 
 std::string_view KindOf(mode_t mode) {
     switch (mode & S_IFMT) {
@@ -74,10 +90,24 @@ LockResult FailedLock(const std::filesystem::path& path, int errorNumber) {
     }
 }
 
+int FlagsOf(Opening opening) {
+    switch (opening) {
+        case Opening::Read:
+            return O_RDONLY;
+        case Opening::ReadWrite:
+            return O_RDWR;
+        case Opening::New:
+            return O_RDWR | O_CREAT | O_EXCL;
+        case Opening::ReadWriteOrNew:
+            return O_RDWR | O_CREAT;
+    }
+    return O_RDONLY;
+}
+
 }  // namespace
 
 Descriptor::~Descriptor() {
-    if (IsOpen()) close(number_);
+    if (IsOpen()) close(static_cast<int>(number_));
 }
 
 void ThrowSystemError(std::string_view verb, const std::filesystem::path& path, int errorNumber) {
@@ -92,7 +122,7 @@ void ThrowSystemError(std::string_view verb, const std::filesystem::path& path, 
 
 FileFacts FactsOf(const Descriptor& file, const std::filesystem::path& path) {
     struct stat status{};
-    if (fstat(file.Number(), &status) != 0) ThrowSystemError("look up", path, errno);
+    if (fstat(NumberOf(file), &status) != 0) ThrowSystemError("look up", path, errno);
     return FactsIn(status);
 }
 
@@ -110,28 +140,95 @@ void RequirePlain(const FileFacts& facts, const std::filesystem::path& path) {
                                    " and not a plain file; it is neither read nor written.");
 }
 
-Descriptor OpenPlainFile(const std::filesystem::path& path, int flags, std::string_view verb) {
+Descriptor OpenPlainFile(const std::filesystem::path& path, Opening opening,
+                         std::string_view verb) {
     // Looked at before, because opening alone can have an effect on a device, and afterwards,
     // because the name may have got another meaning in between.
     if (const auto facts = FactsOfName(path)) RequirePlain(*facts, path);
     constexpr int Always = O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY;
     constexpr mode_t EveryoneByUmask = 0666;
-    Descriptor file(
-        Uninterrupted([&] { return open(path.c_str(), flags | Always, EveryoneByUmask); }));
+    const int flags = FlagsOf(opening) | Always;
+    Descriptor file(Uninterrupted([&] { return open(path.c_str(), flags, EveryoneByUmask); }));
     if (!file.IsOpen()) ThrowSystemError(verb, path, errno);
     RequirePlain(FactsOf(file, path), path);
     return file;
 }
 
+std::size_t ReadFrom(const Descriptor& file, std::uint64_t offset, std::span<std::uint8_t> bytes,
+                     const std::filesystem::path& path) {
+    std::size_t done = 0;
+    while (done < bytes.size()) {
+        const auto rest = bytes.subspan(done);
+        const auto count = Uninterrupted([&] {
+            return pread(NumberOf(file), rest.data(), rest.size(),
+                         static_cast<off_t>(offset + done));
+        });
+        if (count < 0) ThrowSystemError("read", path, errno);
+        if (count == 0) break;
+        done += static_cast<std::size_t>(count);
+    }
+    return done;
+}
+
+void WriteTo(const Descriptor& file, std::uint64_t offset, std::span<const std::uint8_t> bytes,
+             const std::filesystem::path& path) {
+    while (!bytes.empty()) {
+        const auto count = Uninterrupted([&] {
+            return pwrite(NumberOf(file), bytes.data(), bytes.size(), static_cast<off_t>(offset));
+        });
+        if (count < 0) ThrowSystemError("write", path, errno);
+        bytes = bytes.subspan(static_cast<std::size_t>(count));
+        offset += static_cast<std::uint64_t>(count);
+    }
+}
+
+void Empty(const Descriptor& file, const std::filesystem::path& path) {
+    if (ftruncate(NumberOf(file), 0) != 0) ThrowSystemError("write", path, errno);
+}
+
+void CloseAndRemove(Descriptor file, const std::filesystem::path& path) {
+    // The name goes first: whoever opens it afterwards makes a new file.
+    if (file.IsOpen()) unlink(path.c_str());
+}
+
+void Exchange(const std::filesystem::path& file, const std::filesystem::path& copy,
+              const std::filesystem::path& kept) {
+    CopyAccess(file, copy);
+    std::error_code failed;
+    // The old file gets a second name first. Some file systems have no second names.
+    std::filesystem::create_hard_link(file, kept, failed);
+    if (failed) {
+        std::filesystem::rename(file, kept, failed);
+        if (failed) FailToExchange(file, failed);
+    }
+    std::filesystem::rename(copy, file, failed);
+    if (!failed) return;
+    std::error_code ignored;
+    std::filesystem::rename(kept, file, ignored);
+    FailToExchange(file, failed);
+}
+
+std::string MachineName() {
+    std::array<char, 256> name{};
+    if (gethostname(name.data(), name.size() - 1) != 0) return "localhost";
+    return name.data();
+}
+
+std::tm LocalTime(std::time_t moment) {
+    std::tm local{};
+    localtime_r(&moment, &local);
+    return local;
+}
+
 LockResult TakeLock(const Descriptor& file, ByteRange range, const std::filesystem::path& path) {
     struct flock lock = WriteLock(range);
-    const int result = Uninterrupted([&] { return fcntl(file.Number(), F_OFD_SETLK, &lock); });
+    const int result = Uninterrupted([&] { return fcntl(NumberOf(file), F_OFD_SETLK, &lock); });
     return result == 0 ? LockResult::Taken : FailedLock(path, errno);
 }
 
 LockResult ProbeLock(const Descriptor& file, ByteRange range, const std::filesystem::path& path) {
     struct flock lock = WriteLock(range);
-    const int result = Uninterrupted([&] { return fcntl(file.Number(), F_OFD_GETLK, &lock); });
+    const int result = Uninterrupted([&] { return fcntl(NumberOf(file), F_OFD_GETLK, &lock); });
     if (result != 0) return FailedLock(path, errno);
     return lock.l_type == F_UNLCK ? LockResult::Taken : LockResult::Held;
 }

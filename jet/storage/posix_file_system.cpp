@@ -9,7 +9,8 @@
 #include <utility>
 
 #include "jet/storage/file_system.h"
-#include "jet/storage/posix.h"
+#include "jet/storage/posix_call.h"
+#include "jet/storage/system_file.h"
 
 namespace jet::storage {
 
@@ -25,43 +26,24 @@ class PosixFile final : public File {
         : descriptor_(std::move(descriptor)), path_(std::move(path)) {}
 
     std::size_t ReadAt(std::uint64_t offset, std::span<std::uint8_t> bytes) override {
-        std::size_t done = 0;
-        while (done < bytes.size()) {
-            const auto rest = bytes.subspan(done);
-            const auto count = Uninterrupted([&] {
-                return pread(descriptor_.Number(), rest.data(), rest.size(),
-                             static_cast<off_t>(offset + done));
-            });
-            if (count < 0) Fail("read");
-            if (count == 0) break;
-            done += static_cast<std::size_t>(count);
-        }
-        return done;
+        return ReadFrom(descriptor_, offset, bytes, path_);
     }
 
     void WriteAt(std::uint64_t offset, std::span<const std::uint8_t> bytes) override {
-        while (!bytes.empty()) {
-            const auto count = Uninterrupted([&] {
-                return pwrite(descriptor_.Number(), bytes.data(), bytes.size(),
-                              static_cast<off_t>(offset));
-            });
-            if (count < 0) Fail("write");
-            bytes = bytes.subspan(static_cast<std::size_t>(count));
-            offset += static_cast<std::uint64_t>(count);
-        }
+        WriteTo(descriptor_, offset, bytes, path_);
     }
 
     void Reserve(std::uint64_t size) override {
         if (size <= Size()) return;
         const int result = Uninterrupted([&] {
-            return fallocate(descriptor_.Number(), FALLOC_FL_KEEP_SIZE, 0,
+            return fallocate(NumberOf(descriptor_), FALLOC_FL_KEEP_SIZE, 0,
                              static_cast<off_t>(size));
         });
         if (result != 0 && (errno == ENOSPC || errno == EDQUOT || errno == EFBIG)) Fail("extend");
     }
 
     void Sync() override {
-        if (Uninterrupted([&] { return fsync(descriptor_.Number()); }) != 0) Fail("write");
+        if (Uninterrupted([&] { return fsync(NumberOf(descriptor_)); }) != 0) Fail("write");
     }
 
     FileFacts Facts() override { return FactsOf(descriptor_, path_); }
@@ -71,7 +53,7 @@ class PosixFile final : public File {
     std::optional<std::string> Note() override {
         constexpr std::size_t LongestNote = 65536;  // of any extended attribute
         std::string text(LongestNote, '\0');
-        const auto size = fgetxattr(descriptor_.Number(), NoteAttribute, text.data(), text.size());
+        const auto size = fgetxattr(NumberOf(descriptor_), NoteAttribute, text.data(), text.size());
         if (size < 0 && errno != ENODATA && errno != EOPNOTSUPP) Fail("read");
         if (size < 0) return std::nullopt;
         text.resize(static_cast<std::size_t>(size));
@@ -79,8 +61,8 @@ class PosixFile final : public File {
     }
 
     bool SetNote(const std::string& text) override {
-        const int result = text.empty() ? fremovexattr(descriptor_.Number(), NoteAttribute)
-                                        : fsetxattr(descriptor_.Number(), NoteAttribute,
+        const int result = text.empty() ? fremovexattr(NumberOf(descriptor_), NoteAttribute)
+                                        : fsetxattr(NumberOf(descriptor_), NoteAttribute,
                                                     text.data(), text.size(), 0);
         if (result == 0 || errno == ENODATA) return true;
         if (errno != EOPNOTSUPP) Fail("write");
@@ -88,7 +70,7 @@ class PosixFile final : public File {
     }
 
     bool KeepsNotes() override {
-        const auto size = fgetxattr(descriptor_.Number(), NoteAttribute, nullptr, 0);
+        const auto size = fgetxattr(NumberOf(descriptor_), NoteAttribute, nullptr, 0);
         if (size < 0 && errno != ENODATA && errno != EOPNOTSUPP) Fail("read");
         return size >= 0 || errno == ENODATA;
     }
@@ -97,7 +79,7 @@ class PosixFile final : public File {
         constexpr std::size_t LongestRemark = 256;
         std::string text(LongestRemark, '\0');
         const auto size =
-            fgetxattr(descriptor_.Number(), RemarkAttribute, text.data(), text.size());
+            fgetxattr(NumberOf(descriptor_), RemarkAttribute, text.data(), text.size());
         if (size < 0) return std::nullopt;
         text.resize(static_cast<std::size_t>(size));
         return text;
@@ -105,7 +87,7 @@ class PosixFile final : public File {
 
     void SetRemark(const std::string& text) override {
         static_cast<void>(
-            fsetxattr(descriptor_.Number(), RemarkAttribute, text.data(), text.size(), 0));
+            fsetxattr(NumberOf(descriptor_), RemarkAttribute, text.data(), text.size(), 0));
     }
 
   private:
@@ -115,16 +97,16 @@ class PosixFile final : public File {
     std::filesystem::path path_;
 };
 
-int Flags(FileAccess access) {
+Opening OpeningFor(FileAccess access) {
     switch (access) {
         case FileAccess::Read:
-            return O_RDONLY;
+            return Opening::Read;
         case FileAccess::ReadWrite:
-            return O_RDWR;
+            return Opening::ReadWrite;
         case FileAccess::Replace:
-            return O_RDWR | O_CREAT | O_EXCL;
+            return Opening::New;
     }
-    return O_RDONLY;
+    return Opening::Read;
 }
 
 class PosixFileSystem final : public FileSystem {
@@ -134,7 +116,7 @@ class PosixFileSystem final : public FileSystem {
         // A new file each time: what else has the old one's name as a hard link keeps its content.
         if (replaces) Remove(path);
         return std::make_unique<PosixFile>(
-            OpenPlainFile(path, Flags(access), replaces ? "create" : "open"), path);
+            OpenPlainFile(path, OpeningFor(access), replaces ? "create" : "open"), path);
     }
 
     bool Exists(const std::filesystem::path& path) override {
@@ -176,7 +158,7 @@ class PosixFileSystem final : public FileSystem {
             [&] { return open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
         if (!descriptor.IsOpen()) ThrowSystemError("open", folder, errno);
         // Some network file systems know no flush of a folder and say so with EINVAL.
-        if (Uninterrupted([&] { return fsync(descriptor.Number()); }) != 0 && errno != EINVAL) {
+        if (Uninterrupted([&] { return fsync(NumberOf(descriptor)); }) != 0 && errno != EINVAL) {
             ThrowSystemError("write", folder, errno);
         }
     }

@@ -1,44 +1,38 @@
 #pragma once
 
-#include <cerrno>
+#include <cstdint>
+#include <ctime>
 #include <filesystem>
 #include <optional>
+#include <span>
+#include <string>
 #include <string_view>
-#include <sys/types.h>
 #include <utility>
 
 #include "jet/storage/file_system.h"
 
 namespace jet::storage {
 
-/// A file descriptor that is closed when it goes.
+/// An open file of the system's, closed when it goes: a descriptor, or a handle on Windows.
 class Descriptor {
   public:
-    explicit Descriptor(int number) : number_(number) {}
-    Descriptor(Descriptor&& other) noexcept : number_(other.number_) { other.number_ = -1; }
+    explicit Descriptor(std::intptr_t number) : number_(number) {}
+    Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
     Descriptor& operator=(Descriptor&& other) noexcept {
         std::swap(number_, other.number_);
         return *this;
     }
     ~Descriptor();
 
-    int Number() const { return number_; }
+    std::intptr_t Number() const { return number_; }
     bool IsOpen() const { return number_ >= 0; }
 
   private:
-    int number_;
+    std::intptr_t number_;
 };
 
-/// Repeats a system call that a signal interrupted.
-template <typename Call>
-auto Uninterrupted(Call call) {
-    auto result = call();
-    while (result == -1 && errno == EINTR)
-        result = call();
-    return result;
-}
-
-/// Throws the jet::Error for a failed system call: "Cannot <verb> <path>: <reason>.".
+/// Throws the jet::Error for a failed system call: "Cannot <verb> <path>: <reason>.". The number is
+/// errno's, on Windows GetLastError()'s.
 [[noreturn]] void ThrowSystemError(std::string_view verb, const std::filesystem::path& path,
                                    int errorNumber);
 
@@ -53,13 +47,44 @@ std::optional<FileFacts> FactsOfTarget(const std::filesystem::path& path);
 /// Error(Io) unless these are a plain file's facts.
 void RequirePlain(const FileFacts& facts, const std::filesystem::path& path);
 
-/// Opens a plain file with these flags and waits for nothing. Error(Io) for a symbolic link,
-/// folder, FIFO, device or socket, which is not touched; `verb` is for the other errors.
-Descriptor OpenPlainFile(const std::filesystem::path& path, int flags, std::string_view verb);
+enum class Opening {
+    Read,
+    ReadWrite,
+    New,              ///< for both; the name must be free
+    ReadWriteOrNew,
+};
+
+/// Opens a plain file and waits for nothing. Error(Io) for a symbolic link, folder, FIFO, device or
+/// socket, which is not touched; `verb` is for the other errors.
+Descriptor OpenPlainFile(const std::filesystem::path& path, Opening opening, std::string_view verb);
+
+/// As File's.
+std::size_t ReadFrom(const Descriptor& file, std::uint64_t offset, std::span<std::uint8_t> bytes,
+                     const std::filesystem::path& path);
+void WriteTo(const Descriptor& file, std::uint64_t offset, std::span<const std::uint8_t> bytes,
+             const std::filesystem::path& path);
+
+/// Takes all content out of the file.
+void Empty(const Descriptor& file, const std::filesystem::path& path);
+
+/// Gives up a file that its users share by locks, and takes its name away, so that nobody who opens
+/// it meanwhile is left with a file that has none. Fails silently.
+void CloseAndRemove(Descriptor file, const std::filesystem::path& path);
+
+/// Puts `copy` in the place of `file`, which the same people may read and write then, and keeps the
+/// old one as `kept`, a free name. There is a file of the name at any moment. Error(Io).
+void Exchange(const std::filesystem::path& file, const std::filesystem::path& copy,
+              const std::filesystem::path& kept);
+
+/// The computer's name in its network; "localhost" where it has none.
+std::string MachineName();
+
+/// A moment as clocks here show it.
+std::tm LocalTime(std::time_t moment);
 
 /// A range of bytes to lock; it may lie behind a file's end.
 struct ByteRange {
-    off_t start, length;
+    std::int64_t start, length;
 };
 
 /// Locks the range for as long as the open file lives.
@@ -69,6 +94,6 @@ LockResult ProbeLock(const Descriptor& file, ByteRange range, const std::filesys
 
 /// Where a database file itself is locked by whoever writes it: behind the end of any database, so
 /// that the lock does not get in the way.
-constexpr ByteRange DatabaseLock{off_t{1} << 32, 1};
+constexpr ByteRange DatabaseLock{std::int64_t{1} << 32, 1};
 
 }  // namespace jet::storage

@@ -4,19 +4,25 @@
 #include <iterator>
 #include <random>
 #include <stdexcept>
-#include <string>
 #include <system_error>
 
 namespace outside {
 
 namespace fs = std::filesystem;
 
+void CopyOver(const fs::path& original, const fs::path& copy) {
+    fs::remove(copy);
+    fs::copy_file(original, copy);
+}
+
 TemporaryFolder::TemporaryFolder() {
-    const fs::path folder = fs::canonical(fs::temp_directory_path());
     std::random_device chance;
-    do {
-        path_ = folder / ("quillon-" + std::to_string(chance()));
-    } while (!fs::create_directory(path_));
+    fs::path path;
+    do
+        path = fs::temp_directory_path() / ("quillon-" + std::to_string(chance()));
+    while (!fs::create_directory(path));
+    fs::permissions(path, fs::perms::owner_all);
+    path_ = fs::canonical(path);
 }
 
 TemporaryFolder::~TemporaryFolder() {
@@ -43,7 +49,7 @@ fs::path TemporaryFolder::MakeFile(std::string_view name, std::string_view conte
 
 fs::path TemporaryFolder::CopyOf(const fs::path& original) const {
     fs::path copy = path_ / original.filename();
-    fs::copy_file(original, copy, fs::copy_options::overwrite_existing);
+    CopyOver(original, copy);
     fs::permissions(copy, fs::perms::owner_write, fs::perm_options::add);
     return copy;
 }

@@ -7,6 +7,10 @@
 
 namespace outside {
 
+/// Copies a file; one that has the copy's name already is replaced, which not every runtime's
+/// copy_file() knows how to do.
+void CopyOver(const std::filesystem::path& original, const std::filesystem::path& copy);
+
 /// An empty folder of a test's or measurement's own, to fill and to look at; removed with all it
 /// holds, even where permissions have been taken away.
 class TemporaryFolder {

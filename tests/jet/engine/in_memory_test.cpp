@@ -4,8 +4,8 @@
 #include <set>
 #include <sstream>
 #include <string>
-#include <sys/stat.h>
 
+#include "jet/storage/system_file.h"
 #include "tests/jet/engine/sample_database.h"
 
 namespace jet::testing {
@@ -21,10 +21,9 @@ std::string SeenFromOutside(const fs::path& folder) {
         files.insert(entry.path());
     files.insert(folder);
     for (const fs::path& file : files) {
-        struct stat facts{};
-        EXPECT_EQ(stat(file.c_str(), &facts), 0);
-        seen << file << facts.st_size << ' ' << facts.st_ino << ' ' << facts.st_mtim.tv_sec << '.'
-             << facts.st_mtim.tv_nsec << ' ' << facts.st_ctim.tv_nsec << '\n';
+        const storage::FileFacts facts = storage::FactsOfName(file).value();
+        seen << file << facts.size << ' ' << facts.number << ' ' << facts.written << ' '
+             << facts.changed << '\n';
         if (fs::is_regular_file(file)) seen << std::ifstream(file, std::ios::binary).rdbuf();
     }
     return std::move(seen).str();

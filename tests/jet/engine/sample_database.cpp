@@ -2,7 +2,6 @@
 
 #include <array>
 #include <cstdlib>
-#include <unistd.h>
 
 #include "jet/dialect/date_text.h"
 #include "tests/outside/command.h"

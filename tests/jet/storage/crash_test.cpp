@@ -1,10 +1,6 @@
 // Whatever fails, and at whatever moment: the file is that of some commit.
-#include <chrono>
 #include <gtest/gtest.h>
 #include <map>
-#include <set>
-#include <sys/wait.h>
-#include <thread>
 #include <vector>
 
 #include "jet/error.h"
@@ -13,7 +9,6 @@
 #include "tests/jet/storage/random_rows.h"
 #include "tests/jet/storage/schemas.h"
 #include "tests/jet/storage/test_files.h"
-#include "tests/outside/child_process.h"
 #include "tests/outside/density.h"
 
 namespace jet::storage::test {
@@ -81,8 +76,7 @@ TEST(PowerLossAtAnyMoment, LeavesTheStateOfSomeCommit) {
     bool reached = true;
     for (std::size_t moment = 0; reached; moment += outside::StepUnderSanitizers(4)) {
         for (std::uint32_t chance = 0; chance < 3; ++chance) {
-            std::filesystem::copy_file(start, path,
-                                       std::filesystem::copy_options::overwrite_existing);
+            outside::CopyOver(start, path);
             const auto files = std::make_shared<FaultyFileSystem>(
                 static_cast<std::uint32_t>(moment) * 10 + chance);
             files->FailAfter(moment, Fault::PowerLoss);
@@ -106,7 +100,7 @@ TEST(AFailedCommit, CanBeRepeated) {
     const auto path = folder / "work.mdb";
     bool reached = true;
     for (std::size_t moment = 0; reached; moment += outside::StepUnderSanitizers(3)) {
-        std::filesystem::copy_file(start, path, std::filesystem::copy_options::overwrite_existing);
+        outside::CopyOver(start, path);
         const auto files = std::make_shared<FaultyFileSystem>(1);
         auto file = DatabaseFile::Open(path, OpenMode::ReadWrite, files);
         ModelledTable model(file.OpenTable("Tracks"), 3);
@@ -140,8 +134,7 @@ TEST(AFailedCommit, FollowedByPowerLossInTheNextKeepsAWholeFile) {
     for (std::size_t first = 0; first < 12; first += 2) {
         bool reached = true;
         for (std::size_t second = 0; reached; second += outside::StepUnderSanitizers(4)) {
-            std::filesystem::copy_file(start, path,
-                                       std::filesystem::copy_options::overwrite_existing);
+            outside::CopyOver(start, path);
             const auto files = std::make_shared<FaultyFileSystem>(
                 static_cast<std::uint32_t>(first * 100 + second));
             std::vector<State> states;
@@ -170,54 +163,6 @@ TEST(AFailedCommit, FollowedByPowerLossInTheNextKeepsAWholeFile) {
             if (testing::Test::HasFailure()) return;
         }
     }
-}
-
-/// Inserts numbered rows until it is killed; every tenth row is followed by a commit.
-[[noreturn]] void InsertUntilKilled(const std::filesystem::path& path) {
-    auto file = DatabaseFile::Open(path, OpenMode::ReadWrite);
-    Table& table = file.OpenTable("Tracks");
-    std::vector<RowId> rows;
-    for (std::int64_t number = 0;; ++number) {
-        Row row(table.Definition().columns.size());
-        row[1] = "Title " + std::to_string(number);
-        row[4] = number % 1000;
-        row[7] = std::string(static_cast<std::size_t>(number % 700), 'n');
-        rows.push_back(table.Insert(row).row);
-        const std::vector<FieldChange> changes{{2, std::string(40, 'a')}};
-        table.Update(rows[rows.size() / 2], changes);
-        if (number % 10 == 9) file.Commit();
-    }
-}
-
-TEST(AKilledProcess, LeavesTheRowsOfItsLastCommitInOrder) {
-    const TemporaryFolder folder;
-    const std::vector<TableDefinition> tables{TracksTable()};
-    std::size_t most = 0;
-    for (std::size_t round = 0; round < 25; round += outside::StepUnderSanitizers(3)) {
-        const auto path = folder / ("killed" + std::to_string(round) + ".mdb");
-        DatabaseFile::Create(path, tables);
-        outside::ChildProcess child([&path]() -> int { InsertUntilKilled(path); });
-        std::this_thread::sleep_for(
-            std::chrono::microseconds(3000 + static_cast<long>(round) * 7001));
-        child.Kill();
-        ASSERT_TRUE(WIFSIGNALED(child.Wait()));
-
-        const State readOnly = StateOf(path, OpenMode::ReadOnly);
-        const State rows = StateOf(path, OpenMode::ReadWrite);
-        EXPECT_EQ(readOnly, rows);
-        EXPECT_EQ(FaultsOf(path, true), "");
-        EXPECT_EQ(rows.size() % 10, 0U);
-        std::set<std::int64_t> numbers;
-        for (const auto& [id, row] : rows)
-            numbers.insert(std::get<std::int64_t>(row[0]));
-        if (!numbers.empty()) {
-            EXPECT_EQ(*numbers.begin(), 1);
-            EXPECT_EQ(*numbers.rbegin(), static_cast<std::int64_t>(rows.size()));
-        }
-        most = std::max(most, rows.size());
-        std::filesystem::remove(path);
-    }
-    EXPECT_GT(most, 0U) << "no round came as far as a commit";
 }
 
 }  // namespace

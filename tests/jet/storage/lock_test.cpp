@@ -1,16 +1,12 @@
 // Who else has the database open.
 #include "jet/lock.h"
 
-#include <array>
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <string>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include "jet/error.h"
 #include "jet/storage/database_file.h"
-#include "jet/storage/posix.h"
+#include "jet/storage/system_file.h"
 #include "tests/jet/storage/schemas.h"
 #include "tests/jet/storage/test_files.h"
 
@@ -25,9 +21,7 @@ std::string Entry(std::string machine, std::string user) {
 }
 
 std::string ThisMachine() {
-    std::array<char, 256> name{};
-    gethostname(name.data(), name.size() - 1);
-    return std::string(name.data()).substr(0, 31);
+    return MachineName().substr(0, 31);
 }
 
 class Locks : public testing::Test {
@@ -109,14 +103,9 @@ TEST_F(Locks, LeftHalfWrittenByACrashOnThisMachineAreTakenOver) {
 
 TEST_F(Locks, HeldByAnotherProcessNameItsMachines) {
     WriteFile(lock_, Entry("STUDIO", "Admin"));
-    const Descriptor other(open(lock_.c_str(), O_RDWR | O_CLOEXEC));
+    const Descriptor other = OpenPlainFile(lock_, Opening::ReadWrite, "open");
     ASSERT_TRUE(other.IsOpen());
-    struct flock range{};
-    range.l_type = F_WRLCK;
-    range.l_whence = SEEK_SET;
-    range.l_start = 0x10000001;
-    range.l_len = 1;
-    ASSERT_EQ(fcntl(other.Number(), F_OFD_SETLK, &range), 0);
+    ASSERT_EQ(TakeLock(other, {0x10000001, 1}, lock_), LockResult::Taken);
     ExpectInUse("is in use by STUDIO");
     EXPECT_EQ(ReadFile(lock_), Entry("STUDIO", "Admin"));
 }

@@ -205,7 +205,7 @@ TEST_F(WaitingEntries, SurviveACommitThatFailsAtAnyWrite) {
     bool reached = true;
     for (std::size_t moment = 0; reached; ++moment) {
         const auto path = folder_ / "failing.mdb";
-        std::filesystem::copy_file(path_, path, std::filesystem::copy_options::overwrite_existing);
+        outside::CopyOver(path_, path);
         const auto files = std::make_shared<FaultyFileSystem>(1);
         auto file = DatabaseFile::Open(path, OpenMode::ReadWrite, files);
         const auto [before, after] = AddManyTracks(file);
@@ -234,7 +234,7 @@ TEST_F(WaitingEntries, AreThereOrNotWithTheirRowsAfterPowerLossAtAnyWrite) {
     bool reached = true;
     for (std::size_t moment = 0; reached; ++moment) {
         const auto path = folder_ / "lost.mdb";
-        std::filesystem::copy_file(path_, path, std::filesystem::copy_options::overwrite_existing);
+        outside::CopyOver(path_, path);
         const auto files =
             std::make_shared<FaultyFileSystem>(static_cast<std::uint32_t>(moment) + 77);
         std::pair<BulkState, BulkState> states;

@@ -3,7 +3,6 @@
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
-#include <unistd.h>
 
 #include "jet/storage/database_file.h"
 
