@@ -68,7 +68,7 @@ void DriveTable::MakeReachable(const std::filesystem::path& folder) {
 std::optional<std::string> DriveTable::LocalFolder(std::string_view root) const {
     const auto found = folders_.find(UpperCase(root));
     if (found != folders_.end()) return found->second;
-    if (!SpeaksWindowsPaths()) return std::nullopt;
+    if (!HasRoot(root)) return std::nullopt;
     return Replace(root, "\\", "/");
 }
 

@@ -71,7 +71,6 @@ class ListedNames {
             names_.append(name) += '\0';
         }
         if (errno != 0) throw SystemFailure(errno, shown.Text());
-        if (ListsInVolumeOrder()) return;
         std::ranges::sort(entries_, [this](const ListedName& left, const ListedName& right) {
             return WindowsNameLess(NameOf(left), NameOf(right));
         });

@@ -51,8 +51,4 @@ class FolderStream {
 
 FolderStream OpenFolder(const std::string& folder);
 
-/// Whether folders give their names in the order that the volume has, which Windows shows. Else
-/// they are to be sorted as a Windows volume would have them.
-bool ListsInVolumeOrder();
-
 }  // namespace quillon

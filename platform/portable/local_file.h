@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
 /// What this program needs of the operating system's files, by local path. A local path has slashes
 /// between its names on every system: `/srv/music/x.mp3`, `D:/Music/x.mp3`, `//server/share/x.mp3`.
@@ -48,6 +49,10 @@ struct FileFacts {
 /// Whether the system's own paths are Windows paths: they begin with a drive or a share, and letter
 /// case does not count in their names.
 bool SpeaksWindowsPaths();
+
+/// Whether it has a root, `D:` or `\\server\share`, as far as that can be told without a look for
+/// servers. Never where it has no such paths.
+bool HasRoot(std::string_view root);
 
 /// The rights of a new file, before what the system takes from them.
 extern const std::uint32_t NewFileRights;
@@ -97,6 +102,9 @@ bool MayWrite(const std::string& path);
 
 /// The path without links in it; nothing where it leads nowhere.
 std::optional<std::string> RealPath(const std::string& path);
+
+/// A file's name as the disk has it.
+std::string NameOnDisk(const std::string& path);
 
 /// The path with its names as the disk has them, as far as it is there. Where letter case makes two
 /// names that is the path itself.

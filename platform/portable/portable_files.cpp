@@ -43,10 +43,6 @@ std::optional<FileFacts> CertainFacts(const std::string& local, const std::strin
     return std::nullopt;
 }
 
-std::string_view NameIn(std::string_view localPath) {
-    return localPath.substr(localPath.rfind('/') + 1);
-}
-
 /// The folder that holds what the path means, and the name it is given there.
 std::pair<WindowsPath, std::string> FolderAndName(const WindowsPath& path) {
     const std::size_t slash = path.rest.rfind('/');
@@ -199,7 +195,7 @@ FileEntry PortableFiles::GetFile(std::string_view path) {
     }
     if (!facts) throw SystemFailure(errno, parsed.Text(), FailureNumber::FileNotFound);
     if (!facts->IsFile()) throw Failure(FailureNumber::FileNotFound, parsed.Text());
-    const std::string name(NameIn(SpellingOnDisk(local)));
+    const std::string name = NameOnDisk(local);
     return lister_.MakeFileEntry(FolderAndName(parsed).first.Child(name), name, *facts);
 }
 

@@ -86,8 +86,4 @@ int FolderStream::Open(const char* name) const {
     return openat(state_->Descriptor(), name, O_RDONLY | O_CLOEXEC | O_NONBLOCK);
 }
 
-bool ListsInVolumeOrder() {
-    return false;
-}
-
 }  // namespace quillon

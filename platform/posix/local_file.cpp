@@ -24,6 +24,10 @@ bool SpeaksWindowsPaths() {
     return false;
 }
 
+bool HasRoot(std::string_view /*root*/) {
+    return false;
+}
+
 std::string FolderOf(const std::string& path) {
     return path.substr(0, path.rfind('/') + 1);
 }
@@ -110,6 +114,10 @@ std::optional<std::string> RealPath(const std::string& path) {
     if (!error) return real.string();
     errno = error.value();
     return std::nullopt;
+}
+
+std::string NameOnDisk(const std::string& path) {
+    return path.substr(path.rfind('/') + 1);
 }
 
 std::string SpellingOnDisk(const std::string& path) {

@@ -11,7 +11,7 @@
 namespace quillon {
 namespace {
 
-constexpr std::size_t BufferSize = 65536;
+constexpr std::size_t ListingBuffer = 65536;
 
 ListedKind KindOfEntry(const FILE_ID_BOTH_DIR_INFO& entry) {
     // Of a reparse point the system gives the tag in the place of the length of other attributes.
@@ -63,7 +63,7 @@ struct FolderStream::State {
     std::uint64_t device = 0;
     bool isFirst = true;
     int error = 0;
-    std::vector<std::uint64_t> buffer = std::vector<std::uint64_t>(BufferSize / 8);  ///< aligned
+    std::vector<std::uint64_t> buffer = std::vector<std::uint64_t>(ListingBuffer / 8);  ///< aligned
     const FILE_ID_BOTH_DIR_INFO* next = nullptr;
     std::string name;
     std::vector<std::optional<FileFacts>> seen;  ///< by number; nothing of links
@@ -122,10 +122,6 @@ bool FolderStream::IsThere(const char* name) const {
 int FolderStream::Open(const char* /*name*/) const {
     errno = ENOENT;
     return -1;
-}
-
-bool ListsInVolumeOrder() {
-    return true;
 }
 
 }  // namespace quillon

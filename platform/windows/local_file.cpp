@@ -6,6 +6,7 @@
 #include <io.h>
 #include <vector>
 
+#include "platform/basic_text.h"
 #include "platform/portable/folder_stream.h"
 #include "platform/windows/wide_text.h"
 #include "platform/windows/windows_facts.h"
@@ -68,6 +69,13 @@ bool SpeaksWindowsPaths() {
     return true;
 }
 
+bool HasRoot(std::string_view root) {
+    const bool isDrive = root.size() == 2 && root[1] == ':';
+    if (!isDrive) return root.starts_with(R"(\\)");
+    const auto letter = static_cast<unsigned>((root[0] | 0x20) - 'a');
+    return letter < 26 && ((GetLogicalDrives() >> letter) & 1U) != 0;
+}
+
 std::string FolderOf(const std::string& path) {
     // Paths of the standard library's have backslashes.
     return path.substr(0, path.find_last_of("/\\") + 1);
@@ -90,6 +98,8 @@ int OpenLocal(const std::string& path, FileUse use) {
             return DescriptorOf(open(GENERIC_READ, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS),
                                 _O_RDONLY | _O_BINARY | _O_NOINHERIT);
         case FileUse::ReadAndWrite:
+            // An administrator might be let into a write-protected file all the same.
+            if (!MayWrite(path)) return -1;
             return DescriptorOf(
                 open(GENERIC_READ | GENERIC_WRITE, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL),
                 _O_RDWR | _O_BINARY | _O_NOINHERIT);
@@ -152,8 +162,19 @@ int RenameToFreeName(const std::string& from, const std::string& to) {
 }
 
 int RenameOver(const std::string& from, const std::string& to) {
-    return ErrorOf(MoveFileExW(WidePath(from).c_str(), WidePath(to).c_str(),
-                               MOVEFILE_WRITE_THROUGH | MOVEFILE_REPLACE_EXISTING));
+    const auto rename = [](const std::string& one, const std::string& other) {
+        return ErrorOf(MoveFileExW(WidePath(one).c_str(), WidePath(other).c_str(),
+                                   MOVEFILE_WRITE_THROUGH | MOVEFILE_REPLACE_EXISTING));
+    };
+    const int error = rename(from, to);
+    const bool isSameName = error == 0 && from != to && EqualIgnoringCase(from, to);
+    if (!isSameName || NameOnDisk(to) == to.substr(to.rfind('/') + 1)) return error;
+    // Some servers take a name in other letter case for the same one, and do nothing.
+    const std::string between = to + '~';
+    if (const int first = RenameToFreeName(from, between); first != 0) return first;
+    const int second = rename(between, to);
+    if (second != 0) rename(between, from);
+    return second;
 }
 
 bool MayWrite(const std::string& path) {
@@ -188,7 +209,18 @@ std::optional<std::string> RealPath(const std::string& path) {
     return local;
 }
 
+std::string NameOnDisk(const std::string& path) {
+    const std::string name = path.substr(path.rfind('/') + 1);
+    const std::string real = RealPath(path).value_or("");
+    const std::string realName = real.substr(real.rfind('/') + 1);
+    // Behind a link lies another name.
+    return EqualIgnoringCase(name, realName) ? realName : name;
+}
+
 std::string SpellingOnDisk(const std::string& path) {
+    // One question is enough where no link is on the way.
+    if (const auto real = RealPath(path); real && EqualIgnoringCase(*real, path))
+        return path.substr(0, path.find('/')) + real->substr(path.find('/'));
     std::string spelt = path;
     std::size_t end = path.size();
     // From the end on: a name that is not there has none in the folders behind it either.

@@ -1,5 +1,4 @@
 #include <filesystem>
-#include <sys/stat.h>
 
 #include "tests/outside/child_process.h"
 #include "tests/platform/files_fixture.h"
@@ -29,6 +28,7 @@ TEST_F(CopyFolderTest, MakesAFolderWithAllThatIsInTheOther) {
 }
 
 TEST_F(CopyFolderTest, TakesTheFilesThatARunSeesAndFoldersThatDifferInLetterCaseAlone) {
+    QUILLON_NEEDS_POSIX_FILES();
     folder_.MakeFile("Lists/a.pla", "small");
     folder_.MakeFile("Lists/A.pla", "capital");
     folder_.MakeFile("Lists/sub/x", "small");
@@ -41,6 +41,7 @@ TEST_F(CopyFolderTest, TakesTheFilesThatARunSeesAndFoldersThatDifferInLetterCase
 }
 
 TEST_F(CopyFolderTest, CopiesWhatLinksLeadToAndWritesThroughNone) {
+    QUILLON_NEEDS_POSIX_FILES();
     folder_.MakeFile("Store/a.pla", "A");
     folder_.MakeFolder("Lists");
     std::filesystem::create_symlink("../Store/a.pla", folder_ / "Lists/a.pla");
@@ -50,6 +51,7 @@ TEST_F(CopyFolderTest, CopiesWhatLinksLeadToAndWritesThroughNone) {
 }
 
 TEST_F(CopyFolderTest, LeavesOutALinkThatLeadsNowhere) {
+    QUILLON_NEEDS_POSIX_FILES();
     folder_.MakeFile("Lists/a.pla", "A");
     std::filesystem::create_symlink("../Store/b.pla", folder_ / "Lists/b.pla");
     files_.CopyFolder("D:\\Lists", "D:\\Copy");
@@ -58,6 +60,7 @@ TEST_F(CopyFolderTest, LeavesOutALinkThatLeadsNowhere) {
 
 /// A run may see it a moment later, and change what has no copy.
 TEST_F(CopyFolderTest, MakesNoCopyWithoutWhatCannotBeLookedAt) {
+    QUILLON_NEEDS_POSIX_FILES();
     folder_.MakeFile("Lists/a.pla", "A");
     std::filesystem::create_symlink("loop.pla", folder_ / "Lists/loop.pla");
     EXPECT_EQ(FailureOfCopy("D:\\Lists", "D:\\Copy"),
@@ -66,6 +69,7 @@ TEST_F(CopyFolderTest, MakesNoCopyWithoutWhatCannotBeLookedAt) {
 }
 
 TEST_F(CopyFolderTest, NeverTouchesWhatIsThere) {
+    QUILLON_NEEDS_POSIX_FILES();
     folder_.MakeFile("Lists/a.pla", "A");
     folder_.MakeFolder("Empty");
     folder_.MakeFile("file", "x");
@@ -94,6 +98,7 @@ TEST_F(CopyFolderTest, DoesNotCopyAFolderIntoItself) {
 }
 
 TEST_F(CopyFolderTest, LeavesNothingWhenTheDiskIsFull) {
+    QUILLON_NEEDS_POSIX_FILES();
     folder_.MakeFile("Lists/a.pla", "small");
     folder_.MakeFile("Lists/Sub/b.pla", std::string(100'000, 'b'));
     EXPECT_EQ(
@@ -103,11 +108,12 @@ TEST_F(CopyFolderTest, LeavesNothingWhenTheDiskIsFull) {
 }
 
 TEST_F(CopyFolderTest, LeavesNothingWhenAFileCannotBeRead) {
+    QUILLON_NEEDS_POSIX_FILES();
     folder_.MakeFile("Lists/a.pla");
     folder_.MakeFile("Lists/b.pla");
-    chmod((folder_ / "Lists/b.pla").c_str(), 0);
-    chmod((folder_ / "Lists").c_str(), 0755);
-    chmod(folder_.Path().c_str(), 0777);
+    outside::SetRights(folder_ / "Lists/b.pla", 0);
+    outside::SetRights(folder_ / "Lists", 0755);
+    outside::SetRights(folder_.Path(), 0777);
     EXPECT_EQ(outside::AsOrdinaryUser([&] { return FailureOfCopy("D:\\Lists", "D:\\Copy"); }),
               "Permission denied: D:\\Lists\\b.pla");
     EXPECT_EQ(folder_.Count(), 1U);

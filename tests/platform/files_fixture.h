@@ -4,7 +4,9 @@
 #include <string>
 #include <vector>
 
+#include "platform/portable/local_file.h"
 #include "platform/portable/portable_files.h"
+#include "tests/outside/file_marks.h"
 #include "tests/outside/temporary_folder.h"
 #include "tests/platform/failure_of.h"
 

@@ -1,8 +1,5 @@
 #include <algorithm>
 #include <chrono>
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include "platform/basic_text.h"
 #include "platform/portable/local_time.h"
@@ -26,8 +23,7 @@ TEST_F(ListingTest, IsInTheOrderOfAWindowsVolume) {
 
 TEST_F(ListingTest, TellsPathSizeAndTime) {
     folder_.MakeFile("Music/x.mp3", "12345");
-    const timespec times[] = {{0, UTIME_OMIT}, {1763204335, 999'999'999}};
-    utimensat(AT_FDCWD, (folder_ / "Music/x.mp3").c_str(), times, 0);
+    outside::SetModified(folder_ / "Music/x.mp3", 1763204335, 999'999'999);
     const Listing<FileEntry> entries = files_.FilesIn("d:/Music/");
     ASSERT_EQ(entries.size(), 1U);
     EXPECT_EQ(entries.entries[0].path, "d:\\Music\\x.mp3");
@@ -39,6 +35,7 @@ TEST_F(ListingTest, TellsPathSizeAndTime) {
 }
 
 TEST_F(ListingTest, OfFilesWhoseNamesDifferInCaseOneIsListed) {
+    QUILLON_NEEDS_POSIX_FILES();
     folder_.MakeFile("M/song.mp3", "1");
     folder_.MakeFile("M/SONG.mp3", "22");
     EXPECT_EQ(FileNames("D:\\M"), Names{"SONG.mp3"});
@@ -49,6 +46,7 @@ TEST_F(ListingTest, OfFilesWhoseNamesDifferInCaseOneIsListed) {
 }
 
 TEST_F(ListingTest, LeavesOutWhatWindowsCannotShowAndSaysSoOnce) {
+    QUILLON_NEEDS_POSIX_FILES();
     for (const char* const name : {"ok.mp3", "a:b.mp3", "caf\xE9.mp3", "dot.", "new\nline", "x?"})
         folder_.MakeFile(std::string("M/") + name);
     for (int round = 0; round < 3; ++round) {
@@ -72,6 +70,7 @@ TEST_F(ListingTest, LongestNamesAreListed) {
 }
 
 TEST_F(ListingTest, FollowsLinksAndNotesBrokenOnes) {
+    QUILLON_NEEDS_POSIX_FILES();
     folder_.MakeFile("Else/x.mp3", "abc");
     folder_.MakeFolder("M");
     std::filesystem::create_symlink(folder_ / "Else/x.mp3", folder_ / "M/link.mp3");
@@ -91,6 +90,7 @@ TEST_F(ListingTest, FollowsLinksAndNotesBrokenOnes) {
 }
 
 TEST_F(ListingTest, ALinkWhoseTargetIsAwayIsUnseenAmongFilesAndFolders) {
+    QUILLON_NEEDS_POSIX_FILES();
     folder_.MakeFile("M/song.mp3");
     folder_.MakeFolder("M/Folder");
     std::filesystem::create_symlink("away", folder_ / "M/Link");
@@ -101,6 +101,7 @@ TEST_F(ListingTest, ALinkWhoseTargetIsAwayIsUnseenAmongFilesAndFolders) {
 }
 
 TEST_F(ListingTest, NobodyCanTellWhetherAPathBehindALostLinkExists) {
+    QUILLON_NEEDS_POSIX_FILES();
     folder_.MakeFolder("M");
     std::filesystem::create_symlink("away", folder_ / "M/Link");
     const std::string reason = " (a link leads to where nothing is at present)";
@@ -115,19 +116,21 @@ TEST_F(ListingTest, NobodyCanTellWhetherAPathBehindALostLinkExists) {
 }
 
 TEST_F(ListingTest, NobodyCanTellWhatAClosedFolderHolds) {
+    QUILLON_NEEDS_POSIX_FILES();
     folder_.MakeFile("M/Closed/x.mp3");
-    chmod(folder_.Path().c_str(), 0755);
-    chmod((folder_ / "M/Closed").c_str(), 0);
+    outside::SetRights(folder_.Path(), 0755);
+    outside::SetRights(folder_ / "M/Closed", 0);
     EXPECT_EQ(outside::AsOrdinaryUser(
                   [&] { return FailureOf([&] { files_.FileExists("D:\\M\\Closed\\x.mp3"); }); }),
               "Permission denied: D:\\M\\Closed\\x.mp3");
     EXPECT_NE(outside::AsOrdinaryUser(
                   [&] { return FailureOf([&] { files_.FileExists("D:\\M\\Closed\\X.mp3"); }); }),
               "");
-    chmod((folder_ / "M/Closed").c_str(), 0755);
+    outside::SetRights(folder_ / "M/Closed", 0755);
 }
 
 TEST_F(ListingTest, DoesNotEnterAFolderInsideItself) {
+    QUILLON_NEEDS_POSIX_FILES();
     folder_.MakeFolder("Music/Artist/Album");
     std::filesystem::create_directory_symlink(folder_ / "Music", folder_ / "Music/Artist/Up");
     std::filesystem::create_directory_symlink(".", folder_ / "Music/Here");
@@ -141,6 +144,7 @@ TEST_F(ListingTest, DoesNotEnterAFolderInsideItself) {
 }
 
 TEST_F(ListingTest, ALinkAboveTheMappedFolderEndsAtTheMappedFolder) {
+    QUILLON_NEEDS_POSIX_FILES();
     const outside::TemporaryFolder above;
     above.MakeFile("Music/Artist/x.mp3");
     above.MakeFolder("Other");
@@ -156,8 +160,9 @@ TEST_F(ListingTest, ALinkAboveTheMappedFolderEndsAtTheMappedFolder) {
 }
 
 TEST_F(ListingTest, LeavesOutPipesAndSockets) {
+    QUILLON_NEEDS_POSIX_FILES();
     folder_.MakeFolder("M");
-    ASSERT_EQ(mkfifo((folder_ / "M/pipe.mp3").c_str(), 0600), 0);
+    outside::MakePipe(folder_ / "M/pipe.mp3");
     EXPECT_EQ(FileNames("D:\\M"), Names{});
     EXPECT_EQ(notes_, Names{"Left out, neither file nor folder: D:\\M\\pipe.mp3"});
     EXPECT_EQ(FailureOf([&] { files_.OpenBinary("D:\\M\\pipe.mp3"); }),
@@ -176,17 +181,18 @@ TEST_F(ListingTest, NeedsAFolder) {
 }
 
 TEST_F(ListingTest, SaysWhenAFolderMayNotBeRead) {
+    QUILLON_NEEDS_POSIX_FILES();
     folder_.MakeFile("M/Closed/x.mp3");
-    chmod(folder_.Path().c_str(), 0755);
-    chmod((folder_ / "M/Closed").c_str(), 0);
+    outside::SetRights(folder_.Path(), 0755);
+    outside::SetRights(folder_ / "M/Closed", 0);
     EXPECT_EQ(outside::AsOrdinaryUser(
                   [&] { return FailureOf([&] { files_.FilesIn("D:\\M\\Closed"); }); }),
               "Permission denied: D:\\M\\Closed");
-    chmod((folder_ / "M/Closed").c_str(), 0744);
+    outside::SetRights(folder_ / "M/Closed", 0744);
     EXPECT_EQ(outside::AsOrdinaryUser(
                   [&] { return FailureOf([&] { files_.FilesIn("D:\\M\\Closed"); }); }),
               "Permission denied: D:\\M\\Closed\\x.mp3");
-    chmod((folder_ / "M/Closed").c_str(), 0755);
+    outside::SetRights(folder_ / "M/Closed", 0755);
 }
 
 TEST_F(ListingTest, ThousandsOfFilesOfOneFolder) {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "platform/portable/portable_files.h"
+#include "tests/outside/file_marks.h"
 #include "tests/outside/temporary_folder.h"
 
 namespace quillon {
@@ -51,6 +52,7 @@ class NamesTest : public ::testing::Test {
 };
 
 TEST_F(NamesTest, AreThoseOfTheOtherKindBesideWhatIsListed) {
+    QUILLON_NEEDS_POSIX_FILES();
     const Listing<FileEntry> files = files_.FilesIn("D:\\");
     EXPECT_THAT(Entries(files), ElementsAre("a.jpg", "b.mp3", "link.mp3"));
     EXPECT_THAT(files.others, UnorderedElementsAre("CD1", "Scans"));

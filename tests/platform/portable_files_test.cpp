@@ -1,7 +1,5 @@
 #include "platform/portable/portable_files.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include "tests/outside/child_process.h"
@@ -16,10 +14,8 @@ using MoveTest = FilesTest;
 using DeleteTest = FilesTest;
 using CreateFolderTest = FilesTest;
 
-timespec ModifiedOf(const std::filesystem::path& path) {
-    struct stat facts{};
-    EXPECT_EQ(stat(path.c_str(), &facts), 0);
-    return facts.st_mtim;
+FileTime ModifiedOf(const std::filesystem::path& path) {
+    return FactsOf(path.string()).value_or(FileFacts()).modified;
 }
 
 TEST_F(ExistsTest, TellsFilesFromFolders) {
@@ -71,6 +67,7 @@ TEST_F(CreateFolderTest, MakesOneFolder) {
 }
 
 TEST_F(CreateFolderTest, RefusesANameTooLongForTheDisk) {
+    QUILLON_NEEDS_POSIX_FILES();
     std::string name;
     for (int i = 0; i < 200; ++i)
         name += "日";
@@ -79,18 +76,16 @@ TEST_F(CreateFolderTest, RefusesANameTooLongForTheDisk) {
 }
 
 TEST_F(CopyTest, KeepsContentTimeAndMode) {
+    QUILLON_NEEDS_POSIX_FILES();
     const std::string content(300'000, 'q');
     folder_.MakeFile("a.mp3", content);
-    const timespec times[] = {{0, UTIME_OMIT}, {1500000000, 123456789}};
-    utimensat(AT_FDCWD, (folder_ / "a.mp3").c_str(), times, 0);
-    chmod((folder_ / "a.mp3").c_str(), 0600);
+    outside::SetModified(folder_ / "a.mp3", 1500000000, 123456700);
+    outside::SetRights(folder_ / "a.mp3", 0600);
     files_.CopyFile("D:\\A.mp3", "D:\\b.mp3", false);
     EXPECT_EQ(folder_.Content("b.mp3"), content);
-    EXPECT_EQ(ModifiedOf(folder_ / "b.mp3").tv_sec, 1500000000);
-    EXPECT_EQ(ModifiedOf(folder_ / "b.mp3").tv_nsec, 123456789);
-    struct stat facts{};
-    stat((folder_ / "b.mp3").c_str(), &facts);
-    EXPECT_EQ(facts.st_mode & 0777U, 0600U);
+    EXPECT_EQ(ModifiedOf(folder_ / "b.mp3").seconds, 1500000000);
+    EXPECT_EQ(ModifiedOf(folder_ / "b.mp3").nanoseconds, 123456700);
+    EXPECT_EQ(FactsOf((folder_ / "b.mp3").string())->rights, 0600U);
     EXPECT_EQ(folder_.Count(), 2U);
 }
 
@@ -121,6 +116,7 @@ TEST_F(CopyTest, SaysWhatIsMissing) {
 }
 
 TEST_F(CopyTest, FullDiskLeavesNothingBehind) {
+    QUILLON_NEEDS_POSIX_FILES();
     folder_.MakeFile("a", std::string(100'000, 'a'));
     folder_.MakeFile("b", "old");
     EXPECT_EQ(
@@ -167,6 +163,7 @@ TEST_F(WithinTest, IsNothingThatDoesNotExist) {
 }
 
 TEST_F(WithinTest, SeesThroughDrivesAndLinks) {
+    QUILLON_NEEDS_POSIX_FILES();
     DriveTable drives = Drives(folder_);
     drives.Map("M", folder_ / "Music");
     drives.Map("\\\\nas\\music", folder_ / "Music");
@@ -182,6 +179,7 @@ TEST_F(WithinTest, SeesThroughDrivesAndLinks) {
 }
 
 TEST_F(WithinTest, KnowsTheNamesOfOneFile) {
+    QUILLON_NEEDS_POSIX_FILES();
     std::filesystem::create_symlink(folder_ / "Music/a.mp3", folder_ / "Music/soft.mp3");
     std::filesystem::create_hard_link(folder_ / "Music/a.mp3", folder_ / "Music/hard.mp3");
     folder_.MakeFile("Music/b.mp3");
@@ -213,10 +211,11 @@ TEST_F(DiscardTest, RemovesFilesAndEmptyFolders) {
 }
 
 TEST_F(DiscardTest, RemovesWriteProtectedFiles) {
+    QUILLON_NEEDS_POSIX_FILES();
     folder_.MakeFile("M/new.mp3");
-    chmod(folder_.Path().c_str(), 0755);
-    chmod((folder_ / "M").c_str(), 0777);
-    chmod((folder_ / "M/new.mp3").c_str(), 0444);
+    outside::SetRights(folder_.Path(), 0755);
+    outside::SetRights(folder_ / "M", 0777);
+    outside::SetRights(folder_ / "M/new.mp3", 0444);
     EXPECT_EQ(outside::AsOrdinaryUser(
                   [&] { return FailureOf([&] { files_.Discard("D:\\M\\new.mp3"); }); }),
               "");
@@ -235,13 +234,14 @@ TEST_F(DeleteTest, RemovesAFile) {
 }
 
 TEST_F(DeleteTest, KeepsWhatIsWriteProtected) {
+    QUILLON_NEEDS_POSIX_FILES();
     folder_.MakeFile("M/keep.pla");
     folder_.MakeFile("N/closed.pla");
-    chmod(folder_.Path().c_str(), 0755);
-    chmod((folder_ / "M").c_str(), 0777);
-    chmod((folder_ / "M/keep.pla").c_str(), 0444);
-    chmod((folder_ / "N").c_str(), 0555);
-    chmod((folder_ / "N/closed.pla").c_str(), 0666);
+    outside::SetRights(folder_.Path(), 0755);
+    outside::SetRights(folder_ / "M", 0777);
+    outside::SetRights(folder_ / "M/keep.pla", 0444);
+    outside::SetRights(folder_ / "N", 0555);
+    outside::SetRights(folder_ / "N/closed.pla", 0666);
     EXPECT_EQ(outside::AsOrdinaryUser([&] {
                   return FailureOf([&] { files_.DeleteFile("D:\\M\\keep.pla"); }) + '\n' +
                          FailureOf([&] { files_.DeleteFile("D:\\N\\closed.pla"); }) + '\n' +
@@ -254,7 +254,7 @@ TEST_F(DeleteTest, KeepsWhatIsWriteProtected) {
               "Permission denied: D:\\N\\New");
     EXPECT_TRUE(folder_.Exists("M/keep.pla"));
     EXPECT_TRUE(folder_.Exists("N/closed.pla"));
-    chmod((folder_ / "N").c_str(), 0755);
+    outside::SetRights(folder_ / "N", 0755);
 }
 
 TEST_F(MoveTest, RenamesAndMoves) {
@@ -281,6 +281,7 @@ TEST_F(MoveTest, ChangesLetterCaseAlone) {
 }
 
 TEST_F(MoveTest, NeverReplacesAnotherFile) {
+    QUILLON_NEEDS_POSIX_FILES();
     folder_.MakeFile("a.mp3", "a");
     folder_.MakeFile("B.mp3", "b");
     folder_.MakeFile("A.mp3", "capital");
@@ -308,11 +309,10 @@ TEST_F(MoveTest, SaysWhatIsMissing) {
 }
 
 TEST_F(MoveTest, CrossesVolumes) {
+    QUILLON_NEEDS_POSIX_FILES();
     const std::filesystem::path other = "/dev/shm";
-    struct stat here{};
-    struct stat there{};
-    stat(folder_.Path().c_str(), &here);
-    if (stat(other.c_str(), &there) != 0 || here.st_dev == there.st_dev) return;
+    const auto here = FactsOf(folder_.Path().string()), there = FactsOf(other.string());
+    if (!there || here->identity.device == there->identity.device) return;
     const std::string target = "Z:\\dev\\shm\\quillon-test-" + std::to_string(getpid());
     folder_.MakeFile("a", "content");
     files_.MoveFile("D:\\a", target);

@@ -1,5 +1,4 @@
 #include <filesystem>
-#include <sys/stat.h>
 
 #include "tests/outside/child_process.h"
 #include "tests/platform/files_fixture.h"
@@ -44,6 +43,7 @@ TEST_F(DeleteFolderTest, NeverRemovesARoot) {
 }
 
 TEST_F(DeleteFolderTest, RemovesLinksButNotWhatTheyLeadTo) {
+    QUILLON_NEEDS_POSIX_FILES();
     folder_.MakeFile("Music/x.mp3");
     folder_.MakeFolder("Pages");
     std::filesystem::create_directory_symlink(folder_ / "Music", folder_ / "Pages/music");
@@ -55,12 +55,13 @@ TEST_F(DeleteFolderTest, RemovesLinksButNotWhatTheyLeadTo) {
 }
 
 TEST_F(DeleteFolderTest, RemovesNothingWhenAFileIsWriteProtected) {
+    QUILLON_NEEDS_POSIX_FILES();
     folder_.MakeFile("Pages/a.asp");
     folder_.MakeFile("Pages/Sub/kept.asp");
-    chmod(folder_.Path().c_str(), 0777);
-    chmod((folder_ / "Pages").c_str(), 0777);
-    chmod((folder_ / "Pages/Sub").c_str(), 0777);
-    chmod((folder_ / "Pages/Sub/kept.asp").c_str(), 0444);
+    outside::SetRights(folder_.Path(), 0777);
+    outside::SetRights(folder_ / "Pages", 0777);
+    outside::SetRights(folder_ / "Pages/Sub", 0777);
+    outside::SetRights(folder_ / "Pages/Sub/kept.asp", 0444);
     EXPECT_EQ(outside::AsOrdinaryUser(
                   [&] { return FailureOf([&] { files_.DeleteFolder("D:\\Pages"); }); }),
               "Permission denied: D:\\Pages");
@@ -69,11 +70,12 @@ TEST_F(DeleteFolderTest, RemovesNothingWhenAFileIsWriteProtected) {
 }
 
 TEST_F(DeleteFolderTest, RemovesNothingWhereFoldersMayNotBeRemoved) {
+    QUILLON_NEEDS_POSIX_FILES();
     folder_.MakeFile("Closed/Pages/a.asp");
-    chmod(folder_.Path().c_str(), 0755);
-    chmod((folder_ / "Closed").c_str(), 0755);
-    chmod((folder_ / "Closed/Pages").c_str(), 0777);
-    chmod((folder_ / "Closed/Pages/a.asp").c_str(), 0666);
+    outside::SetRights(folder_.Path(), 0755);
+    outside::SetRights(folder_ / "Closed", 0755);
+    outside::SetRights(folder_ / "Closed/Pages", 0777);
+    outside::SetRights(folder_ / "Closed/Pages/a.asp", 0666);
     EXPECT_EQ(outside::AsOrdinaryUser(
                   [&] { return FailureOf([&] { files_.DeleteFolder("D:\\Closed\\Pages"); }); }),
               "Permission denied: D:\\Closed\\Pages");

@@ -2,7 +2,6 @@
 
 #include <filesystem>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include "tests/outside/child_process.h"
@@ -78,6 +77,7 @@ TEST_F(RemovedFilesTest, SharesHaveFoldersOfTheirOwn) {
 }
 
 TEST_F(RemovedFilesTest, ALinkStillLeadsToItsFile) {
+    QUILLON_NEEDS_POSIX_FILES();
     folder_.MakeFile("elsewhere/Song.mp3", "content");
     folder_.MakeFolder("Music/A");
     fs::create_symlink("../../elsewhere/Song.mp3", folder_ / "Music/A/Song.mp3");
@@ -89,10 +89,11 @@ TEST_F(RemovedFilesTest, ALinkStillLeadsToItsFile) {
 }
 
 TEST_F(RemovedFilesTest, AWriteProtectedFileStays) {
+    QUILLON_NEEDS_POSIX_FILES();
     folder_.MakeFile("Music/A/Song.mp3");
-    chmod(folder_.Path().c_str(), 0777);
-    chmod((folder_ / "Music/A").c_str(), 0777);
-    chmod((folder_ / "Music/A/Song.mp3").c_str(), 0444);
+    outside::SetRights(folder_.Path(), 0777);
+    outside::SetRights(folder_ / "Music/A", 0777);
+    outside::SetRights(folder_ / "Music/A/Song.mp3", 0444);
     EXPECT_EQ(outside::AsOrdinaryUser(
                   [&] { return FailureOf([&] { files_.DeleteFile("D:\\Music\\A\\Song.mp3"); }); }),
               "Permission denied: D:\\Music\\A\\Song.mp3");
@@ -138,9 +139,9 @@ TEST_F(RemovedFilesElsewhereTest, AFileIsCopiedWithItsTime) {
 }
 
 TEST_F(RemovedFilesElsewhereTest, AFullDiskLeavesTheFileWhereItIs) {
-    struct stat here{}, there{};
-    stat(folder_.Path().c_str(), &here);
-    if (stat("/dev/shm", &there) != 0 || here.st_dev == there.st_dev) return;
+    QUILLON_NEEDS_POSIX_FILES();
+    const auto here = FactsOf(folder_.Path().string()), there = FactsOf("/dev/shm");
+    if (!there || here->identity.device == there->identity.device) return;
     const std::string told = outside::WithFilesUpTo(
         3, [&] { return FailureOf([&] { files_.DeleteFile("D:\\Music\\A\\Song.mp3"); }); });
     EXPECT_EQ(told,

@@ -1,8 +1,6 @@
-#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <string>
-#include <sys/stat.h>
 
 #include "platform/failure.h"
 #include "tests/platform/files_fixture.h"
@@ -16,8 +14,7 @@ class ReplaceBytesTest : public FilesTest {
   protected:
     ReplaceBytesTest() {
         folder_.MakeFile("x.mp3", "head and audio");
-        const timespec times[2]{{1700000000, 0}, {1700000000, 123456789}};
-        EXPECT_EQ(utimensat(AT_FDCWD, (folder_ / "x.mp3").c_str(), times, 0), 0);
+        outside::SetModified(folder_ / "x.mp3", 1700000000, 123456700);
         before_ = Facts();
     }
 
@@ -29,31 +26,27 @@ class ReplaceBytesTest : public FilesTest {
         files_.ReplaceBytes(Song, {.size = 14, .position = 1, .bytes = Bytes("ead")}, Bytes(bytes));
     }
     std::string Content() { return folder_.Content("x.mp3"); }
-    struct stat Facts() {
-        struct stat facts{};
-        EXPECT_EQ(stat((folder_ / "x.mp3").c_str(), &facts), 0);
-        return facts;
-    }
+    FileFacts Facts() { return *FactsOf((folder_ / "x.mp3").string()); }
     void ExpectOldTime() {
-        EXPECT_EQ(Facts().st_mtim.tv_sec, 1700000000);
-        EXPECT_EQ(Facts().st_mtim.tv_nsec, 123456789);
+        EXPECT_EQ(Facts().modified.seconds, 1700000000);
+        EXPECT_EQ(Facts().modified.nanoseconds, 123456700);
     }
 
-    struct stat before_{};
+    FileFacts before_;
 };
 
 TEST_F(ReplaceBytesTest, WritesAsManyBytesInPlace) {
     Replace("EAD");
     EXPECT_EQ(Content(), "hEAD and audio");
-    EXPECT_EQ(Facts().st_ino, before_.st_ino);
+    EXPECT_EQ(Facts().identity, before_.identity);
     ExpectOldTime();
 }
 
 TEST_F(ReplaceBytesTest, WritesAnotherFileWhereThereAreMoreOrFewer) {
     Replace("EAD OF SOME LENGTH");
     EXPECT_EQ(Content(), "hEAD OF SOME LENGTH and audio");
-    EXPECT_NE(Facts().st_ino, before_.st_ino);
-    EXPECT_EQ(Facts().st_mode, before_.st_mode);
+    EXPECT_NE(Facts().identity, before_.identity);
+    EXPECT_EQ(Facts().rights, before_.rights);
     ExpectOldTime();
     files_.ReplaceBytes(Song, {.size = 29, .position = 0, .bytes = Bytes(Content().substr(0, 20))},
                         {});

@@ -1,12 +1,8 @@
 #include "platform/portable/safe_file.h"
 
-#include <csignal>
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
+#include "tests/outside/file_marks.h"
 #include "tests/outside/temporary_folder.h"
 #include "tests/platform/failure_of.h"
 
@@ -35,6 +31,7 @@ TEST(SafeFile, DoesNotReplaceAFileThatAppearedMeanwhile) {
 }
 
 TEST(SafeFile, SaysWhenTheFolderIsGone) {
+    QUILLON_NEEDS_POSIX_FILES();
     const outside::TemporaryFolder folder;
     folder.MakeFolder("sub");
     SafeFile file((folder / "sub/a").string(), "D:\\sub\\a", SafeFile::Existing::Replace);
@@ -43,22 +40,22 @@ TEST(SafeFile, SaysWhenTheFolderIsGone) {
 }
 
 TEST(SafeFile, KeepsModeAndLinkOfAReplacedFile) {
+    QUILLON_NEEDS_POSIX_FILES();
     const outside::TemporaryFolder folder;
     folder.MakeFile("real/a", "old");
-    chmod((folder / "real/a").c_str(), 0640);
+    outside::SetRights(folder / "real/a", 0640);
     std::filesystem::create_symlink("real/a", folder / "link");
     SafeFile file((folder / "link").string(), "D:\\link", SafeFile::Existing::Replace);
     file.Write("new");
     file.Commit();
     EXPECT_TRUE(std::filesystem::is_symlink(folder / "link"));
     EXPECT_EQ(folder.Content("real/a"), "new");
-    struct stat facts{};
-    stat((folder / "real/a").c_str(), &facts);
-    EXPECT_EQ(facts.st_mode & 0777U, 0640U);
+    EXPECT_EQ(FactsOf((folder / "real/a").string())->rights, 0640U);
     EXPECT_EQ(folder.Count("real"), 1U);
 }
 
 TEST(SafeFile, ReplacesALinkThatLeadsNowhere) {
+    QUILLON_NEEDS_POSIX_FILES();
     const outside::TemporaryFolder folder;
     std::filesystem::create_symlink("nowhere", folder / "link");
     SafeFile file((folder / "link").string(), "D:\\link", SafeFile::Existing::Replace);
@@ -77,6 +74,7 @@ TEST(SafeFile, TargetMayHaveTheLongestName) {
 }
 
 TEST(SafeFile, OfTheProgramsOwnFilesFollowsNoLink) {
+    QUILLON_NEEDS_POSIX_FILES();
     const outside::TemporaryFolder folder;
     folder.MakeFile("real", "another's");
     std::filesystem::create_symlink("real", folder / "link");
@@ -94,6 +92,7 @@ TEST(SafeFile, OfTheProgramsOwnFilesFollowsNoLink) {
 }
 
 TEST(SafeFile, OfTheProgramsOwnFilesReplacesALinkThatAppearedMeanwhileAndNotItsTarget) {
+    QUILLON_NEEDS_POSIX_FILES();
     const outside::TemporaryFolder folder;
     folder.MakeFile("real", "another's");
     SafeFile file((folder / "own").string(), "D:\\own", SafeFile::Existing::ReplaceOwn);
@@ -105,6 +104,7 @@ TEST(SafeFile, OfTheProgramsOwnFilesReplacesALinkThatAppearedMeanwhileAndNotItsT
 }
 
 TEST(SafeFile, RefusesALinkWhereNothingMayBeReplaced) {
+    QUILLON_NEEDS_POSIX_FILES();
     const outside::TemporaryFolder folder;
     std::filesystem::create_symlink("nowhere", folder / "link");
     EXPECT_EQ(FailureOf([&] {
@@ -115,9 +115,10 @@ TEST(SafeFile, RefusesALinkWhereNothingMayBeReplaced) {
 }
 
 TEST(SafeFile, SaysWhatStandsInItsPlace) {
+    QUILLON_NEEDS_POSIX_FILES();
     const outside::TemporaryFolder folder;
     folder.MakeFolder("folder");
-    ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0666), 0);
+    outside::MakePipe(folder / "pipe");
     for (const std::string name : {"folder", "pipe"}) {
         for (const auto existing : {SafeFile::Existing::Replace, SafeFile::Existing::ReplaceOwn}) {
             EXPECT_EQ(FailureOf([&] {

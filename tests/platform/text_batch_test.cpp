@@ -83,6 +83,7 @@ TEST_F(TextBatchTest, RefusesWhatCannotBeWrittenAtOnce) {
 }
 
 TEST_F(TextBatchTest, WritesWhatALinkLeadsTo) {
+    QUILLON_NEEDS_POSIX_FILES();
     folder_.MakeFile("elsewhere/real.pla", "old");
     std::filesystem::create_symlink(folder_ / "elsewhere/real.pla", folder_ / "x/a.pla");
     const auto batch = Start();
