@@ -4,6 +4,7 @@
 #include <string>
 
 #include "app/removed_music.h"
+#include "app/silent_host.h"
 #include "app/text/display_text.h"
 #include "driver/library_folders.h"
 #include "driver/modes.h"
@@ -15,25 +16,6 @@
 
 namespace quillon {
 namespace {
-
-/// The host, but for its log: what a check finds out is no business of a run's log.
-class SilentHost : public Host {
-  public:
-    explicit SilentHost(Host& host) : host_(host) {}
-    std::string GetINISetting(std::string_view section, std::string_view key,
-                              std::string_view fallback, std::string_view file) override {
-        return host_.GetINISetting(section, key, fallback, file);
-    }
-    std::vector<std::string> GetINILines(std::string_view section, std::string_view file) override {
-        return host_.GetINILines(section, file);
-    }
-    void WriteLog(std::string_view, std::string_view) override {}
-    std::vector<std::string> GetPlugins() override { return host_.GetPlugins(); }
-    std::string GetAppPath() override { return host_.GetAppPath(); }
-
-  private:
-    Host& host_;
-};
 
 class NoWindow : public Window {
   public:

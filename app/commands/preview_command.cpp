@@ -17,6 +17,7 @@
 #include "app/local_host.h"
 #include "app/removed_music.h"
 #include "app/run_recording.h"
+#include "app/silent_host.h"
 #include "app/text/display_text.h"
 #include "app/version.h"
 #include "app/views/preview_view.h"
@@ -56,26 +57,6 @@ class PreviewSink : public ChangeSink {
     JournalLines lines_;
     NetChangesCollector net_;
     std::vector<ChangeRecord> remarks_;
-};
-
-/// The host, whose log takes nothing.
-class PreviewHost : public Host {
-  public:
-    explicit PreviewHost(Host& host) : host_(host) {}
-
-    std::string GetINISetting(std::string_view section, std::string_view key,
-                              std::string_view fallback, std::string_view file) override {
-        return host_.GetINISetting(section, key, fallback, file);
-    }
-    std::vector<std::string> GetINILines(std::string_view section, std::string_view file) override {
-        return host_.GetINILines(section, file);
-    }
-    void WriteLog(std::string_view, std::string_view) override {}
-    std::vector<std::string> GetPlugins() override { return host_.GetPlugins(); }
-    std::string GetAppPath() override { return host_.GetAppPath(); }
-
-  private:
-    Host& host_;
 };
 
 PreviewRights RightsOn(PathResolver& resolver) {
@@ -162,7 +143,7 @@ int PreviewRun(const PreviewRequest& request, Console console) {
     const bool keepsRemoved = ReadRemovedMusicSetting(local.host).keep;
     PreviewFiles preview(local.files, local.clock, RightsOn(local.resolver));
     JournalledFiles files(preview, sink, KeptBeside(stamp, current, local, removed, keepsRemoved));
-    PreviewHost host(local.host);
+    SilentHost host(local.host);
     PreviewView view(sink, [&] {
         const Mode* const mode = SelectMode(current->settings);
         return mode == nullptr ? std::string() : std::string(mode->what);
