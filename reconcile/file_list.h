@@ -43,8 +43,8 @@ using FileList = std::vector<ListedFile>;
 /// A number of files as the tables hold it. Failure: Overflow above 32767.
 std::int16_t FileCount(std::size_t files);
 
-/// The sound files among those of an album folder.
-FileList ProcessAlbumTracks(std::span<const FileEntry> albumFolder);
+/// The sound files among those of an album folder, whose paths it takes.
+FileList ProcessAlbumTracks(std::span<FileEntry> albumFolder);
 
 /// Adds files of the same album that lie in another folder.
 void Merge(FileList& files, FileList others);

@@ -147,7 +147,7 @@ class TreeWalk {
 
     /// False when a song of the library is out of sight there.
     bool AddFiles(const Folder& folder, FileList& files) {
-        const Listing<FileEntry> found = run_.files.FilesIn(folder.entry.path);
+        Listing<FileEntry> found = run_.files.FilesIn(folder.entry.path);
         FileList songs = ProcessAlbumTracks(found.entries);
         if (!songs.empty()) walk_.roots[folder.root].hasMusic = true;
         if (songs.size() < found.size()) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -15,7 +16,8 @@ std::optional<std::int64_t> LeadingNumber(std::string_view fileName);
 /// A file of an album, and the number that it asks for.
 struct WishedNumber {
     std::optional<std::int64_t> number;  ///< above 0
-    std::string path;
+    std::string_view path;
+    std::size_t file = 0;  ///< which of the album's
 };
 
 /// By the numbers that they ask for, then by name; files that ask for none come last. Times decide
