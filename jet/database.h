@@ -49,8 +49,8 @@ struct DamagedTable {
 /// - A damaged file. Opening for writing looks the whole file over, as CheckFile does, before
 ///   anything is written: a file that contradicts itself is refused as it is, since changes would
 ///   make it worse. A larger file that was found whole is told by a number of its content, which
-///   an extended attribute keeps with the file ("user.quillon.whole"): with the same content it is
-///   read through, but not looked over again. CheckFile always looks.
+///   an extended attribute keeps with the file ("user.quillon.whole") and each commit renews: with
+///   the same content it is read through, but not looked over again. CheckFile always looks.
 /// - What it does not understand. Refused are files of other versions (Access 97, .accdb), files
 ///   with a password or encoded pages, and changes to tables with types or sort orders that it does
 ///   not know. Linked tables, queries, forms and relationships are not looked at and stay as they

@@ -143,7 +143,9 @@ Library::Library(Connection& connection) : connection_(connection), rules_(conne
                                           .minutes = NumberOf(row[6]),
                                           .seconds = NumberOf(row[7]),
                                           .added = DateOf(row[8])});
-        track.isOwn = AlbumOf(track) != nullptr;
+        // As the track before, mostly, which is of the same album.
+        const bool isOfLast = tracks_.size() > 1 && tracks_.end()[-2].cdjid.IsSameAs(track.cdjid);
+        track.isOwn = isOfLast ? tracks_.end()[-2].isOwn : AlbumOf(track) != nullptr;
         List(track);
     });
 }

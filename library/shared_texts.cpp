@@ -9,7 +9,8 @@ namespace quillon {
 SharedText SharedTexts::Keep(const Value& value) {
     const auto* const text = std::get_if<std::string>(&value);
     if (text == nullptr) return {};
-    if (last_ != nullptr && *last_ == *text) return SharedText(*last_);
+    for (const RowText* const last : last_)
+        if (last != nullptr && *last == *text) return SharedText(*last);
     const auto hash = static_cast<std::uint32_t>(std::hash<std::string>{}(*text));
     const RowText* kept = nullptr;
     bySpelling_.ForEach(hash, [&](RowIndex::Row row) {
@@ -19,7 +20,8 @@ SharedText SharedTexts::Keep(const Value& value) {
         bySpelling_.Add(hash, static_cast<RowIndex::Row>(texts_.size()));
         kept = &texts_.emplace_back(*text);
     }
-    last_ = kept;
+    last_[nextLast_] = kept;
+    nextLast_ = (nextLast_ + 1) % last_.size();
     return SharedText(*kept);
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <deque>
 #include <string>
 #include <string_view>
@@ -46,7 +48,9 @@ class SharedTexts {
   private:
     std::deque<RowText> texts_;  ///< never moves what it holds
     RowIndex bySpelling_;
-    const RowText* last_ = nullptr;  ///< rows of one album mostly follow each other
+    /// The last ones: rows of one album mostly follow each other, with a few such texts each.
+    std::array<const RowText*, 4> last_{};
+    std::size_t nextLast_ = 0;
 };
 
 }  // namespace quillon

@@ -115,6 +115,19 @@ bool IsInsideCharacter(std::string_view text, std::size_t at) {
     return at < text.size() && (static_cast<unsigned char>(text[at]) & 0xC0U) == 0x80;
 }
 
+/// How texts compare that are the same up to there, by the last eight bytes that both have; nothing
+/// where those are less, or no ASCII.
+std::optional<int> OrderOfEnds(std::string_view left, std::string_view right, std::size_t same) {
+    const std::size_t both = std::min(left.size(), right.size());
+    if (both < ascii::BlockSize || both - same >= ascii::BlockSize) return std::nullopt;
+    const ascii::Block l = ascii::BlockAt(left, both - ascii::BlockSize);
+    const ascii::Block r = ascii::BlockAt(right, both - ascii::BlockSize);
+    if (((l | r) & ascii::HighBits) != 0) return std::nullopt;
+    if (const int order = ascii::CompareBlocks(ascii::Upper(l), ascii::Upper(r)); order != 0)
+        return order;
+    return left.size() == right.size() ? 0 : left.size() < right.size() ? -1 : 1;
+}
+
 /// Below, at or above zero as left comes before, with or behind right, whatever their case.
 int CompareIgnoringCase(std::string_view left, std::string_view right) {
     // Most characters of most names are the same, or ASCII.
@@ -128,6 +141,7 @@ int CompareIgnoringCase(std::string_view left, std::string_view right) {
         const int order = ascii::CompareBlocks(ascii::Upper(l), ascii::Upper(r));
         if (order != 0) return order;
     }
+    if (const auto order = OrderOfEnds(left, right, same)) return *order;
     while (same > 0 && (IsInsideCharacter(left, same) || IsInsideCharacter(right, same)))
         --same;
     std::size_t l = same;

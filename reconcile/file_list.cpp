@@ -18,8 +18,10 @@ bool ComesFirst(const ListedFile& left, const ListedFile& right) {
     return left.FileDate.days < right.FileDate.days;
 }
 
+/// Albums are mostly copied in one go, and have one date or are in order.
 void SortByDate(FileList& files) {
-    std::stable_sort(files.begin(), files.end(), ComesFirst);
+    if (!std::is_sorted(files.begin(), files.end(), ComesFirst))
+        std::stable_sort(files.begin(), files.end(), ComesFirst);
 }
 
 }  // namespace
@@ -52,11 +54,12 @@ std::int16_t FileCount(std::size_t files) {
     return static_cast<std::int16_t>(files);
 }
 
-FileList ProcessAlbumTracks(std::span<const FileEntry> albumFolder, int disc) {
+FileList ProcessAlbumTracks(std::span<FileEntry> albumFolder, int disc) {
     FileList list;
-    for (const FileEntry& file : albumFolder) {
+    list.reserve(albumFolder.size());
+    for (FileEntry& file : albumFolder) {
         if (!IsSoundFile(file.name)) continue;
-        list.push_back({.Name = file.path,
+        list.push_back({.Name = std::move(file.path),
                         .FileDate = file.modified,
                         .Size = file.size,
                         .Changed = file.changed,
@@ -67,6 +70,10 @@ FileList ProcessAlbumTracks(std::span<const FileEntry> albumFolder, int disc) {
 }
 
 void Merge(FileList& files, FileList others) {
+    if (files.empty()) {
+        files = std::move(others);
+        return;
+    }
     const auto middle = static_cast<FileList::difference_type>(files.size());
     std::move(others.begin(), others.end(), std::back_inserter(files));
     std::inplace_merge(files.begin(), files.begin() + middle, files.end(), ComesFirst);

@@ -54,8 +54,9 @@ using FileList = std::vector<ListedFile>;
 /// A number of files as the tables hold it. Failure: Overflow above 32767.
 std::int16_t FileCount(std::size_t files);
 
-/// The sound files among those of an album folder, or of one of its disc folders.
-FileList ProcessAlbumTracks(std::span<const FileEntry> albumFolder, int disc = 0);
+/// The sound files among those of an album folder, or of one of its disc folders. It takes their
+/// paths.
+FileList ProcessAlbumTracks(std::span<FileEntry> albumFolder, int disc = 0);
 
 /// Adds files of the same album that lie in another folder.
 void Merge(FileList& files, FileList others);

@@ -9,8 +9,8 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 #include "database/schema.h"
@@ -60,11 +60,17 @@ class AlbumTracks {
         if (run_.modern.numbersFromTags) OrderByWishes(files);
     }
 
-    /// Gives the file its row. The file's ID is set when that row waits for a number.
-    void Place(ListedFile& file) {
+    /// Gives the files their rows.
+    void PlaceAll(FileList& files) {
+        for (std::size_t i = 0; i < files.size(); ++i)
+            Place(files[i], keepsNumbers_ ? rows_[i] : nullptr);
+    }
+
+    /// Gives the file its row, which may be known. The file's ID is set when that row waits for a
+    /// number.
+    void Place(ListedFile& file, TrackRow* row) {
         steps_.Concerning(file.Name);
-        TrackRow* row = nullptr;
-        if (!steps_.Try(Step::FindRow, [&] { row = FindRow(file.Name); })) return;
+        if (!steps_.Try(Step::FindRow, [&] { row = FindRow(file.Name, row); })) return;
         if (album_.cdjid == NoCdjid) return;  // no album to hold a row
         if (run_.knownTags) run_.knownTags->Keep(file.Name);
         const bool isNew = row == nullptr;
@@ -163,18 +169,25 @@ class AlbumTracks {
     /// for.
     void OrderByWishes(FileList& files) {
         keepsNumbers_ = !run_.modern.readsAllTags && AreNumbered(files);
-        for (ListedFile& file : files) {
-            const std::optional<std::int64_t> wish = FindWish(file);
-            wishes_.push_back({wish, file.Name, FindDisc(file)});
+        for (std::size_t i = 0; i < files.size(); ++i) {
+            const TrackRow* const row = keepsNumbers_ ? rows_[i] : nullptr;
+            const std::optional<std::int64_t> wish = FindWish(files[i], row);
+            wishes_.push_back({wish, files[i].Name, FindDisc(files[i]), i});
         }
         std::ranges::sort(wishes_, ComesBefore);
-        std::unordered_map<std::string_view, std::size_t> places;
-        for (std::size_t i = 0; i < wishes_.size(); ++i)
-            places.emplace(wishes_[i].path, i);
-        std::ranges::sort(files, {},
-                          [&places](const ListedFile& file) { return places.at(file.Name); });
-        GiveNumbers(files,
-                    [&](const ListedFile& file) { return wishes_[places.at(file.Name)].disc; });
+        FileList ordered;
+        std::vector<TrackRow*> rows;
+        ordered.reserve(files.size());
+        for (WishedNumber& wish : wishes_) {
+            ordered.push_back(std::move(files[wish.file]));
+            wish.path = ordered.back().Name;
+            if (keepsNumbers_) rows.push_back(rows_[wish.file]);
+        }
+        files = std::move(ordered);
+        rows_ = std::move(rows);
+        GiveNumbers(files, [&](const ListedFile& file) {
+            return wishes_[static_cast<std::size_t>(&file - files.data())].disc;
+        });
     }
 
     /// Of files in no disc folder the tags tell the disc.
@@ -239,19 +252,23 @@ class AlbumTracks {
 
     /// Whether all files have rows with numbers of their own. What tags say is not known without a
     /// look into the files then, and a run over what has not changed opens none.
-    bool AreNumbered(const FileList& files) const {
-        std::unordered_set<std::int32_t> numbers;
+    bool AreNumbered(const FileList& files) {
+        NumbersTaken numbers = numbers_;
         return std::ranges::all_of(files, [&](const ListedFile& file) {
-            const TrackRow* const row = library_.FindTrack(file.Name);
+            TrackRow* const row = rows_.emplace_back(library_.FindTrack(file.Name));
             const std::int32_t number = row == nullptr ? 0 : row->number.Before().value_or(0);
             const std::int64_t onDisc = number - file.Numbers.before;
-            return onDisc > 0 && onDisc <= file.Numbers.count && numbers.insert(number).second;
+            if (onDisc <= 0 || onDisc > file.Numbers.count || number > numbers.Count() ||
+                numbers.IsTaken(number))
+                return false;
+            numbers.Take(number);
+            return true;
         });
     }
 
-    /// The number that a file's tag asks for, or else its name.
-    std::optional<std::int64_t> FindWish(ListedFile& file) {
-        if (keepsNumbers_) return library_.FindTrack(file.Name)->number.Before();
+    /// The number that a file's tag asks for, or else its name; where all keep theirs, its row.
+    std::optional<std::int64_t> FindWish(ListedFile& file, const TrackRow* row) {
+        if (keepsNumbers_ && row != nullptr) return row->number.Before();
         std::optional<std::int64_t> number;
         steps_.Concerning(file.Name);
         steps_.Try(Step::AddRow, [&] { number = TagNumber(file); });
@@ -274,9 +291,9 @@ class AlbumTracks {
     }
 
     /// Stored paths may have something before the drive.
-    TrackRow* FindRow(const std::string& path) {
+    TrackRow* FindRow(const std::string& path, TrackRow* known) {
         RefuseQuote(path);
-        return library_.FindTrack(path);
+        return known != nullptr ? known : library_.FindTrack(path);
     }
 
     /// Nothing where the file cannot be read, which is logged then. A row without its length and
@@ -311,10 +328,10 @@ class AlbumTracks {
     }
 
     void ChangeRow(TrackRow& row, ListedFile& file) {
-        const std::string title = GetTrackName(file.Name, run_.settings.FlatStructure);
         std::vector<FieldValue> changes;
         if (row.cdjid != album_.cdjid) changes.push_back({"CDJID", album_.cdjid});
-        if (row.title != title) changes.push_back({"Title", title});
+        std::string title = GetTrackName(file.Name, run_.settings.FlatStructure);
+        if (row.title != title) changes.push_back({"Title", std::move(title)});
         const std::string artist = ArtistOf(file);
         // A row whose file cannot be read keeps its artist.
         if (row.artist != artist && !file.IsUnreadable) changes.push_back({"Artist", artist});
@@ -326,7 +343,7 @@ class AlbumTracks {
 
     void CheckNumber(TrackRow& row, ListedFile& file, bool isNew) {
         const bool wishes = run_.modern.numbersFromTags;
-        const std::int64_t asked = wishes ? FindWish(file).value_or(0) : row.number.Value();
+        const std::int64_t asked = wishes ? FindWish(file, &row).value_or(0) : row.number.Value();
         const std::int64_t number = keepsNumbers_ ? asked : asked + file.Numbers.before;
         const bool isOfDisc = keepsNumbers_ || (asked > 0 && asked <= file.Numbers.count);
         if (isOfDisc && number > 0 && number <= numbers_.Count() && !numbers_.IsTaken(number)) {
@@ -357,6 +374,7 @@ class AlbumTracks {
     Steps steps_;
     NumbersTaken numbers_;
     std::vector<WishedNumber> wishes_;  ///< where tags and names decide, in their order
+    std::vector<TrackRow*> rows_;       ///< of the files, in their order, where all are numbered
     TrackArtists artists_;
     bool keepsNumbers_ = false, isRenumbered_ = false;
     std::string lastPlaced_;  ///< sound file of the row that was worked on last
@@ -368,8 +386,7 @@ class AlbumTracks {
 void ProcessTracks(Walk& walk, const Album& album, FileList& files) {
     AlbumTracks tracks(walk, album);
     tracks.Prepare(files);
-    for (ListedFile& file : files)
-        tracks.Place(file);
+    tracks.PlaceAll(files);
     tracks.HandOutNumbers(files);
     tracks.LogMissingNumbers();
     tracks.TellOddNumbers();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <compare>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -25,8 +26,9 @@ struct Disc {
 /// A file of an album, and the number that it asks for.
 struct WishedNumber {
     std::optional<std::int64_t> number;  ///< above 0
-    std::string path;
+    std::string_view path;
     Disc disc = {};
+    std::size_t file = 0;  ///< which of the album's
 };
 
 /// Disc by disc, by the numbers that they ask for, then by name; files that ask for none come last.

@@ -109,19 +109,37 @@ void JsonText::Put(std::string_view text) {
     }
 }
 
+/// Room for the longest escapes is made once, so that bytes go in without another look at it.
 void JsonText::PutEscaped(std::string_view text) {
+    constexpr std::size_t LongestEscape = 6;
     Append('"');
-    for (const char byte : text) {
+    Room(LongestEscape * text.size());
+    for (std::size_t at = 0; at < text.size();) {
+        if (at + ascii::BlockSize <= text.size() && IsPlain(ascii::BlockAt(text, at))) {
+            std::memcpy(&memory_[size_], &text[at], ascii::BlockSize);
+            size_ += ascii::BlockSize;
+            at += ascii::BlockSize;
+            continue;
+        }
+        const char byte = text[at++];
         const auto code = static_cast<unsigned char>(byte);
         if (code < 0x20) {
             Append("\\u00");
             PutByteHex(code);
         } else {
-            if (byte == '"' || byte == '\\') Append('\\');
-            Append(byte);
+            if (byte == '"' || byte == '\\') memory_[size_++] = '\\';
+            memory_[size_++] = byte;
         }
     }
     Append('"');
+}
+
+void JsonText::Learn(KnownName& known, std::string_view name) {
+    const std::size_t start = size_;
+    Put(name);
+    Append(':');
+    known = {std::string(name), std::string(Text().substr(start))};
+    size_ = start;
 }
 
 void JsonText::PutHex(std::uint64_t number) {

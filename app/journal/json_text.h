@@ -14,8 +14,8 @@
 namespace quillon {
 
 /// Writes JSON without blanks. A first run has some hundred thousand lines of it, with some twenty
-/// members each: so the memory of one text is good for the next, and dates, of which most rows have
-/// the same ones, are put into words once.
+/// members each: so the memory of one text is good for the next, and names and dates, of which most
+/// rows have the same ones, are put into words once.
 class JsonText {
   public:
     /// What has been written since Clear(); valid until more is.
@@ -35,10 +35,13 @@ class JsonText {
     }
     /// Of the member whose content comes next.
     void Name(std::string_view name) {
-        if (!isFirst_) Append(',');
+        const std::size_t comma = isFirst_ ? 0 : 1;
+        const std::string& written = Written(name);
+        char* const place = Room(written.size() + 1);
+        *place = ',';
+        std::memcpy(place + comma, written.data(), written.size());
+        size_ += comma + written.size();
         isFirst_ = false;
-        Put(name);
-        Append(':');
     }
     template <typename Content>
     void Member(std::string_view name, const Content& content) {
@@ -75,6 +78,10 @@ class JsonText {
         DateTime time;
         std::string text;
     };
+    /// The name of a member likewise.
+    struct KnownName {
+        std::string name, written;
+    };
 
     /// Where so many bytes can be put.
     char* Room(std::size_t count) {
@@ -89,6 +96,18 @@ class JsonText {
         std::memcpy(Room(bytes.size()), bytes.data(), bytes.size());
         size_ += bytes.size();
     }
+    /// A name with its quotes and the colon behind it.
+    const std::string& Written(std::string_view name) {
+        constexpr std::size_t FirstFactor = 7, SizeFactor = 13;
+        const std::size_t ends = name.empty()
+                                     ? 0
+                                     : static_cast<unsigned char>(name.back()) +
+                                           FirstFactor * static_cast<unsigned char>(name.front());
+        KnownName& known = names_[(ends + SizeFactor * name.size()) % names_.size()];
+        if (known.written.empty() || known.name != name) Learn(known, name);
+        return known.written;
+    }
+    void Learn(KnownName& known, std::string_view name);
     void PutEscaped(std::string_view text);
     void PutByteHex(unsigned char byte);
 
@@ -97,6 +116,7 @@ class JsonText {
     bool isFirst_ = true;
     std::array<KnownDate, 2> dates_;  ///< the last ones
     std::size_t nextDate_ = 0;
+    std::array<KnownName, 128> names_;  ///< some that have been met, by what tells most apart
 };
 
 }  // namespace quillon

@@ -26,11 +26,16 @@ Element& Next(std::vector<Element>& list, std::size_t& used) {
     return list[used++];
 }
 
+/// Most rows have the names of the one before.
+void SetName(std::string& name, const std::string& wanted) {
+    if (name != wanted) name = wanted;
+}
+
 void TakeKey(RowChange& change, const jet::TableDefinition& table, Fields row) {
     std::size_t used = 0;
     const auto take = [&](std::size_t column) {
         auto& [name, value] = Next(change.key, used);
-        name = table.columns[column].name;
+        SetName(name, table.columns[column].name);
         Take(row[column], table.columns[column], value);
     };
     const auto primary = std::ranges::find_if(
@@ -52,7 +57,7 @@ void TakeFields(RowChange& change, const jet::TableDefinition& table, Fields row
     for (std::size_t i = 0; i < row.size(); ++i) {
         if (jet::IsNull(row[i])) continue;
         FieldChange& field = Next(change.fields, used);
-        field.field = table.columns[i].name;
+        SetName(field.field, table.columns[i].name);
         Take(row[i], table.columns[i], field.*there);
         field.*gone = Null{};
     }
@@ -65,7 +70,7 @@ void TakeFields(RowChange& change, const jet::TableDefinition& table, Fields row
 RowChange& RowRecorder::Begin(RowChange::Kind kind, const jet::TableDefinition& table, Fields row) {
     auto& change = std::get<RowChange>(record_);
     change.kind = kind;
-    change.table = table.name;
+    SetName(change.table, table.name);
     TakeKey(change, table, row);
     return change;
 }
@@ -82,7 +87,7 @@ void RowRecorder::RowChanged(const jet::TableDefinition& table, Fields before, F
     for (std::size_t i = 0; i < before.size(); ++i) {
         if (before[i] == after[i]) continue;
         FieldChange& field = Next(change.fields, used);
-        field.field = table.columns[i].name;
+        SetName(field.field, table.columns[i].name);
         Take(before[i], table.columns[i], field.before);
         Take(after[i], table.columns[i], field.after);
     }

@@ -105,7 +105,8 @@ Pager::Frame& Pager::Fetch(PageNumber number) {
         throw Error(ErrorKind::Io, "Cannot read " + path_.string() + ": page " +
                                        std::to_string(number) + " has vanished.");
     }
-    if (writable_) SumOf(number) = Fingerprint(*page);
+    // The first look counts: what somebody else has changed since then is noticed by a commit.
+    if (writable_ && SumOf(number) == 0) SumOf(number) = Fingerprint(*page);
     ShrinkCache();
     return AddFrame(unchanged_, number, std::move(page));
 }

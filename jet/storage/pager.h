@@ -61,7 +61,8 @@ class Pager final : public PageStore {
     /// Whether the file was looked over and found whole with the very content that it has now, as a
     /// remark with the file says. To read all of it takes a tenth of the time of looking it over.
     bool IsKnownWhole();
-    /// Leaves that remark: the content, as it was read, is whole.
+    /// Leaves that remark: the content, as it was read, is whole. Commits of this object keep it
+    /// true.
     void RemarkThatWhole();
 
     /// Has `deferred` make its changes before each commit.
@@ -149,6 +150,7 @@ class Pager final : public PageStore {
     bool HasKnownPages();
     bool IsWorthARemark() const;
     std::string RemarkOfContent();
+    void RenewRemark();
     std::uint64_t& SumOf(PageNumber page);
     std::filesystem::path JournalPath() const { return JournalPathFor(path_); }
     std::filesystem::path UnfinishedJournalPath() const {
@@ -167,6 +169,7 @@ class Pager final : public PageStore {
     /// that failed has left it between two states.
     std::optional<FileFacts> facts_;
     std::vector<std::uint64_t> sums_;  ///< of the pages on the disk; 0: not known
+    bool isWhole_ = false;             ///< as it was opened, it was found whole, now or earlier
     PageNumber pageCount_ = 0;
     Frames unchanged_, changed_;  ///< most recently used first
     std::vector<Frame*> frames_;  ///< by page number

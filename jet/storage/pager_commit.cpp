@@ -1,6 +1,7 @@
 // How changed pages reach the file, and how a commit that was cut short is finished.
 #include <algorithm>
 #include <string>
+#include <utility>
 
 #include "jet/error.h"
 #include "jet/storage/format/fingerprint.h"
@@ -135,6 +136,7 @@ void Pager::ForgetJournal(const std::filesystem::path& journal) {
     ForgetNote();
     files_->Remove(journal);
     hasJournal_ = false;
+    RenewRemark();
     facts_ = file_->Facts();
 }
 
@@ -210,7 +212,7 @@ void Pager::Recover() {
     ForgetNote();
     files_->Remove(UnfinishedJournalPath());
     files_->Remove(JournalPath());
-    journal_.reader.reset();
+    if (std::exchange(journal_.reader, std::nullopt)) RenewRemark();
     recovered_ = true;
     facts_ = file_->Facts();
 }

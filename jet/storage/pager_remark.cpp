@@ -26,11 +26,22 @@ bool Pager::IsWorthARemark() const {
 bool Pager::IsKnownWhole() {
     if (!IsWorthARemark()) return false;
     const std::optional<std::string> remark = file_->Remark();
-    return remark && *remark == RemarkOfContent();
+    isWhole_ = remark && *remark == RemarkOfContent();
+    return isWhole_;
 }
 
 void Pager::RemarkThatWhole() {
+    isWhole_ = true;
     if (IsWorthARemark()) file_->SetRemark(RemarkOfContent());
+}
+
+/// What was whole and has been changed by commits alone is whole. The number is that of the content
+/// that is meant to be there: with any other one, the file is looked over again.
+void Pager::RenewRemark() {
+    const auto isKnown = [](std::uint64_t sum) { return sum != 0; };
+    if (isWhole_ && IsWorthARemark() && sums_.size() >= pageCount_ &&
+        std::all_of(sums_.begin(), sums_.begin() + pageCount_, isKnown))
+        file_->SetRemark(RemarkOfContent());
 }
 
 /// Pages that have been read already count as they were then: those have been looked over.

@@ -1,7 +1,9 @@
 // How rows are added, changed and deleted.
 #include <algorithm>
 #include <limits>
+#include <numeric>
 #include <utility>
+#include <vector>
 
 #include "jet/error.h"
 #include "jet/storage/damaged.h"
@@ -208,8 +210,13 @@ void StoredTable::RemoveRow(RowId row) {
 void StoredTable::RemoveAllRows() {
     RequireChangeable();
     Undoably([&] {
-        if (RowObserver* const told = Observer())
-            Scan([&](RowId, Row&& row) { told->RowRemoved(definition_, row); });
+        if (RowObserver* const told = Observer()) {
+            std::vector<std::size_t> columns(definition_.columns.size());
+            std::iota(columns.begin(), columns.end(), std::size_t{0});
+            ScanColumns(columns, [&](RowId, std::span<const Value> row) {
+                told->RowRemoved(definition_, row);
+            });
+        }
         Parts& parts = Current();
         parts.rows.RemoveAll();
         for (const LongColumnLayout& column : parts.layout.longColumns) {

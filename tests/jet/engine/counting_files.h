@@ -61,6 +61,8 @@ class CountingFiles final : public storage::FileSystem {
         std::optional<std::string> Note() override { return real_->Note(); }
         bool SetNote(const std::string& text) override { return real_->SetNote(text); }
         bool KeepsNotes() override { return real_->KeepsNotes(); }
+        std::optional<std::string> Remark() override { return real_->Remark(); }
+        void SetRemark(const std::string& text) override { real_->SetRemark(text); }
 
       private:
         std::unique_ptr<storage::File> real_;

@@ -77,6 +77,12 @@ class FaultyFileSystem::FaultyFile final : public File {
         return !system_->simple_ && real_->KeepsNotes();
     }
 
+    std::optional<std::string> Remark() override { return real_->Remark(); }
+    /// Never lost, which is the worst that can happen: all else may be.
+    void SetRemark(const std::string& text) override {
+        if (!system_->broken_) real_->SetRemark(text);
+    }
+
   private:
     std::shared_ptr<FaultyFileSystem> system_;
     std::filesystem::path path_;

@@ -1,13 +1,21 @@
 // A file that was found whole is not looked over again as long as it has the same content.
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <memory>
+#include <set>
 #include <string>
 
+#include "jet/error.h"
 #include "jet/storage/database_file.h"
 #include "jet/storage/file_system.h"
 #include "jet/storage/format/page.h"
+#include "jet/storage/format/page_store.h"
+#include "tests/jet/engine/counting_files.h"
+#include "tests/jet/storage/faulty_files.h"
+#include "tests/jet/storage/random_rows.h"
 #include "tests/jet/storage/schemas.h"
 #include "tests/jet/storage/test_files.h"
+#include "tests/outside/density.h"
 
 namespace jet::storage::test {
 
@@ -32,6 +40,26 @@ class KnownWhole : public testing::Test {
                                              return isWhole;
                                          }});
         return isLookedOver;
+    }
+
+    /// A row more.
+    void ChangeRows() const {
+        const std::string before = ReadFile(path_);
+        {
+            auto file = DatabaseFile::Open(path_, OpenMode::ReadWrite, Finds(true));
+            ModelledTable(file.OpenTable("Tracks"), 1).InsertOne();
+        }
+        EXPECT_NE(ReadFile(path_), before);
+    }
+
+    /// A look at every page, and what it says.
+    static OpenConditions Finds(bool isWhole) {
+        return {.needs = {}, .inspect = [isWhole](PageStore& pages) {
+                    Page content;
+                    for (PageNumber page = 0; page < pages.PageCount(); ++page)
+                        content = *pages.Read(page);
+                    return isWhole;
+                }};
     }
 
     void ChangeByte(std::size_t at) const {
@@ -81,6 +109,84 @@ TEST_F(KnownWhole, OfAFewPagesIsLookedOverEachTime) {
     fs::resize_file(path_, 200 * PageSize);
     EXPECT_TRUE(IsLookedOver());
     EXPECT_TRUE(IsLookedOver());
+}
+
+TEST_F(KnownWhole, IsStillKnownAfterCommits) {
+    ChangeRows();
+    EXPECT_EQ(IsLookedOver(), forgets_) << "after the run that looked it over";
+    ChangeRows();
+    EXPECT_EQ(IsLookedOver(), forgets_) << "after one that did not";
+    ChangeByte(299 * PageSize + 17);
+    EXPECT_TRUE(IsLookedOver());
+}
+
+TEST_F(KnownWhole, CommitsReadNothingForTheRemark) {
+    const auto readsOfCommit = [this](bool isWhole) {
+        const auto files = std::make_shared<CountingFiles>();
+        auto file = DatabaseFile::Open(path_, OpenMode::ReadWrite, files, Finds(isWhole));
+        ModelledTable(file.OpenTable("Tracks"), 2).InsertOne();
+        const std::size_t before = files->Reads();
+        file.Commit();
+        return files->Reads() - before;
+    };
+    const std::string start = ReadFile(path_);
+    const std::size_t reads = readsOfCommit(false);
+    WriteFile(path_, start);
+    EXPECT_EQ(readsOfCommit(true), reads);
+}
+
+TEST_F(KnownWhole, GrownFromAFewPagesByCommits) {
+    fs::resize_file(path_, 200 * PageSize);
+    {
+        auto file = DatabaseFile::Open(path_, OpenMode::ReadWrite, Finds(true));
+        ModelledTable rows(file.OpenTable("Tracks"), 1);
+        while (fs::file_size(path_) < 260 * PageSize) {
+            for (int i = 0; i < 100; ++i)
+                rows.InsertOne();
+            file.Commit();
+        }
+    }
+    EXPECT_EQ(IsLookedOver(), forgets_);
+}
+
+TEST_F(KnownWhole, WithAFaultStaysUnknownAfterCommits) {
+    {
+        auto file = DatabaseFile::Open(path_, OpenMode::ReadWrite, Finds(false));
+        ModelledTable(file.OpenTable("Tracks"), 1).InsertOne();
+    }
+    EXPECT_TRUE(IsLookedOver());
+}
+
+TEST_F(KnownWhole, AfterPowerLossAtAnyMomentOnlyWithTheContentOfACommit) {
+    const std::string start = ReadFile(path_);
+    std::size_t known = 0;
+    bool reached = true;
+    for (std::size_t moment = 0; reached; moment += outside::StepUnderSanitizers(3)) {
+        WriteFile(path_, start);
+        ASSERT_TRUE(moment > 0 || IsLookedOver());
+        const auto files =
+            std::make_shared<FaultyFileSystem>(static_cast<std::uint32_t>(moment) + 1);
+        files->FailAfter(moment, FaultyFileSystem::Fault::PowerLoss);
+        std::set<std::string> commits{start};
+        try {
+            auto file = DatabaseFile::Open(path_, OpenMode::ReadWrite, files, Finds(true));
+            ModelledTable rows(file.OpenTable("Tracks"), 1);
+            for (int i = 0; i < 2; ++i) {
+                rows.InsertOne();
+                file.Commit();
+                commits.insert(ReadFile(path_));
+            }
+        } catch (const Error& error) {
+            EXPECT_EQ(error.Kind(), ErrorKind::Io);
+        }
+        reached = files->HasFailed();
+        files->LosePower();
+        const std::string left = ReadFile(path_);
+        if (IsLookedOver()) continue;
+        ++known;
+        EXPECT_TRUE(commits.contains(left)) << "operation " << moment;
+    }
+    EXPECT_EQ(known > 0, !forgets_);
 }
 
 }  // namespace
