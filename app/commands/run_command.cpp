@@ -1,5 +1,6 @@
 #include "app/commands/run_command.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <memory>
@@ -35,10 +36,36 @@ std::string ModeOf(const Run& run) {
     return mode == nullptr ? "" : std::string(mode->what);
 }
 
-RunSummary SummaryOf(RunOutcome outcome, const RunReport& report, const RunRecording& recording,
-                     std::chrono::milliseconds elapsed) {
+/// What the journal counts as it has it, so that summary, report and journal agree. Only the run
+/// knows what it looked at and left as it was.
+RunCounts CountsOf(const RunCounts& run, ReportGatherer& journal) {
+    RunCounts counts = run;
+    const auto take = [&journal](std::size_t& count, DeedKind kind) {
+        count = journal.CountOf(kind);
+    };
+    take(counts.albumsAdded, DeedKind::AlbumAdded);
+    take(counts.albumsChanged, DeedKind::AlbumChanged);
+    take(counts.albumsRemoved, DeedKind::AlbumRemoved);
+    take(counts.tracksAdded, DeedKind::TrackAdded);
+    take(counts.tracksChanged, DeedKind::TrackChanged);
+    take(counts.tracksRemoved, DeedKind::TrackRemoved);
+    take(counts.filesRenamed, DeedKind::FileRenamed);
+    take(counts.filesRemoved, DeedKind::FileRemoved);
+    take(counts.tagsWritten, DeedKind::TagWritten);
+    const auto unchanged = [](std::size_t seen, std::size_t changed) {
+        return seen - std::min(seen, changed);
+    };
+    counts.albumsUnchanged =
+        unchanged(run.albumsUnchanged + run.albumsChanged, counts.albumsChanged);
+    counts.tracksUnchanged =
+        unchanged(run.tracksUnchanged + run.tracksChanged, counts.tracksChanged);
+    return counts;
+}
+
+RunSummary SummaryOf(RunOutcome outcome, const RunReport& report, ReportGatherer& journal,
+                     const RunRecording& recording, std::chrono::milliseconds elapsed) {
     return {outcome,
-            report.counts,
+            CountsOf(report.counts, journal),
             elapsed,
             report.gone,
             report.saved,
@@ -122,7 +149,8 @@ int RunLibrary(const RunRequest& request) {
     run.ForgetTables();
     run.connection.reset();
     if (recording.HasStopped()) recording.LogThatItStopped();
-    const RunSummary summary = SummaryOf(outcome, run.Report(), recording, shown.Elapsed());
+    const RunSummary summary =
+        SummaryOf(outcome, run.Report(), gatherer, recording, shown.Elapsed());
     shown.Summarize(summary);
     recording.End(summary, shown.Elapsed());
     Report(run, local, recording, gatherer, facts);

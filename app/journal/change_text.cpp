@@ -262,7 +262,7 @@ void AddWritten(Groups& groups, const FileChange& change, std::size_t most) {
     if (!change.before) return groups.Add(files + " written", change.path);
     const bool hasBoth = change.before->bytes && change.after && change.after->bytes;
     const bool isText = files == "Playlists" && hasBoth;
-    groups.Add(files + (files == "Playlists" ? " repaired" : " replaced"), change.path,
+    groups.Add(files + (files == "Playlists" ? " rewritten" : " replaced"), change.path,
                isText ? LineDifferences(*change.before->bytes, *change.after->bytes, most) : "");
 }
 

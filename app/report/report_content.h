@@ -40,6 +40,7 @@ enum class DeedKind {
     AlbumAdded,
     AlbumChanged,
     AlbumRemoved,
+    CoverChanged,  ///< an album of which nothing else is different
     TrackAdded,
     TrackChanged,
     TrackRemoved,
@@ -48,7 +49,7 @@ enum class DeedKind {
     FileRemoved,
     TagWritten,
     PlaylistWritten,
-    PlaylistRepaired,
+    PlaylistRewritten,
     PlaylistDeleted,
     ImageWritten,
     PageWritten,

@@ -76,6 +76,11 @@ bool IsImage(std::string_view path) {
            HasEnding(path, ".bmp");
 }
 
+bool IsOfCoverAlone(const RowChange& row) {
+    return std::ranges::all_of(
+        row.fields, [](const FieldChange& field) { return IsNamed(field.field, "ImageFile"); });
+}
+
 std::optional<DeedKind> KindOf(const RowChange& row) {
     const bool isAlbum = IsNamed(row.table, "Albums");
     if (!isAlbum && !IsNamed(row.table, "Tracks")) return std::nullopt;
@@ -83,6 +88,7 @@ std::optional<DeedKind> KindOf(const RowChange& row) {
         case RowChange::Kind::Added:
             return isAlbum ? DeedKind::AlbumAdded : DeedKind::TrackAdded;
         case RowChange::Kind::Changed:
+            if (isAlbum && IsOfCoverAlone(row)) return DeedKind::CoverChanged;
             return isAlbum ? DeedKind::AlbumChanged : DeedKind::TrackChanged;
         case RowChange::Kind::Removed:
             break;
@@ -273,7 +279,8 @@ DeedList::Deed* ReportGatherer::AddFile(DeedKind kind, const std::string& path,
 
 void ReportGatherer::AddWritten(const FileChange& change, const std::string& path) {
     if (IsPlaylist(path)) {
-        AddFile(change.before ? DeedKind::PlaylistRepaired : DeedKind::PlaylistWritten, path, path);
+        AddFile(change.before ? DeedKind::PlaylistRewritten : DeedKind::PlaylistWritten, path,
+                path);
     } else if (IsPage(path)) {
         AddFile(DeedKind::PageWritten, path, path);
     } else if (IsImage(path)) {

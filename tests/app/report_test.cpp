@@ -127,6 +127,31 @@ TEST_F(Report, TellsARenameByWayOfAnotherNameAsOne) {
               R"(D:\Music\Alder\First\a.mp3 → D:\Music\Alder\First\b.mp3)");
 }
 
+TEST_F(Report, TellsOfAnAlbumThatOnlyGetsACoverAsOfACover) {
+    const auto album = [](std::int64_t id, std::vector<FieldChange> fields) {
+        return RowChange{.table = "Albums", .key = {{"ID", id}}, .fields = std::move(fields)};
+    };
+    Add(album(1, {{"ImageFile", Null{}, R"(D:\Covers\a.jpg)"}}));
+    Add(album(2, {{"ImageFile", Null{}, R"(D:\Covers\b.jpg)"}, {"Title", "a", "b"}}));
+    End();
+    EXPECT_EQ(CountOf(DeedKind::CoverChanged), 1U);
+    EXPECT_EQ(CountOf(DeedKind::AlbumChanged), 1U);
+    EXPECT_THAT(Page(), HasSubstr("cover changed"));
+}
+
+TEST_F(Report, CountsRowsThatAreInTheDatabaseAndFilesThatCameOff) {
+    ReportGatherer gatherer(facts);
+    gatherer.Note(AddedTrack(1, "Alder", "Dawn"));
+    gatherer.Note(RowsSaved{});
+    gatherer.Note(AddedTrack(2, "Alder", "Dusk"));
+    gatherer.Note(Renamed(1, R"(D:\Music\Alder\First\a.mp3)", R"(D:\Music\Alder\First\b.mp3)"));
+    gatherer.Note(Renamed(2, R"(D:\Music\Alder\First\c.mp3)", R"(D:\Music\Alder\First\d.mp3)"));
+    gatherer.Note(FileChangeFailed{2, "no"});
+    EXPECT_EQ(gatherer.CountOf(DeedKind::TrackAdded), 1U);
+    EXPECT_EQ(gatherer.CountOf(DeedKind::FileRenamed), 1U);
+    EXPECT_EQ(CountOf(DeedKind::TrackRemoved), 0U);
+}
+
 TEST_F(Report, NamesCommandsThatAShellTakesAsTheyAre) {
     Add(AddedTrack(1, "Alder", "Dawn"));
     End();

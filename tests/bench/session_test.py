@@ -9,7 +9,8 @@ import tempfile
 from pathlib import Path
 
 MARKS = ("<!-- measured: begin; quillon_bench writes what follows -->\n", "<!-- measured: end -->\n")
-PARTS = ("### Aims", "Unchanged, 80 tracks", "New, 80 tracks", "comparison of tags, 80 tracks",
+PARTS = ("### Aims", "Unchanged, 80 tracks", "New, 80 tracks",
+         "Preview, new, 80 tracks", "| Preview, unchanged ", "comparison of tags, 80 tracks",
          "Growth exponent, new, 40 to 80", "Growth exponent, unchanged, 40 to 80",
          "Peak memory, 80 tracks, 12", "Peak memory, 40 tracks, 54", "pages of the database written",
          "playlists written", "snapshot bytes written", "Unchanged: syncs", "AddFiles, 20 files",

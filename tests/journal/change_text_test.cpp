@@ -92,7 +92,7 @@ TEST(ChangeText, TellsARepairedPlaylistLineByLine) {
     list.before = Content("one\r\ntwo\r\nthree\r\nfour\r\n");
     list.after = Content("one\r\n2\r\nthree\r\nfive\r\nfour\r\n");
     EXPECT_EQ(TextOf({list}),
-              "Playlists repaired: 1\n"
+              "Playlists rewritten: 1\n"
               "  D:\\Lists\\a.pla\n"
               "    - two\n"
               "    + 2\n"
