@@ -99,10 +99,10 @@ class JsonText {
     /// A name with its quotes and the colon behind it.
     const std::string& Written(std::string_view name) {
         constexpr std::size_t FirstFactor = 7, SizeFactor = 13;
-        const std::size_t ends = name.empty() ? 0
-                                              : static_cast<unsigned char>(name.back()) +
-                                                    FirstFactor *
-                                                        static_cast<unsigned char>(name.front());
+        const std::size_t ends = name.empty()
+                                     ? 0
+                                     : static_cast<unsigned char>(name.back()) +
+                                           FirstFactor * static_cast<unsigned char>(name.front());
         KnownName& known = names_[(ends + SizeFactor * name.size()) % names_.size()];
         if (known.written.empty() || known.name != name) Learn(known, name);
         return known.written;

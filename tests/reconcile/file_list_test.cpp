@@ -24,7 +24,7 @@ std::vector<std::string> Names(const FileList& files) {
 
 TEST(ProcessAlbumTracks, ListsSoundFilesOldestFirst) {
     std::vector<FileEntry> folder{File("a.mp3", 3), File("b.MP3", 1), File("c.jpg", 0),
-                                        File("d.mp3", 2)};
+                                  File("d.mp3", 2)};
     const FileList files = ProcessAlbumTracks(folder);
     EXPECT_THAT(Names(files), ElementsAre(R"(D:\b.MP3)", R"(D:\d.mp3)", R"(D:\a.mp3)"));
     EXPECT_EQ(files[0].ID, 0);
@@ -33,7 +33,7 @@ TEST(ProcessAlbumTracks, ListsSoundFilesOldestFirst) {
 
 TEST(ProcessAlbumTracks, KeepsTheFoldersOrderAmongFilesOfOneAge) {
     std::vector<FileEntry> folder{File("a.mp3", 1), File("b.mp3", 1), File("c.mp3", 0),
-                                        File("d.mp3", 1)};
+                                  File("d.mp3", 1)};
     EXPECT_THAT(Names(ProcessAlbumTracks(folder)),
                 ElementsAre(R"(D:\c.mp3)", R"(D:\a.mp3)", R"(D:\b.mp3)", R"(D:\d.mp3)"));
 }
