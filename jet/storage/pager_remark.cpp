@@ -47,7 +47,7 @@ void Pager::RenewRemark() {
 /// Pages that have been read already count as they were then: those have been looked over.
 std::string Pager::RemarkOfContent() {
     if (sums_.size() < pageCount_) sums_.resize(pageCount_);
-    Bytes run(PagesAtOnce * PageSize);
+    Bytes run;  // of use at the first time alone: commits know the pages' sums
     for (std::size_t first = 0; first < pageCount_; first += PagesAtOnce) {
         const std::size_t end = std::min<std::size_t>(first + PagesAtOnce, pageCount_);
         const auto isRead = [this](std::size_t page) { return sums_[page] != 0; };
@@ -55,6 +55,7 @@ std::string Pager::RemarkOfContent() {
         while (known < end && isRead(known))
             ++known;
         if (known == end) continue;
+        run.resize(PagesAtOnce * PageSize);
         const std::size_t size = file_->ReadAt(std::uint64_t{first} * PageSize, run);
         for (std::size_t page = known; page < end; ++page) {
             const std::size_t at = (page - first) * PageSize;
