@@ -40,8 +40,8 @@ TEST_F(DiscFolders, BelongToTheirAlbumOneAfterTheOther) {
     Add(R"(Disc_10\a.mp3)", 0, 0);
     library.Reconcile();
     EXPECT_THAT(library.Albums(), ElementsAre("A|B|4"));
-    const auto rows = ElementsAre(R"(A\B\CD1\a.mp3|a|1)", R"(A\B\CD1\b.mp3|b|2)",
-                                  R"(A\B\Disc_10\a.mp3|a|4)", R"(A\B\cd 2\a.mp3|a|3)");
+    const auto rows = ElementsAre(R"(A\B\cd 2\a.mp3|a|3)", R"(A\B\CD1\a.mp3|a|1)",
+                                  R"(A\B\CD1\b.mp3|b|2)", R"(A\B\Disc_10\a.mp3|a|4)");
     EXPECT_THAT(library.Tracks(), rows);
     library.Reconcile();
     EXPECT_THAT(library.Tracks(), rows) << "and the next run changes nothing";
@@ -125,7 +125,7 @@ TEST_F(DiscFolders, HoldNoFoldersOfTheirOwnKind) {
     library.Reconcile();
     EXPECT_THAT(library.Tracks(), ElementsAre(R"(A\B\CD1\a.mp3|a|1)"));
     EXPECT_THAT(library.run.leftOut.Of(LeftOutFor::DeeperFolder).paths,
-                ElementsAre(R"(D:\Music\A\B\CD1\CD2)", R"(D:\Music\A\B\Scans)"));
+                ElementsAre(R"(D:\Music\A\B\Scans)", R"(D:\Music\A\B\CD1\CD2)"));
 }
 
 TEST_F(DiscFolders, ThatCannotBeListedKeepTheWholeAlbumAsItIs) {

@@ -164,7 +164,9 @@ class Runs:
             # The comparison notes again what nobody has settled.
             if table != "SpinnerID3Differences":
                 require(now == rows[table], f"{mode}, once more, has changed {table}")
-        require(not log, f"{mode}, once more, tells\n" + "\n".join(log))
+        # What a list of the code page cannot hold is told whenever the list is made.
+        told = [line for line in log if " has all: " not in line]
+        require(not told, f"{mode}, once more, tells\n" + "\n".join(told))
 
 
 def rows_of(stage, artist, album):
@@ -186,13 +188,11 @@ def confirm_discs(stage, artist, album, count):
 
 def confirm_library(stage, files):
     """Rows, names and covers say what the tags say."""
-    lengths = {str(file.path): seconds_of(file.sound) for file in files[:2]}
     rows = stage.query("SELECT * FROM Tracks")
     require(len(rows) == len(files), f"{len(rows)} rows for {len(files)} files")
     for row in rows:
         length = row["Minutes"] * 60 + row["Seconds"]
-        require(abs(length - sound_seconds()) <= 1, f"length of {row}")
-    require(lengths, "no lengths")
+        require(abs(length - sound_files.SECONDS) <= 1, f"length of {row}")
     confirm_discs(stage, "Birch", "Long Road", 20)
     confirm_discs(stage, "Fir", "Two", 12)
     hits = rows_of(stage, "Various", "Hits")
@@ -210,10 +210,6 @@ def confirm_library(stage, files):
     covers = {path.name for path in (stage.disk / "Covers").iterdir()}
     require({"Birch - Long Road.jpg", "Various - Hits.png", "Fir - Two.jpg"} <= covers,
             f"covers: {covers}")
-
-
-def sound_seconds():
-    return sound_files.SECONDS
 
 
 def take_through_modes(program, made):

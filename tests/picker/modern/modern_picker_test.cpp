@@ -131,7 +131,7 @@ TEST_F(ModernPickerTest, NamesArtistsOfTracksWhereTheyAreTheirOwn) {
     run.modern.keepsTrackArtists = true;
     Build();
     EXPECT_THAT(Page(1), HasSubstr("<th scope='row'><bdi>Song 3</bdi> <span class='picker-more'>"
-                                   "<bdi>Birch &amp; Co</bdi></span></th>"));
+                                   "<bdi>Birch &#38; Co</bdi></span></th>"));
     EXPECT_THAT(Page(1), HasSubstr("<th scope='row'><bdi>Song 2</bdi></th>"));
 }
 
