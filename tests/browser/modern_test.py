@@ -15,6 +15,7 @@ from urllib.parse import unquote, urlsplit
 sys.dont_write_bytecode = True
 sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "app" / "serve"))
 
+import player
 from accessibility import Axe
 from modern_library import ModernLibrary, albums_for
 from serving import Server
@@ -157,16 +158,9 @@ class Visit:
             "return document.querySelectorAll('.picker-songs a').length") > 0)
 
     def ask(self, control, sentence, *sent):
-        found = self.browser.all(control, "xpath")
-        expect(f"there is {control}", True, len(found) > 0)
-        found[0].click()
-        self.browser.wait("the player", lambda: self.browser.title() == "Player requests")
+        """Clicks, and looks at what the player was asked for."""
         self.requests += 1
-        shown = self.browser.run(
-            "const cells = document.querySelectorAll('tbody tr:first-child td');"
-            "return [cells[0].textContent, cells[2].textContent, "
-            "        ...[...cells[3].querySelectorAll('code')].map(code => code.textContent)]")
-        expect("request", [str(self.requests), sentence, *sent], shown)
+        expect("request", [str(self.requests), sentence, *sent], player.ask(self.browser, control))
 
     def asks(self):
         """The player is asked for the same things as by the classic pages."""

@@ -12,6 +12,7 @@ from pathlib import Path
 sys.dont_write_bytecode = True
 sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "app" / "serve"))
 
+import player
 from library import Library, hostile_albums, plain_albums
 from serving import Server
 from webdriver import Browser, BrowserError
@@ -163,16 +164,8 @@ class Visit:
 
     def ask(self, control, sentence, *sent):
         """Clicks, and looks at what the player was asked for."""
-        found = self.browser.all(control, "xpath")
-        expect(f"there is {control}", True, len(found) > 0)
-        found[0].click()
-        self.browser.wait("the player", lambda: self.browser.title() == "Player requests")
         self.requests += 1
-        shown = self.browser.run(
-            "const cells = document.querySelectorAll('tbody tr:first-child td');"
-            "return [cells[0].textContent, cells[2].textContent, "
-            "        ...[...cells[3].querySelectorAll('code')].map(code => code.textContent)]")
-        expect("request", [str(self.requests), sentence, *sent], shown)
+        expect("request", [str(self.requests), sentence, *sent], player.ask(self.browser, control))
         self.is_calm()
 
     def ask_for_music(self):

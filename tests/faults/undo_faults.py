@@ -30,18 +30,24 @@ REFUSED = 2
 SEED = "the same each time"
 
 
+def time_of(path):
+    """The time that an undo gives back: of music it is exact, of lists to the second."""
+    kind, time = path.suffix.lower(), path.stat().st_mtime_ns
+    if kind in (".pla", ".m3u", ".m3u8"):
+        return time // 1_000_000_000
+    return time if kind == ".mp3" else 0
+
+
 class State:
-    """Rows, files with their content, and times of music."""
+    """Rows, files with their content, and times of music and lists."""
 
     def __init__(self, library):
         self.rows = tables_of(library.database)
         self.files = {}
         for name, path in files_of(library).items():
-            is_music = path.suffix.lower() == ".mp3"
             # What a copy was stays in Removed: it is no part of the library.
             if not name.startswith("host/Removed/"):
-                self.files[name] = (digest(path.read_bytes()),
-                                    path.stat().st_mtime_ns if is_music else 0)
+                self.files[name] = (digest(path.read_bytes()), time_of(path))
         self.songs = Counter(songs_at(library).values())
 
     def differences(self, other):

@@ -225,9 +225,17 @@ def state(stage, kind):
     return all_music(stage) if kind == "music" else contents_of(stage.web)
 
 
+def time_to_keep(path):
+    """What an undo gives back of a file's time: of lists it is known to the second."""
+    kind, time = path.suffix.lower(), path.stat().st_mtime_ns
+    if kind in (".pla", ".m3u", ".m3u8"):
+        return time // 1_000_000_000
+    return time if kind == ".mp3" else 0
+
+
 def everything(stage):
-    """What an undo has to bring back: each file by its content, music with its time; each row. Dated
-    copies stay; what only the program's own work needs is no part of it."""
+    """What an undo has to bring back: each file by its content, music and lists with their times;
+    each row. Dated copies stay; what only the program's own work needs is no part of it."""
     files = {}
     for folder in (stage.disk, stage.web, stage.host / "Data"):
         for path in folder.rglob("*"):
@@ -235,8 +243,7 @@ def everything(stage):
             if "_Copy Dated_" in name or path == stage.database or path.suffix == ".playlists":
                 continue
             if path.is_file():
-                is_music = path.suffix.lower() == ".mp3"
-                files[name] = (path.read_bytes(), path.stat().st_mtime_ns if is_music else 0)
+                files[name] = (path.read_bytes(), time_to_keep(path))
             else:
                 files[name] = "folder" if path.is_dir() else "link to nowhere"
     rows = stage.all_rows() if stage.database.exists() else {}
