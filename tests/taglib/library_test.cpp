@@ -166,7 +166,7 @@ TEST_F(AllTagsOfLibraryTest, WhatTheySayIsTakenIntoTheDatabase) {
     library.Execute(
         "INSERT INTO Spinner (Artist, Album, Song, Genre) VALUES (\"Alder\", \"First Light\", "
         "\"Dawn\", \"Rock\")");
-    library.Execute("UPDATE Tracks SET Minutes=7, Seconds=0");
+    library.Execute("UPDATE Tracks SET Title='Dawn', Minutes=7, Seconds=0");
     const auto compare = [this] {
         library.Execute("DELETE * FROM SpinnerID3Differences");
         PopulateGenre(library.run);
