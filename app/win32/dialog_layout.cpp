@@ -27,7 +27,8 @@ void LibraryDialog::Grow() {
     GetClientRect(window_, &inside);
     const int lines = errorsAreOpen_ ? UsualLinesOfErrors : 0;
     const SIZE size =
-        WindowSizeFor(std::max<int>(inside.right, UsualWidthInLines * fonts_.Height()),
+        WindowSizeFor(std::max({static_cast<int>(inside.right), UsualWidthInLines * fonts_.Height(),
+                                lamps_.WidthIn(fonts_) + 2 * Margin()}),
                       std::max<int>(inside.bottom, NeededHeight(lines)));
     RECT place{};
     GetWindowRect(window_, &place);

@@ -225,14 +225,13 @@ void LibraryDialog::ShowErrors() {
     }
     if (!errorsAreOpen_ || waiting_.empty()) return;
     errors_.Send(WM_SETREDRAW, FALSE);
-    for (const std::wstring& line : waiting_) {
-        const int end = GetWindowTextLengthW(errors_.Handle());
-        errors_.Send(EM_SETSEL, static_cast<WPARAM>(end), end);
-        const std::wstring added = inList_ == 0 ? line : L"\r\n" + line;
-        errors_.Send(EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(added.c_str()));
-        ++inList_;
-    }
+    std::wstring added;  // all at once: each call looks the whole text over
+    for (const std::wstring& line : waiting_)
+        added += (inList_++ == 0 ? L"" : L"\r\n") + line;
     waiting_.clear();
+    const int before = GetWindowTextLengthW(errors_.Handle());
+    errors_.Send(EM_SETSEL, static_cast<WPARAM>(before), before);
+    errors_.Send(EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(added.c_str()));
     if (inList_ > MostKept) {
         const LRESULT kept = errors_.Send(EM_LINEINDEX, inList_ - MostKept);
         errors_.Send(EM_SETSEL, 0, kept);

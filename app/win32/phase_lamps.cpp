@@ -50,23 +50,40 @@ bool PhaseLamps::Update(const std::array<PhaseIndicator, PhaseCount>& indicators
     return isOther;
 }
 
+/// With the lamp itself, the room for a time, and what lies between.
+int PhaseLamps::ColumnWidth(const Fonts& fonts, int column) const {
+    int widest = 0;
+    for (std::size_t i = 0; i < PhaseCount; ++i) {
+        const bool isHere = state_.at(i).visible && IsInSecond(state_.at(i)) == (column == 1);
+        if (isHere) widest = std::max(widest, fonts.WidthOf(lamps_.at(i).Text()));
+    }
+    if (widest == 0) return 0;
+    const int time = column == 1 ? 0 : fonts.WidthOf(LongestTime);
+    return widest + 3 * fonts.Height() + time;
+}
+
 int PhaseLamps::HeightIn(const Fonts& fonts) const {
     std::array<int, 2> rows{};
     for (const PhaseIndicator& one : state_)
-        if (one.visible) ++rows.at(HasTwoColumns() && one.isOtherMode ? 1 : 0);
+        if (one.visible) ++rows.at(IsInSecond(one) ? 1 : 0);
     return std::max(rows[0], rows[1]) * RowHeight(fonts);
 }
 
 void PhaseLamps::Arrange(const Fonts& fonts, int left, int top, int width) {
-    const bool two = HasTwoColumns();
-    const int gap = two ? fonts.Height() : 0;
-    const int column = two ? (width - gap) / 2 : width;
+    const int second = ColumnWidth(fonts, 1);
+    const int gap = second > 0 ? fonts.Height() : 0;
+    // What room there is beside the longest captions, both columns share.
+    const int first = second == 0
+                          ? width
+                          : ColumnWidth(fonts, 0) + std::min(0, width - WidthIn(fonts)) / 2 +
+                                std::max(0, width - WidthIn(fonts)) / 3 - gap;
     const int time = fonts.WidthOf(LongestTime);
     std::array<int, 2> rows{};
     for (std::size_t i = 0; i < PhaseCount; ++i) {
-        const bool isSecond = two && state_.at(i).isOtherMode;
+        const bool isSecond = IsInSecond(state_.at(i));
         const bool isVisible = state_.at(i).visible;
-        const int x = left + (isSecond ? column + gap : 0);
+        const int x = left + (isSecond ? first + gap : 0);
+        const int column = isSecond ? width - first - gap : first;
         const int y = top + rows.at(isSecond ? 1 : 0) * RowHeight(fonts);
         if (isVisible) ++rows.at(isSecond ? 1 : 0);
         // Those of other modes never get a time.

@@ -61,8 +61,10 @@ std::vector<Entry> ReadEntries(const Descriptor& file, const std::filesystem::pa
                     NameIn(std::span(bytes).subspan(NameSize))};
         const bool isWhole = count == EntrySize;
         // Half an entry is somebody's, too: ours when we were killed in writing it.
-        entry.isOurs = isWhole ? entry.machine == ThisMachine() && entry.user == UserName
-                               : std::equal(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(count), ours.begin());
+        entry.isOurs =
+            isWhole ? entry.machine == ThisMachine() && entry.user == UserName
+                    : std::equal(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(count),
+                                 ours.begin());
         if (!isWhole || !entry.machine.empty() || !entry.user.empty())
             entries.push_back(std::move(entry));
     }

@@ -50,7 +50,7 @@ void RequirePlain(const FileFacts& facts, const std::filesystem::path& path);
 enum class Opening {
     Read,
     ReadWrite,
-    New,              ///< for both; the name must be free
+    New,  ///< for both; the name must be free
     ReadWriteOrNew,
 };
 

@@ -3,7 +3,6 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
-
 #include <windows.h>
 
 #include "jet/storage/system_file.h"

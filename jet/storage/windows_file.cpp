@@ -46,7 +46,8 @@ std::string Reason(DWORD error) {
         FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, error,
                        0, text.data(), static_cast<DWORD>(text.size()), nullptr);
     std::string reason = Utf8({text.data(), size});
-    while (!reason.empty() && std::string_view("\r\n .").find(reason.back()) != std::string_view::npos)
+    while (!reason.empty() &&
+           std::string_view("\r\n .").find(reason.back()) != std::string_view::npos)
         reason.pop_back();
     return reason.empty() ? "error " + std::to_string(error) : reason;
 }
@@ -129,7 +130,8 @@ void ThrowSystemError(std::string_view verb, const std::filesystem::path& path, 
     auto kind = ErrorKind::Io;
     if (MeansNotThere(error)) kind = ErrorKind::NotFound;
     if (error == ERROR_ACCESS_DENIED || error == ERROR_WRITE_PROTECT) kind = ErrorKind::ReadOnly;
-    throw Error(kind, "Cannot " + std::string(verb) + " " + path.string() + ": " + Reason(error) + ".");
+    throw Error(kind,
+                "Cannot " + std::string(verb) + " " + path.string() + ": " + Reason(error) + ".");
 }
 
 void ThrowLastError(std::string_view verb, const std::filesystem::path& path) {
@@ -145,14 +147,14 @@ FileFacts FactsOf(const Descriptor& file, const std::filesystem::path& path) {
         !GetFileInformationByHandleEx(handle, FileBasicInfo, &times, sizeof times)) {
         ThrowLastError("look up", path);
     }
-    return {.device = facts.dwVolumeSerialNumber,
-            .number = static_cast<std::uint64_t>(
-                Together(facts.nFileIndexHigh, facts.nFileIndexLow)),
-            .names = facts.nNumberOfLinks,
-            .size = static_cast<std::uint64_t>(Together(facts.nFileSizeHigh, facts.nFileSizeLow)),
-            .written = NanosecondsSince1970(times.LastWriteTime.QuadPart),
-            .changed = NanosecondsSince1970(times.ChangeTime.QuadPart),
-            .otherKind = KindOf(handle, facts.dwFileAttributes)};
+    return {
+        .device = facts.dwVolumeSerialNumber,
+        .number = static_cast<std::uint64_t>(Together(facts.nFileIndexHigh, facts.nFileIndexLow)),
+        .names = facts.nNumberOfLinks,
+        .size = static_cast<std::uint64_t>(Together(facts.nFileSizeHigh, facts.nFileSizeLow)),
+        .written = NanosecondsSince1970(times.LastWriteTime.QuadPart),
+        .changed = NanosecondsSince1970(times.ChangeTime.QuadPart),
+        .otherKind = KindOf(handle, facts.dwFileAttributes)};
 }
 
 std::optional<FileFacts> FactsOfName(const std::filesystem::path& path) {
@@ -176,8 +178,8 @@ Descriptor OpenPlainFile(const std::filesystem::path& path, Opening opening,
     if (const auto facts = FactsOfName(path)) RequirePlain(*facts, path);
     const DWORD access = opening == Opening::Read ? GENERIC_READ : GENERIC_READ | GENERIC_WRITE;
     // What its users share by locks must keep its name while one of them has it.
-    const DWORD share = opening == Opening::ReadWriteOrNew ? FILE_SHARE_READ | FILE_SHARE_WRITE
-                                                           : ShareWithAll;
+    const DWORD share =
+        opening == Opening::ReadWriteOrNew ? FILE_SHARE_READ | FILE_SHARE_WRITE : ShareWithAll;
     Descriptor file(reinterpret_cast<std::intptr_t>(
         CreateFileW(SystemPath(path).c_str(), access, share, nullptr, DispositionOf(opening),
                     FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT, nullptr)));
@@ -224,15 +226,17 @@ void Empty(const Descriptor& file, const std::filesystem::path& path) {
 void CloseAndRemove(Descriptor file, const std::filesystem::path& path) {
     if (!file.IsOpen()) return;
     // Refused while somebody else has it open, who then has it with its name.
-    { const Descriptor closed(std::move(file)); }
+    {
+        const Descriptor closed(std::move(file));
+    }
     DeleteFileW(SystemPath(path).c_str());
 }
 
 void Exchange(const std::filesystem::path& file, const std::filesystem::path& copy,
               const std::filesystem::path& kept) {
     // Takes over who may read and write the file, and the old one may still be open.
-    if (!ReplaceFileW(SystemPath(file).c_str(), SystemPath(copy).c_str(),
-                      SystemPath(kept).c_str(), REPLACEFILE_WRITE_THROUGH, nullptr, nullptr)) {
+    if (!ReplaceFileW(SystemPath(file).c_str(), SystemPath(copy).c_str(), SystemPath(kept).c_str(),
+                      REPLACEFILE_WRITE_THROUGH, nullptr, nullptr)) {
         const DWORD error = GetLastError();
         throw Error(ErrorKind::Io, file.string() + " cannot be replaced: " + Reason(error));
     }

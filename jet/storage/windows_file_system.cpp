@@ -128,8 +128,8 @@ class WindowsFileSystem final : public FileSystem {
             CreateFileW(SystemPath(parent.empty() ? "." : parent).c_str(), GENERIC_WRITE,
                         FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
                         OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr)));
-        // Names are kept in order by the volume's own journal. A flush hastens them where the system
-        // lets this user flush a folder.
+        // Names are kept in order by the volume's own journal. A flush hastens them where the
+        // system lets this user flush a folder.
         if (folder.IsOpen()) FlushFileBuffers(HandleOf(folder));
     }
 };

@@ -15,10 +15,6 @@ void RequireDone(int result, const std::filesystem::path& path) {
 
 }  // namespace
 
-bool HasPosixFiles() {
-    return true;
-}
-
 bool IsSuperUser() {
     return geteuid() == 0;
 }

@@ -27,8 +27,7 @@ TEST_F(CopyFolderTest, MakesAFolderWithAllThatIsInTheOther) {
               files_.GetFile("D:\\Lists\\a.pla").modified);
 }
 
-TEST_F(CopyFolderTest, TakesTheFilesThatARunSeesAndFoldersThatDifferInLetterCaseAlone) {
-    QUILLON_NEEDS_POSIX_FILES();
+POSIX_TEST_F(CopyFolderTest, TakesTheFilesThatARunSeesAndFoldersThatDifferInLetterCaseAlone) {
     folder_.MakeFile("Lists/a.pla", "small");
     folder_.MakeFile("Lists/A.pla", "capital");
     folder_.MakeFile("Lists/sub/x", "small");
@@ -40,8 +39,7 @@ TEST_F(CopyFolderTest, TakesTheFilesThatARunSeesAndFoldersThatDifferInLetterCase
     EXPECT_EQ(folder_.Content("Copy/SUB/x"), "capital");
 }
 
-TEST_F(CopyFolderTest, CopiesWhatLinksLeadToAndWritesThroughNone) {
-    QUILLON_NEEDS_POSIX_FILES();
+POSIX_TEST_F(CopyFolderTest, CopiesWhatLinksLeadToAndWritesThroughNone) {
     folder_.MakeFile("Store/a.pla", "A");
     folder_.MakeFolder("Lists");
     std::filesystem::create_symlink("../Store/a.pla", folder_ / "Lists/a.pla");
@@ -50,8 +48,7 @@ TEST_F(CopyFolderTest, CopiesWhatLinksLeadToAndWritesThroughNone) {
     EXPECT_EQ(folder_.Content("Copy/a.pla"), "A");
 }
 
-TEST_F(CopyFolderTest, LeavesOutALinkThatLeadsNowhere) {
-    QUILLON_NEEDS_POSIX_FILES();
+POSIX_TEST_F(CopyFolderTest, LeavesOutALinkThatLeadsNowhere) {
     folder_.MakeFile("Lists/a.pla", "A");
     std::filesystem::create_symlink("../Store/b.pla", folder_ / "Lists/b.pla");
     files_.CopyFolder("D:\\Lists", "D:\\Copy");
@@ -59,8 +56,7 @@ TEST_F(CopyFolderTest, LeavesOutALinkThatLeadsNowhere) {
 }
 
 /// A run may see it a moment later, and change what has no copy.
-TEST_F(CopyFolderTest, MakesNoCopyWithoutWhatCannotBeLookedAt) {
-    QUILLON_NEEDS_POSIX_FILES();
+POSIX_TEST_F(CopyFolderTest, MakesNoCopyWithoutWhatCannotBeLookedAt) {
     folder_.MakeFile("Lists/a.pla", "A");
     std::filesystem::create_symlink("loop.pla", folder_ / "Lists/loop.pla");
     EXPECT_EQ(FailureOfCopy("D:\\Lists", "D:\\Copy"),
@@ -68,8 +64,7 @@ TEST_F(CopyFolderTest, MakesNoCopyWithoutWhatCannotBeLookedAt) {
     EXPECT_FALSE(std::filesystem::exists(folder_ / "Copy"));
 }
 
-TEST_F(CopyFolderTest, NeverTouchesWhatIsThere) {
-    QUILLON_NEEDS_POSIX_FILES();
+POSIX_TEST_F(CopyFolderTest, NeverTouchesWhatIsThere) {
     folder_.MakeFile("Lists/a.pla", "A");
     folder_.MakeFolder("Empty");
     folder_.MakeFile("file", "x");
@@ -97,8 +92,7 @@ TEST_F(CopyFolderTest, DoesNotCopyAFolderIntoItself) {
     EXPECT_EQ(folder_.Count("Lists"), 2U);
 }
 
-TEST_F(CopyFolderTest, LeavesNothingWhenTheDiskIsFull) {
-    QUILLON_NEEDS_POSIX_FILES();
+POSIX_TEST_F(CopyFolderTest, LeavesNothingWhenTheDiskIsFull) {
     folder_.MakeFile("Lists/a.pla", "small");
     folder_.MakeFile("Lists/Sub/b.pla", std::string(100'000, 'b'));
     EXPECT_EQ(
@@ -107,8 +101,7 @@ TEST_F(CopyFolderTest, LeavesNothingWhenTheDiskIsFull) {
     EXPECT_EQ(folder_.Count(), 1U);
 }
 
-TEST_F(CopyFolderTest, LeavesNothingWhenAFileCannotBeRead) {
-    QUILLON_NEEDS_POSIX_FILES();
+POSIX_TEST_F(CopyFolderTest, LeavesNothingWhenAFileCannotBeRead) {
     folder_.MakeFile("Lists/a.pla");
     folder_.MakeFile("Lists/b.pla");
     outside::SetRights(folder_ / "Lists/b.pla", 0);

@@ -7,6 +7,7 @@
 #include "platform/portable/local_file.h"
 #include "platform/portable/portable_files.h"
 #include "tests/outside/file_marks.h"
+#include "tests/outside/posix_test.h"
 #include "tests/outside/temporary_folder.h"
 #include "tests/platform/failure_of.h"
 

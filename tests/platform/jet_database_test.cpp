@@ -9,6 +9,8 @@
 
 #include "jet/database.h"
 #include "platform/portable/jet_values.h"
+#include "tests/outside/file_marks.h"
+#include "tests/outside/posix_test.h"
 #include "tests/outside/temporary_folder.h"
 #include "tests/platform/failure_of.h"
 
@@ -189,7 +191,7 @@ TEST_F(JetDatabaseTest, ConnectionsToOneFileShareIt) {
     EXPECT_EQ(second->Query("SELECT Title FROM Songs")->Text("Title"), "One");
 }
 
-TEST_F(JetDatabaseTest, ConnectionsByOtherNamesOfTheFileShareItToo) {
+POSIX_TEST_F(JetDatabaseTest, ConnectionsByOtherNamesOfTheFileShareItToo) {
     std::filesystem::create_hard_link(folder_ / "Cdj.mdb", folder_ / "hard.mdb");
     std::filesystem::create_symlink(folder_ / "hard.mdb", folder_ / "soft.mdb");
     const std::unique_ptr<Connection> first = Open();
@@ -200,7 +202,7 @@ TEST_F(JetDatabaseTest, ConnectionsByOtherNamesOfTheFileShareItToo) {
     EXPECT_EQ(third->Query("SELECT Title FROM Songs")->Text("Title"), "One");
 }
 
-TEST_F(JetDatabaseTest, APathThatCannotBeLookedUpOpensNothing) {
+POSIX_TEST_F(JetDatabaseTest, APathThatCannotBeLookedUpOpensNothing) {
     std::filesystem::create_symlink(folder_ / "turning.mdb", folder_ / "turning.mdb");
     const std::string what = FailureOf([&] { Open("D:\\turning.mdb"); });
     EXPECT_NE(what.find("turning.mdb"), std::string::npos) << what;

@@ -34,8 +34,7 @@ TEST_F(ListingTest, TellsPathSizeAndTime) {
     EXPECT_EQ(files_.SubFolders("D:\\").entries[0].path, "D:\\Music");
 }
 
-TEST_F(ListingTest, OfFilesWhoseNamesDifferInCaseOneIsListed) {
-    QUILLON_NEEDS_POSIX_FILES();
+POSIX_TEST_F(ListingTest, OfFilesWhoseNamesDifferInCaseOneIsListed) {
     folder_.MakeFile("M/song.mp3", "1");
     folder_.MakeFile("M/SONG.mp3", "22");
     EXPECT_EQ(FileNames("D:\\M"), Names{"SONG.mp3"});
@@ -45,8 +44,7 @@ TEST_F(ListingTest, OfFilesWhoseNamesDifferInCaseOneIsListed) {
     EXPECT_EQ(files_.GetFile("D:\\M\\SONG.mp3").size, 2U);
 }
 
-TEST_F(ListingTest, LeavesOutWhatWindowsCannotShowAndSaysSoOnce) {
-    QUILLON_NEEDS_POSIX_FILES();
+POSIX_TEST_F(ListingTest, LeavesOutWhatWindowsCannotShowAndSaysSoOnce) {
     for (const char* const name : {"ok.mp3", "a:b.mp3", "caf\xE9.mp3", "dot.", "new\nline", "x?"})
         folder_.MakeFile(std::string("M/") + name);
     for (int round = 0; round < 3; ++round) {
@@ -69,8 +67,7 @@ TEST_F(ListingTest, LongestNamesAreListed) {
     EXPECT_FALSE(files_.FileExists("D:\\M\\" + longest + "x"));
 }
 
-TEST_F(ListingTest, FollowsLinksAndNotesBrokenOnes) {
-    QUILLON_NEEDS_POSIX_FILES();
+POSIX_TEST_F(ListingTest, FollowsLinksAndNotesBrokenOnes) {
     folder_.MakeFile("Else/x.mp3", "abc");
     folder_.MakeFolder("M");
     std::filesystem::create_symlink(folder_ / "Else/x.mp3", folder_ / "M/link.mp3");
@@ -89,8 +86,7 @@ TEST_F(ListingTest, FollowsLinksAndNotesBrokenOnes) {
                      "levels of symbolic links)"}));
 }
 
-TEST_F(ListingTest, ALinkWhoseTargetIsAwayIsUnseenAmongFilesAndFolders) {
-    QUILLON_NEEDS_POSIX_FILES();
+POSIX_TEST_F(ListingTest, ALinkWhoseTargetIsAwayIsUnseenAmongFilesAndFolders) {
     folder_.MakeFile("M/song.mp3");
     folder_.MakeFolder("M/Folder");
     std::filesystem::create_symlink("away", folder_ / "M/Link");
@@ -100,8 +96,7 @@ TEST_F(ListingTest, ALinkWhoseTargetIsAwayIsUnseenAmongFilesAndFolders) {
     EXPECT_EQ(FolderNames("D:\\M"), Names{"Folder"});
 }
 
-TEST_F(ListingTest, NobodyCanTellWhetherAPathBehindALostLinkExists) {
-    QUILLON_NEEDS_POSIX_FILES();
+POSIX_TEST_F(ListingTest, NobodyCanTellWhetherAPathBehindALostLinkExists) {
     folder_.MakeFolder("M");
     std::filesystem::create_symlink("away", folder_ / "M/Link");
     const std::string reason = " (a link leads to where nothing is at present)";
@@ -115,8 +110,7 @@ TEST_F(ListingTest, NobodyCanTellWhetherAPathBehindALostLinkExists) {
     EXPECT_FALSE(FolderMayExist(files_, "D:\\M\\Other"));
 }
 
-TEST_F(ListingTest, NobodyCanTellWhatAClosedFolderHolds) {
-    QUILLON_NEEDS_POSIX_FILES();
+POSIX_TEST_F(ListingTest, NobodyCanTellWhatAClosedFolderHolds) {
     folder_.MakeFile("M/Closed/x.mp3");
     outside::SetRights(folder_.Path(), 0755);
     outside::SetRights(folder_ / "M/Closed", 0);
@@ -129,8 +123,7 @@ TEST_F(ListingTest, NobodyCanTellWhatAClosedFolderHolds) {
     outside::SetRights(folder_ / "M/Closed", 0755);
 }
 
-TEST_F(ListingTest, DoesNotEnterAFolderInsideItself) {
-    QUILLON_NEEDS_POSIX_FILES();
+POSIX_TEST_F(ListingTest, DoesNotEnterAFolderInsideItself) {
     folder_.MakeFolder("Music/Artist/Album");
     std::filesystem::create_directory_symlink(folder_ / "Music", folder_ / "Music/Artist/Up");
     std::filesystem::create_directory_symlink(".", folder_ / "Music/Here");
@@ -143,8 +136,7 @@ TEST_F(ListingTest, DoesNotEnterAFolderInsideItself) {
                              "Left out, a folder inside itself: D:\\Music\\Same\\Up"}));
 }
 
-TEST_F(ListingTest, ALinkAboveTheMappedFolderEndsAtTheMappedFolder) {
-    QUILLON_NEEDS_POSIX_FILES();
+POSIX_TEST_F(ListingTest, ALinkAboveTheMappedFolderEndsAtTheMappedFolder) {
     const outside::TemporaryFolder above;
     above.MakeFile("Music/Artist/x.mp3");
     above.MakeFolder("Other");
@@ -159,8 +151,7 @@ TEST_F(ListingTest, ALinkAboveTheMappedFolderEndsAtTheMappedFolder) {
     EXPECT_EQ(entries.entries[0].path, "M:\\Above\\Other");
 }
 
-TEST_F(ListingTest, LeavesOutPipesAndSockets) {
-    QUILLON_NEEDS_POSIX_FILES();
+POSIX_TEST_F(ListingTest, LeavesOutPipesAndSockets) {
     folder_.MakeFolder("M");
     outside::MakePipe(folder_ / "M/pipe.mp3");
     EXPECT_EQ(FileNames("D:\\M"), Names{});
@@ -180,8 +171,7 @@ TEST_F(ListingTest, NeedsAFolder) {
     EXPECT_EQ(FailureOf([&] { files_.FilesIn("D:\\a*"); }), "Bad file name or number: D:\\a*");
 }
 
-TEST_F(ListingTest, SaysWhenAFolderMayNotBeRead) {
-    QUILLON_NEEDS_POSIX_FILES();
+POSIX_TEST_F(ListingTest, SaysWhenAFolderMayNotBeRead) {
     folder_.MakeFile("M/Closed/x.mp3");
     outside::SetRights(folder_.Path(), 0755);
     outside::SetRights(folder_ / "M/Closed", 0);

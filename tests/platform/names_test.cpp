@@ -7,6 +7,7 @@
 
 #include "platform/portable/portable_files.h"
 #include "tests/outside/file_marks.h"
+#include "tests/outside/posix_test.h"
 #include "tests/outside/temporary_folder.h"
 
 namespace quillon {
@@ -51,8 +52,7 @@ class NamesTest : public ::testing::Test {
                          [this](LogKind, const std::string& note) { notes_.push_back(note); }};
 };
 
-TEST_F(NamesTest, AreThoseOfTheOtherKindBesideWhatIsListed) {
-    QUILLON_NEEDS_POSIX_FILES();
+POSIX_TEST_F(NamesTest, AreThoseOfTheOtherKindBesideWhatIsListed) {
     const Listing<FileEntry> files = files_.FilesIn("D:\\");
     EXPECT_THAT(Entries(files), ElementsAre("a.jpg", "b.mp3", "link.mp3"));
     EXPECT_THAT(files.others, UnorderedElementsAre("CD1", "Scans"));

@@ -66,8 +66,7 @@ TEST_F(CreateFolderTest, MakesOneFolder) {
     EXPECT_EQ(folder_.Count(), 1U);
 }
 
-TEST_F(CreateFolderTest, RefusesANameTooLongForTheDisk) {
-    QUILLON_NEEDS_POSIX_FILES();
+POSIX_TEST_F(CreateFolderTest, RefusesANameTooLongForTheDisk) {
     std::string name;
     for (int i = 0; i < 200; ++i)
         name += "日";
@@ -75,8 +74,7 @@ TEST_F(CreateFolderTest, RefusesANameTooLongForTheDisk) {
               "Bad file name or number: D:\\" + name);
 }
 
-TEST_F(CopyTest, KeepsContentTimeAndMode) {
-    QUILLON_NEEDS_POSIX_FILES();
+POSIX_TEST_F(CopyTest, KeepsContentTimeAndMode) {
     const std::string content(300'000, 'q');
     folder_.MakeFile("a.mp3", content);
     outside::SetModified(folder_ / "a.mp3", 1500000000, 123456700);
@@ -115,8 +113,7 @@ TEST_F(CopyTest, SaysWhatIsMissing) {
     EXPECT_EQ(folder_.Count(), 2U);
 }
 
-TEST_F(CopyTest, FullDiskLeavesNothingBehind) {
-    QUILLON_NEEDS_POSIX_FILES();
+POSIX_TEST_F(CopyTest, FullDiskLeavesNothingBehind) {
     folder_.MakeFile("a", std::string(100'000, 'a'));
     folder_.MakeFile("b", "old");
     EXPECT_EQ(
@@ -162,8 +159,7 @@ TEST_F(WithinTest, IsNothingThatDoesNotExist) {
     EXPECT_FALSE(files_.IsWithin("D:\\Music\\a.mp3", "D:\\Music"));
 }
 
-TEST_F(WithinTest, SeesThroughDrivesAndLinks) {
-    QUILLON_NEEDS_POSIX_FILES();
+POSIX_TEST_F(WithinTest, SeesThroughDrivesAndLinks) {
     DriveTable drives = Drives(folder_);
     drives.Map("M", folder_ / "Music");
     drives.Map("\\\\nas\\music", folder_ / "Music");
@@ -178,8 +174,7 @@ TEST_F(WithinTest, SeesThroughDrivesAndLinks) {
     EXPECT_TRUE(files.IsWithin("D:\\Music\\Artist\\Album", "D:\\Link"));
 }
 
-TEST_F(WithinTest, KnowsTheNamesOfOneFile) {
-    QUILLON_NEEDS_POSIX_FILES();
+POSIX_TEST_F(WithinTest, KnowsTheNamesOfOneFile) {
     std::filesystem::create_symlink(folder_ / "Music/a.mp3", folder_ / "Music/soft.mp3");
     std::filesystem::create_hard_link(folder_ / "Music/a.mp3", folder_ / "Music/hard.mp3");
     folder_.MakeFile("Music/b.mp3");
@@ -210,8 +205,7 @@ TEST_F(DiscardTest, RemovesFilesAndEmptyFolders) {
     EXPECT_TRUE(folder_.Exists("Music/Artist"));
 }
 
-TEST_F(DiscardTest, RemovesWriteProtectedFiles) {
-    QUILLON_NEEDS_POSIX_FILES();
+POSIX_TEST_F(DiscardTest, RemovesWriteProtectedFiles) {
     folder_.MakeFile("M/new.mp3");
     outside::SetRights(folder_.Path(), 0755);
     outside::SetRights(folder_ / "M", 0777);
@@ -233,8 +227,7 @@ TEST_F(DeleteTest, RemovesAFile) {
     EXPECT_TRUE(folder_.Exists("Folder"));
 }
 
-TEST_F(DeleteTest, KeepsWhatIsWriteProtected) {
-    QUILLON_NEEDS_POSIX_FILES();
+POSIX_TEST_F(DeleteTest, KeepsWhatIsWriteProtected) {
     folder_.MakeFile("M/keep.pla");
     folder_.MakeFile("N/closed.pla");
     outside::SetRights(folder_.Path(), 0755);
@@ -280,8 +273,7 @@ TEST_F(MoveTest, ChangesLetterCaseAlone) {
     EXPECT_TRUE(files_.FileExists("D:\\a\\song.mp3"));
 }
 
-TEST_F(MoveTest, NeverReplacesAnotherFile) {
-    QUILLON_NEEDS_POSIX_FILES();
+POSIX_TEST_F(MoveTest, NeverReplacesAnotherFile) {
     folder_.MakeFile("a.mp3", "a");
     folder_.MakeFile("B.mp3", "b");
     folder_.MakeFile("A.mp3", "capital");
@@ -308,8 +300,7 @@ TEST_F(MoveTest, SaysWhatIsMissing) {
     EXPECT_TRUE(folder_.Exists("a"));
 }
 
-TEST_F(MoveTest, CrossesVolumes) {
-    QUILLON_NEEDS_POSIX_FILES();
+POSIX_TEST_F(MoveTest, CrossesVolumes) {
     const std::filesystem::path other = "/dev/shm";
     const auto here = FactsOf(folder_.Path().string()), there = FactsOf(other.string());
     if (!there || here->identity.device == there->identity.device) return;

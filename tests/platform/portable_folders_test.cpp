@@ -42,8 +42,7 @@ TEST_F(DeleteFolderTest, NeverRemovesARoot) {
     EXPECT_TRUE(folder_.Exists("x"));
 }
 
-TEST_F(DeleteFolderTest, RemovesLinksButNotWhatTheyLeadTo) {
-    QUILLON_NEEDS_POSIX_FILES();
+POSIX_TEST_F(DeleteFolderTest, RemovesLinksButNotWhatTheyLeadTo) {
     folder_.MakeFile("Music/x.mp3");
     folder_.MakeFolder("Pages");
     std::filesystem::create_directory_symlink(folder_ / "Music", folder_ / "Pages/music");
@@ -54,8 +53,7 @@ TEST_F(DeleteFolderTest, RemovesLinksButNotWhatTheyLeadTo) {
     EXPECT_EQ(folder_.Count(), 1U);
 }
 
-TEST_F(DeleteFolderTest, RemovesNothingWhenAFileIsWriteProtected) {
-    QUILLON_NEEDS_POSIX_FILES();
+POSIX_TEST_F(DeleteFolderTest, RemovesNothingWhenAFileIsWriteProtected) {
     folder_.MakeFile("Pages/a.asp");
     folder_.MakeFile("Pages/Sub/kept.asp");
     outside::SetRights(folder_.Path(), 0777);
@@ -69,8 +67,7 @@ TEST_F(DeleteFolderTest, RemovesNothingWhenAFileIsWriteProtected) {
     EXPECT_TRUE(folder_.Exists("Pages/Sub/kept.asp"));
 }
 
-TEST_F(DeleteFolderTest, RemovesNothingWhereFoldersMayNotBeRemoved) {
-    QUILLON_NEEDS_POSIX_FILES();
+POSIX_TEST_F(DeleteFolderTest, RemovesNothingWhereFoldersMayNotBeRemoved) {
     folder_.MakeFile("Closed/Pages/a.asp");
     outside::SetRights(folder_.Path(), 0755);
     outside::SetRights(folder_ / "Closed", 0755);

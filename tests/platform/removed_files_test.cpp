@@ -76,8 +76,7 @@ TEST_F(RemovedFilesTest, SharesHaveFoldersOfTheirOwn) {
     EXPECT_TRUE(fs::exists(kept));
 }
 
-TEST_F(RemovedFilesTest, ALinkStillLeadsToItsFile) {
-    QUILLON_NEEDS_POSIX_FILES();
+POSIX_TEST_F(RemovedFilesTest, ALinkStillLeadsToItsFile) {
     folder_.MakeFile("elsewhere/Song.mp3", "content");
     folder_.MakeFolder("Music/A");
     fs::create_symlink("../../elsewhere/Song.mp3", folder_ / "Music/A/Song.mp3");
@@ -88,8 +87,7 @@ TEST_F(RemovedFilesTest, ALinkStillLeadsToItsFile) {
     EXPECT_TRUE(folder_.Exists("elsewhere/Song.mp3"));
 }
 
-TEST_F(RemovedFilesTest, AWriteProtectedFileStays) {
-    QUILLON_NEEDS_POSIX_FILES();
+POSIX_TEST_F(RemovedFilesTest, AWriteProtectedFileStays) {
     folder_.MakeFile("Music/A/Song.mp3");
     outside::SetRights(folder_.Path(), 0777);
     outside::SetRights(folder_ / "Music/A", 0777);
@@ -138,8 +136,7 @@ TEST_F(RemovedFilesElsewhereTest, AFileIsCopiedWithItsTime) {
     EXPECT_EQ(fs::last_write_time(kept), modified);
 }
 
-TEST_F(RemovedFilesElsewhereTest, AFullDiskLeavesTheFileWhereItIs) {
-    QUILLON_NEEDS_POSIX_FILES();
+POSIX_TEST_F(RemovedFilesElsewhereTest, AFullDiskLeavesTheFileWhereItIs) {
     const auto here = FactsOf(folder_.Path().string()), there = FactsOf("/dev/shm");
     if (!there || here->identity.device == there->identity.device) return;
     const std::string told = outside::WithFilesUpTo(

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/outside/file_marks.h"
+#include "tests/outside/posix_test.h"
 #include "tests/outside/temporary_folder.h"
 #include "tests/platform/failure_of.h"
 
@@ -30,8 +31,7 @@ TEST(SafeFile, DoesNotReplaceAFileThatAppearedMeanwhile) {
     EXPECT_EQ(folder.Count(), 1U);
 }
 
-TEST(SafeFile, SaysWhenTheFolderIsGone) {
-    QUILLON_NEEDS_POSIX_FILES();
+POSIX_TEST(SafeFile, SaysWhenTheFolderIsGone) {
     const outside::TemporaryFolder folder;
     folder.MakeFolder("sub");
     SafeFile file((folder / "sub/a").string(), "D:\\sub\\a", SafeFile::Existing::Replace);
@@ -39,8 +39,7 @@ TEST(SafeFile, SaysWhenTheFolderIsGone) {
     EXPECT_EQ(FailureOf([&] { file.Commit(); }), "Path not found: D:\\sub\\a");
 }
 
-TEST(SafeFile, KeepsModeAndLinkOfAReplacedFile) {
-    QUILLON_NEEDS_POSIX_FILES();
+POSIX_TEST(SafeFile, KeepsModeAndLinkOfAReplacedFile) {
     const outside::TemporaryFolder folder;
     folder.MakeFile("real/a", "old");
     outside::SetRights(folder / "real/a", 0640);
@@ -54,8 +53,7 @@ TEST(SafeFile, KeepsModeAndLinkOfAReplacedFile) {
     EXPECT_EQ(folder.Count("real"), 1U);
 }
 
-TEST(SafeFile, ReplacesALinkThatLeadsNowhere) {
-    QUILLON_NEEDS_POSIX_FILES();
+POSIX_TEST(SafeFile, ReplacesALinkThatLeadsNowhere) {
     const outside::TemporaryFolder folder;
     std::filesystem::create_symlink("nowhere", folder / "link");
     SafeFile file((folder / "link").string(), "D:\\link", SafeFile::Existing::Replace);
@@ -73,8 +71,7 @@ TEST(SafeFile, TargetMayHaveTheLongestName) {
     EXPECT_TRUE(folder.Exists(longest));
 }
 
-TEST(SafeFile, OfTheProgramsOwnFilesFollowsNoLink) {
-    QUILLON_NEEDS_POSIX_FILES();
+POSIX_TEST(SafeFile, OfTheProgramsOwnFilesFollowsNoLink) {
     const outside::TemporaryFolder folder;
     folder.MakeFile("real", "another's");
     std::filesystem::create_symlink("real", folder / "link");
@@ -91,8 +88,7 @@ TEST(SafeFile, OfTheProgramsOwnFilesFollowsNoLink) {
     EXPECT_EQ(folder.Count(), 3U);
 }
 
-TEST(SafeFile, OfTheProgramsOwnFilesReplacesALinkThatAppearedMeanwhileAndNotItsTarget) {
-    QUILLON_NEEDS_POSIX_FILES();
+POSIX_TEST(SafeFile, OfTheProgramsOwnFilesReplacesALinkThatAppearedMeanwhileAndNotItsTarget) {
     const outside::TemporaryFolder folder;
     folder.MakeFile("real", "another's");
     SafeFile file((folder / "own").string(), "D:\\own", SafeFile::Existing::ReplaceOwn);
@@ -103,8 +99,7 @@ TEST(SafeFile, OfTheProgramsOwnFilesReplacesALinkThatAppearedMeanwhileAndNotItsT
     EXPECT_EQ(folder.Content("own"), "new");
 }
 
-TEST(SafeFile, RefusesALinkWhereNothingMayBeReplaced) {
-    QUILLON_NEEDS_POSIX_FILES();
+POSIX_TEST(SafeFile, RefusesALinkWhereNothingMayBeReplaced) {
     const outside::TemporaryFolder folder;
     std::filesystem::create_symlink("nowhere", folder / "link");
     EXPECT_EQ(FailureOf([&] {
@@ -114,8 +109,7 @@ TEST(SafeFile, RefusesALinkWhereNothingMayBeReplaced) {
               "File already exists: D:\\link");
 }
 
-TEST(SafeFile, SaysWhatStandsInItsPlace) {
-    QUILLON_NEEDS_POSIX_FILES();
+POSIX_TEST(SafeFile, SaysWhatStandsInItsPlace) {
     const outside::TemporaryFolder folder;
     folder.MakeFolder("folder");
     outside::MakePipe(folder / "pipe");

@@ -50,8 +50,7 @@ TEST_F(TextReaderTest, LinesMayCrossEveryBoundary) {
     }
 }
 
-TEST_F(TextReaderTest, RefusesALineThatNoTextHas) {
-    QUILLON_NEEDS_POSIX_FILES();
+POSIX_TEST_F(TextReaderTest, RefusesALineThatNoTextHas) {
     const std::string longest((std::size_t{1} << 20U) - 1, 'x');
     folder_.MakeFile("a.pla", longest + "\r\nend");
     EXPECT_EQ(LinesOf(*files_.OpenText("D:\\a.pla")), (Names{longest, "end"}));
@@ -134,8 +133,7 @@ TEST_F(TextWriterTest, WritesNothingAfterClose) {
     EXPECT_EQ(folder_.Content("a.txt"), "");
 }
 
-TEST_F(TextWriterTest, AFullDiskKeepsTheOldFile) {
-    QUILLON_NEEDS_POSIX_FILES();
+POSIX_TEST_F(TextWriterTest, AFullDiskKeepsTheOldFile) {
     folder_.MakeFile("a.txt", "old");
     EXPECT_EQ(outside::WithFilesUpTo(1000,
                                      [&] {

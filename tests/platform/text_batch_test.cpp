@@ -82,8 +82,7 @@ TEST_F(TextBatchTest, RefusesWhatCannotBeWrittenAtOnce) {
     EXPECT_THAT(told_, ElementsAre("done"));
 }
 
-TEST_F(TextBatchTest, WritesWhatALinkLeadsTo) {
-    QUILLON_NEEDS_POSIX_FILES();
+POSIX_TEST_F(TextBatchTest, WritesWhatALinkLeadsTo) {
     folder_.MakeFile("elsewhere/real.pla", "old");
     std::filesystem::create_symlink(folder_ / "elsewhere/real.pla", folder_ / "x/a.pla");
     const auto batch = Start();

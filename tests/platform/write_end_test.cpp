@@ -82,8 +82,7 @@ TEST_F(WriteEndTest, KeepsTheModificationTimeToTheFractionOfASecond) {
     EXPECT_EQ(Facts().modified.nanoseconds, 123'456'700);
 }
 
-TEST_F(WriteEndTest, KeepsHardAndSymbolicLinks) {
-    QUILLON_NEEDS_POSIX_FILES();
+POSIX_TEST_F(WriteEndTest, KeepsHardAndSymbolicLinks) {
     std::filesystem::create_hard_link(folder_ / "x.mp3", folder_ / "hard");
     std::filesystem::create_symlink("x.mp3", folder_ / "soft.mp3");
     const FileIdentity before = Facts().identity;
@@ -136,16 +135,14 @@ TEST_F(WriteEndTest, RefusesAPathThatWindowsCannotHold) {
               "Bad file name");
 }
 
-TEST_F(WriteEndTest, LeavesAWriteProtectedFileAlone) {
-    QUILLON_NEEDS_POSIX_FILES();
+POSIX_TEST_F(WriteEndTest, LeavesAWriteProtectedFileAlone) {
     outside::SetRights(folder_ / "x.mp3", 0444);
     EXPECT_EQ(outside::AsOrdinaryUser([&] { return WhatFails("END"); }),
               "Permission denied: D:\\x.mp3");
     EXPECT_EQ(Content(), "audio and end");
 }
 
-TEST_F(WriteEndTest, LeavesAFileAloneWhoseTimeItCouldNotKeep) {
-    QUILLON_NEEDS_POSIX_FILES();
+POSIX_TEST_F(WriteEndTest, LeavesAFileAloneWhoseTimeItCouldNotKeep) {
     // Anyone may write it, but its times belong to its owner, who is another account where the
     // super-user runs this.
     outside::SetRights(folder_ / "x.mp3", 0666);
@@ -155,8 +152,7 @@ TEST_F(WriteEndTest, LeavesAFileAloneWhoseTimeItCouldNotKeep) {
     EXPECT_EQ(Content(), isAnothers ? "audio and end" : "audio and END");
 }
 
-TEST_F(WriteEndTest, TakesBackWhatItAppendedToAFullDisk) {
-    QUILLON_NEEDS_POSIX_FILES();
+POSIX_TEST_F(WriteEndTest, TakesBackWhatItAppendedToAFullDisk) {
     SetModified(1'234'567'890, 5);
     for (const std::size_t room : {13U, 14U, 17U}) {
         EXPECT_EQ(outside::WithFilesUpTo(room, [&] { return WhatFails(" more", 13); }),
@@ -167,8 +163,7 @@ TEST_F(WriteEndTest, TakesBackWhatItAppendedToAFullDisk) {
     }
 }
 
-TEST_F(WriteEndTest, GivesTheOldBytesBackWhenTheDiskFillsMidway) {
-    QUILLON_NEEDS_POSIX_FILES();
+POSIX_TEST_F(WriteEndTest, GivesTheOldBytesBackWhenTheDiskFillsMidway) {
     for (const std::size_t room : {10U, 11U, 13U, 15U}) {
         EXPECT_EQ(outside::WithFilesUpTo(room, [&] { return WhatFails("NEW END"); }),
                   "Disk full: D:\\x.mp3");

@@ -4,7 +4,7 @@
 
 namespace outside {
 
-// Tests that need these say so before (QUILLON_NEEDS_POSIX_FILES).
+// Tests that need these are no tests here (POSIX_TEST).
 
 std::string AsOrdinaryUser(const std::function<std::string()>& /*action*/) {
     throw std::logic_error("rights cannot be given up here");

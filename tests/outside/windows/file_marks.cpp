@@ -6,10 +6,6 @@
 
 namespace outside {
 
-bool HasPosixFiles() {
-    return false;
-}
-
 bool IsSuperUser() {
     return false;
 }
