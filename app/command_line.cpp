@@ -1,15 +1,16 @@
 #include "app/command_line.h"
 
 #include <CLI/CLI.hpp>
-#include <cstdlib>
 #include <fmt/format.h>
 #include <map>
 #include <string>
 #include <vector>
 
 #include "app/db_grammar.h"
+#include "app/outside_host.h"
 #include "app/usage/describe_grammar.h"
 #include "app/usage/help_text.h"
+#include "app/usage/path_words.h"
 #include "app/usage/usage_problem.h"
 #include "app/version.h"
 #include "driver/nearest_name.h"
@@ -145,6 +146,7 @@ class Grammar {
         app_.set_version_flag("--version", fmt::format("quillon {}", ProgramVersion),
                               "Print the version and exit");
         app_.require_subcommand(0, 1);
+        TakeSlashesAsPaths(app_);
         app_.footer(ProgramFooter);
         AddRunOptions(app_);
         run_->footer(RunFooter);
@@ -335,11 +337,7 @@ class Grammar {
         throw CLI::ValidationError("--quiet", "goes with plain lines only; leave --view out");
     }
 
-    std::filesystem::path HostFolder() const {
-        if (!host_.empty()) return host_;
-        const char* const named = std::getenv("QUILLON_HOST");
-        return named == nullptr || *named == '\0' ? "." : named;
-    }
+    std::filesystem::path HostFolder() const { return host_.empty() ? UsualHostFolder() : host_; }
 
     Request Chosen() const {
         if (preview_->parsed())

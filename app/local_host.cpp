@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "app/console.h"
+#include "app/thumbnails.h"
 #include "jukebox/database_needs.h"
 #include "platform/basic_text.h"
 
@@ -38,6 +39,7 @@ std::vector<std::string_view> MissingFiles(const std::filesystem::path& folder) 
 std::filesystem::path CheckedFolder(const std::filesystem::path& folder) {
     const std::string hint =
         "; 'quillon init' makes a host folder, --host or QUILLON_HOST names one";
+    if (folder.empty()) throw CommandError("no host folder is named" + hint);
     std::error_code ignored;
     if (!std::filesystem::is_directory(folder, ignored))
         throw CommandError(fmt::format("{} is not a folder{}", folder.string(), hint));
@@ -53,12 +55,19 @@ std::filesystem::path CheckedFolder(const std::filesystem::path& folder) {
 }  // namespace
 
 LocalHost::LocalHost(const std::filesystem::path& folder, const NoteSink& note)
-    : host(CheckedFolder(folder), clock),
+    : LocalHost(Checked{CheckedFolder(folder)}, note) {}
+
+LocalHost::LocalHost(Host& outside, const NoteSink& note)
+    : LocalHost(Checked{outside.GetAppPath()}, note) {}
+
+LocalHost::LocalHost(const Checked& checked, const NoteSink& note)
+    : host(checked.folder, clock),
       resolver(host.Drives()),
       files(resolver, note),
-      databases(resolver,
-                {.tables = NeededTableNames(), .note = [note](const std::string& message) {
-                     note(LogKind::Information, message);
-                 }}) {}
+      databases(
+          resolver,
+          {.tables = NeededTableNames(),
+           .note = [note](const std::string& message) { note(LogKind::Information, message); }}),
+      thumbnails(MakeThumbnails()) {}
 
 }  // namespace quillon

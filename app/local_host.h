@@ -1,13 +1,14 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
 
-#include "images/gd_thumbnails.h"
 #include "platform/portable/host_folder.h"
 #include "platform/portable/jet_database.h"
 #include "platform/portable/path_resolver.h"
 #include "platform/portable/portable_files.h"
 #include "platform/portable/system_clock.h"
+#include "platform/thumbnails.h"
 
 namespace quillon {
 
@@ -19,12 +20,21 @@ class LocalHost {
     /// folder that cannot be used.
     LocalHost(const std::filesystem::path& folder, const NoteSink& note);
 
+    /// The same in the folder of the home-automation host itself, which keeps settings elsewhere.
+    LocalHost(Host& outside, const NoteSink& note);
+
     SystemClock clock;
     HostFolder host;
     PathResolver resolver;
     PortableFiles files;
     JetDatabaseProvider databases;
-    GdThumbnails thumbnails;
+    std::unique_ptr<Thumbnails> thumbnails;
+
+  private:
+    struct Checked {
+        std::filesystem::path folder;
+    };
+    LocalHost(const Checked& checked, const NoteSink& note);
 };
 
 }  // namespace quillon

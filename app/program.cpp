@@ -1,6 +1,5 @@
 #include "app/program.h"
 
-#include <csignal>
 #include <exception>
 #include <iostream>
 
@@ -81,9 +80,7 @@ int RunProgram(std::span<const char* const> arguments, Console console) {
 }
 
 int RunProgram(int argumentCount, const char* const* arguments) {
-    FillStandardDescriptors();
-    // A file that must not grow any more is a write that fails, which everybody here expects.
-    std::signal(SIGXFSZ, SIG_IGN);
+    PrepareStandardDescriptors();
     return RunProgram({arguments, static_cast<std::size_t>(argumentCount)},
                       Console{std::cout, std::cerr});
 }

@@ -32,7 +32,7 @@ extern "C" void OnAbortSignal(int signal) {
 
 }  // namespace
 
-AbortSignals::AbortSignals() {
+AbortSignals::AbortSignals(BrokenPipe pipe) {
     abortRequested = false;
     askedByPerson = false;
     for (std::size_t i = 0; i < AbortingSignals.size(); ++i) {
@@ -45,10 +45,12 @@ AbortSignals::AbortSignals() {
         sigemptyset(&action.sa_mask);
         sigaction(AbortingSignals.at(i), &action, nullptr);
     }
+    sigaction(SIGPIPE, nullptr, &previousPipeAction);
+    if (pipe == BrokenPipe::EndsAsBefore) return;
     struct sigaction ignore{};
     ignore.sa_handler = SIG_IGN;
     sigemptyset(&ignore.sa_mask);
-    sigaction(SIGPIPE, &ignore, &previousPipeAction);
+    sigaction(SIGPIPE, &ignore, nullptr);
 }
 
 AbortSignals::~AbortSignals() {

@@ -2,13 +2,16 @@
 
 namespace quillon {
 
+/// What becomes of a write to a pipe that nobody reads any more.
+enum class BrokenPipe { IsAnError, EndsAsBefore };
+
 /// While an object lives, SIGINT, SIGTERM and SIGHUP press the Abort button instead of ending the
-/// process, and a broken pipe is an error of the write. A second SIGINT or SIGTERM ends the process
-/// at once with exit status 3; the database's journal keeps the file whole. A signal that was
-/// ignored stays so. One object at a time.
+/// process, and a broken pipe is what the caller wants it to be. A second SIGINT or SIGTERM ends
+/// the process at once with exit status 3; the database's journal keeps the file whole. A signal
+/// that was ignored stays so. One object at a time.
 class AbortSignals {
   public:
-    AbortSignals();
+    explicit AbortSignals(BrokenPipe pipe = BrokenPipe::IsAnError);
     ~AbortSignals();
     AbortSignals(const AbortSignals&) = delete;
     AbortSignals& operator=(const AbortSignals&) = delete;

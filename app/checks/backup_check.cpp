@@ -2,7 +2,6 @@
 
 #include <array>
 #include <cstdint>
-#include <fcntl.h>
 #include <filesystem>
 #include <fmt/format.h>
 #include <map>
@@ -10,9 +9,7 @@
 #include <ostream>
 #include <string>
 #include <string_view>
-#include <sys/stat.h>
 #include <system_error>
-#include <unistd.h>
 #include <utility>
 #include <vector>
 
@@ -24,6 +21,8 @@
 #include "driver/nearest_name.h"
 #include "platform/basic_text.h"
 #include "platform/failure.h"
+#include "platform/portable/file_handle.h"
+#include "platform/portable/local_file.h"
 #include "run/paths.h"
 
 namespace quillon {
@@ -52,7 +51,7 @@ std::uintmax_t SizeOf(const fs::path& path) {
 /// there is none.
 fs::path FirstUnreadable(const fs::path& path) {
     const auto mayRead = [](const fs::path& one) {
-        return faccessat(AT_FDCWD, one.c_str(), R_OK, AT_EACCESS) == 0;
+        return FileHandle(OpenLocal(one.generic_string(), FileUse::Read), "").Descriptor() >= 0;
     };
     std::error_code error;
     if (!mayRead(path)) return path;
@@ -130,16 +129,16 @@ class Backups {
                             "no run starts without a backup. Give it the right to write there",
                             original, parent.string()));
         }
-        struct stat facts{};
-        if (stat(parent.c_str(), &facts) != 0) return;
-        Demand& demand = demands_[facts.st_dev];
+        const std::optional<FileFacts> facts = FactsOf(parent.generic_string());
+        if (!facts) return;
+        Demand& demand = demands_[facts->identity.device];
         demand.folder = parent;
         demand.bytes += size;
     }
 
     PathResolver& resolver_;
     Findings& findings_;
-    std::map<dev_t, Demand> demands_;  ///< by file system
+    std::map<std::uint64_t, Demand> demands_;  ///< by file system
 };
 
 }  // namespace

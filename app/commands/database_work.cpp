@@ -1,6 +1,5 @@
 #include "app/commands/database_work.h"
 
-#include <csignal>
 #include <ostream>
 
 #include "app/signals.h"
@@ -14,11 +13,8 @@ constexpr int InterruptedStatus = 3;
 
 int WorkOnDatabase(const std::filesystem::path& file, jet::OpenMode mode, Console console,
                    const std::function<void(jet::Database&)>& work) {
-    struct sigaction pipe{};
-    sigaction(SIGPIPE, nullptr, &pipe);
-    const AbortSignals signals;
     // Who reads the rows may stop reading, which ends a query like any other filter.
-    sigaction(SIGPIPE, &pipe, nullptr);
+    const AbortSignals signals(BrokenPipe::EndsAsBefore);
     jet::Database database = jet::Database::Open(file, mode, jet::NeededTables::None());
     database.SetInterruption([] { return AbortSignals::AbortRequested(); });
     try {

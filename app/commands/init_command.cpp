@@ -17,7 +17,9 @@
 #include "backups/kept_backups.h"
 #include "jet/database.h"
 #include "jukebox/jukebox_database.h"
+#include "platform/basic_text.h"
 #include "platform/host.h"
+#include "platform/portable/local_file.h"
 #include "run/removals.h"
 
 namespace quillon {
@@ -50,6 +52,19 @@ std::string WindowsPathIn(const DriveTable& drives, const fs::path& path) {
         path.string()));
 }
 
+/// Where paths have drives of their own, none is needed but for a database that knows the music by
+/// another.
+void UseOwnDrives(Plan& plan, const std::optional<std::string>& stored) {
+    plan.libraryRoot = WindowsPathIn(plan.drives, plan.music);
+    plan.databasePath = WindowsPathIn(plan.drives, plan.database);
+    if (!stored || EqualIgnoringCase(*stored, plan.libraryRoot)) return;
+    if (MapPath(plan.drives, *stored, plan.music)) {
+        plan.libraryRoot = *stored;
+    } else {
+        plan.unreachableMusic = stored;
+    }
+}
+
 /// The music first: its paths are those that the database keeps.
 void AddDrives(Plan& plan) {
     std::optional<std::string> stored;
@@ -57,6 +72,7 @@ void AddDrives(Plan& plan) {
         jet::Database database = jet::Database::Open(plan.database, jet::OpenMode::ReadOnly);
         stored = StoredMusicFolder(database, plan.music);
     }
+    if (SpeaksWindowsPaths()) return UseOwnDrives(plan, stored);
     // The drive is the folder around the music: paths such as D:\Music\... are what every program
     // that shares the database is used to.
     if (stored && MapPath(plan.drives, *stored, plan.music)) {
@@ -322,6 +338,7 @@ std::string ShellWord(const std::string& text) {
                std::string_view("/._-+,:@%").find(c) != std::string_view::npos;
     };
     if (std::ranges::all_of(text, isPlain)) return text;
+    if (SpeaksWindowsPaths()) return text.find(' ') == std::string::npos ? text : '"' + text + '"';
     std::string word = "'";
     for (const char c : text)
         word += c == '\'' ? std::string("'\\''") : std::string(1, c);

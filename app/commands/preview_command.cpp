@@ -152,7 +152,7 @@ int PreviewRun(const PreviewRequest& request, Console console) {
     current = &run;
     TagLibrary tags;
     run.tagFormats = &tags;
-    run.thumbnails = &local.thumbnails;
+    run.thumbnails = local.thumbnails.get();
     run.removals.allAllowed = request.allowRemovals;
     const RunOutcome outcome = LibraryForm(run, local.databases, ProgramVersion).Form_Load();
     run.ForgetTables();

@@ -12,6 +12,7 @@
 #include "app/journal/journal_reader.h"
 #include "app/journal/old_runs.h"
 #include "app/local_host.h"
+#include "app/outside_host.h"
 #include "app/report/report_file.h"
 #include "app/report/report_gatherer.h"
 #include "app/report/report_names.h"
@@ -118,11 +119,13 @@ void Report(const Run& run, LocalHost& local, const RunRecording& recording,
 
 int RunLibrary(const RunRequest& request) {
     Run* current = nullptr;
-    LocalHost local(request.host, [&current](LogKind kind, const std::string& message) {
+    const auto note = [&current](LogKind kind, const std::string& message) {
         if (current == nullptr) return;
         if (kind == LogKind::Error) return LogError(*current, LogSource, message);
         WriteLog(*current, LogSource, message);
-    });
+    };
+    const std::unique_ptr<Host> outside = request.host.empty() ? TheOutsideHost() : nullptr;
+    LocalHost local = outside ? LocalHost(*outside, note) : LocalHost(request.host, note);
     // Before the view, which would otherwise leave signals to the terminal library.
     const AbortSignals signals;
     ReportFacts facts;
@@ -133,11 +136,12 @@ int RunLibrary(const RunRequest& request) {
     });
     const std::unique_ptr<View> view = MakeView(request.view, request.quiet);
     JournalledView shown(*view, recording.Journal(), [&current] { return ModeOf(*current); });
-    Run run(local.host, recording.RunFiles(), local.clock, shown);
+    Host& host = outside ? *outside : static_cast<Host&>(local.host);
+    Run run(host, recording.RunFiles(), local.clock, shown);
     current = &run;
     TagLibrary tags;
     run.tagFormats = &tags;
-    run.thumbnails = &local.thumbnails;
+    run.thumbnails = local.thumbnails.get();
     run.removals.allAllowed = request.allowRemovals;
     recording.Accompany(run);
     local.files.ClearUnfinished();

@@ -1,11 +1,9 @@
 #include "app/journal/journal_file.h"
 
 #include <cerrno>
-#include <fcntl.h>
 #include <set>
 #include <sys/stat.h>
 #include <system_error>
-#include <unistd.h>
 #include <utility>
 #include <vector>
 
@@ -57,33 +55,16 @@ std::string NameOfContent(const fs::path& place) {
 
 }  // namespace
 
-FileHandle JournalFile::OpenFolder(const fs::path& folder) {
-    const std::string path = folder.string();
-    if (mkdir(path.c_str(), 0777) != 0 && errno != EEXIST) throw SystemFailure(errno, path);
-    const int descriptor = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-    if (descriptor >= 0) return {descriptor, path};
-    if (errno != ELOOP && errno != ENOTDIR) throw SystemFailure(errno, path);
-    throw Failure(FailureNumber::PermissionDenied,
-                  path + " (it must be a folder; a link is not followed)");
-}
-
 JournalFile::JournalFile(const fs::path& folder, const Clock& clock, Listener listener)
-    : folder_(OpenFolder(folder)), file_(MakeFile(folder, clock)), listener_(std::move(listener)) {}
+    : place_(folder), file_(MakeFile(clock)), listener_(std::move(listener)) {}
 
-FileHandle JournalFile::MakeFile(const fs::path& folder, const Clock& clock) {
+FileHandle JournalFile::MakeFile(const Clock& clock) {
     const std::string now = StampText(clock.Now());
     for (int number = 1;; ++number) {
         stamp_ = Numbered(now, number);
-        const std::string name = stamp_ + ".jsonl";
-        struct stat facts{};
         // What a run keeps lies in a folder of this name.
-        if (fstatat(folder_.Descriptor(), stamp_.c_str(), &facts, AT_SYMLINK_NOFOLLOW) == 0)
-            continue;
-        const int descriptor =
-            openat(folder_.Descriptor(), name.c_str(),
-                   O_WRONLY | O_CREAT | O_EXCL | O_APPEND | O_NOFOLLOW | O_CLOEXEC, 0666);
-        if (descriptor >= 0) return {descriptor, (folder / name).string()};
-        if (errno != EEXIST) throw SystemFailure(errno, (folder / name).string());
+        if (place_.IsTaken(stamp_)) continue;
+        if (auto file = place_.Make(stamp_ + ".jsonl")) return std::move(*file);
     }
 }
 
@@ -107,11 +88,12 @@ JournalFile::~JournalFile() {
     }
     if (size_ == 0) {
         // It has refused even its first line.
-        static_cast<void>(unlinkat(folder_.Descriptor(), (stamp_ + ".jsonl").c_str(), 0));
+        file_.Close();
+        place_.Remove(stamp_ + ".jsonl");
         return;
     }
     // Gives back the room that was set aside.
-    if (room_ > size_ && ftruncate(file_.Descriptor(), static_cast<off_t>(size_)) != 0) room_ = 0;
+    if (room_ > size_ && file_.SetSize(size_) != 0) room_ = 0;
 }
 
 void JournalFile::Note(const ChangeRecord& record) {
@@ -159,9 +141,10 @@ void JournalFile::MakeDurable() {
     MakeRoom();
     Write();
     if (isDurable_) return;
-    if (fdatasync(file_.Descriptor()) != 0) Refuse(SystemFailure(errno, file_.ShownPath()).what());
+    if (const int error = file_.Flush(); error != 0)
+        Refuse(SystemFailure(error, file_.ShownPath()).what());
     // Some file systems cannot do that for a folder.
-    if (!std::exchange(isFolderDurable_, true)) static_cast<void>(fsync(folder_.Descriptor()));
+    if (!std::exchange(isFolderDurable_, true)) place_.Sync();
     isDurable_ = true;
 }
 
@@ -182,16 +165,13 @@ void JournalFile::Refuse(const std::string& reason) {
 void JournalFile::MakeRoom() {
     const std::uint64_t needed = size_ + buffer_.size() + LeastRoom;
     if (needed <= room_) return;
-    const auto reserve = [&](std::uint64_t end) {
-        return fallocate(file_.Descriptor(), FALLOC_FL_KEEP_SIZE, static_cast<off_t>(size_),
-                         static_cast<off_t>(end - size_)) == 0;
-    };
-    if (reserve(needed + RoomAtOnce)) {
-        room_ = needed + RoomAtOnce;
-    } else if (reserve(needed)) {
-        room_ = needed;
-    } else if (errno == ENOSPC || errno == EDQUOT || errno == EFBIG) {
-        Refuse(SystemFailure(errno, file_.ShownPath()).what());
+    int error = Reserve(file_, size_, needed + RoomAtOnce);
+    const bool isGenerous = error == 0;
+    if (!isGenerous) error = Reserve(file_, size_, needed);
+    if (error == 0) {
+        room_ = isGenerous ? needed + RoomAtOnce : needed;
+    } else if (error == ENOSPC || error == EFBIG) {
+        Refuse(SystemFailure(error, file_.ShownPath()).what());
     } else {
         // The file system sets nothing aside.
         room_ = UINT64_MAX;
@@ -205,7 +185,7 @@ void JournalFile::Write() {
     try {
         file_.Write(buffer_);
     } catch (const Failure& failure) {
-        if (ftruncate(file_.Descriptor(), static_cast<off_t>(size_)) != 0) errno = 0;
+        static_cast<void>(file_.SetSize(size_));
         room_ = 0;
         Refuse(failure.what());
     }

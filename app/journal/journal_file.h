@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "app/journal/journal_lines.h"
+#include "app/journal/journal_place.h"
 #include "changes/change.h"
 #include "platform/clock.h"
 #include "platform/portable/file_handle.h"
@@ -47,9 +48,8 @@ class JournalFile : public ChangeSink {
     const std::string& Trouble() const { return trouble_; }
 
   private:
-    /// The folder, opened, and in it a new file with a name that nothing has.
-    static FileHandle OpenFolder(const std::filesystem::path& folder);
-    FileHandle MakeFile(const std::filesystem::path& folder, const Clock& clock);
+    /// A new file with a name that nothing has.
+    FileHandle MakeFile(const Clock& clock);
     void Append(const ChangeRecord& record);
     void Count(const ChangeRecord& record);
     void Refuse(const std::string& reason);
@@ -57,7 +57,7 @@ class JournalFile : public ChangeSink {
     void MakeRoom();
     void Write();
 
-    FileHandle folder_;
+    JournalPlace place_;
     std::string stamp_;
     FileHandle file_;
     JournalLines lines_;

@@ -6,7 +6,7 @@
 
 #include "app/console.h"
 #include "app/views/plain_view.h"
-#include "app/views/terminal_view.h"
+#include "app/views/terminal_screen.h"
 #include "app/views/view_choice.h"
 #include "app/views/window_module.h"
 #include "app/views/window_view.h"
@@ -25,7 +25,7 @@ Offer MakeTerminalView(const Surroundings& surroundings) {
                 "--view terminal: input and output are not a terminal that can show a screen; use "
                 "plain"};
     if (surroundings.inputIsTerminal && surroundings.outputIsTerminal)
-        offer.view = TerminalView::Make();
+        offer.view = MakeTerminalScreen(offer.whyNot);
     return offer;
 }
 

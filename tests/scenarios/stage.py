@@ -27,6 +27,10 @@ BASE_SETTINGS = {
     "GenrePlaylist": "0",
 }
 NOBODY = 65534
+# A program for Windows: runs are its own then, under Wine, and this system's program only looks at what
+# they have made.
+WINDOWS_PROGRAM = os.environ.get("QUILLON_WINDOWS_PROGRAM")
+OF_WINDOWS = ("run", "check", "undo", "preview", "changes")
 # The sanitizers look at the memory of the program. What that writes is what every other build writes:
 # nothing that a process of its own would have to read is compared under them.
 SANITIZED = "QUILLON_SANITIZED" in os.environ
@@ -40,6 +44,7 @@ class Stage:
         self.work.chmod(0o755)
         # A copy, so that another account can run it wherever the build folder lies.
         self.program = self.work / "quillon"
+        self.windows_program = WINDOWS_PROGRAM
         shutil.copy2(program, self.program)
         self.host = self.work / "host"
         self.disk = self.work / "disk"
@@ -69,6 +74,9 @@ class Stage:
         """The program as a process, in the stage's folder."""
         if unprivileged and os.geteuid() == 0:
             options.update(user=NOBODY, group=NOBODY, extra_groups=[])
+        if self.windows_program and arguments[0] in OF_WINDOWS:
+            runner = ROOT / "scripts" / "run-windows-program"
+            return start([runner, self.windows_program, *arguments], self.work, **options)
         return start([self.program, *arguments], self.work, **options)
 
     def call(self, *arguments, **options):
