@@ -21,7 +21,7 @@ class CheckFixture : public ProgramTest {
     /// Replaces a line of the host's own settings.
     void SetHostLine(const std::string& line, const std::string& now) const {
         std::string settings = Read("shelf/host.ini");
-        settings.replace(settings.find(line), line.size(), now);
+        settings.replace(settings.find("\n" + line + "\n") + 1, line.size(), now);
         Write("shelf/host.ini", settings);
     }
     /// Puts a value in the place of the one that init wrote.

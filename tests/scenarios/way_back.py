@@ -103,7 +103,8 @@ def leaves_what_was_changed(program):
         stage.execute("UPDATE Tracks SET TimesPlayed=3 WHERE Title='Rain'")
         status, output, _ = undo(stage, "--yes")
         expect("status", 1, status)
-        expect_in("row of Tracks 2 (\"Rain\"): TimesPlayed has been changed since, to 3", output)
+        expect_in(r"row of Tracks 2 (D:\Music\Birch\Second\Birch - Rain.mp3): TimesPlayed has been changed since, "
+                  "to 3", output)
         expect("titles", ["Dawn", "Rain"], titles(stage))
         played = "Null" if played is None else played
         stage.execute(f"UPDATE Tracks SET TimesPlayed={played} WHERE Title='Rain'")
