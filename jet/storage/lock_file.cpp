@@ -48,6 +48,14 @@ LockEntry OurEntry() {
     return entry;
 }
 
+/// Computers' names have no letter case; Windows writes its own in capitals.
+bool IsSameName(std::string_view left, std::string_view right) {
+    const auto lower = [](char letter) {
+        return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+    };
+    return std::ranges::equal(left, right, {}, lower, lower);
+}
+
 std::vector<Entry> ReadEntries(const Descriptor& file, const std::filesystem::path& path) {
     const LockEntry ours = OurEntry();
     std::vector<Entry> entries;
@@ -61,10 +69,8 @@ std::vector<Entry> ReadEntries(const Descriptor& file, const std::filesystem::pa
                     NameIn(std::span(bytes).subspan(NameSize))};
         const bool isWhole = count == EntrySize;
         // Half an entry is somebody's, too: ours when we were killed in writing it.
-        entry.isOurs =
-            isWhole ? entry.machine == ThisMachine() && entry.user == UserName
-                    : std::equal(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(count),
-                                 ours.begin());
+        entry.isOurs = isWhole ? IsSameName(entry.machine, ThisMachine()) && entry.user == UserName
+                               : IsSameName({bytes.data(), count}, {ours.data(), count});
         if (!isWhole || !entry.machine.empty() || !entry.user.empty())
             entries.push_back(std::move(entry));
     }

@@ -1,6 +1,7 @@
 // Who else has the database open.
 #include "jet/lock.h"
 
+#include <cctype>
 #include <gtest/gtest.h>
 #include <string>
 
@@ -89,6 +90,21 @@ TEST_F(Locks, LeftByACrashOnThisMachineAreTakenOver) {
         EXPECT_EQ(ReadFile(lock_).size(), 64U);
     }
     EXPECT_FALSE(std::filesystem::exists(lock_));
+}
+
+TEST_F(Locks, LeftByACrashOnThisMachineAreTakenOverWhateverTheCaseOfItsName) {
+    std::string capitals = ThisMachine(), small = ThisMachine();
+    for (char& letter : capitals)
+        letter = static_cast<char>(std::toupper(static_cast<unsigned char>(letter)));
+    for (char& letter : small)
+        letter = static_cast<char>(std::tolower(static_cast<unsigned char>(letter)));
+    for (const std::string& name : {capitals, small}) {
+        WriteFile(lock_, Entry(name, "Quillon"));
+        DatabaseFile::Open(path_, OpenMode::ReadWrite);
+        EXPECT_FALSE(std::filesystem::exists(lock_));
+    }
+    WriteFile(lock_, Entry(capitals + "2", "Quillon"));
+    ExpectInUse(capitals + "2");
 }
 
 TEST_F(Locks, LeftHalfWrittenByACrashOnThisMachineAreTakenOver) {
