@@ -48,8 +48,10 @@ def neutral(stage, value):
 
 
 def is_report(record):
-    """The list of differences, and the one of missing music: their lines have the time."""
-    return record.get("path", "").endswith(("QuillonReconcile.csv", ".mdb.missing"))
+    """The list of differences, and what is noted of missing music and of sounds: their lines have the
+    time of the run, or of the rows that it adds."""
+    return record.get("path", "").endswith(
+        ("QuillonReconcile.csv", ".mdb.missing", ".mdb.sounds"))
 
 
 def deeds(stage, records):
