@@ -43,6 +43,7 @@ class PresentRows {
         const std::vector<std::string> names(fields_.begin(), fields_.end());
         const std::vector<std::string_view> fields(names.begin(), names.end());
         std::vector<std::pair<std::string, Value>> key;
+        key.reserve(keyFields_.size());
         for (const std::string& name : keyFields_)
             key.emplace_back(name, Null());
         connection.Scan(table, fields, [&](RowKey row, std::span<const Value> values) {
