@@ -10,9 +10,9 @@ DateTime SystemClock::Now() const {
 }
 
 std::uint32_t SystemClock::Nanoseconds() const {
-    using namespace std::chrono;
-    const auto now = system_clock::now().time_since_epoch();
-    return static_cast<std::uint32_t>(duration_cast<nanoseconds>(now % seconds(1)).count());
+    using std::chrono::nanoseconds, std::chrono::seconds;
+    const auto now = std::chrono::system_clock::now().time_since_epoch() % seconds(1);
+    return static_cast<std::uint32_t>(std::chrono::duration_cast<nanoseconds>(now).count());
 }
 
 }  // namespace quillon
