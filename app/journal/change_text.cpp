@@ -189,13 +189,14 @@ std::optional<std::string> NewFileOf(const RowChange& change) {
 /// The row, and what becomes of its fields. The files name a song that gets another one.
 std::string ChangedRow(const RowChange& change, const ChangeTextOptions& options) {
     const std::optional<std::string> file = NewFileOf(change);
-    std::string text = file ? *file : NameOf(change, options), fields;
+    const std::string name = file ? *file : NameOf(change, options);
+    std::string fields;
     for (const FieldChange& field : change.fields) {
         if (file && field.field == "SoundFile") continue;
         fields += fmt::format("{}{} {} -> {}", fields.empty() ? ": " : ", ", field.field,
                               ShownValue(field.before), ShownValue(field.after));
     }
-    return text + fields;
+    return name + fields;
 }
 
 bool IsNumber(const Value& value) {

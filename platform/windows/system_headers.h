@@ -7,6 +7,9 @@
 #endif
 #include <windows.h>
 
+// Which needs the one above.
+#include <shellapi.h>
+
 #undef CopyFile
 #undef CreateFile
 #undef DeleteFile
