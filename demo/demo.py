@@ -98,6 +98,12 @@ class Demo:
         require(found == 1, f"the settings have no {key}")
         file.write_text(text, "utf-8")
 
+    def take_artists_of_folders(self):
+        """Lets the artist of one tag be a difference, and not that of the song."""
+        file = self.host / "host.ini"
+        file.write_text(file.read_text("utf-8").replace("\nTrackArtists=1", "\nTrackArtists=0"),
+                        "utf-8")
+
     def reconcile(self):
         """A run of which nothing is shown; what it printed."""
         return self.quillon("run", "--host", self.host, "--view", "plain")

@@ -59,6 +59,7 @@ class TagStory:
         for title, path in self.files.items():
             sound_files.write(path, sound_files.silence(0.5) + tags[title], times[title])
         self.place.quillon("init", self.place.host, "--music", self.music)
+        self.place.take_artists_of_folders()
         self.place.choose("ID3Reconcile", 0)
         self.place.reconcile()
         self.execute("UPDATE Tracks SET Minutes = 3, Seconds = 5 WHERE Title = 'Harbour Light'")

@@ -41,6 +41,7 @@ class VerificationStory:
             sound_files.write(self.album / name, sound_files.silence(1) + sound_files.tag(**fields),
                               FIRST_TIME + number * 60)
         self.place.quillon("init", self.place.host, "--music", self.music)
+        self.place.take_artists_of_folders()
         self.place.reconcile()
         for change in ("TimesPlayed = Track * 7", "Minutes = 3, Seconds = 0 WHERE Title = 'Thaw'",
                        "Minutes = 3, Seconds = 0 WHERE Title = 'Drizzle'"):
