@@ -134,23 +134,12 @@ std::optional<FileFacts> FactsOfTarget(const std::filesystem::path& path) {
     return Look(path, 0);
 }
 
-void RequirePlain(const FileFacts& facts, const std::filesystem::path& path) {
-    if (facts.otherKind.empty()) return;
-    throw Error(ErrorKind::Io, path.string() + " is " + std::string(facts.otherKind) +
-                                   " and not a plain file; it is neither read nor written.");
-}
-
-Descriptor OpenPlainFile(const std::filesystem::path& path, Opening opening,
-                         std::string_view verb) {
-    // Looked at before, because opening alone can have an effect on a device, and afterwards,
-    // because the name may have got another meaning in between.
-    if (const auto facts = FactsOfName(path)) RequirePlain(*facts, path);
+Descriptor OpenName(const std::filesystem::path& path, Opening opening, std::string_view verb) {
     constexpr int Always = O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY;
     constexpr mode_t EveryoneByUmask = 0666;
     const int flags = FlagsOf(opening) | Always;
     Descriptor file(Uninterrupted([&] { return open(path.c_str(), flags, EveryoneByUmask); }));
     if (!file.IsOpen()) ThrowSystemError(verb, path, errno);
-    RequirePlain(FactsOf(file, path), path);
     return file;
 }
 

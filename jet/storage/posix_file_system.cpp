@@ -20,18 +20,9 @@ namespace {
 constexpr const char* NoteAttribute = "user.quillon.journal";
 constexpr const char* RemarkAttribute = "user.quillon.whole";
 
-class PosixFile final : public File {
+class PosixFile final : public SystemFile {
   public:
-    PosixFile(Descriptor descriptor, std::filesystem::path path)
-        : descriptor_(std::move(descriptor)), path_(std::move(path)) {}
-
-    std::size_t ReadAt(std::uint64_t offset, std::span<std::uint8_t> bytes) override {
-        return ReadFrom(descriptor_, offset, bytes, path_);
-    }
-
-    void WriteAt(std::uint64_t offset, std::span<const std::uint8_t> bytes) override {
-        WriteTo(descriptor_, offset, bytes, path_);
-    }
+    using SystemFile::SystemFile;
 
     void Reserve(std::uint64_t size) override {
         if (size <= Size()) return;
@@ -45,10 +36,6 @@ class PosixFile final : public File {
     void Sync() override {
         if (Uninterrupted([&] { return fsync(NumberOf(descriptor_)); }) != 0) Fail("write");
     }
-
-    FileFacts Facts() override { return FactsOf(descriptor_, path_); }
-
-    LockResult Lock() override { return TakeLock(descriptor_, DatabaseLock, path_); }
 
     std::optional<std::string> Note() override {
         constexpr std::size_t LongestNote = 65536;  // of any extended attribute
@@ -92,41 +79,10 @@ class PosixFile final : public File {
 
   private:
     [[noreturn]] void Fail(std::string_view verb) const { ThrowSystemError(verb, path_, errno); }
-
-    Descriptor descriptor_;
-    std::filesystem::path path_;
 };
 
-Opening OpeningFor(FileAccess access) {
-    switch (access) {
-        case FileAccess::Read:
-            return Opening::Read;
-        case FileAccess::ReadWrite:
-            return Opening::ReadWrite;
-        case FileAccess::Replace:
-            return Opening::New;
-    }
-    return Opening::Read;
-}
-
-class PosixFileSystem final : public FileSystem {
+class PosixFileSystem final : public SystemFileSystem {
   public:
-    std::unique_ptr<File> Open(const std::filesystem::path& path, FileAccess access) override {
-        const bool replaces = access == FileAccess::Replace;
-        // A new file each time: what else has the old one's name as a hard link keeps its content.
-        if (replaces) Remove(path);
-        return std::make_unique<PosixFile>(
-            OpenPlainFile(path, OpeningFor(access), replaces ? "create" : "open"), path);
-    }
-
-    bool Exists(const std::filesystem::path& path) override {
-        return FactsOfName(path).has_value();
-    }
-
-    std::optional<FileFacts> Look(const std::filesystem::path& path) override {
-        return FactsOfTarget(path);
-    }
-
     std::filesystem::path Resolve(const std::filesystem::path& path) override {
         struct stat status{};
         if (lstat(path.c_str(), &status) != 0) ThrowSystemError("open", path, errno);
@@ -144,13 +100,6 @@ class PosixFileSystem final : public FileSystem {
         if (error) ThrowSystemError("rename", from, error.value());
     }
 
-    void Remove(const std::filesystem::path& path) override {
-        const auto facts = FactsOfName(path);
-        if (!facts) return;
-        RequirePlain(*facts, path);
-        if (unlink(path.c_str()) != 0 && errno != ENOENT) ThrowSystemError("remove", path, errno);
-    }
-
     void SyncFolderOf(const std::filesystem::path& path) override {
         const auto parent = path.parent_path();
         const auto folder = parent.empty() ? std::filesystem::path(".") : parent;
@@ -164,6 +113,14 @@ class PosixFileSystem final : public FileSystem {
     }
 
   private:
+    std::unique_ptr<File> FileOf(Descriptor opened, const std::filesystem::path& path) override {
+        return std::make_unique<PosixFile>(std::move(opened), path);
+    }
+
+    void RemoveName(const std::filesystem::path& path) override {
+        if (unlink(path.c_str()) != 0 && errno != ENOENT) ThrowSystemError("remove", path, errno);
+    }
+
     static std::filesystem::path Canonical(const std::filesystem::path& path) {
         std::error_code error;
         auto canonical = std::filesystem::canonical(path, error);

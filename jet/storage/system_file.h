@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <ctime>
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -54,8 +55,12 @@ enum class Opening {
     ReadWriteOrNew,
 };
 
-/// Opens a plain file and waits for nothing. Error(Io) for a symbolic link, folder, FIFO, device or
-/// socket, which is not touched; `verb` is for the other errors.
+/// Opens what has the name, except a symbolic link, and waits for nothing. `verb` is for the
+/// errors.
+Descriptor OpenName(const std::filesystem::path& path, Opening opening, std::string_view verb);
+
+/// OpenName for a plain file. Error(Io) for a symbolic link, folder, FIFO, device or socket, which
+/// is not touched.
 Descriptor OpenPlainFile(const std::filesystem::path& path, Opening opening, std::string_view verb);
 
 /// As File's.
@@ -95,5 +100,35 @@ LockResult ProbeLock(const Descriptor& file, ByteRange range, const std::filesys
 /// Where a database file itself is locked by whoever writes it: behind the end of any database, so
 /// that the lock does not get in the way.
 constexpr ByteRange DatabaseLock{std::int64_t{1} << 32, 1};
+
+/// What all systems do alike for an open file.
+class SystemFile : public File {
+  public:
+    SystemFile(Descriptor descriptor, std::filesystem::path path)
+        : descriptor_(std::move(descriptor)), path_(std::move(path)) {}
+
+    std::size_t ReadAt(std::uint64_t offset, std::span<std::uint8_t> bytes) override;
+    void WriteAt(std::uint64_t offset, std::span<const std::uint8_t> bytes) override;
+    FileFacts Facts() override;
+    LockResult Lock() override;
+
+  protected:
+    Descriptor descriptor_;
+    std::filesystem::path path_;
+};
+
+/// What all systems do alike for files by their names.
+class SystemFileSystem : public FileSystem {
+  public:
+    std::unique_ptr<File> Open(const std::filesystem::path& path, FileAccess access) override;
+    bool Exists(const std::filesystem::path& path) override;
+    std::optional<FileFacts> Look(const std::filesystem::path& path) override;
+    void Remove(const std::filesystem::path& path) override;
+
+  private:
+    virtual std::unique_ptr<File> FileOf(Descriptor opened, const std::filesystem::path& path) = 0;
+    /// The name of a plain file that was there a moment ago.
+    virtual void RemoveName(const std::filesystem::path& path) = 0;
+};
 
 }  // namespace jet::storage

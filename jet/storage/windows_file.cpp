@@ -165,17 +165,7 @@ std::optional<FileFacts> FactsOfTarget(const std::filesystem::path& path) {
     return Look(path, 0);
 }
 
-void RequirePlain(const FileFacts& facts, const std::filesystem::path& path) {
-    if (facts.otherKind.empty()) return;
-    throw Error(ErrorKind::Io, path.string() + " is " + std::string(facts.otherKind) +
-                                   " and not a plain file; it is neither read nor written.");
-}
-
-Descriptor OpenPlainFile(const std::filesystem::path& path, Opening opening,
-                         std::string_view verb) {
-    // Looked at before, because opening alone can have an effect on a device, and afterwards,
-    // because the name may have got another meaning in between.
-    if (const auto facts = FactsOfName(path)) RequirePlain(*facts, path);
+Descriptor OpenName(const std::filesystem::path& path, Opening opening, std::string_view verb) {
     const DWORD access = opening == Opening::Read ? GENERIC_READ : GENERIC_READ | GENERIC_WRITE;
     // What its users share by locks must keep its name while one of them has it.
     const DWORD share =
@@ -184,7 +174,6 @@ Descriptor OpenPlainFile(const std::filesystem::path& path, Opening opening,
         CreateFileW(SystemPath(path).c_str(), access, share, nullptr, DispositionOf(opening),
                     FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT, nullptr)));
     if (!file.IsOpen()) ThrowLastError(verb, path);
-    RequirePlain(FactsOf(file, path), path);
     return file;
 }
 

@@ -8,18 +8,9 @@ namespace jet::storage {
 
 namespace {
 
-class WindowsFile final : public File {
+class WindowsFile final : public SystemFile {
   public:
-    WindowsFile(Descriptor descriptor, std::filesystem::path path)
-        : descriptor_(std::move(descriptor)), path_(std::move(path)) {}
-
-    std::size_t ReadAt(std::uint64_t offset, std::span<std::uint8_t> bytes) override {
-        return ReadFrom(descriptor_, offset, bytes, path_);
-    }
-
-    void WriteAt(std::uint64_t offset, std::span<const std::uint8_t> bytes) override {
-        WriteTo(descriptor_, offset, bytes, path_);
-    }
+    using SystemFile::SystemFile;
 
     void Reserve(std::uint64_t size) override {
         if (size <= Size()) return;
@@ -38,32 +29,12 @@ class WindowsFile final : public File {
         if (!FlushFileBuffers(HandleOf(descriptor_))) ThrowLastError("write", path_);
     }
 
-    FileFacts Facts() override { return FactsOf(descriptor_, path_); }
-
-    LockResult Lock() override { return TakeLock(descriptor_, DatabaseLock, path_); }
-
     // Named streams of files would keep them, but not on every volume, and not as one with a name
     // that the file gets meanwhile.
     std::optional<std::string> Note() override { return std::nullopt; }
     bool SetNote(const std::string& /*text*/) override { return false; }
     bool KeepsNotes() override { return false; }
-
-  private:
-    Descriptor descriptor_;
-    std::filesystem::path path_;
 };
-
-Opening OpeningFor(FileAccess access) {
-    switch (access) {
-        case FileAccess::Read:
-            return Opening::Read;
-        case FileAccess::ReadWrite:
-            return Opening::ReadWrite;
-        case FileAccess::Replace:
-            return Opening::New;
-    }
-    return Opening::Read;
-}
 
 /// What a path leads to, from the root on and free of links.
 std::filesystem::path FinalPath(const std::filesystem::path& path) {
@@ -78,24 +49,8 @@ std::filesystem::path FinalPath(const std::filesystem::path& path) {
     return WithoutPrefix(std::move(name));
 }
 
-class WindowsFileSystem final : public FileSystem {
+class WindowsFileSystem final : public SystemFileSystem {
   public:
-    std::unique_ptr<File> Open(const std::filesystem::path& path, FileAccess access) override {
-        const bool replaces = access == FileAccess::Replace;
-        // A new file each time: what else has the old one's name as a hard link keeps its content.
-        if (replaces) Remove(path);
-        return std::make_unique<WindowsFile>(
-            OpenPlainFile(path, OpeningFor(access), replaces ? "create" : "open"), path);
-    }
-
-    bool Exists(const std::filesystem::path& path) override {
-        return FactsOfName(path).has_value();
-    }
-
-    std::optional<FileFacts> Look(const std::filesystem::path& path) override {
-        return FactsOfTarget(path);
-    }
-
     std::filesystem::path Resolve(const std::filesystem::path& path) override {
         const DWORD attributes = GetFileAttributesW(SystemPath(path).c_str());
         if (attributes == INVALID_FILE_ATTRIBUTES) ThrowLastError("open", path);
@@ -114,14 +69,6 @@ class WindowsFileSystem final : public FileSystem {
         }
     }
 
-    void Remove(const std::filesystem::path& path) override {
-        const auto facts = FactsOfName(path);
-        if (!facts) return;
-        RequirePlain(*facts, path);
-        if (!DeleteFileW(SystemPath(path).c_str()) && GetLastError() != ERROR_FILE_NOT_FOUND)
-            ThrowLastError("remove", path);
-    }
-
     void SyncFolderOf(const std::filesystem::path& path) override {
         const auto parent = path.parent_path();
         const Descriptor folder(reinterpret_cast<std::intptr_t>(
@@ -131,6 +78,16 @@ class WindowsFileSystem final : public FileSystem {
         // Names are kept in order by the volume's own journal. A flush hastens them where the
         // system lets this user flush a folder.
         if (folder.IsOpen()) FlushFileBuffers(HandleOf(folder));
+    }
+
+  private:
+    std::unique_ptr<File> FileOf(Descriptor opened, const std::filesystem::path& path) override {
+        return std::make_unique<WindowsFile>(std::move(opened), path);
+    }
+
+    void RemoveName(const std::filesystem::path& path) override {
+        if (!DeleteFileW(SystemPath(path).c_str()) && GetLastError() != ERROR_FILE_NOT_FOUND)
+            ThrowLastError("remove", path);
     }
 };
 
