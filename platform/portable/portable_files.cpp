@@ -1,12 +1,12 @@
 #include "platform/portable/portable_files.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <optional>
 #include <utility>
 
 #include "platform/ansi_text_reader.h"
 #include "platform/failure.h"
+#include "platform/portable/certain_facts.h"
 #include "platform/portable/file_end.h"
 #include "platform/portable/file_handle.h"
 #include "platform/portable/local_file.h"
@@ -18,30 +18,6 @@
 
 namespace quillon {
 namespace {
-
-/// Whether the path leads through a link, or is one, that leads to where nothing is at present.
-bool IsBehindLostLink(std::string local) {
-    while (!local.empty()) {
-        if (const auto facts = FactsOfLink(local))
-            return facts->kind == LocalKind::Link && !FactsOf(local);
-        local.resize(std::min(local.rfind('/'), local.size() - 1));
-    }
-    return false;
-}
-
-/// What the system knows of a local path, links followed; nothing where certainly nothing has it.
-/// Failure where that cannot be told.
-std::optional<FileFacts> CertainFacts(const std::string& local, const std::string& shown) {
-    if (const auto facts = FactsOf(local)) return facts;
-    const int error = errno;
-    if (error == ENAMETOOLONG) return std::nullopt;
-    if (error != ENOENT && error != ENOTDIR) throw SystemFailure(error, shown);
-    if (IsBehindLostLink(local)) {
-        throw Failure(FailureNumber::PathNotFound,
-                      shown + " (a link leads to where nothing is at present)");
-    }
-    return std::nullopt;
-}
 
 /// The folder that holds what the path means, and the name it is given there.
 std::pair<WindowsPath, std::string> FolderAndName(const WindowsPath& path) {
@@ -93,50 +69,9 @@ void CopyOpenFile(const FileHandle& source, const std::string& local, const std:
     copy.TakeName();
 }
 
-/// Whether it is a link to something that is not there. Nobody can tell what else cannot be looked
-/// at might be.
-bool LeadsNowhere(const std::string& local) {
-    if (FactsOf(local) || errno != ENOENT) return false;
-    const auto facts = FactsOfLink(local);
-    return facts && facts->kind == LocalKind::Link;
-}
-
 void Unlink(const std::string& local, const std::string& shown) {
     if (const int error = RemoveFile(local); error != 0)
         throw SystemFailure(error, shown, FailureNumber::FileNotFound);
-}
-
-/// Whether a file somewhere below the folder is write-protected, or a folder cannot be emptied.
-/// Symbolic links are not followed.
-bool HoldsProtectedFile(const std::string& folder) {
-    const auto facts = FactsOfLink(folder);
-    if (facts && facts->kind == LocalKind::Link) return false;
-    if (!MayWrite(folder)) return true;
-    FolderStream stream = OpenFolder(folder);
-    if (!stream) return true;
-    ListedKind kind{};
-    while (const char* const name = stream.Next(kind)) {
-        const std::string path = folder + '/' + name;
-        if (kind == ListedKind::Link) continue;
-        if (kind == ListedKind::Folder ? HoldsProtectedFile(path) : !MayWrite(path)) return true;
-    }
-    return errno != 0;
-}
-
-/// Whether a folder is another one or lies in it. Folders are told apart by what they are: one that
-/// is mounted at a second place has two paths.
-bool IsInside(const std::string& inner, const std::string& outer) {
-    const std::optional<FileFacts> wanted = CertainFacts(outer, outer);
-    if (!wanted || !CertainFacts(inner, inner)) return false;
-    const std::optional<std::string> real = RealPath(inner);
-    if (!real) throw SystemFailure(errno, inner);
-    for (std::string folder = *real;;) {
-        const std::optional<FileFacts> facts = CertainFacts(folder, folder);
-        if (facts && facts->identity == wanted->identity) return true;
-        const std::size_t slash = folder.rfind('/');
-        if (slash == std::string::npos || folder == "/") return false;
-        folder.resize(std::max<std::size_t>(slash, 1));
-    }
 }
 
 }  // namespace

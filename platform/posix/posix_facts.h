@@ -1,5 +1,6 @@
 #pragma once
 
+#include <ctime>
 #include <sys/stat.h>
 
 #include "platform/portable/local_file.h"
