@@ -15,9 +15,9 @@
 #include <string>
 #include <vector>
 
+#include "fuzz/attempt.h"
 #include "fuzz/memory_files.h"
 #include "jet/check.h"
-#include "jet/error.h"
 #include "jet/storage/database_file.h"
 #include "jet/storage/header.h"
 #include "jet/storage/pager.h"
@@ -85,29 +85,21 @@ std::vector<std::uint8_t> Changed(std::span<const std::uint8_t> input) {
     return content;
 }
 
-template <typename Action>
-void Attempt(const Action& action) {
-    try {
-        action();
-    } catch (const jet::Error&) {
-        return;  // an answer like any other
-    }
-}
-
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::vector<std::uint8_t> content = Changed({data, size});
     const auto files = std::make_shared<fuzz::MemoryFiles>(Path, content);
-    Attempt([&] {
+    fuzz::Attempt([&] {
         storage::CheckHeader(std::span(content).first(storage::PageSize), Path);
         storage::Pager pager(files, Path, false);
         jet::verify::CheckPages(pager);
     });
-    Attempt([&] {
+    fuzz::Attempt([&] {
         auto file = storage::DatabaseFile::Open(Path, jet::OpenMode::ReadOnly, files);
         for (const std::string& name : file.TableNames())
-            Attempt([&] { file.OpenTable(name).Scan([](storage::RowId, storage::Row&&) {}); });
+            fuzz::Attempt(
+                [&] { file.OpenTable(name).Scan([](storage::RowId, storage::Row&&) {}); });
     });
     return 0;
 }

@@ -11,6 +11,7 @@
 #include <span>
 #include <vector>
 
+#include "fuzz/attempt.h"
 #include "jet/error.h"
 #include "jet/storage/format/page_store.h"
 #include "jet/storage/index/index_tree.h"
@@ -63,15 +64,6 @@ class NoListener : public storage::IndexPageListener {
     void PageReleased(PageNumber /*page*/) override {}
 };
 
-template <typename Action>
-void Attempt(const Action& action) {
-    try {
-        action();
-    } catch (const jet::Error&) {
-        return;  // an answer like any other
-    }
-}
-
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -81,7 +73,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     storage::IndexTree tree(pages, listener, Root, Definition);
 
     std::vector<std::pair<jet::Bytes, storage::RowId>> entries;
-    Attempt([&] {
+    fuzz::Attempt([&] {
         tree.ForEach([&entries](std::span<const std::uint8_t> key, storage::RowId row) {
             entries.emplace_back(jet::Bytes(key.begin(), key.end()), row);
         });
@@ -89,8 +81,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto ending = input.last(std::min<std::size_t>(size, 40));
     for (std::size_t length = 1; length <= ending.size(); length += 7) {
         const auto key = ending.last(length);
-        Attempt([&] { tree.ContainsKey(key); });
-        Attempt([&] { tree.Insert(key, {.page = 300, .slot = 1}); });
+        fuzz::Attempt([&] { tree.ContainsKey(key); });
+        fuzz::Attempt([&] { tree.Insert(key, {.page = 300, .slot = 1}); });
     }
     constexpr std::size_t MostRemoved = 300;
     const auto removed = std::span(entries).first(std::min(entries.size(), MostRemoved));
@@ -98,9 +90,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         const jet::Bytes& key = entry.first;
         const storage::RowId row = entry.second;
         const storage::RowId other{.page = row.page ^ 1U, .slot = row.slot};
-        Attempt([&] { tree.ContainsKey(key); });
-        Attempt([&] { tree.Insert(key, other); });
-        Attempt([&] { tree.Remove(key, row); });
+        fuzz::Attempt([&] { tree.ContainsKey(key); });
+        fuzz::Attempt([&] { tree.Insert(key, other); });
+        fuzz::Attempt([&] { tree.Remove(key, row); });
     }
     return 0;
 }

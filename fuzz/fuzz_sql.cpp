@@ -4,10 +4,10 @@
 #include <utility>
 #include <vector>
 
+#include "fuzz/attempt.h"
 #include "jet/dialect/names.h"
 #include "jet/dialect/parser.h"
 #include "jet/dialect/translate.h"
-#include "jet/error.h"
 
 namespace {
 
@@ -60,27 +60,17 @@ void Translate(const Statement& statement) {
     }
 }
 
-/// Refusal is an answer like any other.
-template <typename Work>
-void Attempt(Work&& work) {
-    try {
-        std::forward<Work>(work)();
-    } catch (const Error&) {
-        return;
-    }
-}
-
 }  // namespace
 
 /// Any text as a statement, and as the criterion of a record set: understood or refused, no more.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string_view text(reinterpret_cast<const char*>(data), size);
-    Attempt([text] {
+    fuzz::Attempt([text] {
         const TokenList tokens = Tokenize(text);
         Signature(tokens);
         Translate(ParseStatement(tokens));
     });
-    Attempt([text] {
+    fuzz::Attempt([text] {
         const TokenList tokens = Tokenize(text);
         const TokenList base = Tokenize("SELECT * FROM Tracks");
         Select select = std::get<Select>(ParseStatement(base));
