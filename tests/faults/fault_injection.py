@@ -11,7 +11,6 @@ system and looks what was lost. README.md tells how it is read.
   --preload FILE   the preloaded library (default: beside the program's build)
 """
 
-import argparse
 import multiprocessing
 import shutil
 import signal
@@ -19,11 +18,11 @@ import sys
 import time
 import traceback
 from collections import Counter
-from pathlib import Path
 
 import modes
 import points
 from library import temporary_folder
+from options import Options
 from stage import Failed
 from trial import Workshop
 
@@ -32,22 +31,9 @@ SEED = "the same each time"
 
 
 def arguments():
-    parser = argparse.ArgumentParser(usage=__doc__, add_help=False)
-    parser.add_argument("program", type=Path)
-    parser.add_argument("--all", action="store_true")
-    parser.add_argument("--count", type=int, default=90)
-    parser.add_argument("--mode", action="append", choices=list(modes.MODES))
-    parser.add_argument("--point")
-    parser.add_argument("--keep", action="store_true")
-    parser.add_argument("--jobs", type=int, default=1)
-    parser.add_argument("--preload", type=Path)
-    given = parser.parse_args()
-    given.program = given.program.resolve()
-    build = given.program.parent.parent
-    given.preload = (given.preload or build / "tests/faults/libquillon_faults.so").resolve()
-    if not given.preload.exists():
-        parser.error(f"{given.preload} is not there; build the target quillon_faults")
-    return given
+    options = Options(__doc__, modes.MODES, count=90)
+    options.add_argument("--jobs", type=int, default=1)
+    return options.given()
 
 
 def points_to_try(given, baseline):

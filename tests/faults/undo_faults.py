@@ -10,16 +10,15 @@ or lets the disk be full from there on, and starts it again: then all is as it w
   --preload FILE   the preloaded library (default: beside the program's build)
 """
 
-import argparse
 import shutil
 import sys
 from collections import Counter
-from pathlib import Path
 
 import modes
 import points
 from library import temporary_folder
 from looking import digest, faults_of, files_of, shown, songs_at, tables_of
+from options import Options
 from stage import Failed
 from trial import environment
 
@@ -162,26 +161,8 @@ class Workshop:
             yield faults
 
 
-def arguments():
-    parser = argparse.ArgumentParser(usage=__doc__, add_help=False)
-    parser.add_argument("program", type=Path)
-    parser.add_argument("--all", action="store_true")
-    parser.add_argument("--count", type=int, default=40)
-    parser.add_argument("--mode", action="append", choices=MODES)
-    parser.add_argument("--point")
-    parser.add_argument("--keep", action="store_true")
-    parser.add_argument("--preload", type=Path)
-    given = parser.parse_args()
-    given.program = given.program.resolve()
-    build = given.program.parent.parent
-    given.preload = (given.preload or build / "tests/faults/libquillon_faults.so").resolve()
-    if not given.preload.exists():
-        parser.error(f"{given.preload} is not there; build the target quillon_faults")
-    return given
-
-
 def main():
-    given = arguments()
+    given = Options(__doc__, MODES, count=40).given()
     folder = temporary_folder()
     tried = broken = 0
     try:
