@@ -9,6 +9,7 @@
 
 #include "bench/adding.h"
 #include "bench/figures.h"
+#include "bench/main.h"
 
 namespace quillon::bench {
 namespace {
@@ -40,6 +41,8 @@ void Print(const Figures& f) {
               << std::flush;
 }
 
+}  // namespace
+
 int Main(std::span<char*> arguments) {
     const std::vector<std::size_t> sizes =
         SizesFrom(arguments, "adding_bench [FILES...]", {1'000, 10'000});
@@ -61,14 +64,4 @@ int Main(std::span<char*> arguments) {
     return 0;
 }
 
-}  // namespace
 }  // namespace quillon::bench
-
-int main(int count, char** arguments) {
-    try {
-        return quillon::bench::Main(std::span(arguments, static_cast<std::size_t>(count)));
-    } catch (const std::exception& error) {
-        std::cerr << "adding_bench: " << error.what() << '\n';
-        return 2;
-    }
-}

@@ -13,15 +13,10 @@
 
 #include "bench/figures.h"
 #include "bench/host_folder.h"
+#include "bench/main.h"
 
+namespace quillon::bench {
 namespace {
-
-using quillon::bench::FileNames;
-using quillon::bench::HostFolder;
-using quillon::bench::Median;
-using quillon::bench::MusicTree;
-using quillon::bench::Surroundings;
-using quillon::bench::Usage;
 
 // The aim: the largest share of a run's processor time that showing it may take.
 constexpr double LargestShare = 0.02;
@@ -80,9 +75,10 @@ std::vector<Cost> Costs(const std::vector<Face>& faces, std::size_t tracks) {
     return costs;
 }
 
+}  // namespace
+
 int Main(std::span<char*> arguments) {
-    const auto sizes = quillon::bench::SizesFrom(
-        arguments, "face_bench [TRACKS...]  (default: 100000)", {100'000});
+    const auto sizes = SizesFrom(arguments, "face_bench [TRACKS...]  (default: 100000)", {100'000});
     const std::vector<Face> faces = Faces();
     const std::vector<Cost> opening = Costs(faces, FewTracks);
     bool met = true;
@@ -104,13 +100,4 @@ int Main(std::span<char*> arguments) {
     return met ? 0 : 1;
 }
 
-}  // namespace
-
-int main(int count, char** arguments) {
-    try {
-        return Main(std::span(arguments, static_cast<std::size_t>(count)));
-    } catch (const std::exception& error) {
-        std::cerr << "face_bench: " << error.what() << '\n';
-        return 2;
-    }
-}
+}  // namespace quillon::bench

@@ -18,13 +18,14 @@
 
 #include "app/local_host.h"
 #include "bench/figures.h"
-#include "bench/no_window.h"
+#include "bench/main.h"
 #include "compat/refresh_spinner.h"
 #include "covers/refresh_album_covers.h"
 #include "download/populate_spinner_artist.h"
 #include "download/populate_spinner_tracks.h"
 #include "jukebox/jukebox_database.h"
 #include "platform/database.h"
+#include "platform/no_window.h"
 #include "remote/make_remote.h"
 #include "run/run.h"
 #include "tests/outside/temporary_folder.h"
@@ -167,12 +168,3 @@ int Main(std::span<char*> arguments) {
 }
 
 }  // namespace quillon::bench
-
-int main(int count, char** arguments) {
-    try {
-        return quillon::bench::Main(std::span(arguments, static_cast<std::size_t>(count)));
-    } catch (const std::exception& error) {
-        std::cerr << "phase_bench: " << error.what() << '\n';
-        return 2;
-    }
-}

@@ -11,16 +11,15 @@
 
 #include "bench/child_process.h"
 #include "bench/figures.h"
+#include "bench/main.h"
 #include "jet/database.h"
 #include "jukebox/jukebox_database.h"
 #include "tests/outside/temporary_folder.h"
 
+namespace quillon::bench {
 namespace {
 
 namespace fs = std::filesystem;
-using quillon::bench::Megabyte;
-using quillon::bench::RunToSuccess;
-using quillon::bench::Usage;
 
 constexpr std::size_t TracksAnAlbum = 12;
 constexpr std::size_t CoverSize = 20'000;
@@ -31,7 +30,7 @@ class Stage {
   public:
     explicit Stage(std::size_t albums) {
         fs::create_directories(folder_ / "disk" / "Covers");
-        quillon::CreateJukeboxDatabase(Database());
+        CreateJukeboxDatabase(Database());
         std::ofstream(folder_ / "host.ini") << "[Plugins]\nQuillon=1\n[Drives]\nD=disk\n";
         Fill(albums);
     }
@@ -115,8 +114,8 @@ void Print(const Figures& figures) {
 /// page and cover is flushed to the disk by itself, and how long that takes is the disk's affair.
 bool JudgeGrowth(const char* what, const Figures& small, const Figures& large,
                  Usage Figures::* run) {
-    const double growth = quillon::bench::GrowthExponent(
-        (small.*run).processor, (large.*run).processor, small.albums, large.albums);
+    const double growth =
+        GrowthExponent((small.*run).processor, (large.*run).processor, small.albums, large.albums);
     const bool met = growth <= SteepestGrowth;
     std::cout << fmt::format("growth exponent, {}, {} to {} albums: {:.2f}, aim {:.2f}, {}\n", what,
                              small.albums, large.albums, growth, SteepestGrowth,
@@ -124,9 +123,11 @@ bool JudgeGrowth(const char* what, const Figures& small, const Figures& large,
     return met;
 }
 
+}  // namespace
+
 int Main(std::span<char*> arguments) {
     const std::vector<std::size_t> sizes =
-        quillon::bench::SizesFrom(arguments, "picker_bench [ALBUMS...]", {1'000, 10'000});
+        SizesFrom(arguments, "picker_bench [ALBUMS...]", {1'000, 10'000});
     std::cout << fmt::format("{:>8} {:>20} {:>20} {:>20} {:>10} {:>10}\n", "albums",
                              "no album, processor", "first, processor", "again, processor", "pages",
                              "peak");
@@ -143,13 +144,4 @@ int Main(std::span<char*> arguments) {
     return met ? 0 : 1;
 }
 
-}  // namespace
-
-int main(int count, char** arguments) {
-    try {
-        return Main(std::span(arguments, static_cast<std::size_t>(count)));
-    } catch (const std::exception& error) {
-        std::cerr << "picker_bench: " << error.what() << '\n';
-        return 2;
-    }
-}
+}  // namespace quillon::bench

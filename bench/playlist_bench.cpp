@@ -10,6 +10,7 @@
 #include <fstream>
 #include <functional>
 #include <iostream>
+#include <span>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -17,8 +18,9 @@
 #include <vector>
 
 #include "bench/figures.h"
-#include "bench/no_window.h"
+#include "bench/main.h"
 #include "jukebox/jukebox_database.h"
+#include "platform/no_window.h"
 #include "platform/portable/jet_database.h"
 #include "platform/portable/path_resolver.h"
 #include "platform/portable/portable_files.h"
@@ -178,7 +180,9 @@ double PeakMegabytes() {
     return static_cast<double>(used.ru_maxrss) / 1024;
 }
 
-void Main() {
+}  // namespace
+
+int Main(std::span<char*> /*arguments*/) {
     Stage stage;
     std::cout << fmt::format("{} tracks; lists of {} entries\n\n{:>8} {:>10} {:>12} {:>12} {:>9}\n",
                              Tracks, EntriesAList, "lists", "capture", "all right", "all repaired",
@@ -199,17 +203,7 @@ void Main() {
     const double creation = MeasureCreation(stage);
     std::cout << fmt::format("{} artists, {} genres: {} playlists made in {:.2f} s\n", Artists,
                              Genres, stage.run.counts.playlistsWritten, creation);
-}
-
-}  // namespace
-}  // namespace quillon::bench
-
-int main() {
-    try {
-        quillon::bench::Main();
-    } catch (const std::exception& error) {
-        std::cerr << "playlist_bench: " << error.what() << '\n';
-        return 2;
-    }
     return 0;
 }
+
+}  // namespace quillon::bench

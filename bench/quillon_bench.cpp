@@ -13,6 +13,7 @@
 
 #include "bench/aims.h"
 #include "bench/figures.h"
+#include "bench/main.h"
 #include "bench/report.h"
 #include "bench/session.h"
 
@@ -81,6 +82,8 @@ Plan Completed(const Options& options) {
     return plan;
 }
 
+}  // namespace
+
 int Main(std::span<char*> arguments) {
     const Options options = Parse(arguments);
     // A page that cannot take the tables is to be known before they are made.
@@ -93,14 +96,4 @@ int Main(std::span<char*> arguments) {
     return std::ranges::all_of(aims, &Aim::met) ? 0 : 1;
 }
 
-}  // namespace
 }  // namespace quillon::bench
-
-int main(int count, char** arguments) {
-    try {
-        return quillon::bench::Main(std::span(arguments, static_cast<std::size_t>(count)));
-    } catch (const std::exception& error) {
-        std::cerr << "quillon_bench: " << error.what() << '\n';
-        return 2;
-    }
-}

@@ -15,18 +15,16 @@
 
 #include "bench/figures.h"
 #include "bench/host_folder.h"
+#include "bench/main.h"
 
+namespace quillon::bench {
 namespace {
-
-using quillon::bench::RunToSuccess;
-using quillon::bench::Usage;
 
 /// A library that the database knows.
 class Stage {
   public:
     explicit Stage(std::size_t tracks)
-        : music_(tracks, quillon::bench::FileNames::ByArtist),
-          host_(QUILLON_PROGRAM, music_.Root()) {
+        : music_(tracks, FileNames::ByArtist), host_(QUILLON_PROGRAM, music_.Root()) {
         for (const std::string_view lists : {"ArtistPlaylist", "GenrePlaylist"})
             host_.Set(lists, "0");
         host_.Run();
@@ -102,13 +100,13 @@ class Stage {
         out << head << frames << std::string(Padding, '\0') << content;
     }
 
-    quillon::bench::MusicTree music_;
-    quillon::bench::HostFolder host_;
+    MusicTree music_;
+    HostFolder host_;
 };
 
 double SecondsOfWalk(const Stage& stage) {
     const auto start = std::chrono::steady_clock::now();
-    quillon::bench::BareWalk(stage.Music());
+    BareWalk(stage.Music());
     const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
     return elapsed.count();
 }
@@ -124,8 +122,7 @@ std::string InsertDifferences(const std::string& field, const std::string& tagVa
 
 void Print(const std::string& what, const Usage& used, double walk) {
     std::cout << fmt::format("{:<34} {:>8.3f} s {:>7.1f}x {:>7.1f} MB\n", what, used.seconds,
-                             used.seconds / walk,
-                             static_cast<double>(used.peakMemory) / quillon::bench::Megabyte);
+                             used.seconds / walk, static_cast<double>(used.peakMemory) / Megabyte);
 }
 
 void Measure(std::size_t tracks) {
@@ -154,14 +151,10 @@ void Measure(std::size_t tracks) {
 
 }  // namespace
 
-int main(int count, char** arguments) {
-    try {
-        for (const std::size_t tracks : quillon::bench::SizesFrom(
-                 {arguments, static_cast<std::size_t>(count)}, "tag_bench [TRACKS...]", {100'000}))
-            Measure(tracks);
-        return 0;
-    } catch (const std::exception& error) {
-        std::cerr << "tag_bench: " << error.what() << '\n';
-        return 2;
-    }
+int Main(std::span<char*> arguments) {
+    for (const std::size_t tracks : SizesFrom(arguments, "tag_bench [TRACKS...]", {100'000}))
+        Measure(tracks);
+    return 0;
 }
+
+}  // namespace quillon::bench

@@ -10,21 +10,13 @@
 #include "driver/modes.h"
 #include "id3/verify_tags.h"
 #include "platform/failure.h"
+#include "platform/no_window.h"
 #include "run/excluded_artists.h"
 #include "run/run.h"
 #include "taglib/tag_library.h"
 
 namespace quillon {
 namespace {
-
-class NoWindow : public Window {
-  public:
-    void Show(const FormState&) override {}
-    void ProcessEvents(const FormState&) override {}
-    void LogWritten(LogKind, std::string_view, std::string_view) override {}
-    bool AbortPressed() const override { return false; }
-    void Unload() override {}
-};
 
 bool ComparesTags(const Settings& settings) {
     return WalksLibrary(settings) && settings.ID3Reconcile && !settings.LibraryRoot.empty();

@@ -20,7 +20,7 @@
 #include "driver/nearest_name.h"
 #include "driver/settings_reader.h"
 #include "jet/database.h"
-#include "platform/window.h"
+#include "platform/no_window.h"
 #include "run/log.h"
 #include "run/run.h"
 
@@ -28,16 +28,12 @@ namespace quillon {
 namespace {
 
 /// Tells errors alone. A signal waits until all is in its place: what is under way takes seconds.
-class ErrorsOnly : public Window {
+class ErrorsOnly : public NoWindow {
   public:
     explicit ErrorsOnly(std::ostream& err) : err_(err) {}
-    void Show(const FormState&) override {}
-    void ProcessEvents(const FormState&) override {}
     void LogWritten(LogKind kind, std::string_view, std::string_view message) override {
         if (kind == LogKind::Error) err_ << "quillon: " << OneLine(message) << '\n';
     }
-    bool AbortPressed() const override { return false; }
-    void Unload() override {}
 
   private:
     std::ostream& err_;
