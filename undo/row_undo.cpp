@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "platform/basic_text.h"
+#include "undo/kept_albums.h"
 
 namespace quillon {
 namespace {
@@ -255,6 +256,10 @@ void RowUndo::HoldBack(const StaysAt& stays) {
         if (step.work == Work::None) continue;
         step.isHeldBack = NamesFileThatStays(*step.row, stays);
         step.outcome = step.isHeldBack ? Outcome::Refusal("its file stays as it is") : Outcome{};
+    }
+    for (Step* const album : AlbumsOfTracksThatStay(connection_, steps_)) {
+        album->isHeldBack = true;
+        album->outcome = Outcome::Refusal("tracks of it stay as they are");
     }
 }
 

@@ -37,7 +37,8 @@ class RowUndo {
     /// object. Throws Failure.
     RowUndo(Connection& connection, std::span<const NetRow> rows);
 
-    /// Rows that name a file which stays do so, too. What an earlier call said counts no more.
+    /// Rows that name a file which stays do so, too, and so does the album of a track that stays.
+    /// What an earlier call said counts no more. Throws Failure.
     void HoldBack(const StaysAt& stays);
 
     const std::vector<Step>& Steps() const { return steps_; }

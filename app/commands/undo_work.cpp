@@ -172,6 +172,8 @@ void UndoWork::LookAtRows() {
     if (rows_.empty()) return;
     if (!connection_) throw CommandError("Nothing was taken back: the database is not there");
     rowUndo_.emplace(*connection_, rows_);
+    // Albums of rows that stay do so, too, and so do their covers.
+    rowUndo_->HoldBack([](std::string_view) { return false; });
     heldPaths_ = TextsOfRefused(rowUndo_->Steps());
 }
 

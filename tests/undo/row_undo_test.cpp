@@ -15,6 +15,7 @@
 namespace quillon {
 namespace {
 
+using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
@@ -243,6 +244,46 @@ TEST_F(RowUndoTest, LeavesRowsOfFilesThatStay) {
     const auto stays = [](std::string_view path) { return path == "D:\\Dawn"; };
     EXPECT_THAT(Undo({run}, stays), ElementsAre(Outcome::Refusal("its file stays as it is")));
     EXPECT_THAT(Tracks(), ElementsAre("5|Dawn|D:\\Dawn|7"));
+}
+
+TEST_F(RowUndoTest, LeavesTheAlbumOfATrackThatStays) {
+    const auto added = [](std::int64_t id, const std::string& cdjid) {
+        return RowChange{.kind = RowKind::Added,
+                         .table = "Albums",
+                         .key = {{"ID", id}},
+                         .fields = {{"ID", Null(), id}, {"CDJID", Null(), cdjid}}};
+    };
+    connection_->Execute("INSERT INTO Albums (ID, CDJID) VALUES (1, \"c1\")");
+    connection_->Execute("INSERT INTO Albums (ID, CDJID) VALUES (2, \"C2\")");
+    AddTrack(5, "Dawn");
+    AddTrack(6, "Noon");
+    const Records run{added(1, "c1"), added(2, "C2"), Added(5, "Dawn"), Added(6, "Noon"),
+                      RowsSaved()};
+    connection_->Execute("UPDATE Tracks SET TimesPlayed=8 WHERE ID=5");
+    EXPECT_THAT(
+        Undo({run}),
+        ElementsAre(Outcome::Refusal("tracks of it stay as they are"), Outcome{},
+                    Outcome::Refusal("TimesPlayed has been changed since, to 8"), Outcome{}));
+    EXPECT_THAT(support::Rows(*connection_, "SELECT ID, CDJID FROM Albums"), ElementsAre("1|c1"));
+
+    connection_->Execute("UPDATE Tracks SET TimesPlayed=7 WHERE ID=5");
+    EXPECT_THAT(Undo({run}), Contains(Outcome{}).Times(2));
+    EXPECT_THAT(support::Rows(*connection_, "SELECT ID FROM Albums"), IsEmpty());
+}
+
+TEST_F(RowUndoTest, LeavesAnIdentifierThatTracksGoOnToHave) {
+    connection_->Execute("INSERT INTO Albums (ID, CDJID, Title) VALUES (1, \"C1\", \"new\")");
+    AddTrack(5, "Dawn");
+    const auto changed = [](std::vector<FieldChange> fields) {
+        return RowChange{
+            .table = "Albums", .key = {{"ID", std::int64_t{1}}}, .fields = std::move(fields)};
+    };
+    const Records run{changed({{"CDJID", Null(), "C1"}}), RowsSaved()};
+    EXPECT_THAT(Undo({run}), ElementsAre(Outcome::Refusal("tracks of it stay as they are")));
+    const Records other{changed({{"Title", "old", "new"}}), RowsSaved()};
+    EXPECT_THAT(Undo({other}), ElementsAre(Outcome{}));
+    EXPECT_THAT(support::Rows(*connection_, "SELECT CDJID, Title FROM Albums"),
+                ElementsAre("C1|old"));
 }
 
 TEST_F(RowUndoTest, CountsEqualRowsOfATableWithoutAKey) {
