@@ -159,12 +159,17 @@ std::vector<bool> BackupsThatStay(std::span<const DateTime> made, std::size_t ne
     const std::string oldest = AYearBefore(now);
     std::vector<bool> stays(made.size(), false);
     std::string month;
-    for (std::size_t place = 0; place < order.size(); ++place) {
-        const DateTime time = made[order[place]];
-        if (place < newest) {
-            stays[order[place]] = true;
+    std::size_t place = 0;
+    for (const std::size_t i : order) {
+        const DateTime time = made[i];
+        // Where the clock has been put back, those of "later" must not push out what a run has just
+        // made.
+        if (time > now) {
+            stays[i] = true;
+        } else if (place++ < newest) {
+            stays[i] = true;
         } else if (SortableDateTimeText(time) >= oldest && MonthOf(time) != month) {
-            stays[order[place]] = true;
+            stays[i] = true;
             month = MonthOf(time);
         }
     }

@@ -1,12 +1,14 @@
 #include "app/journal/journal_file.h"
 
 #include <cerrno>
+#include <charconv>
 #include <set>
 #include <sys/stat.h>
 #include <system_error>
 #include <utility>
 #include <vector>
 
+#include "app/journal/journal_reader.h"
 #include "app/journal/net_changes.h"
 #include "platform/failure.h"
 #include "platform/portable/system_failure.h"
@@ -35,6 +37,29 @@ std::string Numbered(const std::string& stamp, int number) {
     return number == 1 ? stamp : stamp + '-' + std::to_string(number);
 }
 
+struct NextStamp {
+    std::string time;
+    int number = 1;
+};
+
+/// The first stamp that a run may have: later than those of all others, even where the clock has
+/// been put back, since what came before what is known by them.
+NextStamp StampAfterAll(const fs::path& folder, const Clock& clock) {
+    NextStamp next{.time = StampText(clock.Now())};
+    const std::vector<fs::path> journals = JournalsIn(folder);
+    for (auto journal = journals.rbegin(); journal != journals.rend(); ++journal) {
+        const std::string stamp = journal->stem().string();
+        if (!IsStamp(stamp)) continue;
+        if (stamp.compare(0, next.time.size(), next.time) < 0) break;
+        int number = 1;
+        const char* const end = stamp.data() + stamp.size();
+        if (stamp.size() > next.time.size())
+            std::from_chars(stamp.data() + next.time.size() + 1, end, number);
+        return {.time = stamp.substr(0, next.time.size()), .number = number + 1};
+    }
+    return next;
+}
+
 /// The folders in a folder, without links.
 std::vector<fs::path> FoldersIn(const fs::path& folder) {
     std::vector<fs::path> folders;
@@ -56,12 +81,12 @@ std::string NameOfContent(const fs::path& place) {
 }  // namespace
 
 JournalFile::JournalFile(const fs::path& folder, const Clock& clock, Listener listener)
-    : place_(folder), file_(MakeFile(clock)), listener_(std::move(listener)) {}
+    : place_(folder), file_(MakeFile(folder, clock)), listener_(std::move(listener)) {}
 
-FileHandle JournalFile::MakeFile(const Clock& clock) {
-    const std::string now = StampText(clock.Now());
-    for (int number = 1;; ++number) {
-        stamp_ = Numbered(now, number);
+FileHandle JournalFile::MakeFile(const fs::path& folder, const Clock& clock) {
+    const NextStamp next = StampAfterAll(folder, clock);
+    for (int number = next.number;; ++number) {
+        stamp_ = Numbered(next.time, number);
         // What a run keeps lies in a folder of this name.
         if (place_.IsTaken(stamp_)) continue;
         if (auto file = place_.Make(stamp_ + ".jsonl")) return std::move(*file);
@@ -69,14 +94,14 @@ FileHandle JournalFile::MakeFile(const Clock& clock) {
 }
 
 std::string FreeStamp(const fs::path& folder, const Clock& clock) {
-    const std::string now = StampText(clock.Now());
+    const NextStamp next = StampAfterAll(folder, clock);
     const auto isTaken = [&folder](const std::string& name) {
         std::error_code unknown;
         return fs::exists(fs::symlink_status(folder / name, unknown));
     };
-    std::string stamp = now;
-    for (int number = 2; isTaken(stamp) || isTaken(stamp + ".jsonl"); ++number)
-        stamp = Numbered(now, number);
+    std::string stamp = Numbered(next.time, next.number);
+    for (int number = next.number + 1; isTaken(stamp) || isTaken(stamp + ".jsonl"); ++number)
+        stamp = Numbered(next.time, number);
     return stamp;
 }
 

@@ -49,7 +49,7 @@ class JournalFile : public ChangeSink {
 
   private:
     /// A new file with a name that nothing has.
-    FileHandle MakeFile(const Clock& clock);
+    FileHandle MakeFile(const std::filesystem::path& folder, const Clock& clock);
     void Append(const ChangeRecord& record);
     void Count(const ChangeRecord& record);
     void Refuse(const std::string& reason);
@@ -71,8 +71,9 @@ class JournalFile : public ChangeSink {
     Listener listener_;
 };
 
-/// The stamp that a journal started now would have: the time, with a number behind it where that is
-/// taken. Changes nothing; what cannot be looked at counts as not there.
+/// The stamp that a journal started now would have: the time, or that of the newest journal where
+/// the clock has been put back behind it, with a number where that is taken. Changes nothing; what
+/// cannot be looked at counts as not there.
 std::string FreeStamp(const std::filesystem::path& folder, const Clock& clock);
 
 /// The folder of a host folder that holds the journals: HOST/Changes.

@@ -275,5 +275,14 @@ TEST(BackupsThatStay, AreAsManyOfTheNewestAsAskedFor) {
     EXPECT_THAT(BackupsThatStay({}, 3, MakeDateTime(2026, 1, 1)), IsEmpty());
 }
 
+TEST(BackupsThatStay, AreNotFewerBecauseTheClockWasPutBack) {
+    std::vector<DateTime> times{MakeDateTime(2038, 1, 1), MakeDateTime(2038, 1, 2)};
+    for (int day = 22; day < 26; ++day)
+        times.push_back(MakeDateTime(2026, 10, day));
+    // Two of the newest, the last other one of the month, and those of later.
+    EXPECT_THAT(BackupsThatStay(times, 2, MakeDateTime(2026, 10, 26)),
+                testing::ElementsAre(true, true, false, true, true, true));
+}
+
 }  // namespace
 }  // namespace quillon

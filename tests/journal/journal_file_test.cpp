@@ -83,6 +83,20 @@ TEST_F(JournalFileTest, IsNamedByTheTimeAndNeverTakesANameThatIsTaken) {
     EXPECT_EQ(two.Stamp(), "2023-03-15_12-00-00-3") << "a folder of that name keeps something";
 }
 
+TEST_F(JournalFileTest, ComesBehindAllOthersWhereTheClockWasPutBack) {
+    fs::create_directory(changes_);
+    const auto make = [this](const char* name) { std::ofstream(changes_ / name) << "{}\n"; };
+    make("2023-03-15_12-50-00.jsonl");
+    make("notes.jsonl");
+    EXPECT_EQ(FreeStamp(changes_, clock_), "2023-03-15_12-50-00-2");
+    make("2023-03-15_12-50-00-9.jsonl");
+    JournalFile journal(changes_, clock_);
+    journal.Note(Rename());
+    EXPECT_EQ(journal.Stamp(), "2023-03-15_12-50-00-10");
+    const JournalFile next(changes_, clock_);
+    EXPECT_EQ(next.Stamp(), "2023-03-15_12-50-00-11");
+}
+
 TEST_F(JournalFileTest, FollowsNoLink) {
     fs::create_directory(folder_.Path() / "elsewhere");
     fs::create_directory_symlink(folder_.Path() / "elsewhere", changes_);
