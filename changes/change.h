@@ -62,6 +62,15 @@ struct RowChange {
     bool operator==(const RowChange&) const = default;
 };
 
+/// A date that rows of a table held, and another that they got for it, which none of them held
+/// before. Journalled before the change can reach the disk.
+struct DateReplaced {
+    std::string table, field;
+    DateTime before, after;
+    std::uint64_t rows = 0;  ///< how many have held it
+    bool operator==(const DateReplaced&) const = default;
+};
+
 /// All row changes so far are in the database file for good.
 struct RowsSaved {
     bool operator==(const RowsSaved&) const = default;
@@ -139,8 +148,8 @@ struct RunEnded {
     bool operator==(const RunEnded&) const = default;
 };
 
-using ChangeRecord = std::variant<RunStarted, ModeChosen, PhaseStarted, RowChange, RowsSaved,
-                                  FileChange, FileChangeFailed, LogLine, RunEnded>;
+using ChangeRecord = std::variant<RunStarted, ModeChosen, PhaseStarted, RowChange, DateReplaced,
+                                  RowsSaved, FileChange, FileChangeFailed, LogLine, RunEnded>;
 
 /// Takes the records of a run as they come.
 class ChangeSink {

@@ -197,7 +197,6 @@ ReconcileScope LibraryForm::PrepareReconcile() {
             aPhase[i].isOtherMode = i >= FirstOtherPhase;
         }
         if (!settings.ID3Reconcile) aPhase[2].visible = false;
-        updateSteps_.Try([&] { run_.connection->Execute("DELETE * FROM SpinnerID3Differences"); });
     }
     for (PhaseIndicator& indicator : aPhase)
         indicator.selected = false;
@@ -207,16 +206,26 @@ ReconcileScope LibraryForm::PrepareReconcile() {
             .reconcileOption = settings.ReconcileOption};
 }
 
+void LibraryForm::EmptyDifferences() {
+    updateSteps_.Try([&] { run_.connection->Execute("DELETE * FROM SpinnerID3Differences"); });
+}
+
 void LibraryForm::RunPhases(const ReconcileScope& scope) {
+    // The comparison of tags puts its own rows in the place of those that are there. Most of them
+    // are the same, and may stay where they are.
+    bool hasOldDifferences = scope.ComparesTags();
+    if (!hasOldDifferences && !scope.playlistsOnly) EmptyDifferences();
     for (const ReconcilePhase& phase : ReconcilePhases()) {
         if (!phase.applies(scope)) continue;
         if (!StartPhase(phase)) break;
+        if (phase.work == &Procedures::VerifyID3Tags) hasOldDifferences = false;
         RunPhase(phase);
         if (!run_.isSecured) {
             WriteLog(run_, LogSource, StopsHere);
             break;
         }
     }
+    if (hasOldDifferences) EmptyDifferences();
 }
 
 bool LibraryForm::StartPhase(const ReconcilePhase& phase) {

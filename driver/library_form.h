@@ -58,6 +58,7 @@ class LibraryForm {
     // The modes.
     bool SecureMode(const Mode& mode);
     ReconcileScope PrepareReconcile();
+    void EmptyDifferences();
     void RunPhases(const ReconcileScope& scope);
     bool StartPhase(const ReconcilePhase& phase);
     void RunPhase(const ReconcilePhase& phase);

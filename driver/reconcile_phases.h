@@ -17,6 +17,8 @@ struct ReconcileScope {
     bool playlistsOnly = false;
     bool id3Reconcile = false;
     bool reconcileOption = false;
+
+    bool ComparesTags() const { return id3Reconcile && libraryPresent; }
 };
 
 /// One phase of the reconcile mode.

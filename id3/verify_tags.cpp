@@ -17,7 +17,7 @@
 namespace quillon {
 namespace {
 
-enum class VerifyStep { AllFolders = 1, KeepTags = 2 };
+enum class VerifyStep { AllFolders = 1, KeepTags = 2, FinishDifferences = 3 };
 
 std::vector<FolderEntry> SubFolders(Run& run, Steps& steps, const FolderEntry& folder) {
     Listing<FolderEntry> folders;
@@ -50,16 +50,15 @@ std::string PathOfTwin(const AlbumPlan& plan, const PlannedFile& file) {
 
 }  // namespace
 
-void VerifyID3TagsFolder(Run& run, const FolderEntry& root, DateTime updateTime,
+void VerifyID3TagsFolder(Run& run, const FolderEntry& root, DifferenceRows& differences,
                          std::vector<AlbumRest>& rests) {
     Steps steps(run, "VerifyID3TagsFolder");
-    std::optional<DifferenceRows> differences;
     const bool opened = steps.Try(TagStep::Open, [&] {
-        differences.emplace(*run.connection, updateTime);
+        differences.Open();
         run.TheLibrary();
     });
     if (!opened) return;
-    TagWalk walk{.run = run, .steps = steps, .differences = *differences, .rests = rests};
+    TagWalk walk{.run = run, .steps = steps, .differences = differences, .rests = rests};
     VisitAlbums(run, steps, root, [&walk](const std::string& artist, const FolderEntry& album) {
         VerifyAlbumTags(walk, artist, album);
     });
@@ -67,22 +66,24 @@ void VerifyID3TagsFolder(Run& run, const FolderEntry& root, DateTime updateTime,
 
 void VerifyID3Tags(Run& run) {
     Steps steps(run, "VerifyID3Tags:");
-    steps.Try(VerifyStep::AllFolders, [&run] {
+    DifferenceRows differences(*run.connection, run.clock.Now());
+    steps.Try(VerifyStep::AllFolders, [&] {
         if (!run.files.FolderExists(run.settings.LibraryRoot)) {
             LogError(run, LogSource,
                      "Verify ID3 Tags, No folder at library root " + run.settings.LibraryRoot);
             return;
         }
-        const DateTime updateTime = run.clock.Now();
         std::vector<AlbumRest> rests;
         SharesBySize shares(run, run.LibraryFolders.size());
         for (const FolderEntry& folder : run.LibraryFolders) {
             if (run.AbortRequested) return;
             const Share share = shares.Next(1);
-            VerifyID3TagsFolder(run, folder, updateTime, rests);
+            VerifyID3TagsFolder(run, folder, differences, rests);
         }
         if (!run.AbortRequested) RemoveDuplicateFiles(run, std::move(rests));
     });
+    // What was found so far counts where the comparison did not come to its end.
+    steps.Try(VerifyStep::FinishDifferences, [&] { differences.Finish(); });
     if (run.knownTags) steps.Try(VerifyStep::KeepTags, [&run] { run.knownTags->Save(); });
 }
 

@@ -3,8 +3,8 @@
 #include <cstddef>
 #include <vector>
 
+#include "id3/difference_table.h"
 #include "id3/duplicate_files.h"
-#include "platform/date_time.h"
 #include "platform/files.h"
 
 namespace quillon {
@@ -12,7 +12,8 @@ namespace quillon {
 class Run;
 
 /// Compares the tag of every sound file in the library with the names of its file and folders and
-/// with the database, and notes each disagreement as a row of the difference table.
+/// with the database, and puts a row for each disagreement in the place of those that the
+/// difference table has.
 ///
 /// On the way files are renamed: square brackets in names become round ones, and a file whose tag
 /// has another title takes that title for its name. Where another file has the new name and keeps
@@ -20,9 +21,9 @@ class Run;
 /// end, all or none (run/removals.h). Failures are logged with "VerifyID3Tags:".
 void VerifyID3Tags(Run& run);
 
-/// The same below one folder of the library, in the tree layout. `updateTime` goes into the rows,
-/// and what albums leave to the end into `rests`. Failures are logged with "VerifyID3TagsFolder".
-void VerifyID3TagsFolder(Run& run, const FolderEntry& root, DateTime updateTime,
+/// The same below one folder of the library, in the tree layout. Rows go into `differences`, and
+/// what albums leave to the end into `rests`. Failures are logged with "VerifyID3TagsFolder".
+void VerifyID3TagsFolder(Run& run, const FolderEntry& root, DifferenceRows& differences,
                          std::vector<AlbumRest>& rests);
 
 /// What a comparison of tags would do to the library's files.

@@ -136,6 +136,11 @@ class Database {
                                            std::span<const std::string_view> fields);
     void Update(std::string_view table, RowKey row, std::span<const Field> fields);
     void Delete(std::string_view table, RowKey row);
+    /// Gives all rows that hold `before` in a field of dates `after` for it; how many. It costs
+    /// little, whatever else the rows hold. Error(Duplicate) where rows hold `after` already;
+    /// Error(NotSupported) for a field of another type or of an index.
+    std::size_t ReplaceDate(std::string_view table, std::string_view field, Date before,
+                            Date after);
 
     /// Definitions of all user tables, by name.
     std::vector<TableDefinition> Tables() const;

@@ -111,6 +111,10 @@ class Connection {
     /// A refused change leaves the row as it was.
     virtual void Update(std::string_view table, RowKey row, std::span<const FieldValue> fields) = 0;
     virtual void Delete(std::string_view table, RowKey row) = 0;
+    /// Gives all rows that hold `before` in a field of dates `after` for it; how many. Failure
+    /// where rows hold `after` already, or where the field is part of an index.
+    virtual std::size_t ReplaceDate(std::string_view table, std::string_view field, DateTime before,
+                                    DateTime after) = 0;
 
     /// The number that the next row gets in the auto-number field.
     virtual std::int64_t NextNumber(std::string_view table) const = 0;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <cstdint>
+#include <utility>
 
 namespace quillon {
 namespace {
@@ -24,6 +25,24 @@ void PutKey(RowState& state, const FieldChange& field) {
     for (auto& [name, value] : state.key) {
         if (name == field.field) value = field.after;
     }
+}
+
+/// Puts another date in the place of one that the state has; whether it has it.
+bool ReplaceDate(RowState& state, const std::string& field, DateTime before, DateTime after) {
+    if (!state.exists) return false;
+    bool isFound = false;
+    const Value old = before;
+    for (auto& [name, value] : state.key) {
+        if (name != field || value != old) continue;
+        value = after;
+        isFound = true;
+    }
+    const auto known = state.fields.find(field);
+    if (known != state.fields.end() && known->second == old) {
+        state.fields.Set(field, after);
+        isFound = true;
+    }
+    return isFound;
 }
 
 bool IsSame(const RowState& one, const RowState& other) {
@@ -80,6 +99,7 @@ void NetRows::StartRun() {
 
 void NetRows::Add(const ChangeRecord& record) {
     if (const auto* const change = std::get_if<RowChange>(&record)) Note(*change);
+    if (const auto* const date = std::get_if<DateReplaced>(&record)) Note(*date);
     if (std::holds_alternative<RowsSaved>(record)) Save();
 }
 
@@ -94,9 +114,63 @@ void NetRows::Note(const RowChange& change) {
         std::erase(byKey_[keyBefore], number);
         byKey_[keyNow].push_back(number);
     }
+    Wait(number);
+}
+
+/// For the next save.
+void NetRows::Wait(std::size_t number) {
+    Entry& entry = entries_[number];
     entry.run = run_;
     if (!entry.waits) waiting_.push_back(number);
     entry.waits = true;
+}
+
+void NetRows::Note(const DateReplaced& date) {
+    for (std::size_t number = 0; number < entries_.size(); ++number) {
+        Entry& entry = entries_[number];
+        if (entry.row.table != date.table) continue;
+        const std::string keyBefore = KeyText(date.table, entry.row.now.key);
+        if (!FollowDate(entry, date)) continue;
+        const std::string keyNow = KeyText(date.table, entry.row.now.key);
+        if (keyNow != keyBefore) {
+            std::erase(byKey_[keyBefore], number);
+            byKey_[keyNow].push_back(number);
+        }
+        Wait(number);
+    }
+    const bool isPutBack = !dates_.empty() && dates_.back().table == date.table &&
+                           dates_.back().field == date.field &&
+                           dates_.back().before == date.after && dates_.back().after == date.before;
+    if (isPutBack) {
+        dates_.pop_back();
+    } else {
+        dates_.push_back(date);
+    }
+}
+
+/// Whether the row has the date that is replaced, perhaps since a run before did not save what it
+/// had changed.
+bool NetRows::FollowDate(Entry& entry, const DateReplaced& date) const {
+    NetRow& row = entry.row;
+    RowState now = row.now;
+    if (!ReplaceDate(now, date.field, date.before, date.after)) {
+        if (!row.saved || entry.run == run_) return false;
+        now = *row.saved;
+        if (!ReplaceDate(now, date.field, date.before, date.after)) return false;
+        row.now = *row.saved;
+    }
+    if (!row.saved) row.saved = row.now;
+    row.now = std::move(now);
+    return true;
+}
+
+/// What a field held before dates were replaced. A row that is met late has had its dates replaced
+/// as all others.
+Value NetRows::AsBefore(const std::string& table, const std::string& field, Value value) const {
+    for (auto date = dates_.rbegin(); date != dates_.rend(); ++date)
+        if (date->table == table && date->field == field && value == Value(date->after))
+            value = date->before;
+    return value;
 }
 
 /// Of several rows with one key, which a table without a primary key can have, one that this can
@@ -115,9 +189,12 @@ std::size_t NetRows::EntryFor(const RowChange& change) {
     if (found != known.end()) return *found;
 
     const RowState state{.exists = !isAdded, .key = change.key, .fields = {}};
+    RowState before = state;
+    for (auto& [name, value] : before.key)
+        if (before.exists) value = AsBefore(change.table, name, std::move(value));
     known.push_back(entries_.size());
     entries_.push_back(
-        {.row = {.table = change.table, .before = state, .now = state, .saved = {}}});
+        {.row = {.table = change.table, .before = std::move(before), .now = state, .saved = {}}});
     return entries_.size() - 1;
 }
 
@@ -128,7 +205,10 @@ void NetRows::Apply(Entry& entry, const RowChange& change) {
         row.before.fields.Reserve(change.fields.size());
     for (const FieldChange& field : change.fields) {
         // A field that has not been seen before was this all the time.
-        if (row.before.exists) row.before.fields.SetIfNew(field.field, field.before);
+        if (row.before.exists) {
+            row.before.fields.SetIfNew(field.field,
+                                       AsBefore(change.table, field.field, field.before));
+        }
         if (row.saved && row.saved->exists) row.saved->fields.SetIfNew(field.field, field.before);
         row.now.fields.Set(field.field, field.after);
         if (change.kind == RowChange::Kind::Changed) PutKey(row.now, field);
@@ -145,6 +225,17 @@ void NetRows::Save() {
     waiting_.clear();
 }
 
+/// Where no more is different than dates that are put back for all rows.
+bool NetRows::IsAsBefore(const NetRow& row, const RowState& state) const {
+    if (dates_.empty()) return IsSame(state, row.before);
+    RowState first{.exists = state.exists, .key = state.key, .fields = {}};
+    for (auto& [name, value] : first.key)
+        value = AsBefore(row.table, name, std::move(value));
+    for (const auto& [name, value] : state.fields)
+        first.fields.Set(name, AsBefore(row.table, name, value));
+    return IsSame(first, row.before);
+}
+
 std::vector<NetRow> NetRows::Take() {
     byKey_ = {};
     waiting_ = {};
@@ -152,7 +243,7 @@ std::vector<NetRow> NetRows::Take() {
     rows.reserve(entries_.size());
     for (; !entries_.empty(); entries_.pop_front()) {
         NetRow& row = entries_.front().row;
-        if (IsSame(row.now, row.before) && (!row.saved || IsSame(*row.saved, row.before))) continue;
+        if (IsAsBefore(row, row.now) && (!row.saved || IsAsBefore(row, *row.saved))) continue;
         rows.push_back(std::move(row));
     }
     return rows;

@@ -67,8 +67,12 @@ class NetRows {
     /// One of its records, in their order.
     void Add(const ChangeRecord& record);
 
-    /// The rows that are, or may be, another than before, in the order of their first change.
+    /// The rows that are, or may be, another than before, in the order of their first change. Their
+    /// states before have the dates from before `Dates()`.
     std::vector<NetRow> Take();
+
+    /// Dates that were replaced, without those that were put back, in their order.
+    const std::vector<DateReplaced>& Dates() const { return dates_; }
 
   private:
     struct Entry {
@@ -78,6 +82,11 @@ class NetRows {
     };
 
     void Note(const RowChange& change);
+    void Note(const DateReplaced& date);
+    bool FollowDate(Entry& entry, const DateReplaced& date) const;
+    Value AsBefore(const std::string& table, const std::string& field, Value value) const;
+    bool IsAsBefore(const NetRow& row, const RowState& state) const;
+    void Wait(std::size_t number);
     std::size_t EntryFor(const RowChange& change);
     void Apply(Entry& entry, const RowChange& change);
     void Save();
@@ -85,6 +94,7 @@ class NetRows {
     std::deque<Entry> entries_;
     std::unordered_map<std::string, std::vector<std::size_t>> byKey_;  ///< present keys
     std::vector<std::size_t> waiting_;
+    std::vector<DateReplaced> dates_;
     std::size_t run_ = 0;
 };
 

@@ -227,7 +227,9 @@ std::string NameOf(const NetRow& row, const std::string& called) {
     return name;
 }
 
-RowUndo::RowUndo(Connection& connection, std::span<const NetRow> rows) : connection_(connection) {
+RowUndo::RowUndo(Connection& connection, std::span<const NetRow> rows,
+                 std::span<const DateReplaced> dates)
+    : connection_(connection), dates_(WayBackOf(connection, dates)) {
     std::set<std::string> tables;
     steps_.reserve(rows.size());
     for (const NetRow& row : rows) {
@@ -270,6 +272,8 @@ void RowUndo::CarryOut(const Attempt& attempt) {
         for (Step& step : steps_)
             if (step.work == work && step.IsToDo()) left.push_back(&step);
         DoAll(left, attempt);
+        // Rows that come back have the dates of then, which no other row may have before.
+        if (work == Work::Delete) PutBack(connection_, dates_, attempt);
         if (work != Work::Update || left.empty()) continue;
         StepAside(left, attempt);
         DoAll(left, attempt);

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "platform/database.h"
+#include "undo/date_undo.h"
 #include "undo/net_rows.h"
 #include "undo/outcome.h"
 
@@ -33,15 +34,18 @@ class RowUndo {
     /// Whether a path is that of a file that stays as it is now.
     using StaysAt = std::function<bool(std::string_view path)>;
 
-    /// Looks at the rows and decides; changes nothing. `rows` and the connection must outlive this
-    /// object. Throws Failure.
-    RowUndo(Connection& connection, std::span<const NetRow> rows);
+    /// Looks at the rows and decides; changes nothing. `dates` are those that were replaced, in
+    /// their order. All that is passed must outlive this object. Throws Failure.
+    RowUndo(Connection& connection, std::span<const NetRow> rows,
+            std::span<const DateReplaced> dates = {});
 
     /// Rows that name a file which stays do so, too, and so does the album of a track that stays.
     /// What an earlier call said counts no more. Throws Failure.
     void HoldBack(const StaysAt& stays);
 
     const std::vector<Step>& Steps() const { return steps_; }
+    /// What is to happen with replaced dates, the last one first.
+    const std::vector<DateUndo>& Dates() const { return dates_; }
 
     /// Changes the rows, as many as can be. The steps' outcomes tell of each. Meant to be one group
     /// of changes, which all become durable or none.
@@ -59,6 +63,7 @@ class RowUndo {
 
     Connection& connection_;
     std::vector<Step> steps_;
+    std::vector<DateUndo> dates_;
 };
 
 /// The texts of rows that stay as they are now: what lies at such a path must stay, too. In small

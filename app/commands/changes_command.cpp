@@ -82,7 +82,9 @@ struct PlannedOnly {
     std::size_t rowsFrom = SIZE_MAX, file = SIZE_MAX;
 
     bool Has(std::size_t place, const ChangeRecord& record) const {
-        return place == file || (place >= rowsFrom && std::holds_alternative<RowChange>(record));
+        const bool isOfRows = std::holds_alternative<RowChange>(record) ||
+                              std::holds_alternative<DateReplaced>(record);
+        return place == file || (place >= rowsFrom && isOfRows);
     }
 };
 

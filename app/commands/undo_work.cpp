@@ -62,6 +62,14 @@ RowChange ChangeOf(const RowUndo::Step& step) {
     return change;
 }
 
+DateReplaced ChangeOf(const DateUndo& undo) {
+    return {.table = undo.replaced.table,
+            .field = undo.replaced.field,
+            .before = undo.replaced.after,
+            .after = undo.replaced.before,
+            .rows = undo.rows};
+}
+
 std::string WithoutPeriod(std::string text) {
     if (text.ends_with('.')) text.pop_back();
     return text;
@@ -143,6 +151,7 @@ void UndoWork::ReadJournals(const std::vector<std::filesystem::path>& journals,
     }
     steps_ = FileStepsFor(runs, TakenBack(undos));
     rows_ = net.Take();
+    dates_ = net.Dates();
 }
 
 void UndoWork::NoteDamaged(const JournalContent& content, const std::string& journal) {
@@ -169,9 +178,9 @@ void UndoWork::OpenDatabase() {
 
 /// Nobody changes a row from here on.
 void UndoWork::LookAtRows() {
-    if (rows_.empty()) return;
+    if (rows_.empty() && dates_.empty()) return;
     if (!connection_) throw CommandError("Nothing was taken back: the database is not there");
-    rowUndo_.emplace(*connection_, rows_);
+    rowUndo_.emplace(*connection_, rows_, dates_);
     // Albums of rows that stay do so, too, and so do their covers.
     rowUndo_->HoldBack([](std::string_view) { return false; });
     heldPaths_ = TextsOfRefused(rowUndo_->Steps());
@@ -198,6 +207,10 @@ void UndoWork::TellRefusedRows(std::vector<std::string>& refused) {
     for (const RowUndo::Step* const step : steps)
         refused.push_back(NameOf(*step->row, names.Of(changeOf(*step->row))) + ": " +
                           step->outcome.reason);
+    for (const DateUndo& date : rowUndo_->Dates())
+        if (date.outcome.state == Outcome::State::Refused)
+            refused.push_back(fmt::format("{} of {} rows of {}: {}", date.replaced.field, date.rows,
+                                          date.replaced.table, date.outcome.reason));
 }
 
 UndoWork::Result UndoWork::Plan() {
@@ -210,6 +223,8 @@ UndoWork::Result UndoWork::Plan() {
         HoldRowsBack();
         for (const RowUndo::Step& step : rowUndo_->Steps())
             if (step.IsToDo()) collector.Note(ChangeOf(step));
+        for (const DateUndo& date : rowUndo_->Dates())
+            if (date.IsToDo()) collector.Note(ChangeOf(date));
         TellRefusedRows(result.refused);
     }
     sink_.PassTo(nullptr);

@@ -90,6 +90,7 @@ class UndoWork {
     std::vector<PastRun> runs_;
     std::vector<FileStep> steps_;
     std::vector<NetRow> rows_;
+    std::vector<DateReplaced> dates_;
     std::unordered_set<std::string> heldPaths_;  ///< of rows that were changed since
     std::vector<std::string> damaged_;           ///< lines of journals, in words
     UndoSink sink_;

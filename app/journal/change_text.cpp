@@ -56,6 +56,11 @@ class Groups {
         group.lines += "  " + OneLine(line) + '\n' + more;
     }
 
+    /// Nothing is told of these but how many they are.
+    void CountAlone(const std::string& heading, std::size_t count) {
+        groups_.push_back({.heading = heading, .count = count, .told = count});
+    }
+
     /// So many more, of which there are no lines.
     void Count(const std::string& heading, std::size_t count) {
         const auto [place, isNew] = places_.try_emplace(heading, groups_.size());
@@ -331,6 +336,8 @@ std::string ChangeText(const NetChanges& changes, const ChangeTextOptions& optio
         const char* const became = rows.kind == RowKind::Added ? " added" : " removed";
         groups.Count(ThingsOf(rows.table) + became, rows.count);
     }
+    for (const RowsAsBefore& rows : changes.asBefore)
+        groups.CountAlone(ThingsOf(rows.table) + " as before", rows.count);
     for (const FileChange& change : changes.files)
         AddFile(groups, change, options.most);
     return groups.Text();

@@ -29,6 +29,7 @@ constexpr std::uint64_t RoomAtOnce = std::uint64_t{1} << 20U;
 /// Whether the record plans something, which must not happen where it cannot be recorded.
 bool IsPlan(const ChangeRecord& record) {
     return std::holds_alternative<RowChange>(record) ||
+           std::holds_alternative<DateReplaced>(record) ||
            std::holds_alternative<FileChange>(record) || std::holds_alternative<RunStarted>(record);
 }
 
@@ -146,10 +147,7 @@ void JournalFile::Append(const ChangeRecord& record) {
 }
 
 void JournalFile::Count(const ChangeRecord& record) {
-    const auto* const row = std::get_if<RowChange>(&record);
-    const auto* const file = std::get_if<FileChange>(&record);
-    if ((row != nullptr && IsOfLibrary(*row)) || (file != nullptr && IsOfLibrary(*file)))
-        ++changes_;
+    changes_ += ChangesOfLibrary(record);
 }
 
 void JournalFile::Remark(const ChangeRecord& record) noexcept {

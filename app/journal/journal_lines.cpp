@@ -91,6 +91,15 @@ class LineWriter {
         }
         json_.Close();
     }
+    void operator()(const DateReplaced& date) {
+        Begin("date");
+        json_.Member("table", date.table);
+        json_.Member("field", date.field);
+        json_.Member("before", date.before);
+        json_.Member("after", date.after);
+        json_.Member("rows", date.rows);
+        json_.Close();
+    }
     void operator()(RowsSaved) {
         Begin("saved");
         json_.Close();
@@ -264,6 +273,14 @@ RowChange RowChangeOf(const Json& json) {
     return row;
 }
 
+DateReplaced DateReplacedOf(const Json& json) {
+    return {.table = TextOf(json.at("table")),
+            .field = TextOf(json.at("field")),
+            .before = DateOf(json.at("before")),
+            .after = DateOf(json.at("after")),
+            .rows = json.at("rows").get<std::uint64_t>()};
+}
+
 FileChange FileChangeOf(const Json& json) {
     return {.number = json.at("number").get<std::uint64_t>(),
             .kind = KindNamed<FileChange::Kind>(json.at("change"), FileKinds),
@@ -278,6 +295,7 @@ FileChange FileChangeOf(const Json& json) {
 ChangeRecord RecordOf(const Json& json) {
     const auto record = json.at("record").get<std::string_view>();
     if (record == "row") return RowChangeOf(json);
+    if (record == "date") return DateReplacedOf(json);
     if (record == "saved") return RowsSaved();
     if (record == "file") return FileChangeOf(json);
     if (record == "log")

@@ -16,9 +16,10 @@ class DamagedLine : public std::runtime_error {
 };
 
 /// A record as one line of JSON, without its line end. Every object has "record", which says what
-/// it is: "run", "mode", "phase", "row", "saved", "file", "failed", "log" or "end". Bytes that are
-/// no text stand as {"bytes": hexadecimal digits}, dates as {"date": readable, "days": exact}.
-/// A row that comes or goes has no "fields" where they would be those of its "key" once more.
+/// it is: "run", "mode", "phase", "row", "date", "saved", "file", "failed", "log" or "end". Bytes
+/// that are no text stand as {"bytes": hexadecimal digits}, dates as {"date": readable, "days":
+/// exact}. A row that comes or goes has no "fields" where they would be those of its "key" once
+/// more.
 std::string ToLine(const ChangeRecord& record);
 
 /// Makes many of them.

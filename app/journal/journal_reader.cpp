@@ -70,12 +70,6 @@ struct Facts {
     }
     void operator()(const ModeChosen& chosen) const { run.started.mode = chosen.mode; }
     void operator()(const RunEnded& ended) const { run.ended = ended; }
-    void operator()(const RowChange& change) const {
-        run.changes += std::size_t{IsOfLibrary(change)};
-    }
-    void operator()(const FileChange& change) const {
-        run.changes += std::size_t{IsOfLibrary(change)};
-    }
     template <typename Other>
     void operator()(const Other&) const {}
 };
@@ -136,9 +130,11 @@ PastRun LookAtJournal(const fs::path& file) {
         const std::optional<ChangeRecord> record = RecordIn(line);
         if (!record) return true;
         const bool isChange = std::holds_alternative<RowChange>(*record) ||
+                              std::holds_alternative<DateReplaced>(*record) ||
                               std::holds_alternative<FileChange>(*record);
         // Nothing behind the mode says more of the run, but its end; dated copies come before it.
         if (end && isChange && !run.started.mode.empty()) return false;
+        run.changes += ChangesOfLibrary(*record);
         std::visit(Facts{run}, *record);
         return true;
     });

@@ -17,8 +17,10 @@ namespace {
 
 using FileKind = FileChange::Kind;
 
+constexpr std::string_view DifferenceTable = "SpinnerID3Differences";
+
 bool IsTableOfLibrary(std::string_view table) {
-    return !EqualIgnoringCase(table, "SpinnerID3Differences");
+    return !EqualIgnoringCase(table, DifferenceTable);
 }
 
 /// Without what failed, and without what the run itself took back.
@@ -65,11 +67,16 @@ std::vector<FileChange> FilesTogether(std::vector<FileChange>&& changes,
 
 }  // namespace
 
+std::string_view DateOfRowIn(std::string_view table) {
+    return table == DifferenceTable ? "UpdateTime" : "";
+}
+
 NetChangesCollector::NetChangesCollector() : rows_(std::make_unique<RowCollector>()) {}
 NetChangesCollector::~NetChangesCollector() = default;
 
 void NetChangesCollector::Add(const ChangeRecord& record) {
     if (const auto* const row = std::get_if<RowChange>(&record)) rows_->Add(*row);
+    if (const auto* const date = std::get_if<DateReplaced>(&record)) rows_->Add(*date);
     if (const auto* const file = std::get_if<FileChange>(&record)) AddFile(*file);
     if (const auto* const one = std::get_if<FileChangeFailed>(&record)) failed_.insert(one->number);
 }
@@ -111,6 +118,15 @@ bool IsOfLibrary(const FileChange& change) {
     const bool isData = change.kind == FileKind::FolderMade &&
                         (path.ends_with("\\data") || path.ends_with("\\data\\quillon"));
     return !isData && !path.ends_with("\\quillonreconcile.csv");
+}
+
+std::uint64_t ChangesOfLibrary(const ChangeRecord& record) {
+    if (const auto* const row = std::get_if<RowChange>(&record))
+        return std::uint64_t{IsOfLibrary(*row)};
+    if (const auto* const file = std::get_if<FileChange>(&record))
+        return std::uint64_t{IsOfLibrary(*file)};
+    const auto* const date = std::get_if<DateReplaced>(&record);
+    return date != nullptr && IsTableOfLibrary(date->table) ? date->rows : 0;
 }
 
 bool ChangesLibrary(const NetChanges& changes) {

@@ -5,6 +5,7 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <string_view>
 #include <unordered_set>
 #include <vector>
 
@@ -19,6 +20,12 @@ struct CountOfRows {
     std::size_t count = 0;
 };
 
+/// Rows of a table that are as they were, but for the date that each run gives them.
+struct RowsAsBefore {
+    std::string table;
+    std::size_t count = 0;
+};
+
 /// What is different after a run: what it did and took back again is left out.
 struct NetChanges {
     /// At most one a row, in the order of the first change. Of new rows only the fields that name
@@ -26,6 +33,7 @@ struct NetChanges {
     std::vector<RowChange> rows;
     /// The rows that came or went behind the first hundreds of their table.
     std::vector<CountOfRows> furtherRows;
+    std::vector<RowsAsBefore> asBefore;
     std::vector<FileChange> files;  ///< that came off, in their order
 
     bool IsEmpty() const { return rows.empty() && furtherRows.empty() && files.empty(); }
@@ -56,11 +64,18 @@ class NetChangesCollector {
 
 NetChanges NetChangesOf(std::span<const ChangeRecord> records);
 
+/// The field that says when a run has written a row of the table; "" where there is none. With
+/// another date it is still the same row.
+std::string_view DateOfRowIn(std::string_view table);
+
 /// Whether it concerns the library. The dated copies that a run makes first, what it notes
 /// for itself, and the list of differences between tags and database, which each run writes anew,
 /// do not.
 bool IsOfLibrary(const RowChange& change);
 bool IsOfLibrary(const FileChange& change);
+
+/// How many changes of the library a record is; 0 for most kinds.
+std::uint64_t ChangesOfLibrary(const ChangeRecord& record);
 
 /// Whether anything of the library is different.
 bool ChangesLibrary(const NetChanges& changes);

@@ -56,26 +56,30 @@ std::unique_ptr<RowChange> Together(std::unique_ptr<RowChange> first, const RowC
         // A field that is not told of the new row is Null there.
         first->kind = Kind::Changed;
     }
-    std::erase_if(first->fields,
-                  [](const FieldChange& field) { return field.before == field.after; });
+    const std::string_view date = DateOfRowIn(first->table);
+    std::erase_if(first->fields, [&](const FieldChange& field) {
+        return field.before == field.after || (first->kind == Kind::Changed && field.field == date);
+    });
     if (first->kind == Kind::Changed && first->fields.empty()) return nullptr;
     return first;
 }
 
-/// Of all that a row held, or holds.
+/// Of all that a row held, or holds, but for its date.
 std::uint64_t HashOfRow(const RowChange& change, const Value FieldChange::* value) {
-    std::vector<std::pair<std::string, Value>> fields;
-    fields.reserve(change.fields.size());
+    std::string text;
     for (const FieldChange& field : change.fields)
-        fields.emplace_back(field.field, field.*value);
-    return ContentHash(KeyText("", fields));
+        if (field.field != DateOfRowIn(change.table))
+            AppendKeyField(text, field.field, field.*value);
+    return ContentHash(text);
 }
 
 }  // namespace
 
 std::uint64_t RowCollector::HashOfKey(const RowChange& change, bool after) {
     text_.assign(change.table);
+    const std::string_view date = DateOfRowIn(change.table);
     for (const auto& [name, value] : change.key) {
+        if (name == date) continue;
         const Value* present = &value;
         if (after && change.kind == Kind::Changed) {
             const auto field = std::ranges::find(change.fields, name, &FieldChange::field);
@@ -96,6 +100,11 @@ std::uint32_t RowCollector::PlaceOf(const std::string& table) {
 
 RowCollector::Entry RowCollector::Begin(const RowChange& change) {
     Entry entry{.state = Entry::State::Held, .table = PlaceOf(change.table), .row = nullptr};
+    if (change.kind == Kind::Removed) {
+        const auto others = asBefore_.find(change.table);
+        if (others != asBefore_.end() && others->second.isKnown && others->second.rows != 0)
+            --others->second.rows;
+    }
     const bool isHeld =
         change.kind == Kind::Changed || held_[{entry.table, change.kind}]++ < MostHeld;
     if (isHeld) {
@@ -116,10 +125,14 @@ void RowCollector::PutTogether(Entry& entry, const RowChange& change) {
         case State::Nothing:
             entry = Begin(change);
             return;
-        case State::Held:
+        case State::Held: {
+            const bool wasRemoved = entry.row->kind == Kind::Removed;
             entry.row = Together(std::move(entry.row), change);
-            if (!entry.row) entry.state = State::Nothing;
+            if (entry.row) return;
+            entry.state = State::Nothing;
+            if (wasRemoved) ComesBack(change.table);
             return;
+        }
         case State::Added:
             if (change.kind == Kind::Removed) entry.state = State::Nothing;
             return;
@@ -129,12 +142,22 @@ void RowCollector::PutTogether(Entry& entry, const RowChange& change) {
     if (change.kind != Kind::Added) return;
     if (HashOfRow(change, &FieldChange::after) == entry.content) {
         entry.state = State::Nothing;
+        ComesBack(change.table);
         return;
     }
     // What it held before is not known any more.
     entry = {.state = State::Held, .table = entry.table, .row = std::make_unique<RowChange>()};
     entry.row->table = change.table;
     entry.row->key = change.key;
+}
+
+/// That it is back is worth a word only where runs write their rows anew.
+void RowCollector::ComesBack(const std::string& table) {
+    if (!DateOfRowIn(table).empty()) ++asBefore_[table].rows;
+}
+
+void RowCollector::Add(const DateReplaced& date) {
+    asBefore_[date.table] = {.isKnown = true, .rows = static_cast<std::size_t>(date.rows)};
 }
 
 void RowCollector::Add(const RowChange& change) {
@@ -163,6 +186,8 @@ void RowCollector::TakeInto(NetChanges& changes) {
     for (const auto& [kind, count] : counts)
         changes.furtherRows.push_back(
             {.kind = kind.second, .table = tables_[kind.first], .count = count});
+    for (const auto& [table, rows] : asBefore_)
+        if (rows.rows != 0) changes.asBefore.push_back({table, rows.rows});
     *this = {};
 }
 

@@ -101,4 +101,12 @@ void RowRecorder::RowRemoved(const jet::TableDefinition& table, Fields row) {
     sink_.Note(record_);
 }
 
+void RowRecorder::DateReplaced(const jet::TableDefinition& table, const jet::ReplacedDate& date) {
+    sink_.Note(quillon::DateReplaced{.table = table.name,
+                                     .field = table.columns[date.column].name,
+                                     .before = {date.before.days},
+                                     .after = {date.after.days},
+                                     .rows = date.rows});
+}
+
 }  // namespace quillon

@@ -22,6 +22,7 @@ class RowRecorder : public jet::RowObserver {
     void RowChanged(const jet::TableDefinition& table, std::span<const jet::Value> before,
                     std::span<const jet::Value> after) override;
     void RowRemoved(const jet::TableDefinition& table, std::span<const jet::Value> row) override;
+    void DateReplaced(const jet::TableDefinition& table, const jet::ReplacedDate& date) override;
     void BeforeCommit() override {
         if (beforeCommit_) beforeCommit_();
         sink_.MakeDurable();

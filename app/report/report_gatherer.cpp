@@ -225,6 +225,10 @@ void ReportGatherer::Add(const RowChange& row) {
     unnamed_.push_back({*kind, *id, isListed ? std::make_unique<RowChange>(row) : nullptr});
 }
 
+void ReportGatherer::Add(const DateReplaced& date) {
+    if (ChangesOfLibrary(date) != 0) AddOtherRow(date.table);
+}
+
 void ReportGatherer::TellUnnamed(const Unnamed& unnamed) {
     const RowName known =
         facts_.nameOf ? facts_.nameOf(TableOf(unnamed.kind), unnamed.id) : RowName();

@@ -60,6 +60,7 @@ class ReportGatherer {
     void Add(const ModeChosen& mode) { content_.mode = mode.mode; }
     void Add(const PhaseStarted& phase);
     void Add(const RowChange& row);
+    void Add(const DateReplaced& date);
     void Add(const RowsSaved&) { savedRows_ = rows_; }
     void Add(const FileChange& change);
     void Add(const FileChangeFailed& failed);

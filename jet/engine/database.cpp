@@ -195,6 +195,16 @@ void Database::Delete(std::string_view table, RowKey row) {
     session.AfterChange();
 }
 
+std::size_t Database::ReplaceDate(std::string_view table, std::string_view field, Date before,
+                                  Date after) {
+    engine::Session& session = *implementation_->session;
+    engine::MirrorTable& target = session.Table(table);
+    session.BeforeChange(target);
+    const std::size_t rows = target.ReplaceDate(target.Column(field), before, after);
+    session.AfterChange();
+    return rows;
+}
+
 std::vector<TableDefinition> Database::Tables() const {
     std::vector<TableDefinition> definitions;
     for (const auto& table : implementation_->session->Tables())

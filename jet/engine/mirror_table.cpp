@@ -294,6 +294,20 @@ void MirrorTable::Update(RowKey key, std::span<const storage::FieldChange> chang
     update->Run();
 }
 
+std::size_t MirrorTable::ReplaceDate(std::size_t column, Date before, Date after) {
+    const std::size_t rows = stored_->ReplaceDate(column, before, after);
+    if (rows == 0) return rows;
+    ++changes_;
+    if (rows_ == 0 || !IsHeld(column)) return rows;
+    const std::string name = QuotedName(definition_.columns[column].name);
+    const std::string sql = updateStart_ + name + "=?1 WHERE " + name + "=?2";
+    StatementLease update = statements_.Take(sql);
+    BindValue(*update, 1, Value(after));
+    BindValue(*update, 2, Value(before));
+    update->Run();
+    return rows;
+}
+
 void MirrorTable::Delete(RowKey key) {
     stored_->Delete(RowId::FromInteger(key));
     ++changes_;

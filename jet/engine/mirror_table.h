@@ -90,6 +90,8 @@ class MirrorTable {
     }
     /// Writes the changes, whose values are converted already.
     void Update(RowKey key, std::span<const storage::FieldChange> changes);
+    /// As storage::Table does.
+    std::size_t ReplaceDate(std::size_t column, Date before, Date after);
     void Delete(RowKey key);
     void DeleteAll();
 

@@ -34,6 +34,9 @@ class LinkedTable final : public Table {
     }
     Inserted Insert(std::span<const Value> /*values*/) override { Refuse(); }
     void Update(RowId /*row*/, std::span<const FieldChange> /*changes*/) override { Refuse(); }
+    std::size_t ReplaceDate(std::size_t /*column*/, Date /*before*/, Date /*after*/) override {
+        Refuse();
+    }
     void Delete(RowId /*row*/) override { Refuse(); }
     void DeleteAll() override { Refuse(); }
     std::uint32_t RowCount() const override { Refuse(); }

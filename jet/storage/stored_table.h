@@ -41,6 +41,7 @@ class StoredTable final : public Table, private DeferredChanges {
                                                   std::size_t most) override;
     Inserted Insert(std::span<const Value> values) override;
     void Update(RowId row, std::span<const FieldChange> changes) override;
+    std::size_t ReplaceDate(std::size_t column, Date before, Date after) override;
     void Delete(RowId row) override;
     void DeleteAll() override;
     std::uint32_t RowCount() const override;
@@ -90,10 +91,21 @@ class StoredTable final : public Table, private DeferredChanges {
     void RequireChangeable() const;
     /// Runs a change as a whole: where it throws, every page is as it was.
     template <typename Action>
-    void Undoably(Action action);
+    void Undoably(Action action) {
+        Pager::Change change(pages_);
+        try {
+            action();
+            change.Keep();
+        } catch (...) {
+            parts_.reset();
+            throw;
+        }
+    }
 
     Inserted AddRow(std::span<const Value> values);
     void ChangeRow(RowId row, std::span<const FieldChange> changes);
+    std::size_t ChangeDates(std::size_t column, Date before, Date after);
+    std::vector<RowId> RowsToDate(std::size_t column, Date before, Date after) const;
     void RemoveRow(RowId row);
     void RemoveAllRows();
 

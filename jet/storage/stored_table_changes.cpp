@@ -41,18 +41,6 @@ void StoredTable::RequireChangeable() const {
     }
 }
 
-template <typename Action>
-void StoredTable::Undoably(Action action) {
-    Pager::Change change(pages_);
-    try {
-        action();
-        change.Keep();
-    } catch (...) {
-        parts_.reset();
-        throw;
-    }
-}
-
 /// The catalog's own rows belong to the file.
 RowObserver* StoredTable::Observer() const {
     return definition_.name.starts_with("MSys") ? nullptr : pages_.Observer();

@@ -68,6 +68,11 @@ class Table {
     /// Changes columns of one row; its RowId stays.
     virtual void Update(RowId row, std::span<const FieldChange> changes) = 0;
 
+    /// Gives all rows that hold `before` in a column of dates `after` for it; how many. They stay
+    /// where they are. Error(Duplicate) where rows hold `after` already: these could not be told
+    /// from the others any more. Error(NotSupported) for another type and for a column of an index.
+    virtual std::size_t ReplaceDate(std::size_t column, Date before, Date after) = 0;
+
     virtual void Delete(RowId row) = 0;
     /// Deletes all rows, page by page.
     virtual void DeleteAll() = 0;

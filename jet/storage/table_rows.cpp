@@ -1,5 +1,6 @@
 #include "jet/storage/table_rows.h"
 
+#include <algorithm>
 #include <string>
 
 #include "jet/error.h"
@@ -49,6 +50,13 @@ void TableRows::Replace(RowId row, std::span<const std::uint8_t> bytes) {
     const RowId target = pages_.Add(bytes, RowKind::Hidden);
     pages_.Redirect(row, target);
     if (moved) pages_.Remove(where);
+}
+
+void TableRows::Overwrite(const Stored& row, std::span<const std::uint8_t> old,
+                          std::span<const std::uint8_t> bytes) {
+    const auto place = old.data() - row.page->data();
+    Page& page = pages_.Source().Modify(row.where.page);
+    std::ranges::copy(bytes, page.begin() + place);
 }
 
 void TableRows::Remove(RowId row) {

@@ -28,6 +28,9 @@ class TableRows {
         return pages_.Append(bytes, RowKind::Home);
     }
     void Replace(RowId row, std::span<const std::uint8_t> bytes);
+    /// Overwrites bytes in the middle of a row, which lie there in `old`.
+    void Overwrite(const Stored& row, std::span<const std::uint8_t> old,
+                   std::span<const std::uint8_t> bytes);
     void Remove(RowId row);
     void RemoveAll() { pages_.RemoveAll(); }
 

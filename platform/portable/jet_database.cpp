@@ -171,6 +171,11 @@ class JetConnection : public Connection {
     void Delete(std::string_view table, RowKey row) override {
         Translated([&] { database_->Delete(table, static_cast<std::int64_t>(row)); });
     }
+    std::size_t ReplaceDate(std::string_view table, std::string_view field, DateTime before,
+                            DateTime after) override {
+        return Translated(
+            [&] { return database_->ReplaceDate(table, field, {before.days}, {after.days}); });
+    }
     void Together(const std::function<void()>& work) {
         // Inserters do not outlive rows that are taken back.
         struct Forgetting {

@@ -46,10 +46,23 @@ TEST_F(ReconcileMode, RunsItsPhasesInOrder) {
 }
 
 TEST_F(ReconcileMode, MakesItsBackupsBeforeItTouchesAnything) {
+    host.Set("ID3Reconcile", "0");
     Load();
     EXPECT_THAT(Calls({"CopyFile", "CopyFolder", "Execute", "Phase 0"}),
                 ElementsAre(DatabaseBackup()[0], ListsBackup()[0], M3uBackup()[0], EmptyDifferences,
                             "Phase 0"));
+}
+
+/// Rows that are found again stay where they are.
+TEST_F(ReconcileMode, LeavesOldDifferencesToTheComparisonOfTags) {
+    Load();
+    EXPECT_THAT(Calls({"Execute"}), IsEmpty());
+}
+
+TEST_F(ReconcileMode, EmptiesTheDifferencesWhereTheComparisonOfTagsIsNotReached) {
+    procedures.RemoveDuplicates = [](Run& of) { of.AbortRequested = true; };
+    EXPECT_EQ(Load(), RunOutcome::Aborted);
+    EXPECT_THAT(Calls({"Execute", "Run VerifyID3Tags"}), ElementsAre(EmptyDifferences));
 }
 
 TEST_F(ReconcileMode, ShowsEveryIndicatorAndTheLabel) {
@@ -178,11 +191,12 @@ TEST_F(ReconcileMode, GoesOnBehindAPhaseThatFails) {
 }
 
 TEST_F(ReconcileMode, GoesOnWhenTheDifferencesCannotBeEmptied) {
+    host.Set("ID3Reconcile", "0");
     world.calls.Refuse(EmptyDifferences, FailureNumber::Database, "no such table");
     EXPECT_EQ(Load(), RunOutcome::Completed);
     EXPECT_EQ(host.log.size(), 1U);
     EXPECT_TRUE(host.log[0].starts_with("Quillon: Update Database Error: Line 0 ")) << host.log[0];
-    EXPECT_EQ(Calls({"Phase"}).size(), 10U);
+    EXPECT_EQ(Calls({"Phase"}).size(), 9U);
 }
 
 TEST_F(ReconcileMode, StopsAtABackupThatFailsBeforeAnythingChanges) {

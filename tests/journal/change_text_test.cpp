@@ -171,6 +171,14 @@ TEST(ChangeText, TellsTheFirstHundredAndCountsTheRest) {
     EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 102);
 }
 
+TEST(ChangeText, CountsDifferencesThatAreAsBefore) {
+    EXPECT_EQ(TextOf({Row(RowKind::Added, "SpinnerID3Differences", 1,
+                          {{"Artist", Null{}, "Alder"}, {"Field", Null{}, "Genre"}}),
+                      DateReplaced{"SpinnerID3Differences", "UpdateTime", {1}, {2}, 12}}),
+              "Differences between tags and database added: 1\n  Alder - Genre\n\n"
+              "Differences between tags and database as before: 12\n");
+}
+
 TEST(NetChanges, LeavesOutWhatTheRunItselfTakesBack) {
     const std::vector<ChangeRecord> records{
         NewTrack(1, "a"),

@@ -36,6 +36,7 @@ std::vector<ChangeRecord> AllRecords() {
                   "Genres",
                   {},
                   {{"Image", std::string("\xff\x00", 2), Null()}}},
+        DateReplaced{"Differences", "Update \"Time\"", half, {46348.5}, 100'000},
         RowsSaved{},
         FileChange{.number = 1,
                    .kind = FileChange::Kind::Written,

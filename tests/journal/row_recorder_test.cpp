@@ -80,6 +80,17 @@ TEST_F(RowRecorderTest, NamesARowWithoutAPrimaryKeyByAllFields) {
                    {{"Name", std::string("a"), Null{}}, {"Number", std::int64_t{1}, Null{}}}}));
 }
 
+TEST_F(RowRecorderTest, TellsOnceOfADateThatManyRowsGet) {
+    connection_->Execute("CREATE TABLE Seen (At DATETIME)");
+    for (int i = 0; i < 3; ++i)
+        connection_->Execute("INSERT INTO Seen (At) VALUES (#1/2/2026#)");
+    list_.records.clear();
+    EXPECT_EQ(connection_->ReplaceDate("Seen", "At", {46024}, {46025.5}), 3U);
+    ASSERT_EQ(list_.records.size(), 1U);
+    EXPECT_EQ(std::get<DateReplaced>(list_.records[0]),
+              (DateReplaced{"Seen", "At", {46024}, {46025.5}, 3}));
+}
+
 TEST_F(RowRecorderTest, TellsOfEachRowNoMoreThanItsOwn) {
     connection_->Execute("INSERT INTO Loose (Name, Number) VALUES ('a', 1)");
     connection_->Execute("INSERT INTO Shelf (Name) VALUES ('b')");

@@ -199,6 +199,66 @@ def killed(program):
         stage.confirm_database(unrepaired=True)
 
 
+def differences(stage):
+    """Rows of differences, in their order: the song, the tag's artist and the time."""
+    return [(row["Track"], row["ID3Value"], row["UpdateTime"]) for row in stage.query(
+        "SELECT Track, ID3Value, UpdateTime FROM SpinnerID3Differences")]
+
+
+def wrong_artist(stage, title, track, artist):
+    song(stage, f"Alder/First/Alder - {title}.mp3", song=title, artist=artist, album="First",
+         track=track)
+
+
+def next_second():
+    """Times of rows have no fractions of seconds."""
+    time.sleep(1.1)
+
+
+def differences_that_stay(program):
+    """Rows of differences that stay get another time, all at once, and have it back afterwards."""
+    with Stage(program) as stage:
+        stage.settings["ID3Reconcile"] = "1"
+        stage.write_settings()
+        for track, title in enumerate(("Dawn", "Dusk", "Noon"), 1):
+            wrong_artist(stage, title, track, "Cedar")
+        clean_run(stage)
+        first = differences(stage)
+        expect("differences", ["Dawn", "Dusk", "Noon"], [row[0] for row in first])
+        next_second()
+        _, output, _ = stage.call("preview", "--host", str(stage.host))
+        expect_in("Differences between tags and database as before: 3\n", output)
+        clean_run(stage)
+        second = differences(stage)
+        expect("the same", [row[:2] for row in first], [row[:2] for row in second])
+        expect("with one other time", 1, len({row[2] for row in second} - {row[2] for row in first}))
+        told = [json.loads(line) for line in changes(stage, "--json")[1].splitlines()]
+        of_rows = [record for record in told if record["record"] in ("row", "date")
+                   and record["table"] == "SpinnerID3Differences"]
+        expect("records", [("date", 3)],
+               [(record["record"], record.get("rows")) for record in of_rows])
+        expect_in("Differences between tags and database as before: 3\n", changes(stage)[1])
+        # One goes, one comes between the others.
+        next_second()
+        wrong_artist(stage, "Dawn", 1, "Alder")
+        wrong_artist(stage, "Early", 4, "Cedar")
+        clean_run(stage)
+        third = differences(stage)
+        expect("in order", ["Dusk", "Early", "Noon"], [row[0] for row in third])
+        told = changes(stage)[1]
+        for kind, count in (("added", 1), ("removed", 1), ("as before", 2)):
+            expect_in(f"Differences between tags and database {kind}: {count}\n", told)
+        expect("undo", 0, undo(stage, "--yes")[0])
+        expect("as after the second run", second, sorted(differences(stage)))
+        expect("undo", 0, undo(stage, "--yes")[0])
+        expect("as after the first run", first, sorted(differences(stage)))
+        expect("undo of the undos", 0, undo(stage, runs(stage)[3]["run"], "--yes")[0])
+        expect("as after the third run", third, sorted(differences(stage)))
+        expect("undo of all", 0, undo(stage, runs(stage)[0]["run"], "--yes")[0])
+        expect("differences", [], differences(stage))
+        stage.confirm_database(unrepaired=True)
+
+
 def database_in_use(program):
     with Stage(program) as stage:
         library(stage)
@@ -214,7 +274,7 @@ def database_in_use(program):
 
 def main():
     stories = (several_runs, asks_first, leaves_what_was_changed, row_and_file_stay_together,
-               edited_journals, killed, database_in_use)
+               edited_journals, killed, differences_that_stay, database_in_use)
     for story in stories:
         try:
             story(sys.argv[1])

@@ -130,6 +130,11 @@ class FakeConnection : public Connection {
         database_.calls_.Note("Delete " + std::string(table));
     }
 
+    std::size_t ReplaceDate(std::string_view table, std::string_view, DateTime, DateTime) override {
+        database_.calls_.Note("ReplaceDate " + std::string(table));
+        return 0;
+    }
+
     void Flush() override { database_.calls_.Note("Flush"); }
 
   private:

@@ -134,6 +134,12 @@ void FaultyConnection::Delete(std::string_view table, RowKey row) {
     real_->Delete(table, row);
 }
 
+std::size_t FaultyConnection::ReplaceDate(std::string_view table, std::string_view field,
+                                          DateTime before, DateTime after) {
+    Note("ReplaceDate " + std::string(table));
+    return real_->ReplaceDate(table, field, before, after);
+}
+
 void FaultyConnection::RequireAllowed(std::string_view field, const Value& value) const {
     const bool isRefused =
         refusedValue_ && refusedValue_->first == field && value == Value(refusedValue_->second);

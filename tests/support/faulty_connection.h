@@ -15,7 +15,7 @@ namespace quillon::support {
 /// A database that notes its statements and refuses those that a test names. What a table cursor
 /// does counts as a statement, too: "Filter Tracks ID=5", "AddNew Tracks", "Update Tracks"; so does
 /// what is done by row: "Scan Tracks", "Read Tracks", "OpenInserter Tracks", "Insert Tracks",
-/// "Update Tracks", "Delete Tracks".
+/// "Update Tracks", "Delete Tracks", "ReplaceDate Tracks".
 class FaultyConnection : public Connection {
   public:
     explicit FaultyConnection(std::unique_ptr<Connection> real) : real_(std::move(real)) {}
@@ -64,6 +64,8 @@ class FaultyConnection : public Connection {
                                               std::span<const std::string_view> fields) override;
     void Update(std::string_view table, RowKey row, std::span<const FieldValue> fields) override;
     void Delete(std::string_view table, RowKey row) override;
+    std::size_t ReplaceDate(std::string_view table, std::string_view field, DateTime before,
+                            DateTime after) override;
     void Flush() override;
 
   private:

@@ -27,6 +27,10 @@ class Listener : public RowObserver {
     void RowRemoved(const TableDefinition& table, std::span<const Value> row) override {
         Tell("- " + table.name + ' ' + Fields(table, row));
     }
+    void DateReplaced(const TableDefinition& table, const ReplacedDate& date) override {
+        Tell("@ " + table.name + ' ' + table.columns[date.column].name + ' ' +
+             std::to_string(date.rows) + " rows " + Show(date.before) + " -> " + Show(date.after));
+    }
     void BeforeCommit() override { Tell("before commit"); }
     void AfterCommit() override { Tell("after commit"); }
 
@@ -177,6 +181,22 @@ TEST_F(RowObserverTest, IsToldOfEachRowThatGoesWithAllOthers) {
     EXPECT_EQ(database_->Execute("DELETE * FROM Shelf"), 2);
     EXPECT_THAT(listener_.told, ::testing::ElementsAre(::testing::StartsWith("- Shelf ID=1"),
                                                        ::testing::StartsWith("- Shelf ID=2")));
+}
+
+TEST_F(RowObserverTest, IsToldOnceOfADateThatManyRowsGet) {
+    database_.Execute("CREATE TABLE Read (At DATETIME)");
+    for (int i = 0; i < 2; ++i)
+        database_.Execute("INSERT INTO Read (At) VALUES (#1/2/2026#)");
+    database_->Flush();
+    listener_.told.clear();
+    database_->ReplaceDate("Read", "At", Date{46024}, Date{46025});
+    database_->ReplaceDate("Read", "At", Date{46024}, Date{46025});
+    const std::string before = Show(Date{46024}), after = Show(Date{46025});
+    EXPECT_EQ(listener_.told, Told{"@ Read At 2 rows " + before + " -> " + after});
+    listener_.refused = "@";
+    EXPECT_THROW(database_->ReplaceDate("Read", "At", Date{46025}, Date{46026}),
+                 std::runtime_error);
+    EXPECT_EQ(database_.Rows("SELECT COUNT(*) FROM Read WHERE At=#1/3/2026#"), "2");
 }
 
 /// Every run empties tables that are empty already.
