@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "database/move_to_id.h"
+#include "compat/move_to_id.h"
 #include "database/sql.h"
 #include "platform/basic_text.h"
 #include "platform/database.h"

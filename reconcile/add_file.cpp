@@ -7,7 +7,6 @@
 #include <utility>
 #include <vector>
 
-#include "database/move_to_id.h"
 #include "database/spinner_rows.h"
 #include "database/sql.h"
 #include "id3/same_sound.h"
@@ -28,7 +27,8 @@
 namespace quillon {
 namespace {
 
-std::string GenreOfNumber(Connection& connection, std::string_view number) {
+/// `genres` are those that have been looked up.
+std::string GenreOfNumber(Connection& connection, Adding::Genres& genres, std::string_view number) {
     // The number stands bare in the statement: a text (of a tag with a "|" in its title) would be
     // read as SQL.
     if (!IsNumeric(number)) {
@@ -36,9 +36,13 @@ std::string GenreOfNumber(Connection& connection, std::string_view number) {
             FailureNumber::Database,
             "Syntax error (missing operator) in query expression: GenreID=" + std::string(number));
     }
-    const std::unique_ptr<RecordSet> found = connection.Query(
-        "SELECT Genre FROM SpinnerGenre WHERE GenreID=" + std::to_string(ToLong(number)));
-    return found->IsEmpty() ? "" : found->Text("Genre");
+    const auto genre = ToLong(number);
+    const auto [known, isNew] = genres.try_emplace(genre);
+    if (!isNew) return known->second;
+    const std::unique_ptr<RecordSet> found =
+        connection.Query("SELECT Genre FROM SpinnerGenre WHERE GenreID=" + std::to_string(genre));
+    if (!found->IsEmpty()) known->second = found->Text("Genre");
+    return known->second;
 }
 
 /// The identifier of the album, "" when there is none. A disc of another player will do; where the
@@ -114,7 +118,7 @@ class Addition {
     void AddArtist();
     void StandOnAlbum();
     std::string CoverTarget() const;
-    void UndoRow(RecordSet& table);
+    void AddRow(std::string_view table, const std::vector<FieldValue>& fields);
 
     Adding& adding_;
     Run& run_;
@@ -146,7 +150,7 @@ void Addition::Describe(std::string_view artist, std::string_view album) {
     }
     ReadTagInto(file_, *tag, [this, &tag](std::string_view genre) {
         const bool isName = !tag->isRecorded && !IsNumeric(genre);
-        return isName ? std::string(genre) : GenreOfNumber(*run_.connection, genre);
+        return isName ? std::string(genre) : GenreOfNumber(*run_.connection, adding_.genres, genre);
     });
     // A title taken from a folder's name cannot be the file's.
     if (file_.title.find('\\') != std::string::npos && file_.title == TitleInPath(path_))
@@ -233,11 +237,10 @@ void Addition::FindOrAddAlbum() {
     if (next.empty()) {
         throw Failure::Described(FailureNumber::Database, "No identifier for album " + file_.album);
     }
-    AddRow(albums_, FieldsOf(run_.clock.Now(), NewAlbum{.cdjid = next,
-                                                        .artist = file_.artist,
-                                                        .title = file_.album,
-                                                        .trackCount = 0}));
-    UndoRow(albums_);
+    AddRow("Albums", FieldsOf(run_.clock.Now(), NewAlbum{.cdjid = next,
+                                                         .artist = file_.artist,
+                                                         .title = file_.album,
+                                                         .trackCount = 0}));
     cdjid_ = next;
     isNewAlbum_ = true;
 }
@@ -247,9 +250,8 @@ void Addition::AddArtist() {
         !run_.connection->Query("SELECT ID FROM SpinnerArtist WHERE Artist=" + Quoted(file_.artist))
              ->IsEmpty();
     if (known) return;
-    AddRow(*adding_.spinnerArtist, FieldsOfSpinnerArtist(file_.artist));
+    AddRow("SpinnerArtist", FieldsOfSpinnerArtist(file_.artist));
     isNewArtist_ = true;
-    UndoRow(*adding_.spinnerArtist);
 }
 
 /// Music matters more than its picture: if need be it is added without one. Always true.
@@ -315,28 +317,25 @@ void Addition::AddRows() {
         albums_.Update();
     });
     // A reconciliation puts the artist's folder into the track's artist.
-    AddRow(*adding_.tracks, FieldsOf(run_.clock.Now(), NewTrack{.cdjid = cdjid_,
-                                                                .number = file_.track,
-                                                                .title = file_.title,
-                                                                .artist = std::nullopt,
-                                                                .soundFile = target_,
-                                                                .album = file_.album}));
-    UndoRow(*adding_.tracks);
-    AddRow(*adding_.spinner,
-           FieldsOf(run_.clock.Now(),
-                    DownloadSong{.link = StreamLink(adding_.downloadHost, file_.genre),
-                                 .artist = file_.artist,
-                                 .album = file_.album,
-                                 .song = file_.title,
-                                 .length = 0,
-                                 .genre = file_.genre}));
+    AddRow("Tracks", FieldsOf(run_.clock.Now(), NewTrack{.cdjid = cdjid_,
+                                                         .number = file_.track,
+                                                         .title = file_.title,
+                                                         .artist = std::nullopt,
+                                                         .soundFile = target_,
+                                                         .album = file_.album}));
+    AddRow("Spinner", FieldsOf(run_.clock.Now(),
+                               DownloadSong{.link = StreamLink(adding_.downloadHost, file_.genre),
+                                            .artist = file_.artist,
+                                            .album = file_.album,
+                                            .song = file_.title,
+                                            .length = 0,
+                                            .genre = file_.genre}));
 }
 
-/// Notes how to undo the row that was just added.
-void Addition::UndoRow(RecordSet& table) {
-    takeBack_.Add([&table, id = table.Integer("ID")] {
-        if (MoveToId(table, id)) table.Delete();
-    });
+/// Adds a row by its key, and notes how to undo that.
+void Addition::AddRow(std::string_view table, const std::vector<FieldValue>& fields) {
+    const AddedRow added = run_.connection->Insert(table, fields);
+    takeBack_.Add([this, table, added] { run_.connection->Delete(table, added.key); });
 }
 
 void Addition::Settle() {
@@ -357,10 +356,7 @@ void Addition::Settle() {
 
 void Addition::Undo() {
     // Else the next row's values would join what is left of this one's.
-    for (RecordSet* const table : {adding_.spinnerArtist.get(), adding_.spinner.get(),
-                                   adding_.albums.get(), adding_.tracks.get()}) {
-        steps_.Try(Step::Undo, [table] { table->CancelUpdate(); });
-    }
+    steps_.Try(Step::Undo, [this] { albums_.CancelUpdate(); });
     takeBack_.Run(steps_, Step::Undo);
     adding_.cdjid.clear();
 }
@@ -369,13 +365,14 @@ void Addition::Undo() {
 
 Adding::Adding(Run& theRun)
     : run(theRun),
-      spinnerArtist(theRun.connection->OpenTable("SpinnerArtist")),
-      spinner(theRun.connection->OpenTable("Spinner")),
       albums(theRun.connection->OpenTable("Albums")),
-      tracks(theRun.connection->OpenTable("Tracks")),
       sequence(theRun),
       root(AddBackslash(FolderPath(theRun.settings.LibraryRoot))),
-      downloadHost(DownloadHost(theRun.host)) {}
+      downloadHost(DownloadHost(theRun.host)) {
+    // A table that is not there is told of once, and not for each file.
+    for (const char* const table : {"SpinnerArtist", "Spinner", "Tracks"})
+        static_cast<void>(run.connection->OpenTable(table));
+}
 
 void AddFile(Adding& adding, std::string_view artist, std::string_view album, std::string_view path,
              std::string_view cover) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -14,11 +15,14 @@ namespace quillon {
 
 /// What adding files carries from file to file.
 struct Adding {
+    using Genres = std::unordered_map<std::int64_t, std::string>;
+
     /// Opens the tables. Throws Failure.
     explicit Adding(Run& theRun);
 
     Run& run;
-    std::unique_ptr<RecordSet> spinnerArtist, spinner, albums, tracks;  ///< table cursors
+    std::unique_ptr<RecordSet> albums;  ///< a cursor over the table
+    Genres genres;                      ///< names that have been looked up, by their numbers
     CdjidSequence sequence;
     std::string root;          ///< the library root, with a backslash at its end
     std::string downloadHost;  ///< of the links in the download table

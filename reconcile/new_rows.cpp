@@ -65,11 +65,4 @@ std::vector<FieldValue> FieldsOf(DateTime now, const NewTrack& track) {
     return fields;
 }
 
-void AddRow(RecordSet& table, const std::vector<FieldValue>& fields) {
-    table.AddNew();
-    for (const FieldValue& field : fields)
-        table.Set(field.name, field.value);
-    table.Update();
-}
-
 }  // namespace quillon

@@ -34,8 +34,4 @@ struct NewTrack {
 std::vector<FieldValue> FieldsOf(DateTime now, const NewAlbum& album);
 std::vector<FieldValue> FieldsOf(DateTime now, const NewTrack& track);
 
-/// Adds a row through a table cursor, which then stands on it. Failure: what the database refuses;
-/// the cursor then still holds the refused values.
-void AddRow(RecordSet& table, const std::vector<FieldValue>& fields);
-
 }  // namespace quillon

@@ -29,7 +29,7 @@ TEST_F(AddCountsTest, TellAllThatCameIn) {
 TEST_F(AddCountsTest, TellNothingOfAFileThatWasTakenBack) {
     AddNew("1.mp3", TagOf("One", "Artist", "First"));
     AddImage("front.jpg");
-    library.Database().Refuse("Update Tracks");
+    library.Database().Refuse("Insert Tracks");
     Add();
     const RunCounts& counts = library.run.counts;
     EXPECT_EQ(counts.errors, 1U);

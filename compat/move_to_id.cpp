@@ -1,4 +1,4 @@
-#include "database/move_to_id.h"
+#include "compat/move_to_id.h"
 
 #include <string>
 
