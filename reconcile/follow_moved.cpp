@@ -14,6 +14,7 @@
 #include "platform/basic_text.h"
 #include "platform/windows_path.h"
 #include "reconcile/move_matching.h"
+#include "reconcile/moved_up.h"
 #include "reconcile/tracks.h"
 #include "run/log.h"
 #include "tags/tag_reader.h"
@@ -32,7 +33,6 @@ std::int64_t SecondsOf(const TrackRow& row) {
 /// A file that a lost track may have.
 struct FoundFile {
     std::size_t held = 0, file = 0;
-    TrackRow* displaced = nullptr;
 };
 
 /// What tells one song from others.
@@ -56,8 +56,8 @@ class Following {
         Ask();
         MoveAnswer answer = MatchMoves(library_.Rules(), question_);
         becomes_ = std::move(answer.becomes);
-        LeaveOthersTheirFiles();
-        if (!SecurePlaylists()) return false;
+        pushedOut_ = SettleOwners(rows_, owners_, becomes_);
+        if (!SecurePlaylists() || !PushOut()) return false;
         RenameAlbums();
         for (std::size_t lost = 0; lost < lost_.size(); ++lost) {
             if (becomes_[lost]) MoveTrack(lost);
@@ -81,6 +81,7 @@ class Following {
             AskForFiles(album, names);
         std::map<const AlbumRow*, std::size_t> albums;
         for (const LostTrack& lost : lost_) {
+            rows_.push_back(lost.row);
             const auto [place, isNew] = albums.try_emplace(lost.album, albums.size());
             if (isNew) AskForAlbum(*lost.album, names);
             const KnownSound* const sound = sounds_.Of(*lost.row);
@@ -103,7 +104,8 @@ class Following {
         for (std::size_t file = 0; file < held.files.size(); ++file) {
             const HeldAlbum::File& kind = held.kinds[file];
             if (!kind.isNew && kind.displaced == nullptr) continue;
-            found_.push_back({album, file, kind.displaced});
+            found_.push_back({album, file});
+            owners_.push_back(kind.displaced);
             question_.found.push_back(
                 {.album = album,
                  .title = GetTrackName(held.files[file].Name, run_.settings.FlatStructure),
@@ -139,23 +141,19 @@ class Following {
         return whole;
     }
 
-    /// A file that has a row goes to another one only where its own row gets another file: no row
-    /// shall lose its file to somebody else's song.
-    void LeaveOthersTheirFiles() {
-        std::unordered_map<const TrackRow*, std::size_t> places;
-        for (std::size_t lost = 0; lost < lost_.size(); ++lost)
-            places[lost_[lost].row] = lost;
-        for (bool isSettled = false; !isSettled;) {
-            isSettled = true;
-            for (auto& found : becomes_) {
-                const TrackRow* const owner = found ? found_[*found].displaced : nullptr;
-                if (owner == nullptr) continue;
-                const auto place = places.find(owner);
-                if (place != places.end() && becomes_[place->second]) continue;
-                found.reset();
-                isSettled = false;
-            }
-        }
+    /// Before others get their paths, so that no path is ever that of two rows.
+    bool PushOut() {
+        return std::ranges::all_of(pushedOut_, [this](const PushedOut& pushed) {
+            const std::string before = pushed.row->soundFile;
+            const FieldValue path{"SoundFile", pushed.path};
+            steps_.Concerning(before);
+            if (!steps_.Try(FollowStep::MoveTrack,
+                            [&] { library_.Change(*pushed.row, std::span(&path, 1)); }))
+                return false;
+            WriteLog(run_, LogSource,
+                     "The song of " + before + " is gone: another one has moved up to its name");
+            return true;
+        });
     }
 
     /// What is kept of the playlists knows a song by its path, too.
@@ -167,6 +165,8 @@ class Following {
             run_.playlistEntries.SongMoves(static_cast<std::int32_t>(lost_[lost].row->id),
                                            PathOf(found_[*becomes_[lost]]));
         }
+        for (const PushedOut& pushed : pushedOut_)
+            run_.playlistEntries.SongMoves(static_cast<std::int32_t>(pushed.row->id), pushed.path);
         return !isAny ||
                steps_.Try(FollowStep::SecurePlaylists, [this] { run_.playlistEntries.Keep(); });
     }
@@ -381,7 +381,9 @@ class Following {
     Steps steps_;
     MoveQuestion question_;
     std::vector<FoundFile> found_;
+    std::vector<TrackRow*> rows_, owners_;  ///< of lost tracks; of found files, null for none
     std::vector<std::optional<std::size_t>> becomes_;
+    std::vector<PushedOut> pushedOut_;
     std::map<AlbumRow*, Exit> exits_;
     std::map<const AlbumRow*, std::string> oldNames_;
     std::map<const TrackRow*, std::string> oldPaths_;

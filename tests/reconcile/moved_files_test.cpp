@@ -110,6 +110,26 @@ TEST_F(MovedFilesTest, GetNoRowOfASongThatIsOverwritten) {
                                       R"(30|Red\One\03 - Cam.mp3|Cam|2)"));
 }
 
+TEST_F(MovedFilesTest, KeepTheirRowsWhereTheyMoveUpAfterOneIsRemoved) {
+    library.run.movedMusic.KeepDays = 14;
+    fs::remove(library.Music(R"(Red\One\01 - Ash.mp3)"));
+    Move(R"(Red\One\02 - Bay.mp3)", R"(Red\One\01 - Ash.mp3)");
+    Move(R"(Red\One\03 - Cam.mp3)", R"(Red\One\02 - Bay.mp3)");
+    Reconcile();
+    EXPECT_THAT(Tracks(),
+                ElementsAre(R"(10|Red\One\03 - Cam.mp3|Ash|0)", R"(20|Red\One\01 - Ash.mp3|Ash|1)",
+                            R"(30|Red\One\02 - Bay.mp3|Bay|2)"));
+    EXPECT_THAT(Log(),
+                Contains(R"(Quillon: The song of D:\Music\Red\One\01 - Ash.mp3 is gone: another )"
+                         R"(one has moved up to its name)"));
+    const auto rows = library.Rows("SELECT * FROM Tracks ORDER BY ID");
+    Reconcile();
+    EXPECT_EQ(library.Rows("SELECT * FROM Tracks ORDER BY ID"), rows);
+    Add(R"(Red\One\04 - Ash.mp3)", "red a", 9);
+    Reconcile();
+    EXPECT_THAT(Tracks(), Contains(R"(10|Red\One\04 - Ash.mp3|Ash|3)"));
+}
+
 TEST_F(MovedFilesTest, GetRowsOfTheirOwnWhereTheyAreCopies) {
     fs::copy_file(library.Music(R"(Red\One\02 - Bay.mp3)"),
                   library.Music(R"(Red\One\04 - Bay.mp3)"));
