@@ -99,6 +99,8 @@ void Translator::ExpandOutputs(const Select& select, Scope& scope) const {
                     scope.outputs.push_back({std::move(value), column.name, false});
                 }
             }
+            if (!any && item.value.qualifier.empty())
+                throw Error(ErrorKind::Syntax, "* stands for the fields of tables, and needs FROM");
             if (!any) {
                 throw Error(ErrorKind::NotFound,
                             "Cannot find the table '" + item.value.qualifier + "' for its fields");

@@ -95,10 +95,12 @@ Value ToCurrency(const ColumnDefinition& column, const Value& value) {
     if (std::holds_alternative<Currency>(value)) return value;
     const Decimal decimal = ToDecimal(column, value, 0, 4);
     const auto& words = decimal.magnitude;
-    if (words[0] != 0 || words[1] != 0 || words[2] > 0x7FFFFFFF)
+    const std::uint64_t magnitude = std::uint64_t{words[2]} << 32 | words[3];
+    constexpr std::uint64_t Most = std::numeric_limits<std::int64_t>::max();
+    if (words[0] != 0 || words[1] != 0 || magnitude > (decimal.negative ? Most + 1 : Most))
         FailRange(column, DecimalText(decimal));
-    const auto magnitude = static_cast<std::int64_t>(std::uint64_t{words[2]} << 32 | words[3]);
-    return Currency{decimal.negative ? -magnitude : magnitude};
+    // The least amount has no counterpart above zero.
+    return Currency{static_cast<std::int64_t>(decimal.negative ? ~magnitude + 1 : magnitude)};
 }
 
 /// The years 100 to 9999.

@@ -1,6 +1,7 @@
 #include "jet/engine/transfer.h"
 
 #include <cmath>
+#include <limits>
 
 #include "jet/engine/decimal_text.h"
 #include "jet/engine/number_text.h"
@@ -42,6 +43,16 @@ Value ReadDynamic(const Statement& statement, int column) {
     return statement.Real(column);
 }
 
+/// The largest amounts are beyond what numbers between can be told by: they end where the type
+/// ends.
+Currency ToCurrency(double number) {
+    using Limits = std::numeric_limits<std::int64_t>;
+    const double tenThousandths = RoundHalfEven(number * 10000);
+    if (tenThousandths >= static_cast<double>(Limits::max())) return {Limits::max()};
+    if (tenThousandths <= static_cast<double>(Limits::min())) return {Limits::min()};
+    return {static_cast<std::int64_t>(tenThousandths)};
+}
+
 Decimal ToDecimal(double number) {
     std::string text = FixedText(number);
     if (text.find('.') != std::string::npos) text.erase(text.find_last_not_of('0') + 1);
@@ -65,8 +76,7 @@ Value ReadValue(const Statement& statement, int column, ValueKind kind) {
         case ValueKind::Date:
             return Date{statement.Real(column)};
         case ValueKind::Currency:
-            return Currency{
-                static_cast<std::int64_t>(RoundHalfEven(statement.Real(column) * 10000))};
+            return ToCurrency(statement.Real(column));
         case ValueKind::Decimal:
             return ToDecimal(statement.Real(column));
         case ValueKind::Guid:

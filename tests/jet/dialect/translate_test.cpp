@@ -102,6 +102,7 @@ TEST(Translate, NamesUnknownTablesAndFields) {
                       ErrorKind::Syntax),
                 HasSubstr("more than one table"));
     EXPECT_THAT(Fault("SELECT * FROM Albums, Albums", ErrorKind::Syntax), HasSubstr("two tables"));
+    EXPECT_THAT(Fault("SELECT *", ErrorKind::Syntax), HasSubstr("needs FROM"));
 }
 
 TEST(Translate, TurnsComparedValuesIntoParameters) {

@@ -45,6 +45,13 @@ TEST(ConvertToField, KeepsToTheRangeOfTheType) {
     EXPECT_EQ(Refusal(ColumnType::Single, 1e39), ErrorKind::Overflow);
     EXPECT_EQ(Refusal(ColumnType::Date, 3e6), ErrorKind::Overflow);
     EXPECT_EQ(Refusal(ColumnType::Currency, 1e15), ErrorKind::Overflow);
+    for (const char* const amount : {"922337203685477.5808", "-922337203685477.5809"})
+        EXPECT_EQ(Refusal(ColumnType::Currency, std::string(amount)), ErrorKind::Overflow)
+            << amount;
+    EXPECT_EQ(Converted(ColumnType::Currency, std::string("922337203685477.5807")),
+              "$9223372036854775807");
+    EXPECT_EQ(Converted(ColumnType::Currency, std::string("-922337203685477.5808")),
+              "$-9223372036854775808");
 }
 
 TEST(ConvertToField, ReadsNumbersInTexts) {

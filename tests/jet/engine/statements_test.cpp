@@ -209,6 +209,14 @@ const Case Expressions[] = {
 
 INSTANTIATE_TEST_SUITE_P(Expressions, Statements, ::testing::ValuesIn(Expressions));
 
+TEST(Amounts, AreReadUpToTheEndsOfTheirType) {
+    SampleDatabase database;
+    database->Execute("CREATE TABLE Prices (P CURRENCY)");
+    for (const char* const amount : {"922337203685477.5807", "-922337203685477.5808"})
+        database->Execute("INSERT INTO Prices (P) VALUES ('" + std::string(amount) + "')");
+    EXPECT_EQ(database.Rows("SELECT P FROM Prices"), "$9223372036854775807\n$-9223372036854775808");
+}
+
 }  // namespace
 
 }  // namespace jet::testing
