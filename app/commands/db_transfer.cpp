@@ -1,4 +1,5 @@
 // quillon db import, quillon db export
+#include <algorithm>
 #include <fmt/format.h>
 #include <fstream>
 #include <iostream>
@@ -24,8 +25,15 @@ class Import {
     void TakeHeader() {
         std::vector<CsvField> names;
         if (!records_.Next(names)) throw CommandError("there is nothing in it, not even a header");
-        for (const CsvField& name : names)
-            columns_.push_back(ColumnNamed(name.value_or("")));
+        for (const CsvField& name : names) {
+            const std::size_t column = ColumnNamed(name.value_or(""));
+            // Of two values for one field only one could stay.
+            if (std::ranges::find(columns_, column) != columns_.end()) {
+                throw CommandError(
+                    fmt::format("line 1: it names the field '{}' twice", name.value_or("")));
+            }
+            columns_.push_back(column);
+        }
     }
 
     void TakeAllColumns() {

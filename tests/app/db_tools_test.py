@@ -157,6 +157,7 @@ Books (2 rows)
                 'Title,Year\na,1\n"b\nc",x\n': "data.csv: line 3: Type mismatch: the value does not suit the field "
                 "'Year'; nothing was imported",
                 "Title,Year\na\n": "data.csv: line 2: it has 1 fields where 2 are expected; nothing was imported",
+                "Title,title\na,b\n": "data.csv: line 1: it names the field 'title' twice; nothing was imported",
                 'Title\n"a': "data.csv: line 2: a quote has no end; nothing was imported",
                 b"Title\n\xe4\n": "data.csv: line 2, field Title: the text is not UTF-8; convert the file first, for "
                 "example with: iconv -f WINDOWS-1252 -t UTF-8; nothing was imported",
