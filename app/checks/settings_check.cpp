@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <fmt/format.h>
+#include <map>
 #include <ostream>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -173,6 +175,23 @@ void CheckUnreadKeys(HostFolder& host, const Settings& settings, Findings& findi
     if (!others.empty()) {
         findings.Caution(fmt::format("{} has keys in [{}] that nothing reads: {}", SettingsFile,
                                      SettingsSection, others));
+    }
+}
+
+void CheckRepeatedKeys(HostFolder& host, Findings& findings) {
+    std::map<std::string, std::string> first;  // lines by key in capitals
+    std::set<std::string> told;
+    for (const std::string& line : host.GetINILines(SettingsSection, SettingsFile)) {
+        const std::size_t equals = line.find('=');
+        if (equals == std::string::npos) continue;
+        const std::string key = UpperCase(Trim(std::string_view(line).substr(0, equals)));
+        const auto [place, isFirst] = first.try_emplace(key, line);
+        const auto valueIn = [](std::string_view of) { return Trim(of.substr(of.find('=') + 1)); };
+        if (isFirst || valueIn(place->second) == valueIn(line) || !told.insert(key).second)
+            continue;
+        findings.Caution(
+            fmt::format("{} has {} and further down {}. The first one counts. Delete the other",
+                        SettingsFile, place->second, line));
     }
 }
 

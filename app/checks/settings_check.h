@@ -15,6 +15,9 @@ Settings CheckSettings(Host& host, std::ostream& out, Findings& findings);
 /// Finds keys in the tool's section of its settings file that nothing reads.
 void CheckUnreadKeys(HostFolder& host, const Settings& settings, Findings& findings);
 
+/// Finds keys there that are set twice, to different values.
+void CheckRepeatedKeys(HostFolder& host, Findings& findings);
+
 /// Finds numbers that can be read and make no sense.
 void CheckNumbers(const Settings& settings, Findings& findings);
 

@@ -104,6 +104,7 @@ int Check(const CheckRequest& request, Console console) {
     TellDrives(local.host.Drives(), out);
     const Settings settings = CheckSettings(local.host, out, findings);
     CheckUnreadKeys(local.host, settings, findings);
+    CheckRepeatedKeys(local.host, findings);
     CheckNumbers(settings, findings);
     CheckHostSettings(local.host, out, findings);
     CheckFolders(local, settings, out, findings);

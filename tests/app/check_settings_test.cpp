@@ -109,6 +109,18 @@ TEST_F(CheckSettings, SuggestsTheKeyThatAMisspeltOneMayMean) {
               "  - Quillon.ini has keys in [NPFrame] that nothing reads: Colour, Size.");
 }
 
+TEST_F(CheckSettings, TellsWhichOfTwoLinesCounts) {
+    const std::string file = Read("shelf/Quillon.ini");
+    Write("shelf/Quillon.ini", file + "reconcile = 1\n[Other]\nReconcile=0\n");
+    EXPECT_EQ(Cautions(), "");
+    Write("shelf/Quillon.ini",
+          file + "[Other]\nReconcile=5\n[NPFrame]\nreconcile = 0\nReconcile=0\n");
+    EXPECT_EQ(
+        Cautions(),
+        "  - Quillon.ini has Reconcile=1 and further down reconcile = 0. The first one counts. "
+        "Delete the other.");
+}
+
 TEST_F(CheckSettings, AMisspeltNameThatLeavesADangerousDefaultIsAProblem) {
     const std::string file = Read("shelf/Quillon.ini");
     const auto with = [&](const std::string& line) {
