@@ -254,7 +254,13 @@ void RefreshPlaylist(Run& run) {
     run.ShowItem("1. Update Existing Playlists");
     // The brake has told why nothing goes on; the snapshot keeps what the lists mean.
     if (run.playlistEntries.NothingRead() || run.removals.Braked()) return;
-    steps.Try([&] { Refreshing(run, steps).Perform(); });
+    steps.Try([&] {
+        // A list that follows its songs to places that the database does not have yet would name
+        // others in the next run. Where it cannot be saved, the snapshot keeps what the lists mean.
+        run.TheLibrary().Save();
+        run.Flush();
+        Refreshing(run, steps).Perform();
+    });
 }
 
 }  // namespace quillon

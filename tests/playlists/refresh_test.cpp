@@ -7,6 +7,7 @@
 namespace quillon {
 namespace {
 
+using ::testing::Contains;
 using ::testing::Each;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
@@ -37,6 +38,26 @@ TEST_F(RefreshTest, LetsEntriesFollowTheirSongs) {
                 ElementsAre("Quillon: Playlist Mine.pla, Track # updated from 0 to A0 2",
                             "Quillon: Playlist Mine.pla, Track # updated from 2 to A0 0"));
     EXPECT_EQ(run().counts.playlistsRepaired, 1U);
+}
+
+TEST_F(RefreshTest, LeavesListsAloneWhereTheDatabaseCannotBeSaved) {
+    std::int32_t number = 9;
+    for (const char* const refused : {"Flush", "Update Tracks"}) {
+        AddList("Mine.pla", {"A0 0", "C0 0"});
+        const std::string before = List("Mine.pla");
+        NextRun();
+        CapturePlaylists(run());
+        library.Database().Refuse(refused);
+        run().TheLibrary().FindTrack(TrackId{1})->number.Set(--number);
+        RefreshPlaylist(run());
+        EXPECT_EQ(List("Mine.pla"), before) << refused;
+        EXPECT_TRUE(library.files.FileExists(Snapshot)) << refused;
+        EXPECT_THAT(library.host.log, Contains(HasSubstr("Refresh Playlist Error:")));
+        library.Database().Allow(refused);
+    }
+    RefreshPlaylist(run());
+    EXPECT_THAT(Lines("Mine.pla"), ElementsAre("A0 6"));
+    EXPECT_FALSE(library.files.FileExists(Snapshot));
 }
 
 TEST_F(RefreshTest, ChangesNothingASecondTime) {

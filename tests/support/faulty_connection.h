@@ -22,6 +22,8 @@ class FaultyConnection : public Connection {
 
     /// Every further statement that contains the text fails with the description "refused".
     void Refuse(std::string text) { refused_.push_back(std::move(text)); }
+    /// No more.
+    void Allow(std::string_view text) { std::erase(refused_, text); }
 
     /// Every further assignment of this text to this field of a table cursor fails alike.
     void RefuseValue(std::string field, std::string text) {
