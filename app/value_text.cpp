@@ -81,7 +81,7 @@ std::string Base64(const jet::Bytes& bytes) {
     return text;
 }
 
-struct TextOf {
+struct ValueAsText {
     std::string operator()(jet::Null) const { return "<null>"; }
     std::string operator()(bool value) const { return value ? "true" : "false"; }
     std::string operator()(std::int64_t value) const { return std::to_string(value); }
@@ -103,7 +103,7 @@ struct JsonOf {
     }
     template <typename Other>
     std::string operator()(const Other& value) const {
-        return JsonString(TextOf{}(value));
+        return JsonString(ValueAsText{}(value));
     }
 };
 
@@ -237,7 +237,7 @@ std::string CellText(const jet::Value& value) {
 }
 
 std::string ValueText(const jet::Value& value) {
-    return std::visit(TextOf{}, value);
+    return std::visit(ValueAsText{}, value);
 }
 
 std::string JsonValue(const jet::Value& value) {

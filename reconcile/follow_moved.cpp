@@ -13,6 +13,7 @@
 #include "database/album_key.h"
 #include "platform/basic_text.h"
 #include "platform/windows_path.h"
+#include "reconcile/missing_music.h"
 #include "reconcile/move_matching.h"
 #include "reconcile/moved_up.h"
 #include "reconcile/tracks.h"
@@ -310,10 +311,6 @@ class Following {
             WriteLog(run_, LogSource,
                      "Album followed its tracks: " + old->second + " -> " + NameOf(*album));
         }
-    }
-
-    static std::string NameOf(const AlbumRow& album) {
-        return album.artist.Text() + '\\' + album.title.Text();
     }
 
     void TellAlbum(const AlbumRow& album, const Exit& exit, const std::string& from,

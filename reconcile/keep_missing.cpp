@@ -19,14 +19,6 @@ namespace {
 
 enum class MissingStep { Keep = 1, Forget = 2 };
 
-std::string TracksText(std::size_t count) {
-    return std::to_string(count) + (count == 1 ? " track" : " tracks");
-}
-
-std::string NameOf(const AlbumRow& album) {
-    return album.artist.Text() + '\\' + album.title.Text();
-}
-
 /// Tells of tracks: of whole albums in one line each.
 class KeptMusicTelling {
   public:

@@ -53,16 +53,6 @@ class Doubts {
     std::size_t outside_ = 0;
 };
 
-/// ", 2 tracks"; nothing for none.
-std::string TracksText(std::size_t count) {
-    if (count == 0) return "";
-    return ", " + std::to_string(count) + (count == 1 ? " track" : " tracks");
-}
-
-std::string NameOf(const AlbumRow& album) {
-    return album.artist.Text() + '\\' + album.title.Text();
-}
-
 void TellWhatIsGone(Run& run, const MissingMusic& missing, bool albumsAreGone) {
     std::unordered_map<const AlbumRow*, std::size_t> tracks;
     for (const MissingMusic::Track& track : missing.tracks)
@@ -71,9 +61,10 @@ void TellWhatIsGone(Run& run, const MissingMusic& missing, bool albumsAreGone) {
     if (albumsAreGone) {
         for (const AlbumRow* const album : missing.albums) {
             told.insert(album);
+            const std::size_t count = tracks[album];
             WriteLog(run, LogSource,
                      "Album removed, its files were not found: " + NameOf(*album) +
-                         TracksText(tracks[album]));
+                         (count == 0 ? "" : ", " + TracksText(count)));
         }
     }
     for (const MissingMusic::Track& track : missing.tracks) {
@@ -84,6 +75,14 @@ void TellWhatIsGone(Run& run, const MissingMusic& missing, bool albumsAreGone) {
 }
 
 }  // namespace
+
+std::string NameOf(const AlbumRow& album) {
+    return album.artist.Text() + '\\' + album.title.Text();
+}
+
+std::string TracksText(std::size_t count) {
+    return std::to_string(count) + (count == 1 ? " track" : " tracks");
+}
 
 PlannedRemoval PlanRemoval(const Walk& walk, const std::vector<MissingMusic::Track>& tracks,
                            std::size_t owned) {

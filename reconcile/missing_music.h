@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 #include <vector>
 
 #include "library/rows.h"
@@ -25,6 +26,12 @@ struct MissingMusic {
     /// none of the library folders.
     PlannedRemoval planned;
 };
+
+/// An album as the log names it: "Alder\First Light".
+std::string NameOf(const AlbumRow& album);
+
+/// "1 track", "2 tracks".
+std::string TracksText(std::size_t count);
 
 /// Tracks, of so many in all, as the brake wants to know of them.
 PlannedRemoval PlanRemoval(const Walk& walk, const std::vector<MissingMusic::Track>& tracks,

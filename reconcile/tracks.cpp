@@ -299,7 +299,7 @@ class AlbumTracks {
     /// Nothing where the file cannot be read, which is logged then. A row without its length and
     /// number would stay so for good; without one, the next run adds it.
     TrackRow* AddRow(ListedFile& file) {
-        constexpr std::int64_t UnknownLength = -1;
+        constexpr std::int64_t NoLength = -1;
         const std::string& path = file.Name;
         const TrackTag& tag = TagOf(file);
         if (file.IsUnreadable) return nullptr;
@@ -307,8 +307,8 @@ class AlbumTracks {
         const std::optional<std::int64_t> length = IntegerIn(tag.seconds);
         TrackRow& row = library_.AddTrack(FieldsOf(
             run_.clock.Now(), NewTrack{.cdjid = album_.cdjid,
-                                       .minutes = length ? *length / 60 : UnknownLength,
-                                       .seconds = length ? *length % 60 : UnknownLength,
+                                       .minutes = length ? *length / 60 : NoLength,
+                                       .seconds = length ? *length % 60 : NoLength,
                                        .number = number.value_or(NoNumber),
                                        .title = GetTrackName(path, run_.settings.FlatStructure),
                                        .artist = ArtistOf(file),

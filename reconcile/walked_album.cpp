@@ -14,7 +14,7 @@
 namespace quillon {
 namespace {
 
-bool HoldsQuote(const ListedFile& file) {
+bool NameHoldsQuote(const ListedFile& file) {
     return file.Name.find('"') != std::string::npos;
 }
 
@@ -33,9 +33,10 @@ void ProcessAlbum(Walk& walk, Album album, FileList files) {
     // their rows as they are; the others run into the same refusal, each with its log line.
     if (album.cdjid == NoCdjid) {
         for (const ListedFile& file : files) {
-            if (!HoldsQuote(file)) walk.unlisted.push_back({file.Name, album.artist, album.title});
+            if (!NameHoldsQuote(file))
+                walk.unlisted.push_back({file.Name, album.artist, album.title});
         }
-        if (std::none_of(files.begin(), files.end(), HoldsQuote)) return;
+        if (std::none_of(files.begin(), files.end(), NameHoldsQuote)) return;
     }
     ProcessTracks(walk, album, files);
     if (walk.moved) walk.moved->NoteSeen(files);

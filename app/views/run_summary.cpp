@@ -133,7 +133,7 @@ std::string Errors(const RunSummary& summary) {
 }
 
 /// "Done in 0:01:02; 2 errors in host.log", without the full stop.
-std::string Outcome(const RunSummary& summary) {
+std::string OutcomeLine(const RunSummary& summary) {
     const std::string errors = Errors(summary);
     const std::string elapsed = DurationText(summary.elapsed);
     switch (summary.outcome) {
@@ -159,7 +159,7 @@ std::string ShortOutcome(const RunSummary& summary) {
 /// What a record at the end of the first line is introduced by; empty where none belongs there.
 std::string Introduction(const RunSummary& summary) {
     const RunCounts& counts = summary.counts;
-    if (counts.errors > 0 || counts.recordsLost > 0) return Outcome(summary) + ", last: ";
+    if (counts.errors > 0 || counts.recordsLost > 0) return OutcomeLine(summary) + ", last: ";
     return summary.outcome == RunOutcome::NothingRan ? "Nothing ran: " : "";
 }
 
@@ -168,7 +168,7 @@ std::string FirstLine(const RunSummary& summary, std::string_view record, std::s
     const std::size_t taken = introduction.size();
     if (taken > 0 && !record.empty() && taken + LeastRecordColumns <= columns)
         return introduction + ShortenMiddle(OneLine(record), columns - taken);
-    const std::string outcome = Outcome(summary) + '.';
+    const std::string outcome = OutcomeLine(summary) + '.';
     const bool fits = outcome.size() <= columns || summary.outcome == RunOutcome::NothingRan;
     return FitColumns(fits ? outcome : ShortOutcome(summary) + '.', columns);
 }
@@ -182,8 +182,8 @@ std::string MusicLine(const RunSummary& summary, bool withUnchanged) {
 
 std::vector<std::string> SummaryLines(const RunSummary& summary) {
     if (summary.outcome == RunOutcome::NothingRan)
-        return {Outcome(summary) + '.', NothingWasChanged, SeeCheck};
-    return {Outcome(summary) + '.', MusicLine(summary, true),
+        return {OutcomeLine(summary) + '.', NothingWasChanged, SeeCheck};
+    return {OutcomeLine(summary) + '.', MusicLine(summary, true),
             JoinedAll(OthersOr(summary, "No file, playlist or tag was changed."))};
 }
 
@@ -203,7 +203,7 @@ std::vector<std::string> SummaryLines(const RunSummary& summary, std::string_vie
 }
 
 std::string SummaryText(const RunSummary& summary) {
-    const std::string outcome = Outcome(summary) + '.';
+    const std::string outcome = OutcomeLine(summary) + '.';
     if (summary.outcome == RunOutcome::NothingRan) return Joined(outcome, SeeCheck);
     const std::string music = AlbumsAndTracks(summary.counts, true);
     const std::vector<std::string> others =
