@@ -24,14 +24,14 @@ if(QUILLON_LIBFUZZER)
 endif()
 
 # Headers that files share are most of what a file costs, so several files are compiled at once. Static
-# analysis builds nothing and may take all of a test program together.
-set(quillon_tests_at_once ${QUILLON_FILES_AT_ONCE})
+# analysis builds nothing, and its checks go through all headers each time: it takes all files of a
+# target together.
 if(QUILLON_FILES_AT_ONCE GREATER 1)
     set(CMAKE_UNITY_BUILD ON)
     set(CMAKE_UNITY_BUILD_BATCH_SIZE ${QUILLON_FILES_AT_ONCE})
-endif()
-if(QUILLON_ANALYSE)
-    set(quillon_tests_at_once 0)
+    if(QUILLON_ANALYSE)
+        set(CMAKE_UNITY_BUILD_BATCH_SIZE 0)
+    endif()
 endif()
 
 # quillon_library(NAME SOURCES ... [USES ...] [PRIVATELY_USES ...])
@@ -74,7 +74,6 @@ function(quillon_test name)
     target_link_libraries(${name} PRIVATE quillon_options ${ARG_USES} GTest::gtest_main GTest::gmock)
     # What is tested is optimised in the release build; tests only need to compile fast.
     target_compile_options(${name} PRIVATE -O0)
-    set_target_properties(${name} PROPERTIES UNITY_BUILD_BATCH_SIZE ${quillon_tests_at_once})
     if(QUILLON_SANITIZE OR WIN32)
         # A process for each case would spend more time on starting than on its work.
         set(filter "")
