@@ -10,6 +10,7 @@
 #include "jet/check.h"
 #include "jet/storage/database_file.h"
 #include "jukebox/database_needs.h"
+#include "tests/app/built_files.h"
 #include "tests/app/program_test.h"
 #include "tests/outside/command.h"
 #include "tests/outside/mutants.h"
@@ -50,7 +51,7 @@ class DamagedDatabase : public ProgramTest {
     int Run() const {
         const std::string host = outside::ShellQuoted(Path("shelf").string());
         const auto result =
-            outside::RunCommand("'" QUILLON_PROGRAM "' run --quiet --host " + host + " 2>&1");
+            outside::RunCommand("'" + built::Program() + "' run --quiet --host " + host + " 2>&1");
         for (const auto& entry : fs::directory_iterator(Path("shelf")))
             if (entry.path().string().find("_Copy Dated_") != std::string::npos)
                 fs::remove_all(entry.path());

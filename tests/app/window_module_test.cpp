@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "app/views/window_view.h"
+#include "tests/app/built_files.h"
 #include "tests/outside/temporary_folder.h"
 
 namespace quillon {
@@ -52,13 +53,13 @@ TEST_F(WindowModule, OneThatCannotBeLoadedIsNamedWithTheReason) {
 }
 
 TEST_F(WindowModule, ALibraryOfAnotherKindIsRefused) {
-    EXPECT_EQ(WhyNot({QUILLON_NO_WINDOW}),
-              std::string(QUILLON_NO_WINDOW) + " is not this program's desktop window");
+    EXPECT_EQ(WhyNot({built::NoWindow()}),
+              built::NoWindow() + " is not this program's desktop window");
 }
 
 TEST_F(WindowModule, OneOfAnotherBuildIsRefused) {
-    EXPECT_EQ(WhyNot({QUILLON_OTHER_WINDOW}),
-              std::string(QUILLON_OTHER_WINDOW) + " belongs to another build of this program");
+    EXPECT_EQ(WhyNot({built::OtherWindow()}),
+              built::OtherWindow() + " belongs to another build of this program");
 }
 
 }  // namespace
