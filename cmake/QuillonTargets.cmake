@@ -62,29 +62,36 @@ function(quillon_embed header)
 endfunction()
 
 # quillon_test(NAME SOURCES ... USES ... [COST N] [ASKING_OTHERS PATTERN])
-# A GoogleTest program; CTest runs its cases one by one, under the sanitizers and for Windows all at
-# once. There, COST says how long it takes: the longest begin first. PATTERN names the cases that ask
+# A GoogleTest program. CTest runs all its cases in one process, since to start one for each takes
+# longer than most of them; the release build runs them in another order than they are written in, so
+# that none can rely on those before it. COST says that it takes long, and how long beside others: it
+# begins first and is cut into several parts, which run side by side. PATTERN names the cases that ask
 # programs which Windows does not have; they are left out there.
 function(quillon_test name)
     cmake_parse_arguments(ARG "" "COST;ASKING_OTHERS" "SOURCES;USES" ${ARGN})
-    if(NOT ARG_COST)
-        set(ARG_COST 10)
-    endif()
     add_executable(${name} ${ARG_SOURCES})
     target_link_libraries(${name} PRIVATE quillon_options ${ARG_USES} GTest::gtest_main GTest::gmock)
     # What is tested is optimised in the release build; tests only need to compile fast.
     target_compile_options(${name} PRIVATE -O0)
-    if(QUILLON_SANITIZE OR WIN32)
-        # A process for each case would spend more time on starting than on its work.
-        set(filter "")
-        if(WIN32 AND ARG_ASKING_OTHERS)
-            set(filter --gtest_filter=-${ARG_ASKING_OTHERS})
-        endif()
-        add_test(NAME ${name} COMMAND ${name} --gtest_brief=1 ${filter})
-        set_tests_properties(${name} PROPERTIES TIMEOUT 900 COST ${ARG_COST})
-    else()
-        gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
+    set(options --gtest_brief=1)
+    if(WIN32 AND ARG_ASKING_OTHERS)
+        list(APPEND options --gtest_filter=-${ARG_ASKING_OTHERS})
     endif()
+    if(NOT QUILLON_SANITIZE)
+        list(APPEND options --gtest_shuffle --gtest_random_seed=1)
+    endif()
+    if(NOT ARG_COST)
+        add_test(NAME ${name} COMMAND ${name} ${options})
+        set_tests_properties(${name} PROPERTIES TIMEOUT 900 COST 10)
+        return()
+    endif()
+    set(parts 4)
+    foreach(part RANGE 1 ${parts})
+        math(EXPR index "${part} - 1")
+        add_test(NAME ${name}.${part}of${parts} COMMAND ${name} ${options})
+        set_tests_properties(${name}.${part}of${parts} PROPERTIES TIMEOUT 900 COST ${ARG_COST}
+            ENVIRONMENT "GTEST_TOTAL_SHARDS=${parts};GTEST_SHARD_INDEX=${index}")
+    endforeach()
 endfunction()
 
 # quillon_script_test(NAME SCRIPT [ARGUMENTS ...] [TIMEOUT SECONDS] [COST N] [RELEASE_ONLY])
