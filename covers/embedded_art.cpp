@@ -19,7 +19,6 @@ std::string Write(Run& run, const std::string& name, const EmbeddedImage& image)
     const std::unique_ptr<TextWriter> file = run.files.CreateText(path);
     file->WriteBytes({reinterpret_cast<const char*>(image.bytes.data()), image.bytes.size()});
     file->Close();
-    ++run.counts.filesCopied;
     return path;
 }
 

@@ -171,7 +171,7 @@ class Refreshing {
         }
         if (!writer->CloseIf(isSame)) return false;
         Tell(list);
-        ++run_.counts.playlistsRepaired;
+        ++run_.counts.playlistsRewritten;
         return true;
     }
 

@@ -134,7 +134,7 @@ class Addition {
     bool isNewAlbum_ = false;
     bool isKnown_ = false;  ///< a track has the target already
     bool isNewArtist_ = false, isCoverGiven_ = false;
-    bool isCopied_ = false, isCoverCopied_ = false;
+    bool isCopied_ = false;
 };
 
 /// Nothing has been written when this fails.
@@ -267,7 +267,7 @@ bool Addition::TryCover() {
         adding_.refusedCovers.insert(CoverTarget());
         steps_.Try(Step::Undo, [this] { albums_.CancelUpdate(); });
         coverBack.Run(steps_, Step::Undo);
-        isCoverCopied_ = isCoverGiven_ = false;
+        isCoverGiven_ = false;
     }
     return true;
 }
@@ -281,7 +281,6 @@ void Addition::GiveCover(TakeBack& coverBack) {
     if (!run_.files.FileExists(image)) {
         run_.files.CopyFile(cover_, image, false);
         coverBack.Add([this, image] { run_.files.Discard(image); });
-        isCoverCopied_ = true;
     }
     StandOnAlbum();
     albums_.Set("ImageFile", image);
@@ -351,7 +350,6 @@ void Addition::Settle() {
     if (isNewArtist_) ++run_.counts.artistsAdded;
     if (isCoverGiven_) ++run_.counts.imagesAdded;
     if (isCopied_) ++run_.counts.filesCopied;
-    if (isCoverCopied_) ++run_.counts.filesCopied;
 }
 
 void Addition::Undo() {

@@ -39,10 +39,9 @@ struct RunCounts {
     std::size_t tracksAdded = 0, tracksChanged = 0, tracksRemoved = 0, tracksUnchanged = 0;
     std::size_t tagsWritten = 0;      ///< files whose tag has become another one
     std::size_t tagValuesStored = 0;  ///< values of tags that have changed a row
-    /// Playlist files made or converted, rewritten because entries had changed, and deleted because
+    /// Playlist files that are new, that have other entries than before, and that are gone because
     /// none was left.
-    std::size_t playlistsWritten = 0, playlistsRepaired = 0, playlistsRemoved = 0;
-    /// Music files and covers, in the order of the words.
+    std::size_t playlistsWritten = 0, playlistsRewritten = 0, playlistsRemoved = 0;
     std::size_t filesRenamed = 0, filesRemoved = 0, filesCopied = 0;
     std::size_t rowsRepointed = 0;  ///< rows whose stored path has become another one
     /// Albums that got an image, another one, or lost theirs.
@@ -151,8 +150,8 @@ class Run {
     /// The same with as many steps as "SELECT ... FROM" has rows with this behind it: one table.
     void StartCountingRows(std::string_view from);
 
-    /// One of these steps is done.
-    void CountDone();
+    /// One of these steps is done, or several.
+    void CountDone(std::size_t steps = 1);
 
     /// Set by the Abort button; only ever goes from false to true.
     bool AbortRequested = false;

@@ -38,7 +38,8 @@ std::string ModeOf(const Run& run) {
 }
 
 /// What the journal counts as it has it, so that summary, report and journal agree. Only the run
-/// knows what it looked at and left as it was.
+/// knows what it looked at and left as it was, what tags and stored paths have become of, and what
+/// the download table was short of.
 RunCounts CountsOf(const RunCounts& run, ReportGatherer& journal) {
     RunCounts counts = run;
     const auto take = [&journal](std::size_t& count, DeedKind kind) {
@@ -52,7 +53,15 @@ RunCounts CountsOf(const RunCounts& run, ReportGatherer& journal) {
     take(counts.tracksRemoved, DeedKind::TrackRemoved);
     take(counts.filesRenamed, DeedKind::FileRenamed);
     take(counts.filesRemoved, DeedKind::FileRemoved);
+    take(counts.filesCopied, DeedKind::FileCopied);
     take(counts.tagsWritten, DeedKind::TagWritten);
+    take(counts.playlistsWritten, DeedKind::PlaylistWritten);
+    take(counts.playlistsRewritten, DeedKind::PlaylistRewritten);
+    take(counts.playlistsRemoved, DeedKind::PlaylistDeleted);
+    take(counts.pagesWritten, DeedKind::PageWritten);
+    counts.imagesAdded = journal.Covers().added;
+    counts.imagesChanged = journal.Covers().changed;
+    counts.imagesRemoved = journal.Covers().removed;
     const auto unchanged = [](std::size_t seen, std::size_t changed) {
         return seen - std::min(seen, changed);
     };

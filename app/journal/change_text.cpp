@@ -10,11 +10,11 @@
 #include <utility>
 #include <vector>
 
+#include "app/journal/file_type.h"
 #include "app/journal/tag_differences.h"
 #include "app/text/display_text.h"
 #include "platform/basic_text.h"
 #include "platform/windows_path.h"
-#include "run/sound_files.h"
 
 namespace quillon {
 namespace {
@@ -226,29 +226,20 @@ void AddRow(Groups& groups, const RowChange& change, const ChangeTextOptions& op
                ChangedRow(change, options));
 }
 
-bool EndsIn(std::string_view path, std::string_view ending) {
-    return path.size() >= ending.size() &&
-           EqualIgnoringCase(path.substr(path.size() - ending.size()), ending);
-}
-
 /// What kind of file it is, for the heading.
 std::string FilesOf(std::string_view path) {
-    struct Kind {
-        const char *ending, *name;
-    };
-    constexpr std::array<Kind, 10> Kinds{{{".pla", "Playlists"},
-                                          {".m3u", "Playlists"},
-                                          {".jpg", "Images"},
-                                          {".jpeg", "Images"},
-                                          {".gif", "Images"},
-                                          {".bmp", "Images"},
-                                          {".png", "Images"},
-                                          {".asp", "Pages of the album picker"},
-                                          {".htm", "Pages of the album picker"},
-                                          {".html", "Pages of the album picker"}}};
-    if (IsSoundFile(path)) return "Music files";
-    for (const Kind& kind : Kinds)
-        if (EndsIn(path, kind.ending)) return kind.name;
+    switch (TypeOfFile(path)) {
+        case FileType::Music:
+            return "Music files";
+        case FileType::Playlist:
+            return "Playlists";
+        case FileType::Image:
+            return "Images";
+        case FileType::Page:
+            return "Pages of the album picker";
+        case FileType::Other:
+            break;
+    }
     return "Other files";
 }
 

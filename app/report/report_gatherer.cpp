@@ -5,11 +5,11 @@
 #include <string_view>
 #include <utility>
 
+#include "app/journal/file_type.h"
 #include "app/journal/net_changes.h"
 #include "app/journal/tag_differences.h"
 #include "platform/basic_text.h"
 #include "run/paths.h"
-#include "run/sound_files.h"
 #include "undo/net_rows.h"
 
 namespace quillon {
@@ -57,23 +57,6 @@ std::string ArtistOfFile(std::string_view path, bool flatLayout) {
     }
     const std::vector<std::string> parts = Split(path, "\\");
     return parts.size() > 3 ? parts[parts.size() - 3] : "";
-}
-
-bool HasEnding(std::string_view path, std::string_view ending) {
-    return EqualIgnoringCase(Right(path, ending.size()), ending);
-}
-
-bool IsPlaylist(std::string_view path) {
-    return HasEnding(path, ".pla") || HasEnding(path, ".m3u");
-}
-
-bool IsPage(std::string_view path) {
-    return HasEnding(path, ".asp") || HasEnding(path, ".html");
-}
-
-bool IsImage(std::string_view path) {
-    return HasEnding(path, ".jpg") || HasEnding(path, ".gif") || HasEnding(path, ".png") ||
-           HasEnding(path, ".bmp");
 }
 
 bool IsOfCoverAlone(const RowChange& row) {
@@ -214,6 +197,7 @@ void ReportGatherer::Add(const RowChange& row) {
     if (!IsOfLibrary(row)) return;
     const std::optional<DeedKind> kind = KindOf(row);
     if (!kind) return AddOtherRow(row.table);
+    if (IsNamed(row.table, "Albums")) covers_.Note(row);
     const std::optional<std::int64_t> id = IdOf(row);
     // What is changed in a row that is new anyway says nothing.
     if (IsSeen(row, id)) return;
@@ -258,6 +242,7 @@ void ReportGatherer::TellRow(DeedKind kind, const RowChange& row, std::string_vi
 
 void ReportGatherer::Add(const FileChange& change) {
     if (!IsOfLibrary(change)) return;
+    if (change.kind == FileChange::Kind::Discarded) return ForgetWhatMade(change.path);
     planned_.push_back(change);
     if (planned_.size() > MostPlanned) TellNextFile();
 }
@@ -265,6 +250,24 @@ void ReportGatherer::Add(const FileChange& change) {
 void ReportGatherer::Add(const FileChangeFailed& failed) {
     std::erase_if(planned_,
                   [&](const FileChange& change) { return change.number == failed.number; });
+}
+
+/// A run takes back at once what it has made.
+void ReportGatherer::ForgetWhatMade(const std::string& path) {
+    std::erase_if(planned_, [&](const FileChange& change) {
+        const bool isCopy = change.kind == FileChange::Kind::Copied;
+        const bool isMade = isCopy || change.kind == FileChange::Kind::Written;
+        return isMade && EqualIgnoringCase(isCopy ? change.target : change.path, path);
+    });
+}
+
+/// Pages are made in a folder beside the set, which is deleted where it does not take its place.
+void ReportGatherer::ForgetPagesIn(const std::string& folder) {
+    DeedList& pages = content_.total.at(static_cast<std::size_t>(DeedKind::PageWritten));
+    const bool areTheirs = std::ranges::any_of(pages.first, [&](const DeedList::Deed& page) {
+        return EqualIgnoringCase(ParentFolder(page.what), folder);
+    });
+    if (areTheirs) pages = {};
 }
 
 void ReportGatherer::TellNextFile() {
@@ -282,33 +285,40 @@ DeedList::Deed* ReportGatherer::AddFile(DeedKind kind, const std::string& path,
 }
 
 void ReportGatherer::AddWritten(const FileChange& change, const std::string& path) {
-    if (IsPlaylist(path)) {
-        AddFile(change.before ? DeedKind::PlaylistRewritten : DeedKind::PlaylistWritten, path,
-                path);
-    } else if (IsPage(path)) {
-        AddFile(DeedKind::PageWritten, path, path);
-    } else if (IsImage(path)) {
-        AddFile(DeedKind::ImageWritten, path, path);
-    } else if (IsSoundFile(path)) {
-        AddFile(DeedKind::FileCopied, path, path);
-    } else {
-        AddFile(DeedKind::FileWritten, path, path);
+    switch (TypeOfFile(path)) {
+        case FileType::Playlist:
+            AddFile(change.before ? DeedKind::PlaylistRewritten : DeedKind::PlaylistWritten, path,
+                    path);
+            break;
+        case FileType::Page:
+            AddFile(DeedKind::PageWritten, path, path);
+            break;
+        case FileType::Image:
+            AddFile(DeedKind::ImageWritten, path, path);
+            break;
+        case FileType::Music:
+            AddFile(DeedKind::FileCopied, path, path);
+            break;
+        case FileType::Other:
+            AddFile(DeedKind::FileWritten, path, path);
+            break;
     }
 }
 
 void ReportGatherer::AddDeleted(const FileChange& change) {
     const std::string kept = change.before ? change.before->keptAs : "";
-    if (IsSoundFile(change.path)) {
+    const FileType type = TypeOfFile(change.path);
+    if (type == FileType::Music) {
         AddFile(DeedKind::FileRemoved, change.path,
                 change.path + (kept.empty() ? ", for good" : ", kept as " + kept));
-    } else if (IsPlaylist(change.path)) {
+    } else if (type == FileType::Playlist) {
         AddFile(DeedKind::PlaylistDeleted, change.path, change.path);
     }
 }
 
 /// A name that a file has only on its way to another one is not told of.
 void ReportGatherer::AddRenamed(const FileChange& change) {
-    if (!IsSoundFile(change.path)) return;
+    if (TypeOfFile(change.path) != FileType::Music) return;
     std::string from = change.path;
     if (const auto known = onTheWay_.find(change.path); known != onTheWay_.end()) {
         from = known->second;
@@ -347,6 +357,8 @@ void ReportGatherer::Tell(const FileChange& change) {
             return AddRenamed(change);
         case FileChange::Kind::Deleted:
             return AddDeleted(change);
+        case FileChange::Kind::FolderDeleted:
+            return ForgetPagesIn(change.path);
         default:
             return;
     }

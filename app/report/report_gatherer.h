@@ -14,6 +14,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "app/report/cover_counts.h"
 #include "app/report/report_content.h"
 #include "changes/change.h"
 
@@ -44,6 +45,8 @@ class ReportGatherer {
 
     /// How many there were so far, of rows those that are in the database for good.
     std::size_t CountOf(DeedKind kind);
+    /// Likewise of albums' images.
+    const CoverCounts::Numbers& Covers() const { return savedCovers_; }
 
     /// To be called once, when all records have been told.
     ReportContent Finish();
@@ -61,7 +64,10 @@ class ReportGatherer {
     void Add(const PhaseStarted& phase);
     void Add(const RowChange& row);
     void Add(const DateReplaced& date);
-    void Add(const RowsSaved&) { savedRows_ = rows_; }
+    void Add(const RowsSaved&) {
+        savedRows_ = rows_;
+        savedCovers_ = covers_.Current();
+    }
     void Add(const FileChange& change);
     void Add(const FileChangeFailed& failed);
     void Add(const LogLine& line);
@@ -77,6 +83,8 @@ class ReportGatherer {
                  std::string_view title);
     void TellUnnamed(const Unnamed& unnamed);
 
+    void ForgetWhatMade(const std::string& path);
+    void ForgetPagesIn(const std::string& folder);
     void TellNextFile();
     void Tell(const FileChange& change);
     DeedList::Deed* AddFile(DeedKind kind, const std::string& path, const std::string& what);
@@ -93,6 +101,8 @@ class ReportGatherer {
     std::string lastArtist_;  ///< rows of one artist mostly follow each other
     DeedLists* ofLastArtist_ = nullptr;
     std::array<std::size_t, DeedKinds> rows_{}, savedRows_{};  ///< how many of each kind
+    CoverCounts covers_;
+    CoverCounts::Numbers savedCovers_;
     std::array<RowNumbers, 4> seenIds_;  ///< albums, albums removed, tracks, tracks removed
     std::unordered_set<std::uint64_t> seenRows_, seenFiles_;  ///< hashes
     std::map<std::string, std::string> onTheWay_;  ///< names in the middle of a rename: from where

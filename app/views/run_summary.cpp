@@ -62,12 +62,13 @@ std::vector<std::string> Others(const RunSummary& summary) {
     const RunCounts& counts = summary.counts;
     const char* const values = counts.tagValuesStored == 1 ? "value" : "values";
     std::vector<std::string> sentences{
-        Told("Files", {{counts.filesRenamed, "renamed"},
-                       {counts.filesRemoved, summary.keepsRemoved ? "moved to Removed" : "deleted"},
-                       {counts.filesCopied, "copied"}}),
+        Told("Files",
+             {{counts.filesRenamed, "renamed"},
+              {counts.filesRemoved, summary.keepsRemoved ? "moved to Removed" : "deleted for good"},
+              {counts.filesCopied, "copied"}}),
         Told("Stored paths", {{counts.rowsRepointed, "changed"}}),
         Told("Playlists", {{counts.playlistsWritten, "written"},
-                           {counts.playlistsRepaired, "repaired"},
+                           {counts.playlistsRewritten, "rewritten"},
                            {counts.playlistsRemoved, "removed"}}),
         Told("Tags", {{counts.tagsWritten, "written"},
                       {counts.tagValuesStored, fmt::format("{} taken into the database", values)}}),
@@ -87,7 +88,7 @@ std::vector<std::string> Remarks(const RunSummary& summary) {
     std::vector<std::string> sentences;
     if (summary.counts.leftOut > 0) {
         sentences.push_back(fmt::format("{} left out, see 'quillon check'.",
-                                        CountText(summary.counts.leftOut, "file")));
+                                        CountText(summary.counts.leftOut, "music file")));
     }
     if (summary.braked) sentences.emplace_back(BrakeHeld);
     if (!summary.saved) sentences.emplace_back(NotAllSaved);

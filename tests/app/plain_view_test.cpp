@@ -51,11 +51,11 @@ TEST(PlainView, SumsUpOnOneLine) {
     RunCounts counts;
     counts.albumsAdded = 2;
     counts.tracksAdded = 31;
-    counts.playlistsRepaired = 1;
+    counts.playlistsRewritten = 1;
     view.Summarize({RunOutcome::Completed, counts, std::chrono::seconds(62)});
     EXPECT_EQ(pipe.Waiting(),
               "Done in 0:01:02; no errors. Albums: 2 added. Tracks: 31 added. "
-              "Playlists: 1 repaired.\n");
+              "Playlists: 1 rewritten.\n");
 }
 
 TEST(PlainView, TellsErrorsAndTheSummaryAloneWhereItIsToBeQuiet) {

@@ -139,6 +139,50 @@ TEST_F(Report, TellsOfAnAlbumThatOnlyGetsACoverAsOfACover) {
     EXPECT_THAT(Page(), HasSubstr("cover changed"));
 }
 
+TEST_F(Report, CountsAnAlbumsImageOnceByWhatItWasAndIs) {
+    const auto image = [](std::int64_t id, const Value& before, const Value& after) {
+        return RowChange{.table = "Albums",
+                         .key = {{"ID", id}},
+                         .fields = {{"Title", "a", "b"}, {"ImageFile", before, after}}};
+    };
+    ReportGatherer gatherer(facts);
+    RowChange isNew = image(1, Null{}, "a.jpg");
+    isNew.kind = RowChange::Kind::Added;
+    gatherer.Note(isNew);
+    gatherer.Note(image(2, Null{}, "a.jpg"));
+    gatherer.Note(image(2, "a.jpg", "b.jpg"));
+    gatherer.Note(image(3, "a.jpg", ""));
+    gatherer.Note(image(3, "", "b.jpg"));
+    gatherer.Note(image(4, "a.jpg", Null{}));
+    gatherer.Note(image(5, "a.jpg", Null{}));
+    gatherer.Note(image(5, Null{}, "a.jpg"));
+    EXPECT_EQ(gatherer.Covers().added, 0U) << "they are not saved";
+    gatherer.Note(RowsSaved{});
+    gatherer.Note(image(6, Null{}, "a.jpg"));
+    EXPECT_EQ(gatherer.Covers().added, 2U);
+    EXPECT_EQ(gatherer.Covers().changed, 1U);
+    EXPECT_EQ(gatherer.Covers().removed, 1U);
+}
+
+TEST_F(Report, LeavesOutWhatTheRunTookBackItself) {
+    const auto page = [](const std::string& name) {
+        return FileChange{.kind = FileChange::Kind::Written,
+                          .path = R"(H:\HTML\Pages.new\)" + name};
+    };
+    Add(FileChange{.number = 1,
+                   .kind = FileChange::Kind::Copied,
+                   .path = R"(E:\new\2.mp3)",
+                   .target = R"(D:\M\A\B\2.mp3)"});
+    Add(FileChange{.number = 2, .kind = FileChange::Kind::Discarded, .path = R"(D:\M\A\B\2.mp3)"});
+    Add(page("index.asp"));
+    Add(page("page1.asp"));
+    EXPECT_EQ(CountOf(DeedKind::PageWritten), 2U);
+    Add(FileChange{
+        .number = 5, .kind = FileChange::Kind::FolderDeleted, .path = R"(H:\HTML\Pages.new)"});
+    End();
+    EXPECT_FALSE(Content().HasChanges());
+}
+
 TEST_F(Report, CountsRowsThatAreInTheDatabaseAndFilesThatCameOff) {
     ReportGatherer gatherer(facts);
     gatherer.Note(AddedTrack(1, "Alder", "Dawn"));
@@ -252,9 +296,11 @@ TEST_F(Report, SortsFilesByWhatTheyAre) {
     file(FileChange::Kind::Written, R"(H:\HTML\page1.asp)");
     file(FileChange::Kind::Copied, R"(D:\covers\x.jpg)", R"(H:\HTML\x.jpg)");
     file(FileChange::Kind::Written, R"(H:\Data\Quillon\other.csv)");
-    for (const DeedKind kind : {DeedKind::TagWritten, DeedKind::FileCopied, DeedKind::FileRemoved,
-                                DeedKind::PlaylistDeleted, DeedKind::PageWritten,
-                                DeedKind::ImageWritten, DeedKind::FileWritten})
+    file(FileChange::Kind::Written, R"(H:\M3u\a.M3U8)");
+    for (const DeedKind kind :
+         {DeedKind::TagWritten, DeedKind::FileCopied, DeedKind::FileRemoved,
+          DeedKind::PlaylistDeleted, DeedKind::PageWritten, DeedKind::ImageWritten,
+          DeedKind::FileWritten, DeedKind::PlaylistWritten})
         EXPECT_EQ(CountOf(kind), 1U) << static_cast<int>(kind);
     EXPECT_EQ(Content().artists.size(), 1U);
     EXPECT_THAT(Page(), HasSubstr("kept as Removed/a"));

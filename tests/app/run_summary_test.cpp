@@ -51,7 +51,7 @@ TEST(SummaryLines, KnowEveryCount) {
                       .tagsWritten = 9,
                       .tagValuesStored = 10,
                       .playlistsWritten = 11,
-                      .playlistsRepaired = 12,
+                      .playlistsRewritten = 12,
                       .playlistsRemoved = 13,
                       .filesRenamed = 15,
                       .filesRemoved = 16,
@@ -70,11 +70,11 @@ TEST(SummaryLines, KnowEveryCount) {
               "Albums: 1 added, 2 changed, 3 removed, 4 unchanged. "
               "Tracks: 5 added, 6 changed, 7 removed, 8 unchanged. "
               "Files: 15 renamed, 16 moved to Removed, 17 copied. Stored paths: 18 changed. "
-              "Playlists: 11 written, 12 repaired, 13 removed. "
+              "Playlists: 11 written, 12 rewritten, 13 removed. "
               "Tags: 9 written, 10 values taken into the database. "
               "Covers: 19 added, 20 changed, 21 removed. "
               "Download table: 22 songs added, 23 artists added. Pages: 24 written. "
-              "25 files left out, see 'quillon check'.");
+              "25 music files left out, see 'quillon check'.");
 }
 
 TEST(SummaryLines, SayInWordsWhatDidNotHappen) {
@@ -148,7 +148,8 @@ TEST(SummaryText, CountsFilesWhereNothingElseChanged) {
     EXPECT_EQ(SummaryText(summary),
               "Aborted after 0:00:01; no errors. Files: 12675 moved to Removed.");
     summary.keepsRemoved = false;
-    EXPECT_EQ(SummaryText(summary), "Aborted after 0:00:01; no errors. Files: 12675 deleted.");
+    EXPECT_EQ(SummaryText(summary),
+              "Aborted after 0:00:01; no errors. Files: 12675 deleted for good.");
 }
 
 TEST(SummaryText, NamesOneThingInTheSingular) {
@@ -158,7 +159,7 @@ TEST(SummaryText, NamesOneThingInTheSingular) {
     summary.counts.leftOut = 1;
     EXPECT_EQ(SummaryText(summary),
               "Done in 0:00:01; no errors. Download table: 1 song added, 1 artist added. "
-              "1 file left out, see 'quillon check'.");
+              "1 music file left out, see 'quillon check'.");
 }
 
 TEST(SummaryText, TellsThatTheBrakeHeld) {
@@ -270,7 +271,7 @@ TEST(SummaryLinesOfAWidth, TakeAsManyLinesAsAllElseNeeds) {
                                         "Albums: 2 added, 1 changed. Tracks: 12 added, 4 removed.",
                                         "Files: 3 renamed. Playlists: 3 written, 1 removed.",
                                         "Download table: 12 songs added.",
-                                        "12 files left out, see 'quillon check'."}));
+                                        "12 music files left out, see 'quillon check'."}));
 }
 
 TEST(SummaryLinesOfAWidth, Fit) {

@@ -148,7 +148,7 @@ TEST_F(SavedInTheLastMoment, AreNotReplaced) {
     EXPECT_THAT(Lines("Mine.pla"), ElementsAre("B0 2"));
     EXPECT_THAT(library.calls.Of({"CreateText"}), SizeIs(2)) << "the snapshot, and the repair";
     EXPECT_THAT(library.host.log, SizeIs(1)) << "no repair is told";
-    EXPECT_EQ(run().counts.playlistsRepaired, 0U);
+    EXPECT_EQ(run().counts.playlistsRewritten, 0U);
 }
 
 TEST_F(SavedInTheLastMoment, AreNotDeleted) {

@@ -37,7 +37,7 @@ TEST_F(RefreshTest, LetsEntriesFollowTheirSongs) {
     EXPECT_THAT(library.host.log,
                 ElementsAre("Quillon: Playlist Mine.pla, Track # updated from 0 to A0 2",
                             "Quillon: Playlist Mine.pla, Track # updated from 2 to A0 0"));
-    EXPECT_EQ(run().counts.playlistsRepaired, 1U);
+    EXPECT_EQ(run().counts.playlistsRewritten, 1U);
 }
 
 TEST_F(RefreshTest, LeavesListsAloneWhereTheDatabaseCannotBeSaved) {
@@ -81,7 +81,7 @@ TEST_F(RefreshTest, KeepsEveryByteOfAFileThatIsRight) {
     RefreshPlaylist(run());
     EXPECT_EQ(List("Mine.pla"), text);
     EXPECT_THAT(library.calls.Of({R"(CreateText D:\Lists)"}), IsEmpty());
-    EXPECT_EQ(run().counts.playlistsRepaired, 0U);
+    EXPECT_EQ(run().counts.playlistsRewritten, 0U);
 }
 
 TEST_F(RefreshTest, KeepsTheHeaderOfAFileThatChanges) {

@@ -84,7 +84,7 @@ TEST(RunReport, TellsOfFilesWhatHappenedToThem) {
     OpenWorld world;
     world.run.counts = {.tagsWritten = 1,
                         .playlistsWritten = 2,
-                        .playlistsRepaired = 3,
+                        .playlistsRewritten = 3,
                         .playlistsRemoved = 4,
                         .filesRenamed = 5,
                         .filesRemoved = 6,
@@ -98,7 +98,7 @@ TEST(RunReport, TellsOfFilesWhatHappenedToThem) {
     EXPECT_TRUE(report.saved) << "no row was changed";
     EXPECT_EQ(report.counts.tagsWritten, 1U);
     EXPECT_EQ(report.counts.playlistsWritten, 2U);
-    EXPECT_EQ(report.counts.playlistsRepaired, 3U);
+    EXPECT_EQ(report.counts.playlistsRewritten, 3U);
     EXPECT_EQ(report.counts.playlistsRemoved, 4U);
     EXPECT_EQ(report.counts.filesRenamed, 5U);
     EXPECT_EQ(report.counts.filesRemoved, 6U);
