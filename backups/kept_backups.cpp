@@ -1,6 +1,8 @@
 #include "backups/kept_backups.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <iterator>
 #include <numeric>
 #include <set>
 #include <string>
@@ -8,10 +10,12 @@
 
 #include "backups/backup_list.h"
 #include "backups/backups.h"
+#include "backups/byte_progress.h"
 #include "backups/same_content.h"
 #include "platform/basic_text.h"
 #include "platform/host.h"
 #include "platform/windows_path.h"
+#include "run/counted.h"
 #include "run/log.h"
 #include "run/run.h"
 #include "run/steps.h"
@@ -54,6 +58,10 @@ std::vector<BackupCopy> UnchangedSince(Run& run, std::span<const BackupOriginal>
     std::vector<BackupCopy> newest;
     steps.Try(KeepingStep::FindLastCopies,
               [&] { newest = NewestCopies(run.files, originals, run.clock.Now()); });
+    std::vector<BackupOriginal> compared;
+    std::ranges::transform(newest, std::back_inserter(compared), &BackupCopy::original);
+    ByteProgress progress(run, compared);
+    const auto watch = [&progress](std::uint64_t bytes) { progress.Add(bytes); };
     std::erase_if(newest, [&](const BackupCopy& copy) {
         const BackupOriginal& original = copy.original;
         bool isSame = false;
@@ -61,9 +69,9 @@ std::vector<BackupCopy> UnchangedSince(Run& run, std::span<const BackupOriginal>
         steps.Try(KeepingStep::Compare, [&] {
             const bool isThere = original.isFolder ? run.files.FolderExists(original.path)
                                                    : run.files.FileExists(original.path);
-            isSame =
-                isThere && (original.isFolder ? HoldTheSame(run.files, original.path, copy.path)
-                                              : HaveSameBytes(run.files, original.path, copy.path));
+            isSame = isThere && (original.isFolder
+                                     ? HoldTheSame(run.files, original.path, copy.path, watch)
+                                     : HaveSameBytes(run.files, original.path, copy.path, watch));
         });
         return !isSame;
     });
@@ -79,6 +87,7 @@ bool Has(std::span<const BackupCopy> copies, const BackupOriginal& original) {
 /// Adds the paths of the copies; false when one failed.
 bool CopyOriginals(Run& run, std::span<const BackupOriginal> originals, const std::string& mark,
                    std::vector<std::string>& made) {
+    const ByteProgress progress(run, originals);
     return std::ranges::all_of(originals, [&](const BackupOriginal& original) {
         const Backup backup = original.isFolder
                                   ? TimeStampFolderBackup(run, original.path + '\\', mark)
@@ -178,7 +187,12 @@ std::vector<bool> BackupsThatStay(std::span<const DateTime> made, std::size_t ne
 
 bool BackUpWhatChanged(Run& run, std::span<const BackedUp> backedUp) {
     std::vector<BackupOriginal> originals = BackupOriginals(run.settings, backedUp);
-    const std::vector<BackupCopy> unchanged = UnchangedSince(run, originals);
+    std::vector<BackupCopy> unchanged;
+    {
+        const Share share(run, 0, 0.5);
+        unchanged = UnchangedSince(run, originals);
+    }
+    const Share share(run, 0.5, 1);
     std::erase_if(originals, [&](const BackupOriginal& one) { return Has(unchanged, one); });
     Steps steps(run, "TimeStampBackup");
     std::string mark;

@@ -12,11 +12,13 @@ namespace {
 
 constexpr std::size_t PieceSize = 1U << 18U;
 
-bool ReadTheSame(Files& files, std::string_view left, std::string_view right) {
+bool ReadTheSame(Files& files, std::string_view left, std::string_view right,
+                 const BytesWatch& watch) {
     const std::unique_ptr<BinaryReader> one = files.OpenBinary(left);
     const std::unique_ptr<BinaryReader> other = files.OpenBinary(right);
     while (true) {
         const std::vector<std::uint8_t> piece = one->Read(PieceSize);
+        if (watch) watch(piece.size());
         if (piece != other->Read(PieceSize)) return false;
         if (piece.size() < PieceSize) return true;
     }
@@ -47,18 +49,21 @@ bool List(Files& files, const std::string& folder, const std::string& inner,
 
 }  // namespace
 
-bool HaveSameBytes(Files& files, std::string_view left, std::string_view right) {
-    return files.GetFile(left).size == files.GetFile(right).size && ReadTheSame(files, left, right);
+bool HaveSameBytes(Files& files, std::string_view left, std::string_view right,
+                   const BytesWatch& watch) {
+    return files.GetFile(left).size == files.GetFile(right).size &&
+           ReadTheSame(files, left, right, watch);
 }
 
-bool HoldTheSame(Files& files, std::string_view left, std::string_view right) {
+bool HoldTheSame(Files& files, std::string_view left, std::string_view right,
+                 const BytesWatch& watch) {
     const std::string one = std::string(left) + '\\', other = std::string(right) + '\\';
     std::vector<Inside> inOne, inOther;
     if (!List(files, std::string(left), "", inOne)) return false;
     if (!List(files, std::string(right), "", inOther)) return false;
     if (inOne != inOther) return false;
     for (const Inside& entry : inOne) {
-        if (!entry.isFolder && !ReadTheSame(files, one + entry.name, other + entry.name))
+        if (!entry.isFolder && !ReadTheSame(files, one + entry.name, other + entry.name, watch))
             return false;
     }
     return true;

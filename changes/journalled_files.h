@@ -72,6 +72,7 @@ class JournalledFiles : public Files {
     void CreateFolder(std::string_view path) override;
     void CopyFile(std::string_view from, std::string_view to, bool overwrite) override;
     void CopyFolder(std::string_view from, std::string_view to) override;
+    void WatchCopies(BytesWatch watch) override { files_.WatchCopies(std::move(watch)); }
     void DeleteFile(std::string_view path) override;
     /// Moves it away rather, unless the run itself has made it.
     void DeleteFolder(std::string_view path) override;

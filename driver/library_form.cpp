@@ -13,6 +13,7 @@
 
 #include "backups/backup_list.h"
 #include "backups/backups.h"
+#include "backups/byte_progress.h"
 #include "backups/restore_backup.h"
 #include "driver/library_folders.h"
 #include "driver/misspelt_setting.h"
@@ -36,6 +37,13 @@ constexpr std::string_view PluginMissing =
 constexpr std::string_view StopsHere =
     "The run ends here, before it changes the library: what is needed to recover from an "
     "interruption cannot be saved. The next run goes on";
+
+/// The part of the bar in which a mode makes its backups. Those of a reconciliation come before its
+/// phases, and have a bar of their own.
+double PartOfBackups(const Mode& mode) {
+    if (mode.IsReconciliation()) return 1;
+    return mode.backups.empty() ? 0 : 0.3;
+}
 
 /// What a reconciliation keeps beside the database while it works.
 std::string OwnFile(const Settings& settings) {
@@ -171,6 +179,7 @@ void LibraryForm::ReadGenreNames() {
 bool LibraryForm::SecureMode(const Mode& mode) {
     if (!mode.IsReconciliation() && !StartIndicator(mode.indicator)) return false;
     RemoveUnfinishedFiles(run_);
+    const Share share(run_, 0, PartOfBackups(mode));
     return RequireOwnPlaces(mode) && MakeBackups(mode.backups) && !run_.AbortRequested;
 }
 
@@ -179,6 +188,7 @@ RunOutcome LibraryForm::UpdateDatabase(const Mode& mode) {
         run_.form.aLblReconcile = true;
         RunPhases(PrepareReconcile());
     } else {
+        const Share share(run_, PartOfBackups(mode), 1);
         Perform(procedures_.*mode.work);
     }
     return Outcome();
@@ -278,6 +288,7 @@ bool LibraryForm::RequireOwnPlaces(const Mode& mode) {
 bool LibraryForm::MakeBackups(std::span<const BackedUp> originals) {
     if (keeping_.newest) return BackUpWhatChanged(run_, originals);
     std::vector<std::string> copies;
+    const ByteProgress progress(run_, BackupOriginals(run_.settings, originals));
     const bool made = std::ranges::all_of(
         originals, [&](const BackedUp& original) { return MakeBackup(original, copies); });
     if (!made) TakeBackupsBack(run_, copies);

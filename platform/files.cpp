@@ -10,4 +10,18 @@ bool FolderMayExist(Files& files, std::string_view path) try {
     return true;
 }
 
+std::uint64_t SizeOf(Files& files, const std::string& path) try {
+    if (!files.FolderExists(path)) return files.GetFile(path).size;
+    const Listing<FileEntry> list = files.FilesIn(path);
+    std::uint64_t size = 0;
+    for (const FileEntry& file : list)
+        size += file.size;
+    if (list.others.empty()) return size;
+    for (const FolderEntry& folder : files.SubFolders(path))
+        size += SizeOf(files, folder.path);
+    return size;
+} catch (const Failure&) {
+    return 0;
+}
+
 }  // namespace quillon

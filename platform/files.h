@@ -127,6 +127,9 @@ class BinaryReader {
     virtual std::vector<std::uint8_t> Read(std::size_t count) = 0;
 };
 
+/// Told of each piece of a file that has been read or copied, in bytes.
+using BytesWatch = std::function<void(std::uint64_t bytes)>;
+
 /// The file system in Windows terms: paths are `D:\Music\x.mp3` or `\\server\share\x.mp3`, names
 /// compare without letter case, listings come in name order. Every operation throws Failure in the
 /// runtime's wording, followed by the path. A path with a component that Windows cannot hold is
@@ -177,6 +180,9 @@ class Files {
     /// Failure: PathNotFound, FileAlreadyExists when there is something of that name,
     /// PermissionDenied into itself, and whatever keeps a single file in it from being copied.
     virtual void CopyFolder(std::string_view from, std::string_view to) = 0;
+    /// From now on both tell this of what they have copied; an empty one ends that. Whatever copies
+    /// nothing has nothing to tell.
+    virtual void WatchCopies(BytesWatch /*watch*/) {}
     /// A write-protected file is not deleted (PermissionDenied).
     virtual void DeleteFile(std::string_view path) = 0;
     /// Deletes a folder with all that is in it; of a symbolic link only the link. A write-protected
@@ -222,6 +228,9 @@ class Files {
     virtual void ReplaceBytes(std::string_view path, const FilePiece& seen,
                               std::span<const std::uint8_t> bytes) = 0;
 };
+
+/// The bytes of a file, or of all files in a folder, as far as they can be looked at.
+std::uint64_t SizeOf(Files& files, const std::string& path);
 
 /// False only where it is certain that there is no such folder.
 bool FolderMayExist(Files& files, std::string_view path);

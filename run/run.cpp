@@ -65,9 +65,10 @@ void Run::StartCountingRows(std::string_view from) {
     StartCounting(static_cast<std::size_t>(rows->Integer("Total")));
 }
 
-void Run::CountDone() {
+void Run::CountDone(std::size_t steps) {
     // What grew while it was worked on must not look like more than all of it.
-    if (form.progress.done < form.progress.total) ++form.progress.done;
+    PhaseProgress& progress = form.progress;
+    progress.done += std::min(steps, progress.total - std::min(progress.done, progress.total));
 }
 
 void Run::Flush() {

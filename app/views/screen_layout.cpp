@@ -100,6 +100,9 @@ std::vector<ScreenLine> PhaseLines(const FormState& form, std::size_t columns) {
                               phase.isOtherMode ? ScreenStyle::Faint : ScreenStyle::Usual}});
         }
     }
+    // Backups of a reconciliation are made before its phases are shown.
+    if (lines.empty() && form.progress.IsKnown())
+        lines.push_back(RunningPhase(" (*) Backups", form.progress, columns));
     return lines;
 }
 

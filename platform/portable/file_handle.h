@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -29,8 +30,10 @@ class FileHandle {
     std::size_t ReadAt(std::uint64_t position, std::span<std::uint8_t> buffer) const;
     /// Appends all bytes.
     void Write(std::string_view bytes) const;
-    /// Appends all that is in another file from a place on.
-    void WriteFrom(const FileHandle& source, std::uint64_t from = 0) const;
+    /// Appends all that is in another file from a place on. `watch`, which may be empty, is told of
+    /// each piece, in bytes.
+    void WriteFrom(const FileHandle& source, std::uint64_t from = 0,
+                   const std::function<void(std::uint64_t bytes)>& watch = {}) const;
     /// The modification time that the file is to have.
     void SetModified(const FileTime& modified) const;
     /// Size, times and kind.

@@ -60,10 +60,10 @@ std::optional<WindowsPath> ParsedPath(std::string_view text) try {
 
 /// Copies a file that is open; `local` is the path of the copy, whose name is not durable yet.
 void CopyOpenFile(const FileHandle& source, const std::string& local, const std::string& shown,
-                  SafeFile::Existing existing) {
+                  SafeFile::Existing existing, const BytesWatch& watch) {
     const FileFacts facts = source.Facts();
     SafeFile copy(local, shown, existing, facts.rights);
-    copy.WriteFrom(source);
+    copy.WriteFrom(source, 0, watch);
     copy.SetModified(facts.modified);
     copy.Sync();
     copy.TakeName();
@@ -170,7 +170,7 @@ void PortableFiles::Copy(std::string_view from, std::string_view to, bool overwr
     if (itself && overwrite) throw SystemFailure(EACCES, target.Text());
     RemoveLeftoversOnce(FolderOf(local));
     CopyOpenFile(source, local, target.Text(),
-                 overwrite ? SafeFile::Existing::Replace : SafeFile::Existing::Refuse);
+                 overwrite ? SafeFile::Existing::Replace : SafeFile::Existing::Refuse, copyWatch_);
     resolver_.Index().Added(local);
     waitingNames_.insert(FolderOf(local));
     if (!nameMayWait) SyncNames();
@@ -213,7 +213,7 @@ void PortableFiles::CopyInto(SafeFolder& copy, const std::string& from, const st
     requireSeen(files);
     for (const FileEntry& file : files) {
         copy.AddFile(OpenFile(resolver_, ParseWindowsPath(file.path)), inner + file.name,
-                     shown + '\\' + file.name);
+                     shown + '\\' + file.name, copyWatch_);
     }
     const Listing<FolderEntry> folders = SubFolders(from);
     requireSeen(folders);

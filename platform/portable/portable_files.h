@@ -59,6 +59,7 @@ class PortableFiles : public Files {
     void Discard(std::string_view path) override;
     void MoveFile(std::string_view from, std::string_view to) override;
     void MoveFolder(std::string_view from, std::string_view to) override;
+    void WatchCopies(BytesWatch watch) override { copyWatch_ = std::move(watch); }
     std::unique_ptr<TextReader> OpenText(std::string_view path) override;
     std::unique_ptr<TextWriter> CreateText(std::string_view path) override {
         return CreateText(path, SafeFile::Existing::Replace);
@@ -97,3 +98,4 @@ class PortableFiles : public Files {
 };
 
 }  // namespace quillon
+    BytesWatch copyWatch_;

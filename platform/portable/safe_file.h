@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -36,10 +38,11 @@ class SafeFile {
         isSynced_ = false;
         draft_.handle.Write(bytes);
     }
-    /// Writes all that is in another file from a place on.
-    void WriteFrom(const FileHandle& source, std::uint64_t from = 0) {
+    /// Writes all that is in another file from a place on; `watch` as of FileHandle::WriteFrom().
+    void WriteFrom(const FileHandle& source, std::uint64_t from = 0,
+                   const std::function<void(std::uint64_t bytes)>& watch = {}) {
         isSynced_ = false;
-        draft_.handle.WriteFrom(source, from);
+        draft_.handle.WriteFrom(source, from, watch);
     }
     /// The modification time that the file is to have.
     void SetModified(const FileTime& modified) { draft_.handle.SetModified(modified); }

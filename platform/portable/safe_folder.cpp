@@ -23,13 +23,14 @@ void SafeFolder::AddFolder(const std::string& name, std::string_view shownPath) 
 }
 
 void SafeFolder::AddFile(const FileHandle& source, const std::string& name,
-                         std::string_view shownPath) {
+                         std::string_view shownPath,
+                         const std::function<void(std::uint64_t bytes)>& watch) {
     const FileFacts facts = source.Facts();
     const std::string path = draft_.path + '/' + name;
     const int descriptor = CreateLocal(path, facts.rights);
     if (descriptor < 0) throw SystemFailure(errno, shownPath);
     const FileHandle copy(descriptor, shownPath);
-    copy.WriteFrom(source);
+    copy.WriteFrom(source, 0, watch);
     copy.SetModified(facts.modified);
     const int error = FlushTakesAll() ? 0 : copy.Flush();
     if (error != 0) throw SystemFailure(error, shownPath);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -24,8 +26,10 @@ class SafeFolder {
     /// A new folder below; `name` may be a path whose folders are there. `shownPath` is for
     /// failures.
     void AddFolder(const std::string& name, std::string_view shownPath);
-    /// A copy of an open file, with its mode and modification time.
-    void AddFile(const FileHandle& source, const std::string& name, std::string_view shownPath);
+    /// A copy of an open file, with its mode and modification time; `watch` as of
+    /// FileHandle::WriteFrom().
+    void AddFile(const FileHandle& source, const std::string& name, std::string_view shownPath,
+                 const std::function<void(std::uint64_t bytes)>& watch = {});
 
     /// Waits once until all of it is on the disk. Failure: DiskFull and the like, FileAlreadyExists
     /// when something has the name by now.

@@ -43,18 +43,25 @@ void FileHandle::Write(std::string_view bytes) const {
     }
 }
 
-void FileHandle::WriteFrom(const FileHandle& source, std::uint64_t from) const {
-    constexpr std::size_t AtATime = std::size_t{1} << 30U;
+void FileHandle::WriteFrom(const FileHandle& source, std::uint64_t from,
+                           const std::function<void(std::uint64_t bytes)>& watch) const {
+    const auto tell = [&watch](auto count) {
+        if (watch) watch(static_cast<std::uint64_t>(count));
+    };
+    const std::size_t atATime = std::size_t{1} << (watch ? 24U : 30U);
     auto position = static_cast<off_t>(from);
     // The kernel copies, where it can for these two files, without a way through this process.
-    while (copy_file_range(source.descriptor_, &position, descriptor_, nullptr, AtATime, 0) > 0) {
-    }
+    ssize_t count = 0;
+    while ((count = copy_file_range(source.descriptor_, &position, descriptor_, nullptr, atATime,
+                                    0)) > 0)
+        tell(count);
     constexpr std::size_t BufferSize = 65536;
     const auto buffer = std::make_unique_for_overwrite<std::uint8_t[]>(BufferSize);
     while (const std::size_t length = source.ReadAt(static_cast<std::uint64_t>(position),
                                                     std::span(buffer.get(), BufferSize))) {
         Write({reinterpret_cast<const char*>(buffer.get()), length});
         position += static_cast<off_t>(length);
+        tell(length);
     }
 }
 

@@ -58,12 +58,14 @@ void FileHandle::Write(std::string_view bytes) const {
     }
 }
 
-void FileHandle::WriteFrom(const FileHandle& source, std::uint64_t from) const {
+void FileHandle::WriteFrom(const FileHandle& source, std::uint64_t from,
+                           const std::function<void(std::uint64_t bytes)>& watch) const {
     constexpr std::size_t BufferSize = std::size_t{1} << 20U;
     const auto buffer = std::make_unique_for_overwrite<std::uint8_t[]>(BufferSize);
     while (const std::size_t length = source.ReadAt(from, std::span(buffer.get(), BufferSize))) {
         Write({reinterpret_cast<const char*>(buffer.get()), length});
         from += length;
+        if (watch) watch(length);
     }
 }
 

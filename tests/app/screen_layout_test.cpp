@@ -66,6 +66,16 @@ ScreenRemarks WithRecords(std::size_t count) {
     return remarks;
 }
 
+TEST(LayOutScreen, ShowsHowFarBackupsAreBeforeAnyPhaseIsShown) {
+    FormState state = Reconciling(0);
+    for (PhaseIndicator& phase : state.aPhase)
+        phase.visible = false;
+    EXPECT_EQ(Screen(state, {}, Usual).find("Backups"), std::string::npos);
+    state.progress = {.done = 1'000'000, .total = 4'000'000};
+    EXPECT_EQ(LineWith(Screen(state, {}, Usual), "Backups"),
+              " (*) Backups                                  [######..................]   25 %");
+}
+
 TEST(LayOutScreen, ShowsAllPhasesAndEverythingElseOn24Lines) {
     const auto lines = LayOutScreen(Reconciling(3), {.elapsed = std::chrono::seconds(75)}, Usual);
     EXPECT_EQ(lines.size(), 24U);

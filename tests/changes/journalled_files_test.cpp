@@ -51,6 +51,13 @@ class JournalledFilesTest : public testing::Test {
     JournalledFiles files_{fake_, list_, Keep()};
 };
 
+TEST_F(JournalledFilesTest, LetsCopiesBeWatched) {
+    std::uint64_t copied = 0;
+    files_.WatchCopies([&copied](std::uint64_t bytes) { copied += bytes; });
+    files_.CopyFile(R"(D:\a.txt)", R"(D:\b.txt)", false);
+    EXPECT_EQ(copied, 3U);
+}
+
 TEST_F(JournalledFilesTest, RecordsAWrittenTextWithWhatWasThereBefore) {
     const auto writer = files_.CreateText(R"(D:\a.txt)");
     writer->Write("\xC3\xA9");

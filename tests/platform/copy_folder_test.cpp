@@ -27,6 +27,23 @@ TEST_F(CopyFolderTest, MakesAFolderWithAllThatIsInTheOther) {
               files_.GetFile("D:\\Lists\\a.pla").modified);
 }
 
+TEST_F(CopyFolderTest, AndFilesAreWatchedAsTheyAreCopied) {
+    folder_.MakeFile("Lists/a.pla", std::string(100, 'a'));
+    folder_.MakeFile("Lists/Sub/b.pla", std::string(20, 'b'));
+    std::uint64_t copied = 0;
+    files_.WatchCopies([&copied](std::uint64_t bytes) { copied += bytes; });
+    files_.CopyFolder("D:\\Lists", "D:\\Copy");
+    EXPECT_EQ(copied, 120U);
+    files_.CopyFile("D:\\Lists\\a.pla", "D:\\b.pla", false);
+    EXPECT_EQ(copied, 220U);
+    EXPECT_EQ(SizeOf(files_, "D:\\Copy"), 120U);
+    EXPECT_EQ(SizeOf(files_, "D:\\b.pla"), 100U);
+    EXPECT_EQ(SizeOf(files_, "D:\\none"), 0U);
+    files_.WatchCopies({});
+    files_.CopyFile("D:\\Lists\\a.pla", "D:\\c.pla", false);
+    EXPECT_EQ(copied, 220U);
+}
+
 POSIX_TEST_F(CopyFolderTest, TakesTheFilesThatARunSeesAndFoldersThatDifferInLetterCaseAlone) {
     folder_.MakeFile("Lists/a.pla", "small");
     folder_.MakeFile("Lists/A.pla", "capital");

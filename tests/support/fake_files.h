@@ -141,6 +141,8 @@ class FakeFiles : public Files {
         CopyInto(from, std::string(to));
     }
 
+    void WatchCopies(BytesWatch watch) override { copyWatch_ = std::move(watch); }
+
     void DeleteFile(std::string_view path) override {
         calls_.Note("DeleteFile " + std::string(path));
         FileAt(path);
@@ -412,9 +414,11 @@ class FakeFiles : public Files {
         }
         const Node source = FileAt(from);
         AddFile(std::string(to), source.content, source.modified);
+        if (copyWatch_) copyWatch_(source.content.size());
     }
 
     Calls& calls_;
+    BytesWatch copyWatch_;
     std::int64_t changes_ = 0;
     std::map<std::string, Node> nodes_;          ///< by lower-cased path
     std::map<std::string, std::string> unseen_;  ///< paths by lower-cased path
