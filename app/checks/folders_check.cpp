@@ -14,6 +14,7 @@
 #include "driver/modes.h"
 #include "platform/failure.h"
 #include "playlists/folder_remarks.h"
+#include "run/modern_music.h"
 #include "run/paths.h"
 
 namespace quillon {
@@ -24,11 +25,26 @@ struct NamedFolder {
     std::string path;
     FolderUse use;
     bool isMade = false;  ///< when it is not there
+    std::string_view writes = "and the run writes there";
 };
 
 enum class Standing { NotSet, NoPath, Missing, NoFolder, Unreadable, WriteProtected, There };
 
-std::vector<NamedFolder> FoldersOf(const Settings& settings, const std::string& appPath) {
+/// A reconciliation writes into the cover folder only what it finds in the tags of songs.
+NamedFolder CoverFolder(const Settings& settings, const ModernMusic& modern) {
+    NamedFolder covers{"AlbumCoverFolder", settings.AlbumCoverFolder,
+                       UseOf(RunFolder::AlbumCoverFolder, settings)};
+    if (modern.takesFolderImages && WalksLibrary(settings)) {
+        covers.use.isWritten = true;
+        covers.writes =
+            "so the pictures in songs, which FolderImages in [Covers] of host.ini asks "
+            "for, become no covers";
+    }
+    return covers;
+}
+
+std::vector<NamedFolder> FoldersOf(const Settings& settings, const ModernMusic& modern,
+                                   const std::string& appPath) {
     const auto use = [&settings](RunFolder folder) { return UseOf(folder, settings); };
     const std::string app = AddBackslash(appPath);
     return {
@@ -36,7 +52,7 @@ std::vector<NamedFolder> FoldersOf(const Settings& settings, const std::string& 
         {"FromFilesPath", settings.FromFilesPath, use(RunFolder::FromFilesPath)},
         {"PlayListPath", settings.PlayListPath, use(RunFolder::PlayListPath)},
         {"PlayListPath2", settings.PlayListPath2, use(RunFolder::PlayListPath2)},
-        {"AlbumCoverFolder", settings.AlbumCoverFolder, use(RunFolder::AlbumCoverFolder)},
+        CoverFolder(settings, modern),
         {"Data", app + "Data", use(RunFolder::Data), true},
         {"HTML", app + "HTML", use(RunFolder::Html), true},
     };
@@ -101,9 +117,9 @@ std::string Objection(const NamedFolder& folder, Standing standing) {
             return name + " cannot be read by this account. Give it the right to read there";
         case Standing::WriteProtected:
             if (!folder.use.isWritten) return "";
-            return name +
-                   " cannot be written by this account, and the run writes there. Give it the "
-                   "right to write there";
+            return fmt::format(
+                "{} cannot be written by this account, {}. Give it the right to write there", name,
+                folder.writes);
         case Standing::There:
             break;
     }
@@ -156,7 +172,8 @@ void CheckFolders(LocalHost& local, const Settings& settings, std::ostream& out,
                   Findings& findings) {
     out << "\nFolders\n";
     TablePrinter table(out, {"Folder", "State", "Path"}, {.indent = 2, .countsRows = false});
-    for (const NamedFolder& folder : FoldersOf(settings, local.host.GetAppPath())) {
+    for (const NamedFolder& folder :
+         FoldersOf(settings, ReadModernMusic(local.host), local.host.GetAppPath())) {
         const Standing standing = StandingOf(local.resolver, folder);
         table.AddRow({{std::string(folder.name)},
                       {std::string(StandingText(standing, folder.isMade))},

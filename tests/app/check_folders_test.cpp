@@ -44,6 +44,22 @@ TEST_F(CheckFolders, ReportsThoseThatAReconciliationCanDoWithout) {
     EXPECT_TRUE(Has(Cautions(), "Folder PlayListPath is not set: no playlist can be kept or made"));
 }
 
+TEST_F(CheckFolders, TheOneOfCoversIsWrittenWherePicturesInSongsAreCovers) {
+    fs::permissions(Folder(), fs::perms::others_all, fs::perm_options::add);
+    fs::permissions(Path("shelf/Covers"), fs::perms::owner_read | fs::perms::owner_exec |
+                                              fs::perms::others_read | fs::perms::others_exec);
+    const auto cautions = [this] { return outside::AsOrdinaryUser([this] { return Cautions(); }); };
+    const std::string caution =
+        "Folder AlbumCoverFolder (H:\\Covers\\) cannot be written by this account, so the pictures "
+        "in songs, which FolderImages in [Covers] of host.ini asks for, become no covers. Give it "
+        "the right to write there";
+    const std::string asked = cautions();
+    EXPECT_TRUE(Has(asked, caution)) << asked;
+    SetHostLine("FolderImages=1", "FolderImages=0");
+    const std::string notAsked = cautions();
+    EXPECT_FALSE(Has(notAsked, "AlbumCoverFolder")) << notAsked;
+}
+
 TEST_F(CheckFolders, AReconciliationNeedsTheMusic) {
     Set("LibraryRoot", "D:\\Nowhere");
     EXPECT_TRUE(Has(Problems(), "Folder LibraryRoot (D:\\Nowhere) is not there"));
