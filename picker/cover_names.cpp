@@ -22,10 +22,6 @@ constexpr std::array Replacements{
     Replacement{"Ô", "O"}, Replacement{"Ù", "U"},  Replacement{"Û", "U"}, Replacement{"Ç", "C"},
 };
 
-std::string_view FileNameOf(std::string_view path) {
-    return path.substr(path.rfind('\\') + 1);
-}
-
 /// "Cover.jpg" and 2 are "Cover-2.jpg".
 std::string Numbered(const std::string& name, std::size_t number) {
     const std::size_t dot = std::min(name.rfind('.'), name.size());
@@ -38,16 +34,15 @@ std::string WebSafeName(std::string_view fileName) {
     return Cleaned(fileName, Replacements);
 }
 
-CoverNames::CoverNames(std::string_view webCoverFolder, const std::vector<std::string>& sources)
+CoverNames::CoverNames(std::string_view webCoverFolder, const std::vector<CoverImage>& images)
     : webCoverFolder_(webCoverFolder) {
-    std::vector<std::string> distinct;
-    for (const std::string& source : sources) {
-        if (bySource_.emplace(LowerCase(source), distinct.size()).second) {
-            distinct.push_back(source);
-        }
+    std::vector<const CoverImage*> distinct;
+    for (const CoverImage& image : images) {
+        if (bySource_.emplace(LowerCase(image.path), distinct.size()).second)
+            distinct.push_back(&image);
     }
-    for (const std::string& source : distinct)
-        Name(source);
+    for (const CoverImage* const image : distinct)
+        Name(*image);
 }
 
 /// Whether the name belongs to something else than this image.
@@ -57,16 +52,16 @@ bool CoverNames::IsTaken(const std::string& name, const std::string& source) con
            (bySource_.contains(target) && target != LowerCase(source));
 }
 
-void CoverNames::Name(const std::string& source) {
-    const std::string wanted = WebSafeName(FileNameOf(source));
+void CoverNames::Name(const CoverImage& image) {
+    const std::string wanted = WebSafeName(image.name);
     const auto first = byName_.find(LowerCase(wanted));
     const bool contested = first != byName_.end();
     if (contested) copies_[first->second].contested = true;
     std::string name = wanted;
-    for (std::size_t number = 2; IsTaken(name, source); ++number)
+    for (std::size_t number = 2; IsTaken(name, image.path); ++number)
         name = Numbered(wanted, number);
     byName_.emplace(LowerCase(name), copies_.size());
-    copies_.push_back({source, name, contested});
+    copies_.push_back({image.path, name, contested});
 }
 
 }  // namespace quillon

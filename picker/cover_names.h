@@ -14,6 +14,12 @@ constexpr std::string_view PlaceholderName = "notfnd.jpg";
 /// slashes become hyphens, the usual accented letters lose their accents. All else stays.
 std::string WebSafeName(std::string_view fileName);
 
+/// A cover image and the file name that its copy is called after.
+struct CoverImage {
+    std::string path;
+    std::string name;
+};
+
 /// A cover image and the name of its copy in the web cover folder.
 struct CoverCopy {
     std::string source;  ///< full path
@@ -28,15 +34,16 @@ struct CoverCopy {
 /// an image that lies in the web cover folder itself.
 class CoverNames {
   public:
-    /// `webCoverFolder` ends in a backslash; `sources` are full paths, each image once or more.
-    CoverNames(std::string_view webCoverFolder, const std::vector<std::string>& sources);
+    /// `webCoverFolder` ends in a backslash; `images` have full paths, each image once or more. Of
+    /// several names of one image the first counts.
+    CoverNames(std::string_view webCoverFolder, const std::vector<CoverImage>& images);
 
     /// All copies to be made, in the order of the sources, each image once.
     const std::vector<CoverCopy>& Copies() const { return copies_; }
 
   private:
     bool IsTaken(const std::string& name, const std::string& source) const;
-    void Name(const std::string& source);
+    void Name(const CoverImage& image);
 
     std::string webCoverFolder_;
     std::unordered_map<std::string, std::size_t> bySource_;  ///< by lower-cased path

@@ -16,7 +16,9 @@
 #include "platform/basic_text.h"
 #include "platform/failure.h"
 #include "platform/files.h"
+#include "platform/windows_name.h"
 #include "run/counted.h"
+#include "run/folder_images.h"
 #include "run/paths.h"
 #include "run/run.h"
 #include "run/steps.h"
@@ -42,11 +44,13 @@ class CoverCopier {
 
     void Copy(std::vector<PickerAlbum>& albums) {
         MakeFolders(run_.files, folder_);
-        std::vector<std::string> sources, all;
+        std::vector<std::string> sources;
+        std::vector<CoverImage> all;
         bool isMissing = false;
         for (const PickerAlbum& album : albums) {
             sources.push_back(SourceOf(album.imageFile));
-            if (!sources.back().empty()) all.push_back(sources.back());
+            if (!sources.back().empty())
+                all.push_back({sources.back(), NameFor(album, sources.back())});
             isMissing |= sources.back().empty() && !album.imageFile.empty();
         }
         if (isMissing) steps_.Try(PagesStep::CopyCovers, [&] { RequireCoverFolder(); });
@@ -76,6 +80,15 @@ class CoverCopier {
             if (run_.files.FileExists(path)) return path;
         }
         return "";
+    }
+
+    /// What the copy of an album's image is called after. Images in album folders all have the same
+    /// few names, so there it is what a cover of the album's own would be called.
+    std::string NameFor(const PickerAlbum& album, const std::string& source) const {
+        std::string name(LastName(source));
+        if (!run_.modern.takesFolderImages || !IsFolderImage(name)) return name;
+        std::string own = album.artist + " - " + album.title + name.substr(name.rfind('.'));
+        return IsWindowsName(WebSafeName(own)) ? own : name;
     }
 
     void CopyAll(const CoverNames& names) {

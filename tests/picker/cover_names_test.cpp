@@ -9,7 +9,10 @@ using ::testing::ElementsAre;
 
 std::vector<std::string> NamesOf(const std::vector<std::string>& sources) {
     std::vector<std::string> names;
-    const CoverNames covers(R"(C:\Web\)", sources);
+    std::vector<CoverImage> images;
+    for (const std::string& source : sources)
+        images.push_back({source, source.substr(source.rfind('\\') + 1)});
+    const CoverNames covers(R"(C:\Web\)", images);
     for (const CoverCopy& copy : covers.Copies())
         names.push_back(copy.source + " -> " + copy.name + (copy.contested ? " !" : ""));
     return names;

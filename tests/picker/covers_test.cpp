@@ -126,6 +126,28 @@ TEST_F(PickerCoversTest, OfTheSameNameSizeAndTimeAreKeptApartWhateverWasThere) {
     EXPECT_EQ(Cover("AB-2.jpg"), "twin b");
 }
 
+TEST_F(PickerCoversTest, InAlbumFoldersAreNamedAfterTheirAlbumsWhereSuchAreCovers) {
+    AddWithCover("1", R"(D:\Music\x\cover.jpg)", "first");
+    AddWithCover("2", R"(D:\Music\y\cover.jpg)", "second");
+    Build();
+    EXPECT_THAT(Names(Covers), ElementsAre("cover-2.jpg", "cover.jpg", "notfnd.jpg"));
+    world.run.modern.takesFolderImages = true;
+    AddWithCover("3", R"(D:\Music\z\Own.jpg)", "third");
+    Build();
+    EXPECT_EQ(Cover("Artist1-Album1.jpg"), "first");
+    EXPECT_EQ(Cover("Artist2-Album2.jpg"), "second");
+    EXPECT_EQ(Cover("Own.jpg"), "third");
+    ExpectCoverOnBothPages("Artist1-Album1.jpg");
+}
+
+TEST_F(PickerCoversTest, InAlbumFoldersKeepTheirNamesWhereAlbumsHaveNoneForAFile) {
+    world.run.modern.takesFolderImages = true;
+    AddAlbum({"1", std::string(200, 'a'), std::string(100, 'b'), 8, R"(D:\Music\x\front.png)"});
+    files.AddFile(R"(D:\Music\x\front.png)", "first", OldTime);
+    Build();
+    EXPECT_EQ(Cover("front.png"), "first");
+}
+
 TEST_F(PickerCoversTest, SharedByAlbumsAreCopiedOnce) {
     AddWithCover("1", R"(D:\Covers\box.jpg)", "box");
     AddWithCover("2", R"(d:\covers\BOX.jpg)", "box");
