@@ -105,6 +105,9 @@ class Addition {
     bool HasTrack(const std::string& soundFile) const;
     bool IsAddedAsCut() const;
     bool IsAddedWithoutDisc() const;
+    bool IsAddedToItsArtist() const;
+    bool IsThere(const std::string& target) const;
+    void FileUnderAlbumArtist();
     void KeepApart();
     void Copy();
     void FindOrAddAlbum();
@@ -127,6 +130,7 @@ class Addition {
     TakeBack takeBack_;
     std::string path_, cover_;
     AddedFile file_;
+    std::string ownArtist_;  ///< of a track in an album of several; else ""
     std::string artistFolder_, albumFolder_;
     std::string folder_;  ///< the disc's, else the album's
     std::string target_;
@@ -155,13 +159,25 @@ void Addition::Describe(std::string_view artist, std::string_view album) {
     // A title taken from a folder's name cannot be the file's.
     if (file_.title.find('\\') != std::string::npos && file_.title == TitleInPath(path_))
         file_.title = TitleInName(path_);
+    FileUnderAlbumArtist();
     RequireFileNames(file_, path_);
     if (run_.modern.joinsDiscs) file_.disc = DiscFolderOf(path_, *tag);
     artistFolder_ = adding_.root + file_.artist;
     albumFolder_ = artistFolder_ + '\\' + file_.album;
     folder_ = file_.disc.empty() ? albumFolder_ : albumFolder_ + '\\' + file_.disc;
     target_ = folder_ + '\\' + file_.title + ".mp3";
-    if (run_.modern.joinsDiscs) KeepApart();
+    if (run_.modern.joinsDiscs || !ownArtist_.empty()) KeepApart();
+}
+
+/// Else an album of several artists would come apart into as many as there are artists. One artist
+/// throughout stays the album's, whoever it is filed under: a folder of another name would have the
+/// tags corrected.
+void Addition::FileUnderAlbumArtist() {
+    const std::string albumArtist = adding_.compilations.AlbumArtistOf(path_);
+    if (albumArtist.empty() || EqualIgnoringCase(albumArtist, file_.artist)) return;
+    const bool isMeant = adding_.compilations.IsOfSeveral(albumArtist, file_.album) ||
+                         !FindAlbum(*run_.connection, albumArtist, file_.album).empty();
+    if (isMeant) ownArtist_ = std::exchange(file_.artist, albumArtist);
 }
 
 /// Another song that has the title of one of this run gets a number behind it.
@@ -179,7 +195,7 @@ void Addition::KeepApart() {
 void Addition::LookUp() {
     if (file_.artist == adding_.artist && file_.album == adding_.album) cdjid_ = adding_.cdjid;
     if (cdjid_.empty()) cdjid_ = FindAlbum(*run_.connection, file_.artist, file_.album);
-    isKnown_ = HasTrack(target_) || IsAddedAsCut() || IsAddedWithoutDisc();
+    isKnown_ = HasTrack(target_) || IsAddedAsCut() || IsAddedWithoutDisc() || IsAddedToItsArtist();
 }
 
 bool Addition::HasTrack(const std::string& soundFile) const {
@@ -200,8 +216,7 @@ bool Addition::IsAddedAsCut() const {
         const std::string target = adding_.root + cut(artists, file_.artist) + '\\' +
                                    cut(albums, file_.album) + '\\' + cut(titles, file_.title) +
                                    ".mp3";
-        const bool isThere = target != target_ && HasTrack(target) && run_.files.FileExists(target);
-        if (isThere && HaveSameSound(run_.files, path_, target)) return true;
+        if (target != target_ && IsThere(target)) return true;
     }
     return false;
 }
@@ -209,7 +224,18 @@ bool Addition::IsAddedAsCut() const {
 /// Whether it has been added to the album's own folder, where no disc was asked for.
 bool Addition::IsAddedWithoutDisc() const {
     const std::string target = albumFolder_ + '\\' + file_.title + ".mp3";
-    return !file_.disc.empty() && HasTrack(target) && run_.files.FileExists(target) &&
+    return !file_.disc.empty() && IsThere(target);
+}
+
+/// Whether it has been added when albums of several artists were not kept together.
+bool Addition::IsAddedToItsArtist() const {
+    return !ownArtist_.empty() &&
+           IsThere(adding_.root + ownArtist_ + target_.substr(artistFolder_.size()));
+}
+
+/// Whether a track has this very music at the path.
+bool Addition::IsThere(const std::string& target) const {
+    return HasTrack(target) && run_.files.FileExists(target) &&
            HaveSameSound(run_.files, path_, target);
 }
 
@@ -360,17 +386,6 @@ void Addition::Undo() {
 }
 
 }  // namespace
-
-Adding::Adding(Run& theRun)
-    : run(theRun),
-      albums(theRun.connection->OpenTable("Albums")),
-      sequence(theRun),
-      root(AddBackslash(FolderPath(theRun.settings.LibraryRoot))),
-      downloadHost(DownloadHost(theRun.host)) {
-    // A table that is not there is told of once, and not for each file.
-    for (const char* const table : {"SpinnerArtist", "Spinner", "Tracks"})
-        static_cast<void>(run.connection->OpenTable(table));
-}
 
 void AddFile(Adding& adding, std::string_view artist, std::string_view album, std::string_view path,
              std::string_view cover) {

@@ -200,6 +200,7 @@ void AddFilesToLibrary(Run& run) {
     steps.Concerning({});
     steps.Try(AddingStep::AddAll, [&] {
         Adding adding(run);
+        adding.compilations.LookBelow(source);
         AddingWalk walk(adding, steps);
         // Every sub-folder is visited twice, first with no artist and then as an artist of its own:
         // untagged files are found under both, as in libraries that were filled so far.

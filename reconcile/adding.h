@@ -9,6 +9,7 @@
 
 #include "database/cdjid.h"
 #include "platform/database.h"
+#include "reconcile/compilations.h"
 #include "run/run.h"
 
 namespace quillon {
@@ -34,6 +35,9 @@ struct Adding {
     /// The files that have been handled, by the paths in the library that they ask for, where songs
     /// of one title are kept apart.
     std::unordered_map<std::string, std::string> sources;
+
+    /// The albums of several artists in the source.
+    Compilations compilations;
 
     /// Covers that could not be given to their albums, by the path they would have got.
     std::unordered_set<std::string> refusedCovers;

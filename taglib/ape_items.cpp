@@ -41,6 +41,35 @@ std::string Tag::* FieldOfItem(std::string_view key) {
     return found == Items.end() ? nullptr : found->second;
 }
 
+/// Names each item that is a text and not too long, with a function that reads it.
+template <typename Visit>
+void VisitTexts(ByteWindow& file, std::uint64_t begin, std::uint64_t end, Visit visit) {
+    constexpr std::size_t HeadOfItem = 8, LongestKey = 255;
+    constexpr std::uint32_t KindMask = 0x06;
+    const auto mark = file.At(begin, Mark.size());
+    if (std::equal(mark.begin(), mark.end(), Mark.begin(), Mark.end())) begin += FooterSize;
+    end -= FooterSize;
+    for (std::size_t count = 0; count < MostItems && begin + HeadOfItem < end; ++count) {
+        const auto head = file.At(begin, HeadOfItem + LongestKey + 1);
+        if (head.size() < HeadOfItem) break;
+        const std::uint64_t size = LowFirst(head.first(4));
+        const bool isText = (head[4] & KindMask) == 0;
+        const auto rest = head.subspan(HeadOfItem);
+        const auto keyEnd = std::ranges::find(rest, 0);
+        if (keyEnd == rest.end()) break;
+        const std::string key(rest.begin(), keyEnd);
+        begin += HeadOfItem + key.size() + 1;
+        if (size > end || begin > end - size) break;
+        const auto read = [&] {
+            const auto bytes = file.At(begin, static_cast<std::size_t>(size));
+            const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+            return ToValidUtf8(text.substr(0, text.find('\0')));
+        };
+        if (isText && size <= LongestText) visit(key, read);
+        begin += size;
+    }
+}
+
 }  // namespace
 
 std::uint64_t ApeSize(std::span<const std::uint8_t> last, std::uint64_t end) {
@@ -56,32 +85,22 @@ std::uint64_t ApeSize(std::span<const std::uint8_t> last, std::uint64_t end) {
 }
 
 Tag ReadApe(ByteWindow& file, std::uint64_t begin, std::uint64_t end) {
-    constexpr std::size_t HeadOfItem = 8, LongestKey = 255;
-    constexpr std::uint32_t KindMask = 0x06;
     Tag tag;
-    const auto mark = file.At(begin, Mark.size());
-    if (std::equal(mark.begin(), mark.end(), Mark.begin(), Mark.end())) begin += FooterSize;
-    end -= FooterSize;
-    for (std::size_t count = 0; count < MostItems && begin + HeadOfItem < end; ++count) {
-        const auto head = file.At(begin, HeadOfItem + LongestKey + 1);
-        if (head.size() < HeadOfItem) break;
-        const std::uint64_t size = LowFirst(head.first(4));
-        const bool isText = (head[4] & KindMask) == 0;
-        const auto key = head.subspan(HeadOfItem);
-        const auto keyEnd = std::ranges::find(key, 0);
-        if (keyEnd == key.end()) break;
-        std::string Tag::* const field = FieldOfItem(std::string(key.begin(), keyEnd));
-        begin += HeadOfItem + static_cast<std::uint64_t>(keyEnd - key.begin()) + 1;
-        if (size > end || begin > end - size) break;
-        if (field != nullptr && isText && size <= LongestText && (tag.*field).empty()) {
-            const auto bytes = file.At(begin, static_cast<std::size_t>(size));
-            const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-            tag.*field = FieldValueOf(field, ToValidUtf8(text.substr(0, text.find('\0'))));
-        }
-        begin += size;
-    }
+    VisitTexts(file, begin, end, [&tag](const std::string& key, const auto& read) {
+        std::string Tag::* const field = FieldOfItem(key);
+        if (field != nullptr && (tag.*field).empty()) tag.*field = FieldValueOf(field, read());
+    });
     MarkIfAny(tag);
     return tag;
+}
+
+std::string ApeText(ByteWindow& file, std::uint64_t begin, std::uint64_t end,
+                    std::string_view wanted) {
+    std::string text;
+    VisitTexts(file, begin, end, [&](const std::string& key, const auto& read) {
+        if (text.empty() && EqualIgnoringCase(key, wanted)) text = read();
+    });
+    return std::string(Trim(text));
 }
 
 }  // namespace quillon

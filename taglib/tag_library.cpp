@@ -1,6 +1,7 @@
 #include "taglib/tag_library.h"
 
 #include <algorithm>
+#include <array>
 #include <string>
 #include <string_view>
 
@@ -72,10 +73,46 @@ void ReadFrames(ByteWindow& file, const Id3v2Header& header, OtherTags& found) {
     if (found.genreNumber) found.tag.marker = "TAG";
 }
 
+/// "" where the frames say nothing of it.
+std::string AlbumArtistIn(ByteWindow& file, const Id3v2Header& header) {
+    constexpr std::array<std::string_view, 2> ArtistNames{"TPE2", "TP2"}, PartNames{"TCMP", "TCP"};
+    const FrameReader reader(file.At(0, Id3v2Header::Size));
+    Id3v2Body body;
+    FindBody(file, header, body);
+    std::string artist;
+    bool isPart = false;
+    VisitFrames(header, body, [&](const Id3v2Frame& frame) {
+        const auto isOne = [&frame](const auto& names) {
+            return std::ranges::find(names, frame.name) != names.end();
+        };
+        const bool isArtist = isOne(ArtistNames);
+        if ((!isArtist && !isOne(PartNames)) || frame.size > LongestText) return true;
+        const auto size = static_cast<std::size_t>(header.FrameHeader() + frame.size);
+        const auto bytes = body.bytes->At(frame.at, size);
+        if (bytes.size() < size) return false;
+        const FrameText text = reader.Read(frame, bytes);
+        if (text.values.empty()) return true;
+        const std::string_view value = Trim(text.values.front());
+        if (isArtist && artist.empty()) artist = value;
+        isPart |= !isArtist && value == "1";
+        return true;
+    });
+    return artist.empty() && isPart ? "Various Artists" : artist;
+}
+
 bool EndsWithTag(std::span<const std::uint8_t> end) {
     if (end.size() < TagSize) return false;
     const auto marker = end.last(TagSize).first(3);
     return EqualIgnoringCase(std::string(marker.begin(), marker.end()), "TAG");
+}
+
+/// Bytes of the APE tag that ends there, or before the tag of version 1, which goes from the end.
+std::uint64_t TakeEnd(std::span<const std::uint8_t> end, std::uint64_t& soundEnd) {
+    if (EndsWithTag(end)) {
+        soundEnd -= TagSize;
+        end = end.first(end.size() - TagSize);
+    }
+    return ApeSize(end, soundEnd);
 }
 
 /// The piece in which the two differ.
@@ -106,15 +143,23 @@ OtherTags TagLibrary::Read(BinaryReader& file, std::span<const std::uint8_t> end
         soundBegin = header->size;
         ReadFrames(bytes, *header, found);
     }
-    if (EndsWithTag(end)) {
-        soundEnd -= TagSize;
-        end = end.first(end.size() - TagSize);
-    }
-    const std::uint64_t ape = ApeSize(end, soundEnd);
-    if (ape > 0 && !found.tag.IsThere()) found.tag = ReadApe(bytes, soundEnd - ape, soundEnd);
+    const std::uint64_t ape = TakeEnd(end, soundEnd);
+    found.isApe = ape > 0 && !found.tag.IsThere();
+    if (found.isApe) found.tag = ReadApe(bytes, soundEnd - ape, soundEnd);
     soundEnd -= ape;
     if (soundEnd > soundBegin) found.seconds = SoundSeconds(bytes, soundBegin, soundEnd);
     return found;
+}
+
+std::string TagLibrary::ReadAlbumArtist(BinaryReader& file, std::span<const std::uint8_t> end) {
+    ByteWindow bytes(file);
+    std::string artist;
+    if (const std::optional<Id3v2Header> header = ReadId3v2Header(bytes))
+        artist = AlbumArtistIn(bytes, *header);
+    std::uint64_t tagsEnd = bytes.Size();
+    const std::uint64_t ape = TakeEnd(end, tagsEnd);
+    if (!artist.empty() || ape == 0) return artist;
+    return ApeText(bytes, tagsEnd - ape, tagsEnd, "Album Artist");
 }
 
 std::optional<EmbeddedImage> TagLibrary::ReadArt(BinaryReader& file) {

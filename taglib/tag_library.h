@@ -8,6 +8,7 @@ namespace quillon {
 class TagLibrary : public TagFormats {
   public:
     OtherTags Read(BinaryReader& file, std::span<const std::uint8_t> end) override;
+    std::string ReadAlbumArtist(BinaryReader& file, std::span<const std::uint8_t> end) override;
     std::optional<EmbeddedImage> ReadArt(BinaryReader& file) override;
     std::optional<HeadChange> Change(BinaryReader& file, const Tag& wanted) override;
 };

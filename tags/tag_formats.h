@@ -55,6 +55,11 @@ class TagFormats {
     virtual OtherTags Read(BinaryReader& file, std::span<const std::uint8_t> end) = 0;
 
     /// A picture of more bytes is none.
+    /// Under whom the file's album is filed: the album artist of ID3 version 2, else of APE, else
+    /// "Various Artists" where the tag says that the file is part of a compilation; "" where it
+    /// says nothing of that. `end` as of Read(). Failure: what `file` throws.
+    virtual std::string ReadAlbumArtist(BinaryReader& file, std::span<const std::uint8_t> end) = 0;
+
     static constexpr std::uint64_t MostArt = std::uint64_t{16} * 1024 * 1024;
 
     /// The picture of ID3 version 2 that says to be the front cover, else the first one; only JPEG

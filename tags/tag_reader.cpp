@@ -197,6 +197,19 @@ std::optional<EmbeddedImage> ReadArt(Run& run, const FileEntry& file) {
 void NoteNoArt(Run& run, const FileEntry& file) {
     std::optional<FoundTag> found = FindTags(run, file, false);
     if (!found) return;
+std::string ReadAlbumArtist(Run& run, std::string_view path) {
+    if (!ReadsAllTags(run)) return "";
+    std::string artist;
+    Steps steps(run, Location);
+    steps.Concerning(path);
+    steps.Try(ReadTagStep::Read, [&] {
+        const std::unique_ptr<BinaryReader> stream = run.files.OpenBinary(path);
+        const std::vector<std::uint8_t> end = ReadEndForTags(*stream, path);
+        artist = run.tagFormats->ReadAlbumArtist(*stream, end);
+    });
+    return artist;
+}
+
     found->art = EmbeddedArt::None;
     run.knownTags->Set(file, *found);
 }

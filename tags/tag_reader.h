@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -32,6 +33,10 @@ std::optional<Tag> ReadID3(Run& run, std::string_view path, GenreAs genre = Genr
 /// The same for a file that has just been listed, which need not be looked at again, nor opened
 /// where it is known what its tags say.
 std::optional<Tag> ReadID3(Run& run, const FileEntry& file);
+
+/// Under whom the file's album is filed, as TagFormats tells it; "" where it could not be read,
+/// which is logged, or the run does not read tags of all kinds.
+std::string ReadAlbumArtist(Run& run, std::string_view path);
 
 /// Whether there is a picture in the file's tag of ID3 version 2; nobody looks into a file of which
 /// that is known. Unknown where it could not be read, which is logged.

@@ -1,0 +1,20 @@
+#include "reconcile/adding.h"
+
+#include "database/spinner_rows.h"
+#include "run/paths.h"
+
+namespace quillon {
+
+Adding::Adding(Run& theRun)
+    : run(theRun),
+      albums(theRun.connection->OpenTable("Albums")),
+      sequence(theRun),
+      root(AddBackslash(FolderPath(theRun.settings.LibraryRoot))),
+      downloadHost(DownloadHost(theRun.host)),
+      compilations(theRun) {
+    // A table that is not there is told of once, and not for each file.
+    for (const char* const table : {"SpinnerArtist", "Spinner", "Tracks"})
+        static_cast<void>(run.connection->OpenTable(table));
+}
+
+}  // namespace quillon
