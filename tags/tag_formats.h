@@ -30,6 +30,7 @@ struct OtherTags {
     /// Of ID3 version 2, else of APE, with texts in full. Its marker is "TAG" if it has any text,
     /// its genre a name, where one is told.
     Tag tag;
+    bool isApe = false;                            ///< it is all of APE
     std::optional<std::uint8_t> genreNumber = {};  ///< where that is told by its number alone
     std::optional<std::int64_t> seconds = {};      ///< length of the sound, above 0
     EmbeddedArt art = EmbeddedArt::None;
@@ -54,12 +55,12 @@ class TagFormats {
     /// Failure: what `file` throws.
     virtual OtherTags Read(BinaryReader& file, std::span<const std::uint8_t> end) = 0;
 
-    /// A picture of more bytes is none.
     /// Under whom the file's album is filed: the album artist of ID3 version 2, else of APE, else
     /// "Various Artists" where the tag says that the file is part of a compilation; "" where it
     /// says nothing of that. `end` as of Read(). Failure: what `file` throws.
     virtual std::string ReadAlbumArtist(BinaryReader& file, std::span<const std::uint8_t> end) = 0;
 
+    /// A picture of more bytes is none.
     static constexpr std::uint64_t MostArt = std::uint64_t{16} * 1024 * 1024;
 
     /// The picture of ID3 version 2 that says to be the front cover, else the first one; only JPEG

@@ -5,6 +5,7 @@
 #include <string>
 #include <utility>
 
+#include "platform/ansi.h"
 #include "platform/basic_text.h"
 #include "platform/database.h"
 #include "platform/failure.h"
@@ -129,6 +130,20 @@ std::string GenreNameOf(Run& run, std::uint8_t number) {
     return found->IsEmpty() ? "" : found->Text("Genre");
 }
 
+/// Whether a text of version 1 is another one than that of APE, and not just what version 1 can
+/// hold of it.
+bool Contradicts(std::string_view old, std::string_view ape) {
+    const std::string_view text = Trim(old);
+    if (text.empty() || !Utf8ToAnsiExactly(ape)) return false;
+    return !EqualIgnoringCase(ape.substr(0, text.size()), text);
+}
+
+/// Whether a genre's number says something. "Other" and none stand for all that has no number.
+bool IsGenre(std::optional<std::uint8_t> number) {
+    constexpr std::uint8_t Other = 12, None = 255;
+    return number && *number != Other && *number != None;
+}
+
 }  // namespace
 
 FoundTag Together(OtherTags other, const Tag& old, std::optional<std::uint8_t> oldGenre) {
@@ -138,7 +153,12 @@ FoundTag Together(OtherTags other, const Tag& old, std::optional<std::uint8_t> o
     if (old.IsThere() && !tag.IsThere()) tag.marker = old.marker;
     for (const TagField& field : TagFields) {
         std::string& text = tag.*field.text;
-        if (Trim(text).empty()) text = old.*field.text;
+        const std::string& oldText = old.*field.text;
+        if (Trim(text).empty() || (other.isApe && Contradicts(oldText, text))) text = oldText;
+    }
+    if (other.isApe && IsGenre(oldGenre)) {
+        tag.genre.clear();
+        found.genreNumber = oldGenre;
     }
     if (tag.genre.empty() && !found.genreNumber) found.genreNumber = oldGenre;
     tag.seconds = WholeSecondsIn(tag.comment);
@@ -177,6 +197,19 @@ std::optional<Tag> ReadID3(Run& run, const FileEntry& file) {
     return ReadLongFile(run, steps, file.path, GenreAs::Name);
 }
 
+std::string ReadAlbumArtist(Run& run, std::string_view path) {
+    if (!ReadsAllTags(run)) return "";
+    std::string artist;
+    Steps steps(run, Location);
+    steps.Concerning(path);
+    steps.Try(ReadTagStep::Read, [&] {
+        const std::unique_ptr<BinaryReader> stream = run.files.OpenBinary(path);
+        const std::vector<std::uint8_t> end = ReadEndForTags(*stream, path);
+        artist = run.tagFormats->ReadAlbumArtist(*stream, end);
+    });
+    return artist;
+}
+
 EmbeddedArt LookForArt(Run& run, const FileEntry& file) {
     if (run.tagFormats == nullptr) return EmbeddedArt::None;
     const std::optional<FoundTag> found = FindTags(run, file, true);
@@ -197,19 +230,6 @@ std::optional<EmbeddedImage> ReadArt(Run& run, const FileEntry& file) {
 void NoteNoArt(Run& run, const FileEntry& file) {
     std::optional<FoundTag> found = FindTags(run, file, false);
     if (!found) return;
-std::string ReadAlbumArtist(Run& run, std::string_view path) {
-    if (!ReadsAllTags(run)) return "";
-    std::string artist;
-    Steps steps(run, Location);
-    steps.Concerning(path);
-    steps.Try(ReadTagStep::Read, [&] {
-        const std::unique_ptr<BinaryReader> stream = run.files.OpenBinary(path);
-        const std::vector<std::uint8_t> end = ReadEndForTags(*stream, path);
-        artist = run.tagFormats->ReadAlbumArtist(*stream, end);
-    });
-    return artist;
-}
-
     found->art = EmbeddedArt::None;
     run.knownTags->Set(file, *found);
 }

@@ -50,7 +50,9 @@ std::optional<EmbeddedImage> ReadArt(Run& run, const FileEntry& file);
 void NoteNoArt(Run& run, const FileEntry& file);
 
 /// What tags of all kinds say together: where a text has only blanks, that of version 1 takes its
-/// place.
+/// place. So it does where APE says something else, since nobody writes APE: what ID3Write has
+/// corrected in version 1 would be found wrong for ever. A text of APE that version 1 has only cut
+/// stays.
 FoundTag Together(OtherTags other, const Tag& old, std::optional<std::uint8_t> oldGenre);
 
 /// As much of a file's end as `TagFormats::Read` asks for. Throws Failure.

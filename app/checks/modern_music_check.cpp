@@ -56,6 +56,15 @@ void CheckModernMusic(HostFolder& host, std::ostream& out, Findings& findings) {
         if (key.section != section) FindUnknownKeys(host, key.section, findings);
         section = key.section;
     }
+    const ModernMusic modern = ReadModernMusic(host);
+    if (modern.readsAllTags && !modern.writesAllTags) {
+        findings.Caution(fmt::format(
+            "Read=best in [Tags] of {} without Write=both: ID3v2 is compared, and ID3Write "
+            "corrects "
+            "version 1 alone. What ID3v2 says differently is found again in each run. Write "
+            "Write=both, too, or Read=v1",
+            HostSettingsFile));
+    }
 }
 
 }  // namespace quillon

@@ -19,6 +19,17 @@ TEST_F(CheckModernMusicTest, TellsWhichKeysAreOn) {
     }
 }
 
+TEST_F(CheckModernMusicTest, SaysThatWhatIsComparedShouldBeWritten) {
+    const auto cautions = [this](const std::string& tags) {
+        Write("shelf/host.ini", "[Plugins]\nQuillon=1\n[Tags]\n" + tags);
+        return Cautions();
+    };
+    const std::string caution = "What ID3v2 says differently is found again in each run";
+    EXPECT_TRUE(Has(cautions("Read=best\n"), caution));
+    EXPECT_FALSE(Has(cautions("Read=best\nWrite=both\n"), caution));
+    EXPECT_FALSE(Has(cautions("Write=both\n"), caution));
+}
+
 TEST_F(CheckModernMusicTest, FindsWordsThatAreNone) {
     Write("shelf/host.ini",
           "[Plugins]\nQuillon=1\n[Tags]\nRead=v2\nColour=red\n[Covers]\nScanLibrary=0\n"

@@ -69,6 +69,26 @@ TEST_F(AllTagsTest, FallBackFieldByFieldToVersion1) {
     EXPECT_EQ(tag.genre, "Rock");
 }
 
+TEST_F(AllTagsTest, BelieveVersion1WhereApeSaysSomethingElse) {
+    const std::string ape = support::ApeTag({{"Title", Title},
+                                             {"Artist", "An artist of APE"},
+                                             {"Album", "初恋"},
+                                             {"Track", "3"},
+                                             {"Genre", "Drone"}});
+    old.album = "??";
+    const Tag tag = Read(Sound(383) + ape + TagBytes(old));
+    EXPECT_EQ(tag.song, Title) << "version 1 has only cut it";
+    EXPECT_EQ(tag.artist, "An old artist");
+    EXPECT_EQ(tag.album, "初恋");
+    EXPECT_EQ(tag.track, "9");
+    EXPECT_EQ(tag.genre, "Rock");
+    old.genre = 12;
+    EXPECT_EQ(Read(Sound(383) + ape + TagBytes(old)).genre, "Drone");
+    const Tag alone = Read(Sound(383) + ape);
+    EXPECT_EQ(alone.artist, "An artist of APE");
+    EXPECT_EQ(alone.genre, "Drone");
+}
+
 TEST_F(AllTagsTest, AreOnlyReadWhereThatIsAskedFor) {
     world.run.modern.readsAllTags = false;
     const Tag tag = Read(NewTag() + Sound(383) + TagBytes(old));
