@@ -46,7 +46,7 @@ std::vector<GenreArtist> DownloadArtists(DownloadTable& table) {
     return artists;
 }
 
-/// Rows by their artist, in the file's order.
+/// Rows by their artist, in the order of their numbers.
 template <typename Row>
 class ByArtist {
   public:
