@@ -1,8 +1,6 @@
 #include "database/snapshot_file.h"
 
 #include <algorithm>
-#include <array>
-#include <cstdio>
 
 namespace quillon {
 namespace {
@@ -65,10 +63,12 @@ SnapshotWriter& SnapshotWriter::Text(std::string_view text) {
         if (IsPlain(character)) {
             line_ += character;
         } else {
-            std::array<char, 4> escaped{};
-            std::snprintf(escaped.data(), escaped.size(), "%%%02X",
-                          static_cast<unsigned>(static_cast<unsigned char>(character)));
-            line_ += escaped.data();
+            // A formatting call would cost more than all else of a line.
+            constexpr std::string_view Digits = "0123456789ABCDEF";
+            const auto byte = static_cast<unsigned char>(character);
+            line_ += Escape;
+            line_ += Digits[byte / 16U];
+            line_ += Digits[byte % 16U];
         }
     }
     return *this;

@@ -1,13 +1,17 @@
 #include "taglib/frame_text.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <taglib/commentsframe.h>
 #include <taglib/id3v2framefactory.h>
 #include <taglib/id3v2header.h>
 #include <taglib/textidentificationframe.h>
 #include <utility>
 
+#include "platform/ansi.h"
 #include "platform/utf8.h"
 #include "tags/tag.h"
 
@@ -61,6 +65,66 @@ bool IsTooCompressed(const Id3v2Frame& frame, unsigned version) {
     return (frame.form & isCompressed) != 0 && frame.size > MostCompressed;
 }
 
+using Bytes = std::span<const std::uint8_t>;
+
+/// Without the zeros of `unit` bytes that end it.
+Bytes WithoutEnd(Bytes bytes, std::size_t unit) {
+    const auto isZero = [](std::uint8_t byte) { return byte == 0; };
+    while (bytes.size() >= unit && std::ranges::all_of(bytes.last(unit), isZero))
+        bytes = bytes.first(bytes.size() - unit);
+    return bytes;
+}
+
+std::optional<std::string> FromLatin1(Bytes text) {
+    text = WithoutEnd(text, 1);
+    if (std::ranges::find(text, 0) != text.end()) return std::nullopt;
+    return ConvertTheBinary(text);
+}
+
+std::optional<std::string> FromUtf8(Bytes text) {
+    text = WithoutEnd(text, 1);
+    std::string plain(text.begin(), text.end());
+    if (!IsValidUtf8(plain) || plain.find('\0') != std::string::npos) return std::nullopt;
+    return plain;
+}
+
+/// Behind the mark that tells the order of bytes.
+std::optional<std::string> FromUtf16(Bytes text) {
+    constexpr std::size_t Unit = 2;
+    text = text.first(text.size() - text.size() % Unit);
+    if (text.size() < Unit) return std::nullopt;
+    const bool isLowFirst = text[0] == 0xFF && text[1] == 0xFE;
+    if (!isLowFirst && (text[0] != 0xFE || text[1] != 0xFF)) return std::nullopt;
+    std::string plain;
+    for (text = WithoutEnd(text.subspan(Unit), Unit); !text.empty(); text = text.subspan(Unit)) {
+        const unsigned high = text[isLowFirst ? 1 : 0], low = text[isLowFirst ? 0 : 1];
+        const unsigned code = high * 256 + low;
+        const bool isHalf = code >= 0xD800 && code <= 0xDFFF;
+        if (code == 0 || isHalf) return std::nullopt;
+        AppendUtf8(plain, code);
+    }
+    return plain;
+}
+
+/// What nearly all frames are: one text that nothing has changed on its way into the tag. All else,
+/// and genres, which may be told by numbers, is left to the library, which takes ten times as long.
+std::optional<std::string> PlainText(const Id3v2Frame& frame, Bytes content) {
+    const std::string_view name = frame.name;
+    const bool isText = name.starts_with('T') && !name.starts_with("TXX") &&
+                        !name.starts_with("TCO") && frame.form == 0;
+    if (!isText || content.empty()) return std::nullopt;
+    switch (content.front()) {
+        case 0:
+            return FromLatin1(content.subspan(1));
+        case 1:
+            return FromUtf16(content.subspan(1));
+        case 3:
+            return FromUtf8(content.subspan(1));
+        default:
+            return std::nullopt;
+    }
+}
+
 }  // namespace
 
 struct FrameReader::Library {
@@ -68,7 +132,9 @@ struct FrameReader::Library {
 };
 
 FrameReader::FrameReader(std::span<const std::uint8_t> header)
-    : library_(std::make_unique<Library>()), version_(header[3]) {
+    : library_(std::make_unique<Library>()),
+      version_(header[3]),
+      isUnsynchronised_((header[5] & 0x80U) != 0) {
     library_->header.setData(Vector(header));
 }
 
@@ -77,6 +143,13 @@ FrameReader::~FrameReader() = default;
 FrameText FrameReader::Read(const Id3v2Frame& frame, std::span<const std::uint8_t> bytes) const {
     FrameText text;
     if (IsTooCompressed(frame, version_)) return text;
+    const std::size_t head = version_ == 2 ? 6 : 10;
+    // In version 4 each frame is unsynchronised by itself.
+    const bool isPlain = version_ < 4 || !isUnsynchronised_;
+    if (auto plain = isPlain ? PlainText(frame, bytes.subspan(head)) : std::nullopt) {
+        if (!plain->empty()) text.values.push_back(*std::move(plain));
+        return text;
+    }
     const std::unique_ptr<TagLib::ID3v2::Frame> read(
         TagLib::ID3v2::FrameFactory::instance()->createFrame(
             WholeFrame(frame, bytes, version_),

@@ -34,6 +34,7 @@ class FrameReader {
     struct Library;
     std::unique_ptr<Library> library_;
     unsigned version_;
+    bool isUnsynchronised_;
 };
 
 }  // namespace quillon
