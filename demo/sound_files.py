@@ -30,14 +30,18 @@ def tag(song="", artist="", album="", year="", comment="", track=None, genre=255
             + remarks + bytes([genre]))
 
 
-def tag2(frames):
-    """A tag of version 2.3, which comes before the sound: texts by the names of their frames."""
+def tag2(frames, picture=b""):
+    """A tag of version 2.3, which comes before the sound: texts by the names of their frames, and a
+    front cover in JPEG."""
 
     def frame(name, text):
         content = b"\x01" + text.encode("utf-16")
         return name.encode() + len(content).to_bytes(4, "big") + bytes(2) + content
 
     content = b"".join(frame(name, text) for name, text in frames.items())
+    if picture:
+        cover = b"\0image/jpeg\0\3\0" + picture
+        content += b"APIC" + len(cover).to_bytes(4, "big") + bytes(2) + cover
     size = bytes(len(content) >> shift & 0x7F for shift in (21, 14, 7, 0))
     return b"ID3" + bytes([3, 0, 0]) + size + content
 

@@ -263,6 +263,8 @@ UndoWork::Ended UndoWork::CarryOut() {
         PutRowsBack(attempt, ended.refused);
         rowUndo_.reset();
         connection_.reset();
+        // What the journal says is done must not be lost in a power cut: nobody would go on.
+        local_.files.SyncContents();
     } catch (const std::exception& error) {
         end("failed", RefusedStatus);
         sink_.PassTo(nullptr);

@@ -347,15 +347,39 @@ std::unique_ptr<BinaryReader> PortableFiles::OpenBinary(std::string_view path) {
 void PortableFiles::WriteEnd(std::string_view path, const FileEnd& seen, std::uint64_t position,
                              std::span<const std::uint8_t> bytes) {
     SyncNames();
-    WriteFileEnd(OpenFile(resolver_, ParseWindowsPath(path), FileUse::ReadAndWrite), seen, position,
-                 bytes);
+    const WindowsPath parsed = ParseWindowsPath(path);
+    const FileHandle file = OpenFile(resolver_, parsed, FileUse::ReadAndWrite);
+    WriteFileEnd(file, seen, position, bytes);
+    NoteWrittenOver(file, resolver_.Local(parsed));
+}
+
+void PortableFiles::NoteWrittenOver(const FileHandle& file, std::string local) {
+    FileIdentity identity = file.Facts().identity;
+    if (FlushTakesAll()) identity.number = 0;
+    writtenOver_[identity] = std::move(local);
+}
+
+void PortableFiles::SyncContents() {
+    while (!writtenOver_.empty()) {
+        const std::string local = writtenOver_.extract(writtenOver_.begin()).mapped();
+        int descriptor = OpenLocal(local, FileUse::ReadAndWrite);
+        // It may have another name by now.
+        if (descriptor < 0) descriptor = OpenLocal(FolderOf(local), FileUse::Read);
+        if (descriptor < 0) throw SystemFailure(errno, local);
+        const FileHandle file(descriptor, local);
+        const int error = FlushTakesAll() ? file.FlushAll() : file.Flush();
+        if (error != 0) throw SystemFailure(error, local);
+    }
 }
 
 void PortableFiles::ReplaceBytes(std::string_view path, const FilePiece& seen,
                                  std::span<const std::uint8_t> bytes) {
     const WindowsPath parsed = ParseWindowsPath(path);
     FileHandle file = OpenFile(resolver_, parsed, FileUse::ReadAndWrite);
-    if (bytes.size() == seen.bytes.size()) return ReplaceInPlace(file, seen, bytes);
+    if (bytes.size() == seen.bytes.size()) {
+        ReplaceInPlace(file, seen, bytes);
+        return NoteWrittenOver(file, resolver_.Local(parsed));
+    }
     const std::string local = LocalToWrite(parsed);
     ReplaceByCopy(std::move(file), local, seen, bytes);
     resolver_.Index().Added(local);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -42,6 +43,10 @@ class PortableFiles : public Files {
     void LetNamesWait() { namesMayWait_ = true; }
     void SyncNames();
 
+    /// Waits until all that WriteEnd() and ReplaceBytes() have written over other bytes is on the
+    /// disk: before, a power cut may leave the old ones. Throws Failure.
+    void SyncContents();
+
     bool FolderExists(std::string_view path) override;
     bool FileExists(std::string_view path) override;
     bool IsWithin(std::string_view folder, std::string_view outer) override;
@@ -54,12 +59,12 @@ class PortableFiles : public Files {
     void CreateFolder(std::string_view path) override;
     void CopyFile(std::string_view from, std::string_view to, bool overwrite) override;
     void CopyFolder(std::string_view from, std::string_view to) override;
+    void WatchCopies(BytesWatch watch) override { copyWatch_ = std::move(watch); }
     void DeleteFile(std::string_view path) override;
     void DeleteFolder(std::string_view path) override;
     void Discard(std::string_view path) override;
     void MoveFile(std::string_view from, std::string_view to) override;
     void MoveFolder(std::string_view from, std::string_view to) override;
-    void WatchCopies(BytesWatch watch) override { copyWatch_ = std::move(watch); }
     std::unique_ptr<TextReader> OpenText(std::string_view path) override;
     std::unique_ptr<TextWriter> CreateText(std::string_view path) override {
         return CreateText(path, SafeFile::Existing::Replace);
@@ -88,14 +93,18 @@ class PortableFiles : public Files {
     WindowsPath AsItIs(const WindowsPath& path, const std::string& local) const;
     /// Whether something of this kind has the path.
     bool Exists(std::string_view path, LocalKind kind);
+    void NoteWrittenOver(const FileHandle& file, std::string local);
 
     PathResolver& resolver_;
     FolderLister lister_;
     TakeOver takeOver_;
+    BytesWatch copyWatch_;
     std::unordered_set<std::string> withoutLeftovers_;  ///< local paths of folders
     bool namesMayWait_ = false;
+    /// Local paths of files whose content may not be on the disk yet; one of each file system is
+    /// enough where a flush takes all others along.
+    std::map<FileIdentity, std::string> writtenOver_;
     std::unordered_set<std::string> waitingNames_;  ///< local paths of the folders that have them
 };
 
 }  // namespace quillon
-    BytesWatch copyWatch_;

@@ -38,6 +38,9 @@ def sound_of(song):
 
 
 def without_tag(content):
+    if content.startswith(b"ID3"):
+        size = sum(byte << shift for byte, shift in zip(content[6:10], (21, 14, 7, 0)))
+        content = content[10 + size:]
     return content[:-TAG_SIZE] if content[-TAG_SIZE:].startswith(b"TAG") else content
 
 
@@ -60,13 +63,17 @@ class Library:
         self.database = self.host / "jukebox.mdb"
         self.log = self.host / "host.log"
 
-    def make(self):
+    def make(self, modern=False):
+        """`modern`: with what `init` switches on for music of today, and for music that is missing."""
         self.music.mkdir(parents=True)
         self.call("init", str(self.host), "--music", str(self.music))
         settings = self.host / "host.ini"
         # A copy must not lead back here.
         text = re.sub(r"(?m)^D=.*$", "D=../disk", settings.read_text())
         text = text.replace("Style=modern", "Style=classic")
+        settings.write_text(text)
+        if modern:
+            return
         # Songs of albums without a cover are searched for pictures.
         text = text.replace("FolderImages=1", "FolderImages=0")
         # Without Read=best all tags are read for it.
@@ -129,9 +136,9 @@ class Library:
                 raise Failed(f"Quillon.ini has {found} lines {key}=")
         file.write_bytes(text.encode("cp1252"))
 
-    def add_song(self, place, song, day=0, tag=None):
-        """A sound file below drive D:; `tag` are the fields of its tag."""
-        content = sound_of(song) + (sound_files.tag(**tag) if tag else b"")
+    def add_song(self, place, song, day=0, tag=None, head=b""):
+        """A sound file below drive D:; `tag` are the fields of its tag, `head` is one of version 2."""
+        content = head + sound_of(song) + (sound_files.tag(**tag) if tag else b"")
         sound_files.write(self.disk / place, content, FIRST_DAY + day * DAY)
 
     def retag(self, place, tag):

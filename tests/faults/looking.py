@@ -209,8 +209,9 @@ class Sight:
 
     def leftovers(self):
         """Files beside the database that a run which has come to its end leaves to nobody."""
+        kept = {"jukebox.mdb", *(f"jukebox.mdb.{note}" for note in ("tags", "sounds", "missing"))}
         beside = {path.name for path in self.library.host.glob("jukebox.*")
-                  if not is_backup(path)} - {"jukebox.mdb"}
+                  if not is_backup(path)} - kept
         return beside | {str(path.relative_to(self.library.folder))
                          for path in self.library.folder.rglob(".quillon-*")}
 

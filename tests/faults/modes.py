@@ -1,6 +1,8 @@
 """What is there before the run that is disturbed: for each mode a library with a history, and
 something to do for a run."""
 
+import os
+
 from library import DISC, FIRST_DAY, Library
 
 import sound_files
@@ -232,9 +234,62 @@ def m3u_to_pla(library):
     library.set(M3uToPla=1)
 
 
+def head_of(artist, album, title, track, picture=b""):
+    return sound_files.tag2({"TIT2": title, "TPE1": artist, "TALB": album, "TRCK": str(track),
+                             "TCON": GENRES.get(artist, "Rock")}, picture)
+
+
+def add_modern(library, artist, album, title, track, disc="", day=0, picture=b""):
+    """A song with tags of both versions; `disc` is the name of its folder."""
+    folder = f"Music/{artist}/{album}/{disc}".rstrip("/")
+    library.add_song(f"{folder}/{artist} - {title}.mp3", title, day,
+                     tag_of(artist, album, title, track),
+                     head_of(artist, album, title, track, picture))
+
+
+def modern_tree(library):
+    """Albums with pictures in their songs, and one of two discs."""
+    library.make(modern=True)
+    for artist, albums in SONGS.items():
+        for album, titles in albums.items():
+            for number, title in enumerate(titles, 1):
+                disc = f"CD{number}" if album == "Harbour Light" else ""
+                add_modern(library, artist, album, title, number, disc, number,
+                           PICTURE + album.encode() if number == 2 else b"")
+    with_history(library)
+
+
+def modern(library):
+    """An album and a song get other names, a song is missing for the first time, and pictures, tags
+    and a disc come."""
+    modern_tree(library)
+    (library.music / "Alder/First Light").rename(library.music / "Alder/Light")
+    (library.music / "Brook/Stones/Brook - Ford.mp3").rename(
+        library.music / "Brook/Stones/Brook - Crossing.mp3")
+    (library.disk / place_of("Marble Foxes", "Chisel", "Vein")).unlink()
+    add_modern(library, "Fennel Road", "Harbour Light", "Anchor", 1, "CD3", 60)
+    add_modern(library, "Birch", "Quiet", "Hush", 1, day=61, picture=PICTURE + b"Quiet")
+    library.set(ID3Reconcile=1, ReconcileOption=1)
+
+
+def id3_write_both(library):
+    """Tags of both versions are other than the database; one has no room for the right texts."""
+    modern_tree(library)
+    for artist, album, title, said in (("Alder", "First Light", "Dawn", "Adler"),
+                                       ("Brook", "Stones", "Ford", "B")):
+        path = library.disk / place_of(artist, album, title)
+        modified = path.stat().st_mtime
+        library.add_song(path.relative_to(library.disk), title,
+                         tag=tag_of(said, album, title, 1), head=head_of(said, album, title, 1))
+        os.utime(path, (modified, modified))
+    library.set(ID3Reconcile=1)
+    library.settle()
+    library.set(ID3Reconcile=0, Reconcile=0, ID3Write=1)
+
+
 MODES = {function.__name__.replace("_", "-"): function for function in (
     reconcile, reconcile_tags, flat, several_roots, playlists_only, add_files, id3_write,
-    id3_update, album_picker, pla_to_m3u, make_remote, m3u_to_pla)}
+    id3_update, album_picker, pla_to_m3u, make_remote, m3u_to_pla, modern, id3_write_both)}
 
 
 def prepare(mode, folder, program):

@@ -80,11 +80,13 @@ def lost_files(before, now, undisturbed, killed):
             yield Breach("file damaged", f"{name} holds {now.parts['file'][name]}")
 
 
-def left_marked(before, now):
-    """Numbers that a run sets aside are back when it has come to its end."""
+def left_marked(before, now, undisturbed=()):
+    """Numbers that a run sets aside are back when it has come to its end, but those of songs that wait
+    for their files, as undisturbed runs leave them."""
     for table, field in (("Albums", "Tracks"), ("Tracks", "Track")):
         for key, row in now.tables[table].items():
-            if row[field] == "0" and before.tables[table].get(key, {}).get(field) != "0":
+            known = [sight.tables[table].get(key, {}).get(field) for sight in (before, *undisturbed)]
+            if row[field] == "0" and "0" not in known:
                 yield Breach("left marked", f"{table} of {row['Title']}: {field} is 0")
 
 

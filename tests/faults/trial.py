@@ -154,7 +154,7 @@ class Workshop:
         if point.kills:
             return
         if not point.path.startswith("host/jukebox."):
-            yield from rules.left_marked(baseline.before, now)
+            yield from rules.left_marked(baseline.before, now, baseline.undisturbed)
         yield from rules.wrong_status(status, point, baseline.before, now, baseline.undisturbed, told)
 
     def reopened(self, library):

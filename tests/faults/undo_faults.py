@@ -22,7 +22,8 @@ from options import Options
 from stage import Failed
 from trial import environment
 
-MODES = ("reconcile", "reconcile-tags", "add-files", "id3-write", "album-picker", "playlists-only")
+MODES = ("reconcile", "reconcile-tags", "add-files", "id3-write", "album-picker", "playlists-only",
+         "modern", "id3-write-both")
 ACTIONS = ("kill", "torn", "cut", "full")
 STARTED_AGAIN = 2
 REFUSED = 2
