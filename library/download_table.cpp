@@ -2,8 +2,6 @@
 
 #include <array>
 
-#include "library/order_by_number.h"
-
 namespace quillon {
 namespace {
 
@@ -34,10 +32,8 @@ DownloadTable::DownloadTable(Connection& connection) : connection_(connection), 
                           .genre = texts_.Keep(row[4]),
                           .song = RowText(row[3]),
                           .isExcluded = IsTrue(row[5])});
+        List(static_cast<std::uint32_t>(songs_.size() - 1));
     });
-    OrderByNumber(songs_);
-    for (std::uint32_t place = 0; place < songs_.size(); ++place)
-        List(place);
 }
 
 std::uint32_t DownloadTable::HashOfNames(std::string_view artist, std::string_view album,

@@ -20,7 +20,7 @@ class DownloadTable {
     DownloadTable(const DownloadTable&) = delete;
     DownloadTable& operator=(const DownloadTable&) = delete;
 
-    /// By number, which puts new ones last.
+    /// In the file's order, new ones last.
     std::deque<SongRow>& Songs() { return songs_; }
 
     const TextRules& Rules() const { return rules_; }

@@ -6,8 +6,6 @@
 #include <utility>
 #include <variant>
 
-#include "library/order_by_number.h"
-
 namespace quillon {
 namespace {
 
@@ -84,7 +82,7 @@ void Take(TrackRow& track, const FieldValue& field, SharedTexts& texts) {
     if (field.name == "DateAdded") track.added = DateOf(field.value);
 }
 
-/// Each row once, by number; as an index gives them they are mostly the other way round.
+/// Each row once, in the file's order; as an index gives them they are mostly the other way round.
 template <typename Row>
 std::vector<Row*> InOrder(std::vector<Row*> rows) {
     const auto comesBefore = [](const Row* a, const Row* b) { return a->key < b->key; };
@@ -119,7 +117,8 @@ Library::Library(Connection& connection) : connection_(connection), rules_(conne
     constexpr std::array<std::string_view, 7> AlbumFields{"ID",     "CDJID",  "Artist",   "Title",
                                                           "Tracks", "Player", "ImageFile"};
     connection_.Scan(AlbumTable, AlbumFields, [this](RowKey key, std::span<const Value> row) {
-        albums_.push_back({.key = key,
+        albums_.push_back({.place = static_cast<std::uint32_t>(albums_.size()),
+                           .key = key,
                            .id = AlbumId{NumberOf(row[0]).value_or(0)},
                            .cdjid = RowText(row[1]),
                            .artist = RowText(row[2]),
@@ -127,37 +126,28 @@ Library::Library(Connection& connection) : connection_(connection), rules_(conne
                            .imageFile = RowText(row[6]),
                            .count = MarkableNumber(NumberOf(row[4])),
                            .isOwn = NumberOf(row[5]) == OwnPlayer});
+        List(albums_.back());
     });
-    OrderByNumber(albums_);
-    for (std::uint32_t place = 0; place < albums_.size(); ++place) {
-        albums_[place].place = place;
-        List(albums_[place]);
-    }
     constexpr std::array<std::string_view, 9> TrackFields{
         "ID", "CDJID", "Track", "Title", "Artist", "SoundFile", "Minutes", "Seconds", "DateAdded"};
     connection_.Scan(TrackTable, TrackFields, [this](RowKey key, std::span<const Value> row) {
-        tracks_.push_back({.key = key,
-                           .id = TrackId{NumberOf(row[0]).value_or(0)},
-                           .title = RowText(row[3]),
-                           .soundFile = RowText(row[5]),
-                           .cdjid = texts_.Keep(row[1]),
-                           .artist = texts_.Keep(row[4]),
-                           .number = MarkableNumber(NumberOf(row[2])),
-                           .minutes = NumberOf(row[6]),
-                           .seconds = NumberOf(row[7]),
-                           .added = DateOf(row[8])});
-    });
-    OrderByNumber(tracks_);
-    const TrackRow* last = nullptr;
-    std::uint32_t place = 0;
-    for (TrackRow& track : tracks_) {
-        track.place = place++;
+        TrackRow& track =
+            tracks_.emplace_back(TrackRow{.place = static_cast<std::uint32_t>(tracks_.size()),
+                                          .key = key,
+                                          .id = TrackId{NumberOf(row[0]).value_or(0)},
+                                          .title = RowText(row[3]),
+                                          .soundFile = RowText(row[5]),
+                                          .cdjid = texts_.Keep(row[1]),
+                                          .artist = texts_.Keep(row[4]),
+                                          .number = MarkableNumber(NumberOf(row[2])),
+                                          .minutes = NumberOf(row[6]),
+                                          .seconds = NumberOf(row[7]),
+                                          .added = DateOf(row[8])});
         // As the track before, mostly, which is of the same album.
-        const bool isOfLast = last != nullptr && last->cdjid.IsSameAs(track.cdjid);
-        track.isOwn = isOfLast ? last->isOwn : AlbumOf(track) != nullptr;
+        const bool isOfLast = tracks_.size() > 1 && tracks_.end()[-2].cdjid.IsSameAs(track.cdjid);
+        track.isOwn = isOfLast ? tracks_.end()[-2].isOwn : AlbumOf(track) != nullptr;
         List(track);
-        last = &track;
-    }
+    });
 }
 
 std::uint32_t Library::HashOfNames(std::string_view artist, std::string_view title) const {

@@ -24,7 +24,7 @@ class Library {
     Library(const Library&) = delete;
     Library& operator=(const Library&) = delete;
 
-    /// All rows by number, which puts new ones last, whatever their player. Rows stay where they
+    /// All rows in the file's order, new ones last, whatever their player. Rows stay where they
     /// are; skip those that are gone.
     std::deque<AlbumRow>& Albums() { return albums_; }
     std::deque<TrackRow>& Tracks() { return tracks_; }
@@ -33,18 +33,18 @@ class Library {
 
     /// The first album of the tool's own with these names; null where there is none.
     AlbumRow* FindAlbum(std::string_view artist, std::string_view title);
-    /// All albums with these names, of any player, by number.
+    /// All albums with these names, of any player, in the file's order.
     std::vector<AlbumRow*> AlbumsNamed(std::string_view artist, std::string_view title);
     /// The first own album with this identifier.
     AlbumRow* AlbumWith(std::string_view cdjid);
-    /// All albums with this identifier, of any player, by number.
+    /// All albums with this identifier, of any player, in the file's order.
     std::vector<AlbumRow*> AlbumsWith(std::string_view cdjid);
     AlbumRow* AlbumOf(const TrackRow& track) { return AlbumWith(track.cdjid); }
     /// The first own track whose stored path ends in this one: something may stand before the
     /// drive.
     TrackRow* FindTrack(std::string_view path);
     TrackRow* FindTrack(TrackId id);
-    /// By number; of any player, as tracks are joined to albums by the identifier alone.
+    /// In the file's order; of any player, as tracks are joined to albums by the identifier alone.
     std::vector<TrackRow*> TracksOf(std::string_view cdjid);
 
     /// These write at once, all of it or nothing. Failure: what the database refuses. Counts and

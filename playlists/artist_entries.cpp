@@ -46,7 +46,7 @@ std::vector<GenreArtist> DownloadArtists(DownloadTable& table) {
     return artists;
 }
 
-/// Rows by their artist, in the order of their numbers.
+/// Rows by their artist, in the file's order.
 template <typename Row>
 class ByArtist {
   public:

@@ -66,7 +66,7 @@ class Threshold {
 };
 
 /// The albums that have an artist and an identifier, by artist as the database sorts; those of one
-/// artist by number.
+/// artist in the file's order.
 std::vector<const AlbumRow*> AlbumsByArtist(Library& library) {
     std::vector<const AlbumRow*> albums;
     for (const AlbumRow& album : library.Albums()) {
