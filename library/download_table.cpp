@@ -51,8 +51,11 @@ std::uint32_t DownloadTable::HashOfNames(std::string_view artist, std::string_vi
 void DownloadTable::List(std::uint32_t place) {
     const SongRow& song = songs_[place];
     if (song.artist.IsNull()) return;
-    const bool isOfLast = place > 0 && songs_[place - 1].artist.IsSameAs(song.artist);
-    if (!isOfLast && FirstOf(song.artist) == nullptr)
+    // A new row may lie before others of its artist, where a page had room for it.
+    const bool isBehindLast = place > 0 && songs_[place - 1].artist.IsSameAs(song.artist) &&
+                              songs_[place - 1].key < song.key;
+    const SongRow* const first = isBehindLast ? &songs_[place - 1] : FirstOf(song.artist);
+    if (first == nullptr || song.key < first->key)
         firstByArtist_.Add(rules_.Hash(song.artist), place);
     if (HasAllNames(song) && Find(song.artist, song.album, song.song) == nullptr)
         byNames_.Add(HashOfNames(song.artist, song.album, song.song), place);
@@ -73,7 +76,8 @@ const SongRow* DownloadTable::Find(std::string_view artist, std::string_view alb
 const SongRow* DownloadTable::FirstOf(std::string_view artist) const {
     const SongRow* found = nullptr;
     firstByArtist_.ForEach(rules_.Hash(artist), [&](RowIndex::Row row) {
-        if (rules_.AreEqual(songs_[row].artist, artist)) found = &songs_[row];
+        const bool isBefore = found == nullptr || songs_[row].key < found->key;
+        if (isBefore && rules_.AreEqual(songs_[row].artist, artist)) found = &songs_[row];
     });
     return found;
 }

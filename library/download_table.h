@@ -20,7 +20,7 @@ class DownloadTable {
     DownloadTable(const DownloadTable&) = delete;
     DownloadTable& operator=(const DownloadTable&) = delete;
 
-    /// In the file's order, new ones last.
+    /// In the order of the file, new ones last, wherever they have found room.
     std::deque<SongRow>& Songs() { return songs_; }
 
     const TextRules& Rules() const { return rules_; }
@@ -28,7 +28,7 @@ class DownloadTable {
     /// The first song with these names; null where there is none. Null is no name.
     const SongRow* Find(std::string_view artist, std::string_view album,
                         std::string_view song) const;
-    /// The artist's first song.
+    /// The artist's first song in the file, new ones included.
     const SongRow* FirstOf(std::string_view artist) const;
 
     /// A field that is not held in memory.

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <numeric>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -52,12 +53,14 @@ class ByArtist {
   public:
     ByArtist(std::deque<Row>& rows, const TextRules& rules) : rows_(rows), rules_(rules) {
         std::uint32_t hash = 0;
-        for (std::size_t i = rows.size(); i-- > 0;) {
+        const Row* last = nullptr;
+        for (const RowIndex::Row place : FromLastToFirst(rows)) {
+            const Row& row = rows[place];
             // Rows of one artist mostly follow each other.
-            const bool isSame =
-                i + 1 < rows.size() && rows[i + 1].artist.Text() == rows[i].artist.Text();
-            if (!isSame) hash = rules.Hash(rows[i].artist);
-            index_.Add(hash, static_cast<RowIndex::Row>(i));
+            if (last == nullptr || last->artist.Text() != row.artist.Text())
+                hash = rules.Hash(row.artist);
+            index_.Add(hash, place);
+            last = &row;
         }
     }
 
@@ -71,6 +74,17 @@ class ByArtist {
     }
 
   private:
+    /// By their places in the file: rows that this run has added may fill gaps before others, and
+    /// the next run, which reads them from there, must come to the same lists.
+    static std::vector<RowIndex::Row> FromLastToFirst(const std::deque<Row>& rows) {
+        std::vector<RowIndex::Row> places(rows.size());
+        std::iota(places.rbegin(), places.rend(), RowIndex::Row{0});
+        const auto liesBehind = [&rows](RowIndex::Row one, RowIndex::Row other) {
+            return rows[other].key < rows[one].key;
+        };
+        if (!std::ranges::is_sorted(places, liesBehind)) std::ranges::sort(places, liesBehind);
+        return places;
+    }
     static bool IsGone(const SongRow&) { return false; }
     static bool IsGone(const auto& row) { return row.isGone || row.isWaiting; }
 

@@ -73,6 +73,7 @@ std::vector<const AlbumRow*> AlbumsByArtist(Library& library) {
         if (!album.isGone && !album.isWaiting && !album.artist.IsEmpty() && !album.cdjid.IsEmpty())
             albums.push_back(&album);
     }
+    std::ranges::sort(albums, {}, &AlbumRow::key);
     std::ranges::stable_sort(albums, [&](const AlbumRow* one, const AlbumRow* other) {
         return library.Rules().ComesBefore(one->artist, other->artist);
     });

@@ -39,6 +39,26 @@ TEST_F(TablesTest, ASongIsFoundByItsNamesAndTheFirstRowHasIt) {
     EXPECT_EQ(RowText(table.Read(table.Songs()[0], "FileName")), "x");
 }
 
+TEST_F(TablesTest, ANewSongThatFillsAGapIsTheArtistsFirstAsItWillBeForTheNextRun) {
+    const std::string longName(200, 'x');
+    AddSong("'Gap', '" + longName + "', 'Gone', 'Folk', 'x'");
+    for (int song = 0; song < 40; ++song)
+        AddSong("'Ann', '" + longName + "', '" + std::to_string(song) + "', 'Folk', 'x'");
+    AddSong("'Zed', 'First', 'One', 'Rock', 'x'");
+    shelf.Execute("DELETE FROM Spinner WHERE Artist = 'Gap'");
+    DownloadTable table(Database());
+    const RowKey before = table.FirstOf("Zed")->key;
+
+    const std::vector<FieldValue> fields{{"Artist", std::string("Zed")},
+                                         {"Album", std::string("First")},
+                                         {"Song", std::string("Two")},
+                                         {"Genre", std::string("Pop")}};
+    const SongRow& added = table.Add(fields);
+    ASSERT_LT(added.key, before) << "the gap is not filled";
+    EXPECT_EQ(table.FirstOf("zed"), &added);
+    EXPECT_EQ(DownloadTable(Database()).FirstOf("zed")->id, added.id);
+}
+
 TEST_F(TablesTest, ASongThatIsAddedIsFoundAndStored) {
     DownloadTable table(Database());
     const auto expected = static_cast<std::int64_t>(table.NextId());
