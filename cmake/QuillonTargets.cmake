@@ -65,8 +65,8 @@ endfunction()
 # A GoogleTest program. CTest runs all its cases in one process, since to start one for each takes
 # longer than most of them; the release build runs them in another order than they are written in, so
 # that none can rely on those before it. COST says that it takes long, and how long beside others: it
-# begins first and is cut into several parts, which run side by side. PATTERN names the cases that ask
-# programs which Windows does not have; they are left out there.
+# begins first and, but for Windows, is cut into several parts, which run side by side. PATTERN names
+# the cases that ask programs which Windows does not have; they are left out there.
 function(quillon_test name)
     cmake_parse_arguments(ARG "" "COST;ASKING_OTHERS" "SOURCES;USES" ${ARGN})
     add_executable(${name} ${ARG_SOURCES})
@@ -77,19 +77,23 @@ function(quillon_test name)
     if(WIN32 AND ARG_ASKING_OTHERS)
         list(APPEND options --gtest_filter=-${ARG_ASKING_OTHERS})
     endif()
-    if(NOT QUILLON_SANITIZE)
+    if(NOT QUILLON_SANITIZE AND NOT WIN32)
         list(APPEND options --gtest_shuffle --gtest_random_seed=1)
     endif()
+    set(parts 1)
     if(NOT ARG_COST)
-        add_test(NAME ${name} COMMAND ${name} ${options})
-        set_tests_properties(${name} PROPERTIES TIMEOUT 900 COST 10)
-        return()
+        set(ARG_COST 10)
+    elseif(NOT WIN32)
+        set(parts 4)
     endif()
-    set(parts 4)
     foreach(part RANGE 1 ${parts})
+        set(test ${name})
+        if(parts GREATER 1)
+            string(APPEND test .${part}of${parts})
+        endif()
         math(EXPR index "${part} - 1")
-        add_test(NAME ${name}.${part}of${parts} COMMAND ${name} ${options})
-        set_tests_properties(${name}.${part}of${parts} PROPERTIES TIMEOUT 900 COST ${ARG_COST}
+        add_test(NAME ${test} COMMAND ${name} ${options})
+        set_tests_properties(${test} PROPERTIES TIMEOUT 900 COST ${ARG_COST}
             ENVIRONMENT "GTEST_TOTAL_SHARDS=${parts};GTEST_SHARD_INDEX=${index}")
     endforeach()
 endfunction()
