@@ -124,8 +124,7 @@ std::string InsertDifferences(const std::string& field, const std::string& tagVa
 void Print(const std::string& what, const Usage& used, double walk) {
     std::cout << fmt::format(
         "{:<34} {:>8.3f} s {:>7.1f}x {:>8.3f} s of the processor {:>7.1f} MB\n", what, used.seconds,
-        used.seconds / walk, used.processor,
-        static_cast<double>(used.peakMemory) / Megabyte);
+        used.seconds / walk, used.processor, static_cast<double>(used.peakMemory) / Megabyte);
 }
 
 /// The median of the rounds in each figure.
