@@ -173,9 +173,7 @@ std::vector<bool> BackupsThatStay(std::span<const DateTime> made, std::size_t ne
         const DateTime time = made[i];
         // Where the clock has been put back, those of "later" must not push out what a run has just
         // made.
-        if (time > now) {
-            stays[i] = true;
-        } else if (place++ < newest) {
+        if (time > now || place++ < newest) {
             stays[i] = true;
         } else if (SortableDateTimeText(time) >= oldest && MonthOf(time) != month) {
             stays[i] = true;
