@@ -193,9 +193,11 @@ void Addition::KeepApart() {
 }
 
 void Addition::LookUp() {
+    const bool isElsewhere = !HasTrack(target_) && IsAddedToItsArtist();
+    if (isElsewhere) file_.artist = ownArtist_;
     if (file_.artist == adding_.artist && file_.album == adding_.album) cdjid_ = adding_.cdjid;
     if (cdjid_.empty()) cdjid_ = FindAlbum(*run_.connection, file_.artist, file_.album);
-    isKnown_ = HasTrack(target_) || IsAddedAsCut() || IsAddedWithoutDisc() || IsAddedToItsArtist();
+    isKnown_ = isElsewhere || HasTrack(target_) || IsAddedAsCut() || IsAddedWithoutDisc();
 }
 
 bool Addition::HasTrack(const std::string& soundFile) const {

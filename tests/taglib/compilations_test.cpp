@@ -43,7 +43,7 @@ class AddedCompilation : public AddingTest {
 
 TEST_F(AddedCompilation, StaysTogetherUnderItsAlbumArtist) {
     AddSong("1.mp3", "Dawn", "Alder", FiledUnder("Friends"));
-    AddSong("CD2/1.mp3", "Dusk", "Birch", FiledUnder("friends"));
+    AddSong("CD2/1.mp3", "Dusk", "Birch", FiledUnder("Friends"));
     Add();
     EXPECT_THAT(library.Albums(), ElementsAre("Friends|Hits|2"));
     EXPECT_THAT(library.Rows("SELECT SoundFile FROM Tracks"),
