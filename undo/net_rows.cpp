@@ -66,29 +66,6 @@ std::string KeyText(std::string_view table,
     return text;
 }
 
-FieldMap::Iterator FieldMap::find(std::string_view name) const {
-    const auto place = std::ranges::lower_bound(entries_, name, {}, &Entry::first);
-    return place != entries_.end() && place->first == name ? place : entries_.end();
-}
-
-std::vector<FieldMap::Entry>::iterator FieldMap::PlaceOf(std::string_view name) {
-    return std::ranges::lower_bound(entries_, name, {}, &Entry::first);
-}
-
-void FieldMap::Set(const std::string& name, const Value& value) {
-    const auto place = PlaceOf(name);
-    if (place != entries_.end() && place->first == name) {
-        place->second = value;
-    } else {
-        entries_.emplace(place, name, value);
-    }
-}
-
-void FieldMap::SetIfNew(const std::string& name, const Value& value) {
-    const auto place = PlaceOf(name);
-    if (place == entries_.end() || place->first != name) entries_.emplace(place, name, value);
-}
-
 void NetRows::StartRun() {
     ++run_;
     // What the run before did not save may be lost: nothing that comes later saves it.
@@ -200,9 +177,6 @@ std::size_t NetRows::EntryFor(const RowChange& change) {
 
 void NetRows::Apply(Entry& entry, const RowChange& change) {
     NetRow& row = entry.row;
-    if (row.now.fields.empty()) row.now.fields.Reserve(change.fields.size());
-    if (row.before.exists && row.before.fields.empty())
-        row.before.fields.Reserve(change.fields.size());
     for (const FieldChange& field : change.fields) {
         // A field that has not been seen before was this all the time.
         if (row.before.exists) {
@@ -215,6 +189,8 @@ void NetRows::Apply(Entry& entry, const RowChange& change) {
     }
     row.now.exists = change.kind != RowChange::Kind::Removed;
     if (!row.now.exists) row.now.fields.clear();
+    row.now.fields.ShrinkToFit();
+    row.before.fields.ShrinkToFit();
 }
 
 void NetRows::Save() {

@@ -10,35 +10,9 @@
 #include <vector>
 
 #include "changes/change.h"
+#include "undo/field_map.h"
 
 namespace quillon {
-
-/// Values of fields, by their names. There may be some hundred thousand of these.
-class FieldMap {
-  public:
-    using Entry = std::pair<std::string, Value>;
-    using Iterator = std::vector<Entry>::const_iterator;
-
-    Iterator begin() const { return entries_.begin(); }
-    Iterator end() const { return entries_.end(); }
-    bool empty() const { return entries_.empty(); }
-    std::size_t size() const { return entries_.size(); }
-    Iterator find(std::string_view name) const;
-    /// The field is there.
-    const Value& at(std::string_view name) const { return find(name)->second; }
-    void Set(const std::string& name, const Value& value);
-    /// Room for so many fields, and no more than that.
-    void Reserve(std::size_t count) { entries_.reserve(count); }
-    /// Leaves a field that is there already as it is.
-    void SetIfNew(const std::string& name, const Value& value);
-    void clear() { std::vector<Entry>().swap(entries_); }
-    bool operator==(const FieldMap&) const = default;
-
-  private:
-    std::vector<Entry>::iterator PlaceOf(std::string_view name);
-
-    std::vector<Entry> entries_;  ///< in the order of their names
-};
 
 /// A row at one moment, as far as it is known.
 struct RowState {

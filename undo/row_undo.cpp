@@ -37,7 +37,7 @@ class PresentRows {
         for (const auto& [name, value] : state.key)
             fields_.insert(name);
         for (const auto& [name, value] : state.fields)
-            fields_.insert(name);
+            fields_.emplace(name);
     }
 
     void Read(Connection& connection, std::string_view table) {
@@ -108,7 +108,7 @@ std::string ShownText(const Value& value) {
 std::optional<std::string> DifferingField(const PresentRows::Row& row, const RowState& state) {
     for (const auto& [name, value] : state.fields) {
         const auto found = row.fields.find(name);
-        if (found != row.fields.end() && found->second != value) return name;
+        if (found != row.fields.end() && found->second != value) return std::string(name);
     }
     return std::nullopt;
 }
@@ -185,7 +185,7 @@ std::vector<std::string> ChangedFields(const NetRow& row) {
     std::vector<std::string> names;
     for (const auto& [name, value] : row.before.fields) {
         const auto now = row.now.fields.find(name);
-        if (now != row.now.fields.end() && now->second != value) names.push_back(name);
+        if (now != row.now.fields.end() && now->second != value) names.emplace_back(name);
     }
     return names;
 }

@@ -40,24 +40,24 @@ RowChange ChangeOf(const RowUndo::Step& step) {
     const NetRow& row = *step.row;
     RowChange change{
         .table = row.table, .key = row.now.exists ? row.now.key : row.before.key, .fields = {}};
-    const auto valueIn = [](const RowState& state, const std::string& field) -> Value {
+    const auto valueIn = [](const RowState& state, std::string_view field) -> Value {
         const auto found = state.fields.find(field);
         return found == state.fields.end() ? Value(Null()) : found->second;
     };
     if (step.work == Work::Insert) {
         change.kind = RowChange::Kind::Added;
         for (const auto& [field, value] : row.before.fields)
-            change.fields.push_back({field, Null(), value});
+            change.fields.push_back({std::string(field), Null(), value});
     } else if (step.work == Work::Delete) {
         // What names it.
         change.kind = RowChange::Kind::Removed;
         for (const auto& [field, value] : row.now.fields)
             if (std::holds_alternative<std::string>(value))
-                change.fields.push_back({field, value, Null()});
+                change.fields.push_back({std::string(field), value, Null()});
     } else {
         for (const auto& [field, value] : row.before.fields)
             if (valueIn(row.now, field) != value)
-                change.fields.push_back({field, valueIn(row.now, field), value});
+                change.fields.push_back({std::string(field), valueIn(row.now, field), value});
     }
     return change;
 }
