@@ -208,7 +208,7 @@ bool NetRows::IsAsBefore(const NetRow& row, const RowState& state) const {
     for (auto& [name, value] : first.key)
         value = AsBefore(row.table, name, std::move(value));
     for (const auto& [name, value] : state.fields)
-        first.fields.Set(name, AsBefore(row.table, name, value));
+        first.fields.Set(name, AsBefore(row.table, std::string(name), value));
     return IsSame(first, row.before);
 }
 
