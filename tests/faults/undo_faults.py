@@ -23,7 +23,7 @@ from stage import Failed
 from trial import environment
 
 MODES = ("reconcile", "reconcile-tags", "add-files", "id3-write", "album-picker", "playlists-only",
-         "modern", "id3-write-both")
+         "modern")
 ACTIONS = ("kill", "torn", "cut", "full")
 STARTED_AGAIN = 2
 REFUSED = 2
@@ -163,7 +163,7 @@ class Workshop:
 
 
 def main():
-    given = Options(__doc__, MODES, count=40).given()
+    given = Options(__doc__, list(modes.MODES), count=40).given()
     folder = temporary_folder()
     tried = broken = 0
     try:
