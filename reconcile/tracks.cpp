@@ -330,8 +330,8 @@ class AlbumTracks {
     void ChangeRow(TrackRow& row, ListedFile& file) {
         std::vector<FieldValue> changes;
         if (row.cdjid != album_.cdjid) changes.push_back({"CDJID", album_.cdjid});
-        std::string title = GetTrackName(file.Name, run_.settings.FlatStructure);
-        if (row.title != title) changes.push_back({"Title", std::move(title)});
+        const std::string title = GetTrackName(file.Name, run_.settings.FlatStructure);
+        if (row.title != title) changes.push_back({"Title", title});
         const std::string artist = ArtistOf(file);
         // A row whose file cannot be read keeps its artist.
         if (row.artist != artist && !file.IsUnreadable) changes.push_back({"Artist", artist});
