@@ -44,6 +44,13 @@ Outcome Gone(std::string_view path) {
     return Outcome::Refusal(std::string(path) + " is not there any more");
 }
 
+/// Whether bytes are what is left where `written` came over `old` in part, its beginning first.
+bool IsTorn(std::string_view bytes, std::string_view old, std::string_view written) {
+    const auto same = std::ranges::mismatch(bytes, written).in1 - bytes.begin();
+    const auto begun = static_cast<std::size_t>(same);
+    return bytes.substr(begun) == (begun < old.size() ? old.substr(begun) : "");
+}
+
 }  // namespace
 
 Outcome FileUndo::TakeBack(const FileChange& change) {
@@ -133,7 +140,9 @@ Outcome FileUndo::PutEndBack(const FileChange& change) {
     if (present == before) return WasSo;
     const bool getsShorter = before.size() < after.size();
     const bool isCut = getsShorter && present.empty();
-    if (present != after && !isCut) return ChangedSince(change.path);
+    const bool isTorn = writes_ == Writes::PerhapsTorn &&
+                        (IsTorn(present, before, after) || IsTorn(present, after, before));
+    if (present != after && !isCut && !isTorn) return ChangedSince(change.path);
     // Bytes are only written up to the end or beyond, so the end goes first.
     if (getsShorter && !isCut)
         files_.WriteEnd(change.path, {.size = size, .bytes = end}, change.position, {});

@@ -10,13 +10,17 @@
 
 namespace quillon {
 
+/// Whether a run, or an undo of it, was interrupted, so that what it wrote over other bytes may have
+/// come to the disk in part.
+enum class Writes { Whole, PerhapsTorn };
+
 /// Takes changes of files back, one by one: the last one first. Each looks at what is there and
 /// leaves alone what is neither as the change has left it nor as it was before.
 class FileUndo {
   public:
     /// `hostFolder` is what kept files lie below: a Windows path. `files` must outlive this object.
-    FileUndo(Files& files, std::string hostFolder)
-        : files_(files), hostFolder_(std::move(hostFolder)) {}
+    FileUndo(Files& files, std::string hostFolder, Writes writes = Writes::Whole)
+        : files_(files), hostFolder_(std::move(hostFolder)), writes_(writes) {}
 
     /// Throws Failure; then nothing has changed, or what is left to do is done by another call.
     Outcome TakeBack(const FileChange& change);
@@ -38,6 +42,7 @@ class FileUndo {
 
     Files& files_;
     std::string hostFolder_;
+    Writes writes_;
 };
 
 }  // namespace quillon

@@ -143,6 +143,11 @@ void UndoWork::ReadJournals(const std::vector<std::filesystem::path>& journals,
             NoteDamaged(content, journals[run].filename().string());
     }
     std::vector<RecordedRun> runs, undos;
+    const auto note = [&](std::size_t run) {
+        if (!history.Runs()[run].ended) writes_ = Writes::PerhapsTorn;
+    };
+    std::ranges::for_each(newestFirst, note);
+    std::ranges::for_each(undosSince, note);
     for (const std::size_t undo : undosSince)
         undos.push_back(recorded[undo]);
     for (const std::size_t run : newestFirst) {
@@ -305,7 +310,7 @@ void UndoWork::PutFilesBack(Files& files, const std::string& keeping, const Atte
         removed.Take(local, shown);
         return true;
     });
-    FileUndo undo(journalled, local_.host.GetAppPath());
+    FileUndo undo(journalled, local_.host.GetAppPath(), writes_);
     for (FileStep& step : steps_)
         step.outcome = {};
     quillon::CarryOut(

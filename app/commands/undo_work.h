@@ -15,6 +15,7 @@
 #include "app/journal/row_recorder.h"
 #include "app/local_host.h"
 #include "undo/file_steps.h"
+#include "undo/file_undo.h"
 #include "undo/history.h"
 #include "undo/net_rows.h"
 #include "undo/row_undo.h"
@@ -89,6 +90,7 @@ class UndoWork {
     std::string stamp_;
     std::vector<PastRun> runs_;
     std::vector<FileStep> steps_;
+    Writes writes_ = Writes::Whole;
     std::vector<NetRow> rows_;
     std::vector<DateReplaced> dates_;
     std::unordered_set<std::string> heldPaths_;  ///< of rows that were changed since

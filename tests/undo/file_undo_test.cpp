@@ -152,6 +152,35 @@ TEST_F(FileUndoTest, PutsAShorterEndBackEvenWhereItWasCutOffInBetween) {
     }
 }
 
+TEST_F(FileUndoTest, PutsATagBackThatAnInterruptedRunHasWrittenInPart) {
+    const FileChange change{.kind = Kind::EndWritten,
+                            .path = R"(D:\a.mp3)",
+                            .position = 5,
+                            .before = Content("OLDTAG"),
+                            .after = Content("NEWTIP")};
+    FileUndo afterInterruption(files_, R"(D:\host)", Writes::PerhapsTorn);
+    for (const char* const content : {"audioNEWTAG", "audioOLDTIP", "audioNLDTAG"}) {
+        folder_.MakeFile("a.mp3", content);
+        EXPECT_EQ(TakeBack(change), Outcome::Refusal("D:\\a.mp3 has been changed since"));
+        EXPECT_EQ(afterInterruption.TakeBack(change), Outcome{}) << content;
+        EXPECT_EQ(folder_.Content("a.mp3"), "audioOLDTAG");
+    }
+    folder_.MakeFile("a.mp3", "audioOWNTAG");
+    EXPECT_EQ(afterInterruption.TakeBack(change),
+              Outcome::Refusal("D:\\a.mp3 has been changed since"));
+}
+
+TEST_F(FileUndoTest, CutsOffATagOfWhichOnlyTheBeginningWasWritten) {
+    folder_.MakeFile("a.mp3", "audioTA");
+    const FileChange change{.kind = Kind::EndWritten,
+                            .path = R"(D:\a.mp3)",
+                            .position = 5,
+                            .before = Content(""),
+                            .after = Content("TAG")};
+    EXPECT_EQ(FileUndo(files_, R"(D:\host)", Writes::PerhapsTorn).TakeBack(change), Outcome{});
+    EXPECT_EQ(folder_.Content("a.mp3"), "audio");
+}
+
 TEST_F(FileUndoTest, LeavesATagThatAnotherProgramHasWritten) {
     const FileChange change{.kind = Kind::EndWritten,
                             .path = R"(D:\a.mp3)",
