@@ -10,8 +10,8 @@
 
 namespace quillon {
 
-/// Whether a run, or an undo of it, was interrupted, so that what it wrote over other bytes may have
-/// come to the disk in part.
+/// Whether a run, or an undo of it, was interrupted, so that what it wrote over other bytes may
+/// have come to the disk in part.
 enum class Writes { Whole, PerhapsTorn };
 
 /// Takes changes of files back, one by one: the last one first. Each looks at what is there and
