@@ -87,7 +87,7 @@ class CoverCopier {
     std::string NameFor(const PickerAlbum& album, const std::string& source) const {
         std::string name(LastName(source));
         if (!run_.modern.takesFolderImages || !IsFolderImage(name)) return name;
-        std::string own = album.artist + " - " + album.title + name.substr(name.rfind('.'));
+        const std::string own = album.artist + " - " + album.title + name.substr(name.rfind('.'));
         return IsWindowsName(WebSafeName(own)) ? own : name;
     }
 

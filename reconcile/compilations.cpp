@@ -5,6 +5,7 @@
 
 #include "platform/basic_text.h"
 #include "platform/files.h"
+#include "run/paths.h"
 #include "run/run.h"
 #include "run/sound_files.h"
 #include "tags/tag_reader.h"
@@ -22,13 +23,14 @@ void Compilations::LookBelow(const std::string& folder) {
     if (!run_.modern.readsAllTags || !run_.modern.keepsTrackArtists) return;
     run_.ShowItem("1. Add Files, Look for Albums of several Artists in " + folder);
     const FolderNames names = run_.files.NamesIn(folder);
+    const std::string below = AddBackslash(folder);
     for (const std::string& name : names.files) {
         if (run_.AbortRequested) return;
-        if (IsSoundFile(name)) Look(folder + '\\' + name);
+        if (IsSoundFile(name)) Look(below + name);
     }
     for (const std::string& name : names.folders) {
         if (run_.AbortRequested) return;
-        LookBelow(folder + '\\' + name);
+        LookBelow(below + name);
     }
 }
 

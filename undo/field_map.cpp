@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstdint>
-#include <cstring>
 #include <type_traits>
 #include <variant>
 
@@ -16,16 +16,15 @@ constexpr std::size_t NameSize = 2;
 
 template <typename Number>
 void PutNumber(std::string& bytes, Number number) {
-    std::array<char, sizeof(Number)> raw{};
-    std::memcpy(raw.data(), &number, sizeof(Number));
+    const auto raw = std::bit_cast<std::array<char, sizeof(Number)>>(number);
     bytes.append(raw.data(), raw.size());
 }
 
 template <typename Number>
 Number NumberAt(std::string_view bytes) {
-    Number number{};
-    std::memcpy(&number, bytes.data(), sizeof(Number));
-    return number;
+    std::array<char, sizeof(Number)> raw{};
+    std::ranges::copy(bytes.substr(0, raw.size()), raw.begin());
+    return std::bit_cast<Number>(raw);
 }
 
 struct Put {
