@@ -131,6 +131,7 @@ void Print(const std::string& what, const Usage& used, double walk) {
 Usage Typical(const std::vector<Usage>& rounds) {
     const auto median = [&rounds](auto figure) {
         std::vector<double> values;
+        values.reserve(rounds.size());
         for (const Usage& used : rounds)
             values.push_back(static_cast<double>(used.*figure));
         return Median(std::move(values));
