@@ -110,12 +110,11 @@ NewFiles::NewFiles(std::size_t songs) : songs_(songs) {
     sync();
 }
 
-double NewFiles::SecondsOfCopy(Way way) const {
-    const fs::path copy = folder_.Path() / "Copy";
+double NewFiles::SecondsOfCopy(Way way) {
+    const fs::path copy = folder_.Path() / fmt::format("Copy {}", ++copies_);
     const auto start = std::chrono::steady_clock::now();
     CopyTree(Root(), copy, way);
     const double seconds = SecondsSince(start);
-    fs::remove_all(copy);
     sync();
     return seconds;
 }

@@ -21,11 +21,11 @@ class NewFiles {
         Plain,  ///< as fast as the system will
         Safe,   ///< each file is on the disk before it gets its name, and its folder after that
     };
-    /// Copies the tree to a folder that goes again.
-    double SecondsOfCopy(Way way) const;
+    /// Copies the tree to a folder that goes with this object.
+    double SecondsOfCopy(Way way);
 
   private:
-    std::size_t songs_;
+    std::size_t songs_, copies_ = 0;
     outside::TemporaryFolder folder_;
 };
 

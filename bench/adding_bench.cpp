@@ -21,7 +21,7 @@ struct Figures {
 };
 
 Figures Measure(std::size_t songs) {
-    const NewFiles files(songs);
+    NewFiles files(songs);
     Figures figures{.songs = songs};
     figures.copy = files.SecondsOfCopy(NewFiles::Way::Plain);
     figures.safeCopy = files.SecondsOfCopy(NewFiles::Way::Safe);

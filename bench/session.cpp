@@ -31,6 +31,10 @@ void Tell(const std::string& what) {
 
 enum class Tags { Ignored, Compared, Equal };
 
+/// What has been measured with. Where thousands of files have just been deleted, some file systems
+/// take several times as long to make new ones, so all goes at the end.
+using Used = std::vector<std::shared_ptr<const void>>;
+
 std::unique_ptr<HostFolder> NewHost(const Plan& plan, const MusicTree& music) {
     auto host = std::make_unique<HostFolder>(plan.program, music.Root());
     host->AddCovers(music.Root());
@@ -65,8 +69,9 @@ void AddWalk(Series& walk, const MusicTree& music) {
 /// The library that ratios are taken of, and the hosts that have been over it.
 class RatioStage {
   public:
-    explicit RatioStage(const Plan& plan)
+    RatioStage(const Plan& plan, Used& used)
         : plan_(plan),
+          used_(used),
           music_(plan.tracks, FileNames::ByArtist),
           unchanged_(SettledHost(plan, music_)),
           tags_(SettledHost(plan, music_, Tags::Compared)),
@@ -87,7 +92,7 @@ class RatioStage {
         if (mpd_) AskMpd(figures);
     }
 
-    void Look(Figures& figures) const {
+    void Look(Figures& figures) {
         for (const NamedWay& named : Ways) {
             WayOfRunning& way = figures.*named.way;
             way.counts = CountedRun(*HostOf(named));
@@ -103,8 +108,12 @@ class RatioStage {
 
   private:
     /// A new library needs a new one each time.
-    std::shared_ptr<const HostFolder> HostOf(const NamedWay& named) const {
-        if (named.way == &Figures::fresh) return NewHost(plan_, music_);
+    std::shared_ptr<const HostFolder> HostOf(const NamedWay& named) {
+        if (named.way == &Figures::fresh) {
+            std::shared_ptr<const HostFolder> host = NewHost(plan_, music_);
+            used_.push_back(host);
+            return host;
+        }
         if (named.way == &Figures::unchanged) return unchanged_;
         return named.way == &Figures::tags ? tags_ : equalTags_;
     }
@@ -120,6 +129,7 @@ class RatioStage {
     }
 
     const Plan& plan_;
+    Used& used_;
     MusicTree music_;
     std::shared_ptr<const HostFolder> unchanged_, tags_, equalTags_;
     std::optional<std::string> mpd_ = InstalledProgram("mpd");
@@ -155,28 +165,32 @@ std::optional<Pair> MeasureQuery(const Plan& plan, const std::string& database) 
     return pair;
 }
 
-void MeasureRatios(Figures& figures) {
+void MeasureRatios(Figures& figures, Used& used) {
     const Plan& plan = figures.plan;
     Tell(fmt::format("{} tracks: making the library, bringing it into the database", plan.tracks));
-    RatioStage stage(plan);
+    const auto stage = std::make_shared<RatioStage>(plan, used);
+    used.push_back(stage);
     for (std::size_t i = 0; i < plan.rounds; ++i) {
         Tell(fmt::format("{} tracks: round {} of {}", plan.tracks, i + 1, plan.rounds));
-        stage.Round(figures);
+        stage->Round(figures);
     }
     Tell(fmt::format("{} tracks: calls and phases", plan.tracks));
-    stage.Look(figures);
-    figures.query = MeasureQuery(plan, stage.Database());
+    stage->Look(figures);
+    figures.query = MeasureQuery(plan, stage->Database());
 }
 
-void MeasureAdding(Figures& figures) {
+void MeasureAdding(Figures& figures, Used& used) {
     const Plan& plan = figures.plan;
     figures.addedFiles = std::max(plan.tracks / TracksForAnAddedFile, FewestAddedFiles);
-    const NewFiles files(figures.addedFiles);
+    const auto files = std::make_shared<NewFiles>(figures.addedFiles);
+    used.push_back(files);
     for (std::size_t i = 0; i < plan.growthRounds; ++i) {
         Tell(fmt::format("adding {} files: round {} of {}", figures.addedFiles, i + 1,
                          plan.growthRounds));
-        figures.adding.theirs.seconds.push_back(files.SecondsOfCopy(NewFiles::Way::Safe));
-        figures.adding.ours.seconds.push_back(AddingStage(plan.program, files).Add().seconds);
+        figures.adding.theirs.seconds.push_back(files->SecondsOfCopy(NewFiles::Way::Safe));
+        const auto stage = std::make_shared<AddingStage>(plan.program, *files);
+        used.push_back(stage);
+        figures.adding.ours.seconds.push_back(stage->Add().seconds);
     }
 }
 
@@ -192,7 +206,8 @@ class GrowthStage {
 
     void Round() {
         AddWalk(figures.walk, music_);
-        figures.fresh.Add(NewHost(plan_, music_)->Run());
+        used_.push_back(NewHost(plan_, music_));
+        figures.fresh.Add(used_.back()->Run());
         AddWalk(figures.walk, music_);
         figures.unchanged.Add(unchanged_->Run());
     }
@@ -202,6 +217,7 @@ class GrowthStage {
   private:
     const Plan& plan_;
     MusicTree music_;
+    std::vector<std::unique_ptr<HostFolder>> used_;
     std::unique_ptr<HostFolder> unchanged_;
 };
 
@@ -237,8 +253,9 @@ Figures Measure(const Plan& plan) {
     const auto start = std::chrono::steady_clock::now();
     Figures figures;
     figures.plan = plan;
-    MeasureRatios(figures);
-    MeasureAdding(figures);
+    Used used;
+    MeasureRatios(figures, used);
+    MeasureAdding(figures, used);
     if (plan.sizes.size() > 1) MeasureGrowth(figures);
     const std::chrono::duration<double, std::ratio<60>> taken =
         std::chrono::steady_clock::now() - start;
