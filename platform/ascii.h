@@ -89,6 +89,21 @@ inline bool IsAscii(std::string_view text) {
     return PrefixLength(text) == text.size();
 }
 
+/// Whether short texts are the same, bytes of any kind; sooner known here than by a call.
+inline bool AreSame(std::string_view left, std::string_view right) {
+    if (left.size() != right.size()) return false;
+    if (left.size() < BlockSize) {
+        for (std::size_t at = 0; at < left.size(); ++at)
+            if (left[at] != right[at]) return false;
+        return true;
+    }
+    for (std::size_t at = 0; at + BlockSize <= left.size(); at += BlockSize)
+        if (BlockAt(left, at) != BlockAt(right, at)) return false;
+    // The last ones are looked at together with some that have been.
+    const std::size_t last = left.size() - BlockSize;
+    return BlockAt(left, last) == BlockAt(right, last);
+}
+
 /// Whether two ASCII texts are equal but for letter case.
 inline bool EqualIgnoringCase(std::string_view left, std::string_view right) {
     if (left.size() != right.size()) return false;

@@ -1,6 +1,7 @@
 #include "app/journal/json_text.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 
 #include "platform/ascii.h"
@@ -19,32 +20,19 @@ bool IsWellFormed(std::string_view text) {
     return true;
 }
 
-/// What stands in a JSON string as it is.
-constexpr bool IsPlain(char byte) {
-    const auto code = static_cast<unsigned char>(byte);
-    return code >= 0x20 && code < 0x80 && byte != '"' && byte != '\\';
+/// The bit of a byte that is zero is set; so may be those of bytes above the lowest such one.
+constexpr ascii::Block Zeros(ascii::Block block) {
+    return (block - ascii::Repeated(1)) & ~block & ascii::HighBits;
 }
 
-/// Whether one of eight bytes is zero.
-constexpr bool HasZero(ascii::Block block) {
-    return ((block - ascii::Repeated(1)) & ~block & ascii::HighBits) != 0;
-}
-
-/// The same for eight bytes.
-constexpr bool IsPlain(ascii::Block block) {
-    const ascii::Block controls = (block - ascii::Repeated(0x20)) & ~block;
-    return ((block | controls) & ascii::HighBits) == 0 && !HasZero(block ^ ascii::Repeated('"')) &&
-           !HasZero(block ^ ascii::Repeated('\\'));
-}
-
-bool IsPlain(std::string_view text) {
-    if (text.size() < ascii::BlockSize)
-        return std::ranges::all_of(text, [](char byte) { return IsPlain(byte); });
-    std::size_t at = 0;
-    for (; at + ascii::BlockSize <= text.size(); at += ascii::BlockSize)
-        if (!IsPlain(ascii::BlockAt(text, at))) return false;
-    // The last ones are looked at together with some that have been.
-    return IsPlain(ascii::BlockAt(text, text.size() - ascii::BlockSize));
+/// How many of eight bytes stand before the first that has to be escaped.
+constexpr std::size_t PlainBytes(ascii::Block block) {
+    // The first byte of a text is the lowest one of its block.
+    static_assert(std::endian::native == std::endian::little);
+    const ascii::Block controls = (block - ascii::Repeated(0x20)) & ~block & ascii::HighBits;
+    const ascii::Block escaped =
+        controls | Zeros(block ^ ascii::Repeated('"')) | Zeros(block ^ ascii::Repeated('\\'));
+    return static_cast<std::size_t>(std::countr_zero(escaped)) / 8;
 }
 
 /// "" outside the years that have a text.
@@ -89,56 +77,56 @@ void JsonText::Put(DateTime time) {
     nextDate_ = (nextDate_ + 1) % dates_.size();
 }
 
+/// Room for the longest escapes is made once, so that bytes go in without another look at it. Eight
+/// bytes are put at a time, of which those count that stand before the next one to be escaped.
 void JsonText::Put(std::string_view text) {
-    if (IsPlain(text)) {
-        char* const place = Room(text.size() + 2);
-        place[0] = '"';
-        text.copy(place + 1, text.size());
-        place[text.size() + 1] = '"';
-        size_ += text.size() + 2;
-    } else if (IsWellFormed(text)) {
-        PutEscaped(text);
-    } else {
-        Open();
-        Name("bytes");
-        Append('"');
-        for (const char byte : text)
+    constexpr std::size_t LongestEscape = 6;
+    const std::size_t start = size_;
+    Room(LongestEscape * text.size() + 2 + ascii::BlockSize);
+    memory_[size_++] = '"';
+    ascii::Block seen = 0;
+    for (std::string_view left = text; !left.empty();) {
+        std::string_view behind = left;
+        const ascii::Block block = ascii::TakeBlock(behind);
+        const std::size_t plain = std::min(PlainBytes(block), left.size());
+        std::memcpy(&memory_[size_], &block, ascii::BlockSize);
+        size_ += plain;
+        seen |= block;
+        left.remove_prefix(plain);
+        if (plain == ascii::BlockSize || left.empty()) continue;
+        const char byte = left.front();
+        memory_[size_++] = '\\';
+        if (byte == '"' || byte == '\\') {
+            memory_[size_++] = byte;
+        } else {
+            Append("u00");
             PutByteHex(static_cast<unsigned char>(byte));
-        Append('"');
-        Close();
+        }
+        left.remove_prefix(1);
     }
+    memory_[size_++] = '"';
+    if ((seen & ascii::HighBits) == 0 || IsWellFormed(text)) return;
+    size_ = start;
+    PutBytes(text);
 }
 
-/// Room for the longest escapes is made once, so that bytes go in without another look at it.
-void JsonText::PutEscaped(std::string_view text) {
-    constexpr std::size_t LongestEscape = 6;
+void JsonText::PutBytes(std::string_view bytes) {
+    Open();
+    Name("bytes");
     Append('"');
-    Room(LongestEscape * text.size());
-    for (std::size_t at = 0; at < text.size();) {
-        if (at + ascii::BlockSize <= text.size() && IsPlain(ascii::BlockAt(text, at))) {
-            std::memcpy(&memory_[size_], &text[at], ascii::BlockSize);
-            size_ += ascii::BlockSize;
-            at += ascii::BlockSize;
-            continue;
-        }
-        const char byte = text[at++];
-        const auto code = static_cast<unsigned char>(byte);
-        if (code < 0x20) {
-            Append("\\u00");
-            PutByteHex(code);
-        } else {
-            if (byte == '"' || byte == '\\') memory_[size_++] = '\\';
-            memory_[size_++] = byte;
-        }
-    }
+    for (const char byte : bytes)
+        PutByteHex(static_cast<unsigned char>(byte));
     Append('"');
+    Close();
 }
 
 void JsonText::Learn(KnownName& known, std::string_view name) {
     const std::size_t start = size_;
     Put(name);
     Append(':');
-    known = {std::string(name), std::string(Text().substr(start))};
+    const std::string_view written = Text().substr(start);
+    known = {.name = std::string(name), .written = std::string(written)};
+    written.copy(known.beginning.data(), known.beginning.size());
     size_ = start;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <concepts>
@@ -9,6 +10,7 @@
 #include <string>
 #include <string_view>
 
+#include "platform/ascii.h"
 #include "platform/database.h"
 
 namespace quillon {
@@ -36,11 +38,15 @@ class JsonText {
     /// Of the member whose content comes next.
     void Name(std::string_view name) {
         const std::size_t comma = isFirst_ ? 0 : 1;
-        const std::string& written = Written(name);
-        char* const place = Room(written.size() + 1);
+        const KnownName& known = Known(name);
+        const std::size_t length = known.written.size();
+        char* const place = Room(comma + std::max(length, known.beginning.size()));
         *place = ',';
-        std::memcpy(place + comma, written.data(), written.size());
-        size_ += comma + written.size();
+        // So many bytes that the compiler knows their number: nearly all names have no more.
+        std::memcpy(place + comma, known.beginning.data(), known.beginning.size());
+        if (length > known.beginning.size())
+            std::memcpy(place + comma, known.written.data(), length);
+        size_ += comma + length;
         isFirst_ = false;
     }
     template <typename Content>
@@ -78,9 +84,10 @@ class JsonText {
         DateTime time;
         std::string text;
     };
-    /// The name of a member likewise.
+    /// The name of a member likewise, with its quotes and the colon behind it.
     struct KnownName {
         std::string name, written;
+        std::array<char, 24> beginning{};  ///< of what is written, zeros behind its end
     };
 
     /// Where so many bytes can be put.
@@ -96,19 +103,21 @@ class JsonText {
         std::memcpy(Room(bytes.size()), bytes.data(), bytes.size());
         size_ += bytes.size();
     }
-    /// A name with its quotes and the colon behind it.
-    const std::string& Written(std::string_view name) {
-        constexpr std::size_t FirstFactor = 7, SizeFactor = 13;
-        const std::size_t ends = name.empty()
-                                     ? 0
-                                     : static_cast<unsigned char>(name.back()) +
-                                           FirstFactor * static_cast<unsigned char>(name.front());
-        KnownName& known = names_[(ends + SizeFactor * name.size()) % names_.size()];
-        if (known.written.empty() || known.name != name) Learn(known, name);
-        return known.written;
+    const KnownName& Known(std::string_view name) {
+        // These tell the names of all rows and records apart.
+        constexpr std::size_t FirstFactor = 4, MiddleFactor = 2, SizeFactor = 10;
+        std::size_t mixed = SizeFactor * name.size();
+        if (!name.empty()) {
+            mixed += static_cast<unsigned char>(name.back()) +
+                     FirstFactor * static_cast<unsigned char>(name.front()) +
+                     MiddleFactor * static_cast<unsigned char>(name[name.size() / 2]);
+        }
+        KnownName& known = names_[mixed % names_.size()];
+        if (known.written.empty() || !ascii::AreSame(known.name, name)) Learn(known, name);
+        return known;
     }
     void Learn(KnownName& known, std::string_view name);
-    void PutEscaped(std::string_view text);
+    void PutBytes(std::string_view bytes);
     void PutByteHex(unsigned char byte);
 
     std::string memory_ = std::string(4096, '\0');
