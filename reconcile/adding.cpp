@@ -1,6 +1,7 @@
 #include "reconcile/adding.h"
 
 #include "database/spinner_rows.h"
+#include "run/host_settings.h"
 #include "run/paths.h"
 
 namespace quillon {

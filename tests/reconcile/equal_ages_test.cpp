@@ -65,7 +65,7 @@ TEST(OrderOfOneAge, IsByTagAndThenByNameWhereATagNumberIsThereTwice) {
 /// A library that was copied without its times.
 class EqualAgesTest : public ::testing::Test {
   protected:
-    static RawTag TrackTag(std::uint8_t track) {
+    static RawTag NumberedTag(std::uint8_t track) {
         RawTag tag;
         tag.track = track;
         return tag;
@@ -78,7 +78,7 @@ class EqualAgesTest : public ::testing::Test {
             if (number == 0) {
                 library.AddFile(path);
             } else {
-                library.AddFile(path, TrackTag(number));
+                library.AddFile(path, NumberedTag(number));
             }
         }
     }
@@ -148,7 +148,7 @@ TEST_F(EqualAgesTest, LetANewTrackTakeItsPlaceByTag) {
     AddAlbum({4, 3, 1});
     library.Reconcile();
     EXPECT_EQ(Numbers(), "2 3 1 ");
-    library.AddFile(R"(A\B\d.mp3)", TrackTag(2));
+    library.AddFile(R"(A\B\d.mp3)", NumberedTag(2));
     library.Reconcile();
     EXPECT_EQ(Numbers(), "3 4 1 2 ");
     ExpectNothingChanges();
@@ -164,9 +164,9 @@ TEST_F(EqualAgesTest, LetANewTrackWithoutATagTakeItsPlaceByNameAmongTheTags) {
 }
 
 TEST_F(EqualAgesTest, CountOnlyAmongFilesOfOneAge) {
-    library.AddFile(R"(A\B\a.mp3)", TrackTag(2), 5);
-    library.AddFile(R"(A\B\b.mp3)", TrackTag(1), 5);
-    library.AddFile(R"(A\B\c.mp3)", TrackTag(3), 1);
+    library.AddFile(R"(A\B\a.mp3)", NumberedTag(2), 5);
+    library.AddFile(R"(A\B\b.mp3)", NumberedTag(1), 5);
+    library.AddFile(R"(A\B\c.mp3)", NumberedTag(3), 1);
     library.Reconcile();
     EXPECT_EQ(Numbers(), "2 1 3 ");
     // The oldest comes first; the others keep their order.

@@ -13,7 +13,7 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::StartsWith;
 
-RawTag TrackTag(std::uint8_t track, const std::string& comment = "") {
+RawTag NumberedTag(std::uint8_t track, const std::string& comment = "") {
     RawTag tag;
     tag.track = track;
     tag.comment = comment;
@@ -28,7 +28,7 @@ class ProcessTracksTest : public ::testing::Test {
 };
 
 TEST_F(ProcessTracksTest, MakesRowsWithAllTheValuesOfANewTrack) {
-    library.AddFile(R"(A\B\01 - Song.mp3)", TrackTag(1, "Length='245'"));
+    library.AddFile(R"(A\B\01 - Song.mp3)", NumberedTag(1, "Length='245'"));
     library.Reconcile();
     EXPECT_THAT(
         library.Rows("SELECT CDJID, Track, Title, Artist, Minutes, Seconds, SoundFile, Notes, "
@@ -42,32 +42,32 @@ TEST_F(ProcessTracksTest, MakesRowsWithAllTheValuesOfANewTrack) {
 }
 
 TEST_F(ProcessTracksTest, KeepsTheTagsNumbersAndTitlesOfANewAlbum) {
-    library.AddFile(R"(A\B\01 - A.mp3)", TrackTag(2), 0);
-    library.AddFile(R"(A\B\02 - B.mp3)", TrackTag(1), 1);
+    library.AddFile(R"(A\B\01 - A.mp3)", NumberedTag(2), 0);
+    library.AddFile(R"(A\B\02 - B.mp3)", NumberedTag(1), 1);
     library.Reconcile();
     EXPECT_THAT(library.Tracks(), ElementsAre(R"(A\B\01 - A.mp3|A|2)", R"(A\B\02 - B.mp3|B|1)"));
 }
 
 TEST_F(ProcessTracksTest, RenumbersByFileTimeOnTheNextRun) {
-    library.AddFile(R"(A\B\01 - A.mp3)", TrackTag(2), 0);
-    library.AddFile(R"(A\B\02 - B.mp3)", TrackTag(1), 1);
+    library.AddFile(R"(A\B\01 - A.mp3)", NumberedTag(2), 0);
+    library.AddFile(R"(A\B\02 - B.mp3)", NumberedTag(1), 1);
     library.Reconcile();
     library.Reconcile();
     EXPECT_THAT(library.Tracks(), ElementsAre(R"(A\B\01 - A.mp3|A|1)", R"(A\B\02 - B.mp3|B|2)"));
 }
 
 TEST_F(ProcessTracksTest, GivesATakenNumberToTheOlderFile) {
-    library.AddFile(R"(A\B\newer.mp3)", TrackTag(1), 9);
-    library.AddFile(R"(A\B\older.mp3)", TrackTag(1), 3);
+    library.AddFile(R"(A\B\newer.mp3)", NumberedTag(1), 9);
+    library.AddFile(R"(A\B\older.mp3)", NumberedTag(1), 3);
     library.Reconcile();
     EXPECT_THAT(library.Tracks(),
                 ElementsAre(R"(A\B\newer.mp3|newer|2)", R"(A\B\older.mp3|older|1)"));
 }
 
 TEST_F(ProcessTracksTest, GivesTheLowestFreeNumberToATagNumberAboveTheCount) {
-    library.AddFile(R"(A\B\a.mp3)", TrackTag(9), 0);
-    library.AddFile(R"(A\B\b.mp3)", TrackTag(1), 1);
-    library.AddFile(R"(A\B\c.mp3)", TrackTag(3), 2);
+    library.AddFile(R"(A\B\a.mp3)", NumberedTag(9), 0);
+    library.AddFile(R"(A\B\b.mp3)", NumberedTag(1), 1);
+    library.AddFile(R"(A\B\c.mp3)", NumberedTag(3), 2);
     library.Reconcile();
     EXPECT_THAT(library.Tracks(),
                 ElementsAre(R"(A\B\a.mp3|a|2)", R"(A\B\b.mp3|b|1)", R"(A\B\c.mp3|c|3)"));
@@ -94,7 +94,7 @@ TEST_F(ProcessTracksTest, PutsNewFilesIntoTheGapsBehindKnownOnes) {
     library.AddFile(R"(A\B\a.mp3)", 0);
     library.AddFile(R"(A\B\b.mp3)", 2);
     library.Reconcile();
-    library.AddFile(R"(A\B\c.mp3)", TrackTag(1), 9);
+    library.AddFile(R"(A\B\c.mp3)", NumberedTag(1), 9);
     library.Reconcile();
     // Known rows begin again at 0 and wait; the new row's tag takes its number first.
     EXPECT_THAT(library.Tracks(),
@@ -152,8 +152,8 @@ TEST_F(ProcessTracksTest, AddsATrackAnewWhoseRowHadNoSoundFile) {
 }
 
 TEST_F(ProcessTracksTest, CompletesNoRowForALengthBeyond16Bits) {
-    library.AddFile(R"(A\B\a.mp3)", TrackTag(1, "Length='40000'"), 0);
-    library.AddFile(R"(A\B\b.mp3)", TrackTag(2), 1);
+    library.AddFile(R"(A\B\a.mp3)", NumberedTag(1, "Length='40000'"), 0);
+    library.AddFile(R"(A\B\b.mp3)", NumberedTag(2), 1);
     library.Reconcile();
     EXPECT_THAT(library.Tracks(), ElementsAre(R"(A\B\b.mp3|b|2)"));
     EXPECT_THAT(Log(), ElementsAre("Quillon: ProcessTracks Line 2 Overflow: 40000 "
@@ -163,7 +163,7 @@ TEST_F(ProcessTracksTest, CompletesNoRowForALengthBeyond16Bits) {
 }
 
 TEST_F(ProcessTracksTest, LeavesLengthUnknownWhenItIsNoNumber) {
-    library.AddFile(R"(A\B\a.mp3)", TrackTag(1, "Length='long'"));
+    library.AddFile(R"(A\B\a.mp3)", NumberedTag(1, "Length='long'"));
     library.Reconcile();
     EXPECT_THAT(library.Rows("SELECT Minutes, Seconds FROM Tracks"), ElementsAre("-1|-1"));
     EXPECT_THAT(Log(), IsEmpty());
@@ -224,7 +224,7 @@ TEST_F(ProcessTracksTest, LogsARowThatCannotBeMadeAndGoesOn) {
 
 // A row without its length and number would stay so.
 TEST_F(ProcessTracksTest, LeavesANewFileThatCannotBeReadToTheNextRun) {
-    library.AddFile(R"(A\B\a.mp3)", TrackTag(1));
+    library.AddFile(R"(A\B\a.mp3)", NumberedTag(1));
     library.calls.Refuse(R"(OpenBinary D:\Music\A\B\a.mp3)", FailureNumber::PermissionDenied,
                          R"(D:\Music\A\B\a.mp3)");
     library.Reconcile();
@@ -237,7 +237,7 @@ TEST_F(ProcessTracksTest, LeavesANewFileThatCannotBeReadToTheNextRun) {
 }
 
 TEST_F(ProcessTracksTest, DoesNotReadTagsOfKnownFiles) {
-    library.AddFile(R"(A\B\a.mp3)", TrackTag(1));
+    library.AddFile(R"(A\B\a.mp3)", NumberedTag(1));
     library.Reconcile();
     library.calls.Forget();
     library.Reconcile();
@@ -245,7 +245,7 @@ TEST_F(ProcessTracksTest, DoesNotReadTagsOfKnownFiles) {
 }
 
 TEST_F(ProcessTracksTest, TakesWhatABarInATagHasShifted) {
-    RawTag tag = TrackTag(2);
+    RawTag tag = NumberedTag(2);
     tag.song = "so|ng";
     tag.comment = "7";
     library.AddFile(R"(A\B\a.mp3)", tag, 0);
@@ -282,7 +282,7 @@ class ProcessTracksAloneTest : public ProcessTracksTest {
 TEST_F(ProcessTracksAloneTest, DoesNotLookAgainHowLargeAListedFileIs) {
     album.trackCount = 9;
     FileList files = List({R"(A\B\a.mp3)"});
-    library.AddFile(R"(A\B\a.mp3)", TrackTag(7));
+    library.AddFile(R"(A\B\a.mp3)", NumberedTag(7));
     files.front().Size = 1;  // no room for a tag
     Walk walk(library.run);
     ProcessTracks(walk, album, files);

@@ -40,12 +40,13 @@ TEST(FindByIndex, FindsTheRowsOfAScan) {
     DatabaseFile::Create(path, std::vector{Shelf()});
     auto file = DatabaseFile::Open(path, OpenMode::ReadWrite);
     Table& table = file.OpenTable("Shelf");
-    constexpr std::int64_t Rows = 3000;
-    for (std::int64_t i = 0; i < Rows; ++i) {
+    constexpr std::int64_t RowCount = 3000;
+    for (std::int64_t i = 0; i < RowCount; ++i) {
         // Many pages of one number, and some of their own.
         const std::int64_t number = i % 3 == 0 ? 7 : i * 7919 % 1000 - 500;
-        table.Insert(Row{i % 50 == 0 ? Value(Null{}) : Value(number), Value(number % 100), Value(i),
-                         Value("label " + std::string(60, 'x') + std::to_string(i * 31 % Rows))});
+        table.Insert(
+            Row{i % 50 == 0 ? Value(Null{}) : Value(number), Value(number % 100), Value(i),
+                Value("label " + std::string(60, 'x') + std::to_string(i * 31 % RowCount))});
     }
     std::map<std::int64_t, std::vector<RowId>> byNumber, byBackwards;
     table.Scan([&](RowId id, const Row& row) {
@@ -54,7 +55,7 @@ TEST(FindByIndex, FindsTheRowsOfAScan) {
         byBackwards[std::get<std::int64_t>(row[Backwards])].push_back(id);
     });
     const auto found = [&](std::size_t column, std::int64_t number) {
-        auto rows = table.FindByIndex(column, Value(number), Rows);
+        auto rows = table.FindByIndex(column, Value(number), RowCount);
         std::sort(rows->begin(), rows->end());
         return *rows;
     };
@@ -73,7 +74,7 @@ TEST(FindByIndex, FindsTheRowsOfAScan) {
     const std::size_t many = byNumber[7].size();
     EXPECT_TRUE(table.FindByIndex(Number, Value(std::int64_t{7}), many));
     EXPECT_FALSE(table.FindByIndex(Number, Value(std::int64_t{7}), many - 1));
-    EXPECT_FALSE(table.FindByIndex(Plain, Value(std::int64_t{7}), Rows)) << "there is no index";
+    EXPECT_FALSE(table.FindByIndex(Plain, Value(std::int64_t{7}), RowCount)) << "there is no index";
 }
 
 TEST(FindByIndex, FollowsChangesThatAreNotCommitted) {
