@@ -26,7 +26,7 @@ constexpr std::array WhatToRun{
     SettingExplanation{"M3uToPla", "Reserved; copies the playlist folder and converts nothing."},
 };
 
-constexpr std::array Library{
+constexpr std::array LibraryFiles{
     SettingExplanation{"LibraryRoot",
                        "Root folder of the music. If empty, nothing that needs the music runs."},
     SettingExplanation{"FlatStructure",
@@ -80,7 +80,7 @@ constexpr std::array CoversAndPicker{
 
 constexpr std::array Groups{
     SettingGroup{"What a run does", WhatToRun},
-    SettingGroup{"The library", Library},
+    SettingGroup{"The library", LibraryFiles},
     SettingGroup{"Tags", Tags},
     SettingGroup{"Playlists", PlaylistFiles},
     SettingGroup{"Covers and album picker", CoversAndPicker},

@@ -193,7 +193,7 @@ void Addition::KeepApart() {
 }
 
 void Addition::LookUp() {
-    const bool isElsewhere = !HasTrack(target_) && IsAddedToItsArtist();
+    const bool isElsewhere = !ownArtist_.empty() && !HasTrack(target_) && IsAddedToItsArtist();
     if (isElsewhere) file_.artist = ownArtist_;
     if (file_.artist == adding_.artist && file_.album == adding_.album) cdjid_ = adding_.cdjid;
     if (cdjid_.empty()) cdjid_ = FindAlbum(*run_.connection, file_.artist, file_.album);
@@ -231,8 +231,7 @@ bool Addition::IsAddedWithoutDisc() const {
 
 /// Whether it has been added when albums of several artists were not kept together.
 bool Addition::IsAddedToItsArtist() const {
-    return !ownArtist_.empty() &&
-           IsThere(adding_.root + ownArtist_ + target_.substr(artistFolder_.size()));
+    return IsThere(adding_.root + ownArtist_ + target_.substr(artistFolder_.size()));
 }
 
 /// Whether a track has this very music at the path.

@@ -24,7 +24,7 @@ struct PreparedReturn {
     bool hasModes = false;
 };
 PreparedReturn preparedReturn;
-std::atomic<bool> taken{false};
+std::atomic<bool> isTerminalTaken{false};
 static_assert(std::atomic<bool>::is_always_lock_free);
 std::array<struct sigaction, RescuingSignals.size()> actionsBefore{};
 
@@ -33,7 +33,7 @@ void SetModes(const termios& modes) noexcept {
 }
 
 void GiveTerminalBack() noexcept {
-    if (!taken.exchange(false)) return;
+    if (!isTerminalTaken.exchange(false)) return;
     // Nothing can be done about a terminal that does not take it.
     [[maybe_unused]] const ssize_t written =
         write(preparedReturn.descriptor, preparedReturn.sequence.data(), preparedReturn.size);
@@ -73,7 +73,7 @@ extern "C" void OnRescuingSignal(int signal) {
 TerminalRescue::TerminalRescue() {
     preparedReturn = {};
     preparedReturn.hasModes = tcgetattr(STDIN_FILENO, &preparedReturn.modes) == 0;
-    taken = false;
+    isTerminalTaken = false;
     for (std::size_t i = 0; i < RescuingSignals.size(); ++i) {
         struct sigaction& previous = actionsBefore.at(i);
         sigaction(RescuingSignals.at(i), nullptr, &previous);
@@ -96,7 +96,7 @@ void TerminalRescue::LeaveScreenWith(int descriptor, std::string_view sequence) 
 }
 
 void TerminalRescue::Take() {
-    taken = true;
+    isTerminalTaken = true;
     if (!preparedReturn.hasModes) return;
     termios modes = preparedReturn.modes;
     modes.c_lflag &= ~static_cast<tcflag_t>(ICANON | ECHO | IEXTEN);
@@ -109,7 +109,7 @@ void TerminalRescue::Take() {
 }
 
 bool TerminalRescue::Taken() const {
-    return taken;
+    return isTerminalTaken;
 }
 
 bool TerminalRescue::InForeground() const {
@@ -119,7 +119,7 @@ bool TerminalRescue::InForeground() const {
 }
 
 void TerminalRescue::GiveModesBack() {
-    if (taken.exchange(false) && preparedReturn.hasModes) SetModes(preparedReturn.modes);
+    if (isTerminalTaken.exchange(false) && preparedReturn.hasModes) SetModes(preparedReturn.modes);
 }
 
 SuspensionDelay::SuspensionDelay() {

@@ -157,51 +157,49 @@ void IndexTree::Remove(std::span<const std::uint8_t> key, RowId row) {
     UpdateParent(path, path.size() - 1, {}, newGreatest, false);
 }
 
-bool IndexTree::ContainsKey(std::span<const std::uint8_t> key) const {
-    auto [leaf, place] = Descend(key).back();
+template <typename Look>
+void IndexTree::AlongLeaves(Step from, Look look) const {
+    auto [leaf, place] = from;
     for (PageNumber visited = 0; leaf != 0; ++visited) {
         if (visited > pages_.PageCount()) ThrowDamaged("goes in circles");
         const auto page = Read(leaf);
         const IndexPageView view(*page, leaf, definition_);
         if (!view.IsLeaf()) ThrowDamaged("has a node among its leaves");
-        if (place < view.Count())
-            return view.BeginsWith(place, key) &&
-                   view.KeyAndRow(place).size() == key.size() + EntryRowSize;
+        if (!look(view, place)) return;
         leaf = view.Next();
         place = 0;
     }
-    return false;
+}
+
+bool IndexTree::ContainsKey(std::span<const std::uint8_t> key) const {
+    bool contains = false;
+    AlongLeaves(Descend(key).back(), [&](const IndexPageView& leaf, std::size_t place) {
+        if (place == leaf.Count()) return true;
+        contains = leaf.BeginsWith(place, key) &&
+                   leaf.KeyAndRow(place).size() == key.size() + EntryRowSize;
+        return false;
+    });
+    return contains;
 }
 
 void IndexTree::RowsWith(std::span<const std::uint8_t> start,
                          const std::function<bool(RowId row)>& visit) const {
-    auto [leaf, place] = Descend(start).back();
-    for (PageNumber visited = 0; leaf != 0; ++visited) {
-        if (visited > pages_.PageCount()) ThrowDamaged("goes in circles");
-        const auto page = Read(leaf);
-        const IndexPageView view(*page, leaf, definition_);
-        if (!view.IsLeaf()) ThrowDamaged("has a node among its leaves");
-        for (; place < view.Count(); ++place)
-            if (!view.BeginsWith(place, start) || !visit(view.Row(place))) return;
-        leaf = view.Next();
-        place = 0;
-    }
+    AlongLeaves(Descend(start).back(), [&](const IndexPageView& leaf, std::size_t place) {
+        for (; place < leaf.Count(); ++place)
+            if (!leaf.BeginsWith(place, start) || !visit(leaf.Row(place))) return false;
+        return true;
+    });
 }
 
 void IndexTree::ForEach(
     const std::function<void(std::span<const std::uint8_t> key, RowId row)>& visit) const {
-    PageNumber leaf = Descend({}).back().page;
-    for (PageNumber visited = 0; leaf != 0; ++visited) {
-        if (visited > pages_.PageCount()) ThrowDamaged("goes in circles");
-        const auto page = Read(leaf);
-        const IndexPageView view(*page, leaf, definition_);
-        if (!view.IsLeaf()) ThrowDamaged("has a node among its leaves");
-        for (std::size_t i = 0; i < view.Count(); ++i) {
-            const Bytes entry = view.KeyAndRow(i);
-            visit(std::span(entry).first(entry.size() - EntryRowSize), view.Row(i));
+    AlongLeaves({Descend({}).back().page, 0}, [&](const IndexPageView& leaf, std::size_t place) {
+        for (; place < leaf.Count(); ++place) {
+            const Bytes entry = leaf.KeyAndRow(place);
+            visit(std::span(entry).first(entry.size() - EntryRowSize), leaf.Row(place));
         }
-        leaf = view.Next();
-    }
+        return true;
+    });
 }
 
 void IndexTree::Rewrite(const Path& path, std::size_t level, IndexPageContent content,

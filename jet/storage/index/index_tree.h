@@ -94,6 +94,10 @@ class IndexTree {
 
     std::shared_ptr<const Page> Read(PageNumber page) const;
     Page& Modify(PageNumber page);
+    /// Calls `look` with each leaf from that step on, and the place on it where to begin, until it
+    /// returns false.
+    template <typename Look>
+    void AlongLeaves(Step from, Look look) const;
     PageNumber Take();
 
     Path Descend(EntryBytes bytes, std::optional<Bytes>* greatest = nullptr) const;
