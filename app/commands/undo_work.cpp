@@ -317,6 +317,8 @@ void UndoWork::PutFilesBack(Files& files, const std::string& keeping, const Atte
         steps_, undo, attempt,
         {.beginning =
              [&](const FileStep& step) {
+                 // Who goes on after a power cut trusts the journal that it has happened.
+                 if (step_ != nullptr && step_->isLinked) local_.files.SyncContents();
                  step_ = &step;
                  sink_.Begin(step);
              },

@@ -22,8 +22,8 @@ from options import Options
 from stage import Failed
 from trial import environment
 
-MODES = ("reconcile", "reconcile-tags", "add-files", "id3-write", "album-picker", "playlists-only",
-         "modern")
+MODES = ("reconcile", "reconcile-tags", "add-files", "id3-write", "id3-write-both", "album-picker",
+         "playlists-only", "modern")
 ACTIONS = ("kill", "torn", "cut", "full")
 STARTED_AGAIN = 2
 REFUSED = 2
