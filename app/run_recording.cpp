@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "app/console.h"
+#include "app/interrupted_writes.h"
 #include "app/removed_music.h"
 #include "app/version.h"
 #include "picker/folders.h"
@@ -58,18 +59,19 @@ std::string OutcomeWord(const RunSummary& summary) {
 // run has left are of no use to anybody.
 JournalledFiles::Keeping KeptBeside(const std::string& stamp, Run* const& run, LocalHost& local,
                                     RemovedFiles& removed, bool keepsRemoved) {
-    return {.folder = local.host.GetAppPath() + R"(\Changes\)" + stamp,
-            .shownFolder = "Changes/" + stamp,
-            .placeOfDeleted =
-                [&run, &local, &removed, keepsRemoved](std::string_view path) {
-                    return PlaceOfRemovedMusic(*run, local, removed, keepsRemoved, path);
-                },
-            .isScratch =
-                [&run](std::string_view path) {
-                    return path.ends_with(DraftEnding) ||
-                           EqualIgnoringCase(path,
-                                             PlaylistSnapshotPath(run->settings.Nirvis_CDJ_DB));
-                }};
+    return {
+        .folder = local.host.GetAppPath() + R"(\Changes\)" + stamp,
+        .shownFolder = "Changes/" + stamp,
+        .placeOfDeleted =
+            [&run, &local, &removed, keepsRemoved](std::string_view path) {
+                return PlaceOfRemovedMusic(*run, local, removed, keepsRemoved, path);
+            },
+        .isScratch =
+            [&run](std::string_view path) {
+                return path.ends_with(DraftEnding) ||
+                       EqualIgnoringCase(path, PlaylistSnapshotPath(run->settings.Nirvis_CDJ_DB));
+            },
+        .exactTimeOf = [&local](std::string_view path) { return local.files.ExactTimeOf(path); }};
 }
 
 RunRecording::RunRecording(LocalHost& local, JournalFile::Listener listener)
@@ -88,6 +90,14 @@ RunRecording::RunRecording(LocalHost& local, JournalFile::Listener listener)
 void RunRecording::Accompany(Run& run) {
     run_ = &run;
     removed_.RemoveUnfinished();
+    local_.databases.OnceHeld([this] {
+        PutInterruptedWritesRight(local_, journal_->Stamp(),
+                                  [this](LogKind kind, const std::string& message) {
+                                      if (kind == LogKind::Error)
+                                          return LogError(*run_, LogSource, message);
+                                      WriteLog(*run_, LogSource, message);
+                                  });
+    });
     if (keepsRemoved_) local_.files.OnDelete(KeepRemovedMusic(run, local_.host, removed_));
 }
 

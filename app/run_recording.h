@@ -33,6 +33,7 @@ class RunRecording {
     RunRecording& operator=(const RunRecording&) = delete;
     ~RunRecording() {
         local_.databases.SetObserver(nullptr);
+        local_.databases.OnceHeld({});
         local_.files.SyncNames();
     }
 

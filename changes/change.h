@@ -84,6 +84,9 @@ struct FileContent {
         {};                   ///< of small files whose content matters: playlists, tags
     std::string keptAs = {};  ///< where the old content lies, below the host folder, with slashes
     std::optional<DateTime> modified = {};  ///< the file's time, where an undo must bring it back
+    /// Before something is written in place: when the file was last modified, in nanoseconds since
+    /// 1970 (UTC); 0: not known.
+    std::int64_t exactTime = 0;
     bool operator==(const FileContent&) const = default;
 };
 
@@ -101,7 +104,8 @@ struct FileChange {
         FolderMoved,    ///< `path` to `target`
         FolderDeleted,  ///< `before->keptAs` is where it lies now, "" where it is gone for good
         /// A piece from `position` on. `before` has the piece's bytes, there or kept, and the size
-        /// of the whole file; `after` that size and the hash of what took its place
+        /// of the whole file; `after` that size and the hash of what took its place, with the bytes
+        /// where they are written in place
         PieceReplaced,
     };
     std::uint64_t number = 0;  ///< counts a run's file changes from 1

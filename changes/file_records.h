@@ -23,6 +23,9 @@ class FileRecords {
         return ++last_;
     }
 
+    /// What has been planned survives a power cut when this returns. Failure: it must not happen.
+    void MakeDurable() { sink_.MakeDurable(); }
+
     /// The change has not come off. Never fails: a journal that takes nothing more says so at the
     /// next change.
     void Failed(std::uint64_t number, const std::string& reason) noexcept;

@@ -6,6 +6,7 @@
 #include "changes/file_content.h"
 #include "changes/journalled_texts.h"
 #include "platform/basic_text.h"
+#include "platform/in_place.h"
 
 namespace quillon {
 namespace {
@@ -38,7 +39,19 @@ auto IfItCan(Look look) -> std::optional<decltype(look())> {
     }
 }
 
+/// Whether a power cut may leave a part of what is written there over other bytes. Disks write a
+/// block of this size whole or not at all.
+bool MayTear(std::uint64_t begin, std::uint64_t end) {
+    constexpr std::uint64_t Block = 512;
+    return begin < end && begin / Block != (end - 1) / Block;
+}
+
 }  // namespace
+
+std::int64_t JournalledFiles::ExactTimeOf(std::string_view path) {
+    if (!keeping_.exactTimeOf) return 0;
+    return IfItCan([&] { return keeping_.exactTimeOf(path); }).value_or(0);
+}
 
 std::optional<FileContent> JournalledFiles::LookOf(std::string_view path) {
     const auto entry = IfItCan([&] { return files_.GetFile(path); });
@@ -187,7 +200,7 @@ void JournalledFiles::WriteEnd(std::string_view path, const FileEnd& seen, std::
                                std::span<const std::uint8_t> bytes) {
     FileChange change = ChangeOf(ChangeKind::EndWritten, path);
     change.position = position;
-    change.before = FileContent{.size = seen.size};
+    change.before = FileContent{.size = seen.size, .exactTime = ExactTimeOf(path)};
     change.after = FileContent{.size = position + bytes.size(),
                                .bytes = std::string(bytes.begin(), bytes.end())};
     const std::uint64_t seenFrom = seen.size - seen.bytes.size();
@@ -201,7 +214,11 @@ void JournalledFiles::WriteEnd(std::string_view path, const FileEnd& seen, std::
         change.before->bytes =
             IfItCan([&] { return BytesOf(files_, path, position, seen.size - position); });
     }
-    records_.Do(std::move(change), [&] { files_.WriteEnd(path, seen, position, bytes); });
+    const std::uint64_t end = std::max(seen.size, position + bytes.size());
+    records_.Do(std::move(change), [&] {
+        if (MayTear(position, end)) records_.MakeDurable();
+        files_.WriteEnd(path, seen, position, bytes);
+    });
 }
 
 void JournalledFiles::ReplaceBytes(std::string_view path, const FilePiece& seen,
@@ -211,10 +228,12 @@ void JournalledFiles::ReplaceBytes(std::string_view path, const FilePiece& seen,
     };
     FileChange change = ChangeOf(ChangeKind::PieceReplaced, path);
     change.position = seen.position;
-    change.before = FileContent{.size = seen.size};
+    change.before = FileContent{.size = seen.size, .exactTime = ExactTimeOf(path)};
     const std::string old = textOf(seen.bytes), fresh = textOf(bytes);
     change.after =
         FileContent{.size = seen.size - old.size() + fresh.size(), .hash = ContentHash(fresh)};
+    const bool isInPlace = old.size() == fresh.size() && fresh.size() <= MostInPlace;
+    if (isInPlace) change.after->bytes = fresh;
     if (old.size() <= MostInRecord) {
         change.before->bytes = old;
     } else {
@@ -224,7 +243,10 @@ void JournalledFiles::ReplaceBytes(std::string_view path, const FilePiece& seen,
         writer->Close();
         change.before->keptAs = place.shown;
     }
-    records_.Do(std::move(change), [&] { files_.ReplaceBytes(path, seen, bytes); });
+    records_.Do(std::move(change), [&] {
+        if (isInPlace && MayTear(seen.position, seen.position + old.size())) records_.MakeDurable();
+        files_.ReplaceBytes(path, seen, bytes);
+    });
 }
 
 }  // namespace quillon

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -32,6 +33,8 @@ class JournalledFiles : public Files {
         /// Files of the run itself, which come and go with it, and are not recorded. Folders of
         /// that kind are deleted for good.
         std::function<bool(std::string_view path)> isScratch = {};
+        /// When a file was last modified, in nanoseconds since 1970 (UTC). None: nobody knows.
+        std::function<std::int64_t(std::string_view path)> exactTimeOf = {};
     };
 
     /// Content up to this size goes into the record.
@@ -85,6 +88,7 @@ class JournalledFiles : public Files {
     std::unique_ptr<TextBatch> CreateTexts(TextBatch::Done done) override;
     void WriteEnd(std::string_view path, const FileEnd& seen, std::uint64_t position,
                   std::span<const std::uint8_t> bytes) override;
+    /// What a power cut may leave in part is recorded for good before.
     void ReplaceBytes(std::string_view path, const FilePiece& seen,
                       std::span<const std::uint8_t> bytes) override;
 
@@ -101,6 +105,8 @@ class JournalledFiles : public Files {
                                            std::string_view path);
     /// The change that gives a file this content; `bytes` only where they are few enough.
     FileChange Written(std::string_view path, FileContent content);
+    /// 0 where it is not known.
+    std::int64_t ExactTimeOf(std::string_view path);
     /// Size and time, as a look at the folder tells them; nothing where there is no such file.
     std::optional<FileContent> LookOf(std::string_view path);
     /// With what brings the content back.

@@ -2,12 +2,11 @@
 
 #include <algorithm>
 #include <memory>
-#include <span>
-#include <vector>
 
 #include "changes/file_content.h"
 #include "platform/basic_text.h"
 #include "platform/windows_path.h"
+#include "undo/refusals.h"
 
 namespace quillon {
 namespace {
@@ -24,31 +23,8 @@ bool IsDriveOrShare(std::string_view path) {
     return path.ends_with(':') || (path.starts_with("\\\\") && std::ranges::count(path, '\\') <= 3);
 }
 
-std::span<const std::uint8_t> AsBytes(const std::string& text) {
-    return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
-}
-
-Outcome ChangedSince(std::string_view path) {
-    return Outcome::Refusal(std::string(path) + " has been changed since");
-}
-
-Outcome NotKept(std::string_view path) {
-    return Outcome::Refusal("what " + std::string(path) + " was has not been kept");
-}
-
 Outcome NameTaken(std::string_view path) {
     return Outcome::Refusal("there is another " + std::string(path) + " now");
-}
-
-Outcome Gone(std::string_view path) {
-    return Outcome::Refusal(std::string(path) + " is not there any more");
-}
-
-/// Whether bytes are what is left where `written` came over `old` in part, its beginning first.
-bool IsTorn(std::string_view bytes, std::string_view old, std::string_view written) {
-    const auto same = std::ranges::mismatch(bytes, written).in1 - bytes.begin();
-    const auto begun = static_cast<std::size_t>(same);
-    return bytes.substr(begun) == (begun < old.size() ? old.substr(begun) : "");
 }
 
 }  // namespace
@@ -60,9 +36,8 @@ Outcome FileUndo::TakeBack(const FileChange& change) {
         case Kind::Copied:
             return PutContentBack(change.target, change);
         case Kind::EndWritten:
-            return PutEndBack(change);
         case Kind::PieceReplaced:
-            return PutPieceBack(change);
+            return PieceUndo(files_, hostFolder_).TakeBack(change, writes_);
         case Kind::Moved:
             return EqualIgnoringCase(change.path, change.target) ? SpellBack(change)
                                                                  : MoveBack(change);
@@ -76,7 +51,7 @@ Outcome FileUndo::TakeBack(const FileChange& change) {
         case Kind::FolderDeleted:
             // Of those that a run itself has made nothing is kept.
             if (!change.before || change.before->keptAs.empty()) return WasSo;
-            return MoveFolderBack(KeptPath(*change.before), change.path);
+            return MoveFolderBack(KeptPath(hostFolder_, *change.before), change.path);
         case Kind::Discarded:
             break;
     }
@@ -99,16 +74,16 @@ Outcome FileUndo::PutContentBack(const std::string& path, const FileChange& chan
         if (!isThere) return Gone(path);
         return WriteOver(path, *change.before, *change.after);
     }
-    if (change.before->keptAs.empty() || !files_.FileExists(KeptPath(*change.before)))
+    if (change.before->keptAs.empty() || !files_.FileExists(KeptPath(hostFolder_, *change.before)))
         return NotKept(path);
-    if (!Holds(files_, KeptPath(*change.before), *change.before))
-        return ChangedSince(KeptPath(*change.before));
+    if (!Holds(files_, KeptPath(hostFolder_, *change.before), *change.before))
+        return ChangedSince(KeptPath(hostFolder_, *change.before));
     if (isThere) files_.DeleteFile(path);
     return BringKeptBack(path, *change.before);
 }
 
 Outcome FileUndo::BringKeptBack(const std::string& path, const FileContent& before) {
-    const std::string kept = KeptPath(before);
+    const std::string kept = KeptPath(hostFolder_, before);
     if (!Holds(files_, kept, before)) return ChangedSince(kept);
     MakeFoldersFor(path);
     files_.MoveFile(kept, path);
@@ -121,67 +96,6 @@ Outcome FileUndo::WriteOver(const std::string& path, const FileContent& before,
     writer->WriteBytes(*before.bytes);
     if (before.modified) writer->SetModified(*before.modified);
     if (!writer->CloseIf([&] { return Holds(files_, path, after); })) return ChangedSince(path);
-    return {};
-}
-
-/// The bytes behind the position are a tag. It comes back, or the file becomes as short as it was.
-Outcome FileUndo::PutEndBack(const FileChange& change) {
-    if (!files_.FileExists(change.path)) return Gone(change.path);
-    if (!change.before || !change.before->bytes || !change.after || !change.after->bytes)
-        return NotKept(change.path);
-    const std::unique_ptr<BinaryReader> reader = files_.OpenBinary(change.path);
-    const std::uint64_t size = reader->Size();
-    if (size < change.position) return ChangedSince(change.path);
-    reader->SetPosition(change.position);
-    const std::string &before = *change.before->bytes, &after = *change.after->bytes;
-    const std::size_t most = std::max(before.size(), after.size()) + 1;
-    const std::vector<std::uint8_t> end = reader->Read(most);
-    const std::string present(end.begin(), end.end());
-    if (present == before) return WasSo;
-    const bool getsShorter = before.size() < after.size();
-    const bool isCut = getsShorter && present.empty();
-    const bool isTorn = writes_ == Writes::PerhapsTorn &&
-                        (IsTorn(present, before, after) || IsTorn(present, after, before));
-    if (present != after && !isCut && !isTorn) return ChangedSince(change.path);
-    // Bytes are only written up to the end or beyond, so the end goes first.
-    if (getsShorter && !isCut)
-        files_.WriteEnd(change.path, {.size = size, .bytes = end}, change.position, {});
-    if (getsShorter && !before.empty()) {
-        files_.WriteEnd(change.path, {.size = change.position, .bytes = {}}, change.position,
-                        AsBytes(before));
-    } else if (!getsShorter) {
-        files_.WriteEnd(change.path, {.size = size, .bytes = end}, change.position,
-                        AsBytes(before));
-    }
-    return {};
-}
-
-/// A piece of a file that was replaced: of a tag before the sound.
-Outcome FileUndo::PutPieceBack(const FileChange& change) {
-    if (!files_.FileExists(change.path)) return Gone(change.path);
-    if (!change.before || !change.after) return NotKept(change.path);
-    std::string before = change.before->bytes.value_or("");
-    if (!change.before->keptAs.empty()) {
-        const std::string kept = KeptPath(*change.before);
-        if (!files_.FileExists(kept)) return NotKept(change.path);
-        before = BytesOf(files_, kept);
-    }
-    const std::unique_ptr<BinaryReader> reader = files_.OpenBinary(change.path);
-    const auto piece = [&](std::uint64_t count) {
-        reader->SetPosition(change.position);
-        return reader->Read(static_cast<std::size_t>(count));
-    };
-    const auto isThere = [&](const FileContent& content, std::uint64_t hash, std::uint64_t count) {
-        if (reader->Size() != content.size) return false;
-        const std::vector<std::uint8_t> bytes = piece(count);
-        return ContentHash(std::string(bytes.begin(), bytes.end())) == hash;
-    };
-    if (isThere(*change.before, ContentHash(before), before.size())) return WasSo;
-    const std::uint64_t count = change.after->size + before.size() - change.before->size;
-    if (!isThere(*change.after, change.after->hash, count)) return ChangedSince(change.path);
-    const FilePiece seen{
-        .size = change.after->size, .position = change.position, .bytes = piece(count)};
-    files_.ReplaceBytes(change.path, seen, AsBytes(before));
     return {};
 }
 
@@ -221,7 +135,7 @@ Outcome FileUndo::PutDeletedBack(const FileChange& change) {
     if (!change.before) return NotKept(change.path);
     if (files_.FileExists(change.path))
         return Holds(files_, change.path, *change.before) ? WasSo : NameTaken(change.path);
-    if (!change.before->keptAs.empty() && files_.FileExists(KeptPath(*change.before)))
+    if (!change.before->keptAs.empty() && files_.FileExists(KeptPath(hostFolder_, *change.before)))
         return BringKeptBack(change.path, *change.before);
     if (!change.before->bytes) return NotKept(change.path);
     MakeFoldersFor(change.path);
@@ -249,10 +163,6 @@ Outcome FileUndo::MoveFolderBack(const std::string& from, const std::string& to)
     MakeFoldersFor(to);
     files_.MoveFolder(from, to);
     return {};
-}
-
-std::string FileUndo::KeptPath(const FileContent& content) const {
-    return hostFolder_ + '\\' + Replace(content.keptAs, "/", "\\");
 }
 
 void FileUndo::MakeFoldersFor(std::string_view path) {

@@ -1,18 +1,14 @@
 #pragma once
 
-#include <cstdint>
 #include <string>
 #include <string_view>
 
 #include "changes/change.h"
 #include "platform/files.h"
 #include "undo/outcome.h"
+#include "undo/piece_undo.h"
 
 namespace quillon {
-
-/// Whether a run, or an undo of it, was interrupted, so that what it wrote over other bytes may
-/// have come to the disk in part.
-enum class Writes { Whole, PerhapsTorn };
 
 /// Takes changes of files back, one by one: the last one first. Each looks at what is there and
 /// leaves alone what is neither as the change has left it nor as it was before.
@@ -29,15 +25,12 @@ class FileUndo {
     Outcome PutContentBack(const std::string& path, const FileChange& change);
     Outcome BringKeptBack(const std::string& path, const FileContent& before);
     Outcome WriteOver(const std::string& path, const FileContent& before, const FileContent& after);
-    Outcome PutEndBack(const FileChange& change);
-    Outcome PutPieceBack(const FileChange& change);
     Outcome MoveBack(const FileChange& change);
     Outcome SpellBack(const FileChange& change);
     Outcome PutDeletedBack(const FileChange& change);
     Outcome TakeFolderAway(const FileChange& change);
     Outcome MoveFolderBack(const std::string& from, const std::string& to);
 
-    std::string KeptPath(const FileContent& content) const;
     void MakeFoldersFor(std::string_view path);
 
     Files& files_;

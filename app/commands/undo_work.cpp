@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "app/console.h"
+#include "app/interrupted_writes.h"
 #include "app/journal/journal_file.h"
 #include "app/removed_music.h"
 #include "app/version.h"
@@ -104,6 +105,11 @@ void UndoSink::Note(const ChangeRecord& record) {
 UndoWork::UndoWork(LocalHost& local, std::string_view stamp) : local_(local), stamp_(stamp) {
     // Before the journals are read, so that no run writes one meanwhile.
     OpenDatabase();
+    if (connection_) {
+        PutInterruptedWritesRight(local_, "", [this](LogKind, const std::string& message) {
+            FailureIn([&] { local_.host.WriteLog(LogSource, message); });
+        });
+    }
     const auto journals = JournalsIn(ChangesFolder(local_.host.Folder()));
     std::vector<PastRun> runs;
     runs.reserve(journals.size());
@@ -304,7 +310,8 @@ void UndoWork::PutFilesBack(Files& files, const std::string& keeping, const Atte
                  .lexically_relative(local_.host.Folder())
                  .generic_string();
          },
-         .isScratch = {}});
+         .isScratch = {},
+         .exactTimeOf = [&](std::string_view path) { return local_.files.ExactTimeOf(path); }});
     local_.files.OnDelete([&](const std::string& local, const WindowsPath& shown) {
         if (!GoesToRemoved(shown.Text())) return false;
         removed.Take(local, shown);

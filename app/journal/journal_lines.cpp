@@ -156,6 +156,7 @@ class LineWriter {
         if (content.bytes) json_.Member("content", *content.bytes);
         TextMember("keptAs", content.keptAs);
         if (content.modified) json_.Member("modified", *content.modified);
+        if (content.exactTime != 0) json_.Member("nanoseconds", content.exactTime);
         json_.Close();
     }
 
@@ -227,6 +228,7 @@ std::optional<FileContent> ContentAt(const Json& json, const char* name) {
     if (found->contains("content")) content.bytes = TextOf(found->at("content"));
     content.keptAs = TextAt(*found, "keptAs");
     if (found->contains("modified")) content.modified = DateOf(found->at("modified"));
+    content.exactTime = found->value("nanoseconds", std::int64_t{0});
     return content;
 }
 

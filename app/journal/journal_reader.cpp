@@ -51,14 +51,6 @@ std::optional<ChangeRecord> RecordIn(const std::string& line) {
     }
 }
 
-/// How a run ended, where the journal's last line says that with the number of changes.
-std::optional<RunEnded> EndIn(const fs::path& file) {
-    const std::string line = LastLine(file);
-    const std::optional<ChangeRecord> record = line.empty() ? std::nullopt : RecordIn(line);
-    const auto* const end = record ? std::get_if<RunEnded>(&*record) : nullptr;
-    return end != nullptr && end->changes ? std::optional(*end) : std::nullopt;
-}
-
 /// What a run's own records say of it.
 struct Facts {
     PastRun& run;
@@ -75,6 +67,13 @@ struct Facts {
 };
 
 }  // namespace
+
+std::optional<RunEnded> EndOfRun(const fs::path& file) {
+    const std::string line = LastLine(file);
+    const std::optional<ChangeRecord> record = line.empty() ? std::nullopt : RecordIn(line);
+    const auto* const end = record ? std::get_if<RunEnded>(&*record) : nullptr;
+    return end != nullptr ? std::optional(*end) : std::nullopt;
+}
 
 JournalContent VisitJournal(const fs::path& file,
                             const std::function<void(ChangeRecord&&)>& visit) {
@@ -125,7 +124,9 @@ void VisitRecords(const fs::path& file, const std::function<void(const ChangeRec
 PastRun LookAtJournal(const fs::path& file) {
     PastRun run;
     run.started.stamp = file.stem().string();
-    const std::optional<RunEnded> end = EndIn(file);
+    std::optional<RunEnded> end = EndOfRun(file);
+    // Then all of it has to be read to know how many there are.
+    if (end && !end->changes) end.reset();
     VisitLines(file, [&](const std::string& line, bool) {
         const std::optional<ChangeRecord> record = RecordIn(line);
         if (!record) return true;

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -41,6 +42,9 @@ JournalContent ReadJournal(const std::filesystem::path& file);
 
 /// The journals in a folder, the oldest first; none where there is no such folder.
 std::vector<std::filesystem::path> JournalsIn(const std::filesystem::path& folder);
+
+/// How a run ended, by the journal's last line, which alone is read; nothing after a kill.
+std::optional<RunEnded> EndOfRun(const std::filesystem::path& file);
 
 /// The run that a journal tells of; of its changes those of the library count. Failure: as above.
 PastRun LookAtJournal(const std::filesystem::path& file);

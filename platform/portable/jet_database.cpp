@@ -298,6 +298,7 @@ std::unique_ptr<Connection> JetDatabaseProvider::Open(std::string_view connectio
     if (!database) {
         database = OpenFile(local);
         known = database;
+        if (onceHeld_ && !keepsInMemory_) std::exchange(onceHeld_, {})();
     }
     return std::make_unique<JetConnection>(std::move(database));
 }

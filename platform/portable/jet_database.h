@@ -52,6 +52,10 @@ class JetDatabaseProvider : public DatabaseProvider {
     /// nobody. It must outlive them.
     void SetObserver(jet::RowObserver* observer) { observer_ = observer; }
 
+    /// Is called when the next database has been opened for writing, before anything is read from
+    /// it: then no other process works on it.
+    void OnceHeld(std::function<void()> work) { onceHeld_ = std::move(work); }
+
     /// Databases that are opened from now on keep all changes in memory, ask for no lock and never
     /// touch their files.
     void KeepInMemory() { keepsInMemory_ = true; }
@@ -71,6 +75,7 @@ class JetDatabaseProvider : public DatabaseProvider {
     PathResolver& resolver_;
     DatabaseDemands demands_;
     jet::RowObserver* observer_ = nullptr;
+    std::function<void()> onceHeld_;
     bool keepsInMemory_ = false;
     std::map<FileIdentity, std::weak_ptr<jet::Database>> open_;
 };

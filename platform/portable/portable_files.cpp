@@ -1,11 +1,14 @@
 #include "platform/portable/portable_files.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <optional>
 #include <utility>
 
 #include "platform/ansi_text_reader.h"
+#include "platform/basic_text.h"
 #include "platform/failure.h"
+#include "platform/in_place.h"
 #include "platform/portable/certain_facts.h"
 #include "platform/portable/file_end.h"
 #include "platform/portable/file_handle.h"
@@ -376,13 +379,29 @@ void PortableFiles::ReplaceBytes(std::string_view path, const FilePiece& seen,
                                  std::span<const std::uint8_t> bytes) {
     const WindowsPath parsed = ParseWindowsPath(path);
     FileHandle file = OpenFile(resolver_, parsed, FileUse::ReadAndWrite);
-    if (bytes.size() == seen.bytes.size()) {
+    if (bytes.size() == seen.bytes.size() && bytes.size() <= MostInPlace) {
         ReplaceInPlace(file, seen, bytes);
         return NoteWrittenOver(file, resolver_.Local(parsed));
     }
     const std::string local = LocalToWrite(parsed);
     ReplaceByCopy(std::move(file), local, seen, bytes);
     resolver_.Index().Added(local);
+}
+
+std::int64_t PortableFiles::ExactTimeOf(std::string_view path) {
+    const std::optional<FileFacts> facts = FactsOf(resolver_.Local(path));
+    return facts ? facts->modified.InNanoseconds() : 0;
+}
+
+void PortableFiles::SetExactTime(std::string_view path, std::int64_t time) {
+    constexpr std::int64_t InASecond = 1'000'000'000;
+    std::int64_t seconds = time / InASecond, rest = time % InASecond;
+    if (rest < 0) {
+        --seconds;
+        rest += InASecond;
+    }
+    const FileHandle file = OpenFile(resolver_, ParseWindowsPath(path), FileUse::ReadAndWrite);
+    file.SetModified({seconds, static_cast<std::int32_t>(rest)});
 }
 
 void PortableFiles::RemoveUnfinished(std::string_view folder) {

@@ -47,6 +47,11 @@ class PortableFiles : public Files {
     /// disk: before, a power cut may leave the old ones. Throws Failure.
     void SyncContents();
 
+    /// When a file was last modified, in nanoseconds since 1970 (UTC); 0 where there is none. Both
+    /// throw Failure.
+    std::int64_t ExactTimeOf(std::string_view path);
+    void SetExactTime(std::string_view path, std::int64_t time);
+
     bool FolderExists(std::string_view path) override;
     bool FileExists(std::string_view path) override;
     bool IsWithin(std::string_view folder, std::string_view outer) override;

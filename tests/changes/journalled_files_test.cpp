@@ -169,6 +169,40 @@ TEST_F(JournalledFilesTest, RecordsThePieceThatOthersReplace) {
     EXPECT_EQ(fake_.Content(R"(D:\a.txt)"), "oXYd");
 }
 
+TEST_F(JournalledFilesTest, RecordsBothPiecesWhereOneIsWrittenOverTheOther) {
+    files_.ReplaceBytes(R"(D:\a.txt)", {.size = 3, .position = 1, .bytes = {'l'}},
+                        std::vector<std::uint8_t>{'X'});
+    EXPECT_EQ(Only().before->bytes, "l");
+    EXPECT_EQ(Only().after->bytes, "X");
+    EXPECT_EQ(list_.durable, 0U);
+}
+
+TEST_F(JournalledFilesTest, WhatAPowerCutMayLeaveInPartIsRecordedForGoodBefore) {
+    const std::string old(1500, 'x');
+    fake_.AddFile(R"(D:\a.txt)", old);
+    files_.ReplaceBytes(R"(D:\a.txt)", {.size = 1500, .position = 511, .bytes = {'x', 'x'}},
+                        std::vector<std::uint8_t>{'X', 'Y'});
+    EXPECT_EQ(list_.durable, 1U);
+    const auto end = [](std::size_t size) { return std::vector<std::uint8_t>(size, 'T'); };
+    // In one block.
+    files_.WriteEnd(R"(D:\a.txt)", {.size = 1500, .bytes = {'x'}}, 1499, end(1));
+    EXPECT_EQ(list_.durable, 1U);
+    files_.WriteEnd(R"(D:\a.txt)", {.size = 1500, .bytes = {'T'}}, 1500, end(100));
+    EXPECT_EQ(list_.durable, 3U);
+}
+
+TEST_F(JournalledFilesTest, WhatCannotBeRecordedForGoodIsNotWrittenOverOtherBytes) {
+    fake_.AddFile(R"(D:\a.txt)", std::string(600, 'x'));
+    list_.isDurableRefused = true;
+    EXPECT_THROW(
+        files_.ReplaceBytes(R"(D:\a.txt)", {.size = 600, .position = 511, .bytes = {'x', 'x'}},
+                            std::vector<std::uint8_t>{'X', 'Y'}),
+        Failure);
+    EXPECT_EQ(fake_.Content(R"(D:\a.txt)"), std::string(600, 'x'));
+    ASSERT_EQ(list_.records.size(), 2U);
+    EXPECT_EQ(std::get<FileChangeFailed>(list_.records[1]).number, 1U);
+}
+
 TEST_F(JournalledFilesTest, KeepsAPieceThatIsTooLargeForARecord) {
     const std::string piece(JournalledFiles::MostInRecord + 1, 'x');
     fake_.AddFile(R"(D:\a.txt)", piece + "sound");

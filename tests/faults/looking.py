@@ -20,6 +20,8 @@ TABLES = ("Albums", "Tracks", "Spinner", "SpinnerArtist", "Playlists", "SpinnerI
 PRECIOUS = ("DateAdded", "DateReleased", "DateLastPlayed", "Rating1", "Rating2", "Rating3", "Rating4",
             "TimesPlayed", "TimePlayed", "Group", "NeverPlay", "Playcount", "Playlist", "Exclude",
             "Include")
+# Between what a song's end says and what its beginning does.
+HEAD = ", begins with "
 DATES = ("-D", "%Y-%m-%d", "-T", "%Y-%m-%d %H:%M:%S")
 # What runs have dated; the household's history ends before.
 RUNS_BEGIN = 2021
@@ -108,10 +110,10 @@ def shown_file(path):
         return "a link that leads nowhere"
     content = path.read_bytes()
     if path.suffix.lower() == ".mp3":
-        tag = content[len(without_tag(content)):]
+        head, _, tag = content.partition(without_tag(content))
         fields = tag.decode("cp1252").replace("\0", " ").split() if tag else ["no tag"]
-        return (f"{song_in(content) or 'damaged'}, {' '.join(fields)},"
-                f" of {int(path.stat().st_mtime)}")
+        told = f"{song_in(content) or 'damaged'}, {' '.join(fields)}, of {int(path.stat().st_mtime)}"
+        return told + (HEAD + digest(head) if head else "")
     if path.suffix == ".csv":
         content = b"\n".join(line.split(b",", 1)[-1] for line in content.split(b"\n"))
     return f"{len(content)} bytes {digest(content)}"

@@ -7,7 +7,7 @@ from collections import Counter
 from dataclasses import dataclass
 from pathlib import Path
 
-from looking import PRECIOUS, differences, is_backup, shown
+from looking import HEAD, PRECIOUS, differences, is_backup, shown
 from points import LISTING
 
 PAGES = "AlbumPicker"
@@ -59,9 +59,13 @@ def lost_songs(before, now, undisturbed, being_written=None):
         least = min([count] + [Counter(sight.songs.values())[song] for sight in undisturbed])
         if has[song] < least:
             yield Breach("song lost", f"{song} was there {count} times, is there {has[song]} times")
-    states = {sight.parts["file"][name] for sight in (before, *undisturbed) for name in sight.songs}
+    states = [sight.parts["file"][name].partition(HEAD)
+              for sight in (before, *undisturbed) for name in sight.songs]
+    ends, heads = {end for end, *_ in states}, {head for *_, head in states}
     for name in now.songs:
-        if now.parts["file"][name] not in states and name != being_written:
+        # One tag may be written, and the other not yet.
+        end, _, head = now.parts["file"][name].partition(HEAD)
+        if (end not in ends or head not in heads) and name != being_written:
             yield Breach("song damaged", f"{name} holds {now.parts['file'][name]}")
 
 

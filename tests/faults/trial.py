@@ -131,7 +131,7 @@ class Workshop:
         told = told_since(library, 0, output, errors)
         try:
             breaches = list(self.aftermath(baseline, point, library, status, told))
-            breaches += self.repaired(baseline, library, point.path if point.kills else None)
+            breaches += self.repaired(baseline, library)
         except (Failed, OSError, ValueError, KeyError) as failure:
             breaches = [Breach("unreadable", f"{type(failure).__name__}: {failure}")]
         return Trial(baseline.mode, point, tuple(breaches), status)
@@ -163,17 +163,9 @@ class Workshop:
         copy.execute("DELETE * FROM SpinnerID3Differences WHERE Field = 'none'")
         return copy
 
-    def give_back_time(self, baseline, library, name):
-        """What a kill in the middle of writing a sound file does to its time is no fault."""
-        old, new = baseline.library.folder / name, library.folder / name
-        if old.suffix == ".mp3" and old.exists() and new.exists():
-            shutil.copystat(old, new)
-
-    def repaired(self, baseline, library, being_written=None, first=1):
+    def repaired(self, baseline, library, first=1):
         """Further runs, which nothing disturbs, come to where undisturbed ones come to."""
         told = ""
-        if being_written:
-            self.give_back_time(baseline, library, being_written)
         for number in range(first, first + FURTHER_RUNS):
             start = len(library.log.read_text("utf-8", "replace")) if library.log.exists() else 0
             status, output, errors = library.run(environment(library.folder, number, self.preload))

@@ -50,28 +50,16 @@ class State:
                 self.files[name] = (digest(path.read_bytes()), time_of(path))
         self.songs = Counter(songs_at(library).values())
 
-    def differences(self, other, untimed=""):
-        """What `other` has otherwise, in words; of the file `untimed` only the content counts."""
+    def differences(self, other):
+        """What `other` has otherwise, in words."""
         told = [f"file {name}" for name in sorted(self.files.keys() | other.files.keys())
-                if self.facts(name, untimed) != other.facts(name, untimed)]
+                if self.files.get(name) != other.files.get(name)]
         for table, rows in self.rows.items():
             there = other.rows[table]
             told += [f"{table} {key}: {rows.get(key)} -> {there.get(key)}"
                      for key in sorted(rows.keys() | there.keys())
                      if rows.get(key) != there.get(key)]
         return "; ".join(told[:4]) + (f"; and {len(told) - 4} more" if len(told) > 4 else "")
-
-
-    def facts(self, name, untimed):
-        facts = self.files.get(name)
-        return facts[:1] if facts and name == untimed else facts
-
-
-def without_its_time(point):
-    """The song that a kill meets between its tag and its time, which nothing gives back: the system sets
-    the time of the kill by itself."""
-    is_between = point.action == "torn" or point.call == "futimens"
-    return point.path if point.kills and is_between and point.path.endswith(".mp3") else ""
 
 
 class Workshop:
@@ -131,7 +119,7 @@ class Workshop:
         if not record.exists():
             yield "the point was not reached"
         yield from self.aftermath(library, point, status, output + errors)
-        yield from self.started_again(library, without_its_time(point))
+        yield from self.started_again(library)
         if self.given.keep:
             print(f"the library is left in {library.folder}")
         else:
@@ -161,13 +149,13 @@ class Workshop:
         if unfinished := [path for path in library.folder.rglob(".quillon-*")]:
             yield f"half a file is left: {unfinished}"
 
-    def started_again(self, library, untimed):
+    def started_again(self, library):
         for number in range(STARTED_AGAIN):
-            left = self.before.differences(State(library), untimed)
+            left = self.before.differences(State(library))
             if not left:
                 break
             status, output, errors = self.undo(library, 2 + number)
-        left = self.before.differences(State(library), untimed)
+        left = self.before.differences(State(library))
         if left:
             yield f"started again it does not go on: {left}: status {status}: {output}{errors}"
         if faults := faults_of(library.database, self.given.program):

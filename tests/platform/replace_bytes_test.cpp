@@ -3,6 +3,7 @@
 #include <string>
 
 #include "platform/failure.h"
+#include "platform/in_place.h"
 #include "tests/platform/files_fixture.h"
 
 namespace quillon {
@@ -42,6 +43,18 @@ TEST_F(ReplaceBytesTest, WritesAsManyBytesInPlace) {
     ExpectOldTime();
 }
 
+TEST_F(ReplaceBytesTest, WritesAnotherFileWhereThePieceIsLarge) {
+    for (const std::size_t size : {MostInPlace, MostInPlace + 1}) {
+        const std::string old(size, 'o'), fresh(size, 'f');
+        folder_.MakeFile("x.mp3", old + " audio");
+        const FileIdentity identity = Facts().identity;
+        files_.ReplaceBytes(Song, {.size = size + 6, .position = 0, .bytes = Bytes(old)},
+                            Bytes(fresh));
+        EXPECT_EQ(Content(), fresh + " audio");
+        EXPECT_EQ(Facts().identity == identity, size == MostInPlace);
+    }
+}
+
 TEST_F(ReplaceBytesTest, WritesAnotherFileWhereThereAreMoreOrFewer) {
     Replace("EAD OF SOME LENGTH");
     EXPECT_EQ(Content(), "hEAD OF SOME LENGTH and audio");
@@ -65,6 +78,16 @@ TEST_F(ReplaceBytesTest, ChangesNothingThatIsNotAsItWasSeen) {
     EXPECT_THROW(files_.ReplaceBytes(Song, {.size = 14, .position = 13, .bytes = Bytes("io")}, {}),
                  Failure);
     EXPECT_EQ(Content(), "head and audio");
+}
+
+TEST_F(ReplaceBytesTest, ATimeComesBackToTheNanosecond) {
+    const std::int64_t time = files_.ExactTimeOf(Song);
+    EXPECT_EQ(time, 1700000000123456700);
+    for (const std::int64_t other : {time + 1, std::int64_t{-1'500'000'000}}) {
+        files_.SetExactTime(Song, other);
+        EXPECT_EQ(files_.ExactTimeOf(Song), other);
+    }
+    EXPECT_EQ(files_.ExactTimeOf(R"(D:\none.mp3)"), 0);
 }
 
 TEST_F(ReplaceBytesTest, MakesNoFile) {

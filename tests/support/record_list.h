@@ -18,13 +18,14 @@ class RecordList : public ChangeSink {
         records.push_back(record);
     }
     void MakeDurable() override {
-        if (full) throw Failure(FailureNumber::DiskFull, "journal");
+        if (full || isDurableRefused) throw Failure(FailureNumber::DiskFull, "journal");
         durable = records.size();
     }
 
     std::vector<ChangeRecord> records;
     std::size_t durable = 0;                          ///< how many of them are
     bool full = false;                                ///< nothing can be recorded
+    bool isDurableRefused = false;                    ///< records are taken, but not for good
     std::function<void(const ChangeRecord&)> before;  ///< called before a record is taken
 };
 

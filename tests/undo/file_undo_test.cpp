@@ -170,6 +170,30 @@ TEST_F(FileUndoTest, PutsATagBackThatAnInterruptedRunHasWrittenInPart) {
               Outcome::Refusal("D:\\a.mp3 has been changed since"));
 }
 
+TEST_F(FileUndoTest, PutsAPieceBackThatAnInterruptedRunHasWrittenInPart) {
+    FileChange change{.kind = Kind::PieceReplaced,
+                      .path = R"(D:\a.mp3)",
+                      .position = 3,
+                      .before = FileContent{.size = 14, .bytes = "OLDTAG"},
+                      .after = FileContent{.size = 14, .hash = ContentHash("NEWTIP")}};
+    change.after->bytes = "NEWTIP";
+    FileUndo afterInterruption(files_, R"(D:\host)", Writes::PerhapsTorn);
+    for (const char* const content : {"ID3NEWTAGsound", "ID3OLDTIPsound"}) {
+        folder_.MakeFile("a.mp3", content);
+        EXPECT_EQ(TakeBack(change), Outcome::Refusal("D:\\a.mp3 has been changed since"));
+        EXPECT_EQ(PieceUndo(files_, "").ProgressOf(change), Progress::Partly);
+        EXPECT_EQ(afterInterruption.TakeBack(change), Outcome{}) << content;
+        EXPECT_EQ(folder_.Content("a.mp3"), "ID3OLDTAGsound");
+        EXPECT_EQ(PieceUndo(files_, "").ProgressOf(change), Progress::NotBegun);
+    }
+    for (const char* const content : {"ID3OWNTAGsound", "ID3NEWTAGsound and more"}) {
+        folder_.MakeFile("a.mp3", content);
+        EXPECT_EQ(PieceUndo(files_, "").ProgressOf(change), Progress::Unknown);
+        EXPECT_EQ(afterInterruption.TakeBack(change),
+                  Outcome::Refusal("D:\\a.mp3 has been changed since"));
+    }
+}
+
 TEST_F(FileUndoTest, CutsOffATagOfWhichOnlyTheBeginningWasWritten) {
     folder_.MakeFile("a.mp3", "audioTA");
     const FileChange change{.kind = Kind::EndWritten,
