@@ -66,6 +66,10 @@ std::optional<PlaFields> FirstOfEntries(std::string_view text) {
     return first;
 }
 
+bool BeginsWithHeader(std::string_view text) {
+    return text.substr(0, text.find_first_of(PlaylistLineEnd)) == PlaHeader;
+}
+
 bool IsAlbum(Connection& connection, std::string_view cdjid) {
     const std::string text = AnsiToUtf8(cdjid);
     return !connection.Query("SELECT ID FROM Tracks WHERE CDJID=" + FilterQuoted(text))->IsEmpty();
@@ -73,10 +77,16 @@ bool IsAlbum(Connection& connection, std::string_view cdjid) {
 
 }  // namespace
 
+bool IsCertainlyPlaylist(std::string_view text) {
+    if (BeginsWithHeader(text)) return true;
+    const std::vector<std::string_view> lines = LinesOf(text);
+    return lines.size() > 1 && std::any_of(lines.begin() + 1, lines.end(), PlainEntry);
+}
+
 bool ReadsAsPlaylist(Run& run, const FileEntry& file) {
     if (HasOtherMeaning(file.name)) return false;
     std::string text = Beginning(run.files, file);
-    if (text.substr(0, text.find_first_of(PlaylistLineEnd)) == PlaHeader) return true;
+    if (BeginsWithHeader(text)) return true;
     if (text.size() == FirstBytes) {
         // Its last line is cut off.
         if (!FirstOfEntries(text.substr(0, text.rfind('\n') + 1))) return false;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string_view>
+
 namespace quillon {
 
 class Run;
@@ -10,5 +12,9 @@ struct FileEntry;
 /// database. Settings, databases, music, the lists of other players and the
 /// companions that some systems put beside files never are. Throws Failure.
 bool ReadsAsPlaylist(Run& run, const FileEntry& file);
+
+/// Whether a text is certainly a playlist: it begins with the header, or a line behind the first is
+/// an entry and nothing else. Other programs give files of their own the same name.
+bool IsCertainlyPlaylist(std::string_view text);
 
 }  // namespace quillon

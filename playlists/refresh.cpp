@@ -17,6 +17,7 @@
 #include "platform/basic_text.h"
 #include "platform/failure.h"
 #include "platform/files.h"
+#include "playlists/list_likeness.h"
 #include "playlists/list_repair.h"
 #include "playlists/pla_line.h"
 #include "playlists/playlist_folder.h"
@@ -103,6 +104,19 @@ class Refreshing {
         waiting_->Save();
     }
 
+    /// What nothing would be left of is a list only where that is certain.
+    RepairedList Repaired(const FileEntry& file, std::string_view text,
+                          std::span<const WaitingEntry> waiting) {
+        RepairedList list = Repair(run_, tracks_, file.name, text, waiting);
+        if (!list.isChanged || !list.IsEmpty() || IsCertainlyPlaylist(text)) return list;
+        return {
+            .lines = {},
+            .messages = {"Playlist " + file.name +
+                         " is left as it is, since nothing in it is an entry; it may be another "
+                         "program's"},
+            .waiting = {}};
+    }
+
     /// Finds out whether something is to be done.
     void Check(const FileEntry& file) {
         if (entries_.IsUnread(file.name) || entries_.IsMadeAnew(file.name)) return;
@@ -111,7 +125,7 @@ class Refreshing {
             toDo_.push_back(file);
             return;
         }
-        const RepairedList list = Repair(run_, tracks_, file.name, text, WaitingIn(file));
+        const RepairedList list = Repaired(file, text, WaitingIn(file));
         if (waiting_) newWaiting_[LowerCase(file.name)] = list.waiting;
         if (list.isChanged && list.IsEmpty()) goingAway_.push_back(file.path);
         if (list.isChanged || !list.messages.empty()) {
@@ -128,9 +142,8 @@ class Refreshing {
         const std::optional<PlaylistContent> captured = entries_.ContentOf(file.name);
         if (captured == ContentOf(text)) {
             const auto old = oldWaiting_.find(LowerCase(file.name));
-            const RepairedList list =
-                Repair(run_, tracks_, file.name, text,
-                       old == oldWaiting_.end() ? std::vector<WaitingEntry>() : old->second);
+            const RepairedList list = Repaired(
+                file, text, old == oldWaiting_.end() ? std::vector<WaitingEntry>() : old->second);
             if (Store(file, list, *captured)) {
                 settled_.insert(LowerCase(file.name));
             } else {

@@ -121,6 +121,25 @@ TEST_F(RefreshTest, DeletesAPlaylistWhoseAlbumsAreAllGone) {
     EXPECT_EQ(run().counts.playlistsRemoved, 1U);
 }
 
+TEST_F(RefreshTest, LeavesAFileOfAnotherProgramThatHasTheNameOfAPlaylist) {
+    const std::string foreign("iRec\0\x01\n\xFF\0songs\nand more\r\n", 25);
+    library.files.AddFile(R"(D:\Lists\Player.pla)", foreign);
+    CapturePlaylists(run());
+    RefreshPlaylist(run());
+    EXPECT_EQ(library.files.Content(R"(D:\Lists\Player.pla)"), foreign);
+    EXPECT_THAT(library.host.log,
+                ElementsAre("Quillon: Playlist Player.pla is left as it is, since nothing in it is "
+                            "an entry; it may be another program's"));
+    EXPECT_EQ(run().counts.playlistsRemoved, 0U);
+}
+
+TEST_F(RefreshTest, DeletesAPlaylistWithoutTheHeaderWhoseAlbumsAreAllGone) {
+    library.files.AddFile(R"(D:\Lists\Mine.pla)", "My songs\r\nC0 0\r\n");
+    CapturePlaylists(run());
+    RefreshPlaylist(run());
+    EXPECT_FALSE(ListExists("Mine.pla"));
+}
+
 TEST_F(RefreshTest, LeavesAPlaylistThatNeverHadEntries) {
     AddList("Header.pla", {});
     library.files.AddFile(R"(D:\Lists\Empty.pla)", "");
