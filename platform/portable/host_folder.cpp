@@ -56,12 +56,18 @@ HostFolder::HostFolder(const std::filesystem::path& folder, const Clock& clock)
 }
 
 void HostFolder::MapDrives() {
+    const std::string file = (folder_ / HostSettingsFile).string();
     for (const auto& [root, local] : Read(HostSettingsFile).Entries("Drives")) {
+        if (local.empty()) {
+            throw Failure::Described(FailureNumber::InvalidProcedureCall,
+                                     "The line \"" + root + "=\" below [Drives] in " + file +
+                                         " names no folder. Write the folder that " + root +
+                                         " stands for behind it, or remove the line");
+        }
         try {
             drives_.Map(root, local);
         } catch (const Failure& failure) {
-            throw Failure::Described(failure.Number(), std::string(failure.what()) + " in " +
-                                                           (folder_ / HostSettingsFile).string());
+            throw Failure::Described(failure.Number(), std::string(failure.what()) + " in " + file);
         }
     }
     drives_.MakeReachable(folder_);

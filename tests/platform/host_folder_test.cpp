@@ -90,6 +90,14 @@ TEST_F(HostFolderTest, RefusesLinesThatAreNoDrive) {
                   (folder_ / "host.ini").string());
 }
 
+TEST_F(HostFolderTest, SaysWhatToDoAboutADriveWithoutFolder) {
+    folder_.MakeFile("host.ini", "[Drives]\nH=.\nD=\n");
+    EXPECT_EQ(FailureOf([&] { Host(); }),
+              "The line \"D=\" below [Drives] in " + (folder_ / "host.ini").string() +
+                  " names no folder. Write the folder that D stands for behind it, or remove the "
+                  "line");
+}
+
 TEST_F(HostFolderTest, AppPathIsTheFolderInWindowsTerms) {
     std::string wanted = "Z:" + folder_.Path().string();
     std::replace(wanted.begin(), wanted.end(), '/', '\\');
