@@ -16,6 +16,7 @@
 #include "run/counted.h"
 #include "run/disc_folders.h"
 #include "run/excluded_artists.h"
+#include "run/log.h"
 #include "run/steps.h"
 
 namespace quillon {
@@ -142,10 +143,28 @@ class TreeWalk {
                 steps_.Try(Step::ListFolder, [&] { seenWhole = AddFiles(folder, files); });
             if (!listed || !seenWhole) return false;
         }
+        if (folders.size() > 1 && HaveTwins(files)) return false;
         if (!steps_.Try(Step::ListFolder, [&] { album.trackCount = FileCount(files.size()); }))
             return false;
         ProcessAlbum(walk_, std::move(album), std::move(files));
         return true;
+    }
+
+    /// Whether two folders whose names differ only in letter case hold a file of one name: the
+    /// database has one path for both, so nobody can tell which of them it means.
+    bool HaveTwins(const FileList& files) {
+        std::unordered_map<std::string, const std::string*> paths;
+        bool found = false;
+        for (const ListedFile& file : files) {
+            const auto [twin, isNew] = paths.try_emplace(LowerCase(file.Name), &file.Name);
+            if (isNew) continue;
+            found |= HideAlbumsOf(walk_, {file.Name});
+            LogError(run_, LogSource,
+                     "Left out, what it stands for is kept: " + file.Name +
+                         " (only letter case tells its name from that of " + *twin->second +
+                         "; rename one of the folders)");
+        }
+        return found;
     }
 
     /// False when a song of the library is out of sight there, or a whole disc.

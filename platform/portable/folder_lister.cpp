@@ -172,14 +172,20 @@ void FolderLister::NoteUnseen(int error, const std::string& path) {
           "Cannot be looked at, what it stands for is kept: " + path + " (" + reason + ")");
 }
 
-/// The database and every path in it take names that differ in letter case alone for one.
-void FolderLister::LeaveOutTwins(const WindowsPath& shown, std::vector<FileEntry>& files) {
+/// The database and every path in it take names that differ in letter case alone for one, so nobody
+/// can tell which of the files they mean.
+void FolderLister::LeaveOutTwins(Listing<FileEntry>& list) {
     const auto isTwin = [&](const FileEntry& left, const FileEntry& right) {
         if (!EqualIgnoringCase(left.name, right.name)) return false;
-        LeaveOut("its name differs from that of another file only in letter case", shown,
-                 right.name);
+        list.unseen.push_back(right.path);
+        if (noted_.insert(right.path).second && note_) {
+            note_(LogKind::Error, "Left out, what it stands for is kept: " + right.path +
+                                      " (only letter case tells its name from that of " +
+                                      left.path + "; rename one of them)");
+        }
         return true;
     };
+    std::vector<FileEntry>& files = list.entries;
     files.erase(std::unique(files.begin(), files.end(), isTwin), files.end());
 }
 
@@ -211,7 +217,7 @@ Listing<FileEntry> FolderLister::FilesIn(const WindowsPath& shown, const std::st
             list.entries.push_back(MakeFileEntry(std::move(path), std::string(name), facts));
         });
     listedShown_ = beginning;
-    LeaveOutTwins(shown, list.entries);
+    LeaveOutTwins(list);
     return list;
 }
 

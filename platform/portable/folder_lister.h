@@ -19,9 +19,10 @@ namespace quillon {
 using NoteSink = std::function<void(LogKind kind, const std::string& message)>;
 
 /// Lists local folders as Windows would show them. What Windows could not show (names that it
-/// cannot hold, or holds already in another letter case, devices, a folder inside itself) is left
-/// out. What could not be looked at is listed as unseen. Each such entry is noted once in this
-/// object's life: what was left out as information, what was not seen as an error.
+/// cannot hold, devices, a folder inside itself) is left out. What could not be looked at is listed
+/// as unseen, and so is a file whose name another one has in other letter case. Each such entry is
+/// noted once in this object's life: what was left out as information, what was not seen as an
+/// error.
 class FolderLister {
   public:
     explicit FolderLister(NoteSink note) : note_(std::move(note)) {}
@@ -57,7 +58,7 @@ class FolderLister {
                          Listing<Entry>& list, Visit visit);
     void LeaveOut(std::string_view reason, const WindowsPath& folder, std::string_view name);
     void NoteUnseen(int error, const std::string& path);
-    void LeaveOutTwins(const WindowsPath& shown, std::vector<FileEntry>& files);
+    void LeaveOutTwins(Listing<FileEntry>& list);
 
     NoteSink note_;
     bool clearsUnfinished_ = false;

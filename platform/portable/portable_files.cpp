@@ -212,12 +212,23 @@ void PortableFiles::CopyInto(SafeFolder& copy, const std::string& from, const st
                 throw Failure(FailureNumber::PathFileAccess, path);
         }
     };
-    const Listing<FileEntry> files = FilesIn(from);
+    const auto add = [&](const std::string& path) {
+        const std::string name = path.substr(path.rfind('\\') + 1);
+        copy.AddFile(OpenFile(resolver_, ParseWindowsPath(path)), inner + name, shown + '\\' + name,
+                     copyWatch_);
+    };
+    Listing<FileEntry> files = FilesIn(from);
+    for (const FileEntry& file : files)
+        add(file.path);
+    // A copy has room for both of two names that differ in letter case alone.
+    std::erase_if(files.unseen, [&](const std::string& path) {
+        const bool isTwin = std::ranges::any_of(files.entries, [&](const FileEntry& file) {
+            return EqualIgnoringCase(file.path, path);
+        });
+        if (isTwin) add(path);
+        return isTwin;
+    });
     requireSeen(files);
-    for (const FileEntry& file : files) {
-        copy.AddFile(OpenFile(resolver_, ParseWindowsPath(file.path)), inner + file.name,
-                     shown + '\\' + file.name, copyWatch_);
-    }
     const Listing<FolderEntry> folders = SubFolders(from);
     requireSeen(folders);
     for (const FolderEntry& folder : folders) {
