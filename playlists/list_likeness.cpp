@@ -77,8 +77,13 @@ bool IsAlbum(Connection& connection, std::string_view cdjid) {
 
 }  // namespace
 
-bool IsCertainlyPlaylist(std::string_view text) {
-    if (BeginsWithHeader(text)) return true;
+bool MayBePlaylist(std::string_view text) {
+    constexpr char FirstPrintable = ' ';
+    const auto isOfText = [](char byte) {
+        return static_cast<unsigned char>(byte) >= FirstPrintable || byte == '\t' || byte == '\r' ||
+               byte == '\n';
+    };
+    if (BeginsWithHeader(text) || std::ranges::all_of(text, isOfText)) return true;
     const std::vector<std::string_view> lines = LinesOf(text);
     return lines.size() > 1 && std::any_of(lines.begin() + 1, lines.end(), PlainEntry);
 }

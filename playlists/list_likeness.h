@@ -13,8 +13,9 @@ struct FileEntry;
 /// companions that some systems put beside files never are. Throws Failure.
 bool ReadsAsPlaylist(Run& run, const FileEntry& file);
 
-/// Whether a text is certainly a playlist: it begins with the header, or a line behind the first is
-/// an entry and nothing else. Other programs give files of their own the same name.
-bool IsCertainlyPlaylist(std::string_view text);
+/// Whether what the file of a playlist holds may be one. Readers take any text for that, whatever
+/// its first line says. What is no text, and has neither the header nor an entry, is a file of
+/// another program, which gives files of its own the same name.
+bool MayBePlaylist(std::string_view text);
 
 }  // namespace quillon

@@ -104,17 +104,16 @@ class Refreshing {
         waiting_->Save();
     }
 
-    /// What nothing would be left of is a list only where that is certain.
+    /// What nothing would be left of goes only where it may have been a list.
     RepairedList Repaired(const FileEntry& file, std::string_view text,
                           std::span<const WaitingEntry> waiting) {
         RepairedList list = Repair(run_, tracks_, file.name, text, waiting);
-        if (!list.isChanged || !list.IsEmpty() || IsCertainlyPlaylist(text)) return list;
-        return {
-            .lines = {},
-            .messages = {"Playlist " + file.name +
-                         " is left as it is, since nothing in it is an entry; it may be another "
-                         "program's"},
-            .waiting = {}};
+        if (!list.isChanged || !list.IsEmpty() || MayBePlaylist(text)) return list;
+        return {.lines = {},
+                .messages = {"Playlist " + file.name +
+                             " is left as it is, since it is no text; it seems to be another "
+                             "program's"},
+                .waiting = {}};
     }
 
     /// Finds out whether something is to be done.

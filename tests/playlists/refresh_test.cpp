@@ -127,17 +127,20 @@ TEST_F(RefreshTest, LeavesAFileOfAnotherProgramThatHasTheNameOfAPlaylist) {
     CapturePlaylists(run());
     RefreshPlaylist(run());
     EXPECT_EQ(library.files.Content(R"(D:\Lists\Player.pla)"), foreign);
-    EXPECT_THAT(library.host.log,
-                ElementsAre("Quillon: Playlist Player.pla is left as it is, since nothing in it is "
-                            "an entry; it may be another program's"));
+    EXPECT_THAT(
+        library.host.log,
+        ElementsAre("Quillon: Playlist Player.pla is left as it is, since it is no text; it "
+                    "seems to be another program's"));
     EXPECT_EQ(run().counts.playlistsRemoved, 0U);
 }
 
 TEST_F(RefreshTest, DeletesAPlaylistWithoutTheHeaderWhoseAlbumsAreAllGone) {
     library.files.AddFile(R"(D:\Lists\Mine.pla)", "My songs\r\nC0 0\r\n");
+    library.files.AddFile(R"(D:\Lists\Notes.pla)", "My songs\r\nnothing but words\r\n");
     CapturePlaylists(run());
     RefreshPlaylist(run());
     EXPECT_FALSE(ListExists("Mine.pla"));
+    EXPECT_FALSE(ListExists("Notes.pla"));
 }
 
 TEST_F(RefreshTest, LeavesAPlaylistThatNeverHadEntries) {
