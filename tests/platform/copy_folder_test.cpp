@@ -44,14 +44,14 @@ TEST_F(CopyFolderTest, AndFilesAreWatchedAsTheyAreCopied) {
     EXPECT_EQ(copied, 220U);
 }
 
-POSIX_TEST_F(CopyFolderTest, TakesTheFilesThatARunSeesAndFoldersThatDifferInLetterCaseAlone) {
+POSIX_TEST_F(CopyFolderTest, TakesFilesAndFoldersThatDifferInLetterCaseAlone) {
     folder_.MakeFile("Lists/a.pla", "small");
     folder_.MakeFile("Lists/A.pla", "capital");
     folder_.MakeFile("Lists/sub/x", "small");
     folder_.MakeFile("Lists/SUB/x", "capital");
     files_.CopyFolder("D:\\Lists", "D:\\Copy");
     EXPECT_EQ(folder_.Content("Copy/A.pla"), "capital");
-    EXPECT_EQ(folder_.Count("Copy"), 3U) << "the other list is none that a run touches";
+    EXPECT_EQ(folder_.Content("Copy/a.pla"), "small");
     EXPECT_EQ(folder_.Content("Copy/sub/x"), "small");
     EXPECT_EQ(folder_.Content("Copy/SUB/x"), "capital");
 }

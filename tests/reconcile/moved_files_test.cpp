@@ -78,6 +78,18 @@ TEST_F(MovedFilesTest, KeepTheirRowsWhenOnlyLetterCaseChanges) {
     EXPECT_THAT(Log(), IsEmpty());
 }
 
+/// On a disk with letter case one song may get the name of another, which the database cannot tell.
+TEST_F(MovedFilesTest, KeepTheirRowsWhereOneTakesTheNameOfAnotherInOtherLetterCase) {
+    const auto tracks = Tracks();
+    Move(R"(Red\One\02 - Bay.mp3)", R"(Red\One\01 - ASH.mp3)");
+    Reconcile();
+    EXPECT_EQ(Tracks(), tracks);
+    EXPECT_THAT(Log(), ElementsAre(HasSubstr("rename one of them")));
+    Move(R"(Red\One\01 - ASH.mp3)", R"(Red\One\02 - Bay.mp3)");
+    Reconcile();
+    EXPECT_EQ(Tracks(), tracks);
+}
+
 TEST_F(MovedFilesTest, KeepTheirRowsWhenTheySwapNames) {
     Move(R"(Red\One\01 - Ash.mp3)", R"(Red\One\x)");
     Move(R"(Red\One\03 - Cam.mp3)", R"(Red\One\01 - Ash.mp3)");
