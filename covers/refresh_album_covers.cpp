@@ -83,11 +83,11 @@ struct CoverTitle {
 /// If there are several separators, the first one is used: more titles than artists contain one.
 std::optional<CoverTitle> ReadCoverTitle(std::string_view name) {
     constexpr std::string_view Separator = " - ";
-    constexpr std::size_t ExtensionLength = 4;
+    const std::size_t extension = LowerCase(name).ends_with(".jpeg") ? 5 : 4;
     const std::size_t position = name.find(Separator);
     if (position == std::string_view::npos) return std::nullopt;
     std::string_view album = name.substr(position + Separator.size());
-    album.remove_suffix(ExtensionLength);
+    album.remove_suffix(extension);
     return CoverTitle{std::string(Trim(name.substr(0, position))), std::string(Trim(album))};
 }
 

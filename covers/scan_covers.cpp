@@ -1,6 +1,9 @@
 #include "covers/scan_covers.h"
 
+#include <algorithm>
+#include <initializer_list>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/basic_text.h"
@@ -16,22 +19,34 @@
 namespace quillon {
 namespace {
 
-constexpr std::size_t ExtensionLength = 4;
-
-/// The last four characters alone: ".jpeg" is no extension of a cover.
 bool HasExtension(std::string_view name, std::string_view extension) {
-    return LowerCase(Right(name, ExtensionLength)) == extension && !IsCompanion(name);
+    return LowerCase(Right(name, extension.size())) == extension && !IsCompanion(name);
 }
 
-std::string_view WithoutExtension(std::string_view name) {
-    return name.substr(0, name.size() - ExtensionLength);
+std::string WithoutExtension(std::string_view name, std::string_view extension) {
+    return std::string(name.substr(0, name.size() - extension.size()));
 }
 
 void RequireFolder(Run& run, const std::string& folder) {
     if (!run.files.FolderExists(folder)) throw Failure(FailureNumber::PathNotFound, folder);
 }
 
-/// All JPEG images come first: so a GIF image of the same name is reported as superfluous, wherever
+/// Adds images of an album's name that do not stand beside one of these other kinds: such come from
+/// the tags of songs, and with songs that are added.
+void AddWithout(Run& run, const Listing<FileEntry>& files, std::string_view extension,
+                std::initializer_list<const char*> others, CoverSet& covers) {
+    for (const FileEntry& file : files) {
+        const bool isNamed = file.name.find(" - ") != std::string::npos;
+        if (!isNamed || !HasExtension(file.name, extension)) continue;
+        const std::string stem = WithoutExtension(file.name, extension);
+        const bool hasOther = std::ranges::any_of(others, [&](const char* other) {
+            return findExactRecord(run, covers, stem + other) != nullptr;
+        });
+        if (!hasOther) covers.Add(file.name, file.path);
+    }
+}
+
+/// The last four characters alone count: ".jpeg" is no extension of a cover here. All JPEG images come first: so a GIF image of the same name is reported as superfluous, wherever
 /// the folder's order has it.
 void AddCoverFolder(Run& run, const std::string& folder, CoverSet& covers) {
     RequireFolder(run, folder);
@@ -42,19 +57,12 @@ void AddCoverFolder(Run& run, const std::string& folder, CoverSet& covers) {
     }
     for (const FileEntry& file : files) {
         if (!HasExtension(file.name, ".gif")) continue;
-        const std::string twin = std::string(WithoutExtension(file.name)) + ".jpg";
+        const std::string twin = WithoutExtension(file.name, ".gif") + ".jpg";
         if (findExactRecord(run, covers, twin) == nullptr) covers.Add(file.name, file.path);
     }
     if (!run.modern.takesFolderImages) return;
-    // Such come from the tags of songs.
-    for (const FileEntry& file : files) {
-        const bool isNamed = file.name.find(" - ") != std::string::npos;
-        if (!isNamed || !HasExtension(file.name, ".png")) continue;
-        const std::string stem(WithoutExtension(file.name));
-        const bool isFirst = findExactRecord(run, covers, stem + ".jpg") == nullptr &&
-                             findExactRecord(run, covers, stem + ".gif") == nullptr;
-        if (isFirst) covers.Add(file.name, file.path);
-    }
+    AddWithout(run, files, ".jpeg", {".jpg", ".gif"}, covers);
+    AddWithout(run, files, ".png", {".jpg", ".gif", ".jpeg"}, covers);
 }
 
 /// Here a GIF image stands beside a JPEG image of its name: people who keep covers with the albums

@@ -70,6 +70,24 @@ TEST_F(FolderImages, ACoverByNameComesFirst) {
     EXPECT_THAT(Images(), ElementsAre(R"(D:\Covers\Ann - First.jpg)"));
 }
 
+TEST_F(FolderImages, GoWithImagesOfEveryKindThatAreNamedAsAlbums) {
+    for (const char* const title : {"First", "Second", "Third"})
+        AddAlbumWithSong(title);
+    for (const char* const name :
+         {"Ann - First.JPEG", "Ann - First.png", "Ann - Second.jpeg", "Ann - Second.gif",
+          "Ann - Third.jpeg", "cover.jpeg"})
+        AddImage(name);
+    for (int round = 0; round < 2; ++round) {
+        Refresh();
+        EXPECT_THAT(Images(),
+                    ElementsAre(R"(D:\Covers\Ann - First.JPEG)", R"(D:\Covers\Ann - Second.gif)",
+                                R"(D:\Covers\Ann - Third.jpeg)"));
+    }
+    library.run.modern.takesFolderImages = false;
+    Refresh();
+    EXPECT_THAT(Images(), ElementsAre("", R"(D:\Covers\Ann - Second.gif)", ""));
+}
+
 TEST_F(FolderImages, ThatAreGoneGiveWayToOthersOrToNone) {
     AddAlbumWithSong("First");
     AddAlbumWithSong("Second");
