@@ -46,8 +46,9 @@ void AddWithout(Run& run, const Listing<FileEntry>& files, std::string_view exte
     }
 }
 
-/// The last four characters alone count: ".jpeg" is no extension of a cover here. All JPEG images come first: so a GIF image of the same name is reported as superfluous, wherever
-/// the folder's order has it.
+/// The last four characters alone count: ".jpeg" is no extension of a cover here. All JPEG images
+/// come first: so a GIF image of the same name is reported as superfluous, wherever the folder's
+/// order has it.
 void AddCoverFolder(Run& run, const std::string& folder, CoverSet& covers) {
     RequireFolder(run, folder);
     const Listing<FileEntry> files = run.files.FilesIn(folder);

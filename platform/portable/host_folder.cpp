@@ -59,10 +59,11 @@ void HostFolder::MapDrives() {
     const std::string file = (folder_ / HostSettingsFile).string();
     for (const auto& [root, local] : Read(HostSettingsFile).Entries("Drives")) {
         if (local.empty()) {
-            throw Failure::Described(FailureNumber::InvalidProcedureCall,
-                                     "The line \"" + root + "=\" below [Drives] in " + file +
-                                         " names no folder. Write the folder that " + root +
-                                         " stands for behind it, or remove the line");
+            std::string told = "The line \"";
+            told.append(root).append("=\" below [Drives] in ").append(file);
+            told.append(" names no folder. Write the folder that ").append(root);
+            told.append(" stands for behind it, or remove the line");
+            throw Failure::Described(FailureNumber::InvalidProcedureCall, told);
         }
         try {
             drives_.Map(root, local);

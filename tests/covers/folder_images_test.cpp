@@ -73,9 +73,8 @@ TEST_F(FolderImages, ACoverByNameComesFirst) {
 TEST_F(FolderImages, GoWithImagesOfEveryKindThatAreNamedAsAlbums) {
     for (const char* const title : {"First", "Second", "Third"})
         AddAlbumWithSong(title);
-    for (const char* const name :
-         {"Ann - First.JPEG", "Ann - First.png", "Ann - Second.jpeg", "Ann - Second.gif",
-          "Ann - Third.jpeg", "cover.jpeg"})
+    for (const char* const name : {"Ann - First.JPEG", "Ann - First.png", "Ann - Second.jpeg",
+                                   "Ann - Second.gif", "Ann - Third.jpeg", "cover.jpeg"})
         AddImage(name);
     for (int round = 0; round < 2; ++round) {
         Refresh();
