@@ -279,11 +279,11 @@ TEST(AFailingLook, NeverHidesAJournal) {
     const auto path = folder / "d.mdb";
     DatabaseFile::Create(path, BothTables());
     const std::string start = ReadFile(path);
-    struct State {
+    struct Situation {
         std::string database, journal;
         std::map<RowId, Row> rows;
     };
-    std::vector<State> states;
+    std::vector<Situation> states;
     bool reached = true;
     for (std::size_t moment = 0; reached; ++moment) {
         WriteFile(path, start);
