@@ -67,7 +67,7 @@ void Fill(httplib::Response& response, const WebResponse& answer) {
 }
 
 /// A port that somebody listens on already is an error; the library's own options would share it.
-void SetSocketOptions(socket_t socket) {
+void ForbidSharing(socket_t socket) {
     const int yes = 1;
     setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
 }
@@ -116,7 +116,10 @@ class HttpServer::Implementation {
     Implementation(Handler handler, int port) : handler_(std::move(handler)) {
         using Outcome = httplib::Server::HandlerResponse;
         server_.new_task_queue = [] { return std::make_unique<NoQueue>().release(); };
-        server_.set_socket_options(SetSocketOptions);
+        server_.set_socket_options([this](socket_t socket) {
+            ForbidSharing(socket);
+            listening_ = socket;
+        });
         server_.set_payload_max_length(MostContent);
         httplib::Headers headers;
         for (const auto& [name, value] : CommonHeaders())
@@ -169,6 +172,9 @@ class HttpServer::Implementation {
             throw std::runtime_error(
                 "port " + std::to_string(port) +
                 " cannot be used; --port chooses another one, 0 any that is free");
+        // The library lets five connections wait for being accepted. Of a crowd that comes at once
+        // the system forgets the others, and a client that says nothing first never learns of it.
+        listen(listening_, Arrivals::MostWaiting);
         thread_ = std::thread([this] {
             server_.listen_after_bind();
             hasEnded_ = true;
@@ -183,6 +189,7 @@ class HttpServer::Implementation {
     AcceptingServer server_{[this](socket_t socket) { arrivals_.Take(socket); }};
     Workers workers_;
     Arrivals arrivals_{[this](Arrival arrival) { Admit(std::move(arrival)); }};
+    socket_t listening_ = -1;
     int port_ = 0;
     std::atomic<bool> hasEnded_{false};
     std::thread thread_;
