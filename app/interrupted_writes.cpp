@@ -4,12 +4,15 @@
 #include <fmt/format.h>
 #include <functional>
 #include <optional>
+#include <set>
 #include <string>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 #include "app/journal/journal_file.h"
 #include "app/journal/journal_reader.h"
+#include "platform/basic_text.h"
 #include "platform/failure.h"
 #include "undo/piece_undo.h"
 
@@ -56,41 +59,60 @@ std::vector<std::filesystem::path> JournalsOfKilledRuns(const std::filesystem::p
     return killed;
 }
 
-/// Whether there was something to put right.
-bool PutRight(PortableFiles& files, PieceUndo& undo, const FileChange& write, bool isLast) {
-    const Progress progress = undo.ProgressOf(write);
-    const bool isTorn = progress == Progress::Partly;
-    if (isTorn) undo.TakeBack(write, Writes::PerhapsTorn);
-    const std::int64_t time = write.before ? write.before->exactTime : 0;
-    const bool mayLackTime = isTorn || (isLast && progress != Progress::Unknown);
-    if (!mayLackTime || time == 0 || files.ExactTimeOf(write.path) == time) return isTorn;
-    files.SetExactTime(write.path, time);
-    return true;
-}
+/// Puts right what was being written, the newest first.
+class Repair {
+  public:
+    Repair(LocalHost& local, const NoteSink& note)
+        : files_(local.files), undo_(local.files, local.host.GetAppPath()), note_(note) {}
+
+    void PutRight(const KilledRun& run) {
+        for (auto write = run.writes.rbegin(); write != run.writes.rend(); ++write) {
+            try {
+                if (PutRight(*write, write->number == run.last))
+                    note_(LogKind::Information,
+                          write->path + ": what an interrupted run was writing is put right");
+            } catch (const Failure& failure) {
+                note_(LogKind::Error,
+                      fmt::format("{}: its tag may be damaged, since run {} was interrupted while "
+                                  "it wrote that; 'quillon undo {}' puts it right: {}",
+                                  write->path, run.stamp, run.stamp, failure.what()));
+            }
+        }
+    }
+
+  private:
+    /// Whether there was something to put right.
+    bool PutRight(const FileChange& write, bool isLast) {
+        const std::pair place(LowerCase(write.path), write.position);
+        if (settled_.contains(place)) return false;
+        const Progress progress = undo_.ProgressOf(write);
+        if (progress == Progress::Unknown) return false;
+        settled_.insert(place);
+        const bool isTorn = progress == Progress::Partly;
+        if (isTorn) undo_.TakeBack(write, Writes::PerhapsTorn);
+        const std::int64_t time = write.before->exactTime;
+        if (!(isTorn || isLast) || time == 0 || files_.ExactTimeOf(write.path) == time)
+            return isTorn;
+        files_.SetExactTime(write.path, time);
+        return true;
+    }
+
+    PortableFiles& files_;
+    PieceUndo undo_;
+    const NoteSink& note_;
+    /// Where it is known what the last write has left: that may look like an earlier one in part.
+    std::set<std::pair<std::string, std::uint64_t>> settled_;
+};
 
 }  // namespace
 
 void PutInterruptedWritesRight(LocalHost& local, std::string_view own, const NoteSink& note) {
-    PieceUndo undo(local.files, local.host.GetAppPath());
+    Repair repair(local, note);
     for (const auto& journal : JournalsOfKilledRuns(ChangesFolder(local.host.Folder()), own)) {
-        KilledRun run;
         try {
-            run = ReadKilledRun(journal);
+            repair.PutRight(ReadKilledRun(journal));
         } catch (const Failure& failure) {
             note(LogKind::Error, failure.what());
-            continue;
-        }
-        for (auto write = run.writes.rbegin(); write != run.writes.rend(); ++write) {
-            try {
-                if (PutRight(local.files, undo, *write, write->number == run.last))
-                    note(LogKind::Information,
-                         write->path + ": what an interrupted run was writing is put right");
-            } catch (const Failure& failure) {
-                note(LogKind::Error,
-                     fmt::format("{}: its tag may be damaged, since run {} was interrupted while "
-                                 "it wrote that; 'quillon undo {}' puts it right: {}",
-                                 write->path, run.stamp, run.stamp, failure.what()));
-            }
         }
     }
 }

@@ -101,6 +101,20 @@ TEST_F(InterruptedWritesTest, WhatAnotherProgramHasWrittenSinceStays) {
     EXPECT_THAT(notes_, IsEmpty());
 }
 
+/// Its bytes are those of the old tag or of the one that the run before had written, each of them.
+TEST_F(InterruptedWritesTest, AWholeTagThatLooksLikeAnEarlierOneInPartStays) {
+    folder_.MakeFile("a.mp3", "soundOEW");
+    const auto first = StartedRun();
+    first->Note(TagWritten(1, R"(D:\a.mp3)"));
+    const auto second = StartedRun();
+    FileChange again = TagWritten(1, R"(D:\a.mp3)");
+    again.before->bytes = "NEW";
+    again.after->bytes = "OEW";
+    second->Note(again);
+    PutRight();
+    EXPECT_EQ(folder_.Content("a.mp3"), "soundOEW");
+}
+
 TEST_F(InterruptedWritesTest, RunsThatEndedFailedOrGoOnAreLeftAlone) {
     folder_.MakeFile("a.mp3", "soundNLW");
     const auto failed = StartedRun();
