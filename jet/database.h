@@ -132,8 +132,12 @@ class Database {
         /// `values` are those of the fields in their order; what they hold afterwards is undefined.
         virtual AddedRow Insert(std::span<Value> values) = 0;
     };
+    enum class Placing { WhereThereIsRoom, BehindAllOthers };
+    /// Rows behind all others stand in the order in which they are added; room that deleted rows
+    /// have left stays unused. That holds for the table until the database is closed.
     std::unique_ptr<Inserter> OpenInserter(std::string_view table,
-                                           std::span<const std::string_view> fields);
+                                           std::span<const std::string_view> fields,
+                                           Placing placing = Placing::WhereThereIsRoom);
     void Update(std::string_view table, RowKey row, std::span<const Field> fields);
     void Delete(std::string_view table, RowKey row);
     /// Gives all rows that hold `before` in a field of dates `after` for it; how many. It costs

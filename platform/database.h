@@ -105,7 +105,8 @@ class Connection {
     virtual Value Read(std::string_view table, RowKey row, std::string_view field) = 0;
     /// Fields of a new row that are not named are Null.
     virtual AddedRow Insert(std::string_view table, std::span<const FieldValue> fields) = 0;
-    /// The same for many rows with these fields.
+    /// The same for many rows with these fields, which stand behind all others of the table, in the
+    /// order in which they are added.
     virtual std::unique_ptr<RowInserter> OpenInserter(std::string_view table,
                                                       std::span<const std::string_view> fields) = 0;
     /// A refused change leaves the row as it was.

@@ -169,8 +169,10 @@ Database::AddedRow Database::Insert(std::string_view table, std::span<const Fiel
 }
 
 std::unique_ptr<Database::Inserter> Database::OpenInserter(
-    std::string_view table, std::span<const std::string_view> fields) {
-    return std::make_unique<TableInserter>(implementation_->session, table, fields);
+    std::string_view table, std::span<const std::string_view> fields, Placing placing) {
+    auto inserter = std::make_unique<TableInserter>(implementation_->session, table, fields);
+    if (placing == Placing::BehindAllOthers) implementation_->session->Table(table).KeepOrder();
+    return inserter;
 }
 
 void Database::Update(std::string_view table, RowKey row, std::span<const Field> fields) {

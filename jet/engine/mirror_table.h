@@ -88,6 +88,8 @@ class MirrorTable {
     RowKey Insert(storage::Row&& values, std::int64_t* number = nullptr) {
         return Insert(std::span<Value>(values), number);
     }
+    /// As storage::Table does.
+    void KeepOrder() { stored_->KeepOrder(); }
     /// Writes the changes, whose values are converted already.
     void Update(RowKey key, std::span<const storage::FieldChange> changes);
     /// As storage::Table does.

@@ -96,7 +96,7 @@ class Copier {
     /// Rows that lack a value which was made obligatory later come along.
     std::size_t CopyRows(const StoredTable& table, PageNumber definition) {
         StoredTable copy(to_, table.Definition().name, definition, {});
-        copy.KeepOrder();
+        copy.KeepOrder();  // the first of several in the file stays the first
         table.Scan([&](RowId, Row&& row) {
             copy.Insert(row);
             if (to_.ChangedPages() >= MostPagesInMemory) to_.Commit();

@@ -33,6 +33,7 @@ class LinkedTable final : public Table {
         Refuse();
     }
     Inserted Insert(std::span<const Value> /*values*/) override { Refuse(); }
+    void KeepOrder() override { Refuse(); }
     void Update(RowId /*row*/, std::span<const FieldChange> /*changes*/) override { Refuse(); }
     std::size_t ReplaceDate(std::size_t /*column*/, Date /*before*/, Date /*after*/) override {
         Refuse();

@@ -40,6 +40,7 @@ class StoredTable final : public Table, private DeferredChanges {
     std::optional<std::vector<RowId>> FindByIndex(std::size_t column, const Value& value,
                                                   std::size_t most) override;
     Inserted Insert(std::span<const Value> values) override;
+    void KeepOrder() override { keepsOrder_ = true; }
     void Update(RowId row, std::span<const FieldChange> changes) override;
     std::size_t ReplaceDate(std::size_t column, Date before, Date after) override;
     void Delete(RowId row) override;
@@ -52,10 +53,6 @@ class StoredTable final : public Table, private DeferredChanges {
 
     /// Puts the index entries that wait where they belong.
     void MakeNow() override;
-
-    /// From now on rows are added behind all others, and not where there is room: the first of
-    /// several in the file stays the first in a copy.
-    void KeepOrder() { keepsOrder_ = true; }
 
     /// One column of one row.
     Value ReadColumn(RowId row, std::size_t column) const;

@@ -65,6 +65,9 @@ class Table {
     /// is taken as it is and raises the counter where needed.
     virtual Inserted Insert(std::span<const Value> values) = 0;
 
+    /// From now on rows are added behind all others, and not where there is room.
+    virtual void KeepOrder() = 0;
+
     /// Changes columns of one row; its RowId stays.
     virtual void Update(RowId row, std::span<const FieldChange> changes) = 0;
 

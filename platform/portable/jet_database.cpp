@@ -161,8 +161,9 @@ class JetConnection : public Connection {
     }
     std::unique_ptr<RowInserter> OpenInserter(std::string_view table,
                                               std::span<const std::string_view> fields) override {
+        constexpr auto Placing = jet::Database::Placing::BehindAllOthers;
         return std::make_unique<JetRowInserter>(
-            database_, Translated([&] { return database_->OpenInserter(table, fields); }));
+            database_, Translated([&] { return database_->OpenInserter(table, fields, Placing); }));
     }
     void Update(std::string_view table, RowKey row, std::span<const FieldValue> fields) override {
         Translated(

@@ -66,6 +66,20 @@ TEST_F(DifferenceRowsTest, StandInTheOrderInWhichTheyAreFound) {
     EXPECT_EQ(library.Faults(), "");
 }
 
+/// Small rows would fit into the room that large ones have left on pages before.
+TEST_F(DifferenceRowsTest, OfManySizesKeepTheirOrderAndStay) {
+    std::vector<std::string> songs;
+    songs.reserve(300);
+    for (std::size_t i = 0; i < 300; ++i)
+        songs.push_back(std::to_string(i) + std::string(i * 37 % 200, 'x'));
+    Find(songs);
+    EXPECT_EQ(Songs(), songs);
+    Find(songs);
+    EXPECT_EQ(Written(), 0U);
+    EXPECT_EQ(Songs(), songs);
+    EXPECT_THAT(Days(), ElementsAre(Today()));
+}
+
 TEST_F(DifferenceRowsTest, OfOtherTimesAndOtherHandsGo) {
     Find({"a", "b"});
     library.Execute("INSERT INTO SpinnerID3Differences (Track) VALUES ('no time')");
