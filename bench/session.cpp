@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <ctime>
 #include <fmt/format.h>
 #include <fstream>
 #include <iostream>
@@ -62,6 +63,21 @@ std::unique_ptr<HostFolder> SettledHost(const Plan& plan, const MusicTree& music
     return host;
 }
 
+double ProcessorSeconds() {
+    return static_cast<double>(std::clock()) / CLOCKS_PER_SEC;
+}
+
+/// What the file system takes for one, wherever the program's new files are.
+double SecondsOfANewFile(Used& used) {
+    constexpr int Files = 500;
+    const auto folder = std::make_shared<outside::TemporaryFolder>();
+    used.push_back(folder);
+    const double start = ProcessorSeconds();
+    for (int i = 0; i < Files; ++i)
+        std::ofstream(folder->Path() / std::to_string(i));
+    return (ProcessorSeconds() - start) / Files;
+}
+
 void AddWalk(Series& walk, const MusicTree& music) {
     walk.seconds.push_back(music.SecondsOfWalk());
 }
@@ -82,6 +98,7 @@ class RatioStage {
 
     /// Everything once, each way behind a walk.
     void Round(Figures& figures) {
+        figures.newFile.seconds.push_back(SecondsOfANewFile(used_));
         for (const NamedWay& named : Ways) {
             AddWalk(figures.walk, music_);
             const std::shared_ptr<const HostFolder> host = HostOf(named);

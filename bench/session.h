@@ -49,6 +49,7 @@ struct SizeFigures {
 struct Figures {
     Plan plan;
     Series walk;
+    Series newFile;  ///< an empty one
     WayOfRunning fresh, unchanged;
     WayOfRunning tags;       ///< compared; the genre of each track is another in the database
     WayOfRunning equalTags;  ///< compared; all is the same
