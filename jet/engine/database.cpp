@@ -168,8 +168,9 @@ Database::AddedRow Database::Insert(std::string_view table, std::span<const Fiel
     return added;
 }
 
-std::unique_ptr<Database::Inserter> Database::OpenInserter(
-    std::string_view table, std::span<const std::string_view> fields, Placing placing) {
+std::unique_ptr<Database::Inserter> Database::OpenInserter(std::string_view table,
+                                                           std::span<const std::string_view> fields,
+                                                           Placing placing) {
     auto inserter = std::make_unique<TableInserter>(implementation_->session, table, fields);
     if (placing == Placing::BehindAllOthers) implementation_->session->Table(table).KeepOrder();
     return inserter;
