@@ -91,12 +91,12 @@ void RunRecording::Accompany(Run& run) {
     run_ = &run;
     removed_.RemoveUnfinished();
     local_.databases.OnceHeld([this] {
-        PutInterruptedWritesRight(local_, journal_->Stamp(),
-                                  [this](LogKind kind, const std::string& message) {
-                                      if (kind == LogKind::Error)
-                                          return LogError(*run_, LogSource, message);
-                                      WriteLog(*run_, LogSource, message);
-                                  });
+        const auto note = [this](LogKind kind, const std::string& message) {
+            if (kind == LogKind::Error) return LogError(*run_, LogSource, message);
+            WriteLog(*run_, LogSource, message);
+        };
+        for (const WriteLeft& left : PutInterruptedWritesRight(local_, journal_->Stamp(), note))
+            journal_->Remark(left);
     });
     if (keepsRemoved_) local_.files.OnDelete(KeepRemovedMusic(run, local_.host, removed_));
 }

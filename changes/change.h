@@ -140,6 +140,14 @@ struct LogLine {
     bool operator==(const LogLine&) const = default;
 };
 
+/// A write in place of a run that was killed: this run could not find out whether it has come to
+/// the disk as a whole.
+struct WriteLeft {
+    std::string stamp;         ///< of the run that was killed
+    std::uint64_t number = 0;  ///< of its change; 0: all of them
+    bool operator==(const WriteLeft&) const = default;
+};
+
 /// Always the last record; missing after a kill.
 struct RunEnded {
     std::string outcome;  ///< "completed", "nothing ran", "aborted", "failed"
@@ -149,11 +157,13 @@ struct RunEnded {
     /// Of rows and files of the library, so that nobody has to count them; nothing where it is not
     /// known.
     std::optional<std::uint64_t> changes = {};
+    std::uint64_t writesLeft = 0;  ///< how many `WriteLeft` there are
     bool operator==(const RunEnded&) const = default;
 };
 
-using ChangeRecord = std::variant<RunStarted, ModeChosen, PhaseStarted, RowChange, DateReplaced,
-                                  RowsSaved, FileChange, FileChangeFailed, LogLine, RunEnded>;
+using ChangeRecord =
+    std::variant<RunStarted, ModeChosen, PhaseStarted, RowChange, DateReplaced, RowsSaved,
+                 FileChange, FileChangeFailed, LogLine, WriteLeft, RunEnded>;
 
 /// Takes the records of a run as they come.
 class ChangeSink {

@@ -64,6 +64,10 @@ std::string ChangeDrive(std::string_view newDrive, std::string_view path) {
     return Replace(path, GetDrive(path), newDrive);
 }
 
+bool IsOfFileSystem(std::string_view name) {
+    return EqualIgnoringCase(name, "lost+found");
+}
+
 std::string GetBaseName(std::string_view path) {
     constexpr std::string_view Slashes = "\\/";
     path = path.substr(0, path.find_last_not_of(Slashes) + 1);

@@ -35,6 +35,10 @@ std::string ChangeDrive(std::string_view newDrive, std::string_view path);
 /// A path's last component.
 std::string_view LastName(std::string_view path);
 
+/// Whether a folder of this name is what a file system keeps for itself; only root may look into
+/// it.
+bool IsOfFileSystem(std::string_view name);
+
 /// A file's name without its folders and without its last extension; slashes of both kinds part
 /// folders, so that it serves web addresses as well.
 std::string GetBaseName(std::string_view path);

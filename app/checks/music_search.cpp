@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <string_view>
 
-#include "platform/basic_text.h"
 #include "platform/failure.h"
 #include "run/disc_folders.h"
 #include "run/paths.h"
@@ -18,11 +17,6 @@ constexpr std::size_t MostFolders = 20'000;
 /// How far below the songs' place others are looked for.
 constexpr std::size_t FurtherDown = 4;
 
-/// What a file system keeps for itself; only root may look into it.
-bool IsOfTheFileSystem(std::string_view folder) {
-    return EqualIgnoringCase(folder.substr(folder.rfind('\\') + 1), "lost+found");
-}
-
 class Search {
   public:
     Search(Files& files, std::size_t depth, bool joinsDiscs)
@@ -30,7 +24,7 @@ class Search {
 
     /// Whether a song was found where it should be.
     bool Look(const std::string& folder, std::size_t depth) try {
-        if (IsOfTheFileSystem(folder)) return false;
+        if (IsOfFileSystem(LastName(folder))) return false;
         if (++looked_ > MostFolders) {
             isWhole_ = false;
             return false;

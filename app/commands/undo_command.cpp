@@ -29,6 +29,8 @@ void ShowRefused(std::ostream& out, const std::vector<std::string>& refused) {
 }
 
 void ShowPlan(std::ostream& out, const UndoWork& work, const UndoWork::Result& plan) {
+    for (const std::string& line : work.Troubles())
+        out << OneLine(line) << "\n\n";
     out << "This would be taken back, the last run first:\n";
     for (const PastRun& run : work.Runs())
         out << OneLine(fmt::format("  {}  {}", run.started.stamp, run.started.mode)) << '\n';

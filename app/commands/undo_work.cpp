@@ -105,11 +105,11 @@ void UndoSink::Note(const ChangeRecord& record) {
 UndoWork::UndoWork(LocalHost& local, std::string_view stamp) : local_(local), stamp_(stamp) {
     // Before the journals are read, so that no run writes one meanwhile.
     OpenDatabase();
-    if (connection_) {
-        PutInterruptedWritesRight(local_, "", [this](LogKind, const std::string& message) {
+    writesLeft_ =
+        PutInterruptedWritesRight(local_, "", [this](LogKind kind, const std::string& message) {
+            if (kind == LogKind::Error) troubles_.push_back(message);
             FailureIn([&] { local_.host.WriteLog(LogSource, message); });
         });
-    }
     const auto journals = JournalsIn(ChangesFolder(local_.host.Folder()));
     std::vector<PastRun> runs;
     runs.reserve(journals.size());
@@ -256,6 +256,8 @@ UndoWork::Ended UndoWork::CarryOut() {
                             .version = std::string(ProgramVersion),
                             .mode = "undo",
                             .undoes = stamp_});
+    for (const WriteLeft& left : writesLeft_)
+        journal.Remark(left);
     Ended ended{.refused = {}, .changes = 0, .stamp = journal.Stamp()};
     sink_.PassTo(&journal);
     const auto end = [&](const char* outcome, int status) {

@@ -56,6 +56,9 @@ class UndoWork {
     const std::vector<PastRun>& Runs() const { return runs_; }
     const std::string& Stamp() const { return stamp_; }
 
+    /// Tags that interrupted runs may have damaged and that could not be put right now, in words.
+    const std::vector<std::string>& Troubles() const { return troubles_; }
+
     struct Result {
         NetChanges changes;                ///< what changes
         std::vector<std::string> refused;  ///< what stays as it is, and why
@@ -95,6 +98,8 @@ class UndoWork {
     std::vector<DateReplaced> dates_;
     std::unordered_set<std::string> heldPaths_;  ///< of rows that were changed since
     std::vector<std::string> damaged_;           ///< lines of journals, in words
+    std::vector<WriteLeft> writesLeft_;
+    std::vector<std::string> troubles_;
     UndoSink sink_;
     RowRecorder recorder_{sink_};
     std::unique_ptr<Connection> connection_;

@@ -139,6 +139,7 @@ void JournalFile::Append(const ChangeRecord& record) {
     if (const auto* const end = std::get_if<RunEnded>(&record)) {
         RunEnded counted = *end;
         counted.changes = changes_;
+        counted.writesLeft = writesLeft_;
         buffer_.append(lines_.Of(counted)) += '\n';
     } else {
         buffer_.append(lines_.Of(record)) += '\n';
@@ -148,6 +149,7 @@ void JournalFile::Append(const ChangeRecord& record) {
 
 void JournalFile::Count(const ChangeRecord& record) {
     changes_ += ChangesOfLibrary(record);
+    if (std::holds_alternative<WriteLeft>(record)) ++writesLeft_;
 }
 
 void JournalFile::Remark(const ChangeRecord& record) noexcept {

@@ -65,6 +65,7 @@ class JournalFile : public ChangeSink {
     std::uint64_t size_ = 0;        ///< of the file
     std::uint64_t room_ = 0;        ///< up to where the disk has room set aside for it
     std::uint64_t changes_ = 0;     ///< of the library
+    std::uint64_t writesLeft_ = 0;
     bool isDurable_ = true;         ///< whether all that is in the file survives a power cut
     bool isFolderDurable_ = false;  ///< likewise its name
     std::string trouble_;

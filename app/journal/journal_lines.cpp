@@ -128,6 +128,12 @@ class LineWriter {
         json_.Member("text", line.text);
         json_.Close();
     }
+    void operator()(const WriteLeft& left) {
+        Begin("left");
+        json_.Member("stamp", left.stamp);
+        json_.Member("number", left.number);
+        json_.Close();
+    }
     void operator()(const RunEnded& end) {
         Begin("end");
         json_.Member("outcome", end.outcome);
@@ -135,6 +141,7 @@ class LineWriter {
         json_.Member("braked", end.braked);
         json_.Member("milliseconds", end.duration.count());
         if (end.changes) json_.Member("changes", *end.changes);
+        if (end.writesLeft != 0) json_.Member("writesLeft", end.writesLeft);
         json_.Close();
     }
 
@@ -317,13 +324,18 @@ ChangeRecord RecordOf(const Json& json) {
                           .mode = TextAt(json, "mode"),
                           .undoes = TextAt(json, "undoes")};
     }
+    if (record == "left") {
+        return WriteLeft{.stamp = TextOf(json.at("stamp")),
+                         .number = json.at("number").get<std::uint64_t>()};
+    }
     if (record == "end") {
         return RunEnded{
             .outcome = TextOf(json.at("outcome")),
             .status = json.at("status").get<int>(),
             .braked = json.at("braked").get<bool>(),
             .duration = std::chrono::milliseconds(json.at("milliseconds").get<std::int64_t>()),
-            .changes = CountAt(json, "changes")};
+            .changes = CountAt(json, "changes"),
+            .writesLeft = json.value("writesLeft", std::uint64_t{0})};
     }
     throw DamagedLine("unknown record " + json.at("record").dump());
 }

@@ -71,6 +71,7 @@ class ReportGatherer {
     void Add(const FileChange& change);
     void Add(const FileChangeFailed& failed);
     void Add(const LogLine& line);
+    void Add(const WriteLeft&) {}
     void Add(const RunEnded& end);
 
     void EndPhase(std::chrono::milliseconds at);

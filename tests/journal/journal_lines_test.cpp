@@ -60,7 +60,8 @@ std::vector<ChangeRecord> AllRecords() {
         FileChangeFailed{4, "Permission denied: D:\\b"},
         LogLine{true, "line\nline"},
         RunEnded{"aborted", 3, true, 99ms},
-        RunEnded{"completed", 0, false, 99ms, 7},
+        WriteLeft{"2026-11-21_04-30-01", 3},
+        RunEnded{"completed", 0, false, 99ms, 7, 1},
     };
 }
 
