@@ -78,7 +78,7 @@ class FoldersThatStay {
 
 }  // namespace
 
-std::vector<FileStep> FileStepsFor(std::span<const RecordedRun> runs, const ChangeNames& taken) {
+std::vector<FileStep> FileStepsFor(std::span<const RecordedRun> runs, const TakenChanges& taken) {
     std::vector<FileStep> steps;
     for (const RecordedRun& run : runs) {
         std::unordered_set<std::uint64_t> failed;
@@ -88,12 +88,15 @@ std::vector<FileStep> FileStepsFor(std::span<const RecordedRun> runs, const Chan
             const auto* const change = std::get_if<FileChange>(&run.records[i]);
             if (change == nullptr || failed.contains(change->number) || IsOfDatedCopy(*change))
                 continue;
-            std::string name = ChangeName(run.stamp, change->number);
-            if (!taken.contains(name))
-                steps.push_back({.name = std::move(name), .change = *change});
+            steps.push_back({.name = ChangeName(run.stamp, change->number), .change = *change});
         }
     }
+    // With those that have been taken back: an undo that was cut off has seen the same.
     MarkLinked(steps);
+    std::erase_if(steps, [&](const FileStep& step) {
+        return taken.certain.contains(step.name) ||
+               (step.isLinked && taken.told.contains(step.name));
+    });
     return steps;
 }
 

@@ -25,8 +25,8 @@ struct FileStep {
 };
 
 /// The steps that take these runs, the newest first, back: in their order, without the changes that
-/// did not come off, what has been taken back, and dated copies, which stay.
-std::vector<FileStep> FileStepsFor(std::span<const RecordedRun> runs, const ChangeNames& taken);
+/// did not come off, what is known to have been taken back, and dated copies, which stay.
+std::vector<FileStep> FileStepsFor(std::span<const RecordedRun> runs, const TakenChanges& taken);
 
 struct StepOptions {
     /// Told of a step before it.

@@ -133,8 +133,9 @@ std::string ChangeName(std::string_view stamp, std::uint64_t number) {
     return std::string(stamp) + '#' + std::to_string(number);
 }
 
-ChangeNames TakenBack(std::span<const RecordedRun> undos) {
-    ChangeNames taken, unsure;
+TakenChanges TakenBack(std::span<const RecordedRun> undos) {
+    TakenChanges taken;
+    ChangeNames unsure;
     Reached reached;
     for (const RecordedRun& undo : undos) {
         const auto failed = FailedChanges(undo.records);
@@ -149,11 +150,15 @@ ChangeNames TakenBack(std::span<const RecordedRun> undos) {
             if (unsure.contains(name)) unsure.insert(back);
             reached.Note(back);
             // What a later undo has taken back is not taken back any more.
-            if (!failed.contains(change->number) && !taken.contains(name)) taken.insert(back);
+            const bool isTakenItself = taken.certain.contains(name) || taken.told.contains(name);
+            if (failed.contains(change->number) || isTakenItself) continue;
+            (undo.isWhole ? taken.certain : taken.told).insert(back);
         }
     }
-    for (const std::string& name : unsure)
-        taken.erase(name);
+    for (const std::string& name : unsure) {
+        taken.certain.erase(name);
+        taken.told.erase(name);
+    }
     return taken;
 }
 

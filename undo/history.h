@@ -63,7 +63,7 @@ class History {
 struct RecordedRun {
     std::string stamp;
     std::vector<ChangeRecord> records;
-    bool isWhole = true;  ///< it came to its end: the last change did, too
+    bool isWhole = true;  ///< it came to its end: all of it is on the disk
 };
 
 /// Names a change of a file: as in `FileChange::takesBack`.
@@ -71,8 +71,15 @@ std::string ChangeName(std::string_view stamp, std::uint64_t number);
 
 using ChangeNames = std::unordered_set<std::string>;
 
-/// The changes of files that have been taken back for certain, and are so still. Undos, the newest
-/// first.
-ChangeNames TakenBack(std::span<const RecordedRun> undos);
+/// Changes of files that have been taken back, and are so still.
+struct TakenChanges {
+    ChangeNames certain;
+    /// Told by undos that were cut off. A power cut may have lost some that were not waited for, so
+    /// these count only where a look at the disk does not tell.
+    ChangeNames told;
+};
+
+/// Undos, the newest first.
+TakenChanges TakenBack(std::span<const RecordedRun> undos);
 
 }  // namespace quillon

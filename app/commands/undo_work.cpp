@@ -277,9 +277,10 @@ UndoWork::Ended UndoWork::CarryOut() {
         rowUndo_.reset();
         connection_.reset();
         // What the journal says is done must not be lost in a power cut: nobody would go on.
-        local_.files.SyncContents();
+        local_.files.SyncChanges();
     } catch (const std::exception& error) {
-        end("failed", RefusedStatus);
+        // Without its end a journal says that one has to look.
+        if (FailureIn([&] { local_.files.SyncChanges(); }).empty()) end("failed", RefusedStatus);
         sink_.PassTo(nullptr);
         throw CommandError(fmt::format("The undo was stopped: {}. Started again, it goes on",
                                        WithoutPeriod(DescriptionOf(error))));
@@ -327,7 +328,7 @@ void UndoWork::PutFilesBack(Files& files, const std::string& keeping, const Atte
         {.beginning =
              [&](const FileStep& step) {
                  // Who goes on after a power cut trusts the journal that it has happened.
-                 if (step_ != nullptr && step_->isLinked) local_.files.SyncContents();
+                 if (step_ != nullptr && step_->isLinked) local_.files.SyncChanges();
                  step_ = &step;
                  sink_.Begin(step);
              },

@@ -77,6 +77,13 @@ void Unlink(const std::string& local, const std::string& shown) {
         throw SystemFailure(error, shown, FailureNumber::FileNotFound);
 }
 
+/// Stands for all files of a file system.
+FileIdentity FileSystemOf(const FileHandle& file) {
+    FileIdentity identity = file.Facts().identity;
+    identity.number = 0;
+    return identity;
+}
+
 }  // namespace
 
 bool PortableFiles::Exists(std::string_view path, LocalKind kind) {
@@ -155,6 +162,7 @@ void PortableFiles::CreateFolder(std::string_view path) {
     const WindowsPath parsed = ParseWindowsPath(path);
     const std::string local = resolver_.Local(parsed);
     if (const int error = MakeFolder(local); error != 0) throw SystemFailure(error, parsed.Text());
+    NoteRenamed(local);
     resolver_.Index().Added(local);
 }
 
@@ -249,6 +257,7 @@ void PortableFiles::DeleteFile(std::string_view path) {
     if (!MayWrite(local)) throw SystemFailure(errno, shown);
     if (!takeOver_ || !takeOver_(local, AsItIs(parsed, SpellingOnDisk(local))))
         Unlink(local, shown);
+    NoteRenamed(local);
     resolver_.Index().Removed(local);
 }
 
@@ -265,6 +274,7 @@ void PortableFiles::DeleteFolder(std::string_view path) {
     // It says nothing of a folder that turned out to be unreadable in the middle.
     if (error == 0 && FactsOfLink(local)) error = ENOTEMPTY;
     if (error != 0) throw SystemFailure(error, parsed.Text());
+    NoteRenamed(local);
     resolver_.Index().Removed(local);
 }
 
@@ -273,6 +283,7 @@ void PortableFiles::Discard(std::string_view path) {
     const std::string local = resolver_.Local(parsed);
     if (const int error = RemoveEntry(local); error != 0)
         throw SystemFailure(error, parsed.Text(), FailureNumber::FileNotFound);
+    NoteRenamed(local);
     resolver_.Index().Removed(local);
 }
 
@@ -305,6 +316,8 @@ void PortableFiles::MoveFile(std::string_view from, std::string_view to) {
             throw SystemFailure(error, target.Text());
         }
     }
+    NoteRenamed(oldPath);
+    NoteRenamed(newPath);
     resolver_.Index().Removed(oldPath);
     resolver_.Index().Added(newPath);
 }
@@ -319,6 +332,8 @@ void PortableFiles::MoveFolder(std::string_view from, std::string_view to) {
     if (FactsOf(newPath)) throw Failure(FailureNumber::FileAlreadyExists, target.Text());
     const int error = RenameToFreeName(oldPath, newPath);
     if (error != 0) throw SystemFailure(error, target.Text());
+    NoteRenamed(oldPath);
+    NoteRenamed(newPath);
     resolver_.Index().Removed(oldPath);
     lister_.ForgetListed();
     resolver_.Index().Added(newPath);
@@ -368,12 +383,12 @@ void PortableFiles::WriteEnd(std::string_view path, const FileEnd& seen, std::ui
 }
 
 void PortableFiles::NoteWrittenOver(const FileHandle& file, std::string local) {
-    FileIdentity identity = file.Facts().identity;
-    if (FlushTakesAll()) identity.number = 0;
-    writtenOver_[identity] = std::move(local);
+    writtenOver_[FlushTakesAll() ? FileSystemOf(file) : file.Facts().identity] = std::move(local);
 }
 
-void PortableFiles::SyncContents() {
+void PortableFiles::SyncChanges() {
+    SyncNames();
+    std::set<FileIdentity> flushed;
     while (!writtenOver_.empty()) {
         const std::string local = writtenOver_.extract(writtenOver_.begin()).mapped();
         int descriptor = OpenLocal(local, FileUse::ReadAndWrite);
@@ -383,7 +398,26 @@ void PortableFiles::SyncContents() {
         const FileHandle file(descriptor, local);
         const int error = FlushTakesAll() ? file.FlushAll() : file.Flush();
         if (error != 0) throw SystemFailure(error, local);
+        flushed.insert(FileSystemOf(file));
     }
+    while (!renamedIn_.empty()) {
+        const std::string folder = renamedIn_.extract(renamedIn_.begin()).value();
+        if (FlushTakesAll())
+            FlushAllOf(folder, flushed);
+        else
+            SyncFolder(folder);
+    }
+}
+
+/// One flush serves all folders of a file system.
+void PortableFiles::FlushAllOf(const std::string& folder, std::set<FileIdentity>& flushed) {
+    const int descriptor = OpenLocal(folder, FileUse::Read);
+    // A folder that is gone has been noted where it was.
+    if (descriptor < 0 && (errno == ENOENT || errno == ENOTDIR)) return;
+    if (descriptor < 0) throw SystemFailure(errno, folder);
+    const FileHandle handle(descriptor, folder);
+    if (!flushed.insert(FileSystemOf(handle)).second) return;
+    if (const int error = handle.FlushAll(); error != 0) throw SystemFailure(error, folder);
 }
 
 void PortableFiles::ReplaceBytes(std::string_view path, const FilePiece& seen,

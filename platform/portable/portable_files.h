@@ -3,6 +3,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <string_view>
 #include <unordered_set>
@@ -43,9 +44,10 @@ class PortableFiles : public Files {
     void LetNamesWait() { namesMayWait_ = true; }
     void SyncNames();
 
-    /// Waits until all that WriteEnd() and ReplaceBytes() have written over other bytes is on the
-    /// disk: before, a power cut may leave the old ones. Throws Failure.
-    void SyncContents();
+    /// Waits until all that has been changed is on the disk: before, a power cut may leave the old
+    /// bytes where WriteEnd() and ReplaceBytes() have written over them, and old names. Throws
+    /// Failure.
+    void SyncChanges();
 
     /// When a file was last modified, in nanoseconds since 1970 (UTC); 0 where there is none. Both
     /// throw Failure.
@@ -99,6 +101,9 @@ class PortableFiles : public Files {
     /// Whether something of this kind has the path.
     bool Exists(std::string_view path, LocalKind kind);
     void NoteWrittenOver(const FileHandle& file, std::string local);
+    /// A file or folder of this local path has got the name, or has it no more.
+    void NoteRenamed(const std::string& local) { renamedIn_.insert(FolderOf(local)); }
+    void FlushAllOf(const std::string& folder, std::set<FileIdentity>& flushed);
 
     PathResolver& resolver_;
     FolderLister lister_;
@@ -110,6 +115,7 @@ class PortableFiles : public Files {
     /// enough where a flush takes all others along.
     std::map<FileIdentity, std::string> writtenOver_;
     std::unordered_set<std::string> waitingNames_;  ///< local paths of the folders that have them
+    std::unordered_set<std::string> renamedIn_;     ///< the same of names that may not be there yet
 };
 
 }  // namespace quillon
