@@ -115,6 +115,13 @@ std::filesystem::path RunRecording::Path() const {
 }
 
 void RunRecording::End(const RunSummary& summary, std::chrono::milliseconds duration) {
+    try {
+        // What the journal says is done must not be lost in a power cut: nobody would look again.
+        local_.files.SyncChanges();
+    } catch (const Failure& failure) {
+        // Without its end the next run looks.
+        return LogQuietly(local_.host, failure.what());
+    }
     journal_->Remark(RunEnded{.outcome = OutcomeWord(summary),
                               .status = ExitStatus(summary),
                               .braked = summary.braked,

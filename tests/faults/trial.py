@@ -11,6 +11,7 @@ from library import Library
 from looking import Sight, differences, faults_of, shown
 from rules import Breach
 from stage import Failed
+from waiting import not_waited_for
 
 # The time that runs are told: a minute for each, in UTC.
 FIRST_TIME, BETWEEN = 1935846000, 60
@@ -92,6 +93,8 @@ class Workshop:
         """A mode that does nothing would prove nothing."""
         if self.preload and not baseline.calls:
             raise Failed(f"{baseline.mode}: the preloaded library counted no call")
+        if self.preload and (call := not_waited_for(baseline.calls)) is not None:
+            raise Failed(f"{baseline.mode}: a run has ended before this is on the disk: {call}")
         first, *_, last = baseline.undisturbed
         if baseline.mode != "m3u-to-pla" and not differences(baseline.before, first):
             raise Failed(f"{baseline.mode}: a run changes nothing")

@@ -10,11 +10,9 @@ or lets the disk be full from there on, and starts it again: then all is as it w
   --preload FILE   the preloaded library (default: beside the program's build)
 """
 
-import re
 import shutil
 import sys
 from collections import Counter
-from pathlib import Path
 
 import modes
 import points
@@ -22,6 +20,7 @@ from library import temporary_folder
 from looking import digest, faults_of, files_of, shown, songs_at, tables_of
 from options import Options
 from stage import Failed
+from waiting import not_waited_for
 from trial import environment
 
 MODES = ("reconcile", "reconcile-tags", "add-files", "id3-write", "id3-write-both", "album-picker",
@@ -30,28 +29,6 @@ ACTIONS = ("kill", "torn", "cut", "full")
 STARTED_AGAIN = 2
 REFUSED = 2
 SEED = "the same each time"
-
-
-RENAMING = ("rename", "renameat", "renameat2", "link", "linkat", "unlink", "unlinkat", "remove")
-OF_THE_PROGRAM = ("host/jukebox", "host/Changes/", "host/host.log")
-
-
-def name_not_waited_for(calls):
-    """The last call that gave or took a name which may not be on the disk when the journal says that
-    the undo is done, None where there is none."""
-    ends = [call.number for call in calls if call.kind == "changing" and call.name == "write"
-            and re.fullmatch(r"host/Changes/[^/]*\.jsonl", call.path)]
-    waiting = {}
-    for call in calls:
-        if call.kind != "changing" or call.number > ends[-1]:
-            continue
-        if call.name == "syncfs":
-            waiting.clear()
-        elif call.name == "fsync":
-            waiting.pop(call.path, None)
-        elif call.name in RENAMING and not call.path.startswith(OF_THE_PROGRAM):
-            waiting[str(Path(call.path.split(" -> ")[-1]).parent)] = call
-    return next(iter(waiting.values()), None)
 
 
 def time_of(path):
@@ -122,9 +99,8 @@ class Workshop:
         if status != 0 or left:
             raise Failed(f"an undo that nothing disturbs: {status}: {left}\n{output}{errors}")
         calls = points.calls_in(record, library.folder)
-        if (call := name_not_waited_for(calls)) is not None:
-            raise Failed(f"the journal says that it is done before {call.name} of {call.path} is "
-                         "on the disk")
+        if (call := not_waited_for(calls)) is not None:
+            raise Failed(f"an undo has ended before this is on the disk: {call}")
         shutil.rmtree(library.folder)
         return calls
 
