@@ -37,10 +37,13 @@ std::string ModeOf(const Run& run) {
     return mode == nullptr ? "" : std::string(mode->what);
 }
 
+bool IsMode(const Mode* mode, bool Settings::* setting) {
+    return mode != nullptr && mode->setting == setting;
+}
+
 /// What the journal counts as it has it, so that summary, report and journal agree. Only the run
-/// knows what it looked at and left as it was, what tags and stored paths have become of, and what
-/// the download table was short of.
-RunCounts CountsOf(const RunCounts& run, ReportGatherer& journal) {
+/// knows what it looked at and left as it was.
+RunCounts CountsOf(const RunCounts& run, const Mode* mode, ReportGatherer& journal) {
     RunCounts counts = run;
     const auto take = [&journal](std::size_t& count, DeedKind kind) {
         count = journal.CountOf(kind);
@@ -62,6 +65,12 @@ RunCounts CountsOf(const RunCounts& run, ReportGatherer& journal) {
     counts.imagesAdded = journal.Covers().added;
     counts.imagesChanged = journal.Covers().changed;
     counts.imagesRemoved = journal.Covers().removed;
+    counts.songsAdded = journal.Stored().songsAdded;
+    counts.artistsAdded = journal.Stored().artistsAdded;
+    // Other modes change paths and values for other reasons, which they tell of.
+    counts.rowsRepointed = IsMode(mode, &Settings::MakeRemote) ? journal.Stored().pathsChanged : 0;
+    counts.tagValuesStored =
+        IsMode(mode, &Settings::ID3Update) ? journal.Stored().valuesChanged : 0;
     const auto unchanged = [](std::size_t seen, std::size_t changed) {
         return seen - std::min(seen, changed);
     };
@@ -72,10 +81,11 @@ RunCounts CountsOf(const RunCounts& run, ReportGatherer& journal) {
     return counts;
 }
 
-RunSummary SummaryOf(RunOutcome outcome, const RunReport& report, ReportGatherer& journal,
+RunSummary SummaryOf(RunOutcome outcome, const Run& run, ReportGatherer& journal,
                      const RunRecording& recording, std::chrono::milliseconds elapsed) {
+    const RunReport report = run.Report();
     return {outcome,
-            CountsOf(report.counts, journal),
+            CountsOf(report.counts, SelectMode(run.settings), journal),
             elapsed,
             report.gone,
             report.saved,
@@ -162,8 +172,7 @@ int RunLibrary(const RunRequest& request) {
     run.ForgetTables();
     run.connection.reset();
     if (recording.HasStopped()) recording.LogThatItStopped();
-    const RunSummary summary =
-        SummaryOf(outcome, run.Report(), gatherer, recording, shown.Elapsed());
+    const RunSummary summary = SummaryOf(outcome, run, gatherer, recording, shown.Elapsed());
     shown.Summarize(summary);
     recording.End(summary, shown.Elapsed());
     Report(run, local, recording, gatherer, facts);

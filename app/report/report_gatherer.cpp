@@ -195,6 +195,7 @@ bool ReportGatherer::IsSeen(const RowChange& row, std::optional<std::int64_t> id
 
 void ReportGatherer::Add(const RowChange& row) {
     if (!IsOfLibrary(row)) return;
+    stored_.Note(row);
     const std::optional<DeedKind> kind = KindOf(row);
     if (!kind) return AddOtherRow(row.table);
     if (IsNamed(row.table, "Albums")) covers_.Note(row);

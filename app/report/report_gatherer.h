@@ -16,6 +16,7 @@
 
 #include "app/report/cover_counts.h"
 #include "app/report/report_content.h"
+#include "app/report/stored_counts.h"
 #include "changes/change.h"
 
 namespace quillon {
@@ -47,6 +48,8 @@ class ReportGatherer {
     std::size_t CountOf(DeedKind kind);
     /// Likewise of albums' images.
     const CoverCounts::Numbers& Covers() const { return savedCovers_; }
+    /// Likewise of what else a summary tells of rows.
+    const StoredCounts::Numbers& Stored() const { return savedValues_; }
 
     /// To be called once, when all records have been told.
     ReportContent Finish();
@@ -67,6 +70,7 @@ class ReportGatherer {
     void Add(const RowsSaved&) {
         savedRows_ = rows_;
         savedCovers_ = covers_.Current();
+        savedValues_ = stored_.Current();
     }
     void Add(const FileChange& change);
     void Add(const FileChangeFailed& failed);
@@ -104,6 +108,8 @@ class ReportGatherer {
     std::array<std::size_t, DeedKinds> rows_{}, savedRows_{};  ///< how many of each kind
     CoverCounts covers_;
     CoverCounts::Numbers savedCovers_;
+    StoredCounts stored_;
+    StoredCounts::Numbers savedValues_;
     std::array<RowNumbers, 4> seenIds_;  ///< albums, albums removed, tracks, tracks removed
     std::unordered_set<std::uint64_t> seenRows_, seenFiles_;  ///< hashes
     std::map<std::string, std::string> onTheWay_;  ///< names in the middle of a rename: from where
