@@ -157,22 +157,6 @@ std::string NameOf(const RowChange& change, const ChangeTextOptions& options) {
     return name;
 }
 
-/// The rows of a table, as people call them.
-std::string ThingsOf(std::string_view inTable) {
-    struct Things {
-        std::string_view table, name;
-    };
-    constexpr std::array<Things, 6> Known{
-        {{"Albums", "Albums"},
-         {"Tracks", "Tracks"},
-         {"Spinner", "Songs of the download table"},
-         {"SpinnerArtist", "Artists of the download table"},
-         {"SpinnerID3Differences", "Differences between tags and database"},
-         {"Playlists", "Entries for generated playlists"}}};
-    const auto* const found = std::ranges::find(Known, inTable, &Things::table);
-    return found == Known.end() ? "Rows of " + std::string(inTable) : std::string(found->name);
-}
-
 /// The target in full only where it is in another folder.
 std::string FromTo(const std::string& path, const std::string& target) {
     const std::string_view folder = ParentFolder(path);
@@ -318,6 +302,21 @@ void AddFile(Groups& groups, const FileChange& change, std::size_t most) {
 }
 
 }  // namespace
+
+std::string ThingsOf(std::string_view inTable) {
+    struct Things {
+        std::string_view table, name;
+    };
+    constexpr std::array<Things, 6> Known{
+        {{"Albums", "Albums"},
+         {"Tracks", "Tracks"},
+         {"Spinner", "Songs of the download table"},
+         {"SpinnerArtist", "Artists of the download table"},
+         {"SpinnerID3Differences", "Differences between tags and database"},
+         {"Playlists", "Entries for generated playlists"}}};
+    const auto* const found = std::ranges::find(Known, inTable, &Things::table);
+    return found == Known.end() ? "Rows of " + std::string(inTable) : std::string(found->name);
+}
 
 std::string ChangeText(const NetChanges& changes, const ChangeTextOptions& options) {
     Groups groups(options.most);

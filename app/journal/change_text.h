@@ -24,6 +24,9 @@ struct ChangeTextOptions {
 /// or speak to the terminal. "" for no changes.
 std::string ChangeText(const NetChanges& changes, const ChangeTextOptions& options = {});
 
+/// The rows of a table, as people call them: "Songs of the download table".
+std::string ThingsOf(std::string_view inTable);
+
 /// The log's records, errors marked with "!"; "" for none.
 std::string LogText(std::span<const ChangeRecord> records, const ChangeTextOptions& options = {});
 

@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "app/journal/journal_reader.h"
-#include "app/journal/net_changes.h"
 #include "platform/failure.h"
 #include "platform/portable/system_failure.h"
 #include "platform/stamp.h"
@@ -138,7 +137,7 @@ void JournalFile::Append(const ChangeRecord& record) {
     Count(record);
     if (const auto* const end = std::get_if<RunEnded>(&record)) {
         RunEnded counted = *end;
-        counted.changes = changes_;
+        counted.changes = Changes();
         counted.writesLeft = writesLeft_;
         buffer_.append(lines_.Of(counted)) += '\n';
     } else {
@@ -148,7 +147,7 @@ void JournalFile::Append(const ChangeRecord& record) {
 }
 
 void JournalFile::Count(const ChangeRecord& record) {
-    changes_ += ChangesOfLibrary(record);
+    changes_.Add(record);
     if (std::holds_alternative<WriteLeft>(record)) ++writesLeft_;
 }
 

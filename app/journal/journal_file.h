@@ -9,6 +9,7 @@
 
 #include "app/journal/journal_lines.h"
 #include "app/journal/journal_place.h"
+#include "app/journal/net_changes.h"
 #include "changes/change.h"
 #include "platform/clock.h"
 #include "platform/portable/file_handle.h"
@@ -42,7 +43,7 @@ class JournalFile : public ChangeSink {
     void Remark(const ChangeRecord& record) noexcept;
 
     /// How many changes of the library it holds.
-    std::uint64_t Changes() const { return changes_; }
+    std::uint64_t Changes() const { return changes_.Value(); }
 
     /// Why it has refused something; "" as long as all is well.
     const std::string& Trouble() const { return trouble_; }
@@ -61,10 +62,10 @@ class JournalFile : public ChangeSink {
     std::string stamp_;
     FileHandle file_;
     JournalLines lines_;
-    std::string buffer_;            ///< whole lines that are not in the file yet
-    std::uint64_t size_ = 0;        ///< of the file
-    std::uint64_t room_ = 0;        ///< up to where the disk has room set aside for it
-    std::uint64_t changes_ = 0;     ///< of the library
+    std::string buffer_;      ///< whole lines that are not in the file yet
+    std::uint64_t size_ = 0;  ///< of the file
+    std::uint64_t room_ = 0;  ///< up to where the disk has room set aside for it
+    ChangeCount changes_;
     std::uint64_t writesLeft_ = 0;
     bool isDurable_ = true;         ///< whether all that is in the file survives a power cut
     bool isFolderDurable_ = false;  ///< likewise its name

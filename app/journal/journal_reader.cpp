@@ -123,6 +123,7 @@ void VisitRecords(const fs::path& file, const std::function<void(const ChangeRec
 
 PastRun LookAtJournal(const fs::path& file) {
     PastRun run;
+    ChangeCount changes;
     run.started.stamp = file.stem().string();
     std::optional<RunEnded> end = EndOfRun(file);
     // Then all of it has to be read to know how many there are.
@@ -135,13 +136,12 @@ PastRun LookAtJournal(const fs::path& file) {
                               std::holds_alternative<FileChange>(*record);
         // Nothing behind the mode says more of the run, but its end; dated copies come before it.
         if (end && isChange && !run.started.mode.empty()) return false;
-        run.changes += ChangesOfLibrary(*record);
+        changes.Add(*record);
         std::visit(Facts{run}, *record);
         return true;
     });
-    if (!end) return run;
-    run.ended = end;
-    run.changes = *end->changes;
+    run.changes = end ? *end->changes : changes.Value();
+    if (end) run.ended = end;
     return run;
 }
 

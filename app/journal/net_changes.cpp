@@ -19,10 +19,6 @@ using FileKind = FileChange::Kind;
 
 constexpr std::string_view DifferenceTable = "SpinnerID3Differences";
 
-bool IsTableOfLibrary(std::string_view table) {
-    return !EqualIgnoringCase(table, DifferenceTable);
-}
-
 /// Without what failed, and without what the run itself took back.
 std::vector<FileChange> FilesTogether(std::vector<FileChange>&& changes,
                                       const std::unordered_set<std::uint64_t>& failed) {
@@ -104,8 +100,8 @@ NetChanges NetChangesOf(std::span<const ChangeRecord> records) {
     return collector.Take();
 }
 
-bool IsOfLibrary(const RowChange& change) {
-    return IsTableOfLibrary(change.table);
+bool IsOfDifferences(std::string_view table) {
+    return EqualIgnoringCase(table, DifferenceTable);
 }
 
 bool IsOfLibrary(const FileChange& change) {
@@ -120,20 +116,22 @@ bool IsOfLibrary(const FileChange& change) {
     return !isData && !path.ends_with("\\quillonreconcile.csv");
 }
 
-std::uint64_t ChangesOfLibrary(const ChangeRecord& record) {
-    if (const auto* const row = std::get_if<RowChange>(&record))
-        return std::uint64_t{IsOfLibrary(*row)};
-    if (const auto* const file = std::get_if<FileChange>(&record))
-        return std::uint64_t{IsOfLibrary(*file)};
-    const auto* const date = std::get_if<DateReplaced>(&record);
-    return date != nullptr && IsTableOfLibrary(date->table) ? date->rows : 0;
+void ChangeCount::Add(const ChangeRecord& record) {
+    if (const auto* const row = std::get_if<RowChange>(&record)) {
+        const bool isDifference = IsOfDifferences(row->table);
+        hasDifferences_ = hasDifferences_ || isDifference;
+        others_ += std::uint64_t{!isDifference};
+    } else if (const auto* const file = std::get_if<FileChange>(&record)) {
+        others_ += std::uint64_t{IsOfLibrary(*file)};
+    } else if (const auto* const date = std::get_if<DateReplaced>(&record)) {
+        others_ += IsOfDifferences(date->table) ? 0 : date->rows;
+    }
 }
 
 bool ChangesLibrary(const NetChanges& changes) {
-    const auto isOfLibrary = [](const auto& change) { return IsOfLibrary(change); };
-    return std::ranges::any_of(changes.rows, isOfLibrary) ||
-           std::ranges::any_of(changes.furtherRows, IsTableOfLibrary, &CountOfRows::table) ||
-           std::ranges::any_of(changes.files, isOfLibrary);
+    return !changes.rows.empty() || !changes.furtherRows.empty() ||
+           std::ranges::any_of(changes.files,
+                               [](const FileChange& change) { return IsOfLibrary(change); });
 }
 
 }  // namespace quillon

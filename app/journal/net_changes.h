@@ -68,14 +68,24 @@ NetChanges NetChangesOf(std::span<const ChangeRecord> records);
 /// another date it is still the same row.
 std::string_view DateOfRowIn(std::string_view table);
 
-/// Whether it concerns the library. The dated copies that a run makes first, what it notes
-/// for itself, and the list of differences between tags and database, which each run writes anew,
-/// do not.
-bool IsOfLibrary(const RowChange& change);
+/// Whether it concerns the library. The dated copies that a run makes first and what it notes for
+/// itself do not.
 bool IsOfLibrary(const FileChange& change);
 
-/// How many changes of the library a record is; 0 for most kinds.
-std::uint64_t ChangesOfLibrary(const ChangeRecord& record);
+/// Whether the table is the list of differences between tags and database.
+bool IsOfDifferences(std::string_view table);
+
+/// Counts changes of the library. The list of differences, of which a run may write all rows anew
+/// for one that is new, counts once where it is another one; dates that its rows get do not count.
+class ChangeCount {
+  public:
+    void Add(const ChangeRecord& record);
+    std::uint64_t Value() const { return others_ + (hasDifferences_ ? 1 : 0); }
+
+  private:
+    std::uint64_t others_ = 0;
+    bool hasDifferences_ = false;
+};
 
 /// Whether anything of the library is different.
 bool ChangesLibrary(const NetChanges& changes);

@@ -194,7 +194,10 @@ bool ReportGatherer::IsSeen(const RowChange& row, std::optional<std::int64_t> id
 }
 
 void ReportGatherer::Add(const RowChange& row) {
-    if (!IsOfLibrary(row)) return;
+    if (IsOfDifferences(row.table)) {
+        if (!std::exchange(hasDifferences_, true)) AddOtherRow(row.table);
+        return;
+    }
     stored_.Note(row);
     const std::optional<DeedKind> kind = KindOf(row);
     if (!kind) return AddOtherRow(row.table);
@@ -211,7 +214,7 @@ void ReportGatherer::Add(const RowChange& row) {
 }
 
 void ReportGatherer::Add(const DateReplaced& date) {
-    if (ChangesOfLibrary(date) != 0) AddOtherRow(date.table);
+    if (!IsOfDifferences(date.table)) AddOtherRow(date.table);
 }
 
 void ReportGatherer::TellUnnamed(const Unnamed& unnamed) {

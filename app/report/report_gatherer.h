@@ -108,6 +108,7 @@ class ReportGatherer {
     std::array<std::size_t, DeedKinds> rows_{}, savedRows_{};  ///< how many of each kind
     CoverCounts covers_;
     CoverCounts::Numbers savedCovers_;
+    bool hasDifferences_ = false;  ///< whether the list of differences has become another one
     StoredCounts stored_;
     StoredCounts::Numbers savedValues_;
     std::array<RowNumbers, 4> seenIds_;  ///< albums, albums removed, tracks, tracks removed

@@ -7,6 +7,7 @@
 #include <iterator>
 #include <string_view>
 
+#include "app/journal/change_text.h"
 #include "app/report/report_style.h"
 #include "app/text/display_text.h"
 #include "picker/html.h"
@@ -277,7 +278,7 @@ void Page::Others() {
         if (areTables) {
             Put("<ul class=\"list\">\n");
             for (const DeedList::Deed& table : list.first)
-                Put("<li>Table {}</li>\n", HtmlText(table.what));
+                Put("<li>{}</li>\n", HtmlText(ThingsOf(table.what)));
             Put("</ul>\n");
         } else {
             List(list, Words.at(kind));

@@ -19,6 +19,7 @@ namespace quillon {
 namespace {
 
 using std::chrono::milliseconds;
+using ::testing::AllOf;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
@@ -205,14 +206,25 @@ TEST_F(Report, NamesCommandsThatAShellTakesAsTheyAre) {
 }
 
 TEST_F(Report, IsNotMadeForWhatIsNoChangeOfTheLibrary) {
-    Add(RowChange{.kind = RowChange::Kind::Added,
-                  .table = "SpinnerID3Differences",
-                  .key = {{"Field", "Song"}},
-                  .fields = {{"Field", Null{}, "Song"}}});
+    Add(DateReplaced{"SpinnerID3Differences", "UpdateTime", {1}, {2}, 12});
     Add(FileChange{.kind = FileChange::Kind::Written,
                    .path = R"(H:\Data\Quillon\QuillonReconcile.csv)"});
     End();
     EXPECT_FALSE(Content().HasChanges());
+}
+
+/// All its rows may have been written anew for one that is new.
+TEST_F(Report, TellsOnceThatTheListOfDifferencesIsAnotherOne) {
+    for (const char* const field : {"Song", "Genre"}) {
+        Add(RowChange{.kind = RowChange::Kind::Added,
+                      .table = "SpinnerID3Differences",
+                      .key = {{"Field", field}},
+                      .fields = {}});
+    }
+    End();
+    EXPECT_TRUE(Content().HasChanges());
+    EXPECT_THAT(Page(), AllOf(HasSubstr("1 row of another table"),
+                              HasSubstr("<li>Differences between tags and database</li>")));
 }
 
 TEST_F(Report, AsksForTheNameOfARowThatItsRecordDoesNotHave) {

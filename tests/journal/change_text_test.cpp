@@ -222,17 +222,39 @@ TEST(NetChanges, PutsTheChangesOfARowTogether) {
     EXPECT_EQ(rows[2], Row(RowKind::Changed, "Tracks", 4, {{"Title", "gone", "back"}}));
 }
 
-TEST(NetChanges, BackupsAndTheListOfDifferencesAreNoChangeOfTheLibrary) {
+std::uint64_t CountOf(const std::vector<ChangeRecord>& records) {
+    ChangeCount count;
+    for (const ChangeRecord& record : records)
+        count.Add(record);
+    return count.Value();
+}
+
+TEST(NetChanges, BackupsAndDatesOfDifferencesAreNoChangeOfTheLibrary) {
     FileChange same = File(FileKind::Written, R"(D:\Lists\a.pla)");
     same.before = same.after = Content("the same");
     const std::vector<ChangeRecord> records{
         File(FileKind::Copied, R"(D:\x.mdb)", R"(D:\x.mdb_Copy Dated_11222026_52233_PM_)"),
         File(FileKind::FolderCopied, R"(D:\Lists)", R"(D:\Lists_Copy Dated_1_)"),
-        Row(RowKind::Added, "SpinnerID3Differences", 1, {{"Field", Null{}, "Song"}}),
+        DateReplaced{"SpinnerID3Differences", "UpdateTime", {1}, {2}, 12},
         File(FileKind::Written, R"(H:\data\Quillon\QuillonReconcile.csv)"), same};
     EXPECT_FALSE(ChangesLibrary(NetChangesOf(records)));
+    EXPECT_EQ(CountOf(records), 0U);
     EXPECT_TRUE(
         ChangesLibrary(NetChangesOf(std::vector<ChangeRecord>{File(FileKind::Copied, "a", "b")})));
+}
+
+/// All its rows may be written anew for one that is new.
+TEST(ChangeCount, CountsTheListOfDifferencesOnce) {
+    const auto difference = [](RowKind kind, std::int64_t row) {
+        return Row(kind, "SpinnerID3Differences", row, {{"Field", "Song", "Genre"}});
+    };
+    const std::vector<ChangeRecord> records{
+        difference(RowKind::Removed, 1), difference(RowKind::Added, 2),
+        difference(RowKind::Added, 3),
+        Row(RowKind::Changed, "Tracks", 2, {{"Track", Number(1), Number(2)}}),
+        DateReplaced{"Other", "Time", {1}, {2}, 12}};
+    EXPECT_EQ(CountOf(records), 14U);
+    EXPECT_TRUE(ChangesLibrary(NetChangesOf(std::span(records).first(1))));
 }
 
 TEST(LogText, MarksErrors) {
