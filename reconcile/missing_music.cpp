@@ -74,6 +74,15 @@ void TellWhatIsGone(Run& run, const MissingMusic& missing, bool albumsAreGone) {
     }
 }
 
+/// Whether the comparison of tags has found its file where the walk does not come: in folders below
+/// a library in the flat layout, say. Such a track waits with its album; where nothing waits, it
+/// keeps the number from its tag, as ever.
+bool IsPassedBy(const Walk& walk, const TrackRow& track) {
+    if (!track.tagNumber) return false;
+    const AlbumRow* const album = walk.library.AlbumOf(track);
+    return album != nullptr && album->count.Value() == 0;
+}
+
 }  // namespace
 
 std::string NameOf(const AlbumRow& album) {
@@ -103,6 +112,7 @@ MissingMusic FindMissingMusic(Walk& walk) {
     for (TrackRow& track : walk.library.Tracks()) {
         if (track.isGone || !track.isOwn) continue;
         ++owned;
+        if (walk.waiting && IsPassedBy(walk, track)) track.number.Mark();
         if (track.number.Value() == 0)
             missing.tracks.push_back({&track, walk.library.AlbumOf(track)});
     }

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "reconcile/refresh_database.h"
 #include "tests/support/test_library.h"
 
 namespace quillon {
@@ -16,6 +17,9 @@ RawTag OfAlbum(const std::string& album) {
     tag.album = album;
     return tag;
 }
+
+/// What AddFiles has put into a folder.
+constexpr const char* Added = R"(D:\Music\Birch\Two\n.mp3)";
 
 class FlatLayoutTest : public ::testing::Test {
   protected:
@@ -122,6 +126,41 @@ TEST_F(FlatLayoutTest, KeepsAllRowsOfAFolderThatCannotBeListed) {
                                               R"(Permission denied: D:\Music)"));
     EXPECT_EQ(library.Albums(), albums);
     EXPECT_EQ(library.Tracks(), tracks);
+}
+
+/// AddFiles makes folders in this layout, too, and the comparison of tags goes into them.
+TEST_F(FlatLayoutTest, WhatOnlyTheComparisonOfTagsFindsWaitsWithItsAlbum) {
+    library.run.movedMusic.KeepDays = 14;
+    library.AddFile("Red_a.mp3", OfAlbum("One"));
+    library.Reconcile();
+    library.AddAlbumRow("7", "Birch", "Two", 1);
+    library.AddTrackRow("7", 1, Added);
+    const auto reconcile = [this] {
+        library.host.log.clear();
+        library.run.ForgetTables();
+        library.run.TheLibrary().FindTrack(Added)->tagNumber = 1;
+        RefreshDatabase(library.run);
+        EXPECT_THAT(library.Albums(), ElementsAre("Birch|Two|0", "Red|One|1"));
+        EXPECT_THAT(library.Tracks(),
+                    ElementsAre(R"(Birch\Two\n.mp3|old title|0)", "Red_a.mp3|a|1"));
+    };
+    reconcile();
+    EXPECT_THAT(
+        library.host.log,
+        ElementsAre(R"(Quillon: Album is missing, it is kept for 14 days: Birch\Two, 1 track)"));
+    reconcile();
+    EXPECT_THAT(library.host.log, IsEmpty());
+}
+
+/// As long as nothing waits, a track keeps the number that its tag says, and so its row.
+TEST_F(FlatLayoutTest, WhatOnlyTheComparisonOfTagsFindsKeepsItsNumber) {
+    library.AddFile("Red_a.mp3", OfAlbum("One"));
+    library.AddAlbumRow("7", "Birch", "Two", 1);
+    library.AddTrackRow("7", 1, Added);
+    library.run.TheLibrary().FindTrack(Added)->tagNumber = 3;
+    RefreshDatabase(library.run);
+    EXPECT_THAT(library.Albums(), ElementsAre("Red|One|1"));
+    EXPECT_THAT(library.Tracks(), ElementsAre(R"(Birch\Two\n.mp3|old title|3)", "Red_a.mp3|a|1"));
 }
 
 TEST_F(FlatLayoutTest, ReadsTheTagOfEachFileOnce) {
