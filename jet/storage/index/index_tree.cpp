@@ -172,14 +172,13 @@ void IndexTree::AlongLeaves(Step from, Look look) const {
 }
 
 bool IndexTree::ContainsKey(std::span<const std::uint8_t> key) const {
-    bool contains = false;
-    AlongLeaves(Descend(key).back(), [&](const IndexPageView& leaf, std::size_t place) {
-        if (place == leaf.Count()) return true;
-        contains = leaf.BeginsWith(place, key) &&
-                   leaf.KeyAndRow(place).size() == key.size() + EntryRowSize;
-        return false;
-    });
-    return contains;
+    // Nodes name the greatest entry of each child but the last: behind all entries of its leaf a
+    // key is behind all of the tree.
+    const auto [leaf, place] = Descend(key).back();
+    const auto page = Read(leaf);
+    const IndexPageView view(*page, leaf, definition_);
+    return place < view.Count() && view.BeginsWith(place, key) &&
+           view.KeyAndRow(place).size() == key.size() + EntryRowSize;
 }
 
 void IndexTree::RowsWith(std::span<const std::uint8_t> start,

@@ -168,6 +168,12 @@ TEST_P(RandomOperations, KeepTheTreeEqualToItsModel) {
     for (const auto& [key, row] : present)
         ASSERT_TRUE(model.Tree().ContainsKey(key));
     ASSERT_FALSE(model.Tree().ContainsKey(Bytes{0x7F, 0x3F, 1, 0}));
+    ASSERT_FALSE(model.Tree().ContainsKey(Bytes{0x7F, 0xFF, 1, 0}));
+    for (int i = 0; i < 2000; ++i) {
+        const Bytes key = makeKey();
+        const auto isKey = [&](const ModelledTree::Entry& entry) { return entry.first == key; };
+        ASSERT_EQ(model.Tree().ContainsKey(key), std::ranges::any_of(present, isKey));
+    }
     for (const auto& [key, row] : present)
         model.Remove(key, row);
     EXPECT_EQ(model.Check("emptied").levels, 1U);
