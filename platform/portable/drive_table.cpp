@@ -68,7 +68,13 @@ void DriveTable::MakeReachable(const std::filesystem::path& folder) {
 std::optional<std::string> DriveTable::LocalFolder(std::string_view root) const {
     const auto found = folders_.find(UpperCase(root));
     if (found != folders_.end()) return found->second;
-    if (!HasRoot(root)) return std::nullopt;
+    // What lies on a drive that goes away while the program runs is not gone, so the drive counts
+    // as there: looks at what is on it fail then.
+    const std::string name = UpperCase(root);
+    if (!ownRoots_.contains(name)) {
+        if (!HasRoot(root)) return std::nullopt;
+        ownRoots_.insert(name);
+    }
     return Replace(root, "\\", "/");
 }
 

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 
@@ -39,6 +40,7 @@ class DriveTable {
 
     std::filesystem::path base_;
     std::map<std::string, std::string> folders_;
+    mutable std::set<std::string> ownRoots_;  ///< of the computer, those that have been there
 };
 
 }  // namespace quillon

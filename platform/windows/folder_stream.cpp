@@ -76,11 +76,12 @@ FolderStream& FolderStream::operator=(FolderStream&&) noexcept = default;
 FolderStream::~FolderStream() = default;
 
 FolderStream OpenFolder(const std::string& folder) {
-    HANDLE const handle = CreateFileW(WidePath(folder).c_str(), FILE_LIST_DIRECTORY | SYNCHRONIZE,
+    const std::wstring wide = WidePath(folder);
+    HANDLE const handle = CreateFileW(wide.c_str(), FILE_LIST_DIRECTORY | SYNCHRONIZE,
                                       FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                                       nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
     if (handle == INVALID_HANDLE_VALUE) {
-        errno = LastErrno();
+        errno = LastErrnoAt(wide);
         return {};
     }
     auto state = std::make_unique<FolderStream::State>(folder, handle);

@@ -22,11 +22,12 @@ int ErrorOf(BOOL result) {
 }
 
 std::optional<FileFacts> LookAt(const std::string& path, DWORD flags) {
-    const SystemHandle file(CreateFileW(WidePath(path).c_str(), FILE_READ_ATTRIBUTES, ShareAll,
-                                        nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS | flags,
+    const std::wstring wide = WidePath(path);
+    const SystemHandle file(CreateFileW(wide.c_str(), FILE_READ_ATTRIBUTES, ShareAll, nullptr,
+                                        OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS | flags,
                                         nullptr));
     if (file) return FactsOfHandle(file.Get());
-    errno = LastErrno();
+    errno = LastErrnoAt(wide);
     return std::nullopt;
 }
 

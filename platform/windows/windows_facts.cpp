@@ -9,7 +9,32 @@ namespace {
 constexpr std::int64_t StepsOfASecond = 10'000'000;
 constexpr std::int64_t SecondsBefore1970 = 11'644'473'600;
 
+/// The part of a marked path that is its drive or share, with the backslash behind it; "" where it
+/// has none.
+std::wstring RootOf(const std::wstring& path) {
+    constexpr std::wstring_view MarkedShare = LR"(\\?\UNC\)", MarkedDrive = LR"(\\?\)";
+    std::size_t end = 0;
+    if (path.starts_with(MarkedShare)) {
+        end = path.find(L'\\', path.find(L'\\', MarkedShare.size()) + 1);
+        if (end == std::wstring::npos) return path + L'\\';
+    } else if (path.starts_with(MarkedDrive)) {
+        end = path.find(L'\\', MarkedDrive.size());
+    }
+    return end == 0 || end == std::wstring::npos ? L"" : path.substr(0, end + 1);
+}
+
 }  // namespace
+
+int LastErrnoAt(const std::wstring& path) {
+    const DWORD code = GetLastError();
+    const int error = ErrnoOf(code);
+    // A name that is not in its folder tells that the folder is there.
+    if (error != ENOENT || code == ERROR_FILE_NOT_FOUND) return error;
+    const std::wstring root = RootOf(path);
+    const bool isKnown =
+        root.empty() || GetFileAttributesW(root.c_str()) != INVALID_FILE_ATTRIBUTES;
+    return isKnown ? ENOENT : ENODEV;
+}
 
 FileTime TimeOf(std::int64_t steps) {
     if (steps == 0) return {};

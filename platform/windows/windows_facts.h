@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 #include "platform/portable/local_file.h"
 #include "platform/windows/system_error.h"
 
@@ -12,6 +14,11 @@ constexpr DWORD KeptAttributes = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN
 /// A moment from the system's count, steps of 100 nanoseconds from 1601 on, and back.
 FileTime TimeOf(std::int64_t steps);
 std::int64_t StepsOf(const FileTime& time);
+
+/// The error number for what this thread's last call failed with at a path as WidePath() gives it.
+/// ENODEV where not even its drive or share is there: nothing is known then of what lies on it, and
+/// it must not count as gone.
+int LastErrnoAt(const std::wstring& path);
 
 /// Whether a name of these attributes, and of this kind of reparse point, is a link: others, such
 /// as files that lie in a cloud, are what they seem.

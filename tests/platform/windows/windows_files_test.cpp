@@ -1,8 +1,10 @@
 #include <algorithm>
+#include <cerrno>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include "platform/portable/folder_stream.h"
 #include "platform/portable/system_failure.h"
 #include "platform/portable/temporary_entry.h"
 #include "platform/windows/system_error.h"
@@ -187,6 +189,55 @@ TEST_F(WindowsFilesTest, OwnDrivesNeedNoTable) {
     EXPECT_TRUE(files_.IsSameFile(own, "D:\\A.MP3"));
     EXPECT_TRUE(files_.IsWithin(folder_.Path().string(), "D:\\"));
     EXPECT_FALSE(files_.FolderExists("Q:\\Music"));
+}
+
+/// A drive letter that nothing has.
+std::string FreeDrive() {
+    char letter = 'C';
+    while (((GetLogicalDrives() >> (letter - 'A')) & 1U) != 0)
+        ++letter;
+    return {letter, ':'};
+}
+
+TEST_F(WindowsFilesTest, WhatLiesOnADriveThatIsAwayCannotBeTold) {
+    const std::string drive = FreeDrive();
+    EXPECT_FALSE(FactsOf(drive + "/Music/a.mp3"));
+    EXPECT_EQ(errno, ENODEV);
+    EXPECT_FALSE(OpenFolder(drive + "/Music"));
+    EXPECT_EQ(errno, ENODEV);
+    const std::string here = folder_.Path().string();
+    EXPECT_FALSE(FactsOf(here + "/none/a.mp3"));
+    EXPECT_EQ(errno, ENOENT) << "the drive is there, and the folder is not";
+    EXPECT_FALSE(FactsOf(here + "/a.mp3"));
+    EXPECT_EQ(errno, ENOENT);
+}
+
+TEST_F(WindowsFilesTest, ADriveThatGoesAwayTakesNothingAlong) {
+    const std::string drive = FreeDrive();
+    const std::wstring name = WideText(drive), target = folder_.Path().native();
+    EXPECT_FALSE(files_.FolderExists(drive + "\\")) << "it has never been there";
+    folder_.MakeFile("Music/a.mp3");
+    ASSERT_NE(DefineDosDeviceW(0, name.c_str(), target.c_str()), 0);
+    EXPECT_TRUE(files_.FileExists(drive + "\\Music\\a.mp3"));
+    ASSERT_NE(DefineDosDeviceW(DDD_REMOVE_DEFINITION, name.c_str(), nullptr), 0);
+    EXPECT_THAT(FailureOf([&] { files_.FileExists(drive + "\\Music\\a.mp3"); }),
+                testing::StartsWith("Path/File access error: " + drive));
+    EXPECT_THAT(FailureOf([&] { files_.FilesIn(drive + "\\Music"); }),
+                testing::StartsWith("Path/File access error: " + drive));
+}
+
+TEST_F(WindowsFilesTest, NamesThatWindowsKeepsForItselfAreNamesLikeOthers) {
+    for (const std::string name : {"CON.mp3", "aux", "LPT1.txt", "dot.", "blank "}) {
+        const std::string path = "D:\\" + name;
+        const auto writer = files_.CreateText(path);
+        writer->Write(name);
+        writer->Close();
+        EXPECT_TRUE(files_.FileExists(path)) << name;
+        EXPECT_EQ(files_.OpenText(path)->ReadLine(), name);
+        files_.DeleteFile(path);
+        EXPECT_FALSE(files_.FileExists(path)) << name;
+    }
+    EXPECT_EQ(folder_.Count(), 0U);
 }
 
 TEST_F(WindowsFilesTest, AnUnfinishedFileOfAnotherThatWorksOnItStays) {
