@@ -109,8 +109,9 @@ class Stage:
         return [self.neutral(line.split("\t", 2)[2]) for line in lines]
 
     def neutral(self, text):
-        text = text.replace(str(self.work), "WORK").replace(str(self.work).replace("/", "\\"),
-                                                           "WORK")
+        for work in (str(self.work), str(self.work).replace("/", "\\")):
+            # Under Wine all of this system's files are on a drive.
+            text = text.replace("Z:" + work, "WORK").replace(work, "WORK")
         text = re.sub(r"\bLine \d+ ", "Line N ", text)
         text = re.sub(r"\bRemoved/[-_\d]{19}/", "Removed/STAMP/", text)
         return re.sub(r"_Copy Dated_\w+?_[AP]M_", "_Copy Dated_STAMP_", text)
