@@ -4,21 +4,21 @@
 #include <array>
 #include <cstdint>
 #include <ctime>
-#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <functional>
 #include <gtest/gtest.h>
 #include <random>
 #include <sstream>
+#include <stdexcept>
 #include <string>
-#include <sys/stat.h>
-#include <unistd.h>
 #include <utility>
 #include <vector>
 
+#include "platform/portable/local_file.h"
 #include "platform/portable/portable_files.h"
 #include "platform/portable/system_clock.h"
+#include "tests/outside/file_marks.h"
 #include "tests/outside/temporary_folder.h"
 #include "tests/platform/failure_of.h"
 
@@ -28,11 +28,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::time_t LongAgo = 1'500'000'000;
-
-void MakeOld(const fs::path& path, std::time_t time) {
-    const std::array<std::timespec, 2> times{std::timespec{time, 0}, std::timespec{time, 0}};
-    EXPECT_EQ(utimensat(AT_FDCWD, path.c_str(), times.data(), 0), 0);
-}
 
 /// A folder as drive D: with some music, playlists and an empty folder.
 struct Disk {
@@ -49,7 +44,7 @@ struct Disk {
             all.push_back(entry.path());
         std::ranges::sort(all);
         for (const fs::path& path : all)
-            MakeOld(path, time += 60);
+            outside::SetModified(path, time += 60);
     }
 
     DriveTable Drives() const {
@@ -71,11 +66,11 @@ std::string SeenOnDisk(const fs::path& folder) {
     std::ranges::sort(all);
     std::ostringstream seen;
     for (const fs::path& path : all) {
-        struct stat facts{};
-        EXPECT_EQ(lstat(path.c_str(), &facts), 0);
-        seen << path << ' ' << facts.st_ino << ' ' << facts.st_size << ' ' << facts.st_mode << ' '
-             << facts.st_mtim.tv_sec << '.' << facts.st_mtim.tv_nsec << ' ' << facts.st_ctim.tv_sec
-             << '.' << facts.st_ctim.tv_nsec << '\n';
+        const auto facts = FactsOfLink(path.string());
+        if (!facts) throw std::runtime_error("not there: " + path.string());
+        seen << path << ' ' << facts->identity.number << ' ' << facts->size << ' '
+             << static_cast<int>(facts->kind) << ' ' << facts->rights << ' '
+             << facts->modified.InNanoseconds() << ' ' << facts->changed.InNanoseconds() << '\n';
         if (fs::is_regular_file(path)) seen << std::ifstream(path, std::ios::binary).rdbuf();
     }
     return std::move(seen).str();

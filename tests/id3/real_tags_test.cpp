@@ -1,16 +1,16 @@
 #include <chrono>
-#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <iterator>
 #include <string>
-#include <sys/stat.h>
 #include <thread>
 
 #include "id3/write_id3.h"
 #include "tests/outside/child_process.h"
+#include "tests/outside/file_marks.h"
+#include "tests/outside/posix_test.h"
 #include "tests/support/real_library.h"
 #include "tests/support/sound_file.h"
 
@@ -89,7 +89,7 @@ TEST_F(RealTagsTest, AreWrittenInPlaceAndTheFilesKeepTheirTimes) {
     EXPECT_THAT(library.host.log, IsEmpty());
 }
 
-TEST_F(RealTagsTest, KeepLinksToTheirFiles) {
+POSIX_TEST_F(RealTagsTest, KeepLinksToTheirFiles) {
     AddSong(1);
     AddSong(2);
     const fs::path elsewhere = library.Folder() / "elsewhere.mp3";
@@ -103,10 +103,10 @@ TEST_F(RealTagsTest, KeepLinksToTheirFiles) {
     EXPECT_EQ(fs::hard_link_count(library.Music(Path(2))), 2U);
 }
 
-TEST_F(RealTagsTest, StayOnWriteProtectedFilesWhichAreLogged) {
+POSIX_TEST_F(RealTagsTest, StayOnWriteProtectedFilesWhichAreLogged) {
     AddSong(1);
     AddSong(2);
-    ASSERT_EQ(chmod(library.Music(Path(1)).c_str(), 0444), 0);
+    outside::SetRights(library.Music(Path(1)), 0444);
     EXPECT_TRUE(support::RunsWellUnprivileged(library.Folder(), [&] {
         WriteID3(library.run);
         EXPECT_THAT(library.host.log,
@@ -118,14 +118,14 @@ TEST_F(RealTagsTest, StayOnWriteProtectedFilesWhichAreLogged) {
     }));
 }
 
-TEST_F(RealTagsTest, AreOldOrNewAfterAKillBetweenFiles) {
+POSIX_TEST_F(RealTagsTest, AreOldOrNewAfterAKillBetweenFiles) {
     constexpr int Count = 20;
     for (int number = 0; number < Count; ++number)
         AddSong(number);
     for (int round = 1; round <= 3; ++round) {
         EXPECT_TRUE(support::IsKilled([&] {
             library.window.onEvents = [events = 0](const FormState&) mutable {
-                if (++events == 7) std::raise(SIGKILL);
+                if (++events == 7) outside::KillThisProcess();
             };
             WriteID3(library.run);
         }));
@@ -135,7 +135,7 @@ TEST_F(RealTagsTest, AreOldOrNewAfterAKillBetweenFiles) {
     EXPECT_EQ(WholeFiles(Count), Count);
 }
 
-TEST_F(RealTagsTest, AreOldOrNewAfterAKillAtAnyMoment) {
+POSIX_TEST_F(RealTagsTest, AreOldOrNewAfterAKillAtAnyMoment) {
     constexpr int Count = 120;
     for (int number = 0; number < Count; ++number)
         AddSong(number);

@@ -1,4 +1,3 @@
-#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <gmock/gmock.h>
@@ -10,7 +9,9 @@
 #include "database/remove_duplicates.h"
 #include "id3/verify_tags.h"
 #include "reconcile/refresh_database.h"
+#include "tests/outside/child_process.h"
 #include "tests/outside/density.h"
+#include "tests/outside/posix_test.h"
 #include "tests/support/real_library.h"
 #include "tests/support/sound_file.h"
 
@@ -52,7 +53,7 @@ class VerifyKilledTest : public ::testing::Test {
         "SELECT ID, SoundFile, Title, TimesPlayed FROM Tracks ORDER BY ID";
 };
 
-TEST_F(VerifyKilledTest, LosesNoRowAndEndsLikeAnUndisturbedRun) {
+POSIX_TEST_F(VerifyKilledTest, LosesNoRowAndEndsLikeAnUndisturbedRun) {
     support::RealLibrary undisturbed;
     Prepare(undisturbed);
     const auto numbers = undisturbed.Rows(Numbers);
@@ -70,7 +71,8 @@ TEST_F(VerifyKilledTest, LosesNoRowAndEndsLikeAnUndisturbedRun) {
         library.CloseDatabase();
         EXPECT_TRUE(support::IsKilled([&] {
             library.OpenDatabase();
-            library.Database().BeforeStatementNumber(n, [](Connection&) { std::raise(SIGKILL); });
+            library.Database().BeforeStatementNumber(
+                n, [](Connection&) { outside::KillThisProcess(); });
             Reconcile(library);
         })) << n;
 
@@ -149,7 +151,7 @@ class VerifyChainsKilledTest : public ::testing::Test {
     }
 };
 
-TEST_F(VerifyChainsKilledTest, GiveNoRowToAnotherSongAndAreFinishedByTheNextRun) {
+POSIX_TEST_F(VerifyChainsKilledTest, GiveNoRowToAnotherSongAndAreFinishedByTheNextRun) {
     std::size_t statements = 0, changes = 0;
     std::map<int, std::string> songs;
     {
@@ -182,11 +184,11 @@ TEST_F(VerifyChainsKilledTest, GiveNoRowToAnotherSongAndAreFinishedByTheNextRun)
             std::size_t count = 0;
             if (n <= changes) {
                 library.RealFiles().beforeChange = [&] {
-                    if (++count == n) std::raise(SIGKILL);
+                    if (++count == n) outside::KillThisProcess();
                 };
             } else {
-                library.Database().BeforeStatementNumber(n - changes,
-                                                         [](Connection&) { std::raise(SIGKILL); });
+                library.Database().BeforeStatementNumber(
+                    n - changes, [](Connection&) { outside::KillThisProcess(); });
             }
             Reconcile(library);
         })) << moment;

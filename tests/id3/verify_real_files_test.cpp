@@ -11,6 +11,7 @@
 #include "database/remove_duplicates.h"
 #include "id3/verify_tags.h"
 #include "reconcile/refresh_database.h"
+#include "tests/outside/posix_test.h"
 #include "tests/support/real_library.h"
 #include "tests/support/sound_file.h"
 
@@ -76,7 +77,7 @@ TEST_F(VerifyRealFilesTest, KeepANameWhereTheNewOneIsTooLong) {
 }
 
 // Removing the file would leave a link to nothing.
-TEST_F(VerifyRealFilesTest, AreNoDuplicatesOfALinkToThem) {
+POSIX_TEST_F(VerifyRealFilesTest, AreNoDuplicatesOfALinkToThem) {
     AddFile("07.mp3", "Dusk");
     fs::create_symlink("07.mp3", library.Music("Alder/First Light/Alder - Dusk.mp3"));
     Reconcile();
@@ -96,7 +97,7 @@ TEST_F(VerifyRealFilesTest, OfAnyLengthAreReadOrPassedOver) {
     EXPECT_EQ(library.run.counts.errors, 0U);
 }
 
-TEST_F(VerifyRealFilesTest, ThatAreWriteProtectedAreRenamedButNotDeleted) {
+POSIX_TEST_F(VerifyRealFilesTest, ThatAreWriteProtectedAreRenamedButNotDeleted) {
     AddFile("1.mp3", "Dusk");
     AddFile("2.mp3", "Dusk");
     fs::permissions(library.Music("Alder/First Light/1.mp3"), fs::perms(0444));
@@ -114,7 +115,7 @@ TEST_F(VerifyRealFilesTest, ThatAreWriteProtectedAreRenamedButNotDeleted) {
     EXPECT_THAT(Names(), ElementsAre("2.mp3", "Alder - Dusk.mp3"));
 }
 
-TEST_F(VerifyRealFilesTest, InAFolderThatMayNotBeWrittenKeepTheirNamesAndRows) {
+POSIX_TEST_F(VerifyRealFilesTest, InAFolderThatMayNotBeWrittenKeepTheirNamesAndRows) {
     AddFile("Dawn.mp3", "Dusk");
     AddFile("[x].mp3", "(x)");
     library.Reconcile();

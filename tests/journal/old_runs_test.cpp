@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <string>
 
+#include "tests/outside/posix_test.h"
 #include "tests/outside/temporary_folder.h"
 
 namespace quillon {
@@ -55,7 +56,7 @@ TEST_F(OldRunsTest, KeepsEverythingOfTheLastSixtyDays) {
         EXPECT_TRUE(IsThere(Stamp(59, number) + ".jsonl")) << number;
 }
 
-TEST_F(OldRunsTest, LeavesWhatIsNoRunsOwn) {
+POSIX_TEST_F(OldRunsTest, LeavesWhatIsNoRunsOwn) {
     for (int number = 1; number <= 100; ++number)
         Make(100, number);
     folder_.MakeFile("2001-01-01_00-00-00.txt");

@@ -50,6 +50,11 @@ int ChildProcess::Wait() {
     return status_;
 }
 
+void KillThisProcess() {
+    std::raise(SIGKILL);
+    _exit(1);
+}
+
 std::string InChildProcess(const std::function<void()>& prepare,
                            const std::function<std::string()>& action) {
     std::array<int, 2> ends{};

@@ -27,6 +27,9 @@ class ChildProcess {
     bool ended_ = false;
 };
 
+/// Ends this process at once, as a kill from outside does.
+[[noreturn]] void KillThisProcess();
+
 /// What an action returns when a process of its own does it, which `prepare` changes beforehand.
 std::string InChildProcess(const std::function<void()>& prepare,
                            const std::function<std::string()>& action);

@@ -9,6 +9,7 @@
 #include "platform/portable/jet_database.h"
 #include "platform/portable/path_resolver.h"
 #include "platform/portable/portable_files.h"
+#include "tests/outside/posix_test.h"
 #include "tests/outside/temporary_folder.h"
 #include "tests/support/fakes.h"
 #include "tests/support/real_library.h"
@@ -132,7 +133,7 @@ TEST_F(RealPickerTest, WritesNothingOutsideTheWebFolder) {
     EXPECT_EQ(run.counts.errors, 2U);
 }
 
-TEST_F(RealPickerTest, KeepsTheOldPagesInAReadOnlyFolder) {
+POSIX_TEST_F(RealPickerTest, KeepsTheOldPagesInAReadOnlyFolder) {
     Write(Pages() / "AlbumPicker0.asp", "old");
     EXPECT_TRUE(support::RunsWellUnprivileged(Folder(), [&] {
         fs::permissions(Html(), fs::perms::owner_read | fs::perms::owner_exec);
@@ -145,7 +146,7 @@ TEST_F(RealPickerTest, KeepsTheOldPagesInAReadOnlyFolder) {
     EXPECT_EQ(Read(Pages() / "AlbumPicker0.asp"), "old");
 }
 
-TEST_F(RealPickerTest, PublishesBesideAnOldPageThatIsWriteProtectedAndSaysSo) {
+POSIX_TEST_F(RealPickerTest, PublishesBesideAnOldPageThatIsWriteProtectedAndSaysSo) {
     Write(Pages() / "AlbumPicker9.asp", "old");
     EXPECT_TRUE(support::RunsWellUnprivileged(Folder(), [&] {
         fs::permissions(Pages() / "AlbumPicker9.asp", fs::perms::owner_read);
@@ -158,7 +159,7 @@ TEST_F(RealPickerTest, PublishesBesideAnOldPageThatIsWriteProtectedAndSaysSo) {
     EXPECT_FALSE(fs::exists(Pages() / "AlbumPicker9.asp"));
 }
 
-TEST_F(RealPickerTest, ShowsThePlaceholderForACoverThatCannotBeRead) {
+POSIX_TEST_F(RealPickerTest, ShowsThePlaceholderForACoverThatCannotBeRead) {
     AddAlbum("locked.jpg");
     Write(Folder() / "Covers/locked.jpg", "image");
     EXPECT_TRUE(support::RunsWellUnprivileged(Folder(), [&] {

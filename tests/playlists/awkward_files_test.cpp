@@ -9,6 +9,7 @@
 #include "playlists/convert.h"
 #include "playlists/create.h"
 #include "playlists/refresh.h"
+#include "tests/outside/posix_test.h"
 #include "tests/support/real_library.h"
 
 namespace quillon {
@@ -123,7 +124,7 @@ TEST_F(AwkwardFiles, MayHaveLinesOfTenMegabytes) {
     EXPECT_TRUE(fs::exists(library.Folder() / "M3u" / "Mine.m3u"));
 }
 
-TEST_F(AwkwardFiles, LeaveWhatIsNoFileAlone) {
+POSIX_TEST_F(AwkwardFiles, LeaveWhatIsNoFileAlone) {
     fs::create_directories(Lists() / "Folder.pla");
     fs::create_symlink("nowhere", Lists() / "Link.pla");
     Write("Mine.pla", "header\nA0 0\n\n");
@@ -133,7 +134,7 @@ TEST_F(AwkwardFiles, LeaveWhatIsNoFileAlone) {
     EXPECT_TRUE(fs::is_symlink(Lists() / "Link.pla"));
 }
 
-TEST_F(AwkwardFiles, ThatCannotBeReadCostNothingElse) {
+POSIX_TEST_F(AwkwardFiles, ThatCannotBeReadCostNothingElse) {
     Write("Bad.pla", "header\nA0 0\n\n");
     Write("Good.pla", "header\nA0 0\n\n");
     fs::permissions(Lists() / "Bad.pla", fs::perms::none);
@@ -150,7 +151,7 @@ TEST_F(AwkwardFiles, ThatCannotBeReadCostNothingElse) {
 }
 
 /// What the list meant is kept for the next run.
-TEST_F(AwkwardFiles, ThatAreWriteProtectedStayAndCostNothingElse) {
+POSIX_TEST_F(AwkwardFiles, ThatAreWriteProtectedStayAndCostNothingElse) {
     Write("Bad.pla", "header\nA0 0\n\n");
     Write("Good.pla", "header\nA0 0\n\n");
     fs::permissions(Lists() / "Bad.pla", fs::perms::owner_read);
@@ -171,7 +172,7 @@ TEST_F(AwkwardFiles, ThatAreWriteProtectedStayAndCostNothingElse) {
     }));
 }
 
-TEST_F(AwkwardFiles, InAFolderThatIsNotWritableAreNotChanged) {
+POSIX_TEST_F(AwkwardFiles, InAFolderThatIsNotWritableAreNotChanged) {
     Write("Mine.pla", "header\nA0 0\n\n");
     library.CloseDatabase();
     EXPECT_TRUE(support::RunsWellUnprivileged(library.Folder(), [this] {
@@ -216,7 +217,7 @@ TEST_F(AwkwardFiles, OfMoreThanAListCanHoldAreNotTakenIntoMemory) {
 }
 
 /// A link whose disk is away stands for a list.
-TEST_F(AwkwardFiles, ThatLeadNowhereAtPresentKeepWhatTheyMeant) {
+POSIX_TEST_F(AwkwardFiles, ThatLeadNowhereAtPresentKeepWhatTheyMeant) {
     fs::create_symlink("nowhere", Lists() / "Away.pla");
     Write("Mine.pla", "header\nA0 0\n");
     Repair();

@@ -1,12 +1,13 @@
 // What a run that ends between the capture and the refresh leaves behind, and what the next one
 // makes of it.
 
-#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <gmock/gmock.h>
 
 #include "playlists/playlist_snapshot.h"
+#include "tests/outside/child_process.h"
+#include "tests/outside/posix_test.h"
 #include "tests/playlists/playlist_fixture.h"
 #include "tests/support/real_library.h"
 
@@ -280,7 +281,7 @@ class KilledRunTest : public ::testing::Test {
     }
 };
 
-TEST_F(KilledRunTest, CostsNoPlaylistASongWhereverItDies) {
+POSIX_TEST_F(KilledRunTest, CostsNoPlaylistASongWhereverItDies) {
     const std::vector<std::string> expected{R"(D:\Music\Blue\One\c.mp3)",
                                             R"(D:\Music\Blue\One\a.mp3)"};
     std::size_t statements = 0;
@@ -303,7 +304,7 @@ TEST_F(KilledRunTest, CostsNoPlaylistASongWhereverItDies) {
             library.OpenDatabase();
             library.Database().BeforeStatementNumber(n, [](Connection& database) {
                 database.Flush();
-                std::raise(SIGKILL);
+                outside::KillThisProcess();
             });
             Reconcile(library);
         })) << n;

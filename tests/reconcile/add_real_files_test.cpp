@@ -1,16 +1,16 @@
 #include <algorithm>
-#include <csignal>
-#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <map>
 #include <string>
-#include <sys/stat.h>
 
 #include "reconcile/add_files_to_library.h"
+#include "tests/outside/child_process.h"
 #include "tests/outside/density.h"
+#include "tests/outside/file_marks.h"
+#include "tests/outside/posix_test.h"
 #include "tests/support/database_rows.h"
 #include "tests/support/real_library.h"
 #include "tests/support/sound_file.h"
@@ -40,9 +40,7 @@ class Shelf : public support::RealLibrary {
         fs::create_directories(file.parent_path());
         std::ofstream(file, std::ios::binary) << bytes;
         // However long a test takes, its files are of one age.
-        constexpr struct ::timespec Time{1'600'000'000, 0};
-        const struct ::timespec times[2]{Time, Time};
-        ::utimensat(AT_FDCWD, file.c_str(), times, 0);
+        outside::SetModified(file, 1'600'000'000);
     }
     void AddSong(const std::string& path, const std::string& song, const std::string& artist,
                  const std::string& album, std::uint8_t track) const {
@@ -68,7 +66,7 @@ class Shelf : public support::RealLibrary {
     }
 };
 
-TEST(AddRealFiles, BringsCopiesThatOtherReadersFind) {
+POSIX_TEST(AddRealFiles, BringsCopiesThatOtherReadersFind) {
     Shelf shelf;
     shelf.AddSong("x.mp3", "J\xF3ga", "Bj\xF6rk", "It's 100% #1", 3);
     shelf.AddNew("Žofie/Řeka/1 - Přeháňka.MP3", support::UntaggedSoundFile());
@@ -98,7 +96,7 @@ TEST(AddRealFiles, KeepsTheTimesOfTheFiles) {
               fs::last_write_time(source));
 }
 
-TEST(AddRealFiles, RefusesALibraryThatALinkLeadsTo) {
+POSIX_TEST(AddRealFiles, RefusesALibraryThatALinkLeadsTo) {
     Shelf shelf;
     fs::create_directory_symlink(shelf.Music(), shelf.Folder() / "Alias");
     shelf.AddFile(R"(Artist\Album\a - x.mp3)");
@@ -110,7 +108,7 @@ TEST(AddRealFiles, RefusesALibraryThatALinkLeadsTo) {
     EXPECT_THAT(shelf.State(), IsEmpty());
 }
 
-TEST(AddRealFiles, PassesOverALinkIntoTheLibrary) {
+POSIX_TEST(AddRealFiles, PassesOverALinkIntoTheLibrary) {
     Shelf shelf;
     shelf.AddFile(R"(Artist\Album\a - x.mp3)");
     shelf.AddNew("B/b - y.mp3", support::UntaggedSoundFile());
@@ -121,7 +119,7 @@ TEST(AddRealFiles, PassesOverALinkIntoTheLibrary) {
                 Contains("Quillon: AddFolder, D:\\New\\B\\Link belongs to the library already"));
 }
 
-TEST(AddRealFiles, LeavesNothingOfAFileThatCannotBeRead) {
+POSIX_TEST(AddRealFiles, LeavesNothingOfAFileThatCannotBeRead) {
     Shelf shelf;
     shelf.AddSong("1.mp3", "One", "Artist", "Album", 1);
     shelf.AddSong("2.mp3", "Two", "Artist", "Album", 2);
@@ -140,7 +138,7 @@ TEST(AddRealFiles, LeavesNothingOfAFileThatCannotBeRead) {
                 ElementsAre("Music/Artist", "Music/Artist/Album", "Music/Artist/Album/Two.mp3"));
 }
 
-TEST(AddRealFiles, LeavesNothingOfACopyThatFails) {
+POSIX_TEST(AddRealFiles, LeavesNothingOfACopyThatFails) {
     Shelf shelf;
     shelf.AddNew("A/B/a - x.mp3", support::UntaggedSoundFile());
     shelf.AddNew("A/B/front.jpg", "image");
@@ -157,7 +155,7 @@ TEST(AddRealFiles, LeavesNothingOfACopyThatFails) {
     EXPECT_THAT(shelf.Everything(), IsEmpty());
 }
 
-TEST(AddRealFiles, TakesWriteProtectedCopiesBack) {
+POSIX_TEST(AddRealFiles, TakesWriteProtectedCopiesBack) {
     Shelf shelf;
     shelf.AddSong("1.mp3", "One", "Artist", "Album", 1);
     shelf.AddNew("front.jpg", "image");
@@ -279,7 +277,7 @@ class AddingIsKilledTest : public ::testing::Test {
                 shelf.OpenDatabase();
                 shelf.Database().BeforeStatementNumber(n, [&](Connection& database) {
                     if (written == Written::Everything) database.Flush();
-                    std::raise(SIGKILL);
+                    outside::KillThisProcess();
                 });
                 shelf.Add();
             })) << n;
@@ -306,11 +304,11 @@ class AddingIsKilledTest : public ::testing::Test {
     }
 };
 
-TEST_F(AddingIsKilledTest, AndTheNextRunBringsTheRest) {
+POSIX_TEST_F(AddingIsKilledTest, AndTheNextRunBringsTheRest) {
     KillAtEvery(outside::StepUnderSanitizers(4), Written::Everything);
 }
 
-TEST_F(AddingIsKilledTest, WithItsLastRowsUnwrittenAndTheNextRunBringsTheRest) {
+POSIX_TEST_F(AddingIsKilledTest, WithItsLastRowsUnwrittenAndTheNextRunBringsTheRest) {
     KillAtEvery(4 * outside::StepUnderSanitizers(3), Written::WhateverThereIs);
 }
 

@@ -1,9 +1,10 @@
-#include <csignal>
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <string>
 
+#include "tests/outside/child_process.h"
+#include "tests/outside/posix_test.h"
 #include "tests/support/real_library.h"
 
 namespace quillon {
@@ -55,7 +56,7 @@ class KilledRunTest : public ::testing::Test {
                 library.OpenDatabase();
                 library.Database().BeforeStatementNumber(n, [&](Connection& database) {
                     if (written == Written::Everything) database.Flush();
-                    std::raise(SIGKILL);
+                    outside::KillThisProcess();
                 });
                 library.Reconcile();
             })) << n;
@@ -89,11 +90,11 @@ class KilledRunTest : public ::testing::Test {
     static constexpr const char* Numbers = "SELECT SoundFile, Track, CDJID FROM Tracks ORDER BY ID";
 };
 
-TEST_F(KilledRunTest, LosesNoNumberWhereverItDiesWithAllChangesWritten) {
+POSIX_TEST_F(KilledRunTest, LosesNoNumberWhereverItDiesWithAllChangesWritten) {
     KillAtEvery(1, Written::Everything);
 }
 
-TEST_F(KilledRunTest, LosesNoNumberWhereverItDiesWithFewChangesWritten) {
+POSIX_TEST_F(KilledRunTest, LosesNoNumberWhereverItDiesWithFewChangesWritten) {
     KillAtEvery(4, Written::WhateverThereIs);
 }
 

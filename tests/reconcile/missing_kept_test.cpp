@@ -1,5 +1,6 @@
 #include <fstream>
 
+#include "tests/outside/posix_test.h"
 #include "tests/reconcile/moved_fixture.h"
 
 namespace quillon {
@@ -159,7 +160,7 @@ TEST_F(MissingKeptTest, MusicThatWaitsIsNoDoubtInLaterRuns) {
     EXPECT_THAT(Log(), IsEmpty());
 }
 
-TEST_F(MissingKeptTest, MusicDoesNotExpireWhereItsFolderIsOutOfSight) {
+POSIX_TEST_F(MissingKeptTest, MusicDoesNotExpireWhereItsFolderIsOutOfSight) {
     Hide(R"(Red\One\02 - Bay.mp3)");
     Reconcile();
     const auto rows = library.Rows("SELECT * FROM Tracks ORDER BY ID");

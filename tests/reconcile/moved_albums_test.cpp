@@ -1,5 +1,6 @@
-#include <csignal>
 
+#include "tests/outside/child_process.h"
+#include "tests/outside/posix_test.h"
 #include "tests/reconcile/moved_fixture.h"
 
 namespace quillon {
@@ -233,7 +234,7 @@ class MovedUnderway : public MovedMusicLibrary {
     }
 };
 
-TEST(KilledRun, IsCompletedByTheNextWhereMusicHasMoved) {
+POSIX_TEST(KilledRun, IsCompletedByTheNextWhereMusicHasMoved) {
     MovedUnderway undisturbed;
     undisturbed.library.Database().ForgetStatements();
     undisturbed.Reconcile();
@@ -250,7 +251,7 @@ TEST(KilledRun, IsCompletedByTheNextWhereMusicHasMoved) {
             trial.library.OpenDatabase();
             trial.library.Database().BeforeStatementNumber(n, [](Connection& database) {
                 database.Flush();
-                std::raise(SIGKILL);
+                outside::KillThisProcess();
             });
             trial.Reconcile();
         })) << n;

@@ -1,5 +1,6 @@
 #include <fstream>
 
+#include "tests/outside/posix_test.h"
 #include "tests/reconcile/moved_fixture.h"
 
 namespace quillon {
@@ -233,7 +234,7 @@ TEST_F(MovedFilesTest, MakeADamagedRecordOfThemAnew) {
     EXPECT_THAT(Tracks(), Contains(R"(20|Red\One\02 - Bight.mp3|Bight|2)"));
 }
 
-TEST_F(MovedFilesTest, GetNoRowsOfSongsThatAreOnlyOutOfSight) {
+POSIX_TEST_F(MovedFilesTest, GetNoRowsOfSongsThatAreOnlyOutOfSight) {
     fs::copy(library.Music("Red"), library.Music("Blue"), fs::copy_options::recursive);
     const bool isWell = support::RunsWellUnprivileged(library.Folder(), [this] {
         fs::permissions(library.Music(R"(Red\One)"), fs::perms::none);

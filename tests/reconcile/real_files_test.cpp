@@ -4,6 +4,7 @@
 #include <set>
 #include <string>
 
+#include "tests/outside/posix_test.h"
 #include "tests/support/database_rows.h"
 #include "tests/support/real_library.h"
 #include "tests/support/sound_file.h"
@@ -27,7 +28,7 @@ class RealFilesTest : public ::testing::Test {
     support::RealLibrary library;
 };
 
-TEST_F(RealFilesTest, BecomeAlbumsAndTracksThatOtherReadersFind) {
+POSIX_TEST_F(RealFilesTest, BecomeAlbumsAndTracksThatOtherReadersFind) {
     support::RawTag tag;
     tag.track = 1;
     tag.comment = "Length='61'";
@@ -91,7 +92,7 @@ TEST_F(RealFilesTest, WithNamesThatAreNotShownCostTheOthersNothing) {
     EXPECT_EQ(library.Faults(), "");
 }
 
-TEST_F(RealFilesTest, ReachedThroughLoopsAreVisitedOnceAtMost) {
+POSIX_TEST_F(RealFilesTest, ReachedThroughLoopsAreVisitedOnceAtMost) {
     library.AddFile(R"(A\B\a.mp3)");
     fs::create_directory_symlink("..", library.Music("A") / "loop");
     fs::create_directory_symlink(library.Music(), library.Music("A\\B") / "loop");
@@ -147,19 +148,19 @@ class UnreadableFoldersTest : public RealFilesTest {
     std::vector<std::string> before;
 };
 
-TEST_F(UnreadableFoldersTest, CostNothingWhenOneIsTheRoot) {
+POSIX_TEST_F(UnreadableFoldersTest, CostNothingWhenOneIsTheRoot) {
     ExpectNothingLostWithout("");
 }
 
-TEST_F(UnreadableFoldersTest, CostNothingWhenOneIsAnArtist) {
+POSIX_TEST_F(UnreadableFoldersTest, CostNothingWhenOneIsAnArtist) {
     ExpectNothingLostWithout("Green");
 }
 
-TEST_F(UnreadableFoldersTest, CostNothingWhenOneIsAnAlbum) {
+POSIX_TEST_F(UnreadableFoldersTest, CostNothingWhenOneIsAnAlbum) {
     ExpectNothingLostWithout(R"(Green\Two)");
 }
 
-TEST_F(UnreadableFoldersTest, LeaveAnUnreadableFileToTheNextRun) {
+POSIX_TEST_F(UnreadableFoldersTest, LeaveAnUnreadableFileToTheNextRun) {
     EXPECT_TRUE(support::RunsWellUnprivileged(library.Folder(), [&] {
         library.AddFile(R"(Green\One\b.mp3)");
         fs::permissions(library.Music(R"(Green\One\b.mp3)"), fs::perms::none);

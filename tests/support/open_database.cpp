@@ -12,7 +12,8 @@ namespace quillon::support {
 std::unique_ptr<Connection> OpenDatabase(const std::filesystem::path& path) {
     PathResolver resolver{DriveTable(path.parent_path())};
     JetDatabaseProvider provider(resolver);
-    std::string windowsPath = "Z:" + path.string();
+    // On Windows it has its own drive.
+    std::string windowsPath = (path.has_root_name() ? "" : "Z:") + path.string();
     std::replace(windowsPath.begin(), windowsPath.end(), '/', '\\');
     return provider.Open("Provider = Microsoft.Jet.OLEDB.4.0; Data Source=" + windowsPath);
 }

@@ -1,18 +1,12 @@
 #include "tests/support/real_library.h"
 
 #include <algorithm>
-#include <csignal>
-#include <fcntl.h>
 #include <fstream>
-#include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include "database/remove_duplicates.h"
 #include "jukebox/jukebox_database.h"
 #include "reconcile/refresh_database.h"
-#include "tests/outside/child_process.h"
+#include "tests/outside/file_marks.h"
 #include "tests/support/database_rows.h"
 #include "tests/support/open_database.h"
 #include "tests/support/sound_file.h"
@@ -22,21 +16,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr ::uid_t Nobody = 65534;
-
 DriveTable Drives(const fs::path& folder) {
     DriveTable drives(folder);
     drives.Map("D", folder);
     return drives;
-}
-
-/// Runs work in a process of its own; the status it ended with.
-int StatusOf(const std::function<void()>& work) {
-    outside::ChildProcess child([&] {
-        work();
-        return ::testing::Test::HasFailure() ? 1 : 0;
-    });
-    return child.Wait();
 }
 
 }  // namespace
@@ -65,10 +48,8 @@ void RealLibrary::AddFile(const std::string& path, const std::string& bytes, int
     const fs::path file = Music(path);
     fs::create_directories(file.parent_path());
     std::ofstream(file, std::ios::binary) << bytes;
-    constexpr ::time_t FixedTime = 1'600'000'000;
-    const struct ::timespec time{FixedTime + ::time_t{60} * minutes, 0};
-    const struct ::timespec times[2]{time, time};
-    ::utimensat(AT_FDCWD, file.c_str(), times, 0);
+    constexpr std::int64_t FixedTime = 1'600'000'000;
+    outside::SetModified(file, FixedTime + std::int64_t{60} * minutes);
 }
 
 void RealLibrary::AddFile(const std::string& path, int minutes) {
@@ -125,25 +106,6 @@ std::unique_ptr<BinaryReader> RealLibrary::Files::OpenBinary(std::string_view pa
 std::string RealLibrary::Faults() {
     CloseDatabase();
     return StructuralFaults(DatabaseFile());
-}
-
-bool RunsWellUnprivileged(const fs::path& folder, const std::function<void()>& work) {
-    const int status = StatusOf([&] {
-        if (::geteuid() == 0) {
-            EXPECT_EQ(::chown(folder.c_str(), Nobody, Nobody), 0);
-            for (const auto& entry : fs::recursive_directory_iterator(folder))
-                EXPECT_EQ(::lchown(entry.path().c_str(), Nobody, Nobody), 0);
-            EXPECT_EQ(::setegid(Nobody), 0);
-            EXPECT_EQ(::seteuid(Nobody), 0);
-        }
-        work();
-    });
-    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
-}
-
-bool IsKilled(const std::function<void()>& work) {
-    const int status = StatusOf(work);
-    return WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL;
 }
 
 }  // namespace quillon::support

@@ -1,10 +1,8 @@
 #include "undo/file_undo.h"
 
-#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <string>
-#include <sys/stat.h>
 
 #include "tests/platform/files_fixture.h"
 
@@ -28,13 +26,12 @@ class FileUndoTest : public FilesTest {
         return {.size = bytes.size(), .hash = ContentHash(bytes), .bytes = bytes};
     }
     void SetModified(const std::string& name, std::int64_t seconds) {
-        const timespec times[2]{{seconds, 0}, {seconds, 987654321}};
-        ASSERT_EQ(utimensat(AT_FDCWD, (folder_ / name).c_str(), times, 0), 0);
+        outside::SetModified(folder_ / name, seconds, 987654300);
     }
-    timespec Modified(const std::string& name) {
-        struct stat facts{};
-        EXPECT_EQ(stat((folder_ / name).c_str(), &facts), 0);
-        return facts.st_mtim;
+    FileTime Modified(const std::string& name) {
+        const auto facts = FactsOf((folder_ / name).string());
+        EXPECT_TRUE(facts);
+        return facts ? facts->modified : FileTime{};
     }
     FileChange Move(const std::string& from, const std::string& to) {
         FileChange change{.kind = Kind::Moved, .path = from, .target = to, .before = Look(from)};
@@ -51,8 +48,8 @@ TEST_F(FileUndoTest, RenamesAFileBackAndKeepsItsTime) {
     const FileChange change = Move(R"(D:\a.mp3)", R"(D:\b.mp3)");
     EXPECT_EQ(TakeBack(change), Outcome{});
     EXPECT_EQ(folder_.Content("a.mp3"), "song");
-    EXPECT_EQ(Modified("a.mp3").tv_sec, 1500000000);
-    EXPECT_EQ(Modified("a.mp3").tv_nsec, 987654321);
+    EXPECT_EQ(Modified("a.mp3").seconds, 1500000000);
+    EXPECT_EQ(Modified("a.mp3").nanoseconds, 987654300);
     EXPECT_EQ(TakeBack(change).state, State::WasSo);
 }
 
@@ -120,8 +117,8 @@ TEST_F(FileUndoTest, PutsATagBackAndKeepsTheTime) {
                             .after = Content("NEWTAG")};
     EXPECT_EQ(TakeBack(change), Outcome{});
     EXPECT_EQ(folder_.Content("a.mp3"), "audioOLDTAG");
-    EXPECT_EQ(Modified("a.mp3").tv_sec, 1500000000);
-    EXPECT_EQ(Modified("a.mp3").tv_nsec, 987654321);
+    EXPECT_EQ(Modified("a.mp3").seconds, 1500000000);
+    EXPECT_EQ(Modified("a.mp3").nanoseconds, 987654300);
     EXPECT_EQ(TakeBack(change).state, State::WasSo);
 }
 
@@ -135,7 +132,7 @@ TEST_F(FileUndoTest, CutsOffATagThatWasNotThere) {
                             .after = Content("TAG")};
     EXPECT_EQ(TakeBack(change), Outcome{});
     EXPECT_EQ(folder_.Content("a.mp3"), "audio");
-    EXPECT_EQ(Modified("a.mp3").tv_sec, 1500000000);
+    EXPECT_EQ(Modified("a.mp3").seconds, 1500000000);
     EXPECT_EQ(TakeBack(change).state, State::WasSo);
 }
 
@@ -246,7 +243,7 @@ TEST_F(FileUndoTest, GivesAPlaylistItsTimeBack) {
         if (change.after) folder_.MakeFile("Rock.pla", "repaired");
         EXPECT_EQ(TakeBack(change), Outcome{});
         EXPECT_EQ(folder_.Content("Rock.pla"), "broken");
-        EXPECT_EQ(Modified("Rock.pla").tv_sec, 1500000000);
+        EXPECT_EQ(Modified("Rock.pla").seconds, 1500000000);
     }
 }
 
@@ -288,8 +285,8 @@ TEST_F(FileUndoTest, BringsRemovedMusicBackWithItsTime) {
     const FileChange change{.kind = Kind::Deleted, .path = R"(D:\Artist\a.mp3)", .before = kept};
     EXPECT_EQ(TakeBack(change), Outcome{});
     EXPECT_EQ(folder_.Content("Artist/a.mp3"), "song");
-    EXPECT_EQ(Modified("Artist/a.mp3").tv_sec, 1500000000);
-    EXPECT_EQ(Modified("Artist/a.mp3").tv_nsec, 987654321);
+    EXPECT_EQ(Modified("Artist/a.mp3").seconds, 1500000000);
+    EXPECT_EQ(Modified("Artist/a.mp3").nanoseconds, 987654300);
     EXPECT_FALSE(folder_.Exists("host/Removed/now/D/Artist/a.mp3"));
     EXPECT_EQ(TakeBack(change).state, State::WasSo);
 }
