@@ -73,6 +73,11 @@ function(quillon_test name)
     target_link_libraries(${name} PRIVATE quillon_options ${ARG_USES} GTest::gtest_main GTest::gmock)
     # What is tested is optimised in the release build; tests only need to compile fast.
     target_compile_options(${name} PRIVATE -O0)
+    if(WIN32)
+        # All files at once; the usual kind of object has no room for what that makes.
+        set_target_properties(${name} PROPERTIES UNITY_BUILD_BATCH_SIZE 0)
+        target_compile_options(${name} PRIVATE -Wa,-mbig-obj)
+    endif()
     set(options --gtest_brief=1)
     if(WIN32 AND ARG_ASKING_OTHERS)
         list(APPEND options --gtest_filter=-${ARG_ASKING_OTHERS})

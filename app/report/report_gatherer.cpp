@@ -9,6 +9,7 @@
 #include "app/journal/net_changes.h"
 #include "app/journal/tag_differences.h"
 #include "platform/basic_text.h"
+#include "platform/windows_path.h"
 #include "run/paths.h"
 #include "undo/net_rows.h"
 

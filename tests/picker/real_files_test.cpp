@@ -74,7 +74,7 @@ class RealPickerTest : public ::testing::Test {
     static std::vector<std::string> Names(const fs::path& folder) {
         std::vector<std::string> names;
         for (const fs::directory_entry& entry : fs::directory_iterator(folder))
-            names.push_back(entry.path().filename());
+            names.push_back(entry.path().filename().string());
         return names;
     }
 

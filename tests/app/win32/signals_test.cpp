@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <gtest/gtest.h>
+#include <initializer_list>
 #include <thread>
 
 #include "platform/windows/system_headers.h"
@@ -26,7 +27,7 @@ bool IsSoonAsked() {
 }
 
 TEST(AbortSignalsOfConsoles, CtrlCAndCtrlBreakPressAbort) {
-    for (const DWORD event : {CTRL_C_EVENT, CTRL_BREAK_EVENT}) {
+    for (const auto event : std::initializer_list<DWORD>{CTRL_C_EVENT, CTRL_BREAK_EVENT}) {
         const AbortSignals signals;
         EXPECT_FALSE(AbortSignals::AbortRequested());
         HANDLE const thread = Happens(event);
@@ -38,7 +39,8 @@ TEST(AbortSignalsOfConsoles, CtrlCAndCtrlBreakPressAbort) {
 
 // The system ends the process as soon as the handler is done, so it is not done before the run is.
 TEST(AbortSignalsOfConsoles, AClosedConsoleWaitsForTheRunsEnd) {
-    for (const DWORD event : {CTRL_CLOSE_EVENT, CTRL_LOGOFF_EVENT, CTRL_SHUTDOWN_EVENT}) {
+    for (const auto event :
+         std::initializer_list<DWORD>{CTRL_CLOSE_EVENT, CTRL_LOGOFF_EVENT, CTRL_SHUTDOWN_EVENT}) {
         const AbortSignals signals;
         HANDLE const thread = Happens(event);
         EXPECT_TRUE(IsSoonAsked());
