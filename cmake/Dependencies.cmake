@@ -1,5 +1,9 @@
 # Everything comes from Debian's packages; scripts/packages.txt is the list that the scripts install.
 # For Windows, scripts/build-windows-libraries makes it of their sources.
+if(WIN32)
+    # Nothing that asks for a library beside the program.
+    set(CMAKE_FIND_LIBRARY_SUFFIXES .a)
+endif()
 find_package(SQLite3 REQUIRED)
 find_package(fmt REQUIRED)
 find_package(CLI11 REQUIRED)

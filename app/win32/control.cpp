@@ -1,15 +1,26 @@
 #include "app/win32/control.h"
 
-#include <commctrl.h>
 #include <utility>
 
 #include "app/text/display_text.h"
+#include "app/win32/common_controls.h"
 #include "platform/windows/wide_text.h"
 
 namespace quillon {
 namespace {
 
 constexpr UINT_PTR OurSubclass = 1;
+
+LRESULT HandleAsUsual(HWND control, UINT message, WPARAM wParam, LPARAM lParam) {
+    static auto* const handle =
+        CommonControlFunction<decltype(DefSubclassProc)>("DefSubclassProc");
+    return handle(control, message, wParam, lParam);
+}
+
+void Intercept(const Control& control, SUBCLASSPROC procedure) {
+    CommonControlFunction<decltype(SetWindowSubclass)>("SetWindowSubclass")(
+        control.Handle(), procedure, OurSubclass, 0);
+}
 
 /// Set while the run selects a lamp; what else would do that is not heard.
 bool runSelects = false;
@@ -42,7 +53,7 @@ LRESULT CALLBACK PathBoxProcedure(HWND box, UINT message, WPARAM wParam, LPARAM 
         DrawShortened(box);
         return 0;
     }
-    const LRESULT result = DefSubclassProc(box, message, wParam, lParam);
+    const LRESULT result = HandleAsUsual(box, message, wParam, lParam);
     if (message == WM_SETFOCUS || message == WM_KILLFOCUS) InvalidateRect(box, nullptr, TRUE);
     return result;
 }
@@ -62,7 +73,7 @@ LRESULT CALLBACK LampProcedure(HWND lamp, UINT message, WPARAM wParam, LPARAM lP
         default:
             break;
     }
-    return DefSubclassProc(lamp, message, wParam, lParam);
+    return HandleAsUsual(lamp, message, wParam, lParam);
 }
 
 }  // namespace
@@ -148,13 +159,13 @@ std::wstring Caption(std::string_view text) {
 
 Control MakePathBox(HWND parent) {
     Control box(parent, L"EDIT", WS_TABSTOP | ES_READONLY | ES_AUTOHSCROLL, L"", WS_EX_CLIENTEDGE);
-    SetWindowSubclass(box.Handle(), PathBoxProcedure, OurSubclass, 0);
+    Intercept(box, PathBoxProcedure);
     return box;
 }
 
 Control MakeLamp(HWND parent) {
     Control lamp(parent, L"BUTTON", BS_RADIOBUTTON);
-    SetWindowSubclass(lamp.Handle(), LampProcedure, OurSubclass, 0);
+    Intercept(lamp, LampProcedure);
     return lamp;
 }
 

@@ -1,9 +1,9 @@
 #include "app/win32/library_dialog.h"
 
 #include <algorithm>
-#include <commctrl.h>
 
 #include "app/text/display_text.h"
+#include "app/win32/common_controls.h"
 
 namespace quillon {
 namespace {
@@ -37,7 +37,7 @@ LRESULT CALLBACK LibraryDialog::Procedure(HWND window, UINT message, WPARAM wPar
 
 LibraryDialog::LibraryDialog() {
     INITCOMMONCONTROLSEX controls{sizeof controls, ICC_PROGRESS_CLASS | ICC_STANDARD_CLASSES};
-    InitCommonControlsEx(&controls);
+    CommonControlFunction<decltype(InitCommonControlsEx)>("InitCommonControlsEx")(&controls);
     // A long step of the run is no reason to show the window as one that hangs.
     DisableProcessWindowsGhosting();
     WNDCLASSEXW kind{};

@@ -50,8 +50,8 @@ struct FileFacts {
 /// case does not count in their names.
 bool SpeaksWindowsPaths();
 
-/// Whether it has a root, `D:` or `\\server\share`, as far as that can be told without a look for
-/// servers. Never where it has no such paths.
+/// Whether a root, `D:` or `\\server\share`, is there: a share only where its server answers. Never
+/// where the system has no such paths.
 bool HasRoot(std::string_view root);
 
 /// The rights of a new file, before what the system takes from them.

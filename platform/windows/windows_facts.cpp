@@ -26,10 +26,8 @@ std::wstring RootOf(const std::wstring& path) {
 }  // namespace
 
 int LastErrnoAt(const std::wstring& path) {
-    const DWORD code = GetLastError();
-    const int error = ErrnoOf(code);
-    // A name that is not in its folder tells that the folder is there.
-    if (error != ENOENT || code == ERROR_FILE_NOT_FOUND) return error;
+    const int error = LastErrno();
+    if (error != ENOENT) return error;
     const std::wstring root = RootOf(path);
     const bool isKnown =
         root.empty() || GetFileAttributesW(root.c_str()) != INVALID_FILE_ATTRIBUTES;
