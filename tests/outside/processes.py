@@ -2,6 +2,7 @@
 
 import os
 import subprocess
+import tempfile
 from typing import NamedTuple
 
 TIME_LIMIT = 240
@@ -19,7 +20,21 @@ class Told(NamedTuple):
     stderr: str
 
 
-def start(command, folder=None, environment=None, **options):
+class WithErrorsInAFile(subprocess.Popen):
+    """A process whose standard error is kept in a file. What Wine starts beside a program holds that
+    open, so who waits for the end of a pipe would wait for the end of all of it."""
+
+    def __init__(self, command, **options):
+        self.kept = tempfile.TemporaryFile()
+        super().__init__(command, **{**options, "stderr": self.kept})
+
+    def communicate(self, *arguments, **options):
+        output, _ = super().communicate(*arguments, **options)
+        self.kept.seek(0)
+        return output, self.kept.read()
+
+
+def start(command, folder=None, environment=None, kind=subprocess.Popen, **options):
     """A program as a process, in a folder, with further variables of its environment. Nothing is
     typed; what it prints is kept, unless the options say else. A variable that is None is taken
     away."""
@@ -27,7 +42,7 @@ def start(command, folder=None, environment=None, **options):
     variables = {name: value for name, value in variables.items() if value is not None}
     options = {"stdin": subprocess.DEVNULL, "stdout": subprocess.PIPE, "stderr": subprocess.PIPE,
                **options}
-    return subprocess.Popen([str(word) for word in command], cwd=folder, env=variables, **options)
+    return kind([str(word) for word in command], cwd=folder, env=variables, **options)
 
 
 def told_by(process, time_limit=TIME_LIMIT, given=None):

@@ -69,7 +69,7 @@ TEST_F(MovedFilesTest, KeepTheirRowsWhenTheyGetOtherTagsOnTheWay) {
     EXPECT_THAT(Tracks(), Contains(R"(20|Green\New\Bight.mp3|Bight|1)"));
 }
 
-TEST_F(MovedFilesTest, KeepTheirRowsWhenOnlyLetterCaseChanges) {
+POSIX_TEST_F(MovedFilesTest, KeepTheirRowsWhenOnlyLetterCaseChanges) {
     Move(R"(Red)", R"(RED)");
     Move(R"(RED\One\02 - Bay.mp3)", R"(RED\One\02 - BAY.mp3)");
     Reconcile();

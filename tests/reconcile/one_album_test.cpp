@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <set>
 
+#include "tests/outside/posix_test.h"
 #include "tests/support/real_library.h"
 #include "tests/support/test_library.h"
 
@@ -111,7 +112,7 @@ TEST_F(OneAlbumTest, LiesFlatInSeveralLibraryFolders) {
 }
 
 /// A disk with letter case can hold both.
-TEST(OneAlbum, LiesInFoldersThatDifferInLetterCaseAlone) {
+POSIX_TEST(OneAlbum, LiesInFoldersThatDifferInLetterCaseAlone) {
     support::RealLibrary library;
     library.AddFile(R"(Abba\Arrival\a.mp3)", 4);
     library.AddFile(R"(Abba\ARRIVAL\b.mp3)", 3);
@@ -131,7 +132,7 @@ TEST(OneAlbum, LiesInFoldersThatDifferInLetterCaseAlone) {
 }
 
 /// The database cannot hold both paths; one of them is kept and the other named.
-TEST(OneAlbum, HasNoTwoFilesThatDifferInLetterCaseAlone) {
+POSIX_TEST(OneAlbum, HasNoTwoFilesThatDifferInLetterCaseAlone) {
     support::RealLibrary library;
     library.AddFile(R"(Abba\Arrival\Song.mp3)", 1);
     library.AddFile(R"(Abba\Arrival\song.mp3)", 2);

@@ -78,7 +78,7 @@ TEST_F(RealFilesTest, KeepTheirNumbersByAgeFromTheSecondRunOn) {
     EXPECT_EQ(library.Rows("SELECT * FROM Tracks ORDER BY ID"), everything);
 }
 
-TEST_F(RealFilesTest, WithNamesThatAreNotShownCostTheOthersNothing) {
+POSIX_TEST_F(RealFilesTest, WithNamesThatAreNotShownCostTheOthersNothing) {
     library.AddFile(R"(A\B\a.mp3)");
     library.AddFile("A\\B\\bad\xFF.mp3");
     library.AddFile("A\\B\\12\" mix.mp3");

@@ -13,7 +13,7 @@ ROOT = Path(__file__).resolve().parents[2]
 sys.dont_write_bytecode = True
 sys.path[:0] = [str(ROOT / "demo"), str(ROOT / "tests" / "outside")]
 
-from processes import Failed, output_of, start, told_by  # noqa: E402
+from processes import Failed, WithErrorsInAFile, output_of, start, told_by  # noqa: E402
 from readers import checker_at_hand, dumped, exported, faults_of  # noqa: E402
 
 BASE_SETTINGS = {
@@ -76,7 +76,8 @@ class Stage:
             options.update(user=NOBODY, group=NOBODY, extra_groups=[])
         if self.windows_program and arguments[0] in OF_WINDOWS:
             runner = ROOT / "scripts" / "run-windows-program"
-            return start([runner, self.windows_program, *arguments], self.work, **options)
+            return start([runner, self.windows_program, *arguments], self.work,
+                         kind=WithErrorsInAFile, **options)
         return start([self.program, *arguments], self.work, **options)
 
     def call(self, *arguments, **options):

@@ -8,7 +8,7 @@ from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "scenarios"))
 
-from stage import ROOT, Failed, Stage, output_of  # noqa: E402
+from stage import ROOT, Failed, Stage, WithErrorsInAFile, output_of  # noqa: E402
 
 import sound_files  # noqa: E402
 
@@ -58,7 +58,7 @@ class Registration:
     def change(self, lines):
         file = self.folder / "change.reg"
         file.write_text("REGEDIT4\n\n" + "\n".join(lines), "ascii", newline="\r\n")
-        output_of([RUNNER, "reg", "import", there(file)])
+        output_of([RUNNER, "reg", "import", there(file)], kind=WithErrorsInAFile)
 
 
 class BesideHost:

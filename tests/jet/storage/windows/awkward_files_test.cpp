@@ -58,6 +58,12 @@ TEST_F(AwkwardFiles, WithSeveralNamesAreRefused) {
 
 TEST_F(AwkwardFiles, ThatAreWriteProtectedAreOnlyRead) {
     ASSERT_NE(SetFileAttributesW(path_.c_str(), FILE_ATTRIBUTE_READONLY), 0);
+    HANDLE const letIn =
+        CreateFileW(path_.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    if (letIn != INVALID_HANDLE_VALUE) {
+        CloseHandle(letIn);
+        GTEST_SKIP() << "Wine lets the super-user write, which Windows does not";
+    }
     ExpectRefused(ErrorKind::ReadOnly, "Permission denied");
     EXPECT_EQ(DatabaseFile::Open(path_, OpenMode::ReadOnly).TableNames().size(), 2U);
     ASSERT_NE(SetFileAttributesW(path_.c_str(), FILE_ATTRIBUTE_NORMAL), 0);
@@ -80,11 +86,11 @@ TEST_F(AwkwardFiles, ThatAnotherProgramKeepsToItselfAreInUse) {
 
 TEST_F(AwkwardFiles, MayLieDeeperThanTheSystemTakesUnmarked) {
     std::wstring folder = LR"(\\?\)" + folder_.Path().native();
-    for (int depth = 0; depth < 4; ++depth) {
+    for (int depth = 0; depth < 2; ++depth) {
         folder += L'\\' + std::wstring(90, L'd');
         ASSERT_NE(CreateDirectoryW(folder.c_str(), nullptr), 0);
     }
-    const std::filesystem::path deep = folder.substr(4) + LR"(\Öl 日本.mdb)";
+    const std::filesystem::path deep = folder.substr(4) + L'\\' + std::wstring(90, L'f') + LR"( Öl 日本.mdb)";
     ASSERT_GT(deep.native().size(), std::size_t{MAX_PATH});
     DatabaseFile::Create(deep, BothTables());
     EXPECT_EQ(RowsAfterOneMore(deep), 1U);
