@@ -1,11 +1,13 @@
 #include <cerrno>
+#include <fcntl.h>
 #include <io.h>
 
 #include "app/journal/journal_place.h"
 #include "platform/failure.h"
 #include "platform/portable/local_file.h"
 #include "platform/portable/system_failure.h"
-#include "platform/windows/system_headers.h"
+#include "platform/windows/wide_text.h"
+#include "platform/windows/windows_facts.h"
 
 namespace quillon {
 namespace {
@@ -34,7 +36,12 @@ bool JournalPlace::IsTaken(const std::string& name) const {
 
 std::optional<FileHandle> JournalPlace::Make(const std::string& name) const {
     const std::string path = folder_.ShownPath() + '/' + name;
-    const int descriptor = CreateLocal(path, NewFileRights);
+    // Without the right to remove it, which would keep out whoever does not share that: a journal is
+    // read while its run works.
+    HANDLE const file = CreateFileW(WidePath(path).c_str(), GENERIC_READ | GENERIC_WRITE,
+                                    FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                    CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
+    const int descriptor = DescriptorOf(file, _O_RDWR | _O_BINARY | _O_NOINHERIT);
     if (descriptor >= 0) return FileHandle(descriptor, path);
     if (errno != EEXIST) throw SystemFailure(errno, path);
     return std::nullopt;

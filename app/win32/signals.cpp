@@ -14,11 +14,14 @@ constexpr UINT AbortedStatus = 3;
 // of its own.
 std::atomic<bool> abortRequested{false};
 std::atomic<bool> askedByPerson{false};
+std::atomic<bool> closes{false};  ///< the console, the session or the system
 std::atomic<void (*)() noexcept> lastAct{nullptr};
 
 BOOL WINAPI OnConsoleEvent(DWORD event) {
+    const bool isEnd = event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT;
+    if (isEnd) closes = true;
     abortRequested = true;
-    if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) {
+    if (isEnd) {
         // The system ends the process when this returns, and some seconds from now anyway. Until
         // then the run gets to its end, and with it the process.
         Sleep(INFINITE);
@@ -38,7 +41,8 @@ AbortSignals::AbortSignals(BrokenPipe /*pipe*/) {
 }
 
 AbortSignals::~AbortSignals() {
-    SetConsoleCtrlHandler(OnConsoleEvent, FALSE);
+    // A handler that is at work may keep the list of handlers to itself.
+    if (!closes) SetConsoleCtrlHandler(OnConsoleEvent, FALSE);
     lastAct = nullptr;
 }
 

@@ -114,6 +114,8 @@ class Stage:
             # Under Wine all of this system's files are on a drive.
             text = text.replace("Z:" + work, "WORK").replace(work, "WORK")
         text = re.sub(r"\bLine \d+ ", "Line N ", text)
+        # The program for Windows says local paths as Windows does.
+        text = re.sub(r"\bRemoved\\[-_\d]{19}\\.*", lambda path: path[0].replace("\\", "/"), text)
         text = re.sub(r"\bRemoved/[-_\d]{19}/", "Removed/STAMP/", text)
         return re.sub(r"_Copy Dated_\w+?_[AP]M_", "_Copy Dated_STAMP_", text)
 

@@ -1,6 +1,7 @@
 #include "app/signals.h"
 
 #include <chrono>
+#include <cstdlib>
 #include <gtest/gtest.h>
 #include <initializer_list>
 #include <thread>
@@ -37,16 +38,25 @@ TEST(AbortSignalsOfConsoles, CtrlCAndCtrlBreakPressAbort) {
     }
 }
 
-// The system ends the process as soon as the handler is done, so it is not done before the run is.
-TEST(AbortSignalsOfConsoles, AClosedConsoleWaitsForTheRunsEnd) {
-    for (const auto event :
-         std::initializer_list<DWORD>{CTRL_CLOSE_EVENT, CTRL_LOGOFF_EVENT, CTRL_SHUTDOWN_EVENT}) {
-        const AbortSignals signals;
-        HANDLE const thread = Happens(event);
-        EXPECT_TRUE(IsSoonAsked());
-        EXPECT_EQ(WaitForSingleObject(thread, 300), DWORD{WAIT_TIMEOUT});
-        CloseHandle(thread);
-    }
+/// The handler is not done before the run is, since the system ends the process then.
+void ExpectTheRunsEndToBeWaitedFor(DWORD event) {
+    EXPECT_EXIT(
+        {
+            {
+                const AbortSignals signals;
+                HANDLE const thread = Happens(event);
+                if (!IsSoonAsked()) std::exit(1);
+                if (WaitForSingleObject(thread, 300) != WAIT_TIMEOUT) std::exit(2);
+            }
+            std::exit(0);
+        },
+        testing::ExitedWithCode(0), "");
+}
+
+TEST(AbortSignalsOfConsolesDeathTest, AClosedConsoleWaitsForTheRunsEnd) {
+    ExpectTheRunsEndToBeWaitedFor(CTRL_CLOSE_EVENT);
+    ExpectTheRunsEndToBeWaitedFor(CTRL_LOGOFF_EVENT);
+    ExpectTheRunsEndToBeWaitedFor(CTRL_SHUTDOWN_EVENT);
 }
 
 TEST(AbortSignalsOfConsolesDeathTest, TheSecondCtrlCEndsTheProcessAtOnce) {
