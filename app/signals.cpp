@@ -1,40 +1,30 @@
 #include "app/signals.h"
 
 #include <array>
-#include <atomic>
 #include <csignal>
 #include <unistd.h>
+
+#include "app/abort_request.h"
 
 namespace quillon {
 namespace {
 
-constexpr int AbortedStatus = 3;
 constexpr std::array AbortingSignals{SIGINT, SIGTERM, SIGHUP};
-
-// A signal handler receives no context, so what it shares with the program lives here.
-std::atomic<bool> abortRequested{false};
-std::atomic<bool> askedByPerson{false};
-std::atomic<void (*)() noexcept> lastAct{nullptr};
-static_assert(std::atomic<bool>::is_always_lock_free);
-static_assert(std::atomic<void (*)() noexcept>::is_always_lock_free);
 
 std::array<struct sigaction, AbortingSignals.size()> previousActions{};
 struct sigaction previousPipeAction{};
 
 extern "C" void OnAbortSignal(int signal) {
-    abortRequested = true;
+    RequestAbort();
     // A terminal that closes says so more than once, through its shell as well, and the end of a
     // login sends SIGTERM with it. Neither is a person who has lost patience.
-    if (signal == SIGHUP || !askedByPerson.exchange(true)) return;
-    if (auto* const act = lastAct.load(); act != nullptr) act();
-    _exit(AbortedStatus);
+    if (signal != SIGHUP && HasLostPatience()) _exit(AbortedStatus);
 }
 
 }  // namespace
 
 AbortSignals::AbortSignals(BrokenPipe pipe) {
-    abortRequested = false;
-    askedByPerson = false;
+    ForgetAbortRequest();
     for (std::size_t i = 0; i < AbortingSignals.size(); ++i) {
         sigaction(AbortingSignals.at(i), nullptr, &previousActions.at(i));
         // Who starts a job in the background may have had it ignore the keyboard; that stays so.
@@ -57,15 +47,7 @@ AbortSignals::~AbortSignals() {
     for (std::size_t i = 0; i < AbortingSignals.size(); ++i)
         sigaction(AbortingSignals.at(i), &previousActions.at(i), nullptr);
     sigaction(SIGPIPE, &previousPipeAction, nullptr);
-    lastAct = nullptr;
-}
-
-bool AbortSignals::AbortRequested() noexcept {
-    return abortRequested.load();
-}
-
-void AbortSignals::SetLastAct(void (*act)() noexcept) noexcept {
-    lastAct = act;
+    SetLastAct(nullptr);
 }
 
 }  // namespace quillon
