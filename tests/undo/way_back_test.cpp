@@ -132,7 +132,8 @@ class World {
     std::map<std::string, std::string> State() const {
         std::map<std::string, std::string> state;
         for (const auto& entry : fs::recursive_directory_iterator(folder_.Path())) {
-            const std::string name = entry.path().lexically_relative(folder_.Path()).string();
+            const std::string name =
+                entry.path().lexically_relative(folder_.Path()).generic_string();
             if (name.starts_with("host/Changes") || name.starts_with("host/Removed")) continue;
             std::string& content = state[name];
             if (entry.is_directory()) continue;
