@@ -36,8 +36,8 @@ bool JournalPlace::IsTaken(const std::string& name) const {
 
 std::optional<FileHandle> JournalPlace::Make(const std::string& name) const {
     const std::string path = folder_.ShownPath() + '/' + name;
-    // Without the right to remove it, which would keep out whoever does not share that: a journal is
-    // read while its run works.
+    // Without the right to remove it, which would keep out whoever does not share that: a journal
+    // is read while its run works.
     HANDLE const file = CreateFileW(WidePath(path).c_str(), GENERIC_READ | GENERIC_WRITE,
                                     FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
                                     CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);

@@ -12,8 +12,7 @@ namespace {
 constexpr UINT_PTR OurSubclass = 1;
 
 LRESULT HandleAsUsual(HWND control, UINT message, WPARAM wParam, LPARAM lParam) {
-    static auto* const handle =
-        CommonControlFunction<decltype(DefSubclassProc)>("DefSubclassProc");
+    static auto* const handle = CommonControlFunction<decltype(DefSubclassProc)>("DefSubclassProc");
     return handle(control, message, wParam, lParam);
 }
 

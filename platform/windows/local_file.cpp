@@ -73,8 +73,7 @@ bool SpeaksWindowsPaths() {
 bool HasRoot(std::string_view root) {
     const bool isDrive = root.size() == 2 && root[1] == ':';
     if (!isDrive)
-        return root.starts_with(R"(\\)") &&
-               IsFolderName(AttributesOf(std::string(root) + '\\'));
+        return root.starts_with(R"(\\)") && IsFolderName(AttributesOf(std::string(root) + '\\'));
     const auto letter = static_cast<unsigned>((root[0] | 0x20) - 'a');
     return letter < 26 && ((GetLogicalDrives() >> letter) & 1U) != 0;
 }
