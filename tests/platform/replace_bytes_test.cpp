@@ -80,10 +80,11 @@ TEST_F(ReplaceBytesTest, ChangesNothingThatIsNotAsItWasSeen) {
     EXPECT_EQ(Content(), "head and audio");
 }
 
-TEST_F(ReplaceBytesTest, ATimeComesBackToTheNanosecond) {
+TEST_F(ReplaceBytesTest, ATimeComesBackAsExactAsTheDiskKeepsIt) {
+    const std::int64_t step = SpeaksWindowsPaths() ? 100 : 1;
     const std::int64_t time = files_.ExactTimeOf(Song);
     EXPECT_EQ(time, 1700000000123456700);
-    for (const std::int64_t other : {time + 1, std::int64_t{-1'500'000'000}}) {
+    for (const std::int64_t other : {time + step, std::int64_t{-1'500'000'000}}) {
         files_.SetExactTime(Song, other);
         EXPECT_EQ(files_.ExactTimeOf(Song), other);
     }

@@ -215,16 +215,20 @@ TEST_F(WindowsFilesTest, WhatLiesOnADriveThatIsAwayCannotBeTold) {
 
 TEST_F(WindowsFilesTest, ADriveThatGoesAwayTakesNothingAlong) {
     const std::string drive = FreeDrive();
-    const std::wstring name = WideText(drive), target = folder_.Path().native();
+    const std::wstring name = WideText(drive), nowhere = (folder_ / "away").native();
+    const auto expectUntold = [&](const char* when) {
+        EXPECT_THAT(FailureOf([&] { files_.FileExists(drive + "\\Music\\a.mp3"); }),
+                    testing::StartsWith("Path/File access error: " + drive))
+            << when;
+        EXPECT_THAT(FailureOf([&] { files_.FilesIn(drive + "\\Music"); }),
+                    testing::StartsWith("Path/File access error: " + drive))
+            << when;
+    };
     EXPECT_FALSE(files_.FolderExists(drive + "\\")) << "it has never been there";
-    folder_.MakeFile("Music/a.mp3");
-    ASSERT_NE(DefineDosDeviceW(0, name.c_str(), target.c_str()), 0);
-    EXPECT_TRUE(files_.FileExists(drive + "\\Music\\a.mp3"));
+    ASSERT_NE(DefineDosDeviceW(0, name.c_str(), nowhere.c_str()), 0);
+    expectUntold("its letter is there, its disk is not");
     ASSERT_NE(DefineDosDeviceW(DDD_REMOVE_DEFINITION, name.c_str(), nullptr), 0);
-    EXPECT_THAT(FailureOf([&] { files_.FileExists(drive + "\\Music\\a.mp3"); }),
-                testing::StartsWith("Path/File access error: " + drive));
-    EXPECT_THAT(FailureOf([&] { files_.FilesIn(drive + "\\Music"); }),
-                testing::StartsWith("Path/File access error: " + drive));
+    expectUntold("its letter is gone, too");
 }
 
 TEST_F(WindowsFilesTest, NamesThatWindowsKeepsForItselfAreNamesLikeOthers) {
