@@ -80,7 +80,7 @@ POSIX_TEST_F(MovedFilesTest, KeepTheirRowsWhenOnlyLetterCaseChanges) {
 }
 
 /// On a disk with letter case one song may get the name of another, which the database cannot tell.
-TEST_F(MovedFilesTest, KeepTheirRowsWhereOneTakesTheNameOfAnotherInOtherLetterCase) {
+POSIX_TEST_F(MovedFilesTest, KeepTheirRowsWhereOneTakesTheNameOfAnotherInOtherLetterCase) {
     const auto tracks = Tracks();
     Move(R"(Red\One\02 - Bay.mp3)", R"(Red\One\01 - ASH.mp3)");
     Reconcile();

@@ -151,7 +151,7 @@ POSIX_TEST(OneAlbum, HasNoTwoFilesThatDifferInLetterCaseAlone) {
 
 /// The row may be that of either file, so it stays as it is, with all that the household has told
 /// it.
-TEST(OneAlbum, KeepsItsRowsWhereANameIsThatOfAnotherFile) {
+POSIX_TEST(OneAlbum, KeepsItsRowsWhereANameIsThatOfAnotherFile) {
     support::RealLibrary library;
     library.AddFile(R"(Abba\Arrival\song.mp3)", 4);
     library.AddFile(R"(Abba\Arrival\other.mp3)", 3);

@@ -49,6 +49,9 @@ class Registration:
         self.change([f'[{CLASSES}\\{key}]\n@="{self.quoted(value)}"\n' for key, value in self.keys])
 
     def __exit__(self, kind, value, trace):
+        self.remove()
+
+    def remove(self):
         self.change([f"[-{CLASSES}\\{OBJECT}]\n", f"[-{CLASSES}\\CLSID\\{CLASS}]\n"])
 
     @staticmethod
@@ -139,12 +142,17 @@ def main():
         with Stage(program) as stage:
             stage.windows_program = windows_program
             host = BesideHost(stage)
+            library, server = (
+                Registration(stage, kind, Path(servers) / f"automation_server.{suffix}")
+                for kind, suffix in (("InprocServer32", "dll"), ("LocalServer32", "exe")))
+            # One that was killed leaves the object behind.
+            library.remove()
             without_object(host)
-            with Registration(stage, "InprocServer32", Path(servers) / "automation_server.dll"):
+            with library:
                 without_plugin(host)
                 whole_run(host)
                 tells_the_log(host)
-            with Registration(stage, "LocalServer32", Path(servers) / "automation_server.exe"):
+            with server:
                 whole_run(host)
             without_object(host)
             stage.confirm_database()
