@@ -5,9 +5,13 @@ A settled library changes (files added, removed, renamed, moved); the run that s
 stopped at one moment after another, each time from the same start. Whatever the moment, nothing may
 be lost that an undisturbed run would not remove, no number may be missing, the file must be
 whole, and further runs must end where undisturbed ones end, with playlists of the same songs.
+
+A run of the program for Windows is killed by a program beside it ($QUILLON_TERMINATOR): some by the time
+since they have the database open, some right when they are writing it.
 """
 
 import os
+import re
 import shutil
 import signal
 import sys
@@ -74,13 +78,44 @@ def timed_run(stage):
     return time.monotonic() - began
 
 
+RUN = ("run", "--view", "plain", "--host")
+KILLED = 137  # what the terminator tells
+
+
 def stop_at(stage, seconds, number):
     """Starts a run and sends it a signal after that time; its exit status."""
-    process = stage.start("run", "--host", str(stage.host), "--view", "plain")
+    process = stage.start(*RUN, str(stage.host))
     time.sleep(seconds)
     process.send_signal(number)
     output, errors = process.communicate()
     return process.returncode, output.decode() + errors.decode()
+
+
+class Terminator:
+    """Kills runs of the program for Windows from within Windows."""
+
+    def __init__(self, stage, program):
+        self.stage = stage
+        self.program = program
+        # The first is there as long as the database is open, the second while it is overwritten.
+        self.files = [stage.disk / "jukebox.ldb", stage.disk / "jukebox.mdb.journal"]
+
+    def told(self, file, microseconds):
+        under = (self.program, f"Z:{file}", microseconds)
+        status, output, _ = self.stage.call(*RUN, str(self.stage.host), under=under)
+        return status, output
+
+    def duration(self, file):
+        """For how many microseconds a run has the file."""
+        status, output = self.told(file, "never")
+        lasted = re.search(r"^lasted (\d+)", output, re.MULTILINE)
+        if status != 0 or not lasted:
+            raise Failed(f"a run that is only watched ends with {status}:\n{output}")
+        return int(lasted[1])
+
+    def kills(self, file, microseconds):
+        """Whether the run was killed before its end."""
+        return self.told(file, str(microseconds))[0] == KILLED
 
 
 def remove_backups(stage):
@@ -112,6 +147,9 @@ class Interrupted:
             raise Failed("the playlists were not repaired")
         if self.settled == self.before or not self.settled:
             raise Failed("the changed library left no trace")
+        program = os.environ.get("QUILLON_TERMINATOR")
+        self.terminator = Terminator(stage, program) if program else None
+        self.durations = [self.watched(file) for file in self.terminator.files] if program else []
 
     def make_playlists(self):
         """A list for each artist, of its songs from the last to the first."""
@@ -129,6 +167,10 @@ class Interrupted:
         remove_backups(self.stage)
         # Some moments lie behind the usual end, as a disturbed run may take longer.
         return self.duration * 1.1 * moment / self.moments
+
+    def watched(self, file):
+        self.from_the_start(0)
+        return self.terminator.duration(file)
 
     def nothing_lost(self):
         """Rows that an undisturbed run keeps are there, and no mark is left in any."""
@@ -174,17 +216,27 @@ class Interrupted:
         self.ends_like_the_others()
         return status == 3
 
+    def is_killed(self, moment):
+        seconds = self.from_the_start(moment)
+        if not self.terminator:
+            return stop_at(self.stage, seconds, signal.SIGKILL)[0] == -signal.SIGKILL
+        kind = moment // 2 % 2
+        wait = self.durations[kind] * moment // self.moments
+        return self.terminator.kills(self.terminator.files[kind], wait)
+
     def kill(self, moment):
-        status, _ = stop_at(self.stage, self.from_the_start(moment), signal.SIGKILL)
+        is_killed = self.is_killed(moment)
         self.unrepaired += Path(f"{self.stage.database}.playlists").exists()
         self.half_written += Path(f"{self.stage.database}.journal").exists()
-        self.stage.execute("DELETE * FROM SpinnerID3Differences")
-        self.stage.tool("db", "check", str(self.stage.database))
-        confirm_whole(self.stage.database)
+        # The next run of the program for Windows has to put things right itself.
+        if not self.terminator:
+            self.stage.execute("DELETE * FROM SpinnerID3Differences")
+            self.stage.tool("db", "check", str(self.stage.database))
+            confirm_whole(self.stage.database)
         if moment % 2 == 0:
             self.library_away()
         self.ends_like_the_others()
-        return status == -signal.SIGKILL
+        return is_killed
 
     def library_away(self):
         """The next run finds no library at all: it gives the numbers back and removes nothing."""
@@ -216,7 +268,10 @@ def main():
         print(f"of which {story.unrepaired} with playlists to be repaired, {story.half_written} with a journal")
     print(f"{recoveries} runs took playlists as an interrupted one had captured them")
     # Otherwise nothing was tested.
-    return 0 if stopped >= moments // 4 and (way == "abort" or story.unrepaired > 0) else 1
+    was_tested = stopped >= moments // 4 and (way == "abort" or story.unrepaired > 0)
+    if story.terminator:
+        was_tested = was_tested and stopped >= moments * 3 // 4 and story.half_written > 0
+    return 0 if was_tested else 1
 
 
 if __name__ == "__main__":

@@ -70,13 +70,14 @@ class Stage:
         lines = ["[NPFrame]"] + [f"{key}={value}" for key, value in self.settings.items()]
         (self.host / "Quillon.ini").write_text("\r\n".join(lines) + "\r\n", "utf-8", newline="")
 
-    def start(self, *arguments, unprivileged=False, **options):
-        """The program as a process, in the stage's folder."""
+    def start(self, *arguments, unprivileged=False, under=(), **options):
+        """The program as a process, in the stage's folder. Runs of a program for Windows can be
+        started by another one."""
         if unprivileged and os.geteuid() == 0:
             options.update(user=NOBODY, group=NOBODY, extra_groups=[])
         if self.windows_program and arguments[0] in OF_WINDOWS:
             runner = ROOT / "scripts" / "run-windows-program"
-            return start([runner, self.windows_program, *arguments], self.work,
+            return start([runner, *under, self.windows_program, *arguments], self.work,
                          kind=WithErrorsInAFile, **options)
         return start([self.program, *arguments], self.work, **options)
 
