@@ -353,9 +353,12 @@ std::unique_ptr<TextWriter> PortableFiles::CreateText(std::string_view path,
                                                       SafeFile::Existing existing) {
     const WindowsPath parsed = ParseWindowsPath(path);
     const std::string local = LocalToWrite(parsed);
-    return std::make_unique<AnsiTextWriter>(
+    auto writer = std::make_unique<AnsiTextWriter>(
         local, parsed.Text(), existing, [this] { SyncNames(); },
         [this, local] { resolver_.Index().Added(local); });
+    // Else the next look at the folder would read it anew.
+    resolver_.Index().MadeBeside(local);
+    return writer;
 }
 
 std::unique_ptr<TextBatch> PortableFiles::CreateTexts(TextBatch::Done done) {

@@ -107,6 +107,26 @@ def new_lists_are_flushed_together(baseline, counts):
     counts.expect(f"flushes for {len(written)} lists", 2 * (len(written) - new) + 4, flushes)
 
 
+def lists_that_come_back_cost_no_listing_each(workshop, baseline, counts):
+    """An undo of an undo writes one list after the other again."""
+    library = baseline.library.copy_to(workshop.folder / "undone")
+    library.run(environment(library.folder, 0, workshop.preload))
+    record = workshop.folder / "record of undo"
+    record.touch()
+    for number, asked in ((1, {}), (2, {"record": record})):
+        last = max((library.host / "Changes").glob("*.jsonl")).stem
+        command = [str(workshop.program), "undo", last, "--host", str(library.host), "--yes"]
+        status, *_ = library.told(
+            command, environment(library.folder, number, workshop.preload, **asked))
+        counts.expect("status of an undo", 0, status)
+    calls = calls_in(record, library.folder)
+    written = sum(call.name == "rename" and "-> host/Playlists/" in call.path for call in calls)
+    counts.expect(f"{written} lists are many", True, written > 4)
+    # For the unfinished files of others and for the first of the lists.
+    listings = sum(call.name == "closedir" and call.path == "host/Playlists" for call in calls)
+    counts.expect("listings of the folder that they come back to", 2, listings)
+
+
 def new_music_is_read_once(baseline, counts):
     calls = baseline.calls
     opened = Counter(call.path for call in songs(calls) if call.name.startswith("open"))
@@ -144,8 +164,9 @@ def main():
         baseline = workshop.baseline("reconcile")
         a_library_that_has_not_changed_is_not_written_to(workshop, baseline, counts)
         new_music_is_read_once(baseline, counts)
-        new_lists_are_flushed_together(
-            workshop.baseline("reconcile-tags", without_generated_lists), counts)
+        tagged = workshop.baseline("reconcile-tags", without_generated_lists)
+        new_lists_are_flushed_together(tagged, counts)
+        lists_that_come_back_cost_no_listing_each(workshop, tagged, counts)
     finally:
         shutil.rmtree(folder)
     print(f"{counts.failed} counts are other than they should be")
