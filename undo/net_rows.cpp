@@ -84,7 +84,7 @@ void NetRows::Note(const RowChange& change) {
     const std::size_t number = EntryFor(change);
     Entry& entry = entries_[number];
     const std::string keyBefore = KeyText(change.table, entry.row.now.key);
-    if (!entry.row.saved) entry.row.saved = entry.row.now;
+    KeepSaved(entry);
     Apply(entry, change);
     const std::string keyNow = KeyText(change.table, entry.row.now.key);
     if (keyNow != keyBefore) {
@@ -92,6 +92,16 @@ void NetRows::Note(const RowChange& change) {
         byKey_[keyNow].push_back(number);
     }
     Wait(number);
+}
+
+/// What the row is in the database, before its first change since the last save.
+void NetRows::KeepSaved(Entry& entry) {
+    if (entry.Saved() != nullptr) return;
+    const bool isNew = entry.row.before.fields.empty() && entry.row.now == entry.row.before;
+    if (isNew && dates_.empty())
+        entry.isSavedAsBefore = true;
+    else
+        entry.row.saved = entry.row.now;
 }
 
 /// For the next save.
@@ -106,6 +116,7 @@ void NetRows::Note(const DateReplaced& date) {
     for (std::size_t number = 0; number < entries_.size(); ++number) {
         Entry& entry = entries_[number];
         if (entry.row.table != date.table) continue;
+        if (std::exchange(entry.isSavedAsBefore, false)) entry.row.saved = entry.row.before;
         const std::string keyBefore = KeyText(date.table, entry.row.now.key);
         if (!FollowDate(entry, date)) continue;
         const std::string keyNow = KeyText(date.table, entry.row.now.key);
@@ -158,8 +169,8 @@ std::size_t NetRows::EntryFor(const RowChange& change) {
     const auto fits = [&](std::size_t number) {
         const Entry& entry = entries_[number];
         // What an earlier run did not save may not have happened.
-        const bool isSure = entry.run == run_ || !entry.row.saved ||
-                            entry.row.now.exists == entry.row.saved->exists;
+        const bool isSure = entry.run == run_ || entry.Saved() == nullptr ||
+                            entry.row.now.exists == entry.Saved()->exists;
         return !isSure || entry.row.now.exists != isAdded;
     };
     const auto found = std::ranges::find_if(known, fits);
@@ -196,6 +207,7 @@ void NetRows::Apply(Entry& entry, const RowChange& change) {
 void NetRows::Save() {
     for (const std::size_t number : waiting_) {
         entries_[number].row.saved.reset();
+        entries_[number].isSavedAsBefore = false;
         entries_[number].waits = false;
     }
     waiting_.clear();

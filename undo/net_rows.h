@@ -27,8 +27,8 @@ struct NetRow {
     std::string table;
     RowState before;  ///< the runs
     RowState now;     ///< since then
-    /// As far as the database was saved, where that is less: a run that was killed may have got as
-    /// far as either.
+    /// As far as the database was saved, where that is less and not as before: a run that was
+    /// killed may have got as far as either.
     std::optional<RowState> saved;
 };
 
@@ -53,10 +53,19 @@ class NetRows {
         NetRow row;
         std::size_t run = 0;  ///< which one has changed it last
         bool waits = false;   ///< to be saved
+        /// In the database the row is as before: `row.saved` would be the same, of all rows of a
+        /// run that saves them at once.
+        bool isSavedAsBefore = false;
+
+        const RowState* Saved() const {
+            if (isSavedAsBefore) return &row.before;
+            return row.saved ? &*row.saved : nullptr;
+        }
     };
 
     void Note(const RowChange& change);
     void Note(const DateReplaced& date);
+    void KeepSaved(Entry& entry);
     bool FollowDate(Entry& entry, const DateReplaced& date) const;
     Value AsBefore(const std::string& table, const std::string& field, Value value) const;
     bool IsAsBefore(const NetRow& row, const RowState& state) const;
