@@ -51,9 +51,8 @@ WaitingMusic::WaitingMusic(Run& run) : run_(run) {
     Library& library = run_.TheLibrary();
     for (const auto& [id, song] : songs_) {
         TrackRow* const track = library.FindTrack(id);
-        // A run that was killed has noted the row and not changed it. What this one's comparison of
-        // tags has found for it is no return yet.
-        track->isWaiting = track->number.Before().value_or(0) == 0;
+        // A run that was killed has noted the row and not changed it.
+        track->isWaiting = track->number.Truth().value_or(0) == 0;
         AlbumRow* const album = library.AlbumOf(*track);
         if (track->isWaiting && album != nullptr && album->count.Truth().value_or(0) == 0)
             album->isWaiting = true;

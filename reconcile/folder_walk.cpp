@@ -11,9 +11,10 @@
 namespace quillon {
 
 Walk::Walk(Run& theRun) : run(theRun), library(theRun.TheLibrary()), sequence(theRun) {
+    // Before the marks: a number that the comparison of tags has found for a row is no return yet.
+    if (run.movedMusic.KeepDays > 0) waiting = std::make_unique<WaitingMusic>(run);
     library.MarkAll();
     savedAt = run.clock.Now();
-    if (run.movedMusic.KeepDays > 0) waiting = std::make_unique<WaitingMusic>(run);
     if (run.movedMusic.FollowMovedFiles) moved = std::make_unique<MovedMusic>(*this);
     std::unordered_set<std::string> seen;
     for (const FolderEntry& folder : run.LibraryFolders) {
