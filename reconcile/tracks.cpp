@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdint>
 #include <functional>
-#include <limits>
 #include <numeric>
 #include <optional>
 #include <span>
@@ -24,6 +23,7 @@
 #include "reconcile/new_rows.h"
 #include "reconcile/number_order.h"
 #include "reconcile/numbers_taken.h"
+#include "reconcile/tag_numbers.h"
 #include "reconcile/wished_numbers.h"
 #include "run/log.h"
 #include "run/paths.h"
@@ -34,12 +34,6 @@ namespace quillon {
 namespace {
 
 constexpr std::int64_t NoNumber = -1;
-
-/// Nothing for what is no number. Failure: Overflow beyond 16 bits.
-std::optional<std::int64_t> IntegerIn(std::string_view text) {
-    if (!IsNumeric(text)) return std::nullopt;
-    return ToInteger(text);
-}
 
 /// One album's files on their way through the passes.
 class AlbumTracks {
@@ -192,13 +186,8 @@ class AlbumTracks {
 
     /// Of files in no disc folder the tags tell the disc.
     Disc FindDisc(const ListedFile& file) const {
-        Disc disc{.folder = file.Disc};
-        if (!run_.modern.joinsDiscs || file.Disc > 0 || !file.Tag) return disc;
-        constexpr double Most = 99;
-        const std::optional<double> number = ToNumber(file.Tag->disc);
-        if (number && *number >= 1 && *number <= Most)
-            disc.tag = static_cast<std::int64_t>(*number);
-        return disc;
+        const bool isToldByTag = run_.modern.joinsDiscs && file.Disc <= 0 && file.Tag;
+        return {.folder = file.Disc, .tag = isToldByTag ? DiscNumberIn(file.Tag->disc) : 1};
     }
 
     /// The same for files of one age.
@@ -236,11 +225,7 @@ class AlbumTracks {
     }
 
     std::optional<std::int64_t> TagNumber(ListedFile& file) {
-        constexpr double Most = std::numeric_limits<std::int16_t>::max();
-        const std::string& text = TagOf(file).number;
-        const std::optional<double> number = ToNumber(text);
-        if (!number || *number < 0 || *number > Most) return std::nullopt;
-        return ToInteger(text);
+        return AskedNumberIn(TagOf(file).number);
     }
 
     /// The number in the album for one on the file's disc, which has its own range of numbers.
@@ -303,8 +288,8 @@ class AlbumTracks {
         const std::string& path = file.Name;
         const TrackTag& tag = TagOf(file);
         if (file.IsUnreadable) return nullptr;
-        const std::optional<std::int64_t> number = IntegerIn(tag.number);
-        const std::optional<std::int64_t> length = IntegerIn(tag.seconds);
+        const std::optional<std::int64_t> number = StoredNumberIn(tag.number);
+        const std::optional<std::int64_t> length = StoredNumberIn(tag.seconds);
         TrackRow& row = library_.AddTrack(FieldsOf(
             run_.clock.Now(), NewTrack{.cdjid = album_.cdjid,
                                        .minutes = length ? *length / 60 : NoLength,
@@ -321,7 +306,7 @@ class AlbumTracks {
     /// A length that nobody knew may be known by now: version 1 has no place for it.
     void FindLength(const TrackRow& row, ListedFile& file, std::vector<FieldValue>& changes) {
         if (!run_.modern.readsAllTags || LengthOf(row)) return;
-        const auto length = IntegerIn(TagOf(file).seconds);
+        const auto length = StoredNumberIn(TagOf(file).seconds);
         if (!length || *length <= 0) return;
         changes.push_back({"Minutes", *length / 60});
         changes.push_back({"Seconds", *length % 60});
