@@ -1,10 +1,8 @@
-#include "undo/file_undo.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <string>
 
-#include "tests/platform/files_fixture.h"
+#include "tests/undo/file_undo_fixture.h"
 
 namespace quillon {
 namespace {
@@ -12,35 +10,6 @@ namespace {
 using testing::HasSubstr;
 using Kind = FileChange::Kind;
 using State = Outcome::State;
-
-/// The host folder is D:\host.
-class FileUndoTest : public FilesTest {
-  protected:
-    Outcome TakeBack(const FileChange& change) { return undo_.TakeBack(change); }
-
-    FileContent Look(std::string_view path) {
-        const FileEntry entry = files_.GetFile(path);
-        return {.size = entry.size, .modified = entry.modified};
-    }
-    static FileContent Content(const std::string& bytes) {
-        return {.size = bytes.size(), .hash = ContentHash(bytes), .bytes = bytes};
-    }
-    void SetModified(const std::string& name, std::int64_t seconds) {
-        outside::SetModified(folder_ / name, seconds, 987654300);
-    }
-    FileTime Modified(const std::string& name) {
-        const auto facts = FactsOf((folder_ / name).string());
-        EXPECT_TRUE(facts);
-        return facts ? facts->modified : FileTime{};
-    }
-    FileChange Move(const std::string& from, const std::string& to) {
-        FileChange change{.kind = Kind::Moved, .path = from, .target = to, .before = Look(from)};
-        files_.MoveFile(from, to);
-        return change;
-    }
-
-    FileUndo undo_{files_, R"(D:\host)"};
-};
 
 TEST_F(FileUndoTest, RenamesAFileBackAndKeepsItsTime) {
     folder_.MakeFile("a.mp3", "song");
@@ -105,116 +74,6 @@ TEST_F(FileUndoTest, SaysWhereARenamedFileIsGone) {
     const FileChange change = Move(R"(D:\a.mp3)", R"(D:\b.mp3)");
     std::filesystem::remove(folder_ / "b.mp3");
     EXPECT_EQ(TakeBack(change), Outcome::Refusal("D:\\b.mp3 is not there any more"));
-}
-
-TEST_F(FileUndoTest, PutsATagBackAndKeepsTheTime) {
-    folder_.MakeFile("a.mp3", "audioNEWTAG");
-    SetModified("a.mp3", 1500000000);
-    const FileChange change{.kind = Kind::EndWritten,
-                            .path = R"(D:\a.mp3)",
-                            .position = 5,
-                            .before = Content("OLDTAG"),
-                            .after = Content("NEWTAG")};
-    EXPECT_EQ(TakeBack(change), Outcome{});
-    EXPECT_EQ(folder_.Content("a.mp3"), "audioOLDTAG");
-    EXPECT_EQ(Modified("a.mp3").seconds, 1500000000);
-    EXPECT_EQ(Modified("a.mp3").nanoseconds, 987654300);
-    EXPECT_EQ(TakeBack(change).state, State::WasSo);
-}
-
-TEST_F(FileUndoTest, CutsOffATagThatWasNotThere) {
-    folder_.MakeFile("a.mp3", "audioTAG");
-    SetModified("a.mp3", 1500000000);
-    const FileChange change{.kind = Kind::EndWritten,
-                            .path = R"(D:\a.mp3)",
-                            .position = 5,
-                            .before = Content(""),
-                            .after = Content("TAG")};
-    EXPECT_EQ(TakeBack(change), Outcome{});
-    EXPECT_EQ(folder_.Content("a.mp3"), "audio");
-    EXPECT_EQ(Modified("a.mp3").seconds, 1500000000);
-    EXPECT_EQ(TakeBack(change).state, State::WasSo);
-}
-
-TEST_F(FileUndoTest, PutsAShorterEndBackEvenWhereItWasCutOffInBetween) {
-    const FileChange change{.kind = Kind::EndWritten,
-                            .path = R"(D:\a.mp3)",
-                            .position = 5,
-                            .before = Content("OLD"),
-                            .after = Content("LONGER")};
-    for (const char* const content : {"audioLONGER", "audio"}) {
-        folder_.MakeFile("a.mp3", content);
-        EXPECT_EQ(TakeBack(change), Outcome{});
-        EXPECT_EQ(folder_.Content("a.mp3"), "audioOLD");
-    }
-}
-
-TEST_F(FileUndoTest, PutsATagBackThatAnInterruptedRunHasWrittenInPart) {
-    const FileChange change{.kind = Kind::EndWritten,
-                            .path = R"(D:\a.mp3)",
-                            .position = 5,
-                            .before = Content("OLDTAG"),
-                            .after = Content("NEWTIP")};
-    FileUndo afterInterruption(files_, R"(D:\host)", Writes::PerhapsTorn);
-    for (const char* const content : {"audioNEWTAG", "audioOLDTIP", "audioNLDTAG"}) {
-        folder_.MakeFile("a.mp3", content);
-        EXPECT_EQ(TakeBack(change), Outcome::Refusal("D:\\a.mp3 has been changed since"));
-        EXPECT_EQ(afterInterruption.TakeBack(change), Outcome{}) << content;
-        EXPECT_EQ(folder_.Content("a.mp3"), "audioOLDTAG");
-    }
-    folder_.MakeFile("a.mp3", "audioOWNTAG");
-    EXPECT_EQ(afterInterruption.TakeBack(change),
-              Outcome::Refusal("D:\\a.mp3 has been changed since"));
-}
-
-TEST_F(FileUndoTest, PutsAPieceBackThatAnInterruptedRunHasWrittenInPart) {
-    FileChange change{.kind = Kind::PieceReplaced,
-                      .path = R"(D:\a.mp3)",
-                      .position = 3,
-                      .before = FileContent{.size = 14, .bytes = "OLDTAG"},
-                      .after = FileContent{.size = 14, .hash = ContentHash("NEWTIP")}};
-    change.after->bytes = "NEWTIP";
-    FileUndo afterInterruption(files_, R"(D:\host)", Writes::PerhapsTorn);
-    for (const char* const content : {"ID3NEWTAGsound", "ID3OLDTIPsound"}) {
-        folder_.MakeFile("a.mp3", content);
-        EXPECT_EQ(TakeBack(change), Outcome::Refusal("D:\\a.mp3 has been changed since"));
-        EXPECT_EQ(PieceUndo(files_, "").ProgressOf(change), Progress::Partly);
-        EXPECT_EQ(afterInterruption.TakeBack(change), Outcome{}) << content;
-        EXPECT_EQ(folder_.Content("a.mp3"), "ID3OLDTAGsound");
-        EXPECT_EQ(PieceUndo(files_, "").ProgressOf(change), Progress::NotBegun);
-    }
-    for (const char* const content : {"ID3OWNTAGsound", "ID3NEWTAGsound and more"}) {
-        folder_.MakeFile("a.mp3", content);
-        EXPECT_EQ(PieceUndo(files_, "").ProgressOf(change), Progress::Unknown);
-        EXPECT_EQ(afterInterruption.TakeBack(change),
-                  Outcome::Refusal("D:\\a.mp3 has been changed since"));
-    }
-}
-
-TEST_F(FileUndoTest, CutsOffATagOfWhichOnlyTheBeginningWasWritten) {
-    folder_.MakeFile("a.mp3", "audioTA");
-    const FileChange change{.kind = Kind::EndWritten,
-                            .path = R"(D:\a.mp3)",
-                            .position = 5,
-                            .before = Content(""),
-                            .after = Content("TAG")};
-    EXPECT_EQ(FileUndo(files_, R"(D:\host)", Writes::PerhapsTorn).TakeBack(change), Outcome{});
-    EXPECT_EQ(folder_.Content("a.mp3"), "audio");
-}
-
-TEST_F(FileUndoTest, LeavesATagThatAnotherProgramHasWritten) {
-    const FileChange change{.kind = Kind::EndWritten,
-                            .path = R"(D:\a.mp3)",
-                            .position = 5,
-                            .before = Content("OLD"),
-                            .after = Content("NEW")};
-    for (const char* const content : {"audioXXX", "audioNEW and more", "aud"}) {
-        folder_.MakeFile("a.mp3", content);
-        EXPECT_EQ(TakeBack(change), Outcome::Refusal("D:\\a.mp3 has been changed since"));
-        EXPECT_EQ(folder_.Content("a.mp3"), content);
-    }
-    std::filesystem::remove(folder_ / "a.mp3");
-    EXPECT_EQ(TakeBack(change), Outcome::Refusal("D:\\a.mp3 is not there any more"));
 }
 
 TEST_F(FileUndoTest, WritesAPlaylistAsItWas) {

@@ -9,7 +9,6 @@ import sys
 import tempfile
 import threading
 import time
-from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
 
 sys.dont_write_bytecode = True
@@ -188,25 +187,13 @@ def odd_requests_do_no_harm(work):
 def slow_and_idle_clients_hinder_nobody(work):
     with Server(PROGRAM, host_folder(work)) as server:
         # More silent ones at once than wait for being accepted where nobody sees to that.
-        idle = crowd_at(server, 200) + crowd_at(server, 20, b"GET / HTTP/1.1\r\nHost: local")
+        idle = server.crowd(200) + server.crowd(20, b"GET / HTTP/1.1\r\nHost: local")
         expect("page meanwhile", 200, server.ask(INDEX)[0])
         # They are let go, with or without an answer.
         for connection in idle:
             while connection.recv(65536):
                 pass
             connection.close()
-
-
-def crowd_at(server, count, request=b""):
-    """That many clients, who come all at once and send this."""
-
-    def come(_):
-        connection = server.connect()
-        connection.sendall(request)
-        return connection
-
-    with ThreadPoolExecutor(count) as clients:
-        return list(clients.map(come, range(count)))
 
 
 def answered_soon(server, what):
@@ -264,7 +251,7 @@ def a_head_has_a_time_in_which_it_must_have_come(work):
 
 def more_than_may_wait_push_out_who_waits_longest(work):
     with Server(PROGRAM, host_folder(work)) as server:
-        crowd = crowd_at(server, 600)
+        crowd = server.crowd(600)
         answered_soon(server, "say nothing")
         for connection in crowd:
             connection.close()
@@ -277,7 +264,7 @@ def clients_that_keep_an_answer_waiting_hinder_nobody(work):
         for what, request in (
                 ("do not read", b"GET /big.jpg HTTP/1.1\r\nHost: localhost\r\n\r\n"),
                 ("owe content", b"POST / HTTP/1.1\r\nHost: localhost\r\nContent-Length: 9\r\n\r\nx")):
-            crowd = crowd_at(server, 80, request)
+            crowd = server.crowd(80, request)
             time.sleep(0.3)
             answered_soon(server, what)
             for connection in crowd:

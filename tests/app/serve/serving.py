@@ -4,6 +4,7 @@ import re
 import signal
 import socket
 import sys
+from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "outside"))
@@ -42,6 +43,16 @@ class Server:
 
     def connect(self):
         return socket.create_connection(("127.0.0.1", self.port), timeout=TIME_LIMIT)
+
+    def crowd(self, count, request=b""):
+        """That many clients, who come all at once and send this."""
+        def come(_):
+            connection = self.connect()
+            connection.sendall(request)
+            return connection
+
+        with ThreadPoolExecutor(count) as clients:
+            return list(clients.map(come, range(count)))
 
     def exchange(self, data):
         """Everything that comes back for these bytes."""

@@ -1,87 +1,16 @@
-#include <algorithm>
-#include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <string>
-#include <vector>
 
-#include "app/report/report_file.h"
-#include "app/report/report_gatherer.h"
-#include "app/report/report_names.h"
-#include "app/report/report_page.h"
-#include "jet/database.h"
-#include "jukebox/jukebox_database.h"
-#include "run/left_out.h"
-#include "tests/outside/temporary_folder.h"
-#include "tests/support/fakes.h"
+#include "tests/app/report_fixture.h"
 
 namespace quillon {
 namespace {
 
-using std::chrono::milliseconds;
 using ::testing::AllOf;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
-using ::testing::Not;
-
-constexpr const char* Stamp = "2026-11-21_07-13-05";
-
-RowChange AddedTrack(std::int64_t id, const std::string& artist, const std::string& title) {
-    return {.kind = RowChange::Kind::Added,
-            .table = "Tracks",
-            .key = {{"ID", id}},
-            .fields = {{"Artist", Null{}, artist}, {"Title", Null{}, title}}};
-}
-
-RowChange ChangedTrack(std::int64_t id, const std::string& field, const Value& before,
-                       const Value& after) {
-    return {.kind = RowChange::Kind::Changed,
-            .table = "Tracks",
-            .key = {{"ID", id}},
-            .fields = {{field, before, after}}};
-}
-
-FileChange Renamed(std::uint64_t number, const std::string& from, const std::string& to) {
-    return {.number = number, .kind = FileChange::Kind::Moved, .path = from, .target = to};
-}
-
-class Report : public ::testing::Test {
-  protected:
-    Report() {
-        facts.host = "/srv/shelf";
-        records.emplace_back(RunStarted{Stamp, "1.1.0", "Reconcile library and database"});
-    }
-
-    void Add(const ChangeRecord& record) { records.push_back(record); }
-    void AddError(const std::string& text) { Add(LogLine{true, text}); }
-    void End(const std::string& outcome = "completed", bool braked = false) {
-        Add(RunEnded{outcome, 0, braked, milliseconds(4200)});
-    }
-    ReportContent Content() const {
-        ReportGatherer gatherer(facts);
-        for (const ChangeRecord& record : records)
-            gatherer.Note(record);
-        return gatherer.Finish();
-    }
-    std::string Page() const { return ReportPage(Content(), facts); }
-    std::size_t CountOf(DeedKind kind) const {
-        return Content().total.at(static_cast<std::size_t>(kind)).count;
-    }
-    const DeedList& Of(const ReportContent& content, const std::string& artist,
-                       DeedKind kind) const {
-        return content.artists.at(artist).at(static_cast<std::size_t>(kind));
-    }
-    static std::size_t Occurrences(const std::string& text, const std::string& part) {
-        std::size_t count = 0;
-        for (std::size_t at = 0; (at = text.find(part, at)) != std::string::npos; ++at)
-            ++count;
-        return count;
-    }
-
-    ReportFacts facts;
-    std::vector<ChangeRecord> records;
-};
 
 TEST_F(Report, FoldsWhatChangedByArtist) {
     Add(AddedTrack(1, "Alder", "Dawn"));
@@ -195,14 +124,6 @@ TEST_F(Report, CountsRowsThatAreInTheDatabaseAndFilesThatCameOff) {
     EXPECT_EQ(gatherer.CountOf(DeedKind::TrackAdded), 1U);
     EXPECT_EQ(gatherer.CountOf(DeedKind::FileRenamed), 1U);
     EXPECT_EQ(CountOf(DeedKind::TrackRemoved), 0U);
-}
-
-TEST_F(Report, NamesCommandsThatAShellTakesAsTheyAre) {
-    Add(AddedTrack(1, "Alder", "Dawn"));
-    End();
-    EXPECT_THAT(Page(), HasSubstr("quillon undo 2026-11-21_07-13-05 --host /srv/shelf<"));
-    facts.host = "/srv/Ann's shelf";
-    EXPECT_THAT(Page(), HasSubstr("--host &#39;/srv/Ann&#39;\\&#39;&#39;s shelf&#39;<"));
 }
 
 TEST_F(Report, IsNotMadeForWhatIsNoChangeOfTheLibrary) {
@@ -322,152 +243,6 @@ TEST_F(Report, KnowsTheArtistOfAFlatFile) {
     facts.flatLayout = true;
     Add(Renamed(1, R"(D:\M\Alder_Dawn.mp3)", R"(D:\M\Alder_Dusk.mp3)"));
     EXPECT_EQ(Content().artists.begin()->first, "Alder");
-}
-
-TEST_F(Report, TellsErrorsFirstAndHowOften) {
-    Add(AddedTrack(1, "Alder", "Dawn"));
-    AddError("the disk is full");
-    AddError("the disk is full");
-    AddError("a list is write-protected");
-    End();
-    const std::string page = Page();
-    EXPECT_THAT(page, HasSubstr("Completed, 3 errors"));
-    EXPECT_THAT(page, HasSubstr("<li>the disk is full <b>2 times</b></li>"));
-    EXPECT_LT(page.find("the disk is full"), page.find("What changed"));
-    EXPECT_THAT(page, HasSubstr("<code>quillon check --host /srv/shelf</code>"));
-}
-
-TEST_F(Report, SaysWhatToDoWhateverTheEnd) {
-    const auto ended = [this](const std::string& outcome, bool braked = false) {
-        End(outcome, braked);
-        std::string page = Page();
-        records.pop_back();
-        return page;
-    };
-    EXPECT_THAT(Page(), HasSubstr("The run was killed before its end"));
-    EXPECT_THAT(ended("aborted"), HasSubstr("Run it again: it does the rest."));
-    EXPECT_THAT(ended("nothing ran"), HasSubstr("Nothing was changed. What stands in the way"));
-    EXPECT_THAT(ended("completed", true), HasSubstr("run --allow-removals --host /srv/shelf"));
-    EXPECT_THAT(ended("completed"), Not(HasSubstr("what to do")));
-}
-
-TEST_F(Report, ShowsTheTimeOfEachPhaseAsABar) {
-    Add(PhaseStarted{"Capture playlists", milliseconds(200)});
-    Add(PhaseStarted{"Add <tracks>", milliseconds(1200)});
-    End();
-    const ReportContent content = Content();
-    ASSERT_EQ(content.phases.size(), 2U);
-    EXPECT_EQ(content.phases[0].took, milliseconds(1000));
-    EXPECT_EQ(content.phases[1].took, milliseconds(3000));
-    EXPECT_THAT(Page(),
-                HasSubstr("<span>Capture playlists</span><span class=\"time\">0:00:01</span>"
-                          "<span class=\"bar\"><i style=\"width:33.3%\">"));
-    EXPECT_THAT(Page(), HasSubstr("Add &#60;tracks&#62;"));
-}
-
-TEST_F(Report, SaysWhatWasLeftOutAndWhy) {
-    LeftOut leftOut;
-    leftOut.Note(LeftOutFor::OtherType, R"(D:\Music\A\B\x.flac)", 12);
-    facts.leftOut = LeftOutForReport(leftOut);
-    End();
-    EXPECT_THAT(Page(), HasSubstr("<b>12 files</b><span class=\"soft\">no MP3 files</span>"));
-    EXPECT_THAT(Page(), HasSubstr(R"(<li>D:\Music\A\B\x.flac</li>)"));
-}
-
-TEST_F(Report, LetsNoNameBecomeHtml) {
-    const std::string hostile = "</li><script>alert(\"x\")</script>\r\n'&amp;\xFF\x01";
-    facts.host = hostile;
-    facts.leftOut = {{hostile, 1, {hostile}}};
-    records.clear();
-    Add(RunStarted{hostile, hostile, hostile, hostile});
-    Add(AddedTrack(1, hostile, hostile));
-    Add(ChangedTrack(2, hostile, hostile, hostile));
-    Add(RowChange{RowChange::Kind::Added, hostile, {}, {}});
-    Add(FileChange{.number = 1, .kind = FileChange::Kind::Written, .path = hostile + ".pla"});
-    Add(PhaseStarted{hostile, milliseconds(0)});
-    AddError(hostile);
-    End();
-    const std::string page = Page();
-    for (const char* const part :
-         {"<script", "</script", "alert(\"", "\r", "&amp;amp", "\xFF", "\x01"})
-        EXPECT_THAT(page, Not(HasSubstr(part)));
-    // Every line is the page's own: none of the names has ended one.
-    End("aborted");
-    EXPECT_EQ(Occurrences(page, "<li>"), Occurrences(page, "</li>"));
-    EXPECT_EQ(Occurrences(page, "<details>"), Occurrences(page, "</details>"));
-    EXPECT_THAT(page, Not(HasSubstr("http")));
-    EXPECT_THAT(page, Not(HasSubstr("src=")));
-}
-
-TEST_F(Report, OfAHundredThousandChangesShowsTheFirstHundredOfAKind) {
-    for (std::int64_t i = 0; i < 100'000; ++i) {
-        Add(AddedTrack(i, "Artist " + std::to_string(i % 1000), "Song " + std::to_string(i)));
-        AddError("error " + std::to_string(i));
-    }
-    End();
-    const std::string page = Page();
-    EXPECT_LT(page.size(), 120'000U);
-    EXPECT_THAT(page, HasSubstr("<b>100,000</b><span>tracks added</span>"));
-    EXPECT_THAT(page, HasSubstr("<li>error 99</li>"));
-    EXPECT_THAT(page, Not(HasSubstr("<li>error 100</li>")));
-    EXPECT_THAT(page, HasSubstr("and 99,900 more, which host.log has"));
-    EXPECT_EQ(Occurrences(page, "<li>Song "), 100U);
-    EXPECT_THAT(page, HasSubstr("and 99 more</p>"));
-    EXPECT_THAT(page, HasSubstr("and 900 more artists"));
-}
-
-TEST(ReportNames, AreThoseInTheDatabase) {
-    const outside::TemporaryFolder folder;
-    CreateJukeboxDatabase(folder.Path() / "cdj.mdb");
-    {
-        jet::Database database =
-            jet::Database::Open(folder.Path() / "cdj.mdb", jet::OpenMode::ReadWrite);
-        database.Execute("INSERT INTO Tracks (Title, Artist) VALUES ('Dawn', 'Alder')");
-    }
-    ReportNames names(folder.Path() / "cdj.mdb");
-    EXPECT_EQ(names.Of("Tracks", 1).artist, "Alder");
-    EXPECT_EQ(names.Of("Tracks", 1).title, "Dawn");
-    EXPECT_EQ(names.Of("Tracks", 2).title, "");
-    EXPECT_EQ(names.Of("Nothing", 1).title, "");
-    EXPECT_EQ(ReportNames(folder.Path() / "none.mdb").Of("Tracks", 1).title, "");
-}
-
-class ReportFile : public Report {
-  protected:
-    using Run = quillon::Run;  // not the one of ::testing::Test
-
-    std::string Written(const std::string& name) const { return folder.Content("Reports/" + name); }
-    void WriteIt() {
-        WriteReport(world.host, folder.Path(), [this] { return Content(); }, facts);
-    }
-
-    outside::TemporaryFolder folder;
-    fakes::FakeWorld world;
-};
-
-TEST_F(ReportFile, IsWrittenUnderTheStampAndAsTheLastOne) {
-    Add(AddedTrack(1, "Alder", "Dawn"));
-    End();
-    WriteIt();
-    EXPECT_EQ(Written(std::string(Stamp) + ".html"), Page());
-    EXPECT_EQ(Written("last.html"), Page());
-    EXPECT_THAT(world.host.log, IsEmpty());
-}
-
-TEST_F(ReportFile, IsNotWrittenOfARunThatDidNothing) {
-    End();
-    WriteIt();
-    EXPECT_FALSE(std::filesystem::exists(ReportsFolder(folder.Path())));
-}
-
-TEST_F(ReportFile, ThatCannotBeWrittenIsALineInTheLog) {
-    folder.MakeFile("Reports", "a file in its place");
-    AddError("oh");
-    End();
-    WriteIt();
-    ASSERT_EQ(world.host.log.size(), 1U);
-    EXPECT_THAT(world.host.log[0], HasSubstr("The report of this run could not be written to "));
-    EXPECT_EQ(world.run.counts.errors, 0U);
 }
 
 }  // namespace
