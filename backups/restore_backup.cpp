@@ -20,7 +20,7 @@ namespace {
 enum class RestoreStep { BackUp = 1, PutBack = 2 };
 
 constexpr const char* DoItAgain =
-    "the backup is put back by half now. Put that right and restore it again, which completes it";
+    "the backup is put back only in part. Put that right and restore it again, which completes it";
 
 template <typename Entry>
 void RequireSeen(const Listing<Entry>& listing) {

@@ -139,11 +139,12 @@ void LibraryForm::RefuseMisspeltSettings() {
 void LibraryForm::RefuseHalfRestored() {
     const std::string backup = UnfinishedRestore(run_.files, run_.settings.Nirvis_CDJ_DB);
     if (backup.empty()) return;
-    throw Failure::Described(FailureNumber::InvalidProcedureCall,
-                             "the backup " + backup +
-                                 " has been put back by half. Nothing was changed: complete that "
-                                 "with 'quillon restore " +
-                                 backup + "', and run again");
+    throw Failure::Described(
+        FailureNumber::InvalidProcedureCall,
+        "the backup " + backup +
+            " has been put back only in part. Nothing was changed: complete that "
+            "with 'quillon restore " +
+            backup + "', and run again");
 }
 
 /// After a run that went well alone: after any other, old backups may be what somebody needs.

@@ -192,9 +192,8 @@ void CheckHalfRestored(Files& files, const Settings& settings, Findings& finding
     const std::string backup = UnfinishedRestore(files, settings.Nirvis_CDJ_DB);
     if (backup.empty()) return;
     findings.Problem(
-        fmt::format("The backup {} has been put back by half, and no run starts so. Complete that "
-                    "with 'quillon "
-                    "restore {}'",
+        fmt::format("The backup {} has been put back only in part, and no run starts until "
+                    "'quillon restore {}' has completed that",
                     backup, backup));
 } catch (const Failure&) {
     return;  // that nobody can look beside the database is told where the database is looked at

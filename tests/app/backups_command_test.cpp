@@ -158,7 +158,8 @@ TEST_F(BackupCommands, LetNoRunStartAfterOneThatWasCutShort) {
     EXPECT_EQ(CallProgram({"run", "--host", Path("shelf"), "--quiet"}).status, 2);
     EXPECT_THAT(Read("shelf/host.log"), HasSubstr("quillon restore 5102026_40000_AM"));
     EXPECT_EQ(Read("shelf/jukebox.mdb"), now);
-    EXPECT_THAT(Problems(), HasSubstr("The backup 5102026_40000_AM has been put back by half"));
+    EXPECT_THAT(Problems(),
+                HasSubstr("The backup 5102026_40000_AM has been put back only in part"));
     EXPECT_THAT(Backups().out, HasSubstr("A restore was cut short. 'quillon restore 5102026_4000"));
     EXPECT_EQ(Restore(Name).status, 0);
     EXPECT_EQ(Problems(), "");
