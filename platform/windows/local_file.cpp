@@ -92,25 +92,28 @@ std::optional<FileFacts> FactsOfLink(const std::string& path) {
 }
 
 int OpenLocal(const std::string& path, FileUse use) {
-    const auto open = [wide = WidePath(path)](DWORD access, DWORD how, DWORD flags) {
-        return CreateFileW(wide.c_str(), access, ShareAll, nullptr, how, flags, nullptr);
+    const auto open = [wide = WidePath(path)](DWORD access, DWORD how, DWORD attributes,
+                                              int flags) {
+        HANDLE const file =
+            CreateFileW(wide.c_str(), access, ShareAll, nullptr, how, attributes, nullptr);
+        if (file != INVALID_HANDLE_VALUE)
+            return DescriptorOf(file, flags | _O_BINARY | _O_NOINHERIT);
+        errno = LastErrnoAt(wide);
+        return -1;
     };
     switch (use) {
         case FileUse::Read:
-            return DescriptorOf(open(GENERIC_READ, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS),
-                                _O_RDONLY | _O_BINARY | _O_NOINHERIT);
+            return open(GENERIC_READ, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, _O_RDONLY);
         case FileUse::ReadAndWrite:
             // An administrator might be let into a write-protected file all the same.
             if (!MayWrite(path)) return -1;
-            return DescriptorOf(
-                open(GENERIC_READ | GENERIC_WRITE, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL),
-                _O_RDWR | _O_BINARY | _O_NOINHERIT);
+            return open(GENERIC_READ | GENERIC_WRITE, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL,
+                        _O_RDWR);
         case FileUse::Append:
             break;
     }
-    return DescriptorOf(open(FILE_APPEND_DATA | FILE_READ_ATTRIBUTES | SYNCHRONIZE, OPEN_ALWAYS,
-                             FILE_ATTRIBUTE_NORMAL),
-                        _O_WRONLY | _O_APPEND | _O_BINARY | _O_NOINHERIT);
+    return open(FILE_APPEND_DATA | FILE_READ_ATTRIBUTES | SYNCHRONIZE, OPEN_ALWAYS,
+                FILE_ATTRIBUTE_NORMAL, _O_WRONLY | _O_APPEND);
 }
 
 int CreateLocal(const std::string& path, std::uint32_t rights) {
@@ -136,7 +139,7 @@ int MakeFolder(const std::string& path) {
 int RemoveFile(const std::string& path) {
     const std::wstring wide = WidePath(path);
     if (DeleteFileW(wide.c_str()) != 0) return 0;
-    const int error = LastErrno();
+    const int error = LastErrnoAt(wide);
     // A link to a folder is removed as a folder is.
     const auto facts = FactsOfLink(path);
     const bool isFolderLink =
@@ -182,9 +185,10 @@ int RenameOver(const std::string& from, const std::string& to) {
 bool MayWrite(const std::string& path) {
     // Of a folder the attribute means something else. What else keeps a file from being written,
     // the system says when it is tried.
-    const DWORD attributes = AttributesOf(path);
+    const std::wstring wide = WidePath(path);
+    const DWORD attributes = GetFileAttributesW(wide.c_str());
     if (attributes == INVALID_FILE_ATTRIBUTES) {
-        errno = LastErrno();
+        errno = LastErrnoAt(wide);
         return false;
     }
     errno = EACCES;

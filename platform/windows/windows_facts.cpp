@@ -23,15 +23,27 @@ std::wstring RootOf(const std::wstring& path) {
     return end == 0 || end == std::wstring::npos ? L"" : path.substr(0, end + 1);
 }
 
+/// Whether what is there of a path that leads nowhere, behind its root, ends with a file.
+bool LeadsThroughFile(const std::wstring& path, const std::wstring& root) {
+    for (std::size_t end = path.rfind(L'\\'); end != std::wstring::npos && end > root.size();
+         end = path.rfind(L'\\', end - 1)) {
+        const DWORD attributes = GetFileAttributesW(path.substr(0, end).c_str());
+        if (attributes != INVALID_FILE_ATTRIBUTES)
+            return (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
+    }
+    return false;
+}
+
 }  // namespace
 
 int LastErrnoAt(const std::wstring& path) {
-    const int error = LastErrno();
-    if (error != ENOENT) return error;
+    const DWORD code = GetLastError();
+    if (ErrnoOf(code) != ENOENT) return ErrnoOf(code);
     const std::wstring root = RootOf(path);
     const bool isKnown =
         root.empty() || GetFileAttributesW(root.c_str()) != INVALID_FILE_ATTRIBUTES;
-    return isKnown ? ENOENT : ENODEV;
+    if (!isKnown) return ENODEV;
+    return code == ERROR_PATH_NOT_FOUND && LeadsThroughFile(path, root) ? ENOTDIR : ENOENT;
 }
 
 FileTime TimeOf(std::int64_t steps) {

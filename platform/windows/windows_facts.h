@@ -17,7 +17,7 @@ std::int64_t StepsOf(const FileTime& time);
 
 /// The error number for what this thread's last call failed with at a path as WidePath() gives it.
 /// ENODEV where not even its drive or share is there: nothing is known then of what lies on it, and
-/// it must not count as gone.
+/// it must not count as gone. ENOTDIR where the path leads through a file.
 int LastErrnoAt(const std::wstring& path);
 
 /// Whether a name of these attributes, and of this kind of reparse point, is a link: others, such

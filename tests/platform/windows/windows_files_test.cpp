@@ -213,6 +213,18 @@ TEST_F(WindowsFilesTest, WhatLiesOnADriveThatIsAwayCannotBeTold) {
     EXPECT_EQ(errno, ENOENT);
 }
 
+TEST_F(WindowsFilesTest, WhatLeadsThroughAFileIsToldFromWhatIsMissing) {
+    folder_.MakeFile("Music/a.mp3", "song");
+    const std::string file = (folder_ / "Music/a.mp3").generic_string();
+    EXPECT_FALSE(FactsOf(file + "/b/c.mp3"));
+    EXPECT_EQ(errno, ENOTDIR);
+    EXPECT_EQ(OpenLocal(file + "/b.mp3", FileUse::Read), -1);
+    EXPECT_EQ(errno, ENOTDIR);
+    EXPECT_EQ(RemoveFile(file + "/b.mp3"), ENOTDIR);
+    EXPECT_EQ(RemoveFile((folder_ / "None/b.mp3").generic_string()), ENOENT);
+    EXPECT_TRUE(FactsOf(file));
+}
+
 TEST_F(WindowsFilesTest, ADriveThatGoesAwayTakesNothingAlong) {
     const std::string drive = FreeDrive();
     const std::wstring name = WideText(drive), nowhere = (folder_ / "away").native();
