@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """archive_test.py SOURCES BUILD OBJDUMP   makes the archive for Windows of a build and looks what a user
-gets: the files, the terms of the libraries, and what the program file says of itself."""
+gets: the files, the terms of the libraries, what the program file says of itself, and whether it works
+from where it was unpacked."""
 
 import re
 import struct
@@ -10,9 +11,12 @@ import tempfile
 import zipfile
 from pathlib import Path
 
-sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "outside"))
+TESTS = Path(__file__).resolve().parents[2]
+sys.path[:0] = [str(TESTS / "outside"), str(TESTS.parent / "demo")]
 
-from processes import Failed, output_of  # noqa: E402
+import sound_files  # noqa: E402
+from processes import Failed, WithErrorsInAFile, output_of  # noqa: E402
+from readers import checker_at_hand, faults_of  # noqa: E402
 
 ICON, GROUP_ICON, VERSION, MANIFEST = 3, 14, 16, 24
 # A program of its own needs no other file than these, which every Windows has.
@@ -114,6 +118,27 @@ def confirm_licences(names):
             raise Failed(f"the terms {needed} are not among {sorted(licences)}")
 
 
+def confirm_works(runner, folder):
+    """From an empty shelf to a checked library, with nothing but what was unpacked."""
+    def quillon(*arguments):
+        return output_of([runner, folder / "quillon.exe", *arguments], folder, kind=WithErrorsInAFile)
+
+    sound_files.write(str(folder / "My Music/Alder/First/01 - Dawn.mp3"), sound_files.silence(0.1), 1500000000)
+    quillon("init", "My Shelf", "--music", "My Music")
+    told = quillon("run", "--host", "My Shelf", "--view", "plain")
+    if "Tracks: 1 added" not in told:
+        raise Failed(f"the unpacked program's run says: {told}")
+    quillon("check", "--host", "My Shelf")
+    told = quillon("run", "--host", "My Shelf", "--view", "plain")
+    if "added" in told:
+        raise Failed(f"the unpacked program's second run says: {told}")
+    databases = list(folder.rglob("*.mdb"))
+    if not databases:
+        raise Failed("there is no database")
+    if checker_at_hand() and (faults := faults_of(databases[0])):
+        raise Failed(faults)
+
+
 def main():
     sources, build, objdump = sys.argv[1:]
     try:
@@ -132,6 +157,7 @@ def main():
             program = Path(folder) / top / "quillon.exe"
             confirm_program(program.read_bytes(), version)
             confirm_stands_alone(objdump, program)
+            confirm_works(f"{sources}/scripts/run-windows-program", program.parent)
             print(f"{len(names)} files and folders, {program.stat().st_size} bytes of program")
     except Failed as failure:
         print(failure)
