@@ -42,7 +42,8 @@ std::optional<FileHandle> JournalPlace::Make(const std::string& name) const {
                                     FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
                                     CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
     const int descriptor = DescriptorOf(file, _O_RDWR | _O_BINARY | _O_NOINHERIT);
-    if (descriptor >= 0) return FileHandle(descriptor, path);
+    if (descriptor >= 0)
+        return FileHandle(descriptor, std::filesystem::path(path).make_preferred().string());
     if (errno != EEXIST) throw SystemFailure(errno, path);
     return std::nullopt;
 }
