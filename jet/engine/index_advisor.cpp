@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <optional>
+#include <random>
+#include <utility>
 
 #include "jet/engine/text_order.h"
 
@@ -13,11 +15,13 @@ using dialect::QuotedName;
 using dialect::TableName;
 
 constexpr std::int64_t SampleSize = 256;
+/// How many rows behind the place that was picked one is taken.
+constexpr std::int64_t MostBeyond = 15;
 /// An index over fewer values than this is not worth its memory. It may still help where most rows
 /// have one value: the rows of the other values are found faster.
 constexpr std::size_t FewestValues = 3;
-/// An existing index serves as long as the best one would not be better by this factor.
-constexpr double GoodEnough = 4;
+/// An index that leaves no more rows than these needs no further column.
+constexpr double FewRows = 4;
 
 bool Contains(const std::vector<std::size_t>& columns, std::size_t column) {
     return std::find(columns.begin(), columns.end(), column) != columns.end();
@@ -56,53 +60,64 @@ void IndexAdvisor::Prepare(const dialect::TableUse& use, const MirrorTable& tabl
         Create(table, list);
         known.lists.push_back(list);
     }
-    PrepareEqual(use, table, known);
-}
-
-void IndexAdvisor::PrepareEqual(const dialect::TableUse& use, const MirrorTable& table,
-                                Known& known) {
-    const auto better = [&](std::size_t a, std::size_t b) {
-        return Selectivity(table, a, known).share < Selectivity(table, b, known).share;
-    };
-    const auto& columns = use.equalColumns;
-    const auto best = std::min_element(columns.begin(), columns.end(), better);
-    if (best == columns.end() || Contains(known.equal, *best)) return;
-    const ColumnSelectivity& found = Selectivity(table, *best, known);
-    if (found.values < FewestValues) return;
-    const bool served = std::any_of(columns.begin(), columns.end(), [&](std::size_t column) {
-        return Contains(known.equal, column) &&
-               Selectivity(table, column, known).share <= GoodEnough * found.share;
-    });
-    if (served) return;
-    Create(table, ColumnName(table, *best));
-    known.equal.push_back(*best);
+    Ensure(table, use.equalColumns, Best(table, use.equalColumns, known).columns, known);
 }
 
 void IndexAdvisor::PrepareEntry(const std::vector<dialect::TableUse>& uses,
                                 const std::vector<MirrorTable*>& tables) {
     std::optional<std::size_t> entry;
-    std::size_t entryColumn = 0;
-    double fewest = 0;
+    Choice best;
     for (std::size_t i = 0; i < tables.size(); ++i) {
         const MirrorTable& table = *tables[i];
         if (!uses[i].suffixColumns.empty()) return;
         if (uses[i].valueColumns.empty()) continue;
         if (table.RowCount() < SmallTable) return;
-        Known& known = known_[&table];
-        for (const std::size_t column : uses[i].valueColumns) {
-            const ColumnSelectivity& found = Selectivity(table, column, known);
-            if (found.values < FewestValues) continue;
-            if (Contains(known.equal, column)) return;
-            const double matches = found.share * static_cast<double>(table.RowCount());
-            if (entry && matches >= fewest) continue;
-            entry = i;
-            entryColumn = column;
-            fewest = matches;
-        }
+        Choice choice = Best(table, uses[i].valueColumns, known_[&table]);
+        if (choice.columns.empty() || (entry && choice.rows >= best.rows)) continue;
+        entry = i;
+        best = std::move(choice);
     }
     if (!entry) return;
-    Create(*tables[*entry], ColumnName(*tables[*entry], entryColumn));
-    known_[tables[*entry]].equal.push_back(entryColumn);
+    const MirrorTable& table = *tables[*entry];
+    Ensure(table, uses[*entry].valueColumns, best.columns, known_[&table]);
+}
+
+IndexAdvisor::Choice IndexAdvisor::Best(const MirrorTable& table, Columns lookedUp, Known& known) {
+    std::erase_if(lookedUp, [&](std::size_t column) {
+        return Selectivity(table, column, known).values < FewestValues;
+    });
+    std::ranges::sort(lookedUp, {}, [&](std::size_t column) {
+        return std::pair(Selectivity(table, column, known).share, column);
+    });
+    if (lookedUp.empty()) return {};
+    const double rows = RowsLeft(table, lookedUp.front(), known);
+    // Which further column helps most cannot be told by its own values: all albums of a name may be
+    // of one artist.
+    if (rows <= FewRows) lookedUp.resize(1);
+    return {.columns = std::move(lookedUp), .rows = rows};
+}
+
+double IndexAdvisor::RowsLeft(const MirrorTable& table, std::size_t column, Known& known) {
+    return Selectivity(table, column, known).share * static_cast<double>(table.RowCount());
+}
+
+void IndexAdvisor::Ensure(const MirrorTable& table, const Columns& lookedUp, const Columns& best,
+                          Known& known) {
+    if (best.empty()) return;
+    const bool isServed = std::ranges::any_of(known.equal, [&](const Columns& index) {
+        const auto isIn = [](const Columns& columns) {
+            return [&columns](std::size_t column) { return Contains(columns, column); };
+        };
+        return std::ranges::all_of(index, isIn(lookedUp)) &&
+               (std::ranges::all_of(best, isIn(index)) ||
+                RowsLeft(table, index.front(), known) <= FewRows);
+    });
+    if (isServed) return;
+    std::string names;
+    for (const std::size_t column : best)
+        names += (names.empty() ? "" : ",") + ColumnName(table, column);
+    Create(table, names);
+    known.equal.push_back(best);
 }
 
 const ColumnSelectivity& IndexAdvisor::Selectivity(const MirrorTable& table, std::size_t column,
@@ -126,24 +141,28 @@ ColumnSelectivity IndexAdvisor::Sample(const MirrorTable& table, std::size_t col
     range->Step();
     const RowKey first = range->Integer(0), last = range->Integer(1);
     StatementLease row =
-        statements_.Take("SELECT " + key + "," + QuotedName(definition.columns[column].name) +
-                         " FROM " + name + " WHERE " + key + ">=?1 LIMIT 1");
+        statements_.Take("SELECT " + QuotedName(definition.columns[column].name) + " FROM " + name +
+                         " WHERE " + key + ">=?1 LIMIT 1 OFFSET ?2");
     std::unordered_map<std::string, int> counts;
     double taken = 0;
-    RowKey next = first;
+    // Rows of one value often stand together, so a step that is always the same would pass over
+    // them; and keys have gaps, behind which the same row would be met again and again. The
+    // generator begins as it always does: what is measured twice is the same.
+    std::minstd_rand random;
+    std::uniform_int_distribution<RowKey> keys(first, last), beyond(0, MostBeyond);
     for (std::int64_t i = 0; i < SampleSize; ++i) {
-        next = std::max(next, first + (last - first) / SampleSize * i);
         row->Reset();
-        row->Bind(1, next);
-        if (!row->Step()) break;
-        next = row->Integer(0) + 1;
-        ++counts[FoldCase(row->Text(1))];
+        row->Bind(1, keys(random));
+        row->Bind(2, beyond(random));
+        if (!row->Step()) continue;
+        ++counts[FoldCase(row->Text(0))];
         ++taken;
     }
-    double squares = 0;
+    // Pairs of rows with one value, of all pairs.
+    double pairs = 0;
     for (const auto& [value, count] : counts)
-        squares += static_cast<double>(count) * count;
-    return {.share = taken == 0 ? 1 : squares / (taken * taken), .values = counts.size()};
+        pairs += static_cast<double>(count) * (count - 1);
+    return {.share = taken < 2 ? 1 : pairs / (taken * (taken - 1)), .values = counts.size()};
 }
 
 void IndexAdvisor::Create(const MirrorTable& table, const std::string& columns) {

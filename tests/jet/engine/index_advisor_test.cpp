@@ -1,6 +1,7 @@
 #include "jet/engine/index_advisor.h"
 
 #include <array>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "jet/engine/functions.h"
@@ -10,29 +11,38 @@
 namespace jet::engine {
 namespace {
 
-/// A table of songs whose artists a test names, and the plan of a look-up by artist.
+using ::testing::HasSubstr;
+
+/// A table of songs whose artists a test names, and the plans of look-ups.
 class IndexAdvisorTest : public ::testing::Test {
   protected:
     IndexAdvisorTest() { songs_.Load(std::array<std::size_t, 2>{0, 1}); }
 
+    void AddSong(const std::string& artist, const std::string& song) {
+        songs_.Insert({Value(artist), Value(song)});
+    }
     void AddSongs(const std::string& artist, int count) {
         for (int i = 0; i < count; ++i)
-            songs_.Insert({Value(artist), Value("Song")});
+            AddSong(artist, "Song");
     }
 
     /// How SQLite finds an artist's songs once the advisor was asked.
-    std::string PlanByArtist() {
+    std::string PlanByArtist() { return Plan({0}, R"("Artist"=?1)"); }
+    /// The same of one song of an artist.
+    std::string PlanByBoth() { return Plan({0, 1}, R"("Artist"=?1 AND "Song"=?2)"); }
+
+  private:
+    std::string Plan(const std::vector<std::size_t>& columns, const std::string& condition) {
         dialect::TableUse use;
         use.definition = &songs_.Definition();
-        use.equalColumns = use.valueColumns = {0};
+        use.equalColumns = use.valueColumns = columns;
         advisor_.Prepare(use, songs_);
         Statement plan(sqlite_.Handle(),
-                       R"(EXPLAIN QUERY PLAN SELECT "Song" FROM "Songs" WHERE "Artist"=?1)");
+                       R"(EXPLAIN QUERY PLAN SELECT "Song" FROM "Songs" WHERE )" + condition);
         plan.Step();
         return std::string(plan.Text(3));
     }
 
-  private:
     static storage::DatabaseFile MakeFile(const std::filesystem::path& path) {
         const std::vector<TableDefinition> tables{
             {.name = "Songs",
@@ -81,6 +91,39 @@ TEST_F(IndexAdvisorTest, LeavesASmallTableAlone) {
     AddSongs("Ohm", 8);
     AddSongs("Volt", 8);
     EXPECT_EQ(PlanByArtist().substr(0, 4), "SCAN");
+}
+
+TEST_F(IndexAdvisorTest, TakesOneColumnWhereThatFindsFewRows) {
+    for (int i = 0; i < 300; ++i)
+        AddSong("Artist " + std::to_string(i % 30), "Song " + std::to_string(i));
+    EXPECT_THAT(PlanByBoth(), HasSubstr("(Song=?)"));
+}
+
+TEST_F(IndexAdvisorTest, TakesAllColumnsWhereTheBestOneFindsManyRows) {
+    for (int i = 0; i < 300; ++i)
+        AddSong("Artist " + std::to_string(i / 10), "Track " + std::to_string(i % 10));
+    EXPECT_THAT(PlanByBoth(), HasSubstr("(Artist=? AND Song=?)"));
+}
+
+TEST_F(IndexAdvisorTest, AnIndexOverAllColumnsServesALookUpByItsFirst) {
+    for (int i = 0; i < 300; ++i)
+        AddSong("Artist " + std::to_string(i / 10), "Track " + std::to_string(i % 10));
+    const std::string plan = PlanByBoth();
+    EXPECT_THAT(PlanByArtist(), HasSubstr(plan.substr(0, plan.find('('))));
+}
+
+// A sample of every n-th row would see no artist twice.
+TEST_F(IndexAdvisorTest, SeesHowManyRowsHaveOneValueWhereThoseStandTogether) {
+    for (int i = 0; i < 6000; ++i)
+        AddSong("Artist " + std::to_string(i / 20), "Song " + std::to_string(i % 20));
+    EXPECT_THAT(PlanByBoth(), HasSubstr("(Artist=? AND Song=?)"));
+}
+
+// Titles such as "Intro": few in all, but dear where they are looked up by nothing else.
+TEST_F(IndexAdvisorTest, CountsAFewNamesThatManyRowsHave) {
+    for (int i = 0; i < 3000; ++i)
+        AddSong("Artist " + std::to_string(i), i % 4 == 0 ? "Intro" : "Song " + std::to_string(i));
+    EXPECT_THAT(PlanByBoth(), HasSubstr("(Artist=?"));
 }
 
 }  // namespace
