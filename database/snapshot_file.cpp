@@ -1,6 +1,7 @@
 #include "database/snapshot_file.h"
 
 #include <algorithm>
+#include <array>
 
 namespace quillon {
 namespace {
@@ -53,23 +54,29 @@ SnapshotWriter& SnapshotWriter::Line(std::string_view kind) {
 
 SnapshotWriter& SnapshotWriter::Whole(Number number) {
     line_ += ' ';
-    line_ += number ? std::to_string(*number) : std::string(SnapshotLine::NullWord);
+    if (number) {
+        std::array<char, 24> digits{};
+        const auto [end, error] = std::to_chars(digits.begin(), digits.end(), *number);
+        line_.append(digits.begin(), end);
+    } else {
+        line_ += SnapshotLine::NullWord;
+    }
     return *this;
 }
 
 SnapshotWriter& SnapshotWriter::Text(std::string_view text) {
     line_ += ' ';
-    for (const char character : text) {
-        if (IsPlain(character)) {
-            line_ += character;
-        } else {
-            // A formatting call would cost more than all else of a line.
-            constexpr std::string_view Digits = "0123456789ABCDEF";
-            const auto byte = static_cast<unsigned char>(character);
-            line_ += Escape;
-            line_ += Digits[byte / 16U];
-            line_ += Digits[byte % 16U];
-        }
+    while (!text.empty()) {
+        const auto plain =
+            static_cast<std::size_t>(std::ranges::find_if_not(text, IsPlain) - text.begin());
+        line_ += text.substr(0, plain);
+        if (plain == text.size()) break;
+        // A formatting call would cost more than all else of a line.
+        constexpr std::string_view Digits = "0123456789ABCDEF";
+        const auto byte = static_cast<unsigned char>(text[plain]);
+        const std::array<char, 3> escaped{Escape, Digits[byte / 16U], Digits[byte % 16U]};
+        line_.append(escaped.begin(), escaped.end());
+        text.remove_prefix(plain + 1);
     }
     return *this;
 }
@@ -94,11 +101,12 @@ std::string_view SnapshotLine::Word() {
 std::string SnapshotLine::Text() {
     const std::string_view word = Word();
     std::string text;
+    text.reserve(word.size());
     for (std::size_t at = 0; at < word.size(); ++at) {
-        if (word[at] != Escape) {
-            text += word[at];
-            continue;
-        }
+        const std::size_t plain = std::min(word.find(Escape, at), word.size());
+        text += word.substr(at, plain - at);
+        at = plain;
+        if (at == word.size()) break;
         const std::string_view digits = word.substr(at + 1, 2);
         std::uint8_t byte = 0;
         const char* const begin = digits.data();

@@ -36,18 +36,20 @@ std::optional<char> ByteOf(char32_t code) {
 }  // namespace
 
 std::string AnsiToUtf8(std::span<const std::uint8_t> bytes) {
-    std::string text;
-    text.reserve(bytes.size());
-    for (const std::uint8_t byte : bytes)
-        AppendUtf8(text, CodeOf(byte));
-    return text;
+    return AnsiToUtf8(std::string_view(reinterpret_cast<const char*>(bytes.data()), bytes.size()));
 }
 
 std::string AnsiToUtf8(std::string_view bytes) {
     std::string text;
     text.reserve(bytes.size());
-    for (const char byte : bytes)
-        AppendUtf8(text, CodeOf(static_cast<std::uint8_t>(byte)));
+    while (!bytes.empty()) {
+        const std::size_t plain = ascii::PrefixLength(bytes);
+        text += bytes.substr(0, plain);
+        bytes.remove_prefix(plain);
+        if (bytes.empty()) break;
+        AppendUtf8(text, CodeOf(static_cast<std::uint8_t>(bytes.front())));
+        bytes.remove_prefix(1);
+    }
     return text;
 }
 

@@ -72,25 +72,27 @@ char32_t LowerOf(const Utf8Character& character) {
 template <ascii::Block (*ChangeBlock)(ascii::Block), char (*ChangeAscii)(char),
           char32_t (*Change)(char32_t)>
 std::string ChangeEach(std::string_view text) {
-    std::string result(text);
-    std::size_t at = 0;
-    for (; at + ascii::BlockSize <= text.size(); at += ascii::BlockSize) {
-        const ascii::Block block = ascii::BlockAt(text, at);
-        if ((block & ascii::HighBits) != 0) break;
-        const ascii::Block changed = ChangeBlock(block);
-        std::memcpy(result.data() + at, &changed, ascii::BlockSize);
-    }
-    for (; at < text.size() && ascii::IsAscii(text[at]); ++at)
-        result[at] = ChangeAscii(text[at]);
-    result.resize(at);
-    while (at < text.size()) {
-        const Utf8Character character = DecodeUtf8(text, at);
+    std::string result;
+    result.reserve(text.size());
+    while (!text.empty()) {
+        const std::size_t plain = ascii::PrefixLength(text);
+        std::size_t at = result.size();
+        result += text.substr(0, plain);
+        for (; at + ascii::BlockSize <= result.size(); at += ascii::BlockSize) {
+            const ascii::Block changed = ChangeBlock(ascii::BlockAt(result, at));
+            std::memcpy(&result[at], &changed, ascii::BlockSize);
+        }
+        for (; at < result.size(); ++at)
+            result[at] = ChangeAscii(result[at]);
+        text.remove_prefix(plain);
+        if (text.empty()) break;
+        const Utf8Character character = DecodeUtf8(text, 0);
         if (character.wellFormed) {
             AppendUtf8(result, Change(character.code));
         } else {
-            result += text.substr(at, character.length);
+            result += text.substr(0, character.length);
         }
-        at += character.length;
+        text.remove_prefix(character.length);
     }
     return result;
 }

@@ -7,18 +7,22 @@ namespace quillon {
 std::span<const std::uint8_t> ByteWindow::At(std::uint64_t position, std::size_t count) {
     if (position >= size_ || (file_ != nullptr && count > MostAtOnce)) return {};
     const auto there = static_cast<std::size_t>(std::min<std::uint64_t>(count, size_ - position));
-    const bool isIn = position >= from_ && position + there <= from_ + bytes_.size();
-    if (!isIn) {
-        if (file_ == nullptr || pieces_ == MostPieces || read_ > MostBytes) return {};
-        file_->SetPosition(position);
-        bytes_ = file_->Read(std::max(there, PieceSize));
-        ++pieces_;
-        read_ += bytes_.size();
-        from_ = position;
-    }
-    const std::span<const std::uint8_t> rest =
-        std::span<const std::uint8_t>(bytes_).subspan(static_cast<std::size_t>(position - from_));
+    const Piece* piece = head_.Has(position, there) ? &head_ : &last_;
+    if (!piece->Has(position, there)) piece = ReadPiece(position, there);
+    if (piece == nullptr) return {};
+    const auto rest = std::span<const std::uint8_t>(piece->bytes)
+                          .subspan(static_cast<std::size_t>(position - piece->from));
     return rest.first(std::min(there, rest.size()));
+}
+
+const ByteWindow::Piece* ByteWindow::ReadPiece(std::uint64_t position, std::size_t count) {
+    if (file_ == nullptr || pieces_ == MostPieces || read_ > MostBytes) return nullptr;
+    Piece& piece = position == 0 ? head_ : last_;
+    file_->SetPosition(position);
+    piece = {.from = position, .bytes = file_->Read(std::max(count, PieceSize))};
+    ++pieces_;
+    read_ += piece.bytes.size();
+    return &piece;
 }
 
 }  // namespace quillon

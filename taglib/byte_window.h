@@ -18,7 +18,7 @@ class ByteWindow {
     explicit ByteWindow(BinaryReader& file) : file_(&file), size_(file.Size()) {}
     /// Over bytes that are at hand.
     explicit ByteWindow(std::vector<std::uint8_t> bytes)
-        : size_(bytes.size()), bytes_(std::move(bytes)) {}
+        : size_(bytes.size()), head_{.bytes = std::move(bytes)} {}
 
     std::uint64_t Size() const { return size_; }
 
@@ -31,10 +31,23 @@ class ByteWindow {
   private:
     static constexpr std::size_t PieceSize = 4096, MostPieces = 256, MostBytes = 4 * MostAtOnce;
 
+    struct Piece {
+        std::uint64_t from = 0;
+        std::vector<std::uint8_t> bytes = {};
+
+        bool Has(std::uint64_t position, std::size_t count) const {
+            return position >= from && position + count <= from + bytes.size();
+        }
+    };
+
+    /// Null where no more is to be read.
+    const Piece* ReadPiece(std::uint64_t position, std::size_t count);
+
     BinaryReader* file_ = nullptr;
     std::uint64_t size_;
-    std::uint64_t from_ = 0;
-    std::vector<std::uint8_t> bytes_;
+    /// The file's first piece, where a tag's small frames are, and the one read last: between those
+    /// two a tag is read that has a picture.
+    Piece head_, last_;
     std::size_t pieces_ = 0, read_ = 0;
 };
 

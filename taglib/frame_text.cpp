@@ -106,13 +106,7 @@ std::optional<std::string> FromUtf16(Bytes text) {
     return plain;
 }
 
-/// What nearly all frames are: one text that nothing has changed on its way into the tag. All else,
-/// and genres, which may be told by numbers, is left to the library, which takes ten times as long.
-std::optional<std::string> PlainText(const Id3v2Frame& frame, Bytes content) {
-    const std::string_view name = frame.name;
-    const bool isText = name.starts_with('T') && !name.starts_with("TXX") &&
-                        !name.starts_with("TCO") && frame.form == 0;
-    if (!isText || content.empty()) return std::nullopt;
+std::optional<std::string> TextIn(Bytes content) {
     switch (content.front()) {
         case 0:
             return FromLatin1(content.subspan(1));
@@ -125,20 +119,32 @@ std::optional<std::string> PlainText(const Id3v2Frame& frame, Bytes content) {
     }
 }
 
-}  // namespace
-
-struct FrameReader::Library {
-    TagLib::ID3v2::Header header;
-};
-
-FrameReader::FrameReader(std::span<const std::uint8_t> header)
-    : library_(std::make_unique<Library>()),
-      version_(header[3]),
-      isUnsynchronised_((header[5] & 0x80U) != 0) {
-    library_->header.setData(Vector(header));
+/// A genre that is one name, or one number in brackets.
+std::optional<std::string> PlainGenre(std::string text) {
+    constexpr std::size_t LongestNumber = 2;
+    if (!text.starts_with('(')) return text;
+    const std::size_t end = text.find_first_not_of("0123456789", 1);
+    const bool isNumber = end > 1 && end <= 1 + LongestNumber && end + 1 == text.size();
+    if (!isNumber || text.back() != ')') return std::nullopt;
+    return text.substr(1, end - 1);
 }
 
-FrameReader::~FrameReader() = default;
+/// What nearly all frames are: one text that nothing has changed on its way into the tag. All else,
+/// and several genres in one text, is left to the library, which takes ten times as long.
+std::optional<std::string> PlainText(const Id3v2Frame& frame, Bytes content) {
+    const std::string_view name = frame.name;
+    const bool isText = name.starts_with('T') && !name.starts_with("TXX") && frame.form == 0;
+    if (!isText || content.empty()) return std::nullopt;
+    std::optional<std::string> text = TextIn(content);
+    return text && name.starts_with("TCO") ? PlainGenre(*std::move(text)) : text;
+}
+
+}  // namespace
+
+FrameReader::FrameReader(std::span<const std::uint8_t> header)
+    : version_(header[3]), isUnsynchronised_((header[5] & 0x80U) != 0) {
+    std::ranges::copy(header.first(header_.size()), header_.begin());
+}
 
 FrameText FrameReader::Read(const Id3v2Frame& frame, std::span<const std::uint8_t> bytes) const {
     FrameText text;
@@ -150,10 +156,12 @@ FrameText FrameReader::Read(const Id3v2Frame& frame, std::span<const std::uint8_
         if (!plain->empty()) text.values.push_back(*std::move(plain));
         return text;
     }
+    TagLib::ID3v2::Header header;
+    header.setData(Vector(header_));
     const std::unique_ptr<TagLib::ID3v2::Frame> read(
         TagLib::ID3v2::FrameFactory::instance()->createFrame(
             WholeFrame(frame, bytes, version_),
-            static_cast<const TagLib::ID3v2::Header*>(&library_->header)));
+            static_cast<const TagLib::ID3v2::Header*>(&header)));
     const auto add = [&text](std::string value) {
         if (!value.empty()) text.values.push_back(std::move(value));
     };

@@ -1,6 +1,7 @@
 #pragma once
 
-#include <memory>
+#include <array>
+#include <cstdint>
 #include <span>
 #include <string>
 #include <string_view>
@@ -21,9 +22,6 @@ class FrameReader {
   public:
     /// `header`: the tag's first Id3v2Header::Size bytes.
     explicit FrameReader(std::span<const std::uint8_t> header);
-    FrameReader(const FrameReader&) = delete;
-    FrameReader& operator=(const FrameReader&) = delete;
-    ~FrameReader();
 
     /// A frame's bytes with its header. No values for one that is encrypted or makes no sense.
     /// Texts declared as Latin-1 are read as those of version 1 are, since the bytes are often
@@ -31,8 +29,7 @@ class FrameReader {
     FrameText Read(const Id3v2Frame& frame, std::span<const std::uint8_t> bytes) const;
 
   private:
-    struct Library;
-    std::unique_ptr<Library> library_;
+    std::array<std::uint8_t, Id3v2Header::Size> header_{};
     unsigned version_;
     bool isUnsynchronised_;
 };

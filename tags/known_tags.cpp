@@ -26,6 +26,10 @@ constexpr std::array<std::string Tag::*, 10> Texts{
 /// No text of a tag holds a zero byte.
 std::string JoinedTexts(const Tag& tag) {
     std::string joined;
+    std::size_t size = Texts.size();
+    for (std::string Tag::* const text : Texts)
+        size += (tag.*text).size();
+    joined.reserve(size);
     for (std::string Tag::* const text : Texts) {
         joined += tag.*text;
         joined += '\0';

@@ -67,13 +67,15 @@ void Hear(Run& run, Steps& steps, BinaryReader& stream, const FileEntry& file) {
 /// Opens the file once, for all that is to be known of it.
 std::optional<FoundTag> ReadFound(Run& run, Steps& steps, const FileEntry& file,
                                   bool isHeard = false) {
-    FoundTag found;
-    found.art = EmbeddedArt::None;
-    found.tag.isRecorded = false;
+    std::optional<FoundTag> found(std::in_place);
+    found->art = EmbeddedArt::None;
+    found->tag.isRecorded = false;
     if (file.size == 0) return found;
     std::unique_ptr<BinaryReader> stream;
-    if (!steps.Try(ReadTagStep::Open, [&] { stream = run.files.OpenBinary(file.path); }))
-        return std::nullopt;
+    if (!steps.Try(ReadTagStep::Open, [&] { stream = run.files.OpenBinary(file.path); })) {
+        found.reset();
+        return found;
+    }
     const bool isRead = steps.Try(ReadTagStep::Read, [&] {
         const std::vector<std::uint8_t> end = ReadEndForTags(*stream, file.path);
         Tag old;
@@ -85,8 +87,8 @@ std::optional<FoundTag> ReadFound(Run& run, Steps& steps, const FileEntry& file,
         }
         found = Together(run.tagFormats->Read(*stream, end), old, genre);
     });
-    if (!isRead) return std::nullopt;
-    if (isHeard) Hear(run, steps, *stream, file);
+    if (!isRead) found.reset();
+    if (isRead && isHeard) Hear(run, steps, *stream, file);
     return found;
 }
 
@@ -99,11 +101,13 @@ KnownTags& TagsKnownTo(Run& run, Steps& steps) {
     return *run.knownTags;
 }
 
-Tag Told(const Run& run, FoundTag found, GenreAs genre) {
-    if (found.genreNumber)
-        found.tag.genre = genre == GenreAs::Name ? run.GenreNames[*found.genreNumber]
-                                                 : std::to_string(*found.genreNumber);
-    return std::move(found.tag);
+/// The tag with a text for its genre.
+std::optional<Tag> Told(const Run& run, std::optional<FoundTag>&& found, GenreAs genre) {
+    if (!found) return std::nullopt;
+    if (found->genreNumber)
+        found->tag.genre = genre == GenreAs::Name ? run.GenreNames[*found->genreNumber]
+                                                  : std::to_string(*found->genreNumber);
+    return std::move(found->tag);
 }
 
 /// What is known of the file, which is read where that is nothing, or not what is asked for.
@@ -116,12 +120,6 @@ std::optional<FoundTag> FindTags(Run& run, const FileEntry& file, bool asksForAr
     found = ReadFound(run, steps, file, run.movedMusic.FollowMovedFiles && !found);
     if (found) known.Set(file, *found);
     return found;
-}
-
-std::optional<Tag> ReadAllTags(Run& run, const FileEntry& file) {
-    std::optional<FoundTag> found = FindTags(run, file, false);
-    if (!found) return std::nullopt;
-    return Told(run, *std::move(found), GenreAs::Name);
 }
 
 std::string GenreNameOf(Run& run, std::uint8_t number) {
@@ -181,16 +179,12 @@ std::optional<Tag> ReadID3(Run& run, std::string_view path, GenreAs genre) {
     steps.Concerning(path);
     FileEntry file;
     if (!steps.Try(ReadTagStep::Look, [&] { file = run.files.GetFile(path); })) return std::nullopt;
-    if (ReadsAllTags(run)) {
-        std::optional<FoundTag> found = ReadFound(run, steps, file);
-        if (!found) return std::nullopt;
-        return Told(run, *std::move(found), genre);
-    }
+    if (ReadsAllTags(run)) return Told(run, ReadFound(run, steps, file), genre);
     return file.size > TagSize ? ReadLongFile(run, steps, file.path, genre) : Tag();
 }
 
 std::optional<Tag> ReadID3(Run& run, const FileEntry& file) {
-    if (ReadsAllTags(run)) return ReadAllTags(run, file);
+    if (ReadsAllTags(run)) return Told(run, FindTags(run, file, false), GenreAs::Name);
     if (file.size <= TagSize) return Tag();
     Steps steps(run, Location);
     steps.Concerning(file.path);

@@ -25,10 +25,12 @@ class BytesReader : public BinaryReader {
         for (std::uint8_t& byte : bytes)
             byte = At(position_++);
         bytesRead += bytes.size();
+        ++reads;
         return bytes;
     }
 
     std::uint64_t bytesRead = 0;
+    std::size_t reads = 0;
 
   private:
     std::uint8_t At(std::uint64_t position) const {

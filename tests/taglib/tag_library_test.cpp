@@ -177,6 +177,21 @@ TEST(TagLibrary, ReadsLittleOfATagWithAHundredMegabytesOfArt) {
     EXPECT_THAT(file.bytesRead, Lt(40'000U));
 }
 
+// The file's end, the tag's beginning, what follows the picture, and the sound, each once.
+TEST(TagLibrary, ReadsEachPieceOfATagWithAPictureOnce) {
+    using namespace std::string_literals;
+    const std::string picture = "\0image/png\0\3\0\x89PNG\r\n\x1A\n"s + std::string(30'000, 'x');
+    const std::string frames = Title(3, "Dawn") + FrameBytes(3, "APIC", picture) +
+                               FrameBytes(3, "TPE1", TextContent("artist"));
+    BytesReader file(FramesTag(3, frames, 8000) + Sound(500));
+    const OtherTags found = Read(file);
+    EXPECT_EQ(found.tag.song, "Dawn");
+    EXPECT_EQ(found.tag.artist, "artist");
+    EXPECT_EQ(found.art, EmbeddedArt::Promised);
+    EXPECT_THAT(found.seconds, Optional(13));
+    EXPECT_EQ(file.reads, 4U);
+}
+
 TEST(TagLibrary, ReadsLittleOfWhatIsNoMusic) {
     BytesReader zeros("", 1'000'000'000);
     EXPECT_FALSE(Read(zeros).tag.IsThere());
@@ -214,6 +229,12 @@ TEST(TagLibrary, KnowsGenresByNameByNumberAndByBoth) {
     EXPECT_EQ(GenreOf("Synthpop of my own"), "Synthpop of my own");
     EXPECT_EQ(GenreOf("(17)"), "17");
     EXPECT_EQ(GenreOf("17"), "17");
+    EXPECT_EQ(GenreOf("(5)"), "5");
+    EXPECT_EQ(GenreOf("(255)"), "");
+    EXPECT_EQ(GenreOf("(17"), "(17");
+    EXPECT_EQ(GenreOf("()"), "");
+    EXPECT_EQ(GenreOf("Rock (live)"), "Rock (live)");
+    EXPECT_EQ(GenreOf("(17)(RX)"), "RX");
     EXPECT_EQ(GenreOf("(17)Hard Rock"), "Hard Rock");
     EXPECT_EQ(GenreOf("(17)Rock"), "Rock");
 }
