@@ -14,33 +14,33 @@ class PreviewReader : public BinaryReader {
     std::uint64_t Size() const override { return content_.Size(); }
     void SetPosition(std::uint64_t position) override { position_ = position; }
 
-    std::vector<std::uint8_t> Read(std::size_t count) override {
-        std::vector<std::uint8_t> bytes;
+    std::size_t ReadInto(std::span<std::uint8_t> bytes) override {
+        const std::size_t asked = bytes.size();
         const std::uint64_t groundFrom = content_.head->size();
         const std::uint64_t addedFrom = groundFrom + (content_.kept - content_.skipped);
-        Take(bytes, *content_.head, 0, count);
-        if (position_ >= groundFrom && position_ < addedFrom && bytes.size() < count) {
+        Take(bytes, *content_.head, 0);
+        if (position_ >= groundFrom && position_ < addedFrom && !bytes.empty()) {
             ground_->SetPosition(position_ - groundFrom + content_.skipped);
-            const auto wanted =
-                std::min<std::uint64_t>(count - bytes.size(), addedFrom - position_);
-            const auto piece = ground_->Read(static_cast<std::size_t>(wanted));
-            bytes.insert(bytes.end(), piece.begin(), piece.end());
-            position_ += piece.size();
+            const auto wanted = std::min<std::uint64_t>(bytes.size(), addedFrom - position_);
+            Advance(bytes, ground_->ReadInto(bytes.first(static_cast<std::size_t>(wanted))));
         }
         // Nothing of what is behind where the file that is there has become shorter.
-        Take(bytes, *content_.added, addedFrom, count);
-        return bytes;
+        Take(bytes, *content_.added, addedFrom);
+        return asked - bytes.size();
     }
 
   private:
     /// What of a text that begins there is wanted.
-    void Take(std::vector<std::uint8_t>& bytes, std::string_view text, std::uint64_t from,
-              std::size_t count) {
+    void Take(std::span<std::uint8_t>& bytes, std::string_view text, std::uint64_t from) {
         if (position_ < from || position_ >= from + text.size()) return;
-        const auto rest =
-            text.substr(static_cast<std::size_t>(position_ - from), count - bytes.size());
-        bytes.insert(bytes.end(), rest.begin(), rest.end());
-        position_ += rest.size();
+        const auto rest = text.substr(static_cast<std::size_t>(position_ - from), bytes.size());
+        std::ranges::copy(rest, bytes.begin());
+        Advance(bytes, rest.size());
+    }
+
+    void Advance(std::span<std::uint8_t>& bytes, std::size_t count) {
+        bytes = bytes.subspan(count);
+        position_ += count;
     }
 
     std::unique_ptr<BinaryReader> ground_;

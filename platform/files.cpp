@@ -1,8 +1,17 @@
 #include "platform/files.h"
 
+#include <algorithm>
+
 #include "platform/failure.h"
 
 namespace quillon {
+
+std::vector<std::uint8_t> BinaryReader::Read(std::size_t count) {
+    std::vector<std::uint8_t> bytes(
+        static_cast<std::size_t>(std::min<std::uint64_t>(count, Size())));
+    bytes.resize(ReadInto(bytes));
+    return bytes;
+}
 
 bool FolderMayExist(Files& files, std::string_view path) try {
     return files.FolderExists(path);

@@ -123,8 +123,11 @@ class BinaryReader {
     virtual ~BinaryReader() = default;
     virtual std::uint64_t Size() const = 0;
     virtual void SetPosition(std::uint64_t position) = 0;
-    /// Up to `count` bytes from the position on, which moves past them; fewer only at the end.
-    virtual std::vector<std::uint8_t> Read(std::size_t count) = 0;
+    /// Reads bytes from the position on, which moves past them. Returns how many: fewer than asked
+    /// for only at the end.
+    virtual std::size_t ReadInto(std::span<std::uint8_t> bytes) = 0;
+    /// The same, up to `count` of them.
+    std::vector<std::uint8_t> Read(std::size_t count);
 };
 
 /// Told of each piece of a file that has been read or copied, in bytes.

@@ -66,7 +66,8 @@ class AlbumTracks {
         steps_.Concerning(file.Name);
         if (!steps_.Try(Step::FindRow, [&] { row = FindRow(file.Name, row); })) return;
         if (album_.cdjid == NoCdjid) return;  // no album to hold a row
-        if (run_.knownTags) run_.knownTags->Keep(file.Name);
+        // What has been asked for is kept anyway.
+        if (run_.knownTags && !file.Tag) run_.knownTags->Keep(file.Name);
         const bool isNew = row == nullptr;
         if (isNew) {
             if (!steps_.Try(Step::AddRow, [&] { row = AddRow(file); }) || row == nullptr) return;

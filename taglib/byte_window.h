@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -17,8 +18,10 @@ class ByteWindow {
     /// `file` must outlive this object.
     explicit ByteWindow(BinaryReader& file) : file_(&file), size_(file.Size()) {}
     /// Over bytes that are at hand.
-    explicit ByteWindow(std::vector<std::uint8_t> bytes)
-        : size_(bytes.size()), head_{.bytes = std::move(bytes)} {}
+    explicit ByteWindow(std::vector<std::uint8_t> bytes) : size_(bytes.size()) {
+        head_.size = bytes.size();
+        head_.large = std::move(bytes);
+    }
 
     std::uint64_t Size() const { return size_; }
 
@@ -31,13 +34,17 @@ class ByteWindow {
   private:
     static constexpr std::size_t PieceSize = 4096, MostPieces = 256, MostBytes = 4 * MostAtOnce;
 
+    /// Nearly all pieces are of one size, which has its place here.
     struct Piece {
         std::uint64_t from = 0;
-        std::vector<std::uint8_t> bytes = {};
+        std::size_t size = 0;
+        std::array<std::uint8_t, PieceSize> small;
+        std::vector<std::uint8_t> large;  ///< holds the piece instead where it is not empty
 
         bool Has(std::uint64_t position, std::size_t count) const {
-            return position >= from && position + count <= from + bytes.size();
+            return position >= from && position + count <= from + size;
         }
+        const std::uint8_t* Begin() const { return large.empty() ? small.data() : large.data(); }
     };
 
     /// Null where no more is to be read.

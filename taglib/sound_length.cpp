@@ -115,13 +115,14 @@ std::optional<FoundFrame> FirstFrame(ByteWindow& file, std::uint64_t begin, std:
     constexpr std::uint64_t Nearness = std::uint64_t{64} * 1024;
     constexpr std::size_t Piece = 4096 - (HeadSize - 1);
     const std::uint64_t last = std::min(end, begin + Nearness);
-    std::vector<std::uint8_t> piece;
+    std::array<std::uint8_t, Piece + HeadSize - 1> bytes{};
     for (std::uint64_t at = begin; at + HeadSize <= last; at += Piece) {
-        const auto seen = file.At(at, Piece + HeadSize - 1);
-        piece.assign(seen.begin(), seen.end());
+        const auto seen = file.At(at, bytes.size());
+        std::ranges::copy(seen, bytes.begin());
+        const Bytes piece = Bytes(bytes).first(seen.size());
         for (std::size_t i = 0; i + HeadSize <= piece.size() && i < Piece; ++i) {
             const std::uint64_t here = at + i;
-            const std::optional<FrameHead> head = HeadIn(Bytes(piece).subspan(i));
+            const std::optional<FrameHead> head = HeadIn(piece.subspan(i));
             if (!head || here + HeadSize > end || head->size < HeadSize) continue;
             if (here + head->size >= end) return FoundFrame{.head = *head, .at = here};
             const std::optional<FrameHead> next = HeadIn(file.At(here + head->size, HeadSize));

@@ -67,10 +67,6 @@ Tag TagOf(std::string_view texts) {
     return tag;
 }
 
-std::uint64_t KeyOf(std::string_view path) {
-    return ContentHash(LowerCase(path));
-}
-
 std::int64_t SecondsOf(DateTime time) {
     constexpr double SecondsADay = 24 * 60 * 60;
     return std::llround(time.days * SecondsADay);
@@ -112,6 +108,14 @@ KnownTags::KnownTags(Run& run) : run_(run) {
 
 std::shared_ptr<KnownTags> KnownTags::Nothing(Run& run) {
     return std::shared_ptr<KnownTags>(new KnownTags(run, IsKept::No));
+}
+
+std::uint64_t KnownTags::KeyOf(std::string_view path) {
+    if (path != lastPath_) {
+        lastPath_ = path;
+        lastKey_ = ContentHash(LowerCase(path));
+    }
+    return lastKey_;
 }
 
 std::optional<FoundTag> KnownTags::Find(const FileEntry& file) {

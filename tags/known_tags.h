@@ -7,6 +7,7 @@
 #include <string_view>
 #include <unordered_map>
 
+#include "platform/content_hash.h"
 #include "platform/files.h"
 #include "tags/tag.h"
 #include "tags/tag_formats.h"
@@ -60,11 +61,15 @@ class KnownTags {
     enum class IsKept { No };
     KnownTags(Run& run, IsKept) : run_(run), isKept_(false) {}
     std::string Path() const;
+    std::uint64_t KeyOf(std::string_view path);
 
     Run& run_;
     bool isKept_ = true;
     std::unordered_map<std::uint64_t, Entry> entries_;  ///< by the hash of the path
     bool isChanged_ = false;
+    // What is not known of a file is set right after it was looked for.
+    std::string lastPath_;
+    std::uint64_t lastKey_ = HashOfNothing;
 };
 
 /// The path of that file.

@@ -58,22 +58,24 @@ bool AnsiTextWriter::CloseIf(const std::function<bool()>& isWanted) {
     return true;
 }
 
-std::vector<std::uint8_t> PositionedReader::Read(std::size_t count) {
-    if (position_ >= size_) return {};
-    const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(count, size_ - position_));
+std::size_t PositionedReader::ReadInto(std::span<std::uint8_t> bytes) {
+    if (position_ >= size_) return 0;
+    const auto wanted =
+        static_cast<std::size_t>(std::min<std::uint64_t>(bytes.size(), size_ - position_));
+    bytes = bytes.first(wanted);
     const bool isAhead =
         position_ >= aheadFrom_ && position_ + wanted <= aheadFrom_ + ahead_.size();
     if (!isAhead && wanted >= SmallPiece) {
-        std::vector<std::uint8_t> piece(wanted);
-        piece.resize(file_.ReadAt(position_, piece));
-        position_ += piece.size();
-        return piece;
+        const std::size_t there = file_.ReadAt(position_, bytes);
+        position_ += there;
+        return there;
     }
     if (!isAhead) ReadAhead(wanted);
-    const auto begin = ahead_.begin() + static_cast<std::ptrdiff_t>(position_ - aheadFrom_);
-    const auto there = std::min(wanted, static_cast<std::size_t>(ahead_.end() - begin));
+    const auto ahead = std::span(ahead_).subspan(static_cast<std::size_t>(position_ - aheadFrom_));
+    const std::size_t there = std::min(wanted, ahead.size());
+    std::ranges::copy(ahead.first(there), bytes.begin());
     position_ += there;
-    return {begin, begin + static_cast<std::ptrdiff_t>(there)};
+    return there;
 }
 
 void PositionedReader::ReadAhead(std::size_t count) {

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -44,7 +45,7 @@ class PositionedReader : public BinaryReader {
 
     std::uint64_t Size() const override { return size_; }
     void SetPosition(std::uint64_t position) override { position_ = position; }
-    std::vector<std::uint8_t> Read(std::size_t count) override;
+    std::size_t ReadInto(std::span<std::uint8_t> bytes) override;
 
   private:
     void ReadAhead(std::size_t count);

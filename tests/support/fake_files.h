@@ -328,11 +328,12 @@ class FakeFiles : public Files {
         explicit Bytes(std::string bytes) : bytes_(std::move(bytes)) {}
         std::uint64_t Size() const override { return bytes_.size(); }
         void SetPosition(std::uint64_t position) override { position_ = position; }
-        std::vector<std::uint8_t> Read(std::size_t count) override {
+        std::size_t ReadInto(std::span<std::uint8_t> bytes) override {
             const std::size_t from = std::min<std::size_t>(position_, bytes_.size());
-            const std::string piece = bytes_.substr(from, count);
+            const std::string piece = bytes_.substr(from, bytes.size());
             position_ = from + piece.size();
-            return {piece.begin(), piece.end()};
+            std::ranges::copy(piece, bytes.begin());
+            return piece.size();
         }
 
       private:

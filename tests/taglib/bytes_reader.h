@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -18,15 +19,14 @@ class BytesReader : public BinaryReader {
 
     std::uint64_t Size() const override { return begin_.size() + zeros_ + end_.size(); }
     void SetPosition(std::uint64_t position) override { position_ = position; }
-    std::vector<std::uint8_t> Read(std::size_t count) override {
+    std::size_t ReadInto(std::span<std::uint8_t> bytes) override {
         const std::uint64_t left = Size() - std::min(position_, Size());
-        std::vector<std::uint8_t> bytes(
-            static_cast<std::size_t>(std::min<std::uint64_t>(count, left)));
+        bytes = bytes.first(static_cast<std::size_t>(std::min<std::uint64_t>(bytes.size(), left)));
         for (std::uint8_t& byte : bytes)
             byte = At(position_++);
         bytesRead += bytes.size();
         ++reads;
-        return bytes;
+        return bytes.size();
     }
 
     std::uint64_t bytesRead = 0;

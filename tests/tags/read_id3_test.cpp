@@ -204,12 +204,13 @@ class FailingReader : public BinaryReader {
         : bytes_(std::move(bytes)), badByte_(badByte) {}
     std::uint64_t Size() const override { return bytes_.size(); }
     void SetPosition(std::uint64_t position) override { position_ = position; }
-    std::vector<std::uint8_t> Read(std::size_t count) override {
-        if (position_ <= badByte_ && badByte_ < position_ + count)
+    std::size_t ReadInto(std::span<std::uint8_t> bytes) override {
+        if (position_ <= badByte_ && badByte_ < position_ + bytes.size())
             throw Failure(FailureNumber::PathFileAccess, Path);
-        const std::string piece = bytes_.substr(position_, count);
+        const std::string piece = bytes_.substr(position_, bytes.size());
         position_ += piece.size();
-        return {piece.begin(), piece.end()};
+        std::ranges::copy(piece, bytes.begin());
+        return piece.size();
     }
 
   private:
