@@ -35,9 +35,19 @@ class History {
     std::string UndoneBy(std::size_t run) const;
 
     /// What an undo without a stamp is about: the last run that changed something and has not been
-    /// taken back; "" where there is none. An undo that was cut off is taken up where nothing came
-    /// after it.
+    /// taken back; "" where there is none. An undo that was cut off, or has left something, is
+    /// taken up, unless what it was about has been taken back since, or it has been taken back
+    /// itself.
     std::string LastToUndo() const;
+
+    /// An undo that was cut off, or has left something, and was started again, perhaps several
+    /// times, is one undo in parts, as long as nothing else has changed anything in between. The
+    /// stamp of the first part, which is that of the run itself where it has no other, or is no
+    /// undo.
+    std::string FirstPartOf(std::string_view stamp) const;
+
+    /// The same for an undo of that run that comes next; "" where it is the first part.
+    std::string PartBefore(std::string_view undoes) const;
 
     /// The runs whose files are to be taken back for a way back before the run of this stamp, the
     /// newest first: it and those behind it. Undos only where it is one itself: then those behind
@@ -53,8 +63,10 @@ class History {
 
   private:
     std::optional<std::size_t> Find(std::string_view stamp) const;
-    /// Whether what an undo takes back begins with an undo.
-    bool NamesUndo(const PastRun& undo) const;
+    /// Whether a run is among those that an undo behind it takes back.
+    bool IsAbout(const PastRun& undo, const PastRun& run) const;
+    /// The number of the first part of an undo that has, or would have, the number `undo`.
+    std::size_t FirstPart(std::string_view undoes, std::size_t undo) const;
 
     std::vector<PastRun> runs_;
 };

@@ -34,6 +34,9 @@ void ShowPlan(std::ostream& out, const UndoWork& work, const UndoWork::Result& p
     out << "This would be taken back, the last run first:\n";
     for (const PastRun& run : work.Runs())
         out << OneLine(fmt::format("  {}  {}", run.started.stamp, run.started.mode)) << '\n';
+    if (!work.PartBefore().empty())
+        out << fmt::format("It goes on with the undo {}, which has not done all of it.\n",
+                           work.PartBefore());
     const ChangeTextOptions options{
         .nameOf = [&plan](const RowChange& change) { return plan.names.Of(change); }};
     out << '\n' << ChangeText(plan.changes, options);
@@ -83,11 +86,14 @@ int Undo(const UndoRequest& request, Console console) {
         return RefusedStatus;
     }
     const UndoWork::Ended ended = work.CarryOut();
-    if (isAny) LogOutcome(local, work, ended);
     if (isAny) {
+        LogOutcome(local, work, ended);
         if (ended.refused != plan.refused) ShowRefused(console.out, ended.refused);
-        console.out << fmt::format("\nDone. 'quillon undo {}' takes this undo back.\n",
-                                   ended.stamp);
+    }
+    if (isAny || !work.PartBefore().empty()) {
+        console.out << fmt::format("\nDone. 'quillon undo {}' takes this undo back{}.\n",
+                                   ended.firstPart,
+                                   work.PartBefore().empty() ? "" : ", the part before as well");
     }
     return ended.refused.empty() ? DoneStatus : FaultsFoundStatus;
 }

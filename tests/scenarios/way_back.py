@@ -199,6 +199,43 @@ def killed(program):
         stage.confirm_database(unrepaired=True)
 
 
+def cut_off(stage, run):
+    """Leaves a run's journal as a kill at the very end does."""
+    journal = stage.host / "Changes" / f"{run}.jsonl"
+    lines = journal.read_text("utf-8").splitlines()
+    if json.loads(lines[-1])["record"] != "end":
+        raise Failed(f"{run} has not come to its end")
+    journal.write_text("".join(line + "\n" for line in lines[:-1]), "utf-8")
+
+
+def in_parts(program):
+    """An undo that was cut off and started again is one undo: what it tells takes all of it back, and the
+    next one goes further back."""
+    with Stage(program) as stage:
+        library(stage)
+        expect("undo", 0, undo(stage, "--yes")[0])
+        first = runs(stage)[-1]["run"]
+        cut_off(stage, first)
+        status, output, _ = undo(stage, "--yes")
+        expect("started again", 0, status)
+        expect_in(f"It goes on with the undo {first}, which has not done all of it", output)
+        expect_in(f"'quillon undo {first}' takes this undo back", output)
+        expect("goes on with", first, runs(stage)[-1].get("goesOnWith"))
+        expect_in(f", goes on with {first}", changes(stage, "--list")[1])
+        expect_in(f"It goes on with {first}, which has not done all of it", changes(stage)[1])
+        expect("titles", ["Dawn"], titles(stage))
+        # Any of its parts means the whole.
+        expect("undo of the undo", 0, undo(stage, runs(stage)[-1]["run"], "--yes")[0])
+        expect("titles", ["Dawn", "Rain"], titles(stage))
+        expect("names", ["Birch - Rain.mp3"], os.listdir(stage.disk / "Music/Birch/Second"))
+        expect("undo", 0, undo(stage, "--yes")[0])
+        expect("titles", ["Dawn"], titles(stage))
+        cut_off(stage, runs(stage)[-1]["run"])
+        expect("started again", 0, undo(stage, "--yes")[0])
+        expect("further back", 0, undo(stage, "--yes")[0])
+        expect("titles", [], titles(stage))
+
+
 def differences(stage):
     """Rows of differences, in their order: the song, the tag's artist and the time."""
     return [(row["Track"], row["ID3Value"], row["UpdateTime"]) for row in stage.query(
@@ -274,7 +311,7 @@ def database_in_use(program):
 
 def main():
     stories = (several_runs, asks_first, leaves_what_was_changed, row_and_file_stay_together,
-               edited_journals, killed, differences_that_stay, database_in_use)
+               edited_journals, killed, in_parts, differences_that_stay, database_in_use)
     for story in stories:
         try:
             story(sys.argv[1])
