@@ -54,6 +54,10 @@ class Reached {
     std::unordered_map<std::string, std::uint64_t> furthest_;
 };
 
+bool IsCompleted(const PastRun& run) {
+    return run.ended && run.ended->outcome == "completed";
+}
+
 bool IsDone(const PastRun& undo) {
     return undo.ended && undo.ended->status == 0;
 }
@@ -143,14 +147,22 @@ std::vector<std::size_t> History::ForFiles(std::string_view stamp) const {
     return chosen;
 }
 
+bool History::AreRowsBack(std::size_t undo) const {
+    for (std::size_t i = runs_.size(); i-- > undo + 1;) {
+        const PastRun& later = runs_[i];
+        const bool changesRows = later.hasSavedRows || IsCompleted(later);
+        if (changesRows && IsAbout(later, runs_[undo]) && !AreRowsBack(i)) return true;
+    }
+    return false;
+}
+
 std::vector<std::size_t> History::ForRows(std::string_view stamp) const {
     std::vector<std::size_t> chosen;
     const std::optional<std::size_t> first = Find(stamp);
     for (std::size_t i = first.value_or(runs_.size()); i < runs_.size(); ++i) {
         const PastRun& run = runs_[i];
-        if (runs_[*first].IsUndo() || !run.IsUndo() ||
-            CompareStamps(run.started.undoes, stamp) >= 0)
-            chosen.push_back(i);
+        const bool goesFurtherBack = run.IsUndo() && CompareStamps(run.started.undoes, stamp) < 0;
+        if (runs_[*first].IsUndo() || !goesFurtherBack || AreRowsBack(i)) chosen.push_back(i);
     }
     return chosen;
 }

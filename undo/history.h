@@ -17,6 +17,7 @@ struct PastRun {
     RunStarted started;
     std::optional<RunEnded> ended;  ///< nothing where it was killed, or is still going on
     std::size_t changes = 0;        ///< of rows and files of the library
+    bool hasSavedRows = false;      ///< known where it did not come to its end
 
     bool IsUndo() const { return !started.undoes.empty(); }
 };
@@ -55,7 +56,8 @@ class History {
     std::vector<std::size_t> ForFiles(std::string_view stamp) const;
 
     /// The same for rows, the oldest first, with the undos among them: what they have put back
-    /// counts, too.
+    /// counts, too. An undo that went further back only counts where it has been taken back itself:
+    /// then what has brought everything back is among them as well.
     std::vector<std::size_t> ForRows(std::string_view stamp) const;
 
     /// The undos since that run, the newest first.
@@ -63,6 +65,8 @@ class History {
 
   private:
     std::optional<std::size_t> Find(std::string_view stamp) const;
+    /// Whether rows of an undo have been brought back, and are so still.
+    bool AreRowsBack(std::size_t undo) const;
     /// Whether a run is among those that an undo behind it takes back.
     bool IsAbout(const PastRun& undo, const PastRun& run) const;
     /// The number of the first part of an undo that has, or would have, the number `undo`.

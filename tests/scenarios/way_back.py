@@ -85,6 +85,30 @@ def several_runs(program):
         expect("unknown run", 2, undo(stage, "2001-01-01_00-00-00", "--yes")[0])
 
 
+def one_of_two(program):
+    """Both runs are taken back, one by one or at once, and both are brought back; then the last one alone
+    is taken back: what the first one added, and was played since, stays."""
+    for steps in ((), ("first",)):
+        with Stage(program) as stage:
+            library(stage)
+            first, second = (run["run"] for run in runs(stage))
+            expect("undo", 0, undo(stage, *([first] if steps else []), "--yes")[0])
+            taken = runs(stage)[-1]["run"]
+            if not steps:
+                expect("undo", 0, undo(stage, "--yes")[0])
+            expect("titles", [], titles(stage))
+            expect("undo of undos", 0, undo(stage, taken, "--yes")[0])
+            stage.execute("UPDATE Tracks SET TimesPlayed=3 WHERE Title='Dawn'")
+            status, output, _ = undo(stage, "--yes")
+            expect("undo of the second run", 0, status)
+            expect_in(second, output)
+            expect("titles", ["Dawn"], titles(stage))
+            expect("played", [3], [row["TimesPlayed"] for row in
+                                   stage.query("SELECT TimesPlayed FROM Tracks")])
+            expect("undo of the first run refuses what was played since", 1,
+                   undo(stage, "--yes")[0])
+
+
 def asks_first(program):
     with Stage(program) as stage:
         library(stage)
@@ -310,7 +334,7 @@ def database_in_use(program):
 
 
 def main():
-    stories = (several_runs, asks_first, leaves_what_was_changed, row_and_file_stay_together,
+    stories = (several_runs, one_of_two, asks_first, leaves_what_was_changed, row_and_file_stay_together,
                edited_journals, killed, in_parts, differences_that_stay, database_in_use)
     for story in stories:
         try:

@@ -141,6 +141,38 @@ TEST(History, TakesUndosBackTogether) {
     EXPECT_THAT(after.ForRows("1"), ElementsAre(0, 1, 2, 3, 4));
 }
 
+/// Two runs, taken back one after the other.
+std::vector<PastRun> AllTakenBack() {
+    return {Ran("1"), Ran("2"), Undid("3", "2"), Undid("4", "1")};
+}
+
+std::vector<PastRun> With(std::vector<PastRun> runs, const std::vector<PastRun>& more) {
+    runs.insert(runs.end(), more.begin(), more.end());
+    return runs;
+}
+
+TEST(RowsOfAWayBack, AreWithoutUndosThatWentFurtherBack) {
+    EXPECT_THAT(History(AllTakenBack()).ForRows("2"), ElementsAre(1, 2));
+}
+
+TEST(RowsOfAWayBack, AreWithUndosThatWentFurtherBackAndWereTakenBack) {
+    EXPECT_THAT(History(With(AllTakenBack(), {Undid("5", "3")})).ForRows("2"),
+                ElementsAre(1, 2, 3, 4));
+    EXPECT_THAT(History({Ran("1"), Ran("2"), Undid("3", "1"), Undid("4", "3", 1)}).ForRows("2"),
+                ElementsAre(1, 2, 3));
+    // And that was taken back once more.
+    EXPECT_THAT(History({Ran("1"), Ran("2"), Undid("3", "1"), Undid("4", "3"), Undid("5", "4")})
+                    .ForRows("2"),
+                ElementsAre(1, 3, 4));
+}
+
+TEST(RowsOfAWayBack, CountAnUndoThatWasCutOffAsFarAsItHasSavedThem) {
+    PastRun last = CutOff(Undid("5", "3"));
+    EXPECT_THAT(History(With(AllTakenBack(), {last})).ForRows("2"), ElementsAre(1, 2, 4));
+    last.hasSavedRows = true;
+    EXPECT_THAT(History(With(AllTakenBack(), {last})).ForRows("2"), ElementsAre(1, 2, 3, 4));
+}
+
 TEST(TakenBack, IsWhatNoLaterUndoHasTakenBackItself) {
     const RecordedRun undo{.stamp = "2", .records = {Taking(1, "1#7"), Taking(2, "1#6")}};
     const RecordedRun again{.stamp = "3", .records = {Taking(1, "2#2")}};
