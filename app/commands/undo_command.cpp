@@ -39,7 +39,10 @@ void ShowPlan(std::ostream& out, const UndoWork& work, const UndoWork::Result& p
                            work.PartBefore());
     const ChangeTextOptions options{
         .nameOf = [&plan](const RowChange& change) { return plan.names.Of(change); }};
-    out << '\n' << ChangeText(plan.changes, options);
+    const std::string text = ChangeText(plan.changes, options);
+    out << '\n' << text;
+    if (text.empty() && !plan.changes.IsEmpty())
+        out << "Only what runs note for themselves beside the database.\n";
     ShowRefused(out, plan.refused);
 }
 
@@ -63,9 +66,9 @@ void Log(LocalHost& local, const std::string& text) {
 }
 
 void LogOutcome(LocalHost& local, const UndoWork& work, const UndoWork::Ended& ended) {
-    Log(local, fmt::format("Undo: run {} is taken back{}; {} changes, see 'quillon changes {}'",
+    Log(local, fmt::format("Undo: run {} is taken back{}; {} change{}, see 'quillon changes {}'",
                            work.Stamp(), work.Runs().size() > 1 ? " with all behind it" : "",
-                           ended.changes, ended.stamp));
+                           ended.changes, ended.changes == 1 ? "" : "s", ended.stamp));
     for (const std::string& line : ended.refused)
         Log(local, "Undo: stays as it is: " + line);
 }

@@ -159,7 +159,9 @@ void UndoWork::ReadJournals(const std::vector<std::filesystem::path>& journals,
     for (const std::size_t undo : undosSince)
         undos.push_back(recorded[undo]);
     for (const std::size_t run : newestFirst) {
-        runs_.push_back(history.Runs()[run]);
+        const PastRun& past = history.Runs()[run];
+        const bool isNamed = past.started.stamp == stamp_;
+        if (isNamed || (past.changes > 0 && history.UndoneBy(run).empty())) runs_.push_back(past);
         runs.push_back(std::move(recorded[run]));
     }
     steps_ = FileStepsFor(runs, TakenBack(undos));

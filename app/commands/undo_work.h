@@ -57,7 +57,8 @@ class UndoWork {
     /// not.
     const std::string& PartBefore() const { return partBefore_; }
 
-    /// The runs, the newest first; the last one's stamp.
+    /// The runs, the newest first, without those that have changed nothing or have been taken back
+    /// already; the last one's stamp.
     const std::vector<PastRun>& Runs() const { return runs_; }
     const std::string& Stamp() const { return stamp_; }
 

@@ -4,6 +4,7 @@ shows: several runs, what was changed since, cut off, edited journals, a databas
 
 import json
 import os
+import re
 import signal
 import sys
 import time
@@ -74,7 +75,13 @@ def several_runs(program):
         expect_in("quillon undo ", output)
         expect("titles", ["Dawn"], titles(stage))
         expect("undone by", True, "undoneBy" in runs(stage)[1])
-        expect("second undo", 0, undo(stage, "--yes")[0])
+        clean_run(stage)
+        expect("undo of what a run has found again", 0, undo(stage, "--yes")[0])
+        status, output, _ = undo(stage, "--yes")
+        expect("second undo", 0, status)
+        # Those that have been taken back already are not.
+        expect("runs", [first], re.findall(r"(?m)^  ([-\d_]+)  Reconcile", output))
+        expect_in(f"Undo: run {first} is taken back;", stage.log.read_text("utf-8"))
         expect("titles", [], titles(stage))
         expect("nothing left", 2, undo(stage, "--yes")[0])
         # Both undos are taken back at once, then both runs.
