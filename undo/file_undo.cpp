@@ -53,10 +53,19 @@ Outcome FileUndo::TakeBack(const FileChange& change) {
             if (!change.before || change.before->keptAs.empty()) return WasSo;
             return MoveFolderBack(KeptPath(hostFolder_, *change.before), change.path);
         case Kind::Discarded:
+            // An undo discards folders that the run before it has made.
+            if (!change.takesBack.empty()) return MakeFolderAgain(change.path);
             break;
     }
     // What was discarded had been made by the same run: that is taken back, too, and is so already.
     return WasSo;
+}
+
+Outcome FileUndo::MakeFolderAgain(const std::string& path) {
+    if (files_.FolderExists(path)) return WasSo;
+    MakeFoldersFor(path);
+    files_.CreateFolder(path);
+    return {};
 }
 
 /// A whole file, written or copied to this path.

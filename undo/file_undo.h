@@ -29,6 +29,7 @@ class FileUndo {
     Outcome SpellBack(const FileChange& change);
     Outcome PutDeletedBack(const FileChange& change);
     Outcome TakeFolderAway(const FileChange& change);
+    Outcome MakeFolderAgain(const std::string& path);
     Outcome MoveFolderBack(const std::string& from, const std::string& to);
 
     void MakeFoldersFor(std::string_view path);

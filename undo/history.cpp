@@ -54,6 +54,18 @@ class Reached {
     std::unordered_map<std::string, std::uint64_t> furthest_;
 };
 
+bool IsCompleted(const PastRun& run) {
+    return run.ended && run.ended->outcome == "completed";
+}
+
+bool IsDone(const PastRun& undo) {
+    return undo.ended && undo.ended->status == 0;
+}
+
+bool IsUnfinishedUndo(const PastRun& run) {
+    return run.IsUndo() && !IsDone(run);
+}
+
 }  // namespace
 
 int CompareStamps(std::string_view left, std::string_view right) {
@@ -70,19 +82,19 @@ std::optional<std::size_t> History::Find(std::string_view stamp) const {
     return std::nullopt;
 }
 
-bool History::NamesUndo(const PastRun& undo) const {
-    const std::optional<std::size_t> named = Find(undo.started.undoes);
-    return named && runs_[*named].IsUndo();
+bool History::IsAbout(const PastRun& undo, const PastRun& run) const {
+    const std::string& first = undo.started.undoes;
+    if (!undo.IsUndo() || CompareStamps(first, run.started.stamp) > 0) return false;
+    if (!run.IsUndo() || first == run.started.stamp) return true;
+    const std::optional<std::size_t> named = Find(first);
+    return named && runs_[*named].IsUndo() && CompareStamps(run.started.undoes, first) < 0;
 }
 
 std::string History::UndoneBy(std::size_t run) const {
-    const std::string& stamp = runs_[run].started.stamp;
     for (std::size_t i = runs_.size(); i-- > run + 1;) {
         const PastRun& undo = runs_[i];
-        const bool isMeant = undo.IsUndo() && CompareStamps(undo.started.undoes, stamp) <= 0 &&
-                             (!runs_[run].IsUndo() || NamesUndo(undo));
-        const bool isDone = undo.ended && undo.ended->status == 0;
-        if (isMeant && isDone && UndoneBy(i).empty()) return undo.started.stamp;
+        if (IsDone(undo) && IsAbout(undo, runs_[run]) && UndoneBy(i).empty())
+            return undo.started.stamp;
     }
     return "";
 }
@@ -90,11 +102,37 @@ std::string History::UndoneBy(std::size_t run) const {
 std::string History::LastToUndo() const {
     for (std::size_t i = runs_.size(); i-- > 0;) {
         const PastRun& run = runs_[i];
-        const bool isCutOff = !run.ended || run.ended->outcome != "completed";
-        if (run.IsUndo() && isCutOff) return run.started.undoes;
-        if (!run.IsUndo() && run.changes > 0 && UndoneBy(i).empty()) return run.started.stamp;
+        if (!UndoneBy(i).empty()) continue;
+        if (IsUnfinishedUndo(run)) {
+            const std::optional<std::size_t> named = Find(run.started.undoes);
+            if (!named || UndoneBy(*named).empty()) return run.started.undoes;
+        }
+        if (!run.IsUndo() && run.changes > 0) return run.started.stamp;
     }
     return "";
+}
+
+std::size_t History::FirstPart(std::string_view undoes, std::size_t undo) const {
+    std::size_t first = undo;
+    for (std::size_t i = undo; i-- > 0;) {
+        const PastRun& run = runs_[i];
+        if (IsUnfinishedUndo(run) && run.started.undoes == undoes && UndoneBy(i).empty())
+            first = i;
+        else if (run.changes > 0)
+            break;
+    }
+    return first;
+}
+
+std::string History::FirstPartOf(std::string_view stamp) const {
+    const std::optional<std::size_t> run = Find(stamp);
+    if (!run || !runs_[*run].IsUndo()) return std::string(stamp);
+    return runs_[FirstPart(runs_[*run].started.undoes, *run)].started.stamp;
+}
+
+std::string History::PartBefore(std::string_view undoes) const {
+    const std::size_t first = FirstPart(undoes, runs_.size());
+    return first < runs_.size() ? runs_[first].started.stamp : "";
 }
 
 std::vector<std::size_t> History::ForFiles(std::string_view stamp) const {
@@ -109,14 +147,22 @@ std::vector<std::size_t> History::ForFiles(std::string_view stamp) const {
     return chosen;
 }
 
+bool History::AreRowsBack(std::size_t undo) const {
+    for (std::size_t i = runs_.size(); i-- > undo + 1;) {
+        const PastRun& later = runs_[i];
+        const bool changesRows = later.hasSavedRows || IsCompleted(later);
+        if (changesRows && IsAbout(later, runs_[undo]) && !AreRowsBack(i)) return true;
+    }
+    return false;
+}
+
 std::vector<std::size_t> History::ForRows(std::string_view stamp) const {
     std::vector<std::size_t> chosen;
     const std::optional<std::size_t> first = Find(stamp);
     for (std::size_t i = first.value_or(runs_.size()); i < runs_.size(); ++i) {
         const PastRun& run = runs_[i];
-        if (runs_[*first].IsUndo() || !run.IsUndo() ||
-            CompareStamps(run.started.undoes, stamp) >= 0)
-            chosen.push_back(i);
+        const bool goesFurtherBack = run.IsUndo() && CompareStamps(run.started.undoes, stamp) < 0;
+        if (runs_[*first].IsUndo() || !goesFurtherBack || AreRowsBack(i)) chosen.push_back(i);
     }
     return chosen;
 }

@@ -36,6 +36,12 @@ History HistoryOf(const Journals& journals) {
     return History(std::move(runs));
 }
 
+/// The first part of an undo that was started again; "" for all other runs.
+std::string GoesOnWith(const History& history, const PastRun& run) {
+    std::string first = history.FirstPartOf(run.started.stamp);
+    return first == run.started.stamp ? "" : first;
+}
+
 void ListAsJson(std::ostream& out, const History& history) {
     for (std::size_t i = 0; i < history.Runs().size(); ++i) {
         const PastRun& run = history.Runs()[i];
@@ -44,6 +50,8 @@ void ListAsJson(std::ostream& out, const History& history) {
                            JsonString(run.ended ? run.ended->outcome : ""), run.changes);
         if (run.ended) out << fmt::format(R"(,"status":{})", run.ended->status);
         if (run.IsUndo()) out << R"(,"undoes":)" << JsonString(run.started.undoes);
+        const std::string continued = GoesOnWith(history, run);
+        if (!continued.empty()) out << R"(,"goesOnWith":)" << JsonString(continued);
         const std::string undoneBy = history.UndoneBy(i);
         if (!undoneBy.empty()) out << R"(,"undoneBy":)" << JsonString(undoneBy);
         out << "}\n";
@@ -57,6 +65,8 @@ void List(std::ostream& out, const History& history) {
             fmt::format("{}  {}: {}", run.started.stamp, run.started.mode, OutcomeText(run));
         line += run.changes == 1 ? ", 1 change" : fmt::format(", {} changes", run.changes);
         if (run.IsUndo()) line += ", takes back " + run.started.undoes;
+        const std::string continued = GoesOnWith(history, run);
+        if (!continued.empty()) line += ", goes on with " + continued;
         const std::string undoneBy = history.UndoneBy(i);
         if (!undoneBy.empty()) line += ", taken back by " + undoneBy;
         out << OneLine(line) << '\n';
@@ -136,8 +146,9 @@ std::string TextOf(const NetChanges& changes, const std::filesystem::path& datab
                       {.nameOf = [&names](const RowChange& row) { return names.Of(row); }});
 }
 
-JournalContent Show(std::ostream& out, const PastRun& run, const std::filesystem::path& journal,
-                    const PlannedOnly& planned, const std::filesystem::path& database) {
+JournalContent Show(std::ostream& out, const PastRun& run, const std::string& goesOnWith,
+                    const std::filesystem::path& journal, const PlannedOnly& planned,
+                    const std::filesystem::path& database) {
     NetChangesCollector done, notDone;
     std::vector<ChangeRecord> log;
     std::size_t place = 0;
@@ -149,6 +160,12 @@ JournalContent Show(std::ostream& out, const PastRun& run, const std::filesystem
                fmt::format("Run {}, {}: {}", run.started.stamp, run.started.mode, OutcomeText(run)))
         << '\n';
     if (run.IsUndo()) out << OneLine("It takes back " + run.started.undoes) << '\n';
+    if (!goesOnWith.empty()) {
+        out << fmt::format(
+            "It goes on with {0}, which has not done all of it; 'quillon changes {0}' shows that "
+            "part\n",
+            goesOnWith);
+    }
     const std::string changes = TextOf(done.Take(), database);
     const std::string others = TextOf(notDone.Take(), database);
     out << '\n' << (changes.empty() ? "Nothing was changed.\n" : changes);
@@ -193,9 +210,9 @@ int Changes(const ChangesRequest& request, Console console) {
     const std::size_t run = Chosen(history, request.run);
     const PastRun& past = history.Runs()[run];
     const PlannedOnly planned = past.ended ? PlannedOnly() : PlannedIn(local, journals[run]);
-    const JournalContent journal =
-        request.json ? ShowAsJson(console.out, journals[run], planned)
-                     : Show(console.out, past, journals[run], planned, DatabaseOf(local));
+    const JournalContent journal = request.json ? ShowAsJson(console.out, journals[run], planned)
+                                                : Show(console.out, past, GoesOnWith(history, past),
+                                                       journals[run], planned, DatabaseOf(local));
     TellDamage(console.err, journal, journals[run]);
     const bool isDamaged = std::ranges::any_of(
         journal.damaged, [](const DamagedPlace& place) { return !place.isCutShort; });

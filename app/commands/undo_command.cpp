@@ -34,9 +34,15 @@ void ShowPlan(std::ostream& out, const UndoWork& work, const UndoWork::Result& p
     out << "This would be taken back, the last run first:\n";
     for (const PastRun& run : work.Runs())
         out << OneLine(fmt::format("  {}  {}", run.started.stamp, run.started.mode)) << '\n';
+    if (!work.PartBefore().empty())
+        out << fmt::format("It goes on with the undo {}, which has not done all of it.\n",
+                           work.PartBefore());
     const ChangeTextOptions options{
         .nameOf = [&plan](const RowChange& change) { return plan.names.Of(change); }};
-    out << '\n' << ChangeText(plan.changes, options);
+    const std::string text = ChangeText(plan.changes, options);
+    out << '\n' << text;
+    if (text.empty() && !plan.changes.IsEmpty())
+        out << "Only what runs note for themselves beside the database.\n";
     ShowRefused(out, plan.refused);
 }
 
@@ -60,9 +66,9 @@ void Log(LocalHost& local, const std::string& text) {
 }
 
 void LogOutcome(LocalHost& local, const UndoWork& work, const UndoWork::Ended& ended) {
-    Log(local, fmt::format("Undo: run {} is taken back{}; {} changes, see 'quillon changes {}'",
+    Log(local, fmt::format("Undo: run {} is taken back{}; {} change{}, see 'quillon changes {}'",
                            work.Stamp(), work.Runs().size() > 1 ? " with all behind it" : "",
-                           ended.changes, ended.stamp));
+                           ended.changes, ended.changes == 1 ? "" : "s", ended.stamp));
     for (const std::string& line : ended.refused)
         Log(local, "Undo: stays as it is: " + line);
 }
@@ -83,11 +89,14 @@ int Undo(const UndoRequest& request, Console console) {
         return RefusedStatus;
     }
     const UndoWork::Ended ended = work.CarryOut();
-    if (isAny) LogOutcome(local, work, ended);
     if (isAny) {
+        LogOutcome(local, work, ended);
         if (ended.refused != plan.refused) ShowRefused(console.out, ended.refused);
-        console.out << fmt::format("\nDone. 'quillon undo {}' takes this undo back.\n",
-                                   ended.stamp);
+    }
+    if (isAny || !work.PartBefore().empty()) {
+        console.out << fmt::format("\nDone. 'quillon undo {}' takes this undo back{}.\n",
+                                   ended.firstPart,
+                                   work.PartBefore().empty() ? "" : ", the part before as well");
     }
     return ended.refused.empty() ? DoneStatus : FaultsFoundStatus;
 }

@@ -118,6 +118,8 @@ UndoWork::UndoWork(LocalHost& local, std::string_view stamp) : local_(local), st
     const History history(std::move(runs));
     if (stamp_.empty() || stamp_ == "last") stamp_ = history.LastToUndo();
     if (stamp_.empty()) throw CommandError("There is no run that can be taken back");
+    stamp_ = history.FirstPartOf(stamp_);
+    partBefore_ = history.PartBefore(stamp_);
     ReadJournals(journals, history);
     LookAtRows();
 }
@@ -157,7 +159,9 @@ void UndoWork::ReadJournals(const std::vector<std::filesystem::path>& journals,
     for (const std::size_t undo : undosSince)
         undos.push_back(recorded[undo]);
     for (const std::size_t run : newestFirst) {
-        runs_.push_back(history.Runs()[run]);
+        const PastRun& past = history.Runs()[run];
+        const bool isNamed = past.started.stamp == stamp_;
+        if (isNamed || (past.changes > 0 && history.UndoneBy(run).empty())) runs_.push_back(past);
         runs.push_back(std::move(recorded[run]));
     }
     steps_ = FileStepsFor(runs, TakenBack(undos));
@@ -258,7 +262,10 @@ UndoWork::Ended UndoWork::CarryOut() {
                             .undoes = stamp_});
     for (const WriteLeft& left : writesLeft_)
         journal.Remark(left);
-    Ended ended{.refused = {}, .changes = 0, .stamp = journal.Stamp()};
+    Ended ended{.refused = {},
+                .changes = 0,
+                .stamp = journal.Stamp(),
+                .firstPart = partBefore_.empty() ? journal.Stamp() : partBefore_};
     sink_.PassTo(&journal);
     const auto end = [&](const char* outcome, int status) {
         journal.Remark(RunEnded{.outcome = outcome,

@@ -48,11 +48,17 @@ class UndoSink : public ChangeSink {
 /// so that no run comes in between.
 class UndoWork {
   public:
-    /// `stamp` is that of the first run to take back, "" for the last one that can be. CommandError
+    /// `stamp` is that of the first run to take back, "" for the last one that can be; of an undo
+    /// that was started again any part's will do. CommandError
     /// where there is none, where journals cannot be read or the database cannot be had.
     UndoWork(LocalHost& local, std::string_view stamp);
 
-    /// The runs, the newest first; the last one's stamp.
+    /// The stamp of the undo that has not done all, with which this one goes on; "" where it does
+    /// not.
+    const std::string& PartBefore() const { return partBefore_; }
+
+    /// The runs, the newest first, without those that have changed nothing or have been taken back
+    /// already; the last one's stamp.
     const std::vector<PastRun>& Runs() const { return runs_; }
     const std::string& Stamp() const { return stamp_; }
 
@@ -72,6 +78,7 @@ class UndoWork {
         std::vector<std::string> refused;  ///< as in `Result`
         std::uint64_t changes = 0;         ///< how many
         std::string stamp;                 ///< of the undo, which is a run itself
+        std::string firstPart;             ///< the same, or of the undo that this one went on with
     };
     /// Does it, journalled. CommandError where it has to stop: started again it goes on.
     Ended CarryOut();
@@ -90,7 +97,7 @@ class UndoWork {
     bool GoesToRemoved(std::string_view path) const;
 
     LocalHost& local_;
-    std::string stamp_;
+    std::string stamp_, partBefore_;
     std::vector<PastRun> runs_;
     std::vector<FileStep> steps_;
     Writes writes_ = Writes::Whole;

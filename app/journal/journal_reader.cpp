@@ -61,6 +61,7 @@ struct Facts {
         run.started.stamp = stamp;
     }
     void operator()(const ModeChosen& chosen) const { run.started.mode = chosen.mode; }
+    void operator()(const RowsSaved&) const { run.hasSavedRows = true; }
     void operator()(const RunEnded& ended) const { run.ended = ended; }
     template <typename Other>
     void operator()(const Other&) const {}
@@ -126,8 +127,8 @@ PastRun LookAtJournal(const fs::path& file) {
     ChangeCount changes;
     run.started.stamp = file.stem().string();
     std::optional<RunEnded> end = EndOfRun(file);
-    // Then all of it has to be read to know how many there are.
-    if (end && !end->changes) end.reset();
+    // Then all of it has to be read to know how many there are, and whether rows were saved.
+    if (end && (!end->changes || end->outcome != "completed")) end.reset();
     VisitLines(file, [&](const std::string& line, bool) {
         const std::optional<ChangeRecord> record = RecordIn(line);
         if (!record) return true;

@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """undo_faults.py [options] PROGRAM   takes small runs of several modes back, kills that at single calls
-or lets the disk be full from there on, and starts it again: then all is as it was before the run.
+or lets the disk be full from there on, and starts it again: then all is as it was before the run. The undo
+of that brings back what was there after the run.
 
   --all            every point; otherwise a selection that is the same each time
   --count N        so many points of each mode (default 40)
@@ -10,6 +11,7 @@ or lets the disk be full from there on, and starts it again: then all is as it w
   --preload FILE   the preloaded library (default: beside the program's build)
 """
 
+import re
 import shutil
 import sys
 from collections import Counter
@@ -28,6 +30,7 @@ MODES = ("reconcile", "reconcile-tags", "add-files", "id3-write", "id3-write-bot
 ACTIONS = ("kill", "torn", "cut", "full")
 STARTED_AGAIN = 2
 REFUSED = 2
+UNDO_OF_UNDO = re.compile(r"'quillon undo ([-\d_]+)' takes this undo back")
 SEED = "the same each time"
 
 
@@ -85,8 +88,8 @@ class Workshop:
     def environment(self, library, number, **fault):
         return environment(library.folder, number, self.given.preload, **fault)
 
-    def undo(self, library, number, **fault):
-        command = [str(self.given.program), "undo", "--host", str(library.host), "--yes"]
+    def undo(self, library, number, stamp="last", **fault):
+        command = [str(self.given.program), "undo", stamp, "--host", str(library.host), "--yes"]
         return library.told(command, self.environment(library, number, **fault))
 
     def undisturbed(self):
@@ -122,7 +125,10 @@ class Workshop:
         if not record.exists():
             yield "the point was not reached"
         yield from self.aftermath(library, point, status, output + errors)
-        yield from self.started_again(library)
+        told = yield from self.started_again(library, point, status)
+        # A power cut may take what the journal of an undo says of changes that need not wait for it.
+        if point.action != "cut":
+            yield from self.taken_back(library, told or output)
         if self.given.keep:
             print(f"the library is left in {library.folder}")
         else:
@@ -152,17 +158,37 @@ class Workshop:
         if unfinished := [path for path in library.folder.rglob(".quillon-*")]:
             yield f"half a file is left: {unfinished}"
 
-    def started_again(self, library):
+    def started_again(self, library, point, status):
+        """What the last of the undos told that were needed after one of that status: "" where none was."""
+        output = errors = ""
+        # Every other one is killed once more.
+        fault = ({"calls": "changing", "at": point.number // 2, "do": "kill"}
+                 if point.kills and point.number % 2 == 0 else {})
         for number in range(STARTED_AGAIN):
-            left = self.before.differences(State(library))
-            if not left:
+            if status == 0 and not self.before.differences(State(library)):
                 break
-            status, output, errors = self.undo(library, 2 + number)
+            status, output, errors = self.undo(library, 2 + number, **fault)
+            fault = {}
         left = self.before.differences(State(library))
         if left:
             yield f"started again it does not go on: {left}: status {status}: {output}{errors}"
         if faults := faults_of(library.database, self.given.program):
             yield faults
+        return output
+
+    def taken_back(self, library, told):
+        """The command that the undo told takes back all of it, in however many parts it was done."""
+        if (command := UNDO_OF_UNDO.search(told)) is not None:
+            stamp = command[1]
+        elif not told:
+            # Killed when all was done, and before it could tell.
+            stamp = max(journal.stem for journal in (library.host / "Changes").glob("*.jsonl"))
+        else:
+            yield f"no command is told that takes the undo back: {shown(told)}"
+            return
+        status, output, errors = self.undo(library, 2 + STARTED_AGAIN, stamp=stamp)
+        if status != 0 or (left := self.after.differences(State(library))):
+            yield f"taken back, it is not as after the run: {status}: {left}\n{output}{errors}"
 
 
 def main():

@@ -4,6 +4,7 @@ shows: several runs, what was changed since, cut off, edited journals, a databas
 
 import json
 import os
+import re
 import signal
 import sys
 import time
@@ -74,7 +75,13 @@ def several_runs(program):
         expect_in("quillon undo ", output)
         expect("titles", ["Dawn"], titles(stage))
         expect("undone by", True, "undoneBy" in runs(stage)[1])
-        expect("second undo", 0, undo(stage, "--yes")[0])
+        clean_run(stage)
+        expect("undo of what a run has found again", 0, undo(stage, "--yes")[0])
+        status, output, _ = undo(stage, "--yes")
+        expect("second undo", 0, status)
+        # Those that have been taken back already are not.
+        expect("runs", [first], re.findall(r"(?m)^  ([-\d_]+)  Reconcile", output))
+        expect_in(f"Undo: run {first} is taken back;", stage.log.read_text("utf-8"))
         expect("titles", [], titles(stage))
         expect("nothing left", 2, undo(stage, "--yes")[0])
         # Both undos are taken back at once, then both runs.
@@ -83,6 +90,30 @@ def several_runs(program):
         expect("undo of both", 0, undo(stage, first, "--yes")[0])
         expect("titles", [], titles(stage))
         expect("unknown run", 2, undo(stage, "2001-01-01_00-00-00", "--yes")[0])
+
+
+def one_of_two(program):
+    """Both runs are taken back, one by one or at once, and both are brought back; then the last one alone
+    is taken back: what the first one added, and was played since, stays."""
+    for steps in ((), ("first",)):
+        with Stage(program) as stage:
+            library(stage)
+            first, second = (run["run"] for run in runs(stage))
+            expect("undo", 0, undo(stage, *([first] if steps else []), "--yes")[0])
+            taken = runs(stage)[-1]["run"]
+            if not steps:
+                expect("undo", 0, undo(stage, "--yes")[0])
+            expect("titles", [], titles(stage))
+            expect("undo of undos", 0, undo(stage, taken, "--yes")[0])
+            stage.execute("UPDATE Tracks SET TimesPlayed=3 WHERE Title='Dawn'")
+            status, output, _ = undo(stage, "--yes")
+            expect("undo of the second run", 0, status)
+            expect_in(second, output)
+            expect("titles", ["Dawn"], titles(stage))
+            expect("played", [3], [row["TimesPlayed"] for row in
+                                   stage.query("SELECT TimesPlayed FROM Tracks")])
+            expect("undo of the first run refuses what was played since", 1,
+                   undo(stage, "--yes")[0])
 
 
 def asks_first(program):
@@ -199,6 +230,43 @@ def killed(program):
         stage.confirm_database(unrepaired=True)
 
 
+def cut_off(stage, run):
+    """Leaves a run's journal as a kill at the very end does."""
+    journal = stage.host / "Changes" / f"{run}.jsonl"
+    lines = journal.read_text("utf-8").splitlines()
+    if json.loads(lines[-1])["record"] != "end":
+        raise Failed(f"{run} has not come to its end")
+    journal.write_text("".join(line + "\n" for line in lines[:-1]), "utf-8")
+
+
+def in_parts(program):
+    """An undo that was cut off and started again is one undo: what it tells takes all of it back, and the
+    next one goes further back."""
+    with Stage(program) as stage:
+        library(stage)
+        expect("undo", 0, undo(stage, "--yes")[0])
+        first = runs(stage)[-1]["run"]
+        cut_off(stage, first)
+        status, output, _ = undo(stage, "--yes")
+        expect("started again", 0, status)
+        expect_in(f"It goes on with the undo {first}, which has not done all of it", output)
+        expect_in(f"'quillon undo {first}' takes this undo back", output)
+        expect("goes on with", first, runs(stage)[-1].get("goesOnWith"))
+        expect_in(f", goes on with {first}", changes(stage, "--list")[1])
+        expect_in(f"It goes on with {first}, which has not done all of it", changes(stage)[1])
+        expect("titles", ["Dawn"], titles(stage))
+        # Any of its parts means the whole.
+        expect("undo of the undo", 0, undo(stage, runs(stage)[-1]["run"], "--yes")[0])
+        expect("titles", ["Dawn", "Rain"], titles(stage))
+        expect("names", ["Birch - Rain.mp3"], os.listdir(stage.disk / "Music/Birch/Second"))
+        expect("undo", 0, undo(stage, "--yes")[0])
+        expect("titles", ["Dawn"], titles(stage))
+        cut_off(stage, runs(stage)[-1]["run"])
+        expect("started again", 0, undo(stage, "--yes")[0])
+        expect("further back", 0, undo(stage, "--yes")[0])
+        expect("titles", [], titles(stage))
+
+
 def differences(stage):
     """Rows of differences, in their order: the song, the tag's artist and the time."""
     return [(row["Track"], row["ID3Value"], row["UpdateTime"]) for row in stage.query(
@@ -273,8 +341,8 @@ def database_in_use(program):
 
 
 def main():
-    stories = (several_runs, asks_first, leaves_what_was_changed, row_and_file_stay_together,
-               edited_journals, killed, differences_that_stay, database_in_use)
+    stories = (several_runs, one_of_two, asks_first, leaves_what_was_changed, row_and_file_stay_together,
+               edited_journals, killed, in_parts, differences_that_stay, database_in_use)
     for story in stories:
         try:
             story(sys.argv[1])

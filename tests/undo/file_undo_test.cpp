@@ -256,6 +256,14 @@ TEST_F(FileUndoTest, LeavesAFolderThatSomethingIsIn) {
     EXPECT_EQ(TakeBack(change).state, State::WasSo);
 }
 
+TEST_F(FileUndoTest, MakesAFolderAgainThatAnUndoHasTakenAway) {
+    const FileChange discarded{
+        .kind = Kind::Discarded, .path = R"(D:\Music\Birch)", .takesBack = "2026-11-21_07-13-05#4"};
+    EXPECT_EQ(TakeBack(discarded).state, State::TakenBack);
+    EXPECT_TRUE(files_.FolderExists(R"(D:\Music\Birch)"));
+    EXPECT_EQ(TakeBack(discarded).state, State::WasSo);
+}
+
 TEST_F(FileUndoTest, HasNothingToDoWhereTheRunItselfTookBack) {
     const FileChange discarded{.kind = Kind::Discarded, .path = R"(D:\a.mp3)"};
     const FileChange made{

@@ -60,11 +60,56 @@ TEST(LastToUndo, IsARunWhoseUndoWasTakenBack) {
 
 TEST(LastToUndo, StaysWithARunOfWhichSomethingWasLeft) {
     EXPECT_EQ(History({Ran("1"), Ran("2"), Undid("3", "2", 1)}).LastToUndo(), "2");
+    EXPECT_EQ(History({Ran("1"), Ran("2"), Undid("3", "2"), Undid("4", "3", 1)}).LastToUndo(), "3");
+    EXPECT_EQ(History({Ran("1"), Ran("2"), Undid("3", "2", 1), Undid("4", "1")}).LastToUndo(), "");
 }
 
 TEST(LastToUndo, TakesAnUndoUpThatWasCutOff) {
     EXPECT_EQ(History({Ran("1"), Ran("2"), CutOff(Undid("3", "1"))}).LastToUndo(), "1");
     EXPECT_EQ(History({Ran("1"), Undid("2", "1"), CutOff(Undid("3", "2"))}).LastToUndo(), "2");
+}
+
+TEST(LastToUndo, GoesFurtherBackOnceAnUndoThatWasCutOffIsDone) {
+    EXPECT_EQ(History({Ran("1"), Ran("2"), CutOff(Undid("3", "2")), Undid("4", "2")}).LastToUndo(),
+              "1");
+    // Taken back, half of it as well as all of it.
+    EXPECT_EQ(History({Ran("1"), CutOff(Undid("2", "1")), Undid("3", "2")}).LastToUndo(), "1");
+    EXPECT_EQ(
+        History({Ran("1"), Ran("2"), Undid("3", "2"), CutOff(Undid("4", "3")), Undid("5", "4")})
+            .LastToUndo(),
+        "1");
+}
+
+TEST(History, KnowsAnUndoThatWasCutOffAsOneWithItsNextParts) {
+    const History history(
+        {Ran("1"), CutOff(Undid("2", "1")), Ran("3", 0), CutOff(Undid("4", "1")), Undid("5", "1")});
+    EXPECT_EQ(history.FirstPartOf("5"), "2");
+    EXPECT_EQ(history.FirstPartOf("4"), "2");
+    EXPECT_EQ(history.FirstPartOf("2"), "2");
+    EXPECT_EQ(history.FirstPartOf("1"), "1");
+    EXPECT_EQ(history.FirstPartOf("6"), "6");
+    EXPECT_EQ(history.PartBefore("1"), "");
+    EXPECT_EQ(History({Ran("1"), CutOff(Undid("2", "1"))}).PartBefore("1"), "2");
+    EXPECT_EQ(History({Ran("1"), Undid("2", "1", 1), Undid("3", "1")}).FirstPartOf("3"), "2");
+}
+
+TEST(History, TakesNoUndosForOneBetweenWhichSomethingElseWasDone) {
+    EXPECT_EQ(
+        History({Ran("1"), CutOff(Undid("2", "1")), Ran("3"), Undid("4", "1")}).FirstPartOf("4"),
+        "4");
+    EXPECT_EQ(
+        History({Ran("1"), Ran("2"), CutOff(Undid("3", "2")), Undid("4", "1")}).FirstPartOf("4"),
+        "4");
+    EXPECT_EQ(History({Ran("1"), Undid("2", "1"), Undid("3", "1")}).FirstPartOf("3"), "3");
+    EXPECT_EQ(History({Ran("1"), CutOff(Undid("2", "1")), Undid("3", "2")}).PartBefore("1"), "");
+}
+
+TEST(History, KnowsNoPartOfAnUndoAsOneThatTakesTheOtherBack) {
+    const History history({Ran("1"), Undid("2", "1"), CutOff(Undid("3", "2")), Undid("4", "2")});
+    EXPECT_EQ(history.UndoneBy(2), "");
+    EXPECT_EQ(history.UndoneBy(1), "4");
+    EXPECT_EQ(history.UndoneBy(0), "");
+    EXPECT_EQ(history.FirstPartOf("4"), "3");
 }
 
 TEST(History, TellsWhichUndoHasTakenARunBack) {
@@ -94,6 +139,38 @@ TEST(History, TakesUndosBackTogether) {
     EXPECT_EQ(after.LastToUndo(), "2");
     EXPECT_THAT(after.ForFiles("3"), ElementsAre(3, 2));
     EXPECT_THAT(after.ForRows("1"), ElementsAre(0, 1, 2, 3, 4));
+}
+
+/// Two runs, taken back one after the other.
+std::vector<PastRun> AllTakenBack() {
+    return {Ran("1"), Ran("2"), Undid("3", "2"), Undid("4", "1")};
+}
+
+std::vector<PastRun> With(std::vector<PastRun> runs, const std::vector<PastRun>& more) {
+    runs.insert(runs.end(), more.begin(), more.end());
+    return runs;
+}
+
+TEST(RowsOfAWayBack, AreWithoutUndosThatWentFurtherBack) {
+    EXPECT_THAT(History(AllTakenBack()).ForRows("2"), ElementsAre(1, 2));
+}
+
+TEST(RowsOfAWayBack, AreWithUndosThatWentFurtherBackAndWereTakenBack) {
+    EXPECT_THAT(History(With(AllTakenBack(), {Undid("5", "3")})).ForRows("2"),
+                ElementsAre(1, 2, 3, 4));
+    EXPECT_THAT(History({Ran("1"), Ran("2"), Undid("3", "1"), Undid("4", "3", 1)}).ForRows("2"),
+                ElementsAre(1, 2, 3));
+    // And that was taken back once more.
+    EXPECT_THAT(History({Ran("1"), Ran("2"), Undid("3", "1"), Undid("4", "3"), Undid("5", "4")})
+                    .ForRows("2"),
+                ElementsAre(1, 3, 4));
+}
+
+TEST(RowsOfAWayBack, CountAnUndoThatWasCutOffAsFarAsItHasSavedThem) {
+    PastRun last = CutOff(Undid("5", "3"));
+    EXPECT_THAT(History(With(AllTakenBack(), {last})).ForRows("2"), ElementsAre(1, 2, 4));
+    last.hasSavedRows = true;
+    EXPECT_THAT(History(With(AllTakenBack(), {last})).ForRows("2"), ElementsAre(1, 2, 3, 4));
 }
 
 TEST(TakenBack, IsWhatNoLaterUndoHasTakenBackItself) {
