@@ -90,12 +90,6 @@ std::size_t FilesBelow(const fs::path& folder) {
     return files;
 }
 
-/// An empty folder for the music.
-fs::path MusicIn(const fs::path& folder) {
-    fs::create_directory(folder / "Music");
-    return folder / "Music";
-}
-
 /// Drive Z is the whole file system.
 std::string WindowsPath(const fs::path& path) {
     std::string text = "Z:" + path.string();
@@ -111,7 +105,7 @@ NewFiles::NewFiles(std::size_t songs) : songs_(songs) {
 }
 
 double NewFiles::SecondsOfCopy(Way way) {
-    const fs::path copy = folder_.Path() / fmt::format("Copy {}", ++copies_);
+    const fs::path copy = MakeFolder();
     const auto start = std::chrono::steady_clock::now();
     CopyTree(Root(), copy, way);
     const double seconds = SecondsSince(start);
@@ -119,8 +113,12 @@ double NewFiles::SecondsOfCopy(Way way) {
     return seconds;
 }
 
-AddingStage::AddingStage(const std::string& program, const NewFiles& files)
-    : songs_(files.Songs()), host_(program, MusicIn(folder_.Path())) {
+fs::path NewFiles::MakeFolder() {
+    return folder_.MakeFolder(fmt::format("{}", ++folders_));
+}
+
+AddingStage::AddingStage(const std::string& program, NewFiles& files)
+    : songs_(files.Songs()), music_(files.MakeFolder()), host_(program, music_) {
     host_.Set("Reconcile", "0");
     host_.Set("AddFiles", "1");
     host_.Set("FromFilesPath", WindowsPath(files.Root()));
@@ -129,7 +127,7 @@ AddingStage::AddingStage(const std::string& program, const NewFiles& files)
 
 Usage AddingStage::Add() const {
     const Usage used = host_.Run();
-    if (FilesBelow(Music()) != songs_) throw std::runtime_error("files are missing");
+    if (FilesBelow(music_) != songs_) throw std::runtime_error("files are missing");
     return used;
 }
 

@@ -24,23 +24,26 @@ class NewFiles {
     /// Copies the tree to a folder that goes with this object.
     double SecondsOfCopy(Way way);
 
+    /// An empty folder beside the copies, that what is put into it finds the file system as they
+    /// did: how dear a new file is depends on what was removed near it minutes before.
+    std::filesystem::path MakeFolder();
+
   private:
-    std::size_t songs_, copies_ = 0;
+    std::size_t songs_, folders_ = 0;
     outside::TemporaryFolder folder_;
 };
 
-/// An empty library that such files are added to. Throws when they are not there afterwards.
+/// An empty library that such files are added to, which must outlive this object. Throws when they
+/// are not there afterwards.
 class AddingStage {
   public:
-    AddingStage(const std::string& program, const NewFiles& files);
+    AddingStage(const std::string& program, NewFiles& files);
 
     Usage Add() const;
 
   private:
-    std::filesystem::path Music() const { return folder_.Path() / "Music"; }
-
     std::size_t songs_;
-    outside::TemporaryFolder folder_;
+    std::filesystem::path music_;
     HostFolder host_;
 };
 
