@@ -91,6 +91,8 @@ void WriteFile(Run& run, const std::string& path, const SongNames& names,
     const FileEnd end = ReadTagEnd(run.files, path);
     const Tag present = end.size > TagSize ? TagIn(end.bytes) : Tag();
     const bool writesAll = run.modern.writesAllTags && run.tagFormats != nullptr;
+    // A tag alone would be no music either, and the next run would not know it for one.
+    if (writesAll && end.size == 0) return;
     if (writesAll) return WriteAllTags(run, path, names, differences, end, present);
     const BuiltTag built = GetID3Info(run, path, names, present);
     NoteUnknown(run, path, differences, built, present);

@@ -35,7 +35,8 @@ bool IsFolderImage(std::string_view fileName) {
 std::string BestFolderImage(std::span<const FileEntry> files) {
     const FileEntry* best = nullptr;
     for (const FileEntry& file : files) {
-        const std::size_t rank = RankOf(file.name);
+        // What a copy that broke off has left would hide the others.
+        const std::size_t rank = file.size == 0 ? NoRank : RankOf(file.name);
         if (rank < NoRank && (best == nullptr || rank < RankOf(best->name))) best = &file;
     }
     return best == nullptr ? "" : best->path;

@@ -15,7 +15,8 @@ namespace quillon {
 /// AlbumArt, as .jpg, .jpeg or .png.
 bool IsFolderImage(std::string_view fileName);
 
-/// The best image among a folder's files, as its path; "" where none is a cover.
+/// The best image among a folder's files, as its path; "" where none is a cover. Empty files are
+/// none.
 std::string BestFolderImage(std::span<const FileEntry> files);
 
 /// The images that a walk has seen in album folders, so that nobody need list the folders again.

@@ -10,6 +10,7 @@
 #include <taglib/id3v2header.h>
 #include <taglib/textidentificationframe.h>
 #include <utility>
+#include <vector>
 
 #include "platform/ansi.h"
 #include "platform/utf8.h"
@@ -139,6 +140,14 @@ std::optional<std::string> PlainText(const Id3v2Frame& frame, Bytes content) {
     return text && name.starts_with("TCO") ? PlainGenre(*std::move(text)) : text;
 }
 
+/// UTF-16 that a program has declared as Latin-1: in that, no text begins with the mark.
+bool IsMisdeclared(const Id3v2Frame& frame, Bytes content) {
+    if (!frame.name.starts_with('T') || frame.form != 0 || content.size() < 3) return false;
+    const bool hasMark =
+        (content[1] == 0xFF && content[2] == 0xFE) || (content[1] == 0xFE && content[2] == 0xFF);
+    return content[0] == 0 && hasMark;
+}
+
 }  // namespace
 
 FrameReader::FrameReader(std::span<const std::uint8_t> header)
@@ -152,6 +161,13 @@ FrameText FrameReader::Read(const Id3v2Frame& frame, std::span<const std::uint8_
     const std::size_t head = version_ == 2 ? 6 : 10;
     // In version 4 each frame is unsynchronised by itself.
     const bool isPlain = version_ < 4 || !isUnsynchronised_;
+    std::vector<std::uint8_t> corrected;
+    if (isPlain && IsMisdeclared(frame, bytes.subspan(head))) {
+        constexpr std::uint8_t Utf16 = 1;
+        corrected.assign(bytes.begin(), bytes.end());
+        corrected[head] = Utf16;
+        bytes = corrected;
+    }
     if (auto plain = isPlain ? PlainText(frame, bytes.subspan(head)) : std::nullopt) {
         if (!plain->empty()) text.values.push_back(*std::move(plain));
         return text;

@@ -33,7 +33,9 @@ void ShowPlan(std::ostream& out, const UndoWork& work, const UndoWork::Result& p
         out << OneLine(line) << "\n\n";
     out << "This would be taken back, the last run first:\n";
     for (const PastRun& run : work.Runs())
-        out << OneLine(fmt::format("  {}  {}", run.started.stamp, run.started.mode)) << '\n';
+        out << OneLine(fmt::format("  {}  {}{}", run.started.stamp, run.started.mode,
+                                   run.ended ? "" : ", which was killed"))
+            << '\n';
     if (!work.PartBefore().empty())
         out << fmt::format("It goes on with the undo {}, which has not done all of it.\n",
                            work.PartBefore());

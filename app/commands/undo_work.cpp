@@ -255,11 +255,19 @@ UndoWork::Result UndoWork::Plan() {
 
 UndoWork::Ended UndoWork::CarryOut() {
     const auto start = std::chrono::steady_clock::now();
-    JournalFile journal(ChangesFolder(local_.host.Folder()), local_.clock);
-    journal.Note(RunStarted{.stamp = journal.Stamp(),
-                            .version = std::string(ProgramVersion),
-                            .mode = "undo",
-                            .undoes = stamp_});
+    std::optional<JournalFile> started;
+    const std::string refusal = FailureIn([&] {
+        started.emplace(ChangesFolder(local_.host.Folder()), local_.clock);
+        started->Note(RunStarted{.stamp = started->Stamp(),
+                                 .version = std::string(ProgramVersion),
+                                 .mode = "undo",
+                                 .undoes = stamp_});
+    });
+    if (!refusal.empty()) {
+        throw CommandError(
+            "Nothing was taken back, since the journal of changes cannot be started: " + refusal);
+    }
+    JournalFile& journal = *started;
     for (const WriteLeft& left : writesLeft_)
         journal.Remark(left);
     Ended ended{.refused = {},

@@ -1,3 +1,4 @@
+#include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -38,6 +39,19 @@ TEST_F(UndoCommand, TakesARunBackThatOnlyMadeTheListOfDifferencesAnotherOne) {
     EXPECT_EQ(undo.status, 0) << undo.err;
     EXPECT_THAT(undo.out, AllOf(HasSubstr("Differences between tags and database removed: 2\n"),
                                 Not(HasSubstr("Tracks removed"))));
+}
+
+TEST_F(UndoCommand, SaysThatNothingWasTakenBackWhereItsJournalCannotBeStarted) {
+    Run();
+    const std::filesystem::path changes = Path("shelf/Changes"), moved = Path("Elsewhere");
+    std::filesystem::rename(changes, moved);
+    std::filesystem::create_directory_symlink(moved, changes);
+    const ProgramResult undo = CallProgram({"undo", "--yes", "--host", Path("shelf")});
+    EXPECT_EQ(undo.status, 2);
+    EXPECT_THAT(
+        undo.err,
+        HasSubstr("Nothing was taken back, since the journal of changes cannot be started: "));
+    EXPECT_THAT(List(), Not(HasSubstr("undo")));
 }
 
 TEST_F(UndoCommand, PassesOverRunsThatTheListShowsWithoutAChange) {

@@ -21,8 +21,9 @@ class FolderImages : public RefreshAlbumCoversTest {
         library.AddTrackRow("A-" + title, 1, FolderOfAlbum(title) + "One.mp3", "One");
         library.files.AddFile(FolderOfAlbum(title) + "One.mp3");
     }
-    void AddFolderImage(const std::string& title, const std::string& name) {
-        library.files.AddFile(FolderOfAlbum(title) + name);
+    void AddFolderImage(const std::string& title, const std::string& name,
+                        const std::string& content = "image") {
+        library.files.AddFile(FolderOfAlbum(title) + name, content);
     }
     static std::string FolderOfAlbum(const std::string& title) {
         return R"(D:\Music\Ann\)" + title + '\\';
@@ -51,6 +52,16 @@ TEST_F(FolderImages, AreTakenByAlbumsWithoutACover) {
     EXPECT_THAT(Images(), ElementsAre(R"(D:\Music\Ann\First\Folder.jpg)"));
     EXPECT_THAT(Log(), IsEmpty()) << "and the next run has nothing to do";
     EXPECT_EQ(library.run.counts.imagesAdded, 1U);
+}
+
+TEST_F(FolderImages, AnEmptyOneHidesNoOther) {
+    AddAlbumWithSong("First");
+    AddFolderImage("First", "cover.jpg", "");
+    Refresh();
+    EXPECT_THAT(Images(), ElementsAre("Null"));
+    AddFolderImage("First", "front.jpg");
+    Refresh();
+    EXPECT_THAT(Images(), ElementsAre(R"(D:\Music\Ann\First\front.jpg)"));
 }
 
 TEST_F(FolderImages, TheBestNameCountsAndThenTheExtension) {

@@ -189,6 +189,7 @@ def edited_journals(program):
         expect_in("was cut short", errors)
         told = [json.loads(line) for line in changes(stage, "--json")[1].splitlines()]
         expect("planned", 1, sum("plannedNotDone" in record for record in told))
+        expect_in("Reconcile library and database, which was killed\n", undo(stage)[1])
         # Edited in the middle.
         journal.write_text("\n".join(["nonsense", *lines]) + "\n", "utf-8")
         status, _, errors = changes(stage, "last")

@@ -79,7 +79,7 @@ TEST_F(EmbeddedArtTest, OfAPngIsACoverOfTheFolderInTheNextRun) {
 
 TEST_F(EmbeddedArtTest, IsTakenWhereTheFolderHasNoImageAlone) {
     AddSongs(WithPicture(), Sound(2));
-    library.files.AddFile(Songs + "cover.jpg");
+    library.files.AddFile(Songs + "cover.jpg", "image");
     Refresh();
     EXPECT_THAT(Images(), ElementsAre(Songs + "cover.jpg"));
     EXPECT_EQ(Opened(), 0U);

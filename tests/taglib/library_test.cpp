@@ -243,6 +243,14 @@ TEST_F(WriteAllTagsTest, AFileWithoutVersion2GetsNone) {
     EXPECT_EQ(Present().song, "Dawn");
 }
 
+TEST_F(WriteAllTagsTest, AnEmptyFileGetsNone) {
+    AddTagged("");
+    Write();
+    EXPECT_EQ(Bytes(), "");
+    EXPECT_EQ(library.run.counts.tagsWritten, 0U);
+    EXPECT_THAT(Log(), IsEmpty());
+}
+
 TEST_F(WriteAllTagsTest, OtherOverwritesNoGenre) {
     library.Execute("UPDATE Spinner SET Genre=\"Other\"");
     AddTagged(Tagged("Dawn", "Synthpop of my own"));

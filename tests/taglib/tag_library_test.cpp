@@ -102,6 +102,13 @@ TEST(TagLibrary, ReadsTextThatIsDeclaredAsLatin1AndIsUtf8OrOfTheCodePage) {
     EXPECT_EQ(TitleOf(Title(3, "5 \x80")), "5 \xE2\x82\xAC");
 }
 
+TEST(TagLibrary, ReadsUtf16ThatIsDeclaredAsLatin1) {
+    using namespace std::string_literals;
+    EXPECT_EQ(TitleOf(Title(3, "\xFF\xFE\x44\x00\xE9\x00"s)), "D\xC3\xA9");
+    EXPECT_EQ(TitleOf(Title(3, "\xFE\xFF\x65\xE5\x67\x2C"s)), "\xE6\x97\xA5\xE6\x9C\xAC");
+    EXPECT_EQ(TitleOf(Title(4, "\xFF\xFE\x44\x00\x00\x00"s), 4), "D");
+}
+
 TEST(TagLibrary, NeverGivesTextThatIsNoUtf8) {
     using namespace std::string_literals;
     for (const std::string& text :
