@@ -38,6 +38,7 @@ quillon_script_test(TwoSystems two_systems.py COST 60
     ARGUMENTS ${program} $<TARGET_FILE:quillon> ${compared})
 
 # Ended from outside: a few moments each time, more of them by hand ("interrupted.py ... kill 50").
-quillon_script_test(Interrupted.kill interrupted.py ARGUMENTS ${program} kill 12 COST 60)
+quillon_script_test(Interrupted.kill interrupted.py ARGUMENTS ${program} kill 12
+    TIMEOUT 900 COST 60)
 set_tests_properties(Interrupted.kill PROPERTIES ENVIRONMENT
     "QUILLON_WINDOWS_PROGRAM=$<TARGET_FILE:quillon>;QUILLON_TERMINATOR=$<TARGET_FILE:terminator>")

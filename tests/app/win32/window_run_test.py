@@ -10,11 +10,11 @@ sys.dont_write_bytecode = True
 TESTS = Path(__file__).resolve().parents[2]
 sys.path[:0] = [str(TESTS / "scenarios"), str(TESTS / "app" / "window")]
 
-from desktop import PATIENCE, Desktop  # noqa: E402
+from desktop import Desktop  # noqa: E402
 from stage import ROOT, Failed, Stage  # noqa: E402
 
 import sound_files  # noqa: E402
-from processes import start, told_by  # noqa: E402
+from processes import TIME_LIMIT, start, told_by  # noqa: E402
 
 ALBUMS, TRACKS = 300, 10
 # More than what a run journals before it has found the first albums.
@@ -56,8 +56,9 @@ class Library(Stage):
 
 
 def window_amid_albums(library, desktop, process):
-    """The window, once the run has come to the albums."""
-    deadline = time.monotonic() + PATIENCE
+    """The window, once the run has come to the albums. Before the first run Wine makes what it needs for a
+    desktop, which takes long where much else runs."""
+    deadline = time.monotonic() + TIME_LIMIT
     while process.poll() is None and time.monotonic() < deadline:
         window = desktop.window()
         if window and library.is_amid_albums():
