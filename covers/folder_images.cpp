@@ -35,10 +35,11 @@ std::vector<const TrackRow*> SongsOf(Run& run, const AlbumRow& album) {
 }
 
 /// Where an album's image may lie: in the folder of its first song; where that is one of a disc,
-/// first in the album's own.
-std::vector<std::string> FoldersOf(const Run& run, const AlbumRow& album, const TrackRow& first) {
-    const std::string folder(ParentFolder(first.soundFile));
-    if (folder.empty()) return {};
+/// first in the album's own. What lies beside all songs of the flat layout belongs to none of its
+/// albums.
+std::vector<std::string> ImageFoldersOf(const Run& run, const AlbumRow& album,
+                                        const std::string& folder) {
+    if (run.settings.FlatStructure) return {};
     const std::string_view name = LastName(folder);
     const bool isDisc =
         run.modern.joinsDiscs && DiscOfFolder(name) && !EqualIgnoringCase(name, album.title.Text());
@@ -52,21 +53,28 @@ std::string ImageIn(Run& run, const std::string& folder) {
     return BestFolderImage(run.files.FilesIn(folder).entries);
 }
 
+bool IsThere(const Run& run, const std::string& folder) {
+    return run.folderImages.Find(folder) || run.files.FolderExists(folder);
+}
+
 void TakeFolderImage(Run& run, AlbumRow& album) {
     const std::string present = album.imageFile;
     if (!present.empty() && run.files.FileExists(present)) return;
     const std::vector<const TrackRow*> songs = SongsOf(run, album);
     if (songs.empty()) return;
+    const std::string songFolder(ParentFolder(songs.front()->soundFile));
+    if (songFolder.empty()) return;
     std::string image;
-    const std::vector<std::string> folders = FoldersOf(run, album, *songs.front());
+    const std::vector<std::string> folders = ImageFoldersOf(run, album, songFolder);
+    // A drive that is away takes its folders with it.
+    if (folders.empty() && !IsThere(run, songFolder)) return;
     for (const std::string& folder : folders) {
-        // A drive that is away takes its folders with it.
-        if (!run.folderImages.Find(folder) && !run.files.FolderExists(folder)) return;
+        if (!IsThere(run, folder)) return;
         image = ImageIn(run, folder);
         if (!image.empty()) break;
     }
     if (image.empty()) image = TakeEmbeddedArt(run, album, songs);
-    if (folders.empty() || image == present) return;
+    if (image == present) return;
     SetImageFile(run, album, image);
     if (!image.empty())
         WriteLog(run, LogSource, "Album Cover " + image + " added to Albums database");

@@ -178,6 +178,22 @@ TEST_F(FolderImages, OfADiscComeBehindThoseOfTheAlbum) {
     EXPECT_THAT(Images(), ElementsAre(R"(D:\Music\Ann\First\front.png)"));
 }
 
+// One that lies beside all songs would be the cover of every album; and the folder, with all songs
+// in it, would be listed for each album.
+TEST_F(FolderImages, OfTheFlatLayoutBelongToNoAlbum) {
+    library.run.settings.FlatStructure = true;
+    library.files.AddFile(R"(D:\Music\cover.jpg)", "image");
+    for (const std::string title : {"First", "Second"}) {
+        library.AddAlbumRow("A-" + title, "Ann", title, 1);
+        library.AddTrackRow("A-" + title, 1, R"(D:\Music\Ann_)" + title + ".mp3", title);
+        library.files.AddFile(R"(D:\Music\Ann_)" + title + ".mp3");
+    }
+    library.files.unlistable = {R"(D:\Music)"};
+    Refresh();
+    EXPECT_THAT(Images(), ElementsAre("Null", "Null"));
+    EXPECT_EQ(library.run.counts.errors, 0U);
+}
+
 TEST_F(FolderImages, AreLeftAloneUnlessTheyAreAskedFor) {
     library.run.modern.takesFolderImages = false;
     AddAlbumWithSong("First");
