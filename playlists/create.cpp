@@ -211,6 +211,7 @@ class Creation {
         // Lists in a folder that only stands for a drive would hide what is missing.
         if (run_.removals.Braked() && !HoldsLists()) return;
         RequireFolder();
+        if (!last_.empty()) RequireSavedLibrary();
         if (makesGenres) {
             const Share share = shares.Next(1);
             MakeAll("2. New Genre Playlists", genres_);
@@ -248,6 +249,12 @@ class Creation {
 
     bool HoldsLists() const {
         return PlaylistFolderExists(run_) && !FilesInPlaylistFolder(run_).empty();
+    }
+
+    /// A list of albums and numbers that the database does not get would name other songs later.
+    void RequireSavedLibrary() {
+        run_.TheLibrary().Save();
+        run_.Flush();
     }
 
     void RequireFolder() const {

@@ -38,7 +38,7 @@ History HistoryOf(const Journals& journals) {
 
 /// The first part of an undo that was started again; "" for all other runs.
 std::string GoesOnWith(const History& history, const PastRun& run) {
-    std::string first = history.FirstPartOf(run.started.stamp);
+    const std::string first = history.FirstPartOf(run.started.stamp);
     return first == run.started.stamp ? "" : first;
 }
 

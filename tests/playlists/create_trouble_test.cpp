@@ -27,6 +27,22 @@ TEST_F(CreateTest, FinishesTheArtistListsWhenAbortedWhileReading) {
     EXPECT_THAT(Lists(), ElementsAre("Ann.pla"));
 }
 
+TEST_F(CreateTest, MakesNoListsOfSongsThatTheDatabaseCannotSave) {
+    AddSpinner("Ann", "One", "Folk");
+    Create();
+    const auto before = Lists();
+    AddAlbum("C9", "Zoe", {"Nine"});
+    AddSpinner("Zoe", "Nine", "Jazz");
+    NextRun();
+    library.Database().Refuse("Flush");
+    Create();
+    EXPECT_EQ(Lists(), before);
+    EXPECT_THAT(library.host.log, ElementsAre(HasSubstr("Generate New Playlists Error:")));
+    library.Database().Allow("Flush");
+    Create();
+    EXPECT_THAT(Lists(), SizeIs(before.size() + 2));
+}
+
 TEST_F(CreateTest, CostsOneListThatCannotBeWritten) {
     AddSpinner("Ann", "One", "Folk");
     AddSpinner("Bob", "Four", "Jazz");
