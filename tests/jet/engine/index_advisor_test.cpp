@@ -26,6 +26,13 @@ class IndexAdvisorTest : public ::testing::Test {
             AddSong(artist, "Song");
     }
 
+    /// So many songs an artist, one behind the other, with the same titles for each.
+    void AddNumberedSongs(int count, int ofAnArtist) {
+        for (int i = 0; i < count; ++i)
+            AddSong("Artist " + std::to_string(i / ofAnArtist),
+                    "Track " + std::to_string(i % ofAnArtist));
+    }
+
     /// How SQLite finds an artist's songs once the advisor was asked.
     std::string PlanByArtist() { return Plan({0}, R"("Artist"=?1)"); }
     /// The same of one song of an artist.
@@ -100,22 +107,19 @@ TEST_F(IndexAdvisorTest, TakesOneColumnWhereThatFindsFewRows) {
 }
 
 TEST_F(IndexAdvisorTest, TakesAllColumnsWhereTheBestOneFindsManyRows) {
-    for (int i = 0; i < 300; ++i)
-        AddSong("Artist " + std::to_string(i / 10), "Track " + std::to_string(i % 10));
+    AddNumberedSongs(300, 10);
     EXPECT_THAT(PlanByBoth(), HasSubstr("(Artist=? AND Song=?)"));
 }
 
 TEST_F(IndexAdvisorTest, AnIndexOverAllColumnsServesALookUpByItsFirst) {
-    for (int i = 0; i < 300; ++i)
-        AddSong("Artist " + std::to_string(i / 10), "Track " + std::to_string(i % 10));
+    AddNumberedSongs(300, 10);
     const std::string plan = PlanByBoth();
     EXPECT_THAT(PlanByArtist(), HasSubstr(plan.substr(0, plan.find('('))));
 }
 
 // A sample of every n-th row would see no artist twice.
 TEST_F(IndexAdvisorTest, SeesHowManyRowsHaveOneValueWhereThoseStandTogether) {
-    for (int i = 0; i < 6000; ++i)
-        AddSong("Artist " + std::to_string(i / 20), "Song " + std::to_string(i % 20));
+    AddNumberedSongs(6000, 20);
     EXPECT_THAT(PlanByBoth(), HasSubstr("(Artist=? AND Song=?)"));
 }
 
