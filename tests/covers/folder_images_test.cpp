@@ -116,8 +116,11 @@ TEST_F(FolderImages, StayWhereTheFolderIsAway) {
     AddFolderImage("First", "cover.jpg");
     Refresh();
     library.files.DeleteFolder(R"(D:\Music\Ann\First)");
-    Refresh();
-    EXPECT_THAT(Images(), ElementsAre(R"(D:\Music\Ann\First\cover.jpg)"));
+    for (const bool isFlat : {false, true}) {
+        library.run.settings.FlatStructure = isFlat;
+        Refresh();
+        EXPECT_THAT(Images(), ElementsAre(R"(D:\Music\Ann\First\cover.jpg)")) << isFlat;
+    }
 }
 
 TEST_F(FolderImages, StayWhereNobodyCanTell) {

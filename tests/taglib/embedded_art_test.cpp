@@ -86,6 +86,17 @@ TEST_F(EmbeddedArtTest, IsTakenWhereTheFolderHasNoImageAlone) {
     EXPECT_FALSE(library.files.FileExists(Cover));
 }
 
+TEST_F(EmbeddedArtTest, IsTakenInTheFlatLayoutWhateverLiesBesideTheSongs) {
+    library.run.settings.FlatStructure = true;
+    AddSongs(WithPicture(), Sound(2));
+    library.files.AddFile(Songs + "cover.jpg", "image");
+    Refresh();
+    EXPECT_THAT(Images(), ElementsAre(Cover));
+    NextRun();
+    EXPECT_THAT(Images(), ElementsAre(Cover));
+    EXPECT_THAT(Log(), IsEmpty());
+}
+
 TEST_F(EmbeddedArtTest, IsLookedForOnceInSongsThatHaveNone) {
     AddSongs(Sound(2), Sound(3));
     Refresh();
