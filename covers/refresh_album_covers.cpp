@@ -95,12 +95,6 @@ void LogCover(Run& run, const Cover& cover, std::string_view statement) {
     WriteLog(run, LogSource, "Album Cover " + cover.name + " " + std::string(statement));
 }
 
-/// Whether its row is there: what was read at the beginning may have gone.
-bool IsThere(Run& run, std::int64_t album) {
-    return !run.connection->Query("SELECT ID FROM Albums WHERE ID=" + std::to_string(album))
-                ->IsEmpty();
-}
-
 void AddCover(Run& run, const Cover& cover) {
     const std::optional<CoverTitle> title = ReadCoverTitle(cover.name);
     if (!title) {
@@ -118,15 +112,15 @@ void AddCover(Run& run, const Cover& cover) {
     }
     AlbumRow& album = *found.front();
     const std::string& present = album.imageFile;
-    const auto id = static_cast<std::int64_t>(album.id);
     if (!present.empty() && !HasFolderImage(run, album)) {
         if (!EqualIgnoringCase(present, cover.path))
             LogCover(run, cover,
                      "is in directory but does not match " + present + " in Albums database");
-    } else if (!IsThere(run, id)) {
-        WriteLog(
-            run, LogSource,
-            "Album cover record ID " + std::to_string(id) + " could not be found on second read");
+    } else if (!run.TheLibrary().IsStored(album)) {
+        // What was read at the beginning may have gone.
+        WriteLog(run, LogSource,
+                 "Album cover record ID " + std::to_string(static_cast<std::int64_t>(album.id)) +
+                     " could not be found on second read");
     } else {
         SetImageFile(run, album, cover.path);
         LogCover(run, cover, "added to Albums database");

@@ -114,6 +114,8 @@ class Database {
 
     /// One field of a row, likewise.
     Value Read(std::string_view table, RowKey row, std::string_view field);
+    /// Whether the row is there still.
+    bool Has(std::string_view table, RowKey row);
 
     /// How many rows a table has.
     std::size_t RowCount(std::string_view table) const;

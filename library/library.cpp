@@ -203,6 +203,10 @@ std::vector<AlbumRow*> Library::AlbumsNamed(std::string_view artist, std::string
                     [&](const AlbumRow& album) { return HasNames(album, artist, title); });
 }
 
+bool Library::IsStored(const AlbumRow& album) const {
+    return connection_.Has(AlbumTable, album.key);
+}
+
 AlbumRow* Library::AlbumWith(std::string_view cdjid) {
     if (cdjid.empty()) return nullptr;
     return FirstAlbum(albumsByCdjid_, rules_.Hash(cdjid), [&](const AlbumRow& album) {

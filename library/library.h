@@ -35,6 +35,8 @@ class Library {
     AlbumRow* FindAlbum(std::string_view artist, std::string_view title);
     /// All albums with these names, of any player, in the file's order.
     std::vector<AlbumRow*> AlbumsNamed(std::string_view artist, std::string_view title);
+    /// Whether its row is in the database still: what was read at the beginning may have gone.
+    bool IsStored(const AlbumRow& album) const;
     /// The first own album with this identifier.
     AlbumRow* AlbumWith(std::string_view cdjid);
     /// All albums with this identifier, of any player, in the file's order.

@@ -103,6 +103,8 @@ class Connection {
                       const VisitRow& visit) = 0;
     /// One field of a row.
     virtual Value Read(std::string_view table, RowKey row, std::string_view field) = 0;
+    /// Whether the row is there still.
+    virtual bool Has(std::string_view table, RowKey row) = 0;
     /// Fields of a new row that are not named are Null.
     virtual AddedRow Insert(std::string_view table, std::span<const FieldValue> fields) = 0;
     /// The same for many rows with these fields, which stand behind all others of the table, in the

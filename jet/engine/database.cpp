@@ -147,6 +147,16 @@ Value Database::Read(std::string_view table, RowKey row, std::string_view field)
     return source.Read(row)[source.Column(field)];
 }
 
+bool Database::Has(std::string_view table, RowKey row) {
+    try {
+        static_cast<void>(implementation_->session->Table(table).Read(row));
+        return true;
+    } catch (const Error& error) {
+        if (error.Kind() != ErrorKind::NotFound) throw;
+        return false;
+    }
+}
+
 std::size_t Database::RowCount(std::string_view table) const {
     return implementation_->session->Table(table).StoredRows();
 }

@@ -156,6 +156,9 @@ class JetConnection : public Connection {
             return FromJet(database_->Read(table, static_cast<std::int64_t>(row), field), field);
         });
     }
+    bool Has(std::string_view table, RowKey row) override {
+        return Translated([&] { return database_->Has(table, static_cast<std::int64_t>(row)); });
+    }
     AddedRow Insert(std::string_view table, std::span<const FieldValue> fields) override {
         return InserterFor(table, fields).Insert(fields);
     }

@@ -314,9 +314,8 @@ TEST_F(RefreshAlbumCoversTest, ReportsAnAlbumThatVanishesBetweenTwoReadings) {
     AddAlbum("Bob", "Second");
     AddImage("Ann - First.jpg");
     AddImage("Bob - Second.jpg");
-    library.Database().BeforeStatement("SELECT ID FROM Albums WHERE ID=1", [this] {
-        library.Database().Execute("DELETE * FROM Albums WHERE ID=1");
-    });
+    library.Database().BeforeStatement(
+        "Has Albums", [this] { library.Database().Execute("DELETE * FROM Albums WHERE ID=1"); });
     Refresh();
     EXPECT_THAT(Log(),
                 ElementsAre("Quillon: Album cover record ID 1 could not be found on second read",

@@ -110,6 +110,7 @@ class FakeConnection : public Connection {
         }
     }
     Value Read(std::string_view, RowKey, std::string_view) override { return Null{}; }
+    bool Has(std::string_view, RowKey) override { return true; }
     std::int64_t NextNumber(std::string_view) const override { return 1; }
     std::string FoldText(std::string_view text) const override { return LowerCase(text); }
     int CompareTexts(std::string_view left, std::string_view right) const override {

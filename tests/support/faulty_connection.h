@@ -14,8 +14,8 @@ namespace quillon::support {
 
 /// A database that notes its statements and refuses those that a test names. What a table cursor
 /// does counts as a statement, too: "Filter Tracks ID=5", "AddNew Tracks", "Update Tracks"; so does
-/// what is done by row: "Scan Tracks", "Read Tracks", "OpenInserter Tracks", "Insert Tracks",
-/// "Update Tracks", "Delete Tracks", "ReplaceDate Tracks".
+/// what is done by row: "Scan Tracks", "Read Tracks", "Has Tracks", "OpenInserter Tracks", "Insert
+/// Tracks", "Update Tracks", "Delete Tracks", "ReplaceDate Tracks".
 class FaultyConnection : public Connection {
   public:
     explicit FaultyConnection(std::unique_ptr<Connection> real) : real_(std::move(real)) {}
@@ -53,6 +53,10 @@ class FaultyConnection : public Connection {
     Value Read(std::string_view table, RowKey row, std::string_view field) override {
         Note("Read " + std::string(table));
         return real_->Read(table, row, field);
+    }
+    bool Has(std::string_view table, RowKey row) override {
+        Note("Has " + std::string(table));
+        return real_->Has(table, row);
     }
     std::int64_t NextNumber(std::string_view table) const override {
         return real_->NextNumber(table);

@@ -58,7 +58,10 @@ TEST(RowsByKey, AreTheSameForStatements) {
         const Database::AddedRow added = database->Insert("Tracks", fields);
         EXPECT_GT(added.number, 0);
         database->Update("Tracks", keys[0], fields);
+        EXPECT_TRUE(database->Has("Tracks", keys[1]));
         database->Delete("Tracks", keys[1]);
+        EXPECT_FALSE(database->Has("Tracks", keys[1]));
+        EXPECT_TRUE(database->Has("Tracks", keys[0]));
         EXPECT_EQ(database.Rows("SELECT Count(*) FROM Tracks WHERE Title='New' AND Track=9"), "2");
         EXPECT_EQ(
             database.Rows("SELECT Title FROM Tracks WHERE ID=" + std::to_string(added.number)),
