@@ -18,7 +18,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Rows come by the ten thousand; all else is written at once.
+/// Rows come by the ten thousand, and remarks of the log with them; all else is written at once.
 constexpr std::size_t LargestBuffer = std::size_t{1} << 16U;
 
 /// Enough for the lines with which a run closes what it has planned.
@@ -30,6 +30,12 @@ bool IsPlan(const ChangeRecord& record) {
     return std::holds_alternative<RowChange>(record) ||
            std::holds_alternative<DateReplaced>(record) ||
            std::holds_alternative<FileChange>(record) || std::holds_alternative<RunStarted>(record);
+}
+
+/// Whether the record may wait for others: a row until the next save, a remark as the log has it.
+bool MayWait(const ChangeRecord& record) {
+    const auto* const line = std::get_if<LogLine>(&record);
+    return line != nullptr ? !line->isError : std::holds_alternative<RowChange>(record);
 }
 
 /// A stamp, told from others of the same second.
@@ -122,14 +128,11 @@ JournalFile::~JournalFile() {
 }
 
 void JournalFile::Note(const ChangeRecord& record) {
-    if (IsPlan(record)) {
-        RequireNoTrouble();
-        Append(record);
-        if (std::holds_alternative<RowChange>(record) && buffer_.size() < LargestBuffer) return;
-        MakeRoom();
-    } else {
-        Append(record);
-    }
+    const bool isPlan = IsPlan(record);
+    if (isPlan) RequireNoTrouble();
+    Append(record);
+    if (MayWait(record) && buffer_.size() < LargestBuffer) return;
+    if (isPlan) MakeRoom();
     Write();
 }
 

@@ -65,6 +65,17 @@ TEST_F(JournalFileTest, HoldsARecordBeforeItMayHappen) {
     EXPECT_EQ(Read(journal.Stamp()).size(), 6U);
 }
 
+TEST_F(JournalFileTest, WritesAnErrorOfTheLogAtOnceAndARemarkWithWhatComesNext) {
+    JournalFile journal(changes_, clock_);
+    journal.Note(LogLine{.isError = false, .text = "a remark"});
+    EXPECT_TRUE(Read(journal.Stamp()).empty());
+    journal.Note(LogLine{.isError = true, .text = "an error"});
+    EXPECT_EQ(Read(journal.Stamp()).size(), 2U);
+    journal.Note(LogLine{.isError = false, .text = "the last remark"});
+    journal.Note(RunEnded{.outcome = "completed"});
+    EXPECT_EQ(Read(journal.Stamp()).size(), 4U);
+}
+
 TEST_F(JournalFileTest, TellsItsListenerWhatItTakes) {
     std::vector<ChangeRecord> told;
     JournalFile journal(changes_, clock_,
