@@ -263,14 +263,13 @@ RowKey MirrorTable::Insert(std::span<Value> values, std::int64_t* number) {
         if (!IsAsStored(column, values[i]))
             values[i] = ConvertToField(column, std::move(values[i]));
     }
+    if (autoNumber_ && IsNull(values[*autoNumber_]))
+        values[*autoNumber_] = std::int64_t{stored_->NextAutoNumber()};
     const storage::Table::Inserted inserted = stored_->Insert(values);
     if (number != nullptr) *number = inserted.autoNumber.value_or(0);
     const RowKey key = inserted.row.AsInteger();
     ++changes_;
-    if (!hasAllRows_) return key;
-    if (autoNumber_ && inserted.autoNumber)
-        values[*autoNumber_] = std::int64_t{*inserted.autoNumber};
-    InsertCopy(key, values);
+    if (hasAllRows_) InsertCopy(key, values);
     return key;
 }
 

@@ -120,7 +120,7 @@ class StoredTable final : public Table, private DeferredChanges {
     void PutWaitingEntries(std::size_t index);
     std::string IndexName(std::size_t realIndex) const;
 
-    void RaiseAutoNumber(const Value& value);
+    void RaiseAutoNumber(std::int32_t number);
     void SetField(std::size_t column, const Value& value);
     const Bytes& Assemble();
     bool MoveLongestOut();
@@ -139,7 +139,6 @@ class StoredTable final : public Table, private DeferredChanges {
     mutable std::unique_ptr<Parts> parts_;
     std::vector<EntryBatch> waiting_;  ///< new entries, by index
     std::vector<IndexKey> newKeys_;    ///< of the row that is being added, by index
-    Row told_;                         ///< as the observer is told of it
 };
 
 }  // namespace jet::storage

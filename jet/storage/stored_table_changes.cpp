@@ -72,6 +72,7 @@ Table::Inserted StoredTable::AddRow(std::span<const Value> given) {
     }
     const Value no = false;
     Value number;
+    bool isComplete = true;
     const auto valueOf = [&](std::size_t column) -> const Value& {
         if (!IsNull(given[column])) return given[column];
         return columns[column].autoNumber                    ? number
@@ -81,6 +82,7 @@ Table::Inserted StoredTable::AddRow(std::span<const Value> given) {
     Table::Inserted inserted;
     for (std::size_t i = 0; i < given.size(); ++i) {
         CheckValue(valueOf(i), columns[i], definition_.name);
+        if (&valueOf(i) != &given[i]) isComplete = false;
         if (!columns[i].autoNumber) continue;
         if (IsNull(given[i])) number = std::int64_t{NextAutoNumber()};
         inserted.autoNumber = static_cast<std::int32_t>(std::get<std::int64_t>(valueOf(i)));
@@ -92,25 +94,26 @@ Table::Inserted StoredTable::AddRow(std::span<const Value> given) {
         waiting_[i].Reserve(newKeys_[i].bytes);
     }
     const bool wait = EntriesMayWait();
+    const std::uint32_t rowsBefore = Current().counters.Rows();
     Undoably([&] {
         Parts& parts = Current();
         parts.draft.Clear();
-        for (std::size_t i = 0; i < given.size(); ++i) {
-            if (columns[i].autoNumber) RaiseAutoNumber(valueOf(i));
+        for (std::size_t i = 0; i < given.size(); ++i)
             SetField(i, valueOf(i));
-        }
         const Bytes& row = Assemble();
         inserted.row = keepsOrder_ ? parts.rows.Append(row) : parts.rows.Add(row);
         for (std::size_t i = 0; i < newKeys_.size() && !wait; ++i)
             ChangeKey({i, std::nullopt, newKeys_[i]}, inserted.row);
-        parts.counters.SetRows(parts.counters.Rows() + 1);
-        if (RowObserver* const observer = Observer()) {
-            told_.resize(given.size());
-            for (std::size_t i = 0; i < given.size(); ++i)
-                told_[i] = valueOf(i);
-            observer->RowAdded(definition_, told_);
-        }
+        RowObserver* const observer = Observer();
+        if (observer == nullptr) return;
+        Row completed;
+        for (std::size_t i = 0; i < given.size() && !isComplete; ++i)
+            completed.push_back(valueOf(i));
+        observer->RowAdded(definition_, isComplete ? given : completed);
     });
+    // Their page is in memory: nothing of this can fail, so that it needs no copy.
+    Current().counters.SetRows(rowsBefore + 1);
+    if (inserted.autoNumber) RaiseAutoNumber(*inserted.autoNumber);
     for (std::size_t i = 0; i < newKeys_.size() && wait; ++i)
         if (Current().indexes[i]->Lists(newKeys_[i]))
             waiting_[i].Add(newKeys_[i].bytes, inserted.row);
@@ -153,7 +156,8 @@ void StoredTable::ChangeRow(RowId row, std::span<const FieldChange> changes) {
                 obsolete.emplace_back(i, Bytes(field->begin(), field->end()));
             }
             SetField(i, *newValues[i]);
-            if (definition_.columns[i].autoNumber) RaiseAutoNumber(*newValues[i]);
+            if (definition_.columns[i].autoNumber)
+                RaiseAutoNumber(static_cast<std::int32_t>(std::get<std::int64_t>(*newValues[i])));
         }
         for (const auto& [column, field] : obsolete)
             RemoveLongValue(LongPages(column), field);
@@ -332,8 +336,7 @@ std::int32_t StoredTable::NextAutoNumber() const {
     return static_cast<std::int32_t>(next);
 }
 
-void StoredTable::RaiseAutoNumber(const Value& value) {
-    const auto number = static_cast<std::int32_t>(std::get<std::int64_t>(value));
+void StoredTable::RaiseAutoNumber(std::int32_t number) {
     TableCounters& counters = Current().counters;
     const bool upwards = counters.AutoNumberStep() > 0;
     const auto last = counters.AutoNumber();
