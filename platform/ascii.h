@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstring>
 #include <string_view>
+#include <utility>
 
 /// Plain ASCII, which nearly all texts are made of, eight bytes at once.
 namespace quillon::ascii {
@@ -21,21 +22,36 @@ constexpr Block HighBits = Repeated(0x80);
 
 /// Eight bytes of a text, which has so many.
 inline Block BlockAt(std::string_view text, std::size_t at) {
+    // The first byte of a text is the lowest one of its block.
+    static_assert(std::endian::native == std::endian::little);
     Block block = 0;
     std::memcpy(&block, &text[at], BlockSize);
     return block;
 }
 
+/// All of a text that is shorter than a block, with zeros behind its end. Pieces that overlap take
+/// the place of a call, which would cost more than the bytes.
+inline Block ShortBlock(std::string_view text) {
+    const std::size_t size = text.size();
+    constexpr std::size_t HalfSize = BlockSize / 2;
+    if (size >= HalfSize) {
+        std::uint32_t first = 0, last = 0;
+        std::memcpy(&first, text.data(), HalfSize);
+        std::memcpy(&last, text.data() + size - HalfSize, HalfSize);
+        return first | Block{last} << 8 * (size - HalfSize);
+    }
+    if (size == 0) return 0;
+    const auto byteAt = [text](std::size_t at) {
+        return Block{static_cast<unsigned char>(text[at])} << 8 * at;
+    };
+    return byteAt(0) | byteAt(size / 2) | byteAt(size - 1);
+}
+
 /// The next bytes of a text, which they leave, with zeros behind its end.
 inline Block TakeBlock(std::string_view& text) {
-    Block block = 0;
-    if (text.size() >= BlockSize) {
-        block = BlockAt(text, 0);
-        text.remove_prefix(BlockSize);
-        return block;
-    }
-    if (!text.empty()) std::memcpy(&block, &text[0], text.size());
-    text = {};
+    if (text.size() < BlockSize) return ShortBlock(std::exchange(text, {}));
+    const Block block = BlockAt(text, 0);
+    text.remove_prefix(BlockSize);
     return block;
 }
 
@@ -58,8 +74,7 @@ constexpr Block Upper(Block block) {
 /// Below, at or above zero as the left bytes come before, with or behind the right ones.
 constexpr int CompareBlocks(Block left, Block right) {
     if (left == right) return 0;
-    // Of numbers that were read from memory the first byte that differs is the lowest one here.
-    static_assert(std::endian::native == std::endian::little);
+    // The first byte that differs is the lowest one.
     const int differing = std::countr_zero(left ^ right) / 8 * 8;
     return (left >> differing & 0xFFU) < (right >> differing & 0xFFU) ? -1 : 1;
 }
@@ -92,11 +107,7 @@ inline bool IsAscii(std::string_view text) {
 /// Whether short texts are the same, bytes of any kind; sooner known here than by a call.
 inline bool AreSame(std::string_view left, std::string_view right) {
     if (left.size() != right.size()) return false;
-    if (left.size() < BlockSize) {
-        for (std::size_t at = 0; at < left.size(); ++at)
-            if (left[at] != right[at]) return false;
-        return true;
-    }
+    if (left.size() < BlockSize) return ShortBlock(left) == ShortBlock(right);
     for (std::size_t at = 0; at + BlockSize <= left.size(); at += BlockSize)
         if (BlockAt(left, at) != BlockAt(right, at)) return false;
     // The last ones are looked at together with some that have been.

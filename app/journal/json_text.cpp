@@ -27,12 +27,26 @@ constexpr ascii::Block Zeros(ascii::Block block) {
 
 /// How many of eight bytes stand before the first that has to be escaped.
 constexpr std::size_t PlainBytes(ascii::Block block) {
-    // The first byte of a text is the lowest one of its block.
-    static_assert(std::endian::native == std::endian::little);
     const ascii::Block controls = (block - ascii::Repeated(0x20)) & ~block & ascii::HighBits;
     const ascii::Block escaped =
         controls | Zeros(block ^ ascii::Repeated('"')) | Zeros(block ^ ascii::Repeated('\\'));
     return static_cast<std::size_t>(std::countr_zero(escaped)) / 8;
+}
+
+constexpr std::string_view Digits = "0123456789abcdef";
+constexpr std::size_t LongestEscape = 6;
+
+/// Writes a byte that cannot stand for itself; gives the place behind it.
+char* Escape(char byte, char* to) {
+    *to++ = '\\';
+    if (byte == '"' || byte == '\\') {
+        *to++ = byte;
+        return to;
+    }
+    const auto code = static_cast<unsigned char>(byte);
+    for (const char next : {'u', '0', '0', Digits[code >> 4U], Digits[code & 15U]})
+        *to++ = next;
+    return to;
 }
 
 /// "" outside the years that have a text.
@@ -80,42 +94,35 @@ void JsonText::Put(DateTime time) {
 /// Room for the longest escapes is made once, so that bytes go in without another look at it. Eight
 /// bytes are put at a time, of which those count that stand before the next one to be escaped.
 void JsonText::Put(std::string_view text) {
-    constexpr std::size_t LongestEscape = 6;
-    const std::size_t start = size_;
-    Room(LongestEscape * text.size() + 2 + ascii::BlockSize);
-    memory_[size_++] = '"';
+    char* to = Room(LongestEscape * text.size() + 2 + ascii::BlockSize);
+    *to++ = '"';
     ascii::Block seen = 0;
     for (std::string_view left = text; !left.empty();) {
         std::string_view behind = left;
         const ascii::Block block = ascii::TakeBlock(behind);
         const std::size_t plain = std::min(PlainBytes(block), left.size());
-        std::memcpy(&memory_[size_], &block, ascii::BlockSize);
-        size_ += plain;
+        std::memcpy(to, &block, ascii::BlockSize);
+        to += plain;
         seen |= block;
         left.remove_prefix(plain);
         if (plain == ascii::BlockSize || left.empty()) continue;
-        const char byte = left.front();
-        memory_[size_++] = '\\';
-        if (byte == '"' || byte == '\\') {
-            memory_[size_++] = byte;
-        } else {
-            Append("u00");
-            PutByteHex(static_cast<unsigned char>(byte));
-        }
+        to = Escape(left.front(), to);
         left.remove_prefix(1);
     }
-    memory_[size_++] = '"';
-    if ((seen & ascii::HighBits) == 0 || IsWellFormed(text)) return;
-    size_ = start;
-    PutBytes(text);
+    *to++ = '"';
+    if ((seen & ascii::HighBits) != 0 && !IsWellFormed(text)) return PutBytes(text);
+    size_ = static_cast<std::size_t>(to - memory_.data());
 }
 
 void JsonText::PutBytes(std::string_view bytes) {
     Open();
     Name("bytes");
     Append('"');
-    for (const char byte : bytes)
-        PutByteHex(static_cast<unsigned char>(byte));
+    for (const char byte : bytes) {
+        const auto code = static_cast<unsigned char>(byte);
+        Append(Digits[code >> 4U]);
+        Append(Digits[code & 15U]);
+    }
     Append('"');
     Close();
 }
@@ -136,12 +143,6 @@ void JsonText::PutHex(std::uint64_t number) {
     size_ +=
         static_cast<std::size_t>(std::to_chars(place, place + MostDigits, number, 16).ptr - place);
     Append('"');
-}
-
-void JsonText::PutByteHex(unsigned char byte) {
-    constexpr std::string_view Digits = "0123456789abcdef";
-    Append(Digits[byte >> 4U]);
-    Append(Digits[byte & 15U]);
 }
 
 }  // namespace quillon

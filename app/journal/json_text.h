@@ -118,7 +118,6 @@ class JsonText {
     }
     void Learn(KnownName& known, std::string_view name);
     void PutBytes(std::string_view bytes);
-    void PutByteHex(unsigned char byte);
 
     std::string memory_ = std::string(4096, '\0');
     std::size_t size_ = 0;

@@ -4,6 +4,7 @@
 #include <string>
 #include <utility>
 
+#include "platform/ascii.h"
 #include "platform/portable/jet_values.h"
 
 namespace quillon {
@@ -28,7 +29,7 @@ Element& Next(std::vector<Element>& list, std::size_t& used) {
 
 /// Most rows have the names of the one before.
 void SetName(std::string& name, const std::string& wanted) {
-    if (name != wanted) name = wanted;
+    if (!ascii::AreSame(name, wanted)) name = wanted;
 }
 
 void TakeKey(RowChange& change, const jet::TableDefinition& table, Fields row) {

@@ -48,6 +48,17 @@ struct ToJetValue {
     }
 };
 
+/// Changes what is there where it has the type already, as fields mostly do: a text then keeps its
+/// memory, and a number is only overwritten.
+template <typename Type, typename Variant>
+void Put(Variant& into, const Type& value) {
+    if (auto* const room = std::get_if<Type>(&into)) {
+        *room = value;
+    } else {
+        into = value;
+    }
+}
+
 }  // namespace
 
 Value FromJet(const jet::Value& value, std::string_view field) {
@@ -55,13 +66,11 @@ Value FromJet(const jet::Value& value, std::string_view field) {
 }
 
 void FromJet(const jet::Value& value, std::string_view field, Value& into) {
-    const auto* const text = std::get_if<std::string>(&value);
-    auto* const room = std::get_if<std::string>(&into);
-    if (text != nullptr && room != nullptr) {
-        *room = *text;
-    } else {
-        into = FromJet(value, field);
-    }
+    if (const auto* const text = std::get_if<std::string>(&value)) return Put(into, *text);
+    if (const auto* const number = std::get_if<std::int64_t>(&value)) return Put(into, *number);
+    if (const auto* const date = std::get_if<jet::Date>(&value))
+        return Put(into, DateTime{date->days});
+    into = FromJet(value, field);
 }
 
 void ExchangeFromJet(jet::Value& value, std::string_view field, Value& into) {
@@ -79,13 +88,12 @@ jet::Value ToJet(const Value& value) {
 }
 
 void ToJet(const Value& value, jet::Value& converted) {
-    const auto* const text = std::get_if<std::string>(&value);
-    auto* const room = std::get_if<std::string>(&converted);
-    if (text != nullptr && room != nullptr) {
-        *room = *text;
-    } else {
-        converted = ToJet(value);
-    }
+    if (const auto* const text = std::get_if<std::string>(&value)) return Put(converted, *text);
+    if (const auto* const number = std::get_if<std::int64_t>(&value))
+        return Put(converted, *number);
+    if (const auto* const date = std::get_if<DateTime>(&value))
+        return Put(converted, jet::Date{date->days});
+    converted = ToJet(value);
 }
 
 }  // namespace quillon
