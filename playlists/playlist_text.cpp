@@ -48,12 +48,4 @@ std::vector<std::string_view> LinesOf(std::string_view playlist) {
     return lines;
 }
 
-bool WriteIfOther(Files& files, std::string_view path, std::string_view bytes) {
-    if (HoldsJust(files, path, bytes)) return false;
-    const std::unique_ptr<TextWriter> file = files.CreateText(path);
-    file->WriteBytes(bytes);
-    file->Close();
-    return true;
-}
-
 }  // namespace quillon

@@ -27,8 +27,4 @@ bool HasContent(Files& files, std::string_view path, const PlaylistContent& cont
 /// The lines without their ends, which may be LF alone; views into the playlist.
 std::vector<std::string_view> LinesOf(std::string_view playlist);
 
-/// Writes the file if it does not hold just these bytes; whether it was written. A file that would
-/// not change keeps its time, and programs that watch the folder see nothing happen.
-bool WriteIfOther(Files& files, std::string_view path, std::string_view bytes);
-
 }  // namespace quillon

@@ -50,12 +50,21 @@ def most_listed(calls):
                 if path.startswith("disk/Music/")), default=0)
 
 
-def a_folder_is_copied_with_one_flush(workshop, counts):
-    baseline = workshop.baseline("pla-to-m3u")
+def a_folder_is_copied_with_one_flush(baseline, counts):
     lists = len(list((baseline.library.host / "M3u").iterdir()))
     found = sum(count for place, count in syncs_by_place(baseline.calls).items()
                 if place.startswith("host/TEMPORARY"))
     counts.expect(f"flushes of a copy with {lists} lists", 1 if lists > 1 else None, found)
+
+
+def converted_lists_are_flushed_together(baseline, counts):
+    calls = baseline.calls
+    written = sum(call.name == "rename" and "-> host/M3u/" in call.path for call in calls)
+    flushes = sum(count for place, count in syncs_by_place(calls).items()
+                  if place.startswith("host/M3u"))
+    counts.expect("converted lists are many", True, written > 4)
+    # The file system and the folder.
+    counts.expect(f"flushes for {written} converted lists", 2, flushes)
 
 
 def a_library_that_has_not_changed_is_not_written_to(workshop, baseline, counts):
@@ -159,7 +168,9 @@ def main():
     counts = Counts()
     try:
         workshop = Workshop(program, library, folder)
-        a_folder_is_copied_with_one_flush(workshop, counts)
+        converted = workshop.baseline("pla-to-m3u")
+        a_folder_is_copied_with_one_flush(converted, counts)
+        converted_lists_are_flushed_together(converted, counts)
         new_songs_are_durable_before_their_rows(workshop, counts)
         baseline = workshop.baseline("reconcile")
         a_library_that_has_not_changed_is_not_written_to(workshop, baseline, counts)

@@ -210,6 +210,33 @@ TEST_F(ConvertTest, CostsOneFileThatCannotBeReadOrWritten) {
                             "Quillon: PlaToM3u Line 2 Path not found: B (D:\\Lists\\B.pla)"));
 }
 
+TEST_F(ConvertTest, CostsOneFileThatCannotGetItsName) {
+    for (const char* const name : {"A.pla", "B.pla", "C.pla"})
+        AddList(name, {"A0 0"});
+    library.calls.Refuse(R"(Name D:\M3u\B.m3u)", FailureNumber::PermissionDenied, "B");
+    Convert();
+    EXPECT_TRUE(M3uExists("A.m3u"));
+    EXPECT_FALSE(M3uExists("B.m3u"));
+    EXPECT_TRUE(M3uExists("C.m3u"));
+    EXPECT_EQ(run().counts.playlistsWritten, 2U);
+    EXPECT_THAT(library.host.log,
+                ElementsAre("Quillon: PlaToM3u Line 2 Permission denied: B (D:\\Lists\\B.pla)"));
+}
+
+TEST_F(ConvertTest, GivesFilesTheirNamesTogetherAndOneThatIsMadeTwiceInBetween) {
+    AddList("Both.m3u.txt", {"A0 0"});
+    AddList("Both.pla.txt", {"A0 1"});
+    AddList("Other.pla", {"A0 0"});
+    Convert();
+    EXPECT_THAT(library.calls.Of({"CreateText", "Name"}),
+                ElementsAre(R"(CreateText D:\M3u\Both.m3u.txt)", R"(Name D:\M3u\Both.m3u.txt)",
+                            R"(CreateText D:\M3u\Both.m3u.txt)", R"(CreateText D:\M3u\Other.m3u)",
+                            R"(Name D:\M3u\Both.m3u.txt)", R"(Name D:\M3u\Other.m3u)"));
+    EXPECT_THAT(library.host.log, IsEmpty());
+    EXPECT_THAT(Titles("Both.m3u.txt"), ElementsAre("Two"));
+    EXPECT_EQ(run().counts.playlistsWritten, 3U);
+}
+
 TEST_F(ConvertTest, LogsAFolderThatIsNotThere) {
     library.calls.Refuse(R"(FilesIn D:\Lists)", FailureNumber::PathNotFound, "Lists");
     Convert();
