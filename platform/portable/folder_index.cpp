@@ -53,18 +53,18 @@ std::optional<FolderIndex::Listing> FolderIndex::ReadNames(const std::string& fo
     return listing;
 }
 
-std::string FolderIndex::Find(const std::string& folder, std::string_view name) {
+std::optional<std::string> FolderIndex::Find(const std::string& folder, std::string_view name) {
     // The stamp is taken before the names, so that a change meanwhile shows at the next look.
     Stamp stamp;
     if (const int error = ReadStamp(folder, stamp); error != 0) {
-        if (IsMissing(error)) return {};
+        if (IsMissing(error)) return std::nullopt;
         throw SystemFailure(error, folder);
     }
     auto found = listings_.find(folder);
     if (found == listings_.end() || !(found->second.stamp == stamp)) {
         if (found == listings_.end() && listings_.size() >= MostListings) listings_.clear();
         std::optional<Listing> listing = ReadNames(folder);
-        if (!listing) return {};
+        if (!listing) return std::nullopt;
         listing->stamp = stamp;
         found = listings_.insert_or_assign(folder, *std::move(listing)).first;
     }

@@ -15,9 +15,9 @@ namespace quillon {
 class FolderIndex {
   public:
     /// The name that an entry of the folder really has; of several that differ in letter case alone
-    /// the first by code. Empty when there is none, or no such folder. Failure when the folder is
-    /// there and cannot be read.
-    std::string Find(const std::string& folder, std::string_view name);
+    /// the first by code. Empty when there is none; nothing when there is no such folder. Failure
+    /// when the folder is there and cannot be read.
+    std::optional<std::string> Find(const std::string& folder, std::string_view name);
 
     /// This process has just made or removed an entry, given by its full local path. A removed
     /// folder may stand for everything that was below it.

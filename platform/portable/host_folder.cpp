@@ -79,7 +79,7 @@ const IniFile& HostFolder::Read(std::string_view file) {
     if (!IsWindowsName(file)) throw Failure(FailureNumber::BadFileName, ToValidUtf8(file));
     std::filesystem::path path = folder_ / file;
     if (!FactsOf(path.string())) {
-        const std::string real = index_.Find(folder_.string(), file);
+        const std::string real = index_.Find(folder_.string(), file).value_or("");
         if (!real.empty()) path = folder_ / real;
     }
     ReadFile& known = files_[path.string()];

@@ -1,6 +1,7 @@
 #include "platform/portable/path_resolver.h"
 
 #include <cerrno>
+#include <utility>
 
 #include "platform/failure.h"
 #include "platform/portable/local_file.h"
@@ -8,10 +9,10 @@
 namespace quillon {
 namespace {
 
-/// Whether something has this very name. What cannot be told is taken as it is written: the
-/// operation that follows says what is wrong with it.
-bool MayExist(const std::string& local) {
-    return FactsOfLink(local) || (errno != ENOENT && errno != ENOTDIR);
+/// Whether a look that failed so leaves open whether something has the name. What cannot be told is
+/// taken as it is written: the operation that follows says what is wrong with it.
+bool MayBeTaken(int error) {
+    return error != ENOENT && error != ENOTDIR;
 }
 
 std::string Join(const std::string& folder, std::string_view name) {
@@ -34,34 +35,34 @@ std::string PathResolver::Exact(const WindowsPath& path) const {
     return path.rest.empty() && !root.empty() ? root : Join(root, path.rest);
 }
 
-std::string PathResolver::Local(const WindowsPath& path) {
+LocalPlace PathResolver::Locate(const WindowsPath& path) {
     std::string local = Exact(path);
-    if (path.rest.empty() || SpeaksWindowsPaths()) return local;
-    if (!MayExist(local)) Find(LocalRoot(path), path.rest, local);
-    return local;
+    if (path.rest.empty() || SpeaksWindowsPaths()) return {.path = std::move(local)};
+    if (auto facts = FactsOfLink(local)) {
+        if (facts->kind == LocalKind::Link) facts.reset();
+        return {.path = std::move(local), .facts = facts};
+    }
+    if (MayBeTaken(errno)) return {.path = std::move(local)};
+    return Find(LocalRoot(path), path.rest);
 }
 
-/// Puts the path of `rest` into `local`; whether it exists. The whole is not there as it is
-/// written.
-bool PathResolver::Find(const std::string& root, std::string_view rest, std::string& local) {
+/// The place of `rest`. The whole is not there as it is written.
+LocalPlace PathResolver::Find(const std::string& root, std::string_view rest) {
     const std::size_t slash = rest.rfind('/');
     const bool isTop = slash == std::string_view::npos;
     const std::string_view name = isTop ? rest : rest.substr(slash + 1);
-    std::string folder = root;
-    if (!isTop) {
-        const std::string_view parent = rest.substr(0, slash);
-        folder = Join(root, parent);
-        const bool asWritten = MayExist(folder);
-        if (!asWritten && !Find(root, parent, folder)) {
-            local = Join(folder, name);
-            return false;
-        }
-        local = Join(folder, name);
-        if (!asWritten && MayExist(local)) return true;
+    std::string folder = isTop ? root : Join(root, rest.substr(0, slash));
+    std::optional<std::string> real = index_.Find(folder.empty() ? "/" : folder, name);
+    if (!real && !isTop) {
+        LocalPlace parent = Find(root, rest.substr(0, slash));
+        if (parent.isFree) return {.path = Join(parent.path, name), .isFree = true};
+        folder = std::move(parent.path);
+        std::string local = Join(folder, name);
+        if (FactsOfLink(local) || MayBeTaken(errno)) return {.path = std::move(local)};
+        real = index_.Find(folder, name);
     }
-    const std::string real = index_.Find(folder.empty() ? "/" : folder, name);
-    local = Join(folder, real.empty() ? name : real);
-    return !real.empty();
+    const bool isThere = real && !real->empty();
+    return {.path = Join(folder, isThere ? *real : name), .isFree = real && real->empty()};
 }
 
 }  // namespace quillon

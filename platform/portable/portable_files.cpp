@@ -29,29 +29,30 @@ std::pair<WindowsPath, std::string> FolderAndName(const WindowsPath& path) {
     return {{path.root, path.rest.substr(0, slash)}, path.rest.substr(slash + 1)};
 }
 
-/// What has been opened, with its size.
-std::pair<FileHandle, std::uint64_t> WithSize(int descriptor, std::string_view shown) {
+/// A file that has been opened, with what is known of it by then.
+using OpenedFile = std::pair<FileHandle, FileFacts>;
+
+OpenedFile WithFacts(int descriptor, std::string_view shown) {
     FileHandle file(descriptor, shown);
     const FileFacts facts = file.Facts();
     if (!facts.IsFile()) throw NoFileFailure(facts.kind, file.ShownPath());
-    return {std::move(file), facts.size};
+    return {std::move(file), facts};
 }
 
-/// Opens a file as it is written where it exists so, which is the rule, with no other call. With
-/// its size.
-std::pair<FileHandle, std::uint64_t> OpenWithSize(PathResolver& resolver, const WindowsPath& path,
-                                                  FileUse use = FileUse::Read) {
+/// Opens a file as it is written where it exists so, which is the rule, with no other call.
+OpenedFile OpenWithFacts(PathResolver& resolver, const WindowsPath& path,
+                         FileUse use = FileUse::Read) {
     int descriptor = OpenLocal(resolver.Exact(path), use);
     if (descriptor < 0 && (errno == ENOENT || errno == ENOTDIR)) {
         descriptor = OpenLocal(resolver.Local(path), use);
     }
     const std::string shown = path.Text();
     if (descriptor < 0) throw SystemFailure(errno, shown, FailureNumber::FileNotFound);
-    return WithSize(descriptor, shown);
+    return WithFacts(descriptor, shown);
 }
 
 FileHandle OpenFile(PathResolver& resolver, const WindowsPath& path, FileUse use = FileUse::Read) {
-    return OpenWithSize(resolver, path, use).first;
+    return OpenWithFacts(resolver, path, use).first;
 }
 
 /// The parts of a path; nothing for a text that is no path.
@@ -61,13 +62,18 @@ std::optional<WindowsPath> ParsedPath(std::string_view text) try {
     return std::nullopt;
 }
 
+/// The same as CertainFacts(), without a look for what is known already.
+std::optional<FileFacts> FactsAt(const LocalPlace& place, const std::string& shown) {
+    if (place.facts || place.isFree) return place.facts;
+    return CertainFacts(place.path, shown);
+}
+
 /// Copies a file that is open; `local` is the path of the copy, whose name is not durable yet.
-void CopyOpenFile(const FileHandle& source, const std::string& local, const std::string& shown,
+void CopyOpenFile(const OpenedFile& source, const std::string& local, const std::string& shown,
                   SafeFile::Existing existing, const BytesWatch& watch) {
-    const FileFacts facts = source.Facts();
-    SafeFile copy(local, shown, existing, facts.rights);
-    copy.WriteFrom(source, 0, watch);
-    copy.SetModified(facts.modified);
+    SafeFile copy(local, shown, existing, source.second.rights);
+    copy.WriteFrom(source.first, 0, watch);
+    copy.SetModified(source.second.modified);
     copy.Sync();
     copy.TakeName();
 }
@@ -89,7 +95,7 @@ FileIdentity FileSystemOf(const FileHandle& file) {
 bool PortableFiles::Exists(std::string_view path, LocalKind kind) {
     const std::optional<WindowsPath> parsed = ParsedPath(path);
     if (!parsed || !resolver_.Drives().LocalFolder(parsed->root)) return false;
-    const auto facts = CertainFacts(resolver_.Local(*parsed), parsed->Text());
+    const std::optional<FileFacts> facts = FactsAt(resolver_.Locate(*parsed), parsed->Text());
     return facts && facts->kind == kind;
 }
 
@@ -173,12 +179,14 @@ void PortableFiles::CopyFile(std::string_view from, std::string_view to, bool ov
 void PortableFiles::Copy(std::string_view from, std::string_view to, bool overwrite,
                          bool nameMayWait) {
     if (!nameMayWait) SyncNames();
-    const FileHandle source = OpenFile(resolver_, ParseWindowsPath(from));
+    const OpenedFile source = OpenWithFacts(resolver_, ParseWindowsPath(from));
     const WindowsPath target = ParseWindowsPath(to);
     const std::string local = resolver_.Local(target);
-    const std::optional<FileFacts> old = FactsOf(local);
-    const bool itself = old && old->identity == source.Facts().identity;
-    if (itself && overwrite) throw SystemFailure(EACCES, target.Text());
+    if (overwrite) {
+        const std::optional<FileFacts> old = FactsOf(local);
+        const bool isItself = old && old->identity == source.second.identity;
+        if (isItself) throw SystemFailure(EACCES, target.Text());
+    }
     RemoveLeftoversOnce(FolderOf(local));
     CopyOpenFile(source, local, target.Text(),
                  overwrite ? SafeFile::Existing::Replace : SafeFile::Existing::Refuse, copyWatch_);
@@ -371,9 +379,9 @@ std::unique_ptr<BinaryReader> PortableFiles::OpenBinary(std::string_view path) {
     const int listed = lister_.OpenListed(path);
     if (listed < 0 && errno != ENOENT && errno != ENOTDIR)
         throw SystemFailure(errno, std::string(path), FailureNumber::FileNotFound);
-    auto [file, size] =
-        listed >= 0 ? WithSize(listed, path) : OpenWithSize(resolver_, ParseWindowsPath(path));
-    return std::make_unique<PositionedReader>(std::move(file), size);
+    auto [file, facts] =
+        listed >= 0 ? WithFacts(listed, path) : OpenWithFacts(resolver_, ParseWindowsPath(path));
+    return std::make_unique<PositionedReader>(std::move(file), facts.size);
 }
 
 void PortableFiles::WriteEnd(std::string_view path, const FileEnd& seen, std::uint64_t position,

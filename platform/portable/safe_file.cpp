@@ -36,7 +36,8 @@ void SafeFile::RefuseOthers() const {
 
 TemporaryEntry SafeFile::Create(std::uint32_t rights, unsigned number) const {
     RefuseOthers();
-    const std::optional<FileFacts> old = FactsOf(target_);
+    std::optional<FileFacts> old;
+    if (existing_ != Existing::Refuse) old = FactsOf(target_);
     if (old && !old->IsFile()) throw NoFileFailure(old->kind, shownPath_);
     if (old && !MayWrite(target_)) throw SystemFailure(errno, shownPath_);
     TemporaryEntry draft = MakeTemporaryFile(FolderOf(target_), shownPath_, rights, number);

@@ -45,6 +45,29 @@ TEST_F(PathResolverTest, KeepsWhatDoesNotExistAsItIsWritten) {
     EXPECT_EQ(Local("D:\\None"), "/None");
 }
 
+TEST_F(PathResolverTest, TellsWhatItSawOfAPlace) {
+    folder_.MakeFile("a/File");
+    std::filesystem::create_symlink("File", folder_ / "a/Link");
+    std::filesystem::create_directory_symlink("gone", folder_ / "Lost");
+    const auto place = [this](const char* path) {
+        return resolver_.Locate(ParseWindowsPath(path));
+    };
+    const LocalPlace file = place("D:\\a\\File");
+    ASSERT_TRUE(file.facts);
+    EXPECT_EQ(file.facts->kind, LocalKind::File);
+    EXPECT_EQ(place("D:\\a").facts->kind, LocalKind::Folder);
+    for (const char* const free : {"D:\\a\\none", "D:\\A\\none", "D:\\none\\File", "D:\\x\\y\\z"}) {
+        EXPECT_TRUE(place(free).isFree) << free;
+        EXPECT_FALSE(place(free).facts) << free;
+    }
+    // What a link leads to was not looked at, and behind a lost one there may be anything.
+    for (const char* const unseen :
+         {"D:\\a\\Link", "D:\\a\\file", "D:\\Lost\\x", "D:\\lost\\x\\y"}) {
+        EXPECT_FALSE(place(unseen).isFree) << unseen;
+        EXPECT_FALSE(place(unseen).facts) << unseen;
+    }
+}
+
 TEST_F(PathResolverTest, ExactNameWinsOverOthers) {
     folder_.MakeFile("a/SONG");
     folder_.MakeFile("a/Song");
@@ -134,8 +157,8 @@ TEST(FolderIndex, FindsNothingInWhatIsNoFolder) {
     const outside::TemporaryFolder folder;
     folder.MakeFile("file");
     FolderIndex index;
-    EXPECT_EQ(index.Find((folder / "file").string(), "x"), "");
-    EXPECT_EQ(index.Find((folder / "none").string(), "x"), "");
+    EXPECT_EQ(index.Find((folder / "file").string(), "x"), std::nullopt);
+    EXPECT_EQ(index.Find((folder / "none").string(), "x"), std::nullopt);
 }
 
 TEST(FolderIndex, ManyFoldersAreFoundAgain) {
