@@ -67,15 +67,17 @@ std::string FindAlbum(Connection& connection, const std::string& artist, const s
 /// that the file is there, for good.
 class Addition {
   public:
-    Addition(Adding& adding, std::string_view path, std::string_view cover)
+    Addition(Adding& adding, const FileEntry& source, std::string_view cover)
         : adding_(adding),
           run_(adding.run),
           albums_(*adding.albums),
           steps_(adding.run, "AddFile"),
-          path_(path),
+          source_(source),
+          path_(source.path),
           cover_(cover) {}
 
-    void Add(std::string_view artist, std::string_view album) {
+    /// As AddFile() tells it.
+    bool Add(std::string_view artist, std::string_view album) {
         steps_.Concerning(path_);
         const bool done = steps_.Try(Step::Describe, [&] { Describe(artist, album); }) &&
                           steps_.Try(Step::LookUp, [&] { LookUp(); }) &&
@@ -87,6 +89,7 @@ class Addition {
         } else {
             Undo();
         }
+        return done && isNamedByTag_;
     }
 
   private:
@@ -128,13 +131,16 @@ class Addition {
     RecordSet& albums_;
     Steps steps_;
     TakeBack takeBack_;
-    std::string path_, cover_;
+    const FileEntry& source_;
+    const std::string& path_;
+    std::string cover_;
     AddedFile file_;
     std::string ownArtist_;  ///< of a track in an album of several; else ""
     std::string artistFolder_, albumFolder_;
     std::string folder_;  ///< the disc's, else the album's
     std::string target_;
-    std::string cdjid_;  ///< "" while there is no album
+    std::string cdjid_;          ///< "" while there is no album
+    bool isNamedByTag_ = false;  ///< artist and album are those of the file's tag
     bool isNewAlbum_ = false;
     bool isKnown_ = false;  ///< a track has the target already
     bool isNewArtist_ = false, isCoverGiven_ = false;
@@ -143,10 +149,8 @@ class Addition {
 
 /// Nothing has been written when this fails.
 void Addition::Describe(std::string_view artist, std::string_view album) {
-    file_.artist = artist;
-    file_.album = album;
     file_.title = TitleInPath(path_);
-    const std::optional<Tag> tag = ReadID3(run_, path_, GenreAs::Number);
+    const std::optional<Tag> tag = ReadID3Once(run_, source_, GenreAs::Number);
     if (!tag) {
         throw Failure::Described(
             FailureNumber::PathFileAccess,
@@ -156,6 +160,9 @@ void Addition::Describe(std::string_view artist, std::string_view album) {
         const bool isName = !tag->isRecorded && !IsNumeric(genre);
         return isName ? std::string(genre) : GenreOfNumber(*run_.connection, adding_.genres, genre);
     });
+    isNamedByTag_ = !file_.artist.empty() && !file_.album.empty();
+    if (file_.artist.empty()) file_.artist = artist;
+    if (file_.album.empty()) file_.album = album;
     // A title taken from a folder's name cannot be the file's.
     if (file_.title.find('\\') != std::string::npos && file_.title == TitleInPath(path_))
         file_.title = TitleInName(path_);
@@ -242,9 +249,11 @@ bool Addition::IsThere(const std::string& target) const {
 
 void Addition::Copy() {
     if (isKnown_) return;
-    MakeFolder(artistFolder_);
-    MakeFolder(albumFolder_);
-    MakeFolder(folder_);
+    if (folder_ != adding_.folder) {
+        MakeFolder(artistFolder_);
+        MakeFolder(albumFolder_);
+        MakeFolder(folder_);
+    }
     if (run_.files.FileExists(target_)) return;
     run_.files.CopyFile(path_, target_, false);
     isCopied_ = true;
@@ -302,8 +311,12 @@ bool Addition::TryCover() {
 /// An image that has the cover's name already was put there for this very album: it is taken as it
 /// is, and never overwritten.
 void Addition::GiveCover(TakeBack& coverBack) {
+    if (cdjid_ == adding_.coveredAlbum) return;
     StandOnAlbum();
-    if (!IsNull(albums_.Get("ImageFile"))) return;
+    if (!IsNull(albums_.Get("ImageFile"))) {
+        adding_.coveredAlbum = cdjid_;
+        return;
+    }
     const std::string image = CoverTarget();
     if (!run_.files.FileExists(image)) {
         run_.files.CopyFile(cover_, image, false);
@@ -368,6 +381,7 @@ void Addition::Settle() {
     adding_.artist = file_.artist;
     adding_.album = file_.album;
     adding_.cdjid = cdjid_;
+    if (isCopied_) adding_.folder = folder_;
     if (isNewAlbum_) {
         adding_.sequence.Taken(cdjid_);
         ++run_.counts.albumsAdded;
@@ -384,13 +398,14 @@ void Addition::Undo() {
     steps_.Try(Step::Undo, [this] { albums_.CancelUpdate(); });
     takeBack_.Run(steps_, Step::Undo);
     adding_.cdjid.clear();
+    adding_.folder.clear();
 }
 
 }  // namespace
 
-void AddFile(Adding& adding, std::string_view artist, std::string_view album, std::string_view path,
+bool AddFile(Adding& adding, std::string_view artist, std::string_view album, const FileEntry& file,
              std::string_view cover) {
-    Addition(adding, path, cover).Add(artist, album);
+    return Addition(adding, file, cover).Add(artist, album);
 }
 
 }  // namespace quillon

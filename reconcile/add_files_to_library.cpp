@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 #include "platform/basic_text.h"
@@ -55,40 +56,41 @@ class AddingWalk {
     AddingWalk(Adding& adding, Steps& steps) : adding_(adding), run_(adding.run), steps_(steps) {}
 
     /// How far it has come shows in the outermost folder alone. `outerCover` is the image beside a
-    /// disc folder.
-    void AddFolder(std::string_view artist, std::string_view album, const std::string& folder,
+    /// disc folder. A folder is left out once all that is in it has come in by its own tags.
+    /// Whether it has.
+    bool AddFolder(std::string_view artist, std::string_view album, const std::string& folder,
                    bool isOutermost = false, const std::string& outerCover = "") {
+        if (settled_.contains(folder)) return true;
         steps_.Concerning(folder);
-        if (!MayBeAdded(folder)) return;
+        if (!MayBeAdded(folder)) return false;
         Listing<FileEntry> files;
         if (!steps_.TryAs("AddFolder", FolderStep::Files,
                           [&] { files = run_.files.FilesIn(folder); }))
-            return;
+            return false;
         std::optional<Share> share;
         if (isOutermost) share.emplace(run_, 0, EndOfLooseFiles);
         std::string cover = FindCover(files);
         if (cover.empty()) cover = outerCover;
-        AddFilesIn(files, artist, album, cover, isOutermost);
+        bool isSettled = AddFilesIn(files, artist, album, cover, isOutermost);
         share.reset();
         if (isOutermost) share.emplace(run_, EndOfLooseFiles, EndOfFirstVisit);
-        for (const FolderEntry& subfolder : SubFolders(folder, isOutermost)) {
-            if (run_.AbortRequested) return;
-            if (IsDisc(subfolder)) {
-                AddFolder(artist, album, subfolder.path, false, cover);
-            } else {
-                AddFolder(artist, subfolder.name, subfolder.path);
-            }
+        Listing<FolderEntry> folders;
+        isSettled &= ListFolders(folder, folders) && folders.unseen.empty();
+        if (isOutermost) run_.StartCounting(folders.size());
+        for (const FolderEntry& subfolder : folders) {
+            if (run_.AbortRequested) return false;
+            isSettled &= IsDisc(subfolder) ? AddFolder(artist, album, subfolder.path, false, cover)
+                                           : AddFolder(artist, subfolder.name, subfolder.path);
             if (isOutermost) run_.CountDone();
         }
+        if (isSettled) settled_.insert(folder);
+        return isSettled;
     }
 
     /// The folders in a folder, none where it cannot be listed.
-    std::vector<FolderEntry> SubFolders(const std::string& folder, bool isCounted) {
+    std::vector<FolderEntry> SubFolders(const std::string& folder) {
         Listing<FolderEntry> folders;
-        steps_.Concerning(folder);
-        steps_.TryAs("AddFolder", FolderStep::SubFolders,
-                     [&] { folders = run_.files.SubFolders(folder); });
-        if (isCounted) run_.StartCounting(folders.size());
+        ListFolders(folder, folders);
         return std::move(folders.entries);
     }
 
@@ -109,19 +111,29 @@ class AddingWalk {
         return known && !isInLibrary;
     }
 
-    void AddFilesIn(const Listing<FileEntry>& files, std::string_view artist,
+    bool ListFolders(const std::string& folder, Listing<FolderEntry>& folders) {
+        steps_.Concerning(folder);
+        return steps_.TryAs("AddFolder", FolderStep::SubFolders,
+                            [&] { folders = run_.files.SubFolders(folder); });
+    }
+
+    /// Whether all of them have come in by their own tags.
+    bool AddFilesIn(const Listing<FileEntry>& files, std::string_view artist,
                     std::string_view album, const std::string& cover, bool isCounted) {
+        bool areSettled = files.unseen.empty();
         if (isCounted) run_.StartCounting(files.size());
         for (const FileEntry& file : files) {
             if (IsSoundFile(file.name)) {
                 run_.ShowItem("1. Add File " + file.path);
-                if (run_.AbortRequested) return;
-                AddFile(adding_, artist, album, file.path, cover);
+                if (run_.AbortRequested) return false;
+                areSettled &= AddFile(adding_, artist, album, file, cover);
             }
             if (isCounted) run_.CountDone();
         }
+        return areSettled;
     }
 
+    std::unordered_set<std::string> settled_;  ///< paths of folders
     Adding& adding_;
     Run& run_;
     Steps& steps_;
@@ -203,11 +215,12 @@ void AddFilesToLibrary(Run& run) {
         adding.compilations.LookBelow(source);
         AddingWalk walk(adding, steps);
         // Every sub-folder is visited twice, first with no artist and then as an artist of its own:
-        // untagged files are found under both, as in libraries that were filled so far.
+        // untagged files are found under both, as in libraries that were filled so far. Others come
+        // out the same both times.
         walk.AddFolder(UnknownName, UnknownName, source, true);
         if (run.AbortRequested) return;
         const Share share(run, EndOfFirstVisit, 1);
-        for (const FolderEntry& subfolder : Counted(run, walk.SubFolders(source, false))) {
+        for (const FolderEntry& subfolder : Counted(run, walk.SubFolders(source))) {
             if (run.AbortRequested) return;
             if (!walk.IsDisc(subfolder))
                 walk.AddFolder(subfolder.name, UnknownName, subfolder.path);

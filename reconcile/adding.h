@@ -9,6 +9,7 @@
 
 #include "database/cdjid.h"
 #include "platform/database.h"
+#include "platform/files.h"
 #include "reconcile/compilations.h"
 #include "run/run.h"
 
@@ -31,6 +32,10 @@ struct Adding {
     /// The file handled last, so that the next one of its album needs no look-up; no identifier
     /// before the first.
     std::string artist, album, cdjid;
+    /// The folder of the file copied last, which is there.
+    std::string folder;
+    /// The identifier of the album that was seen to have a cover last.
+    std::string coveredAlbum;
 
     /// The files that have been handled, by the paths in the library that they ask for, where songs
     /// of one title are kept apart.
@@ -47,7 +52,10 @@ struct Adding {
 /// `album` are taken where the file's tag has none; `cover` is the path of the image that becomes
 /// the cover of an album without one, "" when there is none; a cover that cannot be copied does not
 /// keep the file out. A file that the library has already is passed over. Failures are logged.
-void AddFile(Adding& adding, std::string_view artist, std::string_view album, std::string_view path,
+///
+/// Whether it is in the library now by what its own tag says: another artist and album would make
+/// no difference.
+bool AddFile(Adding& adding, std::string_view artist, std::string_view album, const FileEntry& file,
              std::string_view cover);
 
 }  // namespace quillon

@@ -179,16 +179,19 @@ std::optional<Tag> ReadID3(Run& run, std::string_view path, GenreAs genre) {
     steps.Concerning(path);
     FileEntry file;
     if (!steps.Try(ReadTagStep::Look, [&] { file = run.files.GetFile(path); })) return std::nullopt;
-    if (ReadsAllTags(run)) return Told(run, ReadFound(run, steps, file), genre);
-    return file.size > TagSize ? ReadLongFile(run, steps, file.path, genre) : Tag();
+    return ReadID3Once(run, file, genre);
 }
 
 std::optional<Tag> ReadID3(Run& run, const FileEntry& file) {
     if (ReadsAllTags(run)) return Told(run, FindTags(run, file, false), GenreAs::Name);
-    if (file.size <= TagSize) return Tag();
+    return ReadID3Once(run, file, GenreAs::Name);
+}
+
+std::optional<Tag> ReadID3Once(Run& run, const FileEntry& file, GenreAs genre) {
     Steps steps(run, Location);
     steps.Concerning(file.path);
-    return ReadLongFile(run, steps, file.path, GenreAs::Name);
+    if (ReadsAllTags(run)) return Told(run, ReadFound(run, steps, file), genre);
+    return file.size > TagSize ? ReadLongFile(run, steps, file.path, genre) : Tag();
 }
 
 std::string ReadAlbumArtist(Run& run, std::string_view path) {

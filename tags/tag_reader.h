@@ -34,6 +34,9 @@ std::optional<Tag> ReadID3(Run& run, std::string_view path, GenreAs genre = Genr
 /// where it is known what its tags say.
 std::optional<Tag> ReadID3(Run& run, const FileEntry& file);
 
+/// The same for a file that no other run will ask for: nothing is known of it nor kept.
+std::optional<Tag> ReadID3Once(Run& run, const FileEntry& file, GenreAs genre);
+
 /// Under whom the file's album is filed, as TagFormats tells it; "" where it could not be read,
 /// which is logged, or the run does not read tags of all kinds.
 std::string ReadAlbumArtist(Run& run, std::string_view path);

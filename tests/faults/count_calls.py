@@ -13,6 +13,7 @@ from points import READING_PARTS, calls_in, place_of
 from trial import Workshop, environment
 
 SYNCS = ("fsync", "fdatasync", "syncfs")
+LOOKS = ("stat", "stat64", "lstat", "lstat64", "fstatat", "fstatat64", "statx")
 RUNS_TO_SETTLE = 3
 PEOPLES_LISTS = ("Backwards.pla", "Every second.pla", "Whole.pla", "Discs.pla")
 # The lock file, the lists as captured, the copies of database and lists.
@@ -48,6 +49,10 @@ def most_listed(calls):
     listings = Counter(call.path for call in calls if call.name == "closedir")
     return max((times for path, times in listings.items()
                 if path.startswith("disk/Music/")), default=0)
+
+
+def looks_at(calls, path):
+    return sum(call.path == path and call.name in LOOKS for call in calls)
 
 
 def a_folder_is_copied_with_one_flush(baseline, counts):
@@ -146,10 +151,9 @@ def new_music_is_read_once(baseline, counts):
     counts.expect("listings of an artist's or album's folder", 1, most_listed(calls))
 
 
-def new_songs_are_durable_before_their_rows(workshop, counts):
+def new_songs_are_durable_before_their_rows(calls, counts):
     """Each by its content before it gets its name, and by its name before the database is saved; a folder
     is flushed once for all of them."""
-    calls = workshop.baseline("add-files").calls
     flushed = [call.path if call.name in SYNCS else None for call in calls]
     save = flushed.index("host/jukebox.mdb.journal-new")
     named = [(number, *call.path.split(" -> ")) for number, call in enumerate(calls)
@@ -162,6 +166,18 @@ def new_songs_are_durable_before_their_rows(workshop, counts):
         counts.expect(f"flushes of {folder}", 1, flushed.count(folder))
 
 
+def a_song_is_added_with_few_questions(calls, counts):
+    """The second one of an album whose tag names everything, and whose folder is visited twice."""
+    source, target = "disk/New/Birch/Quiet/Lull.mp3", "disk/Music/Birch/Quiet/Lull.mp3"
+    # For its tag, and for the copy.
+    counts.expect("openings of a song to be added", 2,
+                  sum(call.path == source and call.name.startswith("open") for call in calls))
+    # By the listing, and for the journal.
+    counts.expect("looks at a song to be added", 2, looks_at(calls, source))
+    # Whether it is there; where it is to be copied to; whether that is still free.
+    counts.expect("looks at the place of a new song", 3, looks_at(calls, target))
+
+
 def main():
     program, library = (Path(argument).resolve() for argument in sys.argv[1:])
     folder = temporary_folder()
@@ -171,7 +187,9 @@ def main():
         converted = workshop.baseline("pla-to-m3u")
         a_folder_is_copied_with_one_flush(converted, counts)
         converted_lists_are_flushed_together(converted, counts)
-        new_songs_are_durable_before_their_rows(workshop, counts)
+        adding = workshop.baseline("add-files").calls
+        new_songs_are_durable_before_their_rows(adding, counts)
+        a_song_is_added_with_few_questions(adding, counts)
         baseline = workshop.baseline("reconcile")
         a_library_that_has_not_changed_is_not_written_to(workshop, baseline, counts)
         new_music_is_read_once(baseline, counts)

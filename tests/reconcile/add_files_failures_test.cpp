@@ -284,7 +284,7 @@ TEST_F(AddingFailsTest, ForAFolderThatCannotBeListedAlone) {
 }
 
 TEST_F(AddingFailsTest, WhenATableIsMissing) {
-    library.Database().Refuse("OpenTable Spinner");
+    library.Database().Refuse("SELECT ID FROM Spinner WHERE ID=0");
     AddNew("a - x.mp3");
     Add();
     EXPECT_THAT(Log(), ElementsAre("Quillon: AddFilesToLibrary Line 3 refused"));

@@ -141,6 +141,32 @@ TEST_F(AddingTest, WritesATaggedFileOnceThoughItIsVisitedTwice) {
     EXPECT_THAT(library.calls.Of({"CopyFile"}), SizeIs(1));
 }
 
+TEST_F(AddingTest, ReadsAFolderOfTaggedFilesOnce) {
+    AddNew(R"(A\B\f.mp3)", TagOf("Song", "Artist", "Album", 1));
+    AddNew(R"(A\B\g.mp3)", TagOf("Other", "Artist", "Album", 2));
+    Add();
+    EXPECT_THAT(library.calls.Of({"OpenBinary"}), SizeIs(2));
+    EXPECT_THAT(library.calls.Of({"FilesIn"}), SizeIs(3));
+}
+
+/// A name that the tag lacks is another one at the second visit.
+TEST_F(AddingTest, ReadsAFolderTwiceWhereATagLacksAName) {
+    AddNew(R"(A\B\f.mp3)", TagOf("Song", "Artist", "Album", 1));
+    AddNew(R"(A\B\g.mp3)", TagOf("Other", "", "Album", 2));
+    Add();
+    EXPECT_THAT(library.calls.Of({"OpenBinary"}), SizeIs(4));
+    EXPECT_THAT(library.Albums(), ElementsAre("A|Album|1", "Artist|Album|1", "Unknown|Album|1"));
+}
+
+TEST_F(AddingTest, TriesAFileAgainThatCouldNotBeAdded) {
+    AddNew(R"(A\B\f.mp3)", TagOf("Song", "Artist", "Album", 1));
+    library.calls.Refuse(R"(CopyFile D:\New\A\B\f.mp3 -> D:\Music\Artist\Album\Song.mp3)",
+                         FailureNumber::DiskFull, "D:");
+    Add();
+    EXPECT_THAT(library.calls.Of({"CopyFile"}), SizeIs(2));
+    EXPECT_THAT(Log(), SizeIs(2));
+}
+
 TEST_F(AddingTest, AddsNothingTheSecondTime) {
     AddNew(R"(A\B\x - f.mp3)");
     AddNew(R"(A\B\g.mp3)", TagOf("Song", "Artist", "Album", 1));
