@@ -65,19 +65,23 @@ SnapshotWriter& SnapshotWriter::Whole(Number number) {
 }
 
 SnapshotWriter& SnapshotWriter::Text(std::string_view text) {
-    line_ += ' ';
-    while (!text.empty()) {
-        const auto plain =
-            static_cast<std::size_t>(std::ranges::find_if_not(text, IsPlain) - text.begin());
-        line_ += text.substr(0, plain);
-        if (plain == text.size()) break;
-        // A formatting call would cost more than all else of a line.
-        constexpr std::string_view Digits = "0123456789ABCDEF";
-        const auto byte = static_cast<unsigned char>(text[plain]);
-        const std::array<char, 3> escaped{Escape, Digits[byte / 16U], Digits[byte % 16U]};
-        line_.append(escaped.begin(), escaped.end());
-        text.remove_prefix(plain + 1);
+    constexpr std::string_view Digits = "0123456789ABCDEF";
+    constexpr std::size_t Escaped = 3;
+    // Room for the most that it can become, so that each character is just put down.
+    std::size_t end = line_.size();
+    line_.resize(end + 1 + Escaped * text.size());
+    line_[end++] = ' ';
+    for (const char character : text) {
+        if (IsPlain(character)) {
+            line_[end++] = character;
+            continue;
+        }
+        const auto byte = static_cast<unsigned char>(character);
+        line_[end++] = Escape;
+        line_[end++] = Digits[byte / 16U];
+        line_[end++] = Digits[byte % 16U];
     }
+    line_.resize(end);
     return *this;
 }
 
@@ -88,7 +92,9 @@ void SnapshotWriter::Close() {
 }
 
 void SnapshotWriter::EndLine() {
-    file_->WriteLine(line_);
+    // All of it is ASCII.
+    line_ += "\r\n";
+    file_->WriteBytes(line_);
 }
 
 std::string_view SnapshotLine::Word() {

@@ -1,11 +1,12 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
+#include <vector>
 
 #include "platform/content_hash.h"
 #include "platform/files.h"
@@ -48,24 +49,48 @@ class KnownTags {
     void SaveKept();
 
   private:
-    struct Entry {
+    /// What is known of a file.
+    struct Row {
+        std::uint64_t key = 0;  ///< the hash of its path
         std::uint64_t size = 0;
         std::int64_t time = 0;     ///< last modified, in seconds
         std::int64_t changed = 0;  ///< as `FileEntry` has it
-        std::string texts;
-        std::optional<std::uint8_t> genreNumber;
+        std::size_t textsAt = 0;   ///< in `texts_`
+        std::uint32_t textsSize = 0;
+        std::optional<std::uint8_t> genreNumber = {};
         EmbeddedArt art = EmbeddedArt::Unknown;
         bool isKept = false;
+    };
+    /// Where to find a row; most others are told apart without a look at theirs.
+    struct Slot {
+        std::uint32_t check = 0;  ///< the upper half of its key
+        std::uint32_t row = 0;    ///< its place, counted from 1; 0: none
     };
 
     enum class IsKept { No };
     KnownTags(Run& run, IsKept) : run_(run), isKept_(false) {}
     std::string Path() const;
     std::uint64_t KeyOf(std::string_view path);
+    Slot& SlotOf(std::uint64_t key);
+    /// Null where there is none.
+    Row* FindRow(std::uint64_t key);
+    /// A new one where there is none; valid until the next one is made.
+    Row& RowFor(std::uint64_t key);
+    void Index();
+    /// Makes the row of this place, counted from 1, one that is found.
+    void Enter(std::size_t place);
+    void SetTexts(Row& row, std::string_view texts);
+    std::string_view TextsOf(const Row& row) const {
+        return std::string_view(texts_).substr(row.textsAt, row.textsSize);
+    }
 
     Run& run_;
     bool isKept_ = true;
-    std::unordered_map<std::uint64_t, Entry> entries_;  ///< by the hash of the path
+    // Memory that is filled from its beginning to its end: the rows are found, and at last written,
+    // in the order in which they came.
+    std::vector<Row> rows_;
+    std::string texts_;        ///< those of all rows, one behind the other
+    std::vector<Slot> slots_;  ///< as many as a power of two, or none; at most half of them used
     bool isChanged_ = false;
     // What is not known of a file is set right after it was looked for.
     std::string lastPath_;
