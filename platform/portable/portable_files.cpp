@@ -137,16 +137,15 @@ FolderNames PortableFiles::NamesIn(std::string_view folder) try {
 
 FileEntry PortableFiles::GetFile(std::string_view path) {
     const WindowsPath parsed = ParseWindowsPath(path);
-    // Most paths are as they are written: one look is enough then.
-    std::string local = resolver_.Exact(parsed);
-    std::optional<FileFacts> facts = FactsOf(local);
+    const LocalPlace place = resolver_.Locate(parsed);
+    std::optional<FileFacts> facts = place.facts;
     if (!facts) {
-        local = resolver_.Local(parsed);
-        facts = FactsOf(local);
+        facts = place.isFree ? std::nullopt : FactsOf(place.path);
+        const int error = place.isFree ? ENOENT : errno;
+        if (!facts) throw SystemFailure(error, parsed.Text(), FailureNumber::FileNotFound);
     }
-    if (!facts) throw SystemFailure(errno, parsed.Text(), FailureNumber::FileNotFound);
     if (!facts->IsFile()) throw Failure(FailureNumber::FileNotFound, parsed.Text());
-    const std::string name = NameOnDisk(local);
+    const std::string name = NameOnDisk(place.path);
     return lister_.MakeFileEntry(FolderAndName(parsed).first.Child(name), name, *facts);
 }
 

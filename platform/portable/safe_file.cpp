@@ -7,37 +7,24 @@
 #include "platform/portable/system_failure.h"
 
 namespace quillon {
-namespace {
-
-/// The file that a path leads to through symbolic links; a link that leads nowhere is replaced.
-std::string BehindLinks(const std::string& path) {
-    const std::optional<FileFacts> facts = FactsOfLink(path);
-    if (!facts || facts->kind != LocalKind::Link) return path;
-    return RealPath(path).value_or(path);
-}
-
-}  // namespace
 
 SafeFile::SafeFile(const std::string& target, std::string_view shownPath, Existing existing,
                    std::uint32_t rights, unsigned number)
-    : target_(existing == Existing::Replace ? BehindLinks(target) : target),
+    : target_(target),
       shownPath_(shownPath),
       existing_(existing),
       draft_(Create(rights, number)) {}
 
-/// Refuses what must not be replaced.
-void SafeFile::RefuseOthers() const {
-    const std::optional<FileFacts> facts = FactsOfLink(target_);
-    if (!facts) return;
-    if (existing_ == Existing::Refuse) throw SystemFailure(EEXIST, shownPath_);
-    if (existing_ == Existing::ReplaceOwn && facts->kind == LocalKind::Link)
-        throw NoFileFailure(facts->kind, shownPath_);
-}
-
-TemporaryEntry SafeFile::Create(std::uint32_t rights, unsigned number) const {
-    RefuseOthers();
-    std::optional<FileFacts> old;
-    if (existing_ != Existing::Refuse) old = FactsOf(target_);
+/// Finds out what is to be replaced, and refuses what must not be.
+TemporaryEntry SafeFile::Create(std::uint32_t rights, unsigned number) {
+    std::optional<FileFacts> old = FactsOfLink(target_);
+    if (old && existing_ == Existing::Refuse) throw SystemFailure(EEXIST, shownPath_);
+    if (old && old->kind == LocalKind::Link) {
+        if (existing_ == Existing::ReplaceOwn) throw NoFileFailure(old->kind, shownPath_);
+        // A link that leads nowhere is replaced itself.
+        target_ = RealPath(target_).value_or(target_);
+        old = FactsOf(target_);
+    }
     if (old && !old->IsFile()) throw NoFileFailure(old->kind, shownPath_);
     if (old && !MayWrite(target_)) throw SystemFailure(errno, shownPath_);
     TemporaryEntry draft = MakeTemporaryFile(FolderOf(target_), shownPath_, rights, number);

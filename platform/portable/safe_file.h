@@ -60,8 +60,7 @@ class SafeFile {
     std::string Folder() const;
 
   private:
-    TemporaryEntry Create(std::uint32_t rights, unsigned number) const;
-    void RefuseOthers() const;
+    TemporaryEntry Create(std::uint32_t rights, unsigned number);
 
     std::string target_;
     std::string shownPath_;

@@ -111,6 +111,11 @@ def new_lists_are_flushed_together(baseline, counts):
     flushes = sum(count for place, count in syncs_by_place(baseline.calls).items()
                   if place.startswith("host/Playlists"))
     counts.expect("new lists are many", True, new > 4)
+    # Whether it is as it is to be already; for the journal; where it is to be written to; whether that
+    # may be replaced.
+    counts.expect("looks at the place of a new list", {4}, {
+        looks_at(baseline.calls, f"host/Playlists/{name}")
+        for name in written if name not in PEOPLES_LISTS})
     # At the start of the run, for the sizes of what is copied, for the copy, for what it captures, for
     # the names and before it deletes.
     listings = sum(call.name == "closedir" and call.path == "host/Playlists"
