@@ -36,7 +36,8 @@ struct Suspect {
 struct KilledRun {
     std::string stamp;
     std::vector<FileChange> writes;  ///< as far as they have not failed
-    std::uint64_t last = 0;          ///< number of its last change of a file
+    /// Number of the first of its last changes of files, which were recorded together.
+    std::uint64_t last = 0;
 };
 
 KilledRun ReadKilledRun(const fs::path& journal, const Suspect& suspect) {
@@ -47,7 +48,7 @@ KilledRun ReadKilledRun(const fs::path& journal, const Suspect& suspect) {
             failed.insert(failure->number);
         const auto* const change = std::get_if<FileChange>(&record);
         if (change == nullptr) return;
-        run.last = change->number;
+        run.last = FirstOfGroup(*change);
         if (change->kind == FileChange::Kind::EndWritten ||
             change->kind == FileChange::Kind::PieceReplaced)
             run.writes.push_back(*change);
@@ -144,7 +145,7 @@ class Repair {
                 if (away_.Has(write->path)) {
                     away.push_back(write->path);
                     left_.push_back({run.stamp, write->number});
-                } else if (PutRight(*write, write->number == run.last)) {
+                } else if (PutRight(*write, write->number >= run.last)) {
                     note_(LogKind::Information,
                           write->path + ": what an interrupted run was writing is put right");
                 }

@@ -5,6 +5,10 @@
 
 namespace quillon {
 
+std::uint64_t FirstOfGroup(const FileChange& change) {
+    return change.group == 0 ? change.number : change.group;
+}
+
 bool IsOfDatedCopy(const FileChange& change) {
     const bool makes =
         change.kind == FileChange::Kind::Copied || change.kind == FileChange::Kind::FolderCopied;

@@ -117,8 +117,15 @@ struct FileChange {
     /// In an undo: the change that this one takes back, as the stamp of its run, "#" and its
     /// number. Else "".
     std::string takesBack = {};
+    /// The number of the first of the changes that were recorded together, before any of them
+    /// happened; 0 where this one was recorded alone.
+    std::uint64_t group = 0;
     bool operator==(const FileChange&) const = default;
 };
+
+/// The number of the first change that may not have happened where this one is the last record of a
+/// run that was cut off.
+std::uint64_t FirstOfGroup(const FileChange& change);
 
 /// Whether it is about a backup: those are no part of what a run does to a library.
 bool IsOfDatedCopy(const FileChange& change);

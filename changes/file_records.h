@@ -13,8 +13,11 @@ namespace quillon {
 /// Records a run's file changes, each with its number.
 class FileRecords {
   public:
-    /// The sink must outlive this object.
-    explicit FileRecords(ChangeSink& sink) : sink_(sink) {}
+    /// The sink must outlive this object. `last` is the number of the change before the first.
+    explicit FileRecords(ChangeSink& sink, std::uint64_t last = 0) : sink_(sink), last_(last) {}
+
+    /// The number of the last change; that of the next one is higher by one.
+    std::uint64_t Last() const { return last_; }
 
     /// The change may happen when this returns; its number. Failure: it must not.
     std::uint64_t Plan(FileChange change) {
@@ -50,7 +53,7 @@ class FileRecords {
 
   private:
     ChangeSink& sink_;
-    std::uint64_t last_ = 0;
+    std::uint64_t last_;
 };
 
 }  // namespace quillon

@@ -74,7 +74,8 @@ std::optional<FileContent> JournalledFiles::ContentOf(std::string_view path) {
 }
 
 JournalledFiles::Place JournalledFiles::NewPlace(std::string_view path) {
-    const std::string number = std::to_string(++lastPlace_);
+    const std::string number = std::to_string(records_.Last() + 1);
+    hasKept_ = true;
     const std::string folder = keeping_.folder + '\\' + number;
     const std::string parent = keeping_.folder.substr(0, keeping_.folder.rfind('\\'));
     for (const std::string& needed : {parent, keeping_.folder, folder})

@@ -40,12 +40,13 @@ class JournalledFiles : public Files {
     /// Content up to this size goes into the record.
     static constexpr std::uint64_t MostInRecord = std::uint64_t{1} << 20U;
 
-    /// `files` and `sink` must outlive this object, and this object what it opens.
-    JournalledFiles(Files& files, ChangeSink& sink, Keeping keeping)
-        : files_(files), records_(sink), keeping_(std::move(keeping)) {}
+    /// `files` and `sink` must outlive this object, and this object what it opens. `last` is the
+    /// number of the change before its first.
+    JournalledFiles(Files& files, ChangeSink& sink, Keeping keeping, std::uint64_t last = 0)
+        : files_(files), records_(sink, last), keeping_(std::move(keeping)) {}
 
     /// Whether something lies in the folder of `Keeping` now.
-    bool HasKept() const { return lastPlace_ > 0; }
+    bool HasKept() const { return hasKept_; }
 
     bool FolderExists(std::string_view path) override { return files_.FolderExists(path); }
     bool FileExists(std::string_view path) override { return files_.FileExists(path); }
@@ -93,7 +94,8 @@ class JournalledFiles : public Files {
                       std::span<const std::uint8_t> bytes) override;
 
   private:
-    /// A place in the folder of `Keeping`: its Windows path, and as records name it.
+    /// A place in the folder of `Keeping`: its Windows path, and as records name it. Its number is
+    /// that of the change that it is for.
     struct Place {
         std::string path, shown;
     };
@@ -118,7 +120,7 @@ class JournalledFiles : public Files {
     Files& files_;
     FileRecords records_;
     Keeping keeping_;
-    std::size_t lastPlace_ = 0;
+    bool hasKept_ = false;
     std::set<std::string, std::less<>> madeFolders_;  ///< by the run; in small letters
 };
 

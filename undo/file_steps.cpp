@@ -33,50 +33,25 @@ bool IsHeld(const FileChange& change, const StepOptions& options) {
 
 void MarkLinked(std::vector<FileStep>& steps) {
     std::unordered_map<std::string, std::size_t> uses;
-    const auto names = [](const FileChange& change) {
-        std::vector<std::string> both{LowerCase(change.path)};
-        // Only what is moved takes its content along.
-        const bool isMove = change.kind == Kind::Moved || change.kind == Kind::FolderMoved;
-        if (isMove && !EqualIgnoringCase(change.path, change.target))
-            both.push_back(LowerCase(change.target));
-        if (change.kind == Kind::Copied) both.front() = LowerCase(change.target);
-        return both;
-    };
     for (const FileStep& step : steps)
-        for (std::string& name : names(step.change))
+        for (std::string& name : NamesOf(step.change))
             ++uses[std::move(name)];
     for (FileStep& step : steps)
         step.isLinked = std::ranges::any_of(
-            names(step.change), [&](const std::string& name) { return uses[name] > 1; });
+            NamesOf(step.change), [&](const std::string& name) { return uses[name] > 1; });
 }
 
-/// Folders whose content before a run has not been kept: what the run has put in its place stays,
-/// since there would be nothing otherwise.
-class FoldersThatStay {
-  public:
-    void NoteRefused(const FileChange& change) {
-        if (change.kind == Kind::FolderDeleted) movedAside_.insert(LowerCase(change.path));
-    }
-    bool Has(const FileChange& change) {
-        const std::string path = LowerCase(change.path), target = LowerCase(change.target);
-        if (change.kind != Kind::FolderMoved)
-            return IsBelow(path) || (!target.empty() && IsBelow(target));
-        // The last of the steps about it, which are taken back from the last to the first.
-        if (movedAside_.erase(target) > 0) return true;
-        if (!movedAside_.empty()) newOnes_.insert(path);
-        return !movedAside_.empty();
-    }
-
-  private:
-    bool IsBelow(const std::string& path) const {
-        return std::ranges::any_of(newOnes_, [&](const std::string& folder) {
-            return path == folder || path.starts_with(folder + '\\');
-        });
-    }
-    std::unordered_set<std::string> movedAside_, newOnes_;  ///< in small letters
-};
-
 }  // namespace
+
+std::vector<std::string> NamesOf(const FileChange& change) {
+    std::vector<std::string> names{LowerCase(change.path)};
+    // Only what is moved takes its content along.
+    const bool isMove = change.kind == Kind::Moved || change.kind == Kind::FolderMoved;
+    if (isMove && !EqualIgnoringCase(change.path, change.target))
+        names.push_back(LowerCase(change.target));
+    if (change.kind == Kind::Copied) names.front() = LowerCase(change.target);
+    return names;
+}
 
 std::vector<FileStep> FileStepsFor(std::span<const RecordedRun> runs, const TakenChanges& taken) {
     std::vector<FileStep> steps;
@@ -100,23 +75,31 @@ std::vector<FileStep> FileStepsFor(std::span<const RecordedRun> runs, const Take
     return steps;
 }
 
+bool StepTaker::MayTakeBack(FileStep& step) {
+    if (options_.beginning) options_.beginning(step);
+    if (IsHeld(step.change, options_)) {
+        step.outcome =
+            Outcome::Refusal(PlaceNow(step.change) + ": its row in the database was changed since");
+    } else if (folders_.Has(step.change)) {
+        step.outcome = Outcome::Refusal("the folder stays, with all that the run has made in it");
+    } else {
+        return true;
+    }
+    folders_.NoteRefused(step.change);
+    return false;
+}
+
+void StepTaker::TakeBack(FileStep& step, FileUndo& undo) {
+    const std::string failure = attempt_([&] { step.outcome = undo.TakeBack(step.change); });
+    if (!failure.empty()) step.outcome = Outcome::Refusal(failure);
+    if (step.outcome.state == Outcome::State::Refused) folders_.NoteRefused(step.change);
+}
+
 void CarryOut(std::span<FileStep> steps, FileUndo& undo, const Attempt& attempt,
               const StepOptions& options) {
-    FoldersThatStay folders;
-    for (FileStep& step : steps) {
-        if (options.beginning) options.beginning(step);
-        if (IsHeld(step.change, options)) {
-            step.outcome = Outcome::Refusal(PlaceNow(step.change) +
-                                            ": its row in the database was changed since");
-        } else if (folders.Has(step.change)) {
-            step.outcome =
-                Outcome::Refusal("the folder stays, with all that the run has made in it");
-        } else {
-            const std::string failure = attempt([&] { step.outcome = undo.TakeBack(step.change); });
-            if (!failure.empty()) step.outcome = Outcome::Refusal(failure);
-        }
-        if (step.outcome.state == Outcome::State::Refused) folders.NoteRefused(step.change);
-    }
+    StepTaker taker(attempt, options);
+    for (FileStep& step : steps)
+        if (taker.MayTakeBack(step)) taker.TakeBack(step, undo);
 }
 
 FilesThatStay::FilesThatStay(std::span<const FileStep> steps) {

@@ -9,6 +9,7 @@
 
 #include "changes/change.h"
 #include "undo/file_undo.h"
+#include "undo/folders_that_stay.h"
 #include "undo/history.h"
 #include "undo/outcome.h"
 
@@ -28,6 +29,9 @@ struct FileStep {
 /// did not come off, what is known to have been taken back, and dated copies, which stay.
 std::vector<FileStep> FileStepsFor(std::span<const RecordedRun> runs, const TakenChanges& taken);
 
+/// The names of which the change decides what they mean, in small letters.
+std::vector<std::string> NamesOf(const FileChange& change);
+
 struct StepOptions {
     /// Told of a step before it.
     std::function<void(const FileStep& step)> beginning = {};
@@ -36,7 +40,25 @@ struct StepOptions {
     std::function<bool(const std::string& path)> isHeld = {};
 };
 
-/// Takes each back. The steps' outcomes tell of each.
+/// Takes steps back one by one, in their order; their outcomes tell of each.
+class StepTaker {
+  public:
+    /// What is given must outlive this object.
+    StepTaker(const Attempt& attempt, const StepOptions& options)
+        : attempt_(attempt), options_(options) {}
+
+    /// Whether nothing that stays holds the next step back. Else its outcome says what.
+    bool MayTakeBack(FileStep& step);
+    /// Tries it by means of `undo`.
+    void TakeBack(FileStep& step, FileUndo& undo);
+
+  private:
+    const Attempt& attempt_;
+    const StepOptions& options_;
+    FoldersThatStay folders_;
+};
+
+/// Takes all of them back.
 void CarryOut(std::span<FileStep> steps, FileUndo& undo, const Attempt& attempt,
               const StepOptions& options);
 

@@ -19,16 +19,22 @@ std::unordered_set<std::uint64_t> FailedChanges(const std::vector<ChangeRecord>&
     return failed;
 }
 
-/// What the last change of an undo takes back: where the undo was cut off, that may be half done.
-std::string LastTaken(const std::vector<ChangeRecord>& records) {
-    for (std::size_t i = records.size(); i-- > 0;)
-        if (const auto* const change = std::get_if<FileChange>(&records[i]))
-            return change->takesBack;
-    return "";
+/// What the last changes of an undo take back: where the undo was cut off, these may be half done.
+ChangeNames LastTaken(const std::vector<ChangeRecord>& records) {
+    ChangeNames taken;
+    std::uint64_t first = 0;
+    for (std::size_t i = records.size(); i-- > 0;) {
+        const auto* const change = std::get_if<FileChange>(&records[i]);
+        if (change == nullptr) continue;
+        if (first == 0) first = FirstOfGroup(*change);
+        if (change->number < first) break;
+        taken.insert(change->takesBack);
+    }
+    return taken;
 }
 
 /// How far undos have come with the changes of each run, which are taken back from the last to the
-/// first.
+/// first, and those of the newest run before all others.
 class Reached {
   public:
     void Note(const std::string& name) {
@@ -39,8 +45,10 @@ class Reached {
     /// Whether one of them has gone on behind this change, and so has settled it.
     bool IsBeyond(const std::string& name) const {
         const auto [run, number] = PartsOf(name);
-        const auto known = furthest_.find(run);
-        return known != furthest_.end() && known->second < number;
+        return std::ranges::any_of(furthest_, [&, &run = run, &number = number](const auto& known) {
+            const int age = CompareStamps(known.first, run);
+            return age < 0 || (age == 0 && known.second < number);
+        });
     }
 
   private:
@@ -185,14 +193,14 @@ TakenChanges TakenBack(std::span<const RecordedRun> undos) {
     Reached reached;
     for (const RecordedRun& undo : undos) {
         const auto failed = FailedChanges(undo.records);
-        const std::string cutOff = undo.isWhole ? "" : LastTaken(undo.records);
-        const bool isOpen = !cutOff.empty() && !reached.IsBeyond(cutOff);
+        ChangeNames open = undo.isWhole ? ChangeNames() : LastTaken(undo.records);
+        std::erase_if(open, [&](const std::string& name) { return reached.IsBeyond(name); });
         for (std::size_t i = undo.records.size(); i-- > 0;) {
             const auto* const change = std::get_if<FileChange>(&undo.records[i]);
             if (change == nullptr || change->takesBack.empty()) continue;
             const std::string name = ChangeName(undo.stamp, change->number);
             const std::string& back = change->takesBack;
-            if (isOpen && back == cutOff) unsure.insert(back);
+            if (open.contains(back)) unsure.insert(back);
             if (unsure.contains(name)) unsure.insert(back);
             reached.Note(back);
             // What a later undo has taken back is not taken back any more.

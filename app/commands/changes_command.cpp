@@ -5,6 +5,9 @@
 #include <fmt/format.h>
 #include <optional>
 #include <ostream>
+#include <unordered_set>
+#include <utility>
+#include <vector>
 
 #include "app/journal/change_text.h"
 #include "app/journal/journal_file.h"
@@ -74,8 +77,8 @@ void List(std::ostream& out, const History& history) {
     if (history.Runs().empty()) out << "There has been no run yet.\n";
 }
 
-/// Whether the disk still is as it was before the last change of a file. What cannot be told has
-/// perhaps been done.
+/// Whether the disk still is as it was before a change of a file. What cannot be told has perhaps
+/// been done.
 bool IsUndone(LocalHost& local, const FileChange& change) {
     PreviewFiles preview(local.files, local.clock);
     FileUndo undo(preview, local.host.GetAppPath());
@@ -87,30 +90,37 @@ bool IsUndone(LocalHost& local, const FileChange& change) {
 }
 
 /// What a run had planned and not done when it was killed, by the places of its records: rows that
-/// were not saved, and the last file where nothing has been noted behind it.
+/// were not saved, and of the last files, which were recorded together, those that are as they were
+/// where nothing of rows has been noted behind them.
 struct PlannedOnly {
-    std::size_t rowsFrom = SIZE_MAX, file = SIZE_MAX;
+    std::size_t rowsFrom = SIZE_MAX;
+    std::unordered_set<std::size_t> files = {};
 
     bool Has(std::size_t place, const ChangeRecord& record) const {
         const bool isOfRows = std::holds_alternative<RowChange>(record) ||
                               std::holds_alternative<DateReplaced>(record);
-        return place == file || (place >= rowsFrom && isOfRows);
+        return files.contains(place) || (place >= rowsFrom && isOfRows);
     }
 };
 
 PlannedOnly PlannedIn(LocalHost& local, const std::filesystem::path& journal) {
     PlannedOnly planned{.rowsFrom = 0};
     std::size_t count = 0;
-    std::optional<FileChange> last;
-    const bool isWhole = VisitJournal(journal, [&](ChangeRecord&& record) {
-                             ++count;
-                             if (std::holds_alternative<RowsSaved>(record))
-                                 planned.rowsFrom = count;
-                             const auto* const file = std::get_if<FileChange>(&record);
-                             last = file == nullptr ? std::nullopt : std::optional(*file);
-                         }).isWhole;
-    if (isWhole) return {};
-    if (last && IsUndone(local, *last)) planned.file = count - 1;
+    /// By their places.
+    std::vector<std::pair<std::size_t, FileChange>> last;
+    const auto visit = [&](ChangeRecord&& record) {
+        const std::size_t place = count++;
+        if (std::holds_alternative<RowsSaved>(record)) planned.rowsFrom = count;
+        if (const auto* const file = std::get_if<FileChange>(&record)) {
+            if (!last.empty() && FirstOfGroup(*file) > last.back().second.number) last.clear();
+            last.emplace_back(place, *file);
+        } else if (!std::holds_alternative<FileChangeFailed>(record)) {
+            last.clear();
+        }
+    };
+    if (VisitJournal(journal, visit).isWhole) return {};
+    for (const auto& [place, change] : last)
+        if (IsUndone(local, change)) planned.files.insert(place);
     return planned;
 }
 

@@ -92,16 +92,6 @@ bool IsOfFiles(const ChangeRecord& record) {
 
 }  // namespace
 
-void UndoSink::Note(const ChangeRecord& record) {
-    if (sink_ == nullptr) return;
-    const auto* const change = std::get_if<FileChange>(&record);
-    if (change == nullptr) return sink_->Note(record);
-    FileChange named = *change;
-    named.takesBack = takesBack_;
-    sink_->Note(named);
-    if (isLinked_) sink_->MakeDurable();
-}
-
 UndoWork::UndoWork(LocalHost& local, std::string_view stamp) : local_(local), stamp_(stamp) {
     // Before the journals are read, so that no run writes one meanwhile.
     OpenDatabase();
@@ -233,7 +223,14 @@ UndoWork::Result UndoWork::Plan() {
     ChangeCollector collector;
     sink_.PassTo(&collector);
     PreviewFiles preview(local_.files, local_.clock);
-    PutFilesBack(preview, "undo", FailureIn, result.refused);
+    PutFilesBack(
+        preview, "undo",
+        [&](const UndoMeans& means, const StepOptions& options) {
+            JournalledFiles files(means.files, means.journal, means.keeping);
+            FileUndo undo(files, means.hostFolder, means.writes);
+            quillon::CarryOut(steps_, undo, FailureIn, options);
+        },
+        result.refused);
     if (rowUndo_) {
         HoldRowsBack();
         for (const RowUndo::Step& step : rowUndo_->Steps())
@@ -287,7 +284,12 @@ UndoWork::Ended UndoWork::CarryOut() {
         return failure;
     };
     try {
-        PutFilesBack(local_.files, journal.Stamp(), attempt, ended.refused);
+        PutFilesBack(
+            local_.files, journal.Stamp(),
+            [&](const UndoMeans& means, const StepOptions& options) {
+                CarryOutAnnounced(steps_, means, attempt, options);
+            },
+            ended.refused);
         PutRowsBack(attempt, ended.refused);
         rowUndo_.reset();
         connection_.reset();
@@ -315,39 +317,36 @@ bool UndoWork::GoesToRemoved(std::string_view path) const {
            !LowerCase(path).starts_with(LowerCase(local_.host.GetAppPath() + R"(\HTML\)"));
 }
 
-void UndoWork::PutFilesBack(Files& files, const std::string& keeping, const Attempt& attempt,
+void UndoWork::PutFilesBack(Files& files, const std::string& keeping, const StepWork& carryOut,
                             std::vector<std::string>& refused) {
     RemovedFiles removed(RemovedMusicFolder(local_.host), local_.clock);
-    JournalledFiles journalled(
-        files, sink_,
-        {.folder = local_.host.GetAppPath() + R"(\Changes\)" + keeping,
-         .shownFolder = "Changes/" + keeping,
-         .placeOfDeleted = [&](std::string_view path) -> std::optional<std::string> {
-             if (!GoesToRemoved(path)) return std::nullopt;
-             return removed.PlaceFor(local_.files.AsOnDisk(path))
-                 .lexically_relative(local_.host.Folder())
-                 .generic_string();
-         },
-         .isScratch = {},
-         .exactTimeOf = [&](std::string_view path) { return local_.files.ExactTimeOf(path); }});
+    JournalledFiles::Keeping kept{
+        .folder = local_.host.GetAppPath() + R"(\Changes\)" + keeping,
+        .shownFolder = "Changes/" + keeping,
+        .placeOfDeleted = [&](std::string_view path) -> std::optional<std::string> {
+            if (!GoesToRemoved(path)) return std::nullopt;
+            return removed.PlaceFor(local_.files.AsOnDisk(path))
+                .lexically_relative(local_.host.Folder())
+                .generic_string();
+        },
+        .isScratch = {},
+        .exactTimeOf = [&](std::string_view path) { return local_.files.ExactTimeOf(path); }};
     local_.files.OnDelete([&](const std::string& local, const WindowsPath& shown) {
         if (!GoesToRemoved(shown.Text())) return false;
         removed.Take(local, shown);
         return true;
     });
-    FileUndo undo(journalled, local_.host.GetAppPath(), writes_);
     for (FileStep& step : steps_)
         step.outcome = {};
-    quillon::CarryOut(
-        steps_, undo, attempt,
-        {.beginning =
-             [&](const FileStep& step) {
-                 // Who goes on after a power cut trusts the journal that it has happened.
-                 if (step_ != nullptr && step_->isLinked) local_.files.SyncChanges();
-                 step_ = &step;
-                 sink_.Begin(step);
-             },
-         .isHeld = [&](const std::string& path) { return heldPaths_.contains(path); }});
+    carryOut({.files = files,
+              .clock = local_.clock,
+              .journal = sink_,
+              .keeping = std::move(kept),
+              .hostFolder = local_.host.GetAppPath(),
+              .writes = writes_,
+              .sync = [&] { local_.files.SyncChanges(); }},
+             {.beginning = [&](const FileStep& step) { step_ = &step; },
+              .isHeld = [&](const std::string& path) { return heldPaths_.contains(path); }});
     step_ = nullptr;
     local_.files.OnDelete({});
     refused = damaged_;

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -14,6 +15,7 @@
 #include "app/journal/row_names.h"
 #include "app/journal/row_recorder.h"
 #include "app/local_host.h"
+#include "undo/announced_steps.h"
 #include "undo/file_steps.h"
 #include "undo/file_undo.h"
 #include "undo/history.h"
@@ -22,26 +24,21 @@
 
 namespace quillon {
 
-/// Passes records on, once there is somewhere to pass them to, and names in those of files the
-/// change that is being taken back. Where a power cut must not take a record, it is made durable.
+/// Passes records on, once there is somewhere to pass them to.
 class UndoSink : public ChangeSink {
   public:
     /// The sink must outlive this object; null: records are dropped.
     void PassTo(ChangeSink* sink) { sink_ = sink; }
-    void Begin(const FileStep& step) {
-        takesBack_ = step.name;
-        isLinked_ = step.isLinked;
-    }
 
-    void Note(const ChangeRecord& record) override;
+    void Note(const ChangeRecord& record) override {
+        if (sink_ != nullptr) sink_->Note(record);
+    }
     void MakeDurable() override {
         if (sink_ != nullptr) sink_->MakeDurable();
     }
 
   private:
     ChangeSink* sink_ = nullptr;
-    std::string takesBack_;
-    bool isLinked_ = false;
 };
 
 /// Takes runs of a host folder back. The library's database is held from the beginning to the end,
@@ -87,8 +84,10 @@ class UndoWork {
     void ReadJournals(const std::vector<std::filesystem::path>& journals, const History& history);
     void OpenDatabase();
     void LookAtRows();
-    /// `keeping` is the folder below Changes for content that has no room in the journal.
-    void PutFilesBack(Files& files, const std::string& keeping, const Attempt& attempt,
+    /// Takes files back by means of `carryOut`. `keeping` is the folder below Changes for content
+    /// that has no room in the journal.
+    using StepWork = std::function<void(const UndoMeans& means, const StepOptions& options)>;
+    void PutFilesBack(Files& files, const std::string& keeping, const StepWork& carryOut,
                       std::vector<std::string>& refused);
     void PutRowsBack(const Attempt& attempt, std::vector<std::string>& refused);
     void HoldRowsBack();

@@ -128,12 +128,17 @@ JournalFile::~JournalFile() {
 }
 
 void JournalFile::Note(const ChangeRecord& record) {
+    // Without its end a journal says that one has to look.
+    if (lacksFailure_ && std::holds_alternative<RunEnded>(record)) return;
     const bool isPlan = IsPlan(record);
     if (isPlan) RequireNoTrouble();
     Append(record);
     if (MayWait(record) && buffer_.size() < LargestBuffer) return;
     if (isPlan) MakeRoom();
+    const bool wasLacking = lacksFailure_;
+    lacksFailure_ = wasLacking || std::holds_alternative<FileChangeFailed>(record);
     Write();
+    lacksFailure_ = wasLacking;
 }
 
 void JournalFile::Append(const ChangeRecord& record) {

@@ -69,6 +69,7 @@ class JournalFile : public ChangeSink {
     std::uint64_t writesLeft_ = 0;
     bool isDurable_ = true;         ///< whether all that is in the file survives a power cut
     bool isFolderDurable_ = false;  ///< likewise its name
+    bool lacksFailure_ = false;     ///< whether it tells as done what has not come off
     std::string trouble_;
     Listener listener_;
 };

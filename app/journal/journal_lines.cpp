@@ -114,6 +114,7 @@ class LineWriter {
         if (file.before) ContentMember("before", *file.before);
         if (file.after) ContentMember("after", *file.after);
         TextMember("takesBack", file.takesBack);
+        if (file.group != 0) json_.Member("group", file.group);
         json_.Close();
     }
     void operator()(const FileChangeFailed& failed) {
@@ -298,7 +299,8 @@ FileChange FileChangeOf(const Json& json) {
             .position = json.value("position", std::uint64_t{0}),
             .before = ContentAt(json, "before"),
             .after = ContentAt(json, "after"),
-            .takesBack = TextAt(json, "takesBack")};
+            .takesBack = TextAt(json, "takesBack"),
+            .group = json.value("group", std::uint64_t{0})};
 }
 
 ChangeRecord RecordOf(const Json& json) {

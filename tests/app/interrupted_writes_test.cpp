@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "app/journal/journal_file.h"
@@ -108,6 +109,23 @@ TEST_F(InterruptedWritesTest, TheFileThatWasWrittenLastHasItsTimeBack) {
     EXPECT_EQ(TimeOf(R"(D:\b.mp3)"), OldTime);
     EXPECT_EQ(folder_.Content("b.mp3"), "soundNEW");
     EXPECT_THAT(notes_, ElementsAre(HasSubstr("b.mp3")));
+}
+
+TEST_F(InterruptedWritesTest, FilesThatWereRecordedTogetherHaveTheirTimesBack) {
+    for (const char* const name : {"a.mp3", "b.mp3", "c.mp3"})
+        folder_.MakeFile(name, "soundNEW");
+    const std::int64_t time = TimeOf(R"(D:\a.mp3)");
+    const auto journal = StartedRun();
+    journal->Note(TagWritten(1, R"(D:\a.mp3)"));
+    for (const auto& [number, path] : {std::pair(2U, R"(D:\b.mp3)"), {3U, R"(D:\c.mp3)"}}) {
+        FileChange together = TagWritten(number, path);
+        together.group = 2;
+        journal->Note(together);
+    }
+    PutRight();
+    EXPECT_EQ(TimeOf(R"(D:\a.mp3)"), time);
+    EXPECT_EQ(TimeOf(R"(D:\b.mp3)"), OldTime);
+    EXPECT_EQ(TimeOf(R"(D:\c.mp3)"), OldTime);
 }
 
 TEST_F(InterruptedWritesTest, WhatAnotherProgramHasWrittenSinceStays) {

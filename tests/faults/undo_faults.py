@@ -126,9 +126,7 @@ class Workshop:
             yield "the point was not reached"
         yield from self.aftermath(library, point, status, output + errors)
         told = yield from self.started_again(library, point, status)
-        # A power cut may take what the journal of an undo says of changes that need not wait for it.
-        if point.action != "cut":
-            yield from self.taken_back(library, told or output)
+        yield from self.taken_back(library, told or output)
         if self.given.keep:
             print(f"the library is left in {library.folder}")
         else:

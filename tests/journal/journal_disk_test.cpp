@@ -71,6 +71,17 @@ TEST_F(JournalDiskTest, RefusesForGoodOnceItHasRefused) {
     EXPECT_THROW(journal.Note(Rename()), Failure) << "there is room again, and a gap";
 }
 
+TEST_F(JournalDiskTest, HasNoEndWhereItTellsAsDoneWhatHasNotComeOff) {
+    JournalFile journal(changes_, clock_);
+    journal.Note(Rename());
+    {
+        const FullDisk full(10);
+        EXPECT_THROW(journal.Note(FileChangeFailed{1, "full"}), Failure);
+    }
+    journal.Remark(RunEnded{.outcome = "failed", .status = 1});
+    EXPECT_EQ(Read(journal.Stamp()), std::vector<ChangeRecord>{Rename()});
+}
+
 TEST_F(JournalDiskTest, LeavesNoEmptyFileWhereItCannotEvenStart) {
     const FullDisk full(10);
     {

@@ -20,10 +20,12 @@ class RecordList : public ChangeSink {
     void MakeDurable() override {
         if (full || isDurableRefused) throw Failure(FailureNumber::DiskFull, "journal");
         durable = records.size();
+        ++flushes;
     }
 
     std::vector<ChangeRecord> records;
     std::size_t durable = 0;                          ///< how many of them are
+    std::size_t flushes = 0;                          ///< how often they were made so
     bool full = false;                                ///< nothing can be recorded
     bool isDurableRefused = false;                    ///< records are taken, but not for good
     std::function<void(const ChangeRecord&)> before;  ///< called before a record is taken

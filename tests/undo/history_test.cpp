@@ -198,6 +198,26 @@ TEST(TakenBack, IsSettledWhereALaterUndoHasGoneOn) {
     EXPECT_THAT(TakenBack({{again, killed}}).told, UnorderedElementsAre("1#7", "1#6"));
 }
 
+TEST(TakenBack, IsNotWhatWasRecordedTogetherAndMayNotHaveBegun) {
+    std::vector<ChangeRecord> records{Taking(1, "1#9")};
+    for (const std::uint64_t number : {2U, 3U}) {
+        FileChange together = Taking(number, "1#" + std::to_string(9 - number));
+        together.group = 2;
+        records.emplace_back(together);
+    }
+    const RecordedRun killed{.stamp = "2", .records = records, .isWhole = false};
+    EXPECT_THAT(TakenBack({{killed}}).told, UnorderedElementsAre("1#9"));
+    const RecordedRun again{.stamp = "3", .records = {Taking(1, "1#6")}, .isWhole = false};
+    EXPECT_THAT(TakenBack({{again, killed}}).told, UnorderedElementsAre("1#9", "1#7"));
+}
+
+TEST(TakenBack, IsSettledWhereALaterUndoHasGoneOnWithAnOlderRun) {
+    const RecordedRun killed{.stamp = "3", .records = {Taking(1, "2#1")}, .isWhole = false};
+    const RecordedRun again{
+        .stamp = "4", .records = {Taking(1, "1#5"), Taking(2, "1#4")}, .isWhole = false};
+    EXPECT_THAT(TakenBack({{again, killed}}).told, UnorderedElementsAre("2#1", "1#5"));
+}
+
 TEST(TakenBack, IsNotWhatMayHaveBeenRestored) {
     const RecordedRun undo{.stamp = "2", .records = {Taking(1, "1#7"), Taking(2, "1#6")}};
     const RecordedRun killed{.stamp = "3", .records = {Taking(1, "2#2")}, .isWhole = false};

@@ -24,9 +24,7 @@ TEST(WayBack, IsPlannedWithoutAChange) {
 TEST(WayBack, CanBeTakenBackItself) {
     World world;
     world.Undo("2");
-    RecordedRun undo = world.undos.front();
-    world.undos.clear();
-    world.target = &undo;
+    world.GoBackBefore(world.undos);
     EXPECT_THAT(world.Undo("3"), IsEmpty());
     EXPECT_EQ(world.State(), world.after);
 }
@@ -82,6 +80,43 @@ TEST(WayBack, LooksAtTheDiskAgainAfterAPowerCut) {
         EXPECT_EQ(world.State(), world.before) << calls;
     }
     EXPECT_GT(lost, 10);
+}
+
+/// What the journal does not tell of, nobody takes back.
+TEST(WayBack, CanBeTakenBackItselfWhereverThePowerWasCut) {
+    for (const bool after : {false, true}) {
+        for (int calls = 0; calls < 1000; ++calls) {
+            World world;
+            const bool isCut = !world.Undo("2", calls, after, End::PowerCut).empty();
+            world.GoBackBefore(world.undos);
+            EXPECT_THAT(world.Undo("3"), IsEmpty()) << calls << after;
+            EXPECT_EQ(world.State(), world.after) << calls << after;
+            if (!isCut) break;
+        }
+    }
+}
+
+TEST(WayBack, GoesOnAndCanBeTakenBackWhereverThePowerWasCut) {
+    for (const bool after : {false, true}) {
+        for (int calls = after ? 1 : 0; calls < 1000; calls += 3) {
+            World world;
+            const bool isCut = !world.Undo("2", calls, after, End::PowerCut).empty();
+            // Every other time it is cut off once more.
+            if (calls % 2 == 0) world.Undo("3", calls / 2, !after, End::PowerCut);
+            EXPECT_THAT(world.Undo("4"), IsEmpty()) << calls << after;
+            EXPECT_EQ(world.State(), world.before) << calls << after;
+            world.GoBackBefore(world.undos);
+            EXPECT_THAT(world.Undo("5"), IsEmpty()) << calls << after;
+            EXPECT_EQ(world.State(), world.after) << calls << after;
+            if (!isCut) break;
+        }
+    }
+}
+
+TEST(WayBack, LetsStepsShareAFlushOfTheJournal) {
+    World world;
+    EXPECT_THAT(world.Undo("2"), IsEmpty());
+    EXPECT_LT(world.flushes, world.records / 2);
 }
 
 TEST(WayBack, LeavesAFileWhereItsRowStays) {

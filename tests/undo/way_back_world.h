@@ -17,6 +17,7 @@
 #include "platform/portable/system_clock.h"
 #include "tests/outside/temporary_folder.h"
 #include "tests/support/record_list.h"
+#include "undo/announced_steps.h"
 #include "undo/file_steps.h"
 
 namespace quillon {
@@ -101,16 +102,8 @@ class MortalFiles : public PortableFiles {
     bool after_;
 };
 
-/// Names in the records of an undo what they take back, as its sink does.
-class NamingSink : public RecordList {
-  public:
-    void Note(const ChangeRecord& record) override {
-        ChangeRecord named = record;
-        if (auto* const change = std::get_if<FileChange>(&named)) change->takesBack = name;
-        RecordList::Note(named);
-    }
-    std::string name;
-};
+/// What ends an undo before its end.
+enum class End { Kill, PowerCut };
 
 /// A disk on which a run has done something of each kind. The host folder is D:\host.
 class World {
@@ -143,19 +136,23 @@ class World {
         return state;
     }
 
-    /// An undo of run "1" that ends before or after so many calls; the reasons of refusals. Whether
-    /// it came to its end goes into `history`.
-    Outcomes Undo(const std::string& stamp, int calls = 1000, bool afterCall = false) {
+    /// An undo of `targets` that ends before or after so many calls; the reasons of refusals. Its
+    /// journal, of which a power cut leaves what was durable, goes into `undos`.
+    Outcomes Undo(const std::string& stamp, int calls = 1000, bool afterCall = false,
+                  End end = End::Kill) {
         MortalFiles files(resolver_, calls, afterCall);
-        NamingSink sink;
+        RecordList sink;
+        sink.before = [&](const ChangeRecord&) { ++records; };
         Outcomes refused;
         RecordedRun undo{.stamp = stamp, .records = {}, .isWhole = false};
         try {
-            refused = TakeBack(files, sink);
+            refused = TakeBack(files, sink, stamp);
             undo.isWhole = true;
         } catch (const Killed&) {
             refused = {"killed"};
+            if (end == End::PowerCut) sink.records.resize(sink.durable);
         }
+        flushes = sink.flushes;
         undo.records = sink.records;
         undos.insert(undos.begin(), undo);
         return refused;
@@ -171,17 +168,24 @@ class World {
     void RemoveKept() const { std::filesystem::remove_all(folder_ / "host/Changes"); }
 
     Outcomes Plan() {
-        NamingSink sink;
+        RecordList sink;
         PortableFiles files(resolver_, [](LogKind, const std::string&) {});
         PreviewFiles preview(files, clock_);
-        return TakeBack(preview, sink);
+        return TakeBack(preview, sink, "2");
+    }
+
+    /// From now on undos take these back, the newest first.
+    void GoBackBefore(std::vector<RecordedRun> runs) {
+        undos.clear();
+        targets = std::move(runs);
     }
 
     std::map<std::string, std::string> before, after;
-    RecordedRun run{.stamp = "1", .records = {}, .isWhole = true};
-    std::vector<RecordedRun> undos;  ///< the newest first
-    std::set<std::string> held;      ///< paths of files whose rows stay
-    RecordedRun* target = &run;
+    std::vector<RecordedRun> undos;    ///< the newest first
+    std::vector<RecordedRun> targets;  ///< likewise: what an undo takes back
+    std::set<std::string> held;        ///< paths of files whose rows stay
+    std::size_t records = 0;           ///< of all undos
+    std::size_t flushes = 0;           ///< of the last undo's journal
 
   private:
     static constexpr std::array<std::pair<const char*, const char*>, 13> Pairs{
@@ -279,15 +283,12 @@ class World {
         files.DeleteFolder(R"(D:\host\HTML\Picker.old)");
         files.CreateFolder(R"(D:\Music\Nothing)");
         files.Discard(R"(D:\Music\Nothing)");
-        run.records = list.records;
+        targets = {{.stamp = "1", .records = list.records, .isWhole = true}};
     }
 
-    Outcomes TakeBack(Files& ground, NamingSink& sink) {
-        const std::string stamp = std::to_string(undos.size() + 2);
+    Outcomes TakeBack(Files& ground, RecordList& sink, const std::string& stamp) {
         if (auto* const real = dynamic_cast<PortableFiles*>(&ground)) KeepDeleted(*real, stamp);
-        JournalledFiles files(ground, sink, Keep(stamp));
-        FileUndo undo(files, R"(D:\host)");
-        std::vector<FileStep> steps = FileStepsFor(std::span(target, 1), TakenBack(undos));
+        std::vector<FileStep> steps = FileStepsFor(targets, TakenBack(undos));
         const Attempt attempt = [](const std::function<void()>& work) -> std::string {
             try {
                 work();
@@ -296,9 +297,14 @@ class World {
                 return failure.what();
             }
         };
-        CarryOut(steps, undo, attempt,
-                 {.beginning = [&](const FileStep& step) { sink.name = step.name; },
-                  .isHeld = [&](const std::string& path) { return held.contains(path); }});
+        CarryOutAnnounced(steps,
+                          {.files = ground,
+                           .clock = clock_,
+                           .journal = sink,
+                           .keeping = Keep(stamp),
+                           .hostFolder = R"(D:\host)"},
+                          attempt,
+                          {.isHeld = [&](const std::string& path) { return held.contains(path); }});
         Outcomes refused;
         for (const FileStep& step : steps)
             if (step.outcome.state == Outcome::State::Refused)
