@@ -103,7 +103,11 @@ void JournalledFiles::CopyFile(std::string_view from, std::string_view to, bool 
     FileChange change = ChangeOf(ChangeKind::Copied, from, to);
     if (overwrite) change.before = ContentOf(to);
     change.after = LookOf(from);
-    records_.Do(std::move(change), [&] { files_.CopyFile(from, to, overwrite); });
+    const bool isDestroying = change.before.has_value();
+    records_.Do(std::move(change), [&] {
+        if (isDestroying) records_.MakeDurable();
+        files_.CopyFile(from, to, overwrite);
+    });
 }
 
 void JournalledFiles::CopyFolder(std::string_view from, std::string_view to) {
@@ -121,7 +125,11 @@ void JournalledFiles::DeleteFile(std::string_view path) {
     } else {
         change.before = ContentOf(path);
     }
-    records_.Do(std::move(change), [&] { files_.DeleteFile(path); });
+    records_.Do(std::move(change), [&] {
+        // What is moved away is still there, and its place tells what it was.
+        if (!place) records_.MakeDurable();
+        files_.DeleteFile(path);
+    });
 }
 
 void JournalledFiles::DeleteFolder(std::string_view path) {
@@ -151,10 +159,47 @@ void JournalledFiles::Discard(std::string_view path) {
     madeFolders_.erase(KeyOf(path));
 }
 
-void JournalledFiles::MoveFile(std::string_view from, std::string_view to) {
+std::uint64_t JournalledFiles::PlanMove(std::string_view from, std::string_view to,
+                                        std::uint64_t group) {
     FileChange change = ChangeOf(ChangeKind::Moved, from, to);
     change.before = LookOf(from);
-    records_.Do(std::move(change), [&] { files_.MoveFile(from, to); });
+    change.group = group;
+    return records_.Plan(std::move(change));
+}
+
+void JournalledFiles::MoveFile(std::string_view from, std::string_view to) {
+    const auto announced = announced_.extract({std::string(from), std::string(to)});
+    const std::uint64_t number = announced ? announced.mapped() : PlanMove(from, to, 0);
+    records_.Carry(number, [&] {
+        // Nobody could tell the file's old name.
+        records_.MakeDurable();
+        files_.MoveFile(from, to);
+    });
+}
+
+/// Records those as failed that have not been begun.
+class JournalledFiles::Announced : public AnnouncedMoves {
+  public:
+    explicit Announced(JournalledFiles& files) : files_(files) {}
+    Announced(const Announced&) = delete;
+    Announced& operator=(const Announced&) = delete;
+    ~Announced() override {
+        while (!files_.announced_.empty()) {
+            const auto announced = files_.announced_.extract(files_.announced_.begin());
+            files_.records_.Failed(announced.mapped(), "it was not begun");
+        }
+    }
+
+  private:
+    JournalledFiles& files_;
+};
+
+std::unique_ptr<AnnouncedMoves> JournalledFiles::Announce(std::span<const FileMove> moves) {
+    auto answer = std::make_unique<Announced>(*this);
+    const std::uint64_t group = records_.Last() + 1;
+    for (const FileMove& move : moves)
+        announced_[{move.from, move.to}] = PlanMove(move.from, move.to, group);
+    return answer;
 }
 
 void JournalledFiles::MoveFolder(std::string_view from, std::string_view to) {
@@ -245,7 +290,9 @@ void JournalledFiles::ReplaceBytes(std::string_view path, const FilePiece& seen,
         change.before->keptAs = place.shown;
     }
     records_.Do(std::move(change), [&] {
-        if (isInPlace && MayTear(seen.position, seen.position + old.size())) records_.MakeDurable();
+        // A copy of the whole file costs more than this.
+        if (!isInPlace || MayTear(seen.position, seen.position + old.size()))
+            records_.MakeDurable();
         files_.ReplaceBytes(path, seen, bytes);
     });
 }

@@ -2,11 +2,13 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "changes/change.h"
@@ -81,7 +83,9 @@ class JournalledFiles : public Files {
     /// Moves it away rather, unless the run itself has made it.
     void DeleteFolder(std::string_view path) override;
     void Discard(std::string_view path) override;
+    /// Recorded for good before, alone or with the others that have been announced.
     void MoveFile(std::string_view from, std::string_view to) override;
+    std::unique_ptr<AnnouncedMoves> Announce(std::span<const FileMove> moves) override;
     void MoveFolder(std::string_view from, std::string_view to) override;
     /// Recorded when the writer is closed: before that no file changes.
     std::unique_ptr<TextWriter> CreateText(std::string_view path) override;
@@ -89,7 +93,8 @@ class JournalledFiles : public Files {
     std::unique_ptr<TextBatch> CreateTexts(TextBatch::Done done) override;
     void WriteEnd(std::string_view path, const FileEnd& seen, std::uint64_t position,
                   std::span<const std::uint8_t> bytes) override;
-    /// What a power cut may leave in part is recorded for good before.
+    /// What a power cut may leave in part, and a copy with other bytes, is recorded for good
+    /// before.
     void ReplaceBytes(std::string_view path, const FilePiece& seen,
                       std::span<const std::uint8_t> bytes) override;
 
@@ -116,11 +121,16 @@ class JournalledFiles : public Files {
     Place NewPlace(std::string_view path);
     void MoveAway(std::string_view folder, const std::string& place);
     bool IsMadeByRun(std::string_view folder) const;
+    /// Its record, which gets the number of its group where there is one.
+    std::uint64_t PlanMove(std::string_view from, std::string_view to, std::uint64_t group);
+    class Announced;
 
     Files& files_;
     FileRecords records_;
     Keeping keeping_;
     bool hasKept_ = false;
+    /// Numbers of the moves that have been recorded and not begun.
+    std::map<std::pair<std::string, std::string>, std::uint64_t> announced_;
     std::set<std::string, std::less<>> madeFolders_;  ///< by the run; in small letters
 };
 

@@ -7,6 +7,13 @@
 
 namespace quillon {
 
+namespace {
+
+/// Fewer than make any batch give them their names by itself.
+constexpr std::size_t MostTogether = 64;
+
+}  // namespace
+
 void WrittenContent::Add(std::string_view bytes) {
     content_.size += bytes.size();
     content_.hash = ContentHash(bytes, content_.hash);
@@ -36,7 +43,11 @@ bool JournalledText::CloseIf(const std::function<bool()>& isWanted) {
     return records_.Carry(number, [&] {
         return writer_->CloseIf([&] {
             if (!isWanted()) return false;
-            number = records_.Plan(change_(content_.Get()));
+            FileChange change = change_(content_.Get());
+            const bool isReplacing = change.before.has_value();
+            number = records_.Plan(std::move(change));
+            // Nobody else knows what was there.
+            if (isReplacing) records_.MakeDurable();
             return true;
         });
     });
@@ -51,10 +62,19 @@ JournalledBatch::JournalledBatch(Files& files, FileRecords& records, Change chan
 void JournalledBatch::Write(std::string_view path, std::string_view bytes) {
     WrittenContent content;
     content.Add(bytes);
-    current_ = records_.Plan(change_(path, content.Get()));
+    FileChange change = change_(path, content.Get());
+    isReplacing_ = isReplacing_ || change.before;
+    current_ = records_.Plan(std::move(change));
     const std::uint64_t number = current_;
     records_.Carry(number, [&] { batch_->Write(path, bytes); });
     if (current_ != 0) waiting_.push_back(std::exchange(current_, 0));
+    if (waiting_.size() >= MostTogether) Close();
+}
+
+void JournalledBatch::Close() {
+    if (isReplacing_) records_.MakeDurable();
+    isReplacing_ = false;
+    batch_->Close();
 }
 
 void JournalledBatch::Told(const Failure* failure) {

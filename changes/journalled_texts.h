@@ -55,7 +55,7 @@ class JournalledBatch : public TextBatch {
     JournalledBatch(Files& files, FileRecords& records, Change change, Done done);
 
     void Write(std::string_view path, std::string_view bytes) override;
-    void Close() override { batch_->Close(); }
+    void Close() override;
 
   private:
     void Told(const Failure* failure);
@@ -65,6 +65,7 @@ class JournalledBatch : public TextBatch {
     Done done_;
     std::deque<std::uint64_t> waiting_;  ///< numbers of the files that wait for their names
     std::uint64_t current_ = 0;          ///< of the one that is being written
+    bool isReplacing_ = false;           ///< whether any takes the place of another
     std::unique_ptr<TextBatch> batch_;   // the first to go
 };
 

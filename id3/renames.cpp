@@ -1,6 +1,7 @@
 #include "id3/renames.h"
 
 #include <algorithm>
+#include <memory>
 #include <utility>
 
 #include "id3/album_plan.h"
@@ -117,12 +118,21 @@ bool Renames::CarryOne(std::string from, std::string to) {
 
 void Renames::Carry(std::span<Move> moves) {
     std::vector<bool> possible;
+    std::vector<FileMove> files;
     for (Move& move : moves) {
         steps_.Concerning(move.from);
         possible.push_back(steps_.Try(TagStep::NameByTitle, [&] { LeadRow(move); }));
-        if (!possible.back()) PutBack(move);
+        if (!possible.back())
+            PutBack(move);
+        else
+            files.push_back({move.from, move.to});
     }
-    const bool durable = steps_.Try(TagStep::NameByTitle, [&] { run_.Flush(); });
+    // What is flushed with the rows need not be flushed for each file.
+    std::unique_ptr<AnnouncedMoves> announced;
+    const bool durable = steps_.Try(TagStep::NameByTitle, [&] {
+        announced = run_.files.Announce(files);
+        run_.Flush();
+    });
     bool anyBack = false;
     for (std::size_t i = 0; i < moves.size(); ++i) {
         Move& move = moves[i];

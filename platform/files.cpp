@@ -13,6 +13,10 @@ std::vector<std::uint8_t> BinaryReader::Read(std::size_t count) {
     return bytes;
 }
 
+std::unique_ptr<AnnouncedMoves> Files::Announce(std::span<const FileMove> /*moves*/) {
+    return nullptr;
+}
+
 bool FolderMayExist(Files& files, std::string_view path) try {
     return files.FolderExists(path);
 } catch (const Failure&) {

@@ -133,6 +133,17 @@ class BinaryReader {
 /// Told of each piece of a file that has been read or copied, in bytes.
 using BytesWatch = std::function<void(std::uint64_t bytes)>;
 
+/// A file's way to another name.
+struct FileMove {
+    std::string from, to;
+};
+
+/// Moves that have been announced. Those that have not happened when this object goes will not.
+class AnnouncedMoves {
+  public:
+    virtual ~AnnouncedMoves() = default;
+};
+
 /// The file system in Windows terms: paths are `D:\Music\x.mp3` or `\\server\share\x.mp3`, names
 /// compare without letter case, listings come in name order. Every operation throws Failure in the
 /// runtime's wording, followed by the path. A path with a component that Windows cannot hold is
@@ -196,6 +207,10 @@ class Files {
     virtual void Discard(std::string_view path) = 0;
     /// Renames or moves a file. Failure: FileAlreadyExists when the target is another file.
     virtual void MoveFile(std::string_view from, std::string_view to) = 0;
+    /// Says before the first of several MoveFile() which are going to follow, so that whoever
+    /// records changes can make all durable at once. `this` must outlive the answer. Failure: none
+    /// of them must happen.
+    virtual std::unique_ptr<AnnouncedMoves> Announce(std::span<const FileMove> moves);
     /// Renames a folder, at once and whole. Failure: PathNotFound, FileAlreadyExists when the
     /// target is there, PermissionDenied.
     virtual void MoveFolder(std::string_view from, std::string_view to) = 0;

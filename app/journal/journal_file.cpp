@@ -143,6 +143,8 @@ void JournalFile::Note(const ChangeRecord& record) {
 
 void JournalFile::Append(const ChangeRecord& record) {
     Count(record);
+    // What has happened can be seen, and comes to the disk with the next plan.
+    if (IsPlan(record)) isDurable_ = false;
     if (const auto* const end = std::get_if<RunEnded>(&record)) {
         RunEnded counted = *end;
         counted.changes = Changes();
@@ -213,7 +215,6 @@ void JournalFile::MakeRoom() {
 /// A line that is cut short is taken out again: others may follow it.
 void JournalFile::Write() {
     if (buffer_.empty()) return;
-    isDurable_ = false;
     try {
         file_.Write(buffer_);
     } catch (const Failure& failure) {

@@ -67,7 +67,7 @@ class JournalFile : public ChangeSink {
     std::uint64_t room_ = 0;  ///< up to where the disk has room set aside for it
     ChangeCount changes_;
     std::uint64_t writesLeft_ = 0;
-    bool isDurable_ = true;         ///< whether all that is in the file survives a power cut
+    bool isDurable_ = true;         ///< whether all that is planned survives a power cut
     bool isFolderDurable_ = false;  ///< likewise its name
     bool lacksFailure_ = false;     ///< whether it tells as done what has not come off
     std::string trouble_;

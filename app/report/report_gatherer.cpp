@@ -249,7 +249,12 @@ void ReportGatherer::Add(const FileChange& change) {
     if (!IsOfLibrary(change)) return;
     if (change.kind == FileChange::Kind::Discarded) return ForgetWhatMade(change.path);
     planned_.push_back(change);
-    if (planned_.size() > MostPlanned) TellNextFile();
+    // Of those that are recorded together any may fail.
+    const auto mayBeTold = [&](const FileChange& first) {
+        return first.group == 0 || first.group != change.group;
+    };
+    while (planned_.size() > MostPlanned && mayBeTold(planned_.front()))
+        TellNextFile();
 }
 
 void ReportGatherer::Add(const FileChangeFailed& failed) {

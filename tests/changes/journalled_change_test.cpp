@@ -2,6 +2,7 @@
 #include <functional>
 #include <gtest/gtest.h>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "changes/journalled_files.h"
@@ -72,6 +73,39 @@ TEST(JournalledChange, DoesNotHappenWhereItCannotBeRecorded) {
         const std::vector<std::string> before = fake.Everything();
         RecordList list;
         list.full = true;
+        JournalledFiles files(fake, list, {.folder = R"(H:\c\n)", .shownFolder = "c/n"});
+        EXPECT_THROW(trial.work(files), Failure) << trial.call;
+        EXPECT_EQ(fake.Everything(), before) << trial.call;
+        EXPECT_EQ(fake.Content(R"(D:\a.txt)"), "old") << trial.call;
+    }
+}
+
+/// What is destroyed or moved may be known to its record alone.
+TEST(JournalledChange, DoesNotHappenWhereAPowerCutMayLoseItsRecord) {
+    std::vector<Trial> trials{
+        {"CopyFile", [](Files& files) { files.CopyFile(R"(D:\c.txt)", R"(D:\a.txt)", true); }},
+        {"ReplaceBytes",
+         [](Files& files) {
+             files.ReplaceBytes(R"(D:\a.txt)", {.size = 3, .position = 0, .bytes = {'o'}},
+                                std::vector<std::uint8_t>{'x', 'y'});
+         }},
+        {"Name", [](Files& files) {
+             const auto text = files.CreateText(R"(D:\a.txt)");
+             text->Write("x");
+             text->Close();
+         }}};
+    for (Trial& trial : Trials())
+        if (trial.call == "DeleteFile" || trial.call == "MoveFile" || trial.call == "Name")
+            trials.push_back(std::move(trial));
+    EXPECT_EQ(trials.size(), 6U);
+    for (const Trial& trial : trials) {
+        fakes::Calls calls;
+        fakes::FakeFiles fake(calls);
+        fake.AddFile(R"(D:\a.txt)", "old");
+        fake.AddFile(R"(D:\c.txt)", "new");
+        const std::vector<std::string> before = fake.Everything();
+        RecordList list;
+        list.isDurableRefused = true;
         JournalledFiles files(fake, list, {.folder = R"(H:\c\n)", .shownFolder = "c/n"});
         EXPECT_THROW(trial.work(files), Failure) << trial.call;
         EXPECT_EQ(fake.Everything(), before) << trial.call;

@@ -252,6 +252,26 @@ TEST_F(JournalledFilesTest, RecordsWhereDeletedMusicGoes) {
     EXPECT_FALSE(files_.HasKept());
 }
 
+TEST_F(JournalledFilesTest, RecordsAnnouncedMovesTogetherBeforeTheFirst) {
+    fake_.AddFile(R"(D:\b.txt)", "other", Then);
+    const std::vector<FileMove> moves{{R"(D:\a.txt)", R"(D:\c.txt)"},
+                                      {R"(D:\b.txt)", R"(D:\d.txt)"}};
+    {
+        const auto announced = files_.Announce(moves);
+        ASSERT_EQ(list_.records.size(), 2U);
+        for (const ChangeRecord& record : list_.records)
+            EXPECT_EQ(std::get<FileChange>(record).group, 1U);
+        EXPECT_TRUE(fake_.FileExists(R"(D:\a.txt)"));
+        files_.MoveFile(R"(D:\a.txt)", R"(D:\c.txt)");
+        EXPECT_EQ(list_.records.size(), 2U);
+        EXPECT_EQ(list_.durable, 2U);
+    }
+    // The other one will not happen.
+    EXPECT_EQ(list_.records.back(), ChangeRecord(FileChangeFailed{2, "it was not begun"}));
+    EXPECT_TRUE(fake_.FileExists(R"(D:\c.txt)"));
+    EXPECT_TRUE(fake_.FileExists(R"(D:\b.txt)"));
+}
+
 TEST_F(JournalledFilesTest, RecordsFoldersThatAreMadeCopiedAndMoved) {
     files_.CreateFolder(R"(D:\f)");
     files_.CopyFolder(R"(D:\f)", R"(D:\g)");

@@ -163,8 +163,9 @@ def unnamed(point, told):
         yield Breach("unnamed", f"none of {sorted(words)} is named by: {shown(told.strip())}")
 
 
-def unjournalled(before, now, library):
-    """What has changed is in a journal, of which only the last line may be cut short."""
+def unjournalled(before, now, library, power_cut=False):
+    """What has changed is in a journal, of which only the last line may be cut short. A power cut may
+    take lines of what is new and stands for itself."""
     records = []
     for journal in (library.host / "Changes").glob("*.jsonl"):
         *lines, last = journal.read_bytes().split(b"\n")
@@ -176,6 +177,8 @@ def unjournalled(before, now, library):
     there, here = before.parts["file"], now.parts["file"]
     for name in sorted(there.keys() | here.keys()):
         # Folders of pages are made and replaced as a whole.
+        if power_cut and name not in there:
+            continue
         word = PAGES if f"/{PAGES}" in name else re.sub(r" \(\d+\)(?=\.\w+$)", "", Path(name).name)
         if there.get(name) != here.get(name) and word.lower() not in places:
             yield Breach("unjournalled", f"no journal tells of {name}")

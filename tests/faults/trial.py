@@ -151,9 +151,7 @@ class Workshop:
         changed = differences(baseline.before, now)
         yield from rules.broken_backups(rules.backups_of(library), baseline.originals,
                                         baseline.backups, changed)
-        # A power cut takes what was not flushed: the lines, but not the names that files have taken.
-        if point.action != "cut":
-            yield from rules.unjournalled(baseline.before, now, library)
+        yield from rules.unjournalled(baseline.before, now, library, point.action == "cut")
         if point.kills:
             return
         if not point.path.startswith("host/jukebox."):

@@ -19,8 +19,8 @@ class RecordList : public ChangeSink {
     }
     void MakeDurable() override {
         if (full || isDurableRefused) throw Failure(FailureNumber::DiskFull, "journal");
+        if (durable != records.size()) ++flushes;
         durable = records.size();
-        ++flushes;
     }
 
     std::vector<ChangeRecord> records;
