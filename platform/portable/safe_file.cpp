@@ -10,10 +10,7 @@ namespace quillon {
 
 SafeFile::SafeFile(const std::string& target, std::string_view shownPath, Existing existing,
                    std::uint32_t rights, unsigned number)
-    : target_(target),
-      shownPath_(shownPath),
-      existing_(existing),
-      draft_(Create(rights, number)) {}
+    : target_(target), shownPath_(shownPath), existing_(existing), draft_(Create(rights, number)) {}
 
 /// Finds out what is to be replaced, and refuses what must not be.
 TemporaryEntry SafeFile::Create(std::uint32_t rights, unsigned number) {
