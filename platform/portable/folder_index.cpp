@@ -49,7 +49,8 @@ std::optional<FolderIndex::Listing> FolderIndex::ReadNames(const std::string& fo
     while (const char* const name = stream.Next(kind)) {
         if (IsWindowsName(name)) listing.Add(name);
     }
-    if (errno != 0) throw SystemFailure(errno, folder);
+    // A folder that goes while it is read has not told its names: no path of it is known not to be.
+    if (errno != 0) throw SystemFailure(IsMissing(errno) ? EIO : errno, folder);
     return listing;
 }
 
