@@ -96,7 +96,9 @@ def all_results(given, folder):
 
 def tell(trial):
     point = trial.point
-    print(f"{trial.mode} {point}: {point.call} on {point.path}, status {trial.status}")
+    came = f"status {trial.status}" if trial.reached else "not reached"
+    tries = f", tried {trial.tries} times" if trial.tries > 1 else ""
+    print(f"{trial.mode} {point}: {point.call} on {point.path}, {came}{tries}")
     for breach in trial.breaches:
         print(f"    {breach.rule}: {breach.text}")
     sys.stdout.flush()
@@ -143,15 +145,14 @@ def main():
     signal.signal(signal.SIGTERM, signal.default_int_handler)
     began = time.monotonic()
     folder = temporary_folder()
-    trials, troubles, unreached = [], [], 0
+    trials, troubles = [], []
     try:
         for result in all_results(given, folder):
             if isinstance(result, str):
                 troubles.append(result)
                 continue
-            unreached += not result.reached
             trials.append(result)
-            if result.breaches:
+            if result.breaches or not result.reached or result.tries > 1:
                 tell(result)
             if len(trials) % PROGRESS == 0:
                 print(f"{len(trials)} points tried", file=sys.stderr, flush=True)
@@ -165,6 +166,7 @@ def main():
     for trouble in troubles:
         print(trouble)
     broken_trials = [trial for trial in trials if trial.breaches]
+    unreached = sum(not trial.reached for trial in trials)
     if broken_trials:
         distinct(broken_trials)
     table(trials)
