@@ -7,13 +7,6 @@
 
 namespace quillon {
 
-namespace {
-
-/// Fewer than make any batch give them their names by itself.
-constexpr std::size_t MostTogether = 64;
-
-}  // namespace
-
 void WrittenContent::Add(std::string_view bytes) {
     content_.size += bytes.size();
     content_.hash = ContentHash(bytes, content_.hash);
@@ -68,7 +61,8 @@ void JournalledBatch::Write(std::string_view path, std::string_view bytes) {
     const std::uint64_t number = current_;
     records_.Carry(number, [&] { batch_->Write(path, bytes); });
     if (current_ != 0) waiting_.push_back(std::exchange(current_, 0));
-    if (waiting_.size() >= MostTogether) Close();
+    // Before the batch gives them their names by itself, without durable records.
+    if (waiting_.size() + 1 >= TextBatch::MostWaiting) Close();
 }
 
 void JournalledBatch::Close() {

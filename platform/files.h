@@ -108,10 +108,13 @@ class TextBatch {
     /// Told of each file, in the order in which they were written, when it has its name, or why it
     /// could not get it.
     using Done = std::function<void(const Failure* failure)>;
+    /// Far below the number of files that a process may have open.
+    static constexpr std::size_t MostWaiting = 128;
 
     virtual ~TextBatch() = default;
-    /// Writes a whole file; replaces the one of that name, if there is one. Failure: as of
-    /// CreateText() and its writer, and then the file is not among those told of.
+    /// Writes a whole file; replaces the one of that name, if there is one. With the last of
+    /// `MostWaiting` files all get their names. Failure: as of CreateText() and its writer, and
+    /// then the file is not among those told of.
     virtual void Write(std::string_view path, std::string_view bytes) = 0;
     /// Gives those that wait their names.
     virtual void Close() = 0;

@@ -123,7 +123,7 @@ class Group {
         FileUndo undo(files, means_.hostFolder, means_.writes);
         std::size_t count = 0;
         while (count < std::min(rest.size(), MostSteps) && announcer.Bytes() < MostBytes &&
-               Fits(rest[count])) {
+               Join(rest[count])) {
             FileStep& step = rest[count++];
             if (!taker_.MayTakeBack(step)) continue;
             AnnouncedStep& announced = steps_.emplace_back(&step);
@@ -164,7 +164,8 @@ class Group {
     bool IsLinked() const { return isLinked_; }
 
   private:
-    bool Fits(const FileStep& step) {
+    /// Whether a step depends on none of those that are in the group, which it is then one of.
+    bool Join(const FileStep& step) {
         const bool isAlone = IsOfWholeFolder(step.change);
         if ((isAlone && !names_.empty()) || isClosed_) return false;
         isClosed_ = isAlone;

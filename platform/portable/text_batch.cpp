@@ -10,9 +10,6 @@
 namespace quillon {
 namespace {
 
-/// Far below the number of files that a process may have open.
-constexpr std::size_t MostWaiting = 128;
-
 /// What failed, if anything did.
 template <typename Work>
 std::optional<Failure> FailureOf(Work work) {

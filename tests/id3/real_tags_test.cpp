@@ -1,9 +1,7 @@
 #include <chrono>
 #include <filesystem>
-#include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <iterator>
 #include <string>
 #include <thread>
 
@@ -11,6 +9,7 @@
 #include "tests/outside/child_process.h"
 #include "tests/outside/file_marks.h"
 #include "tests/outside/posix_test.h"
+#include "tests/outside/temporary_folder.h"
 #include "tests/support/real_library.h"
 #include "tests/support/sound_file.h"
 
@@ -53,10 +52,7 @@ class RealTagsTest : public ::testing::Test {
             Title(number) + "\")");
     }
 
-    std::string Content(int number) {
-        std::ifstream stream(library.Music(Path(number)), std::ios::binary);
-        return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
-    }
+    std::string Content(int number) { return outside::ContentOf(library.Music(Path(number))); }
     fs::file_time_type Modified(int number) {
         return fs::last_write_time(library.Music(Path(number)));
     }

@@ -1,8 +1,6 @@
 #include <filesystem>
-#include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <iterator>
 #include <map>
 #include <string>
 
@@ -12,6 +10,7 @@
 #include "tests/outside/child_process.h"
 #include "tests/outside/density.h"
 #include "tests/outside/posix_test.h"
+#include "tests/outside/temporary_folder.h"
 #include "tests/support/real_library.h"
 #include "tests/support/sound_file.h"
 
@@ -130,8 +129,7 @@ class VerifyChainsKilledTest : public ::testing::Test {
         }
         std::map<int, std::string> songs;
         for (const auto& entry : std::filesystem::directory_iterator(library.Music("Alder/One"))) {
-            std::ifstream file(entry.path(), std::ios::binary);
-            const std::string content{std::istreambuf_iterator<char>(file), {}};
+            const std::string content = outside::ContentOf(entry.path());
             const std::string name = entry.path().filename().string();
             const auto row = plays.find(name);
             songs[content[content.size() - 2]] =

@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <random>
@@ -12,6 +11,7 @@
 #include "id3/verify_tags.h"
 #include "reconcile/refresh_database.h"
 #include "tests/outside/posix_test.h"
+#include "tests/outside/temporary_folder.h"
 #include "tests/support/real_library.h"
 #include "tests/support/sound_file.h"
 
@@ -167,8 +167,7 @@ TEST_F(VerifyRealFilesTest, WithRandomTagsAreAllStillThereByContent) {
     for (const auto& entry : fs::recursive_directory_iterator(library.Music())) {
         if (!entry.is_regular_file()) continue;
         EXPECT_EQ(entry.path().parent_path(), library.Music("A/B"));
-        std::ifstream file(entry.path(), std::ios::binary);
-        after.insert({std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()});
+        after.insert(outside::ContentOf(entry.path()));
     }
     EXPECT_EQ(after, contents);
     EXPECT_THAT(library.Rows("SELECT Count(*) FROM Tracks"), ElementsAre("300"));

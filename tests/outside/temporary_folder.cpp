@@ -15,6 +15,15 @@ void CopyOver(const fs::path& original, const fs::path& copy) {
     fs::copy_file(original, copy);
 }
 
+std::string ContentOf(const fs::path& file) {
+    std::ifstream stream(file, std::ios::binary | std::ios::ate);
+    if (!stream) throw std::runtime_error("no file " + file.string());
+    std::string content(static_cast<std::size_t>(stream.tellg()), '\0');
+    stream.seekg(0);
+    stream.read(content.data(), static_cast<std::streamsize>(content.size()));
+    return content;
+}
+
 TemporaryFolder::TemporaryFolder() {
     std::random_device chance;
     fs::path path;
@@ -55,9 +64,7 @@ fs::path TemporaryFolder::CopyOf(const fs::path& original) const {
 }
 
 std::string TemporaryFolder::Content(std::string_view name) const {
-    std::ifstream file(path_ / name, std::ios::binary);
-    if (!file) throw std::runtime_error("no file " + std::string(name));
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    return ContentOf(path_ / name);
 }
 
 bool TemporaryFolder::Exists(std::string_view name) const {

@@ -11,6 +11,9 @@ namespace outside {
 /// copy_file() knows how to do.
 void CopyOver(const std::filesystem::path& original, const std::filesystem::path& copy);
 
+/// All bytes of a file. Throws std::runtime_error where there is none.
+std::string ContentOf(const std::filesystem::path& file);
+
 /// An empty folder of a test's or measurement's own, to fill and to look at; removed with all it
 /// holds, even where permissions have been taken away.
 class TemporaryFolder {

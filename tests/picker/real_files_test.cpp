@@ -1,7 +1,6 @@
 #include <filesystem>
 #include <fstream>
 #include <gmock/gmock.h>
-#include <iterator>
 
 #include "jukebox/jukebox_database.h"
 #include "picker/album_picker.h"
@@ -66,11 +65,6 @@ class RealPickerTest : public ::testing::Test {
         std::ofstream(file, std::ios::binary) << content;
     }
 
-    static std::string Read(const fs::path& file) {
-        std::ifstream stream(file, std::ios::binary);
-        return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
-    }
-
     static std::vector<std::string> Names(const fs::path& folder) {
         std::vector<std::string> names;
         for (const fs::directory_entry& entry : fs::directory_iterator(folder))
@@ -101,8 +95,9 @@ TEST_F(RealPickerTest, WritesPagesCoversAndThePlaceholderByteForByte) {
     EXPECT_THAT(Names(Pages()),
                 UnorderedElementsAre("AlbumPicker0.asp", "AlbumPicker1.asp", "AlbumPicker.css"));
     const std::vector<std::uint8_t> drawn = PlaceholderImage();
-    EXPECT_EQ(Read(Html() / "albumcovers/notfnd.jpg"), std::string(drawn.begin(), drawn.end()));
-    EXPECT_EQ(Read(Pages() / "AlbumPicker0.asp").substr(0, 48),
+    EXPECT_EQ(outside::ContentOf(Html() / "albumcovers/notfnd.jpg"),
+              std::string(drawn.begin(), drawn.end()));
+    EXPECT_EQ(outside::ContentOf(Pages() / "AlbumPicker0.asp").substr(0, 48),
               "<!--#include virtual=\"/includes/style.asp\"-->\r\n<");
 }
 
@@ -111,14 +106,14 @@ TEST_F(RealPickerTest, CopiesNothingAgainThatHasNotChanged) {
     Write(Folder() / "Covers/one.jpg", "image");
     BuildAlbumPicker(run);
     const fs::path copy = Html() / "albumcovers/one.jpg";
-    EXPECT_EQ(Read(copy), "image");
+    EXPECT_EQ(outside::ContentOf(copy), "image");
     Write(copy, "other");
     fs::last_write_time(copy, fs::last_write_time(Folder() / "Covers/one.jpg"));
     BuildAlbumPicker(run);
-    EXPECT_EQ(Read(copy), "other");
+    EXPECT_EQ(outside::ContentOf(copy), "other");
     Write(Folder() / "Covers/one.jpg", "larger image");
     BuildAlbumPicker(run);
-    EXPECT_EQ(Read(copy), "larger image");
+    EXPECT_EQ(outside::ContentOf(copy), "larger image");
 }
 
 TEST_F(RealPickerTest, WritesNothingOutsideTheWebFolder) {
@@ -143,7 +138,7 @@ POSIX_TEST_F(RealPickerTest, KeepsTheOldPagesInAReadOnlyFolder) {
                                 R"(Permission denied: D:\host\HTML\Quillon\AlbumPicker.new)"));
         fs::permissions(Html(), fs::perms::owner_all);
     }));
-    EXPECT_EQ(Read(Pages() / "AlbumPicker0.asp"), "old");
+    EXPECT_EQ(outside::ContentOf(Pages() / "AlbumPicker0.asp"), "old");
 }
 
 POSIX_TEST_F(RealPickerTest, PublishesBesideAnOldPageThatIsWriteProtectedAndSaysSo) {
@@ -168,7 +163,7 @@ POSIX_TEST_F(RealPickerTest, ShowsThePlaceholderForACoverThatCannotBeRead) {
         EXPECT_THAT(host.log, ElementsAre("Quillon: BuildcdjPages  Line 3 Permission denied: "
                                           R"(D:\Covers\locked.jpg)"));
     }));
-    EXPECT_NE(Read(Pages() / "AlbumPicker1.asp").find("albumcovers/notfnd.jpg "),
+    EXPECT_NE(outside::ContentOf(Pages() / "AlbumPicker1.asp").find("albumcovers/notfnd.jpg "),
               std::string::npos);
 }
 

@@ -1,7 +1,5 @@
 #include "tests/support/test_library.h"
 
-#include <fstream>
-#include <iterator>
 #include <utility>
 
 #include "database/remove_duplicates.h"
@@ -86,8 +84,7 @@ std::vector<std::string> TestLibrary::Tracks() {
 std::string TestLibrary::DatabaseBytes() {
     run.ForgetTables();
     run.connection.reset();
-    std::ifstream file(DatabaseFile(), std::ios::binary);
-    std::string bytes{std::istreambuf_iterator<char>(file), {}};
+    std::string bytes = outside::ContentOf(DatabaseFile());
     ReopenDatabase();
     return bytes;
 }

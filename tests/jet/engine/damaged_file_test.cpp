@@ -4,7 +4,6 @@
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
-#include <iterator>
 #include <map>
 #include <optional>
 #include <set>
@@ -13,6 +12,7 @@
 #include "tests/jet/engine/sample_database.h"
 #include "tests/outside/mutants.h"
 #include "tests/outside/shared_folder.h"
+#include "tests/outside/temporary_folder.h"
 
 namespace jet::testing {
 
@@ -21,11 +21,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::size_t PageSize = 4096, RowCountOffset = 16;
-
-std::string ReadBytes(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
 
 void WriteBytes(const fs::path& path, const std::string& bytes) {
     std::ofstream(path, std::ios::binary | std::ios::trunc) << bytes;
@@ -48,7 +43,7 @@ class DamagedFile : public ::testing::Test {
 
     /// Makes the row count of a table wrong, told by its place among those of the file.
     void SpoilRowCount(std::size_t table) {
-        std::string bytes = ReadBytes(path_);
+        std::string bytes = outside::ContentOf(path_);
         constexpr std::size_t FirstUserPage = 6;
         std::size_t found = 0;
         for (std::size_t page = FirstUserPage; page < bytes.size() / PageSize; ++page)
@@ -58,7 +53,7 @@ class DamagedFile : public ::testing::Test {
     }
     void SpoilGlobalMap() {
         // All pages of the file are free.
-        std::string bytes = ReadBytes(path_);
+        std::string bytes = outside::ContentOf(path_);
         const std::size_t low = static_cast<unsigned char>(bytes[PageSize + 14]);
         const std::size_t high = static_cast<unsigned char>(bytes[PageSize + 15]);
         bytes[PageSize + (low | high << 8U) + 6] = '\xFF';
@@ -66,7 +61,7 @@ class DamagedFile : public ::testing::Test {
     }
 
     std::string Refusal(const NeededTables& needed) {
-        const std::string before = ReadBytes(path_);
+        const std::string before = outside::ContentOf(path_);
         std::string what;
         try {
             Database::Open(path_, OpenMode::ReadWrite, needed);
@@ -74,7 +69,7 @@ class DamagedFile : public ::testing::Test {
             EXPECT_EQ(error.Kind(), ErrorKind::Damaged);
             what = error.what();
         }
-        EXPECT_EQ(ReadBytes(path_), before);
+        EXPECT_EQ(outside::ContentOf(path_), before);
         EXPECT_EQ(FilesIn(folder_.Path()), 1U);
         return what;
     }
@@ -140,7 +135,7 @@ TEST_F(DamagedFile, IsRefusedForAllTablesWhereItIsTheFileThatIsWrong) {
 }
 
 TEST_F(DamagedFile, MayHaveADefinitionThatNobodyCanReadIfNobodyNeedsIt) {
-    std::string bytes = ReadBytes(path_);
+    std::string bytes = outside::ContentOf(path_);
     std::size_t definition = bytes.size() / PageSize;
     while (bytes[--definition * PageSize] != 2) {
     }
@@ -241,7 +236,7 @@ void TryMutant(const outside::Mutant& mutant, const fs::path& path, std::size_t 
     EXPECT_EQ(FilesIn(path.parent_path()), 1U);
     if (!changed) {
         ++tally.refused;
-        EXPECT_EQ(ReadBytes(path), mutant.bytes);
+        EXPECT_EQ(outside::ContentOf(path), mutant.bytes);
         return;
     }
     ++tally.written;
@@ -272,7 +267,7 @@ TEST(AMutant, IsRefusedAsItIsOrWrittenWithoutHarm) {
         }
         database.Execute("DELETE * FROM Tracks WHERE Track=7");
     }
-    const std::string whole = ReadBytes(path);
+    const std::string whole = outside::ContentOf(path);
     const std::size_t rows = RowsIn(ContentOf(path, {}));
     Tally tally;
     for (std::uint32_t seed = 0; seed < outside::MutantCount(300); ++seed) {
@@ -289,12 +284,12 @@ class MutantOfASample : public ::testing::TestWithParam<fs::path> {};
 TEST_P(MutantOfASample, IsRefusedAsItIsOrWrittenWithoutHarm) {
     const outside::TemporaryFolder folder;
     const fs::path path = folder.Path() / "mutant.mdb";
-    const std::string whole = ReadBytes(GetParam());
+    const std::string whole = outside::ContentOf(GetParam());
     WriteBytes(path, whole);
     try {
         Database::Open(path, OpenMode::ReadWrite);
     } catch (const Error&) {
-        EXPECT_EQ(ReadBytes(path), whole) << "refused, and left as it is";
+        EXPECT_EQ(outside::ContentOf(path), whole) << "refused, and left as it is";
         return;
     }
     const std::size_t rows = RowsIn(ContentOf(path, {}));

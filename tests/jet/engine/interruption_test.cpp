@@ -1,21 +1,15 @@
 // Statements that are ended before their time.
 #include <array>
-#include <fstream>
 #include <gtest/gtest.h>
-#include <iterator>
 
 #include "tests/jet/engine/number_table.h"
+#include "tests/outside/temporary_folder.h"
 
 namespace jet::testing {
 
 namespace {
 
 constexpr int RowCount = 1500;
-
-std::string BytesOf(const std::filesystem::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
 
 class Interruption : public ::testing::Test {
   protected:
@@ -88,11 +82,11 @@ TEST_F(Interruption, LeavesEveryRowAsItWas) {
 }
 
 TEST_F(Interruption, OfAChangeThatIsDiscardedLeavesTheFileByteForByte) {
-    const std::string before = BytesOf(table_.Path());
+    const std::string before = outside::ContentOf(table_.Path());
     InterruptAt(800);
     ExpectInterrupted([&] { database_.Execute("DELETE * FROM T"); });
     database_.Discard();
-    EXPECT_EQ(BytesOf(table_.Path()), before);
+    EXPECT_EQ(outside::ContentOf(table_.Path()), before);
     Database again = table_.Open();
     EXPECT_EQ(testing::Rows(again, "SELECT Count(*) FROM T"), std::to_string(RowCount));
 }

@@ -28,7 +28,7 @@ class BadFiles : public testing::Test {
             model.Change(150);
         }
         file.Commit();
-        content_ = ReadFile(path_);
+        content_ = outside::ContentOf(path_);
     }
 
     /// Expects an error of a kind, whose text has the file's name and some words.
@@ -116,7 +116,7 @@ TEST_F(BadFiles, AFolderIsNoDatabase) {
 
 TEST_F(BadFiles, CreateRefusesAnExistingFile) {
     EXPECT_THROW(DatabaseFile::Create(path_, BothTables()), Error);
-    EXPECT_EQ(ReadFile(path_), content_);
+    EXPECT_EQ(outside::ContentOf(path_), content_);
 }
 
 TEST_F(BadFiles, CreateLeavesNothingWhereItFails) {
@@ -206,7 +206,7 @@ TEST(ALeftJournal, IsDiscardedWhenItIsIncompleteOrOfAnotherState) {
     const TemporaryFolder folder;
     const auto path = folder / "j.mdb";
     DatabaseFile::Create(path, BothTables());
-    const std::string empty = ReadFile(path);
+    const std::string empty = outside::ContentOf(path);
     const auto journal = path.string() + ".journal";
 
     // A commit that fails after its journal is complete leaves it.
@@ -224,7 +224,7 @@ TEST(ALeftJournal, IsDiscardedWhenItIsIncompleteOrOfAnotherState) {
         } catch (const Error&) {
             files->Repair();
         }
-        if (std::filesystem::exists(journal)) complete = ReadFile(journal);
+        if (std::filesystem::exists(journal)) complete = outside::ContentOf(journal);
         ASSERT_LT(moment, 100U);
     }
     const auto rowsWith = [&](const std::string& database, const std::string& journalContent) {
@@ -232,8 +232,8 @@ TEST(ALeftJournal, IsDiscardedWhenItIsIncompleteOrOfAnotherState) {
         WriteFile(journal, journalContent);
         const std::size_t readOnly =
             RowsOf(DatabaseFile::Open(path, OpenMode::ReadOnly).OpenTable("Tracks")).size();
-        EXPECT_EQ(ReadFile(journal), journalContent);
-        EXPECT_EQ(ReadFile(path), database);
+        EXPECT_EQ(outside::ContentOf(journal), journalContent);
+        EXPECT_EQ(outside::ContentOf(path), database);
         const std::size_t rows =
             RowsOf(DatabaseFile::Open(path, OpenMode::ReadWrite).OpenTable("Tracks")).size();
         EXPECT_EQ(readOnly, rows);
@@ -256,7 +256,7 @@ TEST(ALeftJournal, IsDiscardedWhenItIsIncompleteOrOfAnotherState) {
         auto file = DatabaseFile::Open(path, OpenMode::ReadWrite);
         ModelledTable(file.OpenTable("Tracks"), static_cast<std::uint32_t>(i)).InsertOne();
     }
-    EXPECT_EQ(rowsWith(ReadFile(path), complete), 3U);
+    EXPECT_EQ(rowsWith(outside::ContentOf(path), complete), 3U);
 }
 
 }  // namespace

@@ -122,13 +122,13 @@ void FaultyFileSystem::CountLook() {
 
 void FaultyFileSystem::NoteName(const std::filesystem::path& name) {
     const bool existed = std::filesystem::exists(name);
-    unflushedNames_.push_back({name, existed, existed ? ReadFile(name) : std::string()});
+    unflushedNames_.push_back({name, existed, existed ? outside::ContentOf(name) : std::string()});
 }
 
 void FaultyFileSystem::LosePower() {
     for (auto& [path, writes] : unflushed_) {
         if (!std::filesystem::exists(path)) continue;
-        std::string content = ReadFile(path);
+        std::string content = outside::ContentOf(path);
         const bool all = random_() % 4 == 0, none = random_() % 4 == 0;
         for (auto write = writes.rbegin(); write != writes.rend(); ++write) {
             const bool lost = none || (!all && random_() % 2 == 0);

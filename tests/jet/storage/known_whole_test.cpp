@@ -44,12 +44,12 @@ class KnownWhole : public testing::Test {
 
     /// A row more.
     void ChangeRows() const {
-        const std::string before = ReadFile(path_);
+        const std::string before = outside::ContentOf(path_);
         {
             auto file = DatabaseFile::Open(path_, OpenMode::ReadWrite, Finds(true));
             ModelledTable(file.OpenTable("Tracks"), 1).InsertOne();
         }
-        EXPECT_NE(ReadFile(path_), before);
+        EXPECT_NE(outside::ContentOf(path_), before);
     }
 
     /// A look at every page, and what it says.
@@ -63,7 +63,7 @@ class KnownWhole : public testing::Test {
     }
 
     void ChangeByte(std::size_t at) const {
-        std::string content = ReadFile(path_);
+        std::string content = outside::ContentOf(path_);
         content[at] = static_cast<char>(content[at] ^ 1);
         WriteFile(path_, content);
     }
@@ -129,7 +129,7 @@ TEST_F(KnownWhole, CommitsReadNothingForTheRemark) {
         file.Commit();
         return files->Reads() - before;
     };
-    const std::string start = ReadFile(path_);
+    const std::string start = outside::ContentOf(path_);
     const std::size_t reads = readsOfCommit(false);
     WriteFile(path_, start);
     EXPECT_EQ(readsOfCommit(true), reads);
@@ -158,7 +158,7 @@ TEST_F(KnownWhole, WithAFaultStaysUnknownAfterCommits) {
 }
 
 TEST_F(KnownWhole, AfterPowerLossAtAnyMomentOnlyWithTheContentOfACommit) {
-    const std::string start = ReadFile(path_);
+    const std::string start = outside::ContentOf(path_);
     std::size_t known = 0;
     bool reached = true;
     for (std::size_t moment = 0; reached; moment += outside::StepUnderSanitizers(3)) {
@@ -172,13 +172,13 @@ TEST_F(KnownWhole, AfterPowerLossAtAnyMomentOnlyWithTheContentOfACommit) {
             auto file = DatabaseFile::Open(path_, OpenMode::ReadWrite, files, Finds(true));
             ModelledTable(file.OpenTable("Tracks"), 1).InsertOne();
             file.Commit();
-            commits.insert(ReadFile(path_));
+            commits.insert(outside::ContentOf(path_));
         } catch (const Error& error) {
             EXPECT_EQ(error.Kind(), ErrorKind::Io);
         }
         reached = files->HasFailed();
         files->LosePower();
-        const std::string left = ReadFile(path_);
+        const std::string left = outside::ContentOf(path_);
         if (IsLookedOver()) continue;
         ++known;
         EXPECT_TRUE(commits.contains(left)) << "operation " << moment;

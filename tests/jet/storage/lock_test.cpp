@@ -51,7 +51,7 @@ class Locks : public testing::Test {
 TEST_F(Locks, AreTakenForWritingAndGivenUpAtTheEnd) {
     {
         auto file = DatabaseFile::Open(path_, OpenMode::ReadWrite);
-        EXPECT_EQ(ReadFile(lock_), Entry(ThisMachine(), "Quillon"));
+        EXPECT_EQ(outside::ContentOf(lock_), Entry(ThisMachine(), "Quillon"));
         ExpectInUse("is in use by " + ThisMachine());
         // Moving the object keeps the lock.
         const auto moved = std::move(file);
@@ -65,7 +65,7 @@ TEST_F(Locks, AreNeitherTakenNorHeededForReading) {
     WriteFile(lock_, Entry("OFFICE", "Admin"));
     auto reader = DatabaseFile::Open(path_, OpenMode::ReadOnly);
     EXPECT_EQ(reader.TableNames().size(), 2U);
-    EXPECT_EQ(ReadFile(lock_), Entry("OFFICE", "Admin"));
+    EXPECT_EQ(outside::ContentOf(lock_), Entry("OFFICE", "Admin"));
     std::filesystem::remove(lock_);
     auto another = DatabaseFile::Open(path_, OpenMode::ReadOnly);
     EXPECT_FALSE(std::filesystem::exists(lock_));
@@ -87,7 +87,7 @@ TEST_F(Locks, LeftByACrashOnThisMachineAreTakenOver) {
     WriteFile(lock_, Entry(ThisMachine(), "Quillon"));
     {
         auto file = DatabaseFile::Open(path_, OpenMode::ReadWrite);
-        EXPECT_EQ(ReadFile(lock_).size(), 64U);
+        EXPECT_EQ(outside::ContentOf(lock_).size(), 64U);
     }
     EXPECT_FALSE(std::filesystem::exists(lock_));
 }
@@ -123,7 +123,7 @@ TEST_F(Locks, HeldByAnotherProcessNameItsMachines) {
     ASSERT_TRUE(other.IsOpen());
     ASSERT_EQ(TakeLock(other, {0x10000001, 1}, lock_), LockResult::Taken);
     ExpectInUse("is in use by STUDIO");
-    EXPECT_EQ(ReadFile(lock_), Entry("STUDIO", "Admin"));
+    EXPECT_EQ(outside::ContentOf(lock_), Entry("STUDIO", "Admin"));
 }
 
 TEST_F(Locks, AreLookedAtWithoutBeingTouched) {
@@ -134,11 +134,11 @@ TEST_F(Locks, AreLookedAtWithoutBeingTouched) {
     WriteFile(lock_, Entry(ThisMachine(), "Quillon"));
     EXPECT_EQ(LookAtLock(path_).kind, LockState::Kind::LeftBehind);
     EXPECT_EQ(LookAtLock(path_).objection, "");
-    EXPECT_EQ(ReadFile(lock_), Entry(ThisMachine(), "Quillon"));
+    EXPECT_EQ(outside::ContentOf(lock_), Entry(ThisMachine(), "Quillon"));
 }
 
 TEST_F(Locks, AreNotLeftBehindByAFileThatCannotBeOpened) {
-    WriteFile(path_, ReadFile(path_).substr(0, 8 * PageSize));
+    WriteFile(path_, outside::ContentOf(path_).substr(0, 8 * PageSize));
     EXPECT_THROW(DatabaseFile::Open(path_, OpenMode::ReadWrite), Error);
     EXPECT_FALSE(std::filesystem::exists(lock_));
 }

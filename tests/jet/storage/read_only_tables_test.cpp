@@ -32,7 +32,7 @@ class ReadOnlyTables : public testing::Test {
     }
 
     void Patch(std::size_t offset, char byte) {
-        std::string content = ReadFile(path_);
+        std::string content = outside::ContentOf(path_);
         content[FirstUserTable * PageSize + offset] = byte;
         WriteFile(path_, content);
     }

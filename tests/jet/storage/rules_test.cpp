@@ -234,12 +234,12 @@ TEST_F(TableRules, AnUpdateThatChangesNothingWritesNothing) {
     row[7] = std::string(5000, 'm');
     const RowId id = Tracks().Insert(row).row;
     file_->Commit();
-    const std::string before = ReadFile(path_);
+    const std::string before = outside::ContentOf(path_);
     const std::vector<FieldChange> same{
         {1, std::string("same")}, {5, false}, {7, std::string(5000, 'm')}};
     Tracks().Update(id, same);
     file_->Commit();
-    EXPECT_EQ(ReadFile(path_), before);
+    EXPECT_EQ(outside::ContentOf(path_), before);
 }
 
 TEST_F(TableRules, AnUpdateOfAFieldWithoutIndexTouchesOnePage) {
@@ -247,11 +247,11 @@ TEST_F(TableRules, AnUpdateOfAFieldWithoutIndexTouchesOnePage) {
         Tracks().Insert(Track("title " + std::to_string(i)));
     const RowId id = Tracks().Insert(Track("the one")).row;
     file_->Commit();
-    const std::string before = ReadFile(path_);
+    const std::string before = outside::ContentOf(path_);
     const std::vector<FieldChange> changes{{5, true}};
     Tracks().Update(id, changes);
     file_->Commit();
-    const std::string after = ReadFile(path_);
+    const std::string after = outside::ContentOf(path_);
     ASSERT_EQ(before.size(), after.size());
     std::vector<PageNumber> changed;
     for (std::size_t at = 0; at < after.size(); at += PageSize) {
@@ -326,14 +326,14 @@ TEST_F(TableRules, ADeletedRowIsNotFound) {
 TEST_F(TableRules, ReadOnlyRefusesChanges) {
     const RowId id = Tracks().Insert(Track("fixed")).row;
     file_->Commit();
-    const std::string before = ReadFile(path_);
+    const std::string before = outside::ContentOf(path_);
     auto reader = DatabaseFile::Open(path_, OpenMode::ReadOnly);
     Table& table = reader.OpenTable("Tracks");
     EXPECT_EQ(KindThrownBy([&] { table.Insert(Track("new")); }), ErrorKind::ReadOnly);
     EXPECT_EQ(KindThrownBy([&] { table.Delete(id); }), ErrorKind::ReadOnly);
     EXPECT_EQ(table.Read(id)[1], Value(std::string("fixed")));
     reader.Commit();
-    EXPECT_EQ(ReadFile(path_), before);
+    EXPECT_EQ(outside::ContentOf(path_), before);
 }
 
 TEST(ALargeFile, KeepsItsMapsAndRows) {

@@ -137,7 +137,7 @@ TEST_F(SeveralNames, TakeInsertsOfSeveralProgramsAtOnceWithoutHarm) {
 }
 
 TEST_F(SeveralNames, ShareTheJournalOfAProgramThatWasCutOff) {
-    const std::string start = ReadFile(name_);
+    const std::string start = outside::ContentOf(name_);
     bool foundOne = false, reached = true;
     for (std::size_t moment = 0; reached; ++moment) {
         for (const bool powerIsLost : {false, true}) {
@@ -170,18 +170,18 @@ TEST_F(SeveralNames, ShareTheJournalOfAProgramThatWasCutOff) {
 TEST_F(SeveralNames, AreRefusedWhereTheJournalOfAnotherNameIsMissing) {
     std::size_t refused = 0;
     bool reached = true;
-    const std::string start = ReadFile(name_);
+    const std::string start = outside::ContentOf(name_);
     for (std::size_t moment = 0; reached; ++moment) {
         WriteFile(name_, start);
         reached = CutOff(std::make_shared<FaultyFileSystem>(1), hardLink_, moment);
         const JournalState journal = LookAtJournal(name_);
         if (journal.kind == JournalState::Kind::Waits) {
             const fs::path away = folder_ / "away";
-            const std::string cutOff = ReadFile(name_);
+            const std::string cutOff = outside::ContentOf(name_);
             fs::rename(journal.file, away);
             ExpectKind(ErrorKind::Damaged, name_, hardLink_.string() + ".journal, is missing");
             EXPECT_THROW(DatabaseFile::Open(name_, OpenMode::ReadOnly), Error);
-            EXPECT_EQ(ReadFile(name_), cutOff);
+            EXPECT_EQ(outside::ContentOf(name_), cutOff);
             EXPECT_EQ(Sidecars(), 1U);
             fs::rename(away, journal.file);
             ++refused;
@@ -193,12 +193,12 @@ TEST_F(SeveralNames, AreRefusedWhereTheJournalOfAnotherNameIsMissing) {
 }
 
 TEST_F(SeveralNames, AreNotWrittenWhereNeitherLockNorJournalFollowsTheFile) {
-    const std::string content = ReadFile(name_);
+    const std::string content = outside::ContentOf(name_);
     const auto files = std::make_shared<FaultyFileSystem>(1);
     files->BeSimple();
     ExpectKind(ErrorKind::NotSupported, name_, "has 2 names (hard links)", files);
     EXPECT_EQ(Sidecars(), 0U);
-    EXPECT_EQ(ReadFile(name_), content);
+    EXPECT_EQ(outside::ContentOf(name_), content);
     fs::remove(hardLink_);
     auto file = DatabaseFile::Open(name_, OpenMode::ReadWrite, files);
     ModelledTable model(file.OpenTable("Tracks"), 5);
@@ -210,7 +210,7 @@ TEST_F(SeveralNames, AreNotWrittenWhereNeitherLockNorJournalFollowsTheFile) {
 TEST_F(SeveralNames, LeaveACopyOfTheFileAlone) {
     const fs::path copy = folder_ / "copy.mdb";
     bool reached = true, waited = false;
-    const std::string start = ReadFile(name_);
+    const std::string start = outside::ContentOf(name_);
     for (std::size_t moment = 0; reached; ++moment) {
         WriteFile(name_, start);
         reached = CutOff(std::make_shared<FaultyFileSystem>(1), name_, moment);
@@ -230,7 +230,7 @@ TEST_F(SeveralNames, LeaveACopyOfTheFileAlone) {
 
 TEST_F(SeveralNames, GivenToTheFileAfterwardsLeadToItsJournal) {
     fs::remove(hardLink_);
-    const std::string start = ReadFile(name_);
+    const std::string start = outside::ContentOf(name_);
     bool reached = true, waited = false;
     for (std::size_t moment = 0; reached; ++moment) {
         WriteFile(name_, start);

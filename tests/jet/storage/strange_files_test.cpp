@@ -42,7 +42,7 @@ class StrangeFiles : public testing::Test {
   protected:
     StrangeFiles() {
         DatabaseFile::Create(path_, BothTables());
-        content_ = ReadFile(path_);
+        content_ = outside::ContentOf(path_);
     }
 
     fs::path Beside(const std::string& ending) const { return path_.string() + ending; }
@@ -63,7 +63,7 @@ TEST_F(StrangeFiles, NothingIsWrittenThroughASymbolicLinkInTheNameOfASidecar) {
                 Refusal(ErrorKind::Io, [&] { DatabaseFile::Open(path_, OpenMode::ReadWrite); });
             EXPECT_NE(what.find(sidecar.string() + " is a symbolic link"), std::string::npos)
                 << what;
-            EXPECT_EQ(ReadFile(precious), content);
+            EXPECT_EQ(outside::ContentOf(precious), content);
             EXPECT_TRUE(fs::is_symlink(sidecar));
             fs::remove(precious);
             Refusal(ErrorKind::Io, [&] { DatabaseFile::Open(path_, OpenMode::ReadWrite); });
@@ -71,7 +71,7 @@ TEST_F(StrangeFiles, NothingIsWrittenThroughASymbolicLinkInTheNameOfASidecar) {
             fs::remove(sidecar);
         }
     }
-    EXPECT_EQ(ReadFile(path_), content_);
+    EXPECT_EQ(outside::ContentOf(path_), content_);
     DatabaseFile::Open(path_, OpenMode::ReadWrite);
 }
 
@@ -82,7 +82,7 @@ TEST_F(StrangeFiles, NothingIsWrittenThroughASymbolicLinkToMakeADatabase) {
         const fs::path sidecar = made.string() + ending;
         fs::create_symlink(precious, sidecar);
         Refusal(ErrorKind::Io, [&] { DatabaseFile::Create(made, BothTables()); });
-        EXPECT_EQ(ReadFile(precious), "precious");
+        EXPECT_EQ(outside::ContentOf(precious), "precious");
         EXPECT_TRUE(fs::is_symlink(sidecar));
         fs::remove(sidecar);
     }
@@ -100,10 +100,10 @@ TEST_F(StrangeFiles, AnotherHardLinkToASidecarKeepsItsContent) {
         ModelledTable(file.OpenTable("Tracks"), 1).InsertOne();
         file.Commit();
     }
-    EXPECT_EQ(ReadFile(precious), "precious");
+    EXPECT_EQ(outside::ContentOf(precious), "precious");
     fs::create_hard_link(precious, folder_ / "d.ldb");
     Refusal(ErrorKind::InUse, [&] { DatabaseFile::Open(path_, OpenMode::ReadWrite); });
-    EXPECT_EQ(ReadFile(precious), "precious");
+    EXPECT_EQ(outside::ContentOf(precious), "precious");
 }
 
 TEST_F(StrangeFiles, AFifoOrFolderInTheNameOfASidecarIsRefusedAtOnce) {
@@ -152,7 +152,7 @@ TEST_F(StrangeFiles, AJournalOfADatabaseThatIsGoneIsNotGivenToANewOne) {
         Refusal(ErrorKind::Io, [&] { DatabaseFile::Create(path_, BothTables()); });
     EXPECT_NE(what.find("was left by another database"), std::string::npos) << what;
     EXPECT_FALSE(fs::exists(path_));
-    EXPECT_EQ(ReadFile(Beside(".journal")), "left");
+    EXPECT_EQ(outside::ContentOf(Beside(".journal")), "left");
 }
 
 TEST_F(StrangeFiles, WhatAKilledCreationHasLeftDoesNotGetIntoTheNextOne) {
@@ -171,7 +171,7 @@ TEST_F(StrangeFiles, WhatAKilledCreationHasLeftDoesNotGetIntoTheNextOne) {
         reached = files->HasFailed();
         DatabaseFile::Create(made, BothTables());
         EXPECT_EQ(DatabaseFile::Open(made, OpenMode::ReadOnly).TableNames().size(), 2U);
-        EXPECT_EQ(ReadFile(made).size(), content_.size()) << moment;
+        EXPECT_EQ(outside::ContentOf(made).size(), content_.size()) << moment;
         EXPECT_EQ(FaultsOf(made, true), "") << moment;
         EXPECT_FALSE(fs::exists(made.string() + ".new.journal"));
         fs::remove(made);
@@ -184,7 +184,7 @@ TEST_F(StrangeFiles, HalfAnEntryInTheLockFileIsSomebodys) {
     const std::string what =
         Refusal(ErrorKind::InUse, [&] { DatabaseFile::Open(path_, OpenMode::ReadWrite); });
     EXPECT_NE(what.find("seems to be in use by OFFICE"), std::string::npos) << what;
-    EXPECT_EQ(ReadFile(folder_ / "d.ldb"), "OFFICE");
+    EXPECT_EQ(outside::ContentOf(folder_ / "d.ldb"), "OFFICE");
 }
 
 /// A database that is open and has changes, while something happens to its file.
@@ -194,7 +194,7 @@ class OpenDatabase : public StrangeFiles {
         Change();
         file_.Commit();
         Change();
-        committed_ = ReadFile(path_);
+        committed_ = outside::ContentOf(path_);
         // File times have a resolution of some milliseconds.
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
     }
@@ -221,15 +221,15 @@ TEST_F(OpenDatabase, ThatIsReplacedIsNotWrittenAnyMore) {
     WriteFile(other, content_);
     fs::rename(other, path_);
     ExpectNoCommit(" has been replaced by another file while it was open");
-    EXPECT_EQ(ReadFile(path_), content_);
-    EXPECT_EQ(ReadFile(old), committed_);
+    EXPECT_EQ(outside::ContentOf(path_), content_);
+    EXPECT_EQ(outside::ContentOf(old), committed_);
 }
 
 TEST_F(OpenDatabase, ThatIsRemovedOrRenamedIsNotWrittenAnyMore) {
     const fs::path old = folder_ / "old.mdb";
     fs::rename(path_, old);
     ExpectNoCommit(" has been removed or renamed while it was open");
-    EXPECT_EQ(ReadFile(old), committed_);
+    EXPECT_EQ(outside::ContentOf(old), committed_);
     fs::rename(old, path_);
     file_.Commit();
 }
@@ -237,7 +237,7 @@ TEST_F(OpenDatabase, ThatIsRemovedOrRenamedIsNotWrittenAnyMore) {
 TEST_F(OpenDatabase, ThatIsOverwrittenWithAnotherStateIsNotWrittenAnyMore) {
     WriteFile(path_, content_);
     ExpectNoCommit(" has been changed by another program while it was open");
-    EXPECT_EQ(ReadFile(path_), content_);
+    EXPECT_EQ(outside::ContentOf(path_), content_);
 }
 
 TEST_F(OpenDatabase, OfWhichAPageIsChangedIsNotWrittenAnyMore) {
@@ -245,7 +245,7 @@ TEST_F(OpenDatabase, OfWhichAPageIsChangedIsNotWrittenAnyMore) {
     changed[2 * PageSize + 100] = static_cast<char>(changed[2 * PageSize + 100] ^ 1);
     WriteFile(path_, changed);
     ExpectNoCommit(" has been changed by another program while it was open");
-    EXPECT_EQ(ReadFile(path_), changed);
+    EXPECT_EQ(outside::ContentOf(path_), changed);
 }
 
 TEST_F(OpenDatabase, ThatGrowsIsNotWrittenAnyMore) {
@@ -256,7 +256,7 @@ TEST_F(OpenDatabase, ThatGrowsIsNotWrittenAnyMore) {
 TEST_F(OpenDatabase, MayGetAnotherTime) {
     WriteFile(path_, committed_);
     file_.Commit();
-    EXPECT_NE(ReadFile(path_), committed_);
+    EXPECT_NE(outside::ContentOf(path_), committed_);
     EXPECT_EQ(FaultsOf(path_, true), "");
 }
 
@@ -270,15 +270,15 @@ TEST_F(OpenDatabase, IsTheOneThatItsNameLedTo) {
     fs::create_symlink(path_, link);
     const std::string what = Refusal(ErrorKind::Changed, [&] { file.Commit(); });
     EXPECT_NE(what.find(link.string() + " has been replaced"), std::string::npos) << what;
-    EXPECT_EQ(ReadFile(other), content_);
-    EXPECT_EQ(ReadFile(path_), committed_);
+    EXPECT_EQ(outside::ContentOf(other), content_);
+    EXPECT_EQ(outside::ContentOf(path_), committed_);
 }
 
 TEST(AFailingLook, NeverHidesAJournal) {
     const TemporaryFolder folder;
     const auto path = folder / "d.mdb";
     DatabaseFile::Create(path, BothTables());
-    const std::string start = ReadFile(path);
+    const std::string start = outside::ContentOf(path);
     struct Situation {
         std::string database, journal;
         std::map<RowId, Row> rows;
@@ -303,7 +303,8 @@ TEST(AFailingLook, NeverHidesAJournal) {
         }
         reached = files->HasFailed();
         if (fs::exists(path.string() + ".journal"))
-            states.push_back({ReadFile(path), ReadFile(path.string() + ".journal"), after});
+            states.push_back(
+                {outside::ContentOf(path), outside::ContentOf(path.string() + ".journal"), after});
     }
     ASSERT_GE(states.size(), 3U);
     states = {states.front(), states[states.size() / 2], states.back()};

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdlib>
 #include <fstream>
-#include <iterator>
 #include <stdexcept>
 #include <system_error>
 
@@ -28,11 +27,6 @@ std::string OutputOf(const std::string& command) {
 std::string FaultsOf(const std::filesystem::path& database, bool strict) {
     return outside::StructuralFaults(
         database, strict ? outside::Strictness::Strict : outside::Strictness::Lenient);
-}
-
-std::string ReadFile(const std::filesystem::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
 void WriteFile(const std::filesystem::path& path, const std::string& content) {

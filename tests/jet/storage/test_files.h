@@ -20,7 +20,6 @@ std::string OutputOf(const std::string& command);
 /// that the database's own engine leaves behind count as well.
 std::string FaultsOf(const std::filesystem::path& database, bool strict = false);
 
-std::string ReadFile(const std::filesystem::path& path);
 void WriteFile(const std::filesystem::path& path, const std::string& content);
 
 }  // namespace jet::storage::test

@@ -162,7 +162,7 @@ TEST_F(WaitingEntries, OfRowsInAnyOrderMakeAWholeFile) {
 
 /// The page that holds a table's counters, of rows and of different keys.
 std::string CountersOfTracks(const std::filesystem::path& path) {
-    const std::string content = ReadFile(path);
+    const std::string content = outside::ContentOf(path);
     for (std::size_t at = 0; at < content.size(); at += PageSize)
         if (content[at] == 2 && content.find("P\0r\0i\0m\0a\0r\0y\0K", at) < at + PageSize)
             return content.substr(at, PageSize);

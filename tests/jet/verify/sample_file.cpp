@@ -1,7 +1,6 @@
 #include "tests/jet/verify/sample_file.h"
 
 #include <fstream>
-#include <iterator>
 #include <stdexcept>
 
 #include "jet/storage/database_file.h"
@@ -45,8 +44,8 @@ void MakeSample(const std::filesystem::path& path) {
 }
 
 SampleBytes::SampleBytes(const std::filesystem::path& path) {
-    std::ifstream stream(path, std::ios::binary);
-    bytes_.assign(std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>());
+    const std::string content = outside::ContentOf(path);
+    bytes_.assign(content.begin(), content.end());
 }
 
 void SampleBytes::Save(const std::filesystem::path& path) const {

@@ -3,24 +3,17 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <fstream>
 #include <sstream>
 #include <stdexcept>
 #include <string_view>
 
 #include "tests/jet/storage/index/json.h"
 #include "tests/outside/command.h"
+#include "tests/outside/temporary_folder.h"
 
 namespace jet::test {
 
 namespace {
-
-std::string ReadFile(const std::filesystem::path& path) {
-    const std::ifstream stream(path, std::ios::binary);
-    std::ostringstream content;
-    content << stream.rdbuf();
-    return std::move(content).str();
-}
 
 std::string ReadCompressed(const std::filesystem::path& path) {
     return outside::RunCommand("gzip -dc " + outside::ShellQuoted(path.string())).output;
@@ -119,7 +112,7 @@ Value ParseValue(const Json& json, const SampleColumn& column) {
 
 std::vector<SampleIndex> ReadIndexes(const std::filesystem::path& schema) {
     std::vector<SampleIndex> indexes;
-    const Json content = Json::Parse(ReadFile(schema));
+    const Json content = Json::Parse(outside::ContentOf(schema));
     for (const Json& table : content["tables"].Items()) {
         for (const Json& index : table["indexes"].Items()) {
             SampleIndex& added = indexes.emplace_back();

@@ -46,11 +46,11 @@ class AwkwardFiles : public testing::Test {
 
 // Its names have one lock file each, and nothing tells one of the other.
 TEST_F(AwkwardFiles, WithSeveralNamesAreRefused) {
-    const std::string before = ReadFile(path_);
+    const std::string before = outside::ContentOf(path_);
     const auto other = folder_ / "other.mdb";
     ASSERT_NE(CreateHardLinkW(other.c_str(), path_.c_str(), nullptr), 0);
     ExpectRefused(ErrorKind::NotSupported, "2 names (hard links)");
-    EXPECT_EQ(ReadFile(path_), before);
+    EXPECT_EQ(outside::ContentOf(path_), before);
     EXPECT_EQ(DatabaseFile::Open(path_, OpenMode::ReadOnly).TableNames().size(), 2U);
     ASSERT_NE(DeleteFileW(other.c_str()), 0);
     EXPECT_EQ(RowsAfterOneMore(path_), 1U);
