@@ -81,14 +81,17 @@ def files_of(library):
     name -> path."""
     found = {}
     for top in (library.host, library.disk):
-        for folder, _, names in os.walk(top, followlinks=True):
-            for path in (Path(folder, name) for name in names):
-                name = path.relative_to(library.folder)
-                own = path.parent == library.host and path.name.startswith(("jukebox.", "host.log"))
-                own = own or any(path.is_relative_to(library.host / folder)
-                                 for folder in ("Changes", "Reports"))
-                if not own and not is_backup(name) and not is_unfinished(name):
-                    found[neutral(str(name))] = path
+        for folder, folders, names in os.walk(top, followlinks=True):
+            here = Path(folder)
+            inside = here.relative_to(library.folder)
+            own = here in (library.host / "Changes", library.host / "Reports")
+            if own or is_backup(inside) or is_unfinished(inside):
+                folders.clear()
+                continue
+            for name in names:
+                own = here == library.host and name.startswith(("jukebox.", "host.log"))
+                if not own and not is_backup(Path(name)) and not is_unfinished(Path(name)):
+                    found[neutral(f"{inside}/{name}")] = here / name
     return found
 
 
