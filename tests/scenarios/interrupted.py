@@ -270,7 +270,7 @@ def main():
     # Otherwise nothing was tested.
     was_tested = stopped >= moments // 4 and (way == "abort" or story.unrepaired > 0)
     if story.terminator:
-        was_tested = was_tested and stopped >= moments * 3 // 4 and story.half_written > 0
+        was_tested = was_tested and stopped >= moments // 2 and story.half_written > 0
     return 0 if was_tested else 1
 
 
