@@ -27,7 +27,15 @@ class FileRecords {
     }
 
     /// What has been planned survives a power cut when this returns. Failure: it must not happen.
-    void MakeDurable() { sink_.MakeDurable(); }
+    void MakeDurable() {
+        sink_.MakeDurable();
+        durable_ = last_;
+    }
+
+    /// The same, where a power cut would leave too many changes that nobody can tell of.
+    void MakeDurableIfMany() {
+        if (last_ - durable_ >= MostUntold) MakeDurable();
+    }
 
     /// The change has not come off. Never fails: a journal that takes nothing more says so at the
     /// next change.
@@ -52,8 +60,11 @@ class FileRecords {
     }
 
   private:
+    static constexpr std::uint64_t MostUntold = 16;
+
     ChangeSink& sink_;
     std::uint64_t last_;
+    std::uint64_t durable_ = last_;  ///< the last one that is known to be
 };
 
 }  // namespace quillon

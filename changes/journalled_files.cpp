@@ -263,6 +263,7 @@ void JournalledFiles::WriteEnd(std::string_view path, const FileEnd& seen, std::
     const std::uint64_t end = std::max(seen.size, position + bytes.size());
     records_.Do(std::move(change), [&] {
         if (MayTear(position, end)) records_.MakeDurable();
+        records_.MakeDurableIfMany();
         files_.WriteEnd(path, seen, position, bytes);
     });
 }
@@ -293,6 +294,7 @@ void JournalledFiles::ReplaceBytes(std::string_view path, const FilePiece& seen,
         // A copy of the whole file costs more than this.
         if (!isInPlace || MayTear(seen.position, seen.position + old.size()))
             records_.MakeDurable();
+        records_.MakeDurableIfMany();
         files_.ReplaceBytes(path, seen, bytes);
     });
 }

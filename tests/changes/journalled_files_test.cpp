@@ -190,6 +190,17 @@ TEST_F(JournalledFilesTest, WhatAPowerCutMayLeaveInPartIsRecordedForGoodBefore) 
     EXPECT_EQ(list_.durable, 3U);
 }
 
+TEST_F(JournalledFilesTest, NoMoreThanSixteenTagsWaitForARecordThatLasts) {
+    fake_.AddFile(R"(D:\a.txt)", std::string(600, 'x'));
+    for (int i = 0; i < 40; ++i) {
+        const auto before = static_cast<std::uint8_t>(i == 0 ? 'x' : 'A' + i - 1);
+        files_.WriteEnd(R"(D:\a.txt)", {.size = 600, .bytes = {before}}, 599,
+                        std::vector{static_cast<std::uint8_t>('A' + i)});
+        EXPECT_LT(list_.records.size() - list_.durable, 16U);
+    }
+    EXPECT_EQ(list_.flushes, 2U);
+}
+
 TEST_F(JournalledFilesTest, WhatCannotBeRecordedForGoodIsNotWrittenOverOtherBytes) {
     fake_.AddFile(R"(D:\a.txt)", std::string(600, 'x'));
     list_.isDurableRefused = true;
